@@ -1,0 +1,138 @@
+# Compiler settings shared by every target, and the functions that add plug-ins and tests.
+include(GNUInstallDirs)
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
+set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
+set(CMAKE_CXX_FLAGS_SANITIZE "-O1 -g1 -fno-omit-frame-pointer")
+set(CMAKE_C_FLAGS_SANITIZE "-O1 -g1 -fno-omit-frame-pointer")
+
+find_program(CCACHE ccache)
+if(CCACHE)
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+    set(CMAKE_C_COMPILER_LAUNCHER ${CCACHE})
+endif()
+
+set(ZENTARA_SDK_MAJOR ${PROJECT_VERSION_MAJOR})
+set(ZENTARA_SDK_MINOR ${PROJECT_VERSION_MINOR})
+set(ZENTARA_SDK_PATCH ${PROJECT_VERSION_PATCH})
+set(ZENTARA_SDK_BUILD ${PROJECT_VERSION_TWEAK})
+configure_file(${PROJECT_SOURCE_DIR}/include/zentara/version.h.in
+    ${PROJECT_BINARY_DIR}/include/zentara/version.h @ONLY)
+
+add_library(zentara_settings INTERFACE)
+target_include_directories(zentara_settings INTERFACE ${PROJECT_SOURCE_DIR})
+target_compile_options(zentara_settings INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wcast-align -Wunused -Wimplicit-fallthrough
+    $<$<BOOL:${ZENTARA_WERROR}>:-Werror>
+    $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety>)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # Unique symbols would pin every plug-in in the process for ever.
+    target_compile_options(zentara_settings INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-fno-gnu-unique>)
+endif()
+if(ZENTARA_SANITIZE)
+    add_compile_options(-fsanitize=${ZENTARA_SANITIZE} -fno-sanitize-recover=all)
+    add_link_options(-fsanitize=${ZENTARA_SANITIZE})
+    if(ZENTARA_SANITIZE MATCHES "undefined")
+        # A type's vtable is not exported from every library that uses it.
+        add_compile_options(-fno-sanitize=vptr,function)
+        add_link_options(-fno-sanitize=vptr,function)
+    endif()
+endif()
+if(ZENTARA_COVERAGE)
+    add_compile_options(--coverage)
+    add_link_options(--coverage)
+endif()
+find_package(Threads REQUIRED)
+
+# Header-only packages of the distribution, reached one by one: for a cross-build the host's whole include
+# directory must stay out of the search path.
+set(ZENTARA_HOST_HEADERS ${PROJECT_BINARY_DIR}/host-headers)
+file(MAKE_DIRECTORY ${ZENTARA_HOST_HEADERS})
+foreach(package CLI nlohmann stb)
+    if(EXISTS /usr/include/${package})
+        file(CREATE_LINK /usr/include/${package} ${ZENTARA_HOST_HEADERS}/${package} SYMBOLIC)
+    endif()
+endforeach()
+add_library(zentara_host_headers INTERFACE)
+target_include_directories(zentara_host_headers SYSTEM INTERFACE ${ZENTARA_HOST_HEADERS})
+
+function(zentara_configure_library target)
+    target_compile_definitions(${target} PRIVATE ZENTARA_BUILDING_LIBRARY
+        ZENTARA_FALLBACK_ROOT="${ZENTARA_FALLBACK_ROOT}")
+    target_include_directories(${target} PUBLIC
+        $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
+        $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>
+        $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+    target_compile_features(${target} PUBLIC cxx_std_20)
+    target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:zentara_settings> $<BUILD_INTERFACE:zentara_platform>)
+    set_target_properties(${target} PROPERTIES OUTPUT_NAME ZentaraPlugins)
+    if(WIN32)
+        set_target_properties(${target} PROPERTIES PREFIX "")
+        zentara_copy_runtime(${target})
+    else()
+        set_target_properties(${target} PROPERTIES
+            VERSION ${ZENTARA_SDK_MAJOR}.${ZENTARA_SDK_MINOR}.${ZENTARA_SDK_PATCH}
+            SOVERSION ${ZENTARA_SDK_MAJOR}.${ZENTARA_SDK_MINOR})
+        if(NOT ZENTARA_SANITIZE)
+            target_link_options(${target} PRIVATE -Wl,--no-undefined)
+        endif()
+    endif()
+endfunction()
+
+# The library, its plug-ins and their host share one C++ runtime, so its DLLs lie beside them.
+set(ZENTARA_RUNTIME_DLLS)
+if(WIN32)
+    foreach(dll libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
+        execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${dll}
+            OUTPUT_VARIABLE path OUTPUT_STRIP_TRAILING_WHITESPACE)
+        if(NOT IS_ABSOLUTE ${path})
+            message(FATAL_ERROR "${dll} of the cross compiler was not found")
+        endif()
+        list(APPEND ZENTARA_RUNTIME_DLLS ${path})
+    endforeach()
+endif()
+function(zentara_copy_runtime target)
+    add_custom_command(TARGET ${target} POST_BUILD
+        COMMAND ${CMAKE_COMMAND} -E copy_if_different ${ZENTARA_RUNTIME_DLLS} ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}
+        VERBATIM)
+endfunction()
+
+# zentara_add_plugin(NAME SOURCES... [LIBRARIES ...]): a plug-in library in the build tree's "bin/Plugins/".
+set(ZENTARA_PLUGIN_DIR ${PROJECT_BINARY_DIR}/bin/Plugins)
+function(zentara_add_plugin name)
+    cmake_parse_arguments(arg "NO_INSTALL" "DIRECTORY" "SOURCES;LIBRARIES" ${ARGN})
+    if(NOT arg_DIRECTORY)
+        set(arg_DIRECTORY ${ZENTARA_PLUGIN_DIR})
+    endif()
+    add_library(${name} MODULE ${arg_SOURCES})
+    target_link_libraries(${name} PRIVATE ZentaraPlugins zentara_settings ${arg_LIBRARIES})
+    set_target_properties(${name} PROPERTIES PREFIX ""
+        LIBRARY_OUTPUT_DIRECTORY ${arg_DIRECTORY} RUNTIME_OUTPUT_DIRECTORY ${arg_DIRECTORY}
+        INSTALL_RPATH "$ORIGIN/../../${CMAKE_INSTALL_LIBDIR}")
+    if(NOT arg_NO_INSTALL)
+        install(TARGETS ${name} LIBRARY DESTINATION bin/Plugins RUNTIME DESTINATION bin/Plugins)
+    endif()
+endfunction()
+
+# zentara_add_test(NAME SOURCES ... [LIBRARIES ...]): one GoogleTest executable, one test for CTest.
+function(zentara_add_test name)
+    cmake_parse_arguments(arg "" "TIMEOUT" "SOURCES;LIBRARIES;DEPENDS;ENVIRONMENT" ${ARGN})
+    if(NOT arg_TIMEOUT)
+        set(arg_TIMEOUT 300)
+    endif()
+    add_executable(${name} ${arg_SOURCES})
+    target_link_libraries(${name} PRIVATE ZentaraPlugins zentara_settings zentara_test_main ${arg_LIBRARIES})
+    if(arg_DEPENDS)
+        add_dependencies(${name} ${arg_DEPENDS})
+    endif()
+    add_test(NAME ${name} COMMAND ${name})
+    set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT}
+        ENVIRONMENT "ZENTARASDK_ROOT=${PROJECT_BINARY_DIR}/;${arg_ENVIRONMENT}")
+endfunction()

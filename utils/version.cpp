@@ -1,0 +1,7 @@
+#include <zentara/version.h>
+
+namespace Zentara {
+
+const char* sdkVersion() noexcept { return ZENTARA_SDK_VERSION_STRING; }
+
+} // namespace Zentara
