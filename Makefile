@@ -1,0 +1,46 @@
+# The commands of everyday work. Each installs what it needs on a Debian machine, or says what to install.
+SOURCES = $(shell git ls-files '*.h' '*.cpp' '*.c')
+JOBS ?= $(shell nproc)
+
+.PHONY: demo test test-linux test-windows test-asan test-tsan format lint tidy bench clean
+
+## Builds everything and streams from a simulated camera; leaves a picture and a sound under build/.
+demo:
+	@.ci/setup demo
+	@cmake --preset gcc -Wno-dev >/dev/null
+	@cmake --build --preset gcc -j $(JOBS) --target demo
+
+## Builds and runs all tests, on Linux and under Wine.
+test:
+	@.ci/setup test
+	@$(MAKE) --no-print-directory test-linux test-windows
+
+test-linux test-windows test-asan test-tsan: test-%:
+	@.ci/build-and-test $*
+
+## Puts every source into the house format.
+format:
+	@.ci/setup ci
+	@clang-format -i $(SOURCES)
+
+## Format, floors and includes, without changing anything; `make tidy` adds clang-tidy, which takes minutes.
+lint:
+	@.ci/setup ci
+	@clang-format --dry-run -Werror $(SOURCES)
+	@.ci/check-includes
+
+tidy: lint
+	@cmake --preset clang -Wno-dev >/dev/null
+	@cmake --build --preset clang -j $(JOBS) --target zentara_headers
+	@git ls-files 'utils/*.cpp' 'core/*.cpp' 'io/*.cpp' 'model/*.cpp' 'rom/*.cpp' | grep -v /windows/ \
+	    | xargs -P $(JOBS) -n 4 clang-tidy -quiet -p build/clang
+
+## Runs the benchmarks, each beside its peer, and prints the ratios.
+bench:
+	@.ci/setup bench
+	@cmake --preset bench -Wno-dev >/dev/null
+	@cmake --build --preset bench -j $(JOBS)
+	@cmake --build --preset bench --target run_benchmarks
+
+clean:
+	rm -rf build
