@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+
+#include <zentara/export.h>
+
+namespace Zentara::Utils {
+
+/// Loads a shared library, with all its symbols resolved and none given to others, and without a system
+/// dialog. Each success is paired with one freeSharedLibrary(). Anything but a regular file is refused, so a
+/// pipe cannot hold the caller up. \param mode  not used. \return the handle, or null, and then
+/// getLastError() on this thread tells the reason. Safe on any thread.
+ZENTARA_API void* loadSharedLibrary(const std::string& path, int mode);
+
+/// The address of an exported function; null when the library is null or has no such symbol. Safe on any
+/// thread.
+ZENTARA_API void* getFunction(void* library, const std::string& name);
+
+/// True on success; false for null. Safe on any thread, as long as nobody still runs the library's code.
+ZENTARA_API bool freeSharedLibrary(void* library);
+
+} // namespace Zentara::Utils

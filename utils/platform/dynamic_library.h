@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+
+namespace Zentara::Utils::Platform {
+
+/// Loads a library, all symbols resolved and kept local, without a dialog; null on failure, and then the
+/// thread's lastErrorText() is the loader's reason. Refuses an empty path and what is no regular file.
+void* openLibrary(const std::string& path);
+
+/// Null for a null library and for a missing symbol.
+void* findSymbol(void* library, const std::string& name);
+
+/// False for null and on failure.
+bool closeLibrary(void* library) noexcept;
+
+} // namespace Zentara::Utils::Platform
