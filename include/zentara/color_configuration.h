@@ -1,0 +1,46 @@
+#pragma once
+
+#include <zentara/compression_type.h>
+#include <zentara/configuration.h>
+#include <zentara/frame_format.h>
+#include <zentara/power_line_frequency.h>
+
+namespace Zentara {
+
+/// A colour mode, named for example "COFF2FR30PLF1COMP0". Separate.
+class ZENTARA_API ColorConfiguration : public Configuration {
+public:
+    /// All fields 0.
+    ColorConfiguration();
+
+    /// \param frameRate frames a second
+    ColorConfiguration(FrameFormat format, int frameRate, PowerLineFrequency frequency,
+                       CompressionType compression);
+    ColorConfiguration(const ColorConfiguration&);
+    ColorConfiguration& operator=(const ColorConfiguration&);
+
+    [[nodiscard]] FrameFormat getFrameFormat() const;
+    void setFrameFormat(FrameFormat newFormat);
+    [[nodiscard]] int getFrameRate() const;
+    void setFrameRate(int newFrameRate);
+    [[nodiscard]] PowerLineFrequency getPowerLineFrequency() const;
+    void setPowerLineFrequency(PowerLineFrequency newFrequency);
+    [[nodiscard]] CompressionType getCompression() const;
+    void setCompression(CompressionType newCompression);
+
+    /// True when the four fields are equal; false for null.
+    [[nodiscard]] bool isEqual(const ColorConfiguration* other) const;
+
+protected:
+    ~ColorConfiguration() override;
+
+private:
+    void rename();
+
+    FrameFormat format = FrameFormat_NONE;
+    int frameRate = 0;
+    PowerLineFrequency frequency = PowerLineFrequency_DISABLED;
+    CompressionType compression = CompressionType_NONE;
+};
+
+} // namespace Zentara

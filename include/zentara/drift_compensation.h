@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+
+namespace Zentara {
+
+/// How the slow drift of a depth camera's phase is compensated.
+struct DriftCompensation {
+    DriftCompensation() = default;
+    DriftCompensation(std::int32_t compensationKind, std::int32_t compensationValue)
+        : kind(compensationKind), value(compensationValue) {}
+
+    std::int32_t kind = -1; ///< the method; -1: none
+    std::int32_t value = 0; ///< its parameter
+
+    friend bool operator==(const DriftCompensation&, const DriftCompensation&) = default;
+};
+
+} // namespace Zentara

@@ -1,0 +1,89 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include <zentara/core/impl_type.h>
+#include <zentara/core/plugin.h>
+#include <zentara/export.h>
+#include <zentara/guid.h>
+#include <zentara/node_event.h>
+#include <zentara/read_buffer_status.h>
+
+namespace Zentara::Core {
+class DescriptorStoreRO;
+}
+
+namespace Zentara::IO {
+
+class deviceRequest;
+class disableRequest;
+
+/// What video and audio devices have in common. A back-end plug-in implements one of the two refinements;
+/// hosts reach it through a proxy.
+///
+/// A proxy calls one operation at a time, and in proxified mode all of them on one thread, save for
+/// `readBuffer`, `cancelIO`, `initialize` and `dispose`: those run on the caller's thread, the first two also
+/// beside another operation. An operation that takes a request reads its arguments from it and writes its
+/// results into it. It fails by throwing a plug-in exception or by the request's `setFailure`. It may outlast
+/// its caller's patience, so it touches the caller's memory only through the request, and the request only
+/// until it returns.
+///
+/// The order of the virtual operations is the boundary to back-ends that are built separately.
+class ZENTARA_API AVDeviceInterface : public Core::Plugin {
+public:
+    ~AVDeviceInterface() override;
+    AVDeviceInterface(const AVDeviceInterface&) = delete;
+    AVDeviceInterface& operator=(const AVDeviceInterface&) = delete;
+
+    /// The version of the interface classes: 0.1.0. Null pointers are skipped. Safe.
+    static void getPluginVersion(int* major, int* minor, int* patch);
+
+    /// Forgets the descriptor store. A back-end that overrides it calls it, too.
+    virtual void dispose();
+
+    /// Copies the description of the device and keeps the store, which must live until `dispose`. A back-end
+    /// that overrides it calls it, too. \param store may be null \throws Plugin::ArgumentPluginException if
+    /// `event` is null
+    virtual void initialize(NodeEvent* event, Core::DescriptorStoreRO* store);
+
+    /// Prepares the calling thread for the platform's services.
+    virtual void threadInitialize() = 0;
+
+    /// Takes that back, on the same thread.
+    virtual void threadUninitialize() = 0;
+
+    /// Cancels the transfer that is in flight. Called on the thread of the caller who gave up, while the
+    /// operation runs on another, with the request locked. Must not block. \return true if the operation will
+    /// now end soon
+    virtual bool cancelIO() = 0;
+
+    /// Waits for the next frame and copies it. Called directly, beside other operations.
+    /// \param size of `buffer` in bytes
+    /// \param timestamp receives when the frame was taken, in microseconds
+    /// \param length receives the frame's bytes
+    virtual ReadBufferStatus readBuffer(void* buffer, int size, std::int64_t* timestamp, int* length) = 0;
+
+    virtual void open(deviceRequest* request) = 0;
+    virtual void close(deviceRequest* request) = 0;
+    virtual void disableStreaming(disableRequest* request) = 0;
+
+    /// The path of the device from its description; empty before `initialize`.
+    [[nodiscard]] std::string getPath() const;
+
+protected:
+    AVDeviceInterface(Core::ImplType type, GUID guid);
+
+    /// What `initialize` was given.
+    [[nodiscard]] const NodeEvent& getDescription() const;
+
+    /// Null before `initialize` and after `dispose`.
+    [[nodiscard]] Core::DescriptorStoreRO* getDescriptorStore() const;
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> impl;
+};
+
+} // namespace Zentara::IO

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include <zentara/export.h>
+#include <zentara/plugin/plugin_exceptions.h>
+#include <zentara/read_buffer_status.h>
+
+namespace Zentara::IO {
+
+class AVDeviceProxyThread;
+
+/// What a host holds in place of a device. It makes the device through the plug-in manager and turns each
+/// call into a request. Chosen at construction:
+/// - direct: the call runs on the caller's thread under the proxy's mutex, for as long as the device takes;
+/// - proxified: it runs on the process-wide worker thread, and the caller waits at most 2 s from its start.
+/// The
+///   caller's buffers and variables are copied: what comes back is stored only after a normal return, and a
+///   device that answers too late finds nothing of the caller's.
+///
+/// A device's failure is thrown as the plug-in exception that it reported. Operations are safe; construction
+/// and destruction are not.
+class ZENTARA_API AVDeviceProxy {
+public:
+    AVDeviceProxy(const AVDeviceProxy&) = delete;
+    AVDeviceProxy& operator=(const AVDeviceProxy&) = delete;
+
+    /// Gives back the worker thread.
+    virtual ~AVDeviceProxy();
+
+    /// Prepares, and below unprepares, the calling thread: neither goes through the worker.
+    virtual void threadInitialize() = 0;
+    virtual void threadUninitialize() = 0;
+
+    /// Calls the device directly, beside other operations and for as long as it takes. The arguments and the
+    /// result are those of `AVDeviceInterface::readBuffer`.
+    virtual ReadBufferStatus readBuffer(void* buffer, int size, std::int64_t* timestamp, int* length) = 0;
+
+    virtual void open() = 0;
+    virtual void close() = 0;
+
+    /// \param flag its meaning is the device's
+    virtual void disableStreaming(bool flag) = 0;
+
+    [[nodiscard]] bool isProxified() const;
+
+    /// The worker; null in direct mode and after `dispose`.
+    [[nodiscard]] AVDeviceProxyThread* getProxy() const;
+
+    /// Throws the plug-in exception that belongs to the type; returns for a type that has none. Safe.
+    static void PluginException_throw(Plugin::PluginExceptionType type, const std::string& message);
+
+protected:
+    explicit AVDeviceProxy(bool proxified);
+
+    /// Gives back the worker thread, once.
+    virtual void dispose();
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> impl;
+};
+
+} // namespace Zentara::IO

@@ -1,0 +1,95 @@
+#pragma once
+
+#include <vector>
+
+#include <zentara/camera_controls.h>
+#include <zentara/guid.h>
+#include <zentara/io/av_device_proxy.h>
+#include <zentara/io/streaming_requests.h>
+#include <zentara/region_of_interest_internal.h>
+#include <zentara/utils/smart_ptr.h>
+
+namespace Zentara {
+class ColorConfiguration;
+class DepthBaseConfiguration;
+struct NodeEvent;
+} // namespace Zentara
+
+namespace Zentara::Core {
+class ColorNodeInterface;
+class DepthNodeInterface;
+class DescriptorStoreRO;
+} // namespace Zentara::Core
+
+namespace Zentara::IO {
+
+/// A video device, for depth or colour, as a host sees it: see `AVDeviceProxy`.
+class ZENTARA_API VideoDeviceProxy : public AVDeviceProxy {
+public:
+    /// Makes the device and has it prepare the thread on which it will be called.
+    /// \throws Plugin::InitializationPluginException "couldn't find GUID GUID", "ImplType mismatch", or
+    /// "Couldn't
+    ///         instantiate object GUID"
+    /// \throws what the device's thread initialisation throws; nothing is held then
+    VideoDeviceProxy(GUID guid, bool proxified);
+
+    /// Has the device take its preparation of the thread back, and releases it. Throws nothing.
+    ~VideoDeviceProxy() override;
+
+    /// Without the proxy's mutex.
+    void threadInitialize() override;
+    void threadUninitialize() override;
+    ReadBufferStatus readBuffer(void* buffer, int size, std::int64_t* timestamp, int* length) override;
+    void open() override;
+    void close() override;
+    void disableStreaming(bool flag) override;
+
+    /// Has no effect in proxified mode.
+    virtual void setOutputFormat(setOutputFormatRequest::OutputFormat format);
+
+    void getCameraControlRanges(CameraControlRanges& ranges);
+
+    /// Appends the device's modes.
+    void getConfigurations(std::vector<Utils::SmartPtr<ColorConfiguration>>& configurations);
+    void enableStreaming(Utils::SmartPtr<DepthBaseConfiguration> configuration);
+    void enableStreaming(Utils::SmartPtr<ColorConfiguration> configuration, CameraControls controls);
+    void setCameraControl(CameraControlsEnum control, CameraControlValue value);
+
+    void send(std::uint32_t unit, std::int32_t control, std::uint32_t length, const void* data);
+
+    /// \param data `length` bytes; what they hold on entry reaches the device
+    /// \param flag its meaning is the device's
+    void recv(std::uint32_t unit, std::int32_t control, std::uint32_t length, void* data, bool flag);
+
+    /// The bytes that the control has.
+    [[nodiscard]] int len(std::uint32_t unit, std::uint32_t control);
+    void xuSetup(const GUID& guid);
+
+    void read(std::uint8_t requestCode, std::uint16_t value, std::uint16_t index, std::uint8_t* buffer,
+              std::uint16_t length);
+    void write(std::uint8_t requestCode, std::uint16_t value, std::uint16_t index, const std::uint8_t* buffer,
+               std::uint16_t length);
+    void write(std::uint8_t endpoint, const std::uint8_t* data, std::int32_t length);
+
+    void pauseStreaming();
+    void resumeStreaming();
+
+    /// Has no effect in proxified mode.
+    void setRegionOfInterest(const RegionOfInterestInternal& region);
+
+protected:
+    /// Calls the device's `initialize` directly.
+    void initialize(NodeEvent* event, Core::DescriptorStoreRO* store);
+
+    /// The destructor's work. Disposing twice is harmless; afterwards every operation throws
+    /// `Plugin::InvalidOperationPluginException`.
+    void dispose() override;
+
+private:
+    friend class Core::ColorNodeInterface;
+    friend class Core::DepthNodeInterface;
+    struct Impl;
+    std::unique_ptr<Impl> impl;
+};
+
+} // namespace Zentara::IO
