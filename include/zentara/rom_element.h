@@ -1,0 +1,15 @@
+#pragma once
+
+#include <cstdint>
+
+namespace Zentara {
+
+/// Where one piece of calibration lies in a camera's ROM. A copyable value.
+struct ROMElement {
+    std::uint32_t address = 0; ///< of its first byte
+    std::uint32_t size = 0;    ///< bytes
+
+    friend bool operator==(const ROMElement&, const ROMElement&) = default;
+};
+
+} // namespace Zentara
