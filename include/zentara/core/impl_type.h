@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstdint>
+
+namespace Zentara::Core {
+
+/// The interface kind that an implementation offers: what a plug-in reports from "getImplType" and what a
+/// host names when it asks the PluginManager for an object. A plug-in states its kind as a plain 32-bit
+/// integer, so any value may turn up; the manager accepts the kinds 1 to 6, 8 and 9.
+enum ImplType : std::int32_t {
+    ImplType_NONE = 0, ///< no implementation
+    ImplType_DEPTH_NODE = 1,
+    ImplType_COLOR_NODE = 2,
+    ImplType_AUDIO_NODE = 3,
+    ImplType_AUDIO_DEVICE = 4,
+    ImplType_VIDEO_DEVICE = 5,
+    ImplType_ENUMERATOR = 6,
+    ImplType_CAMERA_MODEL = 7, ///< names a camera model; never a plug-in
+    ImplType_DESCRIPTOR_STORE = 8,
+    ImplType_PARAMETER_INTERPRETER = 9, ///< reached through its own exports; its factory is never called
+};
+
+} // namespace Zentara::Core
