@@ -5,6 +5,9 @@
 #include <zentara/acceleration_internal.h>
 #include <zentara/access_mode.h>
 #include <zentara/camera_intrinsics.h>
+#include <zentara/core/guids.h>
+#include <zentara/core/impl_type.h>
+#include <zentara/core/plugin_probe.h>
 #include <zentara/cyclic_error_record.h>
 #include <zentara/diagnostic_data.h>
 #include <zentara/error_code.h>
@@ -12,6 +15,7 @@
 #include <zentara/extrinsic_parameters_internal.h>
 #include <zentara/four_cc.h>
 #include <zentara/guid.h>
+#include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/raw_output_mode.h>
 #include <zentara/rom/accelerometer_calibration_data.h>
 #include <zentara/rom/accessor.h>
