@@ -1,0 +1,53 @@
+#include "utils/platform/event.h"
+
+#include "utils/platform/posix/event_cell.h"
+
+namespace Zentara::Utils::Platform {
+
+namespace {
+
+struct PosixEvent final : Event {
+    explicit PosixEvent(Reset kind) : manual(kind == Reset::manual) {}
+
+    const bool manual;
+    EventCell cell;
+};
+
+struct PosixEventPair final : EventPair {
+    EventCell cell;
+};
+
+PosixEvent& native(Event& event) { return static_cast<PosixEvent&>(event); }
+EventCell& cell(EventPair& pair) { return static_cast<PosixEventPair&>(pair).cell; }
+
+} // namespace
+
+Event* Event::create(Reset reset) noexcept { return new PosixEvent(reset); }
+
+void Event::destroy(Event* event) noexcept { delete static_cast<PosixEvent*>(event); }
+
+void Event::set() noexcept {
+    PosixEvent& event = native(*this);
+    if (event.manual)
+        event.cell.raise();
+    else
+        event.cell.post();
+}
+
+void Event::reset() noexcept { native(*this).cell.clear(); }
+
+bool Event::wait(unsigned long milliseconds) noexcept { return native(*this).cell.wait(milliseconds); }
+
+EventPair* EventPair::create() noexcept { return new PosixEventPair(); }
+
+void EventPair::destroy(EventPair* pair) noexcept { delete static_cast<PosixEventPair*>(pair); }
+
+void EventPair::setOne() noexcept { cell(*this).post(); }
+
+void EventPair::setAll() noexcept { cell(*this).raise(); }
+
+void EventPair::reset() noexcept { cell(*this).clear(); }
+
+bool EventPair::wait(unsigned long milliseconds) noexcept { return cell(*this).wait(milliseconds); }
+
+} // namespace Zentara::Utils::Platform

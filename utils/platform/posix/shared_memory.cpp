@@ -1,0 +1,80 @@
+#include "utils/platform/shared_memory.h"
+
+#include "utils/platform/posix/shared_object.h"
+
+#include <cerrno>
+#include <limits>
+#include <new>
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+
+namespace Zentara::Utils::Platform {
+
+namespace {
+
+class PosixMapping final : public SharedMapping {
+public:
+    ~PosixMapping() {
+        if (memory != MAP_FAILED)
+            munmap(memory, length);
+    }
+
+    bool open(const std::string& name, std::size_t size, bool writable) {
+        if (!object.open(name))
+            return false;
+        const bool sized = ensureSize(size);
+        object.openGate();
+        if (!sized)
+            return false;
+        length = size;
+        memory = mmap(nullptr, size, writable ? PROT_READ | PROT_WRITE : PROT_READ, MAP_SHARED,
+                      object.descriptor(), 0);
+        return memory != MAP_FAILED;
+    }
+
+    SharedObject object;
+    void* memory = MAP_FAILED;
+
+private:
+    /// The first user sizes the object, and with real memory: a promise the system cannot keep would end in a
+    /// fault at the first access.
+    bool ensureSize(std::size_t size) {
+        struct stat status {};
+        if (fstat(object.descriptor(), &status) != 0)
+            return false;
+        if (status.st_size != 0)
+            return static_cast<std::size_t>(status.st_size) >= size;
+        int result = 0;
+        do {
+            result = posix_fallocate(object.descriptor(), 0, static_cast<off_t>(size));
+        } while (result == EINTR);
+        return result == 0;
+    }
+
+    std::size_t length = 0;
+};
+
+bool isUsable(const std::string& name, std::size_t size) {
+    const bool named =
+        name.size() > 1 && name.find_first_of("/\\", 1) == std::string::npos && name[0] != '\\';
+    return named && size > 0 && size <= static_cast<std::size_t>(std::numeric_limits<off_t>::max());
+}
+
+} // namespace
+
+SharedMapping* SharedMapping::create(const std::string& name, std::size_t size, bool writable) noexcept {
+    if (!isUsable(name, size))
+        return nullptr;
+    std::unique_ptr<PosixMapping> mapping(new (std::nothrow) PosixMapping());
+    return mapping && mapping->open(name, size, writable) ? mapping.release() : nullptr;
+}
+
+void SharedMapping::destroy(SharedMapping* mapping) noexcept { delete static_cast<PosixMapping*>(mapping); }
+
+void* SharedMapping::address() const noexcept { return static_cast<const PosixMapping*>(this)->memory; }
+
+void SharedMapping::unlink() noexcept { static_cast<PosixMapping*>(this)->object.unlink(); }
+
+} // namespace Zentara::Utils::Platform

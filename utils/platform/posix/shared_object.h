@@ -1,0 +1,42 @@
+#pragma once
+
+#include <string>
+
+namespace Zentara::Utils::Platform {
+
+/// A named object in the system's shared memory that lives as long as somebody has it open: the last user
+/// unlinks it, and what a killed process left behind is replaced by the next one who opens it.
+///
+/// Two bytes of the object are locked through the open file, so the locks work within one process too and die
+/// with their holder: the gate, held alone while somebody opens or closes, and the membership, shared by all
+/// users.
+class SharedObject final {
+public:
+    SharedObject() = default;
+    ~SharedObject() { close(); }
+    SharedObject(const SharedObject&) = delete;
+    SharedObject& operator=(const SharedObject&) = delete;
+
+    /// Opens or creates the object and becomes a user of it. On success the gate is still held, so that the
+    /// caller can look at the object alone, and the caller must openGate() next.
+    [[nodiscard]] bool open(const std::string& objectName);
+    void openGate();
+    void close();
+    /// Removes the name; users keep what they have open.
+    void unlink();
+
+    [[nodiscard]] int descriptor() const { return file; }
+    /// Whether others were using the object when it was opened.
+    [[nodiscard]] bool wasInUse() const { return inUse; }
+
+private:
+    enum class Attempt { opened, replaced, failed };
+    Attempt tryOpen();
+    Attempt becomeUser();
+
+    std::string name;
+    int file = -1;
+    bool inUse = false;
+};
+
+} // namespace Zentara::Utils::Platform

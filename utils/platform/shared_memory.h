@@ -1,0 +1,35 @@
+#pragma once
+
+#include "utils/platform/owned.h"
+
+#include <cstddef>
+#include <string>
+
+namespace Zentara::Utils::Platform {
+
+/// Memory that the processes of one user share under a name. It starts as zeros, keeps the size of its first
+/// user and goes with its last user, also when that one is killed.
+class SharedMapping {
+public:
+    /// Opens the memory, or creates it.
+    /// \param name UTF-8. A leading slash is welcome; another slash or a backslash makes it fail.
+    /// \param size bytes to map; memory that exists with fewer makes it fail, and so does 0.
+    /// \return null on failure.
+    static SharedMapping* create(const std::string& name, std::size_t size, bool writable) noexcept;
+    static void destroy(SharedMapping* mapping) noexcept;
+
+    [[nodiscard]] void* address() const noexcept;
+
+    /// Makes the system forget the name where it can (Windows cannot): present users keep the memory, the
+    /// next create() makes new memory.
+    void unlink() noexcept;
+
+    SharedMapping(const SharedMapping&) = delete;
+    SharedMapping& operator=(const SharedMapping&) = delete;
+
+protected:
+    SharedMapping() = default;
+    ~SharedMapping() = default;
+};
+
+} // namespace Zentara::Utils::Platform

@@ -1,0 +1,29 @@
+#include "utils/platform/clock.h"
+
+#include "utils/platform/windows/system.h"
+
+namespace Zentara::Utils::Platform {
+
+namespace {
+
+/// Microseconds per count of the performance counter; 0 where there is none.
+double counterFactor() noexcept {
+    LARGE_INTEGER frequency;
+    return QueryPerformanceFrequency(&frequency) && frequency.QuadPart > 0
+               ? 1'000'000.0 / static_cast<double>(frequency.QuadPart)
+               : 0;
+}
+
+constexpr double tickFactor = 1000.0;
+
+} // namespace
+
+std::int64_t monotonicMicroseconds() noexcept {
+    static const double factor = counterFactor();
+    LARGE_INTEGER counter;
+    if (factor > 0 && QueryPerformanceCounter(&counter))
+        return static_cast<std::int64_t>(static_cast<double>(counter.QuadPart) * factor);
+    return static_cast<std::int64_t>(static_cast<double>(GetTickCount64()) * tickFactor);
+}
+
+} // namespace Zentara::Utils::Platform
