@@ -1,0 +1,27 @@
+#pragma once
+
+#include <zentara/export.h>
+
+#include <memory>
+
+namespace Zentara::Utils {
+
+/// Tells whether another process of this user, or another object of this process, holds the same name.
+/// The name is held from construction to destruction, or to the end of the process. Never throws.
+class ZENTARA_API UniqueInstance final {
+public:
+    explicit UniqueInstance(const char* name) noexcept;
+    ~UniqueInstance();
+    UniqueInstance(const UniqueInstance&) = delete;
+    UniqueInstance& operator=(const UniqueInstance&) = delete;
+
+    /// True when the name was held already at construction. A name that cannot be taken for any other reason
+    /// counts as not held.
+    [[nodiscard]] bool isAnotherInstanceRunning() const noexcept;
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> impl;
+};
+
+} // namespace Zentara::Utils

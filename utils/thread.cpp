@@ -1,0 +1,131 @@
+#include <zentara/utils/thread.h>
+
+#include <zentara/utils/mutex.h>
+#include <zentara/utils/runnable.h>
+#include <zentara/utils/signal.h>
+#include <zentara/utils/thread_base.h>
+
+#include <atomic>
+#include <string>
+
+namespace Zentara::Utils::Threading {
+
+/// One start of the thread: what the system thread needs, apart from the Thread that it may outlive.
+struct Thread::Run {
+    Run(Runnable* work, void* workArgument, std::string threadName)
+        : runnable(work), argument(workArgument), name(std::move(threadName)) {}
+
+    Runnable* const runnable;
+    void* const argument;
+    const std::string name;
+    Signal entered;
+
+    void enter() {
+        if (runnable)
+            runnable->enter();
+        entered.set();
+    }
+    void work() {
+        if (runnable)
+            runnable->run(argument);
+    }
+    void leave() {
+        if (runnable)
+            runnable->leave();
+    }
+};
+
+struct Thread::Impl {
+    Impl(Runnable* work, void* workArgument) : runnable(work), argument(workArgument) {}
+
+    Runnable* const runnable;
+    void* const argument;
+    std::atomic<bool> exitRequested{false};
+
+    mutable Mutex lock;
+    std::string name ZENTARA_GUARDED_BY(lock);
+    std::shared_ptr<ThreadBase> thread ZENTARA_GUARDED_BY(lock);
+
+    std::shared_ptr<ThreadBase> current() const {
+        AutoLock hold(lock);
+        return thread;
+    }
+    bool isAlive() const {
+        const auto present = current();
+        return present && present->getState() != ThreadState_FINISHED;
+    }
+};
+
+Thread::Thread(Runnable* runnable, void* argument, const char* name)
+    : impl(std::make_unique<Impl>(runnable, argument)) {
+    AutoLock hold(impl->lock);
+    impl->name = name ? name : "";
+}
+
+Thread::~Thread() = default;
+
+void Thread::start(bool waitUntilRunning) {
+    std::shared_ptr<Run> run;
+    {
+        AutoLock hold(impl->lock);
+        if (impl->thread && impl->thread->getState() != ThreadState_FINISHED)
+            return;
+        if (impl->thread)
+            impl->thread->join();
+        impl->exitRequested = false;
+        if (impl->runnable)
+            impl->runnable->forgetExitRequest();
+        run = std::make_shared<Run>(impl->runnable, impl->argument, impl->name);
+        auto holder = std::make_unique<std::shared_ptr<Run>>(run);
+        impl->thread = std::make_shared<ThreadBase>(&Thread::execute, holder.get(), false);
+        // The thread owns it now; had it not come to be, nobody would.
+        static_cast<void>(holder.release());
+    }
+    if (waitUntilRunning)
+        run->entered.wait();
+}
+
+void Thread::stop(bool waitUntilFinished) {
+    if (impl->isAlive())
+        exit();
+    if (waitUntilFinished)
+        wait();
+}
+
+void Thread::wait() {
+    if (const auto present = impl->current())
+        present->join();
+}
+
+void Thread::exit() {
+    impl->exitRequested = true;
+    if (impl->runnable)
+        impl->runnable->exit();
+}
+
+bool Thread::exitRequested() const { return impl->exitRequested; }
+
+void Thread::setName(const char* name) {
+    AutoLock hold(impl->lock);
+    impl->name = name ? name : "";
+}
+
+const char* Thread::getName() const {
+    AutoLock hold(impl->lock);
+    return impl->name.c_str();
+}
+
+void Thread::execute(void* argument) {
+    const std::unique_ptr<std::shared_ptr<Run>> holder(static_cast<std::shared_ptr<Run>*>(argument));
+    Run& run = **holder;
+    ThreadBase::setDebuggerThreadName(run.name.c_str());
+    run.enter();
+    try {
+        run.work();
+    } catch (...) {
+        // An exception has nowhere to go from here; the thread ends as if run() had returned.
+    }
+    run.leave();
+}
+
+} // namespace Zentara::Utils::Threading

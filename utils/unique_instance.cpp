@@ -1,0 +1,23 @@
+#include <zentara/utils/unique_instance.h>
+
+#include "utils/platform/single_instance.h"
+
+#include <new>
+
+namespace Zentara::Utils {
+
+struct UniqueInstance::Impl {
+    bool existed = false;
+    Platform::Owned<Platform::SingleInstance> held;
+};
+
+UniqueInstance::UniqueInstance(const char* name) noexcept : impl(new (std::nothrow) Impl()) {
+    if (impl && name)
+        impl->held.reset(Platform::SingleInstance::create(name, impl->existed));
+}
+
+UniqueInstance::~UniqueInstance() = default;
+
+bool UniqueInstance::isAnotherInstanceRunning() const noexcept { return impl && impl->existed; }
+
+} // namespace Zentara::Utils
