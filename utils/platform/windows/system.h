@@ -7,4 +7,6 @@
 #ifndef NOMINMAX
 #define NOMINMAX
 #endif
+#include <winsock2.h>
+
 #include <windows.h>
