@@ -1,0 +1,13 @@
+#include <zentara/utils/dynamic_library.h>
+
+#include "utils/platform/dynamic_library.h"
+
+namespace Zentara::Utils {
+
+void* loadSharedLibrary(const std::string& path, int) { return Platform::openLibrary(path); }
+
+void* getFunction(void* library, const std::string& name) { return Platform::findSymbol(library, name); }
+
+bool freeSharedLibrary(void* library) { return Platform::closeLibrary(library); }
+
+} // namespace Zentara::Utils

@@ -1,0 +1,165 @@
+#include <zentara/utils/wave_writer.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <limits>
+
+#include "utils/platform/files.h"
+
+namespace Platform = Zentara::Utils::Platform;
+
+namespace {
+
+enum Result {
+    NoError = 0,
+    AlreadyOpen = 1,
+    CannotOpen = 2,
+    CannotWrite = 3,
+    CannotSeek = 4,
+    CannotClose = 5
+};
+
+/// The three pieces of the header, in which a file begins.
+constexpr std::size_t riffBytes = 4 + 4 + 4;
+constexpr std::size_t formatBytes = 4 + 4 + 2 + 2 + 4 + 4 + 2 + 2;
+constexpr std::size_t dataBytes = 4 + 4;
+constexpr std::size_t headerBytes = riffBytes + formatBytes + dataBytes;
+
+constexpr std::uint32_t riffSizeWithoutData = headerBytes - 8;
+constexpr std::uint32_t formatChunkSize = formatBytes - 8;
+constexpr std::uint16_t pcmFormat = 1;
+
+/// Fills the header's bytes from front to back, little-endian.
+class HeaderCursor {
+public:
+    explicit HeaderCursor(unsigned char* first) : next(first) {}
+
+    HeaderCursor& text(const char* fourCharacters) {
+        for (int i = 0; i < 4; ++i)
+            *next++ = static_cast<unsigned char>(fourCharacters[i]);
+        return *this;
+    }
+    HeaderCursor& number(std::uint32_t value, int bytes) {
+        for (int i = 0; i < bytes; ++i)
+            *next++ = static_cast<unsigned char>(value >> 8 * i);
+        return *this;
+    }
+
+private:
+    unsigned char* next;
+};
+
+} // namespace
+
+struct WaveWriter::Impl {
+    std::uint32_t sampleBytes() const { return (bitsPerSample + 7u) / 8u; }
+
+    void fillHeader(unsigned char* header) const {
+        const std::uint32_t blockBytes = channels * sampleBytes();
+        HeaderCursor(header)
+            .text("RIFF")
+            .number(riffSize, 4)
+            .text("WAVE")
+            .text("fmt ")
+            .number(formatChunkSize, 4)
+            .number(pcmFormat, 2)
+            .number(channels, 2)
+            .number(samplesPerSecond, 4)
+            .number(samplesPerSecond * blockBytes, 4)
+            .number(blockBytes, 2)
+            .number(bitsPerSample, 2)
+            .text("data")
+            .number(dataSize, 4);
+    }
+
+    bool writeHeader() const {
+        unsigned char header[headerBytes];
+        fillHeader(header);
+        return writeBytes(header, riffBytes) && writeBytes(header + riffBytes, formatBytes) &&
+               writeBytes(header + riffBytes + formatBytes, dataBytes);
+    }
+
+    bool writeBytes(const void* bytes, std::size_t count) const {
+        return std::fwrite(bytes, 1, count, file) == count;
+    }
+
+    std::FILE* file = nullptr;
+    std::uint32_t riffSize = riffSizeWithoutData;
+    std::uint16_t channels = 2;
+    std::uint32_t samplesPerSecond = 48000;
+    std::uint16_t bitsPerSample = 16;
+    std::uint32_t dataSize = 0; ///< also the count of data bytes written
+};
+
+WaveWriter::WaveWriter() : impl(std::make_unique<Impl>()) {}
+
+WaveWriter::~WaveWriter() { close(); }
+
+int WaveWriter::open(const char* path) {
+    if (impl->file)
+        return AlreadyOpen;
+    impl->file = path ? Platform::openFile(path, Platform::FileMode::WriteBinary) : nullptr;
+    if (!impl->file)
+        return CannotOpen;
+    return impl->writeHeader() ? NoError : CannotWrite;
+}
+
+int WaveWriter::write(const void* data, int size) {
+    constexpr std::uint32_t mostData = std::numeric_limits<std::uint32_t>::max() - riffSizeWithoutData;
+    if (!impl->file || size == 0)
+        return NoError;
+    if (!data || size < 0)
+        return CannotWrite;
+    const auto count = static_cast<std::uint32_t>(size);
+    if (count > mostData - impl->dataSize || !impl->writeBytes(data, count))
+        return CannotWrite;
+    impl->dataSize += count;
+    return NoError;
+}
+
+int WaveWriter::close() {
+    if (!impl->file)
+        return NoError;
+    impl->riffSize = impl->dataSize + riffSizeWithoutData;
+    // A file that cannot be rewound, such as a pipe, keeps the header that was written first.
+    int result = NoError;
+    if (std::fseek(impl->file, 0, SEEK_SET) == 0 && !impl->writeHeader())
+        result = CannotSeek;
+    if (std::fclose(impl->file) != 0 && result == NoError)
+        result = CannotClose;
+    impl->file = nullptr;
+    return result;
+}
+
+bool WaveWriter::isOpen() const { return impl->file != nullptr; }
+
+int WaveWriter::getNumChannels() const { return impl->channels; }
+
+void WaveWriter::setNumChannels(int channels) { impl->channels = static_cast<std::uint16_t>(channels); }
+
+int WaveWriter::getSamplingRate() const { return static_cast<int>(impl->samplesPerSecond); }
+
+void WaveWriter::setSamplingRate(int rate) { impl->samplesPerSecond = static_cast<std::uint32_t>(rate); }
+
+int WaveWriter::getBitsPerChannel() const { return impl->bitsPerSample; }
+
+void WaveWriter::setBitsPerChannel(int bits) { impl->bitsPerSample = static_cast<std::uint16_t>(bits); }
+
+const char* WaveWriter::errorString(int code) {
+    switch (code) {
+    case NoError:
+        return "no error";
+    case AlreadyOpen:
+        return "file already open";
+    case CannotOpen:
+        return "cannot open file";
+    case CannotWrite:
+        return "cannot write to file";
+    case CannotSeek:
+        return "cannot seek file";
+    case CannotClose:
+        return "cannot close file";
+    default:
+        return "unknown error";
+    }
+}
