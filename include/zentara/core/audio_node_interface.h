@@ -1,0 +1,91 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include <zentara/core/impl_type.h>
+#include <zentara/core/plugin.h>
+#include <zentara/export.h>
+#include <zentara/guid.h>
+#include <zentara/read_buffer_status.h>
+#include <zentara/utils/smart_ptr.h>
+
+namespace Zentara {
+class AudioConfiguration;
+class AudioProcessorData;
+struct NodeEvent;
+} // namespace Zentara
+
+namespace Zentara::IO {
+class AudioDeviceProxy;
+}
+
+namespace Zentara::Core {
+
+class DescriptorStoreRO;
+
+/// What an audio-node plug-in implements: one audio stream of one camera. This class owns the link to the
+/// node's device, whose traffic all goes through the device proxy's worker thread.
+///
+/// Used in this order: `initialize`, any other operation, `dispose`. Separate, but `readBuffer` may run
+/// beside the other operations.
+///
+/// The order of the virtual operations is the boundary to nodes that are built separately.
+class ZENTARA_API AudioNodeInterface : public Plugin {
+public:
+    explicit AudioNodeInterface(GUID guid);
+    AudioNodeInterface(const AudioNodeInterface&) = delete;
+    AudioNodeInterface& operator=(const AudioNodeInterface&) = delete;
+    ~AudioNodeInterface() override;
+
+    /// `ImplType_AUDIO_NODE`. Safe.
+    [[nodiscard]] static ImplType getImplType();
+
+    /// The version of the interface classes: 0.1.0. Null pointers are skipped. Safe.
+    static void getPluginVersion(int* major, int* minor, int* patch);
+
+    /// Makes the device that the store names, and initialises it with the event. A second call replaces the
+    /// first; one that fails leaves a node that can be disposed or initialised again. Overriders call it
+    /// first.
+    /// \param store lives until `dispose`
+    /// \param data the host's; may be null, not owned
+    /// \throws Plugin::ArgumentPluginException if `event` or `store` is null
+    /// \throws what the proxy's construction and the device's initialisation throw
+    virtual void initialize(NodeEvent* event, DescriptorStoreRO* store, AudioProcessorData* data);
+
+    /// Deletes the device and forgets store and data. Twice is harmless. Overriders call it last.
+    virtual void dispose();
+
+    virtual void enableStreaming(Utils::SmartPtr<AudioConfiguration> configuration) = 0;
+    virtual void disableStreaming() = 0;
+
+    /// \throws Plugin::NotSupportedPluginException by default
+    virtual void resetDevice();
+
+    /// The modes in which the node can stream, and the one that it starts with.
+    [[nodiscard]] virtual std::vector<Utils::SmartPtr<AudioConfiguration>> getConfigurations() = 0;
+    [[nodiscard]] virtual Utils::SmartPtr<AudioConfiguration> getDefaultConfiguration() = 0;
+
+    /// Waits for the next samples and copies them.
+    /// \param size of `buffer` in bytes
+    /// \param timestamp receives when the first sample was taken, in microseconds
+    /// \param length receives the bytes copied
+    virtual ReadBufferStatus readBuffer(void* buffer, int size, std::int64_t* timestamp, int* length) = 0;
+
+    // Not virtual: a node that has them hides them.
+    /// \throws Plugin::ConfigurationPluginException always
+    void setInputMixerLevel(float level);
+    void setMute(bool mute);
+
+    /// What `initialize` made and was given; null before it and after `dispose`. The proxy stays the node's.
+    [[nodiscard]] IO::AudioDeviceProxy* getAVDeviceProxy() const;
+    [[nodiscard]] DescriptorStoreRO* getDescriptorStore() const;
+    [[nodiscard]] AudioProcessorData* getAudioProcessorData() const;
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> impl;
+};
+
+} // namespace Zentara::Core

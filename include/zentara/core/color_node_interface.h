@@ -1,0 +1,91 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include <zentara/camera_controls.h>
+#include <zentara/core/impl_type.h>
+#include <zentara/core/plugin.h>
+#include <zentara/export.h>
+#include <zentara/guid.h>
+#include <zentara/read_buffer_status.h>
+#include <zentara/utils/smart_ptr.h>
+
+namespace Zentara {
+class ColorConfiguration;
+class ColorProcessorData;
+struct NodeEvent;
+} // namespace Zentara
+
+namespace Zentara::IO {
+class VideoDeviceProxy;
+}
+
+namespace Zentara::Core {
+
+class DescriptorStoreRO;
+
+/// What a colour-node plug-in implements: one colour stream of one camera. This class owns the link to the
+/// node's device, whose traffic all goes through the device proxy's worker thread.
+///
+/// Used in this order: `initialize`, any other operation, `dispose`. Separate, but `readBuffer` may run
+/// beside the other operations.
+///
+/// The order of the virtual operations is the boundary to nodes that are built separately.
+class ZENTARA_API ColorNodeInterface : public Plugin {
+public:
+    explicit ColorNodeInterface(GUID guid);
+    ColorNodeInterface(const ColorNodeInterface&) = delete;
+    ColorNodeInterface& operator=(const ColorNodeInterface&) = delete;
+    ~ColorNodeInterface() override;
+
+    /// `ImplType_COLOR_NODE`. Safe.
+    [[nodiscard]] static ImplType getImplType();
+
+    /// The version of the interface classes: 0.1.0. Null pointers are skipped. Safe.
+    static void getPluginVersion(int* major, int* minor, int* patch);
+
+    /// Makes the device that the store names, and initialises it with the event. A second call replaces the
+    /// first; one that fails leaves a node that can be disposed or initialised again. Overriders call it
+    /// first.
+    /// \param store lives until `dispose`
+    /// \param data the host's; may be null, not owned
+    /// \throws Plugin::ArgumentPluginException if `event` or `store` is null
+    /// \throws what the proxy's construction and the device's initialisation throw
+    virtual void initialize(NodeEvent* event, DescriptorStoreRO* store, ColorProcessorData* data);
+
+    /// Deletes the device and forgets store and data. Twice is harmless. Overriders call it last.
+    virtual void dispose();
+
+    virtual void enableStreaming(Utils::SmartPtr<ColorConfiguration> configuration) = 0;
+    virtual void disableStreaming() = 0;
+
+    /// \throws Plugin::NotSupportedPluginException by default
+    virtual void resetDevice();
+
+    /// The modes in which the node can stream.
+    [[nodiscard]] virtual std::vector<Utils::SmartPtr<ColorConfiguration>> getConfigurations() = 0;
+
+    /// What the camera's settings accept, how one is set, and what they are now.
+    [[nodiscard]] virtual CameraControlRanges getCameraControlRanges() = 0;
+    virtual void setCameraControl(CameraControlsEnum control, CameraControlValue value) = 0;
+    [[nodiscard]] virtual CameraControls getCameraControls() = 0;
+
+    /// Waits for the next frame and copies it.
+    /// \param size of `buffer` in bytes
+    /// \param timestamp receives when the frame was taken, in microseconds
+    /// \param length receives the frame's bytes
+    virtual ReadBufferStatus readBuffer(void* buffer, int size, std::int64_t* timestamp, int* length) = 0;
+
+    /// What `initialize` made and was given; null before it and after `dispose`. The proxy stays the node's.
+    [[nodiscard]] IO::VideoDeviceProxy* getAVDeviceProxy() const;
+    [[nodiscard]] DescriptorStoreRO* getDescriptorStore() const;
+    [[nodiscard]] ColorProcessorData* getColorProcessorData() const;
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> impl;
+};
+
+} // namespace Zentara::Core

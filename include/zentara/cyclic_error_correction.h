@@ -1,0 +1,75 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+#include <zentara/depth_node.h>
+#include <zentara/export.h>
+
+namespace Zentara::Core {
+class DescriptorStoreRO;
+}
+
+namespace Zentara {
+
+/// Which correction the parameters belong to. Cameras may store other values; they are kept.
+enum CorrectionAlgorithm : std::int32_t {
+    CorrectionAlgorithm_NONE = 0,
+};
+
+/// How depth is corrected for the error that recurs with the phase: for each camera mode an algorithm and its
+/// parameters. A camera mode is current or none is; the accessors work on the current one.
+///
+/// Nothing throws: what cannot be done logs a warning, does nothing and returns 0.
+/// A copyable value. Separate.
+class ZENTARA_API CyclicErrorCorrection {
+public:
+    /// The number of camera modes with settings of their own.
+    static constexpr std::uint32_t MODE_COUNT = 2;
+
+    /// No correction in any mode, and no mode current.
+    CyclicErrorCorrection();
+
+    /// Reads the two-mode block of a camera's ROM: byte 0 and 1 the algorithms of mode 0 and 1, byte 3 and
+    /// 4 their numbers of parameters, from byte 6 the parameters of mode 0 and then those of mode 1 as
+    /// little-endian floats. The bytes must be there. Null reads as no correction.
+    /// \sa cyclicErrorBlock, which makes such a block from a stored record
+    explicit CyclicErrorCorrection(const void* rom);
+
+    /// Asks the store for the record of each mode. Null reads as no correction.
+    explicit CyclicErrorCorrection(Core::DescriptorStoreRO* store);
+
+    /// \return false, with the current mode as it was, for a mode other than -1, 0 and 1
+    bool setCurrentMode(DepthNode::CameraMode mode);
+    [[nodiscard]] DepthNode::CameraMode getCurrentMode() const;
+
+    [[nodiscard]] CorrectionAlgorithm getAlgorithm() const;
+    void setAlgorithm(CorrectionAlgorithm newAlgorithm);
+
+    [[nodiscard]] unsigned int getParameterCount() const;
+    [[nodiscard]] float getParameter(unsigned int index) const;
+
+    /// Never adds a parameter.
+    void setParameter(unsigned int index, float value);
+
+    /// Whether the settings were read from the block of a camera's ROM.
+    [[nodiscard]] bool comesFromRom() const;
+
+private:
+    struct Mode {
+        CorrectionAlgorithm algorithm = CorrectionAlgorithm_NONE;
+        std::vector<float> parameters;
+    };
+
+    bool fromRom = false;
+    std::int32_t currentMode = -1;
+    std::array<Mode, MODE_COUNT> modes;
+};
+
+/// The two-mode block with the values of one stored record for both modes. The record is the algorithm in
+/// one byte, the number of parameters in one, and the parameters as big-endian floats.
+/// \return empty when the record is null or cut short. Safe.
+[[nodiscard]] ZENTARA_API std::vector<unsigned char> cyclicErrorBlock(unsigned int size, const void* record);
+
+} // namespace Zentara

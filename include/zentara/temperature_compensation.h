@@ -1,0 +1,81 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include <zentara/depth_node.h>
+#include <zentara/export.h>
+#include <zentara/temperature_calibration.h>
+#include <zentara/temperature_compensation_data.h>
+
+namespace Zentara {
+
+/// How depth is corrected for temperature: for each camera mode an algorithm, its parameters and the
+/// sensors that feed it. A camera mode is current or none is; the getters answer for the current one.
+///
+/// Nothing throws: a question that cannot be answered logs a warning and returns 0, or -1 for a sensor.
+/// A copyable value. Separate.
+class ZENTARA_API TemperatureCompensation {
+public:
+    /// What the parameters mean. Cameras may store other values; they are kept.
+    enum CompensationAlgorithm : std::int32_t {
+        CompensationAlgorithm_LINEAR = 0,     ///< millimetres per degree, one parameter a sensor
+        CompensationAlgorithm_POLYNOMIAL = 1, ///< coefficients of rising powers, from degrees to millimetres
+    };
+
+    /// The form in which a calibration carries it.
+    using TemperatureCompensationData = Zentara::TemperatureCompensationData;
+
+    /// No camera mode has a compensation.
+    TemperatureCompensation();
+
+    /// Reads exactly one range of a camera's ROM, for camera mode 0: the algorithm in one byte, the number
+    /// of parameters in one, and the parameters as big-endian floats. The bytes must be there. Null reads
+    /// as none.
+    explicit TemperatureCompensation(const void* data);
+
+    /// Reads ranges until the bytes end, the first for camera mode 0, the second for 1; any more are not
+    /// looked at. A range that is cut short is dropped with a warning.
+    TemperatureCompensation(unsigned int size, const void* data);
+
+    /// The same for both camera modes: algorithm 0 with one parameter and one sensor; not from a ROM.
+    TemperatureCompensation(float parameter, int sensorId);
+
+    /// Mode -1 always succeeds and leaves none current.
+    /// \return false, with the current mode as it was, for a mode that has no compensation
+    bool setCurrentMode(DepthNode::CameraMode mode);
+    [[nodiscard]] DepthNode::CameraMode getCurrentMode() const;
+
+    [[nodiscard]] CompensationAlgorithm getAlgorithm() const;
+    [[nodiscard]] unsigned int getParameterCount() const;
+    [[nodiscard]] float getParameter(unsigned int index) const;
+
+    [[nodiscard]] unsigned int getSensorIDCount() const;
+    [[nodiscard]] int getSensorID(unsigned int index) const;
+
+    /// Sets the sensors of any mode that has a compensation. \return false for any other
+    bool setSensorIDs(DepthNode::CameraMode mode, std::vector<int> ids);
+
+    /// Keeps a copy. \return always true
+    bool setTemperatureCalibration(const TemperatureCalibration& newCalibration);
+    [[nodiscard]] const TemperatureCalibration& getTemperatureCalibration() const;
+
+    /// Whether at least one range was read from a camera's ROM.
+    [[nodiscard]] bool comesFromRom() const;
+
+private:
+    struct Record {
+        CompensationAlgorithm algorithm = CompensationAlgorithm_LINEAR;
+        std::vector<float> parameters;
+        std::vector<std::int32_t> sensorIds;
+    };
+
+    void init(unsigned int size, const void* data);
+
+    std::vector<Record> records; // the mode is the index
+    std::int32_t currentMode = -1;
+    TemperatureCalibration calibration;
+    bool fromRom = false;
+};
+
+} // namespace Zentara
