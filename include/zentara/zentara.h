@@ -15,7 +15,11 @@
 #include <zentara/core/impl_type.h>
 #include <zentara/core/node_descriptor.h>
 #include <zentara/core/periodic_operation.h>
+#include <zentara/core/plugin.h>
+#include <zentara/core/plugin_exports.h>
+#include <zentara/core/plugin_manager.h>
 #include <zentara/core/plugin_probe.h>
+#include <zentara/core/shared_library.h>
 #include <zentara/cyclic_error_correction.h>
 #include <zentara/cyclic_error_record.h>
 #include <zentara/diagnostic_data.h>

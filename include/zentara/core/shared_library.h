@@ -62,9 +62,7 @@ private:
 
     ~SharedLibrary() override;
 
-    void load();
     void incref_noLock();
-    void lowerUseCount(bool freeLibrary);
 
     std::unique_ptr<Impl> impl;
 };

@@ -1,0 +1,112 @@
+#include <zentara/core/plugin_manager.h>
+
+#include <zentara/core/guids.h>
+#include <zentara/core/plugin_probe.h>
+#include <zentara/core/shared_library.h>
+#include <zentara/plugin/plugin_exceptions.h>
+#include <zentara/utils/format.h>
+
+#include "core/guid_map.h"
+#include "utils/immortal.h"
+
+namespace Zentara::Core {
+
+using Utils::Threading::AutoLock;
+
+namespace {
+
+constinit Utils::Immortal<Utils::Threading::Mutex> lockStorage;
+
+} // namespace
+
+/// Written by the constructor only.
+struct PluginManager::Impl {
+    Impl() = default;
+    /// A library whose objects still live stays, held by its uses.
+    ~Impl() {
+        for (const auto& entry : libraries)
+            entry.second->release();
+    }
+    Impl(const Impl&) = delete;
+    Impl& operator=(const Impl&) = delete;
+
+    GuidMap<SharedLibrary*> libraries;
+};
+
+PluginManager* PluginManager::_instance = nullptr;
+Utils::Threading::Mutex& PluginManager::_lock = lockStorage.object;
+constinit Utils::AtomicInt PluginManager::_refcount{0};
+
+PluginManager::PluginManager() : impl(std::make_unique<Impl>()) { loadImplGUIDs(); }
+
+PluginManager::~PluginManager() = default;
+
+PluginManager* PluginManager::instance() {
+    const AutoLock hold(_lock);
+    // When the constructor throws, count and pointer stay as they are now.
+    if (_refcount.incrementAndTest()) {
+        PluginManager* manager = new PluginManager();
+        delete _instance;
+        _instance = manager;
+    }
+    return _instance;
+}
+
+PluginManager* PluginManager::acquire() {
+    const AutoLock hold(_lock);
+    PluginManager* manager = instance();
+    return manager && manager->impl ? manager : nullptr;
+}
+
+void PluginManager::releaseReference() {
+    const AutoLock hold(_lock);
+    if (_refcount.decrementAndTest() && _instance)
+        _instance->impl.reset();
+}
+
+void PluginManager::incref() { _refcount.increment(); }
+
+void PluginManager::release() { releaseReference(); }
+
+std::vector<GUID> PluginManager::getGUIDs(ImplType type) {
+    std::vector<GUID> guids;
+    if (!impl)
+        return guids;
+    for (const auto& entry : impl->libraries) {
+        if (entry.second->getImplType() == type)
+            guids.push_back(entry.first);
+    }
+    return guids;
+}
+
+void* PluginManager::createInstance(GUID guid, ImplType type) {
+    SharedLibrary* library = getSharedLibrary(guid);
+    if (library->getImplType() != type)
+        throw Zentara::Plugin::InitializationPluginException("ImplType mismatch");
+    return library->createInstance();
+}
+
+void PluginManager::incref(GUID guid) { getSharedLibrary(guid)->incref(); }
+
+void PluginManager::decref(GUID guid) { getSharedLibrary(guid)->decref(); }
+
+SharedLibrary* PluginManager::getSharedLibrary(GUID guid) {
+    checkGUID(guid);
+    return impl->libraries.find(guid)->second;
+}
+
+void PluginManager::checkGUID(GUID guid) const {
+    if (!impl || !impl->libraries.contains(guid))
+        throw Zentara::Plugin::InitializationPluginException(Utils::Format("couldn't find GUID %") %
+                                                             GUID_toString(guid));
+}
+
+void PluginManager::loadImplGUIDs() {
+    for (const PluginProbe& probe : probePluginDirectory(getPluginDirectory())) {
+        if (probe.accepted())
+            impl->libraries.emplace(
+                probe.guid, new SharedLibrary(probe.path, static_cast<ImplType>(probe.type), probe.guid));
+    }
+}
+
+} // namespace Zentara::Core
