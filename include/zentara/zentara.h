@@ -31,8 +31,13 @@
 #include <zentara/io/base_rom_layout.h>
 #include <zentara/io/calibration_data.h>
 #include <zentara/io/library_parameter_interpreter.h>
+#include <zentara/io/ov0570_impl.h>
+#include <zentara/io/ov0570_info.h>
 #include <zentara/io/parameter_back_end.h>
 #include <zentara/io/parameter_interpreter.h>
+#include <zentara/io/vc0258_impl.h>
+#include <zentara/io/vc0345_impl.h>
+#include <zentara/io/xu_interface.h>
 #include <zentara/parameter_range.h>
 #include <zentara/parameter_value_type.h>
 #include <zentara/plugin/plugin_exceptions.h>
