@@ -31,7 +31,6 @@ lint:
 
 tidy: lint
 	@cmake --preset clang -Wno-dev >/dev/null
-	@cmake --build --preset clang -j $(JOBS) --target zentara_headers
 	@git ls-files 'utils/*.cpp' 'core/*.cpp' 'io/*.cpp' 'model/*.cpp' 'rom/*.cpp' | grep -v /windows/ \
 	    | xargs -P $(JOBS) -n 4 clang-tidy -quiet -p build/clang
 

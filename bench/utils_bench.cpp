@@ -1,0 +1,189 @@
+#include "ratio_reporter.h"
+
+#include <zentara/utils/crc.h>
+#include <zentara/utils/format.h>
+#include <zentara/utils/kv_logger.h>
+#include <zentara/utils/refcounted.h>
+#include <zentara/utils/smart_ptr.h>
+
+#include <benchmark/benchmark.h>
+#include <boost/format.hpp>
+#include <boost/smart_ptr/intrusive_ptr.hpp>
+#include <boost/smart_ptr/intrusive_ref_counter.hpp>
+#include <fmt/format.h>
+#include <spdlog/sinks/basic_file_sink.h>
+#include <spdlog/spdlog.h>
+#include <zlib.h>
+
+#include <array>
+#include <numeric>
+#include <sstream>
+#include <vector>
+
+namespace {
+
+using namespace Zentara::Utils;
+
+const Bench::Aim formatAims[] = {{"format", "fmt", 1.5}, {"format", "boost", 0.25}};
+const Bench::Aim logAim{"log", "spdlog", 1.0};
+const Bench::Aim crcAims[] = {{"crc16", "byte_at_a_time", 0.25}, {"crc32", "byte_at_a_time", 0.25}};
+
+// One message of the shape that the library builds most: a name, a number in hexadecimal, a text.
+const std::string operation = "enable streaming";
+const std::string reason = "Access is denied.";
+const int code = 0xBEEF;
+
+void formatOurs(benchmark::State& state) {
+    for (auto _ : state) {
+        std::string text = Format("% failed: error 0x%{:x}: %") % operation % code % reason;
+        benchmark::DoNotOptimize(text);
+    }
+}
+BENCHMARK(formatOurs)->Name("format/ours");
+
+void formatFmt(benchmark::State& state) {
+    std::string pattern = "{} failed: error 0x{:x}: {}";
+    for (auto _ : state) {
+        std::string text = fmt::format(fmt::runtime(pattern), operation, code, reason);
+        benchmark::DoNotOptimize(text);
+    }
+}
+BENCHMARK(formatFmt)->Name("format/fmt");
+
+void formatBoost(benchmark::State& state) {
+    for (auto _ : state) {
+        std::string text = boost::str(boost::format("%1% failed: error 0x%2$x: %3%") % operation % code % reason);
+        benchmark::DoNotOptimize(text);
+    }
+}
+BENCHMARK(formatBoost)->Name("format/boost");
+
+void formatStream(benchmark::State& state) {
+    for (auto _ : state) {
+        std::ostringstream stream;
+        stream << operation << " failed: error 0x" << std::hex << code << ": " << reason;
+        std::string text = stream.str();
+        benchmark::DoNotOptimize(text);
+    }
+}
+BENCHMARK(formatStream)->Name("format/ostringstream");
+
+void logOurs(benchmark::State& state) {
+    KVLogger* logger = KVLogger::createInstance(KVLogLevel_INFO, "bench", "/dev/null");
+    for (auto _ : state)
+        logger->debug(reason); // costs nothing: the level is never written
+    state.SetLabel("level that is off");
+    KVLogger::release();
+}
+BENCHMARK(logOurs)->Name("log_off/ours");
+
+// The system log is another process' cost and has no counterpart in the peer, so the file logger alone is measured.
+struct FileLogger : Logger {
+    static Logger* open(const char* target) { return Logger::instance(KVLogLevel_INFO, "bench", target); }
+    static void close() { Logger::release(); }
+};
+
+void logLineOurs(benchmark::State& state) {
+    Logger* logger = FileLogger::open("/tmp/zentara-bench.log");
+    for (auto _ : state)
+        logger->warning(reason);
+    FileLogger::close();
+}
+BENCHMARK(logLineOurs)->Name("log/ours");
+
+void logLineSpdlog(benchmark::State& state) {
+    auto sink = std::make_shared<spdlog::sinks::basic_file_sink_mt>("/tmp/zentara-bench-spdlog.log", true);
+    spdlog::logger logger("bench", sink);
+    logger.set_pattern("%c: [%t]: %l: %v");
+    logger.flush_on(spdlog::level::trace);
+    for (auto _ : state)
+        logger.warn(reason);
+}
+BENCHMARK(logLineSpdlog)->Name("log/spdlog");
+
+std::vector<unsigned char> block() {
+    std::vector<unsigned char> bytes(64 * 1024);
+    std::iota(bytes.begin(), bytes.end(), static_cast<unsigned char>(1));
+    return bytes;
+}
+
+template<class Word, Word Polynomial>
+struct ByteAtATime {
+    std::array<Word, 256> table{};
+    ByteAtATime() {
+        for (unsigned i = 0; i < 256; ++i) {
+            Word entry = static_cast<Word>(i);
+            for (int bit = 0; bit < 8; ++bit)
+                entry = static_cast<Word>((entry & 1) ? (entry >> 1) ^ Polynomial : entry >> 1);
+            table[i] = entry;
+        }
+    }
+    Word compute(const std::vector<unsigned char>& bytes) const {
+        Word crc = 0;
+        for (unsigned char byte : bytes)
+            crc = static_cast<Word>(table[(crc ^ byte) & 0xFF] ^ (crc >> 8));
+        return crc;
+    }
+};
+
+template<class Function>
+void overBlock(benchmark::State& state, Function function) {
+    auto bytes = block();
+    for (auto _ : state)
+        benchmark::DoNotOptimize(function(bytes));
+    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * bytes.size()));
+}
+
+void crc16Ours(benchmark::State& state) {
+    overBlock(state, [](const auto& b) { return Crc16::compute(b.data(), static_cast<unsigned>(b.size()), 0); });
+}
+BENCHMARK(crc16Ours)->Name("crc16/ours");
+
+void crc16Plain(benchmark::State& state) {
+    static const ByteAtATime<std::uint16_t, 0xA001> plain;
+    overBlock(state, [](const auto& b) { return plain.compute(b); });
+}
+BENCHMARK(crc16Plain)->Name("crc16/byte_at_a_time");
+
+void crc32Ours(benchmark::State& state) {
+    overBlock(state, [](const auto& b) { return Crc32::compute(b.data(), static_cast<unsigned>(b.size()), 0); });
+}
+BENCHMARK(crc32Ours)->Name("crc32/ours");
+
+void crc32Plain(benchmark::State& state) {
+    static const ByteAtATime<std::uint32_t, 0xEDB88320> plain;
+    overBlock(state, [](const auto& b) { return plain.compute(b); });
+}
+BENCHMARK(crc32Plain)->Name("crc32/byte_at_a_time");
+
+void crc32Zlib(benchmark::State& state) {
+    overBlock(state, [](const auto& b) { return ::crc32(0, b.data(), static_cast<uInt>(b.size())); });
+}
+BENCHMARK(crc32Zlib)->Name("crc32/zlib");
+
+struct Ours : Refcounted {};
+struct Theirs : boost::intrusive_ref_counter<Theirs, boost::thread_safe_counter> {
+    virtual ~Theirs() = default;
+};
+
+void pointerOurs(benchmark::State& state) {
+    auto pointer = makeRefcounted<Ours>();
+    for (auto _ : state) {
+        SmartPtr<Ours> copy = pointer;
+        benchmark::DoNotOptimize(copy);
+    }
+}
+BENCHMARK(pointerOurs)->Name("smart_ptr/ours");
+
+void pointerBoost(benchmark::State& state) {
+    boost::intrusive_ptr<Theirs> pointer(new Theirs);
+    for (auto _ : state) {
+        boost::intrusive_ptr<Theirs> copy = pointer;
+        benchmark::DoNotOptimize(copy);
+    }
+}
+BENCHMARK(pointerBoost)->Name("smart_ptr/boost_intrusive_ptr");
+
+} // namespace
+
+int main(int argc, char** argv) { return Bench::runAll(argc, argv); }
