@@ -2,7 +2,7 @@
 
 #include <zentara/utils/crc.h>
 #include <zentara/utils/format.h>
-#include <zentara/utils/kv_logger.h>
+#include <zentara/utils/logger.h>
 #include <zentara/utils/refcounted.h>
 #include <zentara/utils/smart_ptr.h>
 
@@ -52,7 +52,8 @@ BENCHMARK(formatFmt)->Name("format/fmt");
 
 void formatBoost(benchmark::State& state) {
     for (auto _ : state) {
-        std::string text = boost::str(boost::format("%1% failed: error 0x%2$x: %3%") % operation % code % reason);
+        std::string text =
+            boost::str(boost::format("%1% failed: error 0x%2$x: %3%") % operation % code % reason);
         benchmark::DoNotOptimize(text);
     }
 }
@@ -68,15 +69,6 @@ void formatStream(benchmark::State& state) {
 }
 BENCHMARK(formatStream)->Name("format/ostringstream");
 
-void logOurs(benchmark::State& state) {
-    KVLogger* logger = KVLogger::createInstance(KVLogLevel_INFO, "bench", "/dev/null");
-    for (auto _ : state)
-        logger->debug(reason); // costs nothing: the level is never written
-    state.SetLabel("level that is off");
-    KVLogger::release();
-}
-BENCHMARK(logOurs)->Name("log_off/ours");
-
 // The system log is another process' cost and has no counterpart in the peer, so the file logger alone is measured.
 struct FileLogger : Logger {
     static Logger* open(const char* target) { return Logger::instance(KVLogLevel_INFO, "bench", target); }
@@ -84,7 +76,7 @@ struct FileLogger : Logger {
 };
 
 void logLineOurs(benchmark::State& state) {
-    Logger* logger = FileLogger::open("/tmp/zentara-bench.log");
+    Logger* logger = FileLogger::open("bench_ours.log");
     for (auto _ : state)
         logger->warning(reason);
     FileLogger::close();
@@ -92,7 +84,7 @@ void logLineOurs(benchmark::State& state) {
 BENCHMARK(logLineOurs)->Name("log/ours");
 
 void logLineSpdlog(benchmark::State& state) {
-    auto sink = std::make_shared<spdlog::sinks::basic_file_sink_mt>("/tmp/zentara-bench-spdlog.log", true);
+    auto sink = std::make_shared<spdlog::sinks::basic_file_sink_mt>("bench_spdlog.log", true);
     spdlog::logger logger("bench", sink);
     logger.set_pattern("%c: [%t]: %l: %v");
     logger.flush_on(spdlog::level::trace);
@@ -135,7 +127,8 @@ void overBlock(benchmark::State& state, Function function) {
 }
 
 void crc16Ours(benchmark::State& state) {
-    overBlock(state, [](const auto& b) { return Crc16::compute(b.data(), static_cast<unsigned>(b.size()), 0); });
+    overBlock(state,
+              [](const auto& b) { return Crc16::compute(b.data(), static_cast<unsigned>(b.size()), 0); });
 }
 BENCHMARK(crc16Ours)->Name("crc16/ours");
 
@@ -146,7 +139,8 @@ void crc16Plain(benchmark::State& state) {
 BENCHMARK(crc16Plain)->Name("crc16/byte_at_a_time");
 
 void crc32Ours(benchmark::State& state) {
-    overBlock(state, [](const auto& b) { return Crc32::compute(b.data(), static_cast<unsigned>(b.size()), 0); });
+    overBlock(state,
+              [](const auto& b) { return Crc32::compute(b.data(), static_cast<unsigned>(b.size()), 0); });
 }
 BENCHMARK(crc32Ours)->Name("crc32/ours");
 
