@@ -96,7 +96,7 @@ private:
     static unsigned long remaining(std::int64_t start, unsigned long milliseconds) noexcept {
         if (milliseconds == 0 || milliseconds >= 0xFFFFFFFF)
             return milliseconds;
-        const std::int64_t left = std::int64_t{milliseconds} * 1000 - (now() - start);
+        const std::int64_t left = static_cast<std::int64_t>(milliseconds) * 1000 - (now() - start);
         return left > 0 ? static_cast<unsigned long>((left + 999) / 1000) : 0;
     }
 
