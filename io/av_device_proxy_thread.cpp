@@ -1,0 +1,309 @@
+#include <zentara/io/av_device_proxy_thread.h>
+
+#include <atomic>
+#include <chrono>
+#include <exception>
+#include <thread>
+#include <utility>
+
+#include <zentara/utils/format.h>
+#include <zentara/utils/queue.h>
+#include <zentara/utils/thread.h>
+
+#include "io/device_request_impl.h"
+#include "io/proxy_tuning.h"
+#include "io/queued_request.h"
+#include "io/request_execution.h"
+#include "utils/immortal.h"
+#include "utils/platform/library_pin.h"
+
+namespace Zentara::IO {
+
+using Utils::Format;
+using Utils::SmartPtr;
+using Utils::Threading::AutoLock;
+using Utils::Threading::Mutex;
+using Utils::Threading::Signal;
+
+namespace {
+
+Utils::Immortal<Mutex> classLock;
+
+/// Workers that were left to their threads, linked through their records.
+Utils::Immortal<Mutex> retiredLock;
+AVDeviceProxyThread* retired ZENTARA_GUARDED_BY(retiredLock.object) = nullptr;
+
+/// The device call that the worker is busy with. Shared with the callers, for whom the worker may be gone by the
+/// time they look.
+class DeviceCall {
+public:
+    void begin() noexcept { startedAt = now(); }
+    void end() noexcept { startedAt = idle; }
+
+    /// True when one and the same call has been running for so long that nobody should wait for its end.
+    [[nodiscard]] bool isStuck() const noexcept {
+        const std::int64_t start = startedAt;
+        return start != idle && now() - start >= Detail::proxyTuning().stuckCallMilliseconds;
+    }
+
+private:
+    static constexpr std::int64_t idle = -1;
+
+    static std::int64_t now() noexcept {
+        using namespace std::chrono;
+        return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
+    }
+
+    std::atomic<std::int64_t> startedAt{idle};
+};
+
+/// Waits for the signal; false when the worker is stuck instead of coming to set it.
+bool awaitUnlessStuck(Signal& signal, const DeviceCall& call) {
+    while (signal.timedWait(Detail::proxyTuning().sliceMilliseconds) != 0) {
+        if (call.isStuck())
+            return false;
+    }
+    return true;
+}
+
+std::string rejectedMessage(RequestType type) {
+    return Format("%: I/O request rejected") % RequestType_toString(type);
+}
+
+[[noreturn]] void throwTimeout(RequestType type) {
+    throw Plugin::TimeoutPluginException(Format("processRequest: I/O timeout: %") %
+                                         RequestType_toString(type));
+}
+
+/// What a device throws while it is asked to cancel must not take the place of the timeout.
+bool cancelQuietly(deviceRequest& request) noexcept {
+    try {
+        return request.cancelIO();
+    } catch (...) {
+        return false;
+    }
+}
+
+/// Nothing may keep a request from being failed, not even a text for which there is no memory.
+template<typename MakeMessage>
+void fail(deviceRequest& request, Plugin::PluginExceptionType type, MakeMessage makeMessage) noexcept {
+    try {
+        request.setFailure(type, makeMessage());
+    } catch (...) {
+        request.setFailure(type, {});
+    }
+}
+
+void failWith(deviceRequest& request, const char* what) noexcept {
+    fail(request, Plugin::PluginExceptionType_IO,
+         [&]() -> std::string { return Format("%: %") % RequestType_toString(request.type()) % what; });
+}
+
+/// Lets the caller go whatever happens in between.
+class Acknowledgement {
+public:
+    explicit Acknowledgement(deviceRequest& acknowledged) : request(acknowledged) { request.ackStartOfIO(); }
+    ~Acknowledgement() { request.ack(); }
+    Acknowledgement(const Acknowledgement&) = delete;
+    Acknowledgement& operator=(const Acknowledgement&) = delete;
+
+private:
+    deviceRequest& request;
+};
+
+} // namespace
+
+struct AVDeviceProxyThread::Impl {
+    explicit Impl(AVDeviceProxyThread* worker) : thread(worker, worker, "AVDeviceProxyThread") {}
+
+    [[nodiscard]] bool isCurrentThread() const { return threadId.load() == std::this_thread::get_id(); }
+
+    /// False when the worker is stopping. Check, mark and push are one step, so that no request ends up behind the
+    /// stop request, where nobody would come to it.
+    bool submit(deviceRequest* request) {
+        const AutoLock hold(lock);
+        if (rejecting)
+            return false;
+        queue.push(request);
+        rejecting = request->type() == RequestType_NONE;
+        return true;
+    }
+
+    const std::shared_ptr<DeviceCall> call = std::make_shared<DeviceCall>();
+    std::atomic<std::thread::id> threadId{};
+    /// Set by the thread when it will touch nothing of the worker's any more save what Thread does at its end.
+    std::atomic<bool> finished{false};
+    Signal end;
+    /// The stop request of a worker that gives back its own last reference; nobody waits for it.
+    SmartPtr<deviceRequest> ownStop;
+    AVDeviceProxyThread* nextRetired = nullptr;
+
+    Utils::Collection::Queue<deviceRequest*> queue;
+    Mutex lock;
+    bool rejecting ZENTARA_GUARDED_BY(lock) = false;
+
+    Utils::Threading::Thread thread;
+};
+
+AVDeviceProxyThread* AVDeviceProxyThread::m_instance = nullptr;
+Mutex& AVDeviceProxyThread::m_lock = classLock.object;
+Utils::AtomicInt AVDeviceProxyThread::m_refcount(0);
+
+AVDeviceProxyThread* AVDeviceProxyThread::instance() {
+    const AutoLock hold(m_lock);
+    if (m_refcount.incrementAndTest()) {
+        try {
+            reapRetired();
+            m_instance = new AVDeviceProxyThread;
+        } catch (...) {
+            m_refcount.decrementAndTest();
+            throw;
+        }
+    }
+    return m_instance;
+}
+
+void AVDeviceProxyThread::release() {
+    // Without m_lock: as soon as the count is 0, instance() may put another worker in this one's place. So this one
+    // looks at nothing but itself from here on.
+    if (!m_refcount.decrementAndTest())
+        return;
+    if (stop())
+        delete this;
+    else
+        retire(this);
+}
+
+AVDeviceProxyThread::AVDeviceProxyThread() : impl(std::make_unique<Impl>(this)) { impl->thread.start(false); }
+
+AVDeviceProxyThread::~AVDeviceProxyThread() { impl->thread.wait(); }
+
+void AVDeviceProxyThread::processRequest(deviceRequest* request, std::uint32_t timeoutMilliseconds) {
+    if (!request)
+        throw Plugin::ArgumentPluginException("processRequest: no request");
+    const SmartPtr<deviceRequest> hold(request);
+    const RequestType type = request->type();
+    if (impl->isCurrentThread())
+        throw Plugin::InvalidOperationPluginException(
+            Format("%: a request from the device proxy thread itself would never be executed") %
+            RequestType_toString(type));
+    const std::shared_ptr<const DeviceCall> call = impl->call;
+    if (!impl->submit(request))
+        throw Plugin::IOPluginException(rejectedMessage(type));
+
+    // From here on the worker may be gone, once it has acknowledged the request.
+    deviceRequest::Impl& state = *request->impl;
+    if (!awaitUnlessStuck(state.startOfIO, *call) && state.withdraw())
+        throwTimeout(type);
+    if (state.acknowledged.timedWait(timeoutMilliseconds) != 0) {
+        if (cancelQuietly(*request))
+            awaitUnlessStuck(state.acknowledged, *call);
+        throwTimeout(type);
+    }
+    if (request->failed()) {
+        const ProxyFailure failure = request->getFailure();
+        Plugin::throwPluginException(failure.type, failure.message);
+    }
+}
+
+void* AVDeviceProxyThread::run(void*) {
+    impl->threadId = std::this_thread::get_id();
+    bool stopSeen = false;
+    while (!stopSeen && !exitRequested()) {
+        deviceRequest* const request = impl->queue.pop();
+        stopSeen = request->type() == RequestType_NONE;
+        work(request);
+    }
+    if (!stopSeen)
+        drain();
+    impl->finished = true;
+    impl->end.set();
+    return nullptr;
+}
+
+void AVDeviceProxyThread::work(deviceRequest* request) {
+    const SmartPtr<deviceRequest> hold(request);
+    const bool wanted = request->impl->begin();
+    if (wanted)
+        impl->call->begin();
+    const Acknowledgement acknowledgement(*request);
+    if (wanted) {
+        executeRequest(request);
+        impl->call->end();
+    }
+}
+
+void AVDeviceProxyThread::drain() {
+    for (bool stopSeen = false; !stopSeen;) {
+        const SmartPtr<deviceRequest> request(impl->queue.pop());
+        stopSeen = request->type() == RequestType_NONE;
+        const Acknowledgement acknowledgement(*request);
+        if (request->impl->begin() && !stopSeen)
+            fail(*request, Plugin::PluginExceptionType_IO, [&] { return rejectedMessage(request->type()); });
+    }
+}
+
+void AVDeviceProxyThread::executeRequest(deviceRequest* request) {
+    try {
+        dispatch(*request);
+    } catch (const Plugin::PluginException& failure) {
+        fail(*request, failure.type(), [&] { return failure.message(); });
+    } catch (const std::exception& failure) {
+        failWith(*request, failure.what());
+    } catch (...) {
+        failWith(*request, "unknown exception");
+    }
+}
+
+void AVDeviceProxyThread::exit() {
+    Runnable::exit();
+    auto* const request = createQueuedRequest<deviceRequest>(nullptr, RequestType_NONE);
+    processRequest(request, Detail::proxyTuning().timeoutMilliseconds);
+    request->decref();
+}
+
+/// Ends the thread, or at least has it end; true when it has.
+bool AVDeviceProxyThread::stop() noexcept {
+    try {
+        if (impl->isCurrentThread()) {
+            Runnable::exit();
+            impl->ownStop = Utils::makeRefcounted<deviceRequest>(nullptr, RequestType_NONE);
+            impl->submit(impl->ownStop.get());
+            return false;
+        }
+        impl->thread.exit();
+    } catch (const Plugin::IOPluginException&) {
+        // Rejected: an earlier stop request is on its way.
+    } catch (...) {
+        return false;
+    }
+    return awaitUnlessStuck(impl->end, *impl->call);
+}
+
+/// Leaves a worker to its thread, which a device holds up or which is the caller itself. What the thread runs must
+/// stay where it is, so the worker is kept until the thread has ended and somebody makes another one.
+void AVDeviceProxyThread::retire(AVDeviceProxyThread* worker) noexcept {
+    Utils::Platform::pinThisLibrary();
+    const AutoLock hold(retiredLock.object);
+    worker->impl->nextRetired = std::exchange(retired, worker);
+}
+
+void AVDeviceProxyThread::reapRetired() noexcept {
+    AVDeviceProxyThread* ended = nullptr;
+    {
+        const AutoLock hold(retiredLock.object);
+        AVDeviceProxyThread** link = &retired;
+        while (AVDeviceProxyThread* const worker = *link) {
+            if (worker->impl->finished) {
+                *link = worker->impl->nextRetired;
+                worker->impl->nextRetired = std::exchange(ended, worker);
+            } else {
+                link = &worker->impl->nextRetired;
+            }
+        }
+    }
+    while (ended)
+        delete std::exchange(ended, ended->impl->nextRetired);
+}
+
+} // namespace Zentara::IO

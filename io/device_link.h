@@ -1,0 +1,112 @@
+#pragma once
+
+#include <cstdint>
+#include <utility>
+
+#include <zentara/io/av_device_proxy.h>
+#include <zentara/io/av_device_proxy_thread.h>
+#include <zentara/io/thread_requests.h>
+#include <zentara/utils/mutex.h>
+#include <zentara/utils/smart_ptr.h>
+#include <zentara/utils/thread_base.h>
+
+#include "io/plugin_handle.h"
+#include "io/proxy_tuning.h"
+#include "io/queued_request.h"
+#include "io/warning.h"
+
+namespace Zentara::IO {
+
+/// What a proxy keeps: the device that it stands for, and the two ways of calling it.
+template<typename Device>
+class DeviceLink {
+public:
+    explicit DeviceLink(GUID guid)
+        : handle(guid, Device::getImplType()), linked(dynamic_cast<Device*>(handle.get())) {
+        if (!linked)
+            PluginHandle::throwNotInstantiated(guid);
+    }
+
+    /// Serialises direct calls.
+    Utils::Threading::Mutex mutex;
+
+    [[nodiscard]] bool isDisposed() const { return linked == nullptr; }
+
+    /// \throws Plugin::InvalidOperationPluginException once the proxy has been disposed of
+    [[nodiscard]] Device& device() const {
+        if (!linked)
+            throw Plugin::InvalidOperationPluginException("the device proxy has been disposed of");
+        return *linked;
+    }
+
+    /// Has the device execute a `Request`, or on the worker a `Queued`, made from the arguments.
+    template<typename Request, typename Queued = Request, typename Operation, typename... Arguments>
+    void call(const AVDeviceProxy& proxy, Operation operation, Arguments&&... arguments) {
+        if (proxy.isProxified())
+            callOnWorker<Queued>(worker(proxy), &device(), std::forward<Arguments>(arguments)...);
+        else
+            callDirectly<Request>(operation, std::forward<Arguments>(arguments)...);
+    }
+
+    /// The device's first call: it prepares the thread on which the others will follow.
+    void initializeThread(const AVDeviceProxy& proxy) {
+        if (proxy.isProxified())
+            callOnWorker<threadInitializeRequest>(worker(proxy), &device());
+        else
+            device().threadInitialize();
+    }
+
+    /// The device's last call on the worker. Ends only when the worker has let go of the request, so that the
+    /// device is not the worker's to destroy.
+    void uninitializeThreadOnWorker(const AVDeviceProxy& proxy) {
+        auto* const request = createQueuedRequest<threadUninitializeRequest>(&device());
+        worker(proxy).processRequest(request, Detail::proxyTuning().timeoutMilliseconds);
+        while (!request->decrefIfLastRef())
+            Utils::Threading::ThreadBase::sleep(50);
+    }
+
+    /// Disposes of the device and lets go of it.
+    void release() noexcept {
+        if (!linked)
+            return;
+        try {
+            linked->dispose();
+        } catch (...) {
+            warn("dispose operation failed");
+        }
+        linked = nullptr;
+        handle.release();
+    }
+
+private:
+    static AVDeviceProxyThread& worker(const AVDeviceProxy& proxy) {
+        if (!proxy.getProxy())
+            throw Plugin::InvalidOperationPluginException("the device proxy has been disposed of");
+        return *proxy.getProxy();
+    }
+
+    template<typename Queued, typename... Arguments>
+    static void callOnWorker(AVDeviceProxyThread& worker, Device* device, Arguments&&... arguments) {
+        auto* const request = createQueuedRequest<Queued>(device, std::forward<Arguments>(arguments)...);
+        worker.processRequest(request, Detail::proxyTuning().timeoutMilliseconds);
+        const auto done = Utils::SmartPtr<Queued>::adopt(request);
+        if constexpr (requires { done->deliver(); })
+            done->deliver();
+    }
+
+    template<typename Request, typename Operation, typename... Arguments>
+    void callDirectly(Operation operation, Arguments&&... arguments) {
+        const Utils::Threading::AutoLock hold(mutex);
+        const auto request = Utils::makeRefcounted<Request>(&device(), std::forward<Arguments>(arguments)...);
+        (device().*operation)(request.get());
+        if (request->failed()) {
+            const ProxyFailure failure = request->getFailure();
+            AVDeviceProxy::PluginException_throw(failure.type, failure.message);
+        }
+    }
+
+    PluginHandle handle;
+    Device* linked;
+};
+
+} // namespace Zentara::IO

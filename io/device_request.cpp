@@ -1,0 +1,56 @@
+#include <zentara/io/device_request.h>
+
+#include "io/device_request_impl.h"
+
+namespace Zentara::IO {
+
+deviceRequest::deviceRequest(AVDeviceInterface* device, RequestType type)
+    : impl(std::make_unique<Impl>(device, type)) {}
+
+deviceRequest::~deviceRequest() = default;
+
+RequestType deviceRequest::type() const { return impl->type; }
+
+AVDeviceInterface* deviceRequest::device() const { return impl->device.get(); }
+
+void deviceRequest::ackStartOfIO() { impl->startOfIO.set(); }
+
+void deviceRequest::ack() { impl->acknowledged.set(); }
+
+std::int32_t deviceRequest::waitAck(std::uint32_t timeoutMilliseconds) {
+    impl->startOfIO.wait();
+    return impl->acknowledged.timedWait(timeoutMilliseconds);
+}
+
+void deviceRequest::waitAck() { impl->acknowledged.wait(); }
+
+void deviceRequest::setIOPending(bool pending) { impl->ioPending = pending; }
+
+bool deviceRequest::getIOPending() const { return impl->ioPending; }
+
+void deviceRequest::setCancelled(bool cancelled) { impl->cancelled = cancelled; }
+
+bool deviceRequest::getCancelled() const { return impl->cancelled; }
+
+bool deviceRequest::cancelIO() {
+    const Utils::Threading::AutoLock hold(impl->lock);
+    // Also a request without a pending transfer ends cancelled.
+    impl->cancelled = true;
+    return impl->ioPending && impl->device && impl->device->cancelIO();
+}
+
+void deviceRequest::lock() ZENTARA_NO_THREAD_SAFETY_ANALYSIS { impl->lock.acquire(); }
+
+void deviceRequest::unlock() ZENTARA_NO_THREAD_SAFETY_ANALYSIS { impl->lock.release(); }
+
+void deviceRequest::setFailure(Plugin::PluginExceptionType type, const std::string& message) {
+    impl->failed = true;
+    impl->failure.type = type;
+    impl->failure.message = message;
+}
+
+bool deviceRequest::failed() const { return impl->failed; }
+
+ProxyFailure deviceRequest::getFailure() { return impl->failure; }
+
+} // namespace Zentara::IO

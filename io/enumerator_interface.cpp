@@ -1,0 +1,59 @@
+#include <zentara/io/enumerator_interface.h>
+
+#include <zentara/utils/mutex.h>
+#include <zentara/utils/thread.h>
+
+#include "io/interface_version.h"
+
+namespace Zentara::IO {
+
+using Utils::Threading::AutoLock;
+
+struct EnumeratorInterface::Impl {
+    explicit Impl(Runnable* work) : thread(work, nullptr, "DeviceEnumerator") {}
+
+    Utils::Collection::Queue<ExternalEvent>* events = nullptr;
+    Core::DescriptorStoreRO* store = nullptr;
+    /// Held over start and stop, never over a wait for the thread.
+    Utils::Threading::Mutex lock;
+    Utils::Threading::Thread thread;
+};
+
+EnumeratorInterface::EnumeratorInterface(GUID guid)
+    : Plugin(getImplType(), guid), impl(std::make_unique<Impl>(this)) {}
+
+EnumeratorInterface::~EnumeratorInterface() { EnumeratorInterface::dispose(); }
+
+Core::ImplType EnumeratorInterface::getImplType() { return Core::ImplType_ENUMERATOR; }
+
+void EnumeratorInterface::getPluginVersion(int* major, int* minor, int* patch) {
+    reportInterfaceVersion(major, minor, patch);
+}
+
+void EnumeratorInterface::initialize(Utils::Collection::Queue<ExternalEvent>* events,
+                                     Core::DescriptorStoreRO* store) {
+    impl->events = events;
+    impl->store = store;
+}
+
+void EnumeratorInterface::dispose() {
+    impl->thread.stop(true);
+    impl->events = nullptr;
+    impl->store = nullptr;
+}
+
+void EnumeratorInterface::execute() {
+    const AutoLock hold(impl->lock);
+    impl->thread.start(false);
+}
+
+void EnumeratorInterface::exit() {
+    const AutoLock hold(impl->lock);
+    Runnable::exit();
+}
+
+Utils::Collection::Queue<ExternalEvent>* EnumeratorInterface::getEventQueue() const { return impl->events; }
+
+Core::DescriptorStoreRO* EnumeratorInterface::getDescriptorStore() const { return impl->store; }
+
+} // namespace Zentara::IO

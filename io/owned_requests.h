@@ -1,0 +1,155 @@
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+#include <utility>
+#include <vector>
+
+#include <zentara/audio_configuration.h>
+#include <zentara/color_configuration.h>
+#include <zentara/io/audio_requests.h>
+#include <zentara/io/camera_control_requests.h>
+#include <zentara/io/transfer_requests.h>
+#include <zentara/io/xu_device_requests.h>
+
+/// The requests that point to memory, in the form in which they are queued: they own the memory that the device
+/// sees. So a device that answers after its caller has left does not meet the caller's. Inputs are copied when the
+/// request is made; results when the caller, after a normal return, has them delivered.
+namespace Zentara::IO {
+
+/// Holds what the request's base is about to point to, and so comes before it.
+template<typename T>
+struct RequestStorage {
+    T stored;
+};
+
+using RequestBytes = RequestStorage<std::vector<std::uint8_t>>;
+
+template<typename Byte, typename Length>
+std::vector<std::uint8_t> copyBytes(const Byte* data, Length length) {
+    const auto* const first = static_cast<const std::uint8_t*>(data);
+    return first && length > 0 ? std::vector<std::uint8_t>(first, first + length)
+                               : std::vector<std::uint8_t>();
+}
+
+inline void copyBack(const std::vector<std::uint8_t>& stored, void* data) {
+    if (!stored.empty())
+        std::memcpy(data, stored.data(), stored.size());
+}
+
+class OwnedSendRequest final : private RequestBytes, public xuSendRequest {
+public:
+    OwnedSendRequest(AVDeviceInterface* device, std::uint32_t unitNumber, std::int32_t controlNumber,
+                     std::uint32_t byteCount, const void* bytes)
+        : RequestBytes{copyBytes(bytes, byteCount)},
+          xuSendRequest(device, unitNumber, controlNumber, byteCount, stored.data()) {}
+};
+
+class OwnedRecvRequest final : private RequestBytes, public xuRecvRequest {
+public:
+    OwnedRecvRequest(AVDeviceInterface* device, std::uint32_t unitNumber, std::int32_t controlNumber,
+                     std::uint32_t byteCount, void* bytes, bool deviceFlag)
+        : RequestBytes{copyBytes(bytes, byteCount)},
+          xuRecvRequest(device, unitNumber, controlNumber, byteCount, stored.data(), deviceFlag),
+          destination(bytes) {}
+
+    void deliver() const { copyBack(stored, destination); }
+
+private:
+    void* destination;
+};
+
+class OwnedLenRequest final : private RequestStorage<std::int32_t>, public xuLenRequest {
+public:
+    OwnedLenRequest(AVDeviceInterface* device, std::uint32_t unitNumber, std::uint32_t controlNumber,
+                    std::int32_t* answer)
+        : RequestStorage{*answer}, xuLenRequest(device, unitNumber, controlNumber, &stored),
+          destination(answer) {}
+
+    void deliver() const { *destination = stored; }
+
+private:
+    std::int32_t* destination;
+};
+
+class OwnedSetupRequest final : private RequestStorage<GUID>, public xuSetupRequest {
+public:
+    OwnedSetupRequest(AVDeviceInterface* device, const GUID& unitGuid)
+        : RequestStorage{unitGuid}, xuSetupRequest(device, stored) {}
+};
+
+class OwnedControlRangesRequest final : private RequestStorage<CameraControlRanges>,
+                                        public getCameraControlRangesRequest {
+public:
+    OwnedControlRangesRequest(AVDeviceInterface* device, CameraControlRanges& answer)
+        : RequestStorage{answer}, getCameraControlRangesRequest(device, stored), destination(answer) {}
+
+    void deliver() { destination = std::move(stored); }
+
+private:
+    CameraControlRanges& destination;
+};
+
+using ColorConfigurations = std::vector<Utils::SmartPtr<ColorConfiguration>>;
+
+class OwnedColorConfigurationsRequest final : private RequestStorage<ColorConfigurations>,
+                                              public getColorConfigurationsRequest {
+public:
+    OwnedColorConfigurationsRequest(AVDeviceInterface* device, ColorConfigurations& answer)
+        : RequestStorage{answer}, getColorConfigurationsRequest(device, stored), destination(answer) {}
+
+    void deliver() { destination = std::move(stored); }
+
+private:
+    ColorConfigurations& destination;
+};
+
+class OwnedAudioConfigurationRequest final : public getAudioDefaultConfigurationsRequest {
+public:
+    OwnedAudioConfigurationRequest(AVDeviceInterface* device,
+                                   const Utils::SmartPtr<AudioConfiguration>& answer)
+        : getAudioDefaultConfigurationsRequest(
+              device, answer ? Utils::makeRefcounted<AudioConfiguration>(*answer) : nullptr),
+          destination(answer) {}
+
+    void deliver() const {
+        if (destination)
+            *destination = *getConfiguration();
+    }
+
+private:
+    /// Held, not copied: the caller may let go of it first.
+    Utils::SmartPtr<AudioConfiguration> destination;
+};
+
+class OwnedReadControlRequest final : private RequestBytes, public readControlTransferRequest {
+public:
+    OwnedReadControlRequest(AVDeviceInterface* device, std::uint8_t code, std::uint16_t transferValue,
+                            std::uint16_t transferIndex, std::uint8_t* bytes, std::uint16_t byteCount)
+        : RequestBytes{copyBytes(bytes, byteCount)},
+          readControlTransferRequest(device, code, transferValue, transferIndex, stored.data(), byteCount),
+          destination(bytes) {}
+
+    void deliver() const { copyBack(stored, destination); }
+
+private:
+    std::uint8_t* destination;
+};
+
+class OwnedWriteControlRequest final : private RequestBytes, public writeControlTransferRequest {
+public:
+    OwnedWriteControlRequest(AVDeviceInterface* device, std::uint8_t code, std::uint16_t transferValue,
+                             std::uint16_t transferIndex, const std::uint8_t* bytes, std::uint16_t byteCount)
+        : RequestBytes{copyBytes(bytes, byteCount)},
+          writeControlTransferRequest(device, code, transferValue, transferIndex, stored.data(), byteCount) {}
+};
+
+class OwnedWriteBulkRequest final : private RequestBytes, public writeBulkTransferRequest {
+public:
+    OwnedWriteBulkRequest(AVDeviceInterface* device, std::uint8_t pipe, const std::uint8_t* bytes,
+                          std::int32_t byteCount)
+        : RequestBytes{copyBytes(bytes, byteCount)},
+          writeBulkTransferRequest(device, pipe, stored.data(), byteCount) {}
+};
+
+} // namespace Zentara::IO
