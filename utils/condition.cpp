@@ -2,52 +2,58 @@
 
 #include "utils/platform/event.h"
 
+#include <algorithm>
+#include <deque>
+
 namespace Zentara::Utils::Threading {
+
+namespace {
+
+using Platform::Event;
+
+/// One wait, on the waiting thread's stack. Each has an event of its own, so that a notification reaches a
+/// thread that was waiting then and not one that has come to wait since.
+struct Waiter {
+    const Platform::Owned<Event> event{Event::create(Event::Reset::automatic)};
+    bool notified = false;
+};
+
+} // namespace
 
 struct Condition::Impl {
     Impl(Mutex* plain, RecursiveMutex* recursive) : mutex(plain), recursiveMutex(recursive) {}
 
     Mutex* const mutex;
     RecursiveMutex* const recursiveMutex;
-    const Platform::Owned<Platform::EventPair> events{Platform::EventPair::create()};
 
     Mutex state;
-    unsigned int waiters ZENTARA_GUARDED_BY(state) = 0;
-    /// Notifications that no waiter has taken yet, at most one per waiter. The events alone could not tell: a
-    /// second notify() may set the automatic event before the first waiter has consumed it.
-    unsigned int pending ZENTARA_GUARDED_BY(state) = 0;
-    bool broadcast ZENTARA_GUARDED_BY(state) = false;
+    std::deque<Waiter*> waiting ZENTARA_GUARDED_BY(state);
 
-    void enter() {
-        AutoLock hold(state);
-        ++waiters;
-    }
-
-    /// Ends one wait; true when a notification was there for it, be it at the last moment.
-    bool leave(bool woken) {
-        AutoLock hold(state);
-        --waiters;
-        const bool notified = broadcast || pending != 0;
-        if (!broadcast && pending != 0)
-            takePending(woken);
-        if (waiters == 0)
-            forgetAll();
-        return notified;
-    }
-
-    void takePending(bool woken) ZENTARA_REQUIRES(state) {
-        if (!woken)
-            events->wait(0);
-        if (--pending != 0)
-            events->setOne();
-    }
-
-    void forgetAll() ZENTARA_REQUIRES(state) {
-        broadcast = false;
-        pending = 0;
-        events->reset();
-    }
+    void enter(Waiter& waiter);
+    bool leave(Waiter& waiter);
+    void notifyFirst() ZENTARA_REQUIRES(state);
 };
+
+void Condition::Impl::enter(Waiter& waiter) {
+    AutoLock hold(state);
+    waiting.push_back(&waiter);
+}
+
+/// Ends one wait; true when it was notified, be it at the last moment.
+bool Condition::Impl::leave(Waiter& waiter) {
+    AutoLock hold(state);
+    if (!waiter.notified)
+        waiting.erase(std::find(waiting.begin(), waiting.end(), &waiter));
+    return waiter.notified;
+}
+
+void Condition::Impl::notifyFirst() {
+    Waiter& first = *waiting.front();
+    waiting.pop_front();
+    first.notified = true;
+    // Under the lock that the waiter takes before it goes: its record is still there.
+    first.event->set();
+}
 
 Condition::Condition(Mutex* mutex) : impl(std::make_unique<Impl>(mutex, nullptr)) {}
 
@@ -72,12 +78,13 @@ void Condition::unlock() noexcept ZENTARA_NO_THREAD_SAFETY_ANALYSIS {
 void Condition::wait() noexcept { timedWait(Platform::infiniteWait); }
 
 int Condition::timedWait(unsigned long milliseconds) noexcept {
-    impl->enter();
+    Waiter waiter;
+    impl->enter(waiter);
     unlock();
-    const bool woken = impl->events->wait(milliseconds);
-    const bool notified = impl->leave(woken);
+    waiter.event->wait(milliseconds);
+    const bool notified = impl->leave(waiter);
     lock();
-    return notified || woken ? 0 : -1;
+    return notified ? 0 : -1;
 }
 
 void Condition::notify(bool takeMutex) noexcept {
@@ -85,10 +92,8 @@ void Condition::notify(bool takeMutex) noexcept {
         lock();
     {
         AutoLock hold(impl->state);
-        if (impl->pending < impl->waiters) {
-            ++impl->pending;
-            impl->events->setOne();
-        }
+        if (!impl->waiting.empty())
+            impl->notifyFirst();
     }
     if (takeMutex)
         unlock();
@@ -96,10 +101,8 @@ void Condition::notify(bool takeMutex) noexcept {
 
 void Condition::notifyAll() noexcept {
     AutoLock hold(impl->state);
-    if (impl->waiters != 0) {
-        impl->broadcast = true;
-        impl->events->setAll();
-    }
+    while (!impl->waiting.empty())
+        impl->notifyFirst();
 }
 
 } // namespace Zentara::Utils::Threading

@@ -35,30 +35,4 @@ protected:
     ~Event() = default;
 };
 
-/// An automatic and a manual event that a thread waits for together: what a condition variable is built from.
-class EventPair {
-public:
-    /// Both unset, never null.
-    static EventPair* create() noexcept;
-    static void destroy(EventPair* pair) noexcept;
-
-    /// Sets the automatic event: one wait passes.
-    void setOne() noexcept;
-    /// Sets the manual event: every wait passes until reset().
-    void setAll() noexcept;
-    /// Unsets both.
-    void reset() noexcept;
-
-    /// True when either was set, false once the time has passed; 0 only looks. Consumes the automatic event
-    /// only when the manual one is unset.
-    bool wait(unsigned long milliseconds) noexcept;
-
-    EventPair(const EventPair&) = delete;
-    EventPair& operator=(const EventPair&) = delete;
-
-protected:
-    EventPair() = default;
-    ~EventPair() = default;
-};
-
 } // namespace Zentara::Utils::Platform

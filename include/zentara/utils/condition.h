@@ -34,7 +34,7 @@ public:
     /// \return 0 when notified, -1 once the time has passed.
     int timedWait(unsigned long milliseconds) noexcept;
 
-    /// Wakes one waiter.
+    /// Wakes the one who has waited longest.
     /// \param takeMutex true to hold the associated mutex meanwhile, for callers that do not hold it already.
     void notify(bool takeMutex) noexcept;
 

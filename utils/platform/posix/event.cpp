@@ -13,12 +13,7 @@ struct PosixEvent final : Event {
     EventCell cell;
 };
 
-struct PosixEventPair final : EventPair {
-    EventCell cell;
-};
-
 PosixEvent& native(Event& event) { return static_cast<PosixEvent&>(event); }
-EventCell& cell(EventPair& pair) { return static_cast<PosixEventPair&>(pair).cell; }
 
 } // namespace
 
@@ -37,17 +32,5 @@ void Event::set() noexcept {
 void Event::reset() noexcept { native(*this).cell.clear(); }
 
 bool Event::wait(unsigned long milliseconds) noexcept { return native(*this).cell.wait(milliseconds); }
-
-EventPair* EventPair::create() noexcept { return new PosixEventPair(); }
-
-void EventPair::destroy(EventPair* pair) noexcept { delete static_cast<PosixEventPair*>(pair); }
-
-void EventPair::setOne() noexcept { cell(*this).post(); }
-
-void EventPair::setAll() noexcept { cell(*this).raise(); }
-
-void EventPair::reset() noexcept { cell(*this).clear(); }
-
-bool EventPair::wait(unsigned long milliseconds) noexcept { return cell(*this).wait(milliseconds); }
 
 } // namespace Zentara::Utils::Platform

@@ -44,8 +44,6 @@ void EventCell::raise() noexcept {
         wake(INT_MAX);
 }
 
-void EventCell::lower() noexcept { word.fetch_and(~raisedBit, std::memory_order_acq_rel); }
-
 void EventCell::clear() noexcept { word.fetch_and(~(oneWaiter - 1), std::memory_order_acq_rel); }
 
 bool EventCell::wait(unsigned long milliseconds) noexcept {

@@ -7,21 +7,20 @@
 
 namespace Zentara::Utils::Platform {
 
-/// An automatic and a manual event in one atomic word, waited for together through a futex. Everything a
-/// setter needs to know is in the value that it exchanges, so it does not look at the cell again once a
-/// waiter may have freed it; the kernel takes the address of the wake-up as a mere number.
+/// An automatic or a manual event in one atomic word, waited for through a futex. Everything a setter needs
+/// to know is in the value that it exchanges, so it does not look at the cell again once a waiter may have
+/// freed it; the kernel takes the address of the wake-up as a mere number.
 class EventCell final {
 public:
     /// Lets one wait pass. With several waiters each post lets one more pass; without any, posts do not add
     /// up.
     void post() noexcept;
-    /// Lets every wait pass until lower().
+    /// Lets every wait pass until clear().
     void raise() noexcept;
-    void lower() noexcept;
-    /// Takes back what post() and raise() gave and nobody took.
+    /// Takes back what post() or raise() gave and nobody took.
     void clear() noexcept;
 
-    /// False once the time has passed. Leaves the token of a post() alone while the cell is raised.
+    /// False once the time has passed; 0 only looks.
     bool wait(unsigned long milliseconds) noexcept;
 
 private:
