@@ -1,0 +1,126 @@
+#include <zentara/utils/condition.h>
+#include <zentara/utils/signal.h>
+
+#include <gtest/gtest.h>
+
+#include <thread>
+#include <vector>
+
+namespace Zentara::Utils::Threading {
+namespace {
+
+constexpr unsigned long generous = 30000;
+
+/// Threads that wait once on a condition over either kind of mutex.
+template<typename Lock>
+class ConditionTest : public testing::Test {
+protected:
+    ~ConditionTest() override {
+        for (auto& thread : threads)
+            thread.join();
+    }
+
+    /// Returns once `count` threads more are waiting: a waiter registers before it lets go of the mutex.
+    void startWaiters(int count) {
+        expected += count;
+        for (int i = 0; i < count; ++i)
+            threads.emplace_back([this] { waitOnce(); });
+        for (bool all = false; !all;) {
+            std::this_thread::yield();
+            condition.lock();
+            all = entered == expected;
+            condition.unlock();
+        }
+    }
+
+    void waitOnce() {
+        condition.lock();
+        ++entered;
+        const int result = condition.timedWait(generous);
+        woken += result == 0 ? 1 : 0;
+        condition.unlock();
+        returned.set();
+    }
+
+    int wokenAfter(int atLeast) {
+        for (int seen = 0;;) {
+            condition.lock();
+            seen = woken;
+            condition.unlock();
+            if (seen >= atLeast || returned.timedWait(generous) != 0)
+                return seen;
+        }
+    }
+
+    Lock mutex;
+    Condition condition{&mutex};
+    Signal returned;
+    int entered = 0;
+    int expected = 0;
+    int woken = 0;
+    std::vector<std::thread> threads;
+};
+
+using Locks = testing::Types<Mutex, RecursiveMutex>;
+TYPED_TEST_SUITE(ConditionTest, Locks);
+
+TYPED_TEST(ConditionTest, EveryNotificationReachesAWaiter) {
+    this->startWaiters(4);
+    // At once, so that the system's event is set again before anybody could consume it.
+    for (int i = 0; i < 4; ++i)
+        this->condition.notify(i % 2 == 0);
+    EXPECT_EQ(this->wokenAfter(4), 4);
+}
+
+TYPED_TEST(ConditionTest, NotifyAllWakesEverybodyAndIsForgotten) {
+    this->startWaiters(3);
+    this->condition.notifyAll();
+    EXPECT_EQ(this->wokenAfter(3), 3);
+    for (auto& thread : this->threads)
+        thread.join();
+    this->threads.clear();
+    this->condition.lock();
+    EXPECT_EQ(this->condition.timedWait(1), -1);
+    this->condition.unlock();
+    this->startWaiters(1);
+    this->condition.notify(true);
+    EXPECT_EQ(this->wokenAfter(4), 4);
+}
+
+TYPED_TEST(ConditionTest, NotificationWithoutWaitersIsLost) {
+    this->condition.notify(false);
+    this->condition.notifyAll();
+    this->condition.lock();
+    EXPECT_EQ(this->condition.timedWait(0), -1);
+    this->condition.unlock();
+}
+
+/// A buffer of one place, full and empty on one condition. The producer waits again right after each
+/// notification, and must not take the one that the waiting consumer is owed.
+TYPED_TEST(ConditionTest, NobodyTakesTheNotificationOfAnother) {
+    constexpr int values = 3000;
+    int place = 0;
+    std::thread producer([&] {
+        for (int i = 1; i <= values; ++i) {
+            this->condition.lock();
+            while (place != 0)
+                this->condition.timedWait(generous);
+            place = i;
+            this->condition.unlock();
+            this->condition.notify(true);
+        }
+    });
+    for (int i = 1; i <= values; ++i) {
+        this->condition.lock();
+        while (place == 0)
+            this->condition.timedWait(generous);
+        EXPECT_EQ(place, i);
+        place = 0;
+        this->condition.notify(false);
+        this->condition.unlock();
+    }
+    producer.join();
+}
+
+} // namespace
+} // namespace Zentara::Utils::Threading

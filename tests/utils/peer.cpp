@@ -1,0 +1,58 @@
+// The other process of the tests with two. It never cleans up after itself, as a killed process would not,
+// unless its last argument is "leave".
+//
+//   utils_peer instance NAME            exit code 0 when another instance runs, 1 when not
+//   utils_peer memory NAME SIZE OLD NEW exit code 0 when the memory held OLD; it holds NEW then. 1 when it
+//   held
+//                                       something else, 2 when it cannot be had
+
+#include <zentara/utils/shared_memory.h>
+#include <zentara/utils/unique_instance.h>
+
+#include <cstdlib>
+#include <new>
+#include <string>
+#include <vector>
+
+namespace {
+
+using Words = std::vector<std::string>;
+
+int end(const Words& words, int code) {
+    if (words.back() == "leave")
+        return code;
+    std::_Exit(code);
+}
+
+int holdInstance(const Words& words) {
+    const Zentara::Utils::UniqueInstance instance(words[1].c_str());
+    return end(words, instance.isAnotherInstanceRunning() ? 0 : 1);
+}
+
+int exchangeMemory(const Words& words) {
+    auto* memory = Zentara::Utils::SharedMemory::getSharedMemory();
+    const auto size = static_cast<unsigned int>(std::stoul(words[2]));
+    const int old = std::stoi(words[3]);
+    int found = -1;
+    try {
+        auto* cell = static_cast<int*>(memory->getPtr(words[1], 0, size, true));
+        found = *cell;
+        *cell = std::stoi(words[4]);
+    } catch (const std::bad_alloc&) {
+        return end(words, 2);
+    }
+    const int code = end(words, found == old ? 0 : 1);
+    Zentara::Utils::SharedMemory::release();
+    return code;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const Words words(argv + 1, argv + argc);
+    if (words.size() >= 2 && words[0] == "instance")
+        return holdInstance(words);
+    if (words.size() >= 5 && words[0] == "memory")
+        return exchangeMemory(words);
+    return 64;
+}

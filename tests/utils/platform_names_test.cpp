@@ -1,0 +1,97 @@
+#include "utils/platform/shared_memory.h"
+#include "utils/platform/single_instance.h"
+#include "utils/platform/thread.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace Zentara::Utils::Platform {
+namespace {
+
+std::string uniqueName(const std::string& purpose) {
+    return "/zentara_test_" + purpose + "_" + std::to_string(currentProcessId());
+}
+
+Owned<SharedMapping> open(const std::string& name, std::size_t size = 256, bool writable = true) {
+    return Owned<SharedMapping>(SharedMapping::create(name, size, writable));
+}
+
+std::atomic<int>& cell(const Owned<SharedMapping>& mapping, int index = 0) {
+    return static_cast<std::atomic<int>*>(mapping->address())[index];
+}
+
+TEST(PlatformSharedMapping, LivesWithItsUsers) {
+    const std::string name = uniqueName("life");
+    auto first = open(name);
+    auto second = open(name);
+    ASSERT_TRUE(first && second);
+    EXPECT_NE(first->address(), second->address());
+    cell(first) = 1;
+    EXPECT_EQ(cell(second), 1);
+    first.reset();
+    auto third = open(name, 256, false);
+    ASSERT_TRUE(third);
+    EXPECT_EQ(cell(third), 1);
+    EXPECT_FALSE(open(name, 1 << 20)) << "memory never grows";
+    second.reset();
+    third.reset();
+    auto fresh = open(name, 1 << 20);
+    ASSERT_TRUE(fresh);
+    EXPECT_EQ(cell(fresh), 0);
+    fresh->unlink();
+    cell(fresh) = 3;
+    EXPECT_EQ(cell(fresh), 3) << "a present user keeps the memory";
+}
+
+TEST(PlatformSharedMapping, RefusesWhatCannotBe) {
+    EXPECT_FALSE(open(uniqueName("empty"), 0));
+    for (const char* name : {"", "/", "/a/b", "a\\b", "/a/"})
+        EXPECT_FALSE(open(name)) << name;
+}
+
+/// Two mappings held at the same time always are the same memory, however often the last user just went.
+TEST(PlatformSharedMapping, ChurnNeverSplitsAName) {
+    const std::string name = uniqueName("churn");
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&name, i] {
+            for (int round = 1; round <= 500; ++round) {
+                const auto first = open(name);
+                ASSERT_TRUE(first);
+                cell(first, i) = round;
+                const auto second = open(name);
+                ASSERT_TRUE(second);
+                ASSERT_EQ(cell(second, i), round);
+            }
+        });
+    }
+    for (auto& thread : threads)
+        thread.join();
+}
+
+TEST(PlatformSingleInstance, OneFirstAmongMany) {
+    const std::string name = uniqueName("instance").substr(1);
+    for (int round = 0; round < 100; ++round) {
+        std::atomic<int> firsts{0};
+        std::vector<Owned<SingleInstance>> held(4);
+        std::vector<std::thread> threads;
+        for (auto& instance : held) {
+            threads.emplace_back([&] {
+                bool existed = true;
+                instance.reset(SingleInstance::create(name.c_str(), existed));
+                EXPECT_TRUE(instance);
+                firsts += existed ? 0 : 1;
+            });
+        }
+        for (auto& thread : threads)
+            thread.join();
+        ASSERT_EQ(firsts, 1);
+    }
+}
+
+} // namespace
+} // namespace Zentara::Utils::Platform

@@ -1,0 +1,154 @@
+#include <zentara/utils/atomic_int.h>
+#include <zentara/utils/refcounted.h>
+#include <zentara/utils/weak_ptr.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <barrier>
+#include <climits>
+#include <thread>
+#include <vector>
+
+namespace Zentara::Utils {
+namespace {
+
+TEST(AtomicInt, StepsTestTheNewValue) {
+    AtomicInt counter(-1);
+    EXPECT_FALSE(counter.incrementAndTest());
+    EXPECT_TRUE(counter.incrementAndTest()) << "true at 1, not at 0";
+    EXPECT_FALSE(counter.incrementAndTest());
+    EXPECT_FALSE(counter.decrementAndTest());
+    EXPECT_TRUE(counter.decrementAndTest());
+    EXPECT_EQ(counter, 0);
+}
+
+TEST(AtomicInt, ConditionalSteps) {
+    struct Row {
+        int before;
+        bool incremented;
+        bool decremented;
+    };
+    for (const Row& row :
+         {Row{0, false, false}, Row{1, true, true}, Row{2, true, false}, Row{-1, true, false}}) {
+        AtomicInt up(row.before);
+        EXPECT_EQ(up.incrementIfNotZero(), row.incremented) << row.before;
+        EXPECT_EQ(up.get(), row.before + (row.incremented ? 1 : 0));
+        AtomicInt down(row.before);
+        EXPECT_EQ(down.decrementIfOne(), row.decremented) << row.before;
+        EXPECT_EQ(down.get(), row.before - (row.decremented ? 1 : 0));
+    }
+    AtomicInt highest(INT_MAX);
+    EXPECT_TRUE(highest.incrementIfNotZero());
+    EXPECT_EQ(highest.get(), INT_MIN);
+}
+
+class Counted : public Refcounted {
+public:
+    explicit Counted(AtomicInt& alive) : living(alive) { living.increment(); }
+    Counted(const Counted& other) : Refcounted(other), living(other.living) { living.increment(); }
+    Counted& operator=(const Counted& other) {
+        Refcounted::operator=(other);
+        return *this;
+    }
+    ~Counted() override { living.decrementAndTest(); }
+
+private:
+    AtomicInt& living;
+};
+
+class RefcountedTest : public testing::Test {
+protected:
+    AtomicInt living{0};
+};
+
+TEST_F(RefcountedTest, StartsWithOneReferenceAndDiesWithTheLast) {
+    auto* object = new Counted(living);
+    object->incref();
+    EXPECT_FALSE(object->decrefIfLastRef());
+    EXPECT_TRUE(object->tryIncref());
+    object->decref();
+    object->decref();
+    EXPECT_EQ(living, 1);
+    EXPECT_TRUE(object->decrefIfLastRef());
+    EXPECT_EQ(living, 0);
+}
+
+TEST_F(RefcountedTest, CopyHasItsOwnReferenceAndNoWeakReferences) {
+    const auto original = makeRefcounted<Counted>(living);
+    const SmartPtr<Counted> second = original;
+    const WeakPtr<Counted> weak(original);
+    auto* copy = new Counted(*original);
+    *copy = *original;
+    copy->decref();
+    EXPECT_EQ(living, 1);
+    EXPECT_EQ(weak.lock(), original);
+}
+
+TEST_F(RefcountedTest, WeakReferenceEndsWithItsObject) {
+    auto strong = makeRefcounted<Counted>(living);
+    WeakPtr<Counted> weak(strong);
+    const WeakPtr<Counted> copy = weak;
+    const auto clone = weak.clone();
+    const WeakPtr<Counted> nothing;
+    EXPECT_EQ(copy.lock(), strong);
+    EXPECT_FALSE(weak != copy);
+    EXPECT_TRUE(weak != nothing);
+    EXPECT_FALSE(clone->expired());
+
+    strong.reset();
+    EXPECT_EQ(living, 0);
+    EXPECT_TRUE(weak.expired());
+    EXPECT_FALSE(copy.lock());
+    EXPECT_EQ(clone->promote(), nullptr);
+    EXPECT_FALSE(weak != nothing);
+}
+
+TEST_F(RefcountedTest, WeakReferenceMovesBetweenObjects) {
+    auto first = makeRefcounted<Counted>(living);
+    auto second = makeRefcounted<Counted>(living);
+    WeakPtr<Counted> weak(first);
+    const WeakPtr<Counted> other(second);
+    weak = other;
+    first.reset();
+    EXPECT_EQ(weak.lock(), second);
+    weak = WeakPtr<Counted>();
+    second.reset();
+    EXPECT_TRUE(other.expired());
+}
+
+/// Threads promote, copy and drop weak references while the last strong one goes: an object is either had
+/// alive or not at all.
+TEST_F(RefcountedTest, PromotionAgainstTheLastDecref) {
+    constexpr int rounds = 1000;
+    constexpr int promoters = 3;
+    std::barrier step(promoters + 1);
+    WeakPtr<Counted> weak;
+    std::atomic<int> dead{0};
+    auto promote = [&] {
+        for (int round = 0; round < rounds; ++round) {
+            step.arrive_and_wait();
+            const WeakPtr<Counted> copy = weak;
+            const auto had = copy.lock();
+            dead += had && copy.expired() ? 1 : 0;
+            step.arrive_and_wait();
+        }
+    };
+    std::vector<std::thread> threads;
+    for (int i = 0; i < promoters; ++i)
+        threads.emplace_back(promote);
+    for (int round = 0; round < rounds; ++round) {
+        auto strong = makeRefcounted<Counted>(living);
+        weak = WeakPtr<Counted>(strong);
+        step.arrive_and_wait();
+        strong.reset();
+        step.arrive_and_wait();
+    }
+    for (auto& thread : threads)
+        thread.join();
+    EXPECT_EQ(dead, 0);
+    EXPECT_EQ(living, 0);
+}
+
+} // namespace
+} // namespace Zentara::Utils

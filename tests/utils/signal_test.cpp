@@ -1,0 +1,125 @@
+#include <zentara/utils/mutex.h>
+#include <zentara/utils/signal.h>
+#include <zentara/utils/thread_base.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <memory>
+#include <thread>
+#include <vector>
+
+namespace Zentara::Utils::Threading {
+namespace {
+
+constexpr unsigned long generous = 30000;
+
+TEST(Signal, OneWaitConsumesIt) {
+    Signal signal;
+    EXPECT_EQ(signal.timedWait(0), -1);
+    EXPECT_EQ(signal.timedWait(1), -1);
+    signal.set();
+    signal.set();
+    EXPECT_TRUE(signal.isSet());
+    EXPECT_FALSE(signal.isSet()) << "sets before a wait do not add up";
+    signal.set();
+    EXPECT_EQ(signal.timedWait(0xFFFFFFFF), 0);
+    signal.set();
+    signal.wait();
+    EXPECT_FALSE(signal.isSet());
+}
+
+TEST(Signal, CarriesWhatWasWrittenBefore) {
+    constexpr int rounds = 10000;
+    Signal ping;
+    Signal pong;
+    int value = 0;
+    std::thread other([&] {
+        for (int i = 0; i < rounds; ++i) {
+            ping.wait();
+            ++value;
+            pong.set();
+        }
+    });
+    for (int i = 0; i < rounds; ++i) {
+        ++value;
+        ping.set();
+        ASSERT_EQ(pong.timedWait(generous), 0);
+        ASSERT_EQ(value, 2 * (i + 1));
+    }
+    other.join();
+}
+
+TEST(Signal, WaiterMayDestroyItAtOnce) {
+    constexpr int rounds = 1000;
+    std::atomic<Signal*> passed{nullptr};
+    std::thread setter([&] {
+        for (int i = 0; i < rounds; ++i) {
+            Signal* signal = nullptr;
+            while (!(signal = passed.exchange(nullptr)))
+                std::this_thread::yield();
+            signal->set();
+        }
+    });
+    for (int i = 0; i < rounds; ++i) {
+        auto signal = std::make_unique<Signal>();
+        passed = signal.get();
+        ASSERT_EQ(signal->timedWait(generous), 0);
+    }
+    setter.join();
+}
+
+TEST(Mutex, IsReentrantAndExclusive) ZENTARA_NO_THREAD_SAFETY_ANALYSIS {
+    Mutex mutex;
+    RecursiveMutex recursive;
+    int count = 0;
+    auto work = [&]() ZENTARA_NO_THREAD_SAFETY_ANALYSIS {
+        for (int i = 0; i < 5000; ++i) {
+            AutoLock outer(mutex);
+            AutoLock inner(mutex);
+            RecursiveAutoLock third(recursive);
+            RecursiveAutoLock fourth(recursive);
+            ++count;
+        }
+    };
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+        threads.emplace_back(work);
+    for (auto& thread : threads)
+        thread.join();
+    EXPECT_EQ(count, 4 * 5000);
+}
+
+constinit Mutex staticMutex;
+/// Initialised before the tests run: a static initialiser can lock a static mutex wherever that stands.
+const bool lockedEarly = [] {
+    AutoLock hold(staticMutex);
+    return true;
+}();
+
+TEST(Mutex, WorksDuringStaticInitialisation) { EXPECT_TRUE(lockedEarly); }
+
+/// All threads come to a fresh mutex at the same moment, so that its making is contended.
+TEST(Mutex, FirstUseByManyThreads) {
+    for (int round = 0; round < 40; ++round) {
+        Mutex mutex;
+        int count = 0;
+        std::atomic<bool> go{false};
+        std::vector<std::thread> threads;
+        for (int i = 0; i < 4; ++i) {
+            threads.emplace_back([&] {
+                while (!go)
+                    std::this_thread::yield();
+                AutoLock hold(mutex);
+                ++count;
+            });
+        }
+        go = true;
+        for (auto& thread : threads)
+            thread.join();
+        ASSERT_EQ(count, 4);
+    }
+}
+
+} // namespace
+} // namespace Zentara::Utils::Threading
