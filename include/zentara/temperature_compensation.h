@@ -71,9 +71,13 @@ private:
     };
 
     void init(unsigned int size, const void* data);
+    void logRecords() const;
 
-    std::vector<Record> records; // the mode is the index
-    std::int32_t currentMode = -1;
+    /// Null, with a warning that `what` cannot be had, when no mode is current.
+    const Record* currentRecord(const char* what) const;
+
+    std::vector<Record> records;   // the mode is the index
+    std::int32_t currentMode = -1; // always one that has a record, or none
     TemperatureCalibration calibration;
     bool fromRom = false;
 };
