@@ -114,6 +114,11 @@ void SharedLibrary::release() { Refcounted::decref(); }
 
 ImplType SharedLibrary::getImplType() const noexcept { return impl->type; }
 
+void* SharedLibrary::getHandle() const {
+    const AutoLock hold(impl->lock);
+    return impl->handle;
+}
+
 void SharedLibrary::incref_noLock() {
     if (impl->useCount.incrementAndTest())
         Refcounted::incref();

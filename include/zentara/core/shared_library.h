@@ -57,6 +57,10 @@ public:
 
     [[nodiscard]] ImplType getImplType() const noexcept;
 
+    /// The system's handle of the library, for getFunction(); null while it is not loaded. Good as long as the
+    /// caller holds a use.
+    [[nodiscard]] void* getHandle() const;
+
 private:
     struct Impl;
 

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <memory>
+
+#include <zentara/core/descriptor_store_ro.h>
+#include <zentara/node_event.h>
+#include <zentara/plugin/plugin_exceptions.h>
+
+namespace Zentara::Core {
+
+/// What every node keeps: its device behind a proxy, the store and the host's data.
+template<typename Proxy, typename ProcessorData>
+struct NodeLink {
+    std::unique_ptr<Proxy> proxy;
+    DescriptorStoreRO* store = nullptr;
+    ProcessorData* data = nullptr;
+
+    /// Replaces an earlier link. The proxy's own initialisation is left to the caller, who has access to it.
+    Proxy& connect(NodeEvent* event, DescriptorStoreRO* newStore, ProcessorData* newData) {
+        if (!event || !newStore)
+            throw Zentara::Plugin::ArgumentPluginException(
+                event ? "cannot initialize a node: no descriptor store"
+                      : "cannot initialize a node: no node event");
+        disconnect();
+        store = newStore;
+        data = newData;
+        proxy = std::make_unique<Proxy>(store->getDeviceImplGUID(), true);
+        return *proxy;
+    }
+
+    void disconnect() {
+        proxy.reset();
+        store = nullptr;
+        data = nullptr;
+    }
+};
+
+} // namespace Zentara::Core
