@@ -30,7 +30,7 @@ using DestroyInstance = void(void* instance);
 
 /// \param context goes back unchanged into both callbacks
 /// \param ids and `version` are valid during the call
-using Initialize = ErrorCode(void* instance, void* context, Transfer* write, Transfer* read,
+using Initialize = ErrorCode(void* instance, void* context, Transfer* set, Transfer* get,
                              const HardwareIDs* ids, const HardwareVersionInternal* version);
 using Dispose = ErrorCode(void* instance);
 

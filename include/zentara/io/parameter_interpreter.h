@@ -52,11 +52,11 @@ public:
     [[nodiscard]] static ParameterValueType getParameterValueType(ParameterType parameter);
 
     /// Makes a back-end instance and initialises it; an earlier one is disposed first.
-    /// \param context goes back unchanged into `write` and `read`, through which the back-end reaches the
+    /// \param context goes back unchanged into `set` and `get`, through which the back-end reaches the
     ///         camera
     /// \throws Plugin::InitializationPluginException "Invalid shared library handle", or "Failed to
     ///         initialize plugin" when the back-end refuses; no instance is left then
-    virtual void initialize(void* context, BackEnd::Transfer* write, BackEnd::Transfer* read, HardwareIDs ids,
+    virtual void initialize(void* context, BackEnd::Transfer* set, BackEnd::Transfer* get, HardwareIDs ids,
                             HardwareVersionInternal version);
 
     /// Disposes and destroys the back-end instance. Without one it does nothing.

@@ -1,0 +1,95 @@
+#include <zentara/io/library_parameter_interpreter.h>
+
+#include <zentara/core/plugin_manager.h>
+#include <zentara/core/shared_library.h>
+#include <zentara/io/video_device_proxy.h>
+#include <zentara/plugin/plugin_exceptions.h>
+
+#include "utils/log_warning.h"
+
+namespace Zentara::IO {
+
+namespace {
+
+/// Holds the plug-in manager for the length of a scope.
+class ManagerReference {
+public:
+    ManagerReference() : manager(Core::PluginManager::instance()) {
+        if (!manager) {
+            // The reference is counted all the same, but there is nobody to give it back to.
+            throw Plugin::InitializationPluginException("there is no plug-in manager");
+        }
+    }
+    ~ManagerReference() { manager->release(); }
+    ManagerReference(const ManagerReference&) = delete;
+    ManagerReference& operator=(const ManagerReference&) = delete;
+
+    Core::PluginManager* operator->() const { return manager; }
+
+private:
+    Core::PluginManager* manager;
+};
+
+/// Runs a transfer on behalf of a C back-end, which no exception may reach. What is thrown has logged itself.
+template<typename Operation>
+ErrorCode transfer(Operation operation) noexcept {
+    try {
+        operation();
+        return ErrorCode_SUCCESS;
+    } catch (...) {
+        return ErrorCode_IO;
+    }
+}
+
+ErrorCode send(void* context, unsigned short unit, unsigned int selector, unsigned char* data,
+               unsigned int length) {
+    return transfer([&] {
+        static_cast<VideoDeviceProxy*>(context)->send(unit, static_cast<std::int32_t>(selector), length,
+                                                      data);
+    });
+}
+
+ErrorCode receive(void* context, unsigned short unit, unsigned int selector, unsigned char* data,
+                  unsigned int length) {
+    return transfer([&] {
+        static_cast<VideoDeviceProxy*>(context)->recv(unit, static_cast<std::int32_t>(selector), length, data,
+                                                      false);
+    });
+}
+
+} // namespace
+
+Utils::SmartPtr<LibraryParameterInterpreter> LibraryParameterInterpreter::create(GUID backEnd) {
+    const ManagerReference manager;
+    // Of this kind the manager makes no object: it loads the library and counts a use, which the interpreter
+    // gives back with its last reference.
+    static_cast<void>(manager->createInstance(backEnd, getImplType()));
+    try {
+        return Utils::SmartPtr<LibraryParameterInterpreter>::adopt(new LibraryParameterInterpreter(backEnd));
+    } catch (...) {
+        manager->decref(backEnd);
+        throw;
+    }
+}
+
+LibraryParameterInterpreter::LibraryParameterInterpreter(GUID backEnd)
+    : ParameterInterpreter(backEnd, nullptr) {
+    setLibrary(getSharedLibrary()->getHandle());
+}
+
+LibraryParameterInterpreter::~LibraryParameterInterpreter() {
+    try {
+        dispose();
+    } catch (const std::exception& failure) {
+        Utils::logWarning(std::string("Failed to dispose a parameter interpreter: ") + failure.what());
+    } catch (...) {
+        Utils::logWarning("Failed to dispose a parameter interpreter");
+    }
+}
+
+void LibraryParameterInterpreter::initialize(VideoDeviceProxy& device, HardwareIDs ids,
+                                             HardwareVersionInternal version) {
+    initialize(&device, send, receive, ids, version);
+}
+
+} // namespace Zentara::IO

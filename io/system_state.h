@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <zentara/io/parameter_requests.h>
+
+namespace Zentara::IO {
+
+/// The bytes of a system state: an entry for each float, integer, boolean and region request, in the map's order.
+[[nodiscard]] std::vector<unsigned char> marshalSystemState(const ParameterRequestMap& state);
+
+/// Stores the bytes in the requests of the map. They are checked as a whole first.
+/// \return why they are refused, with the map unchanged; empty on success
+[[nodiscard]] std::string unmarshalSystemState(const std::vector<unsigned char>& bytes,
+                                               ParameterRequestMap& state);
+
+} // namespace Zentara::IO
