@@ -49,8 +49,7 @@ private:
         if (slash == std::string::npos)
             return;
         auto& times = groups[name.substr(0, slash)];
-        bool acrossThreads = run.run_name.time_type == "real_time";
-        double time = acrossThreads ? run.GetAdjustedRealTime() : run.GetAdjustedCPUTime();
+        double time = run.GetAdjustedRealTime();
         auto [entry, isNew] = times.try_emplace(name.substr(slash + 1), time);
         if (!isNew)
             entry->second = std::min(entry->second, time);
