@@ -1,0 +1,225 @@
+#include "plugins/simulated/controllers/ov0570_controller.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace Zentara::Simulated {
+
+namespace {
+
+constexpr ::GUID unitGuid{0xDD880F8A, 0x1CBA, 0x4954, {0x8A, 0x25, 0xF7, 0x87, 0x59, 0x67, 0xF0, 0xF7}};
+constexpr std::uint32_t informationControl = 1;
+constexpr std::uint32_t registerControl = 2;
+constexpr std::uint32_t eepromControl = 3;
+constexpr std::size_t informationBytes = 64;
+constexpr std::size_t pieceBytes = 32;
+constexpr std::size_t firstFurtherDevice = 16;
+constexpr std::size_t furtherDeviceBytes = 4;
+constexpr std::uint8_t resetDone = 0x08;
+
+std::uint16_t littleEndian(const Bytes& packet, std::size_t at) {
+    return static_cast<std::uint16_t>(packet[at] | (packet[at + 1] << 8));
+}
+
+void putLittleEndian(Bytes& packet, std::size_t at, std::uint32_t value) {
+    packet[at] = static_cast<std::uint8_t>(value);
+    packet[at + 1] = static_cast<std::uint8_t>(value >> 8);
+}
+
+std::uint8_t descriptor(const OV0570Controller::Device& device) {
+    return static_cast<std::uint8_t>((device.addressCode << 6) | (device.dataCode << 4) | (device.flag & 1));
+}
+
+RegisterFile fileOf(const OV0570Controller::Device& device) {
+    return {device.addressCode + 1U, device.dataCode + 1U};
+}
+
+} // namespace
+
+OV0570Controller::OV0570Controller(Settings initial) : settings(std::move(initial)) {
+    files.push_back(fileOf(settings.bridge));
+    for (const Device& device : settings.devices) {
+        files.push_back(fileOf(device));
+        if (device.busAddress == 0x0021) {
+            files.back().write(fpgaRegister, 0x2035);
+            for (unsigned read = 0; read < 2 * settings.fpgaRounds; ++read) {
+                files.back().queueRead(fpgaRegister, 0x1035);
+            }
+        }
+    }
+    files.front().write(resetRegister, resetDone);
+    for (unsigned read = 0; read < settings.resetRounds; ++read) {
+        files.front().queueRead(resetRegister, 0);
+    }
+}
+
+const ::GUID& OV0570Controller::guid() const noexcept { return unitGuid; }
+
+std::optional<std::size_t> OV0570Controller::length(std::uint32_t selector) const {
+    switch (selector) {
+    case informationControl:
+        return informationBytes;
+    case registerControl:
+        return 7;
+    case eepromControl:
+        return 1 + pieceBytes;
+    default:
+        return std::nullopt;
+    }
+}
+
+void OV0570Controller::set(std::uint32_t selector, const Bytes& packet) {
+    switch (selector) {
+    case registerControl:
+        return writeRegister(packet);
+    case eepromControl:
+        return setEeprom(packet);
+    default:
+        stall(*this, "the control information is read-only");
+    }
+}
+
+Bytes OV0570Controller::get(std::uint32_t selector, const Bytes& request) {
+    switch (selector) {
+    case registerControl:
+        return readRegister(request);
+    case eepromControl:
+        return getEeprom(request);
+    default:
+        return controlInformation();
+    }
+}
+
+Bytes OV0570Controller::controlInformation() const {
+    Bytes reply(informationBytes);
+    reply[0] = settings.infoByte;
+    std::copy(settings.version.begin(), settings.version.end(), reply.begin() + 1);
+    putLittleEndian(reply, 5, settings.word5);
+    putLittleEndian(reply, 8, settings.word8);
+    putLittleEndian(reply, 10, settings.word10);
+    reply[12] = descriptor(settings.bridge);
+    putLittleEndian(reply, 13, settings.bridge.busAddress);
+    reply[15] = settings.claimedDevices.value_or(static_cast<std::uint8_t>(settings.devices.size()));
+    std::size_t at = firstFurtherDevice;
+    for (const Device& device : settings.devices) {
+        if (at == informationBytes) {
+            break;
+        }
+        // The further devices tell their address high byte first, the bridge its own low byte first.
+        reply[at] = descriptor(device);
+        reply[at + 1] = static_cast<std::uint8_t>(device.busAddress >> 8);
+        reply[at + 2] = static_cast<std::uint8_t>(device.busAddress);
+        reply[at + 3] = device.extra;
+        at += furtherDeviceBytes;
+    }
+    return reply;
+}
+
+const OV0570Controller::Device& OV0570Controller::device(std::size_t index) const {
+    return index == 0 ? settings.bridge : settings.devices.at(index - 1);
+}
+
+RegisterFile& OV0570Controller::addressed(const Bytes& packet) {
+    const std::size_t index = packet[0] & 0x0F;
+    if (index >= files.size()) {
+        stall(*this, "no device " + std::to_string(index));
+    }
+    if (((packet[0] >> 5) & 3) != device(index).addressCode) {
+        stall(*this, "wrong address width for device " + std::to_string(index));
+    }
+    if (((packet[0] >> 4) & 1) != (device(index).dataCode != 0)) {
+        stall(*this, "wrong data width for device " + std::to_string(index));
+    }
+    return files[index];
+}
+
+namespace {
+
+std::uint32_t registerAddress(const Bytes& packet) {
+    return littleEndian(packet, 1) | (std::uint32_t{littleEndian(packet, 5)} << 16);
+}
+
+} // namespace
+
+void OV0570Controller::writeRegister(const Bytes& packet) {
+    if (packet[0] & 0x80) {
+        stall(*this, "a SET of a read packet");
+    }
+    addressed(packet).write(registerAddress(packet), littleEndian(packet, 3));
+}
+
+Bytes OV0570Controller::readRegister(const Bytes& request) {
+    if (!(request[0] & 0x80)) {
+        stall(*this, "a GET of a write packet");
+    }
+    Bytes reply = request;
+    putLittleEndian(reply, 3, addressed(request).read(registerAddress(request)));
+    return reply;
+}
+
+void OV0570Controller::setEeprom(const Bytes& packet) {
+    const bool ranged = state == EepromState::Ranged;
+    switch (packet[0]) {
+    case 1:
+        position = littleEndian(packet, 1);
+        last = littleEndian(packet, 3);
+        state = EepromState::Ranged;
+        return;
+    case 2:
+        if (!ranged) {
+            stall(*this, "EEPROM state 2 without an address range");
+        }
+        state = EepromState::Prepared;
+        return;
+    case 3:
+        if (state != EepromState::Prepared) {
+            stall(*this, "EEPROM state 3 before state 2");
+        }
+        state = EepromState::Reading;
+        return;
+    case 5:
+        state = EepromState::Idle;
+        return;
+    case 7:
+        return writeFlash(packet);
+    default:
+        stall(*this, "EEPROM code " + std::to_string(packet[0]));
+    }
+}
+
+Bytes OV0570Controller::getEeprom(const Bytes& request) {
+    if (request[0] == 1) {
+        Bytes reply(1 + pieceBytes);
+        putLittleEndian(reply, 0, settings.writableSize);
+        putLittleEndian(reply, 2, settings.readableSize);
+        return reply;
+    }
+    if (request[0] != 3 || state != EepromState::Reading) {
+        stall(*this, "EEPROM read outside a read sequence");
+    }
+    return readFlash();
+}
+
+Bytes OV0570Controller::readFlash() {
+    if (position > last) {
+        stall(*this, "EEPROM read past the end of its range");
+    }
+    Bytes reply(1 + pieceBytes);
+    for (std::size_t i = 1; i <= pieceBytes && position <= last; ++i, ++position) {
+        reply[i] = position < settings.flash.size() ? settings.flash[position] : 0xFF;
+    }
+    return reply;
+}
+
+void OV0570Controller::writeFlash(const Bytes& packet) {
+    if (state != EepromState::Ranged || position > last) {
+        stall(*this, "EEPROM write without a range to write to");
+    }
+    for (std::size_t i = 1; i <= pieceBytes && position <= last; ++i, ++position) {
+        if (position < settings.flash.size()) {
+            settings.flash[position] = packet[i];
+        }
+    }
+}
+
+} // namespace Zentara::Simulated

@@ -1,0 +1,128 @@
+#include "plugins/simulated/controllers/vc0258_controller.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace Zentara::Simulated {
+
+namespace {
+
+constexpr std::uint32_t tunnelControl = 16;
+constexpr std::uint32_t memoryControl = 24;
+constexpr std::size_t tunnelBytes = 9;
+constexpr std::size_t memoryBytes = 36;
+constexpr std::size_t memoryData = 4;
+constexpr std::uint8_t tofAddress = 0x21;
+constexpr std::uint8_t tofReadAddress = 0x23;
+
+} // namespace
+
+VC0258Controller::VC0258Controller(Settings initial) : settings(std::move(initial)) {
+    for (const auto& [address, dataBytes] : settings.devices) {
+        files.emplace(address, RegisterFile(1, dataBytes));
+    }
+    const auto tof = files.find(tofAddress);
+    if (tof != files.end()) {
+        tof->second.write(0x21, 0x2035);
+    }
+}
+
+std::optional<std::size_t> VC0258Controller::length(std::uint32_t selector) const {
+    switch (selector) {
+    case VCBridgeRegisters::control:
+        return VCBridgeRegisters::packetBytes;
+    case tunnelControl:
+        return tunnelBytes;
+    case memoryControl:
+        return memoryBytes;
+    default:
+        return std::nullopt;
+    }
+}
+
+void VC0258Controller::set(std::uint32_t selector, const Bytes& packet) {
+    switch (selector) {
+    case VCBridgeRegisters::control:
+        return bridgeRegisters.set(*this, packet);
+    case tunnelControl:
+        return writeTunnel(bridgeRegisters.carried(VCBridgeRegisters::sensorControlSize, packet));
+    default:
+        stall(*this, "memory is read-only");
+    }
+}
+
+Bytes VC0258Controller::get(std::uint32_t selector, const Bytes& request) {
+    switch (selector) {
+    case VCBridgeRegisters::control:
+        return bridgeRegisters.get(*this, request);
+    case tunnelControl:
+        return readTunnel(bridgeRegisters.carried(VCBridgeRegisters::sensorControlSize, request));
+    default:
+        return readMemory(bridgeRegisters.carried(VCBridgeRegisters::dmaControlSize, request));
+    }
+}
+
+RegisterFile& VC0258Controller::addressed(const Bytes& packet) {
+    const unsigned dataBytes = packet[2] & 0x0F;
+    if (packet[1] != 1 || (dataBytes != 1 && dataBytes != 2)) {
+        stall(*this, "I2C widths " + std::to_string(packet[1]) + " and " + std::to_string(dataBytes));
+    }
+    std::uint8_t address = packet[0] >> 1;
+    if (address == tofReadAddress && !(packet[0] & 1)) {
+        address = tofAddress;
+    }
+    const auto found = files.find(address);
+    if (found == files.end()) {
+        stall(*this, "no answer from bus address " + hexText(packet[0] >> 1));
+    }
+    return found->second;
+}
+
+bool VC0258Controller::exchanged(const Bytes& packet) const {
+    return (packet[2] >> 4) != bridgeRegisters.value(VCBridgeRegisters::lastByteOrder);
+}
+
+void VC0258Controller::writeTunnel(const Bytes& packet) {
+    if (!(packet[0] & 1)) {
+        stall(*this, "a SET of an I2C read packet");
+    }
+    RegisterFile& file = addressed(packet);
+    if ((packet[2] & 0x0F) == 1) {
+        return file.write(packet[3], packet[6]);
+    }
+    const bool swap = exchanged(packet);
+    file.write(packet[3], packet[swap ? 7 : 6] | (std::uint32_t{packet[swap ? 6 : 7]} << 8));
+}
+
+Bytes VC0258Controller::readTunnel(const Bytes& request) {
+    if (request[0] & 1) {
+        stall(*this, "a GET of an I2C write packet");
+    }
+    const std::uint32_t value = addressed(request).read(request[3]);
+    Bytes reply = request;
+    reply[6] = static_cast<std::uint8_t>(value);
+    if ((request[2] & 0x0F) == 2) {
+        reply[7] = static_cast<std::uint8_t>(value >> 8);
+        if (exchanged(request)) {
+            std::swap(reply[6], reply[7]);
+        }
+    }
+    return bridgeRegisters.carried(VCBridgeRegisters::sensorControlSize, std::move(reply));
+}
+
+Bytes VC0258Controller::readMemory(const Bytes& request) const {
+    const std::size_t count = request[3];
+    if (request[0] != 0x50 || count < 1 || count > memoryBytes - memoryData) {
+        stall(*this, "DMA code " + hexText(request[0]) + " for " + std::to_string(count) + " bytes");
+    }
+    const Bytes& memory =
+        bridgeRegisters.value(VCBridgeRegisters::memoryArea) == 0 ? settings.flash : settings.configuration;
+    const std::size_t start = static_cast<std::size_t>(request[1] | (request[2] << 8));
+    Bytes reply = request;
+    for (std::size_t i = 0; i < count; ++i) {
+        reply[memoryData + i] = start + i < memory.size() ? memory[start + i] : 0xFF;
+    }
+    return bridgeRegisters.carried(VCBridgeRegisters::dmaControlSize, std::move(reply));
+}
+
+} // namespace Zentara::Simulated

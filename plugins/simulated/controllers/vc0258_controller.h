@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+
+#include "plugins/simulated/controllers/controller_model.h"
+#include "plugins/simulated/controllers/register_file.h"
+#include "plugins/simulated/controllers/vc_bridge_registers.h"
+
+namespace Zentara::Simulated {
+
+/// A camera behind a VC0258 bridge: unit 4, bridge registers, an I2C tunnel, and memory read by DMA.
+///
+/// The bridge does what its settings say, right or wrong: a control longer than its size register loses its tail,
+/// and a 2-byte transfer whose order bit differs from the order register arrives with its bytes exchanged.
+class VC0258Controller final : public ControllerModel {
+public:
+    struct Settings {
+        Bytes flash = patternFlash(0x28);
+        Bytes configuration = patternFlash(0x82);
+        /// Data bytes of each device on the bus by 7-bit address. The time-of-flight controller is written as
+        /// 0x21 and read as 0x23.
+        std::map<std::uint8_t, unsigned> devices{{0x21, 2}, {0x60, 2}, {0x30, 1}};
+    };
+
+    explicit VC0258Controller(Settings settings);
+
+    [[nodiscard]] ChipKind kind() const noexcept override { return ChipKind::VC0258; }
+    [[nodiscard]] const ::GUID& guid() const noexcept override { return vcUnitGuid(); }
+    [[nodiscard]] std::uint32_t unit() const noexcept override { return 4; }
+    [[nodiscard]] std::optional<std::size_t> length(std::uint32_t selector) const override;
+    void set(std::uint32_t selector, const Bytes& packet) override;
+    [[nodiscard]] Bytes get(std::uint32_t selector, const Bytes& request) override;
+    [[nodiscard]] const Bytes& flash() const noexcept override { return settings.flash; }
+    [[nodiscard]] const Bytes& configuration() const noexcept override { return settings.configuration; }
+
+    [[nodiscard]] VCBridgeRegisters& bridge() { return bridgeRegisters; }
+    [[nodiscard]] RegisterFile& device(std::uint8_t address) { return files.at(address); }
+
+private:
+    [[nodiscard]] RegisterFile& addressed(const Bytes& packet);
+    [[nodiscard]] bool exchanged(const Bytes& packet) const;
+    void writeTunnel(const Bytes& packet);
+    [[nodiscard]] Bytes readTunnel(const Bytes& request);
+    [[nodiscard]] Bytes readMemory(const Bytes& request) const;
+
+    Settings settings;
+    VCBridgeRegisters bridgeRegisters;
+    std::map<std::uint8_t, RegisterFile> files;
+};
+
+} // namespace Zentara::Simulated

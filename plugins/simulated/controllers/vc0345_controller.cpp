@@ -1,0 +1,89 @@
+#include "plugins/simulated/controllers/vc0345_controller.h"
+
+#include <utility>
+
+namespace Zentara::Simulated {
+
+namespace {
+
+constexpr std::uint32_t romControl = 5;
+constexpr std::uint32_t tofControl = 16;
+constexpr std::uint8_t highByte = 0x80;
+
+std::size_t romAddress(const Bytes& packet) { return static_cast<std::size_t>(packet[1] | (packet[2] << 8)); }
+
+} // namespace
+
+VC0345Controller::VC0345Controller(Settings initial) : settings(std::move(initial)) {
+    settings.flash.resize(0x10000, 0xFF);
+    tofRegisters.write(0x21, 0x2035);
+}
+
+std::optional<std::size_t> VC0345Controller::length(std::uint32_t selector) const {
+    switch (selector) {
+    case VCBridgeRegisters::control:
+    case romControl:
+    case tofControl:
+        return 4;
+    default:
+        return std::nullopt;
+    }
+}
+
+void VC0345Controller::set(std::uint32_t selector, const Bytes& packet) {
+    switch (selector) {
+    case VCBridgeRegisters::control:
+        return bridgeRegisters.set(*this, packet);
+    case romControl:
+        return writeRom(packet);
+    default:
+        return writeTof(bridgeRegisters.carried(VCBridgeRegisters::sensorControlSize, packet));
+    }
+}
+
+Bytes VC0345Controller::get(std::uint32_t selector, const Bytes& request) {
+    switch (selector) {
+    case VCBridgeRegisters::control:
+        return bridgeRegisters.get(*this, request);
+    case romControl:
+        return readRom(request);
+    default:
+        return readTof(bridgeRegisters.carried(VCBridgeRegisters::sensorControlSize, request));
+    }
+}
+
+void VC0345Controller::writeTof(const Bytes& packet) {
+    if (packet[0] != 0x41) {
+        stall(*this, "code " + hexText(packet[0]) + " in a SET of a time-of-flight register");
+    }
+    tofRegisters.write(packet[1], packet[2] | (std::uint32_t{packet[3]} << 8));
+}
+
+Bytes VC0345Controller::readTof(const Bytes& request) {
+    if (request[0] != 0x46) {
+        stall(*this, "code " + hexText(request[0]) + " in a GET of a time-of-flight register");
+    }
+    const bool high = (request[1] & highByte) != 0;
+    const std::uint32_t value = tofRegisters.read(request[1] & ~highByte & 0xFFU);
+    Bytes reply = request;
+    reply[3] = static_cast<std::uint8_t>(high ? value >> 8 : value);
+    return bridgeRegisters.carried(VCBridgeRegisters::sensorControlSize, std::move(reply));
+}
+
+void VC0345Controller::writeRom(const Bytes& packet) {
+    if (packet[0] != 0xA1) {
+        stall(*this, "code " + hexText(packet[0]) + " in a SET of a ROM byte");
+    }
+    settings.flash[romAddress(packet)] = packet[3];
+}
+
+Bytes VC0345Controller::readRom(const Bytes& request) const {
+    if (request[0] != 0xA0) {
+        stall(*this, "code " + hexText(request[0]) + " in a GET of a ROM byte");
+    }
+    Bytes reply = request;
+    reply[3] = settings.flash[romAddress(request)];
+    return reply;
+}
+
+} // namespace Zentara::Simulated

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "plugins/simulated/controllers/controller_model.h"
+#include "plugins/simulated/controllers/register_file.h"
+#include "plugins/simulated/controllers/vc_bridge_registers.h"
+
+namespace Zentara::Simulated {
+
+/// A camera behind a VC0345 bridge: unit 4, bridge registers, 16-bit time-of-flight registers of which a read brings
+/// one byte at a time, and a ROM of single bytes. As with the VC0258, a wrong size setting loses bytes.
+class VC0345Controller final : public ControllerModel {
+public:
+    struct Settings {
+        Bytes flash = patternFlash(0x45);
+    };
+
+    explicit VC0345Controller(Settings settings);
+
+    [[nodiscard]] ChipKind kind() const noexcept override { return ChipKind::VC0345; }
+    [[nodiscard]] const ::GUID& guid() const noexcept override { return vcUnitGuid(); }
+    [[nodiscard]] std::uint32_t unit() const noexcept override { return 4; }
+    [[nodiscard]] std::optional<std::size_t> length(std::uint32_t selector) const override;
+    void set(std::uint32_t selector, const Bytes& packet) override;
+    [[nodiscard]] Bytes get(std::uint32_t selector, const Bytes& request) override;
+    [[nodiscard]] const Bytes& flash() const noexcept override { return settings.flash; }
+    [[nodiscard]] const Bytes& configuration() const noexcept override { return settings.flash; }
+
+    [[nodiscard]] VCBridgeRegisters& bridge() { return bridgeRegisters; }
+    [[nodiscard]] RegisterFile& tof() { return tofRegisters; }
+
+private:
+    void writeTof(const Bytes& packet);
+    [[nodiscard]] Bytes readTof(const Bytes& request);
+    void writeRom(const Bytes& packet);
+    [[nodiscard]] Bytes readRom(const Bytes& request) const;
+
+    Settings settings;
+    VCBridgeRegisters bridgeRegisters;
+    RegisterFile tofRegisters{1, 2};
+};
+
+} // namespace Zentara::Simulated
