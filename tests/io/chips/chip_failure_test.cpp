@@ -1,0 +1,170 @@
+// Each public operation of each chip, with each of its transfers failing in each way.
+#include <future>
+
+#include <gmock/gmock.h>
+
+#include <zentara/plugin/plugin_exceptions.h>
+
+#include "io/chips/chip_operations.h"
+#include "io/chips/wired_camera.h"
+
+namespace Zentara::Test {
+
+namespace {
+
+using Simulated::Transfer;
+using Simulated::TransferFaultKind;
+
+unsigned pairAt(const Transfer& transfer, std::size_t at) {
+    return transfer.sent[at] | static_cast<unsigned>(transfer.sent[at + 1] << 8);
+}
+
+template<typename Chip>
+void learnStrobe(Chip& chip, unsigned reg, unsigned bits) {
+    chip.resetStrobeLocked(static_cast<int>(reg), 0xFFFF);
+    chip.setStrobeLocked(static_cast<int>(reg), static_cast<unsigned short>(bits));
+}
+
+// What a chip may remember of one successful transfer, told to another by public calls. Raw I2C writes of the
+// VC0258 look like the controller's own, but the operations below make none there.
+
+void learn(OV0570Camera& camera, const Transfer& transfer) {
+    if (transfer.control == 1) {
+        static_cast<void>(camera.chip.getInfoLocked());
+    }
+    if (transfer.control != 2 || transfer.isGet || transfer.sent[0] != 0x11) {
+        return;
+    }
+    const unsigned reg = pairAt(transfer, 1);
+    if (reg == 29) {
+        camera.chip.setTOFControllerRegisterLocked(reg, 0);
+    } else if (reg == 26 || reg == 27) {
+        learnStrobe(camera.chip, reg, pairAt(transfer, 3));
+    }
+}
+
+void learn(VC0258Camera& camera, const Transfer& transfer) {
+    if (transfer.isGet) {
+        return;
+    }
+    if (transfer.control == 4) {
+        return camera.chip.setUSBBackendRegisterLocked(pairAt(transfer, 1), transfer.sent[3]);
+    }
+    if (transfer.sent[0] != 0x43) {
+        return;
+    }
+    if (transfer.sent[3] == 29) {
+        camera.chip.setTOFControllerRegisterLocked(29, 0);
+    } else if (transfer.sent[3] == 26 || transfer.sent[3] == 27) {
+        learnStrobe(camera.chip, transfer.sent[3], pairAt(transfer, 6));
+    }
+}
+
+void learn(VC0345Camera& camera, const Transfer& transfer) {
+    if (transfer.control == 4 && !transfer.isGet) {
+        camera.chip.setUSBBackendRegisterLocked(pairAt(transfer, 1), transfer.sent[3]);
+    }
+}
+
+template<typename Camera>
+Lines transfersOf(Camera& camera, const ChipOperation<Camera>& operation) {
+    camera.port.clearLog();
+    operation.run(camera);
+    return linesOf(camera.port.log());
+}
+
+/// True when another thread can take the chip's mutex: every chip takes it for a command that it does not know.
+template<typename Camera>
+bool mutexIsFree(Camera& camera) {
+    const auto other =
+        std::async(std::launch::async, [&] { camera.run(static_cast<IO::UVCPrefix>(99), 0, 0); });
+    return other.wait_for(std::chrono::seconds(60)) == std::future_status::ready;
+}
+
+template<typename Camera>
+class ChipFailureTest : public testing::Test {
+protected:
+    /// A warm camera knows its settings, as a read of a register leaves them.
+    static void prepare(Camera& camera, bool warm) {
+        if (warm) {
+            static_cast<void>(camera.chip.getTOFControllerRegisterLocked(1));
+        }
+        camera.port.clearLog();
+        camera.port.clearFaults();
+    }
+
+    void walkAll(const ChipOperation<Camera>& operation, bool warm) {
+        Camera whole;
+        prepare(whole, warm);
+        const std::size_t count = transfersOf(whole, operation).size();
+        for (std::size_t failing = 1; failing <= count; ++failing) {
+            for (const TransferFaultKind kind : {TransferFaultKind::Fail, TransferFaultKind::Late,
+                                                 TransferFaultKind::Short, TransferFaultKind::Long}) {
+                SCOPED_TRACE(operation.name + (warm ? ", warm" : ", cold") + ", transfer " +
+                             std::to_string(failing) + ", fault " + std::to_string(static_cast<int>(kind)));
+                walk(operation, warm, failing, kind);
+            }
+        }
+    }
+
+    /// One transfer of the operation fails; the operation is repeated.
+    void walk(const ChipOperation<Camera>& operation, bool warm, std::size_t failing,
+              TransferFaultKind kind) {
+        Camera camera;
+        prepare(camera, warm);
+        camera.port.addFault({failing, kind, 0});
+        EXPECT_THROW(operation.run(camera), Plugin::PluginException);
+        const std::vector<Transfer> done = camera.port.log();
+        ASSERT_EQ(done.size(), failing) << "nothing is sent after a failure";
+        ASSERT_TRUE(mutexIsFree(camera));
+        camera.port.clearFaults();
+        const Lines repeated = transfersOf(camera, operation);
+
+        Camera fresh;
+        prepare(fresh, warm);
+        for (const Transfer& transfer : done) {
+            if (transfer.failure.empty()) {
+                learn(fresh, transfer);
+            }
+        }
+        EXPECT_EQ(repeated, transfersOf(fresh, operation));
+    }
+};
+
+using Cameras = testing::Types<OV0570Camera, VC0258Camera, VC0345Camera>;
+TYPED_TEST_SUITE(ChipFailureTest, Cameras);
+
+TYPED_TEST(ChipFailureTest, AFailedTransferLeavesTheChipAsItsSuccessesSay) {
+    for (const auto& operation : operationsOf(static_cast<const TypeParam*>(nullptr))) {
+        if (operation.isOneCall) {
+            this->walkAll(operation, false);
+            this->walkAll(operation, true);
+        }
+    }
+}
+
+// A camera that answers nonsense: any exception or result will do, but nothing beyond the reply is touched, and
+// the chip works again after a reset.
+TYPED_TEST(ChipFailureTest, ACorruptTransferDoesNoHarm) {
+    for (const auto& operation : operationsOf(static_cast<const TypeParam*>(nullptr))) {
+        TypeParam whole;
+        const std::size_t count = transfersOf(whole, operation).size();
+        for (std::size_t corrupt = 1; corrupt <= count; ++corrupt) {
+            SCOPED_TRACE(operation.name + ", transfer " + std::to_string(corrupt));
+            TypeParam camera;
+            camera.port.addFault({corrupt, TransferFaultKind::Corrupt, 0});
+            try {
+                operation.run(camera);
+            } catch (const Plugin::PluginException&) {
+            }
+            EXPECT_TRUE(mutexIsFree(camera));
+            camera.port.clearFaults();
+            camera.chip.reset(); // a setting that arrived wrong is believed until then
+            EXPECT_NO_THROW(camera.run(IO::UVC_TOF_CONTROLLER_REGISTER, 5, 1));
+        }
+    }
+}
+
+} // namespace
+
+} // namespace Zentara::Test

@@ -1,0 +1,278 @@
+#include <zentara/io/vc0258_impl.h>
+
+#include <gmock/gmock.h>
+
+#include <zentara/plugin/plugin_exceptions.h>
+
+#include "io/chips/wired_camera.h"
+
+namespace Zentara::Test {
+
+namespace {
+
+using IO::UVC_ADC_VALUE;
+using IO::UVC_CONFIGURE_DAC;
+using IO::UVC_RESET_STROBE;
+using IO::UVC_SET_STROBE;
+using IO::UVC_TOF_CONTROLLER_REGISTER;
+using Plugin::ArgumentPluginException;
+using Plugin::ConfigurationPluginException;
+using Plugin::IOPluginException;
+using Plugin::TimeoutPluginException;
+using Simulated::Bytes;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+const char* const orderOne = "SET 4  20 39 B4 01";
+const char* const orderZero = "SET 4  20 39 B4 00";
+const char* const sizeNine = "SET 4  20 02 81 09";
+const char* const dmaSize = "SET 4  20 0F 81 24";
+
+/// "SET 16  43 01 12 REG 00 00 VALUE 00": a write of a time-of-flight register.
+std::string tofWrite(const std::string& reg, const std::string& value) {
+    return "SET 16  43 01 12 " + reg + " 00 00 " + value + " 00";
+}
+
+class VC0258Test : public testing::Test {
+protected:
+    /// Brings the settings to what writes of the time-of-flight controller need.
+    void warm() {
+        camera.chip.setTOFControllerRegisterLocked(0, 0);
+        camera.clock.waits.clear();
+    }
+    Lines command(IO::UVCPrefix prefix, unsigned a, unsigned b) { return camera.command(prefix, a, b); }
+    Lines setTof(unsigned reg, unsigned value) {
+        return camera.sent([&](auto& chip) { chip.setTOFControllerRegisterLocked(reg, value); });
+    }
+    Lines getTof(unsigned reg, unsigned expected) {
+        return camera.sent(
+            [&](auto& chip) { EXPECT_EQ(chip.getTOFControllerRegisterLocked(reg), expected); });
+    }
+
+    VC0258Camera camera;
+};
+
+TEST_F(VC0258Test, BridgeRegistersTakeEightBits) {
+    EXPECT_THAT(camera.sent([](auto& chip) { chip.setUSBBackendRegisterLocked(0x1234, 0x1AB); }),
+                ElementsAre("SET 4  20 34 12 AB"));
+    EXPECT_THAT(camera.sent([](auto& chip) { EXPECT_EQ(chip.getUSBBackendRegisterLocked(0x1234), 0xABU); }),
+                ElementsAre("GET 4  00 34 12 00"));
+}
+
+TEST_F(VC0258Test, SettingsAreSentOnlyWhenTheyChange) {
+    EXPECT_THAT(setTof(5, 0x1234), ElementsAre(orderOne, sizeNine, tofWrite("05", "34 12")));
+    EXPECT_THAT(setTof(6, 0x12345), ElementsAre(tofWrite("06", "45 23")));
+    EXPECT_THAT(getTof(5, 0x1234), ElementsAre(orderZero, "GET 16  46 01 02 05 00 00 00 00 00"));
+    EXPECT_THAT(getTof(6, 0x2345), ElementsAre("GET 16  46 01 02 06 00 00 00 00 00"));
+    EXPECT_THAT(setTof(6, 1), ElementsAre(orderOne, tofWrite("06", "01 00")));
+    camera.chip.reset();
+    EXPECT_THAT(setTof(6, 1), ElementsAre(orderOne, sizeNine, tofWrite("06", "01 00")));
+    EXPECT_EQ(camera.clock.waits, std::vector<int>(4, 5)) << "5 ms before each write, none for reads";
+}
+
+TEST_F(VC0258Test, WritingASettingDirectlyKeepsWhatIsKnownRight) {
+    warm();
+    camera.chip.setUSBBackendRegisterLocked(0xB439, 0);
+    camera.chip.setUSBBackendRegisterLocked(0x18102, 4); // bits past the address do not count
+    EXPECT_THAT(setTof(5, 0x1234), ElementsAre(orderOne, sizeNine, tofWrite("05", "34 12")));
+    camera.chip.setUSBBackendRegisterLocked(0xB439, 0x101);
+    EXPECT_THAT(setTof(5, 0x1234), ElementsAre(tofWrite("05", "34 12")));
+    camera.chip.setUSBBackendRegisterLocked(0x810F, 1);
+    EXPECT_THAT(camera.sent([](auto& chip) { EXPECT_EQ(chip.getUSBBackendFirmwareLocked(0, 1).size(), 1U); }),
+                ElementsAre("SET 4  20 12 81 00", dmaSize, testing::_));
+}
+
+// The setting is unknown until a write of it succeeds, whatever the bridge made of the one that failed.
+TEST_F(VC0258Test, ASettingWhoseWriteTimedOutIsSentAgain) {
+    warm();
+    for (const bool tookEffect : {false, true}) {
+        camera.port.clearFaults();
+        camera.port.addFault(
+            {1, tookEffect ? Simulated::TransferFaultKind::Late : Simulated::TransferFaultKind::Fail, 0});
+        EXPECT_ANY_THROW(static_cast<void>(camera.chip.getTOFControllerRegisterLocked(5)));
+        EXPECT_THAT(getTof(0x21, 0x2035), ElementsAre(orderZero, "GET 16  46 01 02 21 00 00 00 00 00"));
+        EXPECT_THAT(setTof(5, 0xA1B2), ElementsAre(orderOne, tofWrite("05", "B2 A1")));
+        EXPECT_EQ(camera.model.device(0x21).peek(5), 0xA1B2U);
+    }
+}
+
+TEST_F(VC0258Test, TheToggleAlternatesInRegisterWritesButNotInRawI2c) {
+    warm();
+    EXPECT_THAT(setTof(29, 0), ElementsAre(tofWrite("1D", "01 00")));
+    EXPECT_THAT(setTof(0x11D, 0), ElementsAre(tofWrite("1D", "00 00"))) << "the address has 8 bits";
+    EXPECT_THAT(camera.sent([](auto& chip) { chip.setI2cLocked(0x21, 29, 0, 1, 2, true); }),
+                ElementsAre(tofWrite("1D", "00 00")));
+    EXPECT_THAT(command(UVC_TOF_CONTROLLER_REGISTER, 29, 4), ElementsAre(tofWrite("1D", "05 00")));
+    EXPECT_THAT(command(UVC_ADC_VALUE, 0x1FF, 0x1FE),
+                ElementsAre(tofWrite("1E", "FE 00"), tofWrite("1D", "FC 03")))
+        << "8 bits of each, shifted to 10";
+    EXPECT_THAT(command(UVC_ADC_VALUE, 0x1FF, 0x1FE),
+                ElementsAre(tofWrite("1E", "FE 00"), tofWrite("1D", "FD 03")));
+}
+
+TEST_F(VC0258Test, RawI2cTakesOneOrTwoDataBytesOfEitherOrder) {
+    EXPECT_THAT(camera.sent([](auto& chip) { chip.setI2cLocked(0x30, 0x107, 0x1AB, 1, 1, true); }),
+                ElementsAre(sizeNine, "SET 16  61 01 01 07 00 00 AB 00 00"))
+        << "one byte has no order";
+    EXPECT_THAT(camera.sent([](auto& chip) { EXPECT_EQ(chip.getI2cLocked(0x30, 7, 1, 1, true), 0xABU); }),
+                ElementsAre("GET 16  60 01 01 07 00 00 00 00 00"));
+    EXPECT_THAT(camera.sent([](auto& chip) { chip.setI2cLocked(0x60, 7, 0x1ABCD, 1, 2, false); }),
+                ElementsAre(orderZero, "SET 16  C1 01 02 07 00 00 CD AB 00"));
+    EXPECT_THAT(camera.sent([](auto& chip) { EXPECT_EQ(chip.getI2cLocked(0x60, 7, 1, 2, true), 0xABCDU); }),
+                ElementsAre(orderOne, "GET 16  C0 01 12 07 00 00 00 00 00"));
+    EXPECT_THAT(camera.clock.waits, IsEmpty());
+}
+
+TEST_F(VC0258Test, WrongWidthsAndAddressesFailBeforeAnyTransfer) {
+    const auto set = [this](unsigned char device, unsigned char addressBytes, unsigned char dataBytes) {
+        return failure<IOPluginException>(
+            [&] { camera.chip.setI2cLocked(device, 0, 0, addressBytes, dataBytes, true); });
+    };
+    EXPECT_EQ(set(0x21, 2, 9), "addressBytes must be equal to 1");
+    EXPECT_EQ(set(0x21, 0, 1), "addressBytes must be equal to 1");
+    EXPECT_EQ(set(0x21, 1, 0), "dataBytes must be equal to 1 or 2");
+    EXPECT_EQ(set(0x21, 1, 3), "dataBytes must be equal to 1 or 2");
+    EXPECT_EQ(
+        failure<IOPluginException>([&] { static_cast<void>(camera.chip.getI2cLocked(0x21, 0, 2, 1, true)); }),
+        "addressBytes must be equal to 1");
+    EXPECT_THAT(failure<ArgumentPluginException>([&] { camera.chip.setI2cLocked(0xA1, 0, 0, 1, 1, true); }),
+                HasSubstr("0xa1"));
+    EXPECT_THAT(camera.port.log(), IsEmpty());
+    EXPECT_THROW(camera.chip.setI2cLocked(0x55, 0, 0, 1, 1, true), IOPluginException) << "nobody answers";
+}
+
+TEST_F(VC0258Test, TheDacGetsOneWordInFourRegisters) {
+    warm();
+    EXPECT_THAT(command(UVC_CONFIGURE_DAC, 0, 0x2F1),
+                ElementsAre("SET 16  C1 01 12 58 00 00 E2 85 00", "SET 16  C1 01 12 5A 00 00 E2 85 00",
+                            "SET 16  C1 01 12 5C 00 00 E2 85 00", "SET 16  C1 01 12 5E 00 00 E2 85 00"));
+    EXPECT_EQ(camera.clock.waits, std::vector<int>(4, 50));
+    EXPECT_EQ(command(UVC_CONFIGURE_DAC, 0, 0xFFFFFFFF)[0], "SET 16  C1 01 12 58 00 00 FE 8F 00");
+}
+
+TEST_F(VC0258Test, MicroFramesMarkEvenCountsInStrobeRegister26) {
+    warm();
+    EXPECT_THAT(command(UVC_TOF_CONTROLLER_REGISTER, 18, 4),
+                ElementsAre(tofWrite("12", "04 00"), tofWrite("1A", "00 10")));
+    EXPECT_THAT(camera.clock.waits, ElementsAre(5, 5));
+    EXPECT_THAT(command(UVC_SET_STROBE, 26, 3), ElementsAre(tofWrite("1A", "03 10")));
+    EXPECT_THAT(command(UVC_TOF_CONTROLLER_REGISTER, 18, 5),
+                ElementsAre(tofWrite("12", "05 00"), tofWrite("1A", "03 00")));
+    EXPECT_THAT(setTof(18, 4), ElementsAre(tofWrite("12", "04 00")))
+        << "only a command's register 18 means micro-frames";
+}
+
+TEST_F(VC0258Test, StrobesAreTwoRegistersAndEveryOtherNumberIs27) {
+    warm();
+    EXPECT_THAT(command(UVC_SET_STROBE, 26, 0xF0F01), ElementsAre(tofWrite("1A", "01 0F")));
+    EXPECT_THAT(command(UVC_SET_STROBE, 75, 2), ElementsAre(tofWrite("1B", "02 00")));
+    EXPECT_THAT(camera.sent([](auto& chip) { chip.setStrobeLocked(-5, 4); }),
+                ElementsAre(tofWrite("1B", "06 00")));
+    EXPECT_THAT(command(UVC_RESET_STROBE, 27, 0xFFFD), ElementsAre(tofWrite("1B", "02 00")));
+    EXPECT_THAT(camera.sent([](auto& chip) { chip.resetStrobeLocked(26, 0xFFFF); }),
+                ElementsAre(tofWrite("1A", "00 00")));
+    EXPECT_EQ(camera.clock.waits, std::vector<int>(5, 5));
+    camera.chip.reset();
+    EXPECT_EQ(command(UVC_SET_STROBE, 27, 1).back(), tofWrite("1B", "01 00"));
+}
+
+TEST_F(VC0258Test, MetaCodesWriteTheirPairsOrAreRefused) {
+    warm();
+    const struct {
+        unsigned code;
+        const char* low;
+        const char* high;
+    } rows[] = {{1000, "0B", "0C"}, {1001, "0D", "0E"}, {1002, "0F", "10"}, {1003, "14", "15"}};
+    for (const auto& row : rows) {
+        EXPECT_THAT(command(UVC_TOF_CONTROLLER_REGISTER, row.code, 0x12345678),
+                    ElementsAre(tofWrite(row.low, "78 56"), tofWrite(row.high, "34 12")));
+    }
+    EXPECT_THAT(command(UVC_TOF_CONTROLLER_REGISTER, 999, 1), ElementsAre(tofWrite("E7", "01 00")));
+    camera.port.clearLog();
+    const auto refused = [this](unsigned code, unsigned value) {
+        return failure<ConfigurationPluginException>(
+            [&] { camera.run(UVC_TOF_CONTROLLER_REGISTER, code, value); });
+    };
+    EXPECT_EQ(refused(1005, 0), "invalid meta value 3ed");
+    EXPECT_EQ(refused(1006, 0), "invalid meta value 3ee");
+    EXPECT_EQ(refused(0xFFFFFFFF, 0), "invalid meta value ffffffff");
+    EXPECT_EQ(refused(1004, 3084), "invalid modfreq value c0c");
+    EXPECT_EQ(refused(1004, 0), "invalid modfreq value 0");
+    EXPECT_THAT(camera.port.log(), IsEmpty());
+}
+
+TEST_F(VC0258Test, ModulationFrequencyWritesElevenRegistersWithElevenWaits) {
+    warm();
+    EXPECT_THAT(command(UVC_TOF_CONTROLLER_REGISTER, 1004, 7710),
+                ElementsAre(tofWrite("00", "1E 1E"), tofWrite("01", "1E 1E"), tofWrite("2F", "F0 00"),
+                            tofWrite("03", "00 00"), tofWrite("04", "78 00"), tofWrite("05", "F0 00"),
+                            tofWrite("06", "68 01"), tofWrite("07", "00 00"), tofWrite("08", "00 00"),
+                            tofWrite("09", "00 00"), tofWrite("0A", "00 00")));
+    EXPECT_EQ(camera.clock.waits, std::vector<int>(11, 5));
+    EXPECT_EQ(command(UVC_TOF_CONTROLLER_REGISTER, 1004, 2570)[6], tofWrite("06", "78 00"));
+}
+
+TEST_F(VC0258Test, AreasAreReadInPiecesThroughDma) {
+    Bytes bytes;
+    const Lines lines =
+        camera.sent([&](auto& chip) { bytes = chip.getUSBBackendConfigurationLocked(0x1234, 33); });
+    const std::string rest(32 * 3, '0');
+    ASSERT_EQ(lines.size(), 4U);
+    EXPECT_EQ(lines[0], "SET 4  20 12 81 01");
+    EXPECT_EQ(lines[1], dmaSize);
+    EXPECT_EQ(lines[2], "GET 24  " + Simulated::bytesText([] {
+                            Bytes b(36);
+                            b[0] = 0x50;
+                            b[1] = 0x34;
+                            b[2] = 0x12;
+                            b[3] = 32;
+                            return b;
+                        }()));
+    EXPECT_EQ(lines[3], "GET 24  " + Simulated::bytesText([] {
+                            Bytes b(36);
+                            b[0] = 0x50;
+                            b[1] = 0x54;
+                            b[2] = 0x12;
+                            b[3] = 1;
+                            return b;
+                        }()));
+    const Bytes& area = camera.model.configuration();
+    EXPECT_EQ(bytes, Bytes(area.begin() + 0x1234, area.begin() + 0x1234 + 33));
+    EXPECT_EQ(camera.chip.getUSBBackendFirmwareLocked(0, 0x10000), camera.model.flash());
+    EXPECT_THAT(
+        camera.sent([](auto& chip) { EXPECT_THAT(chip.getUSBBackendFirmwareLocked(0x10000, 0), IsEmpty()); }),
+        ElementsAre("SET 4  20 12 81 00"))
+        << "the area is told also for no bytes";
+}
+
+TEST_F(VC0258Test, ReadsOutOfRangeFailBeforeAnyTransfer) {
+    unsigned char out[40];
+    for (const unsigned length : {0U, 33U, 0xFFFFFFFFU}) {
+        EXPECT_EQ(failure<IOPluginException>([&] { camera.chip.getDMADataLocked(0, out, length); }),
+                  "invalid DMA length");
+    }
+    EXPECT_THROW(camera.chip.getDMADataLocked(0xFFFF, out, 2), IOPluginException);
+    EXPECT_THROW(camera.chip.getDMADataLocked(0, nullptr, 2), ArgumentPluginException);
+    EXPECT_THROW(static_cast<void>(camera.chip.getUSBBackendFirmwareLocked(1, 0x10000)), IOPluginException);
+    EXPECT_THROW(static_cast<void>(camera.chip.getUSBBackendFirmwareLocked(0xFFFFFFFF, 1)),
+                 IOPluginException);
+    EXPECT_THROW(static_cast<void>(camera.chip.getUSBBackendConfigurationLocked(2, 0xFFFFFFFF)),
+                 IOPluginException);
+    EXPECT_THAT(camera.port.log(), IsEmpty());
+    camera.chip.getDMADataLocked(0xFFFE, out, 2);
+    EXPECT_EQ(out[1], camera.model.flash()[0xFFFF]);
+}
+
+TEST_F(VC0258Test, VersionsAreARegisterAndNothing) {
+    EXPECT_THAT(camera.sent([](auto& chip) { EXPECT_EQ(chip.getUSBBackendFirmwareVersionLocked(), 0U); }),
+                IsEmpty());
+    EXPECT_EQ(
+        camera.sent([](auto& chip) { EXPECT_EQ(chip.getTOFControllerFirmwareVersionLocked(), 0x2035U); })
+            .back(),
+        "GET 16  46 01 02 21 00 00 00 00 00");
+}
+
+} // namespace
+
+} // namespace Zentara::Test

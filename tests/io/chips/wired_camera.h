@@ -1,0 +1,108 @@
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <zentara/io/ov0570_impl.h>
+#include <zentara/io/uvc_command_request.h>
+#include <zentara/io/vc0258_impl.h>
+#include <zentara/io/vc0345_impl.h>
+
+#include "io/chips/chip_clock.h"
+#include "plugins/simulated/controllers/controller_port.h"
+#include "plugins/simulated/controllers/ov0570_controller.h"
+#include "plugins/simulated/controllers/vc0258_controller.h"
+#include "plugins/simulated/controllers/vc0345_controller.h"
+
+namespace Zentara::Test {
+
+using Lines = std::vector<std::string>;
+
+/// Takes no time and remembers what it was asked for, in milliseconds.
+class RecordingClock final : public IO::ChipClock {
+public:
+    void wait(std::chrono::milliseconds time) override { waits.push_back(static_cast<int>(time.count())); }
+    std::vector<int> waits;
+};
+
+/// A chip whose extension unit is a simulated controller's, without a proxy between.
+template<typename Chip>
+class WiredChip final : public Chip {
+public:
+    WiredChip(IO::ChipClock& clock, Simulated::ControllerPort& wire) : Chip(clock), port(wire) {
+        Chip::setup();
+    }
+
+    void setup(const ::GUID& unit) override { port.select(unit); }
+    void send(unsigned unit, unsigned long control, unsigned long length, void* data) override {
+        port.set(unit, static_cast<std::uint32_t>(control), data, length);
+    }
+    void recv(unsigned unit, unsigned long control, unsigned long length, void* data, bool flag) override {
+        flags.emplace_back(control, flag);
+        port.get(unit, static_cast<std::uint32_t>(control), data, length);
+    }
+
+    std::vector<std::pair<unsigned long, bool>> flags;
+
+private:
+    Simulated::ControllerPort& port;
+};
+
+/// "SET 2  11 1D 00 01 00 00 00" for each transfer: what the host sent, and in a GET what it asked with.
+inline Lines linesOf(const std::vector<Simulated::Transfer>& transfers) {
+    Lines lines;
+    for (const Simulated::Transfer& transfer : transfers) {
+        lines.push_back((transfer.isGet ? "GET " : "SET ") + std::to_string(transfer.control) + "  " +
+                        Simulated::bytesText(transfer.sent));
+    }
+    return lines;
+}
+
+/// A chip, the controller that it drives, and the wire between them.
+template<typename Chip, typename Model>
+struct WiredCamera {
+    explicit WiredCamera(typename Model::Settings settings = {})
+        : port(std::make_unique<Model>(std::move(settings))), model(static_cast<Model&>(port.model())),
+          chip(clock, port) {}
+
+    /// The transfers of one operation.
+    template<typename Operation>
+    Lines sent(Operation operation) {
+        port.clearLog();
+        operation(chip);
+        return linesOf(port.log());
+    }
+
+    Lines command(IO::UVCPrefix prefix, unsigned a, unsigned b) {
+        return sent([&](auto&) { run(prefix, a, b); });
+    }
+
+    void run(IO::UVCPrefix prefix, unsigned a, unsigned b) {
+        chip.processCommand(Utils::makeRefcounted<IO::UVCCommandRequest>(prefix, a, b));
+    }
+
+    RecordingClock clock;
+    Simulated::ControllerPort port;
+    Model& model;
+    WiredChip<Chip> chip;
+};
+
+using OV0570Camera = WiredCamera<IO::OV0570Impl, Simulated::OV0570Controller>;
+using VC0258Camera = WiredCamera<IO::VC0258Impl, Simulated::VC0258Controller>;
+using VC0345Camera = WiredCamera<IO::VC0345Impl, Simulated::VC0345Controller>;
+
+/// The text of the exception that an operation ends with; a failed test when it ends otherwise.
+template<typename Exception, typename Operation>
+std::string failure(Operation operation) {
+    try {
+        operation();
+    } catch (const Exception& exception) {
+        return exception.what();
+    }
+    return "nothing was thrown";
+}
+
+} // namespace Zentara::Test
