@@ -1,0 +1,129 @@
+#include "plugins/simulated/faults.h"
+
+#include <stdexcept>
+#include <string>
+
+#include <zentara/io/device_request.h>
+#include <zentara/utils/clock.h>
+#include <zentara/utils/format.h>
+
+namespace Zentara::Simulated {
+namespace {
+
+using Utils::Threading::AutoLock;
+
+std::int64_t nowMicros() {
+    std::int64_t micros = 0;
+    Utils::Clock::getTime(micros);
+    return micros;
+}
+
+std::string messageOf(const Fault& fault) {
+    if (!fault.message.empty())
+        return fault.message;
+    return Utils::Format("%: simulated fault") % operationName(fault.at);
+}
+
+/// Marks the request as pending for as long as it lives.
+class Pending {
+public:
+    explicit Pending(IO::deviceRequest* pending) : request(pending) { mark(true); }
+    ~Pending() { mark(false); }
+    Pending(const Pending&) = delete;
+    Pending& operator=(const Pending&) = delete;
+
+    /// The caller gave up before the request was marked: nobody will cancel it any more.
+    [[nodiscard]] bool alreadyCancelled() const { return request != nullptr && request->getCancelled(); }
+
+private:
+    void mark(bool pending) {
+        if (request == nullptr)
+            return;
+        request->lock();
+        request->setIOPending(pending);
+        request->unlock();
+    }
+
+    IO::deviceRequest* request;
+};
+
+} // namespace
+
+Faults::Faults(const Settings& settings, Device device) : refuseCancel(settings.refuseCancel) {
+    for (const Fault& fault : settings.faults) {
+        if (fault.device == Device::Any || fault.device == device)
+            armed.push_back({fault, 0});
+    }
+}
+
+void Faults::meet(Operation operation, IO::deviceRequest* request) {
+    Fault fault;
+    if (!due(operation, fault))
+        return;
+    switch (fault.kind) {
+    case Fault::Kind::Throw:
+        Plugin::throwPluginException(fault.exception, messageOf(fault));
+        return;
+    case Fault::Kind::Foreign:
+        throw std::runtime_error(messageOf(fault));
+    case Fault::Kind::Hang:
+        hang(fault, request);
+        return;
+    }
+}
+
+bool Faults::cancel() {
+    AutoLock hold(lock);
+    if (hanging == 0)
+        return false;
+    ++cancels;
+    wake.set();
+    return true;
+}
+
+/// The first fault of the operation whose turn it is; every one of them counts the call.
+bool Faults::due(Operation operation, Fault& fault) {
+    AutoLock hold(lock);
+    bool found = false;
+    for (Armed& candidate : armed) {
+        if (candidate.fault.at != operation)
+            continue;
+        const std::uint64_t call = candidate.calls++;
+        if (found || call < candidate.fault.after || call - candidate.fault.after >= candidate.fault.times)
+            continue;
+        fault = candidate.fault;
+        found = true;
+    }
+    return found;
+}
+
+void Faults::hang(const Fault& fault, IO::deviceRequest* request) {
+    Pending pending(request);
+    if (pending.alreadyCancelled() || !waitHanging(fault.milliseconds))
+        throw Plugin::IOPluginException(Utils::Format("%: cancelled") % operationName(fault.at));
+}
+
+/// False when a cancel came before the time was over.
+bool Faults::waitHanging(std::uint32_t milliseconds) {
+    const std::int64_t end = nowMicros() + std::int64_t{milliseconds} * 1000;
+    std::uint32_t before = 0;
+    {
+        AutoLock hold(lock);
+        ++hanging;
+        before = cancels;
+    }
+    for (;;) {
+        const std::int64_t left = end - nowMicros();
+        if (left > 0)
+            wake.timedWait(static_cast<unsigned long>((left + 999) / 1000));
+        AutoLock hold(lock);
+        const bool cancelled = cancels != before;
+        if (!cancelled && left > 0)
+            continue; // woken by a set() that was meant for an earlier hang
+        if (--hanging != 0)
+            wake.set(); // one set() wakes one waiter: pass it on
+        return !cancelled;
+    }
+}
+
+} // namespace Zentara::Simulated

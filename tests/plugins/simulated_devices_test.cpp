@@ -1,0 +1,386 @@
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include <zentara/audio_configuration.h>
+#include <zentara/color_configuration.h>
+#include <zentara/core/guids.h>
+#include <zentara/depth_configuration.h>
+#include <zentara/io/audio_device_proxy.h>
+#include <zentara/io/video_device_proxy.h>
+#include <zentara/io/xu_device_requests.h>
+
+#include "plugins/simulated/frame_layout.h"
+#include "plugins/simulated/scene.h"
+#include "plugins/simulated/simulated_video_device.h"
+#include "support/simulated_faults.h"
+
+namespace Zentara::Simulated {
+namespace {
+
+using Plugin::PluginException;
+using testing::HasSubstr;
+using TestSupport::SimulatedFaults;
+using OutputFormat = IO::setOutputFormatRequest::OutputFormat;
+
+/// "KIND: MESSAGE" of the plug-in exception that the step throws, "foreign: MESSAGE" of any other; "no exception".
+std::string outcome(const std::function<void()>& step) {
+    try {
+        step();
+    } catch (const PluginException& failure) {
+        return std::to_string(failure.type()) + ": " + failure.message();
+    } catch (const std::exception& failure) {
+        return std::string("foreign: ") + failure.what();
+    }
+    return "no exception";
+}
+
+constexpr const char* configurationKind = "1: ";
+constexpr const char* argumentKind = "3: ";
+constexpr const char* notSupportedKind = "5: ";
+constexpr const char* invalidOperationKind = "7: ";
+
+/// The devices of the real plug-in libraries, behind proxies of both kinds.
+class SimulatedDevices : public testing::TestWithParam<bool> {
+protected:
+    struct Read {
+        ReadBufferStatus status = ReadBufferStatus_OK;
+        std::vector<std::uint8_t> bytes;
+        std::int64_t micros = 0;
+        int length = 0;
+
+        [[nodiscard]] std::vector<std::uint16_t> plane(std::size_t offset) const {
+            std::vector<std::uint16_t> values(pixelCount);
+            std::memcpy(values.data(), bytes.data() + offset, pixelCount * sizeof values[0]);
+            return values;
+        }
+
+        [[nodiscard]] std::vector<std::int16_t> samples() const {
+            std::vector<std::int16_t> values(bytes.size() / sizeof(std::int16_t));
+            std::memcpy(values.data(), bytes.data(), bytes.size());
+            return values;
+        }
+    };
+
+    std::unique_ptr<IO::VideoDeviceProxy> video() const {
+        return std::make_unique<IO::VideoDeviceProxy>(Core::Guids::MOCKVIDEODEVICE_IMPL, GetParam());
+    }
+
+    std::unique_ptr<IO::VideoDeviceProxy> streamingVideo() const {
+        auto camera = video();
+        camera->open();
+        camera->enableStreaming(depthMode());
+        return camera;
+    }
+
+    std::unique_ptr<IO::AudioDeviceProxy> audio() const {
+        return std::make_unique<IO::AudioDeviceProxy>(Core::Guids::MOCKAUDIODEVICE_IMPL, GetParam());
+    }
+
+    static Utils::SmartPtr<DepthBaseConfiguration> depthMode(FrameFormat format = FrameFormat_QVGA,
+                                                             int rate = framesPerSecond) {
+        return Utils::makeRefcounted<DepthConfiguration>(format, rate, DepthNode::CameraMode_0, false,
+                                                         std::int16_t{0});
+    }
+
+    static Read read(IO::AVDeviceProxy& device, std::size_t size = frameBytes) {
+        Read result;
+        result.bytes.resize(size);
+        result.status =
+            device.readBuffer(result.bytes.data(), static_cast<int>(size), &result.micros, &result.length);
+        return result;
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Both, SimulatedDevices, testing::Bool(),
+                         [](const auto& mode) { return mode.param ? "Proxified" : "Direct"; });
+
+TEST_P(SimulatedDevices, StreamTheSceneAtItsPace) {
+    const auto camera = streamingVideo();
+    const Read first = read(*camera);
+    ASSERT_EQ(first.status, ReadBufferStatus_OK);
+    EXPECT_EQ(first.length, static_cast<int>(frameBytes));
+
+    std::vector<std::uint16_t> depth(pixelCount);
+    std::vector<std::uint16_t> confidence(pixelCount);
+    bool found = false; // a slow machine may have missed the first frames
+    for (std::uint32_t number = 0; number < 600 && !found; ++number) {
+        Scene(1).render(number, depth.data(), confidence.data());
+        found = depth == first.plane(depthOffset) && confidence == first.plane(confidenceOffset);
+    }
+    EXPECT_TRUE(found);
+
+    std::int64_t before = first.micros;
+    for (int count = 0; count < 10; ++count) {
+        const Read next = read(*camera);
+        ASSERT_EQ(next.status, ReadBufferStatus_OK);
+        const std::int64_t period = 1'000'000 / framesPerSecond;
+        EXPECT_GE(next.micros - before, period);
+        EXPECT_LE((next.micros - before) % period, 60) << "whole periods, whatever was dropped";
+        before = next.micros;
+    }
+}
+
+TEST_P(SimulatedDevices, AnswerEveryOperationInItsState) {
+    const auto camera = video();
+    const auto expect = [](const char* kind, const char* text, const std::function<void()>& step) {
+        EXPECT_THAT(outcome(step), testing::AllOf(testing::StartsWith(kind), HasSubstr(text)));
+    };
+    EXPECT_EQ(read(*camera).status, ReadBufferStatus_NOT_STREAMING);
+    expect(invalidOperationKind, "enableDepth: the device is closed",
+           [&] { camera->enableStreaming(depthMode()); });
+    expect(invalidOperationKind, "close: the device is closed", [&] { camera->close(); });
+    camera->open();
+    expect(invalidOperationKind, "open: the device is open already", [&] { camera->open(); });
+    expect(configurationKind, "no mode DEFF3FR60CM0S0",
+           [&] { camera->enableStreaming(depthMode(FrameFormat_VGA)); });
+    expect(configurationKind, "no mode DEFF2FR30CM0S0",
+           [&] { camera->enableStreaming(depthMode(FrameFormat_QVGA, 30)); });
+    expect(argumentKind, "enableDepth: the configuration is null",
+           [&] { camera->enableStreaming(Utils::SmartPtr<DepthBaseConfiguration>()); });
+    camera->enableStreaming(depthMode());
+    expect(invalidOperationKind, "the device is streaming", [&] { camera->enableStreaming(depthMode()); });
+
+    const Read small = read(*camera, 100);
+    EXPECT_EQ(small.status, ReadBufferStatus_TOO_SMALL);
+    EXPECT_EQ(small.length, static_cast<int>(frameBytes));
+    expect(argumentKind, "readBuffer: a pointer is null",
+           [&] { camera->readBuffer(nullptr, 0, nullptr, nullptr); });
+
+    std::uint8_t byte = 0;
+    expect(notSupportedKind, "send: the simulated camera has no controller",
+           [&] { camera->send(1, 2, 1, &byte); });
+    expect(notSupportedKind, "recv:", [&] { camera->recv(1, 2, 1, &byte, false); });
+    expect(notSupportedKind, "len:", [&] { (void)camera->len(1, 2); });
+    expect(notSupportedKind, "setup:", [&] { camera->xuSetup(GUID{}); });
+    expect(notSupportedKind, "not supported", [&] { camera->read(1, 2, 3, &byte, 1); });
+    expect(notSupportedKind, "not supported", [&] { camera->write(1, 2, 3, &byte, 1); });
+    expect(notSupportedKind, "not supported", [&] { camera->write(1, &byte, 1); });
+
+    camera->disableStreaming(false);
+    EXPECT_EQ(read(*camera).status, ReadBufferStatus_NOT_STREAMING);
+    camera->enableStreaming(depthMode());
+    camera->close();
+    EXPECT_EQ(read(*camera).status, ReadBufferStatus_NOT_STREAMING) << "closing ends the stream";
+}
+
+TEST_P(SimulatedDevices, StreamColorUnderTheirControls) {
+    const auto camera = video();
+    std::vector<Utils::SmartPtr<ColorConfiguration>> modes;
+    camera->getConfigurations(modes);
+    ASSERT_EQ(modes.size(), 1U);
+    CameraControlRanges ranges;
+    camera->getCameraControlRanges(ranges);
+    const CameraControlRange brightness = ranges.ranges.at(CameraControl_BRIGHTNESS);
+
+    camera->open();
+    CameraControls controls;
+    controls.values[CameraControl_BRIGHTNESS] = {brightness.minimum, false};
+    camera->enableStreaming(modes[0], controls);
+    const auto meanLuma = [&] {
+        const Read frame = read(*camera, colorBytes);
+        EXPECT_EQ(frame.status, ReadBufferStatus_OK);
+        double sum = 0;
+        for (std::size_t index = 0; index < colorBytes; index += 2)
+            sum += frame.bytes[index];
+        return sum / pixelCount;
+    };
+    const double dark = meanLuma();
+    camera->setCameraControl(CameraControl_BRIGHTNESS, {brightness.maximum, false});
+    EXPECT_GT(meanLuma(), dark + 60);
+
+    EXPECT_THAT(outcome([&] {
+                    camera->setCameraControl(CameraControl_BRIGHTNESS, {brightness.maximum + 1, false});
+                }),
+                testing::StartsWith(argumentKind));
+    EXPECT_THAT(outcome([&] {
+                    camera->setCameraControl(CameraControl_GAIN, {0, true});
+                }),
+                HasSubstr("no automatic mode"));
+    EXPECT_THAT(outcome([&] {
+                    camera->setCameraControl(CameraControl_ZOOM, {0, false});
+                }),
+                HasSubstr("the camera has no control 11"));
+}
+
+TEST_P(SimulatedDevices, GiveATurnToReadersThatWaitWhenTheStreamEnds) {
+    const auto camera = streamingVideo();
+    camera->pauseStreaming();
+    ReadBufferStatus status = ReadBufferStatus_OK;
+    std::thread reader([&] {
+        do
+            status = read(*camera).status;
+        while (status == ReadBufferStatus_OK || status == ReadBufferStatus_TIMEOUT);
+    });
+    camera->disableStreaming(false);
+    reader.join();
+    EXPECT_EQ(status, ReadBufferStatus_NOT_STREAMING);
+}
+
+TEST_P(SimulatedDevices, HearTheToneAtItsLevel) {
+    const auto microphones = audio();
+    const auto mode = Utils::makeRefcounted<AudioConfiguration>();
+    microphones->getDefaultConfiguration(mode);
+    EXPECT_EQ(mode->getName(), "AUCH2BPS16SR48000");
+    microphones->open();
+    microphones->enableStreaming(mode, 1.0F, false);
+    const auto peak = [&] {
+        const Read block = read(*microphones, audioBlockBytes);
+        EXPECT_EQ(block.status, ReadBufferStatus_OK);
+        const auto samples = block.samples();
+        return *std::max_element(samples.begin(), samples.end());
+    };
+    EXPECT_GT(peak(), 30000);
+    microphones->setInputMixerLevel(0.25F);
+    EXPECT_NEAR(peak(), 8191, 500);
+    microphones->setMute(true);
+    EXPECT_EQ(peak(), 0);
+    EXPECT_THAT(outcome([&] { microphones->setInputMixerLevel(1.5F); }), testing::StartsWith(argumentKind));
+    mode->setSampleRate(44100);
+    EXPECT_THAT(outcome([&] { microphones->enableStreaming(mode, 1.0F, false); }),
+                HasSubstr("AUCH2BPS16SR44100"));
+    EXPECT_EQ(read(*microphones, 1).status, ReadBufferStatus_TOO_SMALL);
+}
+
+TEST_P(SimulatedDevices, ThrowEachKindWhereTheSettingsSay) {
+    const char* const kinds[]{"streaming",    "configuration",  "timeout",          "argument",          "io",
+                              "notSupported", "initialization", "invalidOperation", "unauthorizedAccess"};
+    for (int kind = 0; kind < 9; ++kind) {
+        const SimulatedFaults faults(std::string("throw ") + kinds[kind] +
+                                     " at open times 1 saying lens cap");
+        const auto camera = video();
+        EXPECT_EQ(outcome([&] { camera->open(); }), std::to_string(kind) + ": lens cap");
+        EXPECT_EQ(outcome([&] { camera->open(); }), "no exception") << "once was asked for";
+    }
+    const SimulatedFaults faults(
+        "throw foreign at open saying no idea\nthrow io at video.readBuffer after 2");
+    auto camera = video();
+    EXPECT_THAT(outcome([&] { camera->open(); }), HasSubstr("no idea"));
+    EXPECT_EQ(read(*camera).status, ReadBufferStatus_NOT_STREAMING);
+    EXPECT_EQ(read(*camera).status, ReadBufferStatus_NOT_STREAMING);
+    EXPECT_EQ(outcome([&] { read(*camera); }), "4: readBuffer: simulated fault");
+}
+
+TEST_P(SimulatedDevices, FailToComeToLifeAsAsked) {
+    {
+        const SimulatedFaults faults("throw initialization at threadInitialize");
+        EXPECT_EQ(outcome([&] { video(); }), "6: threadInitialize: simulated fault");
+        EXPECT_EQ(outcome([&] { audio(); }), "6: threadInitialize: simulated fault");
+    }
+    {
+        const SimulatedFaults faults("throw unauthorizedAccess at audio.create");
+        EXPECT_EQ(outcome([&] { video(); }), "no exception");
+        EXPECT_EQ(outcome([&] { audio(); }), "8: create: simulated fault");
+    }
+    {
+        const SimulatedFaults faults("seed 1;snooze");
+        EXPECT_THAT(outcome([&] { video(); }),
+                    HasSubstr("ZENTARA_SIMULATED, line 2: unknown statement 'snooze'"));
+    }
+    EXPECT_EQ(outcome([&] { video(); }), "no exception");
+}
+
+/// These two operations do not reach a device through the worker.
+TEST(DirectVideoDevice, CropsAndLeavesConfidenceAway) {
+    IO::VideoDeviceProxy camera(Core::Guids::MOCKVIDEODEVICE_IMPL, false);
+    EXPECT_THAT(outcome([&] {
+                    camera.setRegionOfInterest({300, 0, 21, 1});
+                }),
+                testing::StartsWith(argumentKind));
+    EXPECT_THAT(outcome([&] {
+                    camera.setRegionOfInterest({0xFFFFFFFF, 0, 2, 1});
+                }),
+                testing::StartsWith(argumentKind));
+    EXPECT_THAT(outcome([&] { camera.setOutputFormat(OutputFormat::OutputFormat_RAW_PHASE); }),
+                testing::StartsWith(notSupportedKind));
+    camera.setRegionOfInterest({100, 50, 20, 10});
+    camera.setOutputFormat(OutputFormat::OutputFormat_DEPTH);
+    camera.open();
+    camera.enableStreaming(Utils::makeRefcounted<DepthConfiguration>(
+        FrameFormat_QVGA, framesPerSecond, DepthNode::CameraMode_0, false, std::int16_t{0}));
+    std::vector<std::uint16_t> depth(pixelCount, 1);
+    std::int64_t micros = 0;
+    int length = 0;
+    ASSERT_EQ(camera.readBuffer(depth.data(), static_cast<int>(confidenceOffset), &micros, &length),
+              ReadBufferStatus_OK);
+    EXPECT_EQ(length, static_cast<int>(confidenceOffset));
+    std::size_t inside = 0;
+    for (std::size_t index = 0; index < pixelCount; ++index) {
+        const std::size_t x = index % frameWidth;
+        const std::size_t y = index / frameWidth;
+        const bool within = x >= 100 && x < 120 && y >= 50 && y < 60;
+        if (within)
+            inside += depth[index] != 0;
+        else
+            ASSERT_EQ(depth[index], 0) << x << ',' << y;
+    }
+    EXPECT_GT(inside, 150U);
+}
+
+/// A device that hangs longer than a caller of the worker waits.
+TEST(HangingVideoDevice, LetsGoWhenItIsCancelled) {
+    const SimulatedFaults faults("hang 600000 at open times 1");
+    IO::VideoDeviceProxy camera(Core::Guids::MOCKVIDEODEVICE_IMPL, true);
+    EXPECT_EQ(outcome([&] { camera.open(); }), "2: processRequest: I/O timeout: RequestType_OPEN");
+    EXPECT_EQ(outcome([&] { camera.open(); }), "no exception") << "the worker goes on at once";
+}
+
+TEST(HangingVideoDevice, RefusesToBeCancelledWhenToldTo) {
+    const SimulatedFaults faults("refuse cancel\nhang 3000 at open times 1");
+    IO::VideoDeviceProxy camera(Core::Guids::MOCKVIDEODEVICE_IMPL, true);
+    EXPECT_EQ(outcome([&] { camera.open(); }), "2: processRequest: I/O timeout: RequestType_OPEN");
+    // The hanging open was not cancelled, so it still succeeds before the next one's turn.
+    EXPECT_EQ(outcome([&] { camera.open(); }), "7: open: the device is open already");
+}
+
+/// Notes what reaches it and answers with what it is told.
+class RecordingController final : public Controller {
+public:
+    explicit RecordingController(std::string& target) : log(target) {}
+
+    void setup(const GUID& unit) override { log += "setup " + std::to_string(unit.Data1) + ";"; }
+    void set(std::uint32_t unit, std::int32_t control, const std::uint8_t* data,
+             std::uint32_t length) override {
+        log += "set " + std::to_string(unit) + " " + std::to_string(control) + " " +
+               std::string(data, data + length) + ";";
+    }
+    void get(std::uint32_t, std::int32_t, std::uint8_t* data, std::uint32_t length, bool flag) override {
+        std::fill(data, data + length, static_cast<std::uint8_t>(flag ? 'y' : 'n'));
+    }
+    std::int32_t length(std::uint32_t unit, std::uint32_t control) override {
+        return static_cast<std::int32_t>(unit + control);
+    }
+
+private:
+    std::string& log;
+};
+
+TEST(Controller, AnswersTheExtensionUnitOfItsDevice) {
+    std::string log;
+    const auto device = std::make_unique<SimulatedVideoDevice>(std::make_unique<RecordingController>(log));
+    const GUID unit{42, 0, 0, {}};
+    std::uint8_t answer[3]{};
+    std::int32_t length = 0;
+    auto setup = Utils::makeRefcounted<IO::xuSetupRequest>(nullptr, unit);
+    auto send = Utils::makeRefcounted<IO::xuSendRequest>(nullptr, 3U, 4, 2U, "hi");
+    auto recv = Utils::makeRefcounted<IO::xuRecvRequest>(nullptr, 3U, 4, 3U, answer, true);
+    auto len = Utils::makeRefcounted<IO::xuLenRequest>(nullptr, 3U, 4U, &length);
+    device->xuSetup(setup.get());
+    device->send(send.get());
+    device->recv(recv.get());
+    device->len(len.get());
+    EXPECT_EQ(log, "setup 42;set 3 4 hi;");
+    EXPECT_EQ(std::string(answer, answer + 3), "yyy");
+    EXPECT_EQ(length, 7);
+}
+
+} // namespace
+} // namespace Zentara::Simulated

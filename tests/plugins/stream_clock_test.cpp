@@ -1,0 +1,110 @@
+#include "plugins/simulated/stream_clock.h"
+
+#include <atomic>
+#include <cstdint>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include <zentara/utils/clock.h>
+
+namespace Zentara::Simulated {
+namespace {
+
+using Turn = StreamClock::Turn;
+
+std::int64_t nowMicros() {
+    std::int64_t micros = 0;
+    Utils::Clock::getTime(micros);
+    return micros;
+}
+
+struct Unit {
+    Turn turn = Turn::Late;
+    std::uint64_t number = 0;
+    std::int64_t due = 0;
+};
+
+Unit next(StreamClock& clock) {
+    Unit unit;
+    unit.turn = clock.waitForNext(unit.number, unit.due);
+    return unit;
+}
+
+TEST(StreamClock, GivesUnitsInTurnAtTheirTimesAndNeverEarly) {
+    StreamClock clock(200, 1000);
+    const std::int64_t start = nowMicros();
+    clock.startAt(start);
+    for (std::uint64_t number = 0; number < 20; ++number) {
+        const Unit unit = next(clock);
+        ASSERT_EQ(unit.turn, Turn::Due);
+        EXPECT_EQ(unit.number, number);
+        EXPECT_EQ(unit.due, start + static_cast<std::int64_t>(number) * 5000);
+        EXPECT_GE(nowMicros(), unit.due);
+    }
+}
+
+TEST(StreamClock, DropsWhatALateReaderMissed) {
+    StreamClock clock(60, 4);
+    clock.startAt(nowMicros() - 10'000'000); // the reader comes ten seconds late
+    const Unit first = next(clock);
+    ASSERT_EQ(first.turn, Turn::Due);
+    EXPECT_GE(first.number, 597U);
+    const Unit second = next(clock);
+    EXPECT_GT(second.number, first.number);
+    EXPECT_GE(second.due, first.due + 16'666);
+}
+
+TEST(StreamClock, StopWakesEveryReader) {
+    StreamClock clock(1, 1);
+    clock.startAt(nowMicros() + 100'000'000);
+    std::atomic<int> stopped{0};
+    std::thread readers[3];
+    for (std::thread& reader : readers)
+        reader = std::thread([&] {
+            while (next(clock).turn == Turn::Late) {
+            }
+            ++stopped;
+        });
+    clock.stop();
+    for (std::thread& reader : readers)
+        reader.join();
+    EXPECT_EQ(stopped, 3);
+    EXPECT_EQ(next(clock).turn, Turn::Stopped);
+    EXPECT_FALSE(clock.running());
+}
+
+TEST(StreamClock, CancelEndsTheWaitButNotTheStream) {
+    StreamClock clock(1, 1);
+    clock.startAt(nowMicros() + 600'000'000);
+    EXPECT_FALSE(clock.cancel()) << "nobody waits";
+    std::atomic<bool> cancelled{false};
+    std::thread reader([&] {
+        while (next(clock).turn == Turn::Late) {
+        }
+        cancelled = true;
+    });
+    while (!clock.cancel())
+        std::this_thread::yield();
+    reader.join();
+    EXPECT_TRUE(cancelled);
+    EXPECT_TRUE(clock.running());
+}
+
+TEST(StreamClock, PauseHoldsTheUnitsBackAndLosesNone) {
+    StreamClock clock(1000, 100'000);
+    clock.start();
+    const Unit before = next(clock);
+    clock.pause();
+    while (next(clock).turn == Turn::Due) {
+        // what fell due before the pause
+    }
+    clock.resume();
+    const Unit after = next(clock);
+    ASSERT_EQ(after.turn, Turn::Due);
+    EXPECT_GT(after.number, before.number);
+    EXPECT_LT(after.number, 100'000U);
+}
+
+} // namespace
+} // namespace Zentara::Simulated
