@@ -1,0 +1,198 @@
+#include <csignal>
+#include <cstdint>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <stb/stb_image.h>
+
+#include <zentara/utils/files.h>
+
+#include "plugins/simulated/frame_layout.h"
+#include "support/simulated_faults.h"
+#include "tools/tool_fixture.h"
+#include "tools/zentara/verb.h"
+
+namespace Zentara::Tool {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+using TestSupport::SimulatedFaults;
+
+class StreamVerb : public ToolTest {};
+
+struct Picture {
+    int width = 0;
+    int height = 0;
+    std::size_t black = 0;
+    std::size_t colored = 0;
+};
+
+Picture decode(const std::string& png) {
+    Picture picture;
+    int channels = 0;
+    auto* pixels =
+        stbi_load_from_memory(reinterpret_cast<const stbi_uc*>(png.data()), static_cast<int>(png.size()),
+                              &picture.width, &picture.height, &channels, 3);
+    for (int index = 0; pixels != nullptr && index < picture.width * picture.height; ++index) {
+        const bool black = pixels[3 * index] + pixels[3 * index + 1] + pixels[3 * index + 2] == 0;
+        ++(black ? picture.black : picture.colored);
+    }
+    stbi_image_free(pixels);
+    return picture;
+}
+
+TEST_F(StreamVerb, WritesWhatItSawAndHeardAndTellsIt) {
+    for (const char* mode : {"", "--direct"}) {
+        std::vector<std::string> arguments{"stream",      "--frames", "30",          "--json", "--png",
+                                           path("d.png"), "--raw",    path("d.raw"), "--wav",  path("t.wav")};
+        if (*mode != '\0')
+            arguments.emplace_back(mode);
+        const ToolRun run = ToolTest::run(arguments);
+        ASSERT_EQ(run.exitCode, 0) << run.err;
+        EXPECT_EQ(run.err, "");
+        const auto json = run.json();
+        EXPECT_EQ(json.at("schema"), 1);
+        EXPECT_EQ(json.at("device"), "MOCKVIDEODEVICE_IMPL");
+        EXPECT_EQ(json.at("proxified"), *mode == '\0');
+        EXPECT_EQ(json.at("frames").at("received"), 30);
+        EXPECT_GT(json.at("framesPerSecond"), 0.0);
+        EXPECT_GT(json.at("depth").at("nearestMillimetres"), 500);
+        EXPECT_GT(json.at("depth").at("farthestMillimetres"), 2400);
+        EXPECT_EQ(json.at("audio").at("samples"), 24000);
+
+        const Picture picture = decode(Utils::readFile(path("d.png")));
+        EXPECT_EQ(picture.width, 320);
+        EXPECT_EQ(picture.height, 240);
+        EXPECT_GT(picture.black, 0U);
+        EXPECT_GT(picture.colored, 60'000U);
+        EXPECT_EQ(Utils::readFile(path("d.raw")).size(), 30 * Simulated::frameBytes);
+        const std::string wav = Utils::readFile(path("t.wav"));
+        EXPECT_EQ(wav.size(), 44U + 24000 * 4);
+        const std::string header(
+            "RIFF\x24\x77\x01\0WAVEfmt \x10\0\0\0\x01\0\x02\0\x80\xBB\0\0\0\xEE\x02\0\x04\0\x10\0"
+            "data\0\x77\x01\0",
+            44);
+        EXPECT_EQ(wav.substr(0, 44), header);
+    }
+    EXPECT_EQ(filesLeft().size(), 3U);
+}
+
+TEST_F(StreamVerb, RunsAsAProgram) {
+    const ToolRun run = runBuilt("stream --frames 5");
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_THAT(run.out, testing::AllOf(HasSubstr("frames   5 of 5"), HasSubstr(" mm, ")));
+    EXPECT_EQ(run.err, "");
+    EXPECT_EQ(runBuilt("--version").out.substr(0, 24), "zentara 1.4.5 build 2151");
+    EXPECT_EQ(runBuilt("stream --frames none").exitCode, 2);
+}
+
+TEST_F(StreamVerb, KeepsHelpAndUsageErrorsApart) {
+    const ToolRun help = ToolTest::run({"--help"});
+    EXPECT_EQ(help.exitCode, 0);
+    EXPECT_THAT(help.out,
+                testing::AllOf(HasSubstr("plugins"), HasSubstr("stream"), HasSubstr("ZENTARASDK_ROOT")));
+    EXPECT_EQ(help.err, "");
+    const std::vector<std::vector<std::string>> wrong{{},
+                                                      {"dance"},
+                                                      {"stream", "--frames", "0"},
+                                                      {"stream", "--frames", "-1"},
+                                                      {"stream", "--frames"},
+                                                      {"plugins", "now"},
+                                                      {"stream", "--png", path("x"), "--raw", path("x")}};
+    for (const auto& arguments : wrong) {
+        const ToolRun run = ToolTest::run(arguments);
+        EXPECT_EQ(run.exitCode, 2) << testing::PrintToString(arguments);
+        EXPECT_EQ(run.out, "") << testing::PrintToString(arguments);
+        EXPECT_NE(run.err, "") << testing::PrintToString(arguments);
+    }
+}
+
+TEST_F(StreamVerb, TellsWhatFailedAndLeavesNoFile) {
+    const struct {
+        const char* fault;
+        int exitCode;
+        const char* message;
+    } cases[]{
+        {"throw io at open saying lens cap", 1, "cannot open MOCKVIDEODEVICE_IMPL: I/O failure: lens cap"},
+        {"throw timeout at video.enableDepth", 7,
+         "cannot stream DEFF2FR60CM0S0 from MOCKVIDEODEVICE_IMPL: timed out: enableDepth: simulated fault"},
+        {"throw unauthorizedAccess at audio.open", 5, "cannot open MOCKAUDIODEVICE_IMPL: not permitted"},
+        {"throw initialization at threadInitialize", 1,
+         "cannot create MOCKVIDEODEVICE_IMPL: initialization failure"},
+        {"throw streaming at video.readBuffer after 3", 1, "cannot read unit 3 from MOCKVIDEODEVICE_IMPL"},
+        {"throw foreign at audio.readBuffer after 2 saying huh", 1,
+         "cannot read unit 2 from MOCKAUDIODEVICE_IMPL: huh"},
+        {"throw io at disable", 1, "cannot stop the stream of"},
+        {"snooze", 1, "ZENTARA_SIMULATED, line 1: unknown statement 'snooze'"},
+    };
+    for (const auto& row : cases) {
+        for (const bool direct : {false, true}) {
+            const SimulatedFaults faults(row.fault);
+            std::vector<std::string> arguments{"stream", "--frames",    "20",    "--png",      path("d.png"),
+                                               "--raw",  path("d.raw"), "--wav", path("t.wav")};
+            if (direct)
+                arguments.emplace_back("--direct");
+            const ToolRun run = ToolTest::run(arguments);
+            EXPECT_EQ(run.exitCode, row.exitCode) << row.fault;
+            EXPECT_THAT(run.err, HasSubstr(row.message)) << row.fault;
+            EXPECT_EQ(run.out, "") << row.fault;
+            EXPECT_THAT(filesLeft(), IsEmpty()) << row.fault;
+        }
+    }
+}
+
+TEST_F(StreamVerb, RefusesPlacesThatCannotBeWritten) {
+    for (const char* option : {"--png", "--raw", "--wav"}) {
+        const ToolRun nowhere = ToolTest::run({"stream", "--frames", "2", option, path("no/such/dir")});
+        EXPECT_EQ(nowhere.exitCode, 1) << option;
+        EXPECT_THAT(nowhere.err, HasSubstr("no/such/dir")) << option;
+        const ToolRun taken = ToolTest::run({"stream", "--frames", "2", option, path()});
+        EXPECT_EQ(taken.exitCode, 1) << option;
+        EXPECT_THAT(taken.err, HasSubstr("it is there and no file")) << option;
+    }
+    EXPECT_THAT(filesLeft(), IsEmpty());
+}
+
+TEST_F(StreamVerb, GivesUpOnADeviceThatNeverReturns) {
+    const SimulatedFaults faults("hang 600000 at video.readBuffer after 2;refuse cancel");
+    const ToolRun run = runBuilt("stream --frames 20");
+    EXPECT_EQ(run.exitCode, 7);
+    EXPECT_THAT(run.err, HasSubstr("MOCKVIDEODEVICE_IMPL does not return from reading; 2 frames had come"));
+    EXPECT_EQ(run.out, "");
+}
+
+/// Presses Ctrl-C once, when the first frames are reported.
+class InterruptingBuffer final : public std::stringbuf {
+protected:
+    int sync() override {
+        if (!pressed && str().find("\r5 ") != std::string::npos) {
+            pressed = true;
+            std::raise(SIGINT);
+        }
+        return std::stringbuf::sync();
+    }
+
+private:
+    bool pressed = false;
+};
+
+TEST_F(StreamVerb, EndsInOrderWhenInterrupted) {
+    const SimulatedFaults slow("hang 100 at video.readBuffer"); // every count of frames is reported then
+    InterruptingBuffer buffer;
+    std::ostringstream out;
+    std::ostream err(&buffer);
+    Console console{out, err, true};
+    EXPECT_EQ(runTool({"stream", "--frames", "100000", "--raw", path("d.raw"), "--json"}, console), 130);
+    const auto json = nlohmann::json::parse(out.str());
+    EXPECT_EQ(json.at("interrupted"), true);
+    const std::size_t frames = json.at("frames").at("received");
+    EXPECT_GE(frames, 5U);
+    EXPECT_EQ(Utils::readFile(path("d.raw")).size(), frames * Simulated::frameBytes) << "whole frames only";
+    EXPECT_EQ(filesLeft().size(), 1U);
+    EXPECT_THAT(buffer.str(), HasSubstr("interrupted after"));
+}
+
+} // namespace
+} // namespace Zentara::Tool

@@ -1,0 +1,41 @@
+#include "tools/tool_fixture.h"
+
+#include <sstream>
+
+#include <zentara/utils/files.h>
+
+#include "support/program.h"
+#include "tools/zentara/verb.h"
+
+namespace Zentara::Tool {
+
+ToolRun ToolTest::run(const std::vector<std::string>& arguments) {
+    std::ostringstream out;
+    std::ostringstream err;
+    Console console{out, err};
+    ToolRun result;
+    result.exitCode = runTool(arguments, console);
+    result.out = out.str();
+    result.err = err.str();
+    return result;
+}
+
+ToolRun ToolTest::runBuilt(const std::string& arguments) const {
+    const std::string name = testing::UnitTest::GetInstance()->current_test_info()->name();
+    const std::string base = (Tests::programDirectory() / ("tools_tests_" + name)).string();
+    ToolRun result;
+    result.exitCode = Tests::runProgram("zentara", arguments + " > " + base + ".out 2> " + base + ".err");
+    result.out = Utils::readFile(base + ".out");
+    result.err = Utils::readFile(base + ".err");
+    std::filesystem::remove(base + ".out");
+    std::filesystem::remove(base + ".err");
+    return result;
+}
+
+bool ToolTest::exists(const std::string& name) const {
+    return std::filesystem::exists(TestSupport::TemporaryDirectory::fromUtf8(path(name)));
+}
+
+std::vector<std::string> ToolTest::filesLeft() const { return Utils::getFileList(path(), ""); }
+
+} // namespace Zentara::Tool

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include <zentara/utils/environment_variable.h>
+
+#include "support/temporary_directory.h"
+
+namespace Zentara::Tool {
+
+/// What a run of the tool left behind.
+struct ToolRun {
+    int exitCode = -1;
+    std::string out;
+    std::string err;
+
+    [[nodiscard]] nlohmann::json json() const { return nlohmann::json::parse(out); }
+};
+
+/// Runs the tool, inside this process or as the built program, with a directory of its own for files.
+class ToolTest : public testing::Test {
+protected:
+    /// In this process.
+    static ToolRun run(const std::vector<std::string>& arguments);
+
+    /// The built program. \param arguments plain words between blanks.
+    ToolRun runBuilt(const std::string& arguments) const;
+
+    /// A file in the test's directory, and whether it is there.
+    [[nodiscard]] std::string path(const std::string& name = {}) const { return directory.path(name); }
+    [[nodiscard]] bool exists(const std::string& name) const;
+    [[nodiscard]] std::vector<std::string> filesLeft() const;
+
+private:
+    TestSupport::TemporaryDirectory directory;
+};
+
+/// An install root for one scope.
+class InstallRoot {
+public:
+    explicit InstallRoot(const std::string& root) : variable("ZENTARASDK_ROOT") {
+        before = variable.isDefined() ? variable.getValue() : "";
+        variable.setValue(root.c_str());
+    }
+    ~InstallRoot() { variable.setValue(before.c_str()); }
+    InstallRoot(const InstallRoot&) = delete;
+    InstallRoot& operator=(const InstallRoot&) = delete;
+
+private:
+    Utils::EnvironmentVariable variable;
+    std::string before;
+};
+
+} // namespace Zentara::Tool

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+#include <zentara/plugin/plugin_exceptions.h>
+
+namespace Zentara::Tool {
+
+/// What the process ends with.
+enum ExitCode : int {
+    ExitCode_DONE = 0,
+    ExitCode_FAILED = 1,
+    ExitCode_USAGE = 2,
+    ExitCode_NO_DEVICE = 3,
+    ExitCode_NO_PLUGIN = 4,
+    ExitCode_PERMISSION = 5,
+    ExitCode_BUSY = 6,
+    ExitCode_TIMEOUT = 7,
+    ExitCode_VERIFICATION = 8,
+    ExitCode_INTERRUPTED = 130,
+};
+
+/// Ends a verb: the message says what was attempted, on what, and what came back.
+class ToolFailure : public std::runtime_error {
+public:
+    ToolFailure(ExitCode exitCode, const std::string& message)
+        : std::runtime_error(message), code(exitCode) {}
+
+    const ExitCode code;
+};
+
+/// The exit code that a plug-in exception ends the process with.
+[[nodiscard]] ExitCode exitCodeOf(Plugin::PluginExceptionType type) noexcept;
+
+/// The kind of a plug-in exception, for people: "I/O failure".
+[[nodiscard]] const char* failureText(Plugin::PluginExceptionType type) noexcept;
+
+namespace Detail {
+/// Turns the exception that is being handled into a ToolFailure.
+[[noreturn]] void rethrow(const std::string& what);
+} // namespace Detail
+
+/// Does one step. Whatever it throws leaves as a ToolFailure "cannot WHAT: KIND: MESSAGE".
+template<typename Step>
+void attempt(const std::string& what, Step step) {
+    try {
+        step();
+    } catch (...) {
+        Detail::rethrow(what);
+    }
+}
+
+} // namespace Zentara::Tool

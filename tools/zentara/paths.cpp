@@ -1,0 +1,16 @@
+#include "tools/zentara/paths.h"
+
+#include <system_error>
+
+namespace Zentara::Tool {
+
+std::filesystem::path pathOf(const std::string& utf8) {
+    return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
+}
+
+bool isDirectory(const std::string& utf8) {
+    std::error_code ignored;
+    return std::filesystem::is_directory(pathOf(utf8), ignored);
+}
+
+} // namespace Zentara::Tool

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace Zentara::Tool {
+
+/// A UTF-8 path for the standard library.
+[[nodiscard]] std::filesystem::path pathOf(const std::string& utf8);
+
+/// Whether a directory lies there; false also when that cannot be found out.
+[[nodiscard]] bool isDirectory(const std::string& utf8);
+
+} // namespace Zentara::Tool

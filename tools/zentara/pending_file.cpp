@@ -1,0 +1,40 @@
+#include "tools/zentara/pending_file.h"
+
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include <zentara/utils/format.h>
+
+#include "tools/zentara/exit_code.h"
+#include "tools/zentara/paths.h"
+
+namespace Zentara::Tool {
+
+PendingFile::PendingFile(std::string path) : finalPath(std::move(path)), temporaryPath(finalPath + ".part") {
+    std::error_code ignored;
+    const auto status = std::filesystem::status(pathOf(finalPath), ignored);
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
+        throw ToolFailure(ExitCode_FAILED,
+                          Utils::Format("cannot write '%': it is there and no file") % finalPath);
+}
+
+PendingFile::~PendingFile() { discard(); }
+
+void PendingFile::discard() noexcept {
+    std::error_code ignored;
+    if (pending)
+        std::filesystem::remove(pathOf(temporaryPath), ignored);
+    pending = false;
+}
+
+void PendingFile::commit() {
+    std::error_code error;
+    std::filesystem::rename(pathOf(temporaryPath), pathOf(finalPath), error);
+    if (error)
+        throw ToolFailure(ExitCode_FAILED, Utils::Format("cannot rename '%' to '%': %") % temporaryPath %
+                                               finalPath % error.message());
+    pending = false;
+}
+
+} // namespace Zentara::Tool

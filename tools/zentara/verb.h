@@ -1,0 +1,34 @@
+#pragma once
+
+#include <functional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include "tools/zentara/exit_code.h"
+
+namespace Zentara::Tool {
+
+/// Where a verb writes: data to `out`, everything else to `err`.
+struct Console {
+    std::ostream& out;
+    std::ostream& err;
+    bool showProgress = false; ///< `err` is a terminal
+};
+
+/// A verb of the command line. `run` is called when the user named it, after its options have been read.
+struct Verb {
+    CLI::App* command = nullptr;
+    std::function<ExitCode(Console&)> run;
+};
+
+/// Each adds one verb, with its options, to the program.
+[[nodiscard]] Verb addPluginsVerb(CLI::App& program);
+[[nodiscard]] Verb addStreamVerb(CLI::App& program);
+
+/// Runs the tool. \param arguments without the program's name, UTF-8. \return the exit code
+[[nodiscard]] int runTool(std::vector<std::string> arguments, Console& console);
+
+} // namespace Zentara::Tool
