@@ -1,6 +1,7 @@
 #include "utils/platform/files.h"
 
 #include <algorithm>
+#include <io.h>
 
 #include "utils/platform/text_encoding.h"
 #include "utils/platform/windows/system.h"
@@ -50,6 +51,15 @@ std::FILE* openFile(const std::string& path, FileMode mode) {
     }
     return _wfopen(utf8ToWideOrWidened(path).c_str(), streamMode(mode));
 }
+
+bool flushToDisk(std::FILE* file) { return std::fflush(file) == 0 && _commit(_fileno(file)) == 0; }
+
+bool replaceFile(const std::string& replacement, const std::string& path) {
+    return MoveFileExW(utf8ToWideOrWidened(replacement).c_str(), utf8ToWideOrWidened(path).c_str(),
+                       MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
+}
+
+bool removeFile(const std::string& path) { return DeleteFileW(utf8ToWideOrWidened(path).c_str()) != 0; }
 
 std::string workingDirectory() {
     return withSlashes(
