@@ -1,0 +1,386 @@
+#include <zentara/rom/chunked_memory_manager.h>
+
+#include <limits>
+#include <optional>
+#include <unordered_set>
+#include <utility>
+
+#include <zentara/plugin/plugin_exceptions.h>
+#include <zentara/rom/accessor.h>
+#include <zentara/rom/chunked_memory_management_header.h>
+#include <zentara/utils/format.h>
+
+#include "utils/log_warning.h"
+
+namespace Zentara::ROM {
+
+namespace {
+
+using Header = ChunkedMemoryManagementHeader;
+using Block = MemoryBlockHeader;
+using Bytes = std::vector<std::uint8_t>;
+
+constexpr std::uint32_t MAX_SIZE = std::numeric_limits<std::uint32_t>::max();
+constexpr std::uint8_t UNREADABLE_VERSION = 2; ///< headers that ask for this or more are not for this reader
+
+std::uint64_t divideUp(std::uint64_t value, std::uint64_t unit) { return (value + unit - 1) / unit; }
+
+} // namespace
+
+struct ChunkedMemoryManager::Impl {
+    /// Where a new block goes, and the block that it will point at.
+    struct Place {
+        std::uint32_t address;
+        std::uint32_t next;
+    };
+
+    Accessor* accessor;
+    const std::uint32_t start;
+    const std::uint32_t size;
+    const std::uint32_t configuredChunkSize;
+    const bool headerAtStart;
+
+    std::unique_ptr<Header> header;                         ///< null while not initialized
+    std::map<std::uint32_t, std::unique_ptr<Block>> blocks; ///< as verified on flash, by address
+    std::unordered_set<const Block*> known;                 ///< the values of `blocks`
+    std::unique_ptr<Block> pending;                         ///< placed, but not written yet
+
+    Impl(Accessor* flash, std::uint32_t areaStart, std::uint32_t areaSize, std::uint32_t chunkSize,
+         bool atStart)
+        : accessor(flash), start(areaStart), size(areaSize), configuredChunkSize(chunkSize),
+          headerAtStart(atStart) {}
+
+    // Flash
+
+    Accessor& flash() const;
+    void writeAndCheck(std::uint32_t address, const Bytes& bytes) const;
+    bool inArea(std::uint32_t address, std::uint64_t length) const;
+    std::uint32_t headerAddress() const { return headerAtStart ? start : start + size - Header::SIZE; }
+    void writeHeader(std::uint32_t firstBlock);
+    void writeLink(Block& block, std::uint32_t next) const;
+
+    // Loading
+
+    void clear();
+    void load();
+    void loadChain();
+    std::unique_ptr<Block> loadBlock(std::uint32_t address) const;
+
+    // Blocks
+
+    void check(const Block* block) const;
+    void checkVersion(const char* message) const;
+    Block* find(std::uint32_t address) const;
+    std::uint16_t chunksOf(const Block& block) const;
+    void link(std::uint32_t address);
+    void adoptPending(std::uint32_t allocatedSize);
+    Block* predecessor(const Block& block) const;
+
+    // Placing a new block
+
+    std::optional<Place> place(std::uint32_t room) const;
+    std::optional<Place> placeBesideHeader(std::uint32_t room) const;
+    std::optional<Place> placeAscending(std::uint32_t room) const;
+    std::optional<Place> placeDescending(std::uint32_t room) const;
+};
+
+Accessor& ChunkedMemoryManager::Impl::flash() const {
+    if (!accessor)
+        throw Plugin::InvalidOperationPluginException("Accessor is not defined");
+    return *accessor;
+}
+
+void ChunkedMemoryManager::Impl::writeAndCheck(std::uint32_t address, const Bytes& bytes) const {
+    flash().write(address, bytes);
+    if (flash().read(address, static_cast<std::uint32_t>(bytes.size())) != bytes)
+        throw Plugin::IOPluginException("Failed to write data to ROM");
+}
+
+bool ChunkedMemoryManager::Impl::inArea(std::uint32_t address, std::uint64_t length) const {
+    return address >= start && address - start <= size && length <= size - (address - start);
+}
+
+void ChunkedMemoryManager::Impl::writeHeader(std::uint32_t firstBlock) {
+    auto changed =
+        std::make_unique<Header>(HEADER_VERSION, HEADER_MIN_READOUT_VERSION, header->getChunkSize(),
+                                 header->getAvailableMemorySize(), firstBlock);
+    writeAndCheck(headerAddress(), changed->serialize());
+    header = std::move(changed);
+}
+
+void ChunkedMemoryManager::Impl::writeLink(Block& block, std::uint32_t next) const {
+    Block changed(block);
+    changed.setNextBlockOffset(next);
+    writeAndCheck(block.getBlockOffset(), changed.serialize());
+    block = changed;
+}
+
+void ChunkedMemoryManager::Impl::clear() {
+    header.reset();
+    pending.reset();
+    known.clear();
+    blocks.clear();
+}
+
+void ChunkedMemoryManager::Impl::load() {
+    clear();
+    if (size < Header::SIZE)
+        return;
+    std::unique_ptr<Header> loaded(Header::deserialize(flash().read(headerAddress(), Header::SIZE)));
+    if (!loaded || loaded->getMinReadoutVersion() >= UNREADABLE_VERSION || loaded->getChunkSize() == 0 ||
+        loaded->getAvailableMemorySize() > size)
+        return;
+    header = std::move(loaded);
+    loadChain();
+}
+
+void ChunkedMemoryManager::Impl::loadChain() {
+    for (std::uint32_t address = header->getFirstBlockAddress(); address != 0;) {
+        std::unique_ptr<Block> block = loadBlock(address);
+        if (!block) {
+            Utils::logWarning("couldn't parse memory block header");
+            return;
+        }
+        if (blocks.count(address) != 0) {
+            Utils::logWarning("cyclic references detected");
+            return;
+        }
+        const std::uint32_t next = block->getNextBlockOffset();
+        known.insert(block.get());
+        blocks.emplace(address, std::move(block));
+        address = next;
+    }
+}
+
+std::unique_ptr<Block> ChunkedMemoryManager::Impl::loadBlock(std::uint32_t address) const {
+    if (!inArea(address, Block::SIZE))
+        return nullptr;
+    std::unique_ptr<Block> block(Block::deserialize(flash().read(address, Block::SIZE)));
+    if (block)
+        block->setBlockOffset(address);
+    return block;
+}
+
+void ChunkedMemoryManager::Impl::check(const Block* block) const {
+    if (known.count(block) == 0)
+        throw Plugin::ArgumentPluginException("invalid block");
+}
+
+void ChunkedMemoryManager::Impl::checkVersion(const char* message) const {
+    if (!header || header->getVersion() != HEADER_VERSION)
+        throw Plugin::InvalidOperationPluginException(Utils::Format(message) %
+                                                      static_cast<int>(HEADER_VERSION));
+}
+
+Block* ChunkedMemoryManager::Impl::find(std::uint32_t address) const {
+    const auto found = blocks.find(address);
+    return found == blocks.end() ? nullptr : found->second.get();
+}
+
+/// Counted in 16 bits: a block of 65,536 chunks or more counts as what is left of them.
+std::uint16_t ChunkedMemoryManager::Impl::chunksOf(const Block& block) const {
+    return static_cast<std::uint16_t>(divideUp(block.getAllocatedSize(), header->getChunkSize()));
+}
+
+/// Makes the chain reach a block that is not in the table yet. What comes after it, its own header says
+/// already.
+void ChunkedMemoryManager::Impl::link(std::uint32_t address) {
+    Block* nearer = nullptr; // the neighbour on the header's side
+    if (headerAtStart) {
+        const auto above = blocks.lower_bound(address);
+        nearer = above == blocks.begin() ? nullptr : std::prev(above)->second.get();
+    } else {
+        const auto above = blocks.upper_bound(address);
+        nearer = above == blocks.end() ? nullptr : above->second.get();
+    }
+    if (nearer)
+        writeLink(*nearer, address);
+    else
+        writeHeader(address);
+}
+
+void ChunkedMemoryManager::Impl::adoptPending(std::uint32_t allocatedSize) {
+    const std::uint32_t address = pending->getBlockOffset();
+    pending->setAllocatedSize(allocatedSize);
+    known.erase(find(address)); // a block that was overwritten by this one
+    known.insert(pending.get());
+    blocks[address] = std::move(pending);
+}
+
+/// The block whose link names this one. In a chain that this library wrote it is the neighbour on the
+/// header's side; in others the chain is followed, as a cycle may hold a second link to the same block.
+Block* ChunkedMemoryManager::Impl::predecessor(const Block& block) const {
+    const std::uint32_t address = block.getBlockOffset();
+    const auto own = blocks.find(address);
+    const auto neighbour =
+        headerAtStart ? (own == blocks.begin() ? blocks.end() : std::prev(own)) : std::next(own);
+    if (neighbour != blocks.end() && neighbour->second->getNextBlockOffset() == address)
+        return neighbour->second.get();
+    Block* candidate = find(header->getFirstBlockAddress());
+    for (std::size_t steps = 0; candidate && steps < blocks.size(); ++steps) {
+        if (candidate->getNextBlockOffset() == address)
+            return candidate;
+        candidate = find(candidate->getNextBlockOffset());
+    }
+    return nullptr;
+}
+
+std::optional<ChunkedMemoryManager::Impl::Place> ChunkedMemoryManager::Impl::place(std::uint32_t room) const {
+    if (blocks.empty()) {
+        // Whether the area has room for its first block is not asked.
+        if (headerAtStart)
+            return Place{start + Header::SIZE, 0};
+        return Place{start + header->getAvailableMemorySize() - Header::SIZE - room, 0};
+    }
+    if (const auto beside = placeBesideHeader(room))
+        return beside;
+    return headerAtStart ? placeAscending(room) : placeDescending(room);
+}
+
+/// Measured in unsigned 32-bit arithmetic that wraps, so that blocks in unexpected places leave much room
+/// rather than none.
+std::optional<ChunkedMemoryManager::Impl::Place>
+ChunkedMemoryManager::Impl::placeBesideHeader(std::uint32_t room) const {
+    const std::uint32_t first = header->getFirstBlockAddress();
+    if (headerAtStart) {
+        const std::uint32_t begin = start + Header::SIZE;
+        return first - begin >= room ? std::optional(Place{begin, first}) : std::nullopt;
+    }
+    const std::uint32_t end = start + header->getAvailableMemorySize() - Header::SIZE;
+    // The lowest block's length, not the first one's, stands for the block next to the header.
+    const std::uint32_t occupied = chunksOf(*blocks.begin()->second) * header->getChunkSize();
+    return end - (first + occupied) >= room ? std::optional(Place{end - room, first}) : std::nullopt;
+}
+
+/// Gaps are held in 64 bits; one that ends before it begins holds nothing.
+std::optional<ChunkedMemoryManager::Impl::Place>
+ChunkedMemoryManager::Impl::placeAscending(std::uint32_t room) const {
+    for (auto at = blocks.begin(); at != blocks.end(); ++at) {
+        const Block& block = *at->second;
+        const std::uint64_t begin = at->first + std::uint64_t{chunksOf(block)} * header->getChunkSize();
+        const auto above = std::next(at);
+        // After the last block the area's size stands for the address of its end, wherever the area starts.
+        const std::uint64_t end = above == blocks.end() ? header->getAvailableMemorySize() : above->first;
+        if (begin + room <= end)
+            return Place{static_cast<std::uint32_t>(begin), block.getNextBlockOffset()};
+    }
+    return std::nullopt;
+}
+
+std::optional<ChunkedMemoryManager::Impl::Place>
+ChunkedMemoryManager::Impl::placeDescending(std::uint32_t room) const {
+    for (auto at = blocks.rbegin(); at != blocks.rend(); ++at) {
+        const auto below = std::next(at);
+        const std::uint64_t begin =
+            below == blocks.rend()
+                ? start
+                : below->first + std::uint64_t{chunksOf(*below->second)} * header->getChunkSize();
+        if (begin + room <= at->first)
+            return Place{at->first - room, at->second->getNextBlockOffset()};
+    }
+    return std::nullopt;
+}
+
+ChunkedMemoryManager::ChunkedMemoryManager(Accessor* accessor, std::uint32_t startAddress, std::uint32_t size,
+                                           std::uint32_t chunkSize, bool headerAtStart)
+    : impl(std::make_unique<Impl>(accessor, startAddress, size, chunkSize, headerAtStart)) {}
+ChunkedMemoryManager::~ChunkedMemoryManager() = default;
+
+void ChunkedMemoryManager::initialize() { impl->load(); }
+void ChunkedMemoryManager::dispose() { impl->clear(); }
+bool ChunkedMemoryManager::romInitialized() { return impl->header != nullptr; }
+const ChunkedMemoryManagementHeader* ChunkedMemoryManager::getHeader() { return impl->header.get(); }
+
+std::map<std::uint32_t, const MemoryBlockHeader*> ChunkedMemoryManager::getBlockMap() {
+    std::map<std::uint32_t, const MemoryBlockHeader*> copy;
+    for (const auto& [address, block] : impl->blocks)
+        copy.emplace_hint(copy.end(), address, block.get());
+    return copy;
+}
+
+const MemoryBlockHeader* ChunkedMemoryManager::getNext(const MemoryBlockHeader* block) {
+    if (impl->blocks.empty())
+        return nullptr;
+    if (!block)
+        return (impl->headerAtStart ? impl->blocks.begin()->second : impl->blocks.rbegin()->second).get();
+    impl->check(block);
+    return block->getNextBlockOffset() == 0 ? nullptr : impl->find(block->getNextBlockOffset());
+}
+
+std::vector<std::uint8_t> ChunkedMemoryManager::read(const MemoryBlockHeader* block) {
+    impl->check(block);
+    if (!impl->inArea(block->getBlockOffset(), block->getAllocatedSize()))
+        return {};
+    return impl->flash().read(block->getBlockOffset() + Block::SIZE, block->getAllocatedSize() - Block::SIZE);
+}
+
+std::uint32_t ChunkedMemoryManager::getMaximumUsableSize(const MemoryBlockHeader* block) {
+    impl->check(block);
+    const std::uint32_t chunkSize = impl->header->getChunkSize();
+    // An exact multiple of the chunk size is credited one chunk more than it occupies.
+    return (block->getAllocatedSize() / chunkSize + 1) * chunkSize - Block::SIZE;
+}
+
+const MemoryBlockHeader* ChunkedMemoryManager::allocate(std::uint32_t size) {
+    impl->checkVersion("Cannot allocate section - Rom version is not %");
+    impl->pending.reset();
+    const std::uint64_t total = std::uint64_t{size} + Block::SIZE;
+    const std::uint64_t room = divideUp(total, impl->header->getChunkSize()) * impl->header->getChunkSize();
+    if (room > MAX_SIZE)
+        return nullptr;
+    const auto place = impl->place(static_cast<std::uint32_t>(room));
+    if (!place)
+        return nullptr;
+    impl->pending = std::make_unique<Block>(static_cast<std::uint32_t>(total), place->next);
+    impl->pending->setBlockOffset(place->address);
+    return impl->pending.get();
+}
+
+void ChunkedMemoryManager::write(const MemoryBlockHeader* block, const std::vector<std::uint8_t>& bytes) {
+    const bool fresh = block && block == impl->pending.get();
+    if (!fresh)
+        impl->check(block);
+    impl->checkVersion("Cannot write section - Rom version is not %");
+    if (bytes.size() > MAX_SIZE - Block::SIZE)
+        throw Plugin::ArgumentPluginException("Cannot write section - content is too long");
+    Block written(*block);
+    written.setAllocatedSize(static_cast<std::uint32_t>(bytes.size()) + Block::SIZE);
+    Bytes stored = written.serialize();
+    stored.insert(stored.end(), bytes.begin(), bytes.end());
+    impl->writeAndCheck(written.getBlockOffset(), stored);
+    if (fresh) {
+        impl->link(written.getBlockOffset());
+        impl->adoptPending(written.getAllocatedSize());
+    } else {
+        *impl->find(written.getBlockOffset()) = written;
+    }
+}
+
+const MemoryBlockHeader* ChunkedMemoryManager::erase(const MemoryBlockHeader* block) {
+    impl->check(block);
+    impl->checkVersion("Cannot erase section - Rom version is not %");
+    impl->pending.reset();
+    const std::uint32_t address = block->getBlockOffset();
+    const std::uint32_t next = block->getNextBlockOffset();
+    if (impl->header->getFirstBlockAddress() == address)
+        impl->writeHeader(next);
+    else if (Block* before = impl->predecessor(*block))
+        impl->writeLink(*before, next);
+    impl->known.erase(block);
+    impl->blocks.erase(address);
+    return next == 0 ? nullptr : impl->find(next);
+}
+
+void ChunkedMemoryManager::initializeRom() {
+    if (impl->configuredChunkSize == 0)
+        throw Plugin::ArgumentPluginException("Cannot format - chunk size is 0");
+    if (impl->size < Header::SIZE)
+        throw Plugin::ArgumentPluginException(
+            Utils::Format("Cannot format - an area of % bytes has no room for a header") % impl->size);
+    const Header formatted(HEADER_VERSION, HEADER_MIN_READOUT_VERSION, impl->configuredChunkSize, impl->size,
+                           0);
+    impl->writeAndCheck(impl->headerAddress(), formatted.serialize());
+    impl->load();
+}
+
+} // namespace Zentara::ROM
