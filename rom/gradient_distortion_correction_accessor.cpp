@@ -1,0 +1,66 @@
+#include <zentara/rom/gradient_distortion_correction_accessor.h>
+
+#include <algorithm>
+
+#include <zentara/plugin/plugin_exceptions.h>
+#include <zentara/utils/exceptions.h>
+#include <zentara/utils/files.h>
+#include <zentara/utils/format.h>
+
+#include "utils/log_warning.h"
+
+namespace Zentara::ROM {
+
+namespace {
+
+constexpr std::uint8_t ERASED = 0xFF;
+
+std::string readWhole(const std::string& fileName) try {
+    return Utils::readFile(fileName);
+} catch (const Utils::UException&) {
+    Utils::logWarning(
+        Utils::Format("Even cannot open/read file % containing phase distortion correction values") %
+        fileName);
+    throw Plugin::IOPluginException("gradient calibration parameter file can not be opened");
+}
+
+} // namespace
+
+struct GradientDistortionCorrectionAccessor::Impl {
+    std::string fileName;
+    std::vector<std::uint8_t> image;
+
+    /// What lies at an address, after growing the image so that it is there.
+    std::vector<std::uint8_t>::iterator reach(std::uint32_t address, std::size_t length,
+                                              std::uint8_t filler) {
+        image.resize(std::max(image.size(), address + length), filler);
+        return image.begin() + static_cast<std::ptrdiff_t>(address);
+    }
+};
+
+GradientDistortionCorrectionAccessor::GradientDistortionCorrectionAccessor(const std::string& fileName)
+    : impl(std::make_unique<Impl>()) {
+    if (!fileName.empty())
+        GradientDistortionCorrectionAccessor::read(fileName);
+}
+GradientDistortionCorrectionAccessor::~GradientDistortionCorrectionAccessor() = default;
+
+std::vector<std::uint8_t> GradientDistortionCorrectionAccessor::read(std::uint32_t address,
+                                                                     std::uint32_t length) {
+    const auto begin = impl->reach(address, length, ERASED);
+    return {begin, begin + static_cast<std::ptrdiff_t>(length)};
+}
+
+void GradientDistortionCorrectionAccessor::write(std::uint32_t address,
+                                                 const std::vector<std::uint8_t>& bytes) {
+    std::copy(bytes.begin(), bytes.end(), impl->reach(address, bytes.size(), 0));
+}
+
+void GradientDistortionCorrectionAccessor::read(const std::string& fileName) {
+    if (impl->fileName.empty())
+        impl->fileName = fileName;
+    const std::string contents = readWhole(fileName);
+    impl->image.assign(contents.begin(), contents.end());
+}
+
+} // namespace Zentara::ROM
