@@ -1,0 +1,204 @@
+#include <zentara/plugin/plugin_exceptions.h>
+#include <zentara/rom/diagnostic.h>
+#include <zentara/rom/file_accessor.h>
+#include <zentara/rom/gradient_distortion_correction.h>
+#include <zentara/rom/gradient_distortion_correction_accessor.h>
+#include <zentara/rom/gradient_distortion_correction_store.h>
+#include <zentara/rom/rom.h>
+#include <zentara/utils/files.h>
+
+#include "rom/rom_fixture.h"
+#include "support/log_capture.h"
+
+namespace Zentara::TestSupport {
+namespace {
+
+using Plugin::ArgumentPluginException;
+using Plugin::InvalidOperationPluginException;
+using Plugin::IOPluginException;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+const ROM::Diagnostic DIAGNOSTIC({1, 2});
+constexpr const char* NO_CONTAINER = "Container is not defined";
+
+class FacadeTest : public RomTest {};
+
+TEST_F(FacadeTest, ObjectsGoInAndComeOut) {
+    ROM::ROM rom(container.get());
+    rom.initialize();
+    EXPECT_FALSE(rom.romInitialized());
+    rom.initializeRom();
+    EXPECT_TRUE(rom.romInitialized());
+    rom.set(9, &DIAGNOSTIC, 1);
+    rom.set(4, &DIAGNOSTIC, 0);
+    rom.dispose();
+    rom.initialize();
+    EXPECT_THAT(rom.getUIDs(), ElementsAre(4, 9));
+    EXPECT_TRUE(rom.sectionIsWritable(9));
+    EXPECT_FALSE(rom.sectionIsWritable(4));
+    const std::unique_ptr<ROM::Object> object(rom.get(9));
+    const auto* diagnostic = dynamic_cast<ROM::Diagnostic*>(object.get());
+    ASSERT_TRUE(diagnostic);
+    EXPECT_EQ(2, diagnostic->getOverheatingDiagnosticData().getHardCounter());
+    rom.erase(9);
+    EXPECT_EQ("Section 9 is not defined", messageOf<ArgumentPluginException>([&] { rom.get(9); }));
+}
+
+TEST_F(FacadeTest, UnknownTypesHaveNoObject) {
+    format();
+    container->set(3, static_cast<ROM::ContainerSectionType>(99), 1, pattern(10));
+    ROM::ROM rom(container.get());
+    EXPECT_EQ(nullptr, rom.get(3));
+}
+
+TEST_F(FacadeTest, WithoutAContainer) {
+    ROM::ROM rom(nullptr);
+    rom.initialize();
+    rom.dispose();
+    EXPECT_FALSE(rom.romInitialized());
+    const auto refusal = [](auto action) { return messageOf<InvalidOperationPluginException>(action); };
+    EXPECT_EQ(NO_CONTAINER, refusal([&] { rom.getUIDs(); }));
+    EXPECT_EQ(NO_CONTAINER, refusal([&] { rom.get(1); }));
+    EXPECT_EQ(NO_CONTAINER, refusal([&] { rom.set(1, &DIAGNOSTIC, 1); }));
+    EXPECT_EQ(NO_CONTAINER, refusal([&] { rom.erase(1); }));
+    EXPECT_EQ(NO_CONTAINER, refusal([&] { rom.sectionIsWritable(1); }));
+    EXPECT_EQ(NO_CONTAINER, refusal([&] { rom.initializeRom(); }));
+    EXPECT_EQ("cannot set - invalid object",
+              messageOf<ArgumentPluginException>([&] { rom.set(1, nullptr, 1); }));
+}
+
+TEST_F(FacadeTest, TheLockIsGivenBackAfterAFailure) {
+    ROM::ROM rom(container.get());
+    flash->failRead(0, FlashFault::Throws);
+    EXPECT_THROW(rom.initialize(), IOPluginException);
+    rom.initialize();
+    EXPECT_FALSE(rom.romInitialized());
+}
+
+std::string asText(const Bytes& bytes) { return {bytes.begin(), bytes.end()}; }
+
+class ImageFileTest : public RomTest {
+protected:
+    TemporaryDirectory directory;
+    const std::string fileName = directory.path("image.bin");
+};
+
+TEST_F(ImageFileTest, CorrectionImageGrowsWithWhatIsAsked) {
+    Utils::writeFile(fileName, std::string(50, 'x'));
+    ROM::GradientDistortionCorrectionAccessor accessor(fileName);
+    EXPECT_EQ(Bytes(4, 'x'), accessor.read(46, 4));
+    EXPECT_EQ(Bytes(16, 0xFF), accessor.read(100, 16));
+    EXPECT_EQ(Bytes(50, 0xFF), accessor.read(50, 50));
+
+    accessor.read(fileName);
+    accessor.write(60, hex("01020304"));
+    auto expected = Bytes(10, 0);
+    for (const std::uint8_t byte : {1, 2, 3, 4, 0xFF})
+        expected.push_back(byte);
+    EXPECT_EQ(expected, accessor.read(50, 15));
+    EXPECT_EQ(std::string(50, 'x'), Utils::readFile(fileName)) << "nothing is written back";
+}
+
+TEST_F(ImageFileTest, MissingCorrectionFiles) {
+    LogCapture log;
+    const auto open = [] { ROM::GradientDistortionCorrectionAccessor("no/such/file"); };
+    EXPECT_EQ("gradient calibration parameter file can not be opened", messageOf<IOPluginException>(open));
+    EXPECT_THAT(log.text(), HasSubstr("Even cannot open/read file no/such/file containing phase distortion "
+                                      "correction values"));
+    ROM::GradientDistortionCorrectionAccessor empty("");
+    EXPECT_EQ(Bytes(1, 0xFF), empty.read(0, 1));
+}
+
+class StoreTest : public ImageFileTest {
+protected:
+    const ROM::GradientDistortionCorrection correction{{1, 2, 1, "SN"}, {{30, pattern(500)}}};
+};
+
+TEST_F(StoreTest, ReadsACorrectionFile) {
+    format();
+    container->set(4, DIAGNOSTIC.getType(), 1, DIAGNOSTIC.serialize());
+    container->set(5, correction.getType(), 1, correction.serialize());
+    Utils::writeFile(fileName, asText(flash->image));
+
+    ROM::GradientDistortionCorrectionAccessor file("");
+    ROM::ChunkedMemoryManager memory(&file, area.start, area.size, area.chunkSize, area.headerAtStart);
+    ROM::Container sections(&memory);
+    ROM::GradientDistortionCorrectionStore store(&sections, &file);
+    store.initialize(); // an image without a file reads as erased flash
+    EXPECT_THAT(store.getUIDs(), IsEmpty());
+    store.read(fileName);
+    store.initialize();
+    EXPECT_THAT(store.getUIDs(), ElementsAre(4, 5));
+    const std::unique_ptr<ROM::Object> object(store.get(5));
+    ASSERT_TRUE(object);
+    EXPECT_EQ(correction.serialize(), object->serialize());
+    EXPECT_EQ("Passed parameter is not a gradient distortion correction id",
+              messageOf<ArgumentPluginException>([&] { store.get(4); }));
+    EXPECT_TRUE(store.sectionIsWritable(5));
+    store.set(8, &DIAGNOSTIC, 0); // any uid may be set
+    EXPECT_FALSE(store.sectionIsWritable(8));
+}
+
+TEST_F(StoreTest, OnceInitializedItStaysSo) {
+    ROM::GradientDistortionCorrectionStore store(nullptr);
+    EXPECT_FALSE(store.isInitialized());
+    store.dispose();
+    EXPECT_FALSE(store.isInitialized());
+    store.initialize();
+    EXPECT_TRUE(store.isInitialized());
+    store.dispose();
+    EXPECT_TRUE(store.isInitialized());
+}
+
+TEST_F(StoreTest, RefusalsInOrder) {
+    ROM::GradientDistortionCorrectionStore none(nullptr);
+    const auto refusal = [](auto action) { return messageOf<InvalidOperationPluginException>(action); };
+    EXPECT_EQ(NO_CONTAINER, refusal([&] { none.get(4); }));
+    EXPECT_EQ(NO_CONTAINER, refusal([&] { none.getUIDs(); }));
+    EXPECT_EQ(NO_CONTAINER, refusal([&] { none.initializeRom(); }));
+    EXPECT_EQ(NO_CONTAINER, refusal([&] { none.sectionIsWritable(5); }));
+    EXPECT_EQ(NO_CONTAINER, refusal([&] { none.set(5, &DIAGNOSTIC, 1); }));
+    EXPECT_EQ(NO_CONTAINER, refusal([&] { none.read(fileName); }));
+    EXPECT_EQ("cannot set - invalid object",
+              messageOf<ArgumentPluginException>([&] { none.set(5, nullptr, 1); }));
+    ROM::GradientDistortionCorrectionStore store(container.get());
+    store.initializeRom();
+    EXPECT_EQ("Accessor is not defined", refusal([&] { store.read(fileName); }));
+    EXPECT_EQ("Section 5 is not defined", messageOf<ArgumentPluginException>([&] { store.get(5); }));
+}
+
+TEST_F(ImageFileTest, KeepsTheOldFileUntilSaved) {
+    Utils::writeFile(fileName, "0123456789");
+    ROM::FileAccessor file(fileName);
+    EXPECT_FALSE(file.isModified());
+    file.write(8, {'x', 'y'});
+    EXPECT_TRUE(file.isModified());
+    EXPECT_EQ("0123456789", Utils::readFile(fileName));
+    file.save();
+    EXPECT_FALSE(file.isModified());
+    EXPECT_EQ("01234567xy", Utils::readFile(fileName));
+    EXPECT_EQ((Bytes{'y'}), file.read(9, 1));
+}
+
+TEST_F(ImageFileTest, NewImagesAreErasedFlash) {
+    ROM::FileAccessor file(fileName, 5);
+    EXPECT_EQ(Bytes(5, 0xFF), file.getImage());
+    file.save();
+    EXPECT_EQ(asText(Bytes(5, 0xFF)), Utils::readFile(fileName));
+}
+
+TEST_F(ImageFileTest, RefusesWhatIsNotThere) {
+    EXPECT_THROW(ROM::FileAccessor("no/such/file"), IOPluginException);
+    ROM::FileAccessor file("no/such/directory/file", 10);
+    EXPECT_THAT(messageOf<IOPluginException>([&] { file.save(); }), HasSubstr("no/such/directory/file"));
+    EXPECT_TRUE(file.isModified());
+    EXPECT_THROW(file.read(8, 3), IOPluginException);
+    EXPECT_THROW(file.read(0xFFFFFFFF, 2), IOPluginException);
+    EXPECT_THROW(file.write(10, {1}), IOPluginException);
+    EXPECT_EQ(Bytes(10, 0xFF), file.getImage());
+}
+
+} // namespace
+} // namespace Zentara::TestSupport

@@ -1,0 +1,102 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include <zentara/rom/chunked_memory_management_header.h>
+#include <zentara/rom/chunked_memory_manager.h>
+#include <zentara/rom/container.h>
+#include <zentara/rom/memory_block_header.h>
+
+#include "support/simulated_flash.h"
+
+namespace Zentara::TestSupport {
+
+using Bytes = std::vector<std::uint8_t>;
+
+/// Bytes from their hexadecimal text; blanks do not count.
+Bytes hex(const std::string& text);
+
+/// `length` bytes that differ from seed to seed.
+Bytes pattern(std::size_t length, unsigned seed = 1);
+
+/// Calls `action`, expects an exception of this type, and gives back its message.
+template<class Exception, class Action>
+std::string messageOf(Action action) {
+    try {
+        action();
+    } catch (const Exception& caught) {
+        return caught.what();
+    }
+    return "(no exception)";
+}
+
+/// Opens the operations of block headers that are the manager's alone.
+struct BlockProbe : ROM::MemoryBlockHeader {
+    explicit BlockProbe(const ROM::MemoryBlockHeader& block) : MemoryBlockHeader(block) {}
+    BlockProbe(std::uint32_t size, std::uint32_t next) : MemoryBlockHeader(size, next) {}
+    using MemoryBlockHeader::deserialize;
+    using MemoryBlockHeader::getAllocatedSize;
+    using MemoryBlockHeader::getBlockOffset;
+    using MemoryBlockHeader::getNextBlockOffset;
+    using MemoryBlockHeader::serialize;
+};
+
+/// Where the storage lies on the flash.
+struct Area {
+    std::uint32_t start = 0;
+    std::uint32_t size = 4096;
+    std::uint32_t chunkSize = 256;
+    bool headerAtStart = true;
+
+    std::uint32_t headerAddress() const {
+        return headerAtStart ? start : start + size - ROM::ChunkedMemoryManagementHeader::SIZE;
+    }
+};
+
+/// A storage on simulated flash, and the verbs of its tests.
+class RomTest : public testing::Test {
+protected:
+    RomTest() { use(Area{}); }
+
+    /// Starts over on erased flash.
+    void use(const Area& newArea);
+
+    // On the manager alone
+    void formatMemory();
+    void mountMemory();
+    std::uint32_t writeBlock(const Bytes& bytes); ///< allocates and writes; returns the address
+    std::vector<std::uint32_t> chain();           ///< addresses as getNext() leads
+    const ROM::MemoryBlockHeader* block(std::uint32_t address);
+    std::uint32_t allocatedSize(std::uint32_t address);
+
+    // On the container
+    void format();
+    void mount();
+    void write(std::uint16_t uid, const Bytes& data, std::uint8_t flags = 1);
+    std::string
+    readable(); ///< "uid:length" of each section whose content is what write() gave it, else "uid:!"
+
+    // On the flash
+    void put(std::uint32_t address, const Bytes& bytes);
+    void setByte(std::uint32_t address, std::uint8_t value) { put(address, {value}); }
+    void shrinkSize(std::size_t size) { flash->image.resize(size); }
+    void putHeader(std::uint32_t firstBlock, std::uint32_t chunkSize, std::uint32_t available,
+                   std::uint8_t version = 1, std::uint8_t minReadoutVersion = 1);
+    void putBlock(std::uint32_t address, std::uint32_t size, std::uint32_t next, const Bytes& content = {});
+    void fixBlockChecksum(std::uint32_t address) { fixChecksum(address, 8); }
+    void fixHeaderChecksum() { fixChecksum(area.headerAddress(), 15); }
+    void fixChecksum(std::uint32_t address, std::size_t length);
+
+    Area area;
+    std::unique_ptr<SimulatedFlash> flash;
+    std::unique_ptr<ROM::ChunkedMemoryManager> manager;
+    std::unique_ptr<ROM::Container> container;
+    std::map<std::uint16_t, Bytes> written; ///< what write() stored last
+};
+
+} // namespace Zentara::TestSupport
