@@ -7,16 +7,14 @@
 
 #include <gmock/gmock.h>
 
-#include <zentara/rom/chunked_memory_management_header.h>
 #include <zentara/rom/chunked_memory_manager.h>
 #include <zentara/rom/container.h>
 #include <zentara/rom/memory_block_header.h>
 
+#include "support/rom_image.h"
 #include "support/simulated_flash.h"
 
 namespace Zentara::TestSupport {
-
-using Bytes = std::vector<std::uint8_t>;
 
 /// Bytes from their hexadecimal text; blanks do not count.
 Bytes hex(const std::string& text);
@@ -44,18 +42,6 @@ struct BlockProbe : ROM::MemoryBlockHeader {
     using MemoryBlockHeader::getBlockOffset;
     using MemoryBlockHeader::getNextBlockOffset;
     using MemoryBlockHeader::serialize;
-};
-
-/// Where the storage lies on the flash.
-struct Area {
-    std::uint32_t start = 0;
-    std::uint32_t size = 4096;
-    std::uint32_t chunkSize = 256;
-    bool headerAtStart = true;
-
-    std::uint32_t headerAddress() const {
-        return headerAtStart ? start : start + size - ROM::ChunkedMemoryManagementHeader::SIZE;
-    }
 };
 
 /// A storage on simulated flash, and the verbs of its tests.
