@@ -74,17 +74,22 @@ protected:
     [[nodiscard]] Utils::Collection::Queue<ExternalEvent>* getEventQueue() const;
     [[nodiscard]] Core::DescriptorStoreRO* getDescriptorStore() const;
 
+    // These four ask the descriptor store; without one there is no node.
+
     /// The type of the node that was selected last.
     [[nodiscard]] NodeType getNodeType();
 
     /// The flags of that node: those of a depth or a colour node, 0 for any other.
     [[nodiscard]] std::uint64_t getNodeFlags();
 
-    /// Fills the event from that node's description.
+    /// Fills in what that node's description tells: type, profile, name, the four identifying values and the node
+    /// index. The rest, where the node was found, stays as it is.
+    /// \throws Plugin::ArgumentPluginException if `event` is null
     void fillEvent(NodeEvent* event);
 
     /// Selects the description that belongs to the event's four identifying values.
     /// \return whether there is one
+    /// \throws Plugin::ArgumentPluginException if `event` is null
     bool selectNodeDescriptor(NodeEvent* event, Core::Profile profile);
 
 private:
