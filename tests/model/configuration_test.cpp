@@ -1,0 +1,112 @@
+#include <gtest/gtest.h>
+
+#include <zentara/audio_configuration.h>
+#include <zentara/color_configuration.h>
+#include <zentara/depth_configuration.h>
+#include <zentara/io/uvc_command_request.h>
+
+namespace Testing {
+namespace {
+
+using namespace Zentara;
+using Utils::makeRefcounted;
+
+TEST(ConfigurationTest, NamesFollowEverySetter) {
+    const auto audio = makeRefcounted<AudioConfiguration>(2, 16, 44100);
+    EXPECT_EQ("AUCH2BPS16SR44100", audio->getName());
+    audio->setChannels(1);
+    EXPECT_EQ("AUCH1BPS16SR44100", audio->getName());
+    audio->setBitsPerSample(24);
+    EXPECT_EQ("AUCH1BPS24SR44100", audio->getName());
+    audio->setSampleRate(8000);
+    EXPECT_EQ("AUCH1BPS24SR8000", audio->getName());
+    audio->setName("mine");
+    EXPECT_EQ("mine", audio->getName());
+
+    const auto color = makeRefcounted<ColorConfiguration>(FrameFormat_VGA, 30, PowerLineFrequency_60HZ,
+                                                          CompressionType_MJPEG);
+    EXPECT_EQ("COFF3FR30PLF2COMP1", color->getName());
+    color->setFrameFormat(FrameFormat_QVGA);
+    EXPECT_EQ("COFF2FR30PLF2COMP1", color->getName());
+    color->setFrameRate(60);
+    EXPECT_EQ("COFF2FR60PLF2COMP1", color->getName());
+    color->setPowerLineFrequency(PowerLineFrequency_DISABLED);
+    EXPECT_EQ("COFF2FR60PLF0COMP1", color->getName());
+    color->setCompression(CompressionType_NONE);
+    EXPECT_EQ("COFF2FR60PLF0COMP0", color->getName());
+
+    const auto depth =
+        makeRefcounted<DepthConfiguration>(FrameFormat_QVGA, 60, DepthNode::CameraMode_1, true, 7);
+    // Saturation is a number, not a word.
+    EXPECT_EQ("DEFF2FR60CM1S1", depth->getName());
+    depth->setFrameFormat(FrameFormat_QQVGA);
+    EXPECT_EQ("DEFF1FR60CM1S1", depth->getName());
+    depth->setFrameRate(30);
+    EXPECT_EQ("DEFF1FR30CM1S1", depth->getName());
+    depth->setCameraMode(DepthNode::CameraMode_NONE);
+    EXPECT_EQ("DEFF1FR30CM-1S1", depth->getName());
+    depth->setSaturation(false);
+    EXPECT_EQ("DEFF1FR30CM-1S0", depth->getName());
+}
+
+TEST(ConfigurationTest, Defaults) {
+    EXPECT_EQ("AUCH0BPS0SR0", makeRefcounted<AudioConfiguration>()->getName());
+    EXPECT_EQ("COFF0FR0PLF0COMP0", makeRefcounted<ColorConfiguration>()->getName());
+    EXPECT_EQ("DEFF0FR0CM0S0", makeRefcounted<DepthConfiguration>()->getName());
+    EXPECT_EQ(1, makeRefcounted<ColorConfiguration>()->getType());
+    EXPECT_EQ(2, makeRefcounted<AudioConfiguration>()->getType());
+    EXPECT_EQ(4, makeRefcounted<DepthConfiguration>()->getType());
+}
+
+TEST(ConfigurationTest, Equality) {
+    const auto audio = makeRefcounted<AudioConfiguration>(1, 2, 3);
+    EXPECT_TRUE(audio->isEqual(makeRefcounted<AudioConfiguration>(1, 2, 3).get()));
+    EXPECT_FALSE(audio->isEqual(makeRefcounted<AudioConfiguration>(1, 2, 4).get()));
+    EXPECT_FALSE(audio->isEqual(nullptr));
+    const auto color = makeRefcounted<ColorConfiguration>();
+    const auto other = makeRefcounted<ColorConfiguration>(*color);
+    // The fields count, not the name.
+    other->setName("other");
+    EXPECT_TRUE(color->isEqual(other.get()));
+    other->setCompression(CompressionType_H264);
+    EXPECT_FALSE(color->isEqual(other.get()));
+    EXPECT_FALSE(color->isEqual(nullptr));
+
+    // Depth configurations: the name counts, and nothing else.
+    const auto depth =
+        makeRefcounted<DepthConfiguration>(FrameFormat_QVGA, 60, DepthNode::CameraMode_0, false, 7);
+    const auto twin =
+        makeRefcounted<DepthConfiguration>(FrameFormat_QVGA, 60, DepthNode::CameraMode_0, false, 8);
+    EXPECT_TRUE(depth->isEqual(twin.get()));
+    twin->setName("other");
+    EXPECT_FALSE(depth->isEqual(twin.get()));
+    EXPECT_FALSE(depth->isEqual(nullptr));
+}
+
+TEST(ConfigurationTest, DepthCarriesCalibrationAndCommands) {
+    const auto depth = makeRefcounted<DepthConfiguration>(FrameFormat_QVGA, 60, DepthNode::CameraMode_0,
+                                                          false, std::int16_t{-7});
+    EXPECT_EQ(CalibrationInternal(-7, DriftCompensation(-1, 0)), depth->getCalibration());
+    depth->setCalibration(CalibrationInternal(3, DriftCompensation(1, 2)));
+    EXPECT_EQ(3, depth->getCalibration().getPhaseDelay());
+    HardwareVersionInternal version;
+    version.modules[5].variant = 9;
+    depth->setCalibrationHardwareVersion(version);
+    EXPECT_EQ(version, depth->getCalibrationHardwareVersion());
+
+    const auto command = makeRefcounted<IO::UVCCommandRequest>(IO::UVC_TOF_CONTROLLER_REGISTER, 1U, 2U);
+    depth->setCommands({command});
+    depth->getCommands().push_back(command);
+    const auto copy = makeRefcounted<DepthConfiguration>(*depth);
+    depth->setCommands({});
+    EXPECT_EQ(2U, copy->getCommands().size());
+    EXPECT_TRUE(depth->getCommands().empty());
+}
+
+TEST(FrameFormatTest, Sizes) {
+    EXPECT_EQ((FrameSize{320, 240}), frameSize(FrameFormat_QVGA));
+    EXPECT_EQ(FrameSize(), frameSize(FrameFormat_DEFAULT));
+}
+
+} // namespace
+} // namespace Testing
