@@ -1,0 +1,147 @@
+#include <cstring>
+#include <memory>
+#include <optional>
+
+#include <gmock/gmock.h>
+
+#include <zentara/audio_configuration.h>
+#include <zentara/color_configuration.h>
+#include <zentara/io/audio_requests.h>
+#include <zentara/io/camera_control_requests.h>
+#include <zentara/io/transfer_requests.h>
+#include <zentara/io/xu_device_requests.h>
+
+#include "io/script.h"
+
+namespace Testing {
+namespace {
+
+using namespace Zentara;
+using namespace Zentara::IO;
+
+constexpr std::size_t size = 4096;
+
+/// Devices that answer when their callers have gone and the callers' memory with them. What they touch is found out
+/// by the address sanitizer; what they must not change before, by the tests.
+class LateAnswerTest : public DeviceTest {
+protected:
+    /// The operation times out while the device holds still; once the caller's memory is gone, the device does
+    /// what it was asked to.
+    template<typename Request, typename Memory, typename Proxy>
+    void answerLate(Proxy& proxy, std::unique_ptr<Memory> memory,
+                    std::function<void(Proxy&, Memory&)> operation, std::function<void(Request&)> answer) {
+        Gate gate;
+        script.onCall = [&](int, deviceRequest* request) {
+            gate.pass();
+            answer(dynamic_cast<Request&>(*request));
+        };
+        tuning.set(30, 60000, 10);
+        EXPECT_THROW(operation(proxy, *memory), Plugin::TimeoutPluginException);
+        memory.reset();
+        gate.open();
+        tuning.set(2000, 60000, 10);
+        Worker().settle();
+        script.onCall = [](int, deviceRequest*) {};
+    }
+
+    template<typename Request, typename Memory>
+    void answerLate(std::unique_ptr<Memory> memory, std::function<void(VideoProxy&, Memory&)> operation,
+                    std::function<void(Request&)> answer) {
+        VideoProxy video(VIDEO_DEVICE, true);
+        answerLate<Request, Memory, VideoProxy>(video, std::move(memory), std::move(operation),
+                                                std::move(answer));
+    }
+};
+
+using Bytes = std::vector<std::uint8_t>;
+
+std::unique_ptr<Bytes> bytes() { return std::make_unique<Bytes>(size, std::uint8_t{1}); }
+
+TEST_F(LateAnswerTest, Receive) {
+    answerLate<xuRecvRequest, Bytes>(
+        bytes(), [](VideoProxy& proxy, Bytes& buffer) { proxy.recv(1, 2, size, buffer.data(), false); },
+        [](xuRecvRequest& request) { std::memset(request.getData(), 2, request.getLength()); });
+}
+
+TEST_F(LateAnswerTest, Send) {
+    answerLate<xuSendRequest, Bytes>(
+        bytes(), [](VideoProxy& proxy, Bytes& buffer) { proxy.send(1, 2, size, buffer.data()); },
+        [](xuSendRequest& request) {
+            EXPECT_EQ(1, static_cast<const std::uint8_t*>(request.getData())[size - 1]);
+        });
+}
+
+TEST_F(LateAnswerTest, Length) {
+    answerLate<xuLenRequest, Bytes>(
+        bytes(), [](VideoProxy& proxy, Bytes&) { static_cast<void>(proxy.len(1, 2)); },
+        [](xuLenRequest& request) { *request.getResult() = 5; });
+}
+
+TEST_F(LateAnswerTest, Setup) {
+    answerLate<xuSetupRequest, GUID>(
+        std::make_unique<GUID>(AUDIO_DEVICE), [](VideoProxy& proxy, GUID& guid) { proxy.xuSetup(guid); },
+        [](xuSetupRequest& request) { EXPECT_TRUE(guidEquals(AUDIO_DEVICE, request.getGUID())); });
+}
+
+TEST_F(LateAnswerTest, ControlTransfers) {
+    answerLate<readControlTransferRequest, Bytes>(
+        bytes(), [](VideoProxy& proxy, Bytes& buffer) { proxy.read(1, 2, 3, buffer.data(), size); },
+        [](readControlTransferRequest& request) {
+            std::memset(request.getBuffer(), 2, request.getLength());
+        });
+    answerLate<writeControlTransferRequest, Bytes>(
+        bytes(), [](VideoProxy& proxy, Bytes& buffer) { proxy.write(1, 2, 3, buffer.data(), size); },
+        [](writeControlTransferRequest& request) { EXPECT_EQ(1, request.getBuffer()[size - 1]); });
+    answerLate<writeBulkTransferRequest, Bytes>(
+        bytes(), [](VideoProxy& proxy, Bytes& buffer) { proxy.write(1, buffer.data(), size); },
+        [](writeBulkTransferRequest& request) { EXPECT_EQ(1, request.getData()[size - 1]); });
+}
+
+TEST_F(LateAnswerTest, ControlRanges) {
+    answerLate<getCameraControlRangesRequest, CameraControlRanges>(
+        std::make_unique<CameraControlRanges>(),
+        [](VideoProxy& proxy, CameraControlRanges& ranges) { proxy.getCameraControlRanges(ranges); },
+        [](getCameraControlRangesRequest& request) { request.getRanges().ranges[CameraControl_GAIN] = {}; });
+}
+
+TEST_F(LateAnswerTest, ColorConfigurations) {
+    using Modes = std::vector<Utils::SmartPtr<ColorConfiguration>>;
+    answerLate<getColorConfigurationsRequest, Modes>(
+        std::make_unique<Modes>(), [](VideoProxy& proxy, Modes& modes) { proxy.getConfigurations(modes); },
+        [](getColorConfigurationsRequest& request) {
+            request.getConfigurations().push_back(Utils::makeRefcounted<ColorConfiguration>());
+        });
+}
+
+TEST_F(LateAnswerTest, DefaultAudioConfiguration) {
+    using Mode = Utils::SmartPtr<AudioConfiguration>;
+    const auto kept = Utils::makeRefcounted<AudioConfiguration>(1, 2, 3);
+    AudioProxy audio(AUDIO_DEVICE, true);
+    answerLate<getAudioDefaultConfigurationsRequest, Mode, AudioProxy>(
+        audio, std::make_unique<Mode>(kept),
+        [](AudioProxy& proxy, Mode& mode) { proxy.getDefaultConfiguration(mode); },
+        [](getAudioDefaultConfigurationsRequest& request) { request.getConfiguration()->setChannels(9); });
+    EXPECT_EQ("AUCH1BPS2SR3", kept->getName());
+}
+
+// The other way to fail: the device has written half, and then throws.
+TEST_F(LateAnswerTest, AFailureLeavesTheCallersMemoryAlone) {
+    VideoProxy video(VIDEO_DEVICE, true);
+    script.onCall = [](int, deviceRequest* request) {
+        if (auto* const receive = dynamic_cast<xuRecvRequest*>(request))
+            std::memset(receive->getData(), 2, 1);
+        if (auto* const ranges = dynamic_cast<getCameraControlRangesRequest*>(request))
+            ranges->getRanges().ranges.clear();
+        if (request)
+            throw Plugin::IOPluginException("half way");
+    };
+    std::uint8_t buffer[2] = {1, 1};
+    EXPECT_THROW(video.recv(1, 2, 2, buffer, false), Plugin::IOPluginException);
+    EXPECT_EQ(1, buffer[0]);
+    CameraControlRanges ranges{{{CameraControl_GAIN, {}}}};
+    EXPECT_THROW(video.getCameraControlRanges(ranges), Plugin::IOPluginException);
+    EXPECT_EQ(1U, ranges.ranges.size());
+}
+
+} // namespace
+} // namespace Testing

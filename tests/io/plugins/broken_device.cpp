@@ -1,0 +1,45 @@
+// A plug-in whose factory does not make the device that it should: null, an exception, or another object.
+#include <zentara/core/plugin_exports.h>
+#include <zentara/plugin/plugin_exceptions.h>
+
+#include "io/device_script.h"
+
+namespace {
+
+constexpr GUID identity = Testing::BROKEN_DEVICE;
+
+void report(int change) {
+    if (auto* const script = Testing::DeviceScript::find())
+        script->loaded(change);
+}
+
+struct Presence {
+    Presence() { report(1); }
+    ~Presence() { report(-1); }
+} presence;
+
+class OtherObject : public Zentara::Core::Plugin {
+public:
+    OtherObject() : Plugin(Zentara::Core::ImplType_VIDEO_DEVICE, identity) {
+        Testing::DeviceScript::current().created();
+    }
+    ~OtherObject() override { Testing::DeviceScript::current().destroyed(); }
+};
+
+[[maybe_unused]] Zentara::Core::Plugin* refuse() {
+    throw Zentara::Plugin::IOPluginException("no such hardware");
+}
+
+} // namespace
+
+ZENTARA_PLUGIN_EXPORT GUID getImplGUID() { return identity; }
+ZENTARA_PLUGIN_EXPORT std::int32_t getImplType() { return Zentara::Core::ImplType_VIDEO_DEVICE; }
+ZENTARA_PLUGIN_EXPORT void getPluginVersion(std::int32_t*, std::int32_t*, std::int32_t*) {}
+ZENTARA_PLUGIN_EXPORT void getSDKVersion(std::int32_t* major_, std::int32_t* minor_, std::int32_t* patch_,
+                                         std::int32_t* build_) {
+    *major_ = ZENTARA_SDK_VERSION_MAJOR;
+    *minor_ = ZENTARA_SDK_VERSION_MINOR;
+    *patch_ = ZENTARA_SDK_VERSION_PATCH;
+    *build_ = ZENTARA_SDK_VERSION_BUILD;
+}
+ZENTARA_PLUGIN_EXPORT void* createInstance() { return static_cast<Zentara::Core::Plugin*>(BROKEN_RESULT); }

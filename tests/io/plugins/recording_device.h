@@ -1,0 +1,41 @@
+#pragma once
+
+#include <zentara/io/streaming_requests.h>
+
+#include "io/device_script.h"
+
+namespace Testing {
+
+/// The operations that all devices have, reported to the script.
+template<typename Interface>
+class RecordingDevice : public Interface {
+public:
+    explicit RecordingDevice(GUID guid) : Interface(guid) { script.created(); }
+    ~RecordingDevice() override { script.destroyed(); }
+
+    void dispose() override {
+        Interface::dispose();
+        script.called(4, nullptr);
+    }
+    void initialize(Zentara::NodeEvent* event, Zentara::Core::DescriptorStoreRO* store) override {
+        Interface::initialize(event, store);
+        script.called(5, nullptr);
+    }
+    void threadInitialize() override { script.called(6, nullptr); }
+    void threadUninitialize() override { script.called(7, nullptr); }
+    bool cancelIO() override { return script.cancel(); }
+    Zentara::ReadBufferStatus readBuffer(void*, int size, std::int64_t* timestamp, int* length) override {
+        script.called(9, nullptr);
+        *timestamp = 1234;
+        *length = size;
+        return Zentara::ReadBufferStatus(77);
+    }
+    void open(Zentara::IO::deviceRequest* request) override { script.called(10, request); }
+    void close(Zentara::IO::deviceRequest* request) override { script.called(11, request); }
+    void disableStreaming(Zentara::IO::disableRequest* request) override { script.called(12, request); }
+
+protected:
+    DeviceScript& script = DeviceScript::current();
+};
+
+} // namespace Testing

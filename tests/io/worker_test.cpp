@@ -1,0 +1,395 @@
+#include <chrono>
+#include <optional>
+
+#include <gmock/gmock.h>
+
+#include <zentara/audio_configuration.h>
+#include <zentara/depth_base_configuration.h>
+#include <zentara/io/streaming_requests.h>
+#include <zentara/io/xu_device_requests.h>
+#include <zentara/utils/smart_ptr.h>
+
+#include "io/script.h"
+
+namespace Testing {
+namespace {
+
+using namespace Zentara;
+using namespace Zentara::IO;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using Utils::Threading::Signal;
+
+constexpr bool proxified = true;
+
+/// A request that tells when it has gone.
+class TracedRequest : public deviceRequest {
+public:
+    TracedRequest(RequestType type, Signal& end) : deviceRequest(nullptr, type), gone(end) {}
+
+    void drop() { static_cast<Utils::Refcounted*>(this)->decref(); }
+
+protected:
+    ~TracedRequest() override { gone.set(); }
+
+private:
+    Signal& gone;
+};
+
+/// A request that runs the test's code on the worker: its device's answer to it.
+class WorkerTest : public DeviceTest {
+protected:
+    void SetUp() override {
+        proxy.emplace(VIDEO_DEVICE, proxified);
+        script.takeCalls();
+    }
+    void TearDown() override {
+        script.onCall = [](int, deviceRequest*) {};
+        proxy.reset();
+        DeviceTest::TearDown();
+    }
+
+    /// The device holds up each call of this operation until the gate opens.
+    void hold(int heldSlot, Gate& gate) {
+        script.onCall = [heldSlot, &gate](int slot, deviceRequest*) {
+            if (slot == heldSlot)
+                gate.pass();
+        };
+    }
+
+    /// What an operation ends with: the exception's message, or "done".
+    template<typename Operation>
+    static std::string outcome(Operation operation) {
+        try {
+            operation();
+        } catch (const Plugin::PluginException& failure) {
+            return failure.message();
+        }
+        return "done";
+    }
+
+    std::optional<VideoProxy> proxy;
+    static constexpr int open = 10;
+    static constexpr int close = 11;
+    static constexpr int disable = 12;
+};
+
+// Fresh, handed over, at the worker: 1, 2, 3. After success the creator's reference is the last; after an exception it
+// is left behind, and while the call still runs there is the worker's besides.
+TEST_F(WorkerTest, ReferencesAreCountedExactly) {
+    Worker worker;
+    Signal gone;
+
+    auto* done = new TracedRequest(RequestType(99), gone);
+    worker->processRequest(done, patience);
+    worker.settle();
+    EXPECT_TRUE(done->decrefIfLastRef());
+    EXPECT_TRUE(gone.isSet());
+
+    auto* failed = new TracedRequest(RequestType_OPEN, gone);
+    EXPECT_THROW(worker->processRequest(failed, patience), Plugin::NotSupportedPluginException);
+    worker.settle();
+    EXPECT_TRUE(failed->decrefIfLastRef());
+    EXPECT_TRUE(gone.isSet());
+
+    worker.exit();
+    auto* rejected = new TracedRequest(RequestType_CLOSE, gone);
+    EXPECT_EQ("RequestType_CLOSE: I/O request rejected",
+              outcome([&] { worker->processRequest(rejected, patience); }));
+    EXPECT_TRUE(rejected->decrefIfLastRef());
+    EXPECT_TRUE(gone.isSet());
+    // A second stop request is rejected like any other.
+    EXPECT_THROW(worker.exit(), Plugin::IOPluginException);
+    proxy->dispose();
+}
+
+TEST_F(WorkerTest, ATimedOutCallKeepsTheWorkersReference) {
+    tuning.set(2000, 60000, 10);
+    Gate gate;
+    Signal gone;
+    class HeldRequest : public disableRequest {
+    public:
+        HeldRequest(AVDeviceInterface* device, Signal& end) : disableRequest(device, false), gone(end) {}
+
+    protected:
+        ~HeldRequest() override { gone.set(); }
+
+    private:
+        Signal& gone;
+    };
+    AVDeviceInterface* device = nullptr;
+    script.onCall = [&](int, deviceRequest* request) { device = request->device(); };
+    proxy->open();
+    hold(disable, gate);
+
+    Worker worker;
+    auto* const request = new HeldRequest(device, gone);
+    EXPECT_EQ("processRequest: I/O timeout: RequestType_DISABLE",
+              outcome([&] { worker->processRequest(request, 20); }));
+    gate.awaitArrival();
+    EXPECT_TRUE(request->getCancelled());
+    EXPECT_FALSE(request->decrefIfLastRef());
+    static_cast<Utils::Refcounted*>(request)->decref();
+    gate.open();
+    EXPECT_EQ(0, gone.timedWait(patience));
+}
+
+TEST_F(WorkerTest, TheRealTimeoutIsTwoSeconds) {
+    Gate gate;
+    hold(open, gate);
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ("processRequest: I/O timeout: RequestType_OPEN", outcome([&] { proxy->open(); }));
+    const auto waited = std::chrono::steady_clock::now() - start;
+    EXPECT_GE(waited, std::chrono::milliseconds(1990));
+    EXPECT_LT(waited, std::chrono::seconds(9));
+    gate.open();
+    script.onCall = [](int, deviceRequest*) {};
+    EXPECT_NO_THROW(proxy->open());
+}
+
+TEST_F(WorkerTest, WaitingInTheQueueIsNoTimeout) {
+    tuning.set(30, 60000, 10);
+    Gate gate;
+    hold(open, gate);
+    std::thread slow([&] { EXPECT_NE("done", outcome([&] { proxy->open(); })); });
+    gate.awaitArrival();
+    Signal submitted;
+    std::thread behind([&] {
+        submitted.set();
+        EXPECT_EQ("done", outcome([&] { proxy->close(); }));
+    });
+    ASSERT_EQ(0, submitted.timedWait(patience));
+    // The first caller's time has passed long before the second one's request starts.
+    slow.join();
+    gate.open();
+    behind.join();
+    EXPECT_THAT(script.takeSlots(), ElementsAre(open, close));
+}
+
+TEST_F(WorkerTest, AnAcceptedCancelIsWaitedFor) {
+    tuning.set(20, 60000, 10);
+    Gate gate;
+    std::atomic<bool> ended = false;
+    script.onCall = [&](int, deviceRequest* request) {
+        request->setIOPending(true);
+        gate.pass();
+        ended = true;
+    };
+    script.onCancel = [&] {
+        gate.open();
+        return true;
+    };
+    EXPECT_EQ("processRequest: I/O timeout: RequestType_OPEN", outcome([&] { proxy->open(); }));
+    EXPECT_TRUE(ended);
+}
+
+TEST_F(WorkerTest, ACancelThatIsAcceptedInVainIsNotWaitedForForEver) {
+    tuning.set(20, 200, 10);
+    Gate gate;
+    script.onCall = [&](int, deviceRequest* request) {
+        if (request)
+            request->setIOPending(true);
+        gate.pass();
+    };
+    script.onCancel = [] { return true; };
+    EXPECT_EQ("processRequest: I/O timeout: RequestType_OPEN", outcome([&] { proxy->open(); }));
+    script.onCancel = []() -> bool { throw Plugin::IOPluginException("cancel broke down"); };
+    gate.open();
+    Worker().settle();
+    tuning.set(20, 10000, 10);
+    EXPECT_EQ("processRequest: I/O timeout: RequestType_CLOSE", outcome([&] { proxy->close(); }));
+    gate.open();
+    Worker().settle();
+    tuning.set(2000, 10000, 10);
+}
+
+TEST_F(WorkerTest, ADeviceThatDoesNotReturnHoldsNobodyUp) {
+    tuning.set(50, 300, 10);
+    Gate gate;
+    hold(open, gate);
+    EXPECT_EQ("processRequest: I/O timeout: RequestType_OPEN", outcome([&] { proxy->open(); }));
+    // Never started, and withdrawn: it must not run later either.
+    EXPECT_EQ("processRequest: I/O timeout: RequestType_CLOSE", outcome([&] { proxy->close(); }));
+    // The last release does not wait for ever for it. The proxy's own thread-uninitialise is withdrawn like the rest.
+    proxy.reset();
+    gate.open();
+    tuning.set(2000, 10000, 10);
+    const auto slots = script.takeSlots();
+    EXPECT_THAT(slots, ElementsAre(open, 4));
+    // Another worker has taken its place.
+    VideoProxy next(VIDEO_DEVICE, proxified);
+    EXPECT_NO_THROW(next.close());
+    EXPECT_THAT(script.takeSlots(), ElementsAre(6, close));
+}
+
+// Never opened: the process has to end with a thread inside the device. What the thread uses is never destroyed.
+TEST_F(WorkerTest, TheProcessEndsWithAStuckDevice) {
+    tuning.set(20, 100, 10);
+    auto* const gate = new Gate;
+    static auto* const forEver = gate;
+    hold(open, *forEver);
+    EXPECT_NE("done", outcome([&] { proxy->open(); }));
+    proxy.reset();
+    tuning.set(2000, 10000, 50);
+}
+
+TEST_F(WorkerTest, RequestsBehindTheStopFail) {
+    Worker worker;
+    Gate gate;
+    script.onCall = [&](int, deviceRequest*) {
+        gate.pass();
+        // On its own thread the worker cannot wait for itself to stop, but it will.
+        EXPECT_THROW(worker.exit(), Plugin::InvalidOperationPluginException);
+    };
+    std::thread a([&] { EXPECT_EQ("done", outcome([&] { proxy->open(); })); });
+    gate.awaitArrival();
+    std::thread b(
+        [&] { EXPECT_EQ("RequestType_CLOSE: I/O request rejected", outcome([&] { proxy->close(); })); });
+    std::thread c([&] {
+        EXPECT_EQ("RequestType_DISABLE: I/O request rejected",
+                  outcome([&] { proxy->disableStreaming(true); }));
+    });
+    gate.open();
+    a.join();
+    b.join();
+    c.join();
+    script.onCall = [](int, deviceRequest*) {};
+    // Until now the worker has taken requests only to fail them; the stop request ends that.
+    EXPECT_NO_THROW(worker.exit());
+    EXPECT_EQ("RequestType_CLOSE: I/O request rejected", outcome([&] { proxy->close(); }));
+    EXPECT_THAT(script.takeSlots(), ElementsAre(open));
+}
+
+TEST_F(WorkerTest, ItsOwnThreadCannotSubmit) {
+    Worker worker;
+    std::string inner;
+    script.onCall = [&](int slot, deviceRequest*) {
+        if (slot == open)
+            inner = outcome([&] { proxy->close(); });
+    };
+    proxy->open();
+    EXPECT_THAT(inner, testing::StartsWith("RequestType_CLOSE: "));
+    EXPECT_THAT(script.takeSlots(), ElementsAre(open));
+}
+
+TEST_F(WorkerTest, ItsOwnThreadCanGiveBackTheLastReference) {
+    // The proxy's own reference goes first, so that one is left, which the device gives back.
+    struct Releaser : deviceRequest {
+        explicit Releaser(AVDeviceInterface* device) : deviceRequest(device, RequestType_CLOSE) {}
+    };
+    AVDeviceInterface* device = nullptr;
+    script.onCall = [&](int, deviceRequest* request) { device = request->device(); };
+    proxy->open();
+    auto* const request = new Releaser(device);
+    script.onCall = [](int, deviceRequest*) {};
+    Worker worker;
+    AVDeviceProxyThread* const last = worker.detach();
+    proxy.reset();
+    script.onCall = [&](int slot, deviceRequest*) {
+        if (slot == close)
+            last->release();
+    };
+    EXPECT_EQ("done", outcome([&] { last->processRequest(request, patience); }));
+    static_cast<Utils::Refcounted*>(request)->decref();
+    script.onCall = [](int, deviceRequest*) {};
+    VideoProxy next(VIDEO_DEVICE, proxified);
+    EXPECT_NO_THROW(next.open());
+}
+
+TEST_F(WorkerTest, RequestsThatDoNotFitTheirDeviceFail) {
+    AudioProxy audio(AUDIO_DEVICE, proxified);
+    AVDeviceInterface* video = nullptr;
+    AVDeviceInterface* sound = nullptr;
+    script.onCall = [&](int slot, deviceRequest* request) {
+        (slot == open ? video : sound) = request->device();
+    };
+    proxy->open();
+    audio.close();
+    script.takeCalls();
+    script.onCall = [](int, deviceRequest*) {};
+
+    Worker worker;
+    // False when the request was refused, with the not-supported kind and untouched by the device.
+    const auto accepted = [&](deviceRequest* made) {
+        const auto request = Utils::SmartPtr<deviceRequest>::adopt(made);
+        try {
+            worker->processRequest(made, patience);
+            return true;
+        } catch (const Plugin::NotSupportedPluginException&) {
+            EXPECT_THAT(script.takeSlots(), IsEmpty());
+            return false;
+        }
+    };
+    EXPECT_FALSE(accepted(new deviceRequest(nullptr, RequestType_OPEN)));
+    EXPECT_FALSE(accepted(new deviceRequest(nullptr, RequestType_THREAD_INITIALIZE)));
+    EXPECT_FALSE(accepted(new enableDepthRequest(sound, nullptr)));
+    EXPECT_FALSE(accepted(new enableAudioRequest(video, nullptr, 0, false)));
+    EXPECT_FALSE(accepted(new deviceRequest(video, RequestType_ENABLE_DEPTH)));
+    EXPECT_FALSE(accepted(new xuProxyRequest(video, RequestType_OPEN, 0, 0, 0, nullptr)));
+    EXPECT_FALSE(accepted(new xuProxyRequest(video, RequestType_DISABLE, 0, 0, 0, nullptr)));
+    EXPECT_FALSE(accepted(new xuProxyRequest(video, RequestType_XURECV, 0, 0, 0, nullptr)));
+    EXPECT_TRUE(accepted(new xuProxyRequest(video, RequestType_XUSEND, 0, 0, 0, nullptr)));
+    EXPECT_THAT(script.takeSlots(), ElementsAre(18));
+    // No effect and no failure.
+    EXPECT_TRUE(accepted(new setDeviceRegionOfInterestRequest(video, {})));
+    EXPECT_TRUE(accepted(new setOutputFormatRequest(video, setOutputFormatRequest::OutputFormat_DEPTH)));
+    EXPECT_TRUE(accepted(new deviceRequest(video, RequestType(99))));
+    EXPECT_THAT(script.takeSlots(), IsEmpty());
+}
+
+/// Many threads at once.
+class WorkerRaceTest : public DeviceTest {
+protected:
+    static void inParallel(int threads, const std::function<void()>& body) {
+        std::vector<std::thread> running;
+        for (int i = 0; i < threads; ++i)
+            running.emplace_back(body);
+        for (std::thread& thread : running)
+            thread.join();
+    }
+};
+
+TEST_F(WorkerRaceTest, TheWorkerComesAndGoesUnderLoad) {
+    std::atomic<int> executed = 0;
+    constexpr int threads = 64;
+    constexpr int rounds = 500;
+    inParallel(threads, [&] {
+        for (int round = 0; round < rounds; ++round) {
+            Worker worker;
+            worker.settle();
+            ++executed;
+        }
+    });
+    EXPECT_EQ(threads * rounds, executed);
+}
+
+TEST_F(WorkerRaceTest, ShutdownUnderLoadFailsOrExecutesEachRequest) {
+    for (int round = 0; round < 50; ++round) {
+        Worker worker;
+        std::atomic<int> rejected = 0;
+        Signal running;
+        std::thread stop([&] {
+            running.wait();
+            worker.exit();
+        });
+        inParallel(8, [&] {
+            for (bool accepted = true; accepted;) {
+                auto* const request = new deviceRequest(nullptr, RequestType(99));
+                try {
+                    worker->processRequest(request, patience);
+                } catch (const Plugin::IOPluginException& rejection) {
+                    EXPECT_STREQ("RequestType_UNKNOWN: I/O request rejected", rejection.what());
+                    accepted = false;
+                    ++rejected;
+                }
+                static_cast<Utils::Refcounted*>(request)->decref();
+                running.set();
+            }
+        });
+        stop.join();
+        EXPECT_EQ(8, rejected);
+    }
+}
+
+} // namespace
+} // namespace Testing
