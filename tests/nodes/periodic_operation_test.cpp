@@ -1,0 +1,91 @@
+#include <zentara/core/periodic_operation.h>
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <thread>
+
+#include <zentara/utils/clock.h>
+#include <zentara/utils/smart_ptr.h>
+
+namespace Testing {
+namespace {
+
+using namespace Zentara::Core;
+using Zentara::Utils::makeRefcounted;
+
+TEST(PeriodicOperation, SkipsIntervalsWhileAPollIsPending) {
+    const auto operation = makeRefcounted<TemperaturePeriodicOperation>(0U, 100, true);
+    const struct {
+        std::int64_t time;
+        bool due;
+        const char* why;
+    } polls[] = {
+        {50, false, "the interval has not passed since 0"},
+        {100, false, "not more than the interval"},
+        {150, true, "more than the interval"},
+        {250, false, "not more than the interval since 150"},
+        {260, false, "still pending"},
+    };
+    for (const auto& poll : polls)
+        EXPECT_EQ(operation->timeToPoll(poll.time), poll.due) << poll.time << ": " << poll.why;
+    operation->setDone();
+    EXPECT_FALSE(operation->timeToPoll(355)) << "the pending poll at 260 moved the time on";
+    EXPECT_TRUE(operation->timeToPoll(370));
+}
+
+TEST(PeriodicOperation, DisabledOneIsNeverDue) {
+    const auto operation = makeRefcounted<TemperaturePeriodicOperation>(0U, 100, false);
+    EXPECT_FALSE(operation->timeToPoll(1'000'000));
+    operation->enable(true);
+    EXPECT_TRUE(operation->timeToPoll(1'000'000)) << "the refused poll did not count";
+}
+
+TEST(PeriodicOperation, ReadsTheClockInMicroseconds) {
+    std::int64_t now = 0;
+    Zentara::Utils::Clock::getTime(now);
+    const auto due = makeRefcounted<TemperaturePeriodicOperation>(0U, now - 1, true);
+    EXPECT_TRUE(due->timeToPoll());
+    const auto hourAhead = makeRefcounted<TemperaturePeriodicOperation>(0U, now + 3'600'000'000, true);
+    EXPECT_FALSE(hourAhead->timeToPoll());
+}
+
+TEST(PeriodicOperation, KindsKnowTheirRegisterAndAlwaysSynchronise) {
+    const auto temperature = makeRefcounted<TemperaturePeriodicOperation>(0xABCDU, 1, true);
+    EXPECT_EQ(temperature->getType(), 1);
+    EXPECT_EQ(temperature->getRegAddress(), 0xABCDU);
+    EXPECT_TRUE(temperature->syncToFrame());
+    const auto accelerometer = makeRefcounted<AccelerometerPeriodicOperation>(7U, 1, true);
+    EXPECT_EQ(accelerometer->getType(), 0);
+    EXPECT_EQ(accelerometer->getRegAddress(), 7U);
+    EXPECT_TRUE(accelerometer->syncToFrame());
+}
+
+class PlainOperation final : public PeriodicOperation {
+public:
+    explicit PlainOperation(std::uint32_t sync)
+        : PeriodicOperation(PeriodicOperationType_ACCELEROMETER, 1, true, sync) {}
+};
+
+TEST(PeriodicOperation, OnlyBitZeroOfTheSynchronisationCounts) {
+    EXPECT_FALSE(makeRefcounted<PlainOperation>(0xFFFFFFFEU)->syncToFrame());
+    EXPECT_TRUE(makeRefcounted<PlainOperation>(3U)->syncToFrame());
+}
+
+TEST(PeriodicOperation, LockKeepsAnotherThreadOut) {
+    const auto operation = makeRefcounted<TemperaturePeriodicOperation>(0U, 1, true);
+    int steps = 0;
+    operation->lock();
+    std::thread other([&] {
+        operation->lock();
+        EXPECT_EQ(steps, 1000);
+        operation->unlock();
+    });
+    for (int i = 0; i < 1000; ++i)
+        ++steps; // a data race if the lock does not hold
+    operation->unlock();
+    other.join();
+}
+
+} // namespace
+} // namespace Testing
