@@ -1,11 +1,14 @@
 #include <zentara/utils/thread.h>
 
+#include <zentara/utils/format.h>
+#include <zentara/utils/kv_logger.h>
 #include <zentara/utils/mutex.h>
 #include <zentara/utils/runnable.h>
 #include <zentara/utils/signal.h>
 #include <zentara/utils/thread_base.h>
 
 #include <atomic>
+#include <exception>
 #include <string>
 
 namespace Zentara::Utils::Threading {
@@ -28,6 +31,22 @@ struct Thread::Run {
     void work() {
         if (runnable)
             runnable->run(argument);
+    }
+    /// An exception has nowhere to go from here: it is logged, and the thread ends as if run() had returned.
+    void workAndReport() noexcept {
+        try {
+            work();
+        } catch (const std::exception& failure) {
+            report(failure.what());
+        } catch (...) {
+            report("unknown exception");
+        }
+    }
+    void report(const char* reason) const {
+        if (KVLogger* log = KVLogger::instance()) {
+            log->error(Format("thread '%' ended by an exception: %") % name % reason);
+            KVLogger::release();
+        }
     }
     void leave() {
         if (runnable)
@@ -120,11 +139,7 @@ void Thread::execute(void* argument) {
     Run& run = **holder;
     ThreadBase::setDebuggerThreadName(run.name.c_str());
     run.enter();
-    try {
-        run.work();
-    } catch (...) {
-        // An exception has nowhere to go from here; the thread ends as if run() had returned.
-    }
+    run.workAndReport();
     run.leave();
 }
 

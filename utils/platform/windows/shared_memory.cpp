@@ -1,6 +1,6 @@
 #include "utils/platform/shared_memory.h"
 
-#include "utils/platform/windows/object_name.h"
+#include "utils/platform/text_encoding.h"
 #include "utils/platform/windows/system.h"
 
 #include <new>
@@ -46,7 +46,7 @@ SharedMapping* SharedMapping::create(const std::string& name, std::size_t size, 
     if (!isUsable(name, size))
         return nullptr;
     std::unique_ptr<WindowsMapping> mapping(new (std::nothrow) WindowsMapping());
-    return mapping && mapping->open(objectName(name), size, writable) ? mapping.release() : nullptr;
+    return mapping && mapping->open(utf8ToWideOrWidened(name), size, writable) ? mapping.release() : nullptr;
 }
 
 void SharedMapping::destroy(SharedMapping* mapping) noexcept { delete static_cast<WindowsMapping*>(mapping); }

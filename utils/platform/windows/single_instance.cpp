@@ -1,6 +1,6 @@
 #include "utils/platform/single_instance.h"
 
-#include "utils/platform/windows/object_name.h"
+#include "utils/platform/text_encoding.h"
 #include "utils/platform/windows/system.h"
 
 #include <new>
@@ -20,7 +20,7 @@ struct WindowsInstance final : SingleInstance {
 
 SingleInstance* SingleInstance::create(const char* name, bool& existed) noexcept {
     existed = false;
-    const HANDLE handle = *name ? CreateMutexW(nullptr, FALSE, objectName(name).c_str()) : nullptr;
+    const HANDLE handle = *name ? CreateMutexW(nullptr, FALSE, utf8ToWideOrWidened(name).c_str()) : nullptr;
     if (!handle)
         return nullptr;
     existed = GetLastError() == ERROR_ALREADY_EXISTS;
