@@ -80,6 +80,12 @@ public:
         }
     }
 
+    /// A wide character would print as its number.
+    Format& operator%(wchar_t) = delete;
+    Format& operator%(char8_t) = delete;
+    Format& operator%(char16_t) = delete;
+    Format& operator%(char32_t) = delete;
+
     /// The finished text.
     /// \throws UFormatException "not enough format arguments" when a placeholder is unfilled.
     operator std::string();
