@@ -1,7 +1,8 @@
 #include <zentara/utils/format.h>
 
 #include <charconv>
-#include <optional>
+#include <cstddef>
+#include <memory_resource>
 #include <streambuf>
 #include <string_view>
 #include <vector>
@@ -16,7 +17,9 @@ namespace Zentara::Utils {
 namespace {
 
 constexpr std::size_t usualSegments = 8;
-constexpr std::size_t usualValues = 80;
+constexpr std::size_t usualValues = 96;
+/// Room inside the object for the usual message, so that it needs no further memory.
+constexpr std::size_t inlineBytes = 512;
 
 /// One literal run or one placeholder of a format string.
 struct Segment {
@@ -30,7 +33,7 @@ struct Segment {
 /// Appends what a stream writes to a text.
 class TextSink final : public std::streambuf {
 public:
-    explicit TextSink(std::string& target) : text(target) {}
+    explicit TextSink(std::pmr::string& target) : text(target) {}
 
 protected:
     int_type overflow(int_type character) override {
@@ -44,13 +47,13 @@ protected:
     }
 
 private:
-    std::string& text;
+    std::pmr::string& text;
 };
 
 /// A stream that writes to a text, alike under every global locale.
 class TextStream {
 public:
-    explicit TextStream(std::string& target) : sink(target), stream(&sink) {
+    explicit TextStream(std::pmr::string& target) : sink(target), stream(&sink) {
         stream.imbue(std::locale::classic());
         stream.setf(std::ios::boolalpha);
     }
@@ -133,8 +136,8 @@ Segment parseBracedItem(std::string_view item) {
 }
 
 /// The views in the result point into `format`.
-std::vector<Segment> parse(std::string_view format) {
-    std::vector<Segment> segments;
+std::pmr::vector<Segment> parse(std::string_view format, std::pmr::memory_resource& memory) {
+    std::pmr::vector<Segment> segments(&memory);
     segments.reserve(usualSegments);
     for (std::size_t position = 0; position < format.size();) {
         const std::size_t percent = format.find('%', position);
@@ -186,7 +189,8 @@ std::string_view digitsOf(Integer value, char code, char (&buffer)[24]) noexcept
 /// Until a value needs a real stream, texts and numbers are appended directly, to the same effect and much
 /// faster. From then on everything goes through the stream, for a value may have left its marks on it.
 struct Format::Impl {
-    explicit Impl(std::string text) : format(std::move(text)), segments(parse(format)) {
+    explicit Impl(std::string text)
+        : format(std::move(text)), segments(parse(format, memory)), output(&memory) {
         output.reserve(format.size() + usualValues);
     }
 
@@ -247,11 +251,13 @@ struct Format::Impl {
         output.append(text);
     }
 
+    std::byte storage[inlineBytes];
+    std::pmr::monotonic_buffer_resource memory{storage, sizeof storage};
     const std::string format;
-    const std::vector<Segment> segments;
+    const std::pmr::vector<Segment> segments;
     std::size_t position = 0; ///< the next segment to emit
-    std::string output;
-    std::optional<TextStream> streaming;
+    std::pmr::string output;
+    std::unique_ptr<TextStream> streaming;
 };
 
 Format::Format(std::string format) : impl(std::make_unique<Impl>(std::move(format))) {}
@@ -305,7 +311,7 @@ Format::operator std::string() {
     if (impl->streaming)
         impl->streaming->stream.clear();
     // The output stays, so a second conversion begins with the text of the first.
-    return impl->output;
+    return std::string(impl->output);
 }
 
 Format& Format::insertText(const char* text) {
@@ -338,7 +344,7 @@ Format& Format::insertNumber(double value) {
 std::ostream& Format::nextValueStream() {
     impl->moveToNextFormatItem();
     if (!impl->streaming)
-        impl->streaming.emplace(impl->output);
+        impl->streaming = std::make_unique<TextStream>(impl->output);
     return impl->streaming->stream;
 }
 

@@ -1,0 +1,178 @@
+#include <zentara/utils/binary_reader.h>
+#include <zentara/utils/binary_writer.h>
+#include <zentara/utils/byte_array.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include <zentara/utils/exceptions.h>
+
+namespace Zentara::Utils {
+namespace {
+
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::IsEmpty;
+
+std::vector<int> bytesOf(const BinaryWriter& writer) {
+    const ByteArray bytes = writer.toByteArray();
+    return std::vector<int>(bytes.data(), bytes.data() + bytes.size());
+}
+
+template<typename T>
+std::vector<int> encoded(const T& value) {
+    BinaryWriter writer;
+    writer.write(value);
+    return bytesOf(writer);
+}
+
+template<std::size_t size>
+BinaryReader readerOf(const unsigned char (&bytes)[size]) {
+    return BinaryReader(bytes, size);
+}
+
+TEST(BinaryWriter, EncodesLittleEndianWithoutPadding) {
+    EXPECT_THAT(encoded<signed char>(-2), ElementsAre(0xFE));
+    EXPECT_THAT(encoded<unsigned char>(0xFE), ElementsAre(0xFE));
+    EXPECT_THAT(encoded(true), ElementsAre(1));
+    EXPECT_THAT(encoded<short>(-2), ElementsAre(0xFE, 0xFF));
+    EXPECT_THAT(encoded<unsigned short>(0x1234), ElementsAre(0x34, 0x12));
+    EXPECT_THAT(encoded(0x12345678), ElementsAre(0x78, 0x56, 0x34, 0x12));
+    EXPECT_THAT(encoded<unsigned>(0x89ABCDEF), ElementsAre(0xEF, 0xCD, 0xAB, 0x89));
+    EXPECT_THAT(encoded<std::int64_t>(-2), ElementsAre(0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF));
+    EXPECT_THAT(encoded(0x0102030405060708ULL), ElementsAre(8, 7, 6, 5, 4, 3, 2, 1));
+    EXPECT_THAT(encoded(1.0f), ElementsAre(0, 0, 0x80, 0x3F));
+    EXPECT_THAT(encoded("ab"), ElementsAre(2, 0, 0, 0, 'a', 'b'));
+    EXPECT_THAT(encoded(std::string("a\0", 2)), ElementsAre(2, 0, 0, 0, 'a', 0));
+    EXPECT_THAT(encoded(static_cast<const char*>(nullptr)), ElementsAre(0, 0, 0, 0));
+    EXPECT_THAT(encoded(std::vector<bool>{true, false}), ElementsAre(2, 0, 0, 0, 1, 0));
+    EXPECT_THAT(encoded(std::vector<short>{1, 2}), ElementsAre(2, 0, 0, 0, 1, 0, 2, 0));
+    EXPECT_THAT(encoded(std::vector<const char*>{"a", "b"}),
+                ElementsAre(2, 0, 0, 0, 1, 0, 0, 0, 'a', 1, 0, 0, 0, 'b'));
+    EXPECT_EQ(encoded(std::vector<const char*>{"a", "b"}), encoded(std::vector<std::string>{"a", "b"}));
+}
+
+TEST(BinaryWriter, AppendsRawBytesAndHandsOutCopies) {
+    BinaryWriter writer;
+    int size = -1;
+    const std::unique_ptr<unsigned char[]> empty(writer.toBuffer(&size));
+    EXPECT_EQ(size, 0);
+    EXPECT_NE(empty, nullptr);
+
+    const unsigned char raw[] = {9, 8, 7};
+    writer.write(raw, 3);
+    writer.write(raw, 0);
+    writer.write(raw, -1);
+    const std::unique_ptr<unsigned char[]> buffer(writer.toBuffer(&size));
+    EXPECT_EQ(size, 3);
+    buffer[0] = 1;
+    EXPECT_THAT(bytesOf(writer), ElementsAre(9, 8, 7));
+}
+
+TEST(BinaryReader, ReadsBackWhatWasWritten) {
+    BinaryWriter writer;
+    writer.write(std::vector<signed char>{-1, 2});
+    writer.write(std::vector<unsigned char>{255});
+    writer.write(std::vector<bool>{true, false});
+    writer.write(std::vector<short>{-3});
+    writer.write(std::vector<unsigned short>{65535});
+    writer.write(std::vector<int>{-4});
+    writer.write(std::vector<unsigned int>{4000000000u});
+    writer.write(std::vector<std::int64_t>{-5});
+    writer.write(std::vector<std::uint64_t>{~0ull});
+    writer.write(std::vector<float>{0.5f, -2.0f});
+    writer.write(std::vector<std::string>{"", "text"});
+    const ByteArray bytes = writer.toByteArray();
+    BinaryReader reader(bytes.data(), bytes.size());
+    EXPECT_THAT(reader.readBytes(), ElementsAre(-1, 2));
+    EXPECT_THAT(reader.readUBytes(), ElementsAre(255));
+    EXPECT_THAT(reader.readBools(), ElementsAre(true, false));
+    EXPECT_THAT(reader.readShorts(), ElementsAre(-3));
+    EXPECT_THAT(reader.readUShorts(), ElementsAre(65535));
+    EXPECT_THAT(reader.readInts(), ElementsAre(-4));
+    EXPECT_THAT(reader.readUInts(), ElementsAre(4000000000u));
+    EXPECT_THAT(reader.readLongs(), ElementsAre(-5));
+    EXPECT_THAT(reader.readULongs(), ElementsAre(~0ull));
+    EXPECT_THAT(reader.readFloats(), ElementsAre(0.5f, -2.0f));
+    EXPECT_THAT(reader.readStrings(), ElementsAre("", "text"));
+    EXPECT_THROW(reader.readUByte(), UIOException);
+}
+
+TEST(BinaryReader, ReadsSingleValuesAndTakesAnyByteForTrue) {
+    const unsigned char bytes[] = {0xFF, 0xFF, 2, 0xFF, 0xFF, 0xFE, 0xFF, 1, 0, 0, 0x80, 1, 0, 0, 0x80};
+    BinaryReader reader = readerOf(bytes);
+    EXPECT_EQ(reader.readByte(), -1);
+    EXPECT_EQ(reader.readUByte(), 255);
+    EXPECT_TRUE(reader.readBool());
+    EXPECT_EQ(reader.readShort(), -1);
+    EXPECT_EQ(reader.readUShort(), 0xFFFE);
+    EXPECT_EQ(reader.readInt(), static_cast<int>(0x80000001));
+    EXPECT_EQ(reader.readUInt(), 0x80000001u);
+}
+
+TEST(BinaryReader, StaysWhereItIsWhenBytesAreMissing) {
+    const unsigned char bytes[] = {1, 2, 3};
+    BinaryReader reader = readerOf(bytes);
+    const BinaryReader copy = reader;
+    try {
+        reader.readInt();
+        FAIL() << "4 bytes of 3 were read";
+    } catch (const UIOException& failure) {
+        EXPECT_EQ(failure.message(), "unexpected end of stream");
+    }
+    unsigned char target[3] = {};
+    EXPECT_THROW(reader.read(target, -1), UIOException);
+    reader.read(target, 3);
+    EXPECT_THAT(target, ElementsAre(1, 2, 3));
+    EXPECT_EQ(BinaryReader(copy).readShort(), 0x0201);
+    EXPECT_THROW(BinaryReader(nullptr, 4).readUByte(), UIOException);
+    EXPECT_THROW(BinaryReader(bytes, -4).readUByte(), UIOException);
+}
+
+TEST(BinaryReader, TakesHostileLengthsForWhatTheyAre) {
+    const unsigned char negative[] = {0xFB, 0xFF, 0xFF, 0xFF, 7};
+    EXPECT_THROW(readerOf(negative).readString(), UIOException);
+    BinaryReader reader = readerOf(negative);
+    EXPECT_THAT(reader.readInts(), IsEmpty());
+    EXPECT_EQ(reader.readUByte(), 7);
+
+    const unsigned char huge[] = {0xFF, 0xFF, 0xFF, 0x7F, 1, 2, 3, 4};
+    EXPECT_THROW(readerOf(huge).readString(), UIOException);
+    EXPECT_THROW(readerOf(huge).readULongs(), UIOException);
+    EXPECT_THROW(readerOf(huge).readStrings(), UIOException);
+
+    const unsigned char empty[] = {0, 0, 0, 0};
+    EXPECT_EQ(readerOf(empty).readString(), "");
+}
+
+TEST(ByteArray, SharesItsBytesBetweenCopies) {
+    ByteArray first(new unsigned char[2]{5, 6}, 2);
+    ByteArray second = first;
+    ByteArray third;
+    EXPECT_EQ(third.data(), nullptr);
+    EXPECT_EQ(third.size(), 0);
+    third = second;
+    EXPECT_EQ(third.data(), first.data());
+    first = ByteArray();
+    second = ByteArray();
+    EXPECT_THAT(std::vector<int>(third.data(), third.data() + third.size()), ElementsAre(5, 6));
+}
+
+// Releasing comes first, also when the array is assigned to itself.
+TEST(ByteArray, LosesItsBytesWhenTheLastHolderIsAssignedToItself) {
+    ByteArray alone(new unsigned char[1]{1}, 1);
+    const ByteArray& same = alone;
+    ByteArray copy = alone;
+    alone = same;
+    EXPECT_EQ(alone.size(), 1);
+    copy = ByteArray();
+    alone = same;
+    EXPECT_EQ(alone.size(), 0);
+    EXPECT_EQ(alone.data(), nullptr);
+}
+
+} // namespace
+} // namespace Zentara::Utils

@@ -1,0 +1,79 @@
+#include <zentara/utils/environment_variable.h>
+
+#include <string>
+
+#include <gmock/gmock.h>
+
+#include <zentara/utils/cfgmgr32_proxy.h>
+#include <zentara/utils/exceptions.h>
+
+namespace Zentara::Utils {
+namespace {
+
+class EnvironmentVariableTest : public testing::Test {
+protected:
+    static constexpr const char* name = "ZENTARA_TEST_VARIABLE";
+
+    EnvironmentVariableTest() { variable.setValue(nullptr); }
+    ~EnvironmentVariableTest() override { variable.setValue(nullptr); }
+
+    EnvironmentVariable variable{name};
+};
+
+TEST_F(EnvironmentVariableTest, CachesItsValueUntilUpdated) {
+    EXPECT_EQ(variable.getValue(), nullptr);
+    EXPECT_FALSE(variable.isDefined());
+    EnvironmentVariable(name).setValue("\xC3\xBC"
+                                       "ber");
+    EXPECT_EQ(variable.getValue(), nullptr);
+    variable.update();
+    EXPECT_STREQ(variable.getValue(), "\xC3\xBC"
+                                      "ber");
+    EXPECT_TRUE(variable.isDefined());
+    variable.setValue(-12);
+    EXPECT_STREQ(variable.getValue(), "-12");
+    EXPECT_EQ(EnvironmentVariable(name).getIntValue(), -12);
+}
+
+TEST_F(EnvironmentVariableTest, IsRemovedByAnEmptyValue) {
+    for (const char* empty : {"", static_cast<const char*>(nullptr)}) {
+        variable.setValue("set");
+        variable.setValue(empty);
+        EXPECT_EQ(variable.getValue(), nullptr);
+        EXPECT_EQ(EnvironmentVariable(name).getValue(), nullptr);
+    }
+}
+
+TEST_F(EnvironmentVariableTest, ReadsNumbersOfEveryBase) {
+    const struct {
+        const char* value;
+        int number;
+    } rows[] = {{"0x10", 16}, {"010", 8}, {" 10", 10}, {"-3", -3}, {"0xFFFFFFFF", -1}, {"4294967297", 1}};
+    for (const auto& row : rows) {
+        variable.setValue(row.value);
+        EXPECT_EQ(variable.getIntValue(), row.number) << row.value;
+    }
+}
+
+TEST_F(EnvironmentVariableTest, RefusesWhatIsNoNumber) {
+    EXPECT_THROW(variable.getIntValue(), EnvironmentVariable::ConversionException);
+    for (const char* value : {"12abc", "abc", "1 ", " ", "0x", "08"}) {
+        variable.setValue(value);
+        EXPECT_THROW(variable.getIntValue(), EnvironmentVariable::ConversionException) << value;
+        EXPECT_EQ(variable.getIntValue(5), 5) << value;
+    }
+}
+
+TEST_F(EnvironmentVariableTest, RefusesNamesThatTheSystemCannotHold) {
+    for (const std::string& bad : {std::string(), std::string("A=B"), std::string("A\0B", 3)}) {
+        EnvironmentVariable refused(bad);
+        EXPECT_THROW(refused.setValue("x"), USystemException) << bad;
+    }
+}
+
+TEST(CFGMGR32Proxy, RegistersNothingForNobody) {
+    EXPECT_EQ(CFGMGR32Proxy::RegisterDeviceNotificationW(nullptr, nullptr, 0), nullptr);
+}
+
+} // namespace
+} // namespace Zentara::Utils

@@ -1,0 +1,82 @@
+#include <zentara/utils/exceptions.h>
+
+#include <string>
+#include <type_traits>
+
+#include <gmock/gmock.h>
+
+#include <zentara/utils/dynamic_library.h>
+#include <zentara/utils/files.h>
+
+namespace Zentara::Utils {
+namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+class Unnamed : public UException {};
+
+template<typename Exception>
+std::string caughtAsRoot(const Exception& thrown) {
+    try {
+        throw thrown;
+    } catch (const UException& caught) {
+        EXPECT_STREQ(caught.what(), static_cast<const std::exception&>(thrown).what());
+        return caught.message();
+    }
+}
+
+TEST(UException, IsTheRootOfEveryKind) {
+    EXPECT_EQ(caughtAsRoot(USystemException("a")), "a");
+    EXPECT_EQ(caughtAsRoot(UIOException("b")), "b");
+    EXPECT_EQ(caughtAsRoot(UInvalidOperationException("c")), "c");
+    EXPECT_EQ(caughtAsRoot(UFormatException("d")), "d");
+    EXPECT_EQ(caughtAsRoot(UNullMessageException()), "NULL message received");
+    EXPECT_EQ(caughtAsRoot(Unnamed()), "");
+    static_assert(!std::is_default_constructible_v<UException> &&
+                  std::is_base_of_v<std::exception, UException>);
+}
+
+TEST(UException, CopiesItsMessage) {
+    UIOException target("old");
+    target = UIOException("a message that is too long for a small buffer");
+    const UIOException copy = target;
+    EXPECT_EQ(copy.message(), "a message that is too long for a small buffer");
+    EXPECT_STREQ(target.what(), copy.what());
+}
+
+TEST(ErrorText, NumbersAKnownError) {
+    const std::string text = formatError(2, "cannot open");
+    EXPECT_THAT(text, StartsWith("cannot open (error 0x2: "));
+    EXPECT_THAT(text, EndsWith(")"));
+    EXPECT_GT(text.size(), std::string("cannot open (error 0x2: )").size());
+    EXPECT_THAT(text, Not(HasSubstr("\n")));
+    EXPECT_EQ(USystemException(2, "cannot open").message(), text);
+}
+
+TEST(ErrorText, PrintsAnUnknownErrorInThirtyTwoBits) {
+    EXPECT_EQ(formatError(0x3FFFFFF7, "x"), "x (error 0x3ffffff7)");
+    EXPECT_EQ(formatError(-9, "x"), "x (error 0xfffffff7)");
+}
+
+TEST(ErrorText, TellsTheLastFailureOfThisThread) {
+    EXPECT_THROW(readFile("no/such/directory/at-all"), UIOException);
+    const std::string failed = formatLastError("cannot open device");
+    EXPECT_THAT(failed, StartsWith("cannot open device ("));
+    EXPECT_THAT(failed, Not(HasSubstr("\n")));
+    EXPECT_THAT(formatLastWSAError("cannot connect"), StartsWith("cannot connect ("));
+}
+
+TEST(ErrorText, TellsWhyALibraryWasRefusedUntilTheNextFailure) {
+    EXPECT_EQ(loadSharedLibrary("no-such-library-7313.dll", 2), nullptr);
+    const std::string refused = getLastError();
+    EXPECT_FALSE(refused.empty());
+    EXPECT_EQ(getLastError(), refused);
+    EXPECT_THROW(writeFile("no/such/directory/at-all", ""), UIOException);
+    EXPECT_NE(getLastError(), refused);
+}
+
+} // namespace
+} // namespace Zentara::Utils

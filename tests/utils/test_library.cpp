@@ -1,0 +1,3 @@
+#include <zentara/export.h>
+
+ZENTARA_PLUGIN_EXPORT int answer() { return 42; }
