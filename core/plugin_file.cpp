@@ -1,8 +1,12 @@
 #include "core/plugin_file.h"
 
+#include <cstdint>
+
 #include <zentara/utils/dynamic_library.h>
 #include <zentara/utils/exceptions.h>
+#include <zentara/utils/format.h>
 
+#include "utils/platform/error_text.h"
 #include "utils/platform/library_file.h"
 
 namespace Zentara::Core {
@@ -18,8 +22,13 @@ void* openPluginFile(const std::string& path, std::string& problem) {
     if (Utils::Platform::isDamagedLibrary(path, problem))
         return nullptr;
     void* library = Utils::loadSharedLibrary(path, loadMode);
-    if (!library)
+    if (!library) {
+        const std::uint32_t number = Utils::Platform::lastError();
         problem = Utils::getLastError();
+        // Some texts of the system are made for the name of a program and do not come without one.
+        if (problem.empty())
+            problem = Utils::Format("system error %") % number;
+    }
     return library;
 }
 

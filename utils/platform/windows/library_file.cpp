@@ -1,10 +1,129 @@
 #include "utils/platform/library_file.h"
 
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <vector>
+
 #include "utils/platform/files.h"
 #include "utils/platform/text_encoding.h"
 #include "utils/platform/windows/system.h"
 
 namespace Zentara::Utils::Platform {
+
+namespace {
+
+/// A file under positional, bounded reads.
+class LibraryFile {
+public:
+    explicit LibraryFile(const std::string& path) : file(openFile(path, FileMode::ReadBinary)) {
+        if (file && std::fseek(file, 0, SEEK_END) == 0)
+            length = static_cast<std::uint64_t>(std::max(0L, std::ftell(file)));
+    }
+    ~LibraryFile() {
+        if (file)
+            std::fclose(file);
+    }
+    LibraryFile(const LibraryFile&) = delete;
+    LibraryFile& operator=(const LibraryFile&) = delete;
+
+    [[nodiscard]] std::uint64_t size() const noexcept { return length; }
+
+    [[nodiscard]] bool holds(std::uint64_t offset, std::uint64_t count) const noexcept {
+        return offset <= length && count <= length - offset;
+    }
+
+    bool read(std::uint64_t offset, void* data, std::size_t count) const noexcept {
+        return holds(offset, count) && std::fseek(file, static_cast<long>(offset), SEEK_SET) == 0 &&
+               std::fread(data, 1, count, file) == count;
+    }
+
+private:
+    std::FILE* file;
+    std::uint64_t length = 0;
+};
+
+constexpr std::uint32_t pageSize = 0x1000;
+constexpr std::uint32_t allocationGranularity = 0x10000;
+
+constexpr const char* cutShort = "the file is cut short";
+
+/// The headers of a library, compared with the file and with the size of the image that they announce. The
+/// numbers have 32 bits, sums are made in 64.
+class Image {
+public:
+    Image(const LibraryFile& libraryFile, const IMAGE_NT_HEADERS64& headers,
+          std::vector<IMAGE_SECTION_HEADER> sectionHeaders)
+        : file(libraryFile), optional(headers.OptionalHeader), sections(std::move(sectionHeaders)) {}
+
+    /// The first fault in words; empty when there is none.
+    [[nodiscard]] std::string findDamage() const {
+        if (!file.holds(0, optional.SizeOfHeaders))
+            return cutShort;
+        if (optional.ImageBase % allocationGranularity != 0 || optional.SectionAlignment % pageSize != 0 ||
+            optional.SizeOfImage == 0)
+            return "the image is not aligned";
+        std::uint64_t mappedUntil = optional.SizeOfHeaders;
+        for (const IMAGE_SECTION_HEADER& section : sections) {
+            if (!file.holds(section.PointerToRawData, section.SizeOfRawData))
+                return cutShort;
+            if (section.VirtualAddress < mappedUntil ||
+                !isInImage(section.VirtualAddress, section.Misc.VirtualSize))
+                return "the sections overlap or lie outside of the image";
+            mappedUntil = std::uint64_t{section.VirtualAddress} + section.Misc.VirtualSize;
+        }
+        return findDirectoryDamage();
+    }
+
+private:
+    [[nodiscard]] bool isInImage(std::uint64_t address, std::uint64_t count) const noexcept {
+        return address + count <= optional.SizeOfImage;
+    }
+
+    [[nodiscard]] std::string findDirectoryDamage() const {
+        if (optional.NumberOfRvaAndSizes > IMAGE_NUMBEROF_DIRECTORY_ENTRIES)
+            return "there are too many directories";
+        for (DWORD index = 0; index < optional.NumberOfRvaAndSizes; ++index) {
+            const IMAGE_DATA_DIRECTORY& directory = optional.DataDirectory[index];
+            // The signature is the one that is not mapped.
+            if (index != IMAGE_DIRECTORY_ENTRY_SECURITY &&
+                !isInSection(directory.VirtualAddress, directory.Size))
+                return "directory " + std::to_string(index) + " lies outside of the sections";
+        }
+        return isInSection(optional.AddressOfEntryPoint, 1) ? std::string()
+                                                            : "the entry point lies outside of the sections";
+    }
+
+    /// An address of 0 means that there is none.
+    [[nodiscard]] bool isInSection(std::uint64_t address, std::uint64_t count) const {
+        return address == 0 || std::any_of(sections.begin(), sections.end(), [&](const auto& section) {
+                   return address >= section.VirtualAddress &&
+                          address + count <= std::uint64_t{section.VirtualAddress} + section.Misc.VirtualSize;
+               });
+    }
+
+    const LibraryFile& file;
+    const IMAGE_OPTIONAL_HEADER64 optional;
+    const std::vector<IMAGE_SECTION_HEADER> sections;
+};
+
+std::string findDamage(const LibraryFile& file, std::uint64_t start) {
+    IMAGE_NT_HEADERS64 headers;
+    if (!file.read(start, &headers, sizeof headers))
+        return cutShort;
+    // Libraries of other machines have other headers; the loader tells.
+    if (headers.Signature != IMAGE_NT_SIGNATURE || headers.FileHeader.Machine != IMAGE_FILE_MACHINE_AMD64)
+        return std::string();
+    if (headers.OptionalHeader.Magic != IMAGE_NT_OPTIONAL_HDR64_MAGIC ||
+        headers.FileHeader.SizeOfOptionalHeader != sizeof headers.OptionalHeader)
+        return "the headers have an unknown form";
+    std::vector<IMAGE_SECTION_HEADER> sections(headers.FileHeader.NumberOfSections);
+    if (!file.read(start + sizeof headers, sections.data(), sections.size() * sizeof(IMAGE_SECTION_HEADER)))
+        return cutShort;
+    return Image(file, headers, std::move(sections)).findDamage();
+}
+
+} // namespace
 
 const char* libraryExtension() noexcept { return "dll"; }
 
@@ -12,7 +131,16 @@ bool isLibraryLoaded(const std::string& path) {
     return GetModuleHandleW(utf8ToWideOrWidened(nativeSeparators(path)).c_str()) != nullptr;
 }
 
-/// The system's loader compares each section with the file before it maps it.
-bool isDamagedLibrary(const std::string&, std::string&) { return false; }
+bool isDamagedLibrary(const std::string& path, std::string& problem) {
+    const LibraryFile file(path);
+    IMAGE_DOS_HEADER header;
+    if (!file.read(0, &header, sizeof header) || header.e_magic != IMAGE_DOS_SIGNATURE)
+        return false;
+    const std::string damage = findDamage(file, static_cast<std::uint32_t>(header.e_lfanew));
+    if (damage.empty())
+        return false;
+    problem = damage;
+    return true;
+}
 
 } // namespace Zentara::Utils::Platform

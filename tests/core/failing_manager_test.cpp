@@ -1,0 +1,79 @@
+#include <zentara/core/plugin_manager.h>
+
+#include <gtest/gtest.h>
+
+#include <zentara/plugin/plugin_exceptions.h>
+
+#include "core/failing_root.h"
+#include "core/test_root.h"
+
+using namespace Zentara::Core;
+using Zentara::Plugin::InitializationPluginException;
+
+namespace {
+
+void expectNoRoot() {
+    const FailingRoot failing;
+    try {
+        PluginManager::instance();
+        FAIL() << "the root was read";
+    } catch (const InitializationPluginException& failure) {
+        EXPECT_EQ("couldn't get bin directory", failure.message());
+    }
+}
+
+// A failed start leaves its reference counted: until it is given back nothing is scanned, and what was there
+// before is returned.
+TEST(FailingManager, AfterAGoodOneAndThenAgain) {
+    const TestRoot root("failing");
+    root.add("good");
+    PluginManager* const good = PluginManager::instance();
+    EXPECT_EQ(1u, good->getGUIDs(ImplType_VIDEO_DEVICE).size());
+    good->release();
+
+    expectNoRoot();
+
+    PluginManager* const ended = PluginManager::instance();
+    EXPECT_EQ(good, ended);
+    EXPECT_TRUE(ended->getGUIDs(ImplType_VIDEO_DEVICE).empty());
+    EXPECT_THROW((void)ended->createInstance(fixtureGuid(1), ImplType_VIDEO_DEVICE),
+                 InitializationPluginException);
+    ended->release();
+    ended->release();
+
+    ManagerHold again;
+    EXPECT_EQ(1u, again->getGUIDs(ImplType_VIDEO_DEVICE).size());
+    auto object = again.create(fixtureGuid(1));
+    again.release();
+}
+
+/// An object of the host's own, which tells when it goes.
+class Lonely : public Plugin {
+public:
+    explicit Lonely(bool& flag) : Plugin(ImplType_VIDEO_DEVICE, fixtureGuid(1)), destroyed(flag) {}
+    ~Lonely() override { destroyed = true; }
+    using Plugin::getSharedLibrary;
+
+private:
+    bool& destroyed;
+};
+
+// The only test of a process that has never had a manager.
+TEST(NullManager, ObjectsCountThemselvesOnly) {
+    const TestRoot root("null");
+    root.add("good");
+    expectNoRoot();
+
+    EXPECT_EQ(nullptr, PluginManager::instance());
+    bool destroyed = false;
+    auto object = Zentara::Utils::makeRefcounted<Lonely>(destroyed);
+    auto copy = object;
+    EXPECT_EQ(nullptr, object->getSharedLibrary());
+    object.reset();
+    EXPECT_FALSE(destroyed);
+    copy.reset();
+    EXPECT_TRUE(destroyed);
+    EXPECT_EQ(nullptr, PluginManager::instance());
+}
+
+} // namespace

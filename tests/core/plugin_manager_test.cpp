@@ -1,0 +1,225 @@
+#include <zentara/core/plugin_manager.h>
+
+#include <exception>
+
+#include <gmock/gmock.h>
+
+#include <zentara/core/shared_library.h>
+#include <zentara/plugin/plugin_exceptions.h>
+
+#include "core/test_root.h"
+#include "utils/platform/library_file.h"
+
+using namespace Zentara::Core;
+using Zentara::Plugin::InitializationPluginException;
+using Zentara::Utils::SmartPtr;
+using Zentara::Utils::Platform::isLibraryLoaded;
+
+namespace {
+
+const GUID good = fixtureGuid(1);
+const GUID other = fixtureGuid(2);
+const GUID failing = fixtureGuid(3);
+const GUID nullMaking = fixtureGuid(4);
+const GUID interpreter = fixtureGuid(5);
+const GUID withoutFactory = fixtureGuid(6);
+
+template<typename Action>
+std::string initializationFailure(Action action) {
+    try {
+        action();
+    } catch (const InitializationPluginException& failure) {
+        return failure.message();
+    }
+    return "nothing was thrown";
+}
+
+class PluginManagerTest : public testing::Test {
+protected:
+    TestRoot root{"manager"};
+};
+
+TEST_F(PluginManagerTest, ListsPluginsByKind) {
+    root.add("good");
+    root.add("other");
+    root.add("interpreter");
+    ManagerHold manager;
+
+    EXPECT_EQ(2u, manager->getGUIDs(ImplType_VIDEO_DEVICE).size());
+    ASSERT_EQ(1u, manager->getGUIDs(ImplType_PARAMETER_INTERPRETER).size());
+    EXPECT_TRUE(Zentara::guidEquals(interpreter, manager->getGUIDs(ImplType_PARAMETER_INTERPRETER).front()));
+    EXPECT_TRUE(manager->getGUIDs(ImplType_DEPTH_NODE).empty());
+    EXPECT_TRUE(manager->getGUIDs(static_cast<ImplType>(-1)).empty());
+}
+
+TEST_F(PluginManagerTest, ALibraryIsThereAsLongAsItsObjects) {
+    const std::string path = root.add("good");
+    ManagerHold manager;
+    EXPECT_FALSE(isLibraryLoaded(path));
+
+    for (int round = 0; round < 3; ++round) {
+        SmartPtr<TestObject> first = manager.create(good);
+        SmartPtr<TestObject> second = manager.create(good);
+        SmartPtr<TestObject> copy = first;
+        EXPECT_TRUE(Zentara::guidEquals(good, first->getGUID()));
+        EXPECT_EQ(ImplType_VIDEO_DEVICE, first->getSharedLibrary()->getImplType());
+        first.reset();
+        second.reset();
+        EXPECT_TRUE(isLibraryLoaded(path));
+        copy.reset();
+        EXPECT_FALSE(isLibraryLoaded(path));
+    }
+}
+
+TEST_F(PluginManagerTest, ExplicitUsesKeepALibraryLoaded) {
+    const std::string path = root.add("good");
+    ManagerHold manager;
+
+    SmartPtr<TestObject> object = manager.create(good);
+    manager->incref(good);
+    object.reset();
+    EXPECT_TRUE(isLibraryLoaded(path));
+    manager->decref(good);
+    EXPECT_FALSE(isLibraryLoaded(path));
+}
+
+TEST_F(PluginManagerTest, ObjectsOutliveTheHostsManager) {
+    const std::string path = root.add("good");
+    ManagerHold manager;
+    SmartPtr<TestObject> object = manager.create(good);
+    manager.release();
+
+    root.add("other");
+    {
+        // The manager lives on with its object, and its registry with it.
+        ManagerHold again;
+        EXPECT_EQ(1u, again->getGUIDs(ImplType_VIDEO_DEVICE).size());
+    }
+    object.reset();
+    EXPECT_FALSE(isLibraryLoaded(path));
+
+    ManagerHold fresh;
+    EXPECT_EQ(2u, fresh->getGUIDs(ImplType_VIDEO_DEVICE).size());
+}
+
+TEST_F(PluginManagerTest, SaysWhatItCannotMake) {
+    root.add("good");
+    root.add("no_factory");
+    const std::string gone = root.add("other");
+    ManagerHold manager;
+    root.remove("other");
+    const auto device = ImplType_VIDEO_DEVICE;
+    const std::string unknown = "couldn't find GUID {63,0,0,{0,0,0,0,0,0,0,0}}";
+
+    EXPECT_EQ(unknown,
+              initializationFailure([&] { (void)manager->createInstance(fixtureGuid(99), device); }));
+    EXPECT_EQ(unknown, initializationFailure([&] { manager->incref(fixtureGuid(99)); }));
+    EXPECT_EQ(unknown, initializationFailure([&] { manager->decref(fixtureGuid(99)); }));
+    EXPECT_EQ(
+        "couldn't find GUID NULL_IMPL", initializationFailure([&] {
+            const GUID null = {0x1024966D, 0x1634, 0x4756, {0x9A, 0xBC, 0x99, 0x97, 0x91, 0x59, 0x1F, 0x45}};
+            (void)manager->createInstance(null, device);
+        }));
+    EXPECT_EQ("ImplType mismatch",
+              initializationFailure([&] { (void)manager->createInstance(good, ImplType_AUDIO_DEVICE); }));
+    EXPECT_EQ("couldn't find function: createInstance",
+              initializationFailure([&] { (void)manager->createInstance(withoutFactory, device); }));
+    EXPECT_FALSE(isLibraryLoaded(root.path("no_factory")));
+    EXPECT_EQ("couldn't open: " + gone,
+              initializationFailure([&] { (void)manager->createInstance(other, device); }));
+}
+
+TEST_F(PluginManagerTest, APlainNullStillCountsAsUse) {
+    root.add("null_making");
+    root.add("interpreter");
+    ManagerHold manager;
+    const struct {
+        const char* plugin;
+        GUID guid;
+        ImplType type;
+    } rows[] = {{"null_making", nullMaking, ImplType_VIDEO_DEVICE},
+                {"interpreter", interpreter, ImplType_PARAMETER_INTERPRETER}};
+
+    for (const auto& row : rows) {
+        EXPECT_EQ(nullptr, manager->createInstance(row.guid, row.type)) << row.plugin;
+        EXPECT_TRUE(isLibraryLoaded(root.path(row.plugin))) << row.plugin;
+        manager->decref(row.guid);
+        EXPECT_FALSE(isLibraryLoaded(root.path(row.plugin))) << row.plugin;
+    }
+}
+
+TEST_F(PluginManagerTest, AThrowingFactoryLeavesTheLibraryForTheNextAttempt) {
+    const std::string path = root.add("failing");
+    ManagerHold manager;
+
+    EXPECT_THROW((void)manager.create(failing), Zentara::Plugin::IOPluginException);
+    EXPECT_TRUE(isLibraryLoaded(path));
+    // It fails once after each loading, so it is still the same one.
+    SmartPtr<TestObject> object = manager.create(failing);
+    object.reset();
+    EXPECT_FALSE(isLibraryLoaded(path));
+}
+
+TEST_F(PluginManagerTest, AThrowingFactoriesLibraryGoesWithTheManager) {
+    const std::string path = root.add("failing");
+    ManagerHold manager;
+    EXPECT_THROW((void)manager.create(failing), Zentara::Plugin::IOPluginException);
+    manager.release();
+    EXPECT_FALSE(isLibraryLoaded(path));
+}
+
+TEST_F(PluginManagerTest, AnExceptionOutlivesThePluginThatThrewIt) {
+    const std::string path = root.add("good");
+    std::exception_ptr kept;
+    {
+        ManagerHold manager;
+        SmartPtr<TestObject> object = manager.create(good);
+        try {
+            object->fail(Zentara::Plugin::PluginExceptionType_TIMEOUT);
+        } catch (const Zentara::Plugin::PluginException&) {
+            kept = std::current_exception();
+        }
+    }
+    ASSERT_FALSE(isLibraryLoaded(path));
+
+    try {
+        std::rethrow_exception(std::exchange(kept, nullptr));
+        FAIL();
+    } catch (const Zentara::Plugin::TimeoutPluginException& failure) {
+        const Zentara::Plugin::TimeoutPluginException copy = failure;
+        EXPECT_STREQ("thrown by the plug-in", copy.what());
+    }
+}
+
+TEST_F(PluginManagerTest, AnUnregisteredObjectCannotBeShared) {
+    struct Stray : Plugin {
+        explicit Stray(bool& flag) : Plugin(ImplType_VIDEO_DEVICE, fixtureGuid(99)), destroyed(flag) {}
+        ~Stray() override { destroyed = true; }
+        using Plugin::decref;
+        using Plugin::incref;
+        bool& destroyed;
+    };
+    bool destroyed = false;
+    Stray* stray = new Stray(destroyed);
+    EXPECT_THROW(stray->incref(), InitializationPluginException);
+    // Its own count falls, and the manager is given back, although the library is not found.
+    EXPECT_THROW(stray->decref(), InitializationPluginException);
+    EXPECT_TRUE(destroyed);
+    root.add("good");
+    ManagerHold fresh;
+    EXPECT_EQ(1u, fresh->getGUIDs(ImplType_VIDEO_DEVICE).size());
+}
+
+// Counts of the host's own factory, without manager and file.
+TEST(SharedLibraryTest, AHostsFactoryIsCountedButNeverLoaded) {
+    static int made = 0;
+    SharedLibrary* library = new SharedLibrary([]() -> void* { return &++made; }, ImplType_ENUMERATOR, good);
+    EXPECT_EQ(&made, library->createInstance());
+    library->release();
+    EXPECT_EQ(&made, library->createInstance()) << "held by its use";
+    EXPECT_EQ(2, made);
+    library->decref();
+    library->decref();
+}
+
+} // namespace

@@ -1,0 +1,211 @@
+#include <zentara/core/plugin_probe.h>
+
+#include <algorithm>
+
+#include <gmock/gmock.h>
+
+#include <zentara/core/plugin_manager.h>
+#include <zentara/version.h>
+
+#include "core/test_root.h"
+#include "utils/platform/library_file.h"
+
+using namespace Zentara::Core;
+using testing::HasSubstr;
+using Zentara::Utils::Platform::isLibraryLoaded;
+
+namespace {
+
+const std::string ownVersion = ZENTARA_SDK_VERSION_STRING;
+const std::string kinds = "one of 1, 2, 3, 4, 5, 6, 8, 9";
+const std::string thrown = "exception: thrown by the fixture";
+
+struct Row {
+    const char* plugin;
+    PluginScanStep step;
+    std::string found;
+    std::string wanted;
+};
+
+class PluginScan : public testing::TestWithParam<Row> {};
+
+PluginProbe probeOnly(const TestRoot& root) {
+    const auto probes = probePluginDirectory(root.pluginDirectory());
+    EXPECT_EQ(1u, probes.size());
+    return probes.empty() ? PluginProbe() : probes.front();
+}
+
+std::vector<GUID> registeredDevices() {
+    ManagerHold manager;
+    return manager->getGUIDs(ImplType_VIDEO_DEVICE);
+}
+
+TEST_P(PluginScan, TellsTheStepAndBothValues) {
+    const Row& row = GetParam();
+    const TestRoot root("scan");
+    const std::string path = root.add(row.plugin);
+
+    const PluginProbe probe = probeOnly(root);
+
+    EXPECT_EQ(path, probe.path);
+    EXPECT_EQ(row.step, probe.step) << pluginScanStepName(probe.step) << ": " << probe.text;
+    EXPECT_EQ(row.found, probe.found);
+    EXPECT_EQ(row.wanted, probe.wanted);
+    EXPECT_EQ(probe.accepted(), probe.text.empty());
+    EXPECT_FALSE(isLibraryLoaded(path));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Fixtures, PluginScan,
+    testing::Values(Row{"good", PluginScanStep::Accepted, "", ""},
+                    Row{"interpreter", PluginScanStep::Accepted, "", ""},
+                    Row{"no_factory", PluginScanStep::Accepted, "", ""},
+                    Row{"no_guid", PluginScanStep::ImplGUID, "no such export", "getImplGUID"},
+                    Row{"no_type", PluginScanStep::ImplType, "no such export", "getImplType"},
+                    Row{"no_version", PluginScanStep::PluginVersion, "no such export", "getPluginVersion"},
+                    Row{"no_sdk", PluginScanStep::SDKVersion, "no such export", "getSDKVersion"},
+                    Row{"throwing_guid", PluginScanStep::ImplGUID, thrown, "an answer from getImplGUID"},
+                    Row{"throwing_type", PluginScanStep::ImplType, thrown, "an answer from getImplType"},
+                    Row{"throwing_version", PluginScanStep::PluginVersion, thrown,
+                        "an answer from getPluginVersion"},
+                    Row{"throwing_sdk", PluginScanStep::SDKVersion, thrown, "an answer from getSDKVersion"},
+                    Row{"kind_0", PluginScanStep::ImplType, "0", kinds},
+                    Row{"kind_7", PluginScanStep::ImplType, "7", kinds},
+                    Row{"kind_10", PluginScanStep::ImplType, "10", kinds},
+                    Row{"kind_minus_5", PluginScanStep::ImplType, "-5", kinds},
+                    Row{"sdk_major", PluginScanStep::SDKVersion, "2.4.5.2151", ownVersion},
+                    Row{"sdk_minor", PluginScanStep::SDKVersion, "1.3.5.2151", ownVersion},
+                    Row{"sdk_patch", PluginScanStep::SDKVersion, "1.4.6.2151", ownVersion},
+                    Row{"sdk_build", PluginScanStep::SDKVersion, "1.4.5.2150", ownVersion}),
+    [](const auto& row) { return std::string(row.param.plugin); });
+
+TEST(PluginScanFiles, ReadsEveryNumberOfAnAcceptedPlugin) {
+    const TestRoot root("numbers");
+    root.add("good");
+
+    const PluginProbe probe = probeOnly(root);
+
+    EXPECT_TRUE(Zentara::guidEquals(fixtureGuid(1), probe.guid));
+    EXPECT_EQ(5, probe.type);
+    EXPECT_EQ((std::array<std::int32_t, 3>{7, 8, -9}), probe.pluginVersion);
+    EXPECT_EQ((std::array<std::int32_t, 4>{1, 4, 5, 2151}), probe.sdkVersion);
+}
+
+TEST(PluginScanFiles, LeavesOutDebugTwins) {
+    const TestRoot root("twins");
+    root.add("good");
+    root.add("other", "other-d");
+
+    const auto probes = probePluginDirectory(root.pluginDirectory());
+
+    ASSERT_EQ(2u, probes.size());
+    EXPECT_TRUE(probes[0].accepted());
+    EXPECT_EQ(PluginScanStep::Name, probes[1].step);
+    EXPECT_EQ(1u, registeredDevices().size());
+}
+
+// The mark of a debug build counts anywhere in the path.
+TEST(PluginScanFiles, LeavesOutWholeDirectoriesWithTheMark) {
+    const TestRoot root(std::string("all-d.") + pluginFileExtension());
+    root.add("good");
+
+    EXPECT_EQ(PluginScanStep::Name, probeOnly(root).step);
+}
+
+TEST(PluginScanFiles, TheFirstFileWithAGuidWins) {
+    const TestRoot root("duplicates");
+    const std::string first = root.add("good", "a");
+    root.add("good", "b");
+
+    const auto probes = probePluginDirectory(root.pluginDirectory());
+
+    ASSERT_EQ(2u, probes.size());
+    EXPECT_TRUE(probes[0].accepted());
+    EXPECT_EQ(PluginScanStep::Duplicate, probes[1].step);
+    EXPECT_THAT(probes[1].text, HasSubstr(first));
+    EXPECT_EQ(1u, registeredDevices().size());
+}
+
+// A duplicate counts as one whatever else is wrong with it, and a refused file does not take the GUID.
+TEST(PluginScanFiles, LooksForDuplicatesBeforeTypeAndVersion) {
+    const TestRoot root("order");
+    root.add("kind_7_as_good", "a");
+    root.add("good", "b");
+    root.add("kind_7_as_good", "c");
+
+    const auto probes = probePluginDirectory(root.pluginDirectory());
+
+    ASSERT_EQ(3u, probes.size());
+    EXPECT_EQ(PluginScanStep::ImplType, probes[0].step);
+    EXPECT_TRUE(probes[1].accepted());
+    EXPECT_EQ(PluginScanStep::Duplicate, probes[2].step);
+}
+
+TEST(PluginScanFiles, RefusesWhatIsNoLibrary) {
+    const TestRoot root("texts");
+    root.addBytes("empty", "");
+    root.addBytes("text", "this is a plain text and no library at all\n");
+    root.addBytes("magic", "\x7f"
+                           "ELF");
+    root.addBytes("program", std::string("MZ") + std::string(200, '\xff'));
+
+    for (const PluginProbe& probe : probePluginDirectory(root.pluginDirectory())) {
+        EXPECT_EQ(PluginScanStep::Open, probe.step) << probe.path;
+        EXPECT_FALSE(probe.found.empty()) << probe.path;
+    }
+    EXPECT_TRUE(registeredDevices().empty());
+}
+
+// A copy that was interrupted: the loader would read beyond the end of the file.
+TEST(PluginScanFiles, SurvivesLibrariesThatAreCutShort) {
+    const TestRoot root("cut");
+    const std::string whole = pluginBytes("good");
+    constexpr std::size_t pieces = 64;
+    int refused = 0;
+    for (std::size_t piece = 1; piece < pieces; ++piece) {
+        root.addBytes("cut", whole.substr(0, whole.size() * piece / pieces));
+        refused += probeOnly(root).step == PluginScanStep::Open;
+    }
+    root.addBytes("cut", whole);
+    EXPECT_TRUE(probeOnly(root).accepted());
+    EXPECT_GT(refused, 0);
+}
+
+// Every number in the first bytes, where the loader learns what to map, is made absurd in turn.
+TEST(PluginScanFiles, SurvivesDamagedHeaders) {
+    const TestRoot root("damaged");
+    const std::string whole = pluginBytes("good");
+    for (std::size_t offset = 16; offset < 560; offset += 4) {
+        std::string damaged = whole;
+        damaged.replace(offset, 4, "\xf7\xff\xff\x7f", 4);
+        root.addBytes("damaged", damaged);
+        EXPECT_FALSE(probeOnly(root).path.empty());
+    }
+}
+
+TEST(PluginScanFiles, AMissingOrEmptyDirectoryHasNoPlugins) {
+    const TestRoot root("empty");
+    EXPECT_TRUE(probePluginDirectory(root.pluginDirectory()).empty());
+    EXPECT_TRUE(registeredDevices().empty());
+
+    root.removeDirectory();
+    EXPECT_TRUE(probePluginDirectory(root.pluginDirectory()).empty());
+    EXPECT_TRUE(registeredDevices().empty());
+}
+
+TEST(PluginScanFiles, FindsThePluginsAmongAThousandFiles) {
+    const TestRoot root("thousand");
+    for (int number = 0; number < 998; ++number)
+        root.addBytes("text" + std::to_string(number), "no library");
+    root.add("good", "a_good");
+    root.add("other", "z_other");
+
+    const auto probes = probePluginDirectory(root.pluginDirectory());
+
+    EXPECT_EQ(1000u, probes.size());
+    EXPECT_EQ(
+        2, std::count_if(probes.begin(), probes.end(), [](const auto& probe) { return probe.accepted(); }));
+    EXPECT_EQ(2u, registeredDevices().size());
+}
+
+} // namespace
