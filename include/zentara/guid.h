@@ -4,7 +4,7 @@
 #include <cstring>
 
 #if defined(_WIN32)
-#    include <guiddef.h>
+#include <guiddef.h>
 #else
 /// The platform's 16-byte identifier. A plain aggregate, so that it crosses C functions by value.
 struct GUID {

@@ -278,15 +278,15 @@ unsigned int OV0570Impl::getRGBSensorRegisterLocked(unsigned char reg) {
 }
 
 void OV0570Impl::setI2cLocked(unsigned char deviceAddress, unsigned int reg, unsigned int value,
-                              unsigned char addressBytes, unsigned char dataBytes, bool) {
+                              unsigned char addressWidth, unsigned char dataWidth, bool) {
     const AutoLock lock(impl->mutex);
-    impl->setI2c(deviceAddress, reg, value, addressBytes, dataBytes);
+    impl->setI2c(deviceAddress, reg, value, addressWidth, dataWidth);
 }
 
 unsigned int OV0570Impl::getI2cLocked(unsigned char deviceAddress, unsigned int reg,
-                                      unsigned char addressBytes, unsigned char dataBytes, bool) {
+                                      unsigned char addressWidth, unsigned char dataWidth, bool) {
     const AutoLock lock(impl->mutex);
-    return impl->getI2c(deviceAddress, reg, addressBytes, dataBytes);
+    return impl->getI2c(deviceAddress, reg, addressWidth, dataWidth);
 }
 
 unsigned int OV0570Impl::getUSBBackendFirmwareVersionLocked() {

@@ -44,9 +44,7 @@ protected:
     void set(const char* key, KeyView view, const char* name, const std::string& value) {
         ASSERT_TRUE(Platform::writeKeyText(store, key, view, name, value));
     }
-    void installPlain(KeyView view, const std::string& where) {
-        set(plainKey, view, "InstallDir", where);
-    }
+    void installPlain(KeyView view, const std::string& where) { set(plainKey, view, "InstallDir", where); }
     void installKit(KeyView view, const std::string& version, const std::string& where) {
         set(kitKey, view, "Version", version);
         set(kitKey, view, "InstallDir", where);

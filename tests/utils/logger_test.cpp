@@ -20,11 +20,11 @@
 namespace Zentara::Utils {
 namespace {
 
-using TestSupport::LogCapture;
-using TestSupport::TemporaryDirectory;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using TestSupport::LogCapture;
+using TestSupport::TemporaryDirectory;
 
 std::vector<std::string> linesOf(const std::string& text) {
     std::vector<std::string> lines = split(text, '\n');
