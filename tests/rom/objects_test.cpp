@@ -72,6 +72,13 @@ TEST(RomObjects, ConfigurationBytes) {
     EXPECT_EQ(bytes, back->serialize());
 }
 
+TEST(RomObjects, AnAbsentSecondOffsetReplacesTheFirstWhenWritten) {
+    const auto once = read<ROM::Configuration>("40 01 08000000 0005");
+    EXPECT_EQ(5, once->getPhaseOffset().getPhaseOffset());
+    EXPECT_EQ(ROM::PhaseOffset::MARKER, once->getPhaseOffset2().getMarker());
+    EXPECT_EQ(0, Reader<ROM::Configuration>::read(once->serialize())->getPhaseOffset().getPhaseOffset());
+}
+
 TEST(RomObjects, DiagnosticBytes) {
     EXPECT_EQ(hex("20 01 08000000 05 06"), ROM::Diagnostic({5, 6}).serialize());
 }
