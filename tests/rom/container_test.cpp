@@ -245,6 +245,25 @@ TEST_F(ContainerTest, AManyChunkLowestBlockLosesTheContainerHeader) {
     EXPECT_FALSE(container->romInitialized());
 }
 
+TEST_F(ContainerTest, FlashTransfersPerOperation) {
+    const auto transfers = [&](auto action) { // "reads/bytes writes/bytes"
+        flash->readCount = flash->writeCount = flash->bytesRead = flash->bytesWritten = 0;
+        action();
+        return std::to_string(flash->readCount) + "/" + std::to_string(flash->bytesRead) + " " +
+               std::to_string(flash->writeCount) + "/" + std::to_string(flash->bytesWritten);
+    };
+    use({0, 16384, 256, true});
+    EXPECT_EQ("4/65 3/48", transfers([&] { container->initializeRom(); }));
+    EXPECT_EQ("2/133 2/133", transfers([&] { write(1, pattern(100)); }));
+    for (std::uint16_t uid = 2; uid <= 16; ++uid)
+        write(uid, pattern(100));
+    EXPECT_EQ("1/123 1/123", transfers([&] { write(8, pattern(100)); })) << "in place";
+    EXPECT_EQ("3/343 3/343", transfers([&] { write(8, pattern(300)); })) << "moved";
+    EXPECT_EQ("35/2199 0/0", transfers([&] { mount(); }));
+    EXPECT_EQ("0/0 0/0", transfers([&] { container->get(8); }));
+    EXPECT_EQ("1/10 1/10", transfers([&] { container->erase(8); }));
+}
+
 TEST_F(ContainerTest, WithoutAManager) {
     ROM::Container none(nullptr);
     EXPECT_THROW(none.initialize(), InvalidOperationPluginException);
