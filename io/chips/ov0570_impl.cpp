@@ -277,16 +277,16 @@ unsigned int OV0570Impl::getRGBSensorRegisterLocked(unsigned char reg) {
     return impl->registers.read(impl->registers.rgbDevice(), reg);
 }
 
-void OV0570Impl::setI2cLocked(unsigned char deviceAddress, unsigned int reg, unsigned int value,
+void OV0570Impl::setI2cLocked(unsigned char busAddress, unsigned int reg, unsigned int value,
                               unsigned char addressWidth, unsigned char dataWidth, bool) {
     const AutoLock lock(impl->mutex);
-    impl->setI2c(deviceAddress, reg, value, addressWidth, dataWidth);
+    impl->setI2c(busAddress, reg, value, addressWidth, dataWidth);
 }
 
-unsigned int OV0570Impl::getI2cLocked(unsigned char deviceAddress, unsigned int reg,
-                                      unsigned char addressWidth, unsigned char dataWidth, bool) {
+unsigned int OV0570Impl::getI2cLocked(unsigned char busAddress, unsigned int reg, unsigned char addressWidth,
+                                      unsigned char dataWidth, bool) {
     const AutoLock lock(impl->mutex);
-    return impl->getI2c(deviceAddress, reg, addressWidth, dataWidth);
+    return impl->getI2c(busAddress, reg, addressWidth, dataWidth);
 }
 
 unsigned int OV0570Impl::getUSBBackendFirmwareVersionLocked() {
