@@ -4,8 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include "support/rendezvous.h"
+
 #include <atomic>
-#include <barrier>
 #include <climits>
 #include <thread>
 #include <vector>
@@ -122,16 +123,16 @@ TEST_F(RefcountedTest, WeakReferenceMovesBetweenObjects) {
 TEST_F(RefcountedTest, PromotionAgainstTheLastDecref) {
     constexpr int rounds = 1000;
     constexpr int promoters = 3;
-    std::barrier step(promoters + 1);
+    Testing::Rendezvous step(promoters + 1);
     WeakPtr<Counted> weak;
     std::atomic<int> dead{0};
     auto promote = [&] {
         for (int round = 0; round < rounds; ++round) {
-            step.arrive_and_wait();
+            step.arriveAndWait();
             const WeakPtr<Counted> copy = weak;
             const auto had = copy.lock();
             dead += had && copy.expired() ? 1 : 0;
-            step.arrive_and_wait();
+            step.arriveAndWait();
         }
     };
     std::vector<std::thread> threads;
@@ -140,9 +141,9 @@ TEST_F(RefcountedTest, PromotionAgainstTheLastDecref) {
     for (int round = 0; round < rounds; ++round) {
         auto strong = makeRefcounted<Counted>(living);
         weak = WeakPtr<Counted>(strong);
-        step.arrive_and_wait();
+        step.arriveAndWait();
         strong.reset();
-        step.arrive_and_wait();
+        step.arriveAndWait();
     }
     for (auto& thread : threads)
         thread.join();
