@@ -18,5 +18,6 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/ZentaraPluginsConfigVersi
     COMPATIBILITY SameMinorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/ZentaraPluginsConfig.cmake
     ${PROJECT_BINARY_DIR}/ZentaraPluginsConfigVersion.cmake DESTINATION ${package_dir})
+file(RELATIVE_PATH prefix_from_pkgconfig /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 configure_file(cmake/zentara-plugins.pc.in ${PROJECT_BINARY_DIR}/zentara-plugins.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/zentara-plugins.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
