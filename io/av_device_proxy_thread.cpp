@@ -200,6 +200,7 @@ void AVDeviceProxyThread::processRequest(deviceRequest* request, std::uint32_t t
             awaitUnlessStuck(state.acknowledged, *call);
         throwTimeout(type);
     }
+    state.comeBack();
     if (request->failed()) {
         const ProxyFailure failure = request->getFailure();
         Plugin::throwPluginException(failure.type, failure.message);
@@ -216,6 +217,8 @@ void* AVDeviceProxyThread::run(void*) {
     }
     if (!stopSeen)
         drain();
+    // The system may give the identifier to another thread, which is then not to be taken for this one.
+    impl->threadId = std::thread::id();
     impl->finished = true;
     impl->end.set();
     return nullptr;

@@ -20,6 +20,9 @@ struct deviceRequest::Impl {
     /// The caller gives up, unless the worker has taken the request up: from then on it runs.
     bool withdraw() noexcept { return leaveQueue(Stage::WITHDRAWN); }
 
+    /// The caller has met the worker's acknowledgement, so the request is its own again and may be submitted anew.
+    void comeBack() noexcept { stage = Stage::QUEUED; }
+
     const RequestType type;
     bool failed = false;
     ProxyFailure failure;

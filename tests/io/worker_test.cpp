@@ -103,6 +103,19 @@ TEST_F(WorkerTest, ReferencesAreCountedExactly) {
     proxy->dispose();
 }
 
+TEST_F(WorkerTest, ARequestCanBeSubmittedAgain) {
+    AVDeviceInterface* device = nullptr;
+    script.onCall = [&](int, deviceRequest* request) { device = request->device(); };
+    proxy->open();
+    script.takeCalls();
+    Worker worker;
+    const auto request = Utils::SmartPtr<deviceRequest>::adopt(new deviceRequest(device, RequestType_CLOSE));
+    worker->processRequest(request.get(), patience);
+    worker->processRequest(request.get(), patience);
+    EXPECT_THAT(script.takeSlots(), ElementsAre(close, close));
+    worker.settle();
+}
+
 TEST_F(WorkerTest, ATimedOutCallKeepsTheWorkersReference) {
     tuning.set(2000, 60000, 10);
     Gate gate;
