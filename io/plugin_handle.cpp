@@ -23,7 +23,14 @@ Core::Plugin* createObject(Core::PluginManager& manager, GUID guid, Core::ImplTy
         manager.decref(guid);
         PluginHandle::throwNotInstantiated(guid);
     }
-    return static_cast<Core::Plugin*>(made);
+    auto* const plugin = static_cast<Core::Plugin*>(made);
+    if (!guidEquals(plugin->getGUID(), guid)) {
+        // Counted by its own word, it would take uses from another plug-in's library and never give back this one's.
+        delete plugin;
+        manager.decref(guid);
+        PluginHandle::throwNotInstantiated(guid);
+    }
+    return plugin;
 }
 
 } // namespace

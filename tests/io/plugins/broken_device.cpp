@@ -20,10 +20,16 @@ struct Presence {
 
 class OtherObject : public Zentara::Core::Plugin {
 public:
-    OtherObject() : Plugin(Zentara::Core::ImplType_VIDEO_DEVICE, identity) {
+    explicit OtherObject(GUID guid = identity) : Plugin(Zentara::Core::ImplType_VIDEO_DEVICE, guid) {
         Testing::DeviceScript::current().created();
     }
     ~OtherObject() override { Testing::DeviceScript::current().destroyed(); }
+};
+
+/// Says that it belongs to another plug-in.
+class MisnamedObject : public OtherObject {
+public:
+    MisnamedObject() : OtherObject(Testing::NULL_DEVICE) {}
 };
 
 [[maybe_unused]] Zentara::Core::Plugin* refuse() {
