@@ -30,19 +30,19 @@ public:
     [[nodiscard]] TemperatureCompensationData getTemperatureCompensation() const;
 
     /// \throws Plugin::ArgumentPluginException if a set has more than 255 coefficients or the two sets differ
-    /// in
-    ///         length; nothing is changed then.
+    ///         in length; nothing is changed then.
     void setTemperatureCompensation(TemperatureCompensationData data);
 
     /// Writes the tagged form: phase delays and temperature compensation, each only when it is not zero.
-    /// Phase offset and drift compensation are not part of it. \param size in: the buffer's bytes; out: the
-    /// bytes needed, but only when the result is -1 \return 0, or -1 when `buffer` is null or too small; also
-    /// when `size` is null
+    /// Phase offset and drift compensation are not part of it.
+    /// \param size in: the buffer's bytes; out: the bytes needed, but only when the result is -1
+    /// \return 0, or -1 when `buffer` is null or too small; also when `size` is null
     int marshal(unsigned char* buffer, unsigned int* size) const;
 
     /// Reads the tagged form. Records of unknown tag or version are skipped; what has no record stays as it
-    /// is. \return 0, or -1 when a record does not fit the buffer or its own content; the object is unchanged
-    /// then
+    /// is.
+    /// \return 0, or -1 when a record does not fit the buffer or its own content; the object is unchanged
+    ///         then
     int unmarshal(const unsigned char* buffer, unsigned int size);
 
     friend bool operator==(const CalibrationInternal&, const CalibrationInternal&) = default;

@@ -136,9 +136,9 @@ public:
     /// \param settings what `getSpecificSettings` returns from now on; not owned, may be null
     void setConfigurationSettings(const RequestList* settings);
 
-    /// Copies of the defaults. \throws Plugin::NotSupportedPluginException "Extrinsics are not defined",
-    /// "Depth
-    ///         Intrinsics are not defined" or "Color Intrinsics are not defined"
+    /// Copies of the defaults.
+    /// \throws Plugin::NotSupportedPluginException "Extrinsics are not defined", "Depth Intrinsics are not
+    ///         defined" or "Color Intrinsics are not defined"
     [[nodiscard]] ExtrinsicParametersInternal getDefaultExtrinsics() const;
     [[nodiscard]] std::vector<CameraIntrinsics> getDefaultDepthIntrinsicsArray() const;
     [[nodiscard]] std::vector<CameraIntrinsics> getDefaultColorIntrinsicsArray() const;

@@ -20,8 +20,7 @@ class SharedLibrary;
 /// - "createInstance" returns a new object, converted to `Core::Plugin*` before it becomes `void*`. Its first
 ///   reference, and the first use of the library, belong to the caller.
 /// - An object that a factory makes and does not return is deleted, never decref()ed: its uses are counted
-/// only
-///   once it has been handed out.
+///   only once it has been handed out.
 /// - Code of a plug-in never drops the last reference to one of its own objects: the library would go from
 ///   under it. A thread of the plug-in is joined by a destructor.
 /// - Nothing of a plug-in outlives it: no static or thread-local object, no exception type, no callback left
@@ -33,9 +32,9 @@ class SharedLibrary;
 /// Counting is safe; whatever else a derived class does, it says itself.
 class ZENTARA_API Plugin : public Utils::Refcounted {
 protected:
-    /// Takes a reference to the plug-in manager; the first object of a process starts the scan.
-    /// \throws Plugin::InitializationPluginException as PluginManager::instance() does. Without a living
-    /// manager the object counts its own references only.
+    /// Takes a reference to the plug-in manager; the first object of a process starts the scan. Without a
+    /// living manager the object counts its own references only.
+    /// \throws Plugin::InitializationPluginException as PluginManager::instance() does.
     Plugin(ImplType type, GUID guid);
 
     /// Adds a use of the library, then a reference to the object.
@@ -44,8 +43,8 @@ protected:
     void incref() override;
 
     /// Drops a reference to the object, with the last of which it is destroyed, then the use of the library,
-    /// with the last of which it is unloaded, all with the manager held alive. \throws as incref(); the
-    /// reference is dropped all the same.
+    /// with the last of which it is unloaded, all with the manager held alive.
+    /// \throws Plugin::InitializationPluginException as incref(); the reference is dropped all the same.
     void decref() override;
 
     /// A plug-in object is counted together with its library, which these two would forget.

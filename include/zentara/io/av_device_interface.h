@@ -44,8 +44,9 @@ public:
     virtual void dispose();
 
     /// Copies the description of the device and keeps the store, which must live until `dispose`. A back-end
-    /// that overrides it calls it, too. \param store may be null \throws Plugin::ArgumentPluginException if
-    /// `event` is null
+    /// that overrides it calls it, too.
+    /// \param store may be null
+    /// \throws Plugin::ArgumentPluginException if `event` is null
     virtual void initialize(NodeEvent* event, Core::DescriptorStoreRO* store);
 
     /// Prepares the calling thread for the platform's services.
@@ -55,8 +56,8 @@ public:
     virtual void threadUninitialize() = 0;
 
     /// Cancels the transfer that is in flight. Called on the thread of the caller who gave up, while the
-    /// operation runs on another, with the request locked. Must not block. \return true if the operation will
-    /// now end soon
+    /// operation runs on another, with the request locked. Must not block.
+    /// \return true if the operation will now end soon
     virtual bool cancelIO() = 0;
 
     /// Waits for the next frame and copies it. Called directly, beside other operations.

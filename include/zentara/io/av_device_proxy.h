@@ -16,9 +16,8 @@ class AVDeviceProxyThread;
 /// call into a request. Chosen at construction:
 /// - direct: the call runs on the caller's thread under the proxy's mutex, for as long as the device takes;
 /// - proxified: it runs on the process-wide worker thread, and the caller waits at most 2 s from its start.
-/// The
-///   caller's buffers and variables are copied: what comes back is stored only after a normal return, and a
-///   device that answers too late finds nothing of the caller's.
+///   The caller's buffers and variables are copied: what comes back is stored only after a normal return, and
+///   a device that answers too late finds nothing of the caller's.
 ///
 /// A device's failure is thrown as the plug-in exception that it reported. Operations are safe; construction
 /// and destruction are not.

@@ -36,11 +36,11 @@ public:
     /// queue is no reason to give up.
     ///
     /// The caller's reference is needed on success only: after an exception the worker may still come to the
-    /// request, so the caller must leave its reference with it for good. \param timeoutMilliseconds runs from
-    /// the request's start \throws Plugin::PluginException the subclass and message that the device failed
-    /// with \throws Plugin::TimeoutPluginException "processRequest: I/O timeout: TYPE" when the wait ended
-    /// first; the
-    ///         device was asked to cancel
+    /// request, so the caller must leave its reference with it for good.
+    /// \param timeoutMilliseconds runs from the request's start
+    /// \throws Plugin::PluginException the subclass and message that the device failed with
+    /// \throws Plugin::TimeoutPluginException "processRequest: I/O timeout: TYPE" when the wait ended first;
+    ///         the device was asked to cancel
     /// \throws Plugin::IOPluginException "TYPE: I/O request rejected" when the worker is stopping
     /// \throws Plugin::InvalidOperationPluginException on the worker's own thread, which would wait for
     /// itself

@@ -24,8 +24,8 @@ public:
     [[nodiscard]] static Utils::SmartPtr<LibraryParameterInterpreter> create(GUID backEnd);
 
     /// Connects the back-end to the camera behind a proxy, which must live until `dispose`. A transfer that
-    /// fails is logged and reaches the back-end as `ErrorCode_IO`. \throws what the other `initialize`
-    /// throws
+    /// fails is logged and reaches the back-end as `ErrorCode_IO`.
+    /// \throws what the other `initialize` throws
     void initialize(VideoDeviceProxy& device, HardwareIDs ids, HardwareVersionInternal version);
 
 protected:

@@ -28,8 +28,7 @@ class ZENTARA_API VideoDeviceProxy : public AVDeviceProxy {
 public:
     /// Makes the device and has it prepare the thread on which it will be called.
     /// \throws Plugin::InitializationPluginException "couldn't find GUID GUID", "ImplType mismatch", or
-    /// "Couldn't
-    ///         instantiate object GUID"
+    ///         "Couldn't instantiate object GUID"
     /// \throws what the device's thread initialisation throws; nothing is held then
     VideoDeviceProxy(GUID guid, bool proxified);
 
