@@ -159,9 +159,10 @@ void ControllerPort::setObserver(std::function<void(const Transfer&)> observer) 
 }
 
 const TransferFault* ControllerPort::dueFault() {
-    ++count;
-    const auto due = std::find_if(faults.begin(), faults.end(),
-                                  [this](const TransferFault& fault) { return fault.transfer == count; });
+    const auto transfer = ++count;
+    const auto due = std::find_if(faults.begin(), faults.end(), [transfer](const TransferFault& fault) {
+        return fault.transfer == transfer;
+    });
     return due == faults.end() ? nullptr : &*due;
 }
 

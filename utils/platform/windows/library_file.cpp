@@ -67,17 +67,18 @@ public:
         for (const IMAGE_SECTION_HEADER& section : sections) {
             if (!file.holds(section.PointerToRawData, section.SizeOfRawData))
                 return cutShort;
-            if (section.VirtualAddress < mappedUntil ||
-                !isInImage(section.VirtualAddress, section.Misc.VirtualSize))
+            if (section.VirtualAddress < mappedUntil || endOf(section) > optional.SizeOfImage)
                 return "the sections overlap or lie outside of the image";
-            mappedUntil = std::uint64_t{section.VirtualAddress} + section.Misc.VirtualSize;
+            mappedUntil = endOf(section);
         }
         return findDirectoryDamage();
     }
 
 private:
-    [[nodiscard]] bool isInImage(std::uint64_t address, std::uint64_t count) const noexcept {
-        return address + count <= optional.SizeOfImage;
+    /// A section without a size of its own is as long as its bytes in the file.
+    [[nodiscard]] static std::uint64_t endOf(const IMAGE_SECTION_HEADER& section) noexcept {
+        const DWORD size = section.Misc.VirtualSize ? section.Misc.VirtualSize : section.SizeOfRawData;
+        return std::uint64_t{section.VirtualAddress} + size;
     }
 
     [[nodiscard]] std::string findDirectoryDamage() const {
@@ -87,18 +88,18 @@ private:
             const IMAGE_DATA_DIRECTORY& directory = optional.DataDirectory[index];
             // The signature is the one that is not mapped.
             if (index != IMAGE_DIRECTORY_ENTRY_SECURITY &&
-                !isInSection(directory.VirtualAddress, directory.Size))
+                !isMapped(directory.VirtualAddress, directory.Size))
                 return "directory " + std::to_string(index) + " lies outside of the sections";
         }
-        return isInSection(optional.AddressOfEntryPoint, 1) ? std::string()
-                                                            : "the entry point lies outside of the sections";
+        return isMapped(optional.AddressOfEntryPoint, 1) ? std::string()
+                                                         : "the entry point lies outside of the sections";
     }
 
-    /// An address of 0 means that there is none.
-    [[nodiscard]] bool isInSection(std::uint64_t address, std::uint64_t count) const {
-        return address == 0 || std::any_of(sections.begin(), sections.end(), [&](const auto& section) {
-                   return address >= section.VirtualAddress &&
-                          address + count <= std::uint64_t{section.VirtualAddress} + section.Misc.VirtualSize;
+    /// An address of 0 means that there is none. The headers are mapped too: bound imports lie there.
+    [[nodiscard]] bool isMapped(std::uint64_t address, std::uint64_t count) const {
+        return address == 0 || address + count <= optional.SizeOfHeaders ||
+               std::any_of(sections.begin(), sections.end(), [&](const auto& section) {
+                   return address >= section.VirtualAddress && address + count <= endOf(section);
                });
     }
 
