@@ -32,16 +32,9 @@ bool isAlone(int file) { return lockByte(file, F_OFD_SETLK, F_WRLCK, membership)
 bool join(int file) { return lockByte(file, F_OFD_SETLK, F_RDLCK, membership); }
 
 /// A name that was unlinked between opening it and passing the gate leads to an object nobody else will find.
-bool isCurrent(int file, const std::string& name) {
+bool isCurrent(int file) {
     struct stat held {};
-    struct stat named {};
-    const int present = shm_open(name.c_str(), O_RDONLY | O_CLOEXEC, 0);
-    if (present == -1)
-        return false;
-    const bool same = fstat(file, &held) == 0 && fstat(present, &named) == 0 && held.st_ino == named.st_ino &&
-                      held.st_dev == named.st_dev;
-    ::close(present);
-    return same;
+    return fstat(file, &held) == 0 && held.st_nlink != 0;
 }
 
 } // namespace
@@ -63,7 +56,7 @@ SharedObject::Attempt SharedObject::tryOpen() {
     file = shm_open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR);
     if (file == -1 || !waitForGate(file))
         return Attempt::failed;
-    return isCurrent(file, name) ? becomeUser() : Attempt::replaced;
+    return isCurrent(file) ? becomeUser() : Attempt::replaced;
 }
 
 /// Behind the gate. An object with a size but without users was left by a killed process.
@@ -82,14 +75,14 @@ void SharedObject::openGate() { lockByte(file, F_OFD_SETLK, F_UNLCK, gate); }
 void SharedObject::close() {
     if (file == -1)
         return;
-    if (waitForGate(file) && isAlone(file) && isCurrent(file, name))
+    if (waitForGate(file) && isAlone(file) && isCurrent(file))
         shm_unlink(name.c_str());
     ::close(file);
     file = -1;
 }
 
 void SharedObject::unlink() {
-    if (waitForGate(file) && isCurrent(file, name))
+    if (waitForGate(file) && isCurrent(file))
         shm_unlink(name.c_str());
     openGate();
 }
