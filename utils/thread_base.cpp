@@ -37,6 +37,7 @@ struct ThreadBase::Impl {
 
     mutable Mutex lock;
     bool started ZENTARA_GUARDED_BY(lock);
+    bool abandoned ZENTARA_GUARDED_BY(lock) = false; ///< nobody can resume the thread any more
     bool joining ZENTARA_GUARDED_BY(lock) = false;
     ThreadState state ZENTARA_GUARDED_BY(lock);
 
@@ -45,6 +46,7 @@ struct ThreadBase::Impl {
     void awaitResume();
     void park();
     void release(bool start);
+    void abandon();
     void finish();
     bool claimJoin();
     bool isSuspended() const;
@@ -76,6 +78,8 @@ void ThreadBase::Impl::awaitResume() {
 void ThreadBase::Impl::park() {
     {
         AutoLock hold(lock);
+        if (abandoned)
+            return;
         state = ThreadState_SUSPENDED;
     }
     awaitResume();
@@ -88,6 +92,14 @@ void ThreadBase::Impl::release(bool start) {
     started = started || start;
     state = ThreadState_RUNNING;
     resumed->set();
+}
+
+void ThreadBase::Impl::abandon() {
+    {
+        AutoLock hold(lock);
+        abandoned = true;
+    }
+    release(false);
 }
 
 void ThreadBase::Impl::finish() {
@@ -112,7 +124,7 @@ ThreadBase::ThreadBase(void (*function)(void*), void* argument, bool startSuspen
     impl->thread.reset(Platform::Thread::create(&Impl::enter, holder.release()));
 }
 
-ThreadBase::~ThreadBase() { impl->release(false); }
+ThreadBase::~ThreadBase() { impl->abandon(); }
 
 void ThreadBase::join() {
     const std::shared_ptr<Impl> self = impl;

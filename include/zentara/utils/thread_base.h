@@ -26,7 +26,8 @@ public:
     ThreadBase(void (*function)(void*), void* argument, bool startSuspended);
 
     /// Detaches a thread that was not joined; it runs on by itself. A thread that was never resumed ends
-    /// without running its function, and one that is parked goes on, for nobody could resume it any more.
+    /// without running its function, and one that is parked goes on, for nobody could resume it any more;
+    /// from then on its suspend() does nothing.
     ~ThreadBase();
     ThreadBase(const ThreadBase&) = delete;
     ThreadBase& operator=(const ThreadBase&) = delete;
