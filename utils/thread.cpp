@@ -23,34 +23,52 @@ struct Thread::Run {
     const std::string name;
     Signal entered;
 
+    /// A runnable that cannot be entered does not work either.
+    void execute() noexcept {
+        const bool isEntered = attempt(&Run::enter);
+        entered.set();
+        if (!isEntered)
+            return;
+        attempt(&Run::work);
+        attempt(&Run::leave);
+    }
+
+private:
     void enter() {
         if (runnable)
             runnable->enter();
-        entered.set();
     }
     void work() {
         if (runnable)
             runnable->run(argument);
     }
-    /// An exception has nowhere to go from here: it is logged, and the thread ends as if run() had returned.
-    void workAndReport() noexcept {
+    void leave() {
+        if (runnable)
+            runnable->leave();
+    }
+    /// An exception has nowhere to go from here: it is logged, and the thread goes on to its end. False when
+    /// there was one.
+    bool attempt(void (Run::*step)()) noexcept {
         try {
-            work();
+            (this->*step)();
+            return true;
         } catch (const std::exception& failure) {
             report(failure.what());
         } catch (...) {
             report("unknown exception");
         }
+        return false;
     }
-    void report(const char* reason) const {
-        if (KVLogger* log = KVLogger::instance()) {
-            log->error(Format("thread '%' ended by an exception: %") % name % reason);
-            KVLogger::release();
+    void report(const char* reason) const noexcept {
+        try {
+            const std::string text = Format("thread '%' ended by an exception: %") % name % reason;
+            if (KVLogger* log = KVLogger::instance()) {
+                log->error(text);
+                KVLogger::release();
+            }
+        } catch (...) {
+            // Without memory there is no report.
         }
-    }
-    void leave() {
-        if (runnable)
-            runnable->leave();
     }
 };
 
@@ -138,9 +156,7 @@ void Thread::execute(void* argument) {
     const std::unique_ptr<std::shared_ptr<Run>> holder(static_cast<std::shared_ptr<Run>*>(argument));
     Run& run = **holder;
     ThreadBase::setDebuggerThreadName(run.name.c_str());
-    run.enter();
-    run.workAndReport();
-    run.leave();
+    run.execute();
 }
 
 } // namespace Zentara::Utils::Threading
