@@ -73,8 +73,9 @@ std::vector<std::string> split(const std::string& text, char separator) { return
 
 std::vector<std::string> split(const std::string& text, char separator, int count) {
     std::vector<std::string> pieces;
+    const std::size_t most = count < 1 ? std::string::npos : static_cast<std::size_t>(count);
     std::size_t start = 0;
-    for (std::size_t end = text.find(separator); end != std::string::npos && --count != 0;
+    for (std::size_t end = text.find(separator); end != std::string::npos && pieces.size() + 1 < most;
          end = text.find(separator, start)) {
         pieces.push_back(text.substr(start, end - start));
         start = end + 1;

@@ -69,6 +69,7 @@ TEST(Text, SplitsAndJoins) {
     EXPECT_THAT(split("a,b,c", ',', 2), ElementsAre("a", "b,c"));
     EXPECT_THAT(split("a,b,c", ',', 1), ElementsAre("a,b,c"));
     EXPECT_THAT(split("a,b,c", ',', -1), ElementsAre("a", "b", "c"));
+    EXPECT_THAT(split("a,b,c", ',', INT_MIN), ElementsAre("a", "b", "c"));
     EXPECT_EQ(join({"a", "", "b"}, ", "), "a, , b");
     EXPECT_EQ(join({}, ","), "");
 }
