@@ -39,6 +39,11 @@ struct Probe {
         ThreadBase::suspend();
         step(argument);
     }
+    static void parkLate(void* argument) {
+        waitForEnd(argument);
+        ThreadBase::suspend();
+        step(argument);
+    }
 };
 
 void awaitState(const ThreadBase& thread, ThreadState state) {
@@ -105,6 +110,12 @@ TEST(ThreadBase, DestructorLetsGo) {
     EXPECT_EQ(parked.began.timedWait(generous), 0) << "a parked thread goes on";
     running.mayEnd.set();
 
+    static Probe late;
+    { ThreadBase thread(&Probe::parkLate, &late, false); }
+    ASSERT_EQ(late.began.timedWait(generous), 0);
+    late.mayEnd.set();
+    EXPECT_EQ(late.began.timedWait(generous), 0) << "nobody could resume it: it does not park";
+
     { ThreadBase thread(&Probe::step, &never, true); }
     EXPECT_EQ(never.began.timedWait(5), -1) << "a thread never resumed does not run its function";
 }
@@ -153,6 +164,11 @@ public:
     Signal wake;
 };
 
+class Unenterable final : public Worker {
+protected:
+    void enter() override { throw std::runtime_error("no entry"); }
+};
+
 TEST(Thread, RunsItsRunnableUntilStopped) {
     Worker worker;
     Thread thread(&worker, &worker.wake, "worker");
@@ -191,6 +207,11 @@ TEST(Thread, SurvivesWhatRunThrowsAndHavingNoWork) {
     thread.start(false);
     thread.stop(true);
     EXPECT_FALSE(worker.running());
+    Unenterable unenterable;
+    Thread refused(&unenterable, nullptr, "refused");
+    refused.start(true);
+    refused.wait();
+    EXPECT_EQ(unenterable.runs, 0);
     Thread idle(nullptr, nullptr, "idle");
     idle.start(true);
     idle.stop(true);
