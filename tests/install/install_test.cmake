@@ -33,6 +33,19 @@ run("running the client" ${CMAKE_COMMAND} -E env ZENTARASDK_ROOT=${prefix}/ LD_L
 if(NOT output MATCHES "[1-9][0-9]* bytes")
     message(FATAL_ERROR "the client read no frame:\n${output}")
 endif()
+message(STATUS "the client: ${output}")
+
+# A plug-in from nothing passes the scan.
+run("configuring the plug-in" ${CMAKE_COMMAND} -G Ninja -S ${SOURCE_DIR}/examples/minimal_plugin -B ${work}/plugin
+    ${options})
+run("building the plug-in" ${CMAKE_COMMAND} --build ${work}/plugin)
+file(GLOB plugin ${work}/plugin/minimal_plugin.dll ${work}/plugin/minimal_plugin.so)
+file(COPY ${plugin} DESTINATION ${prefix}/bin/Plugins)
+run("listing the plug-ins" ${CMAKE_COMMAND} -E env ZENTARASDK_ROOT=${prefix}/ LD_LIBRARY_PATH=${prefix}/${LIBDIR}
+    ${EMULATOR} ${prefix}/bin/zentara${suffix} plugins --json)
+if(NOT output MATCHES "6D0E5C17-3F42-4B8A-9C51-2A77E0148BD3")
+    message(FATAL_ERROR "the plug-in is not registered:\n${output}")
+endif()
 
 if(NOT TOOLCHAIN AND NOT SANITIZE)
     # No header may lean on one that is not installed: each is compiled alone from the installed tree.
@@ -53,4 +66,4 @@ if(NOT TOOLCHAIN AND NOT SANITIZE)
     run("building the client with pkg-config's flags" ${CXX_COMPILER} ${SOURCE_DIR}/examples/host/main.cpp
         ${flags} -o ${work}/host-by-pkg-config)
 endif()
-message(STATUS "installed, built and ran: ${output}")
+message(STATUS "installed, built and ran")
