@@ -74,6 +74,9 @@ function(zentara_configure_library target)
         $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>
         $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
     target_compile_features(${target} PUBLIC cxx_std_20)
+    # Clients' plug-ins must be able to leave the process, too.
+    target_compile_options(${target} INTERFACE
+        $<$<AND:$<CXX_COMPILER_ID:GNU>,$<COMPILE_LANGUAGE:CXX>>:-fno-gnu-unique>)
     target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:zentara_settings> $<BUILD_INTERFACE:zentara_platform>)
     set_target_properties(${target} PROPERTIES OUTPUT_NAME ZentaraPlugins)
     if(WIN32)
