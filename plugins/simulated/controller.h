@@ -30,6 +30,9 @@ public:
     /// How many bytes a control has.
     [[nodiscard]] virtual std::int32_t length(std::uint32_t unit, std::uint32_t control) = 0;
 
+    /// Ends a transfer that hangs; called from another thread. False when none does.
+    virtual bool cancel() { return false; }
+
 protected:
     Controller() = default;
 };

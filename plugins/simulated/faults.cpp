@@ -3,9 +3,10 @@
 #include <stdexcept>
 #include <string>
 
-#include <zentara/io/device_request.h>
 #include <zentara/utils/clock.h>
 #include <zentara/utils/format.h>
+
+#include "plugins/simulated/pending_request.h"
 
 namespace Zentara::Simulated {
 namespace {
@@ -23,29 +24,6 @@ std::string messageOf(const Fault& fault) {
         return fault.message;
     return Utils::Format("%: simulated fault") % operationName(fault.at);
 }
-
-/// Marks the request as pending for as long as it lives.
-class Pending {
-public:
-    explicit Pending(IO::deviceRequest* pending) : request(pending) { mark(true); }
-    ~Pending() { mark(false); }
-    Pending(const Pending&) = delete;
-    Pending& operator=(const Pending&) = delete;
-
-    /// The caller gave up before the request was marked: nobody will cancel it any more.
-    [[nodiscard]] bool alreadyCancelled() const { return request != nullptr && request->getCancelled(); }
-
-private:
-    void mark(bool pending) {
-        if (request == nullptr)
-            return;
-        request->lock();
-        request->setIOPending(pending);
-        request->unlock();
-    }
-
-    IO::deviceRequest* request;
-};
 
 } // namespace
 
@@ -98,7 +76,7 @@ bool Faults::due(Operation operation, Fault& fault) {
 }
 
 void Faults::hang(const Fault& fault, IO::deviceRequest* request) {
-    Pending pending(request);
+    const PendingRequest pending(request);
     if (pending.alreadyCancelled() || !waitHanging(fault.milliseconds))
         throw Plugin::IOPluginException(Utils::Format("%: cancelled") % operationName(fault.at));
 }

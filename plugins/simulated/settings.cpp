@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <cstddef>
+#include <optional>
 #include <utility>
 
 #include <zentara/utils/environment_variable.h>
@@ -98,11 +99,15 @@ public:
         const std::string digits = word(what);
         std::uint32_t value = 0;
         const char* end = digits.data() + digits.size();
-        const auto result = std::from_chars(digits.data(), end, value);
+        const bool hexadecimal = digits.size() > 2 && digits[0] == '0' && digits[1] == 'x';
+        const auto result =
+            std::from_chars(digits.data() + (hexadecimal ? 2 : 0), end, value, hexadecimal ? 16 : 10);
         if (result.ec != std::errc() || result.ptr != end)
             fail(Format("% must be a whole number from 0 to 4294967295, not '%'") % what % digits);
         return value;
     }
+
+    [[nodiscard]] const std::string& where() const { return place; }
 
     void expect(const char* keyword) {
         const std::string found = word(keyword);
@@ -184,6 +189,64 @@ Fault readFault(Statement& statement, bool hang) {
     return fault;
 }
 
+std::optional<ChipKind> chipNamed(const std::string& name, const std::string& place) {
+    const std::optional<ChipKind> kind = chipKindFromName(name);
+    if (!kind && name != "none")
+        throw Plugin::ConfigurationPluginException(
+            Format("simulated camera settings: %: unknown chip '%'; known: OV0570 VC0258 VC0345 none") %
+            place % name);
+    return kind;
+}
+
+std::uint32_t numberUpTo(Statement& statement, const char* what, std::uint32_t least, std::uint32_t most) {
+    const std::uint32_t value = statement.number(what);
+    if (value < least || value > most)
+        statement.fail(Format("% must be % to %, not %") % what % least % most % value);
+    return value;
+}
+
+OV0570Controller::Device readDevice(Statement& statement) {
+    OV0570Controller::Device device{};
+    device.busAddress = static_cast<std::uint16_t>(numberUpTo(statement, "the bus address", 0, 0xFFFF));
+    device.addressCode = static_cast<std::uint8_t>(numberUpTo(statement, "the address bytes", 1, 4) - 1);
+    device.dataCode = static_cast<std::uint8_t>(numberUpTo(statement, "the data bytes", 1, 4) - 1);
+    return device;
+}
+
+TransferFault readTransferFault(Statement& statement) {
+    const std::string transfer = statement.word("the number of the transfer");
+    const std::string kind = statement.word("what goes wrong with it");
+    try {
+        return parseTransferFault(transfer, kind, statement.rest());
+    } catch (const Plugin::ArgumentPluginException& failure) {
+        statement.fail(failure.what());
+    }
+}
+
+/// False for a statement that is not about the controller.
+bool readControllerStatement(Statement& statement, const std::string& verb, ControllerSettings& settings) {
+    if (verb == "chip")
+        settings.chip = chipNamed(statement.word("the chip"), statement.where());
+    else if (verb == "device")
+        settings.devices.push_back(readDevice(statement));
+    else if (verb == "claim")
+        settings.claimedDevices =
+            static_cast<std::uint8_t>(numberUpTo(statement, "the devices claimed", 0, 255));
+    else if (verb == "fpgaRounds")
+        settings.fpgaRounds = numberUpTo(statement, "the rounds", 0, 1000);
+    else if (verb == "resetReads")
+        settings.resetReads = numberUpTo(statement, "the reads", 0, 1000);
+    else if (verb == "flash")
+        settings.flash = statement.rest();
+    else if (verb == "transferLog")
+        settings.transferLog = statement.rest();
+    else if (verb == "transfer")
+        settings.faults.push_back(readTransferFault(statement));
+    else
+        return false;
+    return true;
+}
+
 void readStatement(Statement& statement, Settings& settings) {
     const std::string verb = statement.word("the statement");
     if (verb == "throw" || verb == "hang") {
@@ -195,8 +258,11 @@ void readStatement(Statement& statement, Settings& settings) {
     } else if (verb == "refuse") {
         statement.expect("cancel");
         settings.refuseCancel = true;
-    } else {
-        statement.fail(Format("unknown statement '%'; known: seed throw hang refuse") % verb);
+    } else if (!readControllerStatement(statement, verb, settings.controller)) {
+        statement.fail(
+            Format("unknown statement '%'; known: seed throw hang refuse chip device claim fpgaRounds "
+                   "resetReads flash transfer transferLog") %
+            verb);
     }
     if (!statement.atEnd())
         statement.fail(Format("unexpected '%' at the end of the line") % statement.rest());
@@ -222,22 +288,34 @@ Settings Settings::parse(const std::string& text, const std::string& source) {
     return settings;
 }
 
-Settings Settings::fromEnvironment() {
-    Utils::EnvironmentVariable setting(variable);
+namespace {
+
+Settings readEnvironment() {
+    Utils::EnvironmentVariable setting(Settings::variable);
     if (!setting.isDefined())
         return {};
     std::string text = setting.getValue();
     if (text.front() != '@') {
         for (char& character : text)
             character = character == ';' ? '\n' : character;
-        return parse(text, variable);
+        return Settings::parse(text, Settings::variable);
     }
     const std::string path = text.substr(1);
     try {
-        return parse(Utils::readFile(path), path);
+        return Settings::parse(Utils::readFile(path), path);
     } catch (const Utils::UIOException& failure) {
         throw Plugin::ConfigurationPluginException(Format("simulated camera settings: %") % failure.what());
     }
+}
+
+} // namespace
+
+Settings Settings::fromEnvironment() {
+    Settings settings = readEnvironment();
+    Utils::EnvironmentVariable chip(ControllerSettings::chipVariable);
+    if (chip.isDefined())
+        settings.controller.chip = chipNamed(chip.getValue(), ControllerSettings::chipVariable);
+    return settings;
 }
 
 } // namespace Zentara::Simulated

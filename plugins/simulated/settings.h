@@ -6,6 +6,8 @@
 
 #include <zentara/plugin/plugin_exceptions.h>
 
+#include "plugins/simulated/controllers/controller_settings.h"
+
 namespace Zentara::Simulated {
 
 /// Where a simulated device can be made to fail: its operations, under the names that the settings use for them.
@@ -73,6 +75,15 @@ struct Fault {
 ///     hang MILLISECONDS at OPERATION the call does nothing for so long, then goes on; a cancel ends it with an
 ///                                    I/O failure
 ///     refuse cancel                  no cancel is accepted
+///     chip NAME                      the controller: OV0570 (unless set), VC0258, VC0345 or none; the variable
+///                                    ZENTARA_SIMULATED_CHIP, when set, has the last word
+///     device ADDRESS A D             a device on an OV0570's bus with A address and D data bytes, 1 to 4; the first
+///                                    such statement replaces the usual two
+///     claim N                        how many further devices an OV0570 claims to have
+///     fpgaRounds N, resetReads N     how long an OV0570's FPGA takes to come up
+///     flash PATH                     the bytes of the controller's memory
+///     transfer N FAULT [MS]          the Nth transfer: fail, late, short, long, corrupt, or hang for MS milliseconds
+///     transferLog PATH               a line for each transfer is added to this file
 ///
 /// An OPERATION is one of the words of the enumeration above (create, initialize, ... setMute); "video." or
 /// "audio." before it picks one device, else both are meant. A throw or hang may go on with "after N" (so many
@@ -82,6 +93,7 @@ struct Settings {
     std::uint32_t seed = 1;
     bool refuseCancel = false;
     std::vector<Fault> faults;
+    ControllerSettings controller;
 
     /// The variable that holds the settings: "@PATH" names a file (UTF-8), anything else is the text itself, in
     /// which ';' ends a line as well. Unset or empty: no faults.

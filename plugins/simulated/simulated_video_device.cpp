@@ -16,6 +16,8 @@
 
 #include "plugins/simulated/faults.h"
 #include "plugins/simulated/frame_layout.h"
+#include "plugins/simulated/pending_request.h"
+#include "plugins/simulated/port_controller.h"
 #include "plugins/simulated/scene.h"
 #include "plugins/simulated/settings.h"
 #include "plugins/simulated/stream_clock.h"
@@ -154,7 +156,8 @@ struct SimulatedVideoDevice::Impl {
     std::vector<std::uint16_t> confidence ZENTARA_GUARDED_BY(lock);
 };
 
-SimulatedVideoDevice::SimulatedVideoDevice() : SimulatedVideoDevice(nullptr) {}
+SimulatedVideoDevice::SimulatedVideoDevice()
+    : SimulatedVideoDevice(makeController(Settings::fromEnvironment().controller)) {}
 
 SimulatedVideoDevice::SimulatedVideoDevice(std::unique_ptr<Controller> controller)
     : VideoDeviceInterface(Core::Guids::MOCKVIDEODEVICE_IMPL),
@@ -180,7 +183,9 @@ void SimulatedVideoDevice::threadInitialize() { impl->faults.meet(Operation::Thr
 void SimulatedVideoDevice::threadUninitialize() { impl->faults.meet(Operation::ThreadUninitialize); }
 
 bool SimulatedVideoDevice::cancelIO() {
-    return !impl->faults.refusesCancel() && (impl->faults.cancel() || impl->clock.cancel());
+    return !impl->faults.refusesCancel() &&
+           (impl->faults.cancel() || (impl->controller && impl->controller->cancel()) ||
+            impl->clock.cancel());
 }
 
 ReadBufferStatus SimulatedVideoDevice::readBuffer(void* buffer, int size, std::int64_t* timestamp,
@@ -283,6 +288,7 @@ void SimulatedVideoDevice::setCameraControl(IO::setCameraControlRequest* request
 
 void SimulatedVideoDevice::send(IO::xuSendRequest* request) {
     impl->faults.meet(Operation::Send, request);
+    const PendingRequest pending(request);
     impl->requireController(Operation::Send)
         .set(request->getUnit(), request->getControl(), static_cast<const std::uint8_t*>(request->getData()),
              request->getLength());
@@ -290,6 +296,7 @@ void SimulatedVideoDevice::send(IO::xuSendRequest* request) {
 
 void SimulatedVideoDevice::recv(IO::xuRecvRequest* request) {
     impl->faults.meet(Operation::Recv, request);
+    const PendingRequest pending(request);
     impl->requireController(Operation::Recv)
         .get(request->getUnit(), request->getControl(), static_cast<std::uint8_t*>(request->getData()),
              request->getLength(), request->getFlag());

@@ -17,7 +17,7 @@ namespace Zentara::Simulated {
 /// Order of calls: open, enable a stream, readBuffer, disableStreaming, close. Closing ends the stream.
 class SimulatedVideoDevice final : public IO::VideoDeviceInterface {
 public:
-    /// With the settings of the environment, and without a controller.
+    /// With the settings of the environment, and the controller that they name.
     SimulatedVideoDevice();
 
     /// \param controller answers the extension unit; with null its operations are not supported.

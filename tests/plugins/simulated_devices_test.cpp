@@ -130,6 +130,7 @@ TEST_P(SimulatedDevices, StreamTheSceneAtItsPace) {
 }
 
 TEST_P(SimulatedDevices, AnswerEveryOperationInItsState) {
+    const SimulatedFaults withoutController("chip none");
     const auto camera = video();
     const auto expect = [](const char* kind, const char* text, const std::function<void()>& step) {
         EXPECT_THAT(outcome(step), testing::AllOf(testing::StartsWith(kind), HasSubstr(text)));

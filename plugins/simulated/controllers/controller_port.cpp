@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <charconv>
 #include <optional>
-#include <sstream>
 #include <utility>
 
 #include <zentara/plugin/plugin_exceptions.h>
@@ -37,24 +36,6 @@ bool parseNumber(const std::string& text, Number& value) {
     return error == std::errc() && end == text.data() + text.size();
 }
 
-TransferFault parseFault(const std::string& item) {
-    const std::size_t colon = item.find(':');
-    const std::size_t equals = item.find('=');
-    TransferFault fault;
-    const auto kind = colon == std::string::npos
-                          ? std::nullopt
-                          : faultKindFromName(item.substr(colon + 1, equals - colon - 1));
-    const bool numbered = kind && parseNumber(item.substr(0, colon), fault.transfer) && fault.transfer > 0;
-    const bool timed = equals == std::string::npos || parseNumber(item.substr(equals + 1), fault.hangMillis);
-    if (!numbered || !timed) {
-        throw Plugin::ArgumentPluginException(Format("no transfer fault: '%' (want N:fail, late, short, "
-                                                     "long, corrupt, hang or hang=MILLISECONDS)") %
-                                              item);
-    }
-    fault.kind = *kind;
-    return fault;
-}
-
 void corrupt(Bytes& bytes) {
     for (std::size_t i = 1; i < bytes.size(); ++i) {
         bytes[i] ^= 0xFF;
@@ -81,14 +62,22 @@ std::string lengthText(const Transfer& transfer, std::size_t count) {
 
 } // namespace
 
-std::vector<TransferFault> parseTransferFaults(const std::string& text) {
-    std::vector<TransferFault> faults;
-    std::istringstream items(text);
-    for (std::string item; std::getline(items, item, ',');) {
-        item.erase(0, item.find_first_not_of(' '));
-        faults.push_back(parseFault(item));
+TransferFault parseTransferFault(const std::string& transfer, const std::string& kind,
+                                 const std::string& hangMillis) {
+    TransferFault fault;
+    if (!parseNumber(transfer, fault.transfer) || fault.transfer == 0) {
+        throw Plugin::ArgumentPluginException(Format("'%' numbers no transfer; the first is 1") % transfer);
     }
-    return faults;
+    const auto known = faultKindFromName(kind);
+    if (!known) {
+        throw Plugin::ArgumentPluginException(
+            Format("unknown transfer fault '%'; known: fail late short long corrupt hang") % kind);
+    }
+    fault.kind = *known;
+    if (!hangMillis.empty() && !parseNumber(hangMillis, fault.hangMillis)) {
+        throw Plugin::ArgumentPluginException(Format("'%' is no number of milliseconds") % hangMillis);
+    }
+    return fault;
 }
 
 ControllerPort::ControllerPort(std::unique_ptr<ControllerModel> model) : controller(std::move(model)) {}

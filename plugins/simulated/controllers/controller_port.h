@@ -31,9 +31,10 @@ struct TransferFault {
     unsigned long hangMillis = 10000;
 };
 
-/// Faults from a text: "3:fail,7:hang,9:hang=2500" with fail, late, short, long, corrupt, hang.
-/// \throws ArgumentPluginException naming the item that is none.
-[[nodiscard]] std::vector<TransferFault> parseTransferFaults(const std::string& text);
+/// A fault from words: which transfer, one of fail, late, short, long, corrupt, hang, and for how many milliseconds it
+/// hangs (empty for as long as usual). \throws ArgumentPluginException naming the word that is wrong.
+[[nodiscard]] TransferFault parseTransferFault(const std::string& transfer, const std::string& kind,
+                                               const std::string& hangMillis);
 
 /// The extension-unit end of a simulated camera: checks unit, control and length as a camera's USB stack does,
 /// lets the planned faults happen, keeps a log, and passes the rest to the controller. *Safe*.

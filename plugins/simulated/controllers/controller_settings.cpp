@@ -1,0 +1,89 @@
+#include "plugins/simulated/controllers/controller_settings.h"
+
+#include <filesystem>
+#include <fstream>
+
+#include <zentara/plugin/plugin_exceptions.h>
+#include <zentara/utils/exceptions.h>
+#include <zentara/utils/files.h>
+#include <zentara/utils/format.h>
+
+#include "plugins/simulated/controllers/vc0258_controller.h"
+#include "plugins/simulated/controllers/vc0345_controller.h"
+
+namespace Zentara::Simulated {
+
+namespace {
+
+Bytes readFlash(const std::string& path) {
+    try {
+        const std::string text = Utils::readFile(path);
+        return {text.begin(), text.end()};
+    } catch (const Utils::UIOException& failure) {
+        throw Plugin::ConfigurationPluginException(Utils::Format("simulated flash: %") % failure.what());
+    }
+}
+
+std::unique_ptr<ControllerModel> makeOV0570(const ControllerSettings& wanted) {
+    OV0570Controller::Settings settings;
+    if (!wanted.devices.empty()) {
+        settings.devices = wanted.devices;
+    }
+    if (!wanted.flash.empty()) {
+        settings.flash = readFlash(wanted.flash);
+    }
+    settings.claimedDevices = wanted.claimedDevices;
+    settings.fpgaRounds = wanted.fpgaRounds;
+    settings.resetRounds = wanted.resetReads;
+    return std::make_unique<OV0570Controller>(std::move(settings));
+}
+
+template<typename Model>
+std::unique_ptr<ControllerModel> makeWithFlash(const ControllerSettings& wanted) {
+    typename Model::Settings settings;
+    if (!wanted.flash.empty()) {
+        settings.flash = readFlash(wanted.flash);
+    }
+    return std::make_unique<Model>(std::move(settings));
+}
+
+std::unique_ptr<ControllerModel> makeModel(const ControllerSettings& wanted) {
+    switch (*wanted.chip) {
+    case ChipKind::VC0258:
+        return makeWithFlash<VC0258Controller>(wanted);
+    case ChipKind::VC0345:
+        return makeWithFlash<VC0345Controller>(wanted);
+    default:
+        return makeOV0570(wanted);
+    }
+}
+
+void keepLog(ControllerPort& port, const std::string& path) {
+    const std::filesystem::path name(std::u8string(path.begin(), path.end()));
+    auto file = std::make_shared<std::ofstream>(name, std::ios::app | std::ios::binary);
+    if (!*file) {
+        throw Plugin::ConfigurationPluginException(
+            Utils::Format("simulated camera: cannot write the transfer log '%'") % path);
+    }
+    port.setObserver([file, kind = port.model().kind()](const Transfer& transfer) {
+        *file << transferLine(kind, transfer) << '\n' << std::flush;
+    });
+}
+
+} // namespace
+
+std::unique_ptr<ControllerPort> makeControllerPort(const ControllerSettings& settings) {
+    if (!settings.chip) {
+        return nullptr;
+    }
+    auto port = std::make_unique<ControllerPort>(makeModel(settings));
+    for (const TransferFault& fault : settings.faults) {
+        port->addFault(fault);
+    }
+    if (!settings.transferLog.empty()) {
+        keepLog(*port, settings.transferLog);
+    }
+    return port;
+}
+
+} // namespace Zentara::Simulated

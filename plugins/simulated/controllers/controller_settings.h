@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "plugins/simulated/controllers/controller_port.h"
+#include "plugins/simulated/controllers/ov0570_controller.h"
+
+namespace Zentara::Simulated {
+
+/// Which controller a simulated camera has, and what is wrong with it.
+struct ControllerSettings {
+    std::optional<ChipKind> chip = ChipKind::OV0570; ///< nothing for a camera without one
+    std::vector<TransferFault> faults;
+    std::string transferLog; ///< a file (UTF-8) that gets one line a transfer, empty for none
+    std::string flash;       ///< a file (UTF-8) with the memory's bytes, empty for a pattern
+
+    // OV0570 only.
+    std::vector<OV0570Controller::Device> devices; ///< empty for the usual two
+    std::optional<std::uint8_t> claimedDevices;
+    unsigned fpgaRounds = 0;
+    unsigned resetReads = 0;
+
+    /// The variable that names the chip whatever the settings say.
+    static constexpr const char* chipVariable = "ZENTARA_SIMULATED_CHIP";
+};
+
+/// The port of such a controller; null for a camera without one.
+/// \throws Plugin::ConfigurationPluginException when a file cannot be read or written.
+[[nodiscard]] std::unique_ptr<ControllerPort> makeControllerPort(const ControllerSettings& settings);
+
+} // namespace Zentara::Simulated

@@ -1,0 +1,198 @@
+// The simulated controllers by their bytes, without any chip: what they refuse and what wrong settings do to data.
+#include <memory>
+#include <thread>
+
+#include <gmock/gmock.h>
+
+#include <zentara/plugin/plugin_exceptions.h>
+
+#include "plugins/simulated/controllers/controller_port.h"
+#include "plugins/simulated/controllers/ov0570_controller.h"
+#include "plugins/simulated/controllers/vc0258_controller.h"
+#include "plugins/simulated/controllers/vc0345_controller.h"
+
+namespace Zentara::Simulated {
+
+namespace {
+
+using Plugin::ArgumentPluginException;
+using Plugin::IOPluginException;
+using Plugin::NotSupportedPluginException;
+using Plugin::TimeoutPluginException;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+template<typename Model>
+class Wire {
+public:
+    Wire() : port(std::make_unique<Model>(typename Model::Settings{})) { port.select(port.model().guid()); }
+
+    void set(std::uint32_t control, Bytes packet) {
+        packet.resize(size(control));
+        port.set(port.model().unit(), control, packet.data(), packet.size());
+    }
+    Bytes get(std::uint32_t control, Bytes request) {
+        request.resize(size(control));
+        port.get(port.model().unit(), control, request.data(), request.size());
+        return request;
+    }
+
+    ControllerPort port;
+
+private:
+    std::size_t size(std::uint32_t control) {
+        return static_cast<std::size_t>(port.length(port.model().unit(), control));
+    }
+};
+
+TEST(OV0570ControllerTest, RefusesWidthsThatAreNotTheDevices) {
+    Wire<OV0570Controller> wire;
+    EXPECT_NO_THROW(wire.set(2, {0x11, 5, 0, 1, 2}));
+    EXPECT_EQ(wire.get(2, {0x91, 5})[4], 2);
+    for (const std::uint8_t head : {0x01, 0x31, 0x13, 0x91}) {
+        EXPECT_THROW(wire.set(2, {head, 5}), IOPluginException) << int{head};
+    }
+    EXPECT_THROW(wire.get(2, {0x11, 5}), IOPluginException);
+    EXPECT_THROW(wire.set(1, {}), IOPluginException);
+}
+
+TEST(OV0570ControllerTest, TheEepromWantsItsStatesInOrder) {
+    Wire<OV0570Controller> wire;
+    EXPECT_THROW(wire.set(3, {2}), IOPluginException);
+    wire.set(3, {1, 0x10, 0x00, 0x2F, 0x00});
+    EXPECT_THROW(wire.set(3, {3}), IOPluginException);
+    wire.set(3, {2});
+    EXPECT_THROW(wire.get(3, {3}), IOPluginException);
+    wire.set(3, {3});
+    const Bytes& flash = wire.port.model().flash();
+    const Bytes reply = wire.get(3, {3});
+    EXPECT_EQ(Bytes(reply.begin() + 1, reply.end()), Bytes(flash.begin() + 0x10, flash.begin() + 0x30));
+    EXPECT_THROW(wire.get(3, {3}), IOPluginException) << "the range is inclusive, and over";
+    wire.set(3, {5});
+    EXPECT_THROW(wire.get(3, {3}), IOPluginException);
+    EXPECT_THROW(wire.set(3, {4}), IOPluginException);
+}
+
+TEST(VC0258ControllerTest, AWrongOrderExchangesBytesAndAWrongSizeLosesThem) {
+    Wire<VC0258Controller> wire;
+    const Bytes write{0x43, 1, 0x12, 5, 0, 0, 0x34, 0x12};
+    const auto stored = [&] {
+        return static_cast<VC0258Controller&>(wire.port.model()).device(0x21).peek(5);
+    };
+    wire.set(4, {0x20, 0x02, 0x81, 9});
+    wire.set(16, write);
+    EXPECT_EQ(stored(), 0x3412U) << "the bridge was told order 0";
+    wire.set(4, {0x20, 0x39, 0xB4, 1});
+    wire.set(16, write);
+    EXPECT_EQ(stored(), 0x1234U);
+    EXPECT_EQ(wire.get(16, {0x46, 1, 0x02, 5})[6], 0x12) << "exchanged on the way back, too";
+    EXPECT_EQ(wire.get(16, {0x46, 1, 0x12, 5})[6], 0x34);
+    wire.set(4, {0x20, 0x02, 0x81, 7});
+    wire.set(16, write);
+    EXPECT_EQ(stored(), 0x0034U);
+    wire.set(4, {0x20, 0x02, 0x81, 0});
+    EXPECT_THROW(wire.set(16, write), IOPluginException);
+}
+
+TEST(VC0258ControllerTest, MemoryNeedsTheDmaSizeAndTheArea) {
+    Wire<VC0258Controller> wire;
+    EXPECT_THROW(wire.get(24, {0x50, 0, 0, 32}), IOPluginException);
+    wire.set(4, {0x20, 0x0F, 0x81, 0x24});
+    EXPECT_EQ(wire.get(24, {0x50, 2, 0, 1})[4], wire.port.model().flash()[2]);
+    wire.set(4, {0x20, 0x12, 0x81, 1});
+    EXPECT_EQ(wire.get(24, {0x50, 2, 0, 1})[4], wire.port.model().configuration()[2]);
+    EXPECT_THROW(wire.get(24, {0x50, 2, 0, 33}), IOPluginException);
+}
+
+TEST(VC0345ControllerTest, TheTwoBytesOfARegisterAreReadApart) {
+    Wire<VC0345Controller> wire;
+    wire.set(4, {0x20, 0x02, 0x81, 4});
+    wire.set(16, {0x41, 5, 0x34, 0x12});
+    EXPECT_EQ(wire.get(16, {0x46, 0x05})[3], 0x34);
+    EXPECT_EQ(wire.get(16, {0x46, 0x85})[3], 0x12);
+    wire.set(4, {0x20, 0x02, 0x81, 3});
+    EXPECT_EQ(wire.get(16, {0x46, 0x05})[3], 0);
+}
+
+TEST(ControllerPortTest, ChecksUnitControlAndLengthAndWantsASelection) {
+    ControllerPort port(std::make_unique<OV0570Controller>(OV0570Controller::Settings{}));
+    Bytes packet(7);
+    EXPECT_THROW(port.set(6, 2, packet.data(), 7), IOPluginException);
+    EXPECT_THROW(port.select(::GUID{}), NotSupportedPluginException);
+    port.select(port.model().guid());
+    EXPECT_THROW(port.set(5, 2, packet.data(), 7), IOPluginException);
+    EXPECT_THROW(port.set(6, 4, packet.data(), 7), IOPluginException);
+    EXPECT_THROW(port.set(6, 2, packet.data(), 6), IOPluginException);
+    EXPECT_THROW(static_cast<void>(port.length(6, 0)), IOPluginException);
+    EXPECT_EQ(port.length(6, 3), 33);
+}
+
+TEST(ControllerPortTest, FaultsHitTheirTransferAndLeaveTheBufferAlone) {
+    Wire<VC0345Controller> wire;
+    const struct {
+        TransferFaultKind kind;
+        const char* text;
+    } rows[] = {{TransferFaultKind::Fail, "failed"},
+                {TransferFaultKind::Late, "too late"},
+                {TransferFaultKind::Short, "3 bytes came back, 4 were asked"},
+                {TransferFaultKind::Long, "5 bytes came back, 4 were asked"},
+                {TransferFaultKind::Hang, "did not answer"}};
+    for (const auto& row : rows) {
+        wire.port.clearFaults();
+        wire.port.addFault({2, row.kind, 1});
+        Bytes buffer{0xA0, 0, 0, 0};
+        EXPECT_NO_THROW(wire.port.get(4, 5, buffer.data(), 4));
+        const Bytes before = buffer;
+        try {
+            wire.port.get(4, 5, buffer.data(), 4);
+            ADD_FAILURE() << row.text;
+        } catch (const Plugin::PluginException& failure) {
+            EXPECT_THAT(failure.what(), HasSubstr(row.text));
+        }
+        EXPECT_EQ(buffer, before);
+        EXPECT_NO_THROW(wire.port.get(4, 5, buffer.data(), 4));
+    }
+}
+
+TEST(ControllerPortTest, AHangingTransferIsCancelled) {
+    Wire<VC0345Controller> wire;
+    wire.port.addFault({1, TransferFaultKind::Hang, 600000});
+    std::thread caller([&] { EXPECT_THROW(wire.get(5, {0xA0}), TimeoutPluginException); });
+    while (!wire.port.cancel()) {
+        std::this_thread::yield();
+    }
+    caller.join();
+    EXPECT_THAT(wire.port.log().back().failure, HasSubstr("cancelled"));
+}
+
+TEST(ControllerPortTest, FaultsAreReadFromWords) {
+    const TransferFault fault = parseTransferFault("7", "hang", "2500");
+    EXPECT_EQ(fault.transfer, 7U);
+    EXPECT_EQ(fault.kind, TransferFaultKind::Hang);
+    EXPECT_EQ(fault.hangMillis, 2500U);
+    EXPECT_EQ(parseTransferFault("1", "late", "").kind, TransferFaultKind::Late);
+    EXPECT_THROW(static_cast<void>(parseTransferFault("0", "fail", "")), ArgumentPluginException);
+    EXPECT_THROW(static_cast<void>(parseTransferFault("x", "fail", "")), ArgumentPluginException);
+    EXPECT_THROW(static_cast<void>(parseTransferFault("1", "explode", "")), ArgumentPluginException);
+    EXPECT_THROW(static_cast<void>(parseTransferFault("1", "hang", "-1")), ArgumentPluginException);
+}
+
+TEST(TransferTest, LinesTellTheBytesAndTheirMeaning) {
+    const auto line = [](ChipKind kind, bool isGet, std::uint32_t control, Bytes sent, Bytes reply) {
+        return transferLine(kind, {isGet, 4, control, std::move(sent), std::move(reply), {}});
+    };
+    EXPECT_EQ(line(ChipKind::OV0570, false, 2, {0x11, 0x1D, 0, 1, 0, 0, 0}, {}),
+              "SET 4/2  11 1D 00 01 00 00 00  write device 1 register 0x1D := 0x0001");
+    EXPECT_EQ(
+        line(ChipKind::VC0258, true, 16, {0x46, 1, 2, 5, 0, 0, 0, 0, 0},
+             {0x46, 1, 2, 5, 0, 0, 0x34, 0x12, 0}),
+        "GET 4/16  46 01 02 05 00 00 00 00 00 -> 46 01 02 05 00 00 34 12 00  I2C read address 0x23 register "
+        "0x05 -> 0x1234, byte order 0");
+    EXPECT_EQ(line(ChipKind::VC0345, false, 4, {0x20, 2, 0x81, 4}, {}),
+              "SET 4/4  20 02 81 04  write bridge register 0x8102 := 0x04 (sensor control size)");
+    EXPECT_THAT(line(ChipKind::VC0345, true, 16, {}, {}), HasSubstr("register 0x00")) << "no bytes, no harm";
+}
+
+} // namespace
+
+} // namespace Zentara::Simulated
