@@ -25,8 +25,14 @@ struct Verb {
 };
 
 /// Each adds one verb, with its options, to the program.
+[[nodiscard]] Verb addFirmwareVerb(CLI::App& program);
+[[nodiscard]] Verb addI2cVerb(CLI::App& program);
+[[nodiscard]] Verb addMetaVerb(CLI::App& program);
+[[nodiscard]] Verb addModfreqVerb(CLI::App& program);
 [[nodiscard]] Verb addPluginsVerb(CLI::App& program);
+[[nodiscard]] Verb addRegVerb(CLI::App& program);
 [[nodiscard]] Verb addStreamVerb(CLI::App& program);
+[[nodiscard]] Verb addXuVerb(CLI::App& program);
 
 /// Runs the tool. \param arguments without the program's name, UTF-8. \return the exit code
 [[nodiscard]] int runTool(std::vector<std::string> arguments, Console& console);

@@ -1,0 +1,127 @@
+#include <string>
+#include <vector>
+
+#include <zentara/utils/files.h>
+
+#include "plugins/simulated/controllers/controller_model.h"
+#include "support/simulated_faults.h"
+#include "tools/tool_fixture.h"
+#include "tools/zentara/verb.h"
+
+namespace Zentara::Tool {
+namespace {
+
+using Simulated::Bytes;
+using Simulated::patternFlash;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using TestSupport::SimulatedFaults;
+
+class ChipVerbs : public ToolTest {
+protected:
+    static std::string textOf(const Bytes& bytes) { return {bytes.begin(), bytes.end()}; }
+};
+
+TEST_F(ChipVerbs, ShowTheToggleInATrace) {
+    const ToolRun run = ToolTest::run({"reg", "write", "tof", "29", "0", "--times", "2", "--trace"});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_EQ(run.out, "tof 0x1D := 0x00\n");
+    EXPECT_THAT(run.err,
+                HasSubstr("SET 6/2  11 1D 00 01 00 00 00  write device 1 register 0x1D := 0x0001\n"
+                          "SET 6/2  11 1D 00 00 00 00 00  write device 1 register 0x1D := 0x0000\n"));
+}
+
+TEST_F(ChipVerbs, DumpTheWholeMemoryOfEachController) {
+    const struct {
+        const char* camera;
+        std::uint8_t firmware;
+        std::uint8_t configuration;
+    } rows[] = {{"OV0570", 0x57, 0x57}, {"VC0258", 0x28, 0x82}, {"VC0345", 0x45, 0x45}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.camera);
+        const std::string file = path(std::string(row.camera) + ".bin");
+        const ToolRun run = ToolTest::run({"firmware", "dump", file, "--camera", row.camera, "--json"});
+        ASSERT_EQ(run.exitCode, 0) << run.err;
+        EXPECT_EQ(run.json().at("camera"), row.camera);
+        EXPECT_EQ(run.json().at("length"), 65536);
+        EXPECT_EQ(Utils::readFile(file), textOf(patternFlash(row.firmware)));
+        ASSERT_EQ(ToolTest::run({"firmware", "dump", file, "--camera", row.camera, "--area", "configuration",
+                                 "--start", "0x100", "--length", "5000"})
+                      .exitCode,
+                  0);
+        EXPECT_EQ(Utils::readFile(file), textOf(patternFlash(row.configuration)).substr(0x100, 5000));
+    }
+}
+
+TEST_F(ChipVerbs, ReadAndWriteWhatTheyName) {
+    const auto out = [](const std::vector<std::string>& arguments) {
+        const ToolRun run = ToolTest::run(arguments);
+        EXPECT_EQ(run.exitCode, 0) << run.err;
+        return run.out;
+    };
+    EXPECT_EQ(out({"reg", "read", "tof", "0x21", "--camera", "vc0345"}), "0x2035\n");
+    EXPECT_EQ(out({"reg", "read", "bridge", "0x182845", "--direct"}), "0x08\n");
+    EXPECT_EQ(out({"reg", "write", "rgb", "1", "255"}), "rgb 0x01 := 0xFF\n");
+    EXPECT_EQ(out({"i2c", "read", "0x23", "0x21", "--camera", "VC0258"}), "0x2035\n");
+    EXPECT_EQ(out({"i2c", "write", "0x30", "1", "7", "--bytes", "1", "--camera", "VC0258"}),
+              "I2C device 0x30 register 0x01 := 0x07\n");
+    EXPECT_EQ(out({"xu", "len", "16", "--camera", "VC0258"}), "9\n");
+    EXPECT_EQ(out({"xu", "get", "2", "91 21"}), "91 21 00 35 20 00 00\n");
+    EXPECT_EQ(out({"xu", "set", "4", "20:39:B4:01", "--camera", "VC0258"}), "control 4 := 20 39 B4 01\n");
+    const ToolRun modulation = ToolTest::run({"modfreq", "30", "--json", "--trace", "--camera", "VC0258"});
+    ASSERT_EQ(modulation.exitCode, 0) << modulation.err;
+    EXPECT_EQ(modulation.json().at("transfers").size(), 13U);
+    EXPECT_EQ(modulation.json().at("transfers").back().at("sent"), "43 01 12 0A 00 00 00 00 00");
+    EXPECT_EQ(out({"meta", "1000", "0x20001"}), "meta 1000 := 0x20001\n");
+}
+
+TEST_F(ChipVerbs, NameTheRangeOfAValueThatIsOutOfIt) {
+    const struct {
+        std::vector<std::string> arguments;
+        int exitCode;
+        const char* text;
+    } rows[] = {
+        {{"reg", "write", "tof", "29", "0x10000"}, ExitCode_USAGE, "on the OV0570: 0 to 0xFFFF"},
+        {{"reg", "read", "tof", "256"}, ExitCode_USAGE, "on the OV0570: 0 to 0xFF"},
+        {{"reg", "read", "rgb", "1", "--camera", "VC0345"}, ExitCode_FAILED, "VC0345 has no way to a colour"},
+        {{"reg", "read", "fpga", "1"}, ExitCode_USAGE, "fpga"},
+        {{"i2c", "read", "256", "1"}, ExitCode_USAGE, "0 to 255"},
+        {{"i2c", "read", "0x77", "1"}, ExitCode_FAILED, "deviceAddress not found"},
+        {{"i2c", "read", "1", "1", "--camera", "VC0345"}, ExitCode_FAILED, "I2C bus"},
+        {{"meta", "999", "1"}, ExitCode_USAGE, "1000"},
+        {{"meta", "1005", "1", "--camera", "VC0258"}, ExitCode_FAILED, "invalid meta value 3ed"},
+        {{"modfreq", "13"}, ExitCode_USAGE, "10, 12, 20, 30, 40"},
+        {{"modfreq", "30", "--camera", "VC0345"}, ExitCode_FAILED, "VC0345 has no command"},
+        {{"xu", "set", "2", "1"}, ExitCode_USAGE, "pairs of digits"},
+        {{"xu", "set", "2", "0102030405060708"}, ExitCode_USAGE, "0 to 7"},
+        {{"xu", "len", "9"}, ExitCode_FAILED, "no control 9"},
+        {{"firmware", "dump", "x", "--start", "2", "--length", "65535"}, ExitCode_USAGE, "1 to 65534"},
+        {{"reg", "read", "tof", "1", "--camera", "OV9999"}, ExitCode_USAGE, "OV0570"},
+    };
+    for (const auto& row : rows) {
+        const ToolRun run = ToolTest::run(row.arguments);
+        EXPECT_EQ(run.exitCode, row.exitCode) << run.err;
+        EXPECT_THAT(run.err, HasSubstr(row.text));
+        EXPECT_EQ(run.out, "");
+    }
+}
+
+TEST_F(ChipVerbs, TellOfATransferThatFailsAndLeaveNoFile) {
+    const SimulatedFaults faults("chip VC0258;transfer 4 short");
+    const ToolRun run = ToolTest::run({"firmware", "dump", path("dump.bin"), "--trace"});
+    EXPECT_EQ(run.exitCode, ExitCode_FAILED);
+    EXPECT_THAT(run.err, HasSubstr("FAILED: control 24 of unit 4: 35 bytes came back, 36 were asked"));
+    EXPECT_THAT(filesLeft(), testing::IsEmpty());
+}
+
+TEST_F(ChipVerbs, TheCameraKeepsALogOfItsOwn) {
+    const std::string log = path("transfers.txt");
+    const SimulatedFaults settings("chip VC0345;transferLog " + log);
+    ASSERT_EQ(ToolTest::run({"reg", "write", "tof", "5", "0x1234"}).exitCode, 0);
+    EXPECT_EQ(Utils::readFile(log),
+              "SET 4/4  20 02 81 04  write bridge register 0x8102 := 0x04 (sensor control size)\n"
+              "SET 4/16  41 05 34 12  write time-of-flight register 0x05 := 0x1234\n");
+}
+
+} // namespace
+} // namespace Zentara::Tool

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "tools/zentara/camera_chip.h"
+#include "tools/zentara/json_output.h"
+#include "tools/zentara/verb.h"
+
+namespace Zentara::Tool {
+
+/// What the verbs that talk to a controller have in common.
+struct ChipOptions {
+    std::string camera;
+    bool direct = false;
+    bool trace = false;
+    bool json = false;
+};
+
+void addChipOptions(CLI::App& command, ChipOptions& options);
+
+/// One camera, open, with its chip bound. A failure of a step leaves it as a ToolFailure.
+class ChipSession final {
+public:
+    /// Picks the camera and opens it. \throws ToolFailure
+    ChipSession(const char* verbName, const ChipOptions& wanted, Console& target);
+    ~ChipSession();
+    ChipSession(const ChipSession&) = delete;
+    ChipSession& operator=(const ChipSession&) = delete;
+
+    [[nodiscard]] CameraChip& chip() noexcept { return *camera; }
+    [[nodiscard]] IO::VideoDeviceProxy& device() noexcept { return *proxy; }
+
+    /// Ends the verb: prints the result as JSON, with the camera and the trace added, or the text.
+    void finish(Json result, const std::string& text);
+
+private:
+    void note(const Transfer& transfer);
+
+    const char* const verb;
+    const ChipOptions options;
+    Console& console;
+    Json transfers = Json::array();
+    std::unique_ptr<IO::VideoDeviceProxy> proxy;
+    std::unique_ptr<CameraChip> camera;
+};
+
+/// "0x1D"
+[[nodiscard]] std::string hexText(std::uint32_t value);
+
+/// \throws ToolFailure, a usage error that names the range, when a value is above `last`.
+void checkRange(const char* what, std::uint32_t value, std::uint32_t last, const CameraChip& chip);
+
+} // namespace Zentara::Tool

@@ -1,0 +1,79 @@
+#include <memory>
+
+#include <zentara/utils/format.h>
+
+#include "tools/zentara/chip_session.h"
+
+namespace Zentara::Tool {
+namespace {
+
+using Utils::Format;
+
+struct Options : ChipOptions {
+    unsigned device = 0;
+    std::uint32_t reg = 0;
+    unsigned value = 0;
+    unsigned bytes = 2;
+};
+
+std::string placeOf(const Options& options) {
+    return Format("I2C device % register %") % hexText(options.device) % hexText(options.reg);
+}
+
+Json resultOf(const Options& options, unsigned value) {
+    return {
+        {"device", options.device}, {"register", options.reg}, {"bytes", options.bytes}, {"value", value}};
+}
+
+ExitCode runRead(const Options& options, Console& console) {
+    ChipSession session("i2c", options, console);
+    unsigned value = 0;
+    attempt("read " + placeOf(options), [&] {
+        value = session.chip().readI2c(static_cast<std::uint8_t>(options.device), options.reg,
+                                       static_cast<std::uint8_t>(options.bytes));
+    });
+    session.finish(resultOf(options, value), hexText(value));
+    return ExitCode_DONE;
+}
+
+ExitCode runWrite(const Options& options, Console& console) {
+    ChipSession session("i2c", options, console);
+    checkRange("value", options.value, options.bytes == 1 ? 0xFF : 0xFFFF, session.chip());
+    attempt("write " + placeOf(options), [&] {
+        session.chip().writeI2c(static_cast<std::uint8_t>(options.device), options.reg, options.value,
+                                static_cast<std::uint8_t>(options.bytes));
+    });
+    session.finish(resultOf(options, options.value), placeOf(options) + " := " + hexText(options.value));
+    return ExitCode_DONE;
+}
+
+void addDevice(CLI::App& command, Options& options) {
+    command.add_option("DEVICE", options.device, "Its address on the bus")
+        ->required()
+        ->check(CLI::Range(0U, 0xFFU));
+    command.add_option("REGISTER", options.reg, "The register's number")->required();
+    command.add_option("--bytes", options.bytes, "Data bytes; an OV0570 knows them itself")
+        ->capture_default_str()
+        ->check(CLI::Range(1U, 2U));
+    addChipOptions(command, options);
+}
+
+} // namespace
+
+Verb addI2cVerb(CLI::App& program) {
+    auto options = std::make_shared<Options>();
+    CLI::App* command =
+        program.add_subcommand("i2c", "Reads and writes registers of any device on a camera's bus")
+            ->group("Verbs");
+    command->require_subcommand(1);
+    CLI::App* read = command->add_subcommand("read", "Prints a register");
+    addDevice(*read, *options);
+    CLI::App* write = command->add_subcommand("write", "Writes a register");
+    addDevice(*write, *options);
+    write->add_option("VALUE", options->value, "What to write")->required()->check(CLI::Range(0U, 0xFFFFU));
+    return {command, [options, read](Console& console) {
+                return read->parsed() ? runRead(*options, console) : runWrite(*options, console);
+            }};
+}
+
+} // namespace Zentara::Tool
