@@ -126,10 +126,9 @@ private:
         }
         require(holds(storage.container, model));
         storage.container.initialize();
-        if (holds(storage.container, model))
-            return true;
-        require(mayHarm);
-        return false;
+        const bool unharmed = holds(storage.container, model);
+        require(unharmed || mayHarm);
+        return unharmed && !blocksOverlap();
     }
 
     /// One write goes wrong. Memory keeps what was verified; flash holds for each section an old or the new version.
@@ -192,6 +191,17 @@ private:
             if (chunks(BlockView(*block).getAllocatedSize()) != 1 || area.chunkSize < 14)
                 return false;
         return true;
+    }
+
+    /// Harm may be done without a trace at first: bytes of a neighbour overwritten with what they were.
+    bool blocksOverlap() {
+        std::uint32_t free = 0;
+        for (const auto& [address, block] : storage.manager.getBlockMap()) {
+            if (address < free)
+                return true;
+            free = address + BlockView(*block).getAllocatedSize();
+        }
+        return false;
     }
 
     bool roomIsForetold(std::uint16_t uid, const Bytes& data) {
