@@ -36,6 +36,7 @@ public:
         Chip::setup();
     }
 
+    using Chip::setup;
     void setup(const ::GUID& unit) override { port.select(unit); }
     void send(unsigned unit, unsigned long control, unsigned long length, void* data) override {
         port.set(unit, static_cast<std::uint32_t>(control), data, length);
