@@ -25,9 +25,9 @@ void ColorConfiguration::setFrameFormat(FrameFormat newFormat) {
     rename();
 }
 
-int ColorConfiguration::getFrameRate() const { return frameRate; }
+int ColorConfiguration::getFramerate() const { return frameRate; }
 
-void ColorConfiguration::setFrameRate(int newFrameRate) {
+void ColorConfiguration::setFramerate(int newFrameRate) {
     frameRate = newFrameRate;
     rename();
 }

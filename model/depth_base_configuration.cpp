@@ -24,9 +24,9 @@ FrameFormat DepthBaseConfiguration::getFrameFormat() const { return format; }
 
 void DepthBaseConfiguration::setFrameFormat(FrameFormat newFormat) { format = newFormat; }
 
-int DepthBaseConfiguration::getFrameRate() const { return frameRate; }
+int DepthBaseConfiguration::getFramerate() const { return frameRate; }
 
-void DepthBaseConfiguration::setFrameRate(int newFrameRate) { frameRate = newFrameRate; }
+void DepthBaseConfiguration::setFramerate(int newFrameRate) { frameRate = newFrameRate; }
 
 CalibrationInternal DepthBaseConfiguration::getCalibration() const { return calibration; }
 

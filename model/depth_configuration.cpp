@@ -22,8 +22,8 @@ void DepthConfiguration::setFrameFormat(FrameFormat newFormat) {
     rename();
 }
 
-void DepthConfiguration::setFrameRate(int newFrameRate) {
-    DepthBaseConfiguration::setFrameRate(newFrameRate);
+void DepthConfiguration::setFramerate(int newFrameRate) {
+    DepthBaseConfiguration::setFramerate(newFrameRate);
     rename();
 }
 
@@ -43,7 +43,7 @@ void DepthConfiguration::setSaturation(bool newSaturation) {
 
 void DepthConfiguration::rename() {
     // The saturation is a number in the name; as a bool it would print as a word.
-    setName(Utils::Format("DEFF%FR%CM%S%") % getFrameFormat() % getFrameRate() % mode % (saturation ? 1 : 0));
+    setName(Utils::Format("DEFF%FR%CM%S%") % getFrameFormat() % getFramerate() % mode % (saturation ? 1 : 0));
 }
 
 } // namespace Zentara

@@ -21,8 +21,8 @@ public:
 
     [[nodiscard]] FrameFormat getFrameFormat() const;
     void setFrameFormat(FrameFormat newFormat);
-    [[nodiscard]] int getFrameRate() const;
-    void setFrameRate(int newFrameRate);
+    [[nodiscard]] int getFramerate() const;
+    void setFramerate(int newFrameRate);
     [[nodiscard]] PowerLineFrequency getPowerLineFrequency() const;
     void setPowerLineFrequency(PowerLineFrequency newFrequency);
     [[nodiscard]] CompressionType getCompression() const;

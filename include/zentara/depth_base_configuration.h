@@ -20,7 +20,7 @@ public:
 
     [[nodiscard]] FrameFormat getFrameFormat() const;
     /// Frames a second.
-    [[nodiscard]] int getFrameRate() const;
+    [[nodiscard]] int getFramerate() const;
 
     [[nodiscard]] CalibrationInternal getCalibration() const;
     void setCalibration(const CalibrationInternal& newCalibration);
@@ -44,7 +44,7 @@ protected:
 
     // Only a subclass can derive the name that goes with the change.
     void setFrameFormat(FrameFormat newFormat);
-    void setFrameRate(int newFrameRate);
+    void setFramerate(int newFrameRate);
 
 private:
     FrameFormat format = FrameFormat_NONE;

@@ -20,7 +20,7 @@ public:
     DepthConfiguration& operator=(const DepthConfiguration&);
 
     void setFrameFormat(FrameFormat newFormat);
-    void setFrameRate(int newFrameRate);
+    void setFramerate(int newFrameRate);
     [[nodiscard]] DepthNode::CameraMode getCameraMode() const;
     void setCameraMode(DepthNode::CameraMode newMode);
     [[nodiscard]] bool getSaturation() const;

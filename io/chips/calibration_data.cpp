@@ -31,7 +31,7 @@ short CalibrationData::getPhaseDelay(Utils::SmartPtr<DepthBaseConfiguration> con
     const auto* depth = dynamic_cast<const DepthConfiguration*>(configuration.get());
     if (!depth)
         return 0;
-    const auto frameRate = static_cast<std::uint32_t>(depth->getFrameRate());
+    const auto frameRate = static_cast<std::uint32_t>(depth->getFramerate());
     const auto mode = static_cast<std::uint32_t>(depth->getCameraMode());
     for (const CalibrationElement& element : elements) {
         if (element.frameRate == frameRate && element.cameraMode == mode)

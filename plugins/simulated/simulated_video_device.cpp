@@ -249,7 +249,7 @@ void SimulatedVideoDevice::enableColorStreaming(IO::enableColorRequest* request)
     const auto& mode = request->getConfiguration();
     if (!mode)
         throw ArgumentPluginException("enableColor: the configuration is null");
-    checkMode(Operation::EnableColor, mode->getFrameFormat(), mode->getFrameRate(), mode->getName());
+    checkMode(Operation::EnableColor, mode->getFrameFormat(), mode->getFramerate(), mode->getName());
     if (mode->getCompression() != CompressionType_NONE)
         throw ConfigurationPluginException(
             Format("enableColor: the camera does not compress, so it has no mode %") % mode->getName());
@@ -270,7 +270,7 @@ void SimulatedVideoDevice::enableDepthStreaming(IO::enableDepthRequest* request)
     const auto& mode = request->getConfiguration();
     if (!mode)
         throw ArgumentPluginException("enableDepth: the configuration is null");
-    checkMode(Operation::EnableDepth, mode->getFrameFormat(), mode->getFrameRate(), mode->getName());
+    checkMode(Operation::EnableDepth, mode->getFrameFormat(), mode->getFramerate(), mode->getName());
 
     AutoLock hold(impl->lock);
     impl->requireOpen(Operation::EnableDepth);

@@ -28,7 +28,7 @@ TEST(ConfigurationTest, NamesFollowEverySetter) {
     EXPECT_EQ("COFF3FR30PLF2COMP1", color->getName());
     color->setFrameFormat(FrameFormat_QVGA);
     EXPECT_EQ("COFF2FR30PLF2COMP1", color->getName());
-    color->setFrameRate(60);
+    color->setFramerate(60);
     EXPECT_EQ("COFF2FR60PLF2COMP1", color->getName());
     color->setPowerLineFrequency(PowerLineFrequency_DISABLED);
     EXPECT_EQ("COFF2FR60PLF0COMP1", color->getName());
@@ -41,7 +41,7 @@ TEST(ConfigurationTest, NamesFollowEverySetter) {
     EXPECT_EQ("DEFF2FR60CM1S1", depth->getName());
     depth->setFrameFormat(FrameFormat_QQVGA);
     EXPECT_EQ("DEFF1FR60CM1S1", depth->getName());
-    depth->setFrameRate(30);
+    depth->setFramerate(30);
     EXPECT_EQ("DEFF1FR30CM1S1", depth->getName());
     depth->setCameraMode(DepthNode::CameraMode_NONE);
     EXPECT_EQ("DEFF1FR30CM-1S1", depth->getName());
