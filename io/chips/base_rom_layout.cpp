@@ -1,5 +1,7 @@
 #include <zentara/io/base_rom_layout.h>
 
+#include <utility>
+
 #include <zentara/core/descriptor_store_ro.h>
 #include <zentara/depth_base_configuration.h>
 #include <zentara/io/calibration_data.h>
@@ -43,9 +45,12 @@ struct BaseROMLayout::Impl {
 
 void BaseROMLayout::Impl::readStore() {
     for (const auto mode : {DepthNode::CameraMode_0, DepthNode::CameraMode_1}) {
-        SensorValueArray& values = temperatureCalibration.modes[mode];
-        if (ask([&] { return store->getTemperatureCalibration(mode, values); }))
+        // What a store without an answer has left here is not used.
+        SensorValueArray values;
+        if (ask([&] { return store->getTemperatureCalibration(mode, values); })) {
+            temperatureCalibration.modes[mode] = std::move(values);
             hasTemperatureCalibration = true;
+        }
     }
     float coefficient = 0;
     int sensorId = -1;

@@ -77,14 +77,28 @@ public:
     }
 };
 
+/// Begins every answer and then has none, by its result or by an exception.
 class RefusingStore final : public RecordStore {
 public:
-    bool getTemperatureCalibration(DepthNode::CameraMode, SensorValueArray&) const override {
-        throw Plugin::NotSupportedPluginException("no calibration");
+    explicit RefusingStore(bool byException) : throws(byException) {}
+
+    bool getTemperatureCalibration(DepthNode::CameraMode, SensorValueArray& values) const override {
+        values = {{{1, 99.0F}}};
+        return refuse("no calibration");
     }
-    bool getTemperatureCompensation(float&, int&) const override {
-        throw Plugin::NotSupportedPluginException("no compensation");
+    bool getTemperatureCompensation(float& coefficient, int&) const override {
+        coefficient = 99;
+        return refuse("no compensation");
     }
+
+private:
+    bool refuse(const char* message) const {
+        if (throws)
+            throw Plugin::NotSupportedPluginException(message);
+        return false;
+    }
+
+    bool throws;
 };
 
 std::vector<bool> flags(const BaseROMLayout& layout) {
@@ -98,10 +112,10 @@ std::vector<bool> flags(const BaseROMLayout& layout) {
 
 TEST(BaseROMLayout, WithoutAnAnswerOfTheStoreKeepsItsDefaults) {
     RecordStore silent;
-    RefusingStore refusing;
+    RefusingStore negative(false);
+    RefusingStore throwing(true);
     for (Core::DescriptorStoreRO* store :
-         {static_cast<Core::DescriptorStoreRO*>(nullptr), static_cast<Core::DescriptorStoreRO*>(&silent),
-          static_cast<Core::DescriptorStoreRO*>(&refusing)}) {
+         std::initializer_list<Core::DescriptorStoreRO*>{nullptr, &silent, &negative, &throwing}) {
         const BaseROMLayout layout(store);
         EXPECT_THAT(flags(layout), ElementsAre(false, false, false, false, false, false));
         EXPECT_EQ(layout.getPhaseDelay(depthMode(25, mode0)), 0);
