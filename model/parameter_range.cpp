@@ -2,7 +2,7 @@
 
 #include <cstddef>
 #include <limits>
-#include <memory>
+#include <new>
 #include <utility>
 
 #include <zentara/plugin/plugin_exceptions.h>
@@ -33,6 +33,24 @@ bool fits(const unsigned char* buffer, unsigned int* size, unsigned int needed) 
         return true;
     *size = needed;
     return false;
+}
+
+/// What decodes foreign bytes throws nothing: without memory there is no object.
+template<typename Make>
+auto orNull(Make make) -> decltype(make()) {
+    try {
+        return make();
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+/// The range whose 13 bytes these are.
+template<typename T>
+ParameterRangeInternal<T>* decodeRange(const unsigned char* bytes) {
+    return new ParameterRangeInternal<T>(loadLittleEndian<T>(bytes + typeBytes),
+                                         loadLittleEndian<T>(bytes + typeBytes + valueBytes),
+                                         loadLittleEndian<T>(bytes + typeBytes + 2 * valueBytes));
 }
 
 /// Takes over the reference that the pointer came with.
@@ -110,9 +128,7 @@ ParameterRangeInternal<T>* ParameterRangeInternal<T>::unmarshal(const unsigned c
                                                                 unsigned int size) {
     if (!buffer || size < rangeBytes)
         return nullptr;
-    return new ParameterRangeInternal(loadLittleEndian<T>(buffer + typeBytes),
-                                      loadLittleEndian<T>(buffer + typeBytes + valueBytes),
-                                      loadLittleEndian<T>(buffer + typeBytes + 2 * valueBytes));
+    return orNull([buffer] { return decodeRange<T>(buffer); });
 }
 
 template<typename T>
@@ -150,10 +166,12 @@ ParameterDiscreteSetInternal<T>* ParameterDiscreteSetInternal<T>::unmarshal(cons
     const auto count = loadLittleEndian<std::uint16_t>(buffer + typeBytes);
     if (size - setHeaderBytes < valueBytes * count)
         return nullptr;
-    std::vector<T> values(count);
-    for (unsigned int i = 0; i < count; ++i)
-        values[i] = loadLittleEndian<T>(buffer + setHeaderBytes + valueBytes * i);
-    return new ParameterDiscreteSetInternal(std::move(values));
+    return orNull([=] {
+        std::vector<T> values(count);
+        for (unsigned int i = 0; i < count; ++i)
+            values[i] = loadLittleEndian<T>(buffer + setHeaderBytes + valueBytes * i);
+        return new ParameterDiscreteSetInternal(std::move(values));
+    });
 }
 
 template class ParameterRangeInternal<float>;
@@ -193,11 +211,13 @@ RegionOfInterestRangeInternal* RegionOfInterestRangeInternal::unmarshal(const un
                                                                         unsigned int size) {
     if (!buffer || size < regionBytes)
         return nullptr;
-    std::array<SmartPtr<Range>, 4> nested;
-    for (std::size_t i = 0; i < nested.size(); ++i)
-        nested[i] = SmartPtr<Range>::adopt(Range::unmarshal(buffer + typeBytes + rangeBytes * i, rangeBytes));
-    return new RegionOfInterestRangeInternal(nested[0].detach(), nested[1].detach(), nested[2].detach(),
-                                             nested[3].detach());
+    return orNull([buffer] {
+        std::array<SmartPtr<Range>, 4> nested;
+        for (std::size_t i = 0; i < nested.size(); ++i)
+            nested[i] = SmartPtr<Range>::adopt(decodeRange<int>(buffer + typeBytes + rangeBytes * i));
+        return new RegionOfInterestRangeInternal(nested[0].detach(), nested[1].detach(), nested[2].detach(),
+                                                 nested[3].detach());
+    });
 }
 
 } // namespace Zentara

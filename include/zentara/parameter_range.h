@@ -35,7 +35,8 @@ public:
     virtual ErrorCode marshal(unsigned char* buffer, unsigned int* size) const = 0;
 
     /// Decodes a range of any form for a parameter of this value type.
-    /// \return a new range; null when there is no such form for this type, or the bytes are too few. Safe.
+    /// \return a new range; null when there is no such form for this type, the bytes are too few, or memory
+    ///         fails. Safe.
     [[nodiscard]] static Utils::SmartPtr<ParameterRangeBaseInternal>
     unmarshal(ParameterValueType valueType, const unsigned char* buffer, unsigned int size);
 
