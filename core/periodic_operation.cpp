@@ -38,7 +38,9 @@ bool PeriodicOperation::timeToPoll() {
 }
 
 bool PeriodicOperation::timeToPoll(std::int64_t now) {
-    if (!impl->enabled || now - impl->lastPoll <= impl->interval)
+    // Unsigned, since times that lie half an age apart would overflow.
+    const std::uint64_t passed = static_cast<std::uint64_t>(now) - static_cast<std::uint64_t>(impl->lastPoll);
+    if (!impl->enabled || static_cast<std::int64_t>(passed) <= impl->interval)
         return false;
     impl->lastPoll = now;
     if (impl->pending)

@@ -61,6 +61,17 @@ TEST(PeriodicOperation, KindsKnowTheirRegisterAndAlwaysSynchronise) {
     EXPECT_TRUE(accelerometer->syncToFrame());
 }
 
+TEST(PeriodicOperation, SurvivesTimesAtTheEndsOfTheScale) {
+    constexpr std::int64_t latest = std::numeric_limits<std::int64_t>::max();
+    constexpr std::int64_t earliest = std::numeric_limits<std::int64_t>::min();
+    const auto always = makeRefcounted<TemperaturePeriodicOperation>(0U, earliest, true);
+    EXPECT_TRUE(always->timeToPoll(-1));
+    EXPECT_FALSE(always->timeToPoll(latest)) << "the reading is pending";
+    const auto never = makeRefcounted<TemperaturePeriodicOperation>(0U, latest, true);
+    EXPECT_FALSE(never->timeToPoll(latest));
+    EXPECT_FALSE(never->timeToPoll(earliest));
+}
+
 class PlainOperation final : public PeriodicOperation {
 public:
     explicit PlainOperation(std::uint32_t sync)
