@@ -32,7 +32,9 @@ private:
 
 /// Runs a transfer on behalf of a C back-end, which no exception may reach. What is thrown has logged itself.
 template<typename Operation>
-ErrorCode transfer(Operation operation) noexcept {
+ErrorCode transfer(const unsigned char* data, unsigned int length, Operation operation) noexcept {
+    if (!data && length > 0)
+        return ErrorCode_IO;
     try {
         operation();
         return ErrorCode_SUCCESS;
@@ -43,7 +45,7 @@ ErrorCode transfer(Operation operation) noexcept {
 
 ErrorCode send(void* context, unsigned short unit, unsigned int selector, unsigned char* data,
                unsigned int length) {
-    return transfer([&] {
+    return transfer(data, length, [&] {
         static_cast<VideoDeviceProxy*>(context)->send(unit, static_cast<std::int32_t>(selector), length,
                                                       data);
     });
@@ -51,7 +53,7 @@ ErrorCode send(void* context, unsigned short unit, unsigned int selector, unsign
 
 ErrorCode receive(void* context, unsigned short unit, unsigned int selector, unsigned char* data,
                   unsigned int length) {
-    return transfer([&] {
+    return transfer(data, length, [&] {
         static_cast<VideoDeviceProxy*>(context)->recv(unit, static_cast<std::int32_t>(selector), length, data,
                                                       false);
     });

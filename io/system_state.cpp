@@ -129,6 +129,7 @@ Entry nextEntry(const std::vector<unsigned char>& bytes, std::size_t& position,
 
 std::vector<unsigned char> marshalSystemState(const ParameterRequestMap& state) {
     std::vector<unsigned char> bytes;
+    bytes.reserve(1); // has an address also without entries: by null some back-ends mean a question
     for (const auto& entry : state)
         appendEntry(bytes, entry.first, entry.second.get());
     return bytes;

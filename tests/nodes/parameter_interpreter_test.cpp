@@ -9,6 +9,9 @@
 
 #include <zentara/calibration_internal.h>
 #include <zentara/core/plugin_manager.h>
+#include <zentara/io/gpio_requests.h>
+#include <zentara/io/hardware_requests.h>
+#include <zentara/io/i2c_requests.h>
 #include <zentara/io/uvc_command_request.h>
 #include <zentara/io/video_device_proxy.h>
 #include <zentara/plugin/plugin_exceptions.h>
@@ -253,6 +256,22 @@ TEST_F(ParameterInterpreterTest, EveryMissingFunctionIsNamedByTheCallThatNeedsIt
             std::pair(notSupportedKind,
                       std::string("the parameter back-end does not export the function ") + row.function));
 
+    const Interpreter silent = LibraryParameterInterpreter::create(BACK_END_WITHOUT_REPORTS);
+    silent->initialize(nullptr, noTransfer, noTransfer, {}, {});
+    EXPECT_CALL(backEnd, writeSystemState).WillOnce(Return(failed));
+    EXPECT_EQ(failure([&] { silent->write(state); }),
+              std::pair(ioKind, std::string("Failed to set system state: couldn't retrieve last error")))
+        << "where an error has no text, it is still the error that is reported";
+    access(AccessMode_READ_WRITE);
+    EXPECT_EQ(
+        failure([&] { static_cast<void>(silent->getParameterRange(ParameterType_INT_4)); }),
+        std::pair(notSupportedKind,
+                  std::string("the parameter back-end does not export the function getParameterRange")));
+    EXPECT_EQ(failure([&] { silent->dispose(); }),
+              std::pair(notSupportedKind,
+                        std::string("the parameter back-end does not export the function destroyInstance")));
+    silent->dispose();
+
     const Interpreter lifeless = LibraryParameterInterpreter::create(BACK_END_WITHOUT_LIFE);
     EXPECT_EQ(failure([&] { lifeless->initialize(nullptr, noTransfer, noTransfer, {}, {}); }),
               std::pair(notSupportedKind,
@@ -433,6 +452,9 @@ ParameterRequestMap stateOf(ParameterType parameter, Utils::SmartPtr<xuRequest> 
 
 TEST_F(ParameterInterpreterTest, SystemStateIsWrittenEntryByEntry) {
     using Utils::makeRefcounted;
+    unsigned int number = 0;
+    bool isHigh = false;
+    Bytes array;
     const struct {
         const char* kind;
         ParameterType key;
@@ -460,6 +482,22 @@ TEST_F(ParameterInterpreterTest, SystemStateIsWrittenEntryByEntry) {
          makeRefcounted<setRegionOfInterestRequest>(RegionOfInterestInternal{1, 0x12345, 0xFFFF, 0x10000}),
          {13, 1, 0, 0x45, 0x23, 0xFF, 0xFF, 0, 0}},
         {"raw command", ParameterType(0), makeRefcounted<UVCCommandRequest>(UVC_ADC_VALUE, 1U, 2U), {}},
+        {"float by its type code alone",
+         ParameterType(0),
+         makeRefcounted<setParameterRequest>(XU_SET_FLOAT_PARAMETER, ParameterType(0)),
+         {}},
+        {"get I2C register",
+         ParameterType(0),
+         makeRefcounted<getI2CRegisterRequest>(1U, 2U, &number, 1U, 1U),
+         {}},
+        {"set I2C register", ParameterType(0), makeRefcounted<setI2CRegisterRequest>(1U, 2U, 3U, 1U, 1U), {}},
+        {"get I2C array", ParameterType(0), makeRefcounted<getI2CArrayRequest>(1U, array), {}},
+        {"set I2C array", ParameterType(0), makeRefcounted<setI2CArrayRequest>(1U, array), {}},
+        {"get GPIO", ParameterType(0), makeRefcounted<getGPIOStateRequest>(1U, &isHigh), {}},
+        {"set GPIO", ParameterType(0), makeRefcounted<setGPIOStateRequest>(1U, true), {}},
+        {"hardware version", ParameterType(0), makeRefcounted<setHardwareVersionRequest>(), {}},
+        {"system calibration", ParameterType(0), makeRefcounted<setSystemCalibrationRequest>(), {}},
+        {"system state", ParameterType(0), makeRefcounted<setSystemStateRequest>(), {}},
         {"null", ParameterType(0), nullptr, {}},
     };
     for (const auto& row : rows) {
@@ -472,7 +510,7 @@ TEST_F(ParameterInterpreterTest, SystemStateIsWrittenEntryByEntry) {
         parameters->write(stateOf(row.key, row.request));
         EXPECT_EQ(written, row.bytes) << row.kind;
     }
-    EXPECT_CALL(backEnd, writeSystemState(_, 0)).WillOnce(Return(success));
+    EXPECT_CALL(backEnd, writeSystemState(testing::NotNull(), 0)).WillOnce(Return(success));
     parameters->write(ParameterRequestMap());
 }
 
@@ -682,6 +720,8 @@ TEST_F(ParameterInterpreterTest, ReachesTheExtensionUnitThroughAProxy) {
             EXPECT_THAT(received, ElementsAre(10, 20, 77));
             EXPECT_EQ(set(context, 4, 77, sent, 2), ErrorCode_IO);
             EXPECT_EQ(get(context, 4, 77, received, 3), ErrorCode_IO);
+            EXPECT_EQ(set(context, 3, 77, nullptr, 2), ErrorCode_IO);
+            EXPECT_EQ(get(context, 3, 77, nullptr, 2), ErrorCode_IO);
             return success;
         });
     parameters->initialize(device, {1, 2, 3, 4}, {});
