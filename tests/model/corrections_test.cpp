@@ -88,7 +88,9 @@ TEST_F(Corrections, CutRangesOfTheRomAreDropped) {
     const Bytes two = join({stored, stored});
     for (std::size_t size = 0; size <= two.size(); ++size) {
         const Bytes cut(two.begin(), two.begin() + static_cast<std::ptrdiff_t>(size));
+        const std::size_t warned = log.warnings().size();
         const TemperatureCompensation object = compensation(cut);
+        EXPECT_EQ(log.warnings().size() - warned, size % stored.size() == 0 ? 0U : 1U) << size << " bytes";
         EXPECT_EQ(modesOf(object), static_cast<int>(size / stored.size())) << size << " bytes";
         EXPECT_EQ(object.comesFromRom(), size >= stored.size()) << size << " bytes";
     }
@@ -109,7 +111,9 @@ TEST_F(Corrections, ModesOutsideTheRecordsAreRefused) {
     EXPECT_FALSE(object.setCurrentMode(unknownMode));
     EXPECT_FALSE(object.setCurrentMode(static_cast<DepthNode::CameraMode>(-2)));
     EXPECT_EQ(object.getCurrentMode(), mode0);
-    EXPECT_FALSE(object.setSensorIDs(unknownMode, {1}));
+    std::vector<int> ids = {1};
+    EXPECT_FALSE(object.setSensorIDs(unknownMode, std::move(ids)));
+    EXPECT_THAT(ids, IsEmpty()) << "taken also when they are refused";
     EXPECT_FALSE(object.setSensorIDs(mode1, {1}));
     EXPECT_EQ(object.getParameter(2), 0.0F);
     EXPECT_EQ(object.getSensorID(0), -1);

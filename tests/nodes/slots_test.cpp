@@ -4,6 +4,7 @@
 #include <zentara/core/descriptor_store_interface.h>
 #include <zentara/core/descriptor_store_ro.h>
 #include <zentara/core/periodic_operation.h>
+#include <zentara/depth_base_configuration.h>
 #include <zentara/io/base_rom_layout.h>
 #include <zentara/io/library_parameter_interpreter.h>
 #include <zentara/parameter_range.h>
@@ -184,6 +185,7 @@ TEST(NodeSlots, ValueTypes) {
          {"getMax", virtualSlot(&ParameterRangeInternal<float>::getMax), 6},
          {"getStep", virtualSlot(&ParameterRangeInternal<float>::getStep), 7},
          {"getSupportedValues", virtualSlot(&ParameterDiscreteSetInternal<int>::getSupportedValues), 5}});
+    expectSlots("DepthBaseConfiguration", {{"isEqual", virtualSlot(&DepthBaseConfiguration::isEqual), 4}});
     expectSlots("BaseROMLayout", {{"setDiagnosticData", virtualSlot(&BaseROMLayout::setDiagnosticData), 2}});
 }
 
