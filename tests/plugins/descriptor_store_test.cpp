@@ -1,0 +1,235 @@
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include <zentara/core/descriptor_store_interface.h>
+#include <zentara/core/descriptor_store_ro.h>
+#include <zentara/core/device_descriptor.h>
+#include <zentara/core/guids.h>
+#include <zentara/depth_configuration.h>
+#include <zentara/plugin/plugin_exceptions.h>
+#include <zentara/utils/files.h>
+
+#include "plugin_object.h"
+#include "plugins/simulated/descriptions/camera_description.h"
+#include "plugins/simulated/descriptions/controller_code.h"
+#include "plugins/simulated/plugin_guids.h"
+#include "support/captured_log.h"
+#include "support/scoped_variable.h"
+#include "support/temporary_directory.h"
+
+namespace Zentara {
+namespace {
+
+using Simulated::ChipKind;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::SizeIs;
+
+constexpr std::uint32_t vendor = 0xFFFE;
+constexpr Core::Profile longRange = static_cast<Core::Profile>(1);
+
+std::string shipped(const char* name) {
+    return Utils::readFile(Simulated::descriptionFolder() + name + ".json");
+}
+
+/// The text with its first `from` replaced.
+std::string changed(std::string text, const std::string& from, const std::string& to) {
+    const std::size_t at = text.find(from);
+    EXPECT_NE(at, std::string::npos) << from;
+    return at == std::string::npos ? text : text.replace(at, from.size(), to);
+}
+
+/// The store of the real plug-in library.
+class DescriptorStore : public testing::Test {
+protected:
+    Core::DescriptorStoreRO& view() { return *store->getDescriptorStore(); }
+
+    bool select(std::uint32_t product, std::uint32_t interfaceNumber,
+                Core::Profile profile = Core::Profile_DEFAULT) {
+        return store->selectNodeDescriptor({vendor, product, 1, interfaceNumber}, profile);
+    }
+
+    /// Reads the descriptions of a folder of our own.
+    void describe(const std::vector<std::pair<std::string, std::string>>& files) {
+        const TestSupport::TemporaryDirectory root;
+        std::filesystem::create_directory(TestSupport::TemporaryDirectory::fromUtf8(root.path("cameras")));
+        for (const auto& [name, text] : files)
+            Utils::writeFile(root.path("cameras/" + name), text);
+        const TestSupport::ScopedVariable variable("ZENTARASDK_ROOT", root.path());
+        store->initialize();
+    }
+
+    /// What the log tells of a description.
+    std::vector<std::string> complaints(const std::string& text) {
+        const Testing::CapturedLog log;
+        describe({{"camera.json", text}});
+        return log.warnings();
+    }
+
+    Utils::SmartPtr<Core::DescriptorStoreInterface> store =
+        TestSupport::makePlugin<Core::DescriptorStoreInterface>(Simulated::descriptorStoreGuid);
+};
+
+TEST_F(DescriptorStore, DescribesOneCameraBehindEachController) {
+    store->initialize();
+    const std::pair<std::uint32_t, ChipKind> cameras[] = {
+        {0x0570, ChipKind::OV0570}, {0x0258, ChipKind::VC0258}, {0x0345, ChipKind::VC0345}};
+    const GUID nodes[] = {Simulated::depthNodeGuid, Simulated::colorNodeGuid, Simulated::audioNodeGuid};
+    for (const auto& [product, chip] : cameras) {
+        for (std::uint32_t index = 0; index < 3; ++index) {
+            ASSERT_TRUE(select(product, index)) << std::hex << product << " " << index;
+            EXPECT_EQ(view().getNodeType(), static_cast<NodeType>(NodeType_DEPTH + index));
+            EXPECT_TRUE(guidEquals(view().getNodeImplGUID(), nodes[index]));
+            EXPECT_EQ(view().getNodeIndex(), index);
+            EXPECT_EQ(Simulated::describedController(view().getDeviceCapabilities()), chip);
+            EXPECT_EQ(view().getNodeHardwareIDs(), (HardwareIDs{vendor, product, 1, index}));
+        }
+    }
+    EXPECT_FALSE(select(0x0570, 3));
+    EXPECT_FALSE(select(0x0571, 0));
+    EXPECT_EQ(view().getNodeType(), NodeType_AUDIO) << "the selection stays as it was";
+}
+
+TEST_F(DescriptorStore, TellsAllOfADepthNode) {
+    store->initialize();
+    ASSERT_TRUE(select(0x0570, 0));
+    EXPECT_TRUE(guidEquals(view().getDeviceImplGUID(), Core::Guids::MOCKVIDEODEVICE_IMPL));
+    EXPECT_TRUE(guidEquals(view().getParameterInterpreterGUID(), Simulated::parameterBackEndGuid));
+    EXPECT_EQ(view().getDeviceName(), "ZS570");
+    EXPECT_EQ(view().getDeviceCapabilities() >> Simulated::controllerBits, 7);
+    EXPECT_EQ(view().getDeviceFlags(), 1U);
+    EXPECT_EQ(view().getFourCC(), (FourCC{fourCCCode('Y', '1', '6', ' '), 16, 640}));
+    EXPECT_EQ(view().getROMElement(1), (ROMElement{0, 0x10000}));
+    EXPECT_EQ(view().getDefaultExtrinsics().t1, 25.0F);
+    EXPECT_THAT(view().getDefaultDepthIntrinsicsArray(), SizeIs(1));
+    EXPECT_EQ(view().getDefaultDepthIntrinsicsArray()[0].k1, -0.12F);
+    EXPECT_EQ(view().getHardwareVersion().modules[1].productId, 96U);
+    EXPECT_EQ(view().getDefaultRegionOfInterest(), (RegionOfInterestInternal{0, 0, 320, 240}));
+    EXPECT_THAT(view().getParameters(), SizeIs(16));
+    std::uint32_t value = 0;
+    EXPECT_TRUE(view().getValue(64, value));
+    EXPECT_EQ(value, 1U) << "the post-common commands switch the output on";
+
+    SensorValueArray temperatures;
+    EXPECT_TRUE(view().getTemperatureCalibration(DepthNode::CameraMode_1, temperatures));
+    EXPECT_EQ(temperatures.values.at(1), (SensorValue{1, 44}));
+    EXPECT_FALSE(view().getTemperatureCalibration(DepthNode::CameraMode_NONE, temperatures));
+    CyclicErrorRecord record;
+    EXPECT_TRUE(view().getCyclicErrorRecord(DepthNode::CameraMode_0, record));
+    EXPECT_THAT(record.parameters, ElementsAre(0, 1.5F, -0.25F, 0.0625F));
+    float coefficient = 0;
+    int sensor = -1;
+    EXPECT_TRUE(view().getTemperatureCompensation(coefficient, sensor));
+    EXPECT_EQ(coefficient, 0.8F);
+
+    const auto modes = view().getDepthConfigurations();
+    ASSERT_THAT(modes, SizeIs(2));
+    EXPECT_EQ(modes[1]->getName(), "DEFF2FR60CM1S0");
+    EXPECT_THAT(modes[1]->getCommands(), SizeIs(1));
+    modes[1]->setCommands({});
+    EXPECT_THAT(view().getDepthConfigurations()[1]->getCommands(), SizeIs(1)) << "callers get copies";
+}
+
+TEST_F(DescriptorStore, AProfileReplacesWhatItNames) {
+    store->initialize();
+    ASSERT_TRUE(select(0x0570, 0, longRange));
+    EXPECT_EQ(view().getProfile(), longRange);
+    EXPECT_EQ(view().getDepthCapabilities(), 1U);
+    EXPECT_EQ(view().getDepthFlags(), 1U) << "not named, so the node's";
+    EXPECT_EQ(view().getDepthConfigurations().at(0)->getName(), "DEFF2FR60CM0S1");
+    EXPECT_FALSE(select(0x0570, 1, longRange)) << "the colour node has no such profile";
+}
+
+TEST_F(DescriptorStore, HasAViewOnlyBetweenInitializeAndDispose) {
+    EXPECT_EQ(store->getDescriptorStore(), nullptr);
+    EXPECT_FALSE(select(0x0570, 0));
+    store->initialize();
+    EXPECT_EQ(view().getNodeType(), NodeType_NONE) << "nothing is selected";
+    EXPECT_TRUE(guidEquals(view().getNodeImplGUID(), Core::Guids::NULL_IMPL));
+    store->dispose();
+    EXPECT_EQ(store->getDescriptorStore(), nullptr);
+    store->dispose();
+}
+
+TEST_F(DescriptorStore, AWrongDescriptionIsRefusedWithFileLineAndField) {
+    const struct {
+        const char* what;
+        const char* from;
+        const char* to;
+        const char* complaint;
+    } rows[] = {
+        {"no JSON", "\"model\": \"ZS570\",", "\"model\": ,", "camera.json, line 3: syntax error"},
+        {"twice", "\"vendorName\"", "\"model\"", "line 4: 'model' stands there twice"},
+        {"unknown field", "\"flags\": 1,\n    \"hardwareVersion\"", "\"flag\": 1,\n    \"hardwareVersion\"",
+         "line 12, flag: there is no such field"},
+        {"missing field", "\"model\": \"ZS570\",", "", "line 1, the whole: the field 'model' is missing"},
+        {"wrong kind", "\"revision\": 1,", "\"revision\": true,",
+         "line 9, revision: must be a whole number from 0 to 4294967295"},
+        {"too great", "\"0xFFFE\"", "\"0x1FFFFFFFF\"", "line 7, vendorId: must be a whole number"},
+        {"future format", "\"format\": 1", "\"format\": 2",
+         "line 2, format: must be a whole number from 1 to 1"},
+        {"controller", "\"controller\": \"OV0570\"", "\"controller\": \"OV0571\"",
+         "line 10, controller: 'OV0571' is none of OV0570 VC0258 VC0345"},
+        {"GUID", "MOCKDEPTH_IMPL", "MOCKDEAF_IMPL",
+         "nodes[0].implementation: 'MOCKDEAF_IMPL' is neither a well-known name nor a GUID"},
+        {"pixel format", "Y16 ", "Y16", "nodes[0].pixelFormat.fourCC: must have four characters"},
+        {"unknown command field", "\"tofRegister\": 65, \"value\": 1", "\"tofRegister\": 65, \"valu\": 1",
+         "nodes[0].preCommon[0]: the field 'value' is missing"},
+        {"no command", "\"tofRegister\": 65, \"value\": 1", "\"value\": 1",
+         "nodes[0].preCommon[0]: a command has one of the fields"},
+        {"rotation", "[1, 0, 0, 0, 1, 0, 0, 0, 1]", "[1, 0, 0]",
+         "nodes[0].extrinsics.rotation: must have 9 numbers, not 3"},
+        {"two elements", "{ \"id\": 1, ", "{ \"id\": 1, \"address\": 0, \"size\": 0 }, { \"id\": 1, ",
+         "nodes[0].romElements[1].id: stands there twice"},
+        {"same interface", "\"interfaceNumber\": 1", "\"interfaceNumber\": 0",
+         "nodes[1]: interface 0 belongs to another node"},
+        {"same type", "\"type\": \"color\"", "\"type\": \"depth\"", "nodes[1]"},
+        {"audio has no extension unit", "\"modes\": [\n                { \"channels\"",
+         "\"preCommon\": [],\n            \"modes\": [\n                { \"channels\"",
+         "nodes[2].preCommon: there is no such field"},
+        {"profile 0", "\"profile\": 1", "\"profile\": 0", "nodes[0].profiles[0].profile: must be a whole"},
+        {"frame format", "\"QVGA\"", "\"HUGE\"", "nodes[0].modes[0].frameFormat: 'HUGE' is none of"},
+        {"no number", "\"fx\": 252.5", "\"fx\": 1e99", "depthIntrinsics[0].fx: is too great"},
+    };
+    for (const auto& row : rows) {
+        const std::vector<std::string> found = complaints(changed(shipped("ov0570"), row.from, row.to));
+        EXPECT_THAT(found, ElementsAre(HasSubstr(row.complaint))) << row.what;
+        EXPECT_THAT(found, ElementsAre(HasSubstr("camera.json, line "))) << row.what;
+        EXPECT_FALSE(select(0x0570, 0)) << row.what;
+    }
+}
+
+TEST_F(DescriptorStore, HostileTextsAreRefused) {
+    EXPECT_THAT(complaints(""), SizeIs(1));
+    EXPECT_THAT(complaints(std::string(1 << 20, '[')), ElementsAre(HasSubstr("nested deeper than 32")));
+    EXPECT_THAT(complaints("{\"model\": \"\xFF\"}"), ElementsAre(HasSubstr("line 1: ")));
+    const std::string whole = shipped("vc0345");
+    const Testing::CapturedLog log;
+    for (std::size_t length = 0; length < whole.size() - 2; length += 97) {
+        describe({{"camera.json", whole.substr(0, length)}});
+        EXPECT_FALSE(select(0x0345, 0)) << length;
+    }
+}
+
+TEST_F(DescriptorStore, OneWrongDescriptionLeavesTheOthers) {
+    const Testing::CapturedLog log;
+    const std::string whole = shipped("vc0258");
+    describe({{"a.json", "{"},
+              {"b.json", whole},
+              {"c.json", changed(whole, "0x0258", "0x0259")},
+              {"d.json", changed(whole, "\"ZS258\"", "\"ZS259\"")},
+              {"e.txt", "not looked at"},
+              {"f.json", shipped("vc0345")}});
+    EXPECT_TRUE(select(0x0258, 0));
+    EXPECT_TRUE(select(0x0345, 0));
+    EXPECT_FALSE(select(0x0259, 0));
+    EXPECT_THAT(log.warnings(), ElementsAre(HasSubstr("a.json, line 1: "),
+                                            HasSubstr("c.json, line 3, model: 'ZS258' is described by"),
+                                            HasSubstr("d.json, line 8, productId: ")));
+}
+
+} // namespace
+} // namespace Zentara
