@@ -1,47 +1,93 @@
 #include "plugins/simulated/simulated_enumerator.h"
 
 #include <algorithm>
+#include <cstdint>
 
-#include <zentara/core/guids.h>
+#include <zentara/core/descriptor_store_ro.h>
 #include <zentara/utils/clock.h>
+
+#include "plugins/simulated/plugin_guids.h"
 
 namespace Zentara::Simulated {
 namespace {
 
-constexpr std::uint32_t vendorId = 0xFFFE; // no maker has this number
-constexpr std::uint32_t productId = 0x0001;
-constexpr const char* cameraPath = "simulated:0";
+using Utils::Threading::AutoLock;
 
-NodeEvent nodeOf(NodeType type, std::uint32_t index, const char* suffix, const char* name) {
+constexpr unsigned long lookMilliseconds = 100;
+
+bool samePlace(const NodeEvent& left, const NodeEvent& right) { return left.path == right.path; }
+
+const NodeEvent* findNode(const std::vector<NodeEvent>& nodes, const NodeEvent& wanted) {
+    const auto found = std::find_if(nodes.begin(), nodes.end(),
+                                    [&](const NodeEvent& node) { return samePlace(node, wanted); });
+    return found == nodes.end() ? nullptr : &*found;
+}
+
+/// Another camera of the same kind has the number already.
+bool numberTaken(const std::vector<NodeEvent>& nodes, const NodeEvent& node) {
+    return std::any_of(nodes.begin(), nodes.end(), [&](const NodeEvent& other) {
+        return other.vendorId == node.vendorId && other.productId == node.productId &&
+               other.revision == node.revision && other.interfaceNumber == node.interfaceNumber &&
+               other.deviceIndex == node.deviceIndex;
+    });
+}
+
+/// What the camera itself says of a node; without a store it is all that is known.
+NodeEvent describe(const SimulatedBus::Camera& camera, const NodeDescription& described,
+                   std::uint32_t position) {
     NodeEvent node;
-    node.nodeType = type;
-    node.path = std::string(cameraPath) + suffix;
-    node.name = name;
-    node.serialNumber = "SIM0001";
-    node.vendorId = vendorId;
-    node.productId = productId;
-    node.revision = 1;
-    node.interfaceNumber = index;
-    node.nodeIndex = index;
-    node.parentPath = cameraPath;
+    const HardwareIDs& ids = camera.description->device.hardwareIds;
+    node.nodeType = described.type;
+    node.path = camera.path() + "/" + nodeTypeName(described.type);
+    node.name = described.name;
+    node.serialNumber = camera.serialNumber;
+    node.vendorId = ids.vendorId;
+    node.productId = ids.productId;
+    node.revision = ids.revision;
+    node.interfaceNumber = described.interfaceNumber;
+    node.busNumber = 1;
+    node.deviceAddress = position;
+    node.portNumber = position;
+    node.nodeIndex = described.index;
+    node.parentPath = camera.path();
     return node;
+}
+
+ExternalEvent makeEvent(ExternalEventType type, const NodeEvent& node) {
+    ExternalEvent event;
+    event.type = type;
+    event.node = node;
+    Utils::Clock::getTime(event.timeMicros);
+    return event;
 }
 
 } // namespace
 
-SimulatedEnumerator::SimulatedEnumerator()
-    : EnumeratorInterface(Core::Guids::MOCK_ENUMERATOR_IMPL), present{nodeOf(NodeType_DEPTH, 0, "/depth",
-                                                                             "Simulated depth camera"),
-                                                                      nodeOf(NodeType_AUDIO, 1, "/audio",
-                                                                             "Simulated microphones")} {}
+SimulatedEnumerator::SimulatedEnumerator() : EnumeratorInterface(enumeratorGuid) {}
 
 SimulatedEnumerator::~SimulatedEnumerator() { dispose(); }
 
-void SimulatedEnumerator::enumerate(std::vector<NodeEvent>& nodes) { nodes = present; }
+void SimulatedEnumerator::initialize(Utils::Collection::Queue<ExternalEvent>* events,
+                                     Core::DescriptorStoreRO* store) {
+    EnumeratorInterface::initialize(events, store);
+    const AutoLock hold(lock);
+    bus = std::make_unique<SimulatedBus>();
+    present.clear();
+    announced.clear();
+    suspected.clear();
+    reported.clear();
+}
+
+void SimulatedEnumerator::enumerate(std::vector<NodeEvent>& nodes) {
+    const AutoLock hold(lock);
+    look();
+    nodes = present;
+}
 
 bool SimulatedEnumerator::isPresent(const NodeEvent& node) {
-    return std::any_of(present.begin(), present.end(),
-                       [&](const NodeEvent& candidate) { return candidate.path == node.path; });
+    const AutoLock hold(lock);
+    look();
+    return findNode(present, node) != nullptr;
 }
 
 std::string SimulatedEnumerator::getBackendName() { return "simulated cameras"; }
@@ -52,22 +98,96 @@ void SimulatedEnumerator::exit() {
 }
 
 void* SimulatedEnumerator::run(void*) {
-    for (const NodeEvent& node : present)
-        announce(node);
-    while (!exitRequested())
-        wake.wait();
+    {
+        const AutoLock hold(lock);
+        announced.clear(); // a thread that is started anew tells everything
+    }
+    while (!exitRequested()) {
+        std::vector<ExternalEvent> events;
+        {
+            const AutoLock hold(lock);
+            look();
+            events = changes();
+            reportTrouble(events);
+        }
+        if (auto* queue = getEventQueue()) {
+            for (const ExternalEvent& event : events)
+                queue->push(event);
+        }
+        wake.timedWait(lookMilliseconds);
+    }
     return nullptr;
 }
 
-void SimulatedEnumerator::announce(const NodeEvent& node) {
-    auto* events = getEventQueue();
-    if (events == nullptr)
+/// Nodes that stay keep what was said of them, whatever else came or went.
+void SimulatedEnumerator::look() {
+    if (!bus)
         return;
-    ExternalEvent event;
-    event.type = ExternalEventType_NODE_ARRIVED;
-    event.node = node;
-    Utils::Clock::getTime(event.timeMicros);
-    events->push(event);
+    bus->refresh();
+    std::vector<NodeEvent> found;
+    std::uint32_t port = 0;
+    for (const SimulatedBus::Camera& camera : bus->cameras())
+        addNodes(camera, ++port, found);
+    std::vector<NodeEvent> numbered;
+    for (NodeEvent& node : found) {
+        const NodeEvent* before = findNode(present, node);
+        if (before != nullptr && before->hardwareIds() == node.hardwareIds())
+            numbered.push_back(node = *before);
+    }
+    // New ones get the lowest numbers that are free.
+    for (NodeEvent& node : found) {
+        if (findNode(numbered, node) != nullptr)
+            continue;
+        while (numberTaken(numbered, node))
+            ++node.deviceIndex;
+        numbered.push_back(node);
+    }
+    present = std::move(found);
+}
+
+void SimulatedEnumerator::addNodes(const SimulatedBus::Camera& camera, std::uint32_t port,
+                                   std::vector<NodeEvent>& nodes) {
+    for (const NodeDescription& described : camera.description->nodes) {
+        NodeEvent node = describe(camera, described, port);
+        if (getDescriptorStore() != nullptr) {
+            if (!selectNodeDescriptor(&node, Core::Profile_DEFAULT))
+                continue;
+            fillEvent(&node);
+        }
+        nodes.push_back(std::move(node));
+    }
+}
+
+/// What went and what came since the host was told last.
+std::vector<ExternalEvent> SimulatedEnumerator::changes() {
+    std::vector<ExternalEvent> events;
+    for (const NodeEvent& node : announced) {
+        const NodeEvent* now = findNode(present, node);
+        if (now == nullptr || !(*now == node))
+            events.push_back(makeEvent(ExternalEventType_NODE_REMOVED, node));
+    }
+    for (const NodeEvent& node : present) {
+        const NodeEvent* before = findNode(announced, node);
+        if (before == nullptr || !(*before == node))
+            events.push_back(makeEvent(ExternalEventType_NODE_ARRIVED, node));
+    }
+    announced = present;
+    return events;
+}
+
+/// A file may be seen half written: only what is wrong twice in a row is reported.
+void SimulatedEnumerator::reportTrouble(std::vector<ExternalEvent>& events) {
+    const std::string now = bus ? bus->error() : std::string();
+    if (now.empty()) {
+        reported.clear();
+    } else if (now == suspected && now != reported) {
+        NodeEvent file;
+        file.path = bus->file();
+        file.name = now;
+        events.push_back(makeEvent(ExternalEventType_ERROR, file));
+        reported = now;
+    }
+    suspected = now;
 }
 
 } // namespace Zentara::Simulated

@@ -1,66 +1,82 @@
+#include <algorithm>
 #include <string>
 #include <vector>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
-#include <zentara/core/guids.h>
-#include <zentara/core/plugin_manager.h>
+#include <zentara/core/descriptor_store_interface.h>
 #include <zentara/io/enumerator_interface.h>
-#include <zentara/utils/smart_ptr.h>
+#include <zentara/utils/files.h>
+
+#include "plugin_object.h"
+#include "plugins/simulated/descriptions/simulated_bus.h"
+#include "plugins/simulated/plugin_guids.h"
+#include "support/scoped_variable.h"
+#include "support/temporary_directory.h"
 
 namespace Zentara {
 namespace {
 
+using testing::Each;
+using testing::ElementsAre;
+using testing::Field;
+using testing::HasSubstr;
+using testing::SizeIs;
+
 constexpr unsigned long patience = 30'000; // milliseconds; far more than any machine needs
+constexpr std::size_t allNodes = 9;        // three of each of three cameras
+
+std::vector<std::string> pathsOf(const std::vector<NodeEvent>& nodes) {
+    std::vector<std::string> paths;
+    for (const NodeEvent& node : nodes)
+        paths.push_back(node.path);
+    return paths;
+}
 
 /// The enumerator of the real plug-in library.
 class MockEnumerator : public testing::Test {
 protected:
-    void SetUp() override {
-        manager = Core::PluginManager::instance();
-        void* made = manager->createInstance(Core::Guids::MOCK_ENUMERATOR_IMPL, Core::ImplType_ENUMERATOR);
-        auto* object = static_cast<Core::Plugin*>(made);
-        enumerator =
-            Utils::SmartPtr<IO::EnumeratorInterface>::adopt(dynamic_cast<IO::EnumeratorInterface*>(object));
-        ASSERT_TRUE(enumerator);
-        enumerator->initialize(&events, nullptr);
-    }
+    void SetUp() override { ASSERT_TRUE(enumerator); }
+    void TearDown() override { enumerator->dispose(); }
 
-    void TearDown() override {
-        if (enumerator)
-            enumerator->dispose();
-        enumerator.reset();
-        manager->release();
-    }
-
-    std::vector<NodeEvent> arrivals(std::size_t count) {
+    /// The nodes of the next events, all of which are of that type.
+    std::vector<NodeEvent> next(std::size_t count, ExternalEventType type) {
         std::vector<NodeEvent> nodes;
         ExternalEvent event;
         while (nodes.size() < count && events.timedPop(event, patience)) {
-            EXPECT_EQ(event.type, ExternalEventType_NODE_ARRIVED);
+            EXPECT_EQ(event.type, type);
             EXPECT_GT(event.timeMicros, 0);
             nodes.push_back(event.node);
         }
         return nodes;
     }
+    std::vector<NodeEvent> arrivals(std::size_t count) { return next(count, ExternalEventType_NODE_ARRIVED); }
+    std::vector<NodeEvent> removals(std::size_t count) { return next(count, ExternalEventType_NODE_REMOVED); }
 
-    Core::PluginManager* manager = nullptr;
+    std::vector<NodeEvent> listed() {
+        std::vector<NodeEvent> nodes{NodeEvent()};
+        enumerator->enumerate(nodes);
+        return nodes;
+    }
+
     Utils::Collection::Queue<ExternalEvent> events;
-    Utils::SmartPtr<IO::EnumeratorInterface> enumerator;
+    Utils::SmartPtr<IO::EnumeratorInterface> enumerator =
+        TestSupport::makePlugin<IO::EnumeratorInterface>(Simulated::enumeratorGuid);
 };
 
 TEST_F(MockEnumerator, AnnouncesTheCamerasNodesAndListsTheSame) {
+    enumerator->initialize(&events, nullptr);
     enumerator->execute();
-    const std::vector<NodeEvent> arrived = arrivals(2);
-    ASSERT_EQ(arrived.size(), 2U);
+    const std::vector<NodeEvent> arrived = arrivals(allNodes);
+    ASSERT_EQ(arrived.size(), allNodes);
     EXPECT_EQ(arrived[0].nodeType, NodeType_DEPTH);
-    EXPECT_EQ(arrived[1].nodeType, NodeType_AUDIO);
+    EXPECT_EQ(arrived[1].nodeType, NodeType_COLOR);
+    EXPECT_EQ(arrived[2].nodeType, NodeType_AUDIO);
     EXPECT_NE(arrived[0].path, arrived[1].path);
-    EXPECT_EQ(arrived[0].parentPath, arrived[1].parentPath);
+    EXPECT_EQ(arrived[0].parentPath, arrived[2].parentPath);
+    EXPECT_NE(arrived[0].parentPath, arrived[3].parentPath);
 
-    std::vector<NodeEvent> listed;
-    enumerator->enumerate(listed);
-    EXPECT_EQ(listed, arrived);
+    EXPECT_EQ(listed(), arrived);
     EXPECT_TRUE(enumerator->isPresent(arrived[1]));
     NodeEvent stranger = arrived[1];
     stranger.path = "simulated:7/audio";
@@ -68,14 +84,131 @@ TEST_F(MockEnumerator, AnnouncesTheCamerasNodesAndListsTheSame) {
 }
 
 TEST_F(MockEnumerator, EndsItsThreadAndStartsAnew) {
+    enumerator->initialize(&events, nullptr);
     enumerator->execute();
-    EXPECT_EQ(arrivals(2).size(), 2U);
+    EXPECT_THAT(arrivals(allNodes), SizeIs(allNodes));
     enumerator->execute(); // a thread that lives is left alone
     enumerator->dispose();
     EXPECT_TRUE(events.empty());
     enumerator->initialize(&events, nullptr);
     enumerator->execute();
-    EXPECT_EQ(arrivals(2).size(), 2U);
+    EXPECT_THAT(arrivals(allNodes), SizeIs(allNodes));
+}
+
+TEST_F(MockEnumerator, AsksTheStoreWhatItFound) {
+    const auto store =
+        TestSupport::makePlugin<Core::DescriptorStoreInterface>(Simulated::descriptorStoreGuid);
+    store->initialize();
+    enumerator->initialize(&events, store->getDescriptorStore());
+    const std::vector<NodeEvent> nodes = listed();
+    ASSERT_EQ(nodes.size(), allNodes);
+    for (const NodeEvent& node : nodes)
+        EXPECT_TRUE(store->selectNodeDescriptor(node.hardwareIds(), node.profile)) << node.path;
+    EXPECT_EQ(nodes[4].name, "ZS258 color") << "files in the order of their names";
+    enumerator->dispose();
+
+    // A store that knows no camera: none is found.
+    const TestSupport::TemporaryDirectory empty;
+    {
+        const TestSupport::ScopedVariable root("ZENTARASDK_ROOT", empty.path());
+        store->initialize();
+    }
+    enumerator->initialize(&events, store->getDescriptorStore());
+    EXPECT_THAT(listed(), SizeIs(0));
+    enumerator->dispose();
+}
+
+/// The same with a file that says which cameras are plugged in.
+class PluggedCameras : public MockEnumerator {
+protected:
+    void start(const std::string& cameras) {
+        plug(cameras);
+        enumerator->initialize(&events, nullptr);
+        enumerator->execute();
+    }
+
+    void plug(const std::string& cameras) { write(R"({"format": 1, "cameras": [)" + cameras + "]}"); }
+
+    /// As the documentation tells users to: nobody sees half a file.
+    void write(const std::string& text) {
+        Utils::writeFile(directory.path("new.json"), text);
+        std::error_code busy; // on Windows while the enumerator reads the file
+        do {
+            std::filesystem::rename(TestSupport::TemporaryDirectory::fromUtf8(directory.path("new.json")),
+                                    TestSupport::TemporaryDirectory::fromUtf8(file), busy);
+        } while (busy);
+    }
+
+    TestSupport::TemporaryDirectory directory;
+    std::string file = directory.path("cameras.json");
+    TestSupport::ScopedVariable variable{Simulated::SimulatedBus::variable, file};
+};
+
+TEST_F(PluggedCameras, ComeAndGoWhileTheThreadRuns) {
+    start(R"({"model": "ZS570", "serialNumber": "A"}, {"model": "ZS570", "serialNumber": "B"})");
+    const std::vector<NodeEvent> first = arrivals(6);
+    ASSERT_THAT(pathsOf(first), ElementsAre("simulated:A/depth", "simulated:A/color", "simulated:A/audio",
+                                            "simulated:B/depth", "simulated:B/color", "simulated:B/audio"));
+    EXPECT_EQ(first[0].serialNumber, "A");
+    EXPECT_EQ(first[0].deviceIndex, 0U);
+    EXPECT_EQ(first[3].deviceIndex, 1U);
+
+    plug(R"({"model": "ZS570", "serialNumber": "B"})");
+    EXPECT_THAT(pathsOf(removals(3)),
+                ElementsAre("simulated:A/depth", "simulated:A/color", "simulated:A/audio"));
+    EXPECT_FALSE(enumerator->isPresent(first[0]));
+    EXPECT_TRUE(enumerator->isPresent(first[3]));
+
+    plug(R"({"model": "ZS345"}, {"model": "ZS570", "serialNumber": "B"},
+            {"model": "ZS570", "serialNumber": "A"})");
+    const std::vector<NodeEvent> back = arrivals(6);
+    ASSERT_THAT(pathsOf(back),
+                ElementsAre("simulated:SIM0345/depth", "simulated:SIM0345/color", "simulated:SIM0345/audio",
+                            "simulated:A/depth", "simulated:A/color", "simulated:A/audio"));
+    EXPECT_EQ(back[3].deviceIndex, 0U) << "its number was free again";
+    EXPECT_EQ(listed()[3], first[3]) << "what stayed is described as before";
+}
+
+TEST_F(PluggedCameras, AnotherCameraUnderTheSameSerialNumberIsARemovalAndAnArrival) {
+    start(R"({"model": "ZS570", "serialNumber": "A"})");
+    EXPECT_THAT(arrivals(3), SizeIs(3));
+    plug(R"({"model": "ZS345", "serialNumber": "A"})");
+    EXPECT_THAT(removals(3), Each(Field(&NodeEvent::productId, 0x0570U)));
+    EXPECT_THAT(arrivals(3), Each(Field(&NodeEvent::productId, 0x0345U)));
+}
+
+TEST_F(PluggedCameras, AWrongFileChangesNothingAndIsReportedOnce) {
+    start(R"({"model": "ZS570"})");
+    EXPECT_THAT(arrivals(3), SizeIs(3));
+    const std::pair<std::string, std::string> rows[] = {
+        {"{", "line 1: syntax error"},
+        {"{\"format\": 1,\n\"cameras\": [{\"model\": \"ZS999\"}]}",
+         "line 2, cameras[0].model: no camera 'ZS999' is described; known: ZS570 ZS258 ZS345"},
+        {"{\"format\": 1, \"cameras\": [{\"model\": \"ZS570\"}, {\"model\": \"ZS570\"}]}",
+         "cameras[1]: another camera has the serial number 'SIM0570'"},
+        {"{\"format\": 1, \"cameras\": [{\"model\": \"ZS570\", \"serial\": \"A\"}]}",
+         "cameras[0].serial: there is no such field"},
+    };
+    for (const auto& [text, complaint] : rows) {
+        write(text);
+        const std::vector<NodeEvent> reported = next(1, ExternalEventType_ERROR);
+        ASSERT_THAT(reported, SizeIs(1));
+        EXPECT_EQ(reported[0].path, file);
+        EXPECT_THAT(reported[0].name, HasSubstr(complaint));
+        EXPECT_THAT(listed(), SizeIs(3));
+    }
+    plug("");
+    EXPECT_THAT(removals(3), SizeIs(3)) << "without a further error before it";
+    EXPECT_THAT(listed(), SizeIs(0));
+}
+
+TEST_F(PluggedCameras, WithoutTheFileNothingIsPluggedIn) {
+    enumerator->initialize(&events, nullptr);
+    enumerator->execute();
+    EXPECT_THAT(next(1, ExternalEventType_ERROR), SizeIs(1));
+    EXPECT_THAT(listed(), SizeIs(0));
+    plug(R"({"model": "ZS258"})");
+    EXPECT_THAT(arrivals(3), SizeIs(3));
 }
 
 } // namespace
