@@ -167,10 +167,10 @@ ParameterDiscreteSetInternal<T>* ParameterDiscreteSetInternal<T>::unmarshal(cons
     if (size - setHeaderBytes < valueBytes * count)
         return nullptr;
     return orNull([=] {
-        std::vector<T> values(count);
+        std::vector<T> decoded(count);
         for (unsigned int i = 0; i < count; ++i)
-            values[i] = loadLittleEndian<T>(buffer + setHeaderBytes + valueBytes * i);
-        return new ParameterDiscreteSetInternal(std::move(values));
+            decoded[i] = loadLittleEndian<T>(buffer + setHeaderBytes + valueBytes * i);
+        return new ParameterDiscreteSetInternal(std::move(decoded));
     });
 }
 
