@@ -1,5 +1,6 @@
 # One C++ runtime: exceptions and objects cross the borders between host, library and plug-ins, so each of them
-# imports the shared runtime, and none carries its own. The library needs nothing else but the system.
+# imports the shared runtime, or needs nothing of it, and none carries its own. The library needs nothing else but
+# the system.
 set(runtime "libstdc\\+\\+-6\\.dll|libgcc_s_seh-1\\.dll|libwinpthread-1\\.dll")
 set(system "KERNEL32\\.dll|msvcrt\\.dll|ADVAPI32\\.dll|USER32\\.dll|WS2_32\\.dll")
 
@@ -12,13 +13,13 @@ foreach(binary ${binaries})
     if(name MATCHES "^(${runtime})$")
         continue()
     endif()
-    execute_process(COMMAND ${OBJDUMP} -p ${binary} OUTPUT_VARIABLE headers RESULT_VARIABLE code ERROR_QUIET)
+    execute_process(COMMAND ${OBJDUMP} -p -t ${binary} OUTPUT_VARIABLE headers RESULT_VARIABLE code ERROR_QUIET)
     if(NOT code EQUAL 0)
         message(FATAL_ERROR "${OBJDUMP} cannot read ${binary}")
     endif()
     string(REGEX MATCHALL "DLL Name: [^\n]+" imports "${headers}")
-    if(NOT imports MATCHES "DLL Name: libstdc\\+\\+-6\\.dll")
-        string(APPEND faults "${binary} does not import the shared C++ runtime\n")
+    if(NOT imports MATCHES "DLL Name: libstdc\\+\\+-6\\.dll" AND headers MATCHES "__cxa_throw|_Znwy")
+        string(APPEND faults "${binary} carries a C++ runtime of its own\n")
     endif()
     foreach(import ${imports})
         string(REPLACE "DLL Name: " "" import ${import})
