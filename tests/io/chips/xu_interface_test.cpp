@@ -115,7 +115,8 @@ TEST(XUInterfaceTest, CopiesAreViews) {
         ListeningChip copy(first);
         ListeningChip assigned;
         assigned = first;
-        assigned = assigned;
+        ListeningChip& itself = assigned;
+        assigned = itself;
         first = copy; // shares already, and stays the owner
     }
     first.dispose();
