@@ -32,26 +32,16 @@ struct XUInterface::XUInterfacePrivate {
     VideoDeviceProxy* proxy = nullptr;
 };
 
-XUInterface::XUInterface() : binding(new XUInterfacePrivate), ownsBinding(true) {}
+XUInterface::XUInterface() : binding(new XUInterfacePrivate), owned(binding) {}
 
-XUInterface::XUInterface(const XUInterface& other) noexcept : binding(other.binding), ownsBinding(false) {}
+XUInterface::XUInterface(const XUInterface& other) noexcept : binding(other.binding), owned(nullptr) {}
 
 XUInterface& XUInterface::operator=(const XUInterface& other) noexcept {
-    if (binding != other.binding) {
-        if (ownsBinding) {
-            delete binding;
-        }
-        binding = other.binding;
-        ownsBinding = false;
-    }
+    binding = other.binding;
     return *this;
 }
 
-XUInterface::~XUInterface() {
-    if (ownsBinding) {
-        delete binding;
-    }
-}
+XUInterface::~XUInterface() { delete owned; }
 
 void XUInterface::setup(const ::GUID& unit) {
     if (binding->proxy) {

@@ -16,8 +16,8 @@ class xuRequest;
 /// override to put a chip on something else.
 ///
 /// Order of calls: construct the chip, `initialize(proxy)`, any number of commands, `dispose()` before the proxy
-/// goes away. A copy shares the binding with the object it was made from and must not outlive it: only that
-/// object owns the binding.
+/// goes away. A copy shares the binding of the object it was made from and must not outlive that object, in whose
+/// destructor the binding goes. An object that is assigned to keeps its own binding for those that share it.
 /// Separate; each chip says how it locks.
 class ZENTARA_API XUInterface {
 public:
@@ -64,7 +64,8 @@ private:
     VideoDeviceProxy& boundProxy(const char* operation) const;
 
     XUInterfacePrivate* binding;
-    bool ownsBinding;
+    /// What this object made and its destructor deletes; null in a copy.
+    XUInterfacePrivate* const owned;
 };
 
 } // namespace Zentara::IO
