@@ -235,9 +235,9 @@ void OV0570Impl::OV0570ImplPrivate::reset() noexcept {
 
 OV0570Impl::OV0570Impl() : OV0570Impl(ChipClock::system()) {}
 
-OV0570Impl::OV0570Impl(ChipClock& clock) : impl(new OV0570ImplPrivate(*this, clock)) {}
+OV0570Impl::OV0570Impl(ChipClock& clock) : impl(std::make_unique<OV0570ImplPrivate>(*this, clock)) {}
 
-OV0570Impl::~OV0570Impl() { delete impl; }
+OV0570Impl::~OV0570Impl() = default;
 
 void OV0570Impl::setup() { setup(unitGuid); }
 

@@ -245,9 +245,9 @@ void VC0258Impl::VC0258ImplPrivate::reset() noexcept {
 
 VC0258Impl::VC0258Impl() : VC0258Impl(ChipClock::system()) {}
 
-VC0258Impl::VC0258Impl(ChipClock& clock) : impl(new VC0258ImplPrivate(*this, clock)) {}
+VC0258Impl::VC0258Impl(ChipClock& clock) : impl(std::make_unique<VC0258ImplPrivate>(*this, clock)) {}
 
-VC0258Impl::~VC0258Impl() { delete impl; }
+VC0258Impl::~VC0258Impl() = default;
 
 void VC0258Impl::setup() { setup(VC::unitGuid); }
 

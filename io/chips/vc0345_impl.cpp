@@ -139,9 +139,9 @@ std::vector<unsigned char> VC0345Impl::VC0345ImplPrivate::readMemory(unsigned st
 
 VC0345Impl::VC0345Impl() : VC0345Impl(ChipClock::system()) {}
 
-VC0345Impl::VC0345Impl(ChipClock& clock) : impl(new VC0345ImplPrivate(*this, clock)) {}
+VC0345Impl::VC0345Impl(ChipClock& clock) : impl(std::make_unique<VC0345ImplPrivate>(*this, clock)) {}
 
-VC0345Impl::~VC0345Impl() { delete impl; }
+VC0345Impl::~VC0345Impl() = default;
 
 void VC0345Impl::setup() { setup(VC::unitGuid); }
 

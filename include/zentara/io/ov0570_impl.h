@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include <zentara/export.h>
@@ -89,7 +90,7 @@ protected:
 
 private:
     struct OV0570ImplPrivate;
-    OV0570ImplPrivate* impl;
+    std::unique_ptr<OV0570ImplPrivate> impl;
 };
 
 } // namespace Zentara::IO

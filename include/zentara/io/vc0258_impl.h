@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include <zentara/export.h>
@@ -82,7 +83,7 @@ protected:
 
 private:
     struct VC0258ImplPrivate;
-    VC0258ImplPrivate* impl;
+    std::unique_ptr<VC0258ImplPrivate> impl;
 };
 
 } // namespace Zentara::IO

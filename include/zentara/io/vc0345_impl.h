@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include <zentara/export.h>
@@ -66,7 +67,7 @@ protected:
 
 private:
     struct VC0345ImplPrivate;
-    VC0345ImplPrivate* impl;
+    std::unique_ptr<VC0345ImplPrivate> impl;
 };
 
 } // namespace Zentara::IO
