@@ -1,5 +1,6 @@
 #include "tools/zentara/camera_chip.h"
 
+#include <algorithm>
 #include <exception>
 #include <utility>
 
@@ -90,6 +91,12 @@ public:
                                                 : chip.getTOFControllerRegisterLocked(reg);
     }
 
+    [[nodiscard]] I2cLimits i2cLimits(std::uint8_t, std::uint8_t dataBytes) override {
+        if constexpr (requires { &Chip::setI2cLocked; })
+            return {0x7F, {0xFF, dataBytes == 1 ? 0xFFU : 0xFFFFU}};
+        else
+            refuse(chipKind, "way to its I2C bus");
+    }
     void writeI2c(std::uint8_t device, unsigned reg, unsigned value, std::uint8_t dataBytes) final {
         if constexpr (requires { chip.setI2cLocked(device, reg, value, 1, dataBytes, true); })
             chip.setI2cLocked(device, reg, value, 1, dataBytes, true);
@@ -136,6 +143,15 @@ public:
             refuse(kind(), target == RegisterTarget::Tof ? "time-of-flight controller" : "colour sensor");
         return target == RegisterTarget::Tof ? RegisterLimits{found->addressMask(), found->dataMask()}
                                              : RegisterLimits{0xFF, 0xFF};
+    }
+    /// Those of the first device at the address. A device that is not there has none: the transfer will say so.
+    [[nodiscard]] I2cLimits i2cLimits(std::uint8_t device, std::uint8_t) override {
+        const auto devices = chip.getInfoLocked().devices;
+        const auto found = std::find_if(devices.begin() + 1, devices.end(),
+                                        [device](const auto& known) { return known.busAddress == device; });
+        if (found == devices.end())
+            return {0xFF, {0xFFFFFFFF, 0xFFFF}};
+        return {0xFF, {found->addressMask(), found->dataMask()}};
     }
     void write(RegisterTarget target, unsigned reg, unsigned value) override {
         if (target != RegisterTarget::Rgb)

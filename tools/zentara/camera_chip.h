@@ -31,6 +31,12 @@ struct RegisterLimits {
     std::uint32_t value;
 };
 
+/// The greatest device address, register and value that a transfer on the camera's bus takes.
+struct I2cLimits {
+    std::uint32_t device;
+    RegisterLimits of;
+};
+
 /// A camera's controller as the verbs see it, whichever chip it is. Throws what the chip throws.
 class CameraChip {
 public:
@@ -48,7 +54,8 @@ public:
     virtual void write(RegisterTarget target, unsigned reg, unsigned value) = 0;
     [[nodiscard]] virtual unsigned read(RegisterTarget target, unsigned reg) = 0;
 
-    /// \throws ToolFailure when the chip has no way to its bus.
+    /// \throws ToolFailure when the chip has no way to its bus; the two below, too.
+    [[nodiscard]] virtual I2cLimits i2cLimits(std::uint8_t device, std::uint8_t dataBytes) = 0;
     virtual void writeI2c(std::uint8_t device, unsigned reg, unsigned value, std::uint8_t dataBytes) = 0;
     [[nodiscard]] virtual unsigned readI2c(std::uint8_t device, unsigned reg, std::uint8_t dataBytes) = 0;
 

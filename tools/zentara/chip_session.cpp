@@ -44,6 +44,8 @@ Json toJson(ChipKind kind, const Transfer& transfer) {
 
 } // namespace
 
+CLI::Range any32Bits() { return {std::uint32_t{0}, std::uint32_t{0xFFFFFFFF}}; }
+
 void addChipOptions(CLI::App& command, ChipOptions& options) {
     command.add_option("--camera", options.camera, "Which simulated camera: the one with that controller")
         ->type_name("OV0570|VC0258|VC0345")

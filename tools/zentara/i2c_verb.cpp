@@ -25,8 +25,20 @@ Json resultOf(const Options& options, unsigned value) {
         {"device", options.device}, {"register", options.reg}, {"bytes", options.bytes}, {"value", value}};
 }
 
+I2cLimits limitsOf(ChipSession& session, const Options& options) {
+    I2cLimits limits{};
+    attempt("ask for the widths of the device", [&] {
+        limits = session.chip().i2cLimits(static_cast<std::uint8_t>(options.device),
+                                          static_cast<std::uint8_t>(options.bytes));
+    });
+    checkRange("device", options.device, limits.device, session.chip());
+    checkRange("register", options.reg, limits.of.reg, session.chip());
+    return limits;
+}
+
 ExitCode runRead(const Options& options, Console& console) {
     ChipSession session("i2c", options, console);
+    static_cast<void>(limitsOf(session, options));
     unsigned value = 0;
     attempt("read " + placeOf(options), [&] {
         value = session.chip().readI2c(static_cast<std::uint8_t>(options.device), options.reg,
@@ -38,7 +50,7 @@ ExitCode runRead(const Options& options, Console& console) {
 
 ExitCode runWrite(const Options& options, Console& console) {
     ChipSession session("i2c", options, console);
-    checkRange("value", options.value, options.bytes == 1 ? 0xFF : 0xFFFF, session.chip());
+    checkRange("value", options.value, limitsOf(session, options).of.value, session.chip());
     attempt("write " + placeOf(options), [&] {
         session.chip().writeI2c(static_cast<std::uint8_t>(options.device), options.reg, options.value,
                                 static_cast<std::uint8_t>(options.bytes));
@@ -51,7 +63,7 @@ void addDevice(CLI::App& command, Options& options) {
     command.add_option("DEVICE", options.device, "Its address on the bus")
         ->required()
         ->check(CLI::Range(0U, 0xFFU));
-    command.add_option("REGISTER", options.reg, "The register's number")->required();
+    command.add_option("REGISTER", options.reg, "The register's number")->required()->check(any32Bits());
     command.add_option("--bytes", options.bytes, "Data bytes; an OV0570 knows them itself")
         ->capture_default_str()
         ->check(CLI::Range(1U, 2U));

@@ -59,7 +59,9 @@ void addRegister(CLI::App& command, Options& options) {
     command.add_option("TARGET", options.target, "bridge, tof or rgb")
         ->required()
         ->check(CLI::IsMember({"bridge", "tof", "rgb"}));
-    command.add_option("REGISTER", options.reg, "Its number, decimal or 0x hexadecimal")->required();
+    command.add_option("REGISTER", options.reg, "Its number, decimal or 0x hexadecimal")
+        ->required()
+        ->check(any32Bits());
     addChipOptions(command, options);
 }
 
@@ -74,7 +76,7 @@ Verb addRegVerb(CLI::App& program) {
     addRegister(*read, *options);
     CLI::App* write = command->add_subcommand("write", "Writes a register");
     addRegister(*write, *options);
-    write->add_option("VALUE", options->value, "What to write")->required();
+    write->add_option("VALUE", options->value, "What to write")->required()->check(any32Bits());
     write->add_option("--times", options->times, "Write it so many times")
         ->capture_default_str()
         ->check(CLI::Range(1U, 1000000U));

@@ -11,6 +11,8 @@ namespace {
 using Simulated::Bytes;
 using Utils::Format;
 
+constexpr int maxControlBytes = 0xFFFF; ///< the length field of a control transfer has 16 bits
+
 struct Options : ChipOptions {
     unsigned control = 0;
     std::string bytes;
@@ -37,6 +39,10 @@ unsigned lengthOf(ChipSession& session, const Options& options) {
     int length = 0;
     attempt(Format("ask for the length of control %") % options.control,
             [&] { length = session.device().len(session.chip().unit(), options.control); });
+    if (length < 0 || length > maxControlBytes)
+        throw ToolFailure(ExitCode_FAILED,
+                          Format("the camera gives control % % bytes; a control has 0 to %") %
+                              options.control % length % maxControlBytes);
     return static_cast<unsigned>(length);
 }
 
