@@ -50,6 +50,10 @@ TEST_F(ChipVerbs, DumpTheWholeMemoryOfEachController) {
                       .exitCode,
                   0);
         EXPECT_EQ(Utils::readFile(file), textOf(patternFlash(row.configuration)).substr(0x100, 5000));
+        ASSERT_EQ(
+            ToolTest::run({"firmware", "dump", file, "--camera", row.camera, "--start", "0xFFF"}).exitCode, 0)
+            << "no piece may begin at 0xFFFF";
+        EXPECT_EQ(Utils::readFile(file), textOf(patternFlash(row.firmware)).substr(0xFFF));
     }
 }
 
@@ -85,7 +89,15 @@ TEST_F(ChipVerbs, NameTheRangeOfAValueThatIsOutOfIt) {
         {{"reg", "read", "tof", "256"}, ExitCode_USAGE, "on the OV0570: 0 to 0xFF"},
         {{"reg", "read", "rgb", "1", "--camera", "VC0345"}, ExitCode_FAILED, "VC0345 has no way to a colour"},
         {{"reg", "read", "fpga", "1"}, ExitCode_USAGE, "fpga"},
+        {{"reg", "read", "tof", ""}, ExitCode_USAGE, "0 to 4294967295"},
+        {{"reg", "write", "tof", "29", "-1"}, ExitCode_USAGE, "0 to 4294967295"},
+        {{"reg", "write", "tof", "4294967296", "0"}, ExitCode_USAGE, "0 to 4294967295"},
         {{"i2c", "read", "256", "1"}, ExitCode_USAGE, "0 to 255"},
+        {{"i2c", "read", "0x80", "1", "--camera", "VC0258"}, ExitCode_USAGE, "0x80 is out of range"},
+        {{"i2c", "read", "0x21", "0x121", "--camera", "VC0258"}, ExitCode_USAGE, "VC0258: 0 to 0xFF"},
+        {{"i2c", "read", "0x21", "0x121"}, ExitCode_USAGE, "OV0570: 0 to 0xFF"},
+        {{"i2c", "write", "0x30", "1", "256", "--bytes", "1", "--camera", "VC0258"}, ExitCode_USAGE, "0xFF"},
+        {{"meta", "1000", "0x100000000"}, ExitCode_USAGE, "0 to 4294967295"},
         {{"i2c", "read", "0x77", "1"}, ExitCode_FAILED, "deviceAddress not found"},
         {{"i2c", "read", "1", "1", "--camera", "VC0345"}, ExitCode_FAILED, "I2C bus"},
         {{"meta", "999", "1"}, ExitCode_USAGE, "1000"},
@@ -111,6 +123,15 @@ TEST_F(ChipVerbs, TellOfATransferThatFailsAndLeaveNoFile) {
     const ToolRun run = ToolTest::run({"firmware", "dump", path("dump.bin"), "--trace"});
     EXPECT_EQ(run.exitCode, ExitCode_FAILED);
     EXPECT_THAT(run.err, HasSubstr("FAILED: control 24 of unit 4: 35 bytes came back, 36 were asked"));
+    EXPECT_THAT(filesLeft(), testing::IsEmpty());
+}
+
+TEST_F(ChipVerbs, ReadNothingForAFileThatCannotBeWritten) {
+    for (const std::string& file : {std::string(), path("not/there.bin"), path()}) {
+        const ToolRun run = ToolTest::run({"firmware", "dump", file, "--trace"});
+        EXPECT_NE(run.exitCode, 0);
+        EXPECT_THAT(run.err, testing::Not(HasSubstr("GET"))) << file;
+    }
     EXPECT_THAT(filesLeft(), testing::IsEmpty());
 }
 

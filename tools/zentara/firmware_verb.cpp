@@ -16,7 +16,7 @@ namespace {
 using Utils::Format;
 
 constexpr unsigned memoryBytes = 0x10000;
-constexpr unsigned pieceBytes = 0x1000;
+constexpr unsigned pieceBytes = 0x1000; ///< pieces end at multiples of it
 
 struct Options : ChipOptions {
     std::string file;
@@ -36,7 +36,8 @@ public:
         const InterruptWatch watch;
         while (bytes.size() < options.length && !watch.interrupted()) {
             const unsigned done = static_cast<unsigned>(bytes.size());
-            appendPiece(options.start + done, std::min(options.length - done, pieceBytes));
+            const unsigned start = options.start + done;
+            appendPiece(start, std::min(options.length - done, pieceBytes - start % pieceBytes));
             showProgress();
         }
         if (console.showProgress)
@@ -73,6 +74,10 @@ ExitCode runDump(Options options, Console& console) {
                                               options.length % hexText(options.start) %
                                               (memoryBytes - options.start));
     PendingFile file(options.file);
+    const auto write = [&](const std::string& bytes) {
+        attempt("write '" + options.file + "'", [&] { Utils::writeFile(file.partPath(), bytes); });
+    };
+    write({}); // reading takes minutes on a real camera: what cannot be written is told before it
     ChipSession session("firmware", options, console);
     Dump dump(session, options, console);
     if (!dump.read()) {
@@ -80,7 +85,7 @@ ExitCode runDump(Options options, Console& console) {
                     << " bytes; nothing is kept\n";
         return ExitCode_INTERRUPTED;
     }
-    attempt("write '" + options.file + "'", [&] { Utils::writeFile(file.partPath(), dump.bytes); });
+    write(dump.bytes);
     file.commit();
     const unsigned crc =
         Utils::Crc32::compute(reinterpret_cast<const unsigned char*>(dump.bytes.data()), options.length, 0);

@@ -12,6 +12,8 @@
 namespace Zentara::Tool {
 
 PendingFile::PendingFile(std::string path) : finalPath(std::move(path)), temporaryPath(finalPath + ".part") {
+    if (finalPath.empty())
+        throw ToolFailure(ExitCode_USAGE, "the name of the file is empty");
     std::error_code ignored;
     const auto status = std::filesystem::status(pathOf(finalPath), ignored);
     if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))

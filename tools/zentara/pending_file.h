@@ -8,8 +8,8 @@ namespace Zentara::Tool {
 /// name, replacing what was there. Without a commit the destructor removes the part. Not to be copied.
 class PendingFile final {
 public:
-    /// Touches nothing yet. \throws ToolFailure when `path` names something that a file must not replace: a
-    /// directory, a device.
+    /// Touches nothing yet. \throws ToolFailure when `path` is empty or names something that a file must not
+    /// replace: a directory, a device.
     explicit PendingFile(std::string path);
     ~PendingFile();
     PendingFile(const PendingFile&) = delete;
