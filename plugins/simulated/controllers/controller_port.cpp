@@ -190,6 +190,7 @@ void ControllerPort::record(Transfer transfer) {
 void ControllerPort::hang(unsigned long milliseconds) {
     {
         const AutoLock lock(mutex);
+        static_cast<void>(cancelled.timedWait(0)); // the last hang may have been cancelled twice
         hanging = true;
     }
     const bool wasCancelled = cancelled.timedWait(milliseconds) == 0;
