@@ -1,5 +1,6 @@
 // The simulated controllers by their bytes, without any chip: what they refuse and what wrong settings do to data.
 #include <memory>
+#include <set>
 #include <thread>
 
 #include <gmock/gmock.h>
@@ -114,6 +115,16 @@ TEST(VC0345ControllerTest, TheTwoBytesOfARegisterAreReadApart) {
     EXPECT_EQ(wire.get(16, {0x46, 0x05})[3], 0);
 }
 
+// Else a memory read from the wrong place could pass for the right one.
+TEST(PatternFlashTest, NoTwoPiecesAreAlike) {
+    const Bytes image = patternFlash(0x57);
+    std::set<Bytes> pieces;
+    for (auto piece = image.begin(); piece != image.end(); piece += 32) {
+        pieces.emplace(piece, piece + 32);
+    }
+    EXPECT_EQ(pieces.size(), 2048U);
+}
+
 TEST(ControllerPortTest, ChecksUnitControlAndLengthAndWantsASelection) {
     ControllerPort port(std::make_unique<OV0570Controller>(OV0570Controller::Settings{}));
     Bytes packet(7);
@@ -161,8 +172,13 @@ TEST(ControllerPortTest, AHangingTransferIsCancelled) {
     while (!wire.port.cancel()) {
         std::this_thread::yield();
     }
+    static_cast<void>(wire.port.cancel());
     caller.join();
     EXPECT_THAT(wire.port.log().back().failure, HasSubstr("cancelled"));
+    EXPECT_FALSE(wire.port.cancel());
+    wire.port.addFault({2, TransferFaultKind::Hang, 1});
+    EXPECT_THROW(wire.get(5, {0xA0}), TimeoutPluginException);
+    EXPECT_THAT(wire.port.log().back().failure, HasSubstr("did not answer")) << "a cancel ends one hang";
 }
 
 TEST(ControllerPortTest, FaultsAreReadFromWords) {

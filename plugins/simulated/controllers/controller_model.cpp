@@ -46,7 +46,8 @@ std::string hexText(std::uint32_t value) {
 Bytes patternFlash(std::uint8_t seed) {
     Bytes image(0x10000);
     for (std::size_t i = 0; i < image.size(); ++i) {
-        image[i] = static_cast<std::uint8_t>(seed + i * 31 + (i >> 5) * 7 + (i >> 12));
+        // The low byte of the piece's number goes into its even bytes, the high byte into its odd ones.
+        image[i] = static_cast<std::uint8_t>(seed + i * 31 + (i % 2 == 0 ? i >> 5 : i >> 13));
     }
     return image;
 }
