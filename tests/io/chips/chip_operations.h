@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include <zentara/io/i2c_requests.h>
+
 #include "io/chips/wired_camera.h"
 
 namespace Zentara::Test {
@@ -15,6 +17,22 @@ struct ChipOperation {
     std::function<void(Camera&)> run;
     bool isOneCall = true;
 };
+
+/// Four bytes to a device of the bus, by a request; and from it.
+template<typename Camera>
+ChipOperation<Camera> arrayWrite(unsigned device) {
+    return {"I2C array write of 4 bytes", [=](Camera& camera) {
+                camera.chip.processCommand(Utils::makeRefcounted<IO::setI2CArrayRequest>(
+                    device, std::vector<unsigned char>{1, 2, 3, 4}));
+            }};
+}
+template<typename Camera>
+ChipOperation<Camera> arrayRead(unsigned device) {
+    return {"I2C array read of 4 bytes", [=](Camera& camera) {
+                std::vector<unsigned char> out(4);
+                camera.chip.processCommand(Utils::makeRefcounted<IO::getI2CArrayRequest>(device, out));
+            }};
+}
 
 /// A raw command as an operation.
 template<typename Camera>
@@ -36,6 +54,8 @@ inline std::vector<ChipOperation<OV0570Camera>> operationsOf(const OV0570Camera*
          [](Camera& c) { static_cast<void>(c.chip.getRGBSensorRegisterLocked(1)); }},
         {"I2C register write", [](Camera& c) { c.chip.setI2cLocked(0x21, 29, 1, 1, 2, true); }},
         {"I2C register read", [](Camera& c) { static_cast<void>(c.chip.getI2cLocked(0x21, 5, 1, 2, true)); }},
+        arrayWrite<Camera>(0x21),
+        arrayRead<Camera>(0x21),
         commandOperation<Camera>("ADC value", IO::UVC_ADC_VALUE, 3, 4),
         {"strobe", [](Camera& c) { c.chip.setStrobeLocked(26, 5); }},
         {"strobe reset", [](Camera& c) { c.chip.resetStrobeLocked(27, 1); }},
@@ -46,6 +66,7 @@ inline std::vector<ChipOperation<OV0570Camera>> operationsOf(const OV0570Camera*
         {"bridge version", [](Camera& c) { static_cast<void>(c.chip.getUSBBackendFirmwareVersionLocked()); }},
         {"time-of-flight version",
          [](Camera& c) { static_cast<void>(c.chip.getTOFControllerFirmwareVersionLocked()); }},
+        {"bus description", [](Camera& c) { static_cast<void>(c.chip.getInfoLocked()); }},
         {"firmware read of 64 bytes",
          [](Camera& c) { static_cast<void>(c.chip.getUSBBackendFirmwareLocked(0, 64)); }},
         {"configuration read of 64 bytes",
@@ -81,6 +102,8 @@ inline std::vector<ChipOperation<VC0258Camera>> operationsOf(const VC0258Camera*
         {"I2C register write, 2 bytes", [](Camera& c) { c.chip.setI2cLocked(0x60, 1, 1, 1, 2, true); }},
         {"I2C register read, 2 bytes",
          [](Camera& c) { static_cast<void>(c.chip.getI2cLocked(0x60, 1, 1, 2, true)); }},
+        arrayWrite<Camera>(0x30),
+        arrayRead<Camera>(0x30),
         commandOperation<Camera>("DAC", IO::UVC_CONFIGURE_DAC, 0, 100),
         commandOperation<Camera>("ADC value", IO::UVC_ADC_VALUE, 3, 4),
         commandOperation<Camera>("micro-frames", IO::UVC_TOF_CONTROLLER_REGISTER, 18, 4),

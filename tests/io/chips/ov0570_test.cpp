@@ -8,6 +8,7 @@
 #include <zentara/plugin/plugin_exceptions.h>
 
 #include "io/chips/wired_camera.h"
+#include "support/log_capture.h"
 
 namespace Zentara::Test {
 
@@ -327,6 +328,7 @@ TEST_F(OV0570Test, SynchronisationChecksOneBitMoreThanItWaitsFor) {
 }
 
 TEST(OV0570FpgaTest, TheResetWaitEndsNormallyAlsoAfterTenTries) {
+    const TestSupport::LogCapture log;
     for (const unsigned low : {0U, 3U, 9U, 10U, 11U}) {
         SCOPED_TRACE(low);
         Settings settings;
@@ -335,6 +337,8 @@ TEST(OV0570FpgaTest, TheResetWaitEndsNormallyAlsoAfterTenTries) {
         camera.run(UVC_RESET_FPGA, 0, 0);
         EXPECT_EQ(camera.clock.waits, std::vector<int>(std::min(low + 1, 10U), 20));
         EXPECT_EQ(linesOf(camera.port.log()).back(), "GET 2  C0 45 28 00 00 18 00");
+        const bool warned = log.text().find("Didn't get GPIO3 high! Missing HW tweak?") != std::string::npos;
+        EXPECT_EQ(warned, low >= 10);
     }
 }
 

@@ -97,6 +97,17 @@ TEST_F(VC0258Test, ASettingWhoseWriteTimedOutIsSentAgain) {
     }
 }
 
+// The switch to a read's order fails on its way back; the write after it must not take the old order for granted.
+TEST_F(VC0258Test, AWriteAfterASwitchThatTimedOutHasItsBytesInOrder) {
+    warm();
+    camera.port.clearFaults();
+    camera.port.addFault({1, Simulated::TransferFaultKind::Late, 0});
+    EXPECT_THROW(static_cast<void>(camera.chip.getTOFControllerRegisterLocked(5)), TimeoutPluginException);
+    EXPECT_EQ(camera.model.bridge().value(0xB439), 0);
+    EXPECT_THAT(setTof(5, 0xA1B2), ElementsAre(orderOne, tofWrite("05", "B2 A1")));
+    EXPECT_EQ(camera.model.device(0x21).peek(5), 0xA1B2U);
+}
+
 TEST_F(VC0258Test, TheToggleAlternatesInRegisterWritesButNotInRawI2c) {
     warm();
     EXPECT_THAT(setTof(29, 0), ElementsAre(tofWrite("1D", "01 00")));
