@@ -73,7 +73,20 @@ Lines transfersOf(Camera& camera, const ChipOperation<Camera>& operation) {
     return linesOf(camera.port.log());
 }
 
-/// True when another thread can take the chip's mutex: every chip takes it for a command that it does not know.
+/// Has the chip send all that it remembers: each strobe, the toggle, and its settings by what it leaves out.
+template<typename Camera>
+ChipOperation<Camera> recital() {
+    return {"recital", [](Camera& camera) {
+                for (const int strobe : {26, 27, 75}) {
+                    camera.chip.resetStrobeLocked(strobe, 0);
+                }
+                camera.chip.setTOFControllerRegisterLocked(29, 0);
+                static_cast<void>(camera.chip.getUSBBackendConfigurationLocked(0, 1));
+            }};
+}
+
+/// True when another thread can take the chip's mutex: every chip takes it for a command that it does not
+/// know.
 template<typename Camera>
 bool mutexIsFree(Camera& camera) {
     const auto other =
@@ -102,32 +115,42 @@ protected:
                                                  TransferFaultKind::Short, TransferFaultKind::Long}) {
                 SCOPED_TRACE(operation.name + (warm ? ", warm" : ", cold") + ", transfer " +
                              std::to_string(failing) + ", fault " + std::to_string(static_cast<int>(kind)));
-                walk(operation, warm, failing, kind);
+                const Fault fault{operation, warm, failing, kind};
+                expectAsFresh(fault, operation);
+                expectAsFresh(fault, recital<Camera>());
             }
         }
     }
 
-    /// One transfer of the operation fails; the operation is repeated.
-    void walk(const ChipOperation<Camera>& operation, bool warm, std::size_t failing,
-              TransferFaultKind kind) {
+    /// One transfer of an operation that fails.
+    struct Fault {
+        const ChipOperation<Camera>& operation;
+        bool warm;
+        std::size_t transfer;
+        TransferFaultKind kind;
+    };
+
+    /// After the fault, `next` is sent as a fresh chip sends it that was told only the successes.
+    void expectAsFresh(const Fault& fault, const ChipOperation<Camera>& next) {
+        SCOPED_TRACE("then " + next.name);
         Camera camera;
-        prepare(camera, warm);
-        camera.port.addFault({failing, kind, 0});
-        EXPECT_THROW(operation.run(camera), Plugin::PluginException);
+        prepare(camera, fault.warm);
+        camera.port.addFault({fault.transfer, fault.kind, 0});
+        EXPECT_THROW(fault.operation.run(camera), Plugin::PluginException);
         const std::vector<Transfer> done = camera.port.log();
-        ASSERT_EQ(done.size(), failing) << "nothing is sent after a failure";
+        ASSERT_EQ(done.size(), fault.transfer) << "nothing is sent after a failure";
         ASSERT_TRUE(mutexIsFree(camera));
         camera.port.clearFaults();
-        const Lines repeated = transfersOf(camera, operation);
+        const Lines sent = transfersOf(camera, next);
 
         Camera fresh;
-        prepare(fresh, warm);
+        prepare(fresh, fault.warm);
         for (const Transfer& transfer : done) {
             if (transfer.failure.empty()) {
                 learn(fresh, transfer);
             }
         }
-        EXPECT_EQ(repeated, transfersOf(fresh, operation));
+        EXPECT_EQ(sent, transfersOf(fresh, next));
     }
 };
 
@@ -143,8 +166,8 @@ TYPED_TEST(ChipFailureTest, AFailedTransferLeavesTheChipAsItsSuccessesSay) {
     }
 }
 
-// A camera that answers nonsense: any exception or result will do, but nothing beyond the reply is touched, and
-// the chip works again after a reset.
+// A camera that answers nonsense: any exception or result will do, but nothing beyond the reply is touched,
+// and the chip works again after a reset.
 TYPED_TEST(ChipFailureTest, ACorruptTransferDoesNoHarm) {
     for (const auto& operation : operationsOf(static_cast<const TypeParam*>(nullptr))) {
         TypeParam whole;

@@ -271,6 +271,7 @@ TEST_F(OV0570Test, StrobesAreKeptPerRegister) {
     EXPECT_THAT(command(UVC_SET_STROBE, 26, 2), ElementsAre("SET 2  11 1A 00 03 0F 00 00"));
     EXPECT_THAT(command(UVC_SET_STROBE, 75, 8), ElementsAre("SET 2  11 4B 00 08 00 00 00"));
     EXPECT_THAT(command(UVC_RESET_STROBE, 27, 1), ElementsAre("SET 2  11 1B 00 00 00 00 00"));
+    EXPECT_THAT(command(UVC_RESET_STROBE, 26, 0x10002), ElementsAre("SET 2  11 1A 00 01 0F 00 00"));
     EXPECT_THAT(command(UVC_RESET_STROBE, 26, 0xFFFE), ElementsAre("SET 2  11 1A 00 01 00 00 00"));
     EXPECT_THAT(command(UVC_RESET_STROBE, 26, 0xFFFF), ElementsAre("SET 2  11 1A 00 00 00 00 00"));
     EXPECT_THAT(camera->sent([](auto& chip) { chip.setStrobeLocked(75, 1); }),

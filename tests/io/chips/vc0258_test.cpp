@@ -97,7 +97,8 @@ TEST_F(VC0258Test, ASettingWhoseWriteTimedOutIsSentAgain) {
     }
 }
 
-// The switch to a read's order fails on its way back; the write after it must not take the old order for granted.
+// The switch to a read's order fails on its way back; the write after it must not take the old order for
+// granted.
 TEST_F(VC0258Test, AWriteAfterASwitchThatTimedOutHasItsBytesInOrder) {
     warm();
     camera.port.clearFaults();
@@ -177,13 +178,14 @@ TEST_F(VC0258Test, MicroFramesMarkEvenCountsInStrobeRegister26) {
 TEST_F(VC0258Test, StrobesAreTwoRegistersAndEveryOtherNumberIs27) {
     warm();
     EXPECT_THAT(command(UVC_SET_STROBE, 26, 0xF0F01), ElementsAre(tofWrite("1A", "01 0F")));
+    EXPECT_THAT(command(UVC_RESET_STROBE, 26, 0x10100), ElementsAre(tofWrite("1A", "01 0E")));
     EXPECT_THAT(command(UVC_SET_STROBE, 75, 2), ElementsAre(tofWrite("1B", "02 00")));
     EXPECT_THAT(camera.sent([](auto& chip) { chip.setStrobeLocked(-5, 4); }),
                 ElementsAre(tofWrite("1B", "06 00")));
     EXPECT_THAT(command(UVC_RESET_STROBE, 27, 0xFFFD), ElementsAre(tofWrite("1B", "02 00")));
     EXPECT_THAT(camera.sent([](auto& chip) { chip.resetStrobeLocked(26, 0xFFFF); }),
                 ElementsAre(tofWrite("1A", "00 00")));
-    EXPECT_EQ(camera.clock.waits, std::vector<int>(5, 5));
+    EXPECT_EQ(camera.clock.waits, std::vector<int>(6, 5));
     camera.chip.reset();
     EXPECT_EQ(command(UVC_SET_STROBE, 27, 1).back(), tofWrite("1B", "01 00"));
 }
