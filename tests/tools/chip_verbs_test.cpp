@@ -126,6 +126,14 @@ TEST_F(ChipVerbs, TellOfATransferThatFailsAndLeaveNoFile) {
     EXPECT_THAT(filesLeft(), testing::IsEmpty());
 }
 
+TEST_F(ChipVerbs, TraceAFailureAlsoWhenThereIsNoJsonToPrint) {
+    const SimulatedFaults faults("transfer 2 fail");
+    const ToolRun run = ToolTest::run({"reg", "read", "tof", "1", "--trace", "--json"});
+    EXPECT_EQ(run.exitCode, ExitCode_FAILED);
+    EXPECT_EQ(run.out, "");
+    EXPECT_THAT(run.err, HasSubstr("GET 6/2  91 01 00 00 00 00 00  read device 1 register 0x01  FAILED: "));
+}
+
 TEST_F(ChipVerbs, ReadNothingForAFileThatCannotBeWritten) {
     for (const std::string& file : {std::string(), path("not/there.bin"), path()}) {
         const ToolRun run = ToolTest::run({"firmware", "dump", file, "--trace"});

@@ -69,6 +69,8 @@ ChipSession::ChipSession(const char* verbName, const ChipOptions& wanted, Consol
 }
 
 ChipSession::~ChipSession() {
+    for (const Transfer& transfer : transfers)
+        show(transfer);
     camera.reset();
     try {
         proxy->close();
@@ -81,9 +83,13 @@ void ChipSession::note(const Transfer& transfer) {
     if (!options.trace)
         return;
     if (options.json)
-        transfers.push_back(toJson(camera->kind(), transfer));
+        transfers.push_back(transfer);
     else
-        console.err << transferLine(camera->kind(), transfer) << '\n';
+        show(transfer);
+}
+
+void ChipSession::show(const Transfer& transfer) {
+    console.err << transferLine(camera->kind(), transfer) << '\n';
 }
 
 void ChipSession::finish(Json result, const std::string& text) {
@@ -95,8 +101,12 @@ void ChipSession::finish(Json result, const std::string& text) {
     json["camera"] = chipName(camera->kind());
     json["proxified"] = !options.direct;
     json.update(result);
-    if (options.trace)
-        json["transfers"] = std::move(transfers);
+    if (options.trace) {
+        json["transfers"] = Json::array();
+        for (const Transfer& transfer : transfers)
+            json["transfers"].push_back(toJson(camera->kind(), transfer));
+        transfers.clear();
+    }
     print(console.out, json);
 }
 

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "tools/zentara/camera_chip.h"
 #include "tools/zentara/json_output.h"
@@ -40,11 +41,13 @@ public:
 
 private:
     void note(const Transfer& transfer);
+    void show(const Transfer& transfer);
 
     const char* const verb;
     const ChipOptions options;
     Console& console;
-    Json transfers = Json::array();
+    /// With JSON the trace waits for the end: it goes into the result, or to the errors when there is none.
+    std::vector<Transfer> transfers;
     std::unique_ptr<IO::VideoDeviceProxy> proxy;
     std::unique_ptr<CameraChip> camera;
 };
