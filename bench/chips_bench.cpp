@@ -1,5 +1,6 @@
-// What the library itself costs per register write: a chip over a wire that answers at once, beside a bare virtual
-// call with the same packet. The chip's lock, the packet's making and the cached settings are the difference.
+// What the library itself costs per register write: a chip over a wire that answers at once, beside a bare
+// virtual call with the same packet. The chip's lock, the packet's making and the cached settings are the
+// difference.
 #include "ratio_reporter.h"
 
 #include <zentara/io/ov0570_impl.h>

@@ -23,9 +23,9 @@ protected:
 };
 
 /// Does what a raw command or one of the four I2C kinds says, told apart by their class.
-/// \throws ArgumentPluginException for a request without a place for its result, or with more bytes than its device
-/// has registers, NotSupportedPluginException naming the type for every other kind; both before any register
-/// is touched.
+/// \throws ArgumentPluginException for a request without a place for its result, or with more bytes than its
+/// device has registers, NotSupportedPluginException naming the type for every other kind; both before any
+/// register is touched.
 void executeCommand(CommandExecutor& executor, const char* chip, const xuRequest& request);
 
 /// \throws ArgumentPluginException for a null request, naming the chip.

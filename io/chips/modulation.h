@@ -11,8 +11,8 @@ struct RegisterWrite {
     unsigned value;
 };
 
-/// The writes, in their order, that set a modulation frequency. `code` is the frequency in MHz in both bytes; `k`
-/// is eight times the frequency, the phase steps being its halves.
+/// The writes, in their order, that set a modulation frequency. `code` is the frequency in MHz in both bytes;
+/// `k` is eight times the frequency, the phase steps being its halves.
 [[nodiscard]] constexpr std::array<RegisterWrite, 11> modulationWrites(unsigned code, unsigned k) {
     return {{{0, code},
              {1, code},

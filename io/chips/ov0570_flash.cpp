@@ -50,8 +50,8 @@ void OV0570Flash::checkRange(unsigned start, unsigned length) {
     }
     setRange(0, 0);
     const unsigned readable = sizes().readable;
-    // Unsigned arithmetic that wraps: length 0 passes from start 1 on. The second test is for lengths so great
-    // that the first wraps past them.
+    // Unsigned arithmetic that wraps: length 0 passes from start 1 on. The second test is for lengths so
+    // great that the first wraps past them.
     if (readable + start < start + length - 1 || length > addressSpace) {
         throw Plugin::IOPluginException(Format("length is out of range should be less than %") % readable);
     }

@@ -101,7 +101,8 @@ unsigned OV0570Registers::deviceAt(unsigned busAddress) {
     throw Plugin::IOPluginException("deviceAddress not found");
 }
 
-// Index 0 stands for a controller that is absent: then its calls reach the bridge, whose register 29 is another.
+// Index 0 stands for a controller that is absent: then its calls reach the bridge, whose register 29 is
+// another.
 bool OV0570Registers::isToggled(unsigned device, unsigned reg) const noexcept {
     return device == tofIndex && device != bridgeIndex && reg == toggleRegister;
 }

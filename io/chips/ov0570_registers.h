@@ -12,8 +12,8 @@ namespace Zentara::IO {
 
 class XUInterface;
 
-/// The registers of all devices behind an OV0570 bridge, and what the bridge tells about them, which is asked for
-/// once. The caller holds the chip's mutex; only `info` may be reached without it.
+/// The registers of all devices behind an OV0570 bridge, and what the bridge tells about them, which is asked
+/// for once. The caller holds the chip's mutex; only `info` may be reached without it.
 class OV0570Registers {
 public:
     explicit OV0570Registers(XUInterface& chip) : wire(chip) {}

@@ -7,8 +7,8 @@
 
 namespace Zentara::IO {
 
-/// The two ways from the host to what lies behind a VC0258 bridge: the I2C tunnel and DMA reads. Brings the bridge's
-/// settings to what each transfer needs. The caller holds the chip's mutex.
+/// The two ways from the host to what lies behind a VC0258 bridge: the I2C tunnel and DMA reads. Brings the
+/// bridge's settings to what each transfer needs. The caller holds the chip's mutex.
 class VC0258Tunnel {
 public:
     VC0258Tunnel(XUInterface& chip, VCBridge& settings) : wire(chip), bridge(settings) {}

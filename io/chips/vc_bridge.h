@@ -9,8 +9,8 @@ namespace Zentara::IO {
 
 class XUInterface;
 
-/// The registers inside a VC0258 or VC0345 bridge. Some of them are settings, which are remembered so that they are
-/// sent only when they change. The caller holds the chip's mutex.
+/// The registers inside a VC0258 or VC0345 bridge. Some of them are settings, which are remembered so that
+/// they are sent only when they change. The caller holds the chip's mutex.
 class VCBridge {
 public:
     VCBridge(XUInterface& chip, std::initializer_list<unsigned> settingRegisters);

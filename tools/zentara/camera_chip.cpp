@@ -144,7 +144,8 @@ public:
         return target == RegisterTarget::Tof ? RegisterLimits{found->addressMask(), found->dataMask()}
                                              : RegisterLimits{0xFF, 0xFF};
     }
-    /// Those of the first device at the address. A device that is not there has none: the transfer will say so.
+    /// Those of the first device at the address. A device that is not there has none: the transfer will say
+    /// so.
     [[nodiscard]] I2cLimits i2cLimits(std::uint8_t device, std::uint8_t) override {
         const auto devices = chip.getInfoLocked().devices;
         const auto found = std::find_if(devices.begin() + 1, devices.end(),

@@ -40,7 +40,8 @@ struct I2cLimits {
 /// A camera's controller as the verbs see it, whichever chip it is. Throws what the chip throws.
 class CameraChip {
 public:
-    /// Finds out by its extension unit which chip the camera has, and binds it. The proxy must outlive the result.
+    /// Finds out by its extension unit which chip the camera has, and binds it. The proxy must outlive the
+    /// result.
     /// \throws ToolFailure when it is none of the known ones.
     [[nodiscard]] static std::unique_ptr<CameraChip> detect(IO::VideoDeviceProxy& proxy, TransferSink sink);
 

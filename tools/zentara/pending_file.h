@@ -4,8 +4,8 @@
 
 namespace Zentara::Tool {
 
-/// A file that takes its name only once it is whole. Whoever fills it writes to partPath(); commit() gives it its
-/// name, replacing what was there. Without a commit the destructor removes the part. Not to be copied.
+/// A file that takes its name only once it is whole. Whoever fills it writes to partPath(); commit() gives it
+/// its name, replacing what was there. Without a commit the destructor removes the part. Not to be copied.
 class PendingFile final {
 public:
     /// Touches nothing yet. \throws ToolFailure when `path` is empty or names something that a file must not

@@ -13,18 +13,18 @@ class ChipClock;
 
 /// A camera behind an OV0570 bridge: extension unit 6 of dd880f8a-1cba-4954-8a25-f7875967f0f7.
 ///
-/// The bridge tells, once, which devices are on the camera's internal bus. The time-of-flight controller is the last
-/// one at bus address 0x0021, the colour sensor the last one at 0x9711; calls for one that is absent reach the
-/// bridge itself. Register addresses and values are cut to the widths of their device, reads return 16 bits.
-/// Every write that reaches register 29 of the time-of-flight controller, by whatever call, carries a bit 0 that
-/// alternates between 1 and 0, beginning with 1.
+/// The bridge tells, once, which devices are on the camera's internal bus. The time-of-flight controller is
+/// the last one at bus address 0x0021, the colour sensor the last one at 0x9711; calls for one that is absent
+/// reach the bridge itself. Register addresses and values are cut to the widths of their device, reads return
+/// 16 bits. Every write that reaches register 29 of the time-of-flight controller, by whatever call, carries
+/// a bit 0 that alternates between 1 and 0, beginning with 1.
 ///
-/// Requests: raw commands and the four I2C kinds are executed; others throw `NotSupportedPluginException`. In I2C
-/// requests and calls the widths are not used; an array is one byte a register from register 0.
+/// Requests: raw commands and the four I2C kinds are executed; others throw `NotSupportedPluginException`. In
+/// I2C requests and calls the widths are not used; an array is one byte a register from register 0.
 ///
-/// Every operation may throw what the proxy throws. What the object remembers (toggle, strobes, bus description)
-/// changes only after the transfer succeeded. *Safe*: each call holds the chip's lock throughout, and takes the
-/// bus description's, the proxy's and the logger's after it.
+/// Every operation may throw what the proxy throws. What the object remembers (toggle, strobes, bus
+/// description) changes only after the transfer succeeded. *Safe*: each call holds the chip's lock
+/// throughout, and takes the bus description's, the proxy's and the logger's after it.
 class ZENTARA_API OV0570Impl : public XUInterface {
 public:
     OV0570Impl();
@@ -61,8 +61,8 @@ public:
     /// Bytes of the flash, 32 a transfer. Both areas read the same bytes here.
     /// \param start 0 to 0xFFFE. \param length up to one more than the readable size that the bridge reports;
     /// 0 is refused at start 0 and reads nothing elsewhere.
-    /// \throws IOPluginException "startAddress must be less than 0xFFFF", "length is out of range should be less
-    /// than N"; ArgumentPluginException for a null buffer. After a failure `out` may be filled in part.
+    /// \throws IOPluginException "startAddress must be less than 0xFFFF", "length is out of range should be
+    /// less than N"; ArgumentPluginException for a null buffer. After a failure `out` may be filled in part.
     [[nodiscard]] std::vector<unsigned char> getUSBBackendFirmwareLocked(unsigned int start,
                                                                          unsigned int length);
     void getUSBBackendFirmwareLocked(unsigned int start, unsigned char* out, unsigned int length);

@@ -49,8 +49,8 @@ struct OV0570Info {
     /// Index 0 is the bridge itself.
     std::vector<OV0570DeviceID> devices;
 
-    /// Reads a control-information reply. \throws IOPluginException when it claims more further devices than it
-    /// can hold, naming both numbers.
+    /// Reads a control-information reply. \throws IOPluginException when it claims more further devices than
+    /// it can hold, naming both numbers.
     [[nodiscard]] ZENTARA_API static OV0570Info fromReply(const std::array<std::uint8_t, replyBytes>& reply);
 };
 

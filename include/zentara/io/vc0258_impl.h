@@ -12,19 +12,19 @@ class ChipClock;
 
 /// A camera behind a VC0258 bridge: extension unit 4 of a917c75d-4119-11da-ae0e-000d56ac7b4c.
 ///
-/// The bridge reaches the time-of-flight controller and the other devices of the camera's bus through an I2C tunnel.
-/// Three of its settings (sensor control size 0x8102, DMA control size 0x810F, last byte order 0xB439) are
-/// remembered and sent only when they change; writing one of them directly keeps the memory right.
-/// Registers of the time-of-flight controller have 8-bit addresses and 16 bits. A write of its register 29 carries a
-/// bit 0 that alternates between 1 and 0, beginning with 1; a raw I2C write does not. Before each of its writes the
-/// chip waits 5 ms.
+/// The bridge reaches the time-of-flight controller and the other devices of the camera's bus through an I2C
+/// tunnel. Three of its settings (sensor control size 0x8102, DMA control size 0x810F, last byte order
+/// 0xB439) are remembered and sent only when they change; writing one of them directly keeps the memory
+/// right. Registers of the time-of-flight controller have 8-bit addresses and 16 bits. A write of its
+/// register 29 carries a bit 0 that alternates between 1 and 0, beginning with 1; a raw I2C write does not.
+/// Before each of its writes the chip waits 5 ms.
 ///
-/// Requests: raw commands and the four I2C kinds are executed (byte order 1 for writes, 0 for reads; an array is one
-/// byte a register from register 0); others throw `NotSupportedPluginException`.
+/// Requests: raw commands and the four I2C kinds are executed (byte order 1 for writes, 0 for reads; an array
+/// is one byte a register from register 0); others throw `NotSupportedPluginException`.
 ///
 /// Every operation may throw what the proxy throws. What the object remembers changes only after the transfer
-/// succeeded; a setting whose write failed is sent again with its next use. *Safe*: each call holds the chip's lock
-/// throughout, and takes the proxy's and the logger's after it.
+/// succeeded; a setting whose write failed is sent again with its next use. *Safe*: each call holds the
+/// chip's lock throughout, and takes the proxy's and the logger's after it.
 class ZENTARA_API VC0258Impl : public XUInterface {
 public:
     VC0258Impl();
@@ -43,7 +43,8 @@ public:
     [[nodiscard]] unsigned int getTOFControllerRegisterLocked(unsigned int reg);
 
     /// A register of the device at a 7-bit bus address, in 1 or 2 bytes.
-    /// \param byteOrder what the bridge is told about a 2-byte transfer; the low byte comes first in any case.
+    /// \param byteOrder what the bridge is told about a 2-byte transfer; the low byte comes first in any
+    /// case.
     /// \throws IOPluginException "addressBytes must be equal to 1", "dataBytes must be equal to 1 or 2";
     /// ArgumentPluginException for an address above 0x7F.
     void setI2cLocked(unsigned char deviceAddress, unsigned int reg, unsigned int value,
@@ -69,8 +70,8 @@ public:
     /// ArgumentPluginException for a null buffer.
     void getDMADataLocked(unsigned int address, unsigned char* out, unsigned int length);
 
-    /// Sets or clears strobe bits in what was last written to register 26, or to register 27 for any other number,
-    /// and writes the result.
+    /// Sets or clears strobe bits in what was last written to register 26, or to register 27 for any other
+    /// number, and writes the result.
     void setStrobeLocked(int reg, unsigned short mask);
     void resetStrobeLocked(int reg, unsigned short mask);
 

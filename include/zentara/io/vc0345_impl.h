@@ -12,14 +12,14 @@ class ChipClock;
 
 /// A camera behind a VC0345 bridge: extension unit 4 of a917c75d-4119-11da-ae0e-000d56ac7b4c.
 ///
-/// Registers of the time-of-flight controller have 8-bit addresses and 16 bits, of which a read brings one byte at a
-/// time. The bridge's sensor control size (0x8102) is remembered and sent only when it changes. The memory is read
-/// and written byte by byte.
+/// Registers of the time-of-flight controller have 8-bit addresses and 16 bits, of which a read brings one
+/// byte at a time. The bridge's sensor control size (0x8102) is remembered and sent only when it changes. The
+/// memory is read and written byte by byte.
 ///
 /// Requests: only those of type 1 are executed, after a wait of 5 ms; others are left alone without a word.
 ///
-/// Every operation may throw what the proxy throws. A setting whose write failed is sent again with its next use.
-/// *Safe*: each call holds the chip's lock throughout, and takes the proxy's and the logger's after it.
+/// Every operation may throw what the proxy throws. A setting whose write failed is sent again with its next
+/// use. *Safe*: each call holds the chip's lock throughout, and takes the proxy's and the logger's after it.
 class ZENTARA_API VC0345Impl : public XUInterface {
 public:
     VC0345Impl();

@@ -19,9 +19,9 @@ enum class ChipKind { OV0570, VC0258, VC0345 };
 /// The kind of that name in any case; nothing for another text.
 [[nodiscard]] std::optional<ChipKind> chipKindFromName(const std::string& name);
 
-/// The firmware of one camera controller, packet in and packet out: what a host sees of it through the extension
-/// unit, and nothing of how a host would use it. A packet that the firmware refuses is a stall and throws
-/// `IOPluginException` with the reason. *Separate*: a `ControllerPort` serialises the calls.
+/// The firmware of one camera controller, packet in and packet out: what a host sees of it through the
+/// extension unit, and nothing of how a host would use it. A packet that the firmware refuses is a stall and
+/// throws `IOPluginException` with the reason. *Separate*: a `ControllerPort` serialises the calls.
 class ControllerModel {
 public:
     virtual ~ControllerModel() = default;

@@ -31,16 +31,17 @@ struct TransferFault {
     unsigned long hangMillis = 10000;
 };
 
-/// A fault from words: which transfer, one of fail, late, short, long, corrupt, hang, and for how many milliseconds it
-/// hangs (empty for as long as usual). \throws ArgumentPluginException naming the word that is wrong.
+/// A fault from words: which transfer, one of fail, late, short, long, corrupt, hang, and for how many
+/// milliseconds it hangs (empty for as long as usual). \throws ArgumentPluginException naming the word that
+/// is wrong.
 [[nodiscard]] TransferFault parseTransferFault(const std::string& transfer, const std::string& kind,
                                                const std::string& hangMillis);
 
-/// The extension-unit end of a simulated camera: checks unit, control and length as a camera's USB stack does,
-/// lets the planned faults happen, keeps a log, and passes the rest to the controller. *Safe*.
+/// The extension-unit end of a simulated camera: checks unit, control and length as a camera's USB stack
+/// does, lets the planned faults happen, keeps a log, and passes the rest to the controller. *Safe*.
 ///
-/// A reply of another length than was asked is an `IOPluginException` with both numbers, and the caller's buffer
-/// stays as it was; it changes after a whole success only.
+/// A reply of another length than was asked is an `IOPluginException` with both numbers, and the caller's
+/// buffer stays as it was; it changes after a whole success only.
 class ControllerPort {
 public:
     explicit ControllerPort(std::unique_ptr<ControllerModel> model);

@@ -10,8 +10,8 @@
 
 namespace Zentara::Simulated {
 
-/// A camera behind an OV0570 bridge: unit 6, control information, one packet for the registers of all devices on
-/// the bus, and an EEPROM read and written in pieces of 32 bytes.
+/// A camera behind an OV0570 bridge: unit 6, control information, one packet for the registers of all devices
+/// on the bus, and an EEPROM read and written in pieces of 32 bytes.
 class OV0570Controller final : public ControllerModel {
 public:
     /// One device on the bus as the control information describes it.

@@ -34,7 +34,8 @@ public:
         return value & dataMask();
     }
 
-    /// One future read of the register yields this value instead of its content: a status that changes by itself.
+    /// One future read of the register yields this value instead of its content: a status that changes by
+    /// itself.
     void queueRead(std::uint32_t address, std::uint32_t value) {
         queued[address & addressMask()].push_back(value);
     }

@@ -11,8 +11,9 @@ namespace Zentara::Simulated {
 
 /// A camera behind a VC0258 bridge: unit 4, bridge registers, an I2C tunnel, and memory read by DMA.
 ///
-/// The bridge does what its settings say, right or wrong: a control longer than its size register loses its tail,
-/// and a 2-byte transfer whose order bit differs from the order register arrives with its bytes exchanged.
+/// The bridge does what its settings say, right or wrong: a control longer than its size register loses its
+/// tail, and a 2-byte transfer whose order bit differs from the order register arrives with its bytes
+/// exchanged.
 class VC0258Controller final : public ControllerModel {
 public:
     struct Settings {

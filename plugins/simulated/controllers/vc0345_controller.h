@@ -6,8 +6,9 @@
 
 namespace Zentara::Simulated {
 
-/// A camera behind a VC0345 bridge: unit 4, bridge registers, 16-bit time-of-flight registers of which a read brings
-/// one byte at a time, and a ROM of single bytes. As with the VC0258, a wrong size setting loses bytes.
+/// A camera behind a VC0345 bridge: unit 4, bridge registers, 16-bit time-of-flight registers of which a read
+/// brings one byte at a time, and a ROM of single bytes. As with the VC0258, a wrong size setting loses
+/// bytes.
 class VC0345Controller final : public ControllerModel {
 public:
     struct Settings {

@@ -7,7 +7,8 @@
 
 namespace Zentara::Simulated {
 
-/// The 8-bit registers inside a VC0258 or VC0345 bridge, behind control 4: [opcode, address low, address high, value].
+/// The 8-bit registers inside a VC0258 or VC0345 bridge, behind control 4: [opcode, address low, address
+/// high, value].
 class VCBridgeRegisters {
 public:
     static constexpr std::uint32_t control = 4;

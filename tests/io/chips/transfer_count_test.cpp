@@ -1,5 +1,5 @@
-// Every transfer costs a millisecond or more on a real camera: how many an operation takes is a promise, kept in
-// the table of docs/transfers.md.
+// Every transfer costs a millisecond or more on a real camera: how many an operation takes is a promise, kept
+// in the table of docs/transfers.md.
 #include <fstream>
 #include <map>
 #include <sstream>
