@@ -2,9 +2,6 @@
 
 #include "utils/platform/event.h"
 
-#include <algorithm>
-#include <deque>
-
 namespace Zentara::Utils::Threading {
 
 namespace {
@@ -16,6 +13,30 @@ using Platform::Event;
 struct Waiter {
     const Platform::Owned<Event> event{Event::create(Event::Reset::automatic)};
     bool notified = false;
+    Waiter* previous = nullptr;
+    Waiter* next = nullptr;
+};
+
+/// Who waits, in the order of arrival. Linked through the waiters themselves, for a wait must not fail for want
+/// of memory.
+class WaiterList {
+public:
+    [[nodiscard]] Waiter* first() const { return head; }
+
+    void append(Waiter& waiter) {
+        waiter.previous = tail;
+        (tail ? tail->next : head) = &waiter;
+        tail = &waiter;
+    }
+
+    void remove(Waiter& waiter) {
+        (waiter.previous ? waiter.previous->next : head) = waiter.next;
+        (waiter.next ? waiter.next->previous : tail) = waiter.previous;
+    }
+
+private:
+    Waiter* head = nullptr;
+    Waiter* tail = nullptr;
 };
 
 } // namespace
@@ -27,32 +48,36 @@ struct Condition::Impl {
     RecursiveMutex* const recursiveMutex;
 
     Mutex state;
-    std::deque<Waiter*> waiting ZENTARA_GUARDED_BY(state);
+    WaiterList waiting ZENTARA_GUARDED_BY(state);
 
     void enter(Waiter& waiter);
     bool leave(Waiter& waiter);
-    void notifyFirst() ZENTARA_REQUIRES(state);
+    bool notifyFirst() ZENTARA_REQUIRES(state);
 };
 
 void Condition::Impl::enter(Waiter& waiter) {
     AutoLock hold(state);
-    waiting.push_back(&waiter);
+    waiting.append(waiter);
 }
 
 /// Ends one wait; true when it was notified, be it at the last moment.
 bool Condition::Impl::leave(Waiter& waiter) {
     AutoLock hold(state);
     if (!waiter.notified)
-        waiting.erase(std::find(waiting.begin(), waiting.end(), &waiter));
+        waiting.remove(waiter);
     return waiter.notified;
 }
 
-void Condition::Impl::notifyFirst() {
-    Waiter& first = *waiting.front();
-    waiting.pop_front();
-    first.notified = true;
+/// False when nobody waits.
+bool Condition::Impl::notifyFirst() {
+    Waiter* const first = waiting.first();
+    if (!first)
+        return false;
+    waiting.remove(*first);
+    first->notified = true;
     // Under the lock that the waiter takes before it goes: its record is still there.
-    first.event->set();
+    first->event->set();
+    return true;
 }
 
 Condition::Condition(Mutex* mutex) : impl(std::make_unique<Impl>(mutex, nullptr)) {}
@@ -92,8 +117,7 @@ void Condition::notify(bool takeMutex) noexcept {
         lock();
     {
         AutoLock hold(impl->state);
-        if (!impl->waiting.empty())
-            impl->notifyFirst();
+        impl->notifyFirst();
     }
     if (takeMutex)
         unlock();
@@ -101,8 +125,8 @@ void Condition::notify(bool takeMutex) noexcept {
 
 void Condition::notifyAll() noexcept {
     AutoLock hold(impl->state);
-    while (!impl->waiting.empty())
-        impl->notifyFirst();
+    while (impl->notifyFirst()) {
+    }
 }
 
 } // namespace Zentara::Utils::Threading
