@@ -1,6 +1,7 @@
 #include <zentara/utils/kv_logger.h>
 
 #include <cstdio>
+#include <memory>
 
 #include <zentara/utils/logger.h>
 #include <zentara/utils/mutex.h>
@@ -42,6 +43,10 @@ bool eventTypeOf(KVLogLevel level, Platform::SystemLogType& type) noexcept {
     return false;
 }
 
+struct CloseSystemLog {
+    void operator()(void* log) const noexcept { Platform::closeSystemLog(log); }
+};
+
 } // namespace
 
 struct KVLogger::Impl {
@@ -50,7 +55,7 @@ struct KVLogger::Impl {
           logger(Logger::instance(level, name, target)) {}
 
     ~Impl() {
-        Platform::closeSystemLog(eventSource);
+        eventSource.reset();
         Logger::release();
     }
 
@@ -58,12 +63,12 @@ struct KVLogger::Impl {
         char tag[32];
         std::snprintf(tag, sizeof tag, "[%08lx]", Threading::ThreadBase::getCurrentThreadId());
         const Threading::AutoLock lock(mutex);
-        Platform::reportToSystemLog(eventSource, type, tag, message);
+        Platform::reportToSystemLog(eventSource.get(), type, tag, message);
     }
 
-    Threading::Mutex mutex;  ///< one report at a time
-    void* const eventSource; ///< null when the system's log is out of reach
-    int count = 1;           ///< guarded by instanceMutex()
+    Threading::Mutex mutex;                            ///< one report at a time
+    std::unique_ptr<void, CloseSystemLog> eventSource; ///< null when the system's log is out of reach
+    int count = 1;                                     ///< guarded by instanceMutex()
     Logger* const logger;
 };
 
