@@ -12,8 +12,10 @@ namespace Zentara::Utils::Platform {
 class SharedMapping {
 public:
     /// Opens the memory, or creates it.
-    /// \param name UTF-8. A leading slash is welcome; another slash or a backslash makes it fail.
-    /// \param size bytes to map; memory that exists with fewer makes it fail, and so does 0.
+    /// \param name UTF-8. A leading slash is welcome; another slash or a backslash makes it fail. Windows takes
+    ///        its own prefixes "Global\" and "Local\", before the slash.
+    /// \param size bytes to map; memory that exists with fewer makes it fail, and so does 0. Windows counts the
+    ///        bytes of memory that exists in whole pages.
     /// \return null on failure.
     static SharedMapping* create(const std::string& name, std::size_t size, bool writable) noexcept;
     static void destroy(SharedMapping* mapping) noexcept;

@@ -4,6 +4,7 @@
 #include "utils/platform/windows/system.h"
 
 #include <new>
+#include <string_view>
 
 namespace Zentara::Utils::Platform {
 
@@ -23,7 +24,7 @@ public:
                                     static_cast<DWORD>(size >> 32), static_cast<DWORD>(size), name.c_str());
         if (!handle)
             return false;
-        // Asking for the size makes an existing, smaller object fail.
+        // An object that exists keeps its own size, in whole pages: the view of more than these is refused.
         view = MapViewOfFile(handle, writable ? FILE_MAP_ALL_ACCESS : FILE_MAP_READ, 0, 0, size);
         return view != nullptr;
     }
@@ -34,9 +35,19 @@ private:
     HANDLE handle = nullptr;
 };
 
-bool isUsable(const std::string& name, std::size_t size) {
+/// The part of a name behind the prefix that puts it into the namespace of all sessions or of this one.
+std::string_view withoutNamespace(std::string_view name) {
+    for (const std::string_view prefix : {"Global\\", "Local\\"}) {
+        if (name.starts_with(prefix))
+            return name.substr(prefix.size());
+    }
+    return name;
+}
+
+bool isUsable(const std::string& fullName, std::size_t size) {
+    const std::string_view name = withoutNamespace(fullName);
     const bool named =
-        name.size() > 1 && name.find_first_of("/\\", 1) == std::string::npos && name[0] != '\\';
+        name.size() > 1 && name.find_first_of("/\\", 1) == std::string_view::npos && name[0] != '\\';
     return named && size > 0;
 }
 
