@@ -1,6 +1,10 @@
 #include "utils/platform/posix/shared_object.h"
 
+#include "utils/platform/clock.h"
+#include "utils/platform/thread.h"
+
 #include <cerrno>
+#include <cstdint>
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -14,7 +18,7 @@ namespace {
 constexpr off_t gate = 0;
 constexpr off_t membership = 1;
 
-bool lockByte(int file, int command, short kind, off_t byte) {
+bool lockByte(int file, short kind, off_t byte) {
     struct flock range {};
     range.l_type = kind;
     range.l_whence = SEEK_SET;
@@ -22,14 +26,28 @@ bool lockByte(int file, int command, short kind, off_t byte) {
     range.l_len = 1;
     int result = 0;
     do {
-        result = fcntl(file, command, &range);
+        result = fcntl(file, F_OFD_SETLK, &range);
     } while (result == -1 && errno == EINTR);
     return result == 0;
 }
 
-bool waitForGate(int file) { return lockByte(file, F_OFD_SETLKW, F_WRLCK, gate); }
-bool isAlone(int file) { return lockByte(file, F_OFD_SETLK, F_WRLCK, membership); }
-bool join(int file) { return lockByte(file, F_OFD_SETLK, F_RDLCK, membership); }
+bool isAlone(int file) { return lockByte(file, F_WRLCK, membership); }
+bool join(int file) { return lockByte(file, F_RDLCK, membership); }
+
+/// The system's own wait has no limit. The gate is held for some calls of the system, so it is tried again, first
+/// at once and then every millisecond.
+bool waitForGate(int file, unsigned long patience) {
+    constexpr int triesAtOnce = 100;
+    const std::int64_t start = monotonicMicroseconds();
+    for (int tries = 1; !lockByte(file, F_WRLCK, gate); ++tries) {
+        if (errno != EAGAIN && errno != EACCES)
+            return false;
+        if (monotonicMicroseconds() - start >= std::int64_t{1000} * static_cast<std::int64_t>(patience))
+            return false;
+        sleepMilliseconds(tries < triesAtOnce ? 0 : 1);
+    }
+    return true;
+}
 
 /// A name that was unlinked between opening it and passing the gate leads to an object nobody else will find.
 bool isCurrent(int file) {
@@ -39,11 +57,11 @@ bool isCurrent(int file) {
 
 } // namespace
 
-bool SharedObject::open(const std::string& objectName) {
+bool SharedObject::open(const std::string& objectName, unsigned long patience) {
     name = objectName;
     Attempt attempt = Attempt::replaced;
     while (attempt == Attempt::replaced) {
-        attempt = tryOpen();
+        attempt = tryOpen(patience);
         if (attempt != Attempt::opened && file != -1) {
             ::close(file);
             file = -1;
@@ -52,9 +70,9 @@ bool SharedObject::open(const std::string& objectName) {
     return attempt == Attempt::opened;
 }
 
-SharedObject::Attempt SharedObject::tryOpen() {
+SharedObject::Attempt SharedObject::tryOpen(unsigned long patience) {
     file = shm_open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR);
-    if (file == -1 || !waitForGate(file))
+    if (file == -1 || !waitForGate(file, patience))
         return Attempt::failed;
     return isCurrent(file) ? becomeUser() : Attempt::replaced;
 }
@@ -70,19 +88,19 @@ SharedObject::Attempt SharedObject::becomeUser() {
     return join(file) ? Attempt::opened : Attempt::failed;
 }
 
-void SharedObject::openGate() { lockByte(file, F_OFD_SETLK, F_UNLCK, gate); }
+void SharedObject::openGate() { lockByte(file, F_UNLCK, gate); }
 
 void SharedObject::close() {
     if (file == -1)
         return;
-    if (waitForGate(file) && isAlone(file) && isCurrent(file))
+    if (waitForGate(file, gatePatience) && isAlone(file) && isCurrent(file))
         shm_unlink(name.c_str());
     ::close(file);
     file = -1;
 }
 
 void SharedObject::unlink() {
-    if (waitForGate(file) && isCurrent(file))
+    if (waitForGate(file, gatePatience) && isCurrent(file))
         shm_unlink(name.c_str());
     openGate();
 }

@@ -17,12 +17,17 @@ public:
     SharedObject(const SharedObject&) = delete;
     SharedObject& operator=(const SharedObject&) = delete;
 
+    /// How long somebody who stands still in the gate, such as a stopped process, holds up the others.
+    static constexpr unsigned long gatePatience = 10'000;
+
     /// Opens or creates the object and becomes a user of it. On success the gate is still held, so that the
     /// caller can look at the object alone, and the caller must openGate() next.
-    [[nodiscard]] bool open(const std::string& objectName);
+    /// \param patience milliseconds to wait for the gate; it then fails
+    [[nodiscard]] bool open(const std::string& objectName, unsigned long patience = gatePatience);
     void openGate();
+    /// Without the gate the name stays, as after a killed process.
     void close();
-    /// Removes the name; users keep what they have open.
+    /// Removes the name, if the gate can be had; users keep what they have open.
     void unlink();
 
     [[nodiscard]] int descriptor() const { return file; }
@@ -31,7 +36,7 @@ public:
 
 private:
     enum class Attempt { opened, replaced, failed };
-    Attempt tryOpen();
+    Attempt tryOpen(unsigned long patience);
     Attempt becomeUser();
 
     std::string name;
