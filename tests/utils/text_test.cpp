@@ -83,6 +83,7 @@ TEST(Text, HandlesCasePrefixesAndDivisors) {
     EXPECT_EQ(gcd(0, 5), 5);
     EXPECT_EQ(gcd(0, 0), 0);
     EXPECT_EQ(gcd(INT_MIN, 6), 2);
+    EXPECT_EQ(gcd(INT_MIN, 0), INT_MIN) << "2^31 is no int";
 }
 
 } // namespace

@@ -40,7 +40,8 @@ ZENTARA_API std::string toUpper(const std::string& text);
 /// The text without the prefix, or unchanged if it does not begin with it.
 ZENTARA_API std::string removePrefix(const std::string& text, const std::string& prefix);
 
-/// The greatest common divisor, 0 or more; 0 only for two zeros.
+/// The greatest common divisor, 0 or more; 0 only for two zeros. The one that an int cannot hold, 2^31 for the
+/// smallest int with itself or with 0, comes out as the smallest int.
 ZENTARA_API int gcd(int left, int right);
 
 } // namespace Zentara::Utils
