@@ -18,10 +18,9 @@ namespace Zentara::Utils {
 /// is empty then. Safe on any thread.
 
 /// The key is "Software\Korvalis\ZentaraSDK-CDK" if a development kit of version 1.4 is installed, and
-/// `suffix` becomes
-/// "-CDK"; otherwise "Software\Korvalis\ZentaraSDK", and `suffix` becomes empty. With a development kit in
-/// both views of the registry, the 32-bit view counts only when its third version number is the greater one.
-/// Off Windows the sections of the 32-bit view carry "WOW6432Node\" after "Software\".
+/// `suffix` becomes "-CDK"; otherwise "Software\Korvalis\ZentaraSDK", and `suffix` becomes empty. With a
+/// development kit in both views of the registry, the 32-bit view counts only when its third version number is
+/// the greater one. Off Windows the sections of the 32-bit view carry "WOW6432Node\" after "Software\".
 ZENTARA_API int getZTRootDirectory(std::string& root, std::string& suffix);
 
 /// The key is "Software\Korvalis\ZentaraSDK" in the 64-bit view.
