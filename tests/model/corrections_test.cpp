@@ -3,7 +3,7 @@
 
 #include <gmock/gmock.h>
 
-#include "support/captured_log.h"
+#include "support/log_capture.h"
 
 namespace Zentara {
 namespace {
@@ -47,7 +47,7 @@ int modesOf(TemperatureCompensation object) {
 
 class Corrections : public testing::Test {
 protected:
-    Testing::CapturedLog log;
+    TestSupport::LogCapture log;
 };
 
 TEST_F(Corrections, NewTemperatureCompensationAnswersNothing) {

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include <zentara/utils/files.h>
 #include <zentara/utils/kv_logger.h>
+#include <zentara/utils/text.h>
 
 #include "support/temporary_directory.h"
 
@@ -27,7 +29,22 @@ public:
         return contents;
     }
 
+    /// The messages so far of one level, without time, thread and label.
+    std::vector<std::string> warnings() const { return messages("WARNING:  "); }
+    std::vector<std::string> infos() const { return messages("INFO:     "); }
+
 private:
+    std::vector<std::string> messages(const std::string& label) const {
+        const std::string before = "]: " + label;
+        std::vector<std::string> found;
+        for (const std::string& line : Utils::split(text(), '\n')) {
+            const std::size_t position = line.find(before);
+            if (position != std::string::npos)
+                found.push_back(line.substr(position + before.size()));
+        }
+        return found;
+    }
+
     TemporaryDirectory directory;
 
 public:
