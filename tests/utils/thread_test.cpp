@@ -3,7 +3,9 @@
 #include <zentara/utils/thread.h>
 #include <zentara/utils/thread_base.h>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
+
+#include "support/log_capture.h"
 
 #include <atomic>
 #include <memory>
@@ -201,6 +203,7 @@ TEST(Thread, ExitRightAfterStartIsNotLost) {
 }
 
 TEST(Thread, SurvivesWhatRunThrowsAndHavingNoWork) {
+    const TestSupport::LogCapture log;
     Worker worker;
     worker.fails = true;
     Thread thread(&worker, nullptr, "failing");
@@ -212,6 +215,10 @@ TEST(Thread, SurvivesWhatRunThrowsAndHavingNoWork) {
     refused.start(true);
     refused.wait();
     EXPECT_EQ(unenterable.runs, 0);
+    EXPECT_THAT(log.text(),
+                testing::HasSubstr("]: ERROR:    thread 'failing' ended by an exception: the work failed\n"));
+    EXPECT_THAT(log.text(),
+                testing::HasSubstr("]: ERROR:    thread 'refused' ended by an exception: no entry\n"));
     Thread idle(nullptr, nullptr, "idle");
     idle.start(true);
     idle.stop(true);
