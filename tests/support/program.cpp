@@ -11,6 +11,13 @@ namespace {
 /// Where the C library hands over a wait status, the exit code is its second byte.
 int exitCode(int status) { return status > 0xFF ? status >> 8 : status; }
 
+/// The command that runs the program, for the system's own command interpreter. That of Windows takes a pair of
+/// quotes from around the whole line if it begins with one.
+std::string command(std::filesystem::path program, const std::string& arguments) {
+    const std::string line = '"' + program.make_preferred().string() + "\" " + arguments;
+    return std::filesystem::path::preferred_separator == '\\' ? '"' + line + '"' : line;
+}
+
 } // namespace
 
 std::filesystem::path programDirectory() {
@@ -18,8 +25,8 @@ std::filesystem::path programDirectory() {
     return std::filesystem::absolute(program).make_preferred().parent_path();
 }
 
-int runProgram(const std::string& name, const std::string& arguments) {
-    return exitCode(std::system(((programDirectory() / name).string() + " " + arguments).c_str()));
+int runProgram(const std::filesystem::path& program, const std::string& arguments) {
+    return exitCode(std::system(command(programDirectory() / program, arguments).c_str()));
 }
 
 } // namespace Zentara::Tests

@@ -24,7 +24,8 @@ ToolRun ToolTest::runBuilt(const std::string& arguments) const {
     const std::string name = testing::UnitTest::GetInstance()->current_test_info()->name();
     const std::string base = (Tests::programDirectory() / ("tools_tests_" + name)).string();
     ToolRun result;
-    result.exitCode = Tests::runProgram("zentara", arguments + " > " + base + ".out 2> " + base + ".err");
+    result.exitCode =
+        Tests::runProgram("zentara", arguments + " > \"" + base + ".out\" 2> \"" + base + ".err\"");
     result.out = Utils::readFile(base + ".out");
     result.err = Utils::readFile(base + ".err");
     std::filesystem::remove(base + ".out");
