@@ -1,8 +1,11 @@
 #include "utils/platform/system_log.h"
 
+#include "utils/platform/posix/system_log_address.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <cstring>
 #include <ctime>
 #include <memory>
 #include <new>
@@ -35,7 +38,8 @@ struct SystemLog {
 };
 
 bool connectToLog(int socket) noexcept {
-    sockaddr_un address{AF_UNIX, "/dev/log"};
+    sockaddr_un address{AF_UNIX, {}};
+    std::strncpy(address.sun_path, systemLogAddress(), sizeof address.sun_path - 1);
     return connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
 }
 
