@@ -150,6 +150,23 @@ TEST(SharedLibraries, LoadAndGo) {
     EXPECT_TRUE(freeSharedLibrary(library));
 }
 
+TEST(SharedLibraries, StayOnlyWhenPinned) {
+    const TemporaryDirectory directory;
+    const std::string path = directory.path("library.bin");
+    writeFile(path, readFile(ZENTARA_TEST_LIBRARY));
+    const auto callOnce = [&](const char* name) {
+        void* library = loadSharedLibrary(path, 2);
+        const int result = reinterpret_cast<int (*)()>(getFunction(library, name))();
+        EXPECT_TRUE(freeSharedLibrary(library));
+        return result;
+    };
+    EXPECT_EQ(callOnce("count"), 1);
+    EXPECT_EQ(callOnce("count"), 1) << "the library left the process in between";
+    EXPECT_NE(callOnce("pin"), 0);
+    EXPECT_EQ(callOnce("count"), 1);
+    EXPECT_EQ(callOnce("count"), 2);
+}
+
 TEST(SharedLibraries, RefuseWhatIsNone) {
     const TemporaryDirectory directory;
     writeFile(directory.path("text.dll"), "no library at all");
