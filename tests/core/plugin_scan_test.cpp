@@ -1,10 +1,12 @@
 #include <zentara/core/plugin_probe.h>
 
 #include <algorithm>
+#include <filesystem>
 
 #include <gmock/gmock.h>
 
 #include <zentara/core/plugin_manager.h>
+#include <zentara/utils/files.h>
 #include <zentara/version.h>
 
 #include "core/test_root.h"
@@ -178,6 +180,25 @@ TEST(PluginScanFiles, AMissingOrEmptyDirectoryHasNoPlugins) {
 
     root.removeDirectory();
     EXPECT_TRUE(probePluginDirectory(root.pluginDirectory()).empty());
+    EXPECT_TRUE(registeredDevices().empty());
+}
+
+TEST(PluginScanFiles, ADirectoryThatCannotBeReadHasNoPlugins) {
+    namespace fs = std::filesystem;
+    const TestRoot root("unreadable");
+    root.add("good");
+    const fs::path directory = root.pluginDirectory();
+    fs::permissions(directory, fs::perms::none);
+    std::error_code denied;
+    static_cast<void>(fs::directory_iterator(directory, denied));
+    // Some may read everything, and some systems let everybody.
+    EXPECT_EQ(denied ? 0u : 1u, registeredDevices().size());
+    fs::permissions(directory, fs::perms::owner_all);
+    EXPECT_EQ(1u, registeredDevices().size());
+
+    root.removeDirectory();
+    fs::create_directories(directory.parent_path().parent_path());
+    Zentara::Utils::writeFile((directory.parent_path()).string(), "a file in its place");
     EXPECT_TRUE(registeredDevices().empty());
 }
 
