@@ -2,7 +2,7 @@
 
 #include <zentara/plugin/plugin_exceptions.h>
 
-#include "io/interface_version.h"
+#include "core/interface_version.h"
 
 namespace Zentara::IO {
 
@@ -17,7 +17,7 @@ AVDeviceInterface::AVDeviceInterface(Core::ImplType type, GUID guid)
 AVDeviceInterface::~AVDeviceInterface() = default;
 
 void AVDeviceInterface::getPluginVersion(int* major, int* minor, int* patch) {
-    reportInterfaceVersion(major, minor, patch);
+    Core::reportInterfaceVersion(major, minor, patch);
 }
 
 void AVDeviceInterface::dispose() { impl->store = nullptr; }

@@ -3,7 +3,7 @@
 #include <zentara/utils/mutex.h>
 #include <zentara/utils/thread.h>
 
-#include "io/interface_version.h"
+#include "core/interface_version.h"
 
 namespace Zentara::IO {
 
@@ -27,7 +27,7 @@ EnumeratorInterface::~EnumeratorInterface() { EnumeratorInterface::dispose(); }
 Core::ImplType EnumeratorInterface::getImplType() { return Core::ImplType_ENUMERATOR; }
 
 void EnumeratorInterface::getPluginVersion(int* major, int* minor, int* patch) {
-    reportInterfaceVersion(major, minor, patch);
+    Core::reportInterfaceVersion(major, minor, patch);
 }
 
 void EnumeratorInterface::initialize(Utils::Collection::Queue<ExternalEvent>* events,
