@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 
 #include <zentara/core/descriptor_store_ro.h>
 #include <zentara/node_event.h>
@@ -21,10 +22,12 @@ struct NodeLink {
             throw Zentara::Plugin::ArgumentPluginException(
                 event ? "cannot initialize a node: no descriptor store"
                       : "cannot initialize a node: no node event");
+        // First what can fail, so that an earlier link stays whole then.
+        auto newProxy = std::make_unique<Proxy>(newStore->getDeviceImplGUID(), true);
         disconnect();
+        proxy = std::move(newProxy);
         store = newStore;
         data = newData;
-        proxy = std::make_unique<Proxy>(store->getDeviceImplGUID(), true);
         return *proxy;
     }
 

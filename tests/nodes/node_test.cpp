@@ -120,6 +120,7 @@ TYPED_TEST(NodeTest, FailedInitializeLeavesANodeThatCanBeDisposedOrInitializedAg
     const auto initialize = [this] { this->initialize(); };
     this->store.deviceGuid.reset();
     EXPECT_EQ(failure(initialize), std::pair(6, std::string("couldn't find GUID NULL_IMPL")));
+    EXPECT_TRUE(this->isUnlinked());
     this->node.dispose();
     this->store.deviceGuid = TestFixture::Kind::otherDevice;
     EXPECT_EQ(failure(initialize), std::pair(6, std::string("ImplType mismatch")));
@@ -130,6 +131,17 @@ TYPED_TEST(NodeTest, FailedInitializeLeavesANodeThatCanBeDisposedOrInitializedAg
     this->initialize();
     this->node.dispose();
     EXPECT_TRUE(this->isUnlinked());
+}
+
+TYPED_TEST(NodeTest, AnotherInitializeWithoutADeviceLeavesTheFirst) {
+    this->initialize();
+    const auto* const proxy = this->node.getAVDeviceProxy();
+    RecordStore without;
+    EXPECT_THROW(this->node.initialize(&this->event, &without, nullptr),
+                 Plugin::InitializationPluginException);
+    EXPECT_EQ(this->node.getAVDeviceProxy(), proxy);
+    EXPECT_EQ(this->node.getDescriptorStore(), &this->store);
+    EXPECT_EQ(TestFixture::Kind::data(this->node), &this->data);
 }
 
 TYPED_TEST(NodeTest, InitializeNeedsEventAndStore) {
