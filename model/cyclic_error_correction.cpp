@@ -32,6 +32,10 @@ constexpr const char* badIndex = "parameter index out of range";
 
 } // namespace
 
+// A client that binds a reference to it needs it from the library, and only a constant that is named outside its class
+// is exported on every system.
+constexpr std::uint32_t CyclicErrorCorrection::MODE_COUNT;
+
 CyclicErrorCorrection::CyclicErrorCorrection() = default;
 
 CyclicErrorCorrection::CyclicErrorCorrection(const void* rom) {
