@@ -26,7 +26,9 @@ class SharedLibrary;
 /// - Nothing of a plug-in outlives it: no static or thread-local object, no exception type, no callback left
 ///   behind.
 ///
-/// For the host: a `SmartPtr` made by `adopt()` from the factory's result holds everything in place.
+/// For the host: a `SmartPtr` made by `adopt()` from the factory's result holds everything in place. An object
+/// whose identifier is not registered, such as one made without a factory while a manager lives, is not for a
+/// `SmartPtr`: incref() and decref() throw, and decref() does so from a destructor.
 /// Weak references to plug-in objects are forbidden: they would count the object without its library.
 ///
 /// Counting is safe; whatever else a derived class does, it says itself.

@@ -35,7 +35,8 @@ public:
     /// \throws Plugin::InitializationPluginException "couldn't get bin directory" when the install root
     /// cannot be read. The reference then stays counted: until it is given back, instance() neither throws
     /// nor scans, and returns what was there before: null in a process that never had a manager, else the one
-    /// that has ended, which knows no plug-ins.
+    /// that has ended, which knows no plug-ins. Null counts as well, and there is nothing to give it back
+    /// through: a process whose very first manager could not start gets none any more.
     static PluginManager* instance();
 
     /// Adds a reference. The caller holds one.

@@ -46,8 +46,8 @@ public:
     /// Keeps the host's event queue and the store; both must live until `dispose`.
     virtual void initialize(Utils::Collection::Queue<ExternalEvent>* events, Core::DescriptorStoreRO* store);
 
-    /// Stops the thread, waits for it, and forgets queue and store. On the enumerator's own thread it does
-    /// not wait.
+    /// Stops the thread, waits for it, and forgets queue and store. The wait has no limit: a `run` that does not
+    /// heed its exit request holds the caller up for ever. On the enumerator's own thread it does not wait.
     virtual void dispose();
 
     /// Starts the thread, named "DeviceEnumerator". Does nothing while it lives; one that has ended is

@@ -31,7 +31,9 @@ private:
     const void* data;
 };
 
-/// A carrier for extension-unit traffic whose type the caller gives. With any other type it fails.
+/// A carrier for extension-unit traffic whose type the caller gives. A device takes it as what it is, a send of the
+/// type `RequestType_XUSEND`; with any other type it fails as not supported, also with those of the other
+/// operations on a unit, which need the places for their answers that their own classes have.
 class ZENTARA_API xuProxyRequest : public xuSendRequest {
 public:
     xuProxyRequest(AVDeviceInterface* device, RequestType type, std::uint32_t unit, std::int32_t control,
