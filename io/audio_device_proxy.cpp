@@ -56,8 +56,8 @@ void AudioDeviceProxy::getDefaultConfiguration(Utils::SmartPtr<AudioConfiguratio
 
 void AudioDeviceProxy::enableStreaming(Utils::SmartPtr<AudioConfiguration> configuration, float level,
                                        bool mute) {
-    impl->call<enableAudioRequest>(*this, &AudioDeviceInterface::enableStreaming, std::move(configuration),
-                                   level, mute);
+    impl->call<enableAudioRequest, OwnedAudioRequest>(*this, &AudioDeviceInterface::enableStreaming,
+                                                      std::move(configuration), level, mute);
 }
 
 void AudioDeviceProxy::setInputMixerLevel(float level) {

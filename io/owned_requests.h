@@ -2,13 +2,17 @@
 
 #include <cstdint>
 #include <cstring>
+#include <iterator>
+#include <typeinfo>
 #include <utility>
 #include <vector>
 
 #include <zentara/audio_configuration.h>
 #include <zentara/color_configuration.h>
+#include <zentara/depth_configuration.h>
 #include <zentara/io/audio_requests.h>
 #include <zentara/io/camera_control_requests.h>
+#include <zentara/io/streaming_requests.h>
 #include <zentara/io/transfer_requests.h>
 #include <zentara/io/xu_device_requests.h>
 
@@ -92,16 +96,50 @@ private:
 
 using ColorConfigurations = std::vector<Utils::SmartPtr<ColorConfiguration>>;
 
+/// The device finds an empty list: what the caller has in its own is none of its business.
 class OwnedColorConfigurationsRequest final : private RequestStorage<ColorConfigurations>,
                                               public getColorConfigurationsRequest {
 public:
     OwnedColorConfigurationsRequest(AVDeviceInterface* device, ColorConfigurations& answer)
-        : RequestStorage{answer}, getColorConfigurationsRequest(device, stored), destination(answer) {}
+        : RequestStorage{}, getColorConfigurationsRequest(device, stored), destination(answer) {}
 
-    void deliver() { destination = std::move(stored); }
+    void deliver() {
+        destination.insert(destination.end(), std::make_move_iterator(stored.begin()),
+                           std::make_move_iterator(stored.end()));
+    }
 
 private:
     ColorConfigurations& destination;
+};
+
+/// A copy, so that the caller may change its own while a device still reads. A configuration of another class, which
+/// only its author could copy, is shared.
+template<typename Known, typename Configuration>
+Utils::SmartPtr<Configuration> copyConfiguration(const Utils::SmartPtr<Configuration>& configuration) {
+    const Configuration* const original = configuration.get();
+    if (!original || typeid(*original) != typeid(Known))
+        return configuration;
+    return Utils::makeRefcounted<Known>(static_cast<const Known&>(*original));
+}
+
+class OwnedDepthRequest final : public enableDepthRequest {
+public:
+    OwnedDepthRequest(AVDeviceInterface* device, const Utils::SmartPtr<DepthBaseConfiguration>& mode)
+        : enableDepthRequest(device, copyConfiguration<DepthConfiguration>(mode)) {}
+};
+
+class OwnedColorRequest final : public enableColorRequest {
+public:
+    OwnedColorRequest(AVDeviceInterface* device, const Utils::SmartPtr<ColorConfiguration>& mode,
+                      CameraControls settings)
+        : enableColorRequest(device, copyConfiguration<ColorConfiguration>(mode), std::move(settings)) {}
+};
+
+class OwnedAudioRequest final : public enableAudioRequest {
+public:
+    OwnedAudioRequest(AVDeviceInterface* device, const Utils::SmartPtr<AudioConfiguration>& mode,
+                      float inputLevel, bool muted)
+        : enableAudioRequest(device, copyConfiguration<AudioConfiguration>(mode), inputLevel, muted) {}
 };
 
 class OwnedAudioConfigurationRequest final : public getAudioDefaultConfigurationsRequest {

@@ -57,14 +57,14 @@ void VideoDeviceProxy::getConfigurations(std::vector<Utils::SmartPtr<ColorConfig
 }
 
 void VideoDeviceProxy::enableStreaming(Utils::SmartPtr<DepthBaseConfiguration> configuration) {
-    impl->call<enableDepthRequest>(*this, &VideoDeviceInterface::enableDepthStreaming,
-                                   std::move(configuration));
+    impl->call<enableDepthRequest, OwnedDepthRequest>(*this, &VideoDeviceInterface::enableDepthStreaming,
+                                                      std::move(configuration));
 }
 
 void VideoDeviceProxy::enableStreaming(Utils::SmartPtr<ColorConfiguration> configuration,
                                        CameraControls controls) {
-    impl->call<enableColorRequest>(*this, &VideoDeviceInterface::enableColorStreaming,
-                                   std::move(configuration), std::move(controls));
+    impl->call<enableColorRequest, OwnedColorRequest>(*this, &VideoDeviceInterface::enableColorStreaming,
+                                                      std::move(configuration), std::move(controls));
 }
 
 void VideoDeviceProxy::setCameraControl(CameraControlsEnum control, CameraControlValue value) {

@@ -8,6 +8,7 @@
 #include <zentara/color_configuration.h>
 #include <zentara/io/audio_requests.h>
 #include <zentara/io/camera_control_requests.h>
+#include <zentara/io/streaming_requests.h>
 #include <zentara/io/transfer_requests.h>
 #include <zentara/io/xu_device_requests.h>
 
@@ -111,6 +112,20 @@ TEST_F(LateAnswerTest, ColorConfigurations) {
         [](getColorConfigurationsRequest& request) {
             request.getConfigurations().push_back(Utils::makeRefcounted<ColorConfiguration>());
         });
+}
+
+// Nor are the inputs the caller's any more, which it may change as soon as it has its own thread back.
+TEST_F(LateAnswerTest, EnabledMode) {
+    struct ChangedAtTheEnd {
+        Utils::SmartPtr<ColorConfiguration> mode = Utils::makeRefcounted<ColorConfiguration>();
+        ~ChangedAtTheEnd() { mode->setFrameRate(99); }
+    };
+    answerLate<enableColorRequest, ChangedAtTheEnd>(
+        std::make_unique<ChangedAtTheEnd>(),
+        [](VideoProxy& proxy, ChangedAtTheEnd& memory) {
+            proxy.enableStreaming(memory.mode, CameraControls{});
+        },
+        [](enableColorRequest& request) { EXPECT_EQ(0, request.getConfiguration()->getFrameRate()); });
 }
 
 TEST_F(LateAnswerTest, DefaultAudioConfiguration) {

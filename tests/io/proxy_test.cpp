@@ -1,6 +1,4 @@
 #include <array>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <string>
 
@@ -15,9 +13,9 @@
 #include <zentara/io/transfer_requests.h>
 #include <zentara/io/xu_device_requests.h>
 #include <zentara/node_event.h>
-#include <zentara/utils/kv_logger.h>
 
 #include "io/script.h"
+#include "support/log_capture.h"
 
 namespace Testing {
 namespace {
@@ -85,12 +83,18 @@ TEST_P(ProxyTest, EachVideoOperationReachesItsSlotWithItsArguments) {
     proxy.disableStreaming(true);
     EXPECT_THAT(script.takeSlots(), ElementsAre(10, 11, 12));
 
-    answer<enableColorRequest>([](auto& request) {
-        EXPECT_EQ(colorMode(), request.getConfiguration());
+    // The worker's device gets a copy, which the caller cannot change under it.
+    const bool shared = GetParam() == direct;
+    answer<enableColorRequest>([&](auto& request) {
+        EXPECT_EQ(shared, colorMode() == request.getConfiguration());
+        EXPECT_TRUE(colorMode()->isEqual(request.getConfiguration().get()));
         EXPECT_EQ(5, request.getControls().values.at(CameraControl_GAIN).value);
     });
     proxy.enableStreaming(colorMode(), CameraControls{{{CameraControl_GAIN, {5, false}}}});
-    answer<enableDepthRequest>([](auto& request) { EXPECT_EQ(depthMode(), request.getConfiguration()); });
+    answer<enableDepthRequest>([&](auto& request) {
+        EXPECT_EQ(shared, depthMode() == request.getConfiguration());
+        EXPECT_TRUE(depthMode()->isEqual(request.getConfiguration().get()));
+    });
     proxy.enableStreaming(depthMode());
     answer<setCameraControlRequest>([](auto& request) {
         EXPECT_EQ(CameraControl_HUE, request.getControl());
@@ -161,7 +165,8 @@ TEST_P(ProxyTest, EachAudioOperationReachesItsSlotWithItsArguments) {
         proxy.getDefaultConfiguration(configuration);
         EXPECT_EQ("AUCH1BPS8SR8000", configuration->getName());
         answer<enableAudioRequest>([](auto& request) {
-            EXPECT_EQ(audioMode(), request.getConfiguration());
+            EXPECT_EQ(GetParam() == direct, audioMode() == request.getConfiguration());
+            EXPECT_TRUE(audioMode()->isEqual(request.getConfiguration().get()));
             EXPECT_EQ(0.5F, request.getLevel());
             EXPECT_TRUE(request.getMute());
         });
@@ -218,13 +223,25 @@ TEST_P(ProxyTest, ResultsComeBack) {
     proxy.getCameraControlRanges(ranges);
     EXPECT_EQ(100, ranges.ranges.at(CameraControl_GAIN).maximum);
 
-    answer<getColorConfigurationsRequest>(
-        [](auto& request) { request.getConfigurations().push_back(colorMode()); });
+    answer<getColorConfigurationsRequest>([](auto& request) {
+        EXPECT_EQ(GetParam() == direct ? 1U : 0U, request.getConfigurations().size());
+        request.getConfigurations().push_back(colorMode());
+    });
     std::vector<SmartPtr<ColorConfiguration>> modes{makeRefcounted<ColorConfiguration>()};
     proxy.getConfigurations(modes);
     ASSERT_EQ(2U, modes.size());
     EXPECT_EQ(colorMode(), modes.back());
     EXPECT_THAT(script.takeSlots(), ElementsAre(6, 19, 20, 22, 13, 14));
+}
+
+TEST_P(ProxyTest, AModeOfAnotherClassArrivesAsItIs) {
+    class OwnMode : public ColorConfiguration {};
+    VideoProxy proxy(VIDEO_DEVICE, GetParam());
+    const auto mode = makeRefcounted<OwnMode>();
+    answer<enableColorRequest>([&](auto& request) { EXPECT_EQ(mode, request.getConfiguration()); });
+    proxy.enableStreaming(SmartPtr<ColorConfiguration>(mode), CameraControls{});
+    answer<enableColorRequest>([&](auto& request) { EXPECT_EQ(nullptr, request.getConfiguration()); });
+    proxy.enableStreaming(SmartPtr<ColorConfiguration>(), CameraControls{});
 }
 
 // Kept so: on the worker these two types have no effect.
@@ -393,21 +410,16 @@ TEST_P(ProxyTest, AFailedConstructionHoldsNothing) {
 }
 
 TEST_P(ProxyTest, DisposalGoesOnAfterFailures) {
-    const std::string path = Utils::Format("%/io_disposal_%.log") % testing::TempDir() % GetParam();
-    std::remove(path.c_str());
-    Utils::KVLogger::createInstance(Utils::KVLogLevel_WARNING, "test", path.c_str());
+    const TestSupport::LogCapture log;
     {
         VideoProxy video(VIDEO_DEVICE, GetParam());
         AudioProxy audio(AUDIO_DEVICE, GetParam());
         script.takeCalls();
         script.onCall = [](int, deviceRequest*) { throw std::runtime_error("too late"); };
     }
-    Utils::KVLogger::release();
     EXPECT_THAT(script.takeSlots(), ElementsAre(7, 4, 7, 4));
-    std::ifstream file(path);
-    const std::string log{std::istreambuf_iterator<char>(file), {}};
-    EXPECT_THAT(log, testing::HasSubstr("]: WARNING:  Failed to call threadUninitialize\n"));
-    EXPECT_THAT(log, testing::HasSubstr("]: WARNING:  threadUninitialize operation failed\n"));
+    EXPECT_THAT(log.warnings(), testing::IsSupersetOf({"Failed to call threadUninitialize",
+                                                       "threadUninitialize operation failed"}));
 }
 
 } // namespace
