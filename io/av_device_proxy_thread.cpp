@@ -75,10 +75,15 @@ std::string rejectedMessage(RequestType type) {
                                          RequestType_toString(type));
 }
 
-/// What a device throws while it is asked to cancel must not take the place of the timeout.
-bool cancelQuietly(deviceRequest& request) noexcept {
+/// Has the device asked to cancel, unless it holds the request's lock until it is done or stuck. What it throws
+/// must not take the place of the timeout.
+template<typename RequestState>
+bool cancelQuietly(RequestState& state, const DeviceCall& call) noexcept {
     try {
-        return request.cancelIO();
+        return state.cancelUnless([&] {
+            return state.acknowledged.timedWait(Detail::proxyTuning().sliceMilliseconds) == 0 ||
+                   call.isStuck();
+        });
     } catch (...) {
         return false;
     }
@@ -196,7 +201,7 @@ void AVDeviceProxyThread::processRequest(deviceRequest* request, std::uint32_t t
     if (!awaitUnlessStuck(state.startOfIO, *call) && state.withdraw())
         throwTimeout(type);
     if (state.acknowledged.timedWait(timeoutMilliseconds) != 0) {
-        if (cancelQuietly(*request))
+        if (cancelQuietly(state, *call))
             awaitUnlessStuck(state.acknowledged, *call);
         throwTimeout(type);
     }

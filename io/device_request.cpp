@@ -33,15 +33,13 @@ void deviceRequest::setCancelled(bool cancelled) { impl->cancelled = cancelled; 
 bool deviceRequest::getCancelled() const { return impl->cancelled; }
 
 bool deviceRequest::cancelIO() {
-    const Utils::Threading::AutoLock hold(impl->lock);
-    // Also a request without a pending transfer ends cancelled.
-    impl->cancelled = true;
-    return impl->ioPending && impl->device && impl->device->cancelIO();
+    const std::lock_guard<std::recursive_mutex> hold(impl->lock);
+    return impl->cancel();
 }
 
-void deviceRequest::lock() ZENTARA_NO_THREAD_SAFETY_ANALYSIS { impl->lock.acquire(); }
+void deviceRequest::lock() { impl->lock.lock(); }
 
-void deviceRequest::unlock() ZENTARA_NO_THREAD_SAFETY_ANALYSIS { impl->lock.release(); }
+void deviceRequest::unlock() { impl->lock.unlock(); }
 
 void deviceRequest::setFailure(Plugin::PluginExceptionType type, const std::string& message) {
     impl->failed = true;

@@ -2,11 +2,11 @@
 
 #include <zentara/io/av_device_interface.h>
 #include <zentara/io/device_request.h>
-#include <zentara/utils/mutex.h>
 #include <zentara/utils/signal.h>
 #include <zentara/utils/smart_ptr.h>
 
 #include <atomic>
+#include <mutex>
 
 namespace Zentara::IO {
 
@@ -20,6 +20,26 @@ struct deviceRequest::Impl {
     /// The caller gives up, unless the worker has taken the request up: from then on it runs.
     bool withdraw() noexcept { return leaveQueue(Stage::WITHDRAWN); }
 
+    /// What cancelIO() does. The caller holds the lock.
+    bool cancel() {
+        // Also a request without a pending transfer ends cancelled.
+        cancelled = true;
+        return ioPending && device && device->cancelIO();
+    }
+
+    /// cancelIO() for a caller that must get away: the lock may be with a device that does not give it back.
+    /// \param giveUp looks whether to go on trying; it waits a little
+    template<typename GiveUp>
+    bool cancelUnless(GiveUp giveUp) {
+        cancelled = true;
+        std::unique_lock<std::recursive_mutex> hold(lock, std::defer_lock);
+        while (!hold.try_lock()) {
+            if (giveUp())
+                return false;
+        }
+        return cancel();
+    }
+
     /// The caller has met the worker's acknowledgement, so the request is its own again and may be submitted anew.
     void comeBack() noexcept { stage = Stage::QUEUED; }
 
@@ -29,7 +49,7 @@ struct deviceRequest::Impl {
     Utils::Threading::Signal startOfIO;
     Utils::Threading::Signal acknowledged;
     const Utils::SmartPtr<AVDeviceInterface> device;
-    Utils::Threading::Mutex lock;
+    std::recursive_mutex lock; ///< one that can be tried
     std::atomic<bool> ioPending{false};
     std::atomic<bool> cancelled{false};
 

@@ -196,6 +196,58 @@ TEST_F(WorkerTest, AnAcceptedCancelIsWaitedFor) {
     EXPECT_TRUE(ended);
 }
 
+TEST_F(WorkerTest, ACancelWaitsForTheDeviceToGiveTheRequestBack) {
+    tuning.set(20, 60000, 10);
+    Gate gate;
+    script.onCall = [&](int, deviceRequest* request) {
+        request->lock();
+        request->setIOPending(true);
+        while (!request->getCancelled())
+            std::this_thread::yield();
+        request->unlock();
+        gate.pass();
+    };
+    std::atomic<int> cancels = 0;
+    script.onCancel = [&] {
+        ++cancels;
+        gate.open();
+        return true;
+    };
+    EXPECT_EQ("processRequest: I/O timeout: RequestType_OPEN", outcome([&] { proxy->open(); }));
+    EXPECT_EQ(1, cancels);
+}
+
+TEST_F(WorkerTest, ADeviceThatKeepsTheRequestLockedHoldsNobodyUp) {
+    tuning.set(20, 200, 10);
+    Gate gate;
+    script.onCall = [&](int, deviceRequest* request) {
+        request->lock();
+        request->setIOPending(true);
+        gate.pass();
+        request->unlock();
+    };
+    script.onCancel = []() -> bool {
+        ADD_FAILURE() << "cancelled without the lock";
+        return true;
+    };
+    EXPECT_EQ("processRequest: I/O timeout: RequestType_OPEN", outcome([&] { proxy->open(); }));
+    gate.open();
+    // With the device still at it, one that ends in time is not waited for any longer either.
+    tuning.set(20, 60000, 10);
+    std::atomic<bool> locked = false;
+    script.onCall = [&](int, deviceRequest* request) {
+        request->lock();
+        locked = true;
+        while (!request->getCancelled())
+            std::this_thread::yield();
+    };
+    EXPECT_EQ("processRequest: I/O timeout: RequestType_CLOSE", outcome([&] { proxy->close(); }));
+    EXPECT_TRUE(locked);
+    script.onCall = [](int, deviceRequest*) {};
+    tuning.set(2000, 10000, 10);
+    EXPECT_NO_THROW(proxy->close());
+}
+
 TEST_F(WorkerTest, ACancelThatIsAcceptedInVainIsNotWaitedForForEver) {
     tuning.set(20, 200, 10);
     Gate gate;
