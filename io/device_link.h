@@ -6,6 +6,7 @@
 #include <zentara/io/av_device_proxy.h>
 #include <zentara/io/av_device_proxy_thread.h>
 #include <zentara/io/thread_requests.h>
+#include <zentara/utils/format.h>
 #include <zentara/utils/mutex.h>
 #include <zentara/utils/smart_ptr.h>
 #include <zentara/utils/thread_base.h>
@@ -16,6 +17,20 @@
 #include "io/warning.h"
 
 namespace Zentara::IO {
+
+/// Drops the caller's reference once it is the last one, looking every 50 ms. Who keeps the request for longer than
+/// a stuck device call is waited for keeps it for good, and the caller's reference with it.
+/// \throws Plugin::TimeoutPluginException "TYPE: the request is still in use" then
+inline void dropWhenLast(deviceRequest& request) {
+    constexpr unsigned long step = 50;
+    const RequestType type = request.type();
+    for (unsigned long waited = 0; !request.decrefIfLastRef(); waited += step) {
+        if (waited >= Detail::proxyTuning().stuckCallMilliseconds)
+            throw Plugin::TimeoutPluginException(Utils::Format("%: the request is still in use") %
+                                                 RequestType_toString(type));
+        Utils::Threading::ThreadBase::sleep(step);
+    }
+}
 
 /// What a proxy keeps: the device that it stands for, and the two ways of calling it.
 template<typename Device>
@@ -61,8 +76,7 @@ public:
     void uninitializeThreadOnWorker(const AVDeviceProxy& proxy) {
         auto* const request = createQueuedRequest<threadUninitializeRequest>(&device());
         worker(proxy).processRequest(request, Detail::proxyTuning().timeoutMilliseconds);
-        while (!request->decrefIfLastRef())
-            Utils::Threading::ThreadBase::sleep(50);
+        dropWhenLast(*request);
     }
 
     /// Disposes of the device and lets go of it.

@@ -9,6 +9,7 @@
 #include <zentara/io/xu_device_requests.h>
 #include <zentara/utils/smart_ptr.h>
 
+#include "io/device_link.h"
 #include "io/script.h"
 
 namespace Testing {
@@ -246,6 +247,21 @@ TEST_F(WorkerTest, ADeviceThatKeepsTheRequestLockedHoldsNobodyUp) {
     script.onCall = [](int, deviceRequest*) {};
     tuning.set(2000, 10000, 10);
     EXPECT_NO_THROW(proxy->close());
+}
+
+// The worker is the only one who has it then, for a moment; somebody else may have it for good.
+TEST_F(WorkerTest, ARequestThatSomebodyKeepsIsLeftToHim) {
+    tuning.set(2000, 100, 10);
+    Signal gone;
+    auto* const request = new TracedRequest(RequestType_THREAD_UNINITIALIZE, gone);
+    static_cast<Utils::Refcounted*>(request)->incref();
+    EXPECT_EQ("RequestType_THREAD_UNINITIALIZE: the request is still in use",
+              outcome([&] { dropWhenLast(*request); }));
+    tuning.set(2000, 60000, 10);
+    std::thread keeper([&] { request->drop(); });
+    dropWhenLast(*request);
+    keeper.join();
+    EXPECT_TRUE(gone.isSet());
 }
 
 TEST_F(WorkerTest, ACancelThatIsAcceptedInVainIsNotWaitedForForEver) {
