@@ -14,6 +14,7 @@
 #include "io/proxy_tuning.h"
 #include "io/queued_request.h"
 #include "io/request_execution.h"
+#include "io/retired_workers.h"
 #include "utils/immortal.h"
 #include "utils/platform/library_pin.h"
 
@@ -32,6 +33,7 @@ Utils::Immortal<Mutex> classLock;
 /// Workers that were left to their threads, linked through their records.
 Utils::Immortal<Mutex> retiredLock;
 AVDeviceProxyThread* retired ZENTARA_GUARDED_BY(retiredLock.object) = nullptr;
+std::atomic<int> retiredCount{0};
 
 /// The device call that the worker is busy with. Shared with the callers, for whom the worker may be gone by the
 /// time they look.
@@ -294,6 +296,7 @@ void AVDeviceProxyThread::retire(AVDeviceProxyThread* worker) noexcept {
     Utils::Platform::pinThisLibrary();
     const AutoLock hold(retiredLock.object);
     worker->impl->nextRetired = std::exchange(retired, worker);
+    ++retiredCount;
 }
 
 void AVDeviceProxyThread::reapRetired() noexcept {
@@ -310,8 +313,12 @@ void AVDeviceProxyThread::reapRetired() noexcept {
             }
         }
     }
-    while (ended)
+    while (ended) {
         delete std::exchange(ended, ended->impl->nextRetired);
+        --retiredCount;
+    }
 }
+
+int Detail::retiredWorkers() noexcept { return retiredCount; }
 
 } // namespace Zentara::IO

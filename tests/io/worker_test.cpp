@@ -10,6 +10,7 @@
 #include <zentara/utils/smart_ptr.h>
 
 #include "io/device_link.h"
+#include "io/retired_workers.h"
 #include "io/script.h"
 
 namespace Testing {
@@ -292,7 +293,9 @@ TEST_F(WorkerTest, ADeviceThatDoesNotReturnHoldsNobodyUp) {
     // Never started, and withdrawn: it must not run later either.
     EXPECT_EQ("processRequest: I/O timeout: RequestType_CLOSE", outcome([&] { proxy->close(); }));
     // The last release does not wait for ever for it. The proxy's own thread-uninitialise is withdrawn like the rest.
+    const int before = Detail::retiredWorkers();
     proxy.reset();
+    EXPECT_EQ(before + 1, Detail::retiredWorkers());
     gate.open();
     tuning.set(2000, 10000, 10);
     const auto slots = script.takeSlots();
@@ -301,6 +304,12 @@ TEST_F(WorkerTest, ADeviceThatDoesNotReturnHoldsNobodyUp) {
     VideoProxy next(VIDEO_DEVICE, proxified);
     EXPECT_NO_THROW(next.close());
     EXPECT_THAT(script.takeSlots(), ElementsAre(6, close));
+    // What was left to its thread goes when the thread has ended and a worker is made anew.
+    next.dispose();
+    while (Detail::retiredWorkers() > before) {
+        std::this_thread::yield();
+        const Worker another;
+    }
 }
 
 // Never opened: the process has to end with a thread inside the device. What the thread uses is never destroyed.
