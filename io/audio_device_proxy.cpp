@@ -73,16 +73,8 @@ void AudioDeviceProxy::initialize(NodeEvent* event, Core::DescriptorStoreRO* sto
 }
 
 void AudioDeviceProxy::dispose() {
-    if (!impl->isDisposed()) {
-        try {
-            if (isProxified())
-                impl->uninitializeThreadOnWorker(*this);
-            else
-                threadUninitialize();
-        } catch (...) {
-            warn("threadUninitialize operation failed");
-        }
-    }
+    // The video proxy words it differently.
+    impl->uninitializeThread(*this, "threadUninitialize operation failed");
     AVDeviceProxy::dispose();
     impl->release();
 }

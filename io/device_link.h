@@ -45,8 +45,6 @@ public:
     /// Serialises direct calls.
     Utils::Threading::Mutex mutex;
 
-    [[nodiscard]] bool isDisposed() const { return linked == nullptr; }
-
     /// \throws Plugin::InvalidOperationPluginException once the proxy has been disposed of
     [[nodiscard]] Device& device() const {
         if (!linked)
@@ -71,12 +69,18 @@ public:
             device().threadInitialize();
     }
 
-    /// The device's last call on the worker. Ends only when the worker has let go of the request, so that the
-    /// device is not the worker's to destroy.
-    void uninitializeThreadOnWorker(const AVDeviceProxy& proxy) {
-        auto* const request = createQueuedRequest<threadUninitializeRequest>(&device());
-        worker(proxy).processRequest(request, Detail::proxyTuning().timeoutMilliseconds);
-        dropWhenLast(*request);
+    /// The device's last call, which takes that back. A failure is only logged, for disposal goes on.
+    void uninitializeThread(AVDeviceProxy& proxy, const char* warning) noexcept {
+        if (!linked)
+            return;
+        try {
+            if (proxy.isProxified())
+                uninitializeThreadOnWorker(proxy);
+            else
+                proxy.threadUninitialize();
+        } catch (...) {
+            warn(warning);
+        }
     }
 
     /// Disposes of the device and lets go of it.
@@ -93,6 +97,13 @@ public:
     }
 
 private:
+    /// Ends only when the worker has let go of the request, so that the device is not the worker's to destroy.
+    void uninitializeThreadOnWorker(const AVDeviceProxy& proxy) {
+        auto* const request = createQueuedRequest<threadUninitializeRequest>(&device());
+        worker(proxy).processRequest(request, Detail::proxyTuning().timeoutMilliseconds);
+        dropWhenLast(*request);
+    }
+
     static AVDeviceProxyThread& worker(const AVDeviceProxy& proxy) {
         if (!proxy.getProxy())
             throw Plugin::InvalidOperationPluginException("the device proxy has been disposed of");

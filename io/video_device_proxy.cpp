@@ -129,16 +129,7 @@ void VideoDeviceProxy::initialize(NodeEvent* event, Core::DescriptorStoreRO* sto
 }
 
 void VideoDeviceProxy::dispose() {
-    if (!impl->isDisposed()) {
-        try {
-            if (isProxified())
-                impl->uninitializeThreadOnWorker(*this);
-            else
-                threadUninitialize();
-        } catch (...) {
-            warn("Failed to call threadUninitialize");
-        }
-    }
+    impl->uninitializeThread(*this, "Failed to call threadUninitialize");
     AVDeviceProxy::dispose();
     impl->release();
 }
