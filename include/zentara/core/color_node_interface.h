@@ -30,7 +30,7 @@ class DescriptorStoreRO;
 /// node's device, whose traffic all goes through the device proxy's worker thread.
 ///
 /// Used in this order: `initialize`, any other operation, `dispose`. Separate, but `readBuffer` may run
-/// beside the other operations.
+/// beside the operations between these two; it must have returned before `dispose`.
 ///
 /// The order of the virtual operations is the boundary to nodes that are built separately.
 class ZENTARA_API ColorNodeInterface : public Plugin {

@@ -45,7 +45,7 @@ class TemperaturePeriodicOperation;
 /// for everything that is optional.
 ///
 /// Used in this order: `initialize`, any other operation, `dispose`. Separate, but `readBuffer` may run
-/// beside the other operations.
+/// beside the operations between these two; it must have returned before `dispose`.
 ///
 /// The order of the virtual operations is the boundary to nodes that are built separately.
 class ZENTARA_API DepthNodeInterface : public Plugin {

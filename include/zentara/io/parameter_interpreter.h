@@ -53,7 +53,7 @@ public:
 
     /// Makes a back-end instance and initialises it; an earlier one is disposed first.
     /// \param context goes back unchanged into `set` and `get`, through which the back-end reaches the
-    ///         camera
+    ///         camera; all three are passed on as they are, also null
     /// \throws Plugin::InitializationPluginException "Invalid shared library handle", or "Failed to
     ///         initialize plugin" when the back-end refuses; no instance is left then
     virtual void initialize(void* context, BackEnd::Transfer* set, BackEnd::Transfer* get, HardwareIDs ids,
