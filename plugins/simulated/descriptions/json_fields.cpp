@@ -139,9 +139,9 @@ JsonFields::JsonFields(JsonValue value) : object(std::move(value)) {
 
 std::optional<JsonValue> JsonFields::find(const char* name) {
     known.insert(name);
-    for (const auto& [memberName, located] : object.value->members) {
-        if (memberName == name)
-            return member(memberName, located);
+    for (const LocatedJson& located : object.value->items) {
+        if (located.name == name)
+            return member(located);
     }
     return std::nullopt;
 }
@@ -154,22 +154,22 @@ JsonValue JsonFields::need(const char* name) {
 }
 
 bool JsonFields::has(const char* name) const {
-    for (const auto& entry : object.value->members) {
-        if (entry.first == name)
+    for (const LocatedJson& located : object.value->items) {
+        if (located.name == name)
             return true;
     }
     return false;
 }
 
 void JsonFields::finish() const {
-    for (const auto& [name, located] : object.value->members) {
-        if (known.count(name) == 0)
-            member(name, located).fail("there is no such field");
+    for (const LocatedJson& located : object.value->items) {
+        if (known.count(located.name) == 0)
+            member(located).fail("there is no such field");
     }
 }
 
-JsonValue JsonFields::member(const std::string& name, const LocatedJson& located) const {
-    return {located, *object.source, object.path.empty() ? name : object.path + "." + name};
+JsonValue JsonFields::member(const LocatedJson& located) const {
+    return {located, *object.source, object.path.empty() ? located.name : object.path + "." + located.name};
 }
 
 } // namespace Zentara::Simulated

@@ -62,7 +62,7 @@ public:
     [[noreturn]] void fail(const std::string& reason) const { object.fail(reason); }
 
 private:
-    [[nodiscard]] JsonValue member(const std::string& name, const LocatedJson& located) const;
+    [[nodiscard]] JsonValue member(const LocatedJson& located) const;
 
     JsonValue object;
     std::set<std::string> known;

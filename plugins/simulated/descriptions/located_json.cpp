@@ -79,11 +79,11 @@ public:
     bool end_array() override { return containers.pop_back(), true; }
 
     bool key(string_t& name) override {
-        auto& members = containers.back()->members;
-        const auto same = [&name](const auto& member) { return member.first == name; };
+        auto& members = containers.back()->items;
+        const auto same = [&name](const LocatedJson& member) { return member.name == name; };
         if (std::any_of(members.begin(), members.end(), same))
             fail(Format("'%' stands there twice") % name);
-        members.emplace_back(name, LocatedJson());
+        members.emplace_back().name = name;
         return true;
     }
 
@@ -121,8 +121,7 @@ private:
         if (containers.empty())
             return root;
         LocatedJson& parent = *containers.back();
-        return parent.kind == LocatedJson::Kind::List ? parent.items.emplace_back()
-                                                      : parent.members.back().second;
+        return parent.kind == LocatedJson::Kind::List ? parent.items.emplace_back() : parent.items.back();
     }
 
     bool open(LocatedJson::Kind kind) {

@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace Zentara::Simulated {
@@ -25,8 +24,8 @@ struct LocatedJson {
     std::uint64_t whole = 0;
     double number = 0; ///< also of a Whole
     std::string text;
-    std::vector<LocatedJson> items;
-    std::vector<std::pair<std::string, LocatedJson>> members; ///< in the order of the text
+    std::string name;               ///< of a member of an object
+    std::vector<LocatedJson> items; ///< of a list, or an object's members in the order of the text
 };
 
 /// \param source names the text in messages
