@@ -20,9 +20,6 @@ else()
     list(APPEND options -DCMAKE_CXX_COMPILER=${CXX_COMPILER})
     set(suffix "")
 endif()
-if(SANITIZE)
-    list(APPEND options "-DCMAKE_CXX_FLAGS=-fsanitize=${SANITIZE}")
-endif()
 run("configuring the client" ${CMAKE_COMMAND} -G Ninja -S ${SOURCE_DIR}/examples/host -B ${work}/client ${options})
 run("building the client" ${CMAKE_COMMAND} --build ${work}/client)
 
@@ -47,17 +44,22 @@ if(NOT output MATCHES "6D0E5C17-3F42-4B8A-9C51-2A77E0148BD3")
     message(FATAL_ERROR "the plug-in is not registered:\n${output}")
 endif()
 
-if(NOT TOOLCHAIN AND NOT SANITIZE)
+if(NOT TOOLCHAIN)
     # No header may lean on one that is not installed: each is compiled alone from the installed tree.
     file(GLOB_RECURSE headers RELATIVE ${prefix}/include ${prefix}/include/*.h)
-    set(all_headers "")
+    set(sources "")
     foreach(header ${headers})
         string(MAKE_C_IDENTIFIER ${header} name)
         file(WRITE ${work}/headers/${name}.cpp "#include <${header}>\n")
-        list(APPEND all_headers ${work}/headers/${name}.cpp)
+        list(APPEND sources ${name}.cpp)
     endforeach()
-    run("compiling each installed header alone" ${CXX_COMPILER} -std=c++20 -Wall -Wextra -Wpedantic -Werror
-        -fsyntax-only -I${prefix}/include ${all_headers})
+    list(JOIN sources " " sources)
+    file(WRITE ${work}/headers/CMakeLists.txt "cmake_minimum_required(VERSION 3.25)\nproject(headers CXX)\n"
+        "add_library(headers OBJECT ${sources})\n"
+        "target_include_directories(headers PRIVATE ${prefix}/include)\n"
+        "target_compile_options(headers PRIVATE -std=c++20 -Wall -Wextra -Wpedantic -Werror -fsyntax-only)\n")
+    run("configuring the headers" ${CMAKE_COMMAND} -G Ninja -S ${work}/headers -B ${work}/headers/build ${options})
+    run("compiling each installed header alone" ${CMAKE_COMMAND} --build ${work}/headers/build)
 
     find_program(PKG_CONFIG pkg-config REQUIRED)
     run("asking pkg-config" ${CMAKE_COMMAND} -E env PKG_CONFIG_PATH=${prefix}/${LIBDIR}/pkgconfig
