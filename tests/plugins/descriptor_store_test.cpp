@@ -16,7 +16,7 @@
 #include "plugins/simulated/descriptions/camera_description.h"
 #include "plugins/simulated/descriptions/controller_code.h"
 #include "plugins/simulated/plugin_guids.h"
-#include "support/captured_log.h"
+#include "support/log_capture.h"
 #include "support/scoped_variable.h"
 #include "support/temporary_directory.h"
 
@@ -64,7 +64,7 @@ protected:
 
     /// What the log tells of a description.
     std::vector<std::string> complaints(const std::string& text) {
-        const Testing::CapturedLog log;
+        const TestSupport::LogCapture log;
         describe({{"camera.json", text}});
         return log.warnings();
     }
@@ -207,7 +207,7 @@ TEST_F(DescriptorStore, HostileTextsAreRefused) {
     EXPECT_THAT(complaints(std::string(1 << 20, '[')), ElementsAre(HasSubstr("nested deeper than 32")));
     EXPECT_THAT(complaints("{\"model\": \"\xFF\"}"), ElementsAre(HasSubstr("line 1: ")));
     const std::string whole = shipped("vc0345");
-    const Testing::CapturedLog log;
+    const TestSupport::LogCapture log;
     for (std::size_t length = 0; length < whole.size() - 2; length += 97) {
         describe({{"camera.json", whole.substr(0, length)}});
         EXPECT_FALSE(select(0x0345, 0)) << length;
@@ -215,7 +215,7 @@ TEST_F(DescriptorStore, HostileTextsAreRefused) {
 }
 
 TEST_F(DescriptorStore, OneWrongDescriptionLeavesTheOthers) {
-    const Testing::CapturedLog log;
+    const TestSupport::LogCapture log;
     const std::string whole = shipped("vc0258");
     describe({{"a.json", "{"},
               {"b.json", whole},
