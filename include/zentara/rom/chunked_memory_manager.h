@@ -27,10 +27,9 @@ class ChunkedMemoryManagementHeader;
 /// Some rules of the format give away bytes that are not free; writers who cannot afford it rehearse on a
 /// copy:
 /// - a block whose allocated size is an exact multiple of the chunk size is credited one chunk more than it
-/// occupies;
+///   occupies;
 /// - with the header at the end, the room beside it is measured with the lowest block's chunk count in place
-/// of the
-///   first block's, in unsigned 32-bit arithmetic that wraps;
+///   of the first block's, in unsigned 32-bit arithmetic that wraps;
 /// - the first block of an empty chain is placed without asking whether the area has room for it.
 class ZENTARA_API ChunkedMemoryManager : public MemoryManager {
 public:
@@ -40,9 +39,8 @@ public:
     /// \param accessor       not owned; must outlive this object.
     /// \param startAddress   absolute flash address of the area.
     /// \param size           bytes of the area, header included.
-    /// \param chunkSize      granule to format with, in bytes, 1 or more. Of a formatted area its own size
-    /// rules. \param headerAtStart  whether the header stands at the start of the area or in its last 17
-    /// bytes.
+    /// \param chunkSize      granule to format with, in bytes, 1 or more. A formatted area keeps its own.
+    /// \param headerAtStart  whether the header stands at the start of the area or in its last 17 bytes.
     ChunkedMemoryManager(Accessor* accessor, std::uint32_t startAddress, std::uint32_t size,
                          std::uint32_t chunkSize, bool headerAtStart);
     ChunkedMemoryManager(const ChunkedMemoryManager&) = delete;
@@ -56,8 +54,9 @@ public:
     void dispose() override;
 
     /// For null the block at the lowest address (header at start) or the highest (header at end). Null as
-    /// well if the next block was not loaded. \throws ArgumentPluginException "invalid block" for a block
-    /// that is not this manager's; so do all below.
+    /// well if the next block was not loaded.
+    /// \throws ArgumentPluginException "invalid block" for a block that is not this manager's; so do all
+    ///         operations below that take one.
     const MemoryBlockHeader* getNext(const MemoryBlockHeader* block) override;
 
     /// Unlinks the block; its bytes stay on flash. Discards a pending allocation.
@@ -69,8 +68,7 @@ public:
     /// \throws InvalidOperationPluginException if the area has no version 1 header.
     /// \throws ArgumentPluginException if the content and its header exceed 32 bits.
     /// \throws IOPluginException "Failed to write data to ROM". A fresh block is then not in the chain; the
-    /// content of
-    ///         one that was is lost, as it is rewritten in place.
+    ///         content of one that was is lost, as it is rewritten in place.
     void write(const MemoryBlockHeader* block, const std::vector<std::uint8_t>& bytes) override;
 
     /// The content of the block; empty if the block reaches past the end of the area.
@@ -80,8 +78,8 @@ public:
     std::uint32_t getMaximumUsableSize(const MemoryBlockHeader* block) override;
 
     /// Writes nothing yet. The block is pending until written, and gone at the next allocate(), erase(),
-    /// dispose() or initialize(). \throws InvalidOperationPluginException if the area has no version 1
-    /// header.
+    /// dispose() or initialize().
+    /// \throws InvalidOperationPluginException if the area has no version 1 header.
     const MemoryBlockHeader* allocate(std::uint32_t size) override;
 
     bool romInitialized() override;

@@ -36,8 +36,8 @@ public:
 protected:
     friend class Object;
 
-    /// Never null; owned by the caller. Where the second offset is absent it is 0 and carries the first one's marker:
-    /// written like that, it replaces the first when read again.
+    /// Never null; owned by the caller. Where the second offset is absent it is 0 and carries the first one's
+    /// marker: written like that, it replaces the first when read again.
     static Configuration* deserialize(const std::vector<std::uint8_t>& bytes);
 
 private:

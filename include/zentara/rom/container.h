@@ -46,12 +46,13 @@ public:
     /// Creates or replaces a section; a replacement that fits its old block is written at the same address.
     /// \param uid    1 or more.
     /// \param flags  stored as given: bit 0 set leaves the section writable, clear makes it read-only for
-    /// good. \throws ArgumentPluginException for uid 0 and for more data than the format can count. \throws
-    /// InvalidOperationPluginException if there is no version 1 container. \throws
-    /// UnauthorizedAccessPluginException if the section there is read-only. \throws IOPluginException "failed
-    /// to allocate space on the device" when nothing fits. A section that was to be
-    ///         replaced was erased before and is gone then, which the log tells; likewise if the new block's
-    ///         write fails.
+    ///               good.
+    /// \throws ArgumentPluginException for uid 0 and for more data than the format can count.
+    /// \throws InvalidOperationPluginException if there is no version 1 container.
+    /// \throws UnauthorizedAccessPluginException if the section there is read-only.
+    /// \throws IOPluginException "failed to allocate space on the device" when nothing fits. A section that
+    ///         was to be replaced was erased before and is gone then, which the log tells; likewise if the new
+    ///         block's write fails.
     virtual void set(std::uint16_t uid, ContainerSectionType type, std::uint8_t flags,
                      const std::vector<std::uint8_t>& data);
 

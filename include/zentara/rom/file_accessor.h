@@ -34,8 +34,8 @@ public:
     void write(std::uint32_t address, const std::vector<std::uint8_t>& bytes) override;
 
     /// Puts the image on disk: written beside the file, flushed, renamed over it. Whatever fails or is cut
-    /// off in between, the file holds the old image or the new one, whole. \throws IOPluginException with the
-    /// file and the system's reason; the file is then as it was.
+    /// off in between, the file holds the old image or the new one, whole.
+    /// \throws IOPluginException with the file and the system's reason; the file is then as it was.
     void save();
 
     const std::string& getFileName() const;

@@ -31,8 +31,7 @@ public:
 
     /// Replaces the image with the bytes of a file. The first name given is the one that is kept.
     /// \throws IOPluginException "gradient calibration parameter file can not be opened", with the file named
-    /// in the
-    ///         log; the image is then as before.
+    ///         in the log; the image is then as before.
     virtual void read(const std::string& fileName);
 
 private:

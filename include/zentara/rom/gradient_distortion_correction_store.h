@@ -43,8 +43,7 @@ public:
     virtual std::vector<std::uint16_t> getUIDs();
     /// A new object owned by the caller; null if the section's type is unknown.
     /// \throws ArgumentPluginException "Passed parameter is not a gradient distortion correction id" for any
-    /// uid but 5,
-    ///         and if there is no such section.
+    ///         uid but 5, and if there is no such section.
     virtual Object* get(std::uint16_t uid);
     /// Loads another file as the image; call initialize() afterwards.
     /// \throws InvalidOperationPluginException "Accessor is not defined".

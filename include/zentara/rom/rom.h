@@ -22,8 +22,7 @@ class Object;
 class ZENTARA_API ROM {
 public:
     /// \param container  may be null: initialize() and dispose() then do nothing, romInitialized() is false,
-    /// and the
-    ///                   rest throws InvalidOperationPluginException "Container is not defined".
+    ///                   and the rest throws InvalidOperationPluginException "Container is not defined".
     explicit ROM(Container* container);
     ROM(const ROM&) = delete;
     ROM& operator=(const ROM&) = delete;
