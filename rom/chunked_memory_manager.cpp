@@ -131,7 +131,12 @@ void ChunkedMemoryManager::Impl::load() {
         loaded->getAvailableMemorySize() > size)
         return;
     header = std::move(loaded);
-    loadChain();
+    try {
+        loadChain();
+    } catch (...) {
+        clear(); // writing beside half a chain would overwrite the other half
+        throw;
+    }
 }
 
 void ChunkedMemoryManager::Impl::loadChain() {

@@ -51,6 +51,7 @@ struct Container::Impl {
         sections.clear();
     }
 
+    /// Where a read throws, nothing counts as loaded.
     void load(MemoryManager& memory) {
         const MemoryBlockHeader* block = memory.getNext(nullptr);
         if (!block)
@@ -58,20 +59,22 @@ struct Container::Impl {
         std::unique_ptr<ContainerHeader> loaded(ContainerHeader::deserialize(memory.read(block)));
         if (!loaded || loaded->getMinReadoutVersion() >= UNREADABLE_VERSION)
             return;
+        sections = readSections(memory, block);
         header = std::move(loaded);
-        loadSections(memory, block);
     }
 
     /// The chain may lead back into itself; it ends at the first block seen before.
-    void loadSections(MemoryManager& memory, const MemoryBlockHeader* block) {
+    static Sections readSections(MemoryManager& memory, const MemoryBlockHeader* block) {
+        Sections found;
         std::unordered_set<const MemoryBlockHeader*> seen{block};
         while ((block = memory.getNext(block)) && seen.insert(block).second) {
             std::unique_ptr<Section> section(Section::deserialize(memory.read(block)));
             if (!section)
                 continue;
             const std::uint16_t uid = section->getUID();
-            sections[uid] = {std::move(section), block};
+            found[uid] = {std::move(section), block};
         }
+        return found;
     }
 
     const Section& section(std::uint16_t uid, const char* message) const {

@@ -329,6 +329,9 @@ TEST_P(FaultWalk, AnyReadOfAMountMayFail) {
         flash.failRead(n, GetParam());
         if (GetParam() == FlashFault::Throws) {
             EXPECT_THROW(storage.container.initialize(), Plugin::IOPluginException);
+            EXPECT_FALSE(storage.container.romInitialized()) << "half a storage must not be written to";
+            EXPECT_THAT(storage.container.getSectionUIDs(), testing::IsEmpty());
+            EXPECT_LE(storage.manager.getBlockMap().size() % (model.size() + 1), 0u) << "all blocks or none";
         } else {
             storage.container.initialize();
         }

@@ -31,7 +31,8 @@ public:
     virtual ~Container();
 
     /// Forgets what was loaded, initializes the manager and loads header and sections. Blocks that hold no
-    /// section are skipped; of two with the same uid the later in the chain counts.
+    /// section are skipped; of two with the same uid the later in the chain counts. Where a read throws,
+    /// nothing is loaded.
     virtual void initialize();
     /// Forgets header and sections. The manager is left as it is.
     virtual void dispose();
