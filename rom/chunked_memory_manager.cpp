@@ -22,6 +22,9 @@ using Bytes = std::vector<std::uint8_t>;
 
 constexpr std::uint32_t MAX_SIZE = std::numeric_limits<std::uint32_t>::max();
 constexpr std::uint8_t UNREADABLE_VERSION = 2; ///< headers that ask for this or more are not for this reader
+/// Blocks may overlap, but where they claim the area more often than this, reading them all would cost the
+/// square of its size in time and memory.
+constexpr std::uint64_t MOST_CLAIMS = 16;
 
 std::uint64_t divideUp(std::uint64_t value, std::uint64_t unit) { return (value + unit - 1) / unit; }
 
@@ -140,6 +143,7 @@ void ChunkedMemoryManager::Impl::load() {
 }
 
 void ChunkedMemoryManager::Impl::loadChain() {
+    std::uint64_t claimed = 0;
     for (std::uint32_t address = header->getFirstBlockAddress(); address != 0;) {
         std::unique_ptr<Block> block = loadBlock(address);
         if (!block) {
@@ -148,6 +152,12 @@ void ChunkedMemoryManager::Impl::loadChain() {
         }
         if (blocks.count(address) != 0) {
             Utils::logWarning("cyclic references detected");
+            return;
+        }
+        if (inArea(address, block->getAllocatedSize()))
+            claimed += block->getAllocatedSize();
+        if (claimed > MOST_CLAIMS * size) {
+            Utils::logWarning("too many overlapping blocks");
             return;
         }
         const std::uint32_t next = block->getNextBlockOffset();

@@ -3,6 +3,7 @@
 #include <zentara/plugin/plugin_exceptions.h>
 
 #include "rom/rom_fixture.h"
+#include "support/log_capture.h"
 
 namespace Zentara::TestSupport {
 namespace {
@@ -11,6 +12,7 @@ using Plugin::ArgumentPluginException;
 using Plugin::InvalidOperationPluginException;
 using Plugin::IOPluginException;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 
 class ManagerTest : public RomTest {};
@@ -182,14 +184,18 @@ TEST_F(ManagerTest, DamagedChainsAreCut) {
         const char* name;
         std::uint32_t next; ///< link of the second block
         std::size_t blocks;
+        const char* warning;
     };
-    for (const Case& c : {Case{"whole", 800, 3},
-                          {"back to the first", 17, 2},
-                          {"to itself", 300, 2},
-                          {"to no block", 1000, 2},
-                          {"past the area", 4096, 2},
-                          {"across the area's end", 4090, 2},
-                          {"far away", 0xFFFFFFFF, 2}}) {
+    const char* cyclic = "cyclic references detected";
+    const char* unreadable = "couldn't parse memory block header";
+    for (const Case& c : {Case{"whole", 800, 3, ""},
+                          {"back to the first", 17, 2, cyclic},
+                          {"to itself", 300, 2, cyclic},
+                          {"to no block", 1000, 2, unreadable},
+                          {"past the area", 4096, 2, unreadable},
+                          {"across the area's end", 4090, 2, unreadable},
+                          {"far away", 0xFFFFFFFF, 2, unreadable}}) {
+        LogCapture log;
         use({});
         putHeader(17, 256, 4096);
         putBlock(17, 20, 300);
@@ -197,6 +203,20 @@ TEST_F(ManagerTest, DamagedChainsAreCut) {
         putBlock(800, 20, 0);
         mountMemory();
         EXPECT_EQ(c.blocks, manager->getBlockMap().size()) << c.name;
+        EXPECT_THAT(log.text(), HasSubstr(c.warning)) << c.name;
+    }
+}
+
+TEST_F(ManagerTest, BlocksMayOverlapButNotWithoutEnd) {
+    for (const std::size_t count : {16u, 100u}) {
+        LogCapture log;
+        use({});
+        putHeader(32, 256, 4096);
+        for (std::uint32_t i = 0; i < count; ++i) // each reaches to the end of the area
+            putBlock(32 + 10 * i, 4096 - 32 - 10 * i, i + 1 < count ? 32 + 10 * (i + 1) : 0);
+        mountMemory();
+        EXPECT_EQ(16u, manager->getBlockMap().size()) << count;
+        EXPECT_EQ(count == 16, log.text().find("too many overlapping blocks") == std::string::npos);
     }
 }
 

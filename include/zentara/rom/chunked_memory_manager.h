@@ -49,7 +49,9 @@ public:
 
     /// Loads header and chain. Without a readable header whose minimum readout version is below 2, whose
     /// chunk size is not 0 and whose size fits in the area, the memory counts as not initialized. The chain
-    /// is cut, with a warning in the log, where a block cannot be parsed or was seen before.
+    /// is cut, with a warning in the log, where a block cannot be parsed or was seen before, and where blocks
+    /// overlap so much that together they claim the area more than 16 times. Where the accessor throws,
+    /// nothing is loaded.
     void initialize() override;
     void dispose() override;
 
