@@ -47,6 +47,8 @@ struct ChunkedMemoryManager::Impl {
     std::map<std::uint32_t, std::unique_ptr<Block>> blocks; ///< as verified on flash, by address
     std::unordered_set<const Block*> known;                 ///< the values of `blocks`
     std::unique_ptr<Block> pending;                         ///< placed, but not written yet
+    /// No longer known, but kept: a handle to one must never come to mean a block made later.
+    std::vector<std::unique_ptr<Block>> overwritten;
 
     Impl(Accessor* flash, std::uint32_t areaStart, std::uint32_t areaSize, std::uint32_t chunkSize,
          bool atStart)
@@ -76,8 +78,8 @@ struct ChunkedMemoryManager::Impl {
     Block* find(std::uint32_t address) const;
     std::uint16_t chunksOf(const Block& block) const;
     void link(std::uint32_t address);
+    void unlink(const Block& block);
     void adoptPending(std::uint32_t allocatedSize);
-    Block* predecessor(const Block& block) const;
 
     // Placing a new block
 
@@ -123,6 +125,7 @@ void ChunkedMemoryManager::Impl::clear() {
     pending.reset();
     known.clear();
     blocks.clear();
+    overwritten.clear();
 }
 
 void ChunkedMemoryManager::Impl::load() {
@@ -214,30 +217,26 @@ void ChunkedMemoryManager::Impl::link(std::uint32_t address) {
         writeHeader(address);
 }
 
-void ChunkedMemoryManager::Impl::adoptPending(std::uint32_t allocatedSize) {
-    const std::uint32_t address = pending->getBlockOffset();
-    pending->setAllocatedSize(allocatedSize);
-    known.erase(find(address)); // a block that was overwritten by this one
-    known.insert(pending.get());
-    blocks[address] = std::move(pending);
+/// Leads every link to the block past it. There is one, save where the chain runs back into itself.
+void ChunkedMemoryManager::Impl::unlink(const Block& block) {
+    const std::uint32_t address = block.getBlockOffset();
+    const std::uint32_t next = block.getNextBlockOffset();
+    if (header->getFirstBlockAddress() == address)
+        writeHeader(next);
+    for (const auto& [place, other] : blocks)
+        if (place != address && other->getNextBlockOffset() == address)
+            writeLink(*other, next);
 }
 
-/// The block whose link names this one. In a chain that this library wrote it is the neighbour on the
-/// header's side; in others the chain is followed, as a cycle may hold a second link to the same block.
-Block* ChunkedMemoryManager::Impl::predecessor(const Block& block) const {
-    const std::uint32_t address = block.getBlockOffset();
-    const auto own = blocks.find(address);
-    const auto neighbour =
-        headerAtStart ? (own == blocks.begin() ? blocks.end() : std::prev(own)) : std::next(own);
-    if (neighbour != blocks.end() && neighbour->second->getNextBlockOffset() == address)
-        return neighbour->second.get();
-    Block* candidate = find(header->getFirstBlockAddress());
-    for (std::size_t steps = 0; candidate && steps < blocks.size(); ++steps) {
-        if (candidate->getNextBlockOffset() == address)
-            return candidate;
-        candidate = find(candidate->getNextBlockOffset());
+void ChunkedMemoryManager::Impl::adoptPending(std::uint32_t allocatedSize) {
+    pending->setAllocatedSize(allocatedSize);
+    known.insert(pending.get());
+    std::unique_ptr<Block>& place = blocks[pending->getBlockOffset()];
+    std::swap(place, pending);
+    if (pending) { // another block started there
+        known.erase(pending.get());
+        overwritten.push_back(std::move(pending));
     }
-    return nullptr;
 }
 
 std::optional<ChunkedMemoryManager::Impl::Place> ChunkedMemoryManager::Impl::place(std::uint32_t room) const {
@@ -375,14 +374,10 @@ const MemoryBlockHeader* ChunkedMemoryManager::erase(const MemoryBlockHeader* bl
     impl->check(block);
     impl->checkVersion("Cannot erase section - Rom version is not %");
     impl->pending.reset();
-    const std::uint32_t address = block->getBlockOffset();
+    impl->unlink(*block);
     const std::uint32_t next = block->getNextBlockOffset();
-    if (impl->header->getFirstBlockAddress() == address)
-        impl->writeHeader(next);
-    else if (Block* before = impl->predecessor(*block))
-        impl->writeLink(*before, next);
     impl->known.erase(block);
-    impl->blocks.erase(address);
+    impl->blocks.erase(block->getBlockOffset());
     return next == 0 ? nullptr : impl->find(next);
 }
 

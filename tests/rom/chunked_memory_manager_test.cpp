@@ -234,15 +234,34 @@ TEST_F(ManagerTest, NothingIsReadOutsideTheArea) {
     EXPECT_EQ(nullptr, manager->getNext(nullptr));
 }
 
-TEST_F(ManagerTest, ErasingInACycleDropsTheLinkOfTheChain) {
-    use({0, 4096, 256, true});
-    putHeader(1000, 256, 4096);
-    putBlock(1000, 20, 2000);
-    putBlock(2000, 20, 3000);
-    putBlock(3000, 20, 2000); // leads back
+TEST_F(ManagerTest, ErasingInACycleLeavesNoLinkToTheBlock) {
+    struct Case {
+        std::uint32_t second, third; ///< after the block at 1000; the third leads back to the second
+        std::uint32_t erased, left;
+    };
+    for (const Case& c : {Case{2000, 3000, 2000, 3000}, {3000, 2000, 3000, 2000}}) {
+        use({});
+        putHeader(1000, 256, 4096);
+        putBlock(1000, 20, c.second);
+        putBlock(c.second, 20, c.third);
+        putBlock(c.third, 20, c.second);
+        mountMemory();
+        EXPECT_EQ(block(c.left), manager->erase(block(c.erased)));
+        mountMemory();
+        EXPECT_EQ(2u, manager->getBlockMap().size());
+        EXPECT_EQ(1u, manager->getBlockMap().count(c.left));
+    }
+}
+
+TEST_F(ManagerTest, TheFirstBlockIsTheOneThatTheHeaderNames) {
+    putHeader(2000, 256, 4096);
+    putBlock(2000, 20, 1000); // descends, although the header is at the start
+    putBlock(1000, 20, 0);
     mountMemory();
-    EXPECT_EQ(block(3000), manager->erase(block(2000)));
-    EXPECT_THAT(chain(), ElementsAre(1000, 3000));
+    manager->erase(block(1000));
+    EXPECT_EQ(2000u, manager->getHeader()->getFirstBlockAddress());
+    manager->erase(block(2000));
+    EXPECT_EQ(0u, manager->getHeader()->getFirstBlockAddress());
 }
 
 TEST_F(ManagerTest, StoredChunkSizeRules) {
@@ -311,6 +330,17 @@ TEST_F(ManagerTest, ChunksAreCountedInSixteenBits) {
     formatMemory();
     writeBlock(pattern(65536 + 20 - 10)); // counts as 20 chunks
     EXPECT_EQ(17u + 20, BlockProbe(*manager->allocate(1)).getBlockOffset());
+}
+
+TEST_F(ManagerTest, AnOverwrittenBlockNeverComesToMeanAnother) {
+    use({0, 200000, 1, true});
+    formatMemory();
+    const auto address = writeBlock(pattern(65536 - 10)); // counts as no chunks at all
+    const auto* overwritten = block(address);
+    EXPECT_EQ(address, writeBlock(pattern(1)));
+    for (int i = 0; i < 8; ++i)
+        writeBlock(pattern(1));
+    EXPECT_EQ("invalid block", messageOf<ArgumentPluginException>([&] { manager->read(overwritten); }));
 }
 
 } // namespace
