@@ -90,8 +90,9 @@ struct Container::Impl {
     }
 
     void checkSet(std::uint16_t uid, std::size_t dataSize) const;
-    const MemoryBlockHeader* roomFor(std::uint16_t uid, std::uint32_t size);
-    const MemoryBlockHeader* allocate(std::uint32_t size) const;
+    const MemoryBlockHeader* store(std::uint16_t uid, const std::vector<std::uint8_t>& bytes);
+    const MemoryBlockHeader* storeAnew(const std::vector<std::uint8_t>& bytes) const;
+    const MemoryBlockHeader* allocate(std::size_t size) const;
     void eraseAllSections();
     const MemoryBlockHeader* blockForHeader();
 };
@@ -110,26 +111,35 @@ void Container::Impl::checkSet(std::uint16_t uid, std::size_t dataSize) const {
         throw Plugin::ArgumentPluginException("Cannot write section - content is too long");
 }
 
-/// The section's own block if it is credited with enough room, else a new one, for which the old one is given
-/// up first.
-const MemoryBlockHeader* Container::Impl::roomFor(std::uint16_t uid, std::uint32_t size) {
+/// Writes the section to its own block if that is credited with enough room, else to a new one, for which the
+/// old one is given up first.
+const MemoryBlockHeader* Container::Impl::store(std::uint16_t uid, const std::vector<std::uint8_t>& bytes) {
     const auto found = sections.find(uid);
     if (found == sections.end())
-        return allocate(size);
-    if (size <= manager().getMaximumUsableSize(found->second.block))
-        return found->second.block;
-    manager().erase(found->second.block);
+        return storeAnew(bytes);
+    const MemoryBlockHeader* own = found->second.block;
+    if (bytes.size() <= manager().getMaximumUsableSize(own)) {
+        manager().write(own, bytes);
+        return own;
+    }
+    manager().erase(own);
     sections.erase(found);
     try {
-        return allocate(size);
+        return storeAnew(bytes);
     } catch (...) {
         Utils::logWarning(about("section % was erased to be replaced and is gone", uid));
         throw;
     }
 }
 
-const MemoryBlockHeader* Container::Impl::allocate(std::uint32_t size) const {
-    const MemoryBlockHeader* block = manager().allocate(size);
+const MemoryBlockHeader* Container::Impl::storeAnew(const std::vector<std::uint8_t>& bytes) const {
+    const MemoryBlockHeader* block = allocate(bytes.size());
+    manager().write(block, bytes);
+    return block;
+}
+
+const MemoryBlockHeader* Container::Impl::allocate(std::size_t size) const {
+    const MemoryBlockHeader* block = manager().allocate(static_cast<std::uint32_t>(size));
     if (!block)
         throw Plugin::IOPluginException("failed to allocate space on the device");
     return block;
@@ -193,9 +203,7 @@ void Container::set(std::uint16_t uid, ContainerSectionType type, std::uint8_t f
                     const std::vector<std::uint8_t>& data) {
     impl->checkSet(uid, data.size());
     auto section = std::make_unique<Section>(type, uid, flags, data);
-    const std::vector<std::uint8_t> bytes = section->serialize();
-    const MemoryBlockHeader* block = impl->roomFor(uid, static_cast<std::uint32_t>(bytes.size()));
-    impl->manager().write(block, bytes);
+    const MemoryBlockHeader* block = impl->store(uid, section->serialize());
     impl->sections[uid] = {std::move(section), block};
 }
 

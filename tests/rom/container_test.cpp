@@ -5,6 +5,7 @@
 #include <zentara/rom/section.h>
 
 #include "rom/rom_fixture.h"
+#include "support/log_capture.h"
 
 namespace Zentara::TestSupport {
 namespace {
@@ -15,6 +16,7 @@ using Plugin::IOPluginException;
 using Plugin::UnauthorizedAccessPluginException;
 using ROM::ContainerSectionType;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 
 class ContainerTest : public RomTest {
@@ -211,8 +213,10 @@ TEST_F(ContainerTest, AFullFlashKeepsWhatItHas) {
     mount();
     EXPECT_EQ("1:200 2:200", readable());
     // A replacement gives up the old block first; without room for the new one the section is gone.
+    LogCapture log;
     EXPECT_EQ("failed to allocate space on the device",
               messageOf<IOPluginException>([&] { write(1, pattern(700)); }));
+    EXPECT_THAT(log.text(), HasSubstr("section 1 was erased to be replaced and is gone"));
     EXPECT_EQ("2:200", readable());
     mount();
     EXPECT_EQ("2:200", readable());
