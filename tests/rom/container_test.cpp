@@ -21,8 +21,8 @@ using testing::IsEmpty;
 
 class ContainerTest : public RomTest {
 protected:
-    Bytes section(std::uint16_t uid, const Bytes& data, std::uint8_t type = 4) {
-        return ROM::Section(static_cast<ContainerSectionType>(type), uid, 1, data).serialize();
+    Bytes section(std::uint16_t uid, const Bytes& data, std::uint8_t type = 4, std::uint8_t flags = 1) {
+        return ROM::Section(static_cast<ContainerSectionType>(type), uid, flags, data).serialize();
     }
 
     /// An area with these blocks in chain order, 256 bytes apart, the container header first.
@@ -191,7 +191,7 @@ TEST_F(ContainerTest, FormattingKeepsAVersionOneContainer) {
 TEST_F(ContainerTest, FormattingErasesAContainerOfAnotherVersion) {
     for (const auto& header : {ROM::ContainerHeader(2, 1), ROM::ContainerHeader(1, 0)}) {
         use({});
-        putChain(header.serialize(), {section(1, pattern(5)), section(2, pattern(6))});
+        putChain(header.serialize(), {section(1, pattern(5)), section(2, pattern(6), 4, 0)}); // read-only too
         mount();
         EXPECT_EQ(2u, container->getSectionUIDs().size());
         container->initializeRom();
@@ -220,6 +220,19 @@ TEST_F(ContainerTest, AFullFlashKeepsWhatItHas) {
     EXPECT_EQ("2:200", readable());
     mount();
     EXPECT_EQ("2:200", readable());
+}
+
+TEST_F(ContainerTest, FormattingBehindAForeignFirstBlockDoesNotLast) {
+    format();
+    setByte(17 + 10, 9); // in the container header, so that its checksum is wrong
+    format();
+    EXPECT_TRUE(container->romInitialized());
+    mount();
+    EXPECT_FALSE(container->romInitialized()) << "the damaged block is still the first";
+    manager->initializeRom();
+    format();
+    mount();
+    EXPECT_TRUE(container->romInitialized());
 }
 
 TEST_F(ContainerTest, NoRoomForTheContainerHeader) {
@@ -264,7 +277,12 @@ TEST_F(ContainerTest, FlashTransfersPerOperation) {
     EXPECT_EQ("1/123 1/123", transfers([&] { write(8, pattern(100)); })) << "in place";
     EXPECT_EQ("3/343 3/343", transfers([&] { write(8, pattern(300)); })) << "moved";
     EXPECT_EQ("35/2199 0/0", transfers([&] { mount(); }));
-    EXPECT_EQ("0/0 0/0", transfers([&] { container->get(8); }));
+    EXPECT_EQ("0/0 0/0", transfers([&] {
+                  container->get(8);
+                  container->getType(8);
+                  container->sectionIsWritable(8);
+                  container->getSectionUIDs();
+              }));
     EXPECT_EQ("1/10 1/10", transfers([&] { container->erase(8); }));
 }
 

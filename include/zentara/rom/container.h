@@ -63,8 +63,12 @@ public:
     virtual void erase(std::uint16_t uid);
 
     /// Makes an empty container where there is none, and erases every section, read-only ones too, where
-    /// there is one of another version. A version 1 container is left as it is. \throws IOPluginException
-    /// "failed to allocate space on the device".
+    /// there is one of another version. A version 1 container is left as it is.
+    ///
+    /// Blocks that the memory has already stay. If the first of them is no container header, the new header
+    /// goes where there is room and is found by the next initialize() only if it became the first block: to
+    /// be sure, format the memory itself before.
+    /// \throws IOPluginException "failed to allocate space on the device".
     virtual void initializeRom();
     virtual bool romInitialized();
     /// \throws ArgumentPluginException for an unknown uid.
