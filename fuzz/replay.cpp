@@ -1,4 +1,5 @@
-// Gives each file of the named directories to a fuzz target once: what was found stays found, on every system.
+// Gives each file of the named directories to a fuzz target once: what was found stays found, on every
+// system.
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>

@@ -1,5 +1,5 @@
-// Mutations of a flash image that get past the checksums: after most of them the headers and sections that the chain
-// reaches are given the checksums that they should have.
+// Mutations of a flash image that get past the checksums: after most of them the headers and sections that
+// the chain reaches are given the checksums that they should have.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>

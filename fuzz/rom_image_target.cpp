@@ -1,5 +1,5 @@
-// Any bytes as a flash image: it is mounted, walked, every object is read and written again, and the storage is changed.
-// The first byte says where the header stands and where the area begins, the rest is the flash.
+// Any bytes as a flash image: it is mounted, walked, every object is read and written again, and the storage
+// is changed. The first byte says where the header stands and where the area begins, the rest is the flash.
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
@@ -31,8 +31,8 @@ Bytes rewritten(ROM::ContainerSectionType type, const Bytes& data) {
     return object->serialize();
 }
 
-/// What was read and written twice reads and writes the same for ever. Once is not enough: a configuration without its
-/// second phase offset is written with two of the first.
+/// What was read and written twice reads and writes the same for ever. Once is not enough: a configuration
+/// without its second phase offset is written with two of the first.
 void checkObject(ROM::ContainerSectionType type, const Bytes& data) {
     const std::unique_ptr<ROM::Object> object(ObjectReader::deserialize(type, data));
     const auto number = static_cast<unsigned>(type);

@@ -1,5 +1,5 @@
-// Random operations on a storage beside a std::map that says what it must hold. Where the two part, the reason must be
-// one of the rules by which the format gives away bytes that are not free.
+// Random operations on a storage beside a std::map that says what it must hold. Where the two part, the
+// reason must be one of the rules by which the format gives away bytes that are not free.
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
@@ -131,7 +131,8 @@ private:
         return unharmed && !blocksOverlap();
     }
 
-    /// One write goes wrong. Memory keeps what was verified; flash holds for each section an old or the new version.
+    /// One write goes wrong. Memory keeps what was verified; flash holds for each section an old or the new
+    /// version.
     bool faulty(const Change& change) {
         if (harmIsForetold(change.uid, change.data))
             return true;
@@ -177,7 +178,8 @@ private:
         return data.size() + SECTION_OVERHEAD > std::size_t{credited} * area.chunkSize;
     }
 
-    /// Growing an exact multiple in place, or a header at the end with a lowest block of other length than the first.
+    /// Growing an exact multiple in place, or a header at the end with a lowest block of other length than
+    /// the first.
     bool harmIsForetold(std::uint16_t uid, const Bytes& data) {
         const bool exists = model.count(uid) != 0;
         const bool moves = movesAway(uid, data);

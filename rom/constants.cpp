@@ -1,5 +1,5 @@
-// The constants of the exported classes. A client that binds a reference to one needs it from the library, and only a
-// constant that is named outside its class is exported on every system.
+// The constants of the exported classes. A client that binds a reference to one needs it from the library,
+// and only a constant that is named outside its class is exported on every system.
 #include <zentara/rom/accelerometer_calibration_data.h>
 #include <zentara/rom/chunked_memory_management_header.h>
 #include <zentara/rom/chunked_memory_manager.h>

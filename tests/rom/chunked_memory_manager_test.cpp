@@ -302,8 +302,7 @@ TEST_F(ManagerTest, LowestBlockStandsForTheOneBesideTheHeader) {
     use({0, 4096, 256, false});
     formatMemory();
     const auto beside = writeBlock(pattern(1));
-    writeBlock(
-        pattern(600)); // three chunks, and the lowest: the room beside the header wraps to almost 4 GiB
+    writeBlock(pattern(600)); // three chunks, and the lowest: the room beside wraps to almost 4 GiB
     EXPECT_EQ(beside, BlockProbe(*manager->allocate(1)).getBlockOffset());
 }
 

@@ -52,10 +52,10 @@ TEST(RomObjects, SystemInfoDefaults) {
 
 TEST(RomObjects, ConfigurationBytes) {
     const ROM::Configuration empty({}, {}, {}, {}, {});
-    EXPECT_EQ(
-        hex("22 01 07000000 00  40 01 08000000 0000  40 01 08000000 0000" // both offsets carry the first marker
-            "42 01 08000000 00 00  43 01 08000000 00 00"),
-        empty.serialize());
+    // Both offsets carry the first marker.
+    EXPECT_EQ(hex("22 01 07000000 00  40 01 08000000 0000  40 01 08000000 0000"
+                  "42 01 08000000 00 00  43 01 08000000 00 00"),
+              empty.serialize());
     const ROM::Configuration full(ROM::TemperatureCalibrationData({1.0f}), {ROM::PhaseOffset::MARKER, -2},
                                   {ROM::PhaseOffset::MARKER2, 259},
                                   {static_cast<ROM::TemperatureAlgorithmID>(3), {1.0f, -2.5f}},

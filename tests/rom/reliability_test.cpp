@@ -1,4 +1,5 @@
-// How much a storage survives: power cuts, failing transfers, flipped bits and missing ends. The figures are printed.
+// How much a storage survives: power cuts, failing transfers, flipped bits and missing ends. The figures are
+// printed.
 #include <algorithm>
 #include <array>
 #include <cstdio>
@@ -14,7 +15,8 @@
 namespace Zentara::TestSupport {
 namespace {
 
-/// Changes to a storage, at random but the same for the same seed, leaving out those that a careful writer leaves out.
+/// Changes to a storage, at random but the same for the same seed, leaving out those that a careful writer
+/// leaves out.
 class Workload {
 public:
     Workload(const Area& where, unsigned seed)
@@ -226,8 +228,8 @@ protected:
         {4, false, pattern(10, 6)},
     };
 
-    /// Runs the scenario up to the change in which the fault hits, and checks what is left. False when the fault
-    /// lies behind the last transfer.
+    /// Runs the scenario up to the change in which the fault hits, and checks what is left. False when the
+    /// fault lies behind the last transfer.
     bool run(std::size_t n, bool inRead) {
         SimulatedFlash flash(area.size);
         Storage storage(flash, area);

@@ -64,8 +64,8 @@ protected:
     void format();
     void mount();
     void write(std::uint16_t uid, const Bytes& data, std::uint8_t flags = 1);
-    std::string
-    readable(); ///< "uid:length" of each section whose content is what write() gave it, else "uid:!"
+    /// "uid:length" of each section whose content is what write() gave it, else "uid:!".
+    std::string readable();
 
     // On the flash
     void put(std::uint32_t address, const Bytes& bytes);

@@ -61,8 +61,8 @@ void apply(Model& model, const Change& change);
 /// What the container holds is exactly what the model says.
 bool holds(ROM::Container& container, const Model& model);
 
-/// Tries a change on a copy: whether it succeeds and leaves exactly what it should. Some rules of the format cost a
-/// neighbour; a careful writer leaves such changes out.
+/// Tries a change on a copy: whether it succeeds and leaves exactly what it should. Some rules of the format
+/// cost a neighbour; a careful writer leaves such changes out.
 bool rehearse(const Bytes& image, const Area& area, const Model& model, const Change& change);
 
 } // namespace Zentara::TestSupport

@@ -60,8 +60,8 @@ private:
     std::map<std::size_t, FlashFault> writeFaults;
 };
 
-/// Watches that nothing is made reachable too early: a link or a management header may only be written when the whole block
-/// that it points at stands on flash and was read back since it was last written.
+/// Watches that nothing is made reachable too early: a link or a management header may only be written when
+/// the whole block that it points at stands on flash and was read back since it was last written.
 class OrderMonitor {
 public:
     OrderMonitor(SimulatedFlash& flash, std::uint32_t headerAddress);
