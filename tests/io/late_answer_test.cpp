@@ -118,14 +118,14 @@ TEST_F(LateAnswerTest, ColorConfigurations) {
 TEST_F(LateAnswerTest, EnabledMode) {
     struct ChangedAtTheEnd {
         Utils::SmartPtr<ColorConfiguration> mode = Utils::makeRefcounted<ColorConfiguration>();
-        ~ChangedAtTheEnd() { mode->setFrameRate(99); }
+        ~ChangedAtTheEnd() { mode->setFramerate(99); }
     };
     answerLate<enableColorRequest, ChangedAtTheEnd>(
         std::make_unique<ChangedAtTheEnd>(),
         [](VideoProxy& proxy, ChangedAtTheEnd& memory) {
             proxy.enableStreaming(memory.mode, CameraControls{});
         },
-        [](enableColorRequest& request) { EXPECT_EQ(0, request.getConfiguration()->getFrameRate()); });
+        [](enableColorRequest& request) { EXPECT_EQ(0, request.getConfiguration()->getFramerate()); });
 }
 
 TEST_F(LateAnswerTest, DefaultAudioConfiguration) {
