@@ -224,5 +224,11 @@ TEST_F(Corrections, OneStoredRecordReadsTheSameThroughBothCorrections) {
     EXPECT_THAT(cyclicErrorBlock(10, nullptr), IsEmpty());
 }
 
+// A client that takes its address, or only a reference, links with the library on every system.
+TEST(CorrectionConstants, AreInTheLibrary) {
+    const std::uint32_t* volatile address = &CyclicErrorCorrection::MODE_COUNT;
+    EXPECT_EQ(*address, 2U);
+}
+
 } // namespace
 } // namespace Zentara
