@@ -9,6 +9,7 @@
 #include "nodes/bare_nodes.h"
 #include "nodes/fixtures/guids.h"
 #include "nodes/record_store.h"
+#include "support/plugin_failure.h"
 
 namespace Zentara {
 // The host's own: nodes only keep the pointer.
@@ -19,6 +20,8 @@ class AudioProcessorData {};
 
 namespace Testing {
 namespace {
+
+using Zentara::TestSupport::failure;
 
 constexpr GUID someGuid = {1, 2, 3, {4}};
 
@@ -51,17 +54,6 @@ struct KindOf<BareAudioNode> {
     static constexpr int number = 3;
     static constexpr const char* name = "audio";
 };
-
-/// The kind and the message of the plug-in exception that the operation throws.
-template<typename Operation>
-std::pair<int, std::string> failure(Operation operation) {
-    try {
-        operation();
-    } catch (const Plugin::PluginException& thrown) {
-        return {thrown.type(), thrown.message()};
-    }
-    return {-1, "nothing was thrown"};
-}
 
 template<typename Node>
 class NodeTest : public testing::Test {

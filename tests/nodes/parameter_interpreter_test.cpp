@@ -20,6 +20,7 @@
 
 #include "nodes/fixtures/back_end_script.h"
 #include "nodes/fixtures/guids.h"
+#include "support/plugin_failure.h"
 
 namespace Testing {
 namespace {
@@ -35,6 +36,7 @@ using testing::SetArgPointee;
 using testing::StrictMock;
 using Bytes = std::vector<unsigned char>;
 using Interpreter = Utils::SmartPtr<LibraryParameterInterpreter>;
+using TestSupport::failure;
 
 constexpr auto failed = ErrorCode_FAILED;
 constexpr auto tooSmall = ErrorCode_BUFFER_TOO_SMALL;
@@ -90,17 +92,6 @@ auto answer(std::vector<Byte> bytes) {
 }
 
 std::vector<char> text(const std::string& words) { return {words.begin(), words.end()}; }
-
-/// The kind and the message of the plug-in exception that the operation throws.
-template<typename Operation>
-std::pair<int, std::string> failure(Operation operation) {
-    try {
-        operation();
-    } catch (const Plugin::PluginException& thrown) {
-        return {thrown.type(), thrown.message()};
-    }
-    return {-1, "nothing was thrown"};
-}
 
 constexpr int argumentKind = 3;
 constexpr int ioKind = 4;

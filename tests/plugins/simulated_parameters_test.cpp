@@ -13,6 +13,7 @@
 #include "plugins/simulated/controllers/vc0258_controller.h"
 #include "plugins/simulated/controllers/vc0345_controller.h"
 #include "plugins/simulated/parameters/back_end_guid.h"
+#include "support/plugin_failure.h"
 
 namespace Testing {
 namespace {
@@ -23,6 +24,7 @@ using namespace Zentara::Simulated;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using Interpreter = Utils::SmartPtr<LibraryParameterInterpreter>;
+using TestSupport::failure;
 using Utils::makeRefcounted;
 
 template<typename Operation>
@@ -43,17 +45,6 @@ ErrorCode set(void* port, unsigned short unit, unsigned int selector, unsigned c
 ErrorCode get(void* port, unsigned short unit, unsigned int selector, unsigned char* data,
               unsigned int length) {
     return transfer([&] { static_cast<ControllerPort*>(port)->get(unit, selector, data, length); });
-}
-
-/// The kind and the message of the plug-in exception that the operation throws.
-template<typename Operation>
-std::pair<int, std::string> failure(Operation operation) {
-    try {
-        operation();
-    } catch (const Plugin::PluginException& thrown) {
-        return {thrown.type(), thrown.message()};
-    }
-    return {-1, "nothing was thrown"};
 }
 
 std::unique_ptr<ControllerModel> makeController(ChipKind kind) {
