@@ -2,8 +2,8 @@
 # arguments or comes new shows as a line, and so does a class that gains or loses a virtual operation, by the size
 # of its table. With -DRENEW=ON the list is written instead.
 #
-# Symbols that belong to the standard library's templates are left out: whether they are exported is the compiler's
-# choice.
+# Left out are symbols of the standard library's templates, which are exported as the compiler likes, and those of the
+# private records behind a class's pointer, which are nobody's business.
 execute_process(COMMAND ${NM} -DCS --defined-only ${LIBRARY} OUTPUT_VARIABLE symbols RESULT_VARIABLE code)
 if(NOT code EQUAL 0)
     message(FATAL_ERROR "${NM} cannot read ${LIBRARY}")
@@ -18,6 +18,7 @@ string(REGEX REPLACE "\n[0-9a-f]+ [0-9a-f]+ T " "\nfunction " symbols "${symbols
 string(REGEX REPLACE "\n[0-9a-f]+ 0*([0-9a-f]+) V vtable for " "\ntable 0x\\1 " symbols "${symbols}")
 string(REGEX REPLACE "\n[0-9a-f]+ [0-9a-f]+ V typeinfo for " "\ntypeinfo " symbols "${symbols}")
 string(REGEX REPLACE "\n[0-9a-f]+ 0*([0-9a-f]+) [BDRGV] " "\nobject 0x\\1 " symbols "${symbols}")
+string(REGEX REPLACE "\n[^\n]*::(Impl::|[A-Za-z0-9]*ImplPrivate)[^\n]*" "" symbols "${symbols}")
 string(STRIP "${symbols}" symbols)
 # An opening bracket would keep CMake from splitting the list.
 string(REPLACE "[" "<" symbols "${symbols}")
