@@ -30,6 +30,10 @@ public:
     /// How many bytes a control has.
     [[nodiscard]] virtual std::int32_t length(std::uint32_t unit, std::uint32_t control) = 0;
 
+    /// A register of the time-of-flight controller as the camera itself sees it; 0 where there is none. Called from any
+    /// thread.
+    [[nodiscard]] virtual std::uint16_t tofRegister(std::uint8_t /*address*/) const { return 0; }
+
     /// Ends a transfer that hangs; called from another thread. False when none does.
     virtual bool cancel() { return false; }
 

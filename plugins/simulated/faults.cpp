@@ -27,11 +27,21 @@ std::string messageOf(const Fault& fault) {
 
 } // namespace
 
-Faults::Faults(const Settings& settings, Device device) : refuseCancel(settings.refuseCancel) {
+Faults::Faults(const Settings& settings, Device device) : kind(device) { rearm(settings); }
+
+void Faults::rearm(const Settings& settings) {
+    AutoLock hold(lock);
+    refuseCancel = settings.refuseCancel;
+    armed.clear();
     for (const Fault& fault : settings.faults) {
-        if (fault.device == Device::Any || fault.device == device)
+        if (fault.device == Device::Any || fault.device == kind)
             armed.push_back({fault, 0});
     }
+}
+
+bool Faults::refusesCancel() {
+    AutoLock hold(lock);
+    return refuseCancel;
 }
 
 void Faults::meet(Operation operation, IO::deviceRequest* request) {

@@ -28,7 +28,10 @@ public:
     /// Ends a hang. False when nothing hangs.
     bool cancel();
 
-    [[nodiscard]] bool refusesCancel() const noexcept { return refuseCancel; }
+    /// Other settings from now on, all counts at their beginning.
+    void rearm(const Settings& settings);
+
+    [[nodiscard]] bool refusesCancel();
 
 private:
     struct Armed {
@@ -40,8 +43,9 @@ private:
     void hang(const Fault& fault, IO::deviceRequest* request);
     bool waitHanging(std::uint32_t milliseconds);
 
-    const bool refuseCancel;
+    const Device kind;
     Utils::Threading::Mutex lock;
+    bool refuseCancel ZENTARA_GUARDED_BY(lock) = false;
     std::vector<Armed> armed ZENTARA_GUARDED_BY(lock);
     std::uint32_t hanging ZENTARA_GUARDED_BY(lock) = 0;
     std::uint32_t cancels ZENTARA_GUARDED_BY(lock) = 0;

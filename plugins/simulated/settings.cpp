@@ -274,8 +274,9 @@ const char* operationName(Operation operation) noexcept {
     return operationNames[static_cast<std::size_t>(operation)];
 }
 
-Settings Settings::parse(const std::string& text, const std::string& source) {
-    Settings settings;
+namespace {
+
+void readStatements(const std::string& text, const std::string& source, Settings& settings) {
     std::size_t start = 0;
     for (int line = 1; start <= text.size(); ++line) {
         const std::size_t end = std::min(text.find('\n', start), text.size());
@@ -285,21 +286,21 @@ Settings Settings::parse(const std::string& text, const std::string& source) {
             readStatement(statement, settings);
         start = end + 1;
     }
-    return settings;
 }
 
-namespace {
+/// The text with a line for each statement.
+std::string splitStatements(std::string text) {
+    std::replace(text.begin(), text.end(), ';', '\n');
+    return text;
+}
 
 Settings readEnvironment() {
     Utils::EnvironmentVariable setting(Settings::variable);
     if (!setting.isDefined())
         return {};
-    std::string text = setting.getValue();
-    if (text.front() != '@') {
-        for (char& character : text)
-            character = character == ';' ? '\n' : character;
-        return Settings::parse(text, Settings::variable);
-    }
+    const std::string text = setting.getValue();
+    if (text.front() != '@')
+        return Settings::parse(splitStatements(text), Settings::variable);
     const std::string path = text.substr(1);
     try {
         return Settings::parse(Utils::readFile(path), path);
@@ -309,6 +310,16 @@ Settings readEnvironment() {
 }
 
 } // namespace
+
+Settings Settings::parse(const std::string& text, const std::string& source) {
+    Settings settings;
+    readStatements(text, source, settings);
+    return settings;
+}
+
+void Settings::add(const std::string& text, const std::string& source) {
+    readStatements(splitStatements(text), source, *this);
+}
 
 Settings Settings::fromEnvironment() {
     Settings settings = readEnvironment();

@@ -103,6 +103,9 @@ struct Settings {
     /// \throws Plugin::ConfigurationPluginException naming source, line and what is wrong there.
     [[nodiscard]] static Settings parse(const std::string& text, const std::string& source);
 
+    /// Reads further statements, in which ';' ends a line as well, over what is there. \throws as parse
+    void add(const std::string& text, const std::string& source);
+
     /// Reads the variable. \throws as parse, and when the file cannot be read.
     [[nodiscard]] static Settings fromEnvironment();
 };

@@ -11,6 +11,7 @@
 
 #include "plugins/simulated/faults.h"
 #include "plugins/simulated/frame_layout.h"
+#include "plugins/simulated/plugged_camera.h"
 #include "plugins/simulated/settings.h"
 #include "plugins/simulated/stream_clock.h"
 #include "plugins/simulated/tone.h"
@@ -52,7 +53,23 @@ struct SimulatedAudioDevice::Impl {
                                                   operationName(operation));
     }
 
+    /// Becomes the microphones of the node's camera: its settings on top of the environment's.
+    void plugIn(const NodeEvent& node) {
+        const std::string own = camera.attach(node);
+        if (own.empty())
+            return;
+        Settings settings = Settings::fromEnvironment();
+        settings.add(own, node.parentPath);
+        faults.rearm(settings);
+    }
+
+    void meet(Operation operation, IO::deviceRequest* request) {
+        faults.meet(operation, request);
+        camera.require(operationName(operation));
+    }
+
     Faults faults;
+    PluggedCamera camera;
     StreamClock clock{audioBlocksPerSecond, audioBlocksPerSecond};
     Utils::Threading::Mutex lock; ///< never held while waiting for a block
     bool opened ZENTARA_GUARDED_BY(lock) = false;
@@ -77,6 +94,7 @@ void SimulatedAudioDevice::dispose() {
 void SimulatedAudioDevice::initialize(NodeEvent* event, Core::DescriptorStoreRO* store) {
     impl->faults.meet(Operation::Initialize);
     AudioDeviceInterface::initialize(event, store);
+    impl->plugIn(*event);
 }
 
 void SimulatedAudioDevice::threadInitialize() { impl->faults.meet(Operation::ThreadInitialize); }
@@ -95,6 +113,8 @@ ReadBufferStatus SimulatedAudioDevice::readBuffer(void* buffer, int size, std::i
     std::uint64_t number = 0;
     std::int64_t due = 0;
     const StreamClock::Turn turn = impl->clock.waitForNext(number, due);
+    if (impl->camera.isGone())
+        return ReadBufferStatus_DISCONNECTED;
     if (turn != StreamClock::Turn::Due)
         return statusOf(turn);
     *length = static_cast<int>(audioBlockBytes);
@@ -115,7 +135,7 @@ ReadBufferStatus SimulatedAudioDevice::readBuffer(void* buffer, int size, std::i
 }
 
 void SimulatedAudioDevice::open(IO::deviceRequest* request) {
-    impl->faults.meet(Operation::Open, request);
+    impl->meet(Operation::Open, request);
     AutoLock hold(impl->lock);
     if (impl->opened)
         throw InvalidOperationPluginException("open: the device is open already");
@@ -138,7 +158,7 @@ void SimulatedAudioDevice::disableStreaming(IO::disableRequest* request) {
 }
 
 void SimulatedAudioDevice::getDefaultConfiguration(IO::getAudioDefaultConfigurationsRequest* request) {
-    impl->faults.meet(Operation::GetDefault, request);
+    impl->meet(Operation::GetDefault, request);
     const auto& mode = request->getConfiguration();
     if (!mode)
         throw ArgumentPluginException("getDefault: the configuration is null");
@@ -148,7 +168,7 @@ void SimulatedAudioDevice::getDefaultConfiguration(IO::getAudioDefaultConfigurat
 }
 
 void SimulatedAudioDevice::enableStreaming(IO::enableAudioRequest* request) {
-    impl->faults.meet(Operation::EnableAudio, request);
+    impl->meet(Operation::EnableAudio, request);
     checkMode(request->getConfiguration().get());
     checkLevel(Operation::EnableAudio, request->getLevel());
     AutoLock hold(impl->lock);
@@ -161,14 +181,14 @@ void SimulatedAudioDevice::enableStreaming(IO::enableAudioRequest* request) {
 }
 
 void SimulatedAudioDevice::setInputMixerLevel(IO::setAudioLevelRequest* request) {
-    impl->faults.meet(Operation::SetLevel, request);
+    impl->meet(Operation::SetLevel, request);
     checkLevel(Operation::SetLevel, request->getLevel());
     AutoLock hold(impl->lock);
     impl->level = request->getLevel();
 }
 
 void SimulatedAudioDevice::setMute(IO::setAudioMuteRequest* request) {
-    impl->faults.meet(Operation::SetMute, request);
+    impl->meet(Operation::SetMute, request);
     AutoLock hold(impl->lock);
     impl->muted = request->getMute();
 }

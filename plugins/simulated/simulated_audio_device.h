@@ -28,7 +28,8 @@ public:
     bool cancelIO() override;
 
     /// Waits for the next block, at most a second. `length` receives the bytes of a block also when the buffer is
-    /// too small. \return OK, TOO_SMALL, NOT_STREAMING, TIMEOUT or FAILED (cancelled)
+    /// too small. \return OK, TOO_SMALL, NOT_STREAMING, TIMEOUT, FAILED (cancelled) or
+    /// DISCONNECTED (the camera was unplugged)
     /// \throws Plugin::ArgumentPluginException if a pointer is null
     ReadBufferStatus readBuffer(void* buffer, int size, std::int64_t* timestamp, int* length) override;
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include <zentara/color_configuration.h>
+#include <zentara/core/descriptor_store_ro.h>
 #include <zentara/core/guids.h>
 #include <zentara/depth_base_configuration.h>
 #include <zentara/io/camera_control_requests.h>
@@ -14,11 +15,14 @@
 #include <zentara/io/xu_device_requests.h>
 #include <zentara/utils/format.h>
 
+#include "plugins/simulated/descriptions/controller_code.h"
 #include "plugins/simulated/faults.h"
 #include "plugins/simulated/frame_layout.h"
 #include "plugins/simulated/pending_request.h"
+#include "plugins/simulated/plugged_camera.h"
 #include "plugins/simulated/port_controller.h"
 #include "plugins/simulated/scene.h"
+#include "plugins/simulated/sensor_output.h"
 #include "plugins/simulated/settings.h"
 #include "plugins/simulated/stream_clock.h"
 
@@ -92,9 +96,38 @@ struct SimulatedVideoDevice::Impl {
             controls.values[control] = range.defaultValue;
     }
 
-    [[nodiscard]] std::size_t frameSize() const ZENTARA_REQUIRES(lock) {
+    /// Becomes the camera of the node: its settings on top of the environment's, its controller.
+    void plugIn(const NodeEvent& node, const Core::DescriptorStoreRO* store) {
+        const std::string own = camera.attach(node);
+        const auto chip = store ? describedController(store->getDeviceCapabilities()) : std::nullopt;
+        if (own.empty() && !chip)
+            return;
+        Settings settings = Settings::fromEnvironment();
+        settings.add(own, node.parentPath);
+        if (chip)
+            settings.controller.chip = chip;
+        std::shared_ptr<Controller> made = makeController(settings.controller);
+        faults.rearm(settings);
+        AutoLock hold(lock);
+        scene = Scene(settings.seed);
+        controller = std::move(made);
+    }
+
+    void meet(Operation operation, IO::deviceRequest* request) {
+        faults.meet(operation, request);
+        camera.require(operationName(operation));
+    }
+
+    std::shared_ptr<Controller> plugged() {
+        AutoLock hold(lock);
+        return controller;
+    }
+
+    [[nodiscard]] std::size_t frameSize(const SensorOutput& output) const ZENTARA_REQUIRES(lock) {
         if (stream == Stream::Color)
             return colorBytes;
+        if (output.raw)
+            return rawFrameBytes(output.header.mode);
         return format == OutputFormat::OutputFormat_DEPTH ? confidenceOffset : frameBytes;
     }
 
@@ -110,11 +143,12 @@ struct SimulatedVideoDevice::Impl {
                                                   operationName(operation));
     }
 
-    Controller& requireController(Operation operation) {
-        if (!controller)
+    std::shared_ptr<Controller> requireController(Operation operation) {
+        std::shared_ptr<Controller> present = plugged();
+        if (!present)
             throw NotSupportedPluginException(Format("%: the simulated camera has no controller") %
                                               operationName(operation));
-        return *controller;
+        return present;
     }
 
     void start(Stream wanted) ZENTARA_REQUIRES(lock) {
@@ -127,25 +161,35 @@ struct SimulatedVideoDevice::Impl {
         clock.stop();
     }
 
-    void render(std::uint64_t frame, std::uint8_t* buffer) ZENTARA_REQUIRES(lock) {
+    void render(SensorOutput output, std::uint64_t frame, std::uint8_t* buffer) ZENTARA_REQUIRES(lock) {
         const auto number = static_cast<std::uint32_t>(frame);
         if (stream == Stream::Color) {
             scene.renderColor(number, controls.values[CameraControl_BRIGHTNESS].value, buffer);
             return;
         }
         scene.render(number, depth.data(), confidence.data());
-        crop(region, depth.data());
-        crop(region, confidence.data());
+        if (output.dark)
+            output.region = {0, 0, 0, 0};
+        for (const RegionOfInterestInternal& seen : {region, output.region}) {
+            crop(seen, depth.data());
+            crop(seen, confidence.data());
+        }
+        if (output.raw) {
+            output.header.number = number;
+            encodeRawFrame(output.header, depth.data(), confidence.data(), buffer);
+            return;
+        }
         std::memcpy(buffer + depthOffset, depth.data(), pixelCount * sizeof depth[0]);
         if (format != OutputFormat::OutputFormat_DEPTH)
             std::memcpy(buffer + confidenceOffset, confidence.data(), pixelCount * sizeof confidence[0]);
     }
 
     Faults faults;
-    const Scene scene;
+    PluggedCamera camera;
     StreamClock clock{framesPerSecond, framesKept};
-    const std::unique_ptr<Controller> controller;
     Utils::Threading::Mutex lock; ///< never held while waiting for a frame
+    Scene scene ZENTARA_GUARDED_BY(lock);
+    std::shared_ptr<Controller> controller ZENTARA_GUARDED_BY(lock);
     bool opened ZENTARA_GUARDED_BY(lock) = false;
     Stream stream ZENTARA_GUARDED_BY(lock) = Stream::None;
     OutputFormat format ZENTARA_GUARDED_BY(lock) = OutputFormat::OutputFormat_DEPTH_CONFIDENCE;
@@ -176,6 +220,7 @@ void SimulatedVideoDevice::dispose() {
 void SimulatedVideoDevice::initialize(NodeEvent* event, Core::DescriptorStoreRO* store) {
     impl->faults.meet(Operation::Initialize);
     VideoDeviceInterface::initialize(event, store);
+    impl->plugIn(*event, store);
 }
 
 void SimulatedVideoDevice::threadInitialize() { impl->faults.meet(Operation::ThreadInitialize); }
@@ -183,9 +228,9 @@ void SimulatedVideoDevice::threadInitialize() { impl->faults.meet(Operation::Thr
 void SimulatedVideoDevice::threadUninitialize() { impl->faults.meet(Operation::ThreadUninitialize); }
 
 bool SimulatedVideoDevice::cancelIO() {
+    const std::shared_ptr<Controller> controller = impl->plugged();
     return !impl->faults.refusesCancel() &&
-           (impl->faults.cancel() || (impl->controller && impl->controller->cancel()) ||
-            impl->clock.cancel());
+           (impl->faults.cancel() || (controller && controller->cancel()) || impl->clock.cancel());
 }
 
 ReadBufferStatus SimulatedVideoDevice::readBuffer(void* buffer, int size, std::int64_t* timestamp,
@@ -196,22 +241,25 @@ ReadBufferStatus SimulatedVideoDevice::readBuffer(void* buffer, int size, std::i
     std::uint64_t number = 0;
     std::int64_t due = 0;
     const StreamClock::Turn turn = impl->clock.waitForNext(number, due);
+    if (impl->camera.isGone())
+        return ReadBufferStatus_DISCONNECTED;
     if (turn != StreamClock::Turn::Due)
         return statusOf(turn);
 
+    const SensorOutput output = SensorOutput::read(impl->plugged().get());
     AutoLock hold(impl->lock);
     if (impl->stream == Stream::None)
         return ReadBufferStatus_NOT_STREAMING;
-    *length = static_cast<int>(impl->frameSize());
+    *length = static_cast<int>(impl->frameSize(output));
     if (size < *length)
         return ReadBufferStatus_TOO_SMALL;
-    impl->render(number, static_cast<std::uint8_t*>(buffer));
+    impl->render(output, number, static_cast<std::uint8_t*>(buffer));
     *timestamp = due;
     return ReadBufferStatus_OK;
 }
 
 void SimulatedVideoDevice::open(IO::deviceRequest* request) {
-    impl->faults.meet(Operation::Open, request);
+    impl->meet(Operation::Open, request);
     AutoLock hold(impl->lock);
     if (impl->opened)
         throw InvalidOperationPluginException("open: the device is open already");
@@ -234,18 +282,18 @@ void SimulatedVideoDevice::disableStreaming(IO::disableRequest* request) {
 }
 
 void SimulatedVideoDevice::getCameraControlRanges(IO::getCameraControlRangesRequest* request) {
-    impl->faults.meet(Operation::GetControlRanges, request);
+    impl->meet(Operation::GetControlRanges, request);
     request->getRanges() = controlRanges();
 }
 
 void SimulatedVideoDevice::getConfigurations(IO::getColorConfigurationsRequest* request) {
-    impl->faults.meet(Operation::GetConfigurations, request);
+    impl->meet(Operation::GetConfigurations, request);
     request->getConfigurations().push_back(Utils::makeRefcounted<ColorConfiguration>(
         FrameFormat_QVGA, framesPerSecond, PowerLineFrequency_DISABLED, CompressionType_NONE));
 }
 
 void SimulatedVideoDevice::enableColorStreaming(IO::enableColorRequest* request) {
-    impl->faults.meet(Operation::EnableColor, request);
+    impl->meet(Operation::EnableColor, request);
     const auto& mode = request->getConfiguration();
     if (!mode)
         throw ArgumentPluginException("enableColor: the configuration is null");
@@ -266,7 +314,7 @@ void SimulatedVideoDevice::enableColorStreaming(IO::enableColorRequest* request)
 }
 
 void SimulatedVideoDevice::enableDepthStreaming(IO::enableDepthRequest* request) {
-    impl->faults.meet(Operation::EnableDepth, request);
+    impl->meet(Operation::EnableDepth, request);
     const auto& mode = request->getConfiguration();
     if (!mode)
         throw ArgumentPluginException("enableDepth: the configuration is null");
@@ -279,7 +327,7 @@ void SimulatedVideoDevice::enableDepthStreaming(IO::enableDepthRequest* request)
 }
 
 void SimulatedVideoDevice::setCameraControl(IO::setCameraControlRequest* request) {
-    impl->faults.meet(Operation::SetControl, request);
+    impl->meet(Operation::SetControl, request);
     checkControl(request->getControl(), request->getValue());
     AutoLock hold(impl->lock);
     impl->requireOpen(Operation::SetControl);
@@ -287,30 +335,30 @@ void SimulatedVideoDevice::setCameraControl(IO::setCameraControlRequest* request
 }
 
 void SimulatedVideoDevice::send(IO::xuSendRequest* request) {
-    impl->faults.meet(Operation::Send, request);
+    impl->meet(Operation::Send, request);
     const PendingRequest pending(request);
     impl->requireController(Operation::Send)
-        .set(request->getUnit(), request->getControl(), static_cast<const std::uint8_t*>(request->getData()),
-             request->getLength());
+        ->set(request->getUnit(), request->getControl(), static_cast<const std::uint8_t*>(request->getData()),
+              request->getLength());
 }
 
 void SimulatedVideoDevice::recv(IO::xuRecvRequest* request) {
-    impl->faults.meet(Operation::Recv, request);
+    impl->meet(Operation::Recv, request);
     const PendingRequest pending(request);
     impl->requireController(Operation::Recv)
-        .get(request->getUnit(), request->getControl(), static_cast<std::uint8_t*>(request->getData()),
-             request->getLength(), request->getFlag());
+        ->get(request->getUnit(), request->getControl(), static_cast<std::uint8_t*>(request->getData()),
+              request->getLength(), request->getFlag());
 }
 
 void SimulatedVideoDevice::len(IO::xuLenRequest* request) {
-    impl->faults.meet(Operation::Len, request);
+    impl->meet(Operation::Len, request);
     *request->getResult() =
-        impl->requireController(Operation::Len).length(request->getUnit(), request->getControl());
+        impl->requireController(Operation::Len)->length(request->getUnit(), request->getControl());
 }
 
 void SimulatedVideoDevice::xuSetup(IO::xuSetupRequest* request) {
-    impl->faults.meet(Operation::Setup, request);
-    impl->requireController(Operation::Setup).setup(request->getGUID());
+    impl->meet(Operation::Setup, request);
+    impl->requireController(Operation::Setup)->setup(request->getGUID());
 }
 
 void SimulatedVideoDevice::read(IO::readControlTransferRequest* request) {
@@ -329,17 +377,17 @@ void SimulatedVideoDevice::write(IO::writeControlTransferRequest* request) {
 }
 
 void SimulatedVideoDevice::pauseStreaming(IO::pauseStreamingRequest* request) {
-    impl->faults.meet(Operation::Pause, request);
+    impl->meet(Operation::Pause, request);
     impl->clock.pause();
 }
 
 void SimulatedVideoDevice::resumeStreaming(IO::resumeStreamingRequest* request) {
-    impl->faults.meet(Operation::Resume, request);
+    impl->meet(Operation::Resume, request);
     impl->clock.resume();
 }
 
 void SimulatedVideoDevice::setRegionOfInterest(IO::setDeviceRegionOfInterestRequest* request) {
-    impl->faults.meet(Operation::SetRegion, request);
+    impl->meet(Operation::SetRegion, request);
     const RegionOfInterestInternal& wanted = request->getRegion();
     const bool fits = wanted.width > 0 && wanted.height > 0 && wanted.x < frameWidth &&
                       wanted.y < frameHeight && wanted.width <= frameWidth - wanted.x &&
@@ -353,7 +401,7 @@ void SimulatedVideoDevice::setRegionOfInterest(IO::setDeviceRegionOfInterestRequ
 }
 
 void SimulatedVideoDevice::setOutputFormat(IO::setOutputFormatRequest* request) {
-    impl->faults.meet(Operation::SetOutputFormat, request);
+    impl->meet(Operation::SetOutputFormat, request);
     const OutputFormat wanted = request->getFormat();
     if (wanted != OutputFormat::OutputFormat_DEPTH && wanted != OutputFormat::OutputFormat_DEPTH_CONFIDENCE)
         throw NotSupportedPluginException(Format("setOutputFormat: the camera has no format %") %

@@ -14,6 +14,10 @@ namespace Zentara::Simulated {
 /// which the frames fell due. A reader that is late loses frames: the timestamps then jump by more than a period.
 /// Behaves, and misbehaves, as its Settings say. Safe.
 ///
+/// Initialised with a node of the SimulatedBus it is a device of that camera: with its settings, with the controller
+/// of its description, and gone when it is unplugged. A controller can switch depth to the raw frames of
+/// raw_frame.h.
+///
 /// Order of calls: open, enable a stream, readBuffer, disableStreaming, close. Closing ends the stream.
 class SimulatedVideoDevice final : public IO::VideoDeviceInterface {
 public:
@@ -34,7 +38,8 @@ public:
     bool cancelIO() override;
 
     /// Waits for the next frame, at most a second. `length` receives the bytes of a frame also when the buffer is
-    /// too small. \return OK, TOO_SMALL, NOT_STREAMING, TIMEOUT (the stream is paused) or FAILED (cancelled)
+    /// too small. \return OK, TOO_SMALL, NOT_STREAMING, TIMEOUT (the stream is paused), FAILED (cancelled)
+    /// or DISCONNECTED (the camera was unplugged)
     /// \throws Plugin::ArgumentPluginException if a pointer is null
     ReadBufferStatus readBuffer(void* buffer, int size, std::int64_t* timestamp, int* length) override;
 

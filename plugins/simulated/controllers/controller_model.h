@@ -8,6 +8,8 @@
 
 #include <zentara/guid.h>
 
+#include "plugins/simulated/controllers/register_file.h"
+
 namespace Zentara::Simulated {
 
 using Bytes = std::vector<std::uint8_t>;
@@ -39,6 +41,8 @@ public:
     [[nodiscard]] virtual const Bytes& flash() const noexcept = 0;
     /// The same for the configuration area.
     [[nodiscard]] virtual const Bytes& configuration() const noexcept = 0;
+    /// The registers of the time-of-flight controller; null when the camera has none.
+    [[nodiscard]] virtual RegisterFile* tofRegisters() noexcept = 0;
 };
 
 /// Throws `IOPluginException` "CHIP stalled: REASON".

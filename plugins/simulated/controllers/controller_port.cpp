@@ -142,6 +142,18 @@ void ControllerPort::clearLog() {
     transfers.clear();
 }
 
+std::uint16_t ControllerPort::tofRegister(std::uint8_t address) const {
+    const AutoLock lock(mutex);
+    const RegisterFile* registers = controller->tofRegisters();
+    return registers ? static_cast<std::uint16_t>(registers->peek(address)) : std::uint16_t{0};
+}
+
+void ControllerPort::setTofRegister(std::uint8_t address, std::uint16_t value) {
+    const AutoLock lock(mutex);
+    if (RegisterFile* registers = controller->tofRegisters())
+        registers->write(address, value);
+}
+
 void ControllerPort::setObserver(std::function<void(const Transfer&)> observer) {
     const AutoLock lock(mutex);
     observe = std::move(observer);

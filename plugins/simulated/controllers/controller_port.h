@@ -66,6 +66,11 @@ public:
     /// Is told of each transfer when it is over, under the port's lock. Set before the first one.
     void setObserver(std::function<void(const Transfer&)> observer);
 
+    /// A register of the time-of-flight controller as the camera itself sees it, without a transfer; 0, and nothing
+    /// happens, on a camera without one.
+    [[nodiscard]] std::uint16_t tofRegister(std::uint8_t address) const;
+    void setTofRegister(std::uint8_t address, std::uint16_t value);
+
     /// The controller itself; touch it only while no transfer runs.
     [[nodiscard]] ControllerModel& model() noexcept { return *controller; }
 

@@ -16,6 +16,7 @@ constexpr std::size_t pieceBytes = 32;
 constexpr std::size_t firstFurtherDevice = 16;
 constexpr std::size_t furtherDeviceBytes = 4;
 constexpr std::uint8_t resetDone = 0x08;
+constexpr std::uint16_t tofBusAddress = 0x0021;
 
 std::uint16_t littleEndian(const Bytes& packet, std::size_t at) {
     return static_cast<std::uint16_t>(packet[at] | (packet[at + 1] << 8));
@@ -40,7 +41,7 @@ OV0570Controller::OV0570Controller(Settings initial) : settings(std::move(initia
     files.push_back(fileOf(settings.bridge));
     for (const Device& device : settings.devices) {
         files.push_back(fileOf(device));
-        if (device.busAddress == 0x0021) {
+        if (device.busAddress == tofBusAddress) {
             files.back().write(fpgaRegister, 0x2035);
             for (unsigned read = 0; read < 2 * settings.fpgaRounds; ++read) {
                 files.back().queueRead(fpgaRegister, 0x1035);
@@ -54,6 +55,13 @@ OV0570Controller::OV0570Controller(Settings initial) : settings(std::move(initia
 }
 
 const ::GUID& OV0570Controller::guid() const noexcept { return unitGuid; }
+
+RegisterFile* OV0570Controller::tofRegisters() noexcept {
+    RegisterFile* found = nullptr;
+    for (std::size_t i = 0; i < settings.devices.size(); ++i)
+        found = settings.devices[i].busAddress == tofBusAddress ? &files[i + 1] : found;
+    return found;
+}
 
 std::optional<std::size_t> OV0570Controller::length(std::uint32_t selector) const {
     switch (selector) {

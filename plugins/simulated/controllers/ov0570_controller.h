@@ -54,6 +54,8 @@ public:
     [[nodiscard]] const Bytes& flash() const noexcept override { return settings.flash; }
     [[nodiscard]] const Bytes& configuration() const noexcept override { return settings.flash; }
 
+    [[nodiscard]] RegisterFile* tofRegisters() noexcept override;
+
     /// The registers of device `index`: 0 the bridge, then the others in their order.
     [[nodiscard]] RegisterFile& registers(std::size_t index) { return files.at(index); }
     void setClaimedDevices(std::optional<std::uint8_t> count) { settings.claimedDevices = count; }

@@ -27,6 +27,11 @@ VC0258Controller::VC0258Controller(Settings initial) : settings(std::move(initia
     }
 }
 
+RegisterFile* VC0258Controller::tofRegisters() noexcept {
+    const auto found = files.find(tofAddress);
+    return found == files.end() ? nullptr : &found->second;
+}
+
 std::optional<std::size_t> VC0258Controller::length(std::uint32_t selector) const {
     switch (selector) {
     case VCBridgeRegisters::control:

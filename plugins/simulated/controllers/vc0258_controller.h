@@ -35,6 +35,8 @@ public:
     [[nodiscard]] const Bytes& flash() const noexcept override { return settings.flash; }
     [[nodiscard]] const Bytes& configuration() const noexcept override { return settings.configuration; }
 
+    [[nodiscard]] RegisterFile* tofRegisters() noexcept override;
+
     [[nodiscard]] VCBridgeRegisters& bridge() { return bridgeRegisters; }
     [[nodiscard]] RegisterFile& device(std::uint8_t address) { return files.at(address); }
 

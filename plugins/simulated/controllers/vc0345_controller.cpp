@@ -16,7 +16,7 @@ std::size_t romAddress(const Bytes& packet) { return static_cast<std::size_t>(pa
 
 VC0345Controller::VC0345Controller(Settings initial) : settings(std::move(initial)) {
     settings.flash.resize(0x10000, 0xFF);
-    tofRegisters.write(0x21, 0x2035);
+    tofFile.write(0x21, 0x2035);
 }
 
 std::optional<std::size_t> VC0345Controller::length(std::uint32_t selector) const {
@@ -56,7 +56,7 @@ void VC0345Controller::writeTof(const Bytes& packet) {
     if (packet[0] != 0x41) {
         stall(*this, "code " + hexText(packet[0]) + " in a SET of a time-of-flight register");
     }
-    tofRegisters.write(packet[1], packet[2] | (std::uint32_t{packet[3]} << 8));
+    tofFile.write(packet[1], packet[2] | (std::uint32_t{packet[3]} << 8));
 }
 
 Bytes VC0345Controller::readTof(const Bytes& request) {
@@ -64,7 +64,7 @@ Bytes VC0345Controller::readTof(const Bytes& request) {
         stall(*this, "code " + hexText(request[0]) + " in a GET of a time-of-flight register");
     }
     const bool high = (request[1] & highByte) != 0;
-    const std::uint32_t value = tofRegisters.read(request[1] & ~highByte & 0xFFU);
+    const std::uint32_t value = tofFile.read(request[1] & ~highByte & 0xFFU);
     Bytes reply = request;
     reply[3] = static_cast<std::uint8_t>(high ? value >> 8 : value);
     return bridgeRegisters.carried(VCBridgeRegisters::sensorControlSize, std::move(reply));

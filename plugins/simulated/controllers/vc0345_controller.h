@@ -27,7 +27,8 @@ public:
     [[nodiscard]] const Bytes& configuration() const noexcept override { return settings.flash; }
 
     [[nodiscard]] VCBridgeRegisters& bridge() { return bridgeRegisters; }
-    [[nodiscard]] RegisterFile& tof() { return tofRegisters; }
+    [[nodiscard]] RegisterFile* tofRegisters() noexcept override { return &tofFile; }
+    [[nodiscard]] RegisterFile& tof() { return tofFile; }
 
 private:
     void writeTof(const Bytes& packet);
@@ -37,7 +38,7 @@ private:
 
     Settings settings;
     VCBridgeRegisters bridgeRegisters;
-    RegisterFile tofRegisters{1, 2};
+    RegisterFile tofFile{1, 2};
 };
 
 } // namespace Zentara::Simulated

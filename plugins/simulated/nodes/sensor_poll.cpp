@@ -1,0 +1,140 @@
+#include "plugins/simulated/nodes/sensor_poll.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <zentara/plugin/plugin_exceptions.h>
+
+#include "plugins/simulated/sensors.h"
+
+namespace Zentara::Simulated {
+namespace {
+
+using Utils::Threading::AutoLock;
+
+constexpr float celsiusPerStep = 1.0F / 16;
+constexpr float gPerStep = 0.001F;
+
+std::int32_t sensorOf(std::uint32_t address) {
+    switch (address) {
+    case sensorTemperatureRegister:
+        return 0;
+    case illuminationTemperatureRegister:
+        return 1;
+    default:
+        return -1;
+    }
+}
+
+SensorValue readTemperature(NodeChip& chip, std::uint32_t address) {
+    return {sensorOf(address), celsiusPerStep * static_cast<float>(chip.readRegister(address))};
+}
+
+/// Marks a reading as made, whatever becomes of it.
+class PendingReading {
+public:
+    explicit PendingReading(Core::PeriodicOperation& made) : operation(made) {}
+    ~PendingReading() {
+        operation.lock();
+        operation.setDone();
+        operation.unlock();
+    }
+    PendingReading(const PendingReading&) = delete;
+    PendingReading& operator=(const PendingReading&) = delete;
+
+private:
+    Core::PeriodicOperation& operation;
+};
+
+bool isDue(Core::PeriodicOperation& operation, std::int64_t micros) {
+    operation.lock();
+    const bool due = operation.timeToPoll(micros);
+    operation.unlock();
+    return due;
+}
+
+} // namespace
+
+SensorValueArray readTemperatureSensors(NodeChip& chip) {
+    return {{readTemperature(chip, sensorTemperatureRegister),
+             readTemperature(chip, illuminationTemperatureRegister)}};
+}
+
+SensorValueArray readTemperatureSensor(NodeChip& chip, std::uint32_t address) {
+    return {{readTemperature(chip, address)}};
+}
+
+AccelerationInternal readAccelerationSensor(NodeChip& chip, std::uint32_t address) {
+    const auto axis = [&](std::uint32_t index) {
+        return gPerStep * static_cast<float>(static_cast<std::int16_t>(chip.readRegister(address + index)));
+    };
+    AccelerationInternal acceleration;
+    acceleration.x = axis(0);
+    acceleration.y = axis(1);
+    acceleration.z = axis(2);
+    return acceleration;
+}
+
+void SensorPoll::configure(Operations newOperations) {
+    std::erase(newOperations, Utils::SmartPtr<Core::PeriodicOperation>());
+    const AutoLock hold(lock);
+    operations = std::move(newOperations);
+    lastTemperatures.values.clear();
+    accelerationRead = false;
+}
+
+void SensorPoll::poll(NodeChip& chip, std::int64_t frameMicros) {
+    Operations due;
+    {
+        const AutoLock hold(lock);
+        due = operations;
+    }
+    for (const auto& operation : due) {
+        if (!isDue(*operation, frameMicros))
+            continue;
+        const PendingReading pending(*operation);
+        try {
+            read(chip, *operation);
+        } catch (const Plugin::PluginException&) {
+            // Logged where it was made; a sensor that is silent must not end the stream.
+        }
+    }
+}
+
+void SensorPoll::read(NodeChip& chip, Core::PeriodicOperation& operation) {
+    if (const auto* temperature = dynamic_cast<const Core::TemperaturePeriodicOperation*>(&operation)) {
+        const SensorValueArray readings = readTemperatureSensor(chip, temperature->getRegAddress());
+        const AutoLock hold(lock);
+        store(readings.values.front());
+    } else if (const auto* accelerometer =
+                   dynamic_cast<const Core::AccelerometerPeriodicOperation*>(&operation)) {
+        const AccelerationInternal reading = readAccelerationSensor(chip, accelerometer->getRegAddress());
+        const AutoLock hold(lock);
+        lastAcceleration = reading;
+        accelerationRead = true;
+    }
+}
+
+void SensorPoll::store(const SensorValue& reading) {
+    for (SensorValue& known : lastTemperatures.values) {
+        if (known.sensorId == reading.sensorId) {
+            known = reading;
+            return;
+        }
+    }
+    lastTemperatures.values.push_back(reading);
+}
+
+SensorValueArray SensorPoll::temperatures() {
+    const AutoLock hold(lock);
+    return lastTemperatures;
+}
+
+bool SensorPoll::acceleration(AccelerationInternal& result) {
+    const AutoLock hold(lock);
+    if (accelerationRead)
+        result = lastAcceleration;
+    return accelerationRead;
+}
+
+} // namespace Zentara::Simulated

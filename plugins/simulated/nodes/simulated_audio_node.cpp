@@ -1,0 +1,123 @@
+#include "plugins/simulated/nodes/simulated_audio_node.h"
+
+#include <zentara/audio_configuration.h>
+#include <zentara/core/descriptor_store_ro.h>
+#include <zentara/io/audio_device_proxy.h>
+#include <zentara/node_event.h>
+#include <zentara/utils/format.h>
+
+#include "plugins/simulated/nodes/attempt.h"
+#include "plugins/simulated/plugin_guids.h"
+
+namespace Zentara::Simulated {
+namespace {
+
+// Inside the node's own operations "Plugin" is the base class, so the exceptions are named here.
+using Mode = Utils::SmartPtr<AudioConfiguration>;
+using Utils::Format;
+using Utils::makeRefcounted;
+using Zentara::Plugin::ArgumentPluginException;
+using Zentara::Plugin::InvalidOperationPluginException;
+
+std::vector<Mode> modesOf(const Core::DescriptorStoreRO& store, IO::AudioDeviceProxy& device) {
+    std::vector<Mode> modes = store.getAudioConfigurations();
+    if (modes.empty()) {
+        modes.push_back(makeRefcounted<AudioConfiguration>());
+        device.getDefaultConfiguration(modes.back());
+    }
+    return modes;
+}
+
+} // namespace
+
+/// Everything that lives from `initialize` to `dispose`.
+struct SimulatedAudioNode::Microphones {
+    Microphones(const Core::DescriptorStoreRO& store, IO::AudioDeviceProxy& audio)
+        : device(audio), modes(modesOf(store, audio)) {}
+
+    IO::AudioDeviceProxy& device;
+    const std::vector<Mode> modes; ///< one at least
+    float level = 0.5F;
+    bool muted = false;
+    bool streaming = false;
+};
+
+SimulatedAudioNode::SimulatedAudioNode() : AudioNodeInterface(audioNodeGuid) {}
+
+SimulatedAudioNode::~SimulatedAudioNode() { dispose(); }
+
+void SimulatedAudioNode::initialize(NodeEvent* event, Core::DescriptorStoreRO* store,
+                                    AudioProcessorData* data) {
+    dispose();
+    AudioNodeInterface::initialize(event, store, data);
+    getAVDeviceProxy()->open();
+    microphones = std::make_unique<Microphones>(*store, *getAVDeviceProxy());
+}
+
+void SimulatedAudioNode::dispose() {
+    if (microphones)
+        stop();
+    microphones.reset();
+    AudioNodeInterface::dispose();
+}
+
+SimulatedAudioNode::Microphones& SimulatedAudioNode::require(const char* operation) {
+    if (!microphones)
+        throw InvalidOperationPluginException(Format("%: the node is not initialized") % operation);
+    return *microphones;
+}
+
+void SimulatedAudioNode::enableStreaming(Mode configuration) {
+    Microphones& present = require("enableStreaming");
+    if (!configuration)
+        throw ArgumentPluginException("enableStreaming: the configuration is null");
+    if (present.streaming)
+        throw InvalidOperationPluginException("enableStreaming: the node streams already; disable it first");
+    present.device.enableStreaming(configuration, present.level, present.muted);
+    present.streaming = true;
+}
+
+void SimulatedAudioNode::disableStreaming() {
+    Microphones& present = require("disableStreaming");
+    if (!present.streaming)
+        return;
+    present.device.disableStreaming(false);
+    present.streaming = false;
+}
+
+void SimulatedAudioNode::stop() noexcept {
+    if (!microphones->streaming)
+        return;
+    microphones->streaming = false;
+    attempt([&] { microphones->device.disableStreaming(false); });
+}
+
+std::vector<Mode> SimulatedAudioNode::getConfigurations() {
+    std::vector<Mode> copies;
+    for (const Mode& mode : require("getConfigurations").modes)
+        copies.push_back(makeRefcounted<AudioConfiguration>(*mode));
+    return copies;
+}
+
+Mode SimulatedAudioNode::getDefaultConfiguration() {
+    return makeRefcounted<AudioConfiguration>(*require("getDefaultConfiguration").modes.front());
+}
+
+ReadBufferStatus SimulatedAudioNode::readBuffer(void* buffer, int size, std::int64_t* timestamp,
+                                                int* length) {
+    return require("readBuffer").device.readBuffer(buffer, size, timestamp, length);
+}
+
+void SimulatedAudioNode::setInputMixerLevel(float level) {
+    Microphones& present = require("setInputMixerLevel");
+    present.device.setInputMixerLevel(level);
+    present.level = level;
+}
+
+void SimulatedAudioNode::setMute(bool mute) {
+    Microphones& present = require("setMute");
+    present.device.setMute(mute);
+    present.muted = mute;
+}
+
+} // namespace Zentara::Simulated

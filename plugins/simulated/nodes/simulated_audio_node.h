@@ -1,0 +1,43 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include <zentara/core/audio_node_interface.h>
+
+namespace Zentara::Simulated {
+
+/// The microphones of a simulated camera: blocks of sound, as frame_layout.h tells, at half the full level.
+class SimulatedAudioNode final : public Core::AudioNodeInterface {
+public:
+    SimulatedAudioNode();
+    ~SimulatedAudioNode() override;
+
+    void initialize(NodeEvent* event, Core::DescriptorStoreRO* store, AudioProcessorData* data) override;
+    void dispose() override;
+
+    /// \throws Plugin::ConfigurationPluginException for a mode that the device does not have,
+    ///         Plugin::InvalidOperationPluginException while it streams
+    void enableStreaming(Utils::SmartPtr<AudioConfiguration> configuration) override;
+    /// Does nothing while it does not stream.
+    void disableStreaming() override;
+
+    /// Those of the description, or the device's own one for a description without.
+    [[nodiscard]] std::vector<Utils::SmartPtr<AudioConfiguration>> getConfigurations() override;
+    [[nodiscard]] Utils::SmartPtr<AudioConfiguration> getDefaultConfiguration() override;
+    ReadBufferStatus readBuffer(void* buffer, int size, std::int64_t* timestamp, int* length) override;
+
+    /// \param level 0 to 1. From the next start on, and at once while it streams.
+    void setInputMixerLevel(float level);
+    void setMute(bool mute);
+
+private:
+    struct Microphones;
+
+    Microphones& require(const char* operation);
+    void stop() noexcept;
+
+    std::unique_ptr<Microphones> microphones; ///< null unless initialised
+};
+
+} // namespace Zentara::Simulated

@@ -1,0 +1,337 @@
+#include "plugins/simulated/nodes/simulated_depth_node.h"
+
+#include <zentara/calibration_internal.h>
+#include <zentara/core/descriptor_store_ro.h>
+#include <zentara/core/guids.h>
+#include <zentara/depth_configuration.h>
+#include <zentara/io/library_parameter_interpreter.h>
+#include <zentara/io/video_device_proxy.h>
+#include <zentara/node_event.h>
+#include <zentara/utils/format.h>
+
+#include "plugins/simulated/descriptions/controller_code.h"
+#include "plugins/simulated/nodes/attempt.h"
+#include "plugins/simulated/nodes/depth_frame.h"
+#include "plugins/simulated/nodes/node_commands.h"
+#include "plugins/simulated/nodes/parameter_request.h"
+#include "plugins/simulated/nodes/sensor_poll.h"
+#include "plugins/simulated/nodes/stored_calibration.h"
+#include "plugins/simulated/plugin_guids.h"
+#include "plugins/simulated/raw_frame.h"
+
+namespace Zentara::Simulated {
+namespace {
+
+// Inside the node's own operations "Plugin" is the base class, so the exceptions are named here.
+using Mode = Utils::SmartPtr<DepthBaseConfiguration>;
+using Utils::Format;
+using Zentara::Plugin::ArgumentPluginException;
+using Zentara::Plugin::ConfigurationPluginException;
+using Zentara::Plugin::InvalidOperationPluginException;
+using Zentara::Plugin::IOPluginException;
+using Zentara::Plugin::NotSupportedPluginException;
+using Zentara::Plugin::PluginException;
+
+using Interpreter = Utils::SmartPtr<IO::LibraryParameterInterpreter>;
+
+Interpreter startParameters(const Core::DescriptorStoreRO& store, IO::VideoDeviceProxy& device) {
+    const GUID backEnd = store.getParameterInterpreterGUID();
+    if (guidEquals(backEnd, Core::Guids::NULL_IMPL))
+        return {};
+    Interpreter parameters = IO::LibraryParameterInterpreter::create(backEnd);
+    parameters->initialize(device, store.getNodeHardwareIDs(), store.getHardwareVersion());
+    return parameters;
+}
+
+Mode copyOf(const DepthBaseConfiguration& mode) {
+    return Mode(Utils::makeRefcounted<DepthConfiguration>(dynamic_cast<const DepthConfiguration&>(mode)));
+}
+
+/// Those of the description; modes of another class are not for this node.
+std::vector<Mode> modesOf(const Core::DescriptorStoreRO& store) {
+    std::vector<Mode> modes = store.getDepthConfigurations();
+    std::erase_if(modes, [](const Mode& mode) {
+        return dynamic_cast<const DepthConfiguration*>(mode.get()) == nullptr;
+    });
+    return modes;
+}
+
+} // namespace
+
+/// Everything that lives from `initialize` to `dispose`, in an order in which it can be taken apart.
+struct SimulatedDepthNode::Camera {
+    Camera(const NodeEvent& event, Core::DescriptorStoreRO& description, IO::VideoDeviceProxy& video)
+        : serialNumber(event.serialNumber), store(description), device(video), commands(store, device),
+          parameters(startParameters(store, device)), known(modesOf(store)),
+          calibration(std::make_unique<StoredCalibration>(&store, serialNumber, StoredObjects())) {}
+
+    /// The node's own mode of that name, for its commands.
+    [[nodiscard]] Mode find(const Mode& wanted) const {
+        if (!wanted)
+            throw ArgumentPluginException("enableStreaming: the configuration is null");
+        for (const Mode& mode : known) {
+            if (mode->getName() == wanted->getName())
+                return mode;
+        }
+        throw ConfigurationPluginException(Format("enableStreaming: the camera has no mode %") %
+                                           wanted->getName());
+    }
+
+    /// Makes the mode the one that the store tells of.
+    void select(const Mode& mode) {
+        running = mode;
+        store.setConfigurationSettings(mode ? &mode->getCommands() : nullptr);
+    }
+
+    IO::LibraryParameterInterpreter& requireParameters(const char* operation) {
+        if (!parameters)
+            throw NotSupportedPluginException(Format("%: the camera has no parameters") % operation);
+        return *parameters;
+    }
+
+    const std::string serialNumber;
+    Core::DescriptorStoreRO& store;
+    IO::VideoDeviceProxy& device;
+    NodeCommands commands;
+    Interpreter parameters; ///< null for a camera without
+    const std::vector<Mode> known;
+    std::unique_ptr<StoredCalibration> calibration;
+    bool storageRead = false;
+    Mode running; ///< null while nothing streams
+    SensorPoll sensors;
+    std::vector<std::uint8_t> delivered = std::vector<std::uint8_t>(largestRawFrame); ///< the reader's alone
+};
+
+SimulatedDepthNode::SimulatedDepthNode() : DepthNodeInterface(depthNodeGuid) {}
+
+SimulatedDepthNode::~SimulatedDepthNode() { dispose(); }
+
+void SimulatedDepthNode::initialize(NodeEvent* event, Core::DescriptorStoreRO* store,
+                                    DepthProcessorData* data) {
+    dispose();
+    DepthNodeInterface::initialize(event, store, data);
+    getAVDeviceProxy()->open();
+    camera = std::make_unique<Camera>(*event, *store, *getAVDeviceProxy());
+    loadStorage();
+}
+
+void SimulatedDepthNode::dispose() {
+    if (camera) {
+        stop();
+        camera->store.setConfigurationSettings(nullptr);
+        if (camera->parameters)
+            camera->parameters->dispose();
+        camera.reset();
+    }
+    DepthNodeInterface::dispose(); // the device closes with its last reference
+}
+
+SimulatedDepthNode::Camera& SimulatedDepthNode::require(const char* operation) {
+    if (!camera)
+        throw InvalidOperationPluginException(Format("%: the node is not initialized") % operation);
+    return *camera;
+}
+
+void SimulatedDepthNode::getVersions(int& majorVersion, int& minorVersion) {
+    NodeChip& chip = require("getVersions").commands.chip();
+    const std::uint32_t bridge = chip.bridgeVersion();
+    const std::uint32_t version = bridge != 0 ? bridge >> 16 : chip.tofVersion();
+    majorVersion = static_cast<int>(version >> 8 & 0xFF);
+    minorVersion = static_cast<int>(version & 0xFF);
+}
+
+void SimulatedDepthNode::configurePeriodicOperations(
+    std::vector<Utils::SmartPtr<Core::PeriodicOperation>> operations) {
+    require("configurePeriodicOperations").sensors.configure(std::move(operations));
+}
+
+void SimulatedDepthNode::enableStreaming(Mode configuration) {
+    Camera& present = require("enableStreaming");
+    if (present.running)
+        throw InvalidOperationPluginException("enableStreaming: the node streams already; disable it first");
+    const Mode mode = present.find(configuration);
+    present.select(mode);
+    try {
+        present.commands.start(&mode->getCommands());
+        present.device.enableStreaming(mode);
+    } catch (const PluginException&) {
+        stop();
+        throw;
+    }
+}
+
+void SimulatedDepthNode::disableStreaming() {
+    Camera& present = require("disableStreaming");
+    if (!present.running)
+        return;
+    present.device.disableStreaming(false);
+    present.select({});
+    present.commands.stop();
+}
+
+/// What a stream needs to end, as far as the camera takes it.
+void SimulatedDepthNode::stop() noexcept {
+    if (!camera->running)
+        return;
+    attempt([&] { camera->device.disableStreaming(false); });
+    attempt([&] { camera->commands.stop(); });
+    attempt([&] { camera->select({}); });
+}
+
+void SimulatedDepthNode::setIlluminationLevel(DepthNode::CameraMode /*mode*/, int level) {
+    require("setIlluminationLevel")
+        .requireParameters("setIlluminationLevel")
+        .write(ParameterType_FLOAT_0, static_cast<float>(level));
+}
+
+void SimulatedDepthNode::setConfiguration(Mode configuration) {
+    Camera& present = require("setConfiguration");
+    if (!present.running)
+        throw InvalidOperationPluginException("setConfiguration: the node does not stream");
+    const Mode mode = present.find(configuration);
+    if (mode->getFrameFormat() != present.running->getFrameFormat() ||
+        mode->getFrameRate() != present.running->getFrameRate())
+        throw ConfigurationPluginException(
+            Format("setConfiguration: % has other frames than %; stop the stream first") % mode->getName() %
+            present.running->getName());
+    present.commands.change(&mode->getCommands());
+    present.select(mode);
+}
+
+void SimulatedDepthNode::setCalibration(CalibrationInternal* calibration) {
+    require("setCalibration").requireParameters("setCalibration").writeCalibration(calibration);
+}
+
+float SimulatedDepthNode::getPhaseScaling() {
+    Camera& present = require("getPhaseScaling");
+    return present.parameters ? present.parameters->getPhaseScaling() : DepthNodeInterface::getPhaseScaling();
+}
+
+void SimulatedDepthNode::process(Utils::SmartPtr<IO::xuRequest> request) {
+    Camera& present = require("process");
+    if (!request)
+        throw ArgumentPluginException("process: the request is null");
+    if (!present.parameters || !writeParameter(*present.parameters, *request))
+        present.commands.chip().send(request);
+}
+
+void SimulatedDepthNode::setDiagnosticData(DiagnosticData data) {
+    require("setDiagnosticData").calibration->setDiagnosticData(data);
+}
+
+SensorValueArray SimulatedDepthNode::readTemperatures() {
+    Camera& present = require("readTemperatures");
+    SensorValueArray readings = present.sensors.temperatures();
+    return readings.empty() ? readTemperatureSensors(present.commands.chip()) : readings;
+}
+
+AccelerationInternal SimulatedDepthNode::readAccelerometer(Core::AccelerometerPeriodicOperation* operation) {
+    Camera& present = require("readAccelerometer");
+    if (operation == nullptr)
+        throw ArgumentPluginException("readAccelerometer: the operation is null");
+    return readAccelerationSensor(present.commands.chip(), operation->getRegAddress());
+}
+
+SensorValueArray SimulatedDepthNode::readTemperature(Core::TemperaturePeriodicOperation* operation) {
+    Camera& present = require("readTemperature");
+    if (operation == nullptr)
+        throw ArgumentPluginException("readTemperature: the operation is null");
+    return readTemperatureSensor(present.commands.chip(), operation->getRegAddress());
+}
+
+float SimulatedDepthNode::getRange() {
+    Camera& present = require("getRange");
+    return present.parameters ? present.parameters->getRange() : DepthNodeInterface::getRange();
+}
+
+FrameFormat SimulatedDepthNode::getDVPFrameMode() { return FrameFormat_QVGA; }
+
+StereoCameraParametersArray SimulatedDepthNode::getImageRegistrationCalibration() {
+    return require("getImageRegistrationCalibration").calibration->lenses();
+}
+
+SensorValueArray SimulatedDepthNode::getTemperatureCalibration(DepthNode::CameraMode mode) {
+    return require("getTemperatureCalibration").calibration->getTemperatureCalibration(mode);
+}
+
+TemperatureCalibration SimulatedDepthNode::getTemperatureCalibration() {
+    return require("getTemperatureCalibration").calibration->getTemperatureCalibration();
+}
+
+TemperatureCompensation SimulatedDepthNode::getTemperatureCompensation() {
+    return require("getTemperatureCompensation").calibration->getTemperatureCompensation();
+}
+
+CyclicErrorCorrection SimulatedDepthNode::getCyclicErrorCorrection() {
+    return require("getCyclicErrorCorrection").calibration->cyclicErrorCorrection();
+}
+
+DiagnosticData SimulatedDepthNode::getDiagnosticData() {
+    return require("getDiagnosticData").calibration->getDiagnosticData();
+}
+
+std::string SimulatedDepthNode::getSerialNumber() {
+    return require("getSerialNumber").calibration->getSerialNumber();
+}
+
+AccelerationInternal SimulatedDepthNode::getAccelerometerCalibration() {
+    return require("getAccelerometerCalibration").calibration->getAccelerometerCalibration();
+}
+
+void SimulatedDepthNode::reloadROMLayout(bool force) {
+    if (force || !require("reloadROMLayout").storageRead)
+        loadStorage();
+}
+
+/// A storage that cannot be read leaves the description's defaults.
+void SimulatedDepthNode::loadStorage() {
+    Camera& present = require("reloadROMLayout");
+    StoredObjects objects;
+    present.storageRead = false;
+    try {
+        objects = readStorage(present.commands.chip(), present.store.getROMElement(storageElement));
+        present.storageRead = true;
+    } catch (const PluginException&) {
+        // Logged where it was made.
+    }
+    present.calibration = std::make_unique<StoredCalibration>(&present.store, present.serialNumber, objects);
+}
+
+std::vector<Mode> SimulatedDepthNode::getConfigurations() {
+    Camera& present = require("getConfigurations");
+    std::vector<Mode> modes;
+    for (const Mode& described : present.known) {
+        const Mode mode = copyOf(*described);
+        modes.push_back(mode);
+        mode->setCalibrationHardwareVersion(present.store.getHardwareVersion());
+        if (!present.calibration->hasPhaseDelay())
+            continue;
+        CalibrationInternal calibration(present.calibration->getPhaseDelay(mode),
+                                        mode->getCalibration().getDriftCompensation());
+        calibration.setPhaseDelay2(present.calibration->phaseOffset(DepthNode::CameraMode_1));
+        mode->setCalibration(calibration);
+    }
+    return modes;
+}
+
+ReadBufferStatus SimulatedDepthNode::readBuffer(void* buffer, int size, std::int64_t* timestamp,
+                                                int* length) {
+    Camera& present = require("readBuffer");
+    if (buffer == nullptr || timestamp == nullptr || length == nullptr)
+        throw ArgumentPluginException("readBuffer: a pointer is null");
+    *length = static_cast<int>(depthFrameBytes);
+    if (size < *length)
+        return ReadBufferStatus_TOO_SMALL;
+    int bytes = 0;
+    const ReadBufferStatus status = present.device.readBuffer(
+        present.delivered.data(), static_cast<int>(present.delivered.size()), timestamp, &bytes);
+    if (status != ReadBufferStatus_OK)
+        return status;
+    if (!makeDepthFrame(present.delivered.data(), static_cast<std::size_t>(bytes),
+                        static_cast<std::uint8_t*>(buffer)))
+        throw IOPluginException(Format("readBuffer: % bytes from the camera are no frame") % bytes);
+    present.sensors.poll(present.commands.chip(), *timestamp);
+    return ReadBufferStatus_OK;
+}
+
+} // namespace Zentara::Simulated

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include <zentara/node_event.h>
+#include <zentara/utils/mutex.h>
+#include <zentara/utils/thread_annotations.h>
+
+#include "plugins/simulated/descriptions/simulated_bus.h"
+
+namespace Zentara::Simulated {
+
+/// The camera on the bus that a device belongs to, for as long as it is plugged in. Safe.
+class PluggedCamera {
+public:
+    /// Finds the camera of a node. One that did not come from the simulated bus has none, and nothing ever happens to it.
+    /// \return how the camera is set, in the words of Settings
+    /// \throws Plugin::IOPluginException "initialize: no camera is plugged in as 'PATH'"
+    std::string attach(const NodeEvent& node);
+
+    /// Whether the camera was pulled out; looks at most ten times a second. A camera that comes back is another one.
+    [[nodiscard]] bool isGone();
+
+    /// \throws Plugin::IOPluginException "OPERATION: the camera was unplugged"
+    void require(const char* operation);
+
+private:
+    Utils::Threading::Mutex lock;
+    std::unique_ptr<SimulatedBus> bus ZENTARA_GUARDED_BY(lock);
+    std::string path ZENTARA_GUARDED_BY(lock);
+    bool gone ZENTARA_GUARDED_BY(lock) = false;
+    std::int64_t nextLook ZENTARA_GUARDED_BY(lock) = 0;
+};
+
+} // namespace Zentara::Simulated

@@ -1,0 +1,45 @@
+#include "plugins/simulated/sensor_output.h"
+
+#include "plugins/simulated/frame_layout.h"
+#include "plugins/simulated/parameters/parameter_table.h"
+
+namespace Zentara::Simulated {
+namespace {
+
+constexpr std::uint32_t usualMegahertz = 20;
+
+bool fits(const RegionOfInterestInternal& region) {
+    return region.width > 0 && region.height > 0 && region.x < frameWidth && region.y < frameHeight &&
+           region.width <= frameWidth - region.x && region.height <= frameHeight - region.y;
+}
+
+RegionOfInterestInternal readRegion(const Controller& controller) {
+    constexpr std::uint8_t first = registerOf(ParameterType_REGION_OF_INTEREST);
+    const RegionOfInterestInternal region{controller.tofRegister(first), controller.tofRegister(first + 1),
+                                          controller.tofRegister(first + 2),
+                                          controller.tofRegister(first + 3)};
+    return fits(region) ? region : RegionOfInterestInternal{0, 0, frameWidth, frameHeight};
+}
+
+} // namespace
+
+SensorOutput SensorOutput::read(const Controller* controller) {
+    SensorOutput output;
+    output.region = {0, 0, frameWidth, frameHeight};
+    output.header.megahertz = usualMegahertz;
+    if (controller == nullptr)
+        return output;
+    output.raw = (controller->tofRegister(outputRegister) & 1) != 0;
+    if (controller->tofRegister(signatureRegister) != signature)
+        return output;
+    const auto mode = controller->tofRegister(registerOf(ParameterType_RAW_OUTPUT_MODE));
+    if (rawFrameBytes(static_cast<RawOutputMode>(mode)) != 0)
+        output.header.mode = static_cast<RawOutputMode>(mode);
+    if (const auto megahertz = controller->tofRegister(registerOf(ParameterType_FLOAT_2)))
+        output.header.megahertz = megahertz;
+    output.dark = controller->tofRegister(registerOf(ParameterType_BOOL_7)) == 0;
+    output.region = readRegion(*controller);
+    return output;
+}
+
+} // namespace Zentara::Simulated

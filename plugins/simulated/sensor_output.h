@@ -1,0 +1,25 @@
+#pragma once
+
+#include <zentara/region_of_interest_internal.h>
+
+#include "plugins/simulated/controller.h"
+#include "plugins/simulated/raw_frame.h"
+
+namespace Zentara::Simulated {
+
+/// What the registers of the time-of-flight controller make of the picture. Until a host has started the camera's
+/// parameters, only the raw output is looked at.
+struct SensorOutput {
+    /// Register 0x40: 0 depth in millimetres, as after power-on, 1 raw frames.
+    static constexpr std::uint8_t outputRegister = 0x40;
+
+    bool raw = false;
+    RawHeader header;
+    bool dark = false; ///< the illumination is switched off
+    RegionOfInterestInternal region;
+
+    /// \param controller null for a camera without one
+    [[nodiscard]] static SensorOutput read(const Controller* controller);
+};
+
+} // namespace Zentara::Simulated
