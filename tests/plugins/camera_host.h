@@ -1,0 +1,85 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <zentara/core/descriptor_store_interface.h>
+#include <zentara/core/descriptor_store_ro.h>
+#include <zentara/io/enumerator_interface.h>
+#include <zentara/utils/files.h>
+
+#include "plugin_object.h"
+#include "plugins/simulated/descriptions/simulated_bus.h"
+#include "plugins/simulated/plugin_guids.h"
+#include "support/scoped_variable.h"
+#include "support/temporary_directory.h"
+
+namespace Zentara::TestSupport {
+
+/// A host with cameras of its own on the bus, and all it does with the real plug-ins.
+class CameraHost {
+public:
+    CameraHost() = default;
+
+    /// Says which cameras are plugged in: the elements of the file's list.
+    void plug(const std::string& cameras) {
+        Utils::writeFile(path("new.json"), R"({"format": 1, "cameras": [)" + cameras + "]}");
+        std::error_code busy; // on Windows while somebody reads the file
+        do {
+            std::filesystem::rename(TemporaryDirectory::fromUtf8(path("new.json")),
+                                    TemporaryDirectory::fromUtf8(file), busy);
+        } while (busy);
+    }
+
+    /// The first node of that type; all 0 if there is none.
+    NodeEvent find(NodeType type, const std::string& serialNumber = {}) {
+        const auto enumerator = makePlugin<IO::EnumeratorInterface>(Simulated::enumeratorGuid);
+        std::vector<NodeEvent> nodes;
+        enumerator->initialize(nullptr, nullptr);
+        enumerator->enumerate(nodes);
+        enumerator->dispose();
+        for (const NodeEvent& node : nodes) {
+            if (node.nodeType == type && (serialNumber.empty() || node.serialNumber == serialNumber))
+                return node;
+        }
+        return {};
+    }
+
+    /// A file of the test's own.
+    [[nodiscard]] std::string path(const std::string& name = {}) const { return directory.path(name); }
+
+private:
+    TemporaryDirectory directory;
+    std::string file = directory.path("cameras.json");
+    ScopedVariable variable{Simulated::SimulatedBus::variable, file};
+};
+
+/// A node of that kind with the store that describes it.
+template<typename Interface>
+struct HostedNode {
+    explicit HostedNode(const NodeEvent& found) : event(found) {
+        store->initialize();
+        selected = store->selectNodeDescriptor(event.hardwareIds(), event.profile);
+        if (selected)
+            node = makePlugin<Interface>(view().getNodeImplGUID());
+    }
+    ~HostedNode() {
+        if (node)
+            node->dispose();
+    }
+    HostedNode(const HostedNode&) = delete;
+    HostedNode& operator=(const HostedNode&) = delete;
+
+    Core::DescriptorStoreRO& view() { return *store->getDescriptorStore(); }
+    void initialize() { node->initialize(&event, &view(), nullptr); }
+    Interface* operator->() { return node.get(); }
+
+    NodeEvent event;
+    Utils::SmartPtr<Core::DescriptorStoreInterface> store =
+        makePlugin<Core::DescriptorStoreInterface>(Simulated::descriptorStoreGuid);
+    Utils::SmartPtr<Interface> node;
+    bool selected = false;
+};
+
+} // namespace Zentara::TestSupport

@@ -1,0 +1,532 @@
+#include <algorithm>
+#include <cstring>
+#include <functional>
+#include <regex>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+#include <zentara/audio_configuration.h>
+#include <zentara/color_configuration.h>
+#include <zentara/core/audio_node_interface.h>
+#include <zentara/core/color_node_interface.h>
+#include <zentara/core/depth_node_interface.h>
+#include <zentara/core/guids.h>
+#include <zentara/core/periodic_operation.h>
+#include <zentara/depth_configuration.h>
+#include <zentara/io/parameter_requests.h>
+#include <zentara/io/uvc_command_request.h>
+#include <zentara/plugin/plugin_exceptions.h>
+#include <zentara/rom/chunked_memory_manager.h>
+#include <zentara/rom/configuration.h>
+#include <zentara/rom/container.h>
+#include <zentara/rom/diagnostic.h>
+#include <zentara/rom/rom.h>
+#include <zentara/rom/system_calibration.h>
+#include <zentara/rom/system_info.h>
+#include <zentara/utils/files.h>
+
+#include "camera_host.h"
+#include "plugins/simulated/nodes/depth_frame.h"
+#include "plugins/simulated/sensors.h"
+#include "support/rom_image.h"
+
+namespace Zentara {
+namespace {
+
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::Ge;
+using testing::HasSubstr;
+using testing::Le;
+using testing::SizeIs;
+using TestSupport::CameraHost;
+using TestSupport::HostedNode;
+using Utils::makeRefcounted;
+using DepthHost = HostedNode<Core::DepthNodeInterface>;
+using ColorHost = HostedNode<Core::ColorNodeInterface>;
+using AudioHost = HostedNode<Core::AudioNodeInterface>;
+
+/// "KIND: MESSAGE" of the plug-in exception that the step throws.
+std::string failure(const std::function<void()>& step) {
+    try {
+        step();
+    } catch (const Plugin::PluginException& thrown) {
+        return std::to_string(thrown.type()) + ": " + thrown.message();
+    }
+    return "nothing was thrown";
+}
+
+/// A register of the time-of-flight controller and what was written to it.
+using Write = std::pair<unsigned, unsigned>;
+
+/// What a node's readBuffer gave.
+struct Frame {
+    ReadBufferStatus status = ReadBufferStatus_OK;
+    std::vector<std::uint8_t> bytes;
+    std::int64_t micros = 0;
+    int length = 0;
+
+    [[nodiscard]] std::vector<std::uint16_t> plane(std::size_t offset) const {
+        std::vector<std::uint16_t> values(Simulated::pixelCount);
+        std::memcpy(values.data(), bytes.data() + offset, values.size() * sizeof values[0]);
+        return values;
+    }
+};
+
+template<typename Interface>
+Frame read(HostedNode<Interface>& node, int size = 1 << 20) {
+    Frame frame;
+    frame.bytes.resize(static_cast<std::size_t>(size));
+    frame.status = node->readBuffer(frame.bytes.data(), size, &frame.micros, &frame.length);
+    return frame;
+}
+
+class NodeTest : public testing::Test {
+protected:
+    /// One camera, with its transfers logged.
+    void plugOne(const std::string& model, const std::string& settings = {}) {
+        host.plug(R"({"model": ")" + model + R"(", "settings": "transferLog )" + host.path("transfers") +
+                  ";" + settings + "\"}");
+    }
+
+    /// The registers written since the last call, in their order.
+    std::vector<Write> writes() {
+        const std::regex pattern(
+            "write (?:device 1|time-of-flight|address 0x21) register 0x([0-9A-F]+) := 0x([0-9A-F]+)");
+        std::vector<Write> found;
+        const std::string text = Utils::readFile(host.path("transfers"));
+        const std::string fresh = text.substr(seen);
+        seen = text.size();
+        for (std::sregex_iterator at(fresh.begin(), fresh.end(), pattern), end; at != end; ++at)
+            found.emplace_back(std::stoul((*at)[1], nullptr, 16), std::stoul((*at)[2], nullptr, 16));
+        return found;
+    }
+
+    std::size_t transfers() const {
+        const std::string text = Utils::readFile(host.path("transfers"));
+        return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+    }
+
+    CameraHost host;
+    std::size_t seen = 0;
+};
+
+/// The depth node of a camera behind each controller.
+class DepthNodeTest : public NodeTest, public testing::WithParamInterface<const char*> {
+protected:
+    DepthNodeTest() { plugOne(GetParam()); }
+};
+
+INSTANTIATE_TEST_SUITE_P(Cameras, DepthNodeTest, testing::Values("ZS570", "ZS258", "ZS345"),
+                         [](const auto& info) { return info.param; });
+
+TEST_P(DepthNodeTest, SendsItsCommandsWhenItStartsAndStops) {
+    DepthHost camera(host.find(NodeType_DEPTH));
+    camera.initialize();
+    const auto modes = camera->getConfigurations();
+    ASSERT_THAT(modes, SizeIs(2));
+    writes();
+
+    camera->enableStreaming(modes[1]);
+    EXPECT_THAT(writes(), ElementsAre(Write{65, 1}, Write{66, 1}, Write{64, 1}))
+        << "pre-common, the mode's own, post-common";
+    std::uint32_t value = 0;
+    EXPECT_TRUE(camera.view().getValue(66, value));
+    EXPECT_EQ(value, 1U);
+    EXPECT_THAT(failure([&] { camera->enableStreaming(modes[0]); }), HasSubstr("streams already"));
+
+    camera->setConfiguration(modes[0]);
+    EXPECT_THAT(writes(), ElementsAre(Write{66, 0}, Write{64, 1}));
+    camera->disableStreaming();
+    EXPECT_THAT(writes(), ElementsAre(Write{64, 0}, Write{65, 0}));
+    camera->disableStreaming();
+    EXPECT_THAT(writes(), SizeIs(0)) << "it had stopped";
+    EXPECT_FALSE(camera.view().getValue(66, value));
+
+    camera->enableStreaming(modes[0]);
+    writes();
+    camera->dispose();
+    EXPECT_THAT(writes(), ElementsAre(Write{64, 0}, Write{65, 0})) << "disposing stops";
+}
+
+TEST_P(DepthNodeTest, DeliversDepthConfidenceAndPhase) {
+    DepthHost camera(host.find(NodeType_DEPTH));
+    camera.initialize();
+    const auto scaling = static_cast<double>(camera->getPhaseScaling());
+    EXPECT_NEAR(scaling, 7495.0 / 65536, 0.001);
+    camera->enableStreaming(camera->getConfigurations().front());
+    EXPECT_EQ(read(camera, 100).status, ReadBufferStatus_TOO_SMALL);
+    std::int64_t before = 0;
+    for (const int mode : {RawOutputMode_PHASE_AND_CONFIDENCE, RawOutputMode_PHASE, RawOutputMode_TAPS}) {
+        camera->process(makeRefcounted<IO::setIntParameterRequest>(ParameterType_RAW_OUTPUT_MODE, mode));
+        const Frame frame = read(camera);
+        ASSERT_EQ(frame.status, ReadBufferStatus_OK);
+        ASSERT_EQ(frame.length, static_cast<int>(Simulated::depthFrameBytes));
+        EXPECT_GT(frame.micros, before);
+        before = frame.micros;
+        const auto depth = frame.plane(Simulated::depthOffset);
+        const auto phase = frame.plane(Simulated::depthFramePhaseOffset);
+        std::size_t seenPixels = 0;
+        for (std::size_t i = 0; i < depth.size(); ++i) {
+            ASSERT_NEAR(phase[i] * scaling, depth[i], 1) << mode << " " << i;
+            seenPixels += depth[i] > 500 && depth[i] < 3000;
+        }
+        EXPECT_GT(seenPixels, depth.size() / 2) << mode;
+    }
+    camera->process(makeRefcounted<IO::setBoolParameterRequest>(ParameterType_BOOL_7, false));
+    const auto dark = read(camera).plane(Simulated::depthOffset);
+    EXPECT_TRUE(std::all_of(dark.begin(), dark.end(), [](int value) { return value == 0; }))
+        << "without illumination nothing is seen";
+    camera->disableStreaming();
+    EXPECT_EQ(read(camera).status, ReadBufferStatus_NOT_STREAMING);
+}
+
+TEST_P(DepthNodeTest, ReadsItsSensorsNowAndPeriodically) {
+    DepthHost camera(host.find(NodeType_DEPTH));
+    camera.initialize();
+    const SensorValueArray now = camera->readTemperatures();
+    ASSERT_THAT(now.values, SizeIs(2));
+    EXPECT_EQ(now.values[1].sensorId, 1);
+    EXPECT_THAT(now.values[0].value, AllOf(Ge(35.0F), Le(60.0F)));
+    const auto acceleration =
+        makeRefcounted<Core::AccelerometerPeriodicOperation>(Simulated::accelerationRegister, 1, true);
+    EXPECT_NEAR(camera->readAccelerometer(acceleration.get()).y, 1.0F, 0.05F);
+
+    const auto temperature = makeRefcounted<Core::TemperaturePeriodicOperation>(
+        Simulated::illuminationTemperatureRegister, 1, true);
+    camera->configurePeriodicOperations({Utils::SmartPtr<Core::PeriodicOperation>(temperature),
+                                         {},
+                                         Utils::SmartPtr<Core::PeriodicOperation>(acceleration)});
+    camera->enableStreaming(camera->getConfigurations().front());
+    const std::size_t before = transfers();
+    EXPECT_EQ(read(camera).status, ReadBufferStatus_OK);
+    const std::size_t after = transfers();
+    EXPECT_GT(after, before) << "the readings were made between two frames";
+    const SensorValueArray polled = camera->readTemperatures();
+    ASSERT_THAT(polled.values, SizeIs(1)) << "the last reading of the one operation";
+    EXPECT_EQ(polled.values[0].sensorId, 1);
+    EXPECT_EQ(transfers(), after) << "without asking the camera";
+    EXPECT_TRUE(temperature->timeToPoll(INT64_MAX / 2)) << "none is pending";
+}
+
+TEST_P(DepthNodeTest, GivesTheDescriptionsCalibrationWithoutAStorage) {
+    plugOne(GetParam(), "flash " + host.path("empty"));
+    Utils::writeFile(host.path("empty"), std::string(0x10000, '\xFF'));
+    DepthHost camera(host.find(NodeType_DEPTH));
+    camera.initialize();
+    EXPECT_EQ(camera->getImageRegistrationCalibration().extrinsics.values.at(0).t1, 25.0F);
+    EXPECT_EQ(camera->getTemperatureCalibration(DepthNode::CameraMode_0).values.at(0).value, 36.5F);
+    EXPECT_FALSE(camera->getTemperatureCompensation().comesFromRom());
+    CyclicErrorCorrection cyclic = camera->getCyclicErrorCorrection();
+    ASSERT_TRUE(cyclic.setCurrentMode(DepthNode::CameraMode_1));
+    EXPECT_EQ(cyclic.getParameter(1), 1.25F);
+    EXPECT_EQ(camera->getSerialNumber(), camera.event.serialNumber);
+    int majorVersion = -1;
+    int minorVersion = -1;
+    camera->getVersions(majorVersion, minorVersion);
+    EXPECT_GT(majorVersion, 0);
+}
+
+/// A storage as a camera's maker writes it.
+std::string storageImage() {
+    TestSupport::Bytes bytes(0x10000, 0xFF);
+    TestSupport::ImageFlash flash(bytes);
+    ROM::ChunkedMemoryManager memory(&flash, 0, 0x10000, 256, true);
+    ROM::Container container(&memory);
+    ROM::ROM rom(&container);
+    rom.initialize();
+    rom.initializeRom();
+    const ROM::IntrinsicsData lens(ROM::IntrinsicsData::Type::Depth, 320, 240, 201, 202, 160, 120, 0.5F, 0, 0,
+                                   0, 0);
+    const ROM::SystemCalibration calibration(ROM::AccelerometerCalibrationData(0.25F, -0.5F, 0),
+                                             ROM::ExtrinsicsData(1, 0, 0, 0, 1, 0, 0, 0, 1, 33, 0, 0), {lens},
+                                             {});
+    rom.set(2, &calibration, 1);
+    const ROM::Configuration configuration(
+        ROM::TemperatureCalibrationData({40.0F, 50.0F}), ROM::PhaseOffset(ROM::PhaseOffset::MARKER, -70),
+        ROM::PhaseOffset(ROM::PhaseOffset::MARKER2, 90),
+        ROM::TemperatureCompensationData(static_cast<ROM::TemperatureAlgorithmID>(65), {1.5F, -2.0F}),
+        ROM::CyclicErrorCorrectionData(static_cast<ROM::CyclicErrorAlgorithmID>(65), {1.5F, -2.0F}));
+    rom.set(3, &configuration, 1);
+    const ROM::Diagnostic diagnostic(ROM::OverheatingDiagnosticData(7, 2));
+    rom.set(4, &diagnostic, 1);
+    rom.dispose();
+    return {bytes.begin(), bytes.end()};
+}
+
+TEST_P(DepthNodeTest, ReadsTheCalibrationInTheCamerasStorage) {
+    Utils::writeFile(host.path("flash"), storageImage());
+    plugOne(GetParam(), "flash " + host.path("flash"));
+    DepthHost camera(host.find(NodeType_DEPTH));
+    camera.initialize();
+
+    const StereoCameraParametersArray lenses = camera->getImageRegistrationCalibration();
+    EXPECT_EQ(lenses.depthIntrinsics.values.at(0).fy, 202.0F);
+    EXPECT_EQ(lenses.extrinsics.values.at(0).t1, 33.0F);
+    EXPECT_THAT(lenses.colorIntrinsics.values, SizeIs(1)) << "the description's, for the storage has none";
+    EXPECT_EQ(camera->getAccelerometerCalibration().y, -0.5F);
+    EXPECT_EQ(camera->getTemperatureCalibration().modes[1].values.at(1).value, 50.0F);
+    EXPECT_EQ(camera->getDiagnosticData(), (DiagnosticData{7, 2}));
+    const auto modes = camera->getConfigurations();
+    EXPECT_EQ(modes[0]->getCalibration().getPhaseDelay(), -70);
+    EXPECT_EQ(modes[1]->getCalibration().getPhaseDelay(), 90);
+
+    TemperatureCompensation temperature = camera->getTemperatureCompensation();
+    CyclicErrorCorrection cyclic = camera->getCyclicErrorCorrection();
+    EXPECT_TRUE(temperature.comesFromRom());
+    EXPECT_TRUE(cyclic.comesFromRom());
+    for (const auto mode : {DepthNode::CameraMode_0, DepthNode::CameraMode_1}) {
+        ASSERT_TRUE(temperature.setCurrentMode(mode));
+        ASSERT_TRUE(cyclic.setCurrentMode(mode));
+        EXPECT_EQ(temperature.getAlgorithm(), 65);
+        EXPECT_EQ(cyclic.getAlgorithm(), 65);
+        for (const unsigned index : {0U, 1U})
+            EXPECT_EQ(temperature.getParameter(index), cyclic.getParameter(index));
+    }
+
+    const std::size_t before = transfers();
+    camera->reloadROMLayout(false);
+    EXPECT_EQ(transfers(), before) << "it was read already";
+    camera->setDiagnosticData({9, 9});
+    camera->reloadROMLayout(true);
+    EXPECT_GT(transfers(), before);
+    EXPECT_EQ(camera->getDiagnosticData(), (DiagnosticData{7, 2}));
+}
+
+TEST_P(DepthNodeTest, WhateverTransferFailsItCanBeDisposedAndInitializedAgain) {
+    Utils::writeFile(host.path("flash"), std::string(0x10000, '\xFF'));
+    DepthHost camera(host.find(NodeType_DEPTH));
+    const auto run = [&](std::size_t fault) {
+        plugOne(GetParam(), "flash " + host.path("flash") + "; transfer " + std::to_string(fault) + " fail");
+        camera.initialize();
+        camera->enableStreaming(camera->getConfigurations().front());
+        EXPECT_EQ(read(camera).status, ReadBufferStatus_OK);
+        camera->disableStreaming();
+    };
+    run(1'000'000);
+    const std::size_t needed = transfers();
+    ASSERT_GT(needed, 30U);
+    std::size_t failed = 0;
+    for (std::size_t fault = 1; fault <= needed; ++fault) {
+        failed += failure([&] { run(fault); }) != "nothing was thrown";
+        if (fault % 2 == 0)
+            camera->dispose(); // else the next initialize replaces this one
+    }
+    EXPECT_GT(failed, 20U) << "a storage that cannot be read is no failure";
+    run(needed + 1);
+}
+
+class NodeFailureTest : public NodeTest {};
+
+TEST_F(NodeFailureTest, ACommandThatFailsLeavesTheCameraStopped) {
+    plugOne("ZS570");
+    DepthHost camera(host.find(NodeType_DEPTH));
+    camera.initialize();
+    const auto mode = camera->getConfigurations().front();
+    const std::size_t first = transfers() + 1;
+    camera->dispose();
+    plugOne("ZS570", "transfer " + std::to_string(first + 2) + " fail");
+    // The first log is at its end, so the second initialization is counted anew.
+    camera.initialize();
+    writes();
+    EXPECT_THAT(failure([&] { camera->enableStreaming(mode); }), HasSubstr("the transfer failed"));
+    const std::vector<Write> tail = writes();
+    ASSERT_GE(tail.size(), 2U);
+    EXPECT_EQ(tail[tail.size() - 2], (Write{64, 0}));
+    EXPECT_EQ(tail.back(), (Write{65, 0}));
+    EXPECT_EQ(read(camera).status, ReadBufferStatus_NOT_STREAMING);
+    camera->enableStreaming(mode);
+    EXPECT_EQ(read(camera).status, ReadBufferStatus_OK) << "the next start finds all well";
+}
+
+TEST_F(NodeFailureTest, MissingAndWrongDevicesAreRefused) {
+    plugOne("ZS570");
+    NodeEvent event = host.find(NodeType_DEPTH);
+    DepthHost depth(event);
+    depth.event.parentPath = "simulated:gone";
+    EXPECT_THAT(failure([&] { depth.initialize(); }),
+                HasSubstr("no camera is plugged in as 'simulated:gone'"));
+    EXPECT_THAT(failure([&] { depth->enableStreaming({}); }), HasSubstr("not initialized"));
+    depth->dispose();
+    depth->dispose();
+    depth.event = event;
+    depth.initialize();
+
+    // The audio node's store names an audio device.
+    AudioHost audio(host.find(NodeType_AUDIO));
+    EXPECT_THAT(failure([&] { depth->initialize(&event, &audio.view(), nullptr); }),
+                HasSubstr("ImplType mismatch"));
+    EXPECT_THAT(failure([&] { depth->readBuffer(nullptr, 0, nullptr, nullptr); }),
+                HasSubstr("not initialized"));
+    // A store that has selected nothing names none.
+    DepthHost lost{NodeEvent()};
+    EXPECT_FALSE(lost.selected);
+    lost.store->initialize();
+    EXPECT_THAT(failure([&] { depth->initialize(&event, lost.store->getDescriptorStore(), nullptr); }),
+                HasSubstr("couldn't find GUID NULL_IMPL"));
+    depth.initialize();
+    EXPECT_THAT(failure([&] { depth->initialize(nullptr, &depth.view(), nullptr); }),
+                HasSubstr("no node event"));
+    depth->dispose();
+}
+
+TEST_F(NodeFailureTest, WrongModesAndRequestsAreRefused) {
+    plugOne("ZS345");
+    DepthHost camera(host.find(NodeType_DEPTH));
+    camera.initialize();
+    const auto vga = makeRefcounted<DepthConfiguration>(FrameFormat_VGA, 60, DepthNode::CameraMode_0, false,
+                                                        std::int16_t{0});
+    EXPECT_THAT(failure([&] { camera->enableStreaming(vga); }), HasSubstr("has no mode DEFF3FR60CM0S0"));
+    EXPECT_THAT(failure([&] { camera->enableStreaming({}); }), HasSubstr("null"));
+    EXPECT_THAT(failure([&] { camera->setConfiguration(camera->getConfigurations()[0]); }),
+                HasSubstr("does not stream"));
+    EXPECT_THAT(failure([&] { camera->process({}); }), HasSubstr("null"));
+    EXPECT_THAT(failure([&] { camera->setIlluminationLevel(DepthNode::CameraMode_0, 101); }),
+                HasSubstr("value out of range"));
+    EXPECT_THAT(failure([&] { static_cast<void>(camera->readTemperature(nullptr)); }), HasSubstr("null"));
+    writes();
+    camera->process(makeRefcounted<IO::UVCCommandRequest>(IO::UVC_TOF_CONTROLLER_REGISTER, 77U, 5U));
+    camera->setIlluminationLevel(DepthNode::CameraMode_0, 40);
+    EXPECT_THAT(writes(), ElementsAre(Write{77, 5}, Write{0x50, 80}));
+}
+
+/// Several cameras at once.
+TEST_F(NodeFailureTest, OneCamerasFailureLeavesTheOthersStreaming) {
+    host.plug(R"({"model": "ZS570", "serialNumber": "A", "settings": "throw io at readBuffer after 2"},
+                 {"model": "ZS570", "serialNumber": "B", "settings": "throw streaming at enableDepth"},
+                 {"model": "ZS345", "serialNumber": "C"})");
+    DepthHost a(host.find(NodeType_DEPTH, "A"));
+    DepthHost b(host.find(NodeType_DEPTH, "B"));
+    DepthHost c(host.find(NodeType_DEPTH, "C"));
+    for (DepthHost* camera : {&a, &b, &c})
+        camera->initialize();
+    a->enableStreaming(a->getConfigurations().front());
+    EXPECT_THAT(failure([&] { b->enableStreaming(b->getConfigurations().front()); }),
+                HasSubstr("enableDepth"));
+    c->enableStreaming(c->getConfigurations().front());
+    EXPECT_EQ(read(a).status, ReadBufferStatus_OK);
+    EXPECT_EQ(read(a).status, ReadBufferStatus_OK);
+    EXPECT_THAT(failure([&] { read(a); }), HasSubstr("readBuffer"));
+    b->dispose();
+    for (int i = 0; i < 5; ++i)
+        EXPECT_EQ(read(c).status, ReadBufferStatus_OK);
+}
+
+TEST_F(NodeFailureTest, APulledCameraIsDisconnectedAndComesBackAsANewOne) {
+    host.plug(R"({"model": "ZS570", "serialNumber": "A"}, {"model": "ZS258", "serialNumber": "B"})");
+    DepthHost a(host.find(NodeType_DEPTH, "A"));
+    ColorHost color(host.find(NodeType_COLOR, "A"));
+    AudioHost audio(host.find(NodeType_AUDIO, "A"));
+    DepthHost b(host.find(NodeType_DEPTH, "B"));
+    const auto start = [](auto& camera) {
+        camera.initialize();
+        camera->enableStreaming(camera->getConfigurations().front());
+        EXPECT_EQ(read(camera).status, ReadBufferStatus_OK);
+    };
+    start(a);
+    start(color);
+    start(audio);
+    start(b);
+
+    host.plug(R"({"model": "ZS258", "serialNumber": "B"})");
+    const auto lastStatus = [](auto& camera) {
+        Frame frame = read(camera);
+        while (frame.status == ReadBufferStatus_OK)
+            frame = read(camera);
+        return frame.status;
+    };
+    EXPECT_EQ(lastStatus(a), ReadBufferStatus_DISCONNECTED);
+    EXPECT_EQ(lastStatus(color), ReadBufferStatus_DISCONNECTED);
+    EXPECT_EQ(lastStatus(audio), ReadBufferStatus_DISCONNECTED);
+    EXPECT_EQ(read(b).status, ReadBufferStatus_OK) << "the other one streams on";
+    EXPECT_THAT(failure([&] { static_cast<void>(a->readTemperatures()); }), HasSubstr("unplugged"));
+    a->dispose();
+    EXPECT_THAT(failure([&] { a.initialize(); }), HasSubstr("no camera is plugged in"));
+
+    host.plug(R"({"model": "ZS570", "serialNumber": "A"}, {"model": "ZS258", "serialNumber": "B"})");
+    EXPECT_EQ(read(color).status, ReadBufferStatus_DISCONNECTED) << "the old node stays as it was";
+    start(a);
+    EXPECT_EQ(read(b).status, ReadBufferStatus_OK);
+}
+
+TEST_F(NodeFailureTest, StoppingWakesAReaderOnAnotherThread) {
+    plugOne("ZS570");
+    DepthHost camera(host.find(NodeType_DEPTH));
+    camera.initialize();
+    const auto temperature =
+        makeRefcounted<Core::TemperaturePeriodicOperation>(Simulated::sensorTemperatureRegister, 1000, true);
+    camera->configurePeriodicOperations({Utils::SmartPtr<Core::PeriodicOperation>(temperature)});
+    camera->enableStreaming(camera->getConfigurations().front());
+    int frames = 0;
+    std::thread reader([&] {
+        while (read(camera).status == ReadBufferStatus_OK)
+            ++frames;
+    });
+    for (int i = 0; i < 20; ++i)
+        camera->process(
+            makeRefcounted<IO::setFloatParameterRequest>(ParameterType_FLOAT_2, i % 2 ? 20.0F : 40.0F));
+    static_cast<void>(camera->readTemperatures());
+    camera->disableStreaming();
+    reader.join();
+    SUCCEED() << frames;
+}
+
+TEST_F(NodeTest, AColorNodeStreamsWithTheSettingsOfTheHost) {
+    for (const char* model : {"ZS570", "ZS258", "ZS345"}) {
+        plugOne(model);
+        ColorHost camera(host.find(NodeType_COLOR));
+        camera.initialize();
+        const CameraControlRanges ranges = camera->getCameraControlRanges();
+        EXPECT_EQ(ranges.ranges.count(CameraControl_BRIGHTNESS), 1U);
+        EXPECT_EQ(camera->getCameraControls().values.at(CameraControl_CONTRAST).value, 50);
+        camera->setCameraControl(CameraControl_BRIGHTNESS, {30, false});
+        EXPECT_THAT(failure([&] {
+                        camera->setCameraControl(CameraControl_ZOOM, {1, false});
+                    }),
+                    HasSubstr("no control 11"));
+        EXPECT_THAT(failure([&] {
+                        camera->setCameraControl(CameraControl_BRIGHTNESS, {300, false});
+                    }),
+                    HasSubstr("takes -64 to 64"));
+        EXPECT_EQ(camera->getCameraControls().values.at(CameraControl_BRIGHTNESS).value, 30);
+
+        const std::size_t before = transfers();
+        camera->enableStreaming(camera->getConfigurations().front());
+        EXPECT_GT(transfers(), before) << model << ": its commands were sent";
+        const Frame frame = read(camera);
+        EXPECT_EQ(frame.status, ReadBufferStatus_OK);
+        EXPECT_EQ(frame.length, static_cast<int>(Simulated::colorBytes));
+        EXPECT_GT(frame.micros, 0);
+        const std::size_t streaming = transfers();
+        camera->disableStreaming();
+        EXPECT_GT(transfers(), streaming) << model << ": and those for the stop";
+        EXPECT_EQ(read(camera).status, ReadBufferStatus_NOT_STREAMING);
+        EXPECT_THAT(failure([&] { camera->enableStreaming(makeRefcounted<ColorConfiguration>()); }),
+                    HasSubstr("has no mode"));
+    }
+}
+
+TEST_F(NodeTest, AnAudioNodeStreamsItsDefaultMode) {
+    plugOne("ZS570");
+    AudioHost microphones(host.find(NodeType_AUDIO));
+    EXPECT_THAT(failure([&] { microphones->disableStreaming(); }), HasSubstr("not initialized"));
+    microphones.initialize();
+    EXPECT_THAT(microphones->getConfigurations(), SizeIs(1));
+    EXPECT_EQ(microphones->getDefaultConfiguration()->getName(), "AUCH2BPS16SR48000");
+    EXPECT_THAT(
+        failure([&] { microphones->enableStreaming(makeRefcounted<AudioConfiguration>(1, 8, 8000)); }),
+        HasSubstr("no mode"));
+    microphones->enableStreaming(microphones->getDefaultConfiguration());
+    const Frame block = read(microphones);
+    EXPECT_EQ(block.status, ReadBufferStatus_OK);
+    EXPECT_EQ(block.length, static_cast<int>(Simulated::audioBlockBytes));
+    microphones->disableStreaming();
+    EXPECT_EQ(read(microphones).status, ReadBufferStatus_NOT_STREAMING);
+}
+
+} // namespace
+} // namespace Zentara
