@@ -235,7 +235,7 @@ TEST_P(DepthNodeTest, GivesTheDescriptionsCalibrationWithoutAStorage) {
 std::string storageImage() {
     TestSupport::Bytes bytes(0x10000, 0xFF);
     TestSupport::ImageFlash flash(bytes);
-    ROM::ChunkedMemoryManager memory(&flash, 0, 0x10000, 256, true);
+    ROM::ChunkedMemoryManager memory(&flash, 0x8000, 0x4000, 256, true);
     ROM::Container container(&memory);
     ROM::ROM rom(&container);
     rom.initialize();
