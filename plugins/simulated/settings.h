@@ -76,7 +76,8 @@ struct Fault {
 ///                                    I/O failure
 ///     refuse cancel                  no cancel is accepted
 ///     chip NAME                      the controller: OV0570 (unless set), VC0258, VC0345 or none; the variable
-///                                    ZENTARA_SIMULATED_CHIP, when set, has the last word
+///                                    ZENTARA_SIMULATED_CHIP, when set, has the last word; a camera that is
+///                                    described has the controller of its description
 ///     device ADDRESS A D             a device on an OV0570's bus with A address and D data bytes, 1 to 4; the first
 ///                                    such statement replaces the usual two
 ///     claim N                        how many further devices an OV0570 claims to have
