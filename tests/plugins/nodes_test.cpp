@@ -20,6 +20,7 @@
 #include <zentara/io/parameter_requests.h>
 #include <zentara/io/uvc_command_request.h>
 #include <zentara/plugin/plugin_exceptions.h>
+#include <zentara/raw_output_mode.h>
 #include <zentara/rom/chunked_memory_manager.h>
 #include <zentara/rom/configuration.h>
 #include <zentara/rom/container.h>
@@ -122,7 +123,7 @@ protected:
 };
 
 INSTANTIATE_TEST_SUITE_P(Cameras, DepthNodeTest, testing::Values("ZS570", "ZS258", "ZS345"),
-                         [](const auto& info) { return info.param; });
+                         [](const auto& camera) { return camera.param; });
 
 TEST_P(DepthNodeTest, SendsItsCommandsWhenItStartsAndStops) {
     DepthHost camera(host.find(NodeType_DEPTH));
@@ -235,7 +236,7 @@ TEST_P(DepthNodeTest, GivesTheDescriptionsCalibrationWithoutAStorage) {
 std::string storageImage() {
     TestSupport::Bytes bytes(0x10000, 0xFF);
     TestSupport::ImageFlash flash(bytes);
-    ROM::ChunkedMemoryManager memory(&flash, 0x8000, 0x4000, 256, true);
+    ROM::ChunkedMemoryManager memory(&flash, 0, 0x4000, 256, true);
     ROM::Container container(&memory);
     ROM::ROM rom(&container);
     rom.initialize();

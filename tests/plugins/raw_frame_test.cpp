@@ -43,7 +43,7 @@ INSTANTIATE_TEST_SUITE_P(Modes, RawFrame,
                                          Mode{"PhaseAndConfidence", RawOutputMode_PHASE_AND_CONFIDENCE, 10, 0,
                                               true},
                                          Mode{"Taps", RawOutputMode_TAPS, 20, 3, true}),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& mode) { return mode.param.name; });
 
 TEST_P(RawFrame, GivesBackDepthAndConfidence) {
     RawHeader header;
@@ -62,8 +62,9 @@ TEST_P(RawFrame, GivesBackDepthAndConfidence) {
         ASSERT_EQ(depth[i] == 0, phase[i] == 0) << i;
         if (confidence[i] > 100)
             worst = std::max(worst, std::abs(depth[i] - depthBack[i]));
-        if (GetParam().keepsConfidence)
+        if (GetParam().keepsConfidence) {
             ASSERT_NEAR(confidence[i], confidenceBack[i], 1) << i;
+        }
     }
     EXPECT_LE(worst, GetParam().depthTolerance);
 }
