@@ -166,7 +166,7 @@ void StoredCalibration::readConfiguration(const ROM::Configuration& stored) {
     offsets[1] = stored.getPhaseOffset2().getPhaseOffset();
     setPhaseDelays(IO::CalibrationData(offsets[0], offsets[1]));
 
-    const std::vector<float>& temperatures = stored.getTemperatureCalibration().getValues();
+    const std::vector<float> temperatures = stored.getTemperatureCalibration().getValues();
     if (!temperatures.empty()) {
         TemperatureCalibration calibration;
         for (SensorValueArray& mode : calibration.modes) {
