@@ -159,7 +159,7 @@ TYPED_TEST_SUITE(ChipFailureTest, Cameras);
 
 TYPED_TEST(ChipFailureTest, AFailedTransferLeavesTheChipAsItsSuccessesSay) {
     for (const auto& operation : operationsOf(static_cast<const TypeParam*>(nullptr))) {
-        if (operation.isOneCall) {
+        if (operation.isWalked) {
             this->walkAll(operation, false);
             this->walkAll(operation, true);
         }
