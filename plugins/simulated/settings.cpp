@@ -238,6 +238,8 @@ bool readControllerStatement(Statement& statement, const std::string& verb, Cont
         settings.resetReads = numberUpTo(statement, "the reads", 0, 1000);
     else if (verb == "flash")
         settings.flash = statement.rest();
+    else if (verb == "keepFlash")
+        settings.keptFlash = statement.rest();
     else if (verb == "transferLog")
         settings.transferLog = statement.rest();
     else if (verb == "transfer")
@@ -261,7 +263,7 @@ void readStatement(Statement& statement, Settings& settings) {
     } else if (!readControllerStatement(statement, verb, settings.controller)) {
         statement.fail(
             Format("unknown statement '%'; known: seed throw hang refuse chip device claim fpgaRounds "
-                   "resetReads flash transfer transferLog") %
+                   "resetReads flash keepFlash transfer transferLog") %
             verb);
     }
     if (!statement.atEnd())

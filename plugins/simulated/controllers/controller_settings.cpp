@@ -32,6 +32,7 @@ std::unique_ptr<ControllerModel> makeOV0570(const ControllerSettings& wanted) {
     if (!wanted.flash.empty()) {
         settings.flash = readFlash(wanted.flash);
     }
+    settings.flashFile = wanted.keptFlash;
     settings.claimedDevices = wanted.claimedDevices;
     settings.fpgaRounds = wanted.fpgaRounds;
     settings.resetRounds = wanted.resetReads;
@@ -44,6 +45,7 @@ std::unique_ptr<ControllerModel> makeWithFlash(const ControllerSettings& wanted)
     if (!wanted.flash.empty()) {
         settings.flash = readFlash(wanted.flash);
     }
+    settings.flashFile = wanted.keptFlash;
     return std::make_unique<Model>(std::move(settings));
 }
 

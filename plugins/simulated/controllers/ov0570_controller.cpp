@@ -37,7 +37,8 @@ RegisterFile fileOf(const OV0570Controller::Device& device) {
 
 } // namespace
 
-OV0570Controller::OV0570Controller(Settings initial) : settings(std::move(initial)) {
+OV0570Controller::OV0570Controller(Settings initial)
+    : settings(std::move(initial)), memory(settings.flashFile, settings.flash) {
     files.push_back(fileOf(settings.bridge));
     for (const Device& device : settings.devices) {
         files.push_back(fileOf(device));
@@ -214,7 +215,7 @@ Bytes OV0570Controller::readFlash() {
     }
     Bytes reply(1 + pieceBytes);
     for (std::size_t i = 1; i <= pieceBytes && position <= last; ++i, ++position) {
-        reply[i] = position < settings.flash.size() ? settings.flash[position] : 0xFF;
+        reply[i] = position < memory.bytes().size() ? memory.bytes()[position] : 0xFF;
     }
     return reply;
 }
@@ -224,9 +225,7 @@ void OV0570Controller::writeFlash(const Bytes& packet) {
         stall(*this, "EEPROM write without a range to write to");
     }
     for (std::size_t i = 1; i <= pieceBytes && position <= last; ++i, ++position) {
-        if (position < settings.flash.size()) {
-            settings.flash[position] = packet[i];
-        }
+        memory.write(position, packet[i]);
     }
 }
 

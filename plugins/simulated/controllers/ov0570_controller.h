@@ -3,9 +3,12 @@
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "plugins/simulated/controllers/controller_model.h"
+#include "plugins/simulated/controllers/factory_flash.h"
+#include "plugins/simulated/controllers/kept_flash.h"
 #include "plugins/simulated/controllers/register_file.h"
 
 namespace Zentara::Simulated {
@@ -35,7 +38,8 @@ public:
         std::uint16_t word10 = 0x3333;
         std::uint16_t writableSize = 0x4000;
         std::uint16_t readableSize = 0xFFFF;
-        Bytes flash = patternFlash(0x57);
+        Bytes flash = factoryFlash(0x57);
+        std::string flashFile;    ///< where the flash is kept (UTF-8), empty for nowhere
         unsigned fpgaRounds = 0;  ///< rounds of two reads that the FPGA bits take to come up
         unsigned resetRounds = 0; ///< reads of the reset status that find it low
     };
@@ -51,8 +55,8 @@ public:
     [[nodiscard]] std::optional<std::size_t> length(std::uint32_t selector) const override;
     void set(std::uint32_t selector, const Bytes& packet) override;
     [[nodiscard]] Bytes get(std::uint32_t selector, const Bytes& request) override;
-    [[nodiscard]] const Bytes& flash() const noexcept override { return settings.flash; }
-    [[nodiscard]] const Bytes& configuration() const noexcept override { return settings.flash; }
+    [[nodiscard]] const Bytes& flash() const noexcept override { return memory.bytes(); }
+    [[nodiscard]] const Bytes& configuration() const noexcept override { return memory.bytes(); }
 
     [[nodiscard]] RegisterFile* tofRegisters() noexcept override;
 
@@ -75,6 +79,7 @@ private:
     enum class EepromState { Idle, Ranged, Prepared, Reading };
 
     Settings settings;
+    KeptFlash memory;
     std::vector<RegisterFile> files;
     EepromState state = EepromState::Idle;
     std::uint32_t position = 0; ///< next byte of the range

@@ -17,7 +17,8 @@ constexpr std::uint8_t tofReadAddress = 0x23;
 
 } // namespace
 
-VC0258Controller::VC0258Controller(Settings initial) : settings(std::move(initial)) {
+VC0258Controller::VC0258Controller(Settings initial)
+    : settings(std::move(initial)), kept(settings.flashFile, settings.configuration) {
     for (const auto& [address, dataBytes] : settings.devices) {
         files.emplace(address, RegisterFile(1, dataBytes));
     }
@@ -121,7 +122,7 @@ Bytes VC0258Controller::readMemory(const Bytes& request) const {
         stall(*this, "DMA code " + hexText(request[0]) + " for " + std::to_string(count) + " bytes");
     }
     const Bytes& memory =
-        bridgeRegisters.value(VCBridgeRegisters::memoryArea) == 0 ? settings.flash : settings.configuration;
+        bridgeRegisters.value(VCBridgeRegisters::memoryArea) == 0 ? settings.flash : kept.bytes();
     const std::size_t start = static_cast<std::size_t>(request[1] | (request[2] << 8));
     Bytes reply = request;
     for (std::size_t i = 0; i < count; ++i) {

@@ -4,6 +4,8 @@
 #include <map>
 
 #include "plugins/simulated/controllers/controller_model.h"
+#include "plugins/simulated/controllers/factory_flash.h"
+#include "plugins/simulated/controllers/kept_flash.h"
 #include "plugins/simulated/controllers/register_file.h"
 #include "plugins/simulated/controllers/vc_bridge_registers.h"
 
@@ -18,7 +20,8 @@ class VC0258Controller final : public ControllerModel {
 public:
     struct Settings {
         Bytes flash = patternFlash(0x28);
-        Bytes configuration = patternFlash(0x82);
+        Bytes configuration = factoryFlash(0x82);
+        std::string flashFile; ///< where the configuration memory is kept (UTF-8), empty for nowhere
         /// Data bytes of each device on the bus by 7-bit address. The time-of-flight controller is written as
         /// 0x21 and read as 0x23.
         std::map<std::uint8_t, unsigned> devices{{0x21, 2}, {0x60, 2}, {0x30, 1}};
@@ -33,7 +36,7 @@ public:
     void set(std::uint32_t selector, const Bytes& packet) override;
     [[nodiscard]] Bytes get(std::uint32_t selector, const Bytes& request) override;
     [[nodiscard]] const Bytes& flash() const noexcept override { return settings.flash; }
-    [[nodiscard]] const Bytes& configuration() const noexcept override { return settings.configuration; }
+    [[nodiscard]] const Bytes& configuration() const noexcept override { return kept.bytes(); }
 
     [[nodiscard]] RegisterFile* tofRegisters() noexcept override;
 
@@ -48,6 +51,7 @@ private:
     [[nodiscard]] Bytes readMemory(const Bytes& request) const;
 
     Settings settings;
+    KeptFlash kept; ///< the configuration memory; a host cannot write it
     VCBridgeRegisters bridgeRegisters;
     std::map<std::uint8_t, RegisterFile> files;
 };

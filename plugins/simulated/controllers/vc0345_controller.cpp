@@ -12,10 +12,15 @@ constexpr std::uint8_t highByte = 0x80;
 
 std::size_t romAddress(const Bytes& packet) { return static_cast<std::size_t>(packet[1] | (packet[2] << 8)); }
 
+Bytes wholeMemory(Bytes flash) {
+    flash.resize(0x10000, 0xFF);
+    return flash;
+}
+
 } // namespace
 
-VC0345Controller::VC0345Controller(Settings initial) : settings(std::move(initial)) {
-    settings.flash.resize(0x10000, 0xFF);
+VC0345Controller::VC0345Controller(const Settings& initial)
+    : memory(initial.flashFile, wholeMemory(initial.flash)) {
     tofFile.write(0x21, 0x2035);
 }
 
@@ -74,7 +79,7 @@ void VC0345Controller::writeRom(const Bytes& packet) {
     if (packet[0] != 0xA1) {
         stall(*this, "code " + hexText(packet[0]) + " in a SET of a ROM byte");
     }
-    settings.flash[romAddress(packet)] = packet[3];
+    memory.write(romAddress(packet), packet[3]);
 }
 
 Bytes VC0345Controller::readRom(const Bytes& request) const {
@@ -82,7 +87,7 @@ Bytes VC0345Controller::readRom(const Bytes& request) const {
         stall(*this, "code " + hexText(request[0]) + " in a GET of a ROM byte");
     }
     Bytes reply = request;
-    reply[3] = settings.flash[romAddress(request)];
+    reply[3] = memory.bytes()[romAddress(request)];
     return reply;
 }
 

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "plugins/simulated/controllers/controller_model.h"
+#include "plugins/simulated/controllers/factory_flash.h"
+#include "plugins/simulated/controllers/kept_flash.h"
 #include "plugins/simulated/controllers/register_file.h"
 #include "plugins/simulated/controllers/vc_bridge_registers.h"
 
@@ -12,10 +14,11 @@ namespace Zentara::Simulated {
 class VC0345Controller final : public ControllerModel {
 public:
     struct Settings {
-        Bytes flash = patternFlash(0x45);
+        Bytes flash = factoryFlash(0x45);
+        std::string flashFile; ///< where the flash is kept (UTF-8), empty for nowhere
     };
 
-    explicit VC0345Controller(Settings settings);
+    explicit VC0345Controller(const Settings& initial);
 
     [[nodiscard]] ChipKind kind() const noexcept override { return ChipKind::VC0345; }
     [[nodiscard]] const ::GUID& guid() const noexcept override { return vcUnitGuid(); }
@@ -23,8 +26,8 @@ public:
     [[nodiscard]] std::optional<std::size_t> length(std::uint32_t selector) const override;
     void set(std::uint32_t selector, const Bytes& packet) override;
     [[nodiscard]] Bytes get(std::uint32_t selector, const Bytes& request) override;
-    [[nodiscard]] const Bytes& flash() const noexcept override { return settings.flash; }
-    [[nodiscard]] const Bytes& configuration() const noexcept override { return settings.flash; }
+    [[nodiscard]] const Bytes& flash() const noexcept override { return memory.bytes(); }
+    [[nodiscard]] const Bytes& configuration() const noexcept override { return memory.bytes(); }
 
     [[nodiscard]] VCBridgeRegisters& bridge() { return bridgeRegisters; }
     [[nodiscard]] RegisterFile* tofRegisters() noexcept override { return &tofFile; }
@@ -36,7 +39,7 @@ private:
     void writeRom(const Bytes& packet);
     [[nodiscard]] Bytes readRom(const Bytes& request) const;
 
-    Settings settings;
+    KeptFlash memory; ///< 64 KiB
     VCBridgeRegisters bridgeRegisters;
     RegisterFile tofFile{1, 2};
 };

@@ -34,7 +34,7 @@ TEST_P(ProxiedChipTest, EachChipDrivesItsController) {
     ov0570.initialize(proxy.get());
     ov0570.setTOFControllerRegisterLocked(5, 0x1234);
     EXPECT_EQ(ov0570.getTOFControllerRegisterLocked(5), 0x1234U);
-    EXPECT_EQ(ov0570.getUSBBackendFirmwareLocked(0, 0x10000), Simulated::patternFlash(0x57));
+    EXPECT_EQ(ov0570.getUSBBackendFirmwareLocked(0, 0x10000), Simulated::factoryFlash(0x57));
     ov0570.dispose();
     EXPECT_THROW(ov0570.setTOFControllerRegisterLocked(5, 1), Plugin::InvalidOperationPluginException);
 
@@ -43,14 +43,14 @@ TEST_P(ProxiedChipTest, EachChipDrivesItsController) {
     vc0258.initialize(proxy.get());
     vc0258.setTOFControllerRegisterLocked(5, 0x1234);
     EXPECT_EQ(vc0258.getTOFControllerRegisterLocked(5), 0x1234U);
-    EXPECT_EQ(vc0258.getUSBBackendConfigurationLocked(0, 0x10000), Simulated::patternFlash(0x82));
+    EXPECT_EQ(vc0258.getUSBBackendConfigurationLocked(0, 0x10000), Simulated::factoryFlash(0x82));
 
     plugIn("chip VC0345");
     IO::VC0345Impl vc0345;
     vc0345.initialize(proxy.get());
     vc0345.setTOFControllerRegisterLocked(5, 0x1234);
     EXPECT_EQ(vc0345.getTOFControllerRegisterLocked(5), 0x1234U);
-    EXPECT_EQ(vc0345.getUSBBackendFirmwareLocked(0x100, 16).back(), Simulated::patternFlash(0x45)[0x10F]);
+    EXPECT_EQ(vc0345.getUSBBackendFirmwareLocked(0x100, 16).back(), Simulated::factoryFlash(0x45)[0x10F]);
 }
 
 // A setup that fails leaves the proxy bound: a second one is a call away.
