@@ -19,6 +19,7 @@ constexpr unsigned vcUnit = 4;
 constexpr unsigned vcSensorControl = 16;
 constexpr int vc0258SensorBytes = 9;
 constexpr int vc0345SensorBytes = 4;
+constexpr std::size_t eepromPacketBytes = 32;
 
 /// A chip that shows each of its transfers.
 template<typename Chip>
@@ -117,12 +118,28 @@ public:
         return chip.getUSBBackendConfigurationLocked(start, length);
     }
 
+    [[nodiscard]] bool canWriteFlash() const override { return false; }
+    void writeFlash(unsigned, const std::vector<std::uint8_t>&) override {
+        refuse(chipKind, "way to write its flash");
+    }
+
 protected:
     TracedChip<Chip> chip;
 };
 
 using VC0258Chip = KnownChip<IO::VC0258Impl, ChipKind::VC0258>;
-using VC0345Chip = KnownChip<IO::VC0345Impl, ChipKind::VC0345>;
+
+/// Its ROM takes single bytes.
+class VC0345Chip final : public KnownChip<IO::VC0345Impl, ChipKind::VC0345> {
+public:
+    using KnownChip::KnownChip;
+
+    [[nodiscard]] bool canWriteFlash() const override { return true; }
+    void writeFlash(unsigned start, const std::vector<std::uint8_t>& bytes) override {
+        for (std::size_t i = 0; i < bytes.size(); ++i)
+            chip.setROMData8(static_cast<unsigned short>(start + i), bytes[i]);
+    }
+};
 
 /// The one that knows its bus, and a colour sensor on it.
 class OV0570Chip final : public KnownChip<IO::OV0570Impl, ChipKind::OV0570> {
@@ -155,14 +172,34 @@ public:
         return {0xFF, {found->addressMask(), found->dataMask()}};
     }
     void write(RegisterTarget target, unsigned reg, unsigned value) override {
-        if (target != RegisterTarget::Rgb)
+        if (target != RegisterTarget::Color)
             return KnownChip::write(target, reg, value);
         chip.setRGBSensorRegisterLocked(static_cast<unsigned char>(reg), static_cast<unsigned char>(value));
     }
     [[nodiscard]] unsigned read(RegisterTarget target, unsigned reg) override {
-        return target == RegisterTarget::Rgb
+        return target == RegisterTarget::Color
                    ? chip.getRGBSensorRegisterLocked(static_cast<unsigned char>(reg))
                    : KnownChip::read(target, reg);
+    }
+
+    [[nodiscard]] bool canWriteFlash() const override { return true; }
+
+    /// In ranges that the EEPROM takes at once, each in packets of 32 bytes.
+    void writeFlash(unsigned start, const std::vector<std::uint8_t>& bytes) override {
+        const std::size_t most = chip.getEEPROMWritableSize();
+        if (most == 0)
+            refuse(kind(), "writable EEPROM");
+        for (std::size_t at = 0; at < bytes.size(); at += most)
+            writeRange(static_cast<unsigned>(start + at), bytes.data() + at,
+                       std::min(most, bytes.size() - at));
+    }
+
+private:
+    void writeRange(unsigned start, const std::uint8_t* bytes, std::size_t length) {
+        chip.setEEPROMWriteAddress(static_cast<unsigned short>(start),
+                                   static_cast<unsigned short>(start + length - 1));
+        for (std::size_t at = 0; at < length; at += eepromPacketBytes)
+            chip.setEEPROMData(bytes + at, static_cast<unsigned>(std::min(eepromPacketBytes, length - at)));
     }
 };
 

@@ -23,7 +23,7 @@ using Simulated::Transfer;
 /// Is told of each transfer when it is over, failed ones included.
 using TransferSink = std::function<void(const Transfer&)>;
 
-enum class RegisterTarget { Bridge, Tof, Rgb };
+enum class RegisterTarget { Bridge, Tof, Color };
 
 /// The greatest register and value that a target takes.
 struct RegisterLimits {
@@ -62,6 +62,10 @@ public:
 
     [[nodiscard]] virtual std::vector<unsigned char> readFirmware(unsigned start, unsigned length) = 0;
     [[nodiscard]] virtual std::vector<unsigned char> readConfiguration(unsigned start, unsigned length) = 0;
+
+    /// The configuration memory; addresses have 16 bits. \throws ToolFailure when the chip has no way to write.
+    [[nodiscard]] virtual bool canWriteFlash() const = 0;
+    virtual void writeFlash(unsigned start, const std::vector<std::uint8_t>& bytes) = 0;
 
     void command(IO::UVCPrefix prefix, unsigned a, unsigned b);
 };

@@ -19,7 +19,7 @@ struct Options : ChipOptions {
 
 RegisterTarget targetOf(const std::string& name) {
     const std::map<std::string, RegisterTarget> targets{
-        {"bridge", RegisterTarget::Bridge}, {"tof", RegisterTarget::Tof}, {"rgb", RegisterTarget::Rgb}};
+        {"bridge", RegisterTarget::Bridge}, {"tof", RegisterTarget::Tof}, {"rgb", RegisterTarget::Color}};
     return targets.at(name);
 }
 
