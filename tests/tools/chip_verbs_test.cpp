@@ -3,7 +3,7 @@
 
 #include <zentara/utils/files.h>
 
-#include "plugins/simulated/controllers/controller_model.h"
+#include "plugins/simulated/controllers/factory_flash.h"
 #include "support/simulated_faults.h"
 #include "tools/tool_fixture.h"
 #include "tools/zentara/verb.h"
@@ -12,6 +12,7 @@ namespace Zentara::Tool {
 namespace {
 
 using Simulated::Bytes;
+using Simulated::factoryFlash;
 using Simulated::patternFlash;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -44,16 +45,19 @@ TEST_F(ChipVerbs, DumpTheWholeMemoryOfEachController) {
         ASSERT_EQ(run.exitCode, 0) << run.err;
         EXPECT_EQ(run.json().at("camera"), row.camera);
         EXPECT_EQ(run.json().at("length"), 65536);
-        EXPECT_EQ(Utils::readFile(file), textOf(patternFlash(row.firmware)));
+        const bool isOneMemory = row.firmware == row.configuration;
+        const std::string firmware =
+            textOf(isOneMemory ? factoryFlash(row.firmware) : patternFlash(row.firmware));
+        EXPECT_EQ(Utils::readFile(file), firmware);
         ASSERT_EQ(ToolTest::run({"firmware", "dump", file, "--camera", row.camera, "--area", "configuration",
-                                 "--start", "0x100", "--length", "5000"})
+                                 "--start", "0x3000", "--length", "5000"})
                       .exitCode,
                   0);
-        EXPECT_EQ(Utils::readFile(file), textOf(patternFlash(row.configuration)).substr(0x100, 5000));
+        EXPECT_EQ(Utils::readFile(file), textOf(factoryFlash(row.configuration)).substr(0x3000, 5000));
         ASSERT_EQ(
             ToolTest::run({"firmware", "dump", file, "--camera", row.camera, "--start", "0xFFF"}).exitCode, 0)
             << "no piece may begin at 0xFFFF";
-        EXPECT_EQ(Utils::readFile(file), textOf(patternFlash(row.firmware)).substr(0xFFF));
+        EXPECT_EQ(Utils::readFile(file), firmware.substr(0xFFF));
     }
 }
 

@@ -55,9 +55,9 @@ int runTool(std::vector<std::string> arguments, Console& console) {
     program.set_version_flag("--version", versionText());
     program.require_subcommand(1);
     program.get_formatter()->label("SUBCOMMAND", "VERB");
-    const std::vector<Verb> verbs{addPluginsVerb(program), addStreamVerb(program),   addXuVerb(program),
-                                  addRegVerb(program),     addI2cVerb(program),      addFirmwareVerb(program),
-                                  addMetaVerb(program),    addModfreqVerb(program)};
+    const std::vector<Verb> verbs{addPluginsVerb(program), addStreamVerb(program),  addXuVerb(program),
+                                  addRegVerb(program),     addI2cVerb(program),     addFirmwareVerb(program),
+                                  addMetaVerb(program),    addModfreqVerb(program), addRomVerb(program)};
     try {
         std::reverse(arguments.begin(), arguments.end()); // the parser takes them from the back
         program.parse(std::move(arguments));

@@ -31,6 +31,7 @@ struct Verb {
 [[nodiscard]] Verb addModfreqVerb(CLI::App& program);
 [[nodiscard]] Verb addPluginsVerb(CLI::App& program);
 [[nodiscard]] Verb addRegVerb(CLI::App& program);
+[[nodiscard]] Verb addRomVerb(CLI::App& program);
 [[nodiscard]] Verb addStreamVerb(CLI::App& program);
 [[nodiscard]] Verb addXuVerb(CLI::App& program);
 

@@ -1,0 +1,187 @@
+#include <random>
+
+#include <gmock/gmock.h>
+
+#include <zentara/rom/configuration.h>
+#include <zentara/rom/gradient_distortion_correction.h>
+#include <zentara/rom/section.h>
+#include <zentara/rom/system_calibration.h>
+#include <zentara/rom/system_info.h>
+
+#include "tools/zentara/rom/rom_json.h"
+#include "tools/zentara/rom/rom_record.h"
+
+namespace Zentara::Tool {
+namespace {
+
+using testing::HasSubstr;
+
+RomSection sectionOf(const ROM::Object& object) {
+    return {static_cast<std::uint8_t>(object.getType()), ROM::Section::FLAG_WRITABLE, object.serialize()};
+}
+
+/// Through the text, as a file holds it.
+RomContent passedOn(const RomContent& content) {
+    return contentFromJson(parseJson(contentToJson(content).dump(2)));
+}
+
+TEST(RomJson, NamesTheFieldsThatTheLibraryWrites) {
+    const ROM::SystemInfo info(ROM::SystemInfoData({0x12345678, 0x9ABC, 0xDEF0, {1, 2, 3, 4, 5, 6, 7, 8}}),
+                               {3, 4});
+    const ROM::IntrinsicsData lens(ROM::IntrinsicsData::Type::Color, 640, 480, 1, 2, 3, 4, 5, 6, 7, 8, 9);
+    const ROM::SystemCalibration calibration({1, 2, 3}, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}, {}, {lens});
+    const ROM::Configuration configuration(ROM::TemperatureCalibrationData({0.1F}),
+                                           {ROM::PhaseOffset::MARKER, -5}, {ROM::PhaseOffset::MARKER2, 7},
+                                           {ROM::TemperatureAlgorithmID{2}, {1, -2.5F}},
+                                           {ROM::CyclicErrorAlgorithmID{3}, {}});
+    const ROM::GradientDistortionCorrection correction({1, 2, 3, "SN\"7"}, {{30, {1, 0xFE}}});
+    const struct {
+        const ROM::Object& object;
+        const char* records;
+    } rows[] = {
+        {info, R"([{"record":"systemInfo","guid":"12345678-9abc-def0-0102-030405060708"},
+                   {"record":"hardwareInfo","qvgaDepthType":3,"lensType":4}])"},
+        {calibration,
+         R"([{"record":"colorIntrinsics","width":640,"height":480,"fx":1.0,"fy":2.0,"cx":3.0,"cy":4.0,
+                           "k1":5.0,"k2":6.0,"p1":7.0,"p2":8.0,"k3":9.0},
+                          {"record":"extrinsics","rotation":[1.0,2.0,3.0,4.0,5.0,6.0,7.0,8.0,9.0],
+                           "translation":[10.0,11.0,12.0]},
+                          {"record":"accelerometer","x":1.0,"y":2.0,"z":3.0}])"},
+        {configuration, R"([{"record":"temperatureCalibration","values":[0.1]},
+                            {"record":"phaseOffset","offset":-5},{"record":"phaseOffset2","offset":7},
+                            {"record":"temperatureCompensation","algorithm":2,"values":[1.0,-2.5]},
+                            {"record":"cyclicErrorCorrection","algorithm":3,"values":[]}])"},
+        {correction, R"([{"record":"correctionHeader","versionNumber":1,"timeOfLastWrite":2,"numberOfSets":3,
+                          "serialId":"SN\"7"},
+                         {"record":"correctionTable","modulationFrequency":30,"values":"01fe"}])"},
+    };
+    for (const auto& row : rows) {
+        const RomSection section = sectionOf(row.object);
+        EXPECT_EQ(sectionToJson(9, section)["records"].dump(), Json::parse(row.records).dump());
+        EXPECT_EQ(passedOn({{9, section}}), (RomContent{{9, section}}));
+    }
+}
+
+TEST(RomJson, KeepsWhatFieldsCannotSayAsHexadecimalDigits) {
+    const struct {
+        const char* what;
+        std::uint8_t type;
+        const char* data;
+        const char* json;
+    } rows[] = {
+        {"an unknown section type", 77, "01ff", R"("data":"01ff")"},
+        {"an unknown marker", 4, "6301070000005a", R"({"marker":99,"version":1,"data":"5a"})"},
+        {"a version to come", 3, "4002080000000102", R"({"marker":64,"version":2,"data":"0102"})"},
+        {"a marker of another section", 1, "4001080000000102", R"({"marker":64,"version":1,"data":"0102"})"},
+        {"too few bytes", 4, "20010700000005", R"({"marker":32,"version":1,"data":"05"})"},
+        {"surplus bytes", 4, "2001090000000506ff", R"({"marker":32,"version":1,"data":"0506ff"})"},
+        {"no number", 3, "22010b000000017fc00001", R"({"marker":34,"version":1,"data":"017fc00001"})"},
+        {"a text that is none", 5,
+         "440110000000000100000002030"
+         "2ff00",
+         R"("data":"000100000002030)"},
+        {"a count past the end", 3, "220107000000ff", R"({"marker":34,"version":1,"data":"ff"})"},
+        {"an end that is no record", 4,
+         "2001080000000506"
+         "20",
+         R"("trailing":"20")"},
+        {"nothing", 4, "", R"("records":[])"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        const RomSection section{row.type, 0, fromHex(row.data).value()};
+        EXPECT_THAT(sectionToJson(1, section).dump(), HasSubstr(row.json));
+        EXPECT_EQ(passedOn({{1, section}}), (RomContent{{1, section}}));
+    }
+}
+
+TEST(RomJson, LosesNothingOfAnyBytes) {
+    std::mt19937 random(1);
+    const std::uint8_t markers[] = {1, 16, 17, 18, 32, 33, 34, 64, 65, 66, 67, 68, 69, 128, 99};
+    for (int round = 0; round < 4000; ++round) {
+        Bytes data;
+        for (unsigned records = random() % 4; records > 0; --records) {
+            RawRecord record{
+                markers[random() % std::size(markers)], static_cast<std::uint8_t>(random() % 8 ? 1 : 2), {}};
+            record.data.resize(random() % 60);
+            for (std::uint8_t& byte : record.data)
+                byte = static_cast<std::uint8_t>(random() % 3 == 0 ? random() % 4 : random());
+            appendRecord(data, record);
+        }
+        if (random() % 4 == 0)
+            data.resize(data.size() + random() % 9, static_cast<std::uint8_t>(random()));
+        const RomContent content{
+            {static_cast<std::uint16_t>(random() % 65535 + 1),
+             {static_cast<std::uint8_t>(random() % 7), static_cast<std::uint8_t>(random()), data}}};
+        ASSERT_EQ(passedOn(content), content) << contentToJson(content).dump(2);
+    }
+}
+
+TEST(RomJson, NamesTheFieldThatIsWrong) {
+    const std::string before =
+        R"({"schema":1,"kind":"rom content","sections":[{"uid":4,"type":"diagnostic","flags":1,"records":[)";
+    const struct {
+        std::string text;
+        const char* message;
+    } rows[] = {
+        {"{", "parse error"},
+        {"[]", "/: expected an object"},
+        {R"({"schema":2,"kind":"rom content","sections":[]})",
+         "/schema: expected a whole number from 1 to 1"},
+        {R"({"schema":1,"kind":"soup","sections":[]})", "/kind: expected \"rom content\""},
+        {R"({"schema":1,"kind":"rom content"})", "/sections: is missing"},
+        {R"({"schema":1,"kind":"rom content","sections":{}})", "/sections: expected an array"},
+        {R"({"schema":1,"schema":1,"kind":"rom content","sections":[]})", "'schema' stands twice"},
+        {R"({"schema":1,"kind":"rom content","sections":[],"more":1})", "/more: no such field"},
+        {R"({"schema":1,"kind":"rom content","sections":[{"uid":0}]})",
+         "/sections/0/uid: expected a whole number from 1 to 65535"},
+        {R"({"schema":1,"kind":"rom content","sections":[{"uid":18446744073709551615}]})",
+         "/sections/0/uid: expected"},
+        {R"({"schema":1,"kind":"rom content","sections":[{"uid":1,"type":"soup"}]})",
+         "/sections/0/type: no such"},
+        {R"({"schema":1,"kind":"rom content","sections":[{"uid":1,"type":9,"flags":256}]})",
+         "/sections/0/flags"},
+        {R"({"schema":1,"kind":"rom content","sections":[{"uid":1,"type":9,"flags":1,"data":"0"}]})",
+         "/sections/0/data: expected pairs"},
+        {R"({"schema":1,"kind":"rom content","sections":[{"uid":1,"type":9,"flags":1,"data":"","records":[]}]})",
+         "/sections/0/records: no such field"},
+        {R"({"schema":1,"kind":"rom content","sections":[{"uid":1,"type":9,"flags":1,"data":""},
+            {"uid":1,"type":9,"flags":1,"data":""}]})",
+         "/sections/1/uid: the uid stands twice"},
+        {before + R"({"record":"overheating","softCounter":256,"hardCounter":0}]}]})",
+         "/sections/0/records/0/softCounter: expected a whole number from 0 to 255"},
+        {before + R"({"record":"overheating","softCounter":1}]}]})",
+         "/sections/0/records/0/hardCounter: is missing"},
+        {before + R"({"record":"overheating","softCounter":1,"hardCounter":0,"x":0}]}]})",
+         "/records/0/x: no such field"},
+        {before + R"({"record":"systemInfo","guid":""}]}]})",
+         "/records/0/record: no such record in a section of type diagnostic"},
+        {before + R"({"marker":1,"version":"1","data":""}]}]})",
+         "/records/0/version: expected a whole number"},
+        {R"({"schema":1,"kind":"rom content","sections":[{"uid":1,"type":1,"flags":1,"records":[
+            {"record":"systemInfo","guid":"12345678-9abc-def0-0102-03040506070g"}]}]})",
+         "/guid: expected a GUID"},
+        {R"({"schema":1,"kind":"rom content","sections":[{"uid":2,"type":2,"flags":1,"records":[
+            {"record":"extrinsics","rotation":[1,2],"translation":[1,2,3]}]}]})",
+         "/rotation: expected 9 numbers"},
+        {R"({"schema":1,"kind":"rom content","sections":[{"uid":2,"type":2,"flags":1,"records":[
+            {"record":"accelerometer","x":1e99,"y":0,"z":0}]}]})",
+         "/x: the number does not fit"},
+        {R"({"schema":1,"kind":"rom content","sections":[{"uid":5,"type":5,"flags":1,"records":[{"record":"correctionHeader",
+            "versionNumber":1,"timeOfLastWrite":2,"numberOfSets":3,"serialId":")" +
+             std::string(255, 'x') + "\"}]}]}",
+         "/serialId: expected a text of at most 254"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.text);
+        try {
+            static_cast<void>(contentFromJson(parseJson(row.text)));
+            ADD_FAILURE() << "accepted";
+        } catch (const RomJsonError& failure) {
+            EXPECT_THAT(failure.what(), HasSubstr(row.message));
+        }
+    }
+}
+
+} // namespace
+} // namespace Zentara::Tool

@@ -1,0 +1,303 @@
+#include <functional>
+#include <random>
+
+#include <gmock/gmock.h>
+
+#include <zentara/rom/section.h>
+#include <zentara/utils/crc.h>
+
+#include "tools/zentara/rom/rehearsal.h"
+#include "tools/zentara/rom/rom_survey.h"
+
+namespace Zentara::Tool {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+/// An image that a test builds with the library and then damages.
+class RomSurveyTest : public testing::Test {
+protected:
+    static constexpr std::uint32_t firstBlock = 100 + 17;
+    static constexpr std::uint32_t chunk = 64;
+
+    RomSurveyTest() {
+        Storage storage(image, image.area());
+        storage.container.initialize();
+        storage.container.initializeRom();
+        for (std::uint16_t uid = 1; uid <= 3; ++uid)
+            set(uid, 4, fromHex("2001080000000506").value());
+    }
+
+    void set(std::uint16_t uid, std::uint8_t type, const Bytes& data) {
+        change([&](ROM::Container& container) {
+            container.set(uid, static_cast<ROM::ContainerSectionType>(type), ROM::Section::FLAG_WRITABLE,
+                          data);
+        });
+    }
+    void change(const std::function<void(ROM::Container&)>& step) {
+        Storage storage(image, image.area());
+        storage.container.initialize();
+        step(storage.container);
+    }
+
+    void put(std::uint32_t address, const Bytes& bytes) { image.write(address, bytes); }
+    /// Repairs the checksum of the `length` bytes before it.
+    void seal(std::uint32_t address, std::uint32_t length) {
+        const Bytes bytes = image.read(address, length);
+        const unsigned crc = Utils::Crc16::compute(bytes.data(), length, 0);
+        put(address + length, {static_cast<std::uint8_t>(crc >> 8), static_cast<std::uint8_t>(crc)});
+    }
+    void link(std::uint32_t block, std::uint32_t next) {
+        put(block + 4, {0, 0, static_cast<std::uint8_t>(next >> 8), static_cast<std::uint8_t>(next)});
+        seal(block, 8);
+    }
+    static std::uint32_t block(unsigned index) { return firstBlock + index * chunk; }
+    static std::uint32_t section(unsigned index) { return block(index) + 10; }
+
+    [[nodiscard]] std::vector<std::pair<FindingKind, std::uint32_t>> faults() const {
+        std::vector<std::pair<FindingKind, std::uint32_t>> list;
+        const RomSurvey survey(image);
+        for (const Finding& finding : survey.findings())
+            if (finding.isFault)
+                list.emplace_back(finding.kind, finding.address);
+        return list;
+    }
+
+    FlashImage image{FlashArea{100, 1024, chunk, true}};
+};
+
+TEST_F(RomSurveyTest, FindsNothingWrongWithWhatTheLibraryWrites) {
+    EXPECT_THAT(faults(), IsEmpty());
+    const RomSurvey survey(image);
+    EXPECT_THAT(survey.findings(), IsEmpty());
+    ASSERT_EQ(survey.blocks().size(), 4U);
+    EXPECT_EQ(survey.blocks()[2].section->uid, 2);
+    EXPECT_EQ(survey.freeSpace().bytes, (1024U - 17 - 4 * chunk) / chunk * chunk);
+    EXPECT_EQ(survey.freeSpace().gaps.size(), 1U);
+
+    change([](ROM::Container& container) { container.erase(2); });
+    const RomSurvey erased(image);
+    EXPECT_FALSE(erased.isFaulty());
+    ASSERT_EQ(erased.unreachable().size(), 1U) << "what was erased is still there";
+    EXPECT_EQ(erased.unreachable()[0].address, section(2));
+    EXPECT_EQ(erased.freeSpace().gaps.size(), 2U);
+}
+
+TEST_F(RomSurveyTest, NamesEachDamageWithItsPlace) {
+    using Kind = FindingKind;
+    using Faults = std::vector<std::pair<FindingKind, std::uint32_t>>;
+    const FlashImage whole = image;
+    const struct {
+        const char* what;
+        std::function<void()> damage;
+        Faults faults;
+    } rows[] = {
+        {"erased header",
+         [&] { put(100, Bytes(17, 0xFF)); },
+         {{Kind::NotFormatted, 100},
+          {Kind::Unreachable, section(1)},
+          {Kind::Unreachable, section(2)},
+          {Kind::Unreachable, section(3)}}},
+        {"nothing but zeros", [&] { put(100, Bytes(1024, 0)); }, {{Kind::ManagementHeader, 100}}},
+        {"strategy",
+         [&] {
+             put(100, {2});
+             put(100 + 17, Bytes(1007, 0));
+         },
+         {{Kind::ManagementHeader, 100}}},
+        {"a readout version to come",
+         [&] {
+             put(102, {2});
+             seal(100, 15);
+             put(100 + 17, Bytes(1007, 0));
+         },
+         {{Kind::ManagementHeader, 100}}},
+        {"chunk size 0",
+         [&] {
+             put(107, Bytes(4, 0));
+             seal(100, 15);
+             put(100 + 17, Bytes(1007, 0));
+         },
+         {{Kind::ManagementHeader, 100}}},
+        {"more than the area",
+         [&] {
+             put(103, Bytes(4, 0xFF));
+             seal(100, 15);
+             put(100 + 17, Bytes(1007, 0));
+         },
+         {{Kind::ManagementHeader, 100}}},
+        {"no container",
+         [&] {
+             put(111, Bytes(4, 0));
+             seal(100, 15);
+             put(100 + 17, Bytes(1007, 0));
+         },
+         {{Kind::ContainerHeader, 100}}},
+        {"first link outside",
+         [&] {
+             put(111, Bytes(4, 0xFF));
+             seal(100, 15);
+             put(100 + 17, Bytes(1007, 0));
+         },
+         {{Kind::LinkOutside, 100}}},
+        {"container header", [&] { put(section(0), {9}); }, {{Kind::ContainerHeader, block(0)}}},
+        {"container version 0",
+         [&] {
+             put(section(0), {0});
+             seal(section(0), 2);
+         },
+         {{Kind::ContainerHeader, block(0)}}},
+        {"block header",
+         [&] { put(block(2), {1}); },
+         {{Kind::BlockHeader, block(2)}, {Kind::Unreachable, section(2)}, {Kind::Unreachable, section(3)}}},
+        {"block of 9 bytes",
+         [&] {
+             put(block(3), {0, 0, 0, 9});
+             seal(block(3), 8);
+         },
+         {{Kind::BlockHeader, block(3)}, {Kind::Unreachable, section(3)}}},
+        {"block of 4 GB",
+         [&] {
+             put(block(3), Bytes(4, 0xFF));
+             seal(block(3), 8);
+         },
+         {{Kind::BlockOutside, block(3)}, {Kind::Unreachable, section(3)}}},
+        {"link outside", [&] { link(block(3), 2000); }, {{Kind::LinkOutside, block(3)}}},
+        {"cycle", [&] { link(block(3), block(1)); }, {{Kind::Cycle, block(3)}}},
+        {"a step back",
+         [&] {
+             link(block(0), block(2));
+             link(block(2), block(1));
+             link(block(1), block(3));
+         },
+         {{Kind::ChainOrder, block(1)}}},
+        {"overlap",
+         [&] {
+             put(block(1), {0, 0, 0, 80});
+             seal(block(1), 8);
+         },
+         {{Kind::Overlap, block(2)}}},
+        {"section marker", [&] { put(section(2), {0}); }, {{Kind::SectionHeader, section(2)}}},
+        {"section header", [&] { put(section(2) + 6, {0}); }, {{Kind::SectionHeader, section(2)}}},
+        {"section length",
+         [&] {
+             put(section(2) + 1, {0, 0, 1, 0});
+             seal(section(2), 9);
+         },
+         {{Kind::SectionHeader, section(2)}}},
+        {"section length 0",
+         [&] {
+             put(section(2) + 1, {0, 0, 0, 0});
+             seal(section(2), 9);
+         },
+         {{Kind::SectionHeader, section(2)}}},
+        {"section data", [&] { put(section(2) + 12, {0x55}); }, {{Kind::SectionData, section(2)}}},
+        {"uid 0",
+         [&] {
+             put(section(2) + 7, {0, 0});
+             seal(section(2), 9);
+         },
+         {{Kind::ZeroUid, section(2)}}},
+        {"the same uid twice",
+         [&] {
+             put(section(2) + 7, {0, 1});
+             seal(section(2), 9);
+         },
+         {{Kind::DuplicateUid, section(2)}}},
+        {"a record too short",
+         [&] { set(2, 4, fromHex("20010700000005").value()); },
+         {{Kind::DamagedRecord, section(2)}}},
+        {"a text without an end",
+         [&] { set(2, 5, fromHex("4401110000000001000000020302414243").value()); },
+         {{Kind::DamagedRecord, section(2)}}},
+        {"a record of length 0",
+         [&] { set(2, 4, fromHex("200100000000").value()); },
+         {{Kind::DamagedRecord, section(2)}}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        image = whole;
+        row.damage();
+        EXPECT_EQ(faults(), row.faults);
+    }
+}
+
+TEST_F(RomSurveyTest, NotesWhatIsUnusualWithoutCallingItWrong) {
+    set(2, 99, {1, 2, 3});
+    set(3, 4, fromHex("6301060000002002080000000506").value());
+    const RomSurvey survey(image);
+    EXPECT_FALSE(survey.isFaulty());
+    std::vector<FindingKind> kinds;
+    for (const Finding& finding : survey.findings())
+        kinds.push_back(finding.kind);
+    EXPECT_THAT(kinds,
+                ElementsAre(FindingKind::UnknownType, FindingKind::UnknownRecord, FindingKind::OtherVersion));
+}
+
+/// Whatever the bytes are, the survey ends, and agrees with the library about what can be read.
+TEST_F(RomSurveyTest, EndsOnEveryImageAndSeesWhatTheLibrarySees) {
+    std::mt19937 random(7);
+    const FlashImage whole = image;
+    for (int round = 0; round < 3000; ++round) {
+        image = whole;
+        for (unsigned damages = random() % 4 + 1; damages > 0; --damages)
+            put(100 + random() % 400, {static_cast<std::uint8_t>(random())});
+        if (random() % 2)
+            for (unsigned i = 0; i < 4; ++i)
+                seal(block(i), 8);
+        const RomSurvey survey(image);
+        Storage storage(image, image.area());
+        storage.container.initialize();
+        if (!survey.isFaulty()) {
+            EXPECT_TRUE(storage.container.romInitialized());
+            EXPECT_EQ(storage.container.getSectionUIDs().size(), survey.blocks().size() - 1);
+        }
+    }
+    for (std::uint32_t size = 0; size < 1024; size += 7) {
+        const Bytes& bytes = whole.bytes();
+        const FlashImage cut(FlashArea{100, size, chunk, true},
+                             Bytes(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size)));
+        EXPECT_TRUE(RomSurvey(cut).isFaulty()) << size;
+    }
+}
+
+/// The shortest change that the format lets destroy a neighbour, and what it costs.
+TEST(RehearsalTest, RefusesWhatWouldCostANeighbour) {
+    FlashImage image(FlashArea{0, 8192, 256, false});
+    Storage storage(image, image.area());
+    storage.container.initialize();
+    storage.container.initializeRom();
+    RomContent wanted{{1, {4, 1, Bytes(600, 1)}}};
+    const Rehearsal first = rehearse(image, wanted, false);
+    ASSERT_TRUE(first.isGood());
+    wanted[2] = {4, 1, Bytes(300, 2)};
+    const Rehearsal second = rehearse(first.image, wanted, false);
+    EXPECT_THAT(second.losses, testing::Contains(HasSubstr("the container header would be lost")));
+    EXPECT_THAT(second.losses,
+                testing::Contains(HasSubstr("section 1 (diagnostic, 600 bytes) would be lost")));
+
+    const Rehearsal rebuilt = rebuild(first.image, wanted);
+    ASSERT_TRUE(rebuilt.isGood());
+    EXPECT_EQ(rebuilt.image.area().chunkSize, 512U)
+        << "the smallest in which at most one section has several chunks";
+    FlashImage replayed = first.image;
+    for (const FlashWrite& write : rebuilt.writes)
+        replayed.write(write.address, write.bytes);
+    EXPECT_EQ(replayed.bytes(), rebuilt.image.bytes());
+}
+
+TEST(RehearsalTest, RefusesToGrowABlockOverTheNextOne) {
+    FlashImage image(FlashArea{0, 8192, 256, true});
+    RomContent content{{1, {4, 1, Bytes(256 - 10 - 13, 1)}}, {2, {4, 1, Bytes(10, 2)}}};
+    const Rehearsal built = rehearse(image, content, true);
+    ASSERT_TRUE(built.isGood());
+    content[1].data.push_back(1);
+    const Rehearsal grown = rehearse(built.image, content, false);
+    EXPECT_THAT(grown.losses, ElementsAre(HasSubstr("section 2 (diagnostic, 10 bytes) would be lost")));
+    EXPECT_TRUE(rebuild(built.image, content).isGood());
+}
+
+} // namespace
+} // namespace Zentara::Tool

@@ -1,0 +1,289 @@
+#include <string>
+#include <vector>
+
+#include <zentara/utils/files.h>
+
+#include "plugins/simulated/controllers/factory_flash.h"
+#include "support/simulated_faults.h"
+#include "tools/tool_fixture.h"
+#include "tools/zentara/rom/hex_bytes.h"
+#include "tools/zentara/verb.h"
+
+namespace Zentara::Tool {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::StartsWith;
+using TestSupport::SimulatedFaults;
+
+class RomVerbs : public ToolTest {
+protected:
+    /// `zentara rom ARGUMENTS...`
+    static ToolRun rom(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), "rom");
+        return ToolTest::run(arguments);
+    }
+    /// The same; it must go well. Returns what it printed.
+    static std::string done(const std::vector<std::string>& arguments) {
+        const ToolRun run = rom(arguments);
+        EXPECT_EQ(run.exitCode, ExitCode_DONE) << run.err;
+        return run.out;
+    }
+    static void refused(const std::vector<std::string>& arguments, int exitCode, const std::string& text) {
+        const ToolRun run = rom(arguments);
+        EXPECT_EQ(run.exitCode, exitCode) << run.out << run.err;
+        EXPECT_THAT(run.err, HasSubstr(text));
+    }
+    static std::string contentWith(const std::string& sections) {
+        return R"({"schema":1,"kind":"rom content","sections":[)" + sections + "]}";
+    }
+    std::string file(const std::string& name, const std::string& bytes) {
+        Utils::writeFile(path(name), bytes);
+        return path(name);
+    }
+    void damage(std::size_t address) {
+        std::string bytes = Utils::readFile(image);
+        bytes.at(address) = static_cast<char>(bytes.at(address) ^ 0x40);
+        Utils::writeFile(image, bytes);
+    }
+
+    const std::string image = path("camera.bin");
+    const std::string backup = path("before.bak");
+};
+
+TEST_F(RomVerbs, ExportAndImportWithoutLoss) {
+    const std::string exported = done({"export", "camera:OV0570"});
+    for (const char* header : {"start", "end"}) {
+        SCOPED_TRACE(header);
+        const std::string copy = path(std::string(header) + ".bin");
+        done({"create", copy, "--size", "65536", "--chunk", "4096", "--header", header, "--backup", backup});
+        done({"import", file("content.json", exported), copy, "--backup", backup});
+        EXPECT_EQ(done({"export", copy}), exported);
+        done({"verify", copy});
+        done({"diff", copy, "camera:OV0570"});
+    }
+}
+
+TEST_F(RomVerbs, ImportTheExampleThatIsShipped) {
+    const std::string example = ZENTARA_EXAMPLES "/camera_rom.json";
+    done({"create", image, "--backup", backup});
+    EXPECT_THAT(done({"import", example, image, "--backup", backup}), HasSubstr("read back and verified"));
+    EXPECT_EQ(done({"export", image}), Utils::readFile(example));
+    EXPECT_THAT(done({"verify", image}), HasSubstr("all is right"));
+    EXPECT_THAT(done({"info", image}),
+                AllOf(HasSubstr("systemCalibration"), HasSubstr("table 0: frequency")));
+}
+
+TEST_F(RomVerbs, SetGetAndEraseOneSection) {
+    done({"create", image, "--size", "4096", "--backup", backup});
+    done({"set", "7", image, "--type", "diagnostic", "--hex", "2001080000000102", "--backup", backup});
+    EXPECT_EQ(done({"get", "7", image, "--hex"}), "2001080000000102\n");
+    const std::string json = done({"get", "7", image});
+    EXPECT_THAT(json, HasSubstr("\"softCounter\": 1"));
+
+    std::string changed = json;
+    changed.replace(changed.find("\"softCounter\": 1"), 16, "\"softCounter\": 9");
+    const std::string input = file("section.json", changed);
+    refused({"set", "7", image, "--file", input}, ExitCode_USAGE,
+            "section 7 (diagnostic, 8 bytes) is replaced");
+    EXPECT_THAT(done({"set", "7", image, "--file", input, "--dry-run"}), HasSubstr("nothing was written"));
+    EXPECT_EQ(done({"get", "7", image}), json) << "neither wrote";
+    done({"set", "7", image, "--file", input, "--yes", "--backup", backup});
+    EXPECT_EQ(done({"get", "7", image}), changed);
+    refused({"diff", backup, image}, ExitCode_FAILED, "");
+    EXPECT_THAT(rom({"diff", backup, image}).out, HasSubstr("records/0/softCounter: 1 -> 9"));
+    refused({"erase", "7", image}, ExitCode_USAGE, "--yes does it");
+    done({"erase", "7", image, "--yes", "--backup", backup});
+    refused({"get", "7", image}, ExitCode_FAILED, "Section 7 is not defined");
+    refused({"erase", "7", image, "--yes"}, ExitCode_FAILED,
+            "Cannot erase section - 7 is not a valid section uid");
+    refused({"set", "0", image, "--type", "4", "--hex", ""}, ExitCode_FAILED, "0 is not a valid section uid");
+}
+
+TEST_F(RomVerbs, KeepReadOnlySectionsAndWhatDoesNotFit) {
+    done({"create", image, "--size", "1024", "--backup", backup});
+    done({"set", "1", image, "--type", "77", "--hex", "01", "--read-only", "--backup", backup});
+    const std::string before = Utils::readFile(image);
+    refused({"set", "1", image, "--hex", "02", "--yes"}, ExitCode_PERMISSION, "section is read only");
+    refused({"erase", "1", image, "--yes"}, ExitCode_PERMISSION, "section is read only");
+    refused({"erase", "1", image, "--yes", "--rebuild"}, ExitCode_PERMISSION, "is read only");
+    refused({"set", "2", image, "--type", "77", "--hex", std::string(2000, '0')}, ExitCode_FAILED,
+            "failed to allocate space on the device");
+    EXPECT_EQ(Utils::readFile(image), before);
+}
+
+TEST_F(RomVerbs, RefuseAWriteThatCostsANeighbourAndOfferToRebuild) {
+    done({"create", image, "--size", "8192", "--header", "end", "--backup", backup});
+    done({"set", "1", image, "--type", "77", "--hex", std::string(1200, '1'), "--backup", backup});
+    const std::string before = Utils::readFile(image);
+    const std::vector<std::string> second{"set", "2", image, "--type", "77", "--hex", std::string(600, '2')};
+    const ToolRun run = rom(second);
+    EXPECT_EQ(run.exitCode, ExitCode_VERIFICATION);
+    EXPECT_THAT(run.err,
+                AllOf(HasSubstr("section 1 (type 77, 600 bytes) would be lost"), HasSubstr("--rebuild")));
+    EXPECT_EQ(Utils::readFile(image), before);
+
+    std::vector<std::string> rebuilt = second;
+    rebuilt.insert(rebuilt.end(), {"--rebuild", "--yes", "--backup", backup});
+    done(rebuilt);
+    EXPECT_EQ(Utils::readFile(backup), before);
+    EXPECT_EQ(done({"get", "1", image, "--hex"}), std::string(1200, '1') + "\n");
+    EXPECT_EQ(done({"get", "2", image, "--hex"}), std::string(600, '2') + "\n");
+    done({"verify", image});
+}
+
+TEST_F(RomVerbs, BackUpBesideTheImageAndRestore) {
+    done({"create", image, "--size", "4096", "--backup", backup});
+    const std::string empty = Utils::readFile(image);
+    done({"set", "1", image, "--type", "4", "--hex", "2001080000000102"});
+    EXPECT_EQ(filesLeft().size(), 2U) << "the image, and a backup named after the time";
+    done({"backup", path("copy.bin"), image});
+    EXPECT_EQ(Utils::readFile(path("copy.bin")), Utils::readFile(image));
+    done({"erase", "1", image, "--yes", "--backup", backup});
+    done({"restore", path("copy.bin"), image, "--backup", backup});
+    EXPECT_EQ(Utils::readFile(path("copy.bin")), Utils::readFile(image));
+
+    refused({"restore", file("small.bin", "x"), image}, ExitCode_FAILED,
+            "has 1 bytes, the flash area has 4096");
+    refused({"restore", file("zeros.bin", std::string(4096, '\0')), image}, ExitCode_VERIFICATION,
+            "is damaged");
+    EXPECT_EQ(Utils::readFile(path("copy.bin")), Utils::readFile(image));
+}
+
+TEST_F(RomVerbs, VerifyNamesTheDamageAndSalvageSavesWhatIsWhole) {
+    done({"create", image, "--size", "4096", "--backup", backup});
+    done({"import", file("content.json", contentWith(R"({"uid":1,"type":77,"flags":1,"data":"01"},
+        {"uid":2,"type":77,"flags":1,"data":"02"},{"uid":3,"type":77,"flags":1,"data":"03"})")),
+          image, "--backup", backup});
+    const std::string exported = done({"export", image});
+    damage(17 + 256 * 2); // the header of the second section's block
+    const ToolRun verified = rom({"verify", image, "--json"});
+    EXPECT_EQ(verified.exitCode, ExitCode_VERIFICATION);
+    EXPECT_EQ(verified.json().at("findings").at(0).at("kind"), "unknownType");
+    EXPECT_THAT(verified.out, AllOf(HasSubstr("\"blockHeader\""), HasSubstr("\"unreachable\"")));
+    EXPECT_THAT(rom({"list", image}).out, StartsWith("    1  type 77"));
+    refused({"set", "9", image, "--type", "77", "--hex", "09"}, ExitCode_VERIFICATION,
+            "it is damaged at 0x00000211");
+
+    EXPECT_THAT(done({"salvage", path("saved.bin"), image}), StartsWith("3 sections"));
+    EXPECT_EQ(done({"export", path("saved.bin")}), exported);
+    EXPECT_EQ(rom({"verify", image}).exitCode, ExitCode_VERIFICATION) << "the damaged image stays as it is";
+}
+
+TEST_F(RomVerbs, AnswerBadInputAndLeaveTheImageAlone) {
+    done({"create", image, "--size", "4096", "--backup", backup});
+    const std::string before = Utils::readFile(image);
+    const std::string none = file("none.bin", "");
+    const std::string shortFile = file("short.bin", "abc");
+    const std::string zeros = file("zeros.bin", std::string(4096, '\0'));
+    const std::string ones = file("ones.bin", std::string(4096, '\xFF'));
+    const struct {
+        std::vector<std::string> arguments;
+        int exitCode;
+        const char* text;
+    } rows[] = {
+        {{"verify", none}, ExitCode_VERIFICATION, "is empty"},
+        {{"verify", path("missing.bin")}, ExitCode_FAILED, "missing.bin"},
+        {{"list", shortFile}, ExitCode_VERIFICATION, "holds no storage"},
+        {{"list", zeros}, ExitCode_VERIFICATION, "holds no storage"},
+        {{"export", ones}, ExitCode_VERIFICATION, "holds no storage"},
+        {{"set", "1", ones, "--type", "4", "--hex", ""}, ExitCode_VERIFICATION, "never formatted"},
+        {{"salvage", path("x"), zeros}, ExitCode_VERIFICATION, "no whole section"},
+        {{"import", file("bad.json", contentWith(R"({"uid":"1"})")), image},
+         ExitCode_FAILED,
+         "bad.json': /sections/0/uid: expected"},
+        {{"import", file("broken.json", "{\"schema\":"), image}, ExitCode_FAILED, "broken.json"},
+        {{"set", "1", image, "--hex", "01"}, ExitCode_USAGE, "needs --type"},
+        {{"set", "1", image, "--type", "256", "--hex", "01"}, ExitCode_USAGE, "256"},
+        {{"set", "1", image, "--type", "4", "--hex", "0g"}, ExitCode_USAGE, "pairs"},
+        {{"set", "1", image, "--type", "4"}, ExitCode_USAGE, ""},
+        {{"set", "65536", image, "--type", "4", "--hex", ""}, ExitCode_USAGE, "65536"},
+        {{"info", image, "--start", "4096"}, ExitCode_USAGE, "not inside"},
+        {{"create", path("new.bin"), "--size", "16"}, ExitCode_USAGE, "no room"},
+        {{"create", path("new.bin"), "--size", "20"}, ExitCode_USAGE, "no room"},
+        {{"create", path("new.bin"), "--size", "100", "--header", "end"}, ExitCode_USAGE, "no room"},
+        {{"verify", "camera:OV9999"}, ExitCode_USAGE, "OV9999"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.text);
+        refused(row.arguments, row.exitCode, row.text);
+    }
+    EXPECT_EQ(Utils::readFile(image), before);
+    for (const std::string& bad : {shortFile, zeros, ones})
+        EXPECT_EQ(rom({"verify", bad}).exitCode, ExitCode_VERIFICATION) << bad;
+}
+
+/// What a run writes, the next one reads: the flash is kept in a file.
+TEST_F(RomVerbs, WorkOnTheFlashOfEachCamera) {
+    const struct {
+        const char* chip;
+        bool isWritable;
+    } rows[] = {{"OV0570", true}, {"VC0345", true}, {"VC0258", false}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.chip);
+        const std::string kept = path(std::string(row.chip) + ".flash");
+        const SimulatedFaults camera(std::string("chip ") + row.chip + ";keepFlash " + kept);
+        EXPECT_THAT(done({"info"}), AllOf(HasSubstr("16384 bytes at 0x00000000, chunks of 256"),
+                                          HasSubstr("gradientDistortionCorrection")));
+        EXPECT_THAT(done({"verify", "--direct"}), HasSubstr("5 sections in 6 blocks: all is right"));
+        const std::string before = Utils::readFile(kept);
+        const std::vector<std::string> set{"set",   "4",        "--type", "4", "--hex", "2001080000000301",
+                                           "--yes", "--backup", backup};
+        if (!row.isWritable) {
+            refused(set, ExitCode_PERMISSION, "has no way to write it");
+            EXPECT_EQ(Utils::readFile(kept), before);
+            continue;
+        }
+        done(set);
+        EXPECT_EQ(Utils::readFile(backup), before.substr(Simulated::romStart, Simulated::romSize));
+        EXPECT_EQ(done({"get", "4", "--hex"}), "2001080000000301\n");
+        const std::string after = Utils::readFile(kept);
+        EXPECT_EQ(after.substr(Simulated::romSize), before.substr(Simulated::romSize));
+        // The same area of the file, read as an image.
+        EXPECT_EQ(done({"export"}), done({"export", kept, "--size", "0x4000"}));
+        done({"create", "--yes", "--backup", path("again.bak")});
+        EXPECT_EQ(done({"list"}), "");
+        EXPECT_EQ(Utils::readFile(kept).substr(Simulated::romSize), before.substr(Simulated::romSize));
+        done({"restore", backup, "--yes", "--backup", path("again.bak")});
+        EXPECT_EQ(Utils::readFile(kept), before);
+    }
+}
+
+TEST_F(RomVerbs, TellWhereTheBytesOfBeforeAreWhenACameraFails) {
+    const std::string kept = path("kept.flash");
+    std::string before;
+    {
+        const SimulatedFaults camera("keepFlash " + kept);
+        before = done({"export"});
+    }
+    {
+        // Loading takes some 600 transfers; this one falls into the writes.
+        const SimulatedFaults camera("keepFlash " + kept + ";transfer 660 corrupt");
+        refused({"set", "9", "--type", "77", "--hex", std::string(3000, '7'), "--backup", backup},
+                ExitCode_FAILED, "the bytes of before are in '" + backup + "'");
+    }
+    const SimulatedFaults camera("keepFlash " + kept);
+    done({"restore", backup, "--damaged", "--yes", "--backup", path("again.bak")});
+    EXPECT_EQ(done({"export"}), before);
+}
+
+TEST_F(RomVerbs, DrawTheMapAndTheTables) {
+    const std::string text = done({"map", "camera:VC0345"});
+    EXPECT_THAT(text, AllOf(StartsWith("0x00000000  H"), HasSubstr("section 3 (configuration"),
+                            HasSubstr("0x00003c00  ....")));
+    done({"map", "camera:VC0345", "--svg", path("map.svg"), "--png", path("map.png")});
+    EXPECT_THAT(
+        Utils::readFile(path("map.svg")),
+        AllOf(StartsWith("<svg"), HasSubstr("gradientDistortionCorrection"), testing::EndsWith("</svg>\n")));
+    EXPECT_THAT(Utils::readFile(path("map.png")), StartsWith("\x89PNG"));
+    EXPECT_THAT(done({"draw", "camera:VC0345", "--table", "1", "--png", path("table.png")}),
+                HasSubstr("table 1 (frequency 30), 40 by 30 values"));
+    EXPECT_THAT(Utils::readFile(path("table.png")), StartsWith("\x89PNG"));
+    refused({"draw", "camera:VC0345", "--table", "2", "--png", path("none.png")}, ExitCode_FAILED,
+            "there are 2 tables");
+    EXPECT_FALSE(exists("none.png"));
+}
+
+} // namespace
+} // namespace Zentara::Tool

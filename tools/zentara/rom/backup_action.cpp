@@ -1,0 +1,93 @@
+#include <memory>
+
+#include <zentara/utils/format.h>
+
+#include "tools/zentara/rom/rom_survey.h"
+#include "tools/zentara/rom/rom_verbs.h"
+#include "tools/zentara/rom/rom_write.h"
+#include "tools/zentara/rom/text_lines.h"
+
+namespace Zentara::Tool {
+namespace {
+
+struct BackupOptions : TargetOptions {
+    std::string file;
+};
+
+struct RestoreOptions : WriteOptions {
+    std::string file;
+    bool damaged = false;
+};
+
+ExitCode runBackup(const BackupOptions& options, Console& console) {
+    const auto target = RomTarget::open(options, console);
+    const FlashImage image = target->load();
+    saveFile(options.file, std::string(image.bytes().begin(), image.bytes().end()));
+    const RomSurvey survey(image);
+    if (survey.isFaulty())
+        console.err << "zentara rom backup: something is wrong with " << target->name()
+                    << "; the bytes are kept as they are\n";
+    printLine(console.out, Utils::Format("% bytes of % are in '%'") %
+                               static_cast<unsigned long long>(image.bytes().size()) % target->name() %
+                               options.file);
+    return ExitCode_DONE;
+}
+
+FlashImage imageFromFile(const RestoreOptions& options, const FlashArea& area) {
+    const std::string bytes = loadFile(options.file);
+    if (bytes.size() != area.size)
+        throw ToolFailure(ExitCode_FAILED, Utils::Format("'%' has % bytes, the flash area has %") %
+                                               options.file % static_cast<unsigned long long>(bytes.size()) %
+                                               area.size);
+    const FlashImage image(area, Bytes(bytes.begin(), bytes.end()));
+    FlashArea mirrored =
+        area; // the flash that it goes to may hold nothing that tells where the header stands
+    mirrored.headerAtStart = !area.headerAtStart;
+    const FlashImage other(mirrored, image.bytes());
+    const bool isMirrored = !RomSurvey(image).header() && RomSurvey(other).header();
+    return isMirrored ? other : image;
+}
+
+ExitCode runRestore(const RestoreOptions& options, Console& console) {
+    const auto target = RomTarget::open(options, console);
+    const FlashImage before = target->load();
+    FlashImage wanted = imageFromFile(options, before.area());
+    const RomSurvey survey(wanted);
+    if (survey.isFaulty() && !options.damaged) {
+        console.err << "zentara rom restore: refused, nothing was written; '" << options.file
+                    << "' is damaged:\n";
+        for (const Finding& finding : survey.findings())
+            if (finding.isFault)
+                console.err << "  " << finding.text << '\n';
+        console.err << "--damaged restores it as it is\n";
+        return ExitCode_VERIFICATION;
+    }
+    PlannedWrite plan{{}, false, differences(before, wanted), wanted};
+    for (const ContentChange& change : changesBetween(loadContentIfAny(before), loadContentIfAny(wanted))) {
+        plan.changes.push_back(change.text);
+        plan.takesAway |= change.kind != ContentChange::Kind::Added;
+    }
+    return RomWriter("restore", options, *target, console).write(before, plan);
+}
+
+} // namespace
+
+Verb addRomBackup(CLI::App& rom) {
+    auto options = std::make_shared<BackupOptions>();
+    CLI::App* command = rom.add_subcommand("backup", "Copies the bytes of the whole area into a file");
+    command->add_option("FILE", options->file, "The file")->required();
+    addTargetOptions(*command, *options);
+    return {command, [options](Console& console) { return runBackup(*options, console); }};
+}
+
+Verb addRomRestore(CLI::App& rom) {
+    auto options = std::make_shared<RestoreOptions>();
+    CLI::App* command =
+        rom.add_subcommand("restore", "Writes back what 'backup' copied; only bytes that differ are sent");
+    command->add_option("FILE", options->file, "The file")->required();
+    addWriteOptions(*command, *options);
+    command->add_flag("--damaged", options->damaged, "Even if something is wrong with it");
+    return {command, [options](Console& console) { return runRestore(*options, console); }};
+}
+
+} // namespace Zentara::Tool

@@ -1,0 +1,132 @@
+#include "tools/zentara/rom/correction_tables.h"
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+
+#include <zentara/rom/gradient_distortion_correction.h>
+#include <zentara/rom/rom.h>
+#include <zentara/utils/format.h>
+
+#include "tools/zentara/rom/flash_image.h"
+#include "tools/zentara/rom/text_lines.h"
+
+namespace Zentara::Tool {
+namespace {
+
+using ROM::GradientDistortionCorrection;
+using Utils::Format;
+
+constexpr std::uint8_t correctionType =
+    static_cast<std::uint8_t>(ROM::ContainerSectionType::GradientDistortionCorrection);
+
+/// Reads one section as an object with the library's own reader.
+std::unique_ptr<ROM::Object> objectOf(const RomSection& section) {
+    constexpr std::size_t overhead = 1024; // headers of the area, the blocks and the section
+    FlashArea area;
+    area.size = static_cast<std::uint32_t>(section.data.size() + overhead);
+    area.chunkSize = 64;
+    FlashImage flash(area);
+    Storage storage(flash, area);
+    ROM::ROM rom(&storage.container);
+    rom.initialize();
+    rom.initializeRom();
+    storage.container.set(1, static_cast<ROM::ContainerSectionType>(section.type), section.flags,
+                          section.data);
+    return std::unique_ptr<ROM::Object>(rom.get(1));
+}
+
+CorrectionFile correctionOf(std::uint16_t uid, const GradientDistortionCorrection& object) {
+    const ROM::GradientDistortionCorrectionHeader header = object.getGradientDistortionCorrectionHeader();
+    CorrectionFile file{uid,
+                        header.getVersionNumber(),
+                        header.getTimeofLastWrite(),
+                        header.getNumberOfSets(),
+                        header.getSerialId(),
+                        {}};
+    for (const auto& data : object.getGradientDistortionCorrectionData())
+        file.tables.push_back({data.getModulationFrequency(), data.getValues()});
+    return file;
+}
+
+} // namespace
+
+CorrectionTable::Statistics CorrectionTable::statistics() const {
+    Statistics result;
+    if (values.empty())
+        return result;
+    const auto [least, greatest] = std::minmax_element(values.begin(), values.end());
+    double sum = 0;
+    for (const std::uint8_t value : values)
+        sum += value;
+    const auto count = static_cast<double>(values.size());
+    result.least = *least;
+    result.greatest = *greatest;
+    result.mean = sum / count;
+    double squares = 0;
+    for (const std::uint8_t value : values)
+        squares += (value - result.mean) * (value - result.mean);
+    result.deviation = std::sqrt(squares / count);
+    return result;
+}
+
+RomContent loadedSections(const RomSurvey& survey) {
+    RomContent content;
+    for (const SurveyedBlock& block : survey.blocks())
+        if (block.section)
+            content[block.section->uid] = block.section->content; // of two with one uid the later one counts
+    return content;
+}
+
+std::vector<CorrectionFile> correctionsOf(const RomContent& content) {
+    std::vector<CorrectionFile> corrections;
+    for (const auto& [uid, section] : content) {
+        if (section.type != correctionType)
+            continue;
+        const auto object = objectOf(section);
+        if (const auto* correction = dynamic_cast<const GradientDistortionCorrection*>(object.get()))
+            corrections.push_back(correctionOf(uid, *correction));
+    }
+    return corrections;
+}
+
+Json correctionsJson(const std::vector<CorrectionFile>& corrections) {
+    Json json = Json::array();
+    for (const CorrectionFile& file : corrections) {
+        Json tables = Json::array();
+        for (const CorrectionTable& table : file.tables) {
+            const auto statistics = table.statistics();
+            tables.push_back({{"modulationFrequency", table.frequency},
+                              {"values", table.values.size()},
+                              {"least", statistics.least},
+                              {"greatest", statistics.greatest},
+                              {"mean", statistics.mean},
+                              {"deviation", statistics.deviation}});
+        }
+        json.push_back({{"uid", file.uid},
+                        {"version", file.version},
+                        {"timeOfLastWrite", file.timeOfLastWrite},
+                        {"numberOfSets", file.numberOfSets},
+                        {"serialId", file.serialId},
+                        {"tables", std::move(tables)}});
+    }
+    return json;
+}
+
+std::string correctionText(const CorrectionFile& correction) {
+    std::string text =
+        Format("section %: distortion correction, version %, written at %, % sets, serial id \"%\"\n") %
+        correction.uid % correction.version % correction.timeOfLastWrite % correction.numberOfSets %
+        correction.serialId;
+    for (std::size_t i = 0; i < correction.tables.size(); ++i) {
+        const CorrectionTable& table = correction.tables[i];
+        const auto statistics = table.statistics();
+        text += Format("  table %: frequency %, % values from % to %, mean %, deviation %\n") %
+                static_cast<unsigned>(i) % table.frequency %
+                static_cast<unsigned long long>(table.values.size()) % statistics.least %
+                statistics.greatest % decimalText(statistics.mean) % decimalText(statistics.deviation);
+    }
+    return text;
+}
+
+} // namespace Zentara::Tool

@@ -1,0 +1,38 @@
+#include <memory>
+
+#include <zentara/rom/section.h>
+#include <zentara/utils/format.h>
+
+#include "tools/zentara/rom/rom_verbs.h"
+#include "tools/zentara/rom/rom_write.h"
+
+namespace Zentara::Tool {
+namespace {
+
+struct EraseOptions : WriteOptions {
+    std::uint16_t uid = 0;
+};
+
+ExitCode runErase(const EraseOptions& options, Console& console) {
+    const auto target = RomTarget::open(options, console);
+    const FlashImage before = target->load();
+    RomContent wanted = loadContent(before, *target);
+    if (wanted.erase(options.uid) == 0)
+        throw ToolFailure(ExitCode_FAILED,
+                          Utils::Format("%: Cannot erase section - % is not a valid section uid") %
+                              target->name() % options.uid);
+    return RomWriter("erase", options, *target, console).bringTo(before, wanted, false);
+}
+
+} // namespace
+
+Verb addRomErase(CLI::App& rom) {
+    auto options = std::make_shared<EraseOptions>();
+    CLI::App* command = rom.add_subcommand("erase", "Erases one section");
+    command->add_option("UID", options->uid, "Which one")->required();
+    addWriteOptions(*command, *options);
+    addRebuildOption(*command, *options);
+    return {command, [options](Console& console) { return runErase(*options, console); }};
+}
+
+} // namespace Zentara::Tool

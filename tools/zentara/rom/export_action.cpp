@@ -1,0 +1,43 @@
+#include <memory>
+#include <sstream>
+
+#include "tools/zentara/rom/rom_json.h"
+#include "tools/zentara/rom/rom_survey.h"
+#include "tools/zentara/rom/rom_verbs.h"
+#include "tools/zentara/rom/rom_write.h"
+
+namespace Zentara::Tool {
+namespace {
+
+struct ExportOptions : TargetOptions {
+    std::string file;
+};
+
+ExitCode runExport(const ExportOptions& options, Console& console) {
+    const auto target = RomTarget::open(options, console);
+    const FlashImage image = target->load();
+    const Json json = contentToJson(loadContent(image, *target));
+    std::ostringstream text;
+    print(text, json);
+    if (options.file.empty())
+        console.out << text.str();
+    else
+        saveFile(options.file, text.str());
+    const RomSurvey survey(image);
+    if (const Finding* fault = survey.structuralFault())
+        console.err << "zentara rom export: " << target->name()
+                    << " is damaged, this is what can be read of it: " << fault->text << '\n';
+    return ExitCode_DONE;
+}
+
+} // namespace
+
+Verb addRomExport(CLI::App& rom) {
+    auto options = std::make_shared<ExportOptions>();
+    CLI::App* command = rom.add_subcommand("export", "Prints the whole content as JSON, without loss");
+    addTargetOptions(*command, *options);
+    command->add_option("--output", options->file, "Put it into a file instead");
+    return {command, [options](Console& console) { return runExport(*options, console); }};
+}
+
+} // namespace Zentara::Tool

@@ -1,0 +1,190 @@
+#include "tools/zentara/rom/flash_map.h"
+
+#include <algorithm>
+
+#include <zentara/rom/chunked_memory_management_header.h>
+#include <zentara/rom/memory_block_header.h>
+#include <zentara/rom/section.h>
+#include <zentara/utils/format.h>
+
+#include "tools/zentara/rom/text_lines.h"
+
+namespace Zentara::Tool {
+namespace {
+
+using Utils::Format;
+
+constexpr std::size_t COLUMNS = 64;
+constexpr std::size_t MOST_ROWS = 64;
+constexpr int CELL = 10;        ///< pixels of a piece in a picture
+constexpr double ROW = 24;      ///< of a row in a drawing
+constexpr double LEFT = 90;     ///< where a drawing's rows begin, right of the addresses
+constexpr double WIDTH = 1024;  ///< of a whole row
+constexpr double CAPTION = 110; ///< the least width of a stretch that is written on
+
+constexpr const char* letters = "123456789abcdefghijklmnopqrstuvwxyz";
+
+Rgb colorOf(RegionKind kind, char letter) {
+    constexpr Rgb sections[] = {{76, 114, 176},  {85, 168, 104}, {129, 114, 178}, {204, 185, 116},
+                                {100, 181, 205}, {221, 132, 82}, {140, 140, 140}};
+    switch (kind) {
+    case RegionKind::Free:
+        return {240, 240, 240};
+    case RegionKind::Slack:
+        return {214, 214, 214};
+    case RegionKind::Remains:
+        return {232, 200, 160};
+    case RegionKind::Header:
+        return {30, 30, 30};
+    case RegionKind::Container:
+        return {90, 90, 90};
+    case RegionKind::Damaged:
+        return {214, 39, 40};
+    case RegionKind::Section:
+        break;
+    }
+    return sections[static_cast<unsigned char>(letter) % std::size(sections)];
+}
+
+std::string colorText(const Rgb& color) {
+    return Format("#%{:x2}%{:x2}%{:x2}") % unsigned{color[0]} % unsigned{color[1]} % unsigned{color[2]};
+}
+
+char characterOf(const Region* region) {
+    if (!region)
+        return '.';
+    constexpr char signs[] = {'.', '-', '~', 'H', 'C', '?', '!'};
+    return region->kind == RegionKind::Section ? region->letter : signs[static_cast<int>(region->kind)];
+}
+
+} // namespace
+
+FlashMap::FlashMap(const FlashImage& image, const RomSurvey& survey) : area(image.area()) {
+    if (area.size >= ROM::ChunkedMemoryManagementHeader::SIZE)
+        add(survey.header() ? RegionKind::Header : RegionKind::Damaged, area.headerAddress(),
+            ROM::ChunkedMemoryManagementHeader::SIZE,
+            survey.header() ? "management header" : "no management header that can be read", 'H');
+    std::size_t number = 0;
+    for (const SurveyedBlock& block : survey.blocks()) {
+        add(RegionKind::Slack, block.address, block.chunkBytes, "rest of a chunk", '-');
+        if (block.isContainerHeader)
+            add(RegionKind::Container, block.address, block.allocatedSize, "container header", 'C');
+        else if (block.section)
+            add(RegionKind::Section, block.address, block.allocatedSize,
+                sectionText(block.section->uid, block.section->content), letters[number++ % 35]);
+        else
+            add(RegionKind::Damaged, block.address, block.allocatedSize, "a block without a readable section",
+                '!');
+    }
+    for (const SurveyedSection& section : survey.unreachable())
+        add(RegionKind::Remains, section.address, section.content.data.size() + ROM::Section::MIN_SIZE,
+            "unlinked " + sectionText(section.uid, section.content), '~');
+    for (const Finding& finding : survey.findings())
+        if (finding.isFault && finding.kind == FindingKind::BlockHeader)
+            add(RegionKind::Damaged, finding.address, ROM::MemoryBlockHeader::SIZE, finding.text, '!');
+    std::stable_sort(all.begin(), all.end(),
+                     [](const Region& left, const Region& right) { return left.address < right.address; });
+}
+
+void FlashMap::add(RegionKind kind, std::uint64_t address, std::uint64_t length, std::string label,
+                   char letter) {
+    const std::uint64_t end = std::min(address + length, area.end());
+    if (address >= area.start && address < end)
+        all.push_back({kind, static_cast<std::uint32_t>(address), static_cast<std::uint32_t>(end - address),
+                       std::move(label), letter});
+}
+
+std::vector<const Region*> FlashMap::cells(std::size_t count) const {
+    std::vector<const Region*> shown(count, nullptr);
+    for (const Region& region : all) {
+        const std::uint64_t from = region.address - area.start;
+        const std::size_t first = from * count / area.size;
+        const std::size_t last = (from + region.length - 1) * count / area.size;
+        for (std::size_t i = first; i <= last; ++i)
+            if (!shown[i] || shown[i]->kind < region.kind)
+                shown[i] = &region;
+    }
+    return shown;
+}
+
+std::string FlashMap::text() const {
+    const std::size_t rows = std::clamp<std::size_t>(area.size / (COLUMNS * 16), 1, MOST_ROWS);
+    const std::vector<const Region*> shown = cells(rows * COLUMNS);
+    std::string text;
+    for (std::size_t row = 0; row < rows; ++row) {
+        const auto address = static_cast<std::uint32_t>(area.start + std::uint64_t{area.size} * row / rows);
+        text += Format("0x%{:x8}  ") % address;
+        for (std::size_t column = 0; column < COLUMNS; ++column)
+            text += characterOf(shown[row * COLUMNS + column]);
+        text += '\n';
+    }
+    text += "\n.  free    -  rest of a chunk\n";
+    for (const Region& region : all)
+        if (region.kind != RegionKind::Slack)
+            text += Format("%  0x%{:x8}  %\n") % std::string(1, characterOf(&region)) % region.address %
+                    region.label;
+    return text;
+}
+
+std::string FlashMap::svg() const {
+    const std::uint64_t rows = std::clamp<std::uint64_t>(area.size / 2048, 1, MOST_ROWS);
+    const std::uint64_t rowBytes = (area.size + rows - 1) / rows;
+    std::string svg = Format("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"%\" height=\"%\" "
+                             "font-family=\"sans-serif\" font-size=\"11\">\n"
+                             "<rect width=\"100%%\" height=\"100%%\" fill=\"#ffffff\"/>\n") %
+                      (LEFT + WIDTH + 10) % (ROW * static_cast<double>(rows) + 10);
+    const auto x = [&](std::uint64_t offset) {
+        return LEFT + WIDTH * static_cast<double>(offset) / static_cast<double>(rowBytes);
+    };
+    const auto draw = [&](std::uint64_t from, std::uint64_t end, const Rgb& color, const std::string& label) {
+        for (std::uint64_t at = from; at < end;) { // a stretch goes on in the next row
+            const std::uint64_t row = at / rowBytes;
+            const std::uint64_t stop = std::min(end, (row + 1) * rowBytes);
+            const double left = x(at - row * rowBytes);
+            const double width = x(stop - row * rowBytes) - left;
+            const double top = 5 + ROW * static_cast<double>(row);
+            svg +=
+                Format(
+                    "<rect x=\"%\" y=\"%\" width=\"%\" height=\"%\" fill=\"%\"><title>%</title></rect>\n") %
+                decimalText(left) % decimalText(top) % decimalText(width) % decimalText(ROW - 4) %
+                colorText(color) % label;
+            if (width >= CAPTION)
+                svg += Format("<text x=\"%\" y=\"%\" fill=\"%\">%</text>\n") % decimalText(left + 4) %
+                       decimalText(top + 14) %
+                       (color[0] + color[1] + color[2] > 500 ? "#606060" : "#ffffff") %
+                       label.substr(0, static_cast<std::size_t>(width / 6.5));
+            at = stop;
+        }
+    };
+    for (std::uint64_t row = 0; row < rows; ++row)
+        svg += Format("<text x=\"8\" y=\"%\">0x%{:x8}</text>\n") %
+               decimalText(5 + ROW * static_cast<double>(row) + 14) %
+               static_cast<std::uint32_t>(area.start + row * rowBytes);
+    draw(0, area.size, colorOf(RegionKind::Free, '.'), "free");
+    for (RegionKind kind = RegionKind::Slack; kind <= RegionKind::Damaged;
+         kind = static_cast<RegionKind>(static_cast<int>(kind) + 1))
+        for (const Region& region : all)
+            if (region.kind == kind)
+                draw(region.address - area.start, std::uint64_t{region.address} - area.start + region.length,
+                     colorOf(kind, region.letter), region.label);
+    return svg + "</svg>\n";
+}
+
+FlashMap::Picture FlashMap::picture() const {
+    const std::size_t rows = std::clamp<std::size_t>(area.size / (COLUMNS * 16), 1, MOST_ROWS);
+    const std::vector<const Region*> shown = cells(rows * COLUMNS);
+    Picture picture{static_cast<int>(COLUMNS) * CELL, static_cast<int>(rows) * CELL, {}};
+    for (int y = 0; y < picture.height; ++y)
+        for (int x = 0; x < picture.width; ++x) {
+            const Region* region =
+                shown[static_cast<std::size_t>(y / CELL) * COLUMNS + static_cast<std::size_t>(x / CELL)];
+            Rgb color = region ? colorOf(region->kind, region->letter) : colorOf(RegionKind::Free, '.');
+            if (x % CELL == CELL - 1 || y % CELL == CELL - 1) // a line between the pieces
+                for (std::uint8_t& part : color)
+                    part = static_cast<std::uint8_t>(part * 7 / 8);
+            picture.pixels.insert(picture.pixels.end(), color.begin(), color.end());
+        }
+    return picture;
+}
+
+} // namespace Zentara::Tool

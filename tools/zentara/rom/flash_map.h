@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "tools/zentara/color_map.h"
+#include "tools/zentara/rom/rom_survey.h"
+
+namespace Zentara::Tool {
+
+/// What a stretch of flash is used for. Of two that share bytes the one named later is drawn.
+enum class RegionKind { Free, Slack, Remains, Header, Container, Section, Damaged };
+
+struct Region {
+    RegionKind kind;
+    std::uint32_t address;
+    std::uint32_t length;
+    std::string label; ///< "section 3 (configuration, 39 bytes)"
+    char letter;       ///< of a section, the same in the picture and in the list under it
+};
+
+/// A flash area as a picture: rows of equal pieces of flash, from the top, each piece as what stands in it.
+class FlashMap {
+public:
+    FlashMap(const FlashImage& image, const RomSurvey& survey);
+
+    /// In ascending order of the addresses, those of several bytes first.
+    [[nodiscard]] const std::vector<Region>& regions() const { return all; }
+
+    /// Rows of characters with the address before each, and a list of what the characters mean.
+    [[nodiscard]] std::string text() const;
+    /// A drawing with a caption on each stretch that is wide enough, and the rest as tooltips.
+    [[nodiscard]] std::string svg() const;
+
+    struct Picture {
+        int width = 0;
+        int height = 0;
+        std::vector<std::uint8_t> pixels; ///< three bytes each
+    };
+    /// A square of colour for each piece.
+    [[nodiscard]] Picture picture() const;
+
+private:
+    void add(RegionKind kind, std::uint64_t address, std::uint64_t length, std::string label, char letter);
+    /// The region that each of so many equal pieces shows; null for one that is free.
+    [[nodiscard]] std::vector<const Region*> cells(std::size_t count) const;
+
+    FlashArea area;
+    std::vector<Region> all;
+};
+
+} // namespace Zentara::Tool

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace Zentara::Tool {
+
+using Bytes = std::vector<std::uint8_t>;
+
+/// "a51d00"
+[[nodiscard]] std::string toHex(std::span<const std::uint8_t> bytes);
+/// The bytes of such a text, in either case; nothing for an odd number of digits or another character.
+[[nodiscard]] std::optional<Bytes> fromHex(const std::string& text);
+
+} // namespace Zentara::Tool

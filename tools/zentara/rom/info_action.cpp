@@ -1,0 +1,138 @@
+#include <iomanip>
+#include <memory>
+
+#include <zentara/rom/section.h>
+#include <zentara/utils/format.h>
+
+#include "tools/zentara/rom/correction_tables.h"
+#include "tools/zentara/rom/rom_survey.h"
+#include "tools/zentara/rom/rom_target.h"
+#include "tools/zentara/rom/rom_verbs.h"
+#include "tools/zentara/rom/text_lines.h"
+
+namespace Zentara::Tool {
+namespace {
+
+using Utils::Format;
+
+const char* accessText(std::uint8_t flags) {
+    return (flags & ROM::Section::FLAG_WRITABLE) != 0 ? "writable" : "read-only";
+}
+
+/// 0 when all free bytes lie in one gap, towards 100 when they are in many small ones.
+unsigned fragmentation(const FreeSpace& room) {
+    return room.bytes == 0 ? 0 : static_cast<unsigned>(100 - 100 * room.largestGap / room.bytes);
+}
+
+Json headerJson(const SurveyedHeader& header, const FlashArea& area) {
+    return {{"address", area.headerAddress()},
+            {"version", header.version},
+            {"minReadoutVersion", header.minReadoutVersion},
+            {"availableSize", header.availableSize},
+            {"chunkSize", header.chunkSize},
+            {"firstBlock", header.firstBlock},
+            {"crc", header.crc}};
+}
+
+Json sectionJson(const SurveyedBlock& block) {
+    const SurveyedSection& section = *block.section;
+    return {{"uid", section.uid},
+            {"type", section.content.type},
+            {"typeName", sectionTypeText(section.content.type)},
+            {"flags", section.content.flags},
+            {"size", section.content.data.size()},
+            {"address", block.address},
+            {"allocatedSize", block.allocatedSize},
+            {"headerCrc", section.headerCrc},
+            {"dataCrc", section.dataCrc}};
+}
+
+Json surveyJson(const RomSurvey& survey, const FlashArea& area) {
+    Json json{{"area", {{"start", area.start}, {"size", area.size}, {"headerAtStart", area.headerAtStart}}}};
+    if (survey.header())
+        json["header"] = headerJson(*survey.header(), area);
+    const FreeSpace& room = survey.freeSpace();
+    json["free"] = {{"bytes", room.bytes},
+                    {"gaps", room.gaps.size()},
+                    {"largestGap", room.largestGap},
+                    {"fragmentationPercent", fragmentation(room)}};
+    json["sections"] = Json::array();
+    for (const SurveyedBlock& block : survey.blocks())
+        if (block.section)
+            json["sections"].push_back(sectionJson(block));
+    json["faulty"] = survey.isFaulty();
+    return json;
+}
+
+void printHeader(const RomSurvey& survey, const FlashArea& area, std::ostream& out) {
+    const SurveyedHeader& header = *survey.header();
+    const FreeSpace& room = survey.freeSpace();
+    printLine(out, Format("management header  0x%{:x8}, version %, readers from %, CRC 0x%{:x4}") %
+                       area.headerAddress() % unsigned{header.version} % unsigned{header.minReadoutVersion} %
+                       header.crc);
+    printLine(
+        out,
+        Format("area               % bytes at 0x%{:x8}, chunks of %, header at the %, first block 0x%{:x8}") %
+            header.availableSize % area.start % header.chunkSize % (area.headerAtStart ? "start" : "end") %
+            header.firstBlock);
+    printLine(out, Format("free               % bytes in % gaps, the largest % bytes, fragmentation % %%") %
+                       static_cast<unsigned long long>(room.bytes) %
+                       static_cast<unsigned long long>(room.gaps.size()) %
+                       static_cast<unsigned long long>(room.largestGap) % fragmentation(room));
+}
+
+void printSection(const SurveyedBlock& block, std::ostream& out) {
+    const SurveyedSection& section = *block.section;
+    out << std::right << std::setw(5) << section.uid << "  " << std::left << std::setw(28)
+        << sectionTypeText(section.content.type) << "  " << std::setw(9) << accessText(section.content.flags)
+        << "  " << std::right << std::setw(7) << section.content.data.size() << "  "
+        << std::string(Format("0x%{:x8}  0x%{:x4}  0x%{:x4}") % block.address % section.headerCrc %
+                       section.dataCrc)
+        << '\n';
+}
+
+void printSurvey(const RomSurvey& survey, const FlashArea& area, std::ostream& out) {
+    if (survey.header())
+        printHeader(survey, area, out);
+    else
+        out << "management header  none that can be read\n";
+    out << "\n  uid  type                          access       bytes  block       header  data\n";
+    for (const SurveyedBlock& block : survey.blocks())
+        if (block.section)
+            printSection(block, out);
+}
+
+ExitCode runInfo(const TargetOptions& options, Console& console) {
+    const auto target = RomTarget::open(options, console);
+    const FlashImage image = target->load();
+    const RomSurvey survey(image);
+    const std::vector<CorrectionFile> corrections = correctionsOf(loadedSections(survey));
+    if (options.json) {
+        Json json = beginJson("rom");
+        json.update({{"action", "info"}, {"target", target->name()}});
+        json.update(surveyJson(survey, image.area()));
+        if (!corrections.empty())
+            json["corrections"] = correctionsJson(corrections);
+        print(console.out, json);
+    } else {
+        printSurvey(survey, image.area(), console.out);
+        for (const CorrectionFile& correction : corrections)
+            console.out << '\n' << correctionText(correction);
+    }
+    if (survey.isFaulty())
+        console.err << "zentara rom info: something is wrong with " << target->name()
+                    << "; 'zentara rom verify' tells what\n";
+    return survey.header() ? ExitCode_DONE : ExitCode_VERIFICATION;
+}
+
+} // namespace
+
+Verb addRomInfo(CLI::App& rom) {
+    auto options = std::make_shared<TargetOptions>();
+    CLI::App* command =
+        rom.add_subcommand("info", "Headers, free space, and each section with its place and checksums");
+    addTargetOptions(*command, *options);
+    return {command, [options](Console& console) { return runInfo(*options, console); }};
+}
+
+} // namespace Zentara::Tool

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tools/zentara/json_output.h"
+#include "tools/zentara/rom/hex_bytes.h"
+
+namespace Zentara::Tool {
+
+/// What is wrong with a JSON text, and where: "/sections/2/uid: expected a number from 1 to 65535".
+class RomJsonError : public std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/// A value inside a JSON document together with the path to it. A view: the document must outlive it. Every
+/// question whose answer is not there throws RomJsonError with the path.
+class JsonPlace {
+public:
+    explicit JsonPlace(const Json& document) : JsonPlace(document, "") {}
+
+    /// The keys that the object may have; any other is an error.
+    void allow(std::initializer_list<const char*> keys) const;
+    void allow(const std::vector<std::string>& keys) const;
+    [[nodiscard]] bool has(const std::string& key) const;
+    [[nodiscard]] JsonPlace at(const std::string& key) const;
+    [[nodiscard]] std::vector<JsonPlace> items() const;
+
+    [[nodiscard]] bool isText() const { return value->is_string(); }
+    [[nodiscard]] std::string text() const;
+    [[nodiscard]] std::int64_t number(std::int64_t least, std::int64_t most) const;
+    [[nodiscard]] float real() const;
+    [[nodiscard]] Bytes hex() const;
+
+    [[noreturn]] void fail(const std::string& reason) const;
+
+private:
+    JsonPlace(const Json& place, std::string way) : value(&place), path(std::move(way)) {}
+    void checkObject() const;
+
+    const Json* value;
+    std::string path;
+};
+
+} // namespace Zentara::Tool

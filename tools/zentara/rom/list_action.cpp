@@ -1,0 +1,56 @@
+#include <iomanip>
+#include <memory>
+
+#include <zentara/rom/section.h>
+
+#include "tools/zentara/rom/correction_tables.h"
+#include "tools/zentara/rom/rom_verbs.h"
+#include "tools/zentara/rom/rom_write.h"
+
+namespace Zentara::Tool {
+namespace {
+
+bool isWritable(const RomSection& section) { return (section.flags & ROM::Section::FLAG_WRITABLE) != 0; }
+
+void printSection(std::uint16_t uid, const RomSection& section, std::ostream& out) {
+    out << std::right << std::setw(5) << uid << "  " << std::left << std::setw(28)
+        << sectionTypeText(section.type) << "  " << std::setw(9)
+        << (isWritable(section) ? "writable" : "read-only") << "  " << section.data.size() << '\n';
+}
+
+ExitCode runList(const TargetOptions& options, Console& console) {
+    const auto target = RomTarget::open(options, console);
+    const RomContent content = loadContent(target->load(), *target);
+    const std::vector<CorrectionFile> corrections = correctionsOf(content);
+    if (!options.json) {
+        for (const auto& [uid, section] : content)
+            printSection(uid, section, console.out);
+        for (const CorrectionFile& correction : corrections)
+            console.out << correctionText(correction);
+        return ExitCode_DONE;
+    }
+    Json json = beginJson("rom");
+    json.update({{"action", "list"}, {"target", target->name()}, {"sections", Json::array()}});
+    for (const auto& [uid, section] : content)
+        json["sections"].push_back({{"uid", uid},
+                                    {"type", section.type},
+                                    {"typeName", sectionTypeText(section.type)},
+                                    {"writable", isWritable(section)},
+                                    {"size", section.data.size()}});
+    if (!corrections.empty())
+        json["corrections"] = correctionsJson(corrections);
+    print(console.out, json);
+    return ExitCode_DONE;
+}
+
+} // namespace
+
+Verb addRomList(CLI::App& rom) {
+    auto options = std::make_shared<TargetOptions>();
+    CLI::App* command = rom.add_subcommand(
+        "list", "The sections: uid, type, access, bytes; and the tables of a correction file");
+    addTargetOptions(*command, *options);
+    return {command, [options](Console& console) { return runList(*options, console); }};
+}
+
+} // namespace Zentara::Tool

@@ -1,0 +1,58 @@
+#include <memory>
+
+#include "tools/zentara/png.h"
+#include "tools/zentara/rom/flash_map.h"
+#include "tools/zentara/rom/rom_verbs.h"
+#include "tools/zentara/rom/rom_write.h"
+
+namespace Zentara::Tool {
+namespace {
+
+struct MapOptions : TargetOptions {
+    std::string svgFile;
+    std::string pngFile;
+};
+
+Json regionsJson(const FlashMap& map) {
+    constexpr const char* kinds[] = {"free", "slack", "remains", "header", "container", "section", "damaged"};
+    Json json = Json::array();
+    for (const Region& region : map.regions())
+        json.push_back({{"address", region.address},
+                        {"length", region.length},
+                        {"kind", kinds[static_cast<int>(region.kind)]},
+                        {"label", region.label}});
+    return json;
+}
+
+ExitCode runMap(const MapOptions& options, Console& console) {
+    const auto target = RomTarget::open(options, console);
+    const FlashImage image = target->load();
+    const FlashMap map(image, RomSurvey(image));
+    if (!options.svgFile.empty())
+        saveFile(options.svgFile, map.svg());
+    if (!options.pngFile.empty()) {
+        const FlashMap::Picture picture = map.picture();
+        saveFile(options.pngFile, encodePng(picture.pixels, picture.width, picture.height));
+    }
+    if (options.json) {
+        Json json = beginJson("rom");
+        json.update({{"action", "map"}, {"target", target->name()}, {"regions", regionsJson(map)}});
+        print(console.out, json);
+    } else if (options.svgFile.empty() && options.pngFile.empty()) {
+        console.out << map.text();
+    }
+    return ExitCode_DONE;
+}
+
+} // namespace
+
+Verb addRomMap(CLI::App& rom) {
+    auto options = std::make_shared<MapOptions>();
+    CLI::App* command = rom.add_subcommand("map", "Draws what lies where on the flash");
+    addTargetOptions(*command, *options);
+    command->add_option("--svg", options->svgFile, "As a drawing in this file");
+    command->add_option("--png", options->pngFile, "As a picture in this file");
+    return {command, [options](Console& console) { return runMap(*options, console); }};
+}
+
+} // namespace Zentara::Tool

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <zentara/plugin/plugin_exceptions.h>
+
+#include "tools/zentara/rom/flash_image.h"
+#include "tools/zentara/rom/rom_content.h"
+
+namespace Zentara::Tool {
+
+/// One section that a change adds, replaces or erases.
+struct ContentChange {
+    enum class Kind { Added, Replaced, Erased };
+    Kind kind;
+    std::uint16_t uid;
+    std::string text; ///< "section 3 (configuration, 39 bytes) is added"
+};
+[[nodiscard]] std::vector<ContentChange> changesBetween(const RomContent& before, const RomContent& after);
+
+/// What came of a change that was tried on a copy in memory.
+struct Rehearsal {
+    FlashImage image;                ///< as the change leaves the flash
+    std::vector<FlashWrite> writes;  ///< in the order in which the library makes them
+    std::vector<std::string> losses; ///< what would be lost or wrong; empty when all is as wanted
+
+    struct Refusal {
+        Plugin::PluginExceptionType type;
+        std::string message;
+    };
+    std::optional<Refusal> refusal; ///< what the library refused the change with
+
+    [[nodiscard]] bool isGood() const { return losses.empty() && !refusal; }
+};
+
+/// Brings a copy of the image to the wanted content with the library's own code: erases what is not wanted,
+/// then writes what differs in ascending order of the uids. Then the copy is loaded afresh and verified
+/// whole: its content is exactly the wanted one, and no header, link or place is wrong.
+/// \param formats  whether an image that holds no storage yet is formatted first.
+[[nodiscard]] Rehearsal rehearse(const FlashImage& before, const RomContent& wanted, bool formats);
+
+/// The wanted content in a freshly formatted copy of the same area, verified in the same way. Some sizes
+/// cannot stand together in some chunk sizes; then a larger chunk size is tried.
+[[nodiscard]] Rehearsal rebuild(const FlashImage& before, const RomContent& wanted);
+
+} // namespace Zentara::Tool

@@ -1,0 +1,400 @@
+#include "tools/zentara/rom/rom_survey.h"
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <set>
+
+#include <zentara/rom/chunked_memory_management_header.h>
+#include <zentara/rom/container_header.h>
+#include <zentara/rom/memory_block_header.h>
+#include <zentara/rom/section.h>
+#include <zentara/utils/crc.h>
+#include <zentara/utils/format.h>
+
+#include "rom/big_endian_reader.h"
+#include "tools/zentara/rom/rom_record.h"
+
+namespace Zentara::Tool {
+namespace {
+
+using ROM::BigEndianReader;
+using Utils::Format;
+using View = std::span<const std::uint8_t>;
+
+constexpr std::uint32_t HEADER_SIZE = ROM::ChunkedMemoryManagementHeader::SIZE;
+constexpr std::uint32_t BLOCK_HEADER_SIZE = ROM::MemoryBlockHeader::SIZE;
+constexpr std::uint32_t CRC_SIZE = 2;
+constexpr std::uint32_t DATA_OFFSET = ROM::Section::HEADER_SIZE + CRC_SIZE;
+constexpr std::uint8_t UNREADABLE_VERSION = 2;
+constexpr std::uint8_t ERASED_BYTE = 0xFF;
+
+std::uint16_t crcOf(View bytes) {
+    return Utils::Crc16::compute(bytes.data(), static_cast<unsigned>(bytes.size()), 0);
+}
+
+std::string hex(std::uint32_t value) { return Format("0x%{:x8}") % value; }
+
+std::string crcText(const char* what, std::uint16_t stored, std::uint16_t computed) {
+    return Format("% has the CRC 0x%{:x4}, its bytes have 0x%{:x4}") % what % stored % computed;
+}
+
+std::uint16_t bigEndian16(View bytes) { return BigEndianReader(bytes).readU16(); }
+
+/// The fields before a section's data. `length` counts from the marker to the last byte.
+struct SectionHeader {
+    std::uint8_t marker;
+    std::uint32_t length;
+    std::uint8_t type;
+    std::uint8_t flags;
+    std::uint16_t uid;
+    std::uint16_t crc;
+};
+
+SectionHeader sectionHeader(View bytes) {
+    BigEndianReader reader(bytes);
+    SectionHeader header{};
+    header.marker = reader.readU8();
+    header.length = reader.readU32();
+    header.type = reader.readU8();
+    header.flags = reader.readU8();
+    header.uid = reader.readU16();
+    header.crc = reader.readU16();
+    return header;
+}
+
+/// Why the bytes are no whole section, and whether it is the data that is wrong; nothing when they are one.
+std::optional<std::pair<FindingKind, std::string>> sectionFault(View bytes) {
+    if (bytes.size() < ROM::Section::MIN_SIZE)
+        return std::pair<FindingKind, std::string>{
+            FindingKind::SectionHeader, std::string(Format("% bytes are too few for a section") %
+                                                    static_cast<unsigned long long>(bytes.size()))};
+    const SectionHeader header = sectionHeader(bytes);
+    if (header.marker != ROM::Section::SECTION_MARKER)
+        return std::pair<FindingKind, std::string>{
+            FindingKind::SectionHeader,
+            std::string(Format("the section begins with 0x%{:x2}, not with 0xa5") % unsigned{header.marker})};
+    const std::uint16_t computed = crcOf(bytes.first(ROM::Section::HEADER_SIZE));
+    if (computed != header.crc)
+        return std::pair<FindingKind, std::string>{FindingKind::SectionHeader,
+                                                   crcText("the section header", header.crc, computed)};
+    if (header.length < ROM::Section::MIN_SIZE || header.length > bytes.size())
+        return std::pair<FindingKind, std::string>{
+            FindingKind::SectionHeader,
+            std::string(Format("section % says to have % bytes where % are") % header.uid % header.length %
+                        static_cast<unsigned long long>(bytes.size()))};
+    const std::uint16_t data = crcOf(bytes.subspan(DATA_OFFSET, header.length - ROM::Section::MIN_SIZE));
+    const std::uint16_t stored = bigEndian16(bytes.subspan(header.length - CRC_SIZE));
+    if (data != stored)
+        return std::pair<FindingKind, std::string>{
+            FindingKind::SectionData,
+            crcText(("the data of section " + std::to_string(header.uid)).c_str(), stored, data)};
+    return std::nullopt;
+}
+
+bool isStructural(FindingKind kind) { return kind < FindingKind::ZeroUid; }
+
+} // namespace
+
+const char* findingKindName(FindingKind kind) noexcept {
+    constexpr std::array<const char*, 19> names{
+        "areaTooSmall",  "notFormatted",  "managementHeader", "containerHeader",
+        "linkOutside",   "blockHeader",   "blockOutside",     "cycle",
+        "chainOrder",    "overlap",       "sectionHeader",    "sectionData",
+        "unreachable",   "zeroUid",       "duplicateUid",     "unknownType",
+        "unknownRecord", "damagedRecord", "otherVersion"};
+    return names[static_cast<std::size_t>(kind)];
+}
+
+std::optional<SurveyedSection> readWholeSection(View bytes, std::uint32_t address) {
+    if (bytes.empty() || bytes[0] != ROM::Section::SECTION_MARKER || sectionFault(bytes))
+        return std::nullopt;
+    const SectionHeader header = sectionHeader(bytes);
+    const View data = bytes.subspan(DATA_OFFSET, header.length - ROM::Section::MIN_SIZE);
+    return SurveyedSection{address,
+                           header.uid,
+                           {header.type, header.flags, Bytes(data.begin(), data.end())},
+                           header.crc,
+                           bigEndian16(bytes.subspan(header.length - CRC_SIZE))};
+}
+
+RomSurvey::RomSurvey(const FlashImage& surveyed) : image(surveyed) {
+    readHeader();
+    if (managementHeader) {
+        walkChain();
+        checkUids();
+        checkOverlaps();
+        measureFreeSpace();
+    }
+    findUnreachable();
+}
+
+bool RomSurvey::isFaulty() const {
+    return std::any_of(found.begin(), found.end(), [](const Finding& finding) { return finding.isFault; });
+}
+
+const Finding* RomSurvey::structuralFault() const {
+    const auto first = std::find_if(found.begin(), found.end(), [](const Finding& finding) {
+        return finding.isFault && isStructural(finding.kind);
+    });
+    return first == found.end() ? nullptr : &*first;
+}
+
+View RomSurvey::at(std::uint64_t address, std::uint64_t length) const {
+    return View(image.bytes()).subspan(address - image.area().start, length);
+}
+
+void RomSurvey::add(FindingKind kind, std::uint32_t address, bool isFault, std::string text) {
+    found.push_back({kind, address, isFault, std::move(text)});
+}
+
+void RomSurvey::readHeader() {
+    const FlashArea& area = image.area();
+    if (area.size < HEADER_SIZE)
+        return fault(FindingKind::AreaTooSmall, area.start,
+                     Format("an area of % bytes has no room for a management header") % area.size);
+    const View bytes = at(area.headerAddress(), HEADER_SIZE);
+    if (std::all_of(bytes.begin(), bytes.end(), [](std::uint8_t byte) { return byte == ERASED_BYTE; }))
+        return fault(FindingKind::NotFormatted, area.headerAddress(), "erased flash: it was never formatted");
+    BigEndianReader reader(bytes);
+    SurveyedHeader read;
+    read.strategy = reader.readU8();
+    read.version = reader.readU8();
+    read.minReadoutVersion = reader.readU8();
+    read.availableSize = reader.readU32();
+    read.chunkSize = reader.readU32();
+    read.firstBlock = reader.readU32();
+    read.crc = reader.readU16();
+    if (checkHeader(read, crcOf(bytes.first(HEADER_SIZE - CRC_SIZE))))
+        managementHeader = read;
+}
+
+bool RomSurvey::checkHeader(const SurveyedHeader& read, std::uint16_t computed) {
+    std::string reason;
+    if (read.strategy != ROM::ChunkedMemoryManagementHeader::STRATEGY)
+        reason = Format("the management header has strategy %, not 1") % unsigned{read.strategy};
+    else if (read.crc != computed)
+        reason = crcText("the management header", read.crc, computed);
+    else if (read.minReadoutVersion >= UNREADABLE_VERSION)
+        reason = Format("the management header is for readers of version % and later") %
+                 unsigned{read.minReadoutVersion};
+    else if (read.chunkSize == 0)
+        reason = "the management header has chunk size 0";
+    else if (read.availableSize > image.area().size)
+        reason = Format("the management header manages % bytes, the area has %") % read.availableSize %
+                 image.area().size;
+    if (!reason.empty()) {
+        fault(FindingKind::ManagementHeader, image.area().headerAddress(), std::move(reason));
+        return false;
+    }
+    if (read.version != ROM::ChunkedMemoryManager::HEADER_VERSION)
+        note(FindingKind::OtherVersion, image.area().headerAddress(),
+             Format("the management header has version %: it cannot be changed") % unsigned{read.version});
+    return true;
+}
+
+void RomSurvey::walkChain() {
+    std::set<std::uint32_t> seen;
+    std::uint32_t address = managementHeader->firstBlock;
+    if (address == 0)
+        fault(FindingKind::ContainerHeader, image.area().headerAddress(),
+              "there is no container: the chain is empty");
+    isChainBroken = true; // until its end has been seen
+    while (address != 0) {
+        if (!seen.insert(address).second)
+            return fault(FindingKind::Cycle, chain.back().address,
+                         "the chain leads back to the block at " + hex(address));
+        std::optional<SurveyedBlock> block = readBlock(address);
+        if (!block)
+            return;
+        if (chain.empty())
+            readContainerHeader(*block);
+        else
+            readSection(*block);
+        address = block->next;
+        chain.push_back(*std::move(block));
+    }
+    isChainBroken = false;
+}
+
+std::optional<SurveyedBlock> RomSurvey::readBlock(std::uint32_t address) {
+    const std::uint32_t linkedFrom = chain.empty() ? image.area().headerAddress() : chain.back().address;
+    if (!image.area().holds(address, BLOCK_HEADER_SIZE)) {
+        fault(FindingKind::LinkOutside, linkedFrom, "the link to " + hex(address) + " leaves the area");
+        return std::nullopt;
+    }
+    const View bytes = at(address, BLOCK_HEADER_SIZE);
+    BigEndianReader reader(bytes);
+    SurveyedBlock block;
+    block.address = address;
+    block.allocatedSize = reader.readU32();
+    block.next = reader.readU32();
+    const std::uint16_t stored = reader.readU16();
+    const std::uint16_t computed = crcOf(bytes.first(BLOCK_HEADER_SIZE - CRC_SIZE));
+    if (stored != computed)
+        fault(FindingKind::BlockHeader, address, crcText("the block header", stored, computed));
+    else if (block.allocatedSize < BLOCK_HEADER_SIZE)
+        fault(FindingKind::BlockHeader, address,
+              Format("a block of % bytes is smaller than its header") % block.allocatedSize);
+    else if (!image.area().holds(address, block.allocatedSize))
+        fault(FindingKind::BlockOutside, address,
+              Format("the block of % bytes reaches past the end of the area") % block.allocatedSize);
+    else {
+        const std::uint64_t chunk = managementHeader->chunkSize;
+        block.chunkBytes = (block.allocatedSize + chunk - 1) / chunk * chunk;
+        if (!chain.empty() && (address > chain.back().address) != image.area().headerAtStart)
+            fault(FindingKind::ChainOrder, address,
+                  Format("the block stands % its predecessor at %") %
+                      (image.area().headerAtStart ? "below" : "above") % hex(chain.back().address));
+        return block;
+    }
+    return std::nullopt;
+}
+
+void RomSurvey::readContainerHeader(SurveyedBlock& block) {
+    block.isContainerHeader = true;
+    const View bytes = at(block.address, block.allocatedSize).subspan(BLOCK_HEADER_SIZE);
+    const auto wrong = [&](std::string text) {
+        fault(FindingKind::ContainerHeader, block.address, std::move(text));
+    };
+    if (bytes.size() < ROM::ContainerHeader::SIZE)
+        return wrong("the first block is too short for a container header");
+    const std::uint16_t computed = crcOf(bytes.first(2));
+    const std::uint16_t stored = bigEndian16(bytes.subspan(2));
+    if (stored != computed)
+        return wrong(crcText("the container header", stored, computed));
+    if (bytes[0] == 0 || bytes[1] >= UNREADABLE_VERSION)
+        return wrong(Format("the container header has version %, for readers of version %") %
+                     unsigned{bytes[0]} % unsigned{bytes[1]});
+    if (bytes[0] != ROM::Container::HEADER_VERSION)
+        note(FindingKind::OtherVersion, block.address,
+             Format("the container header has version %: it cannot be changed") % unsigned{bytes[0]});
+}
+
+void RomSurvey::readSection(SurveyedBlock& block) {
+    const std::uint32_t address = block.address + BLOCK_HEADER_SIZE;
+    const View bytes = at(address, block.allocatedSize - BLOCK_HEADER_SIZE);
+    if (auto wrong = sectionFault(bytes))
+        return fault(wrong->first, address, std::move(wrong->second));
+    block.section = readWholeSection(bytes, address);
+    checkRecords(*block.section);
+}
+
+void RomSurvey::checkRecords(const SurveyedSection& section) {
+    const std::string name = "section " + std::to_string(section.uid);
+    if (section.uid == 0)
+        fault(FindingKind::ZeroUid, section.address, "a section has the uid 0, which cannot be written");
+    const std::uint8_t type = section.content.type;
+    if (!sectionTypeName(type))
+        return note(FindingKind::UnknownType, section.address,
+                    Format("% has the unknown type %") % name % unsigned{type});
+    const SplitData split = splitRecords(section.content.data);
+    for (const RawRecord& record : split.records) {
+        const RecordLayout* layout = recordLayout(type, record.marker);
+        if (!layout)
+            note(FindingKind::UnknownRecord, section.address,
+                 Format("% has a record of the unknown marker %") % name % unsigned{record.marker});
+        else if (record.version != RECORD_VERSION)
+            note(FindingKind::OtherVersion, section.address,
+                 Format("% has a record % of version %, which is not read") % name % layout->name %
+                     unsigned{record.version});
+        else if (!decodeFields(*layout, record.data))
+            fault(FindingKind::DamagedRecord, section.address,
+                  Format("% has a record % whose % bytes are too few for its content") % name % layout->name %
+                      static_cast<unsigned long long>(record.data.size()));
+    }
+    if (!split.trailing.empty())
+        fault(FindingKind::DamagedRecord, section.address,
+              Format("% ends in % bytes that are no record") % name %
+                  static_cast<unsigned long long>(split.trailing.size()));
+}
+
+void RomSurvey::checkUids() {
+    std::map<std::uint16_t, std::uint32_t> places;
+    for (const SurveyedBlock& block : chain) {
+        if (!block.section)
+            continue;
+        const auto [place, isNew] = places.emplace(block.section->uid, block.section->address);
+        if (!isNew)
+            fault(FindingKind::DuplicateUid, block.section->address,
+                  Format("section % hides the one at %, which has the same uid") % block.section->uid %
+                      hex(place->second));
+    }
+}
+
+void RomSurvey::checkOverlaps() {
+    struct Range {
+        std::uint64_t begin, end, chunksEnd;
+        const char* name;
+    };
+    std::vector<Range> ranges;
+    const std::uint64_t header = image.area().headerAddress();
+    ranges.push_back({header, header + HEADER_SIZE, header + HEADER_SIZE, "management header"});
+    for (const SurveyedBlock& block : chain)
+        ranges.push_back({block.address, std::uint64_t{block.address} + block.allocatedSize,
+                          block.address + block.chunkBytes, "block"});
+    std::sort(ranges.begin(), ranges.end(),
+              [](const Range& left, const Range& right) { return left.begin < right.begin; });
+    const Range* widest = nullptr; // the one before that reaches farthest
+    for (const Range& range : ranges) {
+        if (widest && range.begin < widest->end)
+            fault(FindingKind::Overlap, static_cast<std::uint32_t>(range.begin),
+                  Format("the % overlaps the % at %, which ends at %") % range.name % widest->name %
+                      hex(static_cast<std::uint32_t>(widest->begin)) %
+                      hex(static_cast<std::uint32_t>(widest->end)));
+        else if (widest && range.begin < widest->chunksEnd)
+            note(FindingKind::Overlap, static_cast<std::uint32_t>(range.begin),
+                 Format("the % stands in the last chunk of the % at %") % range.name % widest->name %
+                     hex(static_cast<std::uint32_t>(widest->begin)));
+        if (!widest || range.end > widest->end)
+            widest = &range;
+    }
+}
+
+void RomSurvey::measureFreeSpace() {
+    const FlashArea& area = image.area();
+    std::vector<std::pair<std::uint64_t, std::uint64_t>> taken;
+    for (const SurveyedBlock& block : chain)
+        taken.emplace_back(block.address, block.address + block.chunkBytes);
+    std::sort(taken.begin(), taken.end());
+    const std::uint64_t end = area.headerAtStart ? std::uint64_t{area.start} + managementHeader->availableSize
+                                                 : area.headerAddress();
+    taken.emplace_back(end, end);
+    std::uint64_t begin = area.start + (area.headerAtStart ? HEADER_SIZE : 0);
+    for (const auto& [from, to] : taken) {
+        const std::uint64_t gap =
+            from > begin ? (from - begin) / managementHeader->chunkSize * managementHeader->chunkSize : 0;
+        if (gap > 0) {
+            room.gaps.emplace_back(static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(gap));
+            room.bytes += gap;
+            room.largestGap = std::max(room.largestGap, gap);
+        }
+        begin = std::max(begin, to);
+    }
+}
+
+void RomSurvey::findUnreachable() {
+    std::map<std::uint64_t, std::uint64_t> reached; // first byte and end of each section that a link leads to
+    for (const SurveyedBlock& block : chain)
+        if (block.section)
+            reached[block.address] = std::uint64_t{block.address} + block.allocatedSize;
+    const bool cutOff = !managementHeader || isChainBroken;
+    for (std::uint64_t address = image.area().start; address < image.area().end(); ++address) {
+        const auto known = reached.find(address);
+        if (known != reached.end()) {
+            address = known->second - 1;
+            continue;
+        }
+        const auto section =
+            readWholeSection(at(address, image.area().end() - address), static_cast<std::uint32_t>(address));
+        if (!section)
+            continue;
+        lost.push_back(*section);
+        add(FindingKind::Unreachable, section->address, cutOff,
+            sectionText(section->uid, section->content) +
+                (cutOff ? " is whole, but no link leads to it" : " was erased; its bytes are still there"));
+        address += ROM::Section::MIN_SIZE + section->content.data.size() - 1;
+    }
+}
+
+} // namespace Zentara::Tool

@@ -1,0 +1,213 @@
+#include "tools/zentara/rom/rom_write.h"
+
+#include <chrono>
+#include <filesystem>
+
+#include <zentara/rom/section.h>
+#include <zentara/utils/files.h>
+#include <zentara/utils/format.h>
+
+#include "tools/zentara/json_output.h"
+#include "tools/zentara/paths.h"
+#include "tools/zentara/pending_file.h"
+#include "tools/zentara/rom/text_lines.h"
+
+namespace Zentara::Tool {
+namespace {
+
+using Utils::Format;
+
+/// "20261121-091500", in UTC.
+std::string timeText() {
+    using namespace std::chrono;
+    const auto now = floor<seconds>(system_clock::now());
+    const auto day = floor<days>(now);
+    const year_month_day date(day);
+    const hh_mm_ss time(now - day);
+    return Format("%{:04}%{:02}%{:02}-%{:02}%{:02}%{:02}") % int{date.year()} % unsigned{date.month()} %
+           unsigned{date.day()} % static_cast<int>(time.hours().count()) %
+           static_cast<int>(time.minutes().count()) % static_cast<int>(time.seconds().count());
+}
+
+/// A name that nothing has yet.
+std::string freeName(const std::string& stem) {
+    const std::string base = stem + "." + timeText();
+    std::string name = base + ".bak";
+    std::error_code ignored;
+    for (int i = 2; std::filesystem::exists(pathOf(name), ignored); ++i)
+        name = base + "-" + std::to_string(i) + ".bak";
+    return name;
+}
+
+bool holdsStorage(const FlashImage& image) {
+    FlashImage copy = image;
+    Storage storage(copy, copy.area());
+    storage.container.initialize();
+    return storage.container.romInitialized();
+}
+
+/// A rebuild asks no container, so the rule that read-only sections stay as they are is kept here.
+void checkReadOnly(const RomContent& before, const RomContent& wanted) {
+    for (const auto& [uid, section] : before) {
+        const auto place = wanted.find(uid);
+        const bool stays = place != wanted.end() && place->second == section;
+        if (!stays && (section.flags & ROM::Section::FLAG_WRITABLE) == 0)
+            throw ToolFailure(ExitCode_PERMISSION, sectionText(uid, section) + " is read only");
+    }
+}
+
+} // namespace
+
+void saveFile(const std::string& path, const std::string& bytes) {
+    PendingFile file(path);
+    attempt("write '" + path + "'", [&] { Utils::writeFile(file.partPath(), bytes); });
+    file.commit();
+}
+
+std::string loadFile(const std::string& path) {
+    std::string bytes;
+    attempt("read '" + path + "'", [&] { bytes = Utils::readFile(path); });
+    return bytes;
+}
+
+RomContent loadContentIfAny(const FlashImage& image) {
+    FlashImage copy = image;
+    Storage storage(copy, copy.area());
+    storage.container.initialize();
+    return contentOf(storage.container);
+}
+
+RomContent loadContent(const FlashImage& image, const RomTarget& target) {
+    FlashImage copy = image;
+    Storage storage(copy, copy.area());
+    storage.container.initialize();
+    if (!storage.container.romInitialized())
+        throw ToolFailure(ExitCode_VERIFICATION,
+                          target.name() +
+                              " holds no storage that can be read; 'zentara rom verify' tells why");
+    return contentOf(storage.container);
+}
+
+void addWriteOptions(CLI::App& command, WriteOptions& options) {
+    addTargetOptions(command, options);
+    command.add_flag("--dry-run", options.dryRun,
+                     "Try it on a copy and say what would change; write nothing");
+    command.add_flag("--yes", options.yes, "Go on although something of before is gone afterwards");
+    command.add_option("--backup", options.backup,
+                       "Where the bytes of before go; a name with the time unless set");
+}
+
+void addRebuildOption(CLI::App& command, WriteOptions& options) {
+    command.add_flag("--rebuild", options.rebuild, "Write the whole content into a freshly formatted image");
+}
+
+ExitCode RomWriter::bringTo(const FlashImage& before, const RomContent& wanted, bool formats) {
+    const RomContent old = loadContentIfAny(before);
+    if (options.rebuild)
+        checkReadOnly(old, wanted);
+    Rehearsal rehearsal = options.rebuild ? rebuild(before, wanted) : rehearse(before, wanted, formats);
+    if (!rehearsal.isGood())
+        return refuse(before, wanted, rehearsal);
+    PlannedWrite plan{{}, options.rebuild, std::move(rehearsal.writes), std::move(rehearsal.image)};
+    for (const ContentChange& change : changesBetween(old, wanted)) {
+        plan.changes.push_back(change.text);
+        plan.takesAway |= change.kind != ContentChange::Kind::Added;
+    }
+    if (options.rebuild)
+        plan.changes.push_back(Format("the content is rebuilt in chunks of % bytes") %
+                               plan.after.area().chunkSize);
+    else if (!holdsStorage(before))
+        plan.changes.insert(plan.changes.begin(), "it is formatted where it was not");
+    return write(before, plan);
+}
+
+ExitCode RomWriter::refuse(const FlashImage& before, const RomContent& wanted, const Rehearsal& rehearsal) {
+    if (rehearsal.refusal) {
+        const auto& [type, message] = *rehearsal.refusal;
+        console.err << "zentara rom " << verb << ": " << target.name() << ": " << message
+                    << "; nothing was written\n";
+        if (type == Plugin::PluginExceptionType_IO && !options.rebuild && rebuild(before, wanted).isGood())
+            console.err << "the content fits into a freshly formatted image: --rebuild writes it there\n";
+        return exitCodeOf(type);
+    }
+    console.err << "zentara rom " << verb << ": " << target.name() << ": refused, nothing was written:\n";
+    for (const std::string& loss : rehearsal.losses)
+        console.err << "  " << loss << '\n';
+    if (!options.rebuild && rebuild(before, wanted).isGood())
+        console.err << "--rebuild writes the content that can be read, with this change, into a freshly "
+                       "formatted image\n";
+    return ExitCode_VERIFICATION;
+}
+
+/// Erased flash holds nothing to keep.
+std::string RomWriter::backUp(const FlashImage& before) const {
+    if (before.bytes() == FlashImage(before.area()).bytes())
+        return {};
+    const std::string path = options.backup.empty() ? freeName(target.backupStem()) : options.backup;
+    saveFile(path, std::string(before.bytes().begin(), before.bytes().end()));
+    return path;
+}
+
+ExitCode RomWriter::write(const FlashImage& before, const PlannedWrite& plan) {
+    if (plan.writes.empty() || options.dryRun) {
+        report(plan, {});
+        return ExitCode_DONE;
+    }
+    target.checkWritable();
+    if (plan.takesAway && !options.yes) {
+        console.err << "zentara rom " << verb << ": " << target.name()
+                    << " would lose something of before:\n";
+        for (const std::string& change : plan.changes)
+            console.err << "  " << change << '\n';
+        console.err << "--yes does it, --dry-run only tries it\n";
+        return ExitCode_USAGE;
+    }
+    const std::string kept = backUp(before);
+    const std::string where = kept.empty() ? "" : "; the bytes of before are in '" + kept + "'";
+    try {
+        target.store(plan.writes);
+        if (target.load().bytes() != plan.after.bytes())
+            throw ToolFailure(ExitCode_VERIFICATION,
+                              target.name() + " holds other bytes than were written to it");
+    } catch (const ToolFailure& failure) {
+        throw ToolFailure(failure.code, failure.what() + where);
+    }
+    report(plan, kept);
+    return ExitCode_DONE;
+}
+
+void RomWriter::report(const PlannedWrite& plan, const std::string& backupFile) const {
+    std::size_t bytes = 0;
+    for (const FlashWrite& write : plan.writes)
+        bytes += write.bytes.size();
+    const bool isWritten = !options.dryRun && bytes > 0;
+    if (options.json) {
+        Json json = beginJson("rom");
+        json.update({{"action", verb},
+                     {"target", target.name()},
+                     {"changes", plan.changes},
+                     {"writes", plan.writes.size()},
+                     {"bytes", bytes},
+                     {"written", isWritten}});
+        if (!backupFile.empty())
+            json["backup"] = backupFile;
+        print(console.out, json);
+        return;
+    }
+    for (const std::string& change : plan.changes)
+        console.out << change << '\n';
+    if (bytes == 0)
+        printLine(console.out, "nothing changes");
+    else if (!isWritten)
+        printLine(console.out, Format("dry run: % bytes in % writes would go to %, nothing was written") %
+                                   static_cast<unsigned long long>(bytes) %
+                                   static_cast<unsigned long long>(plan.writes.size()) % target.name());
+    else
+        printLine(console.out,
+                  Format("% bytes in % writes to %, read back and verified%") %
+                      static_cast<unsigned long long>(bytes) %
+                      static_cast<unsigned long long>(plan.writes.size()) % target.name() %
+                      (backupFile.empty() ? "" : "; those of before are in '" + backupFile + "'"));
+}
+
+} // namespace Zentara::Tool

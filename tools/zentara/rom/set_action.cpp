@@ -1,0 +1,99 @@
+#include <memory>
+
+#include <zentara/rom/section.h>
+#include <zentara/utils/format.h>
+
+#include "tools/zentara/rom/rom_json.h"
+#include "tools/zentara/rom/rom_verbs.h"
+#include "tools/zentara/rom/rom_write.h"
+
+namespace Zentara::Tool {
+namespace {
+
+struct SetOptions : WriteOptions {
+    std::uint16_t uid = 0;
+    std::string jsonFile;
+    std::string rawFile;
+    std::string hex;
+    std::string type;
+    bool readOnly = false;
+};
+
+RomSection fromJsonFile(const SetOptions& options) {
+    try {
+        const Json document = parseJson(loadFile(options.jsonFile));
+        auto [uid, section] = sectionFromJson(JsonPlace(document));
+        if (uid != options.uid)
+            JsonPlace(document).at("uid").fail(Utils::Format("it is section %, not %") % uid % options.uid);
+        return section;
+    } catch (const RomJsonError& failure) {
+        throw ToolFailure(ExitCode_FAILED, "'" + options.jsonFile + "': " + failure.what());
+    }
+}
+
+std::uint8_t typeOf(const std::string& text) {
+    if (const auto type = sectionTypeFromName(text))
+        return *type;
+    int number = -1;
+    if (!CLI::detail::lexical_cast(text, number) || number < 0 || number > 0xFF)
+        throw ToolFailure(ExitCode_USAGE,
+                          "--type '" + text + "' is no name of a section type and no number up to 255");
+    return static_cast<std::uint8_t>(number);
+}
+
+Bytes rawBytes(const SetOptions& options) {
+    if (!options.rawFile.empty()) {
+        const std::string bytes = loadFile(options.rawFile);
+        return {bytes.begin(), bytes.end()};
+    }
+    auto bytes = fromHex(options.hex);
+    if (!bytes)
+        throw ToolFailure(ExitCode_USAGE,
+                          "--hex takes pairs of hexadecimal digits, not '" + options.hex + "'");
+    return *std::move(bytes);
+}
+
+/// The section of before gives what the options leave out.
+RomSection sectionFrom(const SetOptions& options, const RomContent& content) {
+    if (!options.jsonFile.empty())
+        return fromJsonFile(options);
+    RomSection section;
+    const auto old = content.find(options.uid);
+    if (options.type.empty() && old == content.end())
+        throw ToolFailure(ExitCode_USAGE, "a new section needs --type");
+    section.type = options.type.empty() ? old->second.type : typeOf(options.type);
+    section.flags = old == content.end() ? ROM::Section::FLAG_WRITABLE : old->second.flags;
+    if (options.readOnly)
+        section.flags &= static_cast<std::uint8_t>(~ROM::Section::FLAG_WRITABLE);
+    section.data = rawBytes(options);
+    return section;
+}
+
+ExitCode runSet(const SetOptions& options, Console& console) {
+    const auto target = RomTarget::open(options, console);
+    const FlashImage before = target->load();
+    RomContent wanted = loadContentIfAny(before);
+    const RomSection section = sectionFrom(options, wanted);
+    wanted[options.uid] = section;
+    return RomWriter("set", options, *target, console).bringTo(before, wanted, false);
+}
+
+} // namespace
+
+Verb addRomSet(CLI::App& rom) {
+    auto options = std::make_shared<SetOptions>();
+    CLI::App* command = rom.add_subcommand("set", "Writes one section");
+    command->add_option("UID", options->uid, "Which one")->required();
+    addWriteOptions(*command, *options);
+    addRebuildOption(*command, *options);
+    CLI::Option_group* source = command->add_option_group("Content");
+    source->add_option("--file", options->jsonFile, "Its JSON, as 'get' prints it");
+    source->add_option("--raw", options->rawFile, "A file with its data");
+    source->add_option("--hex", options->hex, "Its data as hexadecimal digits");
+    source->require_option(1);
+    command->add_option("--type", options->type, "Its type, a name or a number; that of before unless set");
+    command->add_flag("--read-only", options->readOnly, "Nobody may change it afterwards");
+    return {command, [options](Console& console) { return runSet(*options, console); }};
+}
+
+} // namespace Zentara::Tool
