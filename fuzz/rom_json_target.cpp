@@ -1,0 +1,46 @@
+// The import of a storage's content from JSON. Whatever the text is, it is refused with a message or becomes
+// a content that is printed and read again as the same, and that an image takes whole or not at all.
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+#include "tools/zentara/rom/rehearsal.h"
+#include "tools/zentara/rom/rom_json.h"
+
+namespace {
+
+using namespace Zentara::Tool;
+
+void expect(bool holds) {
+    if (!holds)
+        std::abort();
+}
+
+std::string textOf(const RomContent& content) { return contentToJson(content).dump(); }
+
+void importInto(const RomContent& content, bool headerAtStart) {
+    const FlashImage empty(FlashArea{64, 4096, 64, headerAtStart});
+    const Rehearsal rehearsal = rehearse(empty, content, true);
+    if (!rehearsal.isGood())
+        return;
+    FlashImage image = rehearsal.image;
+    Storage storage(image, image.area());
+    storage.container.initialize();
+    expect(contentOf(storage.container) == content);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    RomContent content;
+    try {
+        content = contentFromJson(parseJson(std::string(reinterpret_cast<const char*>(data), size)));
+    } catch (const RomJsonError& failure) {
+        expect(failure.what()[0] != '\0');
+        return 0;
+    }
+    const std::string text = textOf(content);
+    expect(contentFromJson(parseJson(text)) == content);
+    importInto(content, size % 2 == 0);
+    return 0;
+}
