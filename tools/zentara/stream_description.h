@@ -1,0 +1,58 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+#include <zentara/audio_configuration.h>
+#include <zentara/color_configuration.h>
+#include <zentara/depth_configuration.h>
+#include <zentara/frame_format.h>
+#include <zentara/node_event.h>
+#include <zentara/utils/smart_ptr.h>
+
+namespace Zentara::Tool {
+
+/// The mode of a stream of any kind: the fields of the kind's configuration as numbers.
+///
+///     depth   frame format, frame rate, camera mode, saturation (0 or 1)
+///     colour  frame format, frame rate, power-line frequency, compression
+///     audio   channels, bits per sample, sample rate, 0
+struct StreamMode {
+    std::array<std::int32_t, 4> fields{};
+
+    StreamMode() = default;
+    explicit StreamMode(const DepthBaseConfiguration& mode);
+    explicit StreamMode(const ColorConfiguration& mode);
+    explicit StreamMode(const AudioConfiguration& mode);
+
+    // What the numbers mean; only those of the kind.
+    [[nodiscard]] Utils::SmartPtr<DepthConfiguration> depth() const;
+    [[nodiscard]] Utils::SmartPtr<ColorConfiguration> color() const;
+    [[nodiscard]] Utils::SmartPtr<AudioConfiguration> audio() const;
+
+    friend bool operator==(const StreamMode&, const StreamMode&) = default;
+};
+
+/// Who delivers a stream, and in which mode.
+struct StreamDescription {
+    NodeEvent node;
+    StreamMode mode;
+
+    /// Whether it describes a stream that there can be: a known kind, a known size, a rate and so on.
+    [[nodiscard]] bool plausible() const;
+
+    /// The name of the mode's configuration.
+    [[nodiscard]] std::string modeName() const;
+
+    /// Of a depth or colour stream; the size of QVGA where the mode leaves it to the node.
+    [[nodiscard]] FrameSize frameSize() const;
+
+    /// Frames a second, for sound samples a second; 1 at least.
+    [[nodiscard]] int rate() const;
+};
+
+/// "depth", "color" or "audio"; "?" for anything else.
+[[nodiscard]] const char* nodeTypeName(NodeType type) noexcept;
+
+} // namespace Zentara::Tool
