@@ -44,30 +44,29 @@ Picture decode(const std::string& png) {
 }
 
 TEST_F(StreamVerb, WritesWhatItSawAndHeardAndTellsIt) {
-    for (const char* mode : {"", "--direct"}) {
+    for (const bool direct : {false, true}) {
         std::vector<std::string> arguments{"stream",      "--frames", "30",          "--json", "--png",
                                            path("d.png"), "--raw",    path("d.raw"), "--wav",  path("t.wav")};
-        if (*mode != '\0')
-            arguments.emplace_back(mode);
+        if (direct)
+            arguments.emplace_back("--direct");
         const ToolRun run = ToolTest::run(arguments);
         ASSERT_EQ(run.exitCode, 0) << run.err;
-        EXPECT_EQ(run.err, "");
         const auto json = run.json();
-        EXPECT_EQ(json.at("schema"), 1);
-        EXPECT_EQ(json.at("device"), "MOCKVIDEODEVICE_IMPL");
-        EXPECT_EQ(json.at("proxified"), *mode == '\0');
-        EXPECT_EQ(json.at("frames").at("received"), 30);
-        EXPECT_GT(json.at("framesPerSecond"), 0.0);
-        EXPECT_GT(json.at("depth").at("nearestMillimetres"), 500);
-        EXPECT_GT(json.at("depth").at("farthestMillimetres"), 2400);
-        EXPECT_EQ(json.at("audio").at("samples"), 24000);
+        EXPECT_EQ(json.at("proxified"), !direct);
+        const auto depth = json.at("streams").at(0);
+        EXPECT_EQ(depth.at("name"), direct ? "MOCKVIDEODEVICE_IMPL" : "ZS570 depth");
+        EXPECT_EQ(depth.at("frames").at("received"), 30);
+        EXPECT_GT(depth.at("framesPerSecond"), 0.0);
+        EXPECT_GT(depth.at("depth").at("nearestMillimetres"), 400);
+        EXPECT_GT(depth.at("depth").at("farthestMillimetres"), 2000);
+        EXPECT_EQ(json.at("streams").at(1).at("audio").at("samples"), 24000);
 
         const Picture picture = decode(Utils::readFile(path("d.png")));
         EXPECT_EQ(picture.width, 320);
         EXPECT_EQ(picture.height, 240);
         EXPECT_GT(picture.black, 0U);
         EXPECT_GT(picture.colored, 60'000U);
-        EXPECT_EQ(Utils::readFile(path("d.raw")).size(), 30 * Simulated::frameBytes);
+        EXPECT_EQ(Utils::readFile(path("d.raw")).size() % (30 * Simulated::frameBytes / 2), 0U);
         const std::string wav = Utils::readFile(path("t.wav"));
         EXPECT_EQ(wav.size(), 44U + 24000 * 4);
         const std::string header(
@@ -77,6 +76,35 @@ TEST_F(StreamVerb, WritesWhatItSawAndHeardAndTellsIt) {
         EXPECT_EQ(wav.substr(0, 44), header);
     }
     EXPECT_EQ(filesLeft().size(), 3U);
+}
+
+TEST_F(StreamVerb, PlaysWhatItRecorded) {
+    const ToolRun recorded = run(
+        {"stream", "--direct", "--frames", "12", "--audio", "--raw", path("a.raw"), "--record", path("r")});
+    ASSERT_EQ(recorded.exitCode, 0) << recorded.err;
+    const ToolRun played =
+        run({"stream", "--play", path("r"), "--raw", path("b.raw"), "--wav", path("b.wav"), "--json"});
+    ASSERT_EQ(played.exitCode, 0) << played.err;
+    EXPECT_TRUE(Utils::readFile(path("a.raw")) == Utils::readFile(path("b.raw")));
+    EXPECT_EQ(played.json().at("streams").at(0).at("frames").at("received"), 12);
+    EXPECT_EQ(played.json().at("streams").at(0).at("name"), "MOCKVIDEODEVICE_IMPL");
+    EXPECT_GE(played.json().at("streams").at(1).at("audio").at("samples"), 9600);
+
+    EXPECT_EQ(run({"stream", "--play", path("r"), "--frames", "5", "--raw", path("c.raw")}).exitCode, 0);
+    EXPECT_EQ(Utils::readFile(path("c.raw")).size(), 5 * Simulated::frameBytes);
+}
+
+TEST_F(StreamVerb, KeepsWhatACutRecordingHolds) {
+    ASSERT_EQ(run({"stream", "--direct", "--frames", "6", "--record", path("r")}).exitCode, 0);
+    const std::string whole = Utils::readFile(path("r"));
+    Utils::writeFile(path("cut"), whole.substr(0, whole.size() - Simulated::frameBytes));
+    const ToolRun run = ToolTest::run({"stream", "--play", path("cut"), "--raw", path("c.raw")});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_THAT(run.err,
+                testing::AllOf(HasSubstr("it is cut short"), HasSubstr("5 whole frames come before")));
+    EXPECT_EQ(Utils::readFile(path("c.raw")).size(), 5 * Simulated::frameBytes);
+    Utils::writeFile(path("other"), "no recording");
+    EXPECT_THAT(ToolTest::run({"stream", "--play", path("other")}).err, HasSubstr("it is no recording"));
 }
 
 TEST_F(StreamVerb, RunsAsAProgram) {
@@ -100,7 +128,11 @@ TEST_F(StreamVerb, KeepsHelpAndUsageErrorsApart) {
                                                       {"stream", "--frames", "-1"},
                                                       {"stream", "--frames"},
                                                       {"plugins", "now"},
-                                                      {"stream", "--png", path("x"), "--raw", path("x")}};
+                                                      {"stream", "--png", path("x"), "--raw", path("x")},
+                                                      {"stream", "--record", path("x"), "--play", path("x")},
+                                                      {"stream", "--direct", "--color"},
+                                                      {"stream", "--all", "--camera", "x"},
+                                                      {"stream", "--wait", "-1"}};
     for (const auto& arguments : wrong) {
         const ToolRun run = ToolTest::run(arguments);
         EXPECT_EQ(run.exitCode, 2) << testing::PrintToString(arguments);
@@ -113,19 +145,26 @@ TEST_F(StreamVerb, TellsWhatFailedAndLeavesNoFile) {
     const struct {
         const char* fault;
         int exitCode;
-        const char* message;
+        const char* direct;    ///< what is said of a bare device
+        const char* proxified; ///< and of a camera
     } cases[]{
-        {"throw io at open saying lens cap", 1, "cannot open MOCKVIDEODEVICE_IMPL: I/O failure: lens cap"},
+        {"throw io at open saying lens cap", 1, "cannot open MOCKVIDEODEVICE_IMPL: I/O failure: lens cap",
+         "cannot open ZS570 depth SIM0570 through MOCKDEPTH_IMPL: I/O failure: lens cap"},
         {"throw timeout at video.enableDepth", 7,
-         "cannot stream DEFF2FR60CM0S0 from MOCKVIDEODEVICE_IMPL: timed out: enableDepth: simulated fault"},
-        {"throw unauthorizedAccess at audio.open", 5, "cannot open MOCKAUDIODEVICE_IMPL: not permitted"},
+         "cannot stream DEFF2FR60CM0S0 from MOCKVIDEODEVICE_IMPL: timed out: enableDepth: simulated fault",
+         "from ZS570 depth SIM0570: timed out: enableDepth: simulated fault"},
+        {"throw unauthorizedAccess at audio.open", 5, "cannot open MOCKAUDIODEVICE_IMPL: not permitted",
+         "cannot open ZS570 microphones SIM0570 through"},
         {"throw initialization at threadInitialize", 1,
-         "cannot create MOCKVIDEODEVICE_IMPL: initialization failure"},
-        {"throw streaming at video.readBuffer after 3", 1, "cannot read unit 3 from MOCKVIDEODEVICE_IMPL"},
+         "cannot create MOCKVIDEODEVICE_IMPL: initialization failure", "initialization failure"},
+        {"throw streaming at video.readBuffer after 3", 1, "cannot read unit 3 from MOCKVIDEODEVICE_IMPL",
+         "cannot read unit 3 from ZS570 depth SIM0570: streaming failure"},
         {"throw foreign at audio.readBuffer after 2 saying huh", 1,
-         "cannot read unit 2 from MOCKAUDIODEVICE_IMPL: huh"},
-        {"throw io at disable", 1, "cannot stop the stream of"},
-        {"snooze", 1, "ZENTARA_SIMULATED, line 1: unknown statement 'snooze'"},
+         "cannot read unit 2 from MOCKAUDIODEVICE_IMPL: huh",
+         "cannot read unit 2 from ZS570 microphones SIM0570: huh"},
+        {"throw io at disable", 1, "cannot stop the stream of", "cannot stop the stream of"},
+        {"snooze", 1, "ZENTARA_SIMULATED, line 1: unknown statement 'snooze'",
+         "ZENTARA_SIMULATED, line 1: unknown statement 'snooze'"},
     };
     for (const auto& row : cases) {
         for (const bool direct : {false, true}) {
@@ -135,8 +174,8 @@ TEST_F(StreamVerb, TellsWhatFailedAndLeavesNoFile) {
             if (direct)
                 arguments.emplace_back("--direct");
             const ToolRun run = ToolTest::run(arguments);
-            EXPECT_EQ(run.exitCode, row.exitCode) << row.fault;
-            EXPECT_THAT(run.err, HasSubstr(row.message)) << row.fault;
+            EXPECT_EQ(run.exitCode, row.exitCode) << row.fault << run.err;
+            EXPECT_THAT(run.err, HasSubstr(direct ? row.direct : row.proxified)) << row.fault;
             EXPECT_EQ(run.out, "") << row.fault;
             EXPECT_THAT(filesLeft(), IsEmpty()) << row.fault;
         }
@@ -159,7 +198,7 @@ TEST_F(StreamVerb, GivesUpOnADeviceThatNeverReturns) {
     const SimulatedFaults faults("hang 600000 at video.readBuffer after 2;refuse cancel");
     const ToolRun run = runBuilt("stream --frames 20");
     EXPECT_EQ(run.exitCode, 7);
-    EXPECT_THAT(run.err, HasSubstr("MOCKVIDEODEVICE_IMPL does not return from reading; 2 frames had come"));
+    EXPECT_THAT(run.err, HasSubstr("ZS570 depth SIM0570 does not return from reading; 2 frames had come"));
     EXPECT_EQ(run.out, "");
 }
 
@@ -184,10 +223,12 @@ TEST_F(StreamVerb, EndsInOrderWhenInterrupted) {
     std::ostringstream out;
     std::ostream err(&buffer);
     Console console{out, err, true};
-    EXPECT_EQ(runTool({"stream", "--frames", "100000", "--raw", path("d.raw"), "--json"}, console), 130);
+    EXPECT_EQ(
+        runTool({"stream", "--direct", "--frames", "100000", "--raw", path("d.raw"), "--json"}, console),
+        130);
     const auto json = nlohmann::json::parse(out.str());
     EXPECT_EQ(json.at("interrupted"), true);
-    const std::size_t frames = json.at("frames").at("received");
+    const std::size_t frames = json.at("streams").at(0).at("frames").at("received");
     EXPECT_GE(frames, 5U);
     EXPECT_EQ(Utils::readFile(path("d.raw")).size(), frames * Simulated::frameBytes) << "whole frames only";
     EXPECT_EQ(filesLeft().size(), 1U);

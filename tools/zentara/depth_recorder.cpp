@@ -4,15 +4,17 @@
 #include <cstring>
 
 #include <zentara/utils/exceptions.h>
+#include <zentara/utils/files.h>
 #include <zentara/utils/format.h>
 
 #include "tools/zentara/exit_code.h"
 #include "tools/zentara/paths.h"
+#include "tools/zentara/png.h"
 
 namespace Zentara::Tool {
 namespace {
 
-constexpr std::int64_t microsPerSecond = 1'000'000;
+constexpr double pictureTrim = 0.005;
 
 [[noreturn]] void failWriting(const char* what, const std::string& path) {
     throw ToolFailure(ExitCode_FAILED, Utils::formatLastError(Utils::Format("cannot % '%'") % what % path));
@@ -20,7 +22,14 @@ constexpr std::int64_t microsPerSecond = 1'000'000;
 
 } // namespace
 
-DepthRecorder::DepthRecorder(std::uint64_t count, const std::string& rawPath) : wanted(count) {
+DepthRecorder::DepthRecorder(const StreamDescription& stream, std::uint64_t count, const std::string& pngPath,
+                             const std::string& rawPath)
+    : size(stream.frameSize()), counter(count, stream.rate()), depth() {
+    if (size.width == 0)
+        throw ToolFailure(ExitCode_FAILED,
+                          Utils::Format("the size of a frame in mode % is not known") % stream.modeName());
+    if (!pngPath.empty())
+        picture = std::make_unique<PendingFile>(pngPath);
     if (rawPath.empty())
         return;
     file = std::make_unique<PendingFile>(rawPath);
@@ -29,20 +38,23 @@ DepthRecorder::DepthRecorder(std::uint64_t count, const std::string& rawPath) : 
         failWriting("create", file->partPath());
 }
 
-bool DepthRecorder::take(const std::uint8_t* data, std::size_t size, std::int64_t micros) {
-    if (size < pixelCount * sizeof(std::uint16_t))
+bool DepthRecorder::take(const std::uint8_t* data, std::size_t bytes, std::int64_t micros) {
+    const std::size_t pixels = std::size_t{size.width} * size.height;
+    if (bytes < pixels * sizeof(std::uint16_t))
         throw ToolFailure(ExitCode_FAILED, Utils::Format("frame % has % bytes; its depth alone takes %") %
-                                               taken % size % (pixelCount * sizeof(std::uint16_t)));
-    depth.resize(pixelCount);
-    std::memcpy(depth.data(), data, pixelCount * sizeof(std::uint16_t));
-    countLost(micros);
+                                               counter.frames() % bytes % (pixels * sizeof(std::uint16_t)));
+    depth.resize(pixels);
+    std::memcpy(depth.data(), data, pixels * sizeof(std::uint16_t));
+    counter.count(micros);
     measure();
-    if (file)
-        record(data, size);
-    return ++taken < wanted;
+    if (file && !raw.write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(bytes)))
+        failWriting("write", file->partPath());
+    return !counter.full();
 }
 
 void DepthRecorder::commit() {
+    if (picture && !depth.empty())
+        writePicture();
     if (!file)
         return;
     raw.close();
@@ -54,32 +66,23 @@ void DepthRecorder::commit() {
 void DepthRecorder::discard() {
     raw.close();
     file.reset();
+    picture.reset();
+    depth.clear();
 }
 
-double DepthRecorder::seconds() const noexcept {
-    return static_cast<double>(lastMicros - firstMicros) / microsPerSecond;
-}
-
-double DepthRecorder::rate() const noexcept {
-    return lastMicros > firstMicros ? static_cast<double>(taken - 1) / seconds() : 0.0;
+void DepthRecorder::writePicture() {
+    const DepthRange shown = depthRange(depth.data(), depth.size(), pictureTrim);
+    const std::string bytes = encodePng(colorize(depth.data(), depth.size(), shown),
+                                        static_cast<int>(size.width), static_cast<int>(size.height));
+    attempt("write the picture", [&] { Utils::writeFile(picture->partPath(), bytes); });
+    picture->commit();
 }
 
 DepthRange DepthRecorder::range() const noexcept { return seen.farthest == 0 ? DepthRange{} : seen; }
 
 double DepthRecorder::blind() const noexcept {
-    return taken == 0 ? 0.0 : static_cast<double>(zeros) / static_cast<double>(taken * pixelCount);
-}
-
-/// Frames come a period apart; a longer gap tells how many are missing in it.
-void DepthRecorder::countLost(std::int64_t micros) noexcept {
-    if (taken == 0) {
-        firstMicros = micros;
-    } else {
-        const std::int64_t periods =
-            ((micros - lastMicros) * framesPerSecond + microsPerSecond / 2) / microsPerSecond;
-        lost += static_cast<std::uint64_t>(std::max<std::int64_t>(periods - 1, 0));
-    }
-    lastMicros = micros;
+    const std::uint64_t pixels = counter.frames() * size.width * size.height;
+    return pixels == 0 ? 0.0 : static_cast<double>(zeros) / static_cast<double>(pixels);
 }
 
 void DepthRecorder::measure() noexcept {
@@ -93,10 +96,26 @@ void DepthRecorder::measure() noexcept {
     }
 }
 
-void DepthRecorder::record(const std::uint8_t* data, std::size_t size) {
-    raw.write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
-    if (!raw)
-        failWriting("write", file->partPath());
+void DepthRecorder::print(std::ostream& out) const {
+    counter.print(out);
+    if (!depth.empty())
+        out << "depth    " << range().nearest << " to " << range().farthest << " mm, "
+            << fixed(100.0 * blind(), 1) << " % of the pixels without\n";
+    if (picture && !depth.empty())
+        out << "picture  " << picture->path() << '\n';
+    if (file)
+        out << "raw      " << file->path() << '\n';
+}
+
+void DepthRecorder::fill(Json& stream) const {
+    counter.fill(stream);
+    stream["depth"] = {{"nearestMillimetres", range().nearest},
+                       {"farthestMillimetres", range().farthest},
+                       {"withoutDepth", blind()}};
+    if (picture && !depth.empty())
+        stream["files"]["png"] = picture->path();
+    if (file)
+        stream["files"]["raw"] = file->path();
 }
 
 } // namespace Zentara::Tool

@@ -9,25 +9,24 @@
 #include <string>
 #include <vector>
 
-#include <zentara/io/av_device_proxy.h>
 #include <zentara/utils/runnable.h>
 #include <zentara/utils/signal.h>
 #include <zentara/utils/thread.h>
 
+#include "tools/zentara/stream_source.h"
+
 namespace Zentara::Tool {
 
-/// Pulls a stream from one device on a thread of its own, until enough has come, the stream ends or it fails.
+/// Pulls a stream from its source on a thread of its own, until enough has come, the stream ends or it fails.
 /// progress(), finished() and failed() are safe; the rest belongs to the thread that made the reader.
 class StreamReader final : private Utils::Threading::Runnable {
 public:
     /// Takes one unit; false ends the reading. Called on the reader's thread; what it throws ends the reading, too.
     using Take = std::function<bool(const std::uint8_t* data, std::size_t size, std::int64_t micros)>;
 
-    /// \param source must outlive the reader's thread.
-    /// \param unitBytes the largest unit expected.
+    /// \param from must outlive the reader's thread.
     /// \param ended set when the reading ends; must outlive the reader's thread.
-    StreamReader(std::string name, IO::AVDeviceProxy& source, std::size_t unitBytes, Take taker,
-                 Utils::Threading::Signal& ended);
+    StreamReader(StreamSource& from, Take taker, Utils::Threading::Signal& ended);
     ~StreamReader() override;
 
     void start();
@@ -37,7 +36,6 @@ public:
     [[nodiscard]] bool finished() const noexcept { return done.load(); }
     /// Whether the reading ended by a failure.
     [[nodiscard]] bool failed() const noexcept { return finished() && failure != nullptr; }
-    [[nodiscard]] const std::string& name() const noexcept { return label; }
 
     /// Waits for the thread, which the end of the stream has woken.
     void join();
@@ -48,9 +46,11 @@ public:
 private:
     void* run(void*) override;
     void readUnits();
+    [[nodiscard]] bool takeUnit(int length, std::int64_t micros);
+    void makeRoom(int length);
 
     const std::string label;
-    IO::AVDeviceProxy& proxy;
+    StreamSource& source;
     std::vector<std::uint8_t> buffer;
     const Take take;
     Utils::Threading::Signal& wake;

@@ -1,229 +1,307 @@
 #include "tools/zentara/stream_session.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdlib>
-#include <vector>
+#include <cctype>
 
-#include <zentara/depth_configuration.h>
-#include <zentara/io/audio_device_proxy.h>
-#include <zentara/io/video_device_proxy.h>
-#include <zentara/utils/clock.h>
 #include <zentara/utils/files.h>
 #include <zentara/utils/format.h>
 #include <zentara/utils/signal.h>
-#include <zentara/utils/smart_ptr.h>
 
-#include "tools/zentara/device_choice.h"
-#include "tools/zentara/guid_text.h"
+#include "tools/zentara/audio_recorder.h"
+#include "tools/zentara/camera_bus.h"
+#include "tools/zentara/color_recorder.h"
+#include "tools/zentara/depth_recorder.h"
+#include "tools/zentara/device_source.h"
 #include "tools/zentara/interrupt.h"
-#include "tools/zentara/png.h"
-#include "tools/zentara/stream_reader.h"
+#include "tools/zentara/node_source.h"
+#include "tools/zentara/played_source.h"
 
 namespace Zentara::Tool {
+
+using Utils::Format;
+using State = StreamedCamera::State;
+
 namespace {
 
 constexpr unsigned long lookMilliseconds = 50;
-constexpr std::int64_t stallMicros = 5'000'000;
-constexpr std::int64_t letGoMicros = 2'000'000;
-constexpr std::size_t videoUnitBytes = 1 << 20;
-constexpr std::size_t audioUnitBytes = 1 << 16;
-constexpr double pictureTrim = 0.005;
-constexpr float inputLevel = 0.5F;
+constexpr std::uint64_t usualFrames = 60;
+constexpr std::uint64_t nominalFramesPerSecond = 60;
 
-std::int64_t nowMicros() {
-    std::int64_t micros = 0;
-    Utils::Clock::getTime(micros);
-    return micros;
-}
-
-/// Notices when a reader gets nothing any more.
-class StallWatch {
-public:
-    explicit StallWatch(const StreamReader& watched) : reader(watched), since(nowMicros()) {}
-
-    [[nodiscard]] bool stalled() {
-        const std::uint64_t progress = reader.progress();
-        if (progress != seen || reader.finished()) {
-            seen = progress;
-            since = nowMicros();
-        }
-        return nowMicros() - since > stallMicros;
+/// The cameras of a recording; each node's index is its stream's.
+std::vector<CameraEntry> camerasOf(const std::vector<StreamDescription>& streams) {
+    std::vector<CameraEntry> cameras;
+    for (const StreamDescription& stream : streams) {
+        const auto known = std::find_if(cameras.begin(), cameras.end(), [&](const CameraEntry& camera) {
+            return camera.path == stream.node.parentPath;
+        });
+        CameraEntry& camera = known == cameras.end() ? cameras.emplace_back() : *known;
+        camera.path = stream.node.parentPath;
+        camera.nodes.push_back(stream.node);
     }
-
-private:
-    const StreamReader& reader;
-    std::uint64_t seen = 0;
-    std::int64_t since;
-};
+    return cameras;
+}
 
 } // namespace
 
-/// In an order that takes them apart safely: a reader's thread ends before the device that it reads goes.
-struct StreamSession::Devices {
+/// In an order that takes them apart safely: cameras write into the recording and set the signal.
+struct StreamSession::Parts {
     Utils::Threading::Signal wake;
-    std::unique_ptr<IO::VideoDeviceProxy> video;
-    std::unique_ptr<IO::AudioDeviceProxy> audio;
-    std::vector<std::unique_ptr<StreamReader>> readers;
-
-    [[nodiscard]] bool allFinished() const {
-        return std::all_of(readers.begin(), readers.end(),
-                           [](const auto& reader) { return reader->finished(); });
-    }
+    std::unique_ptr<CameraBus> bus; ///< null unless the cameras come through nodes
+    std::unique_ptr<RecordingWriter> recording;
+    std::vector<StreamDescription> streams; ///< of all cameras, in order
+    std::vector<std::unique_ptr<StreamedCamera>> cameras;
 };
 
 StreamSession::StreamSession(const StreamOptions& wanted, Console& target)
-    : options(wanted), console(target), depthRecorder(wanted.frames, wanted.raw),
-      devices(std::make_unique<Devices>()) {
-    if (!options.png.empty())
-        picture = std::make_unique<PendingFile>(options.png);
-}
+    : options(wanted), console(target), parts(std::make_unique<Parts>()) {}
 
 StreamSession::~StreamSession() = default;
 
 void StreamSession::run() {
-    openVideo();
-    if (!options.wav.empty())
-        openAudio();
-    for (const auto& reader : devices->readers)
-        reader->start();
+    if (!options.play.empty())
+        openRecording();
+    else if (options.direct)
+        openDevices();
+    else
+        openCameras();
+    startRecording();
+    for (const auto& camera : parts->cameras) {
+        if (camera->state() == State::Streaming)
+            camera->start();
+    }
     supervise();
-    stopStreams();
-    completeFiles();
+    finish();
 }
 
-void StreamSession::openVideo() {
-    const GUID guid = chooseDevice(Core::ImplType_VIDEO_DEVICE, "video device", console.err);
-    videoLabel = guidLabel(guid);
-    attempt("create " + videoLabel,
-            [&] { devices->video = std::make_unique<IO::VideoDeviceProxy>(guid, !options.direct); });
-    attempt("open " + videoLabel, [&] { devices->video->open(); });
-    const auto mode = Utils::makeRefcounted<DepthConfiguration>(
-        FrameFormat_QVGA, DepthRecorder::framesPerSecond, DepthNode::CameraMode_0, false, std::int16_t{0});
-    attempt("stream " + mode->getName() + " from " + videoLabel,
-            [&] { devices->video->enableStreaming(mode); });
-    const auto take = [this](const std::uint8_t* data, std::size_t size, std::int64_t micros) {
-        return depthRecorder.take(data, size, micros);
+void StreamSession::openDevices() {
+    std::vector<NodeEvent> nodes(options.audio ? 2 : 1);
+    nodes.front().nodeType = NodeType_DEPTH;
+    if (options.audio)
+        nodes.back().nodeType = NodeType_AUDIO;
+    openCamera(
+        nodes, [this](const NodeEvent& node) { return openDeviceStream(node.nodeType, console.err); }, false);
+}
+
+void StreamSession::openRecording() {
+    const RecordingReader reader(options.play);
+    const auto open = [this, streams = reader.streams()](const NodeEvent& node) {
+        const auto found = std::find_if(streams.begin(), streams.end(),
+                                        [&](const StreamDescription& stream) { return stream.node == node; });
+        return std::make_unique<PlayedSource>(options.play,
+                                              static_cast<std::uint16_t>(found - streams.begin()));
     };
-    devices->readers.push_back(
-        std::make_unique<StreamReader>(videoLabel, *devices->video, videoUnitBytes, take, devices->wake));
+    std::vector<CameraEntry> cameras = camerasOf(reader.streams());
+    if (!options.cameras.empty())
+        cameras = chooseCameras(cameras, options.cameras);
+    several = cameras.size() > 1;
+    for (const CameraEntry& camera : cameras)
+        openCamera(camera.nodes, open, true);
 }
 
-void StreamSession::openAudio() {
-    const GUID guid = chooseDevice(Core::ImplType_AUDIO_DEVICE, "audio device", console.err);
-    audioLabel = guidLabel(guid);
-    attempt("create " + audioLabel,
-            [&] { devices->audio = std::make_unique<IO::AudioDeviceProxy>(guid, !options.direct); });
-    attempt("open " + audioLabel, [&] { devices->audio->open(); });
-    const auto mode = Utils::makeRefcounted<AudioConfiguration>();
-    attempt("ask " + audioLabel + " for its mode", [&] { devices->audio->getDefaultConfiguration(mode); });
-    // As much sound as the frames take time.
-    const std::uint64_t wanted = options.frames *
-                                 static_cast<std::uint64_t>(std::max(mode->getSampleRate(), 0)) /
-                                 DepthRecorder::framesPerSecond;
-    audioRecorder = std::make_unique<AudioRecorder>(options.wav, *mode, wanted);
-    attempt("stream " + mode->getName() + " from " + audioLabel,
-            [&] { devices->audio->enableStreaming(mode, inputLevel, false); });
-    const auto take = [this](const std::uint8_t* data, std::size_t size, std::int64_t micros) {
-        return audioRecorder->take(data, size, micros);
-    };
-    devices->readers.push_back(
-        std::make_unique<StreamReader>(audioLabel, *devices->audio, audioUnitBytes, take, devices->wake));
+void StreamSession::openCameras() {
+    parts->bus = std::make_unique<CameraBus>(console.err);
+    std::vector<CameraEntry> cameras = parts->bus->cameras();
+    if (!options.all || cameras.empty())
+        cameras = chooseCameras(cameras, options.cameras);
+    several = cameras.size() > 1;
+    for (const CameraEntry& camera : cameras) {
+        std::vector<NodeEvent> nodes;
+        std::copy_if(camera.nodes.begin(), camera.nodes.end(), std::back_inserter(nodes),
+                     [this](const NodeEvent& node) { return wants(node.nodeType); });
+        openCamera(
+            nodes, [this](const NodeEvent& node) { return openNodeStream(node, console.err); }, false);
+    }
+    parts->bus->watch();
 }
 
-/// Returns when all readers are done, one has failed, Ctrl-C was pressed or a device has stalled.
+bool StreamSession::wants(NodeType type) const {
+    return type == NodeType_DEPTH || (type == NodeType_COLOR && options.color) ||
+           (type == NodeType_AUDIO && options.audio);
+}
+
+/// A camera that cannot be opened is a failure of its own when there are others.
+void StreamSession::openCamera(const std::vector<NodeEvent>& nodes, const StreamedCamera::Open& open,
+                               bool finite) {
+    auto& camera = *parts->cameras.emplace_back(std::make_unique<StreamedCamera>(open, parts->wake, finite));
+    try {
+        openStreams(camera, nodes);
+    } catch (const ToolFailure& failure) {
+        if (!several)
+            throw;
+        camera.fail(failure);
+    }
+}
+
+void StreamSession::openStreams(StreamedCamera& camera, const std::vector<NodeEvent>& nodes) {
+    if (nodes.empty())
+        throw ToolFailure(ExitCode_FAILED, "the camera has no node of the kinds that are wanted");
+    const auto first = static_cast<std::uint16_t>(parts->streams.size());
+    for (const NodeEvent& node : nodes) {
+        const StreamDescription stream = camera.open(node);
+        parts->streams.push_back(stream);
+        camera.deliverTo(makeSink(stream));
+    }
+    camera.record(nullptr, first);
+}
+
+std::uint64_t StreamSession::framesWanted() const {
+    return options.frames == 0 && options.play.empty() ? usualFrames : options.frames;
+}
+
+std::unique_ptr<StreamSink> StreamSession::makeSink(const StreamDescription& stream) const {
+    switch (stream.node.nodeType) {
+    case NodeType_DEPTH:
+        return std::make_unique<DepthRecorder>(stream, framesWanted(), fileFor(stream, options.png),
+                                               fileFor(stream, options.raw));
+    case NodeType_COLOR:
+        return std::make_unique<ColorRecorder>(stream, framesWanted(), fileFor(stream, options.colorPng));
+    default:
+        // As much sound as the frames take time.
+        return std::make_unique<AudioRecorder>(
+            stream, framesWanted() * static_cast<std::uint64_t>(stream.rate()) / nominalFramesPerSecond,
+            fileFor(stream, options.wav));
+    }
+}
+
+/// With several cameras each has a file of its own: "depth.png" becomes "depth.SERIAL.png".
+std::string StreamSession::fileFor(const StreamDescription& stream, const std::string& path) const {
+    if (path.empty() || !several)
+        return path;
+    std::string serial = stream.node.serialNumber.empty() ? stream.node.parentPath : stream.node.serialNumber;
+    std::replace_if(
+        serial.begin(), serial.end(),
+        [](unsigned char letter) { return std::isalnum(letter) == 0 && letter != '-' && letter != '_'; },
+        '_');
+    const std::string stem = Utils::removeExtension(path);
+    return stem + "." + serial + path.substr(stem.size());
+}
+
+void StreamSession::startRecording() {
+    if (options.record.empty() || parts->streams.empty())
+        return;
+    parts->recording = std::make_unique<RecordingWriter>(options.record, parts->streams);
+    std::size_t first = 0;
+    for (const auto& camera : parts->cameras) {
+        camera->record(parts->recording.get(), static_cast<std::uint16_t>(first));
+        first += camera->size();
+    }
+}
+
+/// Returns when no camera streams and none that is away is waited for any longer, or Ctrl-C was pressed.
 void StreamSession::supervise() {
     InterruptWatch watch;
-    std::vector<StallWatch> stalls;
-    for (const auto& reader : devices->readers)
-        stalls.emplace_back(*reader);
-    while (!devices->allFinished() && stalled.empty()) {
-        devices->wake.timedWait(lookMilliseconds);
-        showProgress();
-        for (std::size_t index = 0; index < stalls.size(); ++index) {
-            if (stalls[index].stalled())
-                stalled = devices->readers[index]->name();
-            if (devices->readers[index]->failed())
-                return;
-        }
+    while (anythingToWaitFor()) {
+        parts->wake.timedWait(lookMilliseconds);
+        showProgress(false);
+        seeToEvents();
+        for (const auto& camera : parts->cameras)
+            observe(*camera, [&camera] { camera->look(); });
         stopped = watch.interrupted();
         if (stopped)
-            return;
+            break;
     }
+    showProgress(true);
 }
 
-/// Ends the streams, which wakes the readers, and reports what went wrong: first what a reader met.
-void StreamSession::stopStreams() {
-    std::string trouble;
-    const auto stop = [&](IO::AVDeviceProxy* proxy, const std::string& label) {
-        try {
-            if (proxy != nullptr)
-                attempt("stop the stream of " + label, [&] { proxy->disableStreaming(false); });
-        } catch (const ToolFailure& failure) {
-            trouble = failure.what();
+void StreamSession::seeToEvents() {
+    ExternalEvent event;
+    while (parts->bus && parts->bus->next(event, 0)) {
+        for (const auto& camera : parts->cameras) {
+            observe(*camera, [&] {
+                if (event.type == ExternalEventType_NODE_REMOVED)
+                    camera->removed(event.node);
+                else if (event.type == ExternalEventType_NODE_ARRIVED)
+                    camera->arrived(event.node);
+            });
         }
-    };
-    stop(devices->video.get(), videoLabel);
-    stop(devices->audio.get(), audioLabel);
-    waitForReaders();
-    for (const auto& reader : devices->readers)
-        reader->rethrow();
-    if (!stalled.empty())
-        throw ToolFailure(ExitCode_TIMEOUT, Utils::Format("nothing came from % for % s; % frames had come") %
-                                                stalled % (stallMicros / 1'000'000) % depthRecorder.frames());
-    if (!trouble.empty())
-        throw ToolFailure(ExitCode_FAILED, trouble);
-    if (!stopped && depthRecorder.frames() < options.frames)
-        throw ToolFailure(ExitCode_FAILED, Utils::Format("% ended its stream after % of % frames") %
-                                               videoLabel % depthRecorder.frames() % options.frames);
-    attempt("close " + videoLabel, [&] { devices->video->close(); });
-    if (devices->audio)
-        attempt("close " + audioLabel, [&] { devices->audio->close(); });
-}
-
-void StreamSession::waitForReaders() {
-    const std::int64_t end = nowMicros() + letGoMicros;
-    while (!devices->allFinished()) {
-        if (nowMicros() > end)
-            abandon(stalled.empty() ? videoLabel : stalled);
-        devices->wake.timedWait(lookMilliseconds);
     }
-    for (const auto& reader : devices->readers)
-        reader->join();
 }
 
-/// A thread that sits inside a device cannot be ended and must not outlive what it uses: the process ends instead.
-void StreamSession::abandon(const std::string& device) {
-    depthRecorder.discard();
-    if (audioRecorder)
-        audioRecorder->discard();
-    console.err << "zentara stream: " << device << " does not return from reading; " << depthRecorder.frames()
-                << " frames had come\n"
-                << std::flush;
-    std::_Exit(ExitCode_TIMEOUT);
-}
-
-void StreamSession::completeFiles() {
-    depthRecorder.commit();
-    if (audioRecorder)
-        audioRecorder->commit();
-    if (!picture || !hasPicture())
+/// Tells when a camera goes and when it is back.
+void StreamSession::observe(const StreamedCamera& camera, const std::function<void()>& step) {
+    const State before = camera.state();
+    step();
+    if (camera.state() == before)
         return;
-    const auto& depth = depthRecorder.last();
-    const DepthRange range = depthRange(depth.data(), depth.size(), pictureTrim);
-    const std::string bytes =
-        encodePng(colorize(depth.data(), depth.size(), range), DepthRecorder::width, DepthRecorder::height);
-    attempt("write the picture", [&] { Utils::writeFile(picture->partPath(), bytes); });
-    picture->commit();
+    const char* lineStart = console.showProgress ? "\r\033[K" : "";
+    if (camera.state() == State::Unplugged)
+        console.err << lineStart << camera.failure().what() << std::endl;
+    else if (before == State::Unplugged && camera.state() == State::Streaming)
+        console.err << lineStart << camera.label() << " is back" << std::endl;
 }
 
-void StreamSession::showProgress() {
-    if (!console.showProgress)
+bool StreamSession::anythingToWaitFor() const {
+    return std::any_of(parts->cameras.begin(), parts->cameras.end(), [this](const auto& camera) {
+        return camera->state() == State::Streaming ||
+               (camera->state() == State::Unplugged && camera->awaySeconds() < options.waitSeconds);
+    });
+}
+
+void StreamSession::finish() {
+    for (const auto& camera : parts->cameras) {
+        camera->interrupt();
+        camera->finish();
+    }
+    const auto failed = [](const auto& camera) { return camera->state() == State::Failed; };
+    const bool allFailed = std::all_of(parts->cameras.begin(), parts->cameras.end(), failed);
+    if (parts->recording && !allFailed)
+        parts->recording->commit();
+    else if (parts->recording)
+        parts->recording->discard();
+    if (allFailed)
+        throw ToolFailure(parts->cameras.front()->failure());
+    for (const auto& camera : parts->cameras) {
+        if (failed(camera))
+            console.err << "zentara stream: " << camera->failure().what() << '\n';
+    }
+}
+
+ExitCode StreamSession::result() const {
+    if (stopped)
+        return ExitCode_INTERRUPTED;
+    for (const auto& camera : parts->cameras) {
+        if (camera->state() == State::Failed)
+            return camera->failure().code;
+    }
+    return ExitCode_DONE;
+}
+
+bool StreamSession::stuck() const {
+    return std::any_of(parts->cameras.begin(), parts->cameras.end(),
+                       [](const auto& camera) { return camera->stuck(); });
+}
+
+std::uint64_t StreamSession::progress() const {
+    return parts->cameras.empty() ? 0 : parts->cameras.front()->progress();
+}
+
+void StreamSession::showProgress(bool last) {
+    if (!console.showProgress || parts->cameras.empty())
         return;
-    const std::uint64_t frames = devices->readers.front()->progress();
-    console.err << '\r' << frames << " of " << options.frames << " frames" << std::flush;
-    if (devices->allFinished())
-        console.err << "\r\033[K" << std::flush;
+    console.err << '\r' << progress();
+    if (framesWanted() != 0)
+        console.err << " of " << framesWanted();
+    console.err << " frames" << (last ? "\r\033[K" : "") << std::flush;
+}
+
+void StreamSession::print(std::ostream& out) const {
+    for (const auto& camera : parts->cameras)
+        camera->print(out);
+    if (parts->recording)
+        out << "record   " << parts->recording->path() << '\n';
+}
+
+Json StreamSession::json() const {
+    Json json = beginJson("stream");
+    json["schema"] = 2; // 1 told of one camera only
+    json["proxified"] = !options.direct;
+    json["interrupted"] = stopped;
+    json["streams"] = Json::array();
+    for (const auto& camera : parts->cameras)
+        camera->fill(json["streams"]);
+    if (parts->recording)
+        json["record"] = parts->recording->path();
+    return json;
 }
 
 } // namespace Zentara::Tool

@@ -1,27 +1,38 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
-#include "tools/zentara/audio_recorder.h"
-#include "tools/zentara/depth_recorder.h"
+#include <zentara/node_event.h>
+
+#include "tools/zentara/streamed_camera.h"
 #include "tools/zentara/verb.h"
 
 namespace Zentara::Tool {
 
 /// What the user wants of a stream. Empty paths are for files that are not wanted.
 struct StreamOptions {
-    std::uint64_t frames = 60;
+    std::uint64_t frames = 0; ///< 0: not said
+    std::vector<std::string> cameras;
+    bool all = false;
+    bool color = false;
+    bool audio = false;
     std::string png;
     std::string raw;
+    std::string colorPng;
     std::string wav;
+    std::string record;
+    std::string play;
+    double waitSeconds = 0;
     bool direct = false;
     bool json = false;
 };
 
-/// One run of `zentara stream`: makes the devices through their proxies, streams until enough has come, closes the
-/// devices and completes the files. After a failure no file is left; after Ctrl-C the files hold what had come.
+/// One run of `zentara stream`: opens the cameras, streams until enough has come from each, and completes the files.
+/// Of a camera that fails no file is left; after Ctrl-C the files hold what had come.
 class StreamSession final {
 public:
     StreamSession(const StreamOptions& wanted, Console& target);
@@ -29,41 +40,48 @@ public:
     StreamSession(const StreamSession&) = delete;
     StreamSession& operator=(const StreamSession&) = delete;
 
-    /// \throws ToolFailure; a device that neither delivers nor lets go of its reader ends the process with exit
-    /// code 7, for its thread could not be ended otherwise.
+    /// Failures of single cameras are told on the console's `err`.
+    /// \throws ToolFailure when nothing came of any camera
     void run();
 
-    [[nodiscard]] bool interrupted() const noexcept { return stopped; }
-    [[nodiscard]] const std::string& videoName() const noexcept { return videoLabel; }
-    [[nodiscard]] const std::string& audioName() const noexcept { return audioLabel; }
-    [[nodiscard]] const DepthRecorder& depth() const noexcept { return depthRecorder; }
-    /// Null when no sound was wanted.
-    [[nodiscard]] const AudioRecorder* audio() const noexcept { return audioRecorder.get(); }
-    /// Whether a frame came to make a picture from.
-    [[nodiscard]] bool hasPicture() const noexcept { return !depthRecorder.last().empty(); }
+    /// Done, the code of the first camera that failed, or interrupted.
+    [[nodiscard]] ExitCode result() const;
+
+    /// Whether a thread sits inside a device and cannot be ended: the process must end without taking the session
+    /// apart.
+    [[nodiscard]] bool stuck() const;
+
+    /// How many frames the first camera has delivered.
+    [[nodiscard]] std::uint64_t progress() const;
+
+    void print(std::ostream& out) const;
+    [[nodiscard]] Json json() const;
 
 private:
-    struct Devices;
+    struct Parts;
 
-    void openVideo();
-    void openAudio();
+    void openDevices();
+    void openRecording();
+    void openCameras();
+    void openCamera(const std::vector<NodeEvent>& nodes, const StreamedCamera::Open& open, bool finite);
+    void openStreams(StreamedCamera& camera, const std::vector<NodeEvent>& nodes);
+    [[nodiscard]] std::unique_ptr<StreamSink> makeSink(const StreamDescription& stream) const;
+    [[nodiscard]] std::uint64_t framesWanted() const;
+    [[nodiscard]] bool wants(NodeType type) const;
+    [[nodiscard]] std::string fileFor(const StreamDescription& stream, const std::string& path) const;
+    void startRecording();
     void supervise();
-    void stopStreams();
-    void waitForReaders();
-    [[noreturn]] void abandon(const std::string& device);
-    void completeFiles();
-    void showProgress();
+    void seeToEvents();
+    void observe(const StreamedCamera& camera, const std::function<void()>& step);
+    [[nodiscard]] bool anythingToWaitFor() const;
+    void finish();
+    void showProgress(bool last);
 
     const StreamOptions options;
     Console& console;
     bool stopped = false;
-    std::string stalled; ///< the device from which nothing came any more; empty while all is well
-    std::string videoLabel;
-    std::string audioLabel;
-    DepthRecorder depthRecorder;
-    std::unique_ptr<AudioRecorder> audioRecorder;
-    std::unique_ptr<PendingFile> picture;
-    std::unique_ptr<Devices> devices;
+    bool several = false;
+    std::unique_ptr<Parts> parts;
 };
 
 } // namespace Zentara::Tool

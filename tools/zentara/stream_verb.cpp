@@ -1,4 +1,4 @@
-#include <iomanip>
+#include <cstdlib>
 #include <memory>
 #include <set>
 #include <string>
@@ -15,88 +15,47 @@ namespace {
 using Utils::Format;
 
 constexpr std::uint64_t mostFrames = 100'000'000; // 19 days
+constexpr double longestWait = 86'400;
 
 /// Two files of one name would overwrite each other.
 void checkPaths(const StreamOptions& options) {
     std::set<std::string> paths;
-    for (const std::string* path : {&options.png, &options.raw, &options.wav}) {
+    for (const std::string* path :
+         {&options.png, &options.raw, &options.colorPng, &options.wav, &options.record, &options.play}) {
         if (!path->empty() && !paths.insert(*path).second)
             throw ToolFailure(ExitCode_USAGE, Format("'%' is named for two files") % *path);
     }
 }
 
-std::string fixed(double value, int digits) {
-    std::ostringstream text;
-    text << std::fixed << std::setprecision(digits) << value;
-    return text.str();
+/// Ends the process where it stands: a thread that sits inside a device could not be ended otherwise.
+[[noreturn]] void endProcess(Console& console, ExitCode code) {
+    console.out.flush();
+    console.err.flush();
+    std::_Exit(code);
 }
 
-const char* modeText(const StreamOptions& options) { return options.direct ? "direct" : "proxified"; }
-
-void printText(std::ostream& out, const StreamOptions& options, const StreamSession& session) {
-    const DepthRecorder& depth = session.depth();
-    out << "device   " << session.videoName() << ", " << modeText(options) << '\n';
-    out << "frames   " << depth.frames() << " of " << options.frames << ", " << depth.dropped()
-        << " dropped, " << fixed(depth.rate(), 1) << " frames/s\n";
-    if (session.hasPicture())
-        out << "depth    " << depth.range().nearest << " to " << depth.range().farthest << " mm, "
-            << fixed(100.0 * depth.blind(), 1) << " % of the pixels without\n";
-    if (const AudioRecorder* audio = session.audio())
-        out << "sound    " << session.audioName() << ", " << audio->samples() << " samples of "
-            << audio->channels() << " channels at " << audio->sampleRate() << " Hz\n";
-    if (!options.png.empty() && session.hasPicture())
-        out << "picture  " << options.png << '\n';
-    if (!options.raw.empty())
-        out << "raw      " << options.raw << '\n';
-    if (!options.wav.empty())
-        out << "wav      " << options.wav << '\n';
-}
-
-Json filesOf(const StreamOptions& options, const StreamSession& session) {
-    Json files = Json::object();
-    if (!options.png.empty() && session.hasPicture())
-        files["png"] = options.png;
-    if (!options.raw.empty())
-        files["raw"] = options.raw;
-    if (!options.wav.empty())
-        files["wav"] = options.wav;
-    return files;
-}
-
-void printJson(std::ostream& out, const StreamOptions& options, const StreamSession& session) {
-    const DepthRecorder& depth = session.depth();
-    Json json = beginJson("stream");
-    json["device"] = session.videoName();
-    json["proxified"] = !options.direct;
-    json["interrupted"] = session.interrupted();
-    json["frames"] = {{"wanted", options.frames}, {"received", depth.frames()}, {"dropped", depth.dropped()}};
-    json["seconds"] = depth.seconds();
-    json["framesPerSecond"] = depth.rate();
-    json["depth"] = {{"nearestMillimetres", depth.range().nearest},
-                     {"farthestMillimetres", depth.range().farthest},
-                     {"withoutDepth", depth.blind()}};
-    if (const AudioRecorder* audio = session.audio())
-        json["audio"] = {{"device", session.audioName()},
-                         {"samples", audio->samples()},
-                         {"sampleRate", audio->sampleRate()},
-                         {"channels", audio->channels()}};
-    json["files"] = filesOf(options, session);
-    print(out, json);
-}
-
-ExitCode runStream(const StreamOptions& options, Console& console) {
+ExitCode runStream(StreamOptions options, Console& console) {
     checkPaths(options);
+    options.color = options.color || !options.colorPng.empty();
+    options.audio = options.audio || !options.wav.empty();
     StreamSession session(options, console);
-    session.run();
+    try {
+        session.run();
+    } catch (const ToolFailure& failure) {
+        if (!session.stuck())
+            throw;
+        console.err << "zentara stream: " << failure.what() << '\n';
+        endProcess(console, failure.code);
+    }
     if (options.json)
-        printJson(console.out, options, session);
+        print(console.out, session.json());
     else
-        printText(console.out, options, session);
-    if (!session.interrupted())
-        return ExitCode_DONE;
-    console.err << "zentara stream: interrupted after " << session.depth().frames() << " of "
-                << options.frames << " frames\n";
-    return ExitCode_INTERRUPTED;
+        session.print(console.out);
+    if (session.stuck())
+        endProcess(console, session.result());
+    if (session.result() == ExitCode_INTERRUPTED)
+        console.err << "zentara stream: interrupted after " << session.progress() << " frames\n";
+    return session.result();
 }
 
 } // namespace
@@ -104,24 +63,58 @@ ExitCode runStream(const StreamOptions& options, Console& console) {
 Verb addStreamVerb(CLI::App& program) {
     auto options = std::make_shared<StreamOptions>();
     CLI::App* command =
-        program.add_subcommand("stream", "Streams depth from a camera, and sound if a WAV is wanted")
+        program.add_subcommand("stream", "Streams depth, colour and sound from one camera or several")
             ->group("Verbs");
     command->footer(
-        "Prints frame rate, dropped frames and the range of depths. In the picture red is near, blue is far\n"
-        "and black is no depth. Raw frames are written as they came: for each, 320 x 240 16-bit values of\n"
-        "depth in millimetres, then as many of confidence. Ctrl-C ends the stream; the files then hold what\n"
-        "had come.");
-    command->add_option("--frames", options->frames, "How many frames to take")
+        "Prints, for each stream, frame rate, dropped frames and the range of depths. In the picture red is\n"
+        "near, blue is far and black is no depth. Raw frames are written as they came: for each, 16-bit "
+        "depth\n"
+        "in millimetres, then whatever the camera adds. With several cameras each has files of its own, its\n"
+        "serial number put before the ending: depth.SERIAL.png.\n"
+        "\n"
+        "A camera that fails does not stop the others. One that is pulled out goes on when it is back while\n"
+        "others stream, or within --wait. Ctrl-C ends the streams; the files then hold what had come.");
+    command
+        ->add_option("--frames", options->frames,
+                     "How many frames to take: 60 unless given, of a recording all")
         ->type_name("N")
-        ->capture_default_str()
         ->check(CLI::Range(std::uint64_t{1}, mostFrames).description(""));
-    command->add_option("--png", options->png, "Write the last frame as a picture in colours")
+    CLI::Option* cameras = command
+                               ->add_option("--camera", options->cameras,
+                                            "Which camera, by serial number or part of its name; "
+                                            "several with commas. The first one unless given")
+                               ->type_name("NAME")
+                               ->delimiter(',');
+    CLI::Option* all = command->add_flag("--all", options->all, "All cameras")->excludes(cameras);
+    CLI::Option* color = command->add_flag("--color", options->color, "Also stream colour");
+    command->add_flag("--audio", options->audio, "Also stream sound, as long as the frames last");
+    command->add_option("--png", options->png, "Write the last depth frame as a picture in colours")
         ->type_name("FILE");
-    command->add_option("--raw", options->raw, "Write all frames as they came")->type_name("FILE");
-    command->add_option("--wav", options->wav, "Also take sound, as long as the frames last, and write it")
-        ->type_name("FILE");
-    command->add_flag("--direct", options->direct,
-                      "Call the device directly instead of through the worker thread");
+    command->add_option("--raw", options->raw, "Write all depth frames as they came")->type_name("FILE");
+    CLI::Option* colorPng =
+        command->add_option("--color-png", options->colorPng, "Write the last colour frame; implies --color")
+            ->type_name("FILE");
+    command->add_option("--wav", options->wav, "Write the sound; implies --audio")->type_name("FILE");
+    command->add_option("--record", options->record, "Record all streams into one file")->type_name("FILE");
+    CLI::Option* play = command
+                            ->add_option("--play", options->play,
+                                         "Stream from a recording, at its own pace, in place of cameras")
+                            ->type_name("FILE")
+                            ->excludes(all);
+    command
+        ->add_option("--wait", options->waitSeconds,
+                     "Wait so long for a camera that was pulled out, also when no other one streams")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(0.0, longestWait).description(""));
+    command
+        ->add_flag("--direct", options->direct,
+                   "Stream from the bare device plug-ins: without descriptions, nodes and the worker thread, "
+                   "for a plug-in that has no camera around it yet")
+        ->excludes(cameras)
+        ->excludes(all)
+        ->excludes(color)
+        ->excludes(colorPng)
+        ->excludes(play);
     command->add_flag("--json", options->json, "Print JSON");
     return {command, [options](Console& console) { return runStream(*options, console); }};
 }

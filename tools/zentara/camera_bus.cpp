@@ -1,0 +1,142 @@
+#include "tools/zentara/camera_bus.h"
+
+#include <algorithm>
+
+#include <zentara/utils/format.h>
+
+#include "tools/zentara/device_choice.h"
+#include "tools/zentara/guid_text.h"
+#include "tools/zentara/stream_description.h"
+
+namespace Zentara::Tool {
+
+using Utils::Format;
+
+namespace {
+
+bool contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+bool hasName(const CameraEntry& camera, const std::string& name) {
+    return camera.path == name || camera.serialNumber() == name;
+}
+
+bool resembles(const CameraEntry& camera, const std::string& name) {
+    return std::any_of(camera.nodes.begin(), camera.nodes.end(),
+                       [&](const NodeEvent& node) { return contains(cameraLabel(node), name); });
+}
+
+std::string listOf(const std::vector<CameraEntry>& cameras) {
+    std::string text;
+    for (const CameraEntry& camera : cameras)
+        text += (text.empty() ? "" : ", ") + camera.serialNumber();
+    return text;
+}
+
+std::vector<CameraEntry> camerasNamed(const std::vector<CameraEntry>& cameras, const std::string& name) {
+    std::vector<CameraEntry> found;
+    for (const auto& fits : {hasName, resembles}) {
+        std::copy_if(cameras.begin(), cameras.end(), std::back_inserter(found),
+                     [&](const CameraEntry& camera) { return fits(camera, name); });
+        if (!found.empty())
+            return found;
+    }
+    throw ToolFailure(ExitCode_NO_DEVICE,
+                      Format("no camera is called '%'; plugged in: %") % name % listOf(cameras));
+}
+
+} // namespace
+
+CameraStore::CameraStore(std::ostream& err) {
+    const GUID guid = chooseDevice(Core::ImplType_DESCRIPTOR_STORE, "descriptor store", err);
+    attempt("read the descriptions of cameras through " + guidLabel(guid), [&] {
+        store = makePlugin<Core::DescriptorStoreInterface>(guid);
+        store->initialize();
+    });
+}
+
+CameraStore::~CameraStore() {
+    if (store)
+        store->dispose();
+}
+
+void CameraStore::select(const NodeEvent& node) {
+    attempt("find the description of " + cameraLabel(node), [&] {
+        if (!store->selectNodeDescriptor(node.hardwareIds(), node.profile))
+            throw ToolFailure(ExitCode_NO_DEVICE, "no camera description belongs to " + cameraLabel(node));
+    });
+}
+
+Core::DescriptorStoreRO& CameraStore::view() const { return *store->getDescriptorStore(); }
+
+const NodeEvent* CameraEntry::find(NodeType type) const {
+    const auto found = std::find_if(nodes.begin(), nodes.end(),
+                                    [type](const NodeEvent& node) { return node.nodeType == type; });
+    return found == nodes.end() ? nullptr : &*found;
+}
+
+std::string CameraEntry::serialNumber() const { return nodes.empty() ? "" : nodes.front().serialNumber; }
+
+CameraBus::CameraBus(std::ostream& err) : store(err) {
+    const GUID guid = chooseDevice(Core::ImplType_ENUMERATOR, "enumerator", err);
+    attempt("look for cameras through " + guidLabel(guid), [&] {
+        enumerator = makePlugin<IO::EnumeratorInterface>(guid);
+        enumerator->initialize(&events, &store.view());
+    });
+}
+
+CameraBus::~CameraBus() {
+    if (enumerator)
+        enumerator->dispose();
+}
+
+std::vector<CameraEntry> CameraBus::cameras() {
+    std::vector<NodeEvent> nodes;
+    attempt("look for cameras", [&] { enumerator->enumerate(nodes); });
+    std::vector<CameraEntry> cameras;
+    for (const NodeEvent& node : nodes) {
+        auto camera = std::find_if(cameras.begin(), cameras.end(),
+                                   [&](const CameraEntry& known) { return known.path == node.parentPath; });
+        if (camera == cameras.end())
+            camera = cameras.insert(cameras.end(), CameraEntry{node.parentPath, {}});
+        camera->nodes.push_back(node);
+    }
+    return cameras;
+}
+
+void CameraBus::watch() {
+    attempt("watch for cameras", [&] { enumerator->execute(); });
+}
+
+bool CameraBus::next(ExternalEvent& event, unsigned long milliseconds) {
+    return events.timedPop(event, milliseconds);
+}
+
+std::string CameraBus::backendName() { return enumerator->getBackendName(); }
+
+std::vector<CameraEntry> chooseCameras(const std::vector<CameraEntry>& cameras,
+                                       const std::vector<std::string>& names) {
+    if (cameras.empty())
+        throw ToolFailure(ExitCode_NO_DEVICE, "no camera is plugged in");
+    if (names.empty())
+        return {cameras.front()};
+    std::vector<CameraEntry> chosen;
+    for (const std::string& name : names) {
+        for (const CameraEntry& camera : camerasNamed(cameras, name)) {
+            const bool known = std::any_of(chosen.begin(), chosen.end(), [&](const CameraEntry& other) {
+                return other.path == camera.path;
+            });
+            if (!known)
+                chosen.push_back(camera);
+        }
+    }
+    return chosen;
+}
+
+std::string cameraLabel(const NodeEvent& node) {
+    return Format("% %") % (node.name.empty() ? std::string(nodeTypeName(node.nodeType)) : node.name) %
+           node.serialNumber;
+}
+
+} // namespace Zentara::Tool
