@@ -110,7 +110,7 @@ TEST_F(PluginsVerb, EndsWithItsOwnCodeWhenNothingIsUsable) {
     EXPECT_THAT(useless.err, HasSubstr("--all tells why"));
     const ToolRun stream = runBuilt("stream"); // in a process without an older scan
     EXPECT_EQ(stream.exitCode, 4);
-    EXPECT_THAT(stream.err, HasSubstr("no video device plug-in is registered"));
+    EXPECT_THAT(stream.err, HasSubstr("no descriptor store plug-in is registered"));
 }
 
 } // namespace

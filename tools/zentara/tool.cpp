@@ -13,6 +13,7 @@ namespace {
 constexpr const char* footer = R"(Environment:
   ZENTARASDK_ROOT    where the SDK is installed; plug-ins lie in "bin/Plugins/" below it
   ZENTARA_SIMULATED  settings of the simulated camera, or @FILE with them
+  ZENTARA_SIMULATED_CAMERAS  a file that says which simulated cameras are plugged in
   ZENTARA_SIMULATED_CHIP  its controller: OV0570, VC0258, VC0345 or none
 
 Exit codes:
@@ -55,9 +56,11 @@ int runTool(std::vector<std::string> arguments, Console& console) {
     program.set_version_flag("--version", versionText());
     program.require_subcommand(1);
     program.get_formatter()->label("SUBCOMMAND", "VERB");
-    const std::vector<Verb> verbs{addPluginsVerb(program), addStreamVerb(program),  addXuVerb(program),
-                                  addRegVerb(program),     addI2cVerb(program),     addFirmwareVerb(program),
-                                  addMetaVerb(program),    addModfreqVerb(program), addRomVerb(program)};
+    const std::vector<Verb> verbs{
+        addPluginsVerb(program), addDevicesVerb(program), addInfoVerb(program),        addStreamVerb(program),
+        addParamsVerb(program),  addSensorsVerb(program), addCalibrationVerb(program), addXuVerb(program),
+        addRegVerb(program),     addI2cVerb(program),     addFirmwareVerb(program),    addMetaVerb(program),
+        addModfreqVerb(program), addRomVerb(program)};
     try {
         std::reverse(arguments.begin(), arguments.end()); // the parser takes them from the back
         program.parse(std::move(arguments));

@@ -25,13 +25,18 @@ struct Verb {
 };
 
 /// Each adds one verb, with its options, to the program.
+[[nodiscard]] Verb addCalibrationVerb(CLI::App& program);
+[[nodiscard]] Verb addDevicesVerb(CLI::App& program);
 [[nodiscard]] Verb addFirmwareVerb(CLI::App& program);
 [[nodiscard]] Verb addI2cVerb(CLI::App& program);
+[[nodiscard]] Verb addInfoVerb(CLI::App& program);
 [[nodiscard]] Verb addMetaVerb(CLI::App& program);
 [[nodiscard]] Verb addModfreqVerb(CLI::App& program);
+[[nodiscard]] Verb addParamsVerb(CLI::App& program);
 [[nodiscard]] Verb addPluginsVerb(CLI::App& program);
 [[nodiscard]] Verb addRegVerb(CLI::App& program);
 [[nodiscard]] Verb addRomVerb(CLI::App& program);
+[[nodiscard]] Verb addSensorsVerb(CLI::App& program);
 [[nodiscard]] Verb addStreamVerb(CLI::App& program);
 [[nodiscard]] Verb addXuVerb(CLI::App& program);
 

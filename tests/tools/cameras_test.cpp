@@ -1,0 +1,334 @@
+#include <deque>
+#include <filesystem>
+#include <functional>
+#include <sstream>
+#include <string>
+
+#include <zentara/utils/files.h>
+
+#include "plugins/simulated/descriptions/simulated_bus.h"
+#include "support/scoped_variable.h"
+#include "tools/tool_fixture.h"
+#include "tools/zentara/verb.h"
+
+namespace Zentara::Tool {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::UnorderedElementsAre;
+
+constexpr const char* left = R"({"model": "ZS570", "serialNumber": "LEFT"})";
+constexpr const char* right = R"({"model": "ZS345", "serialNumber": "RIGHT"})";
+
+/// Runs the tool with cameras of the test's own on the bus.
+class Cameras : public ToolTest {
+protected:
+    /// Says which cameras are plugged in: the elements of the list.
+    void plug(const std::string& cameras) {
+        Utils::writeFile(path("new.json"), R"({"format": 1, "cameras": [)" + cameras + "]}");
+        std::error_code busy; // on Windows while somebody reads the file
+        do {
+            std::filesystem::rename(TestSupport::TemporaryDirectory::fromUtf8(path("new.json")),
+                                    TestSupport::TemporaryDirectory::fromUtf8(path("cameras.json")), busy);
+        } while (busy);
+    }
+
+    static std::string both() { return std::string(left) + "," + right; }
+
+private:
+    TestSupport::ScopedVariable variable{Simulated::SimulatedBus::variable, path("cameras.json")};
+};
+
+/// What the tool shows of its progress; does things, each once and in order, when that says so.
+class ProgressBuffer final : public std::stringbuf {
+public:
+    /// When the first camera has delivered so many frames.
+    void atFrame(unsigned frames, std::function<void()> action) {
+        steps.push_back({[frames](const std::string& shown) { return framesIn(shown) >= frames; }, action});
+    }
+    /// When these words have been shown.
+    void after(const std::string& words, std::function<void()> action) {
+        steps.push_back(
+            {[words](const std::string& shown) { return shown.find(words) != std::string::npos; }, action});
+    }
+
+protected:
+    int sync() override {
+        while (!steps.empty() && steps.front().due(str())) {
+            steps.front().action();
+            steps.pop_front();
+        }
+        return std::stringbuf::sync();
+    }
+
+private:
+    struct Step {
+        std::function<bool(const std::string&)> due;
+        std::function<void()> action;
+    };
+
+    static unsigned long framesIn(const std::string& shown) {
+        const std::size_t digit = shown.find_first_of("0123456789", shown.rfind('\r'));
+        const bool counts = digit != std::string::npos && digit > 0 && shown[digit - 1] == '\r';
+        return counts ? std::stoul(shown.substr(digit)) : 0;
+    }
+
+    std::deque<Step> steps;
+};
+
+TEST_F(Cameras, AreListed) {
+    plug(both());
+    const auto json = run({"devices", "--json"}).json();
+    ASSERT_EQ(json.at("cameras").size(), 2U);
+    EXPECT_EQ(json.at("cameras").at(0).at("serialNumber"), "LEFT");
+    EXPECT_EQ(json.at("cameras").at(1).at("product"), "Simulated camera with VC0345");
+    EXPECT_EQ(json.at("cameras").at(1).at("nodes").size(), 3U);
+    EXPECT_THAT(run({"devices"}).out, AllOf(HasSubstr("LEFT"), HasSubstr("depth color audio")));
+    EXPECT_THAT(run({"devices", "--watch", "--seconds", "0.3"}).out,
+                AllOf(HasSubstr("arrived"), HasSubstr("RIGHT")));
+
+    plug("");
+    for (const char* verb : {"devices", "info", "stream", "sensors"})
+        EXPECT_EQ(run({verb}).exitCode, 3) << verb;
+    plug(both());
+    const ToolRun unknown = run({"stream", "--camera", "MIDDLE"});
+    EXPECT_EQ(unknown.exitCode, 3);
+    EXPECT_THAT(unknown.err, HasSubstr("no camera is called 'MIDDLE'; plugged in: LEFT, RIGHT"));
+}
+
+TEST_F(Cameras, StreamAllTheyHaveAtOnce) {
+    plug(both());
+    const ToolRun run =
+        ToolTest::run({"stream", "--all", "--frames", "20", "--json", "--png", path("d.png"), "--color-png",
+                       path("c.png"), "--wav", path("t.wav"), "--record", path("r")});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    const auto streams = run.json().at("streams");
+    ASSERT_EQ(streams.size(), 6U);
+    EXPECT_EQ(streams.at(3).at("serialNumber"), "RIGHT");
+    EXPECT_EQ(streams.at(4).at("kind"), "color");
+    EXPECT_EQ(streams.at(4).at("frames").at("received"), 20);
+    for (const char* name :
+         {"d.LEFT.png", "d.RIGHT.png", "c.LEFT.png", "c.RIGHT.png", "t.LEFT.wav", "t.RIGHT.wav"})
+        EXPECT_TRUE(exists(name)) << name;
+
+    const ToolRun played =
+        ToolTest::run({"stream", "--play", path("r"), "--camera", "RIGHT", "--png", path("p.png"), "--json"});
+    ASSERT_EQ(played.exitCode, 0) << played.err;
+    EXPECT_EQ(played.json().at("streams").size(), 3U);
+    EXPECT_TRUE(Utils::readFile(path("p.png")) == Utils::readFile(path("d.RIGHT.png")));
+}
+
+TEST_F(Cameras, ThatFailDoNotStopTheOthers) {
+    const struct {
+        const char* settings;
+        int exitCode;
+    } cases[]{
+        {"throw io at video.readBuffer after 3", 1},
+        {"throw timeout at video.open", 7},
+        {"throw unauthorizedAccess at video.enableDepth", 5},
+    };
+    for (const auto& row : cases) {
+        plug(std::string(R"({"model": "ZS570", "serialNumber": "LEFT", "settings": ")") + row.settings +
+             "\"}," + right);
+        const ToolRun run =
+            ToolTest::run({"stream", "--all", "--frames", "15", "--raw", path("d.raw"), "--json"});
+        EXPECT_EQ(run.exitCode, row.exitCode) << row.settings << run.err;
+        EXPECT_THAT(run.err, HasSubstr("LEFT")) << row.settings;
+        EXPECT_FALSE(exists("d.LEFT.raw")) << row.settings;
+        EXPECT_TRUE(exists("d.RIGHT.raw")) << row.settings;
+        EXPECT_THAT(run.out, AllOf(HasSubstr("\"received\": 15"))) << row.settings;
+    }
+}
+
+TEST_F(Cameras, GoOnWhenTheyArePutBack) {
+    plug(both());
+    ProgressBuffer progress;
+    progress.atFrame(10, [this] { plug(left); });
+    progress.after("was unplugged", [this] { plug(both()); });
+    std::ostringstream out;
+    std::ostream err(&progress);
+    Console console{out, err, true};
+    ASSERT_EQ(runTool({"stream", "--all", "--frames", "90", "--wait", "60", "--raw", path("d.raw"), "--json"},
+                      console),
+              0)
+        << progress.str();
+    const auto streams = nlohmann::json::parse(out.str()).at("streams");
+    EXPECT_EQ(streams.at(0).at("absences"), 0);
+    EXPECT_EQ(streams.at(1).at("serialNumber"), "RIGHT");
+    EXPECT_EQ(streams.at(1).at("absences"), 1);
+    EXPECT_EQ(streams.at(1).at("frames").at("received"), 90);
+    EXPECT_EQ(Utils::readFile(path("d.LEFT.raw")).size(), Utils::readFile(path("d.RIGHT.raw")).size());
+}
+
+TEST_F(Cameras, ThatStayAwayAreMissed) {
+    plug(both());
+    ProgressBuffer progress;
+    progress.atFrame(5, [this] { plug(left); });
+    std::ostringstream out;
+    std::ostream err(&progress);
+    Console console{out, err, true};
+    EXPECT_EQ(runTool({"stream", "--all", "--frames", "60", "--raw", path("d.raw")}, console), 3);
+    EXPECT_THAT(progress.str(), HasSubstr("was unplugged after"));
+    EXPECT_TRUE(exists("d.LEFT.raw"));
+    EXPECT_FALSE(exists("d.RIGHT.raw"));
+    EXPECT_THAT(out.str(), HasSubstr("60 of 60"));
+}
+
+TEST_F(Cameras, TellWhatTheyAre) {
+    plug(right);
+    const ToolRun run = ToolTest::run({"info", "--json"});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    const auto json = run.json();
+    EXPECT_EQ(json.at("camera").at("serialNumber"), "RIGHT");
+    EXPECT_EQ(json.at("nodes").size(), 3U);
+    EXPECT_EQ(json.at("nodes").at(0).at("node"), "MOCKDEPTH_IMPL");
+    EXPECT_FALSE(json.at("nodes").at(0).at("modes").empty());
+    EXPECT_TRUE(json.at("calibration").contains("phaseDelay"));
+    EXPECT_EQ(json.at("temperatures").size(), 2U);
+    EXPECT_GT(json.at("temperatures").at(0).at("celsius"), 10.0);
+    EXPECT_TRUE(json.at("firmware").contains("major"));
+    EXPECT_THAT(ToolTest::run({"info"}).out, AllOf(HasSubstr("firmware.major"), HasSubstr("RIGHT")));
+}
+
+TEST_F(Cameras, KeepParametersWithinTheirRange) {
+    plug(left);
+    const ToolRun set = run({"params", "set", "0=42.5", "4=8", "7=off", "13=16,8,256,200", "--json"});
+    ASSERT_EQ(set.exitCode, 0) << set.err;
+    const auto rows = set.json().at("parameters");
+    EXPECT_EQ(rows.at(0).at("value"), 42.5);
+    EXPECT_EQ(rows.at(0).at("unit"), "%");
+    EXPECT_EQ(rows.at(1).at("value"), 8);
+    EXPECT_EQ(rows.at(2).at("value"), false);
+    EXPECT_EQ(rows.at(3).at("value").at("width"), 256);
+    EXPECT_EQ(run({"params", "list", "--json"}).json().at("parameters").size(), 16U);
+    EXPECT_THAT(run({"params", "get", "2", "12"}).out, HasSubstr("MHz"));
+
+    const struct {
+        const char* word;
+        int exitCode;
+        const char* message;
+    } wrong[]{
+        {"0=200", 1, "value out of range"},
+        {"4=3", 1, "value out of range"},
+        {"12=1", 1, "cannot set parameter 12"},
+        {"16=1", 2, "'16' is no parameter"},
+        {"-1=1", 2, ""},
+        {"0", 2, "NUMBER=VALUE"},
+        {"0=much", 2, "takes a number"},
+        {"4=1.5", 2, "takes a whole number"},
+        {"7=1", 2, "takes true or false"},
+        {"13=1,2,3", 2, "takes x, y, width and height"},
+        {"13=1,2,3,70000", 2, "takes x, y, width and height"},
+    };
+    for (const auto& row : wrong) {
+        const ToolRun run = ToolTest::run({"params", "set", row.word});
+        EXPECT_EQ(run.exitCode, row.exitCode) << row.word << run.err;
+        EXPECT_THAT(run.err, HasSubstr(row.message)) << row.word;
+    }
+}
+
+TEST_F(Cameras, SaveAndLoadParameters) {
+    plug(left);
+    ASSERT_EQ(run({"params", "save", path("p.json")}).exitCode, 0);
+    auto saved = nlohmann::json::parse(Utils::readFile(path("p.json")));
+    EXPECT_FALSE(saved.at("values").contains("12")) << "it cannot be written";
+    saved["values"]["0"] = 12.5;
+    Utils::writeFile(path("q.json"), saved.dump());
+    const ToolRun dry = run({"params", "load", path("q.json"), "--dry-run", "--json"});
+    ASSERT_EQ(dry.exitCode, 0) << dry.err;
+    EXPECT_EQ(dry.json().at("changes").size(), 1U);
+    const ToolRun load = run({"params", "load", path("q.json"), "--json"});
+    ASSERT_EQ(load.exitCode, 0) << load.err;
+    EXPECT_EQ(load.json().at("changes").at(0).at("after"), 12.5);
+
+    for (const char* text :
+         {"", "[]", "{}", R"({"schema":1})", R"({"schema":1,"values":[]})", R"({"schema":9,"values":{}})",
+          R"({"schema":1,"values":{"0":"x"}})", R"({"schema":1,"values":{"99":1}})"}) {
+        Utils::writeFile(path("w.json"), text);
+        const ToolRun run = ToolTest::run({"params", "load", path("w.json")});
+        EXPECT_THAT(run.exitCode, testing::AnyOf(1, 2)) << text;
+        EXPECT_NE(run.err, "") << text;
+    }
+}
+
+TEST_F(Cameras, PlotTheirTemperatures) {
+    plug(left);
+    const ToolRun run = ToolTest::run({"sensors", "--watch", "--seconds", "0.3", "--interval", "50", "--json",
+                                       "--png", path("t.png"), "--accelerometer", "0x71"});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    std::istringstream lines(run.out);
+    std::string line;
+    unsigned count = 0;
+    for (; std::getline(lines, line); ++count)
+        EXPECT_EQ(nlohmann::json::parse(line).at("temperatures").size(), 2U);
+    EXPECT_GE(count, 2U);
+    EXPECT_TRUE(exists("t.png"));
+    EXPECT_THAT(ToolTest::run({"sensors"}).out, AllOf(HasSubstr("sensor 0"), HasSubstr("degC")));
+}
+
+TEST_F(Cameras, TakeTheirCalibrationFromAFile) {
+    plug(left);
+    ASSERT_EQ(run({"calibration", "export", path("a.json")}).exitCode, 0);
+    EXPECT_EQ(run({"calibration", "diff", path("a.json")}).exitCode, 0);
+
+    auto changed = nlohmann::json::parse(Utils::readFile(path("a.json")));
+    changed["calibration"]["phaseDelay"] = -321;
+    changed["calibration"]["temperatureCompensation"] = {
+        {"kind", 2}, {"firstCoefficients", {1, -2}}, {"secondCoefficients", {3, 4}}};
+    Utils::writeFile(path("b.json"), changed.dump());
+    const ToolRun diff = run({"calibration", "diff", path("a.json"), path("b.json"), "--json"});
+    EXPECT_EQ(diff.exitCode, 8);
+    EXPECT_THAT(diff.out, AllOf(HasSubstr("phaseDelay"), HasSubstr("-321")));
+
+    EXPECT_EQ(run({"calibration", "import", path("b.json")}).exitCode, 2) << "not without --yes";
+    EXPECT_EQ(run({"calibration", "import", path("b.json"), "--dry-run"}).exitCode, 0);
+    const ToolRun written =
+        run({"calibration", "import", path("b.json"), "--yes", "--backup", path("c.json"), "--json"});
+    EXPECT_EQ(written.exitCode, 0) << written.err;
+    EXPECT_EQ(written.json().at("written"), true);
+    EXPECT_EQ(run({"calibration", "diff", path("a.json"), path("c.json")}).exitCode, 0)
+        << "what it was before";
+}
+
+TEST_F(Cameras, RefuseWrongCalibrationFiles) {
+    const std::string head = R"({"schema":1,"calibration":{"phaseDelay":)";
+    const std::string tail = R"("temperatureCompensation":{"kind":)";
+    const struct {
+        std::string text;
+        const char* message;
+    } cases[]{
+        {"", "is no JSON"},
+        {"[1]", "no field 'calibration'"},
+        {R"({"calibration":{}})", "not of schema"},
+        {head + "40000," + R"("phaseDelay2":0,)" + tail +
+             R"(0,"firstCoefficients":[],"secondCoefficients":[]}}})",
+         "'phaseDelay' takes whole numbers from -32768 to 32767, not 40000"},
+        {head + "1.5," + R"("phaseDelay2":0,)" + tail +
+             R"(0,"firstCoefficients":[],"secondCoefficients":[]}}})",
+         "'phaseDelay'"},
+        {head + "1," + tail + R"(0,"firstCoefficients":[],"secondCoefficients":[]}}})",
+         "no field 'phaseDelay2'"},
+        {head + "1," + R"("phaseDelay2":0,)" + tail +
+             R"(300,"firstCoefficients":[],"secondCoefficients":[]}}})",
+         "'kind' takes whole numbers from 0 to 255"},
+        {head + "1," + R"("phaseDelay2":0,)" + tail +
+             R"(1,"firstCoefficients":[1],"secondCoefficients":[]}}})",
+         "cannot take the coefficients"},
+        {head + "1," + R"("phaseDelay2":0,)" + tail +
+             R"(0,"firstCoefficients":[1],"secondCoefficients":[1]}}})",
+         "of kind 0 has coefficients"},
+        {head + "1," + R"("extra":1,"phaseDelay2":0,)" + tail +
+             R"(0,"firstCoefficients":[],"secondCoefficients":[]}}})",
+         "unknown field 'extra'"},
+    };
+    for (const auto& row : cases) {
+        Utils::writeFile(path("w.json"), row.text);
+        const ToolRun run = ToolTest::run({"calibration", "diff", path("w.json"), path("w.json")});
+        EXPECT_EQ(run.exitCode, 1) << row.text;
+        EXPECT_THAT(run.err, HasSubstr(row.message)) << row.text;
+    }
+}
+
+} // namespace
+} // namespace Zentara::Tool

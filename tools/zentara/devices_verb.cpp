@@ -1,0 +1,153 @@
+#include <iomanip>
+#include <memory>
+
+#include <zentara/core/descriptor_store_ro.h>
+#include <zentara/utils/clock.h>
+
+#include "tools/zentara/camera_bus.h"
+#include "tools/zentara/interrupt.h"
+#include "tools/zentara/json_output.h"
+#include "tools/zentara/stream_description.h"
+#include "tools/zentara/verb.h"
+
+namespace Zentara::Tool {
+namespace {
+
+constexpr unsigned long lookMilliseconds = 100;
+constexpr double longestWatch = 86'400;
+
+struct Options {
+    bool watch = false;
+    double seconds = 0; ///< 0: until Ctrl-C
+    bool json = false;
+};
+
+/// The model of a camera, by its description.
+struct Model {
+    std::string vendor;
+    std::string product;
+};
+
+Model modelOf(const NodeEvent& node, CameraStore& store) {
+    store.select(node);
+    return {store.view().getVendorName(), store.view().getProductName()};
+}
+
+Json toJson(const NodeEvent& node) {
+    return {{"kind", nodeTypeName(node.nodeType)},
+            {"name", node.name},
+            {"path", node.path},
+            {"ids", {node.vendorId, node.productId, node.revision, node.interfaceNumber}}};
+}
+
+Json toJson(const CameraEntry& camera, CameraStore& store) {
+    const Model model = modelOf(camera.nodes.front(), store);
+    Json json{{"serialNumber", camera.serialNumber()},
+              {"path", camera.path},
+              {"vendor", model.vendor},
+              {"product", model.product},
+              {"nodes", Json::array()}};
+    for (const NodeEvent& node : camera.nodes)
+        json["nodes"].push_back(toJson(node));
+    return json;
+}
+
+void printCameras(std::ostream& out, const std::vector<CameraEntry>& cameras, CameraStore& store) {
+    out << std::left << std::setw(16) << "SERIAL" << std::setw(32) << "PRODUCT" << std::setw(20) << "NODES"
+        << "PATH\n";
+    for (const CameraEntry& camera : cameras) {
+        std::string kinds;
+        for (const NodeEvent& node : camera.nodes)
+            kinds += std::string(kinds.empty() ? "" : " ") + nodeTypeName(node.nodeType);
+        out << std::left << std::setw(16) << camera.serialNumber() << std::setw(32)
+            << modelOf(camera.nodes.front(), store).product << std::setw(20) << kinds << camera.path << '\n';
+    }
+}
+
+const char* eventName(ExternalEventType type) {
+    switch (type) {
+    case ExternalEventType_NODE_ARRIVED:
+        return "arrived";
+    case ExternalEventType_NODE_REMOVED:
+        return "removed";
+    default:
+        return "error";
+    }
+}
+
+/// With --json one object a line, so that a reader can follow.
+void printEvent(std::ostream& out, const ExternalEvent& event, bool json) {
+    const NodeEvent& node = event.node;
+    if (json) {
+        Json line = beginJson("devices");
+        line["event"] = eventName(event.type);
+        line["timeMicros"] = event.timeMicros;
+        line["serialNumber"] = node.serialNumber;
+        line["node"] = toJson(node);
+        out << line.dump(-1, ' ', false, Json::error_handler_t::replace) << std::endl;
+    } else {
+        out << std::left << std::setw(9) << eventName(event.type) << std::setw(7)
+            << nodeTypeName(node.nodeType) << node.name << ' ' << node.serialNumber << ' ' << node.path
+            << std::endl;
+    }
+}
+
+ExitCode watchDevices(const Options& options, CameraBus& bus, Console& console) {
+    InterruptWatch interrupt;
+    std::int64_t start = 0;
+    Utils::Clock::getTime(start);
+    bus.watch();
+    while (!interrupt.interrupted()) {
+        std::int64_t now = 0;
+        Utils::Clock::getTime(now);
+        if (options.seconds > 0 && static_cast<double>(now - start) / 1e6 >= options.seconds)
+            return ExitCode_DONE;
+        ExternalEvent event;
+        if (bus.next(event, lookMilliseconds))
+            printEvent(console.out, event, options.json);
+    }
+    return ExitCode_INTERRUPTED;
+}
+
+ExitCode runDevices(const Options& options, Console& console) {
+    CameraBus bus(console.err);
+    if (options.watch)
+        return watchDevices(options, bus, console);
+    const std::vector<CameraEntry> cameras = bus.cameras();
+    CameraStore store(console.err);
+    if (options.json) {
+        Json json = beginJson("devices");
+        json["enumerator"] = bus.backendName();
+        json["cameras"] = Json::array();
+        for (const CameraEntry& camera : cameras)
+            json["cameras"].push_back(toJson(camera, store));
+        print(console.out, json);
+    } else if (!cameras.empty()) {
+        printCameras(console.out, cameras, store);
+    }
+    if (!cameras.empty())
+        return ExitCode_DONE;
+    console.err << "zentara devices: no camera is plugged in\n";
+    return ExitCode_NO_DEVICE;
+}
+
+} // namespace
+
+Verb addDevicesVerb(CLI::App& program) {
+    auto options = std::make_shared<Options>();
+    CLI::App* command =
+        program.add_subcommand("devices", "Lists the cameras that are plugged in")->group("Verbs");
+    command->footer(
+        "Exit code 3 when there is none. With --watch each node that comes or goes is a line, or\n"
+        "with --json an object on a line of its own, beginning with those that are there.");
+    CLI::Option* watch =
+        command->add_flag("--watch", options->watch, "Tell what comes and goes, until Ctrl-C");
+    command->add_option("--seconds", options->seconds, "Watch so long")
+        ->type_name("N")
+        ->check(CLI::Range(0.0, longestWatch).description(""))
+        ->needs(watch);
+    command->add_flag("--json", options->json, "Print JSON");
+    return {command, [options](Console& console) { return runDevices(*options, console); }};
+}
+
+} // namespace Zentara::Tool
