@@ -45,7 +45,8 @@ ExitCode runModfreq(const Options& options, Console& console) {
     const Modulation modulation = modulationOf(session.chip().kind());
     const auto& known = modulation.megahertz;
     if (known.empty())
-        throw ToolFailure(ExitCode_FAILED, Format("the % has no command for the modulation frequency") % chip);
+        throw ToolFailure(ExitCode_FAILED,
+                          Format("the % has no command for the modulation frequency") % chip);
     if (std::find(known.begin(), known.end(), options.megahertz) == known.end())
         throw ToolFailure(ExitCode_USAGE, Format("% MHz is no modulation frequency of the %: % MHz") %
                                               options.megahertz % chip % listOf(known));
