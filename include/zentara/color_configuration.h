@@ -23,9 +23,6 @@ public:
     void setFrameFormat(FrameFormat newFormat);
     [[nodiscard]] int getFramerate() const;
     void setFramerate(int newFrameRate);
-    // Former names.
-    [[nodiscard]] int getFrameRate() const { return getFramerate(); }
-    void setFrameRate(int newFrameRate) { setFramerate(newFrameRate); }
     [[nodiscard]] PowerLineFrequency getPowerLineFrequency() const;
     void setPowerLineFrequency(PowerLineFrequency newFrequency);
     [[nodiscard]] CompressionType getCompression() const;

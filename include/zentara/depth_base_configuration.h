@@ -21,8 +21,6 @@ public:
     [[nodiscard]] FrameFormat getFrameFormat() const;
     /// Frames a second.
     [[nodiscard]] int getFramerate() const;
-    // Former name.
-    [[nodiscard]] int getFrameRate() const { return getFramerate(); }
 
     [[nodiscard]] CalibrationInternal getCalibration() const;
     void setCalibration(const CalibrationInternal& newCalibration);

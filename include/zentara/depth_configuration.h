@@ -21,8 +21,6 @@ public:
 
     void setFrameFormat(FrameFormat newFormat);
     void setFramerate(int newFrameRate);
-    // Former name.
-    void setFrameRate(int newFrameRate) { setFramerate(newFrameRate); }
     [[nodiscard]] DepthNode::CameraMode getCameraMode() const;
     void setCameraMode(DepthNode::CameraMode newMode);
     [[nodiscard]] bool getSaturation() const;

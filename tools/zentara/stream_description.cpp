@@ -12,7 +12,7 @@ constexpr int mostSamplesPerSecond = 10'000'000;
 } // namespace
 
 StreamMode::StreamMode(const DepthBaseConfiguration& mode)
-    : fields{mode.getFrameFormat(), mode.getFrameRate(), 0, 0} {
+    : fields{mode.getFrameFormat(), mode.getFramerate(), 0, 0} {
     if (const auto* whole = dynamic_cast<const DepthConfiguration*>(&mode)) {
         fields[2] = whole->getCameraMode();
         fields[3] = whole->getSaturation() ? 1 : 0;
@@ -20,7 +20,7 @@ StreamMode::StreamMode(const DepthBaseConfiguration& mode)
 }
 
 StreamMode::StreamMode(const ColorConfiguration& mode)
-    : fields{mode.getFrameFormat(), mode.getFrameRate(), mode.getPowerLineFrequency(),
+    : fields{mode.getFrameFormat(), mode.getFramerate(), mode.getPowerLineFrequency(),
              mode.getCompression()} {}
 
 StreamMode::StreamMode(const AudioConfiguration& mode)

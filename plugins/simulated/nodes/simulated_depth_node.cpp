@@ -190,7 +190,7 @@ void SimulatedDepthNode::setConfiguration(Mode configuration) {
         throw InvalidOperationPluginException("setConfiguration: the node does not stream");
     const Mode mode = present.find(configuration);
     if (mode->getFrameFormat() != present.running->getFrameFormat() ||
-        mode->getFrameRate() != present.running->getFrameRate())
+        mode->getFramerate() != present.running->getFramerate())
         throw ConfigurationPluginException(
             Format("setConfiguration: % has other frames than %; stop the stream first") % mode->getName() %
             present.running->getName());
