@@ -17,6 +17,7 @@ namespace {
 
 constexpr std::int64_t stallMicros = 5'000'000;
 constexpr std::int64_t letGoMicros = 2'000'000;
+constexpr std::int64_t retryMicros = 300'000; // longer than an enumerator takes to see a removal
 constexpr unsigned long lookMilliseconds = 50;
 
 std::int64_t nowMicros() {
@@ -96,6 +97,8 @@ void StreamedCamera::startStream(std::size_t index) {
 }
 
 void StreamedCamera::look() {
+    if (condition == State::Unplugged)
+        lookForReturn();
     if (condition != State::Streaming)
         return;
     try {
@@ -153,16 +156,30 @@ void StreamedCamera::arrived(const NodeEvent& node) {
             stream->description.node = node;
         }
     }
-    if (condition == State::Unplugged &&
-        std::all_of(streams.begin(), streams.end(), [](const auto& stream) { return stream->present; }))
+    if (condition == State::Unplugged && present())
         plugIn();
+}
+
+/// A camera that is put back at once may be back before the enumerator misses it: then no arrival is told.
+void StreamedCamera::lookForReturn() {
+    if (present() && nowMicros() - triedAt >= retryMicros)
+        plugIn();
+}
+
+bool StreamedCamera::present() const {
+    return std::all_of(streams.begin(), streams.end(), [](const auto& stream) { return stream->present; });
 }
 
 /// What the device says while it is being taken apart is no news: it is gone.
 void StreamedCamera::unplug(const ToolFailure& why) {
-    condition = State::Unplugged;
     trouble.emplace(why);
     awaySince = nowMicros();
+    leave();
+}
+
+void StreamedCamera::leave() {
+    condition = State::Unplugged;
+    triedAt = nowMicros();
     stopStreams();
     for (const auto& stream : streams) {
         if (!leftBehind)
@@ -172,7 +189,7 @@ void StreamedCamera::unplug(const ToolFailure& why) {
         condition = State::Failed;
 }
 
-/// A camera that cannot be opened again stays away: another arrival may do better.
+/// A camera that cannot be opened again stays away, since the time at which it went: another try may do better.
 void StreamedCamera::plugIn() {
     try {
         for (std::size_t index = 0; index < streams.size(); ++index) {
@@ -189,7 +206,9 @@ void StreamedCamera::plugIn() {
         trouble.reset();
         ++absences;
     } catch (const ToolFailure& failure) {
-        unplug(failure);
+        if (failure.code != ExitCode_NO_DEVICE)
+            trouble.emplace(failure);
+        leave();
     }
 }
 

@@ -90,7 +90,10 @@ private:
     void letGo(Stream& stream);
     void closeStreams();
     void unplug(const ToolFailure& why);
+    void leave();
+    void lookForReturn();
     void plugIn();
+    [[nodiscard]] bool present() const;
 
     const Open opener;
     Utils::Threading::Signal& wake;
@@ -102,6 +105,7 @@ private:
     State condition = State::Streaming;
     std::optional<ToolFailure> trouble;
     std::int64_t awaySince = 0;
+    std::int64_t triedAt = 0; ///< when it was last found to be away
     unsigned absences = 0;
     bool leftBehind = false;
 };
