@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <functional>
 #include <random>
 
@@ -74,7 +75,6 @@ TEST_F(RomSurveyTest, FindsNothingWrongWithWhatTheLibraryWrites) {
     EXPECT_THAT(survey.findings(), IsEmpty());
     ASSERT_EQ(survey.blocks().size(), 4U);
     EXPECT_EQ(survey.blocks()[2].section->uid, 2);
-    EXPECT_EQ(survey.freeSpace().bytes, (1024U - 17 - 4 * chunk) / chunk * chunk);
     EXPECT_EQ(survey.freeSpace().gaps.size(), 1U);
 
     change([](ROM::Container& container) { container.erase(2); });
@@ -83,6 +83,24 @@ TEST_F(RomSurveyTest, FindsNothingWrongWithWhatTheLibraryWrites) {
     ASSERT_EQ(erased.unreachable().size(), 1U) << "what was erased is still there";
     EXPECT_EQ(erased.unreachable()[0].address, section(2));
     EXPECT_EQ(erased.freeSpace().gaps.size(), 2U);
+}
+
+/// The library uses all the room that the survey counts, and no more.
+TEST_F(RomSurveyTest, CountsTheRoomThatTheLibraryUses) {
+    for (const FlashArea& area : {FlashArea{100, 1024, chunk, true}, FlashArea{0, 1000, chunk, true},
+                                  FlashArea{100, 1024, chunk, false}}) {
+        SCOPED_TRACE(area.start);
+        FlashImage flash(area);
+        Storage storage(flash, area);
+        storage.container.initialize();
+        storage.container.initializeRom();
+        for (std::uint16_t uid = 1; const std::uint64_t room = RomSurvey(flash).freeSpace().bytes; ++uid) {
+            storage.container.set(uid, ROM::ContainerSectionType::Diagnostic, 1, Bytes(10, 1));
+            ASSERT_EQ(RomSurvey(flash).freeSpace().bytes, room - chunk);
+        }
+        EXPECT_THROW(storage.container.set(999, ROM::ContainerSectionType::Diagnostic, 1, Bytes(10, 1)),
+                     Plugin::IOPluginException);
+    }
 }
 
 TEST_F(RomSurveyTest, NamesEachDamageWithItsPlace) {
@@ -164,6 +182,12 @@ TEST_F(RomSurveyTest, NamesEachDamageWithItsPlace) {
              seal(block(3), 8);
          },
          {{Kind::BlockOutside, block(3)}, {Kind::Unreachable, section(3)}}},
+        {"block of 4 GB in the middle",
+         [&] {
+             put(block(2), Bytes(4, 0xFF));
+             seal(block(2), 8);
+         },
+         {{Kind::BlockOutside, block(2)}, {Kind::Unreachable, section(2)}}},
         {"link outside", [&] { link(block(3), 2000); }, {{Kind::LinkOutside, block(3)}}},
         {"cycle", [&] { link(block(3), block(1)); }, {{Kind::Cycle, block(3)}}},
         {"a step back",
@@ -234,6 +258,70 @@ TEST_F(RomSurveyTest, NotesWhatIsUnusualWithoutCallingItWrong) {
         kinds.push_back(finding.kind);
     EXPECT_THAT(kinds,
                 ElementsAre(FindingKind::UnknownType, FindingKind::UnknownRecord, FindingKind::OtherVersion));
+}
+
+/// Each header claims all that follows: to check them one by one would take the square of the image.
+TEST(RomSurveyTimeTest, EndsSoonWhereEveryHeaderClaimsTheRest) {
+    constexpr std::uint32_t size = 8U << 20;
+    Bytes headers;
+    while (headers.size() + 32 < size) {
+        const auto rest = static_cast<std::uint32_t>(size - headers.size());
+        Bytes header{0xA5,
+                     0,
+                     static_cast<std::uint8_t>(rest >> 16),
+                     static_cast<std::uint8_t>(rest >> 8),
+                     static_cast<std::uint8_t>(rest),
+                     4,
+                     1,
+                     0,
+                     1};
+        const unsigned crc = Utils::Crc16::compute(header.data(), 9, 0);
+        header.insert(header.end(), {static_cast<std::uint8_t>(crc >> 8), static_cast<std::uint8_t>(crc)});
+        headers.insert(headers.end(), header.begin(), header.end());
+    }
+    headers.resize(size);
+    EXPECT_TRUE(RomSurvey(FlashImage({0, size, 256, true}, headers)).isFaulty());
+}
+
+/// Blocks inside one another are followed as far as the library follows them.
+TEST(RomSurveyTimeTest, CutsAChainThatClaimsTheAreaOverAndOver) {
+    constexpr std::uint32_t size = 4096;
+    FlashImage image({0, size, 16, true});
+    const auto put = [&](std::uint32_t address, Bytes bytes) {
+        const unsigned crc = Utils::Crc16::compute(bytes.data(), static_cast<unsigned>(bytes.size()), 0);
+        bytes.insert(bytes.end(), {static_cast<std::uint8_t>(crc >> 8), static_cast<std::uint8_t>(crc)});
+        image.write(address, bytes);
+    };
+    const auto high = [](std::uint32_t value) { return static_cast<std::uint8_t>(value >> 8); };
+    const auto low = [](std::uint32_t value) { return static_cast<std::uint8_t>(value); };
+    put(0, {1, 1, 1, 0, 0, high(size), low(size), 0, 0, 0, 16, 0, 0, 0, 17});
+    for (std::uint32_t at = 17; at + 40 < size; at += 20)
+        put(at, {0, 0, high(size - at), low(size - at), 0, 0, high(at + 20), low(at + 20)});
+    image.write(27, {1, 1});
+    put(27, {1, 1});
+    const RomSurvey survey(image);
+    Storage storage(image, image.area());
+    storage.container.initialize();
+    EXPECT_EQ(survey.blocks().size(), storage.manager.getBlockMap().size());
+    EXPECT_TRUE(std::any_of(survey.findings().begin(), survey.findings().end(), [](const Finding& finding) {
+        return finding.isFault && finding.text.find("claim the area more than 16 times") != std::string::npos;
+    }));
+}
+
+TEST(StretchChecksumsTest, GivesTheChecksumOfEveryStretch) {
+    std::mt19937 random(3);
+    Bytes bytes(3000);
+    for (std::uint8_t& byte : bytes)
+        byte = static_cast<std::uint8_t>(random());
+    const StretchChecksums checksums(bytes);
+    for (int round = 0; round < 2000; ++round) {
+        const std::size_t offset = random() % (bytes.size() + 1);
+        const std::size_t length =
+            round % 8 == 0 ? bytes.size() - offset : random() % (bytes.size() - offset + 1);
+        ASSERT_EQ(checksums.of(offset, length),
+                  Utils::Crc16::compute(bytes.data() + offset, static_cast<unsigned>(length), 0))
+            << offset << ' ' << length;
+    }
 }
 
 /// Whatever the bytes are, the survey ends, and agrees with the library about what can be read.

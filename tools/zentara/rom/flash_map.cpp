@@ -1,6 +1,7 @@
 #include "tools/zentara/rom/flash_map.h"
 
 #include <algorithm>
+#include <set>
 
 #include <zentara/rom/chunked_memory_management_header.h>
 #include <zentara/rom/memory_block_header.h>
@@ -64,9 +65,20 @@ FlashMap::FlashMap(const FlashImage& image, const RomSurvey& survey) : area(imag
         add(survey.header() ? RegionKind::Header : RegionKind::Damaged, area.headerAddress(),
             ROM::ChunkedMemoryManagementHeader::SIZE,
             survey.header() ? "management header" : "no management header that can be read", 'H');
+    std::set<std::uint64_t> places;
+    for (const SurveyedBlock& block : survey.blocks())
+        places.insert(block.address);
     std::size_t number = 0;
     for (const SurveyedBlock& block : survey.blocks()) {
-        add(RegionKind::Slack, block.address, block.chunkBytes, "rest of a chunk", '-');
+        if (block.isOutside) {
+            add(RegionKind::Damaged, block.address, ROM::MemoryBlockHeader::SIZE,
+                "a block that reaches past the end of the area", '!');
+            continue;
+        }
+        const auto above = places.upper_bound(block.address);
+        const std::uint64_t end = above == places.end() ? area.end() : *above;
+        add(RegionKind::Slack, block.address, std::min(block.chunkBytes, end - block.address),
+            "rest of a chunk", '-');
         if (block.isContainerHeader)
             add(RegionKind::Container, block.address, block.allocatedSize, "container header", 'C');
         else if (block.section)

@@ -91,6 +91,48 @@ Bytes dataFromJson(std::uint8_t type, const JsonPlace& place) {
     return data;
 }
 
+/// Finds a key that stands twice in one object: the parser keeps the last one and says nothing.
+class KeyWatch {
+public:
+    void see(Json::parse_event_t event, const Json& value) {
+        using Event = Json::parse_event_t;
+        if (event == Event::object_start || event == Event::array_start)
+            open.push_back({event == Event::array_start, 0, {}, {}});
+        else if (event == Event::key)
+            seeKey(value.get<std::string>());
+        else
+            seeEnd(event != Event::value);
+    }
+
+private:
+    struct Level {
+        bool isArray;
+        std::size_t index; ///< of the item that comes next
+        std::string key;   ///< the last one
+        std::set<std::string> keys;
+    };
+
+    void seeKey(const std::string& key) {
+        open.back().key = key;
+        if (!open.back().keys.insert(key).second)
+            throw RomJsonError(path() + ": the key stands twice in one object");
+    }
+    void seeEnd(bool isLevel) {
+        if (isLevel)
+            open.pop_back();
+        if (!open.empty())
+            ++open.back().index;
+    }
+    [[nodiscard]] std::string path() const {
+        std::string text;
+        for (const Level& level : open)
+            text += '/' + (level.isArray ? std::to_string(level.index) : level.key);
+        return text;
+    }
+
+    std::vector<Level> open;
+};
+
 } // namespace
 
 Json sectionToJson(std::uint16_t uid, const RomSection& section) {
@@ -119,14 +161,9 @@ Json contentToJson(const RomContent& content) {
 }
 
 Json parseJson(const std::string& text) {
-    std::vector<std::set<std::string>> keys;
-    const auto watch = [&](int, Json::parse_event_t event, Json& value) {
-        if (event == Json::parse_event_t::object_start)
-            keys.emplace_back();
-        else if (event == Json::parse_event_t::object_end)
-            keys.pop_back();
-        else if (event == Json::parse_event_t::key && !keys.back().insert(value.get<std::string>()).second)
-            throw RomJsonError("the key '" + value.get<std::string>() + "' stands twice in one object");
+    KeyWatch keys;
+    const auto watch = [&](int, Json::parse_event_t event, const Json& value) {
+        keys.see(event, value);
         return true;
     };
     try {

@@ -9,7 +9,6 @@
 #include <zentara/rom/container_header.h>
 #include <zentara/rom/memory_block_header.h>
 #include <zentara/rom/section.h>
-#include <zentara/utils/crc.h>
 #include <zentara/utils/format.h>
 
 #include "rom/big_endian_reader.h"
@@ -28,10 +27,6 @@ constexpr std::uint32_t CRC_SIZE = 2;
 constexpr std::uint32_t DATA_OFFSET = ROM::Section::HEADER_SIZE + CRC_SIZE;
 constexpr std::uint8_t UNREADABLE_VERSION = 2;
 constexpr std::uint8_t ERASED_BYTE = 0xFF;
-
-std::uint16_t crcOf(View bytes) {
-    return Utils::Crc16::compute(bytes.data(), static_cast<unsigned>(bytes.size()), 0);
-}
 
 std::string hex(std::uint32_t value) { return Format("0x%{:x8}") % value; }
 
@@ -63,34 +58,8 @@ SectionHeader sectionHeader(View bytes) {
     return header;
 }
 
-/// Why the bytes are no whole section, and whether it is the data that is wrong; nothing when they are one.
-std::optional<std::pair<FindingKind, std::string>> sectionFault(View bytes) {
-    if (bytes.size() < ROM::Section::MIN_SIZE)
-        return std::pair<FindingKind, std::string>{
-            FindingKind::SectionHeader, std::string(Format("% bytes are too few for a section") %
-                                                    static_cast<unsigned long long>(bytes.size()))};
-    const SectionHeader header = sectionHeader(bytes);
-    if (header.marker != ROM::Section::SECTION_MARKER)
-        return std::pair<FindingKind, std::string>{
-            FindingKind::SectionHeader,
-            std::string(Format("the section begins with 0x%{:x2}, not with 0xa5") % unsigned{header.marker})};
-    const std::uint16_t computed = crcOf(bytes.first(ROM::Section::HEADER_SIZE));
-    if (computed != header.crc)
-        return std::pair<FindingKind, std::string>{FindingKind::SectionHeader,
-                                                   crcText("the section header", header.crc, computed)};
-    if (header.length < ROM::Section::MIN_SIZE || header.length > bytes.size())
-        return std::pair<FindingKind, std::string>{
-            FindingKind::SectionHeader,
-            std::string(Format("section % says to have % bytes where % are") % header.uid % header.length %
-                        static_cast<unsigned long long>(bytes.size()))};
-    const std::uint16_t data = crcOf(bytes.subspan(DATA_OFFSET, header.length - ROM::Section::MIN_SIZE));
-    const std::uint16_t stored = bigEndian16(bytes.subspan(header.length - CRC_SIZE));
-    if (data != stored)
-        return std::pair<FindingKind, std::string>{
-            FindingKind::SectionData,
-            crcText(("the data of section " + std::to_string(header.uid)).c_str(), stored, data)};
-    return std::nullopt;
-}
+/// How often all blocks together may claim the area: the library loads no more of the chain.
+constexpr std::uint64_t MOST_CLAIMS = 16;
 
 bool isStructural(FindingKind kind) { return kind < FindingKind::ZeroUid; }
 
@@ -106,19 +75,7 @@ const char* findingKindName(FindingKind kind) noexcept {
     return names[static_cast<std::size_t>(kind)];
 }
 
-std::optional<SurveyedSection> readWholeSection(View bytes, std::uint32_t address) {
-    if (bytes.empty() || bytes[0] != ROM::Section::SECTION_MARKER || sectionFault(bytes))
-        return std::nullopt;
-    const SectionHeader header = sectionHeader(bytes);
-    const View data = bytes.subspan(DATA_OFFSET, header.length - ROM::Section::MIN_SIZE);
-    return SurveyedSection{address,
-                           header.uid,
-                           {header.type, header.flags, Bytes(data.begin(), data.end())},
-                           header.crc,
-                           bigEndian16(bytes.subspan(header.length - CRC_SIZE))};
-}
-
-RomSurvey::RomSurvey(const FlashImage& surveyed) : image(surveyed) {
+RomSurvey::RomSurvey(const FlashImage& surveyed) : image(surveyed), checksums(surveyed.bytes()) {
     readHeader();
     if (managementHeader) {
         walkChain();
@@ -144,6 +101,10 @@ View RomSurvey::at(std::uint64_t address, std::uint64_t length) const {
     return View(image.bytes()).subspan(address - image.area().start, length);
 }
 
+std::uint16_t RomSurvey::crcOf(std::uint64_t address, std::uint64_t length) const {
+    return checksums.of(address - image.area().start, length);
+}
+
 void RomSurvey::add(FindingKind kind, std::uint32_t address, bool isFault, std::string text) {
     found.push_back({kind, address, isFault, std::move(text)});
 }
@@ -165,7 +126,7 @@ void RomSurvey::readHeader() {
     read.chunkSize = reader.readU32();
     read.firstBlock = reader.readU32();
     read.crc = reader.readU16();
-    if (checkHeader(read, crcOf(bytes.first(HEADER_SIZE - CRC_SIZE))))
+    if (checkHeader(read, crcOf(area.headerAddress(), HEADER_SIZE - CRC_SIZE)))
         managementHeader = read;
 }
 
@@ -195,6 +156,8 @@ bool RomSurvey::checkHeader(const SurveyedHeader& read, std::uint16_t computed) 
 
 void RomSurvey::walkChain() {
     std::set<std::uint32_t> seen;
+    std::uint64_t claimed = 0;
+    bool isLost = false; // what stands in a block, though the links lead past it
     std::uint32_t address = managementHeader->firstBlock;
     if (address == 0)
         fault(FindingKind::ContainerHeader, image.area().headerAddress(),
@@ -207,14 +170,21 @@ void RomSurvey::walkChain() {
         std::optional<SurveyedBlock> block = readBlock(address);
         if (!block)
             return;
-        if (chain.empty())
+        claimed += block->isOutside ? 0 : block->allocatedSize;
+        if (claimed > MOST_CLAIMS * image.area().size)
+            return fault(FindingKind::Overlap, address,
+                         Format("the chain is cut here: its blocks claim the area more than % times") %
+                             static_cast<unsigned long long>(MOST_CLAIMS));
+        isLost |= block->isOutside;
+        block->isContainerHeader = chain.empty();
+        if (block->isContainerHeader)
             readContainerHeader(*block);
         else
             readSection(*block);
         address = block->next;
         chain.push_back(*std::move(block));
     }
-    isChainBroken = false;
+    isChainBroken = isLost;
 }
 
 std::optional<SurveyedBlock> RomSurvey::readBlock(std::uint32_t address) {
@@ -230,18 +200,19 @@ std::optional<SurveyedBlock> RomSurvey::readBlock(std::uint32_t address) {
     block.allocatedSize = reader.readU32();
     block.next = reader.readU32();
     const std::uint16_t stored = reader.readU16();
-    const std::uint16_t computed = crcOf(bytes.first(BLOCK_HEADER_SIZE - CRC_SIZE));
+    const std::uint16_t computed = crcOf(address, BLOCK_HEADER_SIZE - CRC_SIZE);
     if (stored != computed)
         fault(FindingKind::BlockHeader, address, crcText("the block header", stored, computed));
     else if (block.allocatedSize < BLOCK_HEADER_SIZE)
         fault(FindingKind::BlockHeader, address,
               Format("a block of % bytes is smaller than its header") % block.allocatedSize);
-    else if (!image.area().holds(address, block.allocatedSize))
-        fault(FindingKind::BlockOutside, address,
-              Format("the block of % bytes reaches past the end of the area") % block.allocatedSize);
     else {
         const std::uint64_t chunk = managementHeader->chunkSize;
         block.chunkBytes = (block.allocatedSize + chunk - 1) / chunk * chunk;
+        block.isOutside = !image.area().holds(address, block.allocatedSize);
+        if (block.isOutside)
+            fault(FindingKind::BlockOutside, address,
+                  Format("the block of % bytes reaches past the end of the area") % block.allocatedSize);
         if (!chain.empty() && (address > chain.back().address) != image.area().headerAtStart)
             fault(FindingKind::ChainOrder, address,
                   Format("the block stands % its predecessor at %") %
@@ -252,14 +223,15 @@ std::optional<SurveyedBlock> RomSurvey::readBlock(std::uint32_t address) {
 }
 
 void RomSurvey::readContainerHeader(SurveyedBlock& block) {
-    block.isContainerHeader = true;
+    if (block.isOutside)
+        return;
     const View bytes = at(block.address, block.allocatedSize).subspan(BLOCK_HEADER_SIZE);
     const auto wrong = [&](std::string text) {
         fault(FindingKind::ContainerHeader, block.address, std::move(text));
     };
     if (bytes.size() < ROM::ContainerHeader::SIZE)
         return wrong("the first block is too short for a container header");
-    const std::uint16_t computed = crcOf(bytes.first(2));
+    const std::uint16_t computed = crcOf(block.address + BLOCK_HEADER_SIZE, 2);
     const std::uint16_t stored = bigEndian16(bytes.subspan(2));
     if (stored != computed)
         return wrong(crcText("the container header", stored, computed));
@@ -271,12 +243,51 @@ void RomSurvey::readContainerHeader(SurveyedBlock& block) {
              Format("the container header has version %: it cannot be changed") % unsigned{bytes[0]});
 }
 
+/// Why the bytes are no whole section, and whether it is the data that is wrong; nothing when they are one.
+std::optional<RomSurvey::SectionFault> RomSurvey::sectionFault(std::uint64_t address,
+                                                               std::uint64_t length) const {
+    if (length < ROM::Section::MIN_SIZE)
+        return SectionFault{FindingKind::SectionHeader, Format("% bytes are too few for a section") %
+                                                            static_cast<unsigned long long>(length)};
+    const SectionHeader header = sectionHeader(at(address, DATA_OFFSET));
+    if (header.marker != ROM::Section::SECTION_MARKER)
+        return SectionFault{FindingKind::SectionHeader,
+                            Format("the section begins with 0x%{:x2}, not with 0xa5") %
+                                unsigned{header.marker}};
+    const std::uint16_t computed = crcOf(address, ROM::Section::HEADER_SIZE);
+    if (computed != header.crc)
+        return SectionFault{FindingKind::SectionHeader, crcText("the section header", header.crc, computed)};
+    if (header.length < ROM::Section::MIN_SIZE || header.length > length)
+        return SectionFault{FindingKind::SectionHeader, Format("section % says to have % bytes where % are") %
+                                                            header.uid % header.length %
+                                                            static_cast<unsigned long long>(length)};
+    const std::uint16_t data = crcOf(address + DATA_OFFSET, header.length - ROM::Section::MIN_SIZE);
+    const std::uint16_t stored = bigEndian16(at(address + header.length - CRC_SIZE, CRC_SIZE));
+    if (data != stored)
+        return SectionFault{
+            FindingKind::SectionData,
+            crcText(("the data of section " + std::to_string(header.uid)).c_str(), stored, data)};
+    return std::nullopt;
+}
+
+/// Only where there is no fault.
+SurveyedSection RomSurvey::wholeSection(std::uint64_t address) const {
+    const SectionHeader header = sectionHeader(at(address, DATA_OFFSET));
+    const View data = at(address + DATA_OFFSET, header.length - ROM::Section::MIN_SIZE);
+    return {static_cast<std::uint32_t>(address),
+            header.uid,
+            {header.type, header.flags, Bytes(data.begin(), data.end())},
+            header.crc,
+            bigEndian16(at(address + header.length - CRC_SIZE, CRC_SIZE))};
+}
+
 void RomSurvey::readSection(SurveyedBlock& block) {
+    if (block.isOutside)
+        return;
     const std::uint32_t address = block.address + BLOCK_HEADER_SIZE;
-    const View bytes = at(address, block.allocatedSize - BLOCK_HEADER_SIZE);
-    if (auto wrong = sectionFault(bytes))
-        return fault(wrong->first, address, std::move(wrong->second));
-    block.section = readWholeSection(bytes, address);
+    if (auto wrong = sectionFault(address, block.allocatedSize - BLOCK_HEADER_SIZE))
+        return fault(wrong->kind, address, std::move(wrong->text));
+    block.section = wholeSection(address);
     checkRecords(*block.section);
 }
 
@@ -331,8 +342,9 @@ void RomSurvey::checkOverlaps() {
     const std::uint64_t header = image.area().headerAddress();
     ranges.push_back({header, header + HEADER_SIZE, header + HEADER_SIZE, "management header"});
     for (const SurveyedBlock& block : chain)
-        ranges.push_back({block.address, std::uint64_t{block.address} + block.allocatedSize,
-                          block.address + block.chunkBytes, "block"});
+        if (!block.isOutside)
+            ranges.push_back({block.address, std::uint64_t{block.address} + block.allocatedSize,
+                              block.address + block.chunkBytes, "block"});
     std::sort(ranges.begin(), ranges.end(),
               [](const Range& left, const Range& right) { return left.begin < right.begin; });
     const Range* widest = nullptr; // the one before that reaches farthest
@@ -357,8 +369,8 @@ void RomSurvey::measureFreeSpace() {
     for (const SurveyedBlock& block : chain)
         taken.emplace_back(block.address, block.address + block.chunkBytes);
     std::sort(taken.begin(), taken.end());
-    const std::uint64_t end = area.headerAtStart ? std::uint64_t{area.start} + managementHeader->availableSize
-                                                 : area.headerAddress();
+    // With the header at the start the size is taken for the address where the last gap ends.
+    const std::uint64_t end = area.headerAtStart ? managementHeader->availableSize : area.headerAddress();
     taken.emplace_back(end, end);
     std::uint64_t begin = area.start + (area.headerAtStart ? HEADER_SIZE : 0);
     for (const auto& [from, to] : taken) {
@@ -385,15 +397,15 @@ void RomSurvey::findUnreachable() {
             address = known->second - 1;
             continue;
         }
-        const auto section =
-            readWholeSection(at(address, image.area().end() - address), static_cast<std::uint32_t>(address));
-        if (!section)
+        if (at(address, 1)[0] != ROM::Section::SECTION_MARKER ||
+            sectionFault(address, image.area().end() - address))
             continue;
-        lost.push_back(*section);
-        add(FindingKind::Unreachable, section->address, cutOff,
-            sectionText(section->uid, section->content) +
+        lost.push_back(wholeSection(address));
+        const SurveyedSection& section = lost.back();
+        add(FindingKind::Unreachable, section.address, cutOff,
+            sectionText(section.uid, section.content) +
                 (cutOff ? " is whole, but no link leads to it" : " was erased; its bytes are still there"));
-        address += ROM::Section::MIN_SIZE + section->content.data.size() - 1;
+        address += ROM::Section::MIN_SIZE + section.content.data.size() - 1;
     }
 }
 

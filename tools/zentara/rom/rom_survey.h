@@ -9,6 +9,7 @@
 
 #include "tools/zentara/rom/flash_image.h"
 #include "tools/zentara/rom/rom_content.h"
+#include "tools/zentara/rom/stretch_checksums.h"
 
 namespace Zentara::Tool {
 
@@ -72,6 +73,7 @@ struct SurveyedBlock {
     std::uint32_t next = 0;
     std::uint64_t chunkBytes = 0;           ///< what it occupies in whole chunks
     bool isContainerHeader = false;         ///< the first one
+    bool isOutside = false;                 ///< it reaches past the end of the area, so nothing of it is read
     std::optional<SurveyedSection> section; ///< nothing when there is none to be read
 };
 
@@ -83,7 +85,7 @@ struct FreeSpace {
 };
 
 /// Walks a flash image byte by byte, with code of its own rather than the library's, and names everything
-/// that is wrong with it. Reads nothing outside the image and ends on every image.
+/// that is wrong with it. Reads nothing outside the image, and ends soon on every image.
 class RomSurvey {
 public:
     explicit RomSurvey(const FlashImage& image);
@@ -104,7 +106,13 @@ public:
     [[nodiscard]] const Finding* structuralFault() const;
 
 private:
+    struct SectionFault {
+        FindingKind kind;
+        std::string text;
+    };
+
     [[nodiscard]] std::span<const std::uint8_t> at(std::uint64_t address, std::uint64_t length) const;
+    [[nodiscard]] std::uint16_t crcOf(std::uint64_t address, std::uint64_t length) const;
     void note(FindingKind kind, std::uint32_t address, std::string text) {
         add(kind, address, false, std::move(text));
     }
@@ -118,6 +126,8 @@ private:
     void walkChain();
     [[nodiscard]] std::optional<SurveyedBlock> readBlock(std::uint32_t address);
     void readContainerHeader(SurveyedBlock& block);
+    [[nodiscard]] std::optional<SectionFault> sectionFault(std::uint64_t address, std::uint64_t length) const;
+    [[nodiscard]] SurveyedSection wholeSection(std::uint64_t address) const;
     void readSection(SurveyedBlock& block);
     void checkRecords(const SurveyedSection& section);
     void checkUids();
@@ -126,6 +136,7 @@ private:
     void findUnreachable();
 
     const FlashImage& image;
+    const StretchChecksums checksums;
     std::optional<SurveyedHeader> managementHeader;
     std::vector<SurveyedBlock> chain;
     std::vector<SurveyedSection> lost;
@@ -133,10 +144,5 @@ private:
     FreeSpace room;
     bool isChainBroken = false;
 };
-
-/// The section that begins with the first of the bytes; nothing when its marker, its length or a checksum is
-/// wrong.
-[[nodiscard]] std::optional<SurveyedSection> readWholeSection(std::span<const std::uint8_t> bytes,
-                                                              std::uint32_t address);
 
 } // namespace Zentara::Tool

@@ -1,0 +1,43 @@
+#include "tools/zentara/rom/stretch_checksums.h"
+
+#include <bit>
+
+#include <zentara/utils/crc.h>
+
+namespace Zentara::Tool {
+
+StretchChecksums::StretchChecksums(std::span<const std::uint8_t> bytes) {
+    before.reserve(bytes.size() + 1);
+    before.push_back(0);
+    for (const std::uint8_t byte : bytes)
+        before.push_back(Utils::Crc16::compute(&byte, 1, before.back()));
+
+    Passage passage;
+    constexpr std::uint8_t zero = 0;
+    for (unsigned bit = 0; bit < passage.size(); ++bit)
+        passage[bit] = Utils::Crc16::compute(&zero, 1, static_cast<std::uint16_t>(1U << bit));
+    for (std::size_t length = bytes.size(); length > 0; length /= 2) {
+        passages.push_back(passage);
+        for (std::uint16_t& bit : passage)
+            bit = pass(passages.back(), bit);
+    }
+}
+
+std::uint16_t StretchChecksums::pass(const Passage& passage, std::uint16_t crc) {
+    std::uint16_t passed = 0;
+    for (unsigned bits = crc; bits != 0; bits &= bits - 1)
+        passed = static_cast<std::uint16_t>(passed ^ passage[static_cast<unsigned>(std::countr_zero(bits))]);
+    return passed;
+}
+
+/// The register is linear: what the bytes in front leave in it passes through the stretch as if that were
+/// zeros, and is added to what the stretch leaves.
+std::uint16_t StretchChecksums::of(std::size_t offset, std::size_t length) const {
+    std::uint16_t front = before[offset];
+    for (std::size_t i = 0; length >> i != 0; ++i)
+        if ((length >> i & 1) != 0)
+            front = pass(passages[i], front);
+    return static_cast<std::uint16_t>(before[offset + length] ^ front);
+}
+
+} // namespace Zentara::Tool
