@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 
 #include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/utils/exceptions.h>
@@ -18,7 +19,34 @@ namespace {
 using Bytes = std::vector<std::uint8_t>;
 
 constexpr std::uint8_t ERASED = 0xFF;
-constexpr const char* ASIDE = ".new"; ///< ending of the file that is written in place of the image
+constexpr const char* ASIDE = ".saving"; ///< ending of the file that is written in place of the image
+
+namespace fs = std::filesystem;
+
+fs::path pathOf(const std::string& utf8) { return fs::path(std::u8string(utf8.begin(), utf8.end())); }
+
+/// Where a link leads in the end: the file is to be replaced, not the link.
+std::string linkedFile(const std::string& fileName) {
+    std::error_code failure;
+    if (!fs::is_symlink(pathOf(fileName), failure))
+        return fileName;
+    const std::u8string target = fs::canonical(pathOf(fileName), failure).u8string();
+    return failure ? fileName : std::string(target.begin(), target.end());
+}
+
+/// Who may read the old file may read the new one, and nobody else.
+void copyPermissions(const std::string& from, const std::string& to) {
+    std::error_code failure;
+    const fs::file_status status = fs::status(pathOf(from), failure);
+    if (!failure && fs::exists(status))
+        fs::permissions(pathOf(to), status.permissions(), failure);
+}
+
+void discard(const std::string& fileName) {
+    std::error_code ignored;
+    fs::permissions(pathOf(fileName), fs::perms::owner_write, fs::perm_options::add, ignored);
+    fs::remove(pathOf(fileName), ignored);
+}
 
 struct FileCloser {
     void operator()(std::FILE* file) const noexcept { std::fclose(file); }
@@ -77,10 +105,16 @@ void FileAccessor::write(std::uint32_t address, const std::vector<std::uint8_t>&
 }
 
 void FileAccessor::save() {
-    const std::string aside = impl->fileName + ASIDE;
-    if (!writeFlushed(aside, impl->image) || !Utils::Platform::replaceFile(aside, impl->fileName)) {
+    const std::string file = linkedFile(impl->fileName);
+    const std::string aside = file + ASIDE;
+    bool isDone = writeFlushed(aside, impl->image);
+    if (isDone) {
+        copyPermissions(file, aside);
+        isDone = Utils::Platform::replaceFile(aside, file);
+    }
+    if (!isDone) {
         const std::string reason = Utils::getLastError();
-        Utils::Platform::removeFile(aside);
+        discard(aside);
         throw Plugin::IOPluginException(
             Utils::formatMessage("cannot save flash image %: %", impl->fileName, reason));
     }

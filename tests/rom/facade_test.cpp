@@ -1,3 +1,5 @@
+#include <filesystem>
+
 #include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/rom/diagnostic.h>
 #include <zentara/rom/file_accessor.h>
@@ -180,6 +182,25 @@ TEST_F(ImageFileTest, KeepsTheOldFileUntilSaved) {
     EXPECT_FALSE(file.isModified());
     EXPECT_EQ("01234567xy", Utils::readFile(fileName));
     EXPECT_EQ((Bytes{'y'}), file.read(9, 1));
+}
+
+TEST_F(ImageFileTest, KeepsTheLinkAndThePermissions) {
+    namespace fs = std::filesystem;
+    const fs::path file = TemporaryDirectory::fromUtf8(fileName);
+    const fs::path link = TemporaryDirectory::fromUtf8(directory.path("link"));
+    Utils::writeFile(fileName, "0123456789");
+    std::error_code noLinks;
+    fs::create_symlink(file, link, noLinks);
+    const bool hasLinks = !noLinks && fs::is_symlink(link);
+    const fs::perms before = fs::perms::owner_read | fs::perms::owner_write;
+    fs::permissions(file, before);
+    const fs::perms kept = fs::status(file).permissions();
+    ROM::FileAccessor image(hasLinks ? directory.path("link") : fileName);
+    image.write(0, {'x'});
+    image.save();
+    EXPECT_EQ("x123456789", Utils::readFile(fileName));
+    EXPECT_EQ(hasLinks, fs::is_symlink(link));
+    EXPECT_EQ(kept, fs::status(file).permissions());
 }
 
 TEST_F(ImageFileTest, NewImagesAreErasedFlash) {

@@ -33,8 +33,9 @@ public:
     /// \throws IOPluginException if a byte lies past the end of the image; nothing is written then.
     void write(std::uint32_t address, const std::vector<std::uint8_t>& bytes) override;
 
-    /// Puts the image on disk: written beside the file, flushed, renamed over it. Whatever fails or is cut
-    /// off in between, the file holds the old image or the new one, whole.
+    /// Puts the image on disk: written beside the file, with ".saving" after its name, flushed, renamed over it.
+    /// Whatever fails or is cut off in between, the file holds the old image or the new one, whole. Of a link
+    /// the file that it leads to is replaced; the permissions stay.
     /// \throws IOPluginException with the file and the system's reason; the file is then as it was.
     void save();
 
