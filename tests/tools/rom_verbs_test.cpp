@@ -1,3 +1,7 @@
+#include <algorithm>
+#include <filesystem>
+#include <iterator>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -7,6 +11,7 @@
 #include "support/simulated_faults.h"
 #include "tools/tool_fixture.h"
 #include "tools/zentara/rom/hex_bytes.h"
+#include "tools/zentara/rom/rom_target.h"
 #include "tools/zentara/verb.h"
 
 namespace Zentara::Tool {
@@ -42,14 +47,30 @@ protected:
         Utils::writeFile(path(name), bytes);
         return path(name);
     }
+    /// The camera's own identity is read only; the rest of the document can still be had.
+    void importBesideAReadOnlySection(const std::string& document) {
+        const std::string own = done({"get", "1"});
+        std::string other = Utils::readFile(document);
+        other.replace(other.find("\"guid\": \"5a54"), 13, "\"guid\": \"0000");
+        const std::string changed = file("changed.json", other);
+        refused({"import", changed, "--yes"}, ExitCode_PERMISSION,
+                "section 1 (systemInfo, 30 bytes) is read only\n--keep-read-only");
+        done({"import", changed, "--keep-read-only", "--yes", "--backup", fresh()});
+        EXPECT_EQ(done({"get", "1"}), own);
+        EXPECT_THAT(done({"list"}), HasSubstr("  256  type 119"));
+    }
     void damage(std::size_t address) {
         std::string bytes = Utils::readFile(image);
         bytes.at(address) = static_cast<char>(bytes.at(address) ^ 0x40);
         Utils::writeFile(image, bytes);
     }
 
+    /// A name for the next backup: none that is there is ever replaced.
+    std::string fresh() { return backup = path("before-" + std::to_string(++backups) + ".bak"); }
+
     const std::string image = path("camera.bin");
-    const std::string backup = path("before.bak");
+    std::string backup; ///< the last one
+    int backups = 0;
 };
 
 TEST_F(RomVerbs, ExportAndImportWithoutLoss) {
@@ -57,8 +78,8 @@ TEST_F(RomVerbs, ExportAndImportWithoutLoss) {
     for (const char* header : {"start", "end"}) {
         SCOPED_TRACE(header);
         const std::string copy = path(std::string(header) + ".bin");
-        done({"create", copy, "--size", "65536", "--chunk", "4096", "--header", header, "--backup", backup});
-        done({"import", file("content.json", exported), copy, "--backup", backup});
+        done({"create", copy, "--size", "65536", "--chunk", "4096", "--header", header, "--backup", fresh()});
+        done({"import", file("content.json", exported), copy, "--backup", fresh()});
         EXPECT_EQ(done({"export", copy}), exported);
         done({"verify", copy});
         done({"diff", copy, "camera:OV0570"});
@@ -68,8 +89,8 @@ TEST_F(RomVerbs, ExportAndImportWithoutLoss) {
 TEST_F(RomVerbs, ImportTheExampleThatIsShipped) {
     // A path that begins with '/' would be an option on Windows.
     const std::string example = file("example.json", Utils::readFile(ZENTARA_EXAMPLES "/camera_rom.json"));
-    done({"create", image, "--backup", backup});
-    EXPECT_THAT(done({"import", example, image, "--backup", backup}), HasSubstr("read back and verified"));
+    done({"create", image, "--backup", fresh()});
+    EXPECT_THAT(done({"import", example, image, "--backup", fresh()}), HasSubstr("read back and verified"));
     EXPECT_EQ(done({"export", image}), Utils::readFile(example));
     EXPECT_THAT(done({"verify", image}), HasSubstr("all is right"));
     EXPECT_THAT(done({"info", image}),
@@ -77,8 +98,8 @@ TEST_F(RomVerbs, ImportTheExampleThatIsShipped) {
 }
 
 TEST_F(RomVerbs, SetGetAndEraseOneSection) {
-    done({"create", image, "--size", "4096", "--backup", backup});
-    done({"set", "7", image, "--type", "diagnostic", "--hex", "2001080000000102", "--backup", backup});
+    done({"create", image, "--size", "4096", "--backup", fresh()});
+    done({"set", "7", image, "--type", "diagnostic", "--hex", "2001080000000102", "--backup", fresh()});
     EXPECT_EQ(done({"get", "7", image, "--hex"}), "2001080000000102\n");
     const std::string json = done({"get", "7", image});
     EXPECT_THAT(json, HasSubstr("\"softCounter\": 1"));
@@ -90,12 +111,12 @@ TEST_F(RomVerbs, SetGetAndEraseOneSection) {
             "section 7 (diagnostic, 8 bytes) is replaced");
     EXPECT_THAT(done({"set", "7", image, "--file", input, "--dry-run"}), HasSubstr("nothing was written"));
     EXPECT_EQ(done({"get", "7", image}), json) << "neither wrote";
-    done({"set", "7", image, "--file", input, "--yes", "--backup", backup});
+    done({"set", "7", image, "--file", input, "--yes", "--backup", fresh()});
     EXPECT_EQ(done({"get", "7", image}), changed);
     refused({"diff", backup, image}, ExitCode_FAILED, "");
     EXPECT_THAT(rom({"diff", backup, image}).out, HasSubstr("records/0/softCounter: 1 -> 9"));
     refused({"erase", "7", image}, ExitCode_USAGE, "--yes does it");
-    done({"erase", "7", image, "--yes", "--backup", backup});
+    done({"erase", "7", image, "--yes", "--backup", fresh()});
     refused({"get", "7", image}, ExitCode_FAILED, "Section 7 is not defined");
     refused({"erase", "7", image, "--yes"}, ExitCode_FAILED,
             "Cannot erase section - 7 is not a valid section uid");
@@ -103,20 +124,21 @@ TEST_F(RomVerbs, SetGetAndEraseOneSection) {
 }
 
 TEST_F(RomVerbs, KeepReadOnlySectionsAndWhatDoesNotFit) {
-    done({"create", image, "--size", "1024", "--backup", backup});
-    done({"set", "1", image, "--type", "77", "--hex", "01", "--read-only", "--backup", backup});
+    done({"create", image, "--size", "1024", "--backup", fresh()});
+    done({"set", "1", image, "--type", "77", "--hex", "01", "--read-only", "--backup", fresh()});
     const std::string before = Utils::readFile(image);
-    refused({"set", "1", image, "--hex", "02", "--yes"}, ExitCode_PERMISSION, "section is read only");
-    refused({"erase", "1", image, "--yes"}, ExitCode_PERMISSION, "section is read only");
-    refused({"erase", "1", image, "--yes", "--rebuild"}, ExitCode_PERMISSION, "is read only");
+    const char* const why = "section 1 (type 77, 1 bytes) is read only";
+    refused({"set", "1", image, "--hex", "02", "--yes"}, ExitCode_PERMISSION, why);
+    refused({"erase", "1", image, "--yes"}, ExitCode_PERMISSION, why);
+    refused({"erase", "1", image, "--yes", "--rebuild"}, ExitCode_PERMISSION, why);
     refused({"set", "2", image, "--type", "77", "--hex", std::string(2000, '0')}, ExitCode_FAILED,
             "failed to allocate space on the device");
     EXPECT_EQ(Utils::readFile(image), before);
 }
 
 TEST_F(RomVerbs, RefuseAWriteThatCostsANeighbourAndOfferToRebuild) {
-    done({"create", image, "--size", "8192", "--header", "end", "--backup", backup});
-    done({"set", "1", image, "--type", "77", "--hex", std::string(1200, '1'), "--backup", backup});
+    done({"create", image, "--size", "8192", "--header", "end", "--backup", fresh()});
+    done({"set", "1", image, "--type", "77", "--hex", std::string(1200, '1'), "--backup", fresh()});
     const std::string before = Utils::readFile(image);
     const std::vector<std::string> second{"set", "2", image, "--type", "77", "--hex", std::string(600, '2')};
     const ToolRun run = rom(second);
@@ -126,7 +148,7 @@ TEST_F(RomVerbs, RefuseAWriteThatCostsANeighbourAndOfferToRebuild) {
     EXPECT_EQ(Utils::readFile(image), before);
 
     std::vector<std::string> rebuilt = second;
-    rebuilt.insert(rebuilt.end(), {"--rebuild", "--yes", "--backup", backup});
+    rebuilt.insert(rebuilt.end(), {"--rebuild", "--yes", "--backup", fresh()});
     done(rebuilt);
     EXPECT_EQ(Utils::readFile(backup), before);
     EXPECT_EQ(done({"get", "1", image, "--hex"}), std::string(1200, '1') + "\n");
@@ -134,15 +156,84 @@ TEST_F(RomVerbs, RefuseAWriteThatCostsANeighbourAndOfferToRebuild) {
     done({"verify", image});
 }
 
+TEST_F(RomVerbs, GiveUpNothingOfADamagedImageUnasked) {
+    done({"create", image, "--size", "4096"});
+    done({"import", file("content.json", contentWith(R"({"uid":1,"type":77,"flags":1,"data":"01"},
+        {"uid":2,"type":77,"flags":1,"data":"02"})")),
+          image, "--backup", fresh()});
+    damage(0); // the management header: nothing leads to the sections any more
+    const std::vector<std::string> set{"set", "9", image, "--type", "77", "--hex", "09", "--rebuild"};
+    refused(set, ExitCode_USAGE, "section 2 (type 77, 1 bytes), which no link leads to, is given up");
+    std::vector<std::string> agreed = set;
+    agreed.insert(agreed.end(), {"--yes", "--backup", fresh()});
+    const std::string damaged = backup;
+    done(agreed);
+    EXPECT_THAT(done({"list", image}), StartsWith("    9  type 77"));
+    done({"salvage", path("saved.bin"), damaged});
+    EXPECT_THAT(done({"list", path("saved.bin")}),
+                AllOf(StartsWith("    1  type 77"), HasSubstr("    2  type 77")));
+}
+
+TEST_F(RomVerbs, ReplaceNoFileThatIsNeededStill) {
+    done({"create", image, "--size", "4096"});
+    done({"set", "1", image, "--type", "77", "--hex", "01", "--backup", fresh()});
+    const std::string before = Utils::readFile(image);
+    const std::vector<std::string> outputs[] = {
+        {"backup", image, image, "--size", "100"},
+        {"salvage", image, image},
+        {"export", image, "--output", image},
+        {"get", "1", image, "--raw", image},
+        {"map", image, "--svg", image},
+        {"map", image, "--png", image},
+        {"set", "2", image, "--type", "77", "--hex", "02", "--backup", image}};
+    for (const std::vector<std::string>& output : outputs)
+        refused(output, ExitCode_USAGE, "is the image itself");
+    EXPECT_EQ(Utils::readFile(image), before);
+
+    const std::string other = file("other.bin", "needed");
+    const std::vector<std::string> keepers[] = {
+        {"backup", other, image},
+        {"salvage", other, image},
+        {"set", "2", image, "--type", "77", "--hex", "02", "--backup", other}};
+    for (const std::vector<std::string>& keeper : keepers)
+        refused(keeper, ExitCode_FAILED, "is there already");
+    EXPECT_EQ(Utils::readFile(other), "needed");
+    EXPECT_EQ(Utils::readFile(image), before);
+    done({"backup", file("same.bin", before), image});
+}
+
+TEST_F(RomVerbs, NoticeThatAnotherProgramChangedTheImage) {
+    std::ostringstream out;
+    Console console{out, out};
+    TargetOptions options;
+    options.image = image;
+    options.size = 64;
+    const auto created = RomTarget::create(options, console);
+    Utils::writeFile(image, "first");
+    EXPECT_THROW(created->store({{0, {1}}}), ToolFailure);
+    EXPECT_EQ(Utils::readFile(image), "first");
+
+    options.size = 0;
+    const auto opened = RomTarget::open(options, console);
+    Utils::writeFile(image, "other");
+    EXPECT_THROW(opened->store({{0, {1}}}), ToolFailure);
+    EXPECT_EQ(Utils::readFile(image), "other");
+
+    const auto stored = RomTarget::open(options, console);
+    stored->store({{0, {'O'}}});
+    Utils::writeFile(image, "rotten");
+    EXPECT_EQ(stored->load().bytes(), Bytes({'O', 't', 'h', 'e', 'r'}));
+}
+
 TEST_F(RomVerbs, BackUpBesideTheImageAndRestore) {
-    done({"create", image, "--size", "4096", "--backup", backup});
+    done({"create", image, "--size", "4096", "--backup", fresh()});
     const std::string empty = Utils::readFile(image);
     done({"set", "1", image, "--type", "4", "--hex", "2001080000000102"});
     EXPECT_EQ(filesLeft().size(), 2U) << "the image, and a backup named after the time";
     done({"backup", path("copy.bin"), image});
     EXPECT_EQ(Utils::readFile(path("copy.bin")), Utils::readFile(image));
-    done({"erase", "1", image, "--yes", "--backup", backup});
-    done({"restore", path("copy.bin"), image, "--backup", backup});
+    done({"erase", "1", image, "--yes", "--backup", fresh()});
+    done({"restore", path("copy.bin"), image, "--backup", fresh()});
     EXPECT_EQ(Utils::readFile(path("copy.bin")), Utils::readFile(image));
 
     refused({"restore", file("small.bin", "x"), image}, ExitCode_FAILED,
@@ -153,10 +244,10 @@ TEST_F(RomVerbs, BackUpBesideTheImageAndRestore) {
 }
 
 TEST_F(RomVerbs, VerifyNamesTheDamageAndSalvageSavesWhatIsWhole) {
-    done({"create", image, "--size", "4096", "--backup", backup});
+    done({"create", image, "--size", "4096", "--backup", fresh()});
     done({"import", file("content.json", contentWith(R"({"uid":1,"type":77,"flags":1,"data":"01"},
         {"uid":2,"type":77,"flags":1,"data":"02"},{"uid":3,"type":77,"flags":1,"data":"03"})")),
-          image, "--backup", backup});
+          image, "--backup", fresh()});
     const std::string exported = done({"export", image});
     damage(17 + 256 * 2); // the header of the second section's block
     const ToolRun verified = rom({"verify", image, "--json"});
@@ -173,12 +264,17 @@ TEST_F(RomVerbs, VerifyNamesTheDamageAndSalvageSavesWhatIsWhole) {
 }
 
 TEST_F(RomVerbs, AnswerBadInputAndLeaveTheImageAlone) {
-    done({"create", image, "--size", "4096", "--backup", backup});
+    done({"create", image, "--size", "4096", "--backup", fresh()});
     const std::string before = Utils::readFile(image);
     const std::string none = file("none.bin", "");
     const std::string shortFile = file("short.bin", "abc");
     const std::string zeros = file("zeros.bin", std::string(4096, '\0'));
     const std::string ones = file("ones.bin", std::string(4096, '\xFF'));
+    const std::string huge = file("huge.bin", "");
+    std::filesystem::resize_file(TestSupport::TemporaryDirectory::fromUtf8(huge), (64U << 20) + 1);
+    const std::string guarded = file("guarded.bin", before);
+    std::filesystem::permissions(TestSupport::TemporaryDirectory::fromUtf8(guarded),
+                                 std::filesystem::perms::owner_read);
     const struct {
         std::vector<std::string> arguments;
         int exitCode;
@@ -186,6 +282,12 @@ TEST_F(RomVerbs, AnswerBadInputAndLeaveTheImageAlone) {
     } rows[] = {
         {{"verify", none}, ExitCode_VERIFICATION, "is empty"},
         {{"verify", path("missing.bin")}, ExitCode_FAILED, "missing.bin"},
+        {{"verify", path()}, ExitCode_FAILED, "no file"},
+        {{"info", huge}, ExitCode_FAILED, "too large for a flash image: 67108865 bytes"},
+        {{"restore", huge, image}, ExitCode_FAILED, "too large"},
+        {{"create", path("new.bin"), "--size", "0xFFFFFFFF"}, ExitCode_FAILED, "too large"},
+        {{"set", "1", guarded, "--type", "4", "--hex", ""}, ExitCode_PERMISSION, "write-protected"},
+        {{"set", "1", image, "--type", "4", "--hex", "", "--size", "8192"}, ExitCode_USAGE, "not inside"},
         {{"list", shortFile}, ExitCode_VERIFICATION, "holds no storage"},
         {{"list", zeros}, ExitCode_VERIFICATION, "holds no storage"},
         {{"export", ones}, ExitCode_VERIFICATION, "holds no storage"},
@@ -229,44 +331,71 @@ TEST_F(RomVerbs, WorkOnTheFlashOfEachCamera) {
                                           HasSubstr("gradientDistortionCorrection")));
         EXPECT_THAT(done({"verify", "--direct"}), HasSubstr("5 sections in 6 blocks: all is right"));
         const std::string before = Utils::readFile(kept);
+        const std::string example =
+            file("example.json", Utils::readFile(ZENTARA_EXAMPLES "/camera_rom.json"));
         const std::vector<std::string> set{"set",   "4",        "--type", "4", "--hex", "2001080000000301",
-                                           "--yes", "--backup", backup};
+                                           "--yes", "--backup", fresh()};
         if (!row.isWritable) {
             refused(set, ExitCode_PERMISSION, "has no way to write it");
+            refused({"import", example, "--yes"}, ExitCode_PERMISSION, "has no way to write it");
             EXPECT_EQ(Utils::readFile(kept), before);
             continue;
         }
         done(set);
-        EXPECT_EQ(Utils::readFile(backup), before.substr(Simulated::romStart, Simulated::romSize));
+        const std::string original = backup;
+        EXPECT_EQ(Utils::readFile(original), before.substr(Simulated::romStart, Simulated::romSize));
         EXPECT_EQ(done({"get", "4", "--hex"}), "2001080000000301\n");
         const std::string after = Utils::readFile(kept);
         EXPECT_EQ(after.substr(Simulated::romSize), before.substr(Simulated::romSize));
         // The same area of the file, read as an image.
         EXPECT_EQ(done({"export"}), done({"export", kept, "--size", "0x4000"}));
-        done({"create", "--yes", "--backup", path("again.bak")});
+        done({"create", "--yes", "--backup", fresh()});
         EXPECT_EQ(done({"list"}), "");
         EXPECT_EQ(Utils::readFile(kept).substr(Simulated::romSize), before.substr(Simulated::romSize));
-        done({"restore", backup, "--yes", "--backup", path("again.bak")});
+        done({"import", example, "--backup", fresh()});
+        EXPECT_EQ(done({"export"}), Utils::readFile(example));
+        done({"restore", original, "--yes", "--backup", fresh()});
         EXPECT_EQ(Utils::readFile(kept), before);
+        importBesideAReadOnlySection(example);
+        done({"restore", original, "--yes", "--backup", fresh()});
     }
 }
 
-TEST_F(RomVerbs, TellWhereTheBytesOfBeforeAreWhenACameraFails) {
+/// The words of a command between double quotes.
+std::vector<std::string> wordsOf(const std::string& text) {
+    const std::size_t from = text.find('"') + 1;
+    std::string words = text.substr(from, text.find('"', from) - from);
+    words.erase(std::remove(words.begin(), words.end(), '\''), words.end());
+    std::istringstream stream(words);
+    return {std::istream_iterator<std::string>(stream), {}};
+}
+
+TEST_F(RomVerbs, TellHowToBringBackACameraThatFailedInAWrite) {
     const std::string kept = path("kept.flash");
     std::string before;
     {
         const SimulatedFaults camera("keepFlash " + kept);
-        before = done({"export"});
+        done({"info"});
+        before = Utils::readFile(kept);
     }
+    ToolRun failed;
     {
         // Loading takes some 600 transfers; this one falls into the writes.
         const SimulatedFaults camera("keepFlash " + kept + ";transfer 660 corrupt");
-        refused({"set", "9", "--type", "77", "--hex", std::string(3000, '7'), "--backup", backup},
-                ExitCode_FAILED, "the bytes of before are in '" + backup + "'");
+        failed = rom({"set", "9", "camera:OV0570", "--type", "77", "--hex", std::string(3000, '7'), "--start",
+                      "0", "--size", "0x4000", "--backup", fresh()});
     }
+    EXPECT_EQ(failed.exitCode, ExitCode_FAILED);
+    const std::size_t note = failed.err.find("the bytes of before are in '" + backup + "'");
+    const std::size_t failure = failed.err.find("other bytes were read back");
+    ASSERT_LT(note, failure) << "told before the first write, in case nothing can be told later";
+    std::vector<std::string> command = wordsOf(failed.err.substr(failure));
+    ASSERT_GT(command.size(), 2U) << failed.err;
+    command.insert(command.end(), {"--backup", fresh()});
     const SimulatedFaults camera("keepFlash " + kept);
-    done({"restore", backup, "--damaged", "--yes", "--backup", path("again.bak")});
-    EXPECT_EQ(done({"export"}), before);
+    EXPECT_FALSE(Utils::readFile(kept) == before);
+    EXPECT_EQ(run({command.begin() + 1, command.end()}).exitCode, ExitCode_DONE);
+    EXPECT_TRUE(Utils::readFile(kept) == before);
 }
 
 TEST_F(RomVerbs, DrawTheMapAndTheTables) {

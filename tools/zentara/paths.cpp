@@ -8,6 +8,11 @@ std::filesystem::path pathOf(const std::string& utf8) {
     return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
 }
 
+bool isThere(const std::string& utf8) {
+    std::error_code ignored;
+    return std::filesystem::exists(pathOf(utf8), ignored);
+}
+
 bool isDirectory(const std::string& utf8) {
     std::error_code ignored;
     return std::filesystem::is_directory(pathOf(utf8), ignored);

@@ -8,6 +8,9 @@ namespace Zentara::Tool {
 /// A UTF-8 path for the standard library.
 [[nodiscard]] std::filesystem::path pathOf(const std::string& utf8);
 
+/// Whether anything lies there; false also when that cannot be found out.
+[[nodiscard]] bool isThere(const std::string& utf8);
+
 /// Whether a directory lies there; false also when that cannot be found out.
 [[nodiscard]] bool isDirectory(const std::string& utf8);
 

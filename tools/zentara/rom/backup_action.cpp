@@ -22,7 +22,7 @@ struct RestoreOptions : WriteOptions {
 ExitCode runBackup(const BackupOptions& options, Console& console) {
     const auto target = RomTarget::open(options, console);
     const FlashImage image = target->load();
-    saveFile(options.file, std::string(image.bytes().begin(), image.bytes().end()));
+    keepFile(*target, options.file, image.bytes());
     const RomSurvey survey(image);
     if (survey.isFaulty())
         console.err << "zentara rom backup: something is wrong with " << target->name()
@@ -49,7 +49,7 @@ FlashImage imageFromFile(const RestoreOptions& options, const FlashArea& area) {
 }
 
 ExitCode runRestore(const RestoreOptions& options, Console& console) {
-    const auto target = RomTarget::open(options, console);
+    const auto target = RomTarget::openToWrite(options, options.dryRun, console);
     const FlashImage before = target->load();
     FlashImage wanted = imageFromFile(options, before.area());
     const RomSurvey survey(wanted);

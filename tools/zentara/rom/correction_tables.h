@@ -37,7 +37,7 @@ struct CorrectionFile {
 /// The sections that the chain leads to.
 [[nodiscard]] RomContent loadedSections(const RomSurvey& survey);
 
-/// Those of distortion correction, read by the library's correction store.
+/// Those of distortion correction, read by the library.
 [[nodiscard]] std::vector<CorrectionFile> correctionsOf(const RomContent& content);
 
 [[nodiscard]] Json correctionsJson(const std::vector<CorrectionFile>& corrections);

@@ -1,4 +1,3 @@
-#include <filesystem>
 #include <memory>
 
 #include <zentara/rom/chunked_memory_management_header.h>
@@ -15,18 +14,14 @@ using Utils::Format;
 
 constexpr std::uint64_t usualFileSize = 0x10000;
 
-bool isThere(const std::string& file) {
-    std::error_code ignored;
-    return std::filesystem::exists(pathOf(file), ignored);
-}
-
 ExitCode runCreate(WriteOptions options, Console& console) {
     const bool isNewFile = !isCamera(options) && !isThere(options.image);
     if (options.size == 0 && isNewFile)
         options.size = usualFileSize;
     if (options.header == "auto")
         options.header = "start";
-    const auto target = isNewFile ? RomTarget::create(options, console) : RomTarget::open(options, console);
+    const auto target = isNewFile ? RomTarget::create(options, console)
+                                  : RomTarget::openToWrite(options, options.dryRun, console);
     const FlashImage before = target->load();
     FlashArea area = before.area();
     area.chunkSize = options.chunkSize;

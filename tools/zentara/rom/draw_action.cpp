@@ -76,8 +76,9 @@ ExitCode runDraw(const DrawOptions& options, Console& console) {
     constexpr std::size_t mostPixels = 64U << 20;
     if (width * height > mostPixels / (scale * scale))
         throw ToolFailure(ExitCode_USAGE, "the picture would be larger than 64 million pixels");
-    saveFile(options.file, encodePng(pixelsOf(table, width, height, scale), static_cast<int>(width * scale),
-                                     static_cast<int>(height * scale)));
+    saveFile(*target, options.file,
+             encodePng(pixelsOf(table, width, height, scale), static_cast<int>(width * scale),
+                       static_cast<int>(height * scale)));
     printLine(console.out, Format("table % (frequency %), % by % values: %") % options.table %
                                table.frequency % static_cast<unsigned long long>(width) %
                                static_cast<unsigned long long>(height) % options.file);

@@ -14,7 +14,7 @@ struct EraseOptions : WriteOptions {
 };
 
 ExitCode runErase(const EraseOptions& options, Console& console) {
-    const auto target = RomTarget::open(options, console);
+    const auto target = RomTarget::openToWrite(options, options.dryRun, console);
     const FlashImage before = target->load();
     RomContent wanted = loadContent(before, *target);
     if (wanted.erase(options.uid) == 0)

@@ -22,7 +22,7 @@ ExitCode runExport(const ExportOptions& options, Console& console) {
     if (options.file.empty())
         console.out << text.str();
     else
-        saveFile(options.file, text.str());
+        saveFile(*target, options.file, text.str());
     const RomSurvey survey(image);
     if (const Finding* fault = survey.structuralFault())
         console.err << "zentara rom export: " << target->name()

@@ -24,7 +24,7 @@ ExitCode runGet(const GetOptions& options, Console& console) {
                           Utils::Format("%: Section % is not defined") % target->name() % options.uid);
     const Bytes& data = found->second.data;
     if (!options.rawFile.empty())
-        saveFile(options.rawFile, std::string(data.begin(), data.end()));
+        saveFile(*target, options.rawFile, std::string(data.begin(), data.end()));
     else if (options.hex)
         console.out << toHex(data) << '\n';
     else

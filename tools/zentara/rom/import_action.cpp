@@ -9,6 +9,7 @@ namespace {
 
 struct ImportOptions : WriteOptions {
     std::string file;
+    bool keepReadOnly = false;
 };
 
 RomContent contentFromFile(const std::string& file) {
@@ -20,10 +21,21 @@ RomContent contentFromFile(const std::string& file) {
 }
 
 ExitCode runImport(const ImportOptions& options, Console& console) {
-    const RomContent wanted = contentFromFile(options.file);
-    const auto target = RomTarget::open(options, console);
+    RomContent wanted = contentFromFile(options.file);
+    const auto target = RomTarget::openToWrite(options, options.dryRun, console);
     const FlashImage before = target->load();
-    return RomWriter("import", options, *target, console).bringTo(before, wanted, true);
+    const RomContent old = loadContentIfAny(before);
+    for (const std::uint16_t uid :
+         options.keepReadOnly ? readOnlyConflicts(old, wanted) : std::vector<std::uint16_t>()) {
+        wanted[uid] = old.at(uid);
+        console.err << "zentara rom import: " << sectionText(uid, old.at(uid)) << " is read only and stays\n";
+    }
+    const ExitCode result = RomWriter("import", options, *target, console).bringTo(before, wanted, true);
+    if (result == ExitCode_PERMISSION)
+        console.err << "--keep-read-only leaves such sections as they are and imports the others; 'zentara "
+                       "rom create' "
+                       "empties the flash, read-only sections and all\n";
+    return result;
 }
 
 } // namespace
@@ -35,6 +47,8 @@ Verb addRomImport(CLI::App& rom) {
     command->add_option("JSON", options->file, "The document, as 'export' prints it")->required();
     addWriteOptions(*command, *options);
     addRebuildOption(*command, *options);
+    command->add_flag("--keep-read-only", options->keepReadOnly,
+                      "Leave read-only sections as they are, whatever the document says of them");
     return {command, [options](Console& console) { return runImport(*options, console); }};
 }
 

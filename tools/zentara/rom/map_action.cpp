@@ -29,10 +29,10 @@ ExitCode runMap(const MapOptions& options, Console& console) {
     const FlashImage image = target->load();
     const FlashMap map(image, RomSurvey(image));
     if (!options.svgFile.empty())
-        saveFile(options.svgFile, map.svg());
+        saveFile(*target, options.svgFile, map.svg());
     if (!options.pngFile.empty()) {
         const FlashMap::Picture picture = map.picture();
-        saveFile(options.pngFile, encodePng(picture.pixels, picture.width, picture.height));
+        saveFile(*target, options.pngFile, encodePng(picture.pixels, picture.width, picture.height));
     }
     if (options.json) {
         Json json = beginJson("rom");

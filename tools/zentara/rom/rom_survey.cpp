@@ -61,9 +61,9 @@ SectionHeader sectionHeader(View bytes) {
 /// How often all blocks together may claim the area: the library loads no more of the chain.
 constexpr std::uint64_t MOST_CLAIMS = 16;
 
-bool isStructural(FindingKind kind) { return kind < FindingKind::ZeroUid; }
-
 } // namespace
+
+bool isStructural(FindingKind kind) noexcept { return kind < FindingKind::ZeroUid; }
 
 const char* findingKindName(FindingKind kind) noexcept {
     constexpr std::array<const char*, 19> names{
@@ -390,7 +390,7 @@ void RomSurvey::findUnreachable() {
     for (const SurveyedBlock& block : chain)
         if (block.section)
             reached[block.address] = std::uint64_t{block.address} + block.allocatedSize;
-    const bool cutOff = !managementHeader || isChainBroken;
+    const bool cutOff = isCutOff();
     for (std::uint64_t address = image.area().start; address < image.area().end(); ++address) {
         const auto known = reached.find(address);
         if (known != reached.end()) {

@@ -37,6 +37,8 @@ enum class FindingKind {
 
 /// "managementHeader" and so on.
 [[nodiscard]] const char* findingKindName(FindingKind kind) noexcept;
+/// Whether it is about headers, links and places rather than about what stands in a section.
+[[nodiscard]] bool isStructural(FindingKind kind) noexcept;
 
 /// Something worth telling about a place on the flash.
 struct Finding {
@@ -101,6 +103,8 @@ public:
     [[nodiscard]] const FreeSpace& freeSpace() const { return room; }
 
     [[nodiscard]] bool isFaulty() const;
+    /// Whether whole sections may stand where no link leads any more.
+    [[nodiscard]] bool isCutOff() const { return !managementHeader || isChainBroken; }
     /// The first fault of headers, links and places; what stands in a section does not count. Null when there
     /// is none.
     [[nodiscard]] const Finding* structuralFault() const;

@@ -1,6 +1,7 @@
 #include "tools/zentara/rom/rom_target.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <limits>
 #include <utility>
 
@@ -10,6 +11,7 @@
 
 #include "plugins/simulated/controllers/factory_flash.h"
 #include "tools/zentara/interrupt.h"
+#include "tools/zentara/paths.h"
 #include "tools/zentara/rom/camera_flash.h"
 
 namespace Zentara::Tool {
@@ -19,6 +21,17 @@ using Utils::Format;
 
 constexpr std::size_t PIECE = 0x400; ///< bytes between two looks at progress and Ctrl-C
 constexpr std::uint64_t ADDRESSES = std::uint64_t{1} << 32;
+constexpr std::uint64_t MOST_FILE_BYTES = 64U << 20; ///< far more than a camera's flash has
+
+namespace fs = std::filesystem;
+
+void checkFileSize(const std::string& file, std::uint64_t size) {
+    if (size > MOST_FILE_BYTES)
+        throw ToolFailure(ExitCode_FAILED,
+                          Format("'%' is too large for a flash image: % bytes, at most % are read") % file %
+                              static_cast<unsigned long long>(size) %
+                              static_cast<unsigned long long>(MOST_FILE_BYTES));
+}
 
 FlashArea areaOf(const TargetOptions& options, std::uint64_t start, std::uint64_t size) {
     if (size == 0 || size >= ADDRESSES || start >= ADDRESSES || start + size > ADDRESSES)
@@ -31,21 +44,57 @@ FlashArea areaOf(const TargetOptions& options, std::uint64_t start, std::uint64_
 
 class FileTarget final : public RomTarget {
 public:
-    FileTarget(std::unique_ptr<ROM::FileAccessor> image, const FlashArea& area, const TargetOptions& options,
-               Console& output)
-        : RomTarget(output, area), file(std::move(image)) {
+    /// \param onDisk  what the file holds; nothing when there is no file yet.
+    FileTarget(std::unique_ptr<ROM::FileAccessor> image, std::optional<Bytes> onDisk, const FlashArea& area,
+               const TargetOptions& options, Console& output)
+        : RomTarget(output, area), file(std::move(image)), before(std::move(onDisk)) {
         detect(options);
     }
 
     [[nodiscard]] std::string name() const override { return "'" + file->getFileName() + "'"; }
     [[nodiscard]] std::string backupStem() const override { return file->getFileName(); }
 
+    void checkWritable() const override {
+        if (before && before->size() < file->getImage().size())
+            throw ToolFailure(ExitCode_USAGE,
+                              Format("cannot write to %: it has % bytes, the area is not inside") % name() %
+                                  static_cast<unsigned long long>(before->size()));
+        constexpr fs::perms anybody =
+            fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+        std::error_code failure;
+        const fs::file_status status = fs::status(pathOf(file->getFileName()), failure);
+        if (!failure && fs::exists(status) && (status.permissions() & anybody) == fs::perms::none)
+            throw ToolFailure(ExitCode_PERMISSION, "cannot write to " + name() + ": it is write-protected");
+    }
+    [[nodiscard]] bool isAt(const std::string& path) const override {
+        std::error_code ignored;
+        return fs::equivalent(pathOf(path), pathOf(file->getFileName()), ignored);
+    }
+
 protected:
     [[nodiscard]] ROM::Accessor& flash() override { return *file; }
-    void save() override { file->save(); }
+
+    void save() override {
+        checkUnchanged();
+        file->save();
+        before.reset();
+        file =
+            std::make_unique<ROM::FileAccessor>(file->getFileName()); // read from now on what is on the disk
+    }
 
 private:
+    /// What another program wrote since the file was read would be lost.
+    void checkUnchanged() const {
+        const std::string& path = file->getFileName();
+        const bool isUnchanged =
+            before ? isThere(path) && ROM::FileAccessor(path).getImage() == *before : !isThere(path);
+        if (!isUnchanged)
+            throw ToolFailure(ExitCode_BUSY,
+                              name() + " was changed by another program meanwhile; nothing was written");
+    }
+
     std::unique_ptr<ROM::FileAccessor> file;
+    std::optional<Bytes> before;
 };
 
 class CameraTarget final : public RomTarget {
@@ -62,6 +111,7 @@ public:
     [[nodiscard]] std::string backupStem() const override {
         return std::string("camera-") + chipName(session->chip().kind());
     }
+    [[nodiscard]] bool isWrittenInPlace() const override { return true; }
     void checkWritable() const override {
         if (!session->chip().canWriteFlash())
             throw ToolFailure(
@@ -79,6 +129,14 @@ private:
     CameraFlash accessor;
 };
 
+/// The image up to an address past its end: what the file lacks is erased flash.
+std::unique_ptr<ROM::FileAccessor> continued(const std::string& file, const Bytes& bytes, std::uint64_t end) {
+    checkFileSize(file, end);
+    auto image = std::make_unique<ROM::FileAccessor>(file, static_cast<std::uint32_t>(end));
+    image->write(0, bytes);
+    return image;
+}
+
 std::unique_ptr<RomTarget> openCamera(TargetOptions options, Console& console) {
     if (!options.image.empty())
         options.camera = options.image.substr(std::string("camera:").size());
@@ -95,6 +153,18 @@ std::unique_ptr<RomTarget> openCamera(TargetOptions options, Console& console) {
 }
 
 } // namespace
+
+void checkFile(const std::string& file, bool mayBePipe) {
+    std::error_code failure;
+    const fs::file_status status = fs::status(pathOf(file), failure);
+    if (!fs::exists(status))
+        return; // opening it tells why
+    if (!fs::is_regular_file(status) && !(mayBePipe && fs::is_fifo(status)))
+        throw ToolFailure(ExitCode_FAILED, "cannot read '" + file + "': it is there and no file");
+    const std::uint64_t size = fs::is_regular_file(status) ? fs::file_size(pathOf(file), failure) : 0;
+    if (!failure)
+        checkFileSize(file, size);
+}
 
 bool isCamera(const TargetOptions& options) {
     return options.image.empty() || options.image.rfind("camera:", 0) == 0;
@@ -118,23 +188,35 @@ void addTargetOptions(CLI::App& command, TargetOptions& options) {
 std::unique_ptr<RomTarget> RomTarget::open(const TargetOptions& options, Console& console) {
     if (isCamera(options))
         return openCamera(options, console);
+    checkFile(options.image, false);
     std::unique_ptr<ROM::FileAccessor> file;
     attempt("open the image", [&] { file = std::make_unique<ROM::FileAccessor>(options.image); });
-    const std::uint64_t size = file->getImage().size();
-    if (size == 0)
+    Bytes onDisk = file->getImage();
+    if (onDisk.empty())
         throw ToolFailure(ExitCode_VERIFICATION, "'" + options.image + "' is empty: there is no flash in it");
-    if (options.start >= size || options.size > size - options.start)
+    if (options.start >= onDisk.size())
         throw ToolFailure(ExitCode_USAGE, Format("'%' has % bytes: the area is not inside") % options.image %
-                                              static_cast<unsigned long long>(size));
+                                              static_cast<unsigned long long>(onDisk.size()));
     const FlashArea area =
-        areaOf(options, options.start, options.size == 0 ? size - options.start : options.size);
-    return std::make_unique<FileTarget>(std::move(file), area, options, console);
+        areaOf(options, options.start, options.size == 0 ? onDisk.size() - options.start : options.size);
+    if (area.end() > onDisk.size())
+        file = continued(options.image, onDisk, area.end());
+    return std::make_unique<FileTarget>(std::move(file), std::move(onDisk), area, options, console);
+}
+
+std::unique_ptr<RomTarget> RomTarget::openToWrite(const TargetOptions& options, bool dryRun,
+                                                  Console& console) {
+    auto target = open(options, console);
+    if (!dryRun)
+        target->checkWritable();
+    return target;
 }
 
 std::unique_ptr<RomTarget> RomTarget::create(const TargetOptions& options, Console& console) {
     const FlashArea area = areaOf(options, options.start, options.size);
+    checkFileSize(options.image, area.end());
     auto file = std::make_unique<ROM::FileAccessor>(options.image, static_cast<std::uint32_t>(area.end()));
-    return std::make_unique<FileTarget>(std::move(file), area, options, console);
+    return std::make_unique<FileTarget>(std::move(file), std::nullopt, area, options, console);
 }
 
 void RomTarget::detect(const TargetOptions& options) {
@@ -164,12 +246,12 @@ void RomTarget::showProgress(const char* verb, std::size_t done, std::size_t all
                     << std::flush;
 }
 
-FlashImage RomTarget::load() {
+FlashImage RomTarget::load(const char* whenInterrupted) {
     Bytes bytes;
     const InterruptWatch watch;
     while (bytes.size() < place.size) {
         if (watch.interrupted())
-            throw ToolFailure(ExitCode_INTERRUPTED, "interrupted; nothing was changed");
+            throw ToolFailure(ExitCode_INTERRUPTED, whenInterrupted);
         const auto done = static_cast<std::uint32_t>(bytes.size());
         const std::uint32_t length = std::min<std::uint32_t>(place.size - done, PIECE);
         attempt(Format("read % bytes at % of %") % length % hexText(place.start + done) % name(), [&] {

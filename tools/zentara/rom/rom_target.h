@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,6 +23,10 @@ struct TargetOptions : ChipOptions {
 /// Whether a camera is meant and not a file.
 [[nodiscard]] bool isCamera(const TargetOptions& options);
 
+/// \throws ToolFailure when a file that is there is none to read whole: a directory, a device, or more bytes than any
+/// flash has. \param mayBePipe  whether a pipe will do.
+void checkFile(const std::string& file, bool mayBePipe);
+
 /// IMAGE, or --camera, and the options of the area.
 void addTargetOptions(CLI::App& command, TargetOptions& options);
 
@@ -30,6 +35,9 @@ class RomTarget {
 public:
     /// Opens the file or the camera. \throws ToolFailure
     [[nodiscard]] static std::unique_ptr<RomTarget> open(const TargetOptions& options, Console& console);
+    /// The same for a verb that writes, unless it only tries. \throws ToolFailure also when it cannot be written to.
+    [[nodiscard]] static std::unique_ptr<RomTarget> openToWrite(const TargetOptions& options, bool dryRun,
+                                                                Console& console);
     /// A new image file of erased flash; nothing is on disk before the first store().
     [[nodiscard]] static std::unique_ptr<RomTarget> create(const TargetOptions& options, Console& console);
 
@@ -40,11 +48,15 @@ public:
     [[nodiscard]] virtual std::string backupStem() const = 0;
     /// \throws ToolFailure when there is no way to write to it.
     virtual void checkWritable() const {}
+    /// Whether a write that breaks off leaves a part of the change.
+    [[nodiscard]] virtual bool isWrittenInPlace() const { return false; }
+    /// Whether a path leads to this very file.
+    [[nodiscard]] virtual bool isAt(const std::string&) const { return false; }
 
-    /// The whole area. Progress shows on a terminal; Ctrl-C ends it as a ToolFailure.
-    [[nodiscard]] FlashImage load();
-    /// Makes the writes in their order, reads each back and compares it, and makes all of it last.
-    /// \throws ToolFailure; the flash then holds a part of the writes, a file what it held before.
+    /// The whole area. Progress shows on a terminal; Ctrl-C ends it as a ToolFailure of that text.
+    [[nodiscard]] FlashImage load(const char* whenInterrupted = "interrupted; nothing was changed");
+    /// Makes the writes in their order, reads each back and compares it, and makes all of it last. Ctrl-C does not
+    /// break it off. \throws ToolFailure; the flash then holds a part of the writes, a file what it held before.
     void store(const std::vector<FlashWrite>& writes);
 
 protected:

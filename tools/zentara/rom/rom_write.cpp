@@ -1,8 +1,9 @@
 #include "tools/zentara/rom/rom_write.h"
 
+#include <algorithm>
 #include <chrono>
-#include <filesystem>
 
+#include <zentara/rom/file_accessor.h>
 #include <zentara/rom/section.h>
 #include <zentara/utils/files.h>
 #include <zentara/utils/format.h>
@@ -10,6 +11,7 @@
 #include "tools/zentara/json_output.h"
 #include "tools/zentara/paths.h"
 #include "tools/zentara/pending_file.h"
+#include "tools/zentara/rom/rom_survey.h"
 #include "tools/zentara/rom/text_lines.h"
 
 namespace Zentara::Tool {
@@ -33,8 +35,7 @@ std::string timeText() {
 std::string freeName(const std::string& stem) {
     const std::string base = stem + "." + timeText();
     std::string name = base + ".bak";
-    std::error_code ignored;
-    for (int i = 2; std::filesystem::exists(pathOf(name), ignored); ++i)
+    for (int i = 2; isThere(name); ++i)
         name = base + "-" + std::to_string(i) + ".bak";
     return name;
 }
@@ -46,28 +47,75 @@ bool holdsStorage(const FlashImage& image) {
     return storage.container.romInitialized();
 }
 
-/// A rebuild asks no container, so the rule that read-only sections stay as they are is kept here.
-void checkReadOnly(const RomContent& before, const RomContent& wanted) {
-    for (const auto& [uid, section] : before) {
-        const auto place = wanted.find(uid);
-        const bool stays = place != wanted.end() && place->second == section;
-        if (!stays && (section.flags & ROM::Section::FLAG_WRITABLE) == 0)
-            throw ToolFailure(ExitCode_PERMISSION, sectionText(uid, section) + " is read only");
+/// What a rebuild gives up because no link leads to it, or because it cannot be read.
+std::vector<std::string> givenUp(const FlashImage& before, const RomContent& wanted) {
+    std::vector<std::string> texts;
+    const RomSurvey survey(before);
+    const bool isEmpty = survey.blocks().empty() && survey.unreachable().empty();
+    for (const Finding& finding : survey.findings())
+        if (!isEmpty && finding.isFault && isStructural(finding.kind) &&
+            finding.kind != FindingKind::Unreachable)
+            texts.push_back(Format("what cannot be read at 0x%{:x8} is given up: %") % finding.address %
+                            finding.text);
+    if (!survey.isCutOff())
+        return texts;
+    for (const SurveyedSection& section : survey.unreachable()) {
+        const auto place = wanted.find(section.uid);
+        if (place == wanted.end() || !(place->second == section.content))
+            texts.push_back(sectionText(section.uid, section.content) +
+                            ", which no link leads to, is given up; 'zentara rom salvage' finds it");
     }
+    return texts;
+}
+
+void checkApart(const RomTarget& source, const std::string& path) {
+    if (source.isAt(path))
+        throw ToolFailure(ExitCode_USAGE, "'" + path + "' is the image itself: name another file");
 }
 
 } // namespace
 
-void saveFile(const std::string& path, const std::string& bytes) {
+void saveFile(const RomTarget& source, const std::string& path, const std::string& bytes) {
+    checkApart(source, path);
     PendingFile file(path);
     attempt("write '" + path + "'", [&] { Utils::writeFile(file.partPath(), bytes); });
     file.commit();
 }
 
+void keepFile(const RomTarget& source, const std::string& path, const Bytes& bytes) {
+    checkApart(source, path);
+    if (isThere(path)) {
+        const std::string there = loadFile(path);
+        if (std::equal(
+                there.begin(), there.end(), bytes.begin(), bytes.end(),
+                [](char left, std::uint8_t right) { return static_cast<std::uint8_t>(left) == right; }))
+            return;
+        throw ToolFailure(ExitCode_FAILED,
+                          "'" + path + "' is there already and is not replaced: name another file");
+    }
+    attempt("write '" + path + "'", [&] {
+        ROM::FileAccessor file(path, static_cast<std::uint32_t>(bytes.size()));
+        file.write(0, bytes);
+        file.save();
+    });
+}
+
 std::string loadFile(const std::string& path) {
+    checkFile(path, true);
     std::string bytes;
     attempt("read '" + path + "'", [&] { bytes = Utils::readFile(path); });
     return bytes;
+}
+
+std::vector<std::uint16_t> readOnlyConflicts(const RomContent& before, const RomContent& wanted) {
+    std::vector<std::uint16_t> uids;
+    for (const auto& [uid, section] : before) {
+        const auto place = wanted.find(uid);
+        const bool stays = place != wanted.end() && place->second == section;
+        if (!stays && (section.flags & ROM::Section::FLAG_WRITABLE) == 0)
+            uids.push_back(uid);
+    }
+    return uids;
 }
 
 RomContent loadContentIfAny(const FlashImage& image) {
@@ -103,8 +151,12 @@ void addRebuildOption(CLI::App& command, WriteOptions& options) {
 
 ExitCode RomWriter::bringTo(const FlashImage& before, const RomContent& wanted, bool formats) {
     const RomContent old = loadContentIfAny(before);
-    if (options.rebuild)
-        checkReadOnly(old, wanted);
+    if (const auto conflicts = readOnlyConflicts(old, wanted); !conflicts.empty()) {
+        console.err << "zentara rom " << verb << ": " << target.name() << ": refused, nothing was written:\n";
+        for (const std::uint16_t uid : conflicts)
+            console.err << "  " << sectionText(uid, old.at(uid)) << " is read only\n";
+        return ExitCode_PERMISSION;
+    }
     Rehearsal rehearsal = options.rebuild ? rebuild(before, wanted) : rehearse(before, wanted, formats);
     if (!rehearsal.isGood())
         return refuse(before, wanted, rehearsal);
@@ -113,10 +165,14 @@ ExitCode RomWriter::bringTo(const FlashImage& before, const RomContent& wanted, 
         plan.changes.push_back(change.text);
         plan.takesAway |= change.kind != ContentChange::Kind::Added;
     }
-    if (options.rebuild)
+    if (options.rebuild) {
+        for (std::string& text : givenUp(before, wanted)) {
+            plan.changes.push_back(std::move(text));
+            plan.takesAway = true;
+        }
         plan.changes.push_back(Format("the content is rebuilt in chunks of % bytes") %
                                plan.after.area().chunkSize);
-    else if (!holdsStorage(before))
+    } else if (!holdsStorage(before))
         plan.changes.insert(plan.changes.begin(), "it is formatted where it was not");
     return write(before, plan);
 }
@@ -136,6 +192,9 @@ ExitCode RomWriter::refuse(const FlashImage& before, const RomContent& wanted, c
     if (!options.rebuild && rebuild(before, wanted).isGood())
         console.err << "--rebuild writes the content that can be read, with this change, into a freshly "
                        "formatted image\n";
+    if (RomSurvey(before).isCutOff())
+        console.err
+            << "'zentara rom salvage' finds whole sections that no link leads to, and changes nothing\n";
     return ExitCode_VERIFICATION;
 }
 
@@ -144,8 +203,24 @@ std::string RomWriter::backUp(const FlashImage& before) const {
     if (before.bytes() == FlashImage(before.area()).bytes())
         return {};
     const std::string path = options.backup.empty() ? freeName(target.backupStem()) : options.backup;
-    saveFile(path, std::string(before.bytes().begin(), before.bytes().end()));
+    keepFile(target, path, before.bytes());
     return path;
+}
+
+/// Says where the bytes of before are, and the command that brings them back.
+std::string RomWriter::wayBack(const FlashImage& before, const std::string& backupFile) const {
+    if (backupFile.empty())
+        return {};
+    std::string command = "zentara rom restore '" + backupFile + "'";
+    if (!options.image.empty())
+        command += " '" + options.image + "'";
+    if (!options.camera.empty())
+        command += " --camera " + options.camera;
+    if (options.hasStart || options.size != 0)
+        command += Format(" --start % --size %") % before.area().start % before.area().size;
+    if (RomSurvey(before).isFaulty())
+        command += " --damaged";
+    return "the bytes of before are in '" + backupFile + "'; \"" + command + " --yes\" puts them back";
 }
 
 ExitCode RomWriter::write(const FlashImage& before, const PlannedWrite& plan) {
@@ -153,7 +228,6 @@ ExitCode RomWriter::write(const FlashImage& before, const PlannedWrite& plan) {
         report(plan, {});
         return ExitCode_DONE;
     }
-    target.checkWritable();
     if (plan.takesAway && !options.yes) {
         console.err << "zentara rom " << verb << ": " << target.name()
                     << " would lose something of before:\n";
@@ -163,14 +237,17 @@ ExitCode RomWriter::write(const FlashImage& before, const PlannedWrite& plan) {
         return ExitCode_USAGE;
     }
     const std::string kept = backUp(before);
-    const std::string where = kept.empty() ? "" : "; the bytes of before are in '" + kept + "'";
+    const std::string back = wayBack(before, kept);
+    if (target.isWrittenInPlace() && !back.empty())
+        console.err << "zentara rom " << verb << ": " << back
+                    << std::endl; // whatever becomes of this process
     try {
         target.store(plan.writes);
-        if (target.load().bytes() != plan.after.bytes())
+        if (target.load("interrupted before all of it was read once more").bytes() != plan.after.bytes())
             throw ToolFailure(ExitCode_VERIFICATION,
                               target.name() + " holds other bytes than were written to it");
     } catch (const ToolFailure& failure) {
-        throw ToolFailure(failure.code, failure.what() + where);
+        throw ToolFailure(failure.code, failure.what() + (back.empty() ? "" : "; " + back));
     }
     report(plan, kept);
     return ExitCode_DONE;

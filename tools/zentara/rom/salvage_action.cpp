@@ -57,8 +57,7 @@ ExitCode runSalvage(const SalvageOptions& options, Console& console) {
         throw ToolFailure(ExitCode_VERIFICATION,
                           "what was found does not fit into an image of that size: " +
                               (fresh.refusal ? fresh.refusal->message : fresh.losses.front()));
-    const Bytes& bytes = fresh.image.bytes();
-    saveFile(options.file, std::string(bytes.begin(), bytes.end()));
+    keepFile(*target, options.file, fresh.image.bytes());
     printLine(console.out,
               Utils::Format("% sections of % are in the new image '%'; nothing was changed in %") %
                   static_cast<unsigned long long>(salvage.content.size()) % target->name() % options.file %

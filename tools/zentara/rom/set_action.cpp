@@ -70,7 +70,7 @@ RomSection sectionFrom(const SetOptions& options, const RomContent& content) {
 }
 
 ExitCode runSet(const SetOptions& options, Console& console) {
-    const auto target = RomTarget::open(options, console);
+    const auto target = RomTarget::openToWrite(options, options.dryRun, console);
     const FlashImage before = target->load();
     RomContent wanted = loadContentIfAny(before);
     const RomSection section = sectionFrom(options, wanted);
