@@ -219,10 +219,14 @@ void ParameterInterpreter::write(ParameterType parameter, float value) {
 }
 
 void ParameterInterpreter::write(const ParameterRequestMap& state) {
-    const std::vector<unsigned char> bytes = marshalSystemState(state);
+    constexpr const char* failure = "Failed to set system state: %";
+    std::vector<unsigned char> bytes;
+    const std::string reason = marshalSystemState(state, bytes);
+    if (!reason.empty())
+        throw ArgumentPluginException(Format(failure) % reason);
     const auto length = static_cast<unsigned int>(bytes.size());
     if (impl->call(impl->functions.writeSystemState, bytes.data(), length) != ErrorCode_SUCCESS)
-        throw IOPluginException(Format("Failed to set system state: %") % impl->lastError());
+        throw IOPluginException(Format(failure) % impl->lastError());
 }
 
 void ParameterInterpreter::read(ParameterType parameter, bool* value) {
@@ -247,11 +251,14 @@ void ParameterInterpreter::read(ParameterType parameter, float* value) {
 
 void ParameterInterpreter::read(ParameterRequestMap& state) {
     constexpr const char* failure = "Failed to get system state: %";
-    std::vector<unsigned char> bytes = marshalSystemState(state);
+    std::vector<unsigned char> bytes;
+    std::string reason = marshalSystemState(state, bytes);
+    if (!reason.empty())
+        throw IOPluginException(Format(failure) % reason);
     const auto length = static_cast<unsigned int>(bytes.size());
     if (impl->call(impl->functions.readSystemState, bytes.data(), length) != ErrorCode_SUCCESS)
         throw IOPluginException(Format(failure) % impl->lastError());
-    const std::string reason = unmarshalSystemState(bytes, state);
+    reason = unmarshalSystemState(bytes, state);
     if (!reason.empty())
         throw IOPluginException(Format(failure) % reason);
 }

@@ -34,21 +34,30 @@ void append(std::vector<unsigned char>& bytes, const RegionOfInterestInternal& r
         append(bytes, static_cast<std::uint16_t>(word)); // upper bits are lost
 }
 
-void appendEntry(std::vector<unsigned char>& bytes, ParameterType parameter, const xuRequest* request) {
+/// \return false for a number that does not fit its one byte; cut, it would name another parameter
+[[nodiscard]] bool appendNumber(std::vector<unsigned char>& bytes, ParameterType parameter) {
     const auto number = static_cast<unsigned char>(parameter);
+    append(bytes, number);
+    return number == parameter;
+}
+
+[[nodiscard]] bool appendEntry(std::vector<unsigned char>& bytes, ParameterType parameter,
+                               const xuRequest* request) {
+    bool fits = true;
     if (const auto* asFloat = dynamic_cast<const setFloatParameterRequest*>(request)) {
-        append(bytes, number);
+        fits = appendNumber(bytes, parameter);
         append(bytes, asFloat->getValue());
     } else if (const auto* asInt = dynamic_cast<const setIntParameterRequest*>(request)) {
-        append(bytes, number);
+        fits = appendNumber(bytes, parameter);
         append(bytes, static_cast<std::int32_t>(asInt->getValue()));
     } else if (const auto* asBool = dynamic_cast<const setBoolParameterRequest*>(request)) {
-        append(bytes, number);
+        fits = appendNumber(bytes, parameter);
         append(bytes, asBool->getValue() ? trueByte : static_cast<unsigned char>(0));
     } else if (const auto* asRegion = dynamic_cast<const setRegionOfInterestRequest*>(request)) {
-        append(bytes, static_cast<unsigned char>(ParameterType_REGION_OF_INTEREST));
+        fits = appendNumber(bytes, ParameterType_REGION_OF_INTEREST);
         append(bytes, asRegion->getRegion());
     }
+    return fits;
 }
 
 std::size_t valueBytes(ParameterValueType type) {
@@ -127,12 +136,15 @@ Entry nextEntry(const std::vector<unsigned char>& bytes, std::size_t& position,
 
 } // namespace
 
-std::vector<unsigned char> marshalSystemState(const ParameterRequestMap& state) {
-    std::vector<unsigned char> bytes;
+std::string marshalSystemState(const ParameterRequestMap& state, std::vector<unsigned char>& bytes) {
+    bytes.clear();
     bytes.reserve(1); // has an address also without entries: by null some back-ends mean a question
-    for (const auto& entry : state)
-        appendEntry(bytes, entry.first, entry.second.get());
-    return bytes;
+    for (const auto& entry : state) {
+        if (!appendEntry(bytes, entry.first, entry.second.get()))
+            return Format("the number of parameter % does not fit one byte") %
+                   static_cast<std::int32_t>(entry.first);
+    }
+    return {};
 }
 
 std::string unmarshalSystemState(const std::vector<unsigned char>& bytes, ParameterRequestMap& state) {

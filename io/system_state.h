@@ -7,8 +7,10 @@
 
 namespace Zentara::IO {
 
-/// The bytes of a system state: an entry for each float, integer, boolean and region request, in the map's order.
-[[nodiscard]] std::vector<unsigned char> marshalSystemState(const ParameterRequestMap& state);
+/// Makes the bytes of a system state: an entry for each float, integer, boolean and region request, in the map's order.
+/// \return why there are none; empty on success
+[[nodiscard]] std::string marshalSystemState(const ParameterRequestMap& state,
+                                             std::vector<unsigned char>& bytes);
 
 /// Stores the bytes in the requests of the map. They are checked as a whole first.
 /// \return why they are refused, with the map unchanged; empty on success

@@ -505,6 +505,31 @@ TEST_F(ParameterInterpreterTest, SystemStateIsWrittenEntryByEntry) {
     parameters->write(ParameterRequestMap());
 }
 
+TEST_F(ParameterInterpreterTest, NumbersPastOneByteAreRefusedNotCut) {
+    using Utils::makeRefcounted;
+    const Utils::SmartPtr<xuRequest> requests[] = {
+        makeRefcounted<setFloatParameterRequest>(ParameterType(2), 1.0F),
+        makeRefcounted<setIntParameterRequest>(ParameterType(2), 1),
+        makeRefcounted<setBoolParameterRequest>(ParameterType(2), true)};
+    for (const int number : {-1, 256, 256 + 2, std::numeric_limits<int>::max()}) {
+        const std::string reason =
+            "the number of parameter " + std::to_string(number) + " does not fit one byte";
+        for (const auto& request : requests) {
+            // The back-end is asked for nothing.
+            ParameterRequestMap state = stateOf(ParameterType(number), request);
+            EXPECT_EQ(failure([&] { parameters->write(state); }),
+                      std::pair(argumentKind, "Failed to set system state: " + reason));
+            EXPECT_EQ(failure([&] { parameters->read(state); }),
+                      std::pair(ioKind, "Failed to get system state: " + reason));
+        }
+        // A region has the number 13, and what has no entry has no number.
+        EXPECT_CALL(backEnd, writeSystemState(_, 9)).WillOnce(Return(success));
+        parameters->write(stateOf(ParameterType(number), makeRefcounted<setRegionOfInterestRequest>()));
+        EXPECT_CALL(backEnd, writeSystemState(_, 0)).WillOnce(Return(success));
+        parameters->write(stateOf(ParameterType(number), makeRefcounted<UVCCommandRequest>()));
+    }
+}
+
 /// One parameter of each form, and a request that has no bytes.
 struct FullState {
     Utils::SmartPtr<setFloatParameterRequest> aFloat =

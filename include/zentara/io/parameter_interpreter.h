@@ -77,6 +77,8 @@ public:
     /// Writes a system state: the float, integer, boolean and region requests of the map; others are left
     /// out. Words of a region are cut to 16 bits.
     /// \throws Plugin::IOPluginException "Failed to set system state: REASON"
+    /// \throws Plugin::ArgumentPluginException "Failed to set system state: REASON" for a parameter whose number
+    ///         does not fit one byte; nothing is written then
     virtual void write(const ParameterRequestMap& state);
 
     /// \throws Plugin::IOPluginException "Failed to read parameter"
@@ -86,7 +88,8 @@ public:
 
     /// Reads a system state into the requests of the map; those that `write` leaves out stay as they are.
     /// \throws Plugin::IOPluginException "Failed to get system state: REASON", also when the back-end returns
-    ///         anything but values for these parameters; no request is changed then
+    ///         anything but values for these parameters, or one of their numbers does not fit one byte; no
+    ///         request is changed then
     virtual void read(ParameterRequestMap& state);
 
     /// \throws Plugin::ArgumentPluginException "value out of range"
