@@ -63,6 +63,7 @@ TEST(NodeSlots, DescriptorStoreRO) {
     };
     for (std::size_t i = 0; i < slots.size(); ++i)
         EXPECT_EQ(slots[i], static_cast<int>(i) + 2) << "operation " << i;
+    EXPECT_EQ(virtualSlotCount<Store>(), 38);
     // Not virtual.
     EXPECT_EQ(virtualSlot(&Store::setProfile), -1);
     EXPECT_EQ(virtualSlot(&Store::setConfigurationSettings), -1);
@@ -74,7 +75,8 @@ TEST(NodeSlots, DescriptorStoreInterface) {
                 {{"getDescriptorStore", virtualSlot(&DescriptorStoreInterface::getDescriptorStore), 5},
                  {"selectNodeDescriptor", virtualSlot(&DescriptorStoreInterface::selectNodeDescriptor), 6},
                  {"initialize", virtualSlot(&DescriptorStoreInterface::initialize), 7},
-                 {"dispose", virtualSlot(&DescriptorStoreInterface::dispose), 8}});
+                 {"dispose", virtualSlot(&DescriptorStoreInterface::dispose), 8},
+                 {"(count)", virtualSlotCount<DescriptorStoreInterface>(), 9}});
 }
 
 TEST(NodeSlots, AudioNodeInterface) {
@@ -89,7 +91,8 @@ TEST(NodeSlots, AudioNodeInterface) {
                  {"getDefaultConfiguration", virtualSlot(&Node::getDefaultConfiguration), 11},
                  {"readBuffer", virtualSlot(&Node::readBuffer), 12},
                  {"setInputMixerLevel", virtualSlot(&Node::setInputMixerLevel), -1},
-                 {"setMute", virtualSlot(&Node::setMute), -1}});
+                 {"setMute", virtualSlot(&Node::setMute), -1},
+                 {"(count)", virtualSlotCount<Node>(), 13}});
 }
 
 TEST(NodeSlots, ColorNodeInterface) {
@@ -104,7 +107,8 @@ TEST(NodeSlots, ColorNodeInterface) {
                  {"getCameraControlRanges", virtualSlot(&Node::getCameraControlRanges), 11},
                  {"setCameraControl", virtualSlot(&Node::setCameraControl), 12},
                  {"getCameraControls", virtualSlot(&Node::getCameraControls), 13},
-                 {"readBuffer", virtualSlot(&Node::readBuffer), 14}});
+                 {"readBuffer", virtualSlot(&Node::readBuffer), 14},
+                 {"(count)", virtualSlotCount<Node>(), 15}});
 }
 
 TEST(NodeSlots, DepthNodeInterface) {
@@ -144,6 +148,7 @@ TEST(NodeSlots, DepthNodeInterface) {
         virtualSlot(&Node::getEnableVideoSync),
         virtualSlot(&Node::getConfigurations),
         virtualSlot(&Node::readBuffer),
+        virtualSlotCount<Node>(),
     };
     for (std::size_t i = 0; i < slots.size(); ++i)
         EXPECT_EQ(slots[i], static_cast<int>(i) + 5) << "operation " << i;
@@ -172,6 +177,7 @@ TEST(NodeSlots, ParameterInterpreter) {
         virtualSlot(&P::writeCalibration),
         virtualSlot(&P::readCalibration),
         virtualSlot(&P::getPhaseScaling),
+        virtualSlotCount<P>(),
     };
     for (std::size_t i = 0; i < slots.size(); ++i)
         EXPECT_EQ(slots[i], static_cast<int>(i) + 5) << "operation " << i;
