@@ -12,11 +12,12 @@ NodeType EnumeratorInterface::getNodeType() {
 }
 
 std::uint64_t EnumeratorInterface::getNodeFlags() {
-    switch (getNodeType()) {
+    const auto* const store = getDescriptorStore();
+    switch (store ? store->getNodeType() : NodeType_NONE) {
     case NodeType_DEPTH:
-        return getDescriptorStore()->getDepthFlags();
+        return store->getDepthFlags();
     case NodeType_COLOR:
-        return getDescriptorStore()->getColorFlags();
+        return store->getColorFlags();
     default:
         return 0;
     }

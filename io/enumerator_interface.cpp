@@ -1,5 +1,7 @@
 #include <zentara/io/enumerator_interface.h>
 
+#include <atomic>
+
 #include <zentara/utils/mutex.h>
 #include <zentara/utils/thread.h>
 
@@ -12,8 +14,9 @@ using Utils::Threading::AutoLock;
 struct EnumeratorInterface::Impl {
     explicit Impl(Runnable* work) : thread(work, nullptr, "DeviceEnumerator") {}
 
-    Utils::Collection::Queue<ExternalEvent>* events = nullptr;
-    Core::DescriptorStoreRO* store = nullptr;
+    // The thread and callers of the snapshot look at both while another thread disposes.
+    std::atomic<Utils::Collection::Queue<ExternalEvent>*> events = nullptr;
+    std::atomic<Core::DescriptorStoreRO*> store = nullptr;
     /// Held over start and stop, never over a wait for the thread.
     Utils::Threading::Mutex lock;
     Utils::Threading::Thread thread;

@@ -69,9 +69,20 @@ SimulatedEnumerator::~SimulatedEnumerator() { dispose(); }
 
 void SimulatedEnumerator::initialize(Utils::Collection::Queue<ExternalEvent>* events,
                                      Core::DescriptorStoreRO* store) {
-    EnumeratorInterface::initialize(events, store);
+    dispose();
     const AutoLock hold(lock);
+    EnumeratorInterface::initialize(events, store);
     bus = std::make_unique<SimulatedBus>();
+}
+
+void SimulatedEnumerator::dispose() {
+    EnumeratorInterface::dispose();
+    const AutoLock hold(lock); // whoever is looking has done with the store then
+    forget();
+}
+
+void SimulatedEnumerator::forget() {
+    bus.reset();
     present.clear();
     announced.clear();
     suspected.clear();

@@ -18,13 +18,15 @@ namespace Zentara::Simulated {
 /// read is an error event with the file's path, once for each thing that is wrong with it.
 ///
 /// With a descriptor store only nodes that it describes are found, and described as it says; the store is then for
-/// the enumerator alone until `dispose`. Safe.
+/// the enumerator alone until `dispose`. Before `initialize` and after `dispose` there is no bus. Safe.
 class SimulatedEnumerator final : public IO::EnumeratorInterface {
 public:
     SimulatedEnumerator();
     ~SimulatedEnumerator() override;
 
+    /// A second call replaces the first, whose thread it ends.
     void initialize(Utils::Collection::Queue<ExternalEvent>* events, Core::DescriptorStoreRO* store) override;
+    void dispose() override;
     void enumerate(std::vector<NodeEvent>& nodes) override;
     [[nodiscard]] bool isPresent(const NodeEvent& node) override;
     [[nodiscard]] std::string getBackendName() override;
@@ -32,6 +34,7 @@ public:
     void* run(void* argument) override;
 
 private:
+    void forget() ZENTARA_REQUIRES(lock);
     void look() ZENTARA_REQUIRES(lock);
     void addNodes(const SimulatedBus::Camera& camera, std::uint32_t port, std::vector<NodeEvent>& nodes)
         ZENTARA_REQUIRES(lock);

@@ -1,5 +1,7 @@
-#include <algorithm>
+#include <filesystem>
+#include <map>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -93,6 +95,39 @@ TEST_F(MockEnumerator, EndsItsThreadAndStartsAnew) {
     enumerator->initialize(&events, nullptr);
     enumerator->execute();
     EXPECT_THAT(arrivals(allNodes), SizeIs(allNodes));
+}
+
+TEST_F(MockEnumerator, ASecondInitializeReplacesTheFirstWhileItRuns) {
+    Utils::Collection::Queue<ExternalEvent> before;
+    enumerator->initialize(&before, nullptr);
+    enumerator->execute();
+    ExternalEvent event;
+    EXPECT_TRUE(before.timedPop(event, patience));
+    enumerator->initialize(&events, nullptr);
+    EXPECT_THAT(listed(), SizeIs(allNodes));
+    const std::size_t told = before.size();
+    enumerator->execute();
+    EXPECT_THAT(arrivals(allNodes), SizeIs(allNodes));
+    EXPECT_EQ(before.size(), told) << "the thread of the first has ended";
+}
+
+TEST_F(MockEnumerator, CanBeAskedWhileItEnds) {
+    const auto store =
+        TestSupport::makePlugin<Core::DescriptorStoreInterface>(Simulated::descriptorStoreGuid);
+    for (int round = 0; round < 20; ++round) {
+        store->initialize();
+        enumerator->initialize(&events, store->getDescriptorStore());
+        enumerator->execute();
+        std::thread asker([this] {
+            while (!listed().empty()) {
+            }
+        });
+        EXPECT_THAT(arrivals(allNodes), SizeIs(allNodes));
+        enumerator->dispose();
+        store->dispose(); // nobody looks at it any more
+        asker.join();
+    }
+    EXPECT_THAT(listed(), SizeIs(0)) << "without a bus there is nothing";
 }
 
 TEST_F(MockEnumerator, AsksTheStoreWhatItFound) {
@@ -200,6 +235,37 @@ TEST_F(PluggedCameras, AWrongFileChangesNothingAndIsReportedOnce) {
     plug("");
     EXPECT_THAT(removals(3), SizeIs(3)) << "without a further error before it";
     EXPECT_THAT(listed(), SizeIs(0));
+}
+
+TEST_F(PluggedCameras, HoweverFastTheyChangeArrivalsAndRemovalsAlternate) {
+    start("");
+    for (int i = 0; i < 200; ++i)
+        plug(i % 2 ? R"({"model": "ZS570", "serialNumber": "A"}, {"model": "ZS345"})"
+                   : R"({"model": "ZS258", "serialNumber": "A"})");
+    plug(R"({"model": "ZS258", "serialNumber": "last"})");
+    std::map<std::string, bool> present;
+    ExternalEvent event;
+    while (present.count("simulated:last/audio") == 0 && events.timedPop(event, patience)) {
+        const bool arrives = event.type == ExternalEventType_NODE_ARRIVED;
+        EXPECT_TRUE(arrives || event.type == ExternalEventType_NODE_REMOVED);
+        EXPECT_NE(present[event.node.path], arrives) << event.node.path;
+        present[event.node.path] = arrives;
+    }
+    std::erase_if(present, [](const auto& node) { return !node.second; });
+    EXPECT_THAT(present, SizeIs(3)) << "only the last camera is left";
+}
+
+TEST_F(PluggedCameras, AFileThatVanishesLeavesTheCameras) {
+    start(R"({"model": "ZS570"})");
+    EXPECT_THAT(arrivals(3), SizeIs(3));
+    std::error_code busy; // on Windows while the enumerator reads the file
+    do {
+        std::filesystem::remove(TestSupport::TemporaryDirectory::fromUtf8(file), busy);
+    } while (busy);
+    EXPECT_THAT(next(1, ExternalEventType_ERROR), SizeIs(1));
+    EXPECT_THAT(listed(), SizeIs(3));
+    plug(R"({"model": "ZS570"}, {"model": "ZS345"})");
+    EXPECT_THAT(pathsOf(arrivals(3)), Each(HasSubstr("SIM0345")));
 }
 
 TEST_F(PluggedCameras, WithoutTheFileNothingIsPluggedIn) {
