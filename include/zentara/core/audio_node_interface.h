@@ -73,7 +73,8 @@ public:
     /// \param length receives the bytes copied
     virtual ReadBufferStatus readBuffer(void* buffer, int size, std::int64_t* timestamp, int* length) = 0;
 
-    // Not virtual: a node that has them hides them.
+    // Not virtual, and so not for a node to implement: through a pointer to this class its own would never be called.
+    // The level and the mute of a microphone are set at the device, through `getAVDeviceProxy`.
     /// \throws Plugin::ConfigurationPluginException always
     void setInputMixerLevel(float level);
     void setMute(bool mute);

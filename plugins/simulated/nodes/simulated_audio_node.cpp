@@ -19,8 +19,11 @@ using Utils::makeRefcounted;
 using Zentara::Plugin::ArgumentPluginException;
 using Zentara::Plugin::InvalidOperationPluginException;
 
+constexpr float startLevel = 0.5F;
+
 std::vector<Mode> modesOf(const Core::DescriptorStoreRO& store, IO::AudioDeviceProxy& device) {
     std::vector<Mode> modes = store.getAudioConfigurations();
+    std::erase(modes, Mode());
     if (modes.empty()) {
         modes.push_back(makeRefcounted<AudioConfiguration>());
         device.getDefaultConfiguration(modes.back());
@@ -37,8 +40,6 @@ struct SimulatedAudioNode::Microphones {
 
     IO::AudioDeviceProxy& device;
     const std::vector<Mode> modes; ///< one at least
-    float level = 0.5F;
-    bool muted = false;
     bool streaming = false;
 };
 
@@ -73,7 +74,7 @@ void SimulatedAudioNode::enableStreaming(Mode configuration) {
         throw ArgumentPluginException("enableStreaming: the configuration is null");
     if (present.streaming)
         throw InvalidOperationPluginException("enableStreaming: the node streams already; disable it first");
-    present.device.enableStreaming(configuration, present.level, present.muted);
+    present.device.enableStreaming(configuration, startLevel, false);
     present.streaming = true;
 }
 
@@ -106,18 +107,6 @@ Mode SimulatedAudioNode::getDefaultConfiguration() {
 ReadBufferStatus SimulatedAudioNode::readBuffer(void* buffer, int size, std::int64_t* timestamp,
                                                 int* length) {
     return require("readBuffer").device.readBuffer(buffer, size, timestamp, length);
-}
-
-void SimulatedAudioNode::setInputMixerLevel(float level) {
-    Microphones& present = require("setInputMixerLevel");
-    present.device.setInputMixerLevel(level);
-    present.level = level;
-}
-
-void SimulatedAudioNode::setMute(bool mute) {
-    Microphones& present = require("setMute");
-    present.device.setMute(mute);
-    present.muted = mute;
 }
 
 } // namespace Zentara::Simulated

@@ -7,7 +7,8 @@
 
 namespace Zentara::Simulated {
 
-/// The microphones of a simulated camera: blocks of sound, as frame_layout.h tells, at half the full level.
+/// The microphones of a simulated camera: blocks of sound, as frame_layout.h tells. Each start begins at half the full
+/// level; another one, or silence, is set at the device while it streams.
 class SimulatedAudioNode final : public Core::AudioNodeInterface {
 public:
     SimulatedAudioNode();
@@ -26,10 +27,6 @@ public:
     [[nodiscard]] std::vector<Utils::SmartPtr<AudioConfiguration>> getConfigurations() override;
     [[nodiscard]] Utils::SmartPtr<AudioConfiguration> getDefaultConfiguration() override;
     ReadBufferStatus readBuffer(void* buffer, int size, std::int64_t* timestamp, int* length) override;
-
-    /// \param level 0 to 1. From the next start on, and at once while it streams.
-    void setInputMixerLevel(float level);
-    void setMute(bool mute);
 
 private:
     struct Microphones;
