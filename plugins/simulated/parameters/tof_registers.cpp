@@ -108,27 +108,45 @@ public:
     explicit VC0258Registers(const TransferPair& way) : transfers(way) {}
 
     std::uint16_t read(std::uint8_t address) override {
-        const auto reply = tunnel.get(transfers, packet(0x46, address, 0));
-        return word(reply[6], reply[7]);
+        std::uint16_t value = 0;
+        inPresentOrder([&](std::uint8_t order) {
+            const auto reply = tunnel.get(transfers, packet(0x46, order, address, 0));
+            value = word(reply[6], reply[7]);
+        });
+        return value;
     }
     void write(std::uint8_t address, std::uint16_t value) override {
-        tunnel.set(transfers, packet(0x43, address, value));
+        inPresentOrder(
+            [&](std::uint8_t order) { tunnel.set(transfers, packet(0x43, order, address, value)); });
     }
 
 private:
-    /// Two data bytes, in the order in which the bridge stands now: whoever else uses it remembers what he set.
-    [[nodiscard]] Control<9>::Packet packet(std::uint8_t device, std::uint8_t address,
-                                            std::uint16_t value) const {
-        const auto order = bridge.get(transfers, {0, lowByte(lastByteOrder), highByte(lastByteOrder), 0})[3];
-        return {device,
-                1,
-                static_cast<std::uint8_t>(2 | (order & 1) << 4),
-                address,
-                0,
-                0,
-                lowByte(value),
-                highByte(value),
-                0};
+    static constexpr int mostAttempts = 16;
+
+    /// Makes a transfer of two data bytes in the order in which the bridge stands: whoever else uses it remembers what he
+    /// set. If he sets another one meanwhile, on a thread of his own, the bytes arrive exchanged, and the transfer is made
+    /// anew.
+    template<typename Transfer>
+    void inPresentOrder(Transfer transfer) const {
+        std::uint8_t order = presentOrder();
+        for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+            transfer(order);
+            const std::uint8_t after = presentOrder();
+            if (after == order)
+                return;
+            order = after;
+        }
+        throw Failure(ErrorCode_IO, "the byte order of the bridge changes with every transfer");
+    }
+
+    [[nodiscard]] std::uint8_t presentOrder() const {
+        return bridge.get(transfers, {0, lowByte(lastByteOrder), highByte(lastByteOrder), 0})[3] & 1;
+    }
+
+    static Control<9>::Packet packet(std::uint8_t device, std::uint8_t order, std::uint8_t address,
+                                     std::uint16_t value) {
+        return {device,          1, static_cast<std::uint8_t>(2 | order << 4), address, 0, 0, lowByte(value),
+                highByte(value), 0};
     }
 
     const TransferPair transfers;
