@@ -188,8 +188,16 @@ const Parameter& CameraParameters::parameter(ParameterType number, ParameterValu
 
 double CameraParameters::read(const Parameter& known) {
     if (known.number == ParameterType_RANGE)
-        return speedOfLight / (2e6 * read(parameter(ParameterType_FLOAT_2)));
+        return unambiguousRange();
     return registers->read(registerOf(known.number)) * known.step;
+}
+
+/// In metres. The register may hold what nobody wrote as a parameter.
+double CameraParameters::unambiguousRange() {
+    const double megahertz = read(parameter(ParameterType_FLOAT_2));
+    if (megahertz == 0)
+        throw Failure(ErrorCode_FAILED, "without a modulation frequency there is no range");
+    return speedOfLight / (2e6 * megahertz);
 }
 
 void CameraParameters::write(const Parameter& known, double value) {

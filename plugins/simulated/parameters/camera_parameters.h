@@ -47,6 +47,7 @@ public:
 
 private:
     void start();
+    [[nodiscard]] double unambiguousRange();
 
     std::unique_ptr<TofRegisters> registers;
     std::vector<std::uint8_t> calibration;
