@@ -82,7 +82,7 @@ struct Fault {
 ///                                    such statement replaces the usual two
 ///     claim N                        how many further devices an OV0570 claims to have
 ///     fpgaRounds N, resetReads N     how long an OV0570's FPGA takes to come up
-///     flash PATH                     the bytes of the controller's memory
+///     flash PATH                     the bytes of the controller's memory; of a VC0258 both its memories
 ///     keepFlash PATH                 the memory is kept in this file, which is made when there is none: what one run of
 ///                                    a program writes, the next one reads; of a VC0258 the configuration memory
 ///     transfer N FAULT [MS]          the Nth transfer: fail, late, short, long, corrupt, or hang for MS milliseconds

@@ -13,6 +13,7 @@
 #include "plugins/simulated/controllers/vc0258_controller.h"
 #include "plugins/simulated/controllers/vc0345_controller.h"
 #include "plugins/simulated/parameters/back_end_guid.h"
+#include "plugins/simulated/parameters/parameter_table.h"
 #include "support/plugin_failure.h"
 
 namespace Testing {
@@ -122,6 +123,15 @@ TEST_P(SimulatedParameters, RangeFollowsTheModulationFrequency) {
     EXPECT_FALSE(parameters->getParameterRange(ParameterType_RANGE));
     EXPECT_EQ(failure([&] { parameters->write(ParameterType_RANGE, 1.0F); }).second,
               "Failed to write parameter");
+}
+
+TEST_P(SimulatedParameters, WithoutAModulationFrequencyThereIsNoRange) {
+    camera.setTofRegister(registerOf(ParameterType_FLOAT_2), 0);
+    EXPECT_EQ(failure([&] { static_cast<void>(parameters->getRange()); }).second, "Failed to get range");
+    EXPECT_EQ(failure([&] { static_cast<void>(parameters->getPhaseScaling()); }).second,
+              "Failed to get phase scaling");
+    parameters->write(ParameterType_FLOAT_2, 30.0F);
+    EXPECT_NEAR(parameters->getRange(), 4.9965F, 0.0001F);
 }
 
 TEST_P(SimulatedParameters, ValuesOutsideTheRangeAreRefused) {
@@ -270,6 +280,49 @@ TEST(SimulatedParametersOfAVC0258, LeaveTheByteOrderToWhoeverSetIt) {
             << "not exchanged in the controller either";
         EXPECT_EQ(controller.bridge().value(VCBridgeRegisters::lastByteOrder), order);
     }
+}
+
+/// A bridge whose byte order somebody else turns over, right after it was asked for.
+struct RestlessBridge {
+    ControllerPort& camera;
+    int turns; ///< still to come
+
+    static ErrorCode get(void* self, unsigned short unit, unsigned int selector, unsigned char* data,
+                         unsigned int length) {
+        auto& bridge = *static_cast<RestlessBridge*>(self);
+        const ErrorCode code = Testing::get(&bridge.camera, unit, selector, data, length);
+        if (unit == 4 && selector == 4 && bridge.turns > 0) {
+            --bridge.turns;
+            const std::uint8_t turned[] = {0x20, 0x39, 0xB4, static_cast<std::uint8_t>(data[3] ^ 1)};
+            bridge.camera.set(4, 4, turned, sizeof turned);
+        }
+        return code;
+    }
+    static ErrorCode set(void* self, unsigned short unit, unsigned int selector, unsigned char* data,
+                         unsigned int length) {
+        return Testing::set(&static_cast<RestlessBridge*>(self)->camera, unit, selector, data, length);
+    }
+};
+
+TEST(SimulatedParametersOfAVC0258, AreWholeThoughTheByteOrderChangesMeanwhile) {
+    ControllerPort camera(std::make_unique<VC0258Controller>(VC0258Controller::Settings()));
+    camera.select(camera.model().guid());
+    RestlessBridge bridge{camera, 0};
+    const Interpreter parameters = LibraryParameterInterpreter::create(parameterBackEndGuid);
+    parameters->initialize(&bridge, RestlessBridge::set, RestlessBridge::get, {}, {});
+    for (int turns = 0; turns < 4; ++turns) {
+        bridge.turns = turns;
+        parameters->write(ParameterType_INT_15, 0x1234 + turns);
+        EXPECT_EQ(camera.tofRegister(0x5F), 0x1234 + turns);
+        bridge.turns = turns;
+        int value = 0;
+        parameters->read(ParameterType_INT_15, &value);
+        EXPECT_EQ(value, 0x1234 + turns);
+    }
+    bridge.turns = 1'000'000;
+    EXPECT_EQ(failure([&] { parameters->write(ParameterType_INT_15, 1); }).second,
+              "Failed to write parameter")
+        << "nobody waits for ever";
 }
 
 TEST(SimulatedParametersOfOddCameras, AreRefused) {

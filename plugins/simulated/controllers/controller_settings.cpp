@@ -39,22 +39,32 @@ std::unique_ptr<ControllerModel> makeOV0570(const ControllerSettings& wanted) {
     return std::make_unique<OV0570Controller>(std::move(settings));
 }
 
-template<typename Model>
-std::unique_ptr<ControllerModel> makeWithFlash(const ControllerSettings& wanted) {
-    typename Model::Settings settings;
+/// Of its two memories both begin with the bytes of the file.
+std::unique_ptr<ControllerModel> makeVC0258(const ControllerSettings& wanted) {
+    VC0258Controller::Settings settings;
+    if (!wanted.flash.empty()) {
+        settings.flash = readFlash(wanted.flash);
+        settings.configuration = settings.flash;
+    }
+    settings.flashFile = wanted.keptFlash;
+    return std::make_unique<VC0258Controller>(std::move(settings));
+}
+
+std::unique_ptr<ControllerModel> makeVC0345(const ControllerSettings& wanted) {
+    VC0345Controller::Settings settings;
     if (!wanted.flash.empty()) {
         settings.flash = readFlash(wanted.flash);
     }
     settings.flashFile = wanted.keptFlash;
-    return std::make_unique<Model>(std::move(settings));
+    return std::make_unique<VC0345Controller>(std::move(settings));
 }
 
 std::unique_ptr<ControllerModel> makeModel(const ControllerSettings& wanted) {
     switch (*wanted.chip) {
     case ChipKind::VC0258:
-        return makeWithFlash<VC0258Controller>(wanted);
+        return makeVC0258(wanted);
     case ChipKind::VC0345:
-        return makeWithFlash<VC0345Controller>(wanted);
+        return makeVC0345(wanted);
     default:
         return makeOV0570(wanted);
     }

@@ -20,7 +20,7 @@ public:
         return static_cast<std::uint16_t>(chip.getTOFControllerRegisterLocked(address));
     }
     [[nodiscard]] std::vector<std::uint8_t> readMemory(std::uint32_t address, std::uint32_t length) override {
-        return chip.getUSBBackendFirmwareLocked(address, length);
+        return chip.getUSBBackendConfigurationLocked(address, length);
     }
     [[nodiscard]] std::uint32_t bridgeVersion() override { return chip.getUSBBackendFirmwareVersionLocked(); }
     [[nodiscard]] std::uint16_t tofVersion() override {

@@ -31,7 +31,7 @@ public:
     /// A register of the time-of-flight controller.
     [[nodiscard]] virtual std::uint16_t readRegister(std::uint32_t address) = 0;
 
-    /// Bytes of the camera's memory.
+    /// Bytes of the camera's configuration memory, in which the storage lies.
     [[nodiscard]] virtual std::vector<std::uint8_t> readMemory(std::uint32_t address,
                                                                std::uint32_t length) = 0;
 
