@@ -193,6 +193,19 @@ TEST_F(DescriptorStore, AWrongDescriptionIsRefusedWithFileLineAndField) {
         {"profile 0", "\"profile\": 1", "\"profile\": 0", "nodes[0].profiles[0].profile: must be a whole"},
         {"frame format", "\"QVGA\"", "\"HUGE\"", "nodes[0].modes[0].frameFormat: 'HUGE' is none of"},
         {"no number", "\"fx\": 252.5", "\"fx\": 1e99", "depthIntrinsics[0].fx: is too great"},
+        {"no number at all", "\"fx\": 252.5", "\"fx\": 1e999",
+         "line 48, nodes[0].depthIntrinsics[0].fx: number overflow"},
+        {"no number in a list", "[1, 0, 0, 0, 1, 0, 0, 0, 1]", "[1, 0, 1e999]",
+         "nodes[0].extrinsics.rotation[2]: number overflow"},
+        {"negative", "\"revision\": 1,", "\"revision\": -1,", "line 9, revision: must be a whole number"},
+        {"past 64 bits", "\"flags\": 1,", "\"flags\": 18446744073709551616,",
+         "flags: must be a whole number from 0 to 18446744073709551615"},
+        {"no digits", "\"0xFFFE\"", "\"0x\"", "line 7, vendorId: must be a whole number"},
+        {"null", "\"nodes\": [", "\"nodes\": null, \"more\": [", "nodes: must be a list"},
+        {"past the memory", "\"address\": 0, \"size\": \"0x4000\"", "\"address\": 1, \"size\": \"0x10000\"",
+         "nodes[0].romElements[0].size: must be a whole number from 0 to 65535"},
+        {"same mode", "\"frameRate\": 60, \"cameraMode\": 1", "\"frameRate\": 60, \"cameraMode\": 0",
+         "nodes[0].modes[1]: the mode DEFF2FR60CM0S0 stands there twice"},
     };
     for (const auto& row : rows) {
         const std::vector<std::string> found = complaints(changed(shipped("ov0570"), row.from, row.to));
@@ -206,12 +219,35 @@ TEST_F(DescriptorStore, HostileTextsAreRefused) {
     EXPECT_THAT(complaints(""), SizeIs(1));
     EXPECT_THAT(complaints(std::string(1 << 20, '[')), ElementsAre(HasSubstr("nested deeper than 32")));
     EXPECT_THAT(complaints("{\"model\": \"\xFF\"}"), ElementsAre(HasSubstr("line 1: ")));
+    std::string crowd = "{\"0\": 0";
+    for (int i = 1; i < 200'000; ++i)
+        crowd += ", \"" + std::to_string(i) + "\": 0";
+    EXPECT_THAT(complaints(crowd + "}"), ElementsAre(HasSubstr("more than 1024 members")));
     const std::string whole = shipped("vc0345");
     const TestSupport::LogCapture log;
     for (std::size_t length = 0; length < whole.size() - 2; length += 97) {
         describe({{"camera.json", whole.substr(0, length)}});
         EXPECT_FALSE(select(0x0345, 0)) << length;
     }
+}
+
+TEST_F(DescriptorStore, EveryDamageIsRefusedOrHarmless) {
+    const std::string whole = shipped("ov0570");
+    const TestSupport::LogCapture log;
+    std::size_t refused = 0;
+    for (std::size_t position = 0; position < whole.size(); position += 3) {
+        for (const char character : {'{', ']', ',', '"', '-', '9', 'x', '\0'}) {
+            std::string damaged = whole;
+            damaged[position] = character;
+            try {
+                static_cast<void>(Simulated::readDescription(damaged, "camera.json"));
+            } catch (const Plugin::ConfigurationPluginException& failure) {
+                EXPECT_EQ(failure.message().rfind("camera.json, line ", 0), 0U) << failure.message();
+                ++refused;
+            }
+        }
+    }
+    EXPECT_GT(refused, whole.size());
 }
 
 TEST_F(DescriptorStore, OneWrongDescriptionLeavesTheOthers) {
@@ -222,13 +258,15 @@ TEST_F(DescriptorStore, OneWrongDescriptionLeavesTheOthers) {
               {"c.json", changed(whole, "0x0258", "0x0259")},
               {"d.json", changed(whole, "\"ZS258\"", "\"ZS259\"")},
               {"e.txt", "not looked at"},
-              {"f.json", shipped("vc0345")}});
+              {"f.json", shipped("vc0345")},
+              {"g.json", changed(shipped("ov0570"), "\"SIM0570\"", "\"SIM0345\"")}});
     EXPECT_TRUE(select(0x0258, 0));
     EXPECT_TRUE(select(0x0345, 0));
     EXPECT_FALSE(select(0x0259, 0));
     EXPECT_THAT(log.warnings(), ElementsAre(HasSubstr("a.json, line 1: "),
                                             HasSubstr("c.json, line 3, model: 'ZS258' is described by"),
-                                            HasSubstr("d.json, line 8, productId: ")));
+                                            HasSubstr("d.json, line 8, productId: "),
+                                            HasSubstr("g.json, line 6, serialNumber: 'SIM0345' belongs to")));
 }
 
 } // namespace

@@ -159,6 +159,10 @@ void requireNew(const CameraDescription& camera, const std::vector<CameraDescrip
             throw Plugin::ConfigurationPluginException(
                 Format("%, line %, productId: % describes a camera with the same identifiers") %
                 camera.source % camera.hardwareLine % other.source);
+        if (other.serialNumber == camera.serialNumber)
+            throw Plugin::ConfigurationPluginException(
+                Format("%, line %, serialNumber: '%' belongs to the camera of %") % camera.source %
+                camera.serialLine % camera.serialNumber % other.source);
     }
 }
 
@@ -199,7 +203,9 @@ CameraDescription readDescription(const std::string& text, const std::string& so
         camera.vendorName = field->text();
     if (const auto field = fields.find("productName"))
         camera.productName = field->text();
-    camera.serialNumber = fields.need("serialNumber").name();
+    const JsonValue serialNumber = fields.need("serialNumber");
+    camera.serialNumber = serialNumber.name();
+    camera.serialLine = serialNumber.line();
     camera.device = readDevice(fields);
     if (const auto field = fields.find("hardwareVersion"))
         camera.hardwareVersion = readHardwareVersion(*field);

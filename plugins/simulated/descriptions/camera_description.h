@@ -55,6 +55,7 @@ struct CameraDescription {
     std::string source; ///< the file
     int modelLine = 1;
     int hardwareLine = 1;
+    int serialLine = 1;
     std::string model;
     std::string vendorName;
     std::string productName;

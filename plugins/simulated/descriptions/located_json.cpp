@@ -15,6 +15,7 @@ namespace {
 using Utils::Format;
 
 constexpr std::size_t deepest = 32;
+constexpr std::size_t mostMembers = 1024; // each one is compared with all before it
 
 /// How far the parser has read.
 struct ReadPosition {
@@ -83,21 +84,44 @@ public:
         const auto same = [&name](const LocatedJson& member) { return member.name == name; };
         if (std::any_of(members.begin(), members.end(), same))
             fail(Format("'%' stands there twice") % name);
+        if (members.size() == mostMembers)
+            fail(Format("an object has more than % members") % mostMembers);
         members.emplace_back().name = name;
         return true;
     }
 
     bool parse_error(std::size_t, const std::string&, const nlohmann::json::exception& error) override {
-        // "[json.exception.parse_error.101] parse error at line 1, column 2: REASON"
         const std::string text = error.what();
+        // "[json.exception.out_of_range.406] REASON", for a number that is too great
+        const std::size_t tag = text.find("] ");
+        // "[json.exception.parse_error.101] parse error at line 1, column 2: REASON"
         const std::size_t column = text.find("column");
-        const std::size_t reason = text.find(": ", column == std::string::npos ? 0 : column);
+        if (column == std::string::npos && tag != std::string::npos)
+            fail(text.substr(tag + 2), openField());
+        const std::size_t reason = text.find(": ", column);
         fail(reason == std::string::npos ? text : text.substr(reason + 2));
     }
 
 private:
-    [[noreturn]] void fail(const std::string& reason) const {
-        throw Plugin::ConfigurationPluginException(Format("%, line %: %") % source % position.line % reason);
+    [[noreturn]] void fail(const std::string& reason, const std::string& field = {}) const {
+        const std::string where = Format("%, line %") % source % position.line;
+        throw Plugin::ConfigurationPluginException(where + (field.empty() ? ": " : ", " + field + ": ") +
+                                                   reason);
+    }
+
+    /// Where the value that is being read stands: "nodes[0].interfaceNumber".
+    [[nodiscard]] std::string openField() const {
+        std::string path;
+        for (const LocatedJson* container : containers) {
+            const std::vector<LocatedJson>& items = container->items;
+            // In a list its last element is open; where no container is open in it, the next one is meant.
+            const bool isLast = container == containers.back();
+            if (container->kind == LocatedJson::Kind::List)
+                path += Format("[%]") % (isLast ? items.size() : items.size() - 1);
+            else if (!items.empty())
+                path += (path.empty() ? "" : ".") + items.back().name;
+        }
+        return path;
     }
 
     /// A number ends with the first character after it, which may be a line's end.
@@ -111,13 +135,13 @@ private:
     LocatedJson& add(LocatedJson::Kind kind) { return add(kind, position.line); }
 
     LocatedJson& add(LocatedJson::Kind kind, int line) {
-        LocatedJson& added = place();
+        LocatedJson& added = next();
         added.kind = kind;
         added.line = line;
         return added;
     }
 
-    LocatedJson& place() {
+    LocatedJson& next() {
         if (containers.empty())
             return root;
         LocatedJson& parent = *containers.back();

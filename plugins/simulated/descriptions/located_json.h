@@ -29,8 +29,8 @@ struct LocatedJson {
 };
 
 /// \param source names the text in messages
-/// \throws Plugin::ConfigurationPluginException "SOURCE, line N: ..." for a text that is no JSON, names a member
-///         of an object twice, or is nested deeper than 32 values
+/// \throws Plugin::ConfigurationPluginException "SOURCE, line N, FIELD: REASON" for a text that is no JSON, names a
+///         member of an object twice, has more than 1024 members in one, or is nested deeper than 32 values
 [[nodiscard]] LocatedJson parseLocatedJson(const std::string& text, const std::string& source);
 
 } // namespace Zentara::Simulated

@@ -1,6 +1,7 @@
 #include "plugins/simulated/descriptions/profile_reader.h"
 
 #include <limits>
+#include <utility>
 
 #include <zentara/utils/format.h>
 
@@ -14,6 +15,7 @@ using Utils::makeRefcounted;
 
 constexpr std::uint64_t anyWord = std::numeric_limits<std::uint64_t>::max();
 constexpr std::size_t cameraModes = 2;
+constexpr std::uint64_t memoryBytes = 0x10000; // of every controller
 
 float numberOr0(JsonFields& fields, const char* name) {
     const auto field = fields.find(name);
@@ -55,8 +57,9 @@ std::unordered_map<std::uint64_t, ROMElement> readRomElements(const JsonValue& l
         JsonFields fields(value);
         const JsonValue id = fields.need("id");
         ROMElement element;
-        element.address = fields.need("address").word();
-        element.size = fields.need("size").word();
+        element.address = static_cast<std::uint32_t>(fields.need("address").whole(0, memoryBytes));
+        element.size =
+            static_cast<std::uint32_t>(fields.need("size").whole(0, memoryBytes - element.address));
         if (!elements.emplace(id.whole(0, anyWord), element).second)
             id.fail("stands there twice");
         fields.finish();
@@ -197,6 +200,16 @@ Utils::SmartPtr<AudioConfiguration> readAudioMode(JsonFields& fields) {
     return makeRefcounted<AudioConfiguration>(channels, bits, readCount(fields, "sampleRate", 1'000'000));
 }
 
+/// A node finds its modes by their names.
+template<typename Mode>
+void addMode(std::vector<Utils::SmartPtr<Mode>>& modes, Utils::SmartPtr<Mode> mode, const JsonValue& value) {
+    for (const auto& other : modes) {
+        if (other->getName() == mode->getName())
+            value.fail(Format("the mode % stands there twice") % mode->getName());
+    }
+    modes.push_back(std::move(mode));
+}
+
 void readModes(const JsonValue& list, NodeType type, ProfileDescription& profile) {
     profile.depthModes.clear();
     profile.colorModes.clear();
@@ -204,11 +217,11 @@ void readModes(const JsonValue& list, NodeType type, ProfileDescription& profile
     for (const JsonValue& value : list.list()) {
         JsonFields fields(value);
         if (type == NodeType_DEPTH)
-            profile.depthModes.push_back(readDepthMode(fields));
+            addMode(profile.depthModes, readDepthMode(fields), value);
         else if (type == NodeType_COLOR)
-            profile.colorModes.push_back(readColorMode(fields));
+            addMode(profile.colorModes, readColorMode(fields), value);
         else
-            profile.audioModes.push_back(readAudioMode(fields));
+            addMode(profile.audioModes, readAudioMode(fields), value);
         fields.finish();
     }
 }
