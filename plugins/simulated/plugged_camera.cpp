@@ -29,8 +29,9 @@ std::string PluggedCamera::attach(const NodeEvent& node) {
     auto found = std::make_unique<SimulatedBus>();
     const SimulatedBus::Camera* camera = found->find(node.parentPath);
     if (camera == nullptr)
-        throw Plugin::IOPluginException(Format("initialize: no camera is plugged in as '%'") %
-                                        node.parentPath);
+        throw Plugin::IOPluginException(Format("initialize: no camera is plugged in as '%'%") %
+                                        node.parentPath %
+                                        (found->error().empty() ? "" : "; " + found->error()));
     bus = std::move(found);
     path = node.parentPath;
     nextLook = nowMicros() + lookMicros;

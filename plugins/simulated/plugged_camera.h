@@ -17,7 +17,8 @@ class PluggedCamera {
 public:
     /// Finds the camera of a node. One that did not come from the simulated bus has none, and nothing ever happens to it.
     /// \return how the camera is set, in the words of Settings
-    /// \throws Plugin::IOPluginException "initialize: no camera is plugged in as 'PATH'"
+    /// \throws Plugin::IOPluginException "initialize: no camera is plugged in as 'PATH'", and what is wrong with the
+    ///         bus if something is
     std::string attach(const NodeEvent& node);
 
     /// Whether the camera was pulled out; looks at most ten times a second. A camera that comes back is another one.
