@@ -21,20 +21,25 @@ using Utils::Format;
 using Zentara::Plugin::ArgumentPluginException;
 using Zentara::Plugin::ConfigurationPluginException;
 using Zentara::Plugin::InvalidOperationPluginException;
-using Zentara::Plugin::PluginException;
 
 std::vector<Mode> modesOf(const Core::DescriptorStoreRO& store, IO::VideoDeviceProxy& device) {
     std::vector<Mode> modes = store.getColorConfigurations();
     if (modes.empty())
         device.getConfigurations(modes);
+    std::erase(modes, Mode());
     return modes;
+}
+
+/// Each control has a bit of its own, but a device may have more controls than there are bits.
+bool isNamed(std::uint64_t flags, CameraControlsEnum control) {
+    return control >= 0 && control < 64 && (flags >> control & 1) != 0;
 }
 
 CameraControlRanges rangesOf(const Core::DescriptorStoreRO& store, IO::VideoDeviceProxy& device) {
     CameraControlRanges ranges;
     device.getCameraControlRanges(ranges);
     const std::uint64_t flags = store.getCameraControlsFlags();
-    std::erase_if(ranges.ranges, [flags](const auto& range) { return (flags >> range.first & 1) == 0; });
+    std::erase_if(ranges.ranges, [flags](const auto& range) { return !isNamed(flags, range.first); });
     return ranges;
 }
 
@@ -102,7 +107,7 @@ void SimulatedColorNode::enableStreaming(Mode configuration) {
     try {
         present.commands.start(nullptr);
         present.device.enableStreaming(configuration, present.controls);
-    } catch (const PluginException&) {
+    } catch (...) {
         stop();
         throw;
     }
