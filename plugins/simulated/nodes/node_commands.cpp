@@ -3,7 +3,6 @@
 #include <zentara/plugin/plugin_exceptions.h>
 
 #include "plugins/simulated/descriptions/controller_code.h"
-#include "plugins/simulated/nodes/attempt.h"
 
 namespace Zentara::Simulated {
 namespace {
@@ -25,13 +24,8 @@ NodeCommands::NodeCommands(Core::DescriptorStoreRO& store, IO::VideoDeviceProxy&
       postCommon(copyOf(store.getPostCommonSettings())), stopCommon(copyOf(store.getStopCommonSettings())) {}
 
 void NodeCommands::start(const Core::RequestList* specific) {
-    try {
-        target->send(&preCommon);
-        change(specific);
-    } catch (const Plugin::PluginException&) {
-        attempt([this] { stop(); });
-        throw;
-    }
+    target->send(&preCommon);
+    change(specific);
 }
 
 void NodeCommands::change(const Core::RequestList* specific) {

@@ -16,8 +16,7 @@ public:
     ///         the chip throws
     NodeCommands(Core::DescriptorStoreRO& store, IO::VideoDeviceProxy& proxy);
 
-    /// Sends the pre-common commands, the mode's and the post-common ones. If one fails, those for the stop are sent as
-    /// far as the camera takes them, and the failure passes.
+    /// Sends the pre-common commands, the mode's and the post-common ones, up to the first that fails.
     /// \param specific null for none
     void start(const Core::RequestList* specific);
 

@@ -80,7 +80,7 @@ void SensorPoll::configure(Operations newOperations) {
     const AutoLock hold(lock);
     operations = std::move(newOperations);
     lastTemperatures.values.clear();
-    accelerationRead = false;
+    lastAccelerations.clear();
 }
 
 void SensorPoll::poll(NodeChip& chip, std::int64_t frameMicros) {
@@ -105,14 +105,20 @@ void SensorPoll::read(NodeChip& chip, Core::PeriodicOperation& operation) {
     if (const auto* temperature = dynamic_cast<const Core::TemperaturePeriodicOperation*>(&operation)) {
         const SensorValueArray readings = readTemperatureSensor(chip, temperature->getRegAddress());
         const AutoLock hold(lock);
-        store(readings.values.front());
+        if (isConfigured(operation))
+            store(readings.values.front());
     } else if (const auto* accelerometer =
                    dynamic_cast<const Core::AccelerometerPeriodicOperation*>(&operation)) {
         const AccelerationInternal reading = readAccelerationSensor(chip, accelerometer->getRegAddress());
         const AutoLock hold(lock);
-        lastAcceleration = reading;
-        accelerationRead = true;
+        if (isConfigured(operation))
+            lastAccelerations[&operation] = reading;
     }
+}
+
+bool SensorPoll::isConfigured(const Core::PeriodicOperation& operation) const {
+    return std::any_of(operations.begin(), operations.end(),
+                       [&operation](const auto& configured) { return configured.get() == &operation; });
 }
 
 void SensorPoll::store(const SensorValue& reading) {
@@ -130,11 +136,12 @@ SensorValueArray SensorPoll::temperatures() {
     return lastTemperatures;
 }
 
-bool SensorPoll::acceleration(AccelerationInternal& result) {
+bool SensorPoll::acceleration(const Core::PeriodicOperation& operation, AccelerationInternal& result) {
     const AutoLock hold(lock);
-    if (accelerationRead)
-        result = lastAcceleration;
-    return accelerationRead;
+    const auto found = lastAccelerations.find(&operation);
+    if (found != lastAccelerations.end())
+        result = found->second;
+    return found != lastAccelerations.end();
 }
 
 } // namespace Zentara::Simulated

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <vector>
 
 #include <zentara/acceleration_internal.h>
@@ -26,7 +27,8 @@ class SensorPoll {
 public:
     using Operations = std::vector<Utils::SmartPtr<Core::PeriodicOperation>>;
 
-    /// Replaces the readings to be made; null ones are left out. What was read is forgotten.
+    /// Replaces the readings to be made; null ones are left out. What was read is forgotten, and so is what another
+    /// thread is reading.
     void configure(Operations newOperations);
 
     /// Makes the readings that are due at a frame's time. One that fails is tried again when it is due the next time.
@@ -34,18 +36,19 @@ public:
 
     /// The last temperatures, by sensor; none if none was read.
     [[nodiscard]] SensorValueArray temperatures();
-    /// False, with the result unchanged, if none was read.
-    [[nodiscard]] bool acceleration(AccelerationInternal& result);
+    /// The last reading of that operation. False, with the result unchanged, if none was made.
+    [[nodiscard]] bool acceleration(const Core::PeriodicOperation& operation, AccelerationInternal& result);
 
 private:
     void read(NodeChip& chip, Core::PeriodicOperation& operation);
+    [[nodiscard]] bool isConfigured(const Core::PeriodicOperation& operation) const ZENTARA_REQUIRES(lock);
     void store(const SensorValue& reading) ZENTARA_REQUIRES(lock);
 
     Utils::Threading::Mutex lock; ///< not held while the camera is asked
     Operations operations ZENTARA_GUARDED_BY(lock);
     SensorValueArray lastTemperatures ZENTARA_GUARDED_BY(lock);
-    AccelerationInternal lastAcceleration ZENTARA_GUARDED_BY(lock);
-    bool accelerationRead ZENTARA_GUARDED_BY(lock) = false;
+    /// By operation; all of them are configured.
+    std::map<const Core::PeriodicOperation*, AccelerationInternal> lastAccelerations ZENTARA_GUARDED_BY(lock);
 };
 
 } // namespace Zentara::Simulated

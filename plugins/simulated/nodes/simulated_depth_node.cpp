@@ -66,14 +66,14 @@ struct SimulatedDepthNode::Camera {
           calibration(std::make_unique<StoredCalibration>(&store, serialNumber, StoredObjects())) {}
 
     /// The node's own mode of that name, for its commands.
-    [[nodiscard]] Mode find(const Mode& wanted) const {
+    [[nodiscard]] Mode find(const Mode& wanted, const char* operation) const {
         if (!wanted)
-            throw ArgumentPluginException("enableStreaming: the configuration is null");
+            throw ArgumentPluginException(Format("%: the configuration is null") % operation);
         for (const Mode& mode : known) {
             if (mode->getName() == wanted->getName())
                 return mode;
         }
-        throw ConfigurationPluginException(Format("enableStreaming: the camera has no mode %") %
+        throw ConfigurationPluginException(Format("%: the camera has no mode %") % operation %
                                            wanted->getName());
     }
 
@@ -149,12 +149,12 @@ void SimulatedDepthNode::enableStreaming(Mode configuration) {
     Camera& present = require("enableStreaming");
     if (present.running)
         throw InvalidOperationPluginException("enableStreaming: the node streams already; disable it first");
-    const Mode mode = present.find(configuration);
+    const Mode mode = present.find(configuration, "enableStreaming");
     present.select(mode);
     try {
         present.commands.start(&mode->getCommands());
         present.device.enableStreaming(mode);
-    } catch (const PluginException&) {
+    } catch (...) {
         stop();
         throw;
     }
@@ -188,7 +188,7 @@ void SimulatedDepthNode::setConfiguration(Mode configuration) {
     Camera& present = require("setConfiguration");
     if (!present.running)
         throw InvalidOperationPluginException("setConfiguration: the node does not stream");
-    const Mode mode = present.find(configuration);
+    const Mode mode = present.find(configuration, "setConfiguration");
     if (mode->getFrameFormat() != present.running->getFrameFormat() ||
         mode->getFramerate() != present.running->getFramerate())
         throw ConfigurationPluginException(
@@ -221,7 +221,8 @@ void SimulatedDepthNode::setDiagnosticData(DiagnosticData data) {
 
 SensorValueArray SimulatedDepthNode::readTemperatures() {
     Camera& present = require("readTemperatures");
-    SensorValueArray readings = present.sensors.temperatures();
+    const SensorValueArray readings =
+        present.running ? present.sensors.temperatures() : SensorValueArray(); // else they are old
     return readings.empty() ? readTemperatureSensors(present.commands.chip()) : readings;
 }
 
@@ -229,6 +230,9 @@ AccelerationInternal SimulatedDepthNode::readAccelerometer(Core::AccelerometerPe
     Camera& present = require("readAccelerometer");
     if (operation == nullptr)
         throw ArgumentPluginException("readAccelerometer: the operation is null");
+    AccelerationInternal polled;
+    if (present.running && present.sensors.acceleration(*operation, polled))
+        return polled;
     return readAccelerationSensor(present.commands.chip(), operation->getRegAddress());
 }
 
@@ -325,9 +329,11 @@ ReadBufferStatus SimulatedDepthNode::readBuffer(void* buffer, int size, std::int
     int bytes = 0;
     const ReadBufferStatus status = present.device.readBuffer(
         present.delivered.data(), static_cast<int>(present.delivered.size()), timestamp, &bytes);
-    if (status != ReadBufferStatus_OK)
+    // The caller's buffer suffices: it is the camera whose frames are too long.
+    if (status != ReadBufferStatus_OK && status != ReadBufferStatus_TOO_SMALL)
         return status;
-    if (!makeDepthFrame(present.delivered.data(), static_cast<std::size_t>(bytes),
+    if (status == ReadBufferStatus_TOO_SMALL ||
+        !makeDepthFrame(present.delivered.data(), static_cast<std::size_t>(bytes),
                         static_cast<std::uint8_t*>(buffer)))
         throw IOPluginException(Format("readBuffer: % bytes from the camera are no frame") % bytes);
     present.sensors.poll(present.commands.chip(), *timestamp);

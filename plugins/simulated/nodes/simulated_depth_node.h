@@ -27,6 +27,7 @@ public:
     void
     configurePeriodicOperations(std::vector<Utils::SmartPtr<Core::PeriodicOperation>> operations) override;
 
+    /// One that fails leaves the camera stopped.
     /// \throws Plugin::ConfigurationPluginException for a mode that `getConfigurations` does not list by its name,
     ///         Plugin::InvalidOperationPluginException while it streams
     void enableStreaming(Utils::SmartPtr<DepthBaseConfiguration> configuration) override;
@@ -46,11 +47,13 @@ public:
     void process(Utils::SmartPtr<IO::xuRequest> request) override;
     void setDiagnosticData(DiagnosticData data) override;
 
-    /// What the periodic operations have read last, or if they have not, the sensors now.
+    /// While it streams, what the periodic operations have read last; if there is nothing, the sensors now.
     [[nodiscard]] SensorValueArray readTemperatures() override;
+    /// While it streams, the last reading of the operation if it is a periodic one; else the sensor now.
     /// \throws Plugin::ArgumentPluginException for null
     [[nodiscard]] AccelerationInternal
     readAccelerometer(Core::AccelerometerPeriodicOperation* operation) override;
+    /// The sensor now. \throws Plugin::ArgumentPluginException for null
     [[nodiscard]] SensorValueArray readTemperature(Core::TemperaturePeriodicOperation* operation) override;
     [[nodiscard]] float getRange() override;
     [[nodiscard]] FrameFormat getDVPFrameMode() override;
