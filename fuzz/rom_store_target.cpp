@@ -37,6 +37,7 @@ private:
 };
 
 constexpr std::uint32_t CHUNK_SIZES[] = {1, 16, 32, 64, 100, 256, 300, 5000};
+constexpr int MOST_STEPS = 32; ///< each is checked by loading all anew: more would cost runs rather than find more
 constexpr std::uint32_t SECTION_OVERHEAD = 13 + 10; // section and block header
 
 class Run {
@@ -49,7 +50,7 @@ public:
     void all() {
         if (!format())
             return;
-        for (int steps = 0; steps < 64 && !input.empty(); ++steps)
+        for (int steps = 0; steps < MOST_STEPS && !input.empty(); ++steps)
             if (!step())
                 return;
     }
