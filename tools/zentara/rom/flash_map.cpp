@@ -76,9 +76,11 @@ FlashMap::FlashMap(const FlashImage& image, const RomSurvey& survey) : area(imag
             continue;
         }
         const auto above = places.upper_bound(block.address);
-        const std::uint64_t end = above == places.end() ? area.end() : *above;
-        add(RegionKind::Slack, block.address, std::min(block.chunkBytes, end - block.address),
-            "rest of a chunk", '-');
+        const std::uint64_t end = std::uint64_t{block.address} + block.allocatedSize;
+        const std::uint64_t rest =
+            std::min(block.address + block.chunkBytes, above == places.end() ? area.end() : *above);
+        if (end < rest)
+            add(RegionKind::Slack, end, rest - end, "rest of a chunk", '-');
         if (block.isContainerHeader)
             add(RegionKind::Container, block.address, block.allocatedSize, "container header", 'C');
         else if (block.section)
@@ -172,7 +174,14 @@ std::string FlashMap::svg() const {
         svg += Format("<text x=\"8\" y=\"%\">0x%{:x8}</text>\n") %
                decimalText(5 + ROW * static_cast<double>(row) + 14) %
                static_cast<std::uint32_t>(area.start + row * rowBytes);
-    draw(0, area.size, colorOf(RegionKind::Free, '.'), "free");
+    std::uint64_t end = 0;
+    for (const Region& region : all) {
+        const std::uint64_t begin = region.address - area.start;
+        if (begin > end)
+            draw(end, begin, colorOf(RegionKind::Free, '.'), "free");
+        end = std::max(end, begin + region.length);
+    }
+    draw(end, area.size, colorOf(RegionKind::Free, '.'), "free");
     for (RegionKind kind = RegionKind::Slack; kind <= RegionKind::Damaged;
          kind = static_cast<RegionKind>(static_cast<int>(kind) + 1))
         for (const Region& region : all)

@@ -229,8 +229,8 @@ ExitCode RomWriter::write(const FlashImage& before, const PlannedWrite& plan) {
         return ExitCode_DONE;
     }
     if (plan.takesAway && !options.yes) {
-        console.err << "zentara rom " << verb << ": " << target.name()
-                    << " would lose something of before:\n";
+        console.err << "zentara rom " << verb << ": nothing was written to " << target.name()
+                    << " yet; what would become of it:\n";
         for (const std::string& change : plan.changes)
             console.err << "  " << change << '\n';
         console.err << "--yes does it, --dry-run only tries it\n";
