@@ -2,22 +2,21 @@
 
 #include <zentara/utils/mutex.h>
 
+#include "utils/immortal.h"
 #include "utils/platform/device_notification.h"
 
 namespace Zentara::Utils {
 
 namespace {
 
-/// Never destroyed, for a thread may still register while the process ends.
-Threading::Mutex& registrationLock() {
-    static Threading::Mutex& mutex = *new Threading::Mutex;
-    return mutex;
-}
+constinit Immortal<Threading::Mutex> lockStorage;
 
 } // namespace
 
+Threading::Mutex& CFGMGR32Proxy::m_lock = lockStorage.object;
+
 void* CFGMGR32Proxy::RegisterDeviceNotificationW(void* recipient, void* filter, unsigned long flags) {
-    const Threading::AutoLock lock(registrationLock());
+    const Threading::AutoLock lock(m_lock);
     return Platform::registerDeviceNotification(recipient, filter, flags);
 }
 

@@ -1,14 +1,14 @@
 #include <zentara/utils/kv_logger.h>
 
-#include <cstdio>
 #include <memory>
 
 #include <zentara/utils/logger.h>
 #include <zentara/utils/mutex.h>
-#include <zentara/utils/thread_base.h>
 
+#include "utils/immortal.h"
 #include "utils/platform/error_text.h"
 #include "utils/platform/system_log.h"
+#include "utils/thread_tag.h"
 
 namespace Zentara::Utils {
 
@@ -16,11 +16,7 @@ namespace {
 
 constexpr const char* eventSourceName = "ZentaraSDK";
 
-/// Never destroyed, for threads may log while the process ends.
-Threading::Mutex& instanceMutex() {
-    static Threading::Mutex& mutex = *new Threading::Mutex;
-    return mutex;
-}
+constinit Immortal<Threading::Mutex> instanceMutexStorage;
 
 /// False for a level that the system's log does not get.
 bool eventTypeOf(KVLogLevel level, Platform::SystemLogType& type) noexcept {
@@ -60,23 +56,23 @@ struct KVLogger::Impl {
     }
 
     void report(Platform::SystemLogType type, const std::string& message) {
-        char tag[32];
-        std::snprintf(tag, sizeof tag, "[%08lx]", Threading::ThreadBase::getCurrentThreadId());
+        const std::string tag(ThreadTag().text());
         const Threading::AutoLock lock(mutex);
         Platform::reportToSystemLog(eventSource.get(), type, tag, message);
     }
 
     Threading::Mutex mutex;                            ///< one report at a time
     std::unique_ptr<void, CloseSystemLog> eventSource; ///< null when the system's log is out of reach
-    int count = 1;                                     ///< guarded by instanceMutex()
+    int count = 1;                                     ///< guarded by m_instanceMutex
     Logger* const logger;
 };
 
 KVLogger* KVLogger::m_instance = nullptr;
+Threading::Mutex& KVLogger::m_instanceMutex = instanceMutexStorage.object;
 
 KVLogger* KVLogger::createInstance(KVLogLevel level, const char* name, const char* target) {
     const Platform::LastErrorKeeper keeper;
-    const Threading::AutoLock lock(instanceMutex());
+    const Threading::AutoLock lock(m_instanceMutex);
     if (m_instance)
         ++m_instance->impl->count;
     else
@@ -85,7 +81,7 @@ KVLogger* KVLogger::createInstance(KVLogLevel level, const char* name, const cha
 }
 
 KVLogger* KVLogger::instance() {
-    const Threading::AutoLock lock(instanceMutex());
+    const Threading::AutoLock lock(m_instanceMutex);
     if (m_instance)
         ++m_instance->impl->count;
     return m_instance;
@@ -93,7 +89,7 @@ KVLogger* KVLogger::instance() {
 
 void KVLogger::release() {
     const Platform::LastErrorKeeper keeper;
-    const Threading::AutoLock lock(instanceMutex());
+    const Threading::AutoLock lock(m_instanceMutex);
     if (!m_instance || --m_instance->impl->count > 0)
         return;
     delete m_instance;

@@ -5,11 +5,12 @@
 #include <string_view>
 
 #include <zentara/utils/mutex.h>
-#include <zentara/utils/thread_base.h>
 
+#include "utils/immortal.h"
 #include "utils/platform/error_text.h"
 #include "utils/platform/files.h"
 #include "utils/platform/local_time.h"
+#include "utils/thread_tag.h"
 
 namespace Zentara::Utils {
 
@@ -18,11 +19,7 @@ namespace {
 constexpr std::size_t bannerWidth = 65;
 constexpr std::size_t timeTextSize = 200;
 
-/// Never destroyed, for threads may log while the process ends.
-Threading::Mutex& instanceMutex() {
-    static Threading::Mutex& mutex = *new Threading::Mutex;
-    return mutex;
-}
+constinit Immortal<Threading::Mutex> instanceMutexStorage;
 
 /// The labels fill their ten columns; null for a level that is never written.
 const char* labelOf(KVLogLevel level) noexcept {
@@ -101,13 +98,12 @@ struct Logger::Impl {
     }
 
     void writeLine(const char* label, std::string_view message) {
-        char tag[32];
-        std::snprintf(tag, sizeof tag, ": [%08lx]: ", Threading::ThreadBase::getCurrentThreadId());
+        const ThreadTag tag;
         const Threading::AutoLock lock(mutex);
         const std::string_view time = timeText.now();
         if (time.empty())
             return;
-        line.assign(time).append(tag).append(label).append(message).push_back('\n');
+        line.assign(time).append(": ").append(tag.text()).append(": ").append(label).append(message) += '\n';
         flushLine();
     }
 
@@ -126,10 +122,11 @@ struct Logger::Impl {
 };
 
 Logger* Logger::_instance = nullptr;
+Threading::Mutex& Logger::_instanceMutex = instanceMutexStorage.object;
 
 Logger* Logger::instance(KVLogLevel level, const char* name, const char* target) {
     const Platform::LastErrorKeeper keeper;
-    const Threading::AutoLock lock(instanceMutex());
+    const Threading::AutoLock lock(_instanceMutex);
     if (!_instance)
         _instance = new Logger(level, name, target);
     return _instance;
@@ -137,7 +134,7 @@ Logger* Logger::instance(KVLogLevel level, const char* name, const char* target)
 
 void Logger::release() {
     const Platform::LastErrorKeeper keeper;
-    const Threading::AutoLock lock(instanceMutex());
+    const Threading::AutoLock lock(_instanceMutex);
     delete _instance;
     _instance = nullptr;
 }

@@ -4,6 +4,10 @@
 
 namespace Zentara::Utils {
 
+namespace Threading {
+class Mutex;
+}
+
 /// Registers for device notifications, one caller at a time. Safe on any thread.
 class ZENTARA_API CFGMGR32Proxy {
 public:
@@ -12,6 +16,9 @@ public:
     /// The system function of the same name: the registration's handle, or null on failure. Off Windows
     /// there is no such service, and the result is always null.
     static void* RegisterDeviceNotificationW(void* recipient, void* filter, unsigned long flags);
+
+private:
+    static Threading::Mutex& m_lock;
 };
 
 } // namespace Zentara::Utils

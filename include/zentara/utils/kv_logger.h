@@ -7,6 +7,10 @@
 
 namespace Zentara::Utils {
 
+namespace Threading {
+class Mutex;
+}
+
 /// Severity of a log message; the smaller, the more severe.
 enum KVLogLevel : std::int32_t {
     KVLogLevel_OFF = 0,
@@ -61,6 +65,7 @@ private:
     KVLogger(KVLogLevel level, const char* name, const char* target);
 
     static KVLogger* m_instance;
+    static Threading::Mutex& m_instanceMutex;
 
     Impl* impl;
 };

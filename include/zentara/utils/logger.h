@@ -46,6 +46,7 @@ private:
     struct Impl;
 
     static Logger* _instance;
+    static Threading::Mutex& _instanceMutex;
 
     Impl* impl;
 };
