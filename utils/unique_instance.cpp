@@ -12,8 +12,13 @@ struct UniqueInstance::Impl {
 };
 
 UniqueInstance::UniqueInstance(const char* name) noexcept : impl(new (std::nothrow) Impl()) {
-    if (impl && name)
+    if (!impl || !name)
+        return;
+    try {
         impl->held.reset(Platform::SingleInstance::create(name, impl->existed));
+    } catch (const std::bad_alloc&) {
+        // As any name that cannot be taken, it counts as not held.
+    }
 }
 
 UniqueInstance::~UniqueInstance() = default;

@@ -1,6 +1,7 @@
 #include "utils/platform/environment.h"
 #include "utils/platform/error_text.h"
 #include "utils/platform/shared_memory.h"
+#include "utils/platform/single_instance.h"
 #include "utils/platform/thread.h"
 
 #include <gtest/gtest.h>
@@ -23,6 +24,16 @@ TEST(WindowsEnvironment, RefusalsTellTheirOwnError) {
     }
     EXPECT_TRUE(writeEnvironment("ZENTARA_TEST", std::string(32766 - 13, 'x')));
     EXPECT_TRUE(writeEnvironment("ZENTARA_TEST", ""));
+}
+
+// Something of another kind has the name: nobody can hold it, so nobody does.
+TEST(WindowsSingleInstance, ANameOfAnotherKindIsNotHeld) {
+    const std::string name = "zentara_test_" + std::to_string(currentProcessId());
+    const Owned<SharedMapping> mapping(SharedMapping::create(name, 64, true));
+    ASSERT_TRUE(mapping);
+    bool existed = true;
+    EXPECT_EQ(SingleInstance::create(name.c_str(), existed), nullptr);
+    EXPECT_FALSE(existed);
 }
 
 TEST(WindowsSharedMapping, NamesMayChooseTheirNamespace) {

@@ -17,7 +17,8 @@ public:
     /// \param size bytes to map; memory that exists with fewer makes it fail, and so does 0. Windows counts the
     ///        bytes of memory that exists in whole pages.
     /// \return null on failure.
-    static SharedMapping* create(const std::string& name, std::size_t size, bool writable) noexcept;
+    /// \throws std::bad_alloc
+    static SharedMapping* create(const std::string& name, std::size_t size, bool writable);
     static void destroy(SharedMapping* mapping) noexcept;
 
     [[nodiscard]] void* address() const noexcept;

@@ -11,7 +11,8 @@ public:
     /// \param name UTF-8.
     /// \param existed true when, and only when, somebody held the name already.
     /// \return null when the name cannot be taken; then `existed` is false.
-    static SingleInstance* create(const char* name, bool& existed) noexcept;
+    /// \throws std::bad_alloc; then `existed` is false as well.
+    static SingleInstance* create(const char* name, bool& existed);
     static void destroy(SingleInstance* instance) noexcept;
 
     SingleInstance(const SingleInstance&) = delete;

@@ -4,7 +4,7 @@
 
 #include <cerrno>
 #include <limits>
-#include <new>
+#include <memory>
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -64,11 +64,11 @@ bool isUsable(const std::string& name, std::size_t size) {
 
 } // namespace
 
-SharedMapping* SharedMapping::create(const std::string& name, std::size_t size, bool writable) noexcept {
+SharedMapping* SharedMapping::create(const std::string& name, std::size_t size, bool writable) {
     if (!isUsable(name, size))
         return nullptr;
-    std::unique_ptr<PosixMapping> mapping(new (std::nothrow) PosixMapping());
-    return mapping && mapping->open(name, size, writable) ? mapping.release() : nullptr;
+    auto mapping = std::make_unique<PosixMapping>();
+    return mapping->open(name, size, writable) ? mapping.release() : nullptr;
 }
 
 void SharedMapping::destroy(SharedMapping* mapping) noexcept { delete static_cast<PosixMapping*>(mapping); }

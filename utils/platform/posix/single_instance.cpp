@@ -3,7 +3,7 @@
 #include "utils/platform/posix/shared_object.h"
 
 #include <cstring>
-#include <new>
+#include <memory>
 #include <string>
 
 #include <unistd.h>
@@ -38,10 +38,10 @@ std::string objectName(const char* name) {
 
 } // namespace
 
-SingleInstance* SingleInstance::create(const char* name, bool& existed) noexcept {
+SingleInstance* SingleInstance::create(const char* name, bool& existed) {
     existed = false;
-    std::unique_ptr<PosixInstance> instance(new (std::nothrow) PosixInstance());
-    if (!instance || *name == '\0' || !instance->object.open(objectName(name)))
+    auto instance = std::make_unique<PosixInstance>();
+    if (*name == '\0' || !instance->object.open(objectName(name)))
         return nullptr;
     instance->object.openGate();
     existed = instance->object.wasInUse();

@@ -3,7 +3,7 @@
 #include "utils/platform/text_encoding.h"
 #include "utils/platform/windows/system.h"
 
-#include <new>
+#include <memory>
 #include <string_view>
 
 namespace Zentara::Utils::Platform {
@@ -53,11 +53,11 @@ bool isUsable(const std::string& fullName, std::size_t size) {
 
 } // namespace
 
-SharedMapping* SharedMapping::create(const std::string& name, std::size_t size, bool writable) noexcept {
+SharedMapping* SharedMapping::create(const std::string& name, std::size_t size, bool writable) {
     if (!isUsable(name, size))
         return nullptr;
-    std::unique_ptr<WindowsMapping> mapping(new (std::nothrow) WindowsMapping());
-    return mapping && mapping->open(utf8ToWideOrWidened(name), size, writable) ? mapping.release() : nullptr;
+    auto mapping = std::make_unique<WindowsMapping>();
+    return mapping->open(utf8ToWideOrWidened(name), size, writable) ? mapping.release() : nullptr;
 }
 
 void SharedMapping::destroy(SharedMapping* mapping) noexcept { delete static_cast<WindowsMapping*>(mapping); }

@@ -3,31 +3,33 @@
 #include "utils/platform/text_encoding.h"
 #include "utils/platform/windows/system.h"
 
-#include <new>
+#include <memory>
 
 namespace Zentara::Utils::Platform {
 
 namespace {
 
 struct WindowsInstance final : SingleInstance {
-    explicit WindowsInstance(HANDLE mutex) : handle(mutex) {}
-    ~WindowsInstance() { CloseHandle(handle); }
+    ~WindowsInstance() {
+        if (handle)
+            CloseHandle(handle);
+    }
 
-    const HANDLE handle;
+    HANDLE handle = nullptr;
 };
 
 } // namespace
 
-SingleInstance* SingleInstance::create(const char* name, bool& existed) noexcept {
+SingleInstance* SingleInstance::create(const char* name, bool& existed) {
     existed = false;
-    const HANDLE handle = *name ? CreateMutexW(nullptr, FALSE, utf8ToWideOrWidened(name).c_str()) : nullptr;
-    if (!handle)
+    const std::wstring wideName = utf8ToWideOrWidened(name);
+    auto instance = std::make_unique<WindowsInstance>();
+    if (!wideName.empty())
+        instance->handle = CreateMutexW(nullptr, FALSE, wideName.c_str());
+    if (!instance->handle)
         return nullptr;
     existed = GetLastError() == ERROR_ALREADY_EXISTS;
-    auto* instance = new (std::nothrow) WindowsInstance(handle);
-    if (!instance)
-        CloseHandle(handle);
-    return instance;
+    return instance.release();
 }
 
 void SingleInstance::destroy(SingleInstance* instance) noexcept {
