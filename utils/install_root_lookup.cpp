@@ -21,6 +21,11 @@ constexpr const char* developmentKitKey = "Software\\Korvalis\\ZentaraSDK-CDK";
 constexpr int kitMajor = 1;
 constexpr int kitMinor = 4;
 
+std::nullopt_t unparsedVersion() {
+    logWarning("Failed to parse version");
+    return std::nullopt;
+}
+
 /// The third number of a version text of four fields whose first two are the development kit's.
 std::optional<int> kitPatch(const std::string& version) {
     int major = 0;
@@ -28,10 +33,8 @@ std::optional<int> kitPatch(const std::string& version) {
     int patch = 0;
     char rest[2];
     // The widths keep every number inside an int.
-    if (std::sscanf(version.c_str(), "%9d.%9d.%9d.%1s", &major, &minor, &patch, rest) != 4) {
-        logWarning("Failed to parse version");
-        return std::nullopt;
-    }
+    if (std::sscanf(version.c_str(), "%9d.%9d.%9d.%1s", &major, &minor, &patch, rest) != 4)
+        return unparsedVersion();
     if (major != kitMajor || minor != kitMinor)
         return std::nullopt;
     return patch;
@@ -39,9 +42,15 @@ std::optional<int> kitPatch(const std::string& version) {
 
 std::optional<int> kitPatchInView(const std::string& store, KeyView view) {
     std::string version;
-    if (Platform::readKeyValue(store, developmentKitKey, view, "Version", version) != KeyRead::Found)
-        return std::nullopt;
-    return kitPatch(version);
+    switch (Platform::readKeyValue(store, developmentKitKey, view, "Version", version)) {
+    case KeyRead::Found:
+        return kitPatch(version);
+    case KeyRead::Unreadable:
+        return unparsedVersion();
+    case KeyRead::Missing:
+        break;
+    }
+    return std::nullopt;
 }
 
 /// The view that holds the development kit to use. With one in each, the 32-bit view must be strictly newer.

@@ -111,7 +111,11 @@ TEST_F(InstallRootTest, LogsAVersionItCannotParse) {
     const TestSupport::LogCapture log;
     installKit(KeyView::Bits64, "1.4.", "kit64");
     EXPECT_EQ(found(), "fallback/");
-    EXPECT_THAT(log.text(), HasSubstr("Failed to parse version"));
+    // One that is no text at all is no better.
+    ASSERT_TRUE(Platform::writeKeyNonText(store, kitKey, KeyView::Bits32, "Version"));
+    EXPECT_EQ(found(), "fallback/");
+    EXPECT_THAT(log.warnings(), testing::ElementsAre("Failed to parse version", "Failed to parse version",
+                                                     "Failed to parse version"));
 }
 
 TEST_F(InstallRootTest, ReportsAValueThatIsNoText) {
