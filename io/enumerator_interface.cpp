@@ -2,14 +2,11 @@
 
 #include <atomic>
 
-#include <zentara/utils/mutex.h>
 #include <zentara/utils/thread.h>
 
 #include "core/interface_version.h"
 
 namespace Zentara::IO {
-
-using Utils::Threading::AutoLock;
 
 struct EnumeratorInterface::Impl {
     explicit Impl(Runnable* work) : thread(work, nullptr, "DeviceEnumerator") {}
@@ -17,9 +14,7 @@ struct EnumeratorInterface::Impl {
     // The thread and callers of the snapshot look at both while another thread disposes.
     std::atomic<Utils::Collection::Queue<ExternalEvent>*> events = nullptr;
     std::atomic<Core::DescriptorStoreRO*> store = nullptr;
-    /// Held over start and stop, never over a wait for the thread.
-    Utils::Threading::Mutex lock;
-    Utils::Threading::Thread thread;
+    Utils::Threading::Thread thread; ///< serialises its starts and stops, and holds no lock while it waits
 };
 
 EnumeratorInterface::EnumeratorInterface(GUID guid)
@@ -45,15 +40,9 @@ void EnumeratorInterface::dispose() {
     impl->store = nullptr;
 }
 
-void EnumeratorInterface::execute() {
-    const AutoLock hold(impl->lock);
-    impl->thread.start(false);
-}
+void EnumeratorInterface::execute() { impl->thread.start(false); }
 
-void EnumeratorInterface::exit() {
-    const AutoLock hold(impl->lock);
-    Runnable::exit();
-}
+void EnumeratorInterface::exit() { Runnable::exit(); }
 
 Utils::Collection::Queue<ExternalEvent>* EnumeratorInterface::getEventQueue() const { return impl->events; }
 

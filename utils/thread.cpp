@@ -91,7 +91,24 @@ struct Thread::Impl {
         const auto present = current();
         return present && present->getState() != ThreadState_FINISHED;
     }
+    std::shared_ptr<Run> startAfter(const std::shared_ptr<ThreadBase>& former);
 };
+
+/// Starts the successor of a thread that has been joined, without the lock; null when somebody else did.
+std::shared_ptr<Thread::Run> Thread::Impl::startAfter(const std::shared_ptr<ThreadBase>& former) {
+    AutoLock hold(lock);
+    if (thread != former)
+        return nullptr;
+    exitRequested = false;
+    if (runnable)
+        runnable->forgetExitRequest();
+    auto run = std::make_shared<Run>(runnable, argument, name);
+    auto holder = std::make_unique<std::shared_ptr<Run>>(run);
+    thread = std::make_shared<ThreadBase>(&Thread::execute, holder.get(), false);
+    // The thread owns it now; had it not come to be, nobody would.
+    static_cast<void>(holder.release());
+    return run;
+}
 
 Thread::Thread(Runnable* runnable, void* argument, const char* name)
     : impl(std::make_unique<Impl>(runnable, argument)) {
@@ -103,20 +120,13 @@ Thread::~Thread() = default;
 
 void Thread::start(bool waitUntilRunning) {
     std::shared_ptr<Run> run;
-    {
-        AutoLock hold(impl->lock);
-        if (impl->thread && impl->thread->getState() != ThreadState_FINISHED)
+    while (!run) {
+        const std::shared_ptr<ThreadBase> former = impl->current();
+        if (former && former->getState() != ThreadState_FINISHED)
             return;
-        if (impl->thread)
-            impl->thread->join();
-        impl->exitRequested = false;
-        if (impl->runnable)
-            impl->runnable->forgetExitRequest();
-        run = std::make_shared<Run>(impl->runnable, impl->argument, impl->name);
-        auto holder = std::make_unique<std::shared_ptr<Run>>(run);
-        impl->thread = std::make_shared<ThreadBase>(&Thread::execute, holder.get(), false);
-        // The thread owns it now; had it not come to be, nobody would.
-        static_cast<void>(holder.release());
+        if (former)
+            former->join();
+        run = impl->startAfter(former);
     }
     if (waitUntilRunning)
         run->entered.wait();

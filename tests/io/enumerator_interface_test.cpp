@@ -82,6 +82,17 @@ TEST_F(EnumeratorTest, AFinishedThreadIsReplaced) {
         EXPECT_EQ(run, nextEvent());
         enumerator.dispose();
     }
+    // One that has ended by itself as well; as long as it has not, nothing happens.
+    enumerator.initialize(&events, nullptr);
+    enumerator.execute();
+    EXPECT_EQ(4, nextEvent());
+    enumerator.exit();
+    ExternalEvent event;
+    do
+        enumerator.execute();
+    while (!events.timedPop(event, 1));
+    EXPECT_EQ(5, event.timeMicros);
+    enumerator.dispose();
 }
 
 /// Knows one node, whose product is 5.
