@@ -122,10 +122,21 @@ Utils::SmartPtr<Configuration> copyConfiguration(const Utils::SmartPtr<Configura
     return Utils::makeRefcounted<Known>(static_cast<const Known&>(*original));
 }
 
+/// With commands of its own as well, save for what those point to.
+inline Utils::SmartPtr<DepthBaseConfiguration>
+copyDepthConfiguration(const Utils::SmartPtr<DepthBaseConfiguration>& configuration) {
+    const auto copy = copyConfiguration<DepthConfiguration>(configuration);
+    if (copy != configuration) {
+        for (Utils::SmartPtr<xuRequest>& command : copy->getCommands())
+            command = command ? command->clone() : nullptr;
+    }
+    return copy;
+}
+
 class OwnedDepthRequest final : public enableDepthRequest {
 public:
     OwnedDepthRequest(AVDeviceInterface* device, const Utils::SmartPtr<DepthBaseConfiguration>& mode)
-        : enableDepthRequest(device, copyConfiguration<DepthConfiguration>(mode)) {}
+        : enableDepthRequest(device, copyDepthConfiguration(mode)) {}
 };
 
 class OwnedColorRequest final : public enableColorRequest {

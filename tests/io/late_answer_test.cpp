@@ -6,8 +6,10 @@
 
 #include <zentara/audio_configuration.h>
 #include <zentara/color_configuration.h>
+#include <zentara/depth_configuration.h>
 #include <zentara/io/audio_requests.h>
 #include <zentara/io/camera_control_requests.h>
+#include <zentara/io/parameter_requests.h>
 #include <zentara/io/streaming_requests.h>
 #include <zentara/io/transfer_requests.h>
 #include <zentara/io/xu_device_requests.h>
@@ -126,6 +128,31 @@ TEST_F(LateAnswerTest, EnabledMode) {
             proxy.enableStreaming(memory.mode, CameraControls{});
         },
         [](enableColorRequest& request) { EXPECT_EQ(0, request.getConfiguration()->getFramerate()); });
+}
+
+// A depth mode's commands are part of it.
+TEST_F(LateAnswerTest, EnabledDepthMode) {
+    struct ChangedAtTheEnd {
+        Utils::SmartPtr<setIntParameterRequest> command =
+            Utils::makeRefcounted<setIntParameterRequest>(ParameterType_NONE, 1);
+        Utils::SmartPtr<DepthConfiguration> mode = Utils::makeRefcounted<DepthConfiguration>();
+        ChangedAtTheEnd() { mode->setCommands({command, nullptr}); }
+        ~ChangedAtTheEnd() {
+            command->setValue(99);
+            mode->setCommands({});
+        }
+    };
+    answerLate<enableDepthRequest, ChangedAtTheEnd>(
+        std::make_unique<ChangedAtTheEnd>(),
+        [](VideoProxy& proxy, ChangedAtTheEnd& memory) {
+            proxy.enableStreaming(Utils::SmartPtr<DepthBaseConfiguration>(memory.mode));
+        },
+        [](enableDepthRequest& request) {
+            const auto& commands = request.getConfiguration()->getCommands();
+            ASSERT_EQ(2U, commands.size());
+            EXPECT_EQ(1, dynamic_cast<setIntParameterRequest&>(*commands[0]).getValue());
+            EXPECT_EQ(nullptr, commands[1]);
+        });
 }
 
 TEST_F(LateAnswerTest, DefaultAudioConfiguration) {

@@ -20,7 +20,11 @@ public:
 
     /// Fills the request's configuration.
     virtual void getDefaultConfiguration(getAudioDefaultConfigurationsRequest* request) = 0;
+
+    /// Starts the stream in the request's mode, with its level and mute.
     virtual void enableStreaming(enableAudioRequest* request) = 0;
+
+    /// These two change the input's level and mute, also of a running stream.
     virtual void setInputMixerLevel(setAudioLevelRequest* request) = 0;
     virtual void setMute(setAudioMuteRequest* request) = 0;
 };

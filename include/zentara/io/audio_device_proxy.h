@@ -36,12 +36,18 @@ public:
     void close() override;
     void disableStreaming(bool flag) override;
 
-    /// Fills the configuration with the mode that the device starts with.
+    /// Fills the configuration with the mode that the device starts with. In proxified mode the device fills a plain
+    /// AudioConfiguration, and of a derived one that part alone changes.
     void getDefaultConfiguration(Utils::SmartPtr<AudioConfiguration> configuration);
 
-    /// \param level of the input mixer, 0 to 1
+    /// Starts the stream in a mode.
+    /// \param level of the input mixer, 0 (silent) to 1 (full)
     void enableStreaming(Utils::SmartPtr<AudioConfiguration> configuration, float level, bool mute);
+
+    /// \param level 0 (silent) to 1 (full)
     void setInputMixerLevel(float level);
+
+    /// Silences the input or opens it again.
     void setMute(bool mute);
 
 protected:

@@ -66,8 +66,11 @@ public:
     /// \param length receives the frame's bytes
     virtual ReadBufferStatus readBuffer(void* buffer, int size, std::int64_t* timestamp, int* length) = 0;
 
+    /// Takes the hardware into use, and gives it back.
     virtual void open(deviceRequest* request) = 0;
     virtual void close(deviceRequest* request) = 0;
+
+    /// Ends the stream. The request's flag means what the back-end says it does.
     virtual void disableStreaming(disableRequest* request) = 0;
 
     /// The path of the device from its description; empty before `initialize`.

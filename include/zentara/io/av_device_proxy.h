@@ -16,8 +16,11 @@ class AVDeviceProxyThread;
 /// call into a request. Chosen at construction:
 /// - direct: the call runs on the caller's thread under the proxy's mutex, for as long as the device takes;
 /// - proxified: it runs on the process-wide worker thread, and the caller waits at most 2 s from its start.
-///   The caller's buffers and variables are copied: what comes back is stored only after a normal return, and
-///   a device that answers too late finds nothing of the caller's.
+///   The caller's buffers, variables and configurations are copied: what comes back is stored only after a
+///   normal return, and a device that answers too late finds nothing of the caller's. What only its author
+///   could copy is shared, and must be left alone for as long as the device may use it: a configuration of a
+///   class that was derived from one of this library's, and what the commands of a depth configuration point
+///   to.
 ///
 /// A device's failure is thrown as the plug-in exception that it reported. Operations are safe; construction
 /// and destruction are not.
@@ -37,10 +40,11 @@ public:
     /// result are those of `AVDeviceInterface::readBuffer`.
     virtual ReadBufferStatus readBuffer(void* buffer, int size, std::int64_t* timestamp, int* length) = 0;
 
+    /// Opens the device, and closes it; a device says which operations want it open.
     virtual void open() = 0;
     virtual void close() = 0;
 
-    /// \param flag its meaning is the device's
+    /// Ends the stream. \param flag its meaning is the device's
     virtual void disableStreaming(bool flag) = 0;
 
     [[nodiscard]] bool isProxified() const;

@@ -30,27 +30,33 @@ public:
     /// `Core::ImplType_VIDEO_DEVICE`. Safe.
     [[nodiscard]] static Core::ImplType getImplType();
 
+    /// Says in the request's ranges what the settings accept.
     virtual void getCameraControlRanges(getCameraControlRangesRequest* request) = 0;
 
     /// Appends the modes to the request's list.
     virtual void getConfigurations(getColorConfigurationsRequest* request) = 0;
 
+    /// These two start the stream in the request's mode.
     // Two names, for some compilers lay out the slots of overloads in an order of their own.
     virtual void enableColorStreaming(enableColorRequest* request) = 0;
     virtual void enableDepthStreaming(enableDepthRequest* request) = 0;
+
+    /// Changes the request's one setting.
     virtual void setCameraControl(setCameraControlRequest* request) = 0;
 
+    /// Transfers to and from a control of an extension unit, the number of bytes that the control has, and the choice
+    /// of the unit that is meant from now on.
     virtual void send(xuSendRequest* request) = 0;
     virtual void recv(xuRecvRequest* request) = 0;
     virtual void len(xuLenRequest* request) = 0;
     virtual void xuSetup(xuSetupRequest* request) = 0;
 
-    /// These three throw `Plugin::NotSupportedPluginException` ("not supported") unless overridden.
+    /// Control and bulk transfers. These three throw `Plugin::NotSupportedPluginException` ("not supported") unless overridden.
     virtual void read(readControlTransferRequest* request);
     virtual void write(writeBulkTransferRequest* request);
     virtual void write(writeControlTransferRequest* request);
 
-    /// These two do nothing unless overridden.
+    /// Halt the stream without ending it, and go on with it. These two do nothing unless overridden.
     virtual void pauseStreaming(pauseStreamingRequest* request);
     virtual void resumeStreaming(resumeStreamingRequest* request);
 

@@ -43,37 +43,50 @@ public:
     void close() override;
     void disableStreaming(bool flag) override;
 
-    /// Has no effect in proxified mode.
+    /// Chooses what the device puts into a frame. Has no effect in proxified mode.
     virtual void setOutputFormat(setOutputFormatRequest::OutputFormat format);
 
+    /// Asks what the settings of a colour camera accept; the answer goes into `ranges`.
     void getCameraControlRanges(CameraControlRanges& ranges);
 
     /// Appends the device's modes.
     void getConfigurations(std::vector<Utils::SmartPtr<ColorConfiguration>>& configurations);
+
+    /// Starts the stream in a mode, of depth or of colour with its first settings.
     void enableStreaming(Utils::SmartPtr<DepthBaseConfiguration> configuration);
     void enableStreaming(Utils::SmartPtr<ColorConfiguration> configuration, CameraControls controls);
+
+    /// Changes one setting of a colour camera.
     void setCameraControl(CameraControlsEnum control, CameraControlValue value);
 
+    /// Sends bytes to a control of an extension unit.
+    /// \param data `length` bytes
     void send(std::uint32_t unit, std::int32_t control, std::uint32_t length, const void* data);
 
+    /// Receives bytes from a control of an extension unit.
     /// \param data `length` bytes; what they hold on entry reaches the device
     /// \param flag its meaning is the device's
     void recv(std::uint32_t unit, std::int32_t control, std::uint32_t length, void* data, bool flag);
 
     /// The bytes that the control has.
     [[nodiscard]] int len(std::uint32_t unit, std::uint32_t control);
+
+    /// Tells the device which extension unit is meant from now on.
     void xuSetup(const GUID& guid);
 
+    /// Control transfers of `length` bytes from and to the device, and a bulk transfer to one of its endpoints.
+    /// \throws Plugin::NotSupportedPluginException from a device that has none of these
     void read(std::uint8_t requestCode, std::uint16_t value, std::uint16_t index, std::uint8_t* buffer,
               std::uint16_t length);
     void write(std::uint8_t requestCode, std::uint16_t value, std::uint16_t index, const std::uint8_t* buffer,
                std::uint16_t length);
     void write(std::uint8_t endpoint, const std::uint8_t* data, std::int32_t length);
 
+    /// Halts the stream without ending it, and goes on with it.
     void pauseStreaming();
     void resumeStreaming();
 
-    /// Has no effect in proxified mode.
+    /// Chooses the part of the sensor that is delivered. Has no effect in proxified mode.
     void setRegionOfInterest(const RegionOfInterestInternal& region);
 
 protected:
