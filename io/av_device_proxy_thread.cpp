@@ -200,8 +200,12 @@ void AVDeviceProxyThread::processRequest(deviceRequest* request, std::uint32_t t
 
     // From here on the worker may be gone, once it has acknowledged the request.
     deviceRequest::Impl& state = *request->impl;
-    if (!awaitUnlessStuck(state.startOfIO, *call) && state.withdraw())
-        throwTimeout(type);
+    if (!awaitUnlessStuck(state.startOfIO, *call)) {
+        if (state.withdraw())
+            throwTimeout(type);
+        // The worker was faster and is about to say so; a signal left set would shorten the request's next wait.
+        state.startOfIO.wait();
+    }
     if (state.acknowledged.timedWait(timeoutMilliseconds) != 0) {
         if (cancelQuietly(state, *call))
             awaitUnlessStuck(state.acknowledged, *call);

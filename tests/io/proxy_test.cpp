@@ -142,6 +142,10 @@ TEST_P(ProxyTest, EachVideoOperationReachesItsSlotWithItsArguments) {
     proxy.open();
     EXPECT_THAT(script.takeSlots(), ElementsAre(5, 10));
     EXPECT_THROW(proxy.initialize(nullptr, nullptr), Plugin::ArgumentPluginException);
+    // Kept so: the worker has been given back before the device disposes.
+    script.onCall = [&](int slot, deviceRequest*) {
+        EXPECT_EQ(GetParam() == proxified && slot == 7, proxy.getProxy() != nullptr) << slot;
+    };
     proxy.dispose();
     EXPECT_THAT(script.takeSlots(), ElementsAre(7, 4));
     EXPECT_EQ(0, script.livingDevices());
@@ -378,6 +382,38 @@ TEST_P(ProxyTest, ReadBufferRunsBesideAnotherCall) {
     EXPECT_EQ(77, proxy.readBuffer(nullptr, 0, &timestamp, &length));
     gate.open();
     other.join();
+}
+
+// Kept so: preparing a thread takes the audio proxy's mutex and not the video proxy's.
+TEST_F(DeviceTest, ThreadsArePreparedBesideAVideoCallAndAfterAnAudioCall) {
+    VideoProxy video(VIDEO_DEVICE, direct);
+    AudioProxy audio(AUDIO_DEVICE, direct);
+    script.takeCalls();
+    Gate gate;
+    script.onCall = [&](int slot, deviceRequest*) {
+        if (slot == 10)
+            gate.pass();
+    };
+    std::thread opening([&] { video.open(); });
+    gate.awaitArrival();
+    video.threadInitialize();
+    video.threadUninitialize();
+    gate.open();
+    opening.join();
+    EXPECT_THAT(script.takeSlots(), ElementsAre(10, 6, 7));
+
+    opening = std::thread([&] { audio.open(); });
+    gate.awaitArrival();
+    std::thread preparing([&] { audio.threadInitialize(); });
+    std::thread unpreparing([&] { audio.threadUninitialize(); });
+    for (int i = 0; i < 1000; ++i)
+        std::this_thread::yield();
+    EXPECT_THAT(script.takeSlots(), ElementsAre(10));
+    gate.open();
+    opening.join();
+    preparing.join();
+    unpreparing.join();
+    EXPECT_THAT(script.takeSlots(), testing::UnorderedElementsAre(6, 7));
 }
 
 TEST_P(ProxyTest, AFailedConstructionHoldsNothing) {

@@ -190,12 +190,47 @@ TEST_F(WorkerTest, AnAcceptedCancelIsWaitedFor) {
         gate.pass();
         ended = true;
     };
-    script.onCancel = [&] {
+    script.onCancel = [&, caller = std::this_thread::get_id()] {
+        EXPECT_EQ(caller, std::this_thread::get_id());
         gate.open();
         return true;
     };
     EXPECT_EQ("processRequest: I/O timeout: RequestType_OPEN", outcome([&] { proxy->open(); }));
     EXPECT_TRUE(ended);
+}
+
+// Kept so: the device is asked with the request locked.
+TEST_F(WorkerTest, TheRequestIsLockedWhileItsDeviceIsAskedToCancel) {
+    Gate gate;
+    deviceRequest* held = nullptr;
+    script.onCall = [&](int, deviceRequest* request) {
+        held = request;
+        request->setIOPending(true);
+        gate.pass();
+    };
+    std::atomic<bool> asking = false;
+    std::thread locker;
+    script.onCancel = [&] {
+        asking = true;
+        Signal trying;
+        locker = std::thread([&] {
+            trying.set();
+            held->lock();
+            EXPECT_FALSE(asking);
+            held->unlock();
+        });
+        trying.wait();
+        for (int i = 0; i < 1000; ++i)
+            std::this_thread::yield();
+        asking = false;
+        return true;
+    };
+    std::thread caller([&] { EXPECT_EQ("done", outcome([&] { proxy->open(); })); });
+    gate.awaitArrival();
+    EXPECT_TRUE(held->cancelIO());
+    locker.join();
+    gate.open();
+    caller.join();
 }
 
 TEST_F(WorkerTest, ACancelWaitsForTheDeviceToGiveTheRequestBack) {
@@ -384,6 +419,39 @@ TEST_F(WorkerTest, ItsOwnThreadCanGiveBackTheLastReference) {
     script.onCall = [](int, deviceRequest*) {};
     VideoProxy next(VIDEO_DEVICE, proxified);
     EXPECT_NO_THROW(next.open());
+}
+
+// The last release takes no lock: while it waits for a device, another worker can come.
+TEST_F(WorkerTest, TheNextWorkerDoesNotWaitForTheLast) {
+    tuning.set(2000, 20000, 10);
+    AVDeviceInterface* device = nullptr;
+    script.onCall = [&](int, deviceRequest* request) { device = request->device(); };
+    proxy->open();
+    const auto request = Utils::SmartPtr<deviceRequest>::adopt(new deviceRequest(device, RequestType_CLOSE));
+    script.onCall = [](int, deviceRequest*) {};
+    Worker worker;
+    AVDeviceProxyThread* const last = worker.detach();
+    proxy.reset();
+    Gate gate;
+    hold(close, gate);
+    std::thread caller(
+        [&] { EXPECT_EQ("done", outcome([&] { last->processRequest(request.get(), patience); })); });
+    gate.awaitArrival();
+
+    const int retired = Detail::retiredWorkers();
+    std::vector<std::thread> releases;
+    AVDeviceProxyThread* next = last;
+    for (; next == last; next = AVDeviceProxyThread::instance())
+        releases.emplace_back([last] { last->release(); });
+    auto* const other = new deviceRequest(nullptr, RequestType(99));
+    EXPECT_EQ("done", outcome([&] { next->processRequest(other, patience); }));
+    static_cast<Utils::Refcounted*>(other)->decref();
+    gate.open();
+    caller.join();
+    for (std::thread& release : releases)
+        release.join();
+    EXPECT_EQ(retired, Detail::retiredWorkers()) << "the last one was given up";
+    next->release();
 }
 
 TEST_F(WorkerTest, RequestsThatDoNotFitTheirDeviceFail) {
