@@ -39,6 +39,14 @@ struct OpenPlugin : Zentara::Core::Plugin {
     using Zentara::Core::Plugin::incref;
 };
 
+// A count of the object alone would forget its library.
+template<typename T>
+concept CountedAlone = requires(T& object) {
+    object.tryIncref();
+}
+|| requires(T& object) { object.decrefIfLastRef(); };
+static_assert(CountedAlone<Zentara::Utils::Refcounted> && !CountedAlone<Zentara::Core::Plugin>);
+
 TEST(VirtualSlots, OfPluginObjects) {
     expectSlots("SharedLibrary", {{"incref", virtualSlot(&SharedLibrary::incref), 0},
                                   {"decref", virtualSlot(&SharedLibrary::decref), 1}});

@@ -11,7 +11,7 @@
 #include <zentara/utils/process.h>
 #include <zentara/utils/text.h>
 
-#include "support/temporary_directory.h"
+#include "support/log_capture.h"
 #include "utils/platform/directory.h"
 #include "utils/platform/files.h"
 
@@ -123,6 +123,18 @@ TEST(FileList, HoldsRegularFilesOfOneExtensionInOrder) {
     EXPECT_EQ(getFileList(directory.path(), "").size(), 8u);
     EXPECT_THAT(getFileList(directory.path("missing"), "dll"), IsEmpty());
     EXPECT_THAT(getFileList(directory.path("a.dll"), "dll"), IsEmpty());
+}
+
+// Too long a name is no missing directory on every system.
+TEST(FileList, LogsAWalkThatFails) {
+    const TestSupport::LogCapture log;
+    const std::string tooLong(300, 'x');
+    std::vector<std::string> names;
+    const bool fails = Platform::listFiles(tooLong, names) == Platform::DirectoryWalk::Failed;
+    EXPECT_EQ(fails, !Platform::fileNamesIgnoreCase());
+    EXPECT_THAT(getFileList(tooLong, "dll"), IsEmpty());
+    EXPECT_EQ(fails ? 1u : 0u, log.warnings().size());
+    EXPECT_THAT(log.warnings(), testing::Each(testing::StartsWith("FindNextFile error (")));
 }
 
 TEST(Console, HasNoKeyInATest) { EXPECT_FALSE(keyPressed()); }

@@ -3,6 +3,8 @@
 #include <zentara/utils/shared_memory.h>
 #include <zentara/utils/shared_memory_manager.h>
 
+#include "utils/platform/thread.h"
+
 #include <gtest/gtest.h>
 
 #include <new>
@@ -97,7 +99,8 @@ TEST_F(SharedMemoryTest, ReadOnlyMappingSeesTheOther) {
 TEST_F(SharedMemoryTest, ManagerCountsAndNames) {
     const auto first = SharedMemoryManager::getUniqueID();
     EXPECT_EQ(SharedMemoryManager::getUniqueID(), first + 1);
-    EXPECT_NE(first >> 32, 0u);
+    EXPECT_EQ(first >> 32, Platform::currentProcessId());
+    EXPECT_NE(first & 0xFFFFFFFF, 0u) << "counted from 1";
     EXPECT_EQ(SharedMemoryManager::getName(12884901889), "12884901889");
 
     SharedMemoryManager::initialize(true);
