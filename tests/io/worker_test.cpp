@@ -347,6 +347,19 @@ TEST_F(WorkerTest, ADeviceThatDoesNotReturnHoldsNobodyUp) {
     }
 }
 
+// The worker comes to it when the device lets it go on.
+TEST_F(WorkerTest, AWithdrawnRequestIsNeverExecuted) {
+    tuning.set(50, 300, 10);
+    Gate gate;
+    hold(open, gate);
+    EXPECT_EQ("processRequest: I/O timeout: RequestType_OPEN", outcome([&] { proxy->open(); }));
+    EXPECT_EQ("processRequest: I/O timeout: RequestType_CLOSE", outcome([&] { proxy->close(); }));
+    gate.open();
+    tuning.set(2000, 10000, 10);
+    Worker().settle();
+    EXPECT_THAT(script.takeSlots(), ElementsAre(open));
+}
+
 // Never opened: the process has to end with a thread inside the device. What the thread uses is never destroyed.
 TEST_F(WorkerTest, TheProcessEndsWithAStuckDevice) {
     tuning.set(20, 100, 10);
