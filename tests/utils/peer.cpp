@@ -2,11 +2,12 @@
 // unless its last argument is "leave".
 //
 //   utils_peer instance NAME            exit code 0 when another instance runs, 1 when not
-//   utils_peer memory NAME SIZE OLD NEW exit code 0 when the memory held OLD; it holds NEW then. 1 when it
-//   held
+//   utils_peer memory NAME SIZE OLD NEW exit code 0 when the memory held OLD; it holds NEW then. 1 when it held
 //                                       something else, 2 when it cannot be had
+//   utils_peer identifiers              exit code: the lower digits of its first two identifiers, one after another
 
 #include <zentara/utils/shared_memory.h>
+#include <zentara/utils/shared_memory_manager.h>
 #include <zentara/utils/unique_instance.h>
 
 #include <cstdlib>
@@ -46,6 +47,13 @@ int exchangeMemory(const Words& words) {
     return code;
 }
 
+int takeIdentifiers() {
+    using Zentara::Utils::SharedMemoryManager;
+    const auto nextNumber = [] { return static_cast<int>(SharedMemoryManager::getUniqueID() & 0xFFFFFFFF); };
+    const int first = nextNumber();
+    return 10 * first + nextNumber();
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -54,5 +62,7 @@ int main(int argc, char** argv) {
         return holdInstance(words);
     if (words.size() >= 5 && words[0] == "memory")
         return exchangeMemory(words);
+    if (words.size() == 1 && words[0] == "identifiers")
+        return takeIdentifiers();
     return 64;
 }
