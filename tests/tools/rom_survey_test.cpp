@@ -115,6 +115,7 @@ TEST_F(RomSurveyTest, NamesEachDamageWithItsPlace) {
         {"erased header",
          [&] { put(100, Bytes(17, 0xFF)); },
          {{Kind::NotFormatted, 100},
+          {Kind::Unreachable, block(0)},
           {Kind::Unreachable, section(1)},
           {Kind::Unreachable, section(2)},
           {Kind::Unreachable, section(3)}}},
@@ -188,6 +189,15 @@ TEST_F(RomSurveyTest, NamesEachDamageWithItsPlace) {
              seal(block(2), 8);
          },
          {{Kind::BlockOutside, block(2)}, {Kind::Unreachable, section(2)}}},
+        {"a damaged section behind a broken link",
+         [&] {
+             put(block(1), {1});
+             put(section(2), {0});
+         },
+         {{Kind::BlockHeader, block(1)},
+          {Kind::Unreachable, section(1)},
+          {Kind::Unreachable, block(2)},
+          {Kind::Unreachable, section(3)}}},
         {"link outside", [&] { link(block(3), 2000); }, {{Kind::LinkOutside, block(3)}}},
         {"cycle", [&] { link(block(3), block(1)); }, {{Kind::Cycle, block(3)}}},
         {"a step back",

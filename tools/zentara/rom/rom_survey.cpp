@@ -385,11 +385,34 @@ void RomSurvey::measureFreeSpace() {
     }
 }
 
+bool RomSurvey::isWholeSection(std::uint64_t address) const {
+    const std::uint64_t end = image.area().end();
+    return address < end && at(address, 1)[0] == ROM::Section::SECTION_MARKER &&
+           !sectionFault(address, end - address);
+}
+
+/// A block header where no link leads. One in front of a whole section goes without saying.
+void RomSurvey::noteOrphan(std::uint64_t address, bool isCut) {
+    if (!image.area().holds(address, BLOCK_HEADER_SIZE) || isWholeSection(address + BLOCK_HEADER_SIZE))
+        return;
+    BigEndianReader reader(at(address, BLOCK_HEADER_SIZE));
+    const std::uint32_t size = reader.readU32();
+    reader.readU32();
+    if (size < BLOCK_HEADER_SIZE || !image.area().holds(address, size) ||
+        reader.readU16() != crcOf(address, BLOCK_HEADER_SIZE - CRC_SIZE))
+        return;
+    add(FindingKind::Unreachable, static_cast<std::uint32_t>(address), isCut,
+        Format("no link leads to the block of % bytes, and it holds no whole section") % size);
+}
+
 void RomSurvey::findUnreachable() {
     std::map<std::uint64_t, std::uint64_t> reached; // first byte and end of each section that a link leads to
-    for (const SurveyedBlock& block : chain)
+    std::set<std::uint64_t> linked;
+    for (const SurveyedBlock& block : chain) {
+        linked.insert(block.address);
         if (block.section)
             reached[block.address] = std::uint64_t{block.address} + block.allocatedSize;
+    }
     const bool cutOff = isCutOff();
     for (std::uint64_t address = image.area().start; address < image.area().end(); ++address) {
         const auto known = reached.find(address);
@@ -397,8 +420,9 @@ void RomSurvey::findUnreachable() {
             address = known->second - 1;
             continue;
         }
-        if (at(address, 1)[0] != ROM::Section::SECTION_MARKER ||
-            sectionFault(address, image.area().end() - address))
+        if (linked.count(address) == 0)
+            noteOrphan(address, cutOff);
+        if (!isWholeSection(address))
             continue;
         lost.push_back(wholeSection(address));
         const SurveyedSection& section = lost.back();

@@ -26,7 +26,7 @@ enum class FindingKind {
     Overlap,
     SectionHeader,
     SectionData,
-    Unreachable, ///< a whole section that no link leads to
+    Unreachable, ///< a whole section, or a block without one, that no link leads to
     ZeroUid,
     DuplicateUid,
     UnknownType,
@@ -137,6 +137,8 @@ private:
     void checkUids();
     void checkOverlaps();
     void measureFreeSpace();
+    [[nodiscard]] bool isWholeSection(std::uint64_t address) const;
+    void noteOrphan(std::uint64_t address, bool isCut);
     void findUnreachable();
 
     const FlashImage& image;
