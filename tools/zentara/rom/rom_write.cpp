@@ -238,16 +238,19 @@ ExitCode RomWriter::write(const FlashImage& before, const PlannedWrite& plan) {
     }
     const std::string kept = backUp(before);
     const std::string back = wayBack(before, kept);
+    // Told before the first byte goes out: nothing may be told any more when the power fails.
     if (target.isWrittenInPlace() && !back.empty())
-        console.err << "zentara rom " << verb << ": " << back
-                    << std::endl; // whatever becomes of this process
+        console.err << "zentara rom " << verb << ": " << back << std::endl;
+    bool isStored = false;
     try {
         target.store(plan.writes);
+        isStored = true;
         if (target.load("interrupted before all of it was read once more").bytes() != plan.after.bytes())
             throw ToolFailure(ExitCode_VERIFICATION,
                               target.name() + " holds other bytes than were written to it");
     } catch (const ToolFailure& failure) {
-        throw ToolFailure(failure.code, failure.what() + (back.empty() ? "" : "; " + back));
+        const bool isTouched = isStored || target.isWrittenInPlace(); // else the file is as it was
+        throw ToolFailure(failure.code, failure.what() + (isTouched && !back.empty() ? "; " + back : ""));
     }
     report(plan, kept);
     return ExitCode_DONE;
