@@ -240,6 +240,8 @@ bool readControllerStatement(Statement& statement, const std::string& verb, Cont
         settings.flash = statement.rest();
     else if (verb == "keepFlash")
         settings.keptFlash = statement.rest();
+    else if (verb == "keepRegisters")
+        settings.keptRegisters = statement.rest();
     else if (verb == "transferLog")
         settings.transferLog = statement.rest();
     else if (verb == "transfer")
@@ -263,7 +265,7 @@ void readStatement(Statement& statement, Settings& settings) {
     } else if (!readControllerStatement(statement, verb, settings.controller)) {
         statement.fail(
             Format("unknown statement '%'; known: seed throw hang refuse chip device claim fpgaRounds "
-                   "resetReads flash keepFlash transfer transferLog") %
+                   "resetReads flash keepFlash keepRegisters transfer transferLog") %
             verb);
     }
     if (!statement.atEnd())

@@ -85,6 +85,8 @@ struct Fault {
 ///     flash PATH                     the bytes of the controller's memory; of a VC0258 both its memories
 ///     keepFlash PATH                 the memory is kept in this file, which is made when there is none: what one run of
 ///                                    a program writes, the next one reads; of a VC0258 the configuration memory
+///     keepRegisters PATH             the same for the registers of the time-of-flight controller, and with them the
+///                                    parameters: as if the camera stayed switched on
 ///     transfer N FAULT [MS]          the Nth transfer: fail, late, short, long, corrupt, or hang for MS milliseconds
 ///     transferLog PATH               a line for each transfer is added to this file
 ///

@@ -321,6 +321,28 @@ TEST_P(DepthNodeTest, FindsTheStorageOfACameraFromTheFactory) {
     EXPECT_EQ(camera->getConfigurations()[1]->getCalibration().getPhaseDelay(), -24);
 }
 
+TEST_P(DepthNodeTest, KeepsItsParametersOnlyWhenToldTo) {
+    const auto rangeAfterANewRun = [&](const std::string& settings) {
+        plugOne(GetParam(), settings);
+        DepthHost first(host.find(NodeType_DEPTH));
+        first.initialize();
+        first->process(makeRefcounted<IO::setFloatParameterRequest>(ParameterType_FLOAT_2, 40.0F));
+        first->dispose();
+        DepthHost second(host.find(NodeType_DEPTH));
+        second.initialize();
+        return second->getRange();
+    };
+    EXPECT_NEAR(rangeAfterANewRun(""), 7.495F, 0.001F) << "the camera was switched off";
+    EXPECT_NEAR(rangeAfterANewRun("keepRegisters " + host.path("registers")), 3.747F, 0.001F);
+    EXPECT_EQ(Utils::readFile(host.path("registers")).substr(2 * 0x52, 2), std::string("\x28\0", 2));
+
+    // Whatever the file holds, the camera works.
+    for (const std::string& bytes : {std::string(), std::string(300, 'x'), std::string(256, '\0')}) {
+        Utils::writeFile(host.path("registers"), bytes);
+        EXPECT_NEAR(rangeAfterANewRun("keepRegisters " + host.path("registers")), 3.747F, 0.001F);
+    }
+}
+
 TEST_P(DepthNodeTest, SurvivesEveryStorage) {
     const std::string whole = storageImage();
     std::string formatted = whole;

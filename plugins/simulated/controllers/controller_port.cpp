@@ -151,7 +151,7 @@ std::uint16_t ControllerPort::tofRegister(std::uint8_t address) const {
 void ControllerPort::setTofRegister(std::uint8_t address, std::uint16_t value) {
     const AutoLock lock(mutex);
     if (RegisterFile* registers = controller->tofRegisters())
-        registers->write(address, value);
+        registers->change(address, value);
 }
 
 void ControllerPort::setObserver(std::function<void(const Transfer&)> observer) {

@@ -8,6 +8,7 @@
 #include <zentara/utils/files.h>
 #include <zentara/utils/format.h>
 
+#include "plugins/simulated/controllers/kept_flash.h"
 #include "plugins/simulated/controllers/vc0258_controller.h"
 #include "plugins/simulated/controllers/vc0345_controller.h"
 
@@ -70,6 +71,33 @@ std::unique_ptr<ControllerModel> makeModel(const ControllerSettings& wanted) {
     }
 }
 
+/// The registers of the time-of-flight controller as the file has them, low byte first, and from now on the other way
+/// round. Those that change by themselves are not written.
+void keepRegisters(ControllerModel& model, const std::string& path) {
+    constexpr std::uint32_t count = 128;
+    RegisterFile* const registers = model.tofRegisters();
+    if (!registers) {
+        throw Plugin::ConfigurationPluginException(
+            "simulated camera: without a time-of-flight controller there are no registers to keep");
+    }
+    Bytes present;
+    for (std::uint32_t address = 0; address < count; ++address) {
+        present.push_back(static_cast<std::uint8_t>(registers->peek(address)));
+        present.push_back(static_cast<std::uint8_t>(registers->peek(address) >> 8));
+    }
+    const auto kept = std::make_shared<KeptFlash>(path, std::move(present));
+    const Bytes& bytes = kept->bytes();
+    for (std::uint32_t address = 0; address < count; ++address) {
+        registers->change(address, bytes[2 * address] | std::uint32_t{bytes[2 * address + 1]} << 8);
+    }
+    registers->setObserver([kept](std::uint32_t address, std::uint32_t value) {
+        if (address < count) {
+            kept->write(2 * address, static_cast<std::uint8_t>(value));
+            kept->write(2 * address + 1, static_cast<std::uint8_t>(value >> 8));
+        }
+    });
+}
+
 void keepLog(ControllerPort& port, const std::string& path) {
     const std::filesystem::path name(std::u8string(path.begin(), path.end()));
     auto file = std::make_shared<std::ofstream>(name, std::ios::app | std::ios::binary);
@@ -91,6 +119,9 @@ std::unique_ptr<ControllerPort> makeControllerPort(const ControllerSettings& set
     auto port = std::make_unique<ControllerPort>(makeModel(settings));
     for (const TransferFault& fault : settings.faults) {
         port->addFault(fault);
+    }
+    if (!settings.keptRegisters.empty()) {
+        keepRegisters(port->model(), settings.keptRegisters);
     }
     if (!settings.transferLog.empty()) {
         keepLog(*port, settings.transferLog);

@@ -15,9 +15,10 @@ namespace Zentara::Simulated {
 struct ControllerSettings {
     std::optional<ChipKind> chip = ChipKind::OV0570; ///< nothing for a camera without one
     std::vector<TransferFault> faults;
-    std::string transferLog; ///< a file (UTF-8) that gets one line a transfer, empty for none
-    std::string flash;       ///< a file (UTF-8) with the memory's bytes, empty for those of the factory
-    std::string keptFlash;   ///< a file (UTF-8) in which the memory is kept from run to run, empty for none
+    std::string transferLog;   ///< a file (UTF-8) that gets one line a transfer, empty for none
+    std::string flash;         ///< a file (UTF-8) with the memory's bytes, empty for those of the factory
+    std::string keptFlash;     ///< a file (UTF-8) in which the memory is kept from run to run, empty for none
+    std::string keptRegisters; ///< the same for the registers of the time-of-flight controller
 
     // OV0570 only.
     std::vector<OV0570Controller::Device> devices; ///< empty for the usual two

@@ -2,7 +2,9 @@
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <map>
+#include <utility>
 
 namespace Zentara::Simulated {
 
@@ -14,8 +16,21 @@ public:
     RegisterFile(unsigned addressWidth, unsigned dataWidth)
         : addressBytes(addressWidth), dataBytes(dataWidth) {}
 
+    /// A write by the host.
     void write(std::uint32_t address, std::uint32_t value) {
+        change(address, value);
+        if (observe)
+            observe(address & addressMask(), value & dataMask());
+    }
+
+    /// A register that changes by itself.
+    void change(std::uint32_t address, std::uint32_t value) {
         values[address & addressMask()] = value & dataMask();
+    }
+
+    /// Is told of each write by the host that follows.
+    void setObserver(std::function<void(std::uint32_t address, std::uint32_t value)> observer) {
+        observe = std::move(observer);
     }
 
     [[nodiscard]] std::uint32_t peek(std::uint32_t address) const {
@@ -52,6 +67,7 @@ private:
     unsigned dataBytes;
     std::map<std::uint32_t, std::uint32_t> values;
     std::map<std::uint32_t, std::deque<std::uint32_t>> queued;
+    std::function<void(std::uint32_t, std::uint32_t)> observe;
 };
 
 } // namespace Zentara::Simulated
