@@ -436,6 +436,17 @@ TEST_F(NodeFailureTest, ACommandThatFailsLeavesTheCameraStopped) {
     EXPECT_EQ(read(camera).status, ReadBufferStatus_OK) << "the next start finds all well";
 }
 
+TEST_F(NodeFailureTest, AStartThatComesTooLateIsTakenBack) {
+    plugOne("ZS570", "refuse cancel; hang 2500 at audio.enableAudio times 1");
+    AudioHost microphones(host.find(NodeType_AUDIO));
+    microphones.initialize();
+    const auto mode = microphones->getDefaultConfiguration();
+    EXPECT_THAT(failure([&] { microphones->enableStreaming(mode); }), testing::StartsWith("2: "));
+    EXPECT_EQ(read(microphones).status, ReadBufferStatus_NOT_STREAMING);
+    microphones->enableStreaming(mode);
+    EXPECT_EQ(read(microphones).status, ReadBufferStatus_OK);
+}
+
 TEST_F(NodeFailureTest, MissingAndWrongDevicesAreRefused) {
     plugOne("ZS570");
     NodeEvent event = host.find(NodeType_DEPTH);

@@ -74,8 +74,13 @@ void SimulatedAudioNode::enableStreaming(Mode configuration) {
         throw ArgumentPluginException("enableStreaming: the configuration is null");
     if (present.streaming)
         throw InvalidOperationPluginException("enableStreaming: the node streams already; disable it first");
-    present.device.enableStreaming(configuration, startLevel, false);
     present.streaming = true;
+    try {
+        present.device.enableStreaming(configuration, startLevel, false);
+    } catch (...) {
+        stop(); // the device may start yet, after its caller has given up
+        throw;
+    }
 }
 
 void SimulatedAudioNode::disableStreaming() {

@@ -120,7 +120,7 @@ void SimulatedDepthNode::dispose() {
         stop();
         camera->store.setConfigurationSettings(nullptr);
         if (camera->parameters)
-            camera->parameters->dispose();
+            attempt([&] { camera->parameters->dispose(); });
         camera.reset();
     }
     DepthNodeInterface::dispose(); // the device closes with its last reference
