@@ -186,7 +186,8 @@ TEST_F(Corrections, CyclicErrorCorrectionReadsTheBlockOfBothModes) {
     EXPECT_THAT(parameters(object, mode0), ElementsAre(1.0F, -2.5F));
     EXPECT_EQ(object.getAlgorithm(), 3);
     EXPECT_THAT(parameters(object, mode1), ElementsAre(3.0F));
-    EXPECT_EQ(object.getAlgorithm(), 5);
+    EXPECT_FALSE(object.setCurrentMode(unknownMode));
+    EXPECT_EQ(object.getAlgorithm(), 5) << "the mode is still the one before";
     EXPECT_THAT(log.infos(),
                 ElementsAre("Loading Cyclic Error Correction from the ROM:", " - range 0: algorithm = 0",
                             "   * parameter[0] = 1", "   * parameter[1] = -2.5", " - range 1: algorithm = 0",
