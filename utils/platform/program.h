@@ -13,6 +13,11 @@ std::string executablePath();
 /// The program's arguments in UTF-8, without its name. The parameters are main's.
 std::vector<std::string> programArguments(int argc, char** argv);
 
+/// Gives each of the three standard streams that was closed when the program started a place of its own that takes
+/// and has nothing. Without it the next file that is opened takes the place, and gets what is meant for the stream.
+/// Writing to such a stream fails as before. Before any file is opened.
+void reserveStandardStreams() noexcept;
+
 /// Whether a person reads what is written to the stream.
 bool isTerminal(std::FILE* stream) noexcept;
 

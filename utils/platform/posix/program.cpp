@@ -1,5 +1,6 @@
 #include "utils/platform/program.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace Zentara::Utils::Platform {
@@ -18,6 +19,14 @@ std::string executablePath() {
 
 std::vector<std::string> programArguments(int argc, char** argv) {
     return argc > 1 ? std::vector<std::string>(argv + 1, argv + argc) : std::vector<std::string>();
+}
+
+void reserveStandardStreams() noexcept {
+    for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
+        // The lowest free number is taken; with the wrong direction its use fails as that of a closed one does.
+        if (fcntl(stream, F_GETFD) < 0)
+            static_cast<void>(open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY));
+    }
 }
 
 bool isTerminal(std::FILE* stream) noexcept { return isatty(fileno(stream)) == 1; }

@@ -45,6 +45,9 @@ std::vector<std::string> programArguments(int, char**) {
     return arguments;
 }
 
+/// The C library gives a file that is opened none of the first three numbers.
+void reserveStandardStreams() noexcept {}
+
 bool isTerminal(std::FILE* stream) noexcept {
     const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)));
     DWORD mode = 0;
