@@ -59,7 +59,7 @@ void AudioRecorder::fill(Json& stream) const {
 
 void AudioRecorder::check(const char* what, int code) const {
     if (code != 0)
-        throw ToolFailure(ExitCode_FAILED, Utils::Format("cannot % '%': %") % what % file->partPath() %
+        throw ToolFailure(ExitCode_FAILED, Utils::Format("cannot % '%': %") % what % file->path() %
                                                WaveWriter::errorString(code));
 }
 

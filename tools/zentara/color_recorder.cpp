@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include <zentara/utils/files.h>
 #include <zentara/utils/format.h>
 
 #include "tools/zentara/exit_code.h"
@@ -60,7 +59,7 @@ void ColorRecorder::commit() {
         return;
     const std::string bytes = encodePng(rgbOfYuy2(last.data(), last.size() / 2), static_cast<int>(size.width),
                                         static_cast<int>(size.height));
-    attempt("write the colour picture", [&] { Utils::writeFile(picture->partPath(), bytes); });
+    picture->write(bytes);
     picture->commit();
 }
 

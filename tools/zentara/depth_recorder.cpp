@@ -4,7 +4,6 @@
 #include <cstring>
 
 #include <zentara/utils/exceptions.h>
-#include <zentara/utils/files.h>
 #include <zentara/utils/format.h>
 
 #include "tools/zentara/exit_code.h"
@@ -35,7 +34,7 @@ DepthRecorder::DepthRecorder(const StreamDescription& stream, std::uint64_t coun
     file = std::make_unique<PendingFile>(rawPath);
     raw.open(pathOf(file->partPath()), std::ios::binary | std::ios::trunc);
     if (!raw)
-        failWriting("create", file->partPath());
+        failWriting("create", file->path());
 }
 
 bool DepthRecorder::take(const std::uint8_t* data, std::size_t bytes, std::int64_t micros) {
@@ -48,7 +47,7 @@ bool DepthRecorder::take(const std::uint8_t* data, std::size_t bytes, std::int64
     counter.count(micros);
     measure();
     if (file && !raw.write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(bytes)))
-        failWriting("write", file->partPath());
+        failWriting("write", file->path());
     return !counter.full();
 }
 
@@ -59,7 +58,7 @@ void DepthRecorder::commit() {
         return;
     raw.close();
     if (!raw)
-        failWriting("write", file->partPath());
+        failWriting("write", file->path());
     file->commit();
 }
 
@@ -74,7 +73,7 @@ void DepthRecorder::writePicture() {
     const DepthRange shown = depthRange(depth.data(), depth.size(), pictureTrim);
     const std::string bytes = encodePng(colorize(depth.data(), depth.size(), shown),
                                         static_cast<int>(size.width), static_cast<int>(size.height));
-    attempt("write the picture", [&] { Utils::writeFile(picture->partPath(), bytes); });
+    picture->write(bytes);
     picture->commit();
 }
 

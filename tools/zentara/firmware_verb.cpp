@@ -3,7 +3,6 @@
 #include <string>
 
 #include <zentara/utils/crc.h>
-#include <zentara/utils/files.h>
 #include <zentara/utils/format.h>
 
 #include "tools/zentara/chip_session.h"
@@ -32,8 +31,7 @@ public:
         : session(source), options(wanted), console(target) {}
 
     /// False when it was interrupted.
-    bool read() {
-        const InterruptWatch watch;
+    bool read(const InterruptWatch& watch) {
         while (bytes.size() < options.length && !watch.interrupted()) {
             const unsigned done = static_cast<unsigned>(bytes.size());
             const unsigned start = options.start + done;
@@ -73,19 +71,17 @@ ExitCode runDump(Options options, Console& console) {
         throw ToolFailure(ExitCode_USAGE, Format("--length % is out of range from %: 1 to %") %
                                               options.length % hexText(options.start) %
                                               (memoryBytes - options.start));
-    PendingFile file(options.file);
-    const auto write = [&](const std::string& bytes) {
-        attempt("write '" + options.file + "'", [&] { Utils::writeFile(file.partPath(), bytes); });
-    };
-    write({}); // reading takes minutes on a real camera: what cannot be written is told before it
+    const InterruptWatch watch;
+    PendingFile file(
+        options.file); // reading takes minutes on a real camera: what cannot be written is told before
     ChipSession session("firmware", options, console);
     Dump dump(session, options, console);
-    if (!dump.read()) {
+    if (!dump.read(watch)) {
         console.err << "zentara firmware: interrupted after " << dump.bytes.size() << " of " << options.length
                     << " bytes; nothing is kept\n";
         return ExitCode_INTERRUPTED;
     }
-    write(dump.bytes);
+    file.write(dump.bytes);
     file.commit();
     const unsigned crc =
         Utils::Crc32::compute(reinterpret_cast<const unsigned char*>(dump.bytes.data()), options.length, 0);

@@ -1,29 +1,43 @@
 #include "tools/zentara/interrupt.h"
 
 #include <csignal>
+#include <iterator>
 
 namespace Zentara::Tool {
 namespace {
 
+constexpr int signals[]{
+    SIGINT,
+    SIGTERM,
+#ifdef SIGHUP // where there are terminals that can hang up
+    SIGHUP,
+#endif
+};
+
 volatile std::sig_atomic_t noted = 0;
 
-extern "C" void noteInterrupt(int) {
+extern "C" void noteInterrupt(int signal) {
     noted = 1;
-    std::signal(SIGINT, SIG_DFL);
+    std::signal(signal, SIG_DFL);
 }
 
 } // namespace
 
 InterruptWatch::InterruptWatch() {
+    static_assert(std::size(signals) <= mostSignals);
     noted = 0;
-    previous = std::signal(SIGINT, noteInterrupt);
-    if (previous == SIG_IGN)
-        std::signal(SIGINT, SIG_IGN); // started in the background: Ctrl-C is not meant for this process
+    for (std::size_t index = 0; index < std::size(signals); ++index) {
+        previous[index] = std::signal(signals[index], noteInterrupt);
+        if (previous[index] == SIG_IGN)
+            std::signal(signals[index], SIG_IGN); // as in the background: it is not meant for this process
+    }
 }
 
 InterruptWatch::~InterruptWatch() {
-    if (previous != SIG_ERR)
-        std::signal(SIGINT, previous);
+    for (std::size_t index = 0; index < std::size(signals); ++index) {
+        if (previous[index] != SIG_ERR)
+            std::signal(signals[index], previous[index]);
+    }
 }
 
 bool InterruptWatch::interrupted() const noexcept { return noted != 0; }

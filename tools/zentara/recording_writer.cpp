@@ -34,7 +34,7 @@ RecordingWriter::RecordingWriter(const std::string& path, const std::vector<Stre
                                                streams.size() % mostStreams);
     out.open(pathOf(file.partPath()), std::ios::binary | std::ios::trunc);
     if (!out)
-        fail("create", file.partPath());
+        fail("create", file.path());
     writeHeader();
     for (std::size_t index = 0; index < streams.size(); ++index)
         writeStream(static_cast<std::uint16_t>(index), streams[index]);
@@ -56,7 +56,7 @@ void RecordingWriter::commit() {
     writeChunk(Tag_END, 0, 0, payload.data(), static_cast<std::size_t>(payload.size()));
     out.close();
     if (!out)
-        fail("write", file.partPath());
+        fail("write", file.path());
     file.commit();
 }
 
@@ -117,7 +117,7 @@ void RecordingWriter::put(const BinaryWriter& bytes) {
 void RecordingWriter::put(const void* data, std::size_t size) {
     out.write(static_cast<const char*>(data), static_cast<std::streamsize>(size));
     if (!out)
-        fail("write", file.partPath());
+        fail("write", file.path());
 }
 
 } // namespace Zentara::Tool
