@@ -4,6 +4,8 @@
 #include <zentara/utils/files.h>
 
 #include "plugins/simulated/controllers/factory_flash.h"
+#include "plugins/simulated/descriptions/simulated_bus.h"
+#include "support/scoped_variable.h"
 #include "support/simulated_faults.h"
 #include "tools/tool_fixture.h"
 #include "tools/zentara/verb.h"
@@ -70,6 +72,7 @@ TEST_F(ChipVerbs, ReadAndWriteWhatTheyName) {
     EXPECT_EQ(out({"reg", "read", "tof", "0x21", "--camera", "vc0345"}), "0x2035\n");
     EXPECT_EQ(out({"reg", "read", "bridge", "0x182845", "--direct"}), "0x08\n");
     EXPECT_EQ(out({"reg", "write", "rgb", "1", "255"}), "rgb 0x01 := 0xFF\n");
+    EXPECT_EQ(out({"reg", "read", "tof", "0x21", "--camera", "vc0258", "--direct"}), "0x2035\n");
     EXPECT_EQ(out({"i2c", "read", "0x23", "0x21", "--camera", "VC0258"}), "0x2035\n");
     EXPECT_EQ(out({"i2c", "write", "0x30", "1", "7", "--bytes", "1", "--camera", "VC0258"}),
               "I2C device 0x30 register 0x01 := 0x07\n");
@@ -81,6 +84,25 @@ TEST_F(ChipVerbs, ReadAndWriteWhatTheyName) {
     EXPECT_EQ(modulation.json().at("transfers").size(), 13U);
     EXPECT_EQ(modulation.json().at("transfers").back().at("sent"), "43 01 12 0A 00 00 00 00 00");
     EXPECT_EQ(out({"meta", "1000", "0x20001"}), "meta 1000 := 0x20001\n");
+}
+
+TEST_F(ChipVerbs, TakeACameraByTheNamesThatAllVerbsTake) {
+    const TestSupport::ScopedVariable bus(Simulated::SimulatedBus::variable, path("bus.json"));
+    Utils::writeFile(path("bus.json"), R"({"format": 1, "cameras": [
+        {"model": "ZS570"}, {"model": "ZS345", "serialNumber": "LAB-7", "settings": "transfer 2 fail"}]})");
+    for (const char* name : {"LAB-7", "simulated:LAB-7", "zs345", "VC0345"}) {
+        const ToolRun run = ToolTest::run({"reg", "write", "bridge", "5", "1", "--camera", name, "--json"});
+        ASSERT_EQ(run.exitCode, 0) << name << run.err;
+        EXPECT_EQ(run.json().at("camera"), "VC0345") << name;
+        EXPECT_EQ(run.json().at("serialNumber"), "LAB-7") << name;
+    }
+    EXPECT_EQ(ToolTest::run({"reg", "read", "tof", "5"}).exitCode, 0) << "the first one";
+    EXPECT_THAT(ToolTest::run({"reg", "read", "tof", "5", "--camera", "LAB-7"}).err,
+                HasSubstr("cannot read tof register 0x05: I/O failure"))
+        << "the one with the fault";
+    Utils::writeFile(path("bus.json"), R"({"format": 1, "cameras": []})");
+    EXPECT_EQ(ToolTest::run({"modfreq", "10"}).exitCode, ExitCode_NO_DEVICE);
+    EXPECT_EQ(ToolTest::run({"modfreq", "10", "--direct"}).exitCode, 0);
 }
 
 TEST_F(ChipVerbs, NameTheRangeOfAValueThatIsOutOfIt) {
@@ -112,7 +134,10 @@ TEST_F(ChipVerbs, NameTheRangeOfAValueThatIsOutOfIt) {
         {{"xu", "set", "2", "0102030405060708"}, ExitCode_USAGE, "0 to 7"},
         {{"xu", "len", "9"}, ExitCode_FAILED, "no control 9"},
         {{"firmware", "dump", "x", "--start", "2", "--length", "65535"}, ExitCode_USAGE, "1 to 65534"},
-        {{"reg", "read", "tof", "1", "--camera", "OV9999"}, ExitCode_USAGE, "OV0570"},
+        {{"reg", "read", "tof", "1", "--camera", "OV9999"}, ExitCode_NO_DEVICE, "plugged in: SIM0570"},
+        {{"reg", "read", "tof", "1", "--camera", "SIM"}, ExitCode_USAGE, "may be any of SIM0570"},
+        {{"reg", "read", "tof", "1", "--camera", ""}, ExitCode_USAGE, "name of the camera is empty"},
+        {{"reg", "read", "tof", "1", "--direct", "--camera", "SIM0570"}, ExitCode_USAGE, "no controller"},
     };
     for (const auto& row : rows) {
         const ToolRun run = ToolTest::run(row.arguments);
@@ -124,7 +149,8 @@ TEST_F(ChipVerbs, NameTheRangeOfAValueThatIsOutOfIt) {
 
 TEST_F(ChipVerbs, TellOfATransferThatFailsAndLeaveNoFile) {
     const SimulatedFaults faults("chip VC0258;transfer 4 short");
-    const ToolRun run = ToolTest::run({"firmware", "dump", path("dump.bin"), "--trace"});
+    const ToolRun run =
+        ToolTest::run({"firmware", "dump", path("dump.bin"), "--trace", "--camera", "VC0258"});
     EXPECT_EQ(run.exitCode, ExitCode_FAILED);
     EXPECT_THAT(run.err, HasSubstr("FAILED: control 24 of unit 4: 35 bytes came back, 36 were asked"));
     EXPECT_THAT(filesLeft(), testing::IsEmpty());
@@ -150,7 +176,7 @@ TEST_F(ChipVerbs, ReadNothingForAFileThatCannotBeWritten) {
 TEST_F(ChipVerbs, TheCameraKeepsALogOfItsOwn) {
     const std::string log = path("transfers.txt");
     const SimulatedFaults settings("chip VC0345;transferLog " + log);
-    ASSERT_EQ(ToolTest::run({"reg", "write", "tof", "5", "0x1234"}).exitCode, 0);
+    ASSERT_EQ(ToolTest::run({"reg", "write", "tof", "5", "0x1234", "--direct"}).exitCode, 0);
     EXPECT_EQ(Utils::readFile(log),
               "SET 4/4  20 02 81 04  write bridge register 0x8102 := 0x04 (sensor control size)\n"
               "SET 4/16  41 05 34 12  write time-of-flight register 0x05 := 0x1234\n");

@@ -8,6 +8,8 @@
 #include <zentara/utils/files.h>
 
 #include "plugins/simulated/controllers/factory_flash.h"
+#include "plugins/simulated/descriptions/simulated_bus.h"
+#include "support/scoped_variable.h"
 #include "support/simulated_faults.h"
 #include "tools/tool_fixture.h"
 #include "tools/zentara/rom/hex_bytes.h"
@@ -306,7 +308,7 @@ TEST_F(RomVerbs, AnswerBadInputAndLeaveTheImageAlone) {
         {{"create", path("new.bin"), "--size", "16"}, ExitCode_USAGE, "no room"},
         {{"create", path("new.bin"), "--size", "20"}, ExitCode_USAGE, "no room"},
         {{"create", path("new.bin"), "--size", "100", "--header", "end"}, ExitCode_USAGE, "no room"},
-        {{"verify", "camera:OV9999"}, ExitCode_USAGE, "OV9999"},
+        {{"verify", "camera:OV9999"}, ExitCode_NO_DEVICE, "OV9999"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.text);
@@ -321,12 +323,16 @@ TEST_F(RomVerbs, AnswerBadInputAndLeaveTheImageAlone) {
 TEST_F(RomVerbs, WorkOnTheFlashOfEachCamera) {
     const struct {
         const char* chip;
+        const char* model;
         bool isWritable;
-    } rows[] = {{"OV0570", true}, {"VC0345", true}, {"VC0258", false}};
+    } rows[] = {{"OV0570", "ZS570", true}, {"VC0345", "ZS345", true}, {"VC0258", "ZS258", false}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.chip);
         const std::string kept = path(std::string(row.chip) + ".flash");
-        const SimulatedFaults camera(std::string("chip ") + row.chip + ";keepFlash " + kept);
+        const SimulatedFaults settings(std::string("chip ") + row.chip + ";keepFlash " + kept);
+        const TestSupport::ScopedVariable camera(
+            Simulated::SimulatedBus::variable,
+            file("bus.json", std::string(R"({"format": 1, "cameras": [{"model": ")") + row.model + "\"}]}"));
         EXPECT_THAT(done({"info"}), AllOf(HasSubstr("16384 bytes at 0x00000000, chunks of 256"),
                                           HasSubstr("gradientDistortionCorrection")));
         EXPECT_THAT(done({"verify", "--direct"}), HasSubstr("5 sections in 6 blocks: all is right"));

@@ -41,6 +41,9 @@ private:
 struct CameraEntry {
     std::string path; ///< the parent path of its nodes
     std::vector<NodeEvent> nodes;
+    std::string vendor; ///< this and the rest is what its description says; empty where that is not known
+    std::string product;
+    std::string controller; ///< "OV0570"
 
     /// Null when the camera has no such node.
     [[nodiscard]] const NodeEvent* find(NodeType type) const;
@@ -56,8 +59,14 @@ public:
     CameraBus(const CameraBus&) = delete;
     CameraBus& operator=(const CameraBus&) = delete;
 
-    /// The cameras that are there now, in the enumerator's order.
+    /// The cameras that are there now, in the enumerator's order; none is no failure.
     [[nodiscard]] std::vector<CameraEntry> cameras();
+
+    /// The same. \throws what failForNone() throws when there is none
+    [[nodiscard]] std::vector<CameraEntry> someCameras();
+
+    /// \throws ToolFailure, exit code 3: no camera is plugged in, and what the enumerator complains of
+    [[noreturn]] void failForNone();
 
     /// From now on arrivals and removals come through next(), beginning with the arrivals of what is there.
     void watch();
@@ -68,19 +77,30 @@ public:
     [[nodiscard]] std::string backendName();
 
 private:
-    CameraStore store;
+    [[nodiscard]] std::string complaint();
+
+    CameraStore store;        ///< the enumerator's
+    CameraStore descriptions; ///< for cameras()
     Utils::Collection::Queue<ExternalEvent> events;
     Utils::SmartPtr<IO::EnumeratorInterface> enumerator;
 };
 
-/// The cameras whose serial number or path is that name, or, if none is, whose name contains it.
+/// The cameras whose serial number or path is that name or, if none is, in whose name, product name or controller it
+/// occurs, whatever the case.
 /// \param names empty for the first camera
-/// \throws ToolFailure, exit code 3, when there is none, or a name fits none
+/// \throws ToolFailure, exit code 3, when there is none, or a name fits none; exit code 2 for an empty name
 [[nodiscard]] std::vector<CameraEntry> chooseCameras(const std::vector<CameraEntry>& cameras,
                                                      const std::vector<std::string>& names);
 
+/// The one camera of that name; the first one if the name is empty.
+/// \throws ToolFailure as above, and exit code 2 when the name fits several
+[[nodiscard]] CameraEntry chooseCamera(const std::vector<CameraEntry>& cameras, const std::string& name);
+
 /// What to call a camera in a message: the name of its first node and its serial number.
 [[nodiscard]] std::string cameraLabel(const NodeEvent& node);
+
+/// For a terminal: control characters, which names from files may hold, become '?'.
+[[nodiscard]] std::string printable(std::string text);
 
 template<typename Interface>
 Utils::SmartPtr<Interface> makePlugin(GUID guid) {

@@ -229,6 +229,17 @@ std::unique_ptr<CameraChip> CameraChip::detect(IO::VideoDeviceProxy& proxy, Tran
     throw ToolFailure(ExitCode_NO_DEVICE, "the camera has no controller that is known");
 }
 
+std::unique_ptr<CameraChip> CameraChip::bind(ChipKind kind, IO::VideoDeviceProxy& proxy, TransferSink sink) {
+    switch (kind) {
+    case ChipKind::OV0570:
+        return std::make_unique<OV0570Chip>(proxy, std::move(sink));
+    case ChipKind::VC0258:
+        return std::make_unique<VC0258Chip>(proxy, std::move(sink));
+    default:
+        return std::make_unique<VC0345Chip>(proxy, std::move(sink));
+    }
+}
+
 void CameraChip::command(IO::UVCPrefix prefix, unsigned a, unsigned b) {
     wire().processCommand(Utils::makeRefcounted<IO::UVCCommandRequest>(prefix, a, b));
 }

@@ -45,6 +45,10 @@ public:
     /// \throws ToolFailure when it is none of the known ones.
     [[nodiscard]] static std::unique_ptr<CameraChip> detect(IO::VideoDeviceProxy& proxy, TransferSink sink);
 
+    /// Binds the chip that the camera is known to have. The proxy must outlive the result.
+    [[nodiscard]] static std::unique_ptr<CameraChip> bind(ChipKind kind, IO::VideoDeviceProxy& proxy,
+                                                          TransferSink sink);
+
     virtual ~CameraChip() = default;
     [[nodiscard]] virtual ChipKind kind() const = 0;
     [[nodiscard]] virtual IO::XUInterface& wire() = 0;

@@ -19,9 +19,12 @@ struct CameraOptions {
     bool json = false;
 };
 
+/// --camera, which names one camera.
+void addCameraName(CLI::App& command, std::string& name);
+
 void addCameraOptions(CLI::App& command, CameraOptions& options);
 
-/// One camera through its depth node. Bound.
+/// One camera, through its depth node where it has one. Bound.
 class CameraSession final {
 public:
     /// Finds the camera and opens its depth node. \throws ToolFailure
@@ -31,10 +34,14 @@ public:
     CameraSession& operator=(const CameraSession&) = delete;
 
     [[nodiscard]] const CameraEntry& camera() const noexcept { return entry; }
-    [[nodiscard]] Core::DepthNodeInterface& depth() const { return **node; }
-    [[nodiscard]] Core::DescriptorStoreRO& store() const { return node->store(); }
+    [[nodiscard]] bool hasDepth() const noexcept { return node != nullptr; }
+    /// \throws ToolFailure when the camera has no depth node
+    [[nodiscard]] Core::DepthNodeInterface& depth() const;
+    /// What the description says of the depth node, or of the first one of a camera that has none.
+    [[nodiscard]] Core::DescriptorStoreRO& store() const { return node ? node->store() : description.view(); }
 
-    /// The camera's parameters; connects to their back-end at the first call. \throws ToolFailure
+    /// The camera's parameters; connects to their back-end at the first call.
+    /// \throws ToolFailure, also when the description names no back-end
     [[nodiscard]] IO::ParameterInterpreter& parameters();
 
     /// Who the camera is: path, serial number, vendor and product.
@@ -43,13 +50,29 @@ public:
     /// Ends the verb: prints the result as JSON, with the camera added, or the text.
     void finish(const Json& result, const std::string& text) const;
 
+    /// Passes a failure on. If the camera is not plugged in any more, that is what failed: exit code 3.
+    [[noreturn]] void passOn(const ToolFailure& failure) const;
+
 private:
     const char* const verb;
     const CameraOptions options;
     Console& console;
     CameraEntry entry;
+    CameraStore description;
     std::unique_ptr<OpenNode<Core::DepthNodeInterface>> node;
     Utils::SmartPtr<IO::LibraryParameterInterpreter> interpreter; ///< ends before the node
 };
+
+/// Does a verb's work with one camera. \param work takes the CameraSession and returns the exit code
+template<typename Work>
+[[nodiscard]] ExitCode withCamera(const char* verb, const CameraOptions& options, Console& console,
+                                  Work work) {
+    CameraSession session(verb, options, console);
+    try {
+        return work(session);
+    } catch (const ToolFailure& failure) {
+        session.passOn(failure);
+    }
+}
 
 } // namespace Zentara::Tool

@@ -2,27 +2,31 @@
 
 #include <utility>
 
+#include <zentara/core/descriptor_store_ro.h>
 #include <zentara/io/video_device_proxy.h>
 #include <zentara/utils/environment_variable.h>
 #include <zentara/utils/format.h>
 
 #include "plugins/simulated/controllers/controller_settings.h"
+#include "plugins/simulated/descriptions/controller_code.h"
+#include "tools/zentara/camera_session.h"
 #include "tools/zentara/device_choice.h"
+#include "tools/zentara/guid_text.h"
 
 namespace Zentara::Tool {
 namespace {
 
 /// Devices made while it lives have the controller that the user named.
-class ChosenCamera {
+class ChosenController {
 public:
-    explicit ChosenCamera(const std::string& name) {
+    explicit ChosenController(const std::string& name) {
         before = chip.isDefined() ? chip.getValue() : "";
         if (!name.empty())
             chip.setValue(name.c_str());
     }
-    ~ChosenCamera() { chip.setValue(before.empty() ? nullptr : before.c_str()); }
-    ChosenCamera(const ChosenCamera&) = delete;
-    ChosenCamera& operator=(const ChosenCamera&) = delete;
+    ~ChosenController() { chip.setValue(before.empty() ? nullptr : before.c_str()); }
+    ChosenController(const ChosenController&) = delete;
+    ChosenController& operator=(const ChosenController&) = delete;
 
 private:
     Utils::EnvironmentVariable chip{Simulated::ControllerSettings::chipVariable};
@@ -42,29 +46,77 @@ Json toJson(ChipKind kind, const Transfer& transfer) {
     return json;
 }
 
+/// A camera's video device as its node holds it, without the node.
+class NodeDevice final : public IO::VideoDeviceProxy {
+public:
+    using VideoDeviceProxy::initialize;
+    using VideoDeviceProxy::VideoDeviceProxy;
+};
+
+const NodeEvent& videoNodeOf(const CameraEntry& camera) {
+    for (const NodeType type : {NodeType_DEPTH, NodeType_COLOR}) {
+        if (const NodeEvent* node = camera.find(type))
+            return *node;
+    }
+    throw ToolFailure(ExitCode_NO_DEVICE,
+                      "camera " + printable(camera.serialNumber()) +
+                          " has no video device, through which its controller is reached");
+}
+
 } // namespace
 
 CLI::Range any32Bits() { return {std::uint32_t{0}, std::uint32_t{0xFFFFFFFF}}; }
 
 void addChipOptions(CLI::App& command, ChipOptions& options) {
-    command.add_option("--camera", options.camera, "Which simulated camera: the one with that controller")
-        ->type_name("OV0570|VC0258|VC0345")
-        ->check(CLI::IsMember({"OV0570", "VC0258", "VC0345"}, CLI::ignore_case));
-    command.add_flag("--direct", options.direct, "Call the device from this thread, without the worker");
+    addCameraName(command, options.camera);
+    command.add_flag("--direct", options.direct,
+                     "Talk to the bare video device plug-in, without descriptions and the worker thread; "
+                     "--camera then names the simulated controller: OV0570, VC0258 or VC0345");
     command.add_flag("--trace", options.trace, "Show each transfer, its bytes and what they mean");
     command.add_flag("--json", options.json, "Print JSON");
 }
 
 ChipSession::ChipSession(const char* verbName, const ChipOptions& wanted, Console& target)
     : verb(verbName), options(wanted), console(target) {
-    const ChosenCamera chosen(options.camera);
+    if (options.direct)
+        openDevice();
+    else
+        openCamera();
+}
+
+void ChipSession::openDevice() {
+    if (!options.camera.empty() && !Simulated::chipKindFromName(options.camera))
+        throw ToolFailure(ExitCode_USAGE,
+                          "there is no controller '" + options.camera + "'; known: OV0570, VC0258, VC0345");
+    const ChosenController chosen(options.camera);
     const GUID guid = chooseDevice(Core::ImplType_VIDEO_DEVICE, "video device", console.err);
-    attempt("open the camera", [&] {
-        proxy = std::make_unique<IO::VideoDeviceProxy>(guid, !options.direct);
+    attempt("open " + guidLabel(guid), [&] {
+        proxy = std::make_unique<IO::VideoDeviceProxy>(guid, false);
         proxy->open();
     });
-    attempt("find the camera's controller", [&] {
-        camera = CameraChip::detect(*proxy, [this](const Transfer& transfer) { note(transfer); });
+    bindChip(guidLabel(guid), std::nullopt);
+}
+
+void ChipSession::openCamera() {
+    entry = chooseCamera(CameraBus(console.err).someCameras(), options.camera);
+    node = videoNodeOf(entry);
+    store = std::make_unique<CameraStore>(console.err);
+    store->select(node);
+    const GUID guid = store->view().getDeviceImplGUID();
+    attempt(Utils::Format("open % through %") % cameraLabel(node) % guidLabel(guid), [&] {
+        auto device = std::make_unique<NodeDevice>(guid, true);
+        device->initialize(&node, &store->view());
+        proxy = std::move(device);
+        proxy->open();
+    });
+    bindChip(cameraLabel(node), Simulated::describedController(store->view().getDeviceCapabilities()));
+}
+
+/// A camera whose description does not name its controller is asked.
+void ChipSession::bindChip(const std::string& label, std::optional<ChipKind> described) {
+    attempt("reach the controller of " + label, [&] {
+        const TransferSink sink = [this](const Transfer& transfer) { note(transfer); };
+        camera = described ? CameraChip::bind(*described, *proxy, sink) : CameraChip::detect(*proxy, sink);
     });
 }
 
@@ -99,6 +151,10 @@ void ChipSession::finish(Json result, const std::string& text) {
     }
     Json json = beginJson(verb);
     json["camera"] = chipName(camera->kind());
+    if (!options.direct) {
+        json["serialNumber"] = entry.serialNumber();
+        json["path"] = entry.path;
+    }
     json["proxified"] = !options.direct;
     json.update(result);
     if (options.trace) {

@@ -2,9 +2,11 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "tools/zentara/camera_bus.h"
 #include "tools/zentara/camera_chip.h"
 #include "tools/zentara/json_output.h"
 #include "tools/zentara/verb.h"
@@ -13,8 +15,8 @@ namespace Zentara::Tool {
 
 /// What the verbs that talk to a controller have in common.
 struct ChipOptions {
-    std::string camera;
-    bool direct = false;
+    std::string camera;  ///< a name of a camera; with `direct` of a controller
+    bool direct = false; ///< a bare device
     bool trace = false;
     bool json = false;
 };
@@ -24,10 +26,11 @@ struct ChipOptions {
 
 void addChipOptions(CLI::App& command, ChipOptions& options);
 
-/// One camera, open, with its chip bound. A failure of a step leaves it as a ToolFailure.
+/// One camera of the bus, or a bare video device, open, with its chip bound. A failure of a step leaves it as a
+/// ToolFailure.
 class ChipSession final {
 public:
-    /// Picks the camera and opens it. \throws ToolFailure
+    /// Finds the camera, or makes the device, and opens it. \throws ToolFailure
     ChipSession(const char* verbName, const ChipOptions& wanted, Console& target);
     ~ChipSession();
     ChipSession(const ChipSession&) = delete;
@@ -40,6 +43,9 @@ public:
     void finish(Json result, const std::string& text);
 
 private:
+    void openDevice();
+    void openCamera();
+    void bindChip(const std::string& label, std::optional<ChipKind> described);
     void note(const Transfer& transfer);
     void show(const Transfer& transfer);
 
@@ -48,6 +54,9 @@ private:
     Console& console;
     /// With JSON the trace waits for the end: it goes into the result, or to the errors when there is none.
     std::vector<Transfer> transfers;
+    CameraEntry entry; ///< empty for a bare device, as the two below
+    NodeEvent node;
+    std::unique_ptr<CameraStore> store; ///< the device may read it until its end
     std::unique_ptr<IO::VideoDeviceProxy> proxy;
     std::unique_ptr<CameraChip> camera;
 };

@@ -1,9 +1,9 @@
 #include <iomanip>
 #include <memory>
 
-#include <zentara/core/descriptor_store_ro.h>
 #include <zentara/utils/clock.h>
 
+#include "tools/zentara/arguments.h"
 #include "tools/zentara/camera_bus.h"
 #include "tools/zentara/interrupt.h"
 #include "tools/zentara/json_output.h"
@@ -14,6 +14,7 @@ namespace Zentara::Tool {
 namespace {
 
 constexpr unsigned long lookMilliseconds = 100;
+constexpr double shortestWatch = 0.001;
 constexpr double longestWatch = 86'400;
 
 struct Options {
@@ -22,17 +23,6 @@ struct Options {
     bool json = false;
 };
 
-/// The model of a camera, by its description.
-struct Model {
-    std::string vendor;
-    std::string product;
-};
-
-Model modelOf(const NodeEvent& node, CameraStore& store) {
-    store.select(node);
-    return {store.view().getVendorName(), store.view().getProductName()};
-}
-
 Json toJson(const NodeEvent& node) {
     return {{"kind", nodeTypeName(node.nodeType)},
             {"name", node.name},
@@ -40,27 +30,30 @@ Json toJson(const NodeEvent& node) {
             {"ids", {node.vendorId, node.productId, node.revision, node.interfaceNumber}}};
 }
 
-Json toJson(const CameraEntry& camera, CameraStore& store) {
-    const Model model = modelOf(camera.nodes.front(), store);
+Json toJson(const CameraEntry& camera) {
     Json json{{"serialNumber", camera.serialNumber()},
               {"path", camera.path},
-              {"vendor", model.vendor},
-              {"product", model.product},
+              {"vendor", camera.vendor},
+              {"product", camera.product},
+              {"controller", camera.controller.empty() ? Json() : Json(camera.controller)},
               {"nodes", Json::array()}};
     for (const NodeEvent& node : camera.nodes)
         json["nodes"].push_back(toJson(node));
     return json;
 }
 
-void printCameras(std::ostream& out, const std::vector<CameraEntry>& cameras, CameraStore& store) {
-    out << std::left << std::setw(16) << "SERIAL" << std::setw(32) << "PRODUCT" << std::setw(20) << "NODES"
+void printCameras(std::ostream& out, const std::vector<CameraEntry>& cameras) {
+    out << std::left << std::setw(16) << "SERIAL" << std::setw(32) << "PRODUCT" << std::setw(12)
+        << "CONTROLLER" << std::setw(20) << "NODES"
         << "PATH\n";
     for (const CameraEntry& camera : cameras) {
         std::string kinds;
         for (const NodeEvent& node : camera.nodes)
             kinds += std::string(kinds.empty() ? "" : " ") + nodeTypeName(node.nodeType);
-        out << std::left << std::setw(16) << camera.serialNumber() << std::setw(32)
-            << modelOf(camera.nodes.front(), store).product << std::setw(20) << kinds << camera.path << '\n';
+        out << std::left << std::setw(16) << printable(camera.serialNumber()) << std::setw(32)
+            << printable(camera.product) << std::setw(12)
+            << (camera.controller.empty() ? "-" : camera.controller) << std::setw(20) << kinds
+            << printable(camera.path) << '\n';
     }
 }
 
@@ -85,11 +78,14 @@ void printEvent(std::ostream& out, const ExternalEvent& event, bool json) {
         line["serialNumber"] = node.serialNumber;
         line["node"] = toJson(node);
         out << line.dump(-1, ' ', false, Json::error_handler_t::replace) << std::endl;
-    } else {
-        out << std::left << std::setw(9) << eventName(event.type) << std::setw(7)
-            << nodeTypeName(node.nodeType) << node.name << ' ' << node.serialNumber << ' ' << node.path
-            << std::endl;
+        return;
     }
+    out << std::left << std::setw(9) << eventName(event.type);
+    if (event.type == ExternalEventType_ERROR)
+        out << printable(node.name) << std::endl;
+    else
+        out << std::setw(7) << nodeTypeName(node.nodeType) << cameraLabel(node) << ' ' << printable(node.path)
+            << std::endl;
 }
 
 ExitCode watchDevices(const Options& options, CameraBus& bus, Console& console) {
@@ -97,7 +93,7 @@ ExitCode watchDevices(const Options& options, CameraBus& bus, Console& console) 
     std::int64_t start = 0;
     Utils::Clock::getTime(start);
     bus.watch();
-    while (!interrupt.interrupted()) {
+    while (!interrupt.interrupted() && console.out) {
         std::int64_t now = 0;
         Utils::Clock::getTime(now);
         if (options.seconds > 0 && static_cast<double>(now - start) / 1e6 >= options.seconds)
@@ -106,7 +102,7 @@ ExitCode watchDevices(const Options& options, CameraBus& bus, Console& console) 
         if (bus.next(event, lookMilliseconds))
             printEvent(console.out, event, options.json);
     }
-    return ExitCode_INTERRUPTED;
+    return interrupt.interrupted() ? ExitCode_INTERRUPTED : ExitCode_DONE;
 }
 
 ExitCode runDevices(const Options& options, Console& console) {
@@ -114,21 +110,19 @@ ExitCode runDevices(const Options& options, Console& console) {
     if (options.watch)
         return watchDevices(options, bus, console);
     const std::vector<CameraEntry> cameras = bus.cameras();
-    CameraStore store(console.err);
     if (options.json) {
         Json json = beginJson("devices");
         json["enumerator"] = bus.backendName();
         json["cameras"] = Json::array();
         for (const CameraEntry& camera : cameras)
-            json["cameras"].push_back(toJson(camera, store));
+            json["cameras"].push_back(toJson(camera));
         print(console.out, json);
     } else if (!cameras.empty()) {
-        printCameras(console.out, cameras, store);
+        printCameras(console.out, cameras);
     }
-    if (!cameras.empty())
-        return ExitCode_DONE;
-    console.err << "zentara devices: no camera is plugged in\n";
-    return ExitCode_NO_DEVICE;
+    if (cameras.empty())
+        bus.failForNone();
+    return ExitCode_DONE;
 }
 
 } // namespace
@@ -144,7 +138,7 @@ Verb addDevicesVerb(CLI::App& program) {
         command->add_flag("--watch", options->watch, "Tell what comes and goes, until Ctrl-C");
     command->add_option("--seconds", options->seconds, "Watch so long")
         ->type_name("N")
-        ->check(CLI::Range(0.0, longestWatch).description(""))
+        ->check(secondsBetween(shortestWatch, longestWatch))
         ->needs(watch);
     command->add_flag("--json", options->json, "Print JSON");
     return {command, [options](Console& console) { return runDevices(*options, console); }};

@@ -14,6 +14,8 @@ ExitCode exitCodeOf(Plugin::PluginExceptionType type) noexcept {
         return ExitCode_TIMEOUT;
     case Plugin::PluginExceptionType_UNAUTHORIZED_ACCESS:
         return ExitCode_PERMISSION;
+    case Plugin::PluginExceptionType_INVALID_OPERATION:
+        return ExitCode_BUSY; // it would be possible in another state
     default:
         return ExitCode_FAILED;
     }

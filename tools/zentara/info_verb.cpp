@@ -3,10 +3,12 @@
 #include <sstream>
 
 #include <zentara/core/descriptor_store_ro.h>
+#include <zentara/core/guids.h>
 
 #include "tools/zentara/calibration_json.h"
 #include "tools/zentara/camera_session.h"
 #include "tools/zentara/guid_text.h"
+#include "tools/zentara/parameter_text.h"
 #include "tools/zentara/stream_description.h"
 
 namespace Zentara::Tool {
@@ -19,13 +21,20 @@ constexpr const char* verbName = "info";
 /// Adds what one question to the camera brings. A camera that cannot answer it is told of in its place.
 template<typename Ask>
 void section(Json& json, const char* name, ExitCode& worst, Ask ask) {
+    const auto fail = [&](const std::string& what, ExitCode code) {
+        json[name] = {{"failure", what}};
+        worst = worst == ExitCode_DONE ? code : worst;
+    };
     try {
         json[name] = ask();
     } catch (const Plugin::NotSupportedPluginException& failure) {
         json[name] = {{"notSupported", failure.message()}};
     } catch (const Plugin::PluginException& failure) {
-        json[name] = {{"failure", failure.message()}};
-        worst = exitCodeOf(failure.type());
+        fail(failure.message(), exitCodeOf(failure.type()));
+    } catch (const ToolFailure& failure) {
+        fail(failure.what(), failure.code);
+    } catch (const std::exception& failure) {
+        fail(failure.what(), ExitCode_FAILED);
     }
 }
 
@@ -48,20 +57,13 @@ Json toJson(const HardwareVersionInternal& hardware) {
 Json toJson(const SensorValueArray& values) {
     Json json = Json::array();
     for (const SensorValue& value : values.values)
-        json.push_back({{"sensor", value.sensorId}, {"celsius", value.value}});
+        json.push_back({{"sensor", value.sensorId}, {"celsius", floatJson(value.value)}});
     return json;
 }
 
 Json toJson(const AccelerationInternal& acceleration) {
-    return {{"x", acceleration.x}, {"y", acceleration.y}, {"z", acceleration.z}};
-}
-
-template<typename Modes>
-Json modeNames(const Modes& modes) {
-    Json names = Json::array();
-    for (const auto& mode : modes)
-        names.push_back(mode->getName());
-    return names;
+    return {
+        {"x", floatJson(acceleration.x)}, {"y", floatJson(acceleration.y)}, {"z", floatJson(acceleration.z)}};
 }
 
 /// What the descriptions say of a node.
@@ -74,15 +76,11 @@ Json describeNode(const NodeEvent& node, CameraStore& store) {
               {"ids", {node.vendorId, node.productId, node.revision, node.interfaceNumber}},
               {"node", guidLabel(view.getNodeImplGUID())},
               {"device", guidLabel(view.getDeviceImplGUID())}};
-    switch (node.nodeType) {
-    case NodeType_DEPTH:
-        json["modes"] = modeNames(view.getDepthConfigurations());
-        break;
-    case NodeType_COLOR:
-        json["modes"] = modeNames(view.getColorConfigurations());
-        break;
-    default:
-        json["modes"] = modeNames(view.getAudioConfigurations());
+    json["modes"] = Json::array();
+    json["modeSizes"] = Json::array();
+    for (const StreamDescription& mode : modesOf(node, view)) {
+        json["modes"].push_back(mode.modeName());
+        json["modeSizes"].push_back(mode.modeSize());
     }
     return json;
 }
@@ -97,14 +95,14 @@ Json correctionsOf(Core::DepthNodeInterface& depth) {
         if (temperature.setCurrentMode(mode)) {
             Json parameters = Json::array();
             for (unsigned index = 0; index < temperature.getParameterCount(); ++index)
-                parameters.push_back(temperature.getParameter(index));
+                parameters.push_back(floatJson(temperature.getParameter(index)));
             entry["temperatureCompensation"] = {{"algorithm", static_cast<int>(temperature.getAlgorithm())},
                                                 {"parameters", parameters}};
         }
         if (cyclic.setCurrentMode(mode)) {
             Json parameters = Json::array();
             for (unsigned index = 0; index < cyclic.getParameterCount(); ++index)
-                parameters.push_back(cyclic.getParameter(index));
+                parameters.push_back(floatJson(cyclic.getParameter(index)));
             entry["cyclicErrorCorrection"] = {{"algorithm", static_cast<int>(cyclic.getAlgorithm())},
                                               {"parameters", parameters}};
         }
@@ -113,6 +111,25 @@ Json correctionsOf(Core::DepthNodeInterface& depth) {
     return json;
 }
 
+/// What the descriptions say of the whole camera.
+Json describeCamera(const CameraSession& session) {
+    const std::string& controller = session.camera().controller;
+    return {{"controller", controller.empty() ? Json() : Json(controller)},
+            {"hardware", toJson(session.store().getHardwareVersion())},
+            {"deviceFlags", session.store().getDeviceFlags()},
+            {"deviceCapabilities", session.store().getDeviceCapabilities()}};
+}
+
+/// The same where there is a back-end for it; a camera without is no failure.
+Json calibrationOf(CameraSession& session) {
+    if (guidEquals(session.store().getParameterInterpreterGUID(), Core::Guids::NULL_IMPL))
+        return {{"notSupported", "the description names no parameter back-end"}};
+    CalibrationInternal calibration;
+    session.parameters().readCalibration(&calibration);
+    return toJson(calibration);
+}
+
+/// What only the camera knows.
 Json askCamera(CameraSession& session, ExitCode& worst) {
     Core::DepthNodeInterface& depth = session.depth();
     Json json;
@@ -122,17 +139,10 @@ Json askCamera(CameraSession& session, ExitCode& worst) {
         depth.getVersions(major, minor);
         return Json{{"major", major}, {"minor", minor}};
     });
-    json["hardware"] = toJson(session.store().getHardwareVersion());
-    json["deviceFlags"] = session.store().getDeviceFlags();
-    json["deviceCapabilities"] = session.store().getDeviceCapabilities();
     section(json, "storedSerialNumber", worst, [&] { return Json(depth.getSerialNumber()); });
-    section(json, "calibration", worst, [&] {
-        CalibrationInternal calibration;
-        session.parameters().readCalibration(&calibration);
-        return toJson(calibration);
-    });
+    section(json, "calibration", worst, [&] { return calibrationOf(session); });
     section(json, "corrections", worst, [&] { return correctionsOf(depth); });
-    section(json, "rangeMeters", worst, [&] { return Json(depth.getRange()); });
+    section(json, "rangeMeters", worst, [&] { return floatJson(depth.getRange()); });
     section(json, "temperatures", worst, [&] { return toJson(depth.readTemperatures()); });
     section(json, "accelerometerCalibration", worst,
             [&] { return toJson(depth.getAccelerometerCalibration()); });
@@ -151,22 +161,25 @@ void printLeaves(std::ostream& out, const Json& json, const std::string& name) {
         return;
     }
     out << std::left << std::setw(55) << name << ' '
-        << (json.is_string() ? json.get<std::string>() : json.dump()) << '\n';
+        << (json.is_string() ? printable(json.get<std::string>()) : json.dump()) << '\n';
 }
 
 ExitCode runInfo(const CameraOptions& options, Console& console) {
-    CameraSession session(verbName, options, console);
-    Json json{{"nodes", Json::array()}};
-    CameraStore store(console.err);
-    for (const NodeEvent& node : session.camera().nodes)
-        json["nodes"].push_back(describeNode(node, store));
-    ExitCode worst = ExitCode_DONE;
-    json.update(askCamera(session, worst));
-    std::ostringstream text;
-    printLeaves(text, session.identity(), "");
-    printLeaves(text, json, "");
-    session.finish(json, text.str());
-    return worst;
+    return withCamera(verbName, options, console, [&](CameraSession& session) {
+        Json json{{"nodes", Json::array()}};
+        CameraStore store(console.err);
+        for (const NodeEvent& node : session.camera().nodes)
+            json["nodes"].push_back(describeNode(node, store));
+        json.update(describeCamera(session));
+        ExitCode worst = ExitCode_DONE;
+        if (session.hasDepth())
+            json.update(askCamera(session, worst));
+        std::ostringstream text;
+        printLeaves(text, session.identity(), "");
+        printLeaves(text, json, "");
+        session.finish(json, text.str());
+        return worst;
+    });
 }
 
 } // namespace
@@ -178,6 +191,9 @@ Verb addInfoVerb(CLI::App& program) {
             .add_subcommand(verbName, "Tells what a camera is: nodes, modes, firmware, hardware, "
                                       "calibration, temperatures")
             ->group("Verbs");
+    command->footer(
+        "A camera without a depth node tells what its description says. Names of modes are for\n"
+        "'zentara stream --mode'. What the camera does not answer stands in its place as failure.");
     addCameraOptions(*command, *options);
     return {command, [options](Console& console) { return runInfo(*options, console); }};
 }

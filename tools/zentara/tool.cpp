@@ -2,6 +2,7 @@
 #include <exception>
 
 #include <zentara/utils/format.h>
+#include <zentara/utils/kv_logger.h>
 #include <zentara/version.h>
 
 #include "tools/zentara/program_root.h"
@@ -12,9 +13,9 @@ namespace {
 
 constexpr const char* footer = R"(Environment:
   ZENTARASDK_ROOT    where the SDK is installed; plug-ins lie in "bin/Plugins/" below it
-  ZENTARA_SIMULATED  settings of the simulated camera, or @FILE with them
+  ZENTARA_SIMULATED  settings of the simulated cameras, or @FILE with them
   ZENTARA_SIMULATED_CAMERAS  a file that says which simulated cameras are plugged in
-  ZENTARA_SIMULATED_CHIP  its controller: OV0570, VC0258, VC0345 or none
+  ZENTARA_SIMULATED_CHIP  the controller of a bare device (--direct): OV0570, VC0258, VC0345 or none
 
 Exit codes:
   0 done   1 failed   2 usage   3 no device   4 no usable plug-in   5 permission
@@ -41,6 +42,36 @@ ExitCode runVerb(const Verb& verb, Console& console) {
     }
 }
 
+/// What is wrong with the words of the command line, and where help is.
+std::string usageText(const CLI::App* program, const CLI::Error& reason) {
+    const auto named = program->get_subcommands();
+    std::string words = "zentara";
+    for (const CLI::App* verb = named.empty() ? nullptr : named.front(); verb != nullptr;
+         verb = verb->get_subcommands().empty() ? nullptr : verb->get_subcommands().front())
+        words += " " + verb->get_name();
+    const std::string what = reason.what();
+    const bool verbMissing = what == "A subcommand is required";
+    return words + ": " + (verbMissing ? "name a verb" : what) + "\n'" + words + " --help' tells more\n";
+}
+
+/// The library's log on standard error, for one scope.
+class ShownLog {
+public:
+    explicit ShownLog(bool isWanted) {
+        if (isWanted)
+            logger = Utils::KVLogger::createInstance(Utils::KVLogLevel_WARNING, "zentara", "STDERR");
+    }
+    ~ShownLog() {
+        if (logger != nullptr)
+            Utils::KVLogger::release();
+    }
+    ShownLog(const ShownLog&) = delete;
+    ShownLog& operator=(const ShownLog&) = delete;
+
+private:
+    Utils::KVLogger* logger = nullptr;
+};
+
 /// Help and version end the parse as well; they are no errors and go to standard output.
 ExitCode endOfParse(const CLI::App& program, const CLI::ParseError& reason, Console& console) {
     const int code = program.exit(reason, console.out, console.err);
@@ -52,21 +83,25 @@ ExitCode endOfParse(const CLI::App& program, const CLI::ParseError& reason, Cons
 int runTool(std::vector<std::string> arguments, Console& console) {
     CLI::App program("Looks after time-of-flight depth cameras: what is plugged in, and what it sees.",
                      "zentara");
-    program.footer(footer);
     program.set_version_flag("--version", versionText());
+    bool log = false;
+    program.add_flag("--log", log, "Show what the library logs, warnings and errors, on standard error");
     program.require_subcommand(1);
     program.get_formatter()->label("SUBCOMMAND", "VERB");
+    program.failure_message(usageText);
     const std::vector<Verb> verbs{
         addPluginsVerb(program), addDevicesVerb(program), addInfoVerb(program),        addStreamVerb(program),
         addParamsVerb(program),  addSensorsVerb(program), addCalibrationVerb(program), addXuVerb(program),
         addRegVerb(program),     addI2cVerb(program),     addFirmwareVerb(program),    addMetaVerb(program),
         addModfreqVerb(program), addRomVerb(program)};
+    program.footer(footer); // after the verbs: they would take it over
     try {
         std::reverse(arguments.begin(), arguments.end()); // the parser takes them from the back
         program.parse(std::move(arguments));
     } catch (const CLI::ParseError& reason) {
         return endOfParse(program, reason, console);
     }
+    const ShownLog shown(log);
     useProgramRoot();
     const auto chosen =
         std::find_if(verbs.begin(), verbs.end(), [](const Verb& verb) { return verb.command->parsed(); });

@@ -140,9 +140,6 @@ std::unique_ptr<ROM::FileAccessor> continued(const std::string& file, const Byte
 std::unique_ptr<RomTarget> openCamera(TargetOptions options, Console& console) {
     if (!options.image.empty())
         options.camera = options.image.substr(std::string("camera:").size());
-    if (!options.camera.empty() && !Simulated::chipKindFromName(options.camera))
-        throw ToolFailure(ExitCode_USAGE,
-                          "there is no camera '" + options.camera + "'; known: OV0570 VC0258 VC0345");
     ChipOptions wanted = options;
     wanted.json = false; // a trace goes to the error stream, beside whatever is printed
     const FlashArea area = options.size == 0 && !options.hasStart
@@ -171,7 +168,9 @@ bool isCamera(const TargetOptions& options) {
 }
 
 void addTargetOptions(CLI::App& command, TargetOptions& options) {
-    command.add_option("IMAGE", options.image, "An image file, or camera:CHIP; the camera unless named");
+    command.add_option(
+        "IMAGE", options.image,
+        "An image file, or camera:NAME with a name as --camera takes it; the camera unless named");
     command.add_option("--start", options.start, "Where the storage begins on the flash")
         ->each([&options](const std::string&) { options.hasStart = true; });
     command.add_option("--size", options.size,

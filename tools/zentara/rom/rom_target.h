@@ -12,7 +12,7 @@ namespace Zentara::Tool {
 
 /// Which flash, and where on it the storage lies.
 struct TargetOptions : ChipOptions {
-    std::string image; ///< a file, or "camera:CHIP"; empty for a camera
+    std::string image; ///< a file, or "camera:NAME"; empty for a camera
     std::uint64_t start = 0;
     std::uint64_t size = 0; ///< 0: to the end of the file, or the camera's own
     std::uint32_t chunkSize = 256;
