@@ -4,6 +4,8 @@
 
 #include "tools/zentara/calibration_json.h"
 #include "tools/zentara/camera_session.h"
+#include "tools/zentara/paths.h"
+#include "tools/zentara/stored_document.h"
 
 namespace Zentara::Tool {
 namespace {
@@ -35,31 +37,66 @@ void writeFile(const std::string& path, const CameraSession& session,
     writeJsonFile(path, json);
 }
 
-CalibrationInternal readFile(const std::string& path) {
+/// A calibration from a file, and the serial number of the camera that it is of; empty when it says none.
+struct StoredCalibration {
+    CalibrationInternal calibration;
+    std::string serialNumber;
+};
+
+StoredCalibration readFile(const std::string& path) {
     const Json json = readJsonFile(path);
-    const auto found = json.find("calibration");
-    if (!json.is_object() || found == json.end())
-        throw ToolFailure(ExitCode_FAILED, Format("'%' has no field 'calibration'") % path);
-    if (json.value("schema", Json()) != Json(jsonSchema))
-        throw ToolFailure(ExitCode_FAILED, Format("'%' is not of schema %") % path % jsonSchema);
-    return calibrationFromJson(*found, "'" + path + "'");
+    JsonFields fields(json, path);
+    checkDocument(fields);
+    StoredCalibration stored;
+    stored.calibration = asMarshalled(calibrationFromJson(fields.object("calibration")));
+    stored.serialNumber = serialNumberIn(json);
+    fields.refuseOthers({"verb", "camera"});
+    return stored;
 }
 
 ExitCode runExport(const Options& options, Console& console) {
-    CameraSession session(verbName, options, console);
-    const CalibrationInternal calibration = readCamera(session);
-    if (!options.file.empty())
-        writeFile(options.file, session, calibration);
-    session.finish({{"calibration", toJson(calibration)}}, options.file.empty()
-                                                               ? toJson(calibration).dump(2) + '\n'
-                                                               : "written: " + options.file + '\n');
-    return ExitCode_DONE;
+    return withCamera(verbName, options, console, [&](CameraSession& session) {
+        const CalibrationInternal calibration = readCamera(session);
+        if (!options.file.empty())
+            writeFile(options.file, session, calibration);
+        session.finish({{"calibration", toJson(calibration)}}, options.file.empty()
+                                                                   ? toJson(calibration).dump(2) + '\n'
+                                                                   : "written: " + options.file + '\n');
+        return ExitCode_DONE;
+    });
 }
 
-ExitCode runImport(const Options& options, Console& console) {
-    const CalibrationInternal wanted = asMarshalled(readFile(options.file));
-    CameraSession session(verbName, options, console);
+/// The first of FILE.json, FILE-2.json and so on that is not there yet: no backup replaces another.
+std::string freeBackupName() {
+    const std::string stem = "calibration-before";
+    std::string path = stem + ".json";
+    for (int number = 2; isThere(path); ++number)
+        path = Format("%-%.json") % stem % number;
+    return path;
+}
+
+/// Saves what the camera has, writes the new calibration and reads it back.
+void replaceCalibration(CameraSession& session, const CalibrationInternal& before,
+                        const CalibrationInternal& wanted, const std::string& backup) {
+    if (isThere(backup))
+        throw ToolFailure(ExitCode_USAGE,
+                          "'" + backup + "' is there already; name another file with --backup");
+    writeFile(backup, session, before);
+    CalibrationInternal sent = wanted;
+    attempt("write the camera's calibration ('" + backup + "' has the one before)",
+            [&] { session.parameters().writeCalibration(&sent); });
+    if (readCamera(session) != wanted)
+        throw ToolFailure(
+            ExitCode_VERIFICATION,
+            Format("the camera does not give back the calibration that was written; '%' has the one before") %
+                backup);
+}
+
+ExitCode importInto(CameraSession& session, const StoredCalibration& stored, const Options& options,
+                    Console& console) {
+    const CalibrationInternal& wanted = stored.calibration;
     const CalibrationInternal before = readCamera(session);
+    noteOtherCamera(stored.serialNumber, session, verbName, console);
     Json result{{"before", toJson(before)}, {"calibration", toJson(wanted)}, {"written", false}};
     if (options.dryRun || before == wanted) {
         session.finish(result, before == wanted ? "the camera has this calibration already\n"
@@ -69,20 +106,18 @@ ExitCode runImport(const Options& options, Console& console) {
     if (!options.yes)
         throw ToolFailure(ExitCode_USAGE,
                           "this replaces the camera's calibration; say --yes, or --dry-run to see");
-    writeFile(options.backup, session, before);
-    CalibrationInternal sent = wanted;
-    attempt("write the camera's calibration", [&] { session.parameters().writeCalibration(&sent); });
-    if (readCamera(session) != wanted)
-        throw ToolFailure(
-            ExitCode_VERIFICATION,
-            Format("the camera does not give back the calibration that was written; '%' has the "
-                   "one before") %
-                options.backup);
+    const std::string backup = options.backup.empty() ? freeBackupName() : options.backup;
+    replaceCalibration(session, before, wanted, backup);
     result["written"] = true;
-    result["backup"] = options.backup;
-    session.finish(result,
-                   "the camera's calibration was replaced; " + options.backup + " has the one before\n");
+    result["backup"] = backup;
+    session.finish(result, "the camera's calibration was replaced; " + backup + " has the one before\n");
     return ExitCode_DONE;
+}
+
+ExitCode runImport(const Options& options, Console& console) {
+    const StoredCalibration stored = readFile(options.file);
+    return withCamera(verbName, options, console,
+                      [&](CameraSession& session) { return importInto(session, stored, options, console); });
 }
 
 void printDifference(std::ostream& out, const Json& difference) {
@@ -109,14 +144,15 @@ Json differences(const Json& left, const Json& right) {
 }
 
 ExitCode runDiff(const Options& options, Console& console) {
-    const CalibrationInternal left = asMarshalled(readFile(options.file));
+    const CalibrationInternal left = readFile(options.file).calibration;
     CalibrationInternal right;
-    if (options.other.empty()) {
-        CameraSession session(verbName, options, console);
-        right = readCamera(session);
-    } else {
-        right = asMarshalled(readFile(options.other));
-    }
+    if (!options.other.empty())
+        right = readFile(options.other).calibration;
+    else
+        static_cast<void>(withCamera(verbName, options, console, [&](CameraSession& session) {
+            right = readCamera(session);
+            return ExitCode_DONE;
+        }));
     const Json list = differences(toJson(left), toJson(right));
     if (options.json) {
         Json json = beginJson(verbName);
@@ -151,17 +187,17 @@ Verb addCalibrationVerb(CLI::App& program) {
     addCameraOptions(*toCamera, *options);
     toCamera->add_option("--backup", options->backup, "Where the camera's present calibration is saved first")
         ->type_name("FILE")
-        ->default_str("calibration-before.json");
+        ->default_str("calibration-before.json, or -2, -3 and so on where that is taken");
     toCamera->add_flag("--dry-run", options->dryRun, "Only say what would change");
     toCamera->add_flag("--yes", options->yes, "Replace the camera's calibration");
 
     CLI::App* diff = command->add_subcommand("diff", "Compares a file with another one or with the camera");
     diff->add_option("FILE", options->file, "The calibration file")->required();
-    diff->add_option("OTHER", options->other, "Another file; the camera unless given");
+    CLI::Option* other = diff->add_option("OTHER", options->other, "Another file; the camera unless given");
     addCameraOptions(*diff, *options);
+    diff->get_option("--camera")->excludes(other);
     diff->footer("Exit code 8 when they differ.");
 
-    options->backup = "calibration-before.json";
     return {command, [options, toFile, toCamera](Console& console) {
                 if (toFile->parsed())
                     return runExport(*options, console);

@@ -1,5 +1,6 @@
 #include "tools/zentara/parameter_text.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
@@ -8,6 +9,7 @@
 #include <zentara/utils/format.h>
 
 #include "tools/zentara/exit_code.h"
+#include "tools/zentara/json_fields.h"
 
 namespace Zentara::Tool {
 
@@ -48,11 +50,6 @@ std::string floatText(float value) {
     return text.str();
 }
 
-/// A float as the decimal number that a person would write.
-Json floatJson(float value) {
-    return std::isfinite(value) ? Json::parse(floatText(value)) : Json(floatText(value));
-}
-
 template<typename T>
 Json numberJson(T value) {
     if constexpr (std::is_floating_point_v<T>)
@@ -88,12 +85,42 @@ std::string rangeText(const Json& json) {
     return Format("% to %, step %") % json["minimum"].dump() % json["maximum"].dump() % json["step"].dump();
 }
 
+/// By what is told of the range: the least and the greatest value, or the values.
+bool liesWithin(const Json& told, double value) {
+    const auto tolerance = [](double bound) { return 1e-6 * std::max(1.0, std::abs(bound)); };
+    if (told.contains("values")) {
+        const Json& values = told["values"];
+        return std::any_of(values.begin(), values.end(), [&](const Json& one) {
+            return std::abs(one.get<double>() - value) <= tolerance(one.get<double>());
+        });
+    }
+    if (!told.contains("minimum"))
+        return true;
+    const double least = told["minimum"].get<double>();
+    const double most = told["maximum"].get<double>();
+    return value >= least - tolerance(least) && value <= most + tolerance(most);
+}
+
 template<typename Request>
 const Request* as(const ParameterValue& value) {
     return dynamic_cast<const Request*>(value.get());
 }
 
 } // namespace
+
+Json floatJson(float value) {
+    return std::isfinite(value) ? Json::parse(floatText(value)) : Json(floatText(value));
+}
+
+bool accepts(const ParameterRangeBaseInternal& range, const ParameterValue& value) {
+    const Json told = toJson(&range);
+    const Json number = toJson(value);
+    if (!number.is_object())
+        return !number.is_number() || liesWithin(told, number.get<double>());
+    return std::all_of(regionFields.begin(), regionFields.end(), [&](const char* field) {
+        return !told.contains(field) || liesWithin(told[field], number[field].get<double>());
+    });
+}
 
 ParameterValue emptyValue(ParameterType parameter) {
     switch (IO::ParameterInterpreter::getParameterValueType(parameter)) {
@@ -133,7 +160,7 @@ std::string toText(const ParameterValue& value) {
 }
 
 ParameterValue valueFromJson(ParameterType parameter, const Json& json, const std::string& source) {
-    const std::string found = json.dump() + " in " + source;
+    const std::string found = shortText(json) + " in " + source;
     switch (IO::ParameterInterpreter::getParameterValueType(parameter)) {
     case ParameterValueType_FLOAT:
         if (!json.is_number() || !std::isfinite(json.get<float>()))
@@ -168,7 +195,8 @@ ParameterValue valueFromText(ParameterType parameter, const std::string& text) {
     const std::string source = "the command line";
     if (text == "on" || text == "off")
         return valueFromJson(parameter, Json(text == "on"), source);
-    Json json = Json::parse(text, nullptr, false);
+    Json json =
+        text.find_first_of("[{") == std::string::npos ? Json::parse(text, nullptr, false) : Json(text);
     if (json.is_discarded() && text.find(',') != std::string::npos) {
         const Json list = Json::parse("[" + text + "]", nullptr, false);
         json = Json::object();

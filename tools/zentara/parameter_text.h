@@ -35,6 +35,12 @@ using ParameterValue = Utils::SmartPtr<IO::xuRequest>;
 [[nodiscard]] Json toJson(const ParameterRangeBaseInternal* range);
 [[nodiscard]] std::string toText(const ParameterRangeBaseInternal* range);
 
+/// Whether a value is inside. Floats may miss a bound by what the conversion to text costs.
+[[nodiscard]] bool accepts(const ParameterRangeBaseInternal& range, const ParameterValue& value);
+
+/// A float as the decimal number that a person would write.
+[[nodiscard]] Json floatJson(float value);
+
 [[nodiscard]] const char* kindName(ParameterType parameter) noexcept;
 [[nodiscard]] const char* unitName(UnitType unit) noexcept;
 [[nodiscard]] const char* accessName(AccessMode mode) noexcept;

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <charconv>
 #include <iomanip>
 #include <map>
@@ -7,9 +8,9 @@
 #include <zentara/core/descriptor_store_ro.h>
 #include <zentara/utils/format.h>
 
-#include "tools/zentara/calibration_json.h"
 #include "tools/zentara/camera_session.h"
 #include "tools/zentara/parameter_text.h"
+#include "tools/zentara/stored_document.h"
 
 namespace Zentara::Tool {
 namespace {
@@ -32,13 +33,14 @@ struct Row {
     AccessMode access = AccessMode_NONE;
     ParameterValue value; ///< null when it cannot be read
     Utils::SmartPtr<ParameterRangeBaseInternal> range;
+    bool supported = true;
 };
 
 ParameterType parameterNamed(const std::string& word) {
     int number = -1;
     const auto result = std::from_chars(word.data(), word.data() + word.size(), number);
     const auto parameter = static_cast<ParameterType>(number);
-    if (result.ec != std::errc() || result.ptr != word.data() + word.size() || !emptyValue(parameter))
+    if (result.ec != std::errc() || word != std::to_string(number) || !emptyValue(parameter))
         throw ToolFailure(ExitCode_USAGE,
                           Format("'%' is no parameter; they are numbered from 0 to 15") % word);
     return parameter;
@@ -91,22 +93,66 @@ void writeValue(CameraSession& session, ParameterType parameter, const Parameter
     });
 }
 
+/// Whether the camera has it; \return how it can be reached then
+bool askAccess(CameraSession& session, ParameterType parameter, AccessMode& access) {
+    IO::ParameterInterpreter& camera = session.parameters();
+    bool supported = true;
+    attempt(Format("ask about parameter %") % static_cast<int>(parameter), [&] {
+        try {
+            access = camera.getAccessMode(parameter);
+        } catch (const Plugin::NotSupportedPluginException&) {
+            supported = false;
+        }
+    });
+    return supported;
+}
+
+/// Null where the camera does not say.
+Utils::SmartPtr<ParameterRangeBaseInternal> askRange(CameraSession& session, ParameterType parameter) {
+    Utils::SmartPtr<ParameterRangeBaseInternal> range;
+    attempt(Format("ask for the range of parameter %") % static_cast<int>(parameter), [&] {
+        try {
+            range = session.parameters().getParameterRange(parameter);
+        } catch (const Plugin::NotSupportedPluginException&) {
+            // It is for the camera to refuse values then.
+        }
+    });
+    return range;
+}
+
 Row describe(CameraSession& session, ParameterType parameter) {
     Row row;
     row.parameter = parameter;
-    IO::ParameterInterpreter& camera = session.parameters();
-    attempt(Format("ask about parameter %") % static_cast<int>(parameter), [&] {
-        row.access = camera.getAccessMode(parameter);
-        row.unit = camera.getUnitType(parameter);
-        row.range = camera.getParameterRange(parameter);
-    });
+    row.supported = askAccess(session, parameter, row.access);
+    if (!row.supported)
+        return row;
+    attempt(Format("ask for the unit of parameter %") % static_cast<int>(parameter),
+            [&] { row.unit = session.parameters().getUnitType(parameter); });
+    row.range = askRange(session, parameter);
     if ((row.access & AccessMode_READ) != 0)
         row.value = readValue(session, parameter);
     return row;
 }
 
+/// Refuses what the camera is known to refuse, before anything is set. \param place where the value comes from
+void checkSettable(CameraSession& session, ParameterType parameter, const ParameterValue& value,
+                   const std::string& place) {
+    AccessMode access{};
+    std::string reason;
+    if (!askAccess(session, parameter, access))
+        reason = "the camera has no such parameter";
+    else if ((access & AccessMode_WRITE) == 0)
+        reason = "it can only be read";
+    else if (const auto range = askRange(session, parameter); range && !accepts(*range, value))
+        reason = "value out of range: " + toText(range.get());
+    if (!reason.empty())
+        throw ToolFailure(ExitCode_FAILED, Format("%cannot set parameter % to %: %") % place %
+                                               static_cast<int>(parameter) % toText(value) % reason);
+}
+
 Json toJson(const Row& row) {
     return {{"parameter", static_cast<int>(row.parameter)},
+            {"supported", row.supported},
             {"kind", kindName(row.parameter)},
             {"unit", unitName(row.unit)},
             {"access", accessName(row.access)},
@@ -115,6 +161,11 @@ Json toJson(const Row& row) {
 }
 
 void print(std::ostream& out, const Row& row) {
+    if (!row.supported) {
+        out << std::left << std::setw(4) << static_cast<int>(row.parameter) << std::setw(8)
+            << kindName(row.parameter) << "not supported by this camera\n";
+        return;
+    }
     out << std::left << std::setw(4) << static_cast<int>(row.parameter) << std::setw(8)
         << kindName(row.parameter) << std::setw(12) << accessName(row.access) << std::setw(16)
         << (row.value ? toText(row.value) : "-") << std::setw(10) << unitName(row.unit)
@@ -136,35 +187,68 @@ void finishRows(CameraSession& session, const std::vector<ParameterType>& parame
 }
 
 ExitCode runList(const Options& options, Console& console) {
-    CameraSession session(verbName, options, console);
-    finishRows(session, parametersOf(session));
-    return ExitCode_DONE;
+    return withCamera(verbName, options, console, [](CameraSession& session) {
+        finishRows(session, parametersOf(session));
+        return ExitCode_DONE;
+    });
 }
 
 ExitCode runGet(const Options& options, Console& console) {
     std::vector<ParameterType> parameters;
     for (const std::string& word : options.words)
         parameters.push_back(parameterNamed(word));
-    CameraSession session(verbName, options, console);
-    finishRows(session, parameters);
-    return ExitCode_DONE;
+    return withCamera(verbName, options, console, [&](CameraSession& session) {
+        finishRows(session, parameters);
+        return ExitCode_DONE;
+    });
 }
 
-ExitCode runSet(const Options& options, Console& console) {
+/// What `set` is to do, in the order in which it was said.
+struct Settings {
     std::vector<ParameterType> parameters;
     std::vector<ParameterValue> values;
-    for (const std::string& word : options.words) {
+};
+
+Settings settingsOf(const std::vector<std::string>& words) {
+    Settings settings;
+    for (const std::string& word : words) {
         const std::size_t sign = word.find('=');
         if (sign == std::string::npos)
             throw ToolFailure(ExitCode_USAGE, Format("'%' is not of the form NUMBER=VALUE") % word);
-        parameters.push_back(parameterNamed(word.substr(0, sign)));
-        values.push_back(valueFromText(parameters.back(), word.substr(sign + 1)));
+        const ParameterType parameter = parameterNamed(word.substr(0, sign));
+        if (std::find(settings.parameters.begin(), settings.parameters.end(), parameter) !=
+            settings.parameters.end())
+            throw ToolFailure(ExitCode_USAGE,
+                              Format("parameter % is named twice") % static_cast<int>(parameter));
+        settings.parameters.push_back(parameter);
+        settings.values.push_back(valueFromText(parameter, word.substr(sign + 1)));
     }
-    CameraSession session(verbName, options, console);
-    for (std::size_t index = 0; index < values.size(); ++index)
-        writeValue(session, parameters[index], values[index]);
-    finishRows(session, parameters);
-    return ExitCode_DONE;
+    return settings;
+}
+
+/// Values go one by one, so a failure says which ones have been set before it.
+void writeAll(CameraSession& session, const Settings& settings) {
+    std::string done;
+    for (std::size_t index = 0; index < settings.values.size(); ++index) {
+        try {
+            writeValue(session, settings.parameters[index], settings.values[index]);
+        } catch (const ToolFailure& failure) {
+            throw ToolFailure(failure.code, failure.what() + (done.empty() ? "; nothing was set"
+                                                                           : "; set before it: " + done));
+        }
+        done += (done.empty() ? "" : ", ") + std::to_string(static_cast<int>(settings.parameters[index]));
+    }
+}
+
+ExitCode runSet(const Options& options, Console& console) {
+    const Settings settings = settingsOf(options.words);
+    return withCamera(verbName, options, console, [&](CameraSession& session) {
+        for (std::size_t index = 0; index < settings.values.size(); ++index)
+            checkSettable(session, settings.parameters[index], settings.values[index], "");
+        writeAll(session, settings);
+        finishRows(session, settings.parameters);
+        return ExitCode_DONE;
+    });
 }
 
 /// Parameters by their number, in order.
@@ -186,60 +270,105 @@ Json toJson(const IO::ParameterRequestMap& state) {
 IO::ParameterRequestMap readState(CameraSession& session) {
     IO::ParameterRequestMap state;
     for (const ParameterType parameter : parametersOf(session)) {
-        attempt(Format("ask about parameter %") % static_cast<int>(parameter), [&] {
-            if (session.parameters().getAccessMode(parameter) == AccessMode_READ_WRITE)
-                state[parameter] = emptyValue(parameter);
-        });
+        AccessMode access{};
+        if (askAccess(session, parameter, access) && access == AccessMode_READ_WRITE)
+            state[parameter] = emptyValue(parameter);
     }
     attempt("read the camera's parameters", [&] { session.parameters().read(state); });
     return state;
 }
 
 ExitCode runSave(const Options& options, Console& console) {
-    CameraSession session(verbName, options, console);
-    const Json values = toJson(readState(session));
-    Json json = beginJson(verbName);
-    json["camera"] = session.identity();
-    json["values"] = values;
-    writeJsonFile(options.file, json);
-    session.finish({{"values", values}, {"file", options.file}},
-                   Format("% parameters written: %\n") % values.size() % options.file);
-    return ExitCode_DONE;
+    return withCamera(verbName, options, console, [&](CameraSession& session) {
+        const Json values = toJson(readState(session));
+        Json json = beginJson(verbName);
+        json["camera"] = session.identity();
+        json["values"] = values;
+        writeJsonFile(options.file, json);
+        session.finish({{"values", values}, {"file", options.file}},
+                       Format("% parameters written: %\n") % values.size() % options.file);
+        return ExitCode_DONE;
+    });
 }
 
-IO::ParameterRequestMap readStateFile(const std::string& path) {
+/// The values of a file, and the serial number of the camera that they are of; empty when it says none.
+struct StoredValues {
+    IO::ParameterRequestMap values;
+    std::string serialNumber;
+};
+
+StoredValues readStateFile(const std::string& path) {
     const Json json = readJsonFile(path);
-    const auto values = json.find("values");
-    if (!json.is_object() || values == json.end() || !values->is_object())
-        throw ToolFailure(ExitCode_FAILED, Format("'%' has no object 'values'") % path);
-    if (json.value("schema", Json()) != Json(jsonSchema))
-        throw ToolFailure(ExitCode_FAILED, Format("'%' is not of schema %") % path % jsonSchema);
-    IO::ParameterRequestMap state;
-    for (const auto& [name, value] : values->items()) {
-        const ParameterType parameter = parameterNamed(name);
-        state[parameter] = valueFromJson(parameter, value, "'" + path + "'");
+    JsonFields fields(json, path);
+    checkDocument(fields);
+    StoredValues stored;
+    stored.serialNumber = serialNumberIn(json);
+    JsonFields values = fields.object("values");
+    for (const auto& [name, value] : fields.need("values").items()) {
+        try {
+            const ParameterType parameter = parameterNamed(name);
+            stored.values[parameter] = valueFromJson(parameter, value, "it");
+        } catch (const ToolFailure& failure) {
+            values.fail(name, failure.what()); // not the command line is wrong
+        }
     }
-    return state;
+    fields.refuseOthers({"verb", "camera"});
+    return stored;
+}
+
+/// Where two states differ, one element a parameter.
+Json changesBetween(const Json& before, const Json& after) {
+    Json changes = Json::array();
+    for (const auto& [name, value] : after.items()) {
+        const Json old = before.value(name, Json());
+        if (old != value)
+            changes.push_back({{"parameter", std::stoi(name)}, {"before", old}, {"after", value}});
+    }
+    return changes;
+}
+
+/// What a camera that refused a state has taken of it all the same.
+std::string takenText(CameraSession& session, const Json& before) {
+    std::string taken;
+    try {
+        for (const Json& change : changesBetween(before, toJson(readState(session))))
+            taken += (taken.empty() ? "" : ", ") + change["parameter"].dump();
+    } catch (const ToolFailure&) {
+        return "what it has taken of them cannot be read";
+    }
+    return taken.empty() ? "nothing was changed" : "it has changed all the same: " + taken;
+}
+
+ExitCode loadInto(CameraSession& session, const StoredValues& stored, const Options& options,
+                  Console& console) {
+    noteOtherCamera(stored.serialNumber, session, verbName, console);
+    for (const auto& [number, value] : ordered(stored.values))
+        checkSettable(session, static_cast<ParameterType>(number), value,
+                      Format("'%', /values/%: ") % options.file % number);
+    const Json before = toJson(readState(session));
+    if (!options.dryRun) {
+        try {
+            attempt("set the camera's parameters", [&] { session.parameters().write(stored.values); });
+        } catch (const ToolFailure& failure) {
+            throw ToolFailure(failure.code, std::string(failure.what()) + "; " + takenText(session, before));
+        }
+    }
+    const Json changes =
+        changesBetween(before, options.dryRun ? toJson(stored.values) : toJson(readState(session)));
+    std::ostringstream text;
+    for (const Json& change : changes)
+        text << change["parameter"] << ": " << change["before"].dump() << " -> " << change["after"].dump()
+             << '\n';
+    if (changes.empty())
+        text << "the camera has these values already\n";
+    session.finish({{"changes", changes}, {"written", !options.dryRun}}, text.str());
+    return ExitCode_DONE;
 }
 
 ExitCode runLoad(const Options& options, Console& console) {
-    const IO::ParameterRequestMap wanted = readStateFile(options.file);
-    CameraSession session(verbName, options, console);
-    const Json before = toJson(readState(session));
-    if (!options.dryRun)
-        attempt("set the camera's parameters", [&] { session.parameters().write(wanted); });
-    const Json after = options.dryRun ? toJson(wanted) : toJson(readState(session));
-    Json changes = Json::array();
-    std::ostringstream text;
-    for (const auto& [name, value] : after.items()) {
-        if (before.value(name, Json()) == value)
-            continue;
-        changes.push_back(
-            {{"parameter", std::stoi(name)}, {"before", before.value(name, Json())}, {"after", value}});
-        text << name << ": " << before.value(name, Json()).dump() << " -> " << value.dump() << '\n';
-    }
-    session.finish({{"changes", changes}, {"written", !options.dryRun}}, text.str());
-    return ExitCode_DONE;
+    const StoredValues stored = readStateFile(options.file);
+    return withCamera(verbName, options, console,
+                      [&](CameraSession& session) { return loadInto(session, stored, options, console); });
 }
 
 } // namespace
@@ -253,12 +382,13 @@ Verb addParamsVerb(CLI::App& program) {
         "Parameters are numbered from 0 to 15; the number fixes the kind of the value. A simulated\n"
         "camera forgets its parameters when the program that drives it ends.");
 
-    CLI::App* list = command->add_subcommand("list", "Lists all parameters with value, unit and range");
+    CLI::App* list =
+        command->add_subcommand("list", "Lists the camera's parameters with value, unit and range");
     addCameraOptions(*list, *options);
     CLI::App* get = command->add_subcommand("get", "Prints some parameters");
     get->add_option("NUMBER", options->words, "Which ones")->required();
     addCameraOptions(*get, *options);
-    CLI::App* set = command->add_subcommand("set", "Changes parameters, then reads them back");
+    CLI::App* set = command->add_subcommand("set", "Changes parameters one by one, then reads them back");
     set->add_option("NUMBER=VALUE", options->words, "A number; on or off; for the region X,Y,WIDTH,HEIGHT")
         ->required();
     addCameraOptions(*set, *options);

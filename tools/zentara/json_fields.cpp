@@ -1,0 +1,143 @@
+#include "tools/zentara/json_fields.h"
+
+#include <algorithm>
+#include <fstream>
+#include <sstream>
+
+#include <zentara/utils/exceptions.h>
+#include <zentara/utils/format.h>
+
+#include "tools/zentara/exit_code.h"
+#include "tools/zentara/paths.h"
+#include "tools/zentara/pending_file.h"
+
+namespace Zentara::Tool {
+
+using Utils::Format;
+
+namespace {
+
+constexpr std::size_t mostBytes = 1 << 24;
+constexpr int mostDepth = 64; // what looks at a value calls itself for each level
+constexpr std::size_t mostShown = 40;
+
+std::string readText(const std::string& path) {
+    std::ifstream in(pathOf(path), std::ios::binary);
+    std::string text;
+    std::vector<char> block(1 << 16);
+    while (in && text.size() <= mostBytes) {
+        in.read(block.data(), static_cast<std::streamsize>(block.size()));
+        text.append(block.data(), static_cast<std::size_t>(in.gcount()));
+    }
+    if (text.size() > mostBytes)
+        throw ToolFailure(ExitCode_FAILED,
+                          Format("cannot read '%': it has more than % bytes") % path % mostBytes);
+    if (!in.eof())
+        throw ToolFailure(ExitCode_FAILED, Utils::formatLastError(Format("cannot read '%'") % path));
+    return text;
+}
+
+[[noreturn]] void refuse(const std::string& path, const std::string& what) {
+    throw ToolFailure(ExitCode_FAILED, Format("'%' is no JSON: %") % path % what);
+}
+
+/// Without the library's name for it, in brackets.
+std::string reasonOf(const Json::exception& failure) {
+    const std::string text = failure.what();
+    const std::size_t end = text.find("] ");
+    return end == std::string::npos ? text : text.substr(end + 2);
+}
+
+} // namespace
+
+Json readJsonFile(const std::string& path) {
+    std::vector<std::set<std::string>> keys;
+    const auto watch = [&](int depth, Json::parse_event_t event, Json& value) {
+        if (depth > mostDepth)
+            refuse(path, Format("more than % values stand one in the other") % mostDepth);
+        if (event == Json::parse_event_t::object_start)
+            keys.emplace_back();
+        else if (event == Json::parse_event_t::object_end)
+            keys.pop_back();
+        else if (event == Json::parse_event_t::key && !keys.back().insert(value.get<std::string>()).second)
+            refuse(path, Format("the field % stands twice in one object") % shortText(value));
+        return true;
+    };
+    try {
+        return Json::parse(readText(path), watch);
+    } catch (const Json::exception& failure) {
+        refuse(path, reasonOf(failure));
+    }
+}
+
+void writeJsonFile(const std::string& path, const Json& json) {
+    std::ostringstream text;
+    print(text, json);
+    PendingFile file(path);
+    file.write(text.str());
+    file.commit();
+}
+
+std::string shortText(const Json& value) {
+    if (value.is_structured())
+        return value.is_object() ? "an object" : "a list";
+    std::string text = value.dump(-1, ' ', true, Json::error_handler_t::replace);
+    if (text.size() > mostShown)
+        text.replace(mostShown - 3, std::string::npos, "...");
+    return text;
+}
+
+JsonFields::JsonFields(const Json& object, const std::string& source, std::string way)
+    : json(object), file(source), path(std::move(way)) {
+    if (!json.is_object())
+        fail("", "is no object");
+}
+
+const Json& JsonFields::need(const std::string& name) {
+    known.insert(name);
+    const auto found = json.find(name);
+    if (found == json.end())
+        fail(name, "is missing");
+    return *found;
+}
+
+std::vector<std::int32_t> JsonFields::integers(const std::string& name, std::size_t most) {
+    const Json& list = need(name);
+    if (!list.is_array() || list.size() > most)
+        fail(name, Format("takes a list of at most % whole numbers") % most);
+    std::vector<std::int32_t> values;
+    for (const Json& element : list)
+        values.push_back(static_cast<std::int32_t>(
+            numberIn(element, name + "/" + std::to_string(values.size()),
+                     std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max())));
+    return values;
+}
+
+void JsonFields::refuseOthers(std::initializer_list<const char*> others) const {
+    for (const auto& [name, value] : json.items()) {
+        if (known.count(name) == 0 && std::find(others.begin(), others.end(), name) == others.end())
+            fail(name, "is no field that is known here");
+    }
+}
+
+std::string JsonFields::place(const std::string& name) const {
+    const std::string whole = name.empty() ? path : path + "/" + name;
+    return Format("'%', %") % file % (whole.empty() ? "/" : whole);
+}
+
+void JsonFields::fail(const std::string& name, const std::string& what) const {
+    throw ToolFailure(ExitCode_FAILED, place(name) + ": " + what);
+}
+
+std::int64_t JsonFields::numberIn(const Json& value, const std::string& name, std::int64_t least,
+                                  std::int64_t most) const {
+    const bool fits =
+        value.is_number_integer() &&
+        (!value.is_number_unsigned() || value.get<std::uint64_t>() <= static_cast<std::uint64_t>(most)) &&
+        value.get<std::int64_t>() >= least && value.get<std::int64_t>() <= most;
+    if (!fits)
+        fail(name, Format("takes a whole number from % to %, not %") % least % most % shortText(value));
+    return value.get<std::int64_t>();
+}
+
+} // namespace Zentara::Tool
