@@ -1,7 +1,9 @@
+#include <atomic>
 #include <csignal>
 #include <cstdint>
 #include <sstream>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <stb/stb_image.h>
@@ -9,6 +11,7 @@
 #include <zentara/utils/files.h>
 
 #include "plugins/simulated/frame_layout.h"
+#include "support/program.h"
 #include "support/simulated_faults.h"
 #include "tools/tool_fixture.h"
 #include "tools/zentara/verb.h"
@@ -132,6 +135,10 @@ TEST_F(StreamVerb, KeepsHelpAndUsageErrorsApart) {
                                                       {"stream", "--record", path("x"), "--play", path("x")},
                                                       {"stream", "--direct", "--color"},
                                                       {"stream", "--all", "--camera", "x"},
+                                                      {"stream", "--play", path("x"), "--color"},
+                                                      {"stream", "--png", path("x"), "--raw", path("./x")},
+                                                      {"stream", "--wait", "nan"},
+                                                      {"devices", "--watch", "--seconds", "0"},
                                                       {"stream", "--wait", "-1"}};
     for (const auto& arguments : wrong) {
         const ToolRun run = ToolTest::run(arguments);
@@ -202,6 +209,25 @@ TEST_F(StreamVerb, GivesUpOnADeviceThatNeverReturns) {
     EXPECT_EQ(run.out, "");
 }
 
+TEST_F(StreamVerb, KeepsItsTextOutOfItsFilesWhenStandardOutputIsClosed) {
+    if (std::filesystem::path::preferred_separator == '\\')
+        GTEST_SKIP() << "its command interpreter closes no streams";
+    EXPECT_EQ(
+        Tests::runProgram("zentara", "stream --direct --frames 3 --raw \"" + path("d.raw") + "\" >&- 2>&-"),
+        1);
+    EXPECT_EQ(Utils::readFile(path("d.raw")).size(), 3 * Simulated::frameBytes);
+}
+
+TEST_F(StreamVerb, WantsTheStreamsThatFilesAreNamedFor) {
+    ASSERT_EQ(run({"stream", "--direct", "--frames", "2", "--record", path("r")}).exitCode, 0);
+    for (const char* option : {"--wav", "--color-png"}) {
+        const ToolRun run = ToolTest::run({"stream", "--play", path("r"), option, path("f")});
+        EXPECT_EQ(run.exitCode, 1) << option;
+        EXPECT_THAT(run.err, HasSubstr("there is no ")) << option;
+        EXPECT_FALSE(exists("f")) << option;
+    }
+}
+
 /// Presses Ctrl-C once, when the first frames are reported.
 class InterruptingBuffer final : public std::stringbuf {
 protected:
@@ -233,6 +259,25 @@ TEST_F(StreamVerb, EndsInOrderWhenInterrupted) {
     EXPECT_EQ(Utils::readFile(path("d.raw")).size(), frames * Simulated::frameBytes) << "whole frames only";
     EXPECT_EQ(filesLeft().size(), 1U);
     EXPECT_THAT(buffer.str(), HasSubstr("interrupted after"));
+}
+
+TEST_F(StreamVerb, LeavesNothingWhenInterruptedBeforeItBegins) {
+    const SimulatedFaults slow("hang 1000 at audio.open"); // the depth stream's file is there by then
+    std::ostringstream out;
+    std::ostringstream err;
+    Console console{out, err};
+    std::atomic<bool> ended{false};
+    std::thread person([&] {
+        while (filesLeft().empty() && !ended)
+            std::this_thread::yield();
+        if (!ended)
+            std::raise(SIGTERM);
+    });
+    EXPECT_EQ(runTool({"stream", "--direct", "--audio", "--raw", path("d.raw")}, console), 130);
+    ended = true;
+    person.join();
+    EXPECT_THAT(err.str(), HasSubstr("interrupted before anything was streamed"));
+    EXPECT_THAT(filesLeft(), IsEmpty());
 }
 
 } // namespace

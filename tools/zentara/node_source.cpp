@@ -50,10 +50,8 @@ namespace {
 template<typename Node, typename Mode>
 class NodeSource final : public StreamSource {
 public:
-    NodeSource(const NodeEvent& event, std::ostream& err) : node(event, err) {
-        attempt("ask " + label() + " for its modes", [&] { mode = firstMode(); });
-        if (!mode)
-            throw ToolFailure(ExitCode_FAILED, label() + " has no mode to stream in");
+    NodeSource(const NodeEvent& event, const ModeChoice& choice, std::ostream& err) : node(event, err) {
+        attempt("choose a mode of " + label(), [&] { mode = chosenMode(choice); });
         told = {event, StreamMode(*mode)};
     }
 
@@ -72,11 +70,18 @@ public:
     void close() override { node.dispose(); }
 
 private:
-    Utils::SmartPtr<Mode> firstMode() {
-        if constexpr (requires { node->getDefaultConfiguration(); })
-            return node->getDefaultConfiguration();
+    Utils::SmartPtr<Mode> chosenMode(const ModeChoice& choice) {
+        if constexpr (requires { node->getDefaultConfiguration(); }) {
+            if (!choice.names(node.event().nodeType))
+                return node->getDefaultConfiguration();
+        }
         const auto modes = node->getConfigurations();
-        return modes.empty() ? Utils::SmartPtr<Mode>() : modes.front();
+        if (modes.empty())
+            throw ToolFailure(ExitCode_FAILED, label() + " has no mode to stream in");
+        std::vector<StreamDescription> offered;
+        for (const auto& one : modes)
+            offered.push_back({node.event(), StreamMode(*one)});
+        return modes[choice.among(offered, label())];
     }
 
     OpenNode<Node> node;
@@ -86,14 +91,16 @@ private:
 
 } // namespace
 
-std::unique_ptr<StreamSource> openNodeStream(const NodeEvent& node, std::ostream& err) {
+std::unique_ptr<StreamSource> openNodeStream(const NodeEvent& node, const ModeChoice& choice,
+                                             std::ostream& err) {
     switch (node.nodeType) {
     case NodeType_DEPTH:
-        return std::make_unique<NodeSource<Core::DepthNodeInterface, DepthBaseConfiguration>>(node, err);
+        return std::make_unique<NodeSource<Core::DepthNodeInterface, DepthBaseConfiguration>>(node, choice,
+                                                                                              err);
     case NodeType_COLOR:
-        return std::make_unique<NodeSource<Core::ColorNodeInterface, ColorConfiguration>>(node, err);
+        return std::make_unique<NodeSource<Core::ColorNodeInterface, ColorConfiguration>>(node, choice, err);
     case NodeType_AUDIO:
-        return std::make_unique<NodeSource<Core::AudioNodeInterface, AudioConfiguration>>(node, err);
+        return std::make_unique<NodeSource<Core::AudioNodeInterface, AudioConfiguration>>(node, choice, err);
     default:
         throw ToolFailure(ExitCode_FAILED, cameraLabel(node) + " is of a kind that has no stream");
     }

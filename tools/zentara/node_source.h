@@ -6,6 +6,7 @@
 #include <zentara/node_event.h>
 
 #include "tools/zentara/camera_bus.h"
+#include "tools/zentara/mode_choice.h"
 #include "tools/zentara/stream_source.h"
 
 namespace Zentara::Core {
@@ -45,7 +46,8 @@ extern template class OpenNode<Core::AudioNodeInterface>;
 extern template class OpenNode<Core::ColorNodeInterface>;
 extern template class OpenNode<Core::DepthNodeInterface>;
 
-/// The stream of a node in its first mode. \throws ToolFailure
-[[nodiscard]] std::unique_ptr<StreamSource> openNodeStream(const NodeEvent& node, std::ostream& err);
+/// The stream of a node in the mode that is chosen. \throws ToolFailure
+[[nodiscard]] std::unique_ptr<StreamSource> openNodeStream(const NodeEvent& node, const ModeChoice& choice,
+                                                           std::ostream& err);
 
 } // namespace Zentara::Tool

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+#include <zentara/core/descriptor_store_ro.h>
+#include <zentara/utils/format.h>
+
 namespace Zentara::Tool {
 namespace {
 
@@ -70,6 +73,13 @@ std::string StreamDescription::modeName() const {
     }
 }
 
+std::string StreamDescription::modeSize() const {
+    if (node.nodeType == NodeType_AUDIO)
+        return Utils::Format("% channels, % bits, % Hz") % mode.fields[0] % mode.fields[1] % mode.fields[2];
+    const FrameSize size = frameSize();
+    return Utils::Format("%x%@%") % size.width % size.height % mode.fields[1];
+}
+
 FrameSize StreamDescription::frameSize() const {
     const auto format = static_cast<FrameFormat>(mode.fields[0]);
     return Zentara::frameSize(format == FrameFormat_DEFAULT ? FrameFormat_QVGA : format);
@@ -77,6 +87,24 @@ FrameSize StreamDescription::frameSize() const {
 
 int StreamDescription::rate() const {
     return std::max(1, mode.fields[node.nodeType == NodeType_AUDIO ? 2 : 1]);
+}
+
+std::vector<StreamDescription> modesOf(const NodeEvent& node, const Core::DescriptorStoreRO& store) {
+    std::vector<StreamDescription> modes;
+    switch (node.nodeType) {
+    case NodeType_DEPTH:
+        for (const auto& mode : store.getDepthConfigurations())
+            modes.push_back({node, StreamMode(*mode)});
+        break;
+    case NodeType_COLOR:
+        for (const auto& mode : store.getColorConfigurations())
+            modes.push_back({node, StreamMode(*mode)});
+        break;
+    default:
+        for (const auto& mode : store.getAudioConfigurations())
+            modes.push_back({node, StreamMode(*mode)});
+    }
+    return modes;
 }
 
 const char* nodeTypeName(NodeType type) noexcept {

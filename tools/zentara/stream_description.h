@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include <zentara/audio_configuration.h>
 #include <zentara/color_configuration.h>
@@ -10,6 +11,10 @@
 #include <zentara/frame_format.h>
 #include <zentara/node_event.h>
 #include <zentara/utils/smart_ptr.h>
+
+namespace Zentara::Core {
+class DescriptorStoreRO;
+}
 
 namespace Zentara::Tool {
 
@@ -45,12 +50,19 @@ struct StreamDescription {
     /// The name of the mode's configuration.
     [[nodiscard]] std::string modeName() const;
 
+    /// What a person asks of a mode: "320x240@60"; of sound "2 channels, 16 bits, 48000 Hz".
+    [[nodiscard]] std::string modeSize() const;
+
     /// Of a depth or colour stream; the size of QVGA where the mode leaves it to the node.
     [[nodiscard]] FrameSize frameSize() const;
 
     /// Frames a second, for sound samples a second; 1 at least.
     [[nodiscard]] int rate() const;
 };
+
+/// The modes that a description offers for the node that it has selected.
+[[nodiscard]] std::vector<StreamDescription> modesOf(const NodeEvent& node,
+                                                     const Core::DescriptorStoreRO& store);
 
 /// "depth", "color" or "audio"; "?" for anything else.
 [[nodiscard]] const char* nodeTypeName(NodeType type) noexcept;

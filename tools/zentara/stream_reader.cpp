@@ -12,7 +12,7 @@ using Utils::Format;
 
 namespace {
 
-constexpr std::size_t firstBytes = 1 << 20; // a frame at VGA with its confidence fits
+constexpr std::size_t firstBytes = 1 << 20; // it grows when a frame does not fit
 constexpr int mostBytes = 1 << 26;
 
 } // namespace

@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <cctype>
+#include <set>
 
 #include <zentara/utils/files.h>
 #include <zentara/utils/format.h>
 #include <zentara/utils/signal.h>
 
 #include "tools/zentara/audio_recorder.h"
-#include "tools/zentara/camera_bus.h"
 #include "tools/zentara/color_recorder.h"
 #include "tools/zentara/depth_recorder.h"
 #include "tools/zentara/device_source.h"
@@ -25,9 +25,9 @@ namespace {
 
 constexpr unsigned long lookMilliseconds = 50;
 constexpr std::uint64_t usualFrames = 60;
-constexpr std::uint64_t nominalFramesPerSecond = 60;
+constexpr int usualFramesPerSecond = 60; // where there are no frames
 
-/// The cameras of a recording; each node's index is its stream's.
+/// The cameras of a recording.
 std::vector<CameraEntry> camerasOf(const std::vector<StreamDescription>& streams) {
     std::vector<CameraEntry> cameras;
     for (const StreamDescription& stream : streams) {
@@ -41,14 +41,27 @@ std::vector<CameraEntry> camerasOf(const std::vector<StreamDescription>& streams
     return cameras;
 }
 
+std::string withSerialNumber(const std::string& path, const NodeEvent& node) {
+    std::string serial = node.serialNumber.empty() ? node.parentPath : node.serialNumber;
+    std::replace_if(
+        serial.begin(), serial.end(),
+        [](unsigned char letter) { return std::isalnum(letter) == 0 && letter != '-' && letter != '_'; },
+        '_');
+    const std::string stem = Utils::removeExtension(path);
+    return stem + "." + serial + path.substr(stem.size());
+}
+
 } // namespace
 
 /// In an order that takes them apart safely: cameras write into the recording and set the signal.
 struct StreamSession::Parts {
+    InterruptWatch interrupt; ///< to the end, so that no part of a file is left behind
     Utils::Threading::Signal wake;
     std::unique_ptr<CameraBus> bus; ///< null unless the cameras come through nodes
     std::unique_ptr<RecordingWriter> recording;
     std::vector<StreamDescription> streams; ///< of all cameras, in order
+    std::set<NodeType> kinds;               ///< of all nodes that were to be opened
+    std::set<std::string> files;
     std::vector<std::unique_ptr<StreamedCamera>> cameras;
 };
 
@@ -64,7 +77,9 @@ void StreamSession::run() {
         openDevices();
     else
         openCameras();
+    checkKinds();
     startRecording();
+    checkInterrupt();
     for (const auto& camera : parts->cameras) {
         if (camera->state() == State::Streaming)
             camera->start();
@@ -100,18 +115,43 @@ void StreamSession::openRecording() {
 
 void StreamSession::openCameras() {
     parts->bus = std::make_unique<CameraBus>(console.err);
-    std::vector<CameraEntry> cameras = parts->bus->cameras();
-    if (!options.all || cameras.empty())
+    std::vector<CameraEntry> cameras = parts->bus->someCameras();
+    if (!options.all)
         cameras = chooseCameras(cameras, options.cameras);
     several = cameras.size() > 1;
     for (const CameraEntry& camera : cameras) {
         std::vector<NodeEvent> nodes;
+        for (const NodeType type : {NodeType_DEPTH, NodeType_COLOR, NodeType_AUDIO}) {
+            if (wants(type) && camera.find(type) == nullptr)
+                missKind(type, camera);
+        }
         std::copy_if(camera.nodes.begin(), camera.nodes.end(), std::back_inserter(nodes),
                      [this](const NodeEvent& node) { return wants(node.nodeType); });
         openCamera(
-            nodes, [this](const NodeEvent& node) { return openNodeStream(node, console.err); }, false);
+            nodes, [this](const NodeEvent& node) { return openNodeStream(node, options.modes, console.err); },
+            false);
     }
     parts->bus->watch();
+}
+
+void StreamSession::missKind(NodeType type, const CameraEntry& camera) const {
+    console.err << "zentara stream: camera " << printable(camera.serialNumber()) << " has no "
+                << nodeTypeName(type) << " stream\n";
+}
+
+/// A stream that was asked for, be it by a file, and that nobody has is a failure.
+void StreamSession::checkKinds() const {
+    const bool depthFile = !options.png.empty() || !options.raw.empty();
+    for (const NodeType type : {NodeType_DEPTH, NodeType_COLOR, NodeType_AUDIO}) {
+        const bool wanted = type == NodeType_DEPTH ? depthFile : wants(type);
+        if (wanted && parts->kinds.count(type) == 0)
+            throw ToolFailure(ExitCode_FAILED, Format("there is no % stream") % nodeTypeName(type));
+    }
+}
+
+void StreamSession::checkInterrupt() const {
+    if (parts->interrupt.interrupted())
+        throw ToolFailure(ExitCode_INTERRUPTED, "interrupted before anything was streamed");
 }
 
 bool StreamSession::wants(NodeType type) const {
@@ -122,6 +162,9 @@ bool StreamSession::wants(NodeType type) const {
 /// A camera that cannot be opened is a failure of its own when there are others.
 void StreamSession::openCamera(const std::vector<NodeEvent>& nodes, const StreamedCamera::Open& open,
                                bool finite) {
+    checkInterrupt();
+    for (const NodeEvent& node : nodes)
+        parts->kinds.insert(node.nodeType);
     auto& camera = *parts->cameras.emplace_back(std::make_unique<StreamedCamera>(open, parts->wake, finite));
     try {
         openStreams(camera, nodes);
@@ -136,10 +179,13 @@ void StreamSession::openStreams(StreamedCamera& camera, const std::vector<NodeEv
     if (nodes.empty())
         throw ToolFailure(ExitCode_FAILED, "the camera has no node of the kinds that are wanted");
     const auto first = static_cast<std::uint16_t>(parts->streams.size());
+    int framesPerSecond = usualFramesPerSecond;
     for (const NodeEvent& node : nodes) {
         const StreamDescription stream = camera.open(node);
+        if (stream.node.nodeType != NodeType_AUDIO)
+            framesPerSecond = stream.rate();
         parts->streams.push_back(stream);
-        camera.deliverTo(makeSink(stream));
+        camera.deliverTo(makeSink(stream, framesPerSecond));
     }
     camera.record(nullptr, first);
 }
@@ -148,7 +194,14 @@ std::uint64_t StreamSession::framesWanted() const {
     return options.frames == 0 && options.play.empty() ? usualFrames : options.frames;
 }
 
-std::unique_ptr<StreamSink> StreamSession::makeSink(const StreamDescription& stream) const {
+/// As much sound as the camera's frames take time; 0, as of frames, for all there is.
+std::uint64_t StreamSession::samplesWanted(int samplesPerSecond, int framesPerSecond) const {
+    const std::uint64_t samples = framesWanted() * static_cast<std::uint64_t>(samplesPerSecond) /
+                                  static_cast<std::uint64_t>(framesPerSecond);
+    return framesWanted() == 0 ? 0 : std::max<std::uint64_t>(samples, 1);
+}
+
+std::unique_ptr<StreamSink> StreamSession::makeSink(const StreamDescription& stream, int framesPerSecond) {
     switch (stream.node.nodeType) {
     case NodeType_DEPTH:
         return std::make_unique<DepthRecorder>(stream, framesWanted(), fileFor(stream, options.png),
@@ -156,24 +209,19 @@ std::unique_ptr<StreamSink> StreamSession::makeSink(const StreamDescription& str
     case NodeType_COLOR:
         return std::make_unique<ColorRecorder>(stream, framesWanted(), fileFor(stream, options.colorPng));
     default:
-        // As much sound as the frames take time.
-        return std::make_unique<AudioRecorder>(
-            stream, framesWanted() * static_cast<std::uint64_t>(stream.rate()) / nominalFramesPerSecond,
-            fileFor(stream, options.wav));
+        return std::make_unique<AudioRecorder>(stream, samplesWanted(stream.rate(), framesPerSecond),
+                                               fileFor(stream, options.wav));
     }
 }
 
 /// With several cameras each has a file of its own: "depth.png" becomes "depth.SERIAL.png".
-std::string StreamSession::fileFor(const StreamDescription& stream, const std::string& path) const {
-    if (path.empty() || !several)
+std::string StreamSession::fileFor(const StreamDescription& stream, const std::string& path) {
+    if (path.empty())
         return path;
-    std::string serial = stream.node.serialNumber.empty() ? stream.node.parentPath : stream.node.serialNumber;
-    std::replace_if(
-        serial.begin(), serial.end(),
-        [](unsigned char letter) { return std::isalnum(letter) == 0 && letter != '-' && letter != '_'; },
-        '_');
-    const std::string stem = Utils::removeExtension(path);
-    return stem + "." + serial + path.substr(stem.size());
+    const std::string file = several ? withSerialNumber(path, stream.node) : path;
+    if (!parts->files.insert(Utils::canonicalPath(file)).second)
+        throw ToolFailure(ExitCode_FAILED, Format("two streams would be written into '%'") % file);
+    return file;
 }
 
 void StreamSession::startRecording() {
@@ -189,14 +237,13 @@ void StreamSession::startRecording() {
 
 /// Returns when no camera streams and none that is away is waited for any longer, or Ctrl-C was pressed.
 void StreamSession::supervise() {
-    InterruptWatch watch;
     while (anythingToWaitFor()) {
         parts->wake.timedWait(lookMilliseconds);
         showProgress(false);
         seeToEvents();
         for (const auto& camera : parts->cameras)
             observe(*camera, [&camera] { camera->look(); });
-        stopped = watch.interrupted();
+        stopped = parts->interrupt.interrupted();
         if (stopped)
             break;
     }
@@ -248,12 +295,12 @@ void StreamSession::finish() {
         parts->recording->commit();
     else if (parts->recording)
         parts->recording->discard();
-    if (allFailed)
-        throw ToolFailure(parts->cameras.front()->failure());
     for (const auto& camera : parts->cameras) {
-        if (failed(camera))
+        if (failed(camera) && !(allFailed && camera == parts->cameras.front()))
             console.err << "zentara stream: " << camera->failure().what() << '\n';
     }
+    if (allFailed)
+        throw ToolFailure(parts->cameras.front()->failure());
 }
 
 ExitCode StreamSession::result() const {

@@ -8,6 +8,8 @@
 
 #include <zentara/node_event.h>
 
+#include "tools/zentara/camera_bus.h"
+#include "tools/zentara/mode_choice.h"
 #include "tools/zentara/streamed_camera.h"
 #include "tools/zentara/verb.h"
 
@@ -17,6 +19,7 @@ namespace Zentara::Tool {
 struct StreamOptions {
     std::uint64_t frames = 0; ///< 0: not said
     std::vector<std::string> cameras;
+    ModeChoice modes;
     bool all = false;
     bool color = false;
     bool audio = false;
@@ -65,10 +68,14 @@ private:
     void openCameras();
     void openCamera(const std::vector<NodeEvent>& nodes, const StreamedCamera::Open& open, bool finite);
     void openStreams(StreamedCamera& camera, const std::vector<NodeEvent>& nodes);
-    [[nodiscard]] std::unique_ptr<StreamSink> makeSink(const StreamDescription& stream) const;
+    void missKind(NodeType type, const CameraEntry& camera) const;
+    void checkKinds() const;
+    [[nodiscard]] std::unique_ptr<StreamSink> makeSink(const StreamDescription& stream, int framesPerSecond);
     [[nodiscard]] std::uint64_t framesWanted() const;
+    [[nodiscard]] std::uint64_t samplesWanted(int samplesPerSecond, int framesPerSecond) const;
     [[nodiscard]] bool wants(NodeType type) const;
-    [[nodiscard]] std::string fileFor(const StreamDescription& stream, const std::string& path) const;
+    [[nodiscard]] std::string fileFor(const StreamDescription& stream, const std::string& path);
+    void checkInterrupt() const;
     void startRecording();
     void supervise();
     void seeToEvents();

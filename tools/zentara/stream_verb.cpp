@@ -3,8 +3,10 @@
 #include <set>
 #include <string>
 
+#include <zentara/utils/files.h>
 #include <zentara/utils/format.h>
 
+#include "tools/zentara/arguments.h"
 #include "tools/zentara/json_output.h"
 #include "tools/zentara/stream_session.h"
 #include "tools/zentara/verb.h"
@@ -22,8 +24,18 @@ void checkPaths(const StreamOptions& options) {
     std::set<std::string> paths;
     for (const std::string* path :
          {&options.png, &options.raw, &options.colorPng, &options.wav, &options.record, &options.play}) {
-        if (!path->empty() && !paths.insert(*path).second)
+        if (!path->empty() && !paths.insert(Utils::canonicalPath(*path)).second)
             throw ToolFailure(ExitCode_USAGE, Format("'%' is named for two files") % *path);
+    }
+}
+
+/// A mode that is named is for a stream that is wanted.
+void checkModes(const StreamOptions& options) {
+    for (const NodeType type : {NodeType_COLOR, NodeType_AUDIO}) {
+        if (options.modes.names(type) && !(type == NodeType_COLOR ? options.color : options.audio))
+            throw ToolFailure(ExitCode_USAGE,
+                              Format("--mode names one for %, which is not streamed: say --%") %
+                                  nodeTypeName(type) % nodeTypeName(type));
     }
 }
 
@@ -34,10 +46,12 @@ void checkPaths(const StreamOptions& options) {
     std::_Exit(code);
 }
 
-ExitCode runStream(StreamOptions options, Console& console) {
+ExitCode runStream(StreamOptions options, const std::vector<std::string>& modes, Console& console) {
+    options.modes = ModeChoice(modes);
     checkPaths(options);
     options.color = options.color || !options.colorPng.empty();
     options.audio = options.audio || !options.wav.empty();
+    checkModes(options);
     StreamSession session(options, console);
     try {
         session.run();
@@ -62,6 +76,7 @@ ExitCode runStream(StreamOptions options, Console& console) {
 
 Verb addStreamVerb(CLI::App& program) {
     auto options = std::make_shared<StreamOptions>();
+    auto modes = std::make_shared<std::vector<std::string>>();
     CLI::App* command =
         program.add_subcommand("stream", "Streams depth, colour and sound from one camera or several")
             ->group("Verbs");
@@ -79,15 +94,27 @@ Verb addStreamVerb(CLI::App& program) {
                      "How many frames to take: 60 unless given, of a recording all")
         ->type_name("N")
         ->check(CLI::Range(std::uint64_t{1}, mostFrames).description(""));
-    CLI::Option* cameras = command
-                               ->add_option("--camera", options->cameras,
-                                            "Which camera, by serial number or part of its name; "
-                                            "several with commas. The first one unless given")
-                               ->type_name("NAME")
-                               ->delimiter(',');
+    CLI::Option* cameras =
+        command
+            ->add_option("--camera", options->cameras,
+                         "Which cameras, with commas between: a serial number, or a part of "
+                         "the name, the product's or the controller's; the first one unless "
+                         "given")
+            ->type_name("NAME")
+            ->delimiter(',');
     CLI::Option* all = command->add_flag("--all", options->all, "All cameras")->excludes(cameras);
     CLI::Option* color = command->add_flag("--color", options->color, "Also stream colour");
-    command->add_flag("--audio", options->audio, "Also stream sound, as long as the frames last");
+    CLI::Option* audio =
+        command->add_flag("--audio", options->audio, "Also stream sound, as long as the frames last");
+    CLI::Option* mode =
+        command
+            ->add_option(
+                "--mode", *modes,
+                "In which mode: WIDTHxHEIGHT, WIDTHxHEIGHT@RATE or a name that 'zentara info' lists; "
+                "with commas one for depth, one for colour, one for sound. A node's first one unless "
+                "given")
+            ->type_name("MODE")
+            ->delimiter(',');
     command->add_option("--png", options->png, "Write the last depth frame as a picture in colours")
         ->type_name("FILE");
     command->add_option("--raw", options->raw, "Write all depth frames as they came")->type_name("FILE");
@@ -100,12 +127,16 @@ Verb addStreamVerb(CLI::App& program) {
                             ->add_option("--play", options->play,
                                          "Stream from a recording, at its own pace, in place of cameras")
                             ->type_name("FILE")
-                            ->excludes(all);
+                            ->excludes(all)
+                            ->excludes(color)
+                            ->excludes(audio)
+                            ->excludes(mode);
     command
         ->add_option("--wait", options->waitSeconds,
                      "Wait so long for a camera that was pulled out, also when no other one streams")
         ->type_name("SECONDS")
-        ->check(CLI::Range(0.0, longestWait).description(""));
+        ->check(secondsBetween(0.0, longestWait))
+        ->excludes(play);
     command
         ->add_flag("--direct", options->direct,
                    "Stream from the bare device plug-ins: without descriptions, nodes and the worker thread, "
@@ -114,9 +145,10 @@ Verb addStreamVerb(CLI::App& program) {
         ->excludes(all)
         ->excludes(color)
         ->excludes(colorPng)
+        ->excludes(mode)
         ->excludes(play);
     command->add_flag("--json", options->json, "Print JSON");
-    return {command, [options](Console& console) { return runStream(*options, console); }};
+    return {command, [options, modes](Console& console) { return runStream(*options, *modes, console); }};
 }
 
 } // namespace Zentara::Tool

@@ -7,6 +7,7 @@
 #include <zentara/utils/clock.h>
 #include <zentara/utils/format.h>
 
+#include "tools/zentara/camera_bus.h"
 #include "tools/zentara/stream_reader.h"
 
 namespace Zentara::Tool {
@@ -18,6 +19,7 @@ namespace {
 constexpr std::int64_t stallMicros = 5'000'000;
 constexpr std::int64_t letGoMicros = 2'000'000;
 constexpr std::int64_t retryMicros = 300'000; // longer than an enumerator takes to see a removal
+constexpr std::int64_t absenceMicros = 1'000'000;
 constexpr unsigned long lookMilliseconds = 50;
 
 std::int64_t nowMicros() {
@@ -46,6 +48,7 @@ struct StreamedCamera::Stream {
     std::uint64_t before = 0; ///< units of earlier readers
     std::uint64_t seen = 0;
     std::int64_t since = 0; ///< when `seen` changed last
+    std::int64_t taken = 0; ///< the last unit's time; the reader's alone
 
     [[nodiscard]] std::uint64_t units() const { return before + (reader ? reader->progress() : 0); }
 };
@@ -89,6 +92,11 @@ void StreamedCamera::startStream(std::size_t index) {
                                               std::int64_t micros) {
         if (recorder != nullptr)
             recorder->append(number, data, size, micros);
+        const auto gap = static_cast<std::int64_t>(static_cast<std::uint64_t>(micros) -
+                                                   static_cast<std::uint64_t>(stream.taken));
+        if (finite && gap > absenceMicros)
+            stream.sink->resume(); // the camera was away when this was recorded
+        stream.taken = micros;
         return stream.sink->take(data, size, micros);
     };
     stream.reader = std::make_unique<StreamReader>(*stream.source, take, wake);
@@ -278,6 +286,10 @@ void StreamedCamera::letGo(Stream& stream) {
 
 /// What a recording holds before the place where it breaks off is kept; half a stream of a camera is not.
 void StreamedCamera::finish() {
+    if (condition == State::Unplugged) {
+        const ToolFailure why = *trouble;
+        trouble.emplace(why.code, std::string(why.what()) + " and did not come back");
+    }
     if (condition != State::Done)
         condition = State::Failed;
     const bool keep = condition == State::Done || finite;
@@ -303,8 +315,8 @@ std::uint64_t StreamedCamera::progress() const { return streams.empty() ? 0 : st
 void StreamedCamera::print(std::ostream& out) const {
     for (const auto& stream : streams) {
         const NodeEvent& node = stream->description.node;
-        out << "stream   " << node.name << (node.serialNumber.empty() ? "" : " ") << node.serialNumber << ", "
-            << stream->description.modeName() << '\n';
+        out << "stream   " << printable(node.name) << (node.serialNumber.empty() ? "" : " ")
+            << printable(node.serialNumber) << ", " << stream->description.modeName() << '\n';
         if (condition == State::Failed)
             out << "failed   " << trouble->what() << '\n';
         else
