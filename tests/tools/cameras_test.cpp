@@ -3,6 +3,7 @@
 #include <functional>
 #include <sstream>
 #include <string>
+#include <utility>
 
 #include <zentara/utils/files.h>
 
@@ -95,6 +96,70 @@ TEST_F(Cameras, AreListed) {
     const ToolRun unknown = run({"stream", "--camera", "MIDDLE"});
     EXPECT_EQ(unknown.exitCode, 3);
     EXPECT_THAT(unknown.err, HasSubstr("no camera is called 'MIDDLE'; plugged in: LEFT, RIGHT"));
+}
+
+TEST_F(Cameras, AreNamedTheSameWayEverywhere) {
+    plug(both());
+    for (const char* verb : {"info", "sensors"}) {
+        for (const char* name : {"RIGHT", "simulated:RIGHT", "right", "zs345", "VC0345"})
+            EXPECT_THAT(run({verb, "--camera", name, "--json"}).out, HasSubstr("\"RIGHT\"")) << verb << name;
+        const ToolRun several = run({verb, "--camera", "simulated"});
+        EXPECT_EQ(several.exitCode, 2) << verb;
+        EXPECT_THAT(several.err, HasSubstr("'simulated' may be any of LEFT, RIGHT")) << verb;
+        EXPECT_EQ(run({verb, "--camera", ""}).exitCode, 2) << verb;
+    }
+    EXPECT_EQ(run({"stream", "--camera", ""}).exitCode, 2);
+    EXPECT_EQ(run({"stream", "--camera", "zs", "--frames", "2", "--json"}).json().at("streams").size(), 2U);
+}
+
+TEST_F(Cameras, SayWhyThereAreNone) {
+    plug(R"({"model": "ZS999"})");
+    for (const char* verb : {"devices", "info", "stream"}) {
+        const ToolRun run = ToolTest::run({verb});
+        EXPECT_EQ(run.exitCode, 3) << verb;
+        EXPECT_THAT(run.err,
+                    AllOf(HasSubstr("cameras.json, line 1"), HasSubstr("no camera 'ZS999' is described")))
+            << verb;
+    }
+}
+
+TEST_F(Cameras, StreamInTheModeThatIsNamed) {
+    plug(both());
+    const auto modes = [](const std::vector<std::string>& words) {
+        std::vector<std::string> arguments{"stream", "--frames", "2", "--json", "--mode"};
+        arguments.insert(arguments.end(), words.begin(), words.end());
+        const ToolRun run = ToolTest::run(arguments);
+        EXPECT_EQ(run.exitCode, 0) << run.err;
+        std::vector<std::string> names;
+        for (const auto& stream : run.json().at("streams"))
+            names.push_back(stream.at("mode"));
+        return names;
+    };
+    using testing::ElementsAre;
+    EXPECT_THAT(modes({"deff2fr60cm1s0"}), ElementsAre("DEFF2FR60CM1S0"));
+    EXPECT_THAT(modes({"320x240"}), ElementsAre("DEFF2FR60CM0S0"));
+    EXPECT_THAT(modes({"DEFF2FR60CM1S0,320x240@60,AUCH2BPS16SR48000", "--color", "--audio"}),
+                ElementsAre("DEFF2FR60CM1S0", "COFF2FR60PLF0COMP0", "AUCH2BPS16SR48000"));
+
+    const struct {
+        const char* words;
+        const char* message;
+    } wrong[]{
+        {"640x480",
+         "LEFT has no mode 640x480; it has DEFF2FR60CM0S0 (320x240@60), DEFF2FR60CM1S0 (320x240@60)"},
+        {"320x240@30", "has no mode 320x240@30"},
+        {"320x", "has no mode 320x;"},
+        {"DEFF9", "has no mode deff9"},
+        {"COFF2FR60PLF0COMP0", "for color, which is not streamed: say --color"},
+        {"320x240,160x120", "320x240 and 160x120 are for the same streams"},
+        {"", "mode is empty"},
+    };
+    for (const auto& row : wrong) {
+        const ToolRun run = ToolTest::run({"stream", "--mode", row.words});
+        EXPECT_EQ(run.exitCode, 2) << row.words << run.err;
+        EXPECT_THAT(run.err, HasSubstr(row.message)) << row.words;
+    }
+    EXPECT_THAT(run({"info", "--camera", "LEFT"}).out, HasSubstr("DEFF2FR60CM1S0"));
 }
 
 TEST_F(Cameras, StreamAllTheyHaveAtOnce) {
@@ -211,7 +276,10 @@ TEST_F(Cameras, KeepParametersWithinTheirRange) {
     } wrong[]{
         {"0=200", 1, "value out of range"},
         {"4=3", 1, "value out of range"},
-        {"12=1", 1, "cannot set parameter 12"},
+        {"12=1", 1, "cannot set parameter 12 to 1: it can only be read"},
+        {"00=1", 2, "'00' is no parameter"},
+        {"0=nan", 2, "takes a number"},
+        {"0=[[1]]", 2, "takes a number, not \"[[1]]\""},
         {"16=1", 2, "'16' is no parameter"},
         {"-1=1", 2, ""},
         {"0", 2, "NUMBER=VALUE"},
@@ -242,13 +310,38 @@ TEST_F(Cameras, SaveAndLoadParameters) {
     ASSERT_EQ(load.exitCode, 0) << load.err;
     EXPECT_EQ(load.json().at("changes").at(0).at("after"), 12.5);
 
-    for (const char* text :
-         {"", "[]", "{}", R"({"schema":1})", R"({"schema":1,"values":[]})", R"({"schema":9,"values":{}})",
-          R"({"schema":1,"values":{"0":"x"}})", R"({"schema":1,"values":{"99":1}})"}) {
-        Utils::writeFile(path("w.json"), text);
-        const ToolRun run = ToolTest::run({"params", "load", path("w.json")});
-        EXPECT_THAT(run.exitCode, testing::AnyOf(1, 2)) << text;
-        EXPECT_NE(run.err, "") << text;
+    const std::string deep(100'000, '[');
+    const struct {
+        std::string text;
+        const char* message;
+    } wrong[]{
+        {"", "is no JSON: parse error at line 1, column 1"},
+        {"[]", ", /: is no object"},
+        {"{}", ", /schema: is missing"},
+        {R"({"schema":1})", ", /values: is missing"},
+        {R"({"schema":1,"values":[]})", ", /values: is no object"},
+        {R"({"schema":9,"values":{}})", ", /schema: this program reads schema 1, not 9"},
+        {R"({"schema":1,"values":{},"more":0})", ", /more: is no field that is known here"},
+        {R"({"schema":1,"values":{"0":1,"0":2}})", "the field \"0\" stands twice"},
+        {R"({"schema":1,"values":{"0":"x"}})", ", /values/0: parameter 0 takes a number, not \"x\""},
+        {R"({"schema":1,"values":{"99":1}})", ", /values/99: '99' is no parameter"},
+        {R"({"schema":1,"values":{"13":{"x":1}}})",
+         ", /values/13: parameter 13 takes x, y, width and height"},
+        {R"({"schema":1,"values":{"0":50,"4":3}})", ", /values/4: cannot set parameter 4 to 3: value out of"},
+        {R"({"schema":1,"values":{"12":3}})",
+         ", /values/12: cannot set parameter 12 to 3: it can only be read"},
+        {R"({"schema":1,"values":{"0":)" + deep, "more than 64 values stand one in the other"},
+        {R"({"schema":)" + deep, "more than 64 values stand one in the other"},
+        {std::string(20'000'000, ' '), "it has more than 16777216 bytes"},
+    };
+    for (const auto& row : wrong) {
+        Utils::writeFile(path("w.json"), row.text);
+        for (const char* mode : {"--dry-run", "--json"}) {
+            const ToolRun run = ToolTest::run({"params", "load", path("w.json"), mode});
+            EXPECT_EQ(run.exitCode, 1) << row.message;
+            EXPECT_THAT(run.err, AllOf(HasSubstr("w.json'"), HasSubstr(row.message)));
+            EXPECT_EQ(run.out, "") << row.message;
+        }
     }
 }
 
@@ -265,6 +358,46 @@ TEST_F(Cameras, PlotTheirTemperatures) {
     EXPECT_GE(count, 2U);
     EXPECT_TRUE(exists("t.png"));
     EXPECT_THAT(ToolTest::run({"sensors"}).out, AllOf(HasSubstr("sensor 0"), HasSubstr("degC")));
+}
+
+TEST_F(Cameras, KeepThePlotOfWhatCameBeforeTheyWent) {
+    plug(left);
+    std::ostringstream err;
+    class Lines final : public std::stringbuf {
+    public:
+        explicit Lines(std::function<void()> then) : action(std::move(then)) {}
+
+    protected:
+        int sync() override {
+            if (auto once = std::exchange(action, nullptr))
+                once();
+            return std::stringbuf::sync();
+        }
+
+    private:
+        std::function<void()> action;
+    } lines([this] { plug(""); });
+    std::ostream out(&lines);
+    Console console{out, err};
+    EXPECT_EQ(runTool({"sensors", "--watch", "--interval", "50", "--png", path("t.png")}, console), 3);
+    EXPECT_THAT(err.str(), HasSubstr("camera LEFT is not plugged in any more"));
+    EXPECT_TRUE(exists("t.png"));
+    plug(left);
+    const ToolRun nowhere = run({"sensors", "--watch", "--png", path("no/t.png")});
+    EXPECT_EQ(nowhere.exitCode, 1);
+    EXPECT_EQ(nowhere.out, "") << "told before anything is read";
+}
+
+TEST_F(Cameras, StopWatchingWhenNobodyReads) {
+    plug(left);
+    for (const auto& arguments : {std::vector<std::string>{"devices", "--watch"}, {"sensors", "--watch"}}) {
+        std::ostringstream out;
+        std::ostringstream err;
+        out.setstate(std::ios::badbit);
+        Console console{out, err};
+        EXPECT_EQ(runTool(arguments, console), 1);
+        EXPECT_THAT(err.str(), HasSubstr("cannot write to standard output"));
+    }
 }
 
 TEST_F(Cameras, TakeTheirCalibrationFromAFile) {
@@ -289,6 +422,15 @@ TEST_F(Cameras, TakeTheirCalibrationFromAFile) {
     EXPECT_EQ(written.json().at("written"), true);
     EXPECT_EQ(run({"calibration", "diff", path("a.json"), path("c.json")}).exitCode, 0)
         << "what it was before";
+    for (const char* taken : {"b.json", "c.json"}) {
+        const std::string before = Utils::readFile(path(taken));
+        EXPECT_THAT(run({"calibration", "import", path("b.json"), "--yes", "--backup", path(taken)}).err,
+                    HasSubstr("is there already"));
+        EXPECT_EQ(Utils::readFile(path(taken)), before);
+    }
+    plug(right);
+    EXPECT_THAT(run({"calibration", "import", path("b.json"), "--dry-run"}).err,
+                HasSubstr("the file is of camera LEFT, this one is RIGHT"));
 }
 
 TEST_F(Cameras, RefuseWrongCalibrationFiles) {
@@ -299,28 +441,28 @@ TEST_F(Cameras, RefuseWrongCalibrationFiles) {
         const char* message;
     } cases[]{
         {"", "is no JSON"},
-        {"[1]", "no field 'calibration'"},
-        {R"({"calibration":{}})", "not of schema"},
+        {"[1]", ", /: is no object"},
+        {R"({"calibration":{}})", ", /schema: is missing"},
         {head + "40000," + R"("phaseDelay2":0,)" + tail +
              R"(0,"firstCoefficients":[],"secondCoefficients":[]}}})",
-         "'phaseDelay' takes whole numbers from -32768 to 32767, not 40000"},
+         ", /calibration/phaseDelay: takes a whole number from -32768 to 32767, not 40000"},
         {head + "1.5," + R"("phaseDelay2":0,)" + tail +
              R"(0,"firstCoefficients":[],"secondCoefficients":[]}}})",
-         "'phaseDelay'"},
+         ", /calibration/phaseDelay: takes a whole number"},
         {head + "1," + tail + R"(0,"firstCoefficients":[],"secondCoefficients":[]}}})",
-         "no field 'phaseDelay2'"},
+         ", /calibration/phaseDelay2: is missing"},
         {head + "1," + R"("phaseDelay2":0,)" + tail +
              R"(300,"firstCoefficients":[],"secondCoefficients":[]}}})",
-         "'kind' takes whole numbers from 0 to 255"},
+         ", /calibration/temperatureCompensation/kind: takes a whole number from 0 to 255"},
         {head + "1," + R"("phaseDelay2":0,)" + tail +
              R"(1,"firstCoefficients":[1],"secondCoefficients":[]}}})",
-         "cannot take the coefficients"},
+         "secondCoefficients: has 0 numbers and firstCoefficients 1"},
         {head + "1," + R"("phaseDelay2":0,)" + tail +
              R"(0,"firstCoefficients":[1],"secondCoefficients":[1]}}})",
-         "of kind 0 has coefficients"},
+         ", /calibration/temperatureCompensation/kind: is 0"},
         {head + "1," + R"("extra":1,"phaseDelay2":0,)" + tail +
              R"(0,"firstCoefficients":[],"secondCoefficients":[]}}})",
-         "unknown field 'extra'"},
+         ", /calibration/extra: is no field"},
     };
     for (const auto& row : cases) {
         Utils::writeFile(path("w.json"), row.text);

@@ -1,16 +1,18 @@
 #include <iomanip>
 #include <map>
 #include <memory>
+#include <optional>
 
 #include <zentara/core/periodic_operation.h>
 #include <zentara/utils/clock.h>
-#include <zentara/utils/files.h>
 #include <zentara/utils/format.h>
 #include <zentara/utils/signal.h>
 
+#include "tools/zentara/arguments.h"
 #include "tools/zentara/camera_session.h"
 #include "tools/zentara/frame_counter.h"
 #include "tools/zentara/interrupt.h"
+#include "tools/zentara/parameter_text.h"
 #include "tools/zentara/pending_file.h"
 #include "tools/zentara/plot.h"
 
@@ -20,6 +22,7 @@ namespace {
 using Utils::Format;
 
 constexpr const char* verbName = "sensors";
+constexpr double shortestWatch = 0.001;
 constexpr double longestWatch = 86'400;
 constexpr unsigned long sliceMilliseconds = 50;
 
@@ -65,10 +68,9 @@ public:
     }
 
     /// \return whether it was interrupted
-    bool watch() {
-        InterruptWatch interrupt;
+    bool watch(const InterruptWatch& interrupt) {
         Utils::Threading::Signal never;
-        for (double due = 0; options.seconds <= 0 || due <= options.seconds;
+        for (double due = 0; console.out && (options.seconds <= 0 || due <= options.seconds);
              due += static_cast<double>(options.interval) / 1000) {
             while (secondsSince(start) < due && !interrupt.interrupted())
                 never.timedWait(sliceMilliseconds);
@@ -79,24 +81,26 @@ public:
         return false;
     }
 
-    void writePlot() const {
+    /// Of what came; nothing to plot leaves no file.
+    void writePlot(PendingFile& file) const {
+        if (history.empty())
+            return;
         std::vector<PlotLine> lines;
         for (const auto& [sensor, points] : history)
             lines.push_back({Format("sensor %") % sensor, points});
-        PendingFile file(options.png);
-        const std::string bytes =
-            plotPng("Temperatures of " + session.camera().serialNumber() + ", degC", "seconds", lines);
-        attempt("write the plot", [&] { Utils::writeFile(file.partPath(), bytes); });
+        file.write(
+            plotPng("Temperatures of " + session.camera().serialNumber() + ", degC", "seconds", lines));
         file.commit();
     }
 
     [[nodiscard]] Json toJson(const Reading& reading) const {
         Json json{{"seconds", reading.seconds}, {"temperatures", Json::array()}};
         for (const SensorValue& value : reading.temperatures.values)
-            json["temperatures"].push_back({{"sensor", value.sensorId}, {"celsius", value.value}});
+            json["temperatures"].push_back({{"sensor", value.sensorId}, {"celsius", floatJson(value.value)}});
         if (accelerometer)
-            json["acceleration"] = {
-                {"x", reading.acceleration.x}, {"y", reading.acceleration.y}, {"z", reading.acceleration.z}};
+            json["acceleration"] = {{"x", floatJson(reading.acceleration.x)},
+                                    {"y", floatJson(reading.acceleration.y)},
+                                    {"z", floatJson(reading.acceleration.z)}};
         return json;
     }
 
@@ -112,8 +116,10 @@ public:
 
 private:
     void note(const Reading& reading) {
-        for (const SensorValue& value : reading.temperatures.values)
-            history[value.sensorId].emplace_back(reading.seconds, value.value);
+        for (const SensorValue& value : reading.temperatures.values) {
+            if (!options.png.empty())
+                history[value.sensorId].emplace_back(reading.seconds, value.value);
+        }
         if (options.json) {
             Json json = beginJson(verbName);
             json.update(toJson(reading));
@@ -131,18 +137,36 @@ private:
     std::map<std::int32_t, std::vector<std::pair<double, double>>> history;
 };
 
+/// Whatever ends it, the plot shows what came before.
+ExitCode watchSensors(SensorWatch& sensors, const Options& options) {
+    const InterruptWatch interrupt;
+    std::optional<PendingFile> plot;
+    if (!options.png.empty())
+        plot.emplace(options.png);
+    const auto finish = [&] {
+        if (plot)
+            sensors.writePlot(*plot);
+    };
+    bool interrupted = false;
+    try {
+        interrupted = sensors.watch(interrupt);
+    } catch (const ToolFailure&) {
+        finish();
+        throw;
+    }
+    finish();
+    return interrupted ? ExitCode_INTERRUPTED : ExitCode_DONE;
+}
+
 ExitCode runSensors(const Options& options, Console& console) {
-    CameraSession session(verbName, options, console);
-    SensorWatch sensors(options, session, console);
-    if (!options.watch) {
+    return withCamera(verbName, options, console, [&](CameraSession& session) {
+        SensorWatch sensors(options, session, console);
+        if (options.watch)
+            return watchSensors(sensors, options);
         const Reading reading = sensors.read();
         session.finish(sensors.toJson(reading), sensors.toText(reading) + '\n');
         return ExitCode_DONE;
-    }
-    const bool interrupted = sensors.watch();
-    if (!options.png.empty())
-        sensors.writePlot();
-    return interrupted ? ExitCode_INTERRUPTED : ExitCode_DONE;
+    });
 }
 
 } // namespace
@@ -152,12 +176,15 @@ Verb addSensorsVerb(CLI::App& program) {
     CLI::App* command =
         program.add_subcommand(verbName, "Reads a depth camera's temperatures and accelerometer")
             ->group("Verbs");
-    command->footer("With --watch each reading is a line, or with --json an object on a line of its own.");
+    command->footer(
+        "With --watch each reading is a line, or with --json an object on a line of its own; the plot is\n"
+        "written when the watching ends, be it by Ctrl-C or a failure. Descriptions of cameras do not say\n"
+        "where an accelerometer is, so its register has to be named: 0x71 for the simulated cameras.");
     addCameraOptions(*command, *options);
     CLI::Option* watch = command->add_flag("--watch", options->watch, "Read again and again, until Ctrl-C");
     command->add_option("--seconds", options->seconds, "Watch so long")
         ->type_name("N")
-        ->check(CLI::Range(0.0, longestWatch).description(""))
+        ->check(secondsBetween(shortestWatch, longestWatch))
         ->needs(watch);
     command->add_option("--interval", options->interval, "Milliseconds between readings")
         ->type_name("MS")
@@ -166,7 +193,8 @@ Verb addSensorsVerb(CLI::App& program) {
         ->needs(watch);
     command
         ->add_option("--accelerometer", options->accelerometer,
-                     "Also read the accelerometer, whose values begin at this register")
+                     "Also read the accelerometer, whose values begin at this register of the camera's "
+                     "time-of-flight controller")
         ->type_name("REGISTER")
         ->check(CLI::Range(0, 0xFFFF).description(""));
     command->add_option("--png", options->png, "Plot the temperatures over the time")
