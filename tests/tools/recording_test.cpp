@@ -156,14 +156,24 @@ TEST_F(Recording, RefusesWhatNoStreamCanBe) {
         writer.commit();
         EXPECT_THROW(RecordingReader reader(path("r")), ToolFailure) << row.type;
     }
-    EXPECT_THROW(RecordingReader reader(path("none")), ToolFailure);
+    {
+        RecordingWriter writer(path("r"), {streams[0], streams[1], streams[0]});
+        writer.commit();
+    }
+    try {
+        RecordingReader reader(path("r"));
+        FAIL() << "one node has one stream";
+    } catch (const ToolFailure& failure) {
+        EXPECT_THAT(failure.what(), HasSubstr("streams 0 and 2 are of the same node"));
+    }
+    for (const char* name : {"none", ""})
+        EXPECT_THROW(RecordingReader reader(path(name)), ToolFailure) << name;
     EXPECT_THROW(RecordingWriter writer(path("r"), {}), ToolFailure);
 }
 
 TEST_F(Recording, WithoutCommitNoFileIsLeft) {
     { RecordingWriter writer(path("gone"), streams); }
-    EXPECT_FALSE(exists("gone"));
-    EXPECT_FALSE(exists("gone.part"));
+    EXPECT_EQ(filesLeft(), std::vector<std::string>{path("r")});
 }
 
 } // namespace

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <fstream>
 #include <numeric>
+#include <utility>
 
 #include <zentara/utils/binary_reader.h>
 #include <zentara/utils/exceptions.h>
@@ -26,13 +28,17 @@ struct RecordingReader::Chunk {
 };
 
 RecordingReader::RecordingReader(const std::string& file)
-    : path(file), in(pathOf(file), std::ios::binary | std::ios::ate) {
-    const auto end = in ? static_cast<std::streamoff>(in.tellg()) : std::streamoff{-1};
+    : RecordingReader(std::make_unique<std::ifstream>(pathOf(file), std::ios::binary), file) {}
+
+RecordingReader::RecordingReader(std::unique_ptr<std::istream> bytes, const std::string& name)
+    : path(name), in(std::move(bytes)) {
+    in->seekg(0, std::ios::end);
+    const auto end = *in ? static_cast<std::streamoff>(in->tellg()) : std::streamoff{-1};
     if (end < 0)
         throw ToolFailure(ExitCode_FAILED,
                           Utils::formatLastError(Format("cannot read recording '%'") % path));
     size = static_cast<std::uint64_t>(end);
-    in.seekg(0);
+    in->seekg(0);
     readHeader();
     for (std::uint16_t index = 0; index < descriptions.size(); ++index)
         readStream(index);
@@ -73,8 +79,8 @@ void RecordingReader::fail(const std::string& what) const {
 void RecordingReader::get(void* data, std::size_t count, const char* what) {
     if (count > size - position)
         fail(Format("it is cut short: % takes % bytes, % are left") % what % count % (size - position));
-    in.read(static_cast<char*>(data), static_cast<std::streamsize>(count));
-    if (!in)
+    in->read(static_cast<char*>(data), static_cast<std::streamsize>(count));
+    if (!*in)
         fail(Utils::formatLastError(Format("cannot read %") % what));
     position += count;
 }
@@ -137,7 +143,7 @@ void RecordingReader::skipPayload(const Chunk& chunk) {
     if (bytes > size - position)
         fail(Format("it is cut short: a chunk of % bytes begins here, % are left") % chunk.length %
              (size - position));
-    in.seekg(static_cast<std::streamoff>(bytes), std::ios::cur);
+    in->seekg(static_cast<std::streamoff>(bytes), std::ios::cur);
     position += bytes;
 }
 
@@ -160,6 +166,10 @@ void RecordingReader::readStream(std::uint16_t index) {
             *text = reader.readString();
     } catch (const Utils::UIOException&) {
         fail(Format("the description of stream % is too short") % index);
+    }
+    for (std::uint16_t earlier = 0; earlier < index; ++earlier) {
+        if (descriptions[earlier].node == node)
+            fail(Format("streams % and % are of the same node") % earlier % index);
     }
     if (!description.plausible())
         fail(Format("stream % is of kind % and in a mode that does not exist") % index %

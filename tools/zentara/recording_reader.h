@@ -1,7 +1,8 @@
 #pragma once
 
 #include <cstdint>
-#include <fstream>
+#include <istream>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,9 @@ public:
     /// Reads the descriptions of the streams.
     /// \throws ToolFailure when the file cannot be read, is no recording, is of another version or damaged.
     explicit RecordingReader(const std::string& path);
+
+    /// The same of bytes that lie elsewhere. \param name what to call them in messages
+    RecordingReader(std::unique_ptr<std::istream> bytes, const std::string& name);
 
     [[nodiscard]] const std::vector<StreamDescription>& streams() const noexcept { return descriptions; }
 
@@ -50,7 +54,7 @@ private:
     void skipPayload(const Chunk& chunk);
 
     const std::string path;
-    std::ifstream in;
+    const std::unique_ptr<std::istream> in;
     std::uint64_t size = 0;
     std::uint64_t position = 0; ///< of the next byte
     std::uint64_t start = 0;    ///< of the chunk that is being read
