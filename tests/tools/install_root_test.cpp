@@ -1,0 +1,153 @@
+#include <filesystem>
+#include <string>
+
+#include <zentara/utils/files.h>
+
+#include "support/program.h"
+#include "tools/tool_fixture.h"
+
+namespace Zentara::Tool {
+namespace {
+
+using nlohmann::json;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+
+/// Runs the tool in an install root of the test's own: a copy of the built one, without what the test takes out.
+class OwnRoot : public ToolTest {
+protected:
+    OwnRoot() {
+        copy("bin/Plugins");
+        copy("cameras");
+        std::filesystem::copy(build() / "test-roots" / "tools" / "bin" / "Plugins", at("bin/Plugins"));
+    }
+
+    [[nodiscard]] std::filesystem::path at(const std::string& name) const {
+        return TestSupport::TemporaryDirectory::fromUtf8(path(name));
+    }
+
+    /// The description of the VC0345's camera, to be changed and written by another name.
+    static json description() {
+        json text = json::parse(Utils::readFile((build() / "cameras" / "vc0345.json").string()));
+        text["model"] = "OTHER";
+        text["serialNumber"] = "OTHER";
+        text["productId"] = 7;
+        return text;
+    }
+    void describe(const json& camera) { Utils::writeFile(path("cameras/other.json"), camera.dump()); }
+
+    void remove(const std::string& plugin) {
+        for (const auto& entry : std::filesystem::directory_iterator(at("bin/Plugins"))) {
+            if (entry.path().stem() == plugin)
+                std::filesystem::remove(entry.path());
+        }
+    }
+
+    static ToolRun other(std::vector<std::string> arguments) {
+        arguments.insert(arguments.end(), {"--camera", "OTHER"});
+        return run(arguments);
+    }
+
+private:
+    static std::filesystem::path build() { return Tests::programDirectory().parent_path(); }
+
+    void copy(const std::string& name) const {
+        std::filesystem::create_directories(at(name));
+        std::filesystem::copy(build() / name, at(name));
+    }
+
+    InstallRoot root{path()};
+};
+
+/// The back-end of the fixture: parameters 0 and 4, up to 100, and no ranges.
+class FewParameters : public OwnRoot {
+protected:
+    FewParameters() {
+        json camera = description();
+        camera["nodes"][0]["parameterInterpreter"] = "B1B1C96D-2C5A-4B1F-905E-2B431D7C1104";
+        camera["nodes"][0].erase("parameters");
+        describe(camera);
+    }
+};
+
+TEST_F(FewParameters, AreListedAndTheRestIsMarked) {
+    const ToolRun list = other({"params", "list", "--json"});
+    ASSERT_EQ(list.exitCode, 0) << list.err;
+    const json rows = list.json().at("parameters");
+    ASSERT_EQ(rows.size(), 16U);
+    for (const json& row : rows) {
+        const bool has = row.at("parameter") == 0 || row.at("parameter") == 4;
+        EXPECT_EQ(row.at("supported"), has) << row;
+        EXPECT_EQ(row.at("value").is_null(), !has) << row;
+        EXPECT_TRUE(row.at("range").is_null()) << row;
+    }
+    EXPECT_THAT(other({"params", "list"}).out, AllOf(HasSubstr("0   float   read-write  80"),
+                                                     HasSubstr("1   float   not supported by this camera")));
+    EXPECT_THAT(other({"params", "save", path("p.json")}).out, HasSubstr("2 parameters written"));
+    EXPECT_THAT(other({"params", "set", "1=1"}).err, HasSubstr("the camera has no such parameter"));
+}
+
+TEST_F(FewParameters, SayWhatWasSetBeforeAFailure) {
+    EXPECT_THAT(other({"params", "set", "0=50", "4=200"}).err,
+                AllOf(HasSubstr("cannot set parameter 4 to 200"), HasSubstr("; set before it: 0")));
+    EXPECT_THAT(other({"params", "set", "4=200", "0=50"}).err, HasSubstr("; nothing was set"));
+    const auto load = [this](const char* values) {
+        Utils::writeFile(path("p.json"), std::string(R"({"schema":1,"values":)") + values + "}");
+        const ToolRun run = other({"params", "load", path("p.json")});
+        EXPECT_EQ(run.exitCode, 1);
+        return run.err;
+    };
+    EXPECT_THAT(load(R"({"0":50,"4":200})"),
+                AllOf(HasSubstr("no more than 100"), HasSubstr("it has changed all the same: 0")));
+    EXPECT_THAT(load(R"({"4":200})"),
+                AllOf(HasSubstr("no more than 100"), HasSubstr("; nothing was changed")));
+}
+
+TEST_F(OwnRoot, TellsOfCamerasThatLackSomething) {
+    json camera = description();
+    camera["nodes"][0].erase("parameterInterpreter");
+    camera["nodes"][0].erase("parameters");
+    describe(camera);
+    const ToolRun plain = other({"info", "--json"});
+    EXPECT_EQ(plain.exitCode, 0) << plain.err;
+    EXPECT_TRUE(plain.json().at("calibration").contains("notSupported"));
+    EXPECT_EQ(plain.json().at("temperatures").size(), 2U);
+    EXPECT_THAT(other({"params", "list"}).err, HasSubstr("camera OTHER has no parameters"));
+
+    camera["nodes"].erase(0);
+    camera["nodes"].erase(1);
+    describe(camera);
+    const ToolRun colorOnly = other({"info", "--json"});
+    EXPECT_EQ(colorOnly.exitCode, 0) << colorOnly.err;
+    EXPECT_EQ(colorOnly.json().at("nodes").size(), 1U);
+    EXPECT_EQ(colorOnly.json().at("controller"), "VC0345");
+    for (const char* verb : {"sensors", "stream"})
+        EXPECT_NE(other({verb}).exitCode, 0) << verb;
+    const ToolRun streamed = other({"stream", "--color", "--audio", "--frames", "2"});
+    EXPECT_EQ(streamed.exitCode, 1);
+    EXPECT_THAT(streamed.err,
+                AllOf(HasSubstr("camera OTHER has no depth stream"), HasSubstr("there is no audio stream")));
+    EXPECT_EQ(other({"reg", "read", "tof", "0x21"}).out, "0x2035\n") << "through the colour device";
+}
+
+TEST_F(OwnRoot, NamesWhatIsMissing) {
+    describe({{"format", 1}});
+    EXPECT_THAT(run({"devices"}).out, AllOf(HasSubstr("SIM0570"), Not(HasSubstr("OTHER"))));
+    std::filesystem::remove_all(at("cameras"));
+    for (const char* verb : {"devices", "info", "stream"}) {
+        const ToolRun run = ToolTest::run({verb});
+        EXPECT_EQ(run.exitCode, 3) << verb;
+        EXPECT_THAT(run.err, HasSubstr("no camera is plugged in")) << verb;
+    }
+    remove("mock_enumerator");
+    EXPECT_EQ(run({"reg", "read", "tof", "1"}).exitCode, 4);
+    EXPECT_EQ(run({"reg", "read", "tof", "1", "--direct"}).exitCode, 0);
+    remove("mock_descriptor_store");
+    EXPECT_THAT(run({"devices"}).err, HasSubstr("no descriptor store plug-in is registered"));
+    remove("mock_video_device");
+    EXPECT_EQ(run({"reg", "read", "tof", "1", "--direct"}).exitCode, 4);
+}
+
+} // namespace
+} // namespace Zentara::Tool
