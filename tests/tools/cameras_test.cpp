@@ -131,7 +131,8 @@ TEST_F(Cameras, StreamInTheModeThatIsNamed) {
         const ToolRun run = ToolTest::run(arguments);
         EXPECT_EQ(run.exitCode, 0) << run.err;
         std::vector<std::string> names;
-        for (const auto& stream : run.json().at("streams"))
+        const nlohmann::json json = run.json();
+        for (const auto& stream : json.at("streams"))
             names.push_back(stream.at("mode"));
         return names;
     };

@@ -14,7 +14,8 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
-/// Runs the tool in an install root of the test's own: a copy of the built one, without what the test takes out.
+/// Runs the built tool in an install root of the test's own: a copy of the built one, without what the test takes out.
+/// This process may hold on to the plug-ins that other tests have used.
 class OwnRoot : public ToolTest {
 protected:
     OwnRoot() {
@@ -44,7 +45,13 @@ protected:
         }
     }
 
-    static ToolRun other(std::vector<std::string> arguments) {
+    ToolRun run(const std::vector<std::string>& arguments) const {
+        std::string words;
+        for (const std::string& argument : arguments)
+            words += "\"" + argument + "\" ";
+        return runBuilt(words);
+    }
+    ToolRun other(std::vector<std::string> arguments) const {
         arguments.insert(arguments.end(), {"--camera", "OTHER"});
         return run(arguments);
     }
@@ -136,7 +143,7 @@ TEST_F(OwnRoot, NamesWhatIsMissing) {
     EXPECT_THAT(run({"devices"}).out, AllOf(HasSubstr("SIM0570"), Not(HasSubstr("OTHER"))));
     std::filesystem::remove_all(at("cameras"));
     for (const char* verb : {"devices", "info", "stream"}) {
-        const ToolRun run = ToolTest::run({verb});
+        const ToolRun run = OwnRoot::run({verb});
         EXPECT_EQ(run.exitCode, 3) << verb;
         EXPECT_THAT(run.err, HasSubstr("no camera is plugged in")) << verb;
     }
