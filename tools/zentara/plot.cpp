@@ -17,11 +17,12 @@ namespace {
 
 constexpr int width = 800;
 constexpr int height = 450;
-constexpr int left = 70;
+constexpr int left = 85;
 constexpr int right = 30;
 constexpr int top = 40;
-constexpr int bottom = 50;
-constexpr int textHeight = 10;
+constexpr int bottom = 65;
+constexpr int letterPixels = 2; // of a pixel of the font
+constexpr int textHeight = 8 * letterPixels;
 constexpr std::size_t mostCorners = 160; // of one letter
 constexpr int wantedTicks = 6;
 constexpr Rgb white{255, 255, 255};
@@ -70,23 +71,26 @@ public:
     void text(int x, int y, const std::string& label, const Rgb& color) {
         std::string words = printable(label);
         std::vector<Corner> corners(words.size() * mostCorners);
-        const int quads =
-            stb_easy_font_print(static_cast<float>(x), static_cast<float>(y), words.data(), nullptr,
-                                corners.data(), static_cast<int>(corners.size() * sizeof(Corner)));
+        const int quads = stb_easy_font_print(0, 0, words.data(), nullptr, corners.data(),
+                                              static_cast<int>(corners.size() * sizeof(Corner)));
         for (int quad = 0; quad < quads; ++quad) {
             const Corner& from = corners[static_cast<std::size_t>(quad) * 4];
             const Corner& to = corners[static_cast<std::size_t>(quad) * 4 + 2];
-            for (int row = static_cast<int>(from.y); row < static_cast<int>(to.y); ++row)
-                for (int column = static_cast<int>(from.x); column < static_cast<int>(to.x); ++column)
-                    dot(column, row, color);
+            for (int row = pixelOf(from.y); row < pixelOf(to.y); ++row)
+                for (int column = pixelOf(from.x); column < pixelOf(to.x); ++column)
+                    dot(x + column, y + row, color);
         }
     }
 
-    static int textWidth(const std::string& label) { return stb_easy_font_width(printable(label).data()); }
+    static int textWidth(const std::string& label) {
+        return letterPixels * stb_easy_font_width(printable(label).data());
+    }
 
     [[nodiscard]] std::string png() const { return encodePng(pixels, width, height); }
 
 private:
+    static int pixelOf(float fontPixel) { return letterPixels * static_cast<int>(fontPixel); }
+
     std::vector<std::uint8_t> pixels;
 };
 
@@ -147,11 +151,14 @@ std::string plotPng(const std::string& title, const std::string& xLabel, const s
     const auto [yLow, yHigh] = extent(lines, &Point::second);
     const std::vector<double> xTicks = plotTicks(xLow, xHigh, wantedTicks);
     const std::vector<double> yTicks = plotTicks(yLow, yHigh, wantedTicks);
-    const Scale xScale{xTicks.front(), xTicks.back(), left, width - right};
+    const double xEnd = xHigh > xTicks.front() ? xHigh : xTicks.back(); // lines go up to the edge
+    const Scale xScale{xTicks.front(), xEnd, left, width - right};
     const Scale yScale{yTicks.front(), yTicks.back(), height - bottom, top};
 
     Canvas canvas;
     for (const double tick : xTicks) {
+        if (tick > xEnd)
+            continue;
         canvas.line(xScale(tick), top, xScale(tick), height - bottom, gray, 1);
         const std::string number = numberText(tick);
         canvas.text(static_cast<int>(xScale(tick)) - Canvas::textWidth(number) / 2, height - bottom + 8,
@@ -166,7 +173,7 @@ std::string plotPng(const std::string& title, const std::string& xLabel, const s
     canvas.line(left, top, left, height - bottom, black, 1);
     canvas.line(left, height - bottom, width - right, height - bottom, black, 1);
     canvas.text(left, 14, title, black);
-    canvas.text((width - Canvas::textWidth(xLabel)) / 2, height - 20, xLabel, black);
+    canvas.text((width - Canvas::textWidth(xLabel)) / 2, height - 28, xLabel, black);
 
     int legend = left + Canvas::textWidth(title) + 30;
     for (std::size_t index = 0; index < lines.size(); ++index) {
