@@ -76,6 +76,10 @@ protected:
         camera["nodes"][0].erase("parameters");
         describe(camera);
     }
+    ~FewParameters() override { std::filesystem::remove(values); }
+
+    /// A file with a name of plain letters, which every command interpreter passes on.
+    const std::string values = (Tests::programDirectory() / "tools_tests_values.json").string();
 };
 
 TEST_F(FewParameters, AreListedAndTheRestIsMarked) {
@@ -91,7 +95,7 @@ TEST_F(FewParameters, AreListedAndTheRestIsMarked) {
     }
     EXPECT_THAT(other({"params", "list"}).out, AllOf(HasSubstr("0   float   read-write  80"),
                                                      HasSubstr("1   float   not supported by this camera")));
-    EXPECT_THAT(other({"params", "save", path("p.json")}).out, HasSubstr("2 parameters written"));
+    EXPECT_THAT(other({"params", "save", values}).out, HasSubstr("2 parameters written"));
     EXPECT_THAT(other({"params", "set", "1=1"}).err, HasSubstr("the camera has no such parameter"));
 }
 
@@ -99,9 +103,9 @@ TEST_F(FewParameters, SayWhatWasSetBeforeAFailure) {
     EXPECT_THAT(other({"params", "set", "0=50", "4=200"}).err,
                 AllOf(HasSubstr("cannot set parameter 4 to 200"), HasSubstr("; set before it: 0")));
     EXPECT_THAT(other({"params", "set", "4=200", "0=50"}).err, HasSubstr("; nothing was set"));
-    const auto load = [this](const char* values) {
-        Utils::writeFile(path("p.json"), std::string(R"({"schema":1,"values":)") + values + "}");
-        const ToolRun run = other({"params", "load", path("p.json")});
+    const auto load = [this](const char* state) {
+        Utils::writeFile(values, std::string(R"({"schema":1,"values":)") + state + "}");
+        const ToolRun run = other({"params", "load", values});
         EXPECT_EQ(run.exitCode, 1);
         return run.err;
     };
@@ -135,7 +139,8 @@ TEST_F(OwnRoot, TellsOfCamerasThatLackSomething) {
     EXPECT_EQ(streamed.exitCode, 1);
     EXPECT_THAT(streamed.err,
                 AllOf(HasSubstr("camera OTHER has no depth stream"), HasSubstr("there is no audio stream")));
-    EXPECT_EQ(other({"reg", "read", "tof", "0x21"}).out, "0x2035\n") << "through the colour device";
+    EXPECT_THAT(other({"reg", "read", "tof", "0x21"}).out, HasSubstr("0x2035"))
+        << "through the colour device";
 }
 
 TEST_F(OwnRoot, NamesWhatIsMissing) {
