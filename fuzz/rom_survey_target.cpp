@@ -1,0 +1,78 @@
+// Any bytes as a flash image for the tool: what it finds wrong, draws, salvages, and what it says of an image with
+// which nothing is wrong. The first byte says where the header stands and where the area begins, as for the
+// storage's own target, whose inputs serve for both.
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+
+#include "tools/zentara/rom/flash_map.h"
+#include "tools/zentara/rom/rehearsal.h"
+#include "tools/zentara/rom/rom_survey.h"
+
+namespace {
+
+using namespace Zentara::Tool;
+
+void require(bool holds) {
+    if (!holds)
+        std::abort();
+}
+
+RomContent contentOf(const RomSurvey& survey) {
+    RomContent content;
+    for (const SurveyedBlock& block : survey.blocks())
+        if (block.section)
+            content[block.section->uid] = block.section->content;
+    return content;
+}
+
+/// The library, whose code is another, reads the same.
+void checkAgreement(const FlashImage& image, const RomSurvey& survey) {
+    FlashImage copy = image;
+    Storage storage(copy, copy.area());
+    storage.container.initialize();
+    require(storage.container.romInitialized());
+    require(Zentara::Tool::contentOf(storage.container) == contentOf(survey));
+    require(copy.writes().empty());
+}
+
+void checkPlaces(const FlashImage& image, const RomSurvey& survey) {
+    const FlashArea& area = image.area();
+    for (const Finding& finding : survey.findings())
+        require(area.holds(finding.address, 0));
+    for (const SurveyedSection& section : survey.unreachable())
+        require(area.holds(section.address, section.content.data.size() + 13));
+    const FlashMap map(image, survey);
+    for (const Region& region : map.regions())
+        require(region.length > 0 && area.holds(region.address, region.length));
+}
+
+/// What was salvaged can be written to a new image of the size, or the reason why not is told.
+void salvage(const FlashImage& image, const RomSurvey& survey) {
+    RomContent content;
+    for (const SurveyedSection& section : survey.unreachable())
+        if (section.uid != 0)
+            content.emplace(section.uid, section.content);
+    const Rehearsal fresh = rebuild(image, content);
+    require(fresh.isGood() ? !RomSurvey(fresh.image).structuralFault()
+                           : fresh.refusal || !fresh.losses.empty());
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    if (size == 0)
+        return 0;
+    const std::size_t start = std::min<std::size_t>((data[0] >> 1 & 3u) * 64, size - 1);
+    const FlashArea area{static_cast<std::uint32_t>(start), static_cast<std::uint32_t>(size - 1 - start), 64,
+                         (data[0] & 1) != 0};
+    const FlashImage image(area, Bytes(data + 1 + start, data + size));
+    const RomSurvey survey(image);
+    if (!survey.structuralFault())
+        checkAgreement(image, survey);
+    checkPlaces(image, survey);
+    if (area.size > 0)
+        static_cast<void>(FlashMap(image, survey).text());
+    salvage(image, survey);
+    return 0;
+}
