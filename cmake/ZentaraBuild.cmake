@@ -47,8 +47,9 @@ target_compile_options(zentara_settings INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wcast-align -Wunused -Wimplicit-fallthrough
     $<$<BOOL:${ZENTARA_WERROR}>:-Werror>
     $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety>
-    # A sibling's private name is none that a source could shadow.
-    $<$<BOOL:${ZENTARA_UNITY}>:-Wno-shadow>)
+    # In a group a sibling's private name would count as shadowed, and a source's private types as those of a header.
+    $<$<BOOL:${ZENTARA_UNITY}>:-Wno-shadow>
+    $<$<AND:$<BOOL:${ZENTARA_UNITY}>,$<CXX_COMPILER_ID:GNU>>:-Wno-subobject-linkage>)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # Unique symbols would pin every plug-in in the process for ever.
     target_compile_options(zentara_settings INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-fno-gnu-unique>)
