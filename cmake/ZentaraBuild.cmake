@@ -23,8 +23,8 @@ if(CCACHE)
     set(CMAKE_C_COMPILER_LAUNCHER ${CMAKE_CXX_COMPILER_LAUNCHER})
 endif()
 
-# Sources compiled in groups read the standard library and GoogleTest once a group. The gcc preset compiles each alone,
-# which proves that each includes what it uses.
+# Sources compiled in groups read the standard library once a group. The gcc preset compiles each of the library and the
+# plug-ins alone, which proves that each includes what it uses.
 if(ZENTARA_UNITY)
     set(CMAKE_UNITY_BUILD ON)
     set(CMAKE_UNITY_BUILD_BATCH_SIZE 8)
@@ -48,8 +48,8 @@ target_compile_options(zentara_settings INTERFACE
     $<$<BOOL:${ZENTARA_WERROR}>:-Werror>
     $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety>
     # In a group a sibling's private name would count as shadowed, and a source's private types as those of a header.
-    $<$<BOOL:${ZENTARA_UNITY}>:-Wno-shadow>
-    $<$<AND:$<BOOL:${ZENTARA_UNITY}>,$<CXX_COMPILER_ID:GNU>>:-Wno-subobject-linkage>)
+    $<$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>:-Wno-shadow>
+    $<$<AND:$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>,$<CXX_COMPILER_ID:GNU>>:-Wno-subobject-linkage>)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # Unique symbols would pin every plug-in in the process for ever.
     target_compile_options(zentara_settings INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-fno-gnu-unique>)

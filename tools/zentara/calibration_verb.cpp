@@ -12,9 +12,9 @@ namespace {
 
 using Utils::Format;
 
-constexpr const char* verbName = "calibration";
+constexpr const char* calibrationVerb = "calibration";
 
-struct Options : CameraOptions {
+struct CalibrationOptions : CameraOptions {
     std::string file;
     std::string other;
     std::string backup;
@@ -31,7 +31,7 @@ CalibrationInternal readCamera(CameraSession& session) {
 /// A calibration file: whose calibration it is, and the calibration.
 void writeFile(const std::string& path, const CameraSession& session,
                const CalibrationInternal& calibration) {
-    Json json = beginJson(verbName);
+    Json json = beginJson(calibrationVerb);
     json["camera"] = session.identity();
     json["calibration"] = toJson(calibration);
     writeJsonFile(path, json);
@@ -54,8 +54,8 @@ StoredCalibration readFile(const std::string& path) {
     return stored;
 }
 
-ExitCode runExport(const Options& options, Console& console) {
-    return withCamera(verbName, options, console, [&](CameraSession& session) {
+ExitCode runExport(const CalibrationOptions& options, Console& console) {
+    return withCamera(calibrationVerb, options, console, [&](CameraSession& session) {
         const CalibrationInternal calibration = readCamera(session);
         if (!options.file.empty())
             writeFile(options.file, session, calibration);
@@ -92,11 +92,11 @@ void replaceCalibration(CameraSession& session, const CalibrationInternal& befor
                 backup);
 }
 
-ExitCode importInto(CameraSession& session, const StoredCalibration& stored, const Options& options,
+ExitCode importInto(CameraSession& session, const StoredCalibration& stored, const CalibrationOptions& options,
                     Console& console) {
     const CalibrationInternal& wanted = stored.calibration;
     const CalibrationInternal before = readCamera(session);
-    noteOtherCamera(stored.serialNumber, session, verbName, console);
+    noteOtherCamera(stored.serialNumber, session, calibrationVerb, console);
     Json result{{"before", toJson(before)}, {"calibration", toJson(wanted)}, {"written", false}};
     if (options.dryRun || before == wanted) {
         session.finish(result, before == wanted ? "the camera has this calibration already\n"
@@ -114,9 +114,9 @@ ExitCode importInto(CameraSession& session, const StoredCalibration& stored, con
     return ExitCode_DONE;
 }
 
-ExitCode runImport(const Options& options, Console& console) {
+ExitCode runImport(const CalibrationOptions& options, Console& console) {
     const StoredCalibration stored = readFile(options.file);
-    return withCamera(verbName, options, console,
+    return withCamera(calibrationVerb, options, console,
                       [&](CameraSession& session) { return importInto(session, stored, options, console); });
 }
 
@@ -143,19 +143,19 @@ Json differences(const Json& left, const Json& right) {
     return list;
 }
 
-ExitCode runDiff(const Options& options, Console& console) {
+ExitCode runDiff(const CalibrationOptions& options, Console& console) {
     const CalibrationInternal left = readFile(options.file).calibration;
     CalibrationInternal right;
     if (!options.other.empty())
         right = readFile(options.other).calibration;
     else
-        static_cast<void>(withCamera(verbName, options, console, [&](CameraSession& session) {
+        static_cast<void>(withCamera(calibrationVerb, options, console, [&](CameraSession& session) {
             right = readCamera(session);
             return ExitCode_DONE;
         }));
     const Json list = differences(toJson(left), toJson(right));
     if (options.json) {
-        Json json = beginJson(verbName);
+        Json json = beginJson(calibrationVerb);
         json["equal"] = list.empty();
         json["differences"] = list;
         print(console.out, json);
@@ -168,9 +168,9 @@ ExitCode runDiff(const Options& options, Console& console) {
 } // namespace
 
 Verb addCalibrationVerb(CLI::App& program) {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<CalibrationOptions>();
     CLI::App* command =
-        program.add_subcommand(verbName, "Moves a depth camera's calibration between camera and file")
+        program.add_subcommand(calibrationVerb, "Moves a depth camera's calibration between camera and file")
             ->group("Verbs");
     command->require_subcommand(1);
     command->footer(

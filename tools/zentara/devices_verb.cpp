@@ -17,7 +17,7 @@ constexpr unsigned long lookMilliseconds = 100;
 constexpr double shortestWatch = 0.001;
 constexpr double longestWatch = 86'400;
 
-struct Options {
+struct DevicesOptions {
     bool watch = false;
     double seconds = 0; ///< 0: until Ctrl-C
     bool json = false;
@@ -88,7 +88,7 @@ void printEvent(std::ostream& out, const ExternalEvent& event, bool json) {
             << std::endl;
 }
 
-ExitCode watchDevices(const Options& options, CameraBus& bus, Console& console) {
+ExitCode watchDevices(const DevicesOptions& options, CameraBus& bus, Console& console) {
     InterruptWatch interrupt;
     std::int64_t start = 0;
     Utils::Clock::getTime(start);
@@ -105,7 +105,7 @@ ExitCode watchDevices(const Options& options, CameraBus& bus, Console& console) 
     return interrupt.interrupted() ? ExitCode_INTERRUPTED : ExitCode_DONE;
 }
 
-ExitCode runDevices(const Options& options, Console& console) {
+ExitCode runDevices(const DevicesOptions& options, Console& console) {
     CameraBus bus(console.err);
     if (options.watch)
         return watchDevices(options, bus, console);
@@ -128,7 +128,7 @@ ExitCode runDevices(const Options& options, Console& console) {
 } // namespace
 
 Verb addDevicesVerb(CLI::App& program) {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<DevicesOptions>();
     CLI::App* command =
         program.add_subcommand("devices", "Lists the cameras that are plugged in")->group("Verbs");
     command->footer(

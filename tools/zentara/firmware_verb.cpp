@@ -17,7 +17,7 @@ using Utils::Format;
 constexpr unsigned memoryBytes = 0x10000;
 constexpr unsigned pieceBytes = 0x1000; ///< pieces end at multiples of it
 
-struct Options : ChipOptions {
+struct FirmwareOptions : ChipOptions {
     std::string file;
     std::string area = "firmware";
     unsigned start = 0;
@@ -27,7 +27,7 @@ struct Options : ChipOptions {
 /// Reads piece by piece, so that progress shows and Ctrl-C is heard.
 class Dump {
 public:
-    Dump(ChipSession& source, const Options& wanted, Console& target)
+    Dump(ChipSession& source, const FirmwareOptions& wanted, Console& target)
         : session(source), options(wanted), console(target) {}
 
     /// False when it was interrupted.
@@ -60,11 +60,11 @@ private:
     }
 
     ChipSession& session;
-    const Options& options;
+    const FirmwareOptions& options;
     Console& console;
 };
 
-ExitCode runDump(Options options, Console& console) {
+ExitCode runDump(FirmwareOptions options, Console& console) {
     if (options.length == 0)
         options.length = memoryBytes - options.start;
     if (options.length > memoryBytes - options.start)
@@ -98,7 +98,7 @@ ExitCode runDump(Options options, Console& console) {
 } // namespace
 
 Verb addFirmwareVerb(CLI::App& program) {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<FirmwareOptions>();
     CLI::App* command =
         program.add_subcommand("firmware", "Reads the memory of a camera's controller")->group("Verbs");
     command->require_subcommand(1);

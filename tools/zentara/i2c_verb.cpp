@@ -9,23 +9,23 @@ namespace {
 
 using Utils::Format;
 
-struct Options : ChipOptions {
+struct I2cOptions : ChipOptions {
     unsigned device = 0;
     std::uint32_t reg = 0;
     unsigned value = 0;
     unsigned bytes = 2;
 };
 
-std::string placeOf(const Options& options) {
+std::string placeOf(const I2cOptions& options) {
     return Format("I2C device % register %") % hexText(options.device) % hexText(options.reg);
 }
 
-Json resultOf(const Options& options, unsigned value) {
+Json resultOf(const I2cOptions& options, unsigned value) {
     return {
         {"device", options.device}, {"register", options.reg}, {"bytes", options.bytes}, {"value", value}};
 }
 
-I2cLimits limitsOf(ChipSession& session, const Options& options) {
+I2cLimits limitsOf(ChipSession& session, const I2cOptions& options) {
     I2cLimits limits{};
     attempt("ask for the widths of the device", [&] {
         limits = session.chip().i2cLimits(static_cast<std::uint8_t>(options.device),
@@ -36,7 +36,7 @@ I2cLimits limitsOf(ChipSession& session, const Options& options) {
     return limits;
 }
 
-ExitCode runRead(const Options& options, Console& console) {
+ExitCode runI2cRead(const I2cOptions& options, Console& console) {
     ChipSession session("i2c", options, console);
     static_cast<void>(limitsOf(session, options));
     unsigned value = 0;
@@ -48,7 +48,7 @@ ExitCode runRead(const Options& options, Console& console) {
     return ExitCode_DONE;
 }
 
-ExitCode runWrite(const Options& options, Console& console) {
+ExitCode runI2cWrite(const I2cOptions& options, Console& console) {
     ChipSession session("i2c", options, console);
     checkRange("value", options.value, limitsOf(session, options).of.value, session.chip());
     attempt("write " + placeOf(options), [&] {
@@ -59,7 +59,7 @@ ExitCode runWrite(const Options& options, Console& console) {
     return ExitCode_DONE;
 }
 
-void addDevice(CLI::App& command, Options& options) {
+void addDevice(CLI::App& command, I2cOptions& options) {
     command.add_option("DEVICE", options.device, "Its address on the bus")
         ->required()
         ->check(CLI::Range(0U, 0xFFU));
@@ -73,7 +73,7 @@ void addDevice(CLI::App& command, Options& options) {
 } // namespace
 
 Verb addI2cVerb(CLI::App& program) {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<I2cOptions>();
     CLI::App* command =
         program.add_subcommand("i2c", "Reads and writes registers of any device on a camera's bus")
             ->group("Verbs");
@@ -84,7 +84,7 @@ Verb addI2cVerb(CLI::App& program) {
     addDevice(*write, *options);
     write->add_option("VALUE", options->value, "What to write")->required()->check(CLI::Range(0U, 0xFFFFU));
     return {command, [options, read](Console& console) {
-                return read->parsed() ? runRead(*options, console) : runWrite(*options, console);
+                return read->parsed() ? runI2cRead(*options, console) : runI2cWrite(*options, console);
             }};
 }
 

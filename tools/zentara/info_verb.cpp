@@ -16,7 +16,7 @@ namespace {
 
 using Tool::toJson; // those of calibrations
 
-constexpr const char* verbName = "info";
+constexpr const char* infoVerb = "info";
 
 /// Adds what one question to the camera brings. A camera that cannot answer it is told of in its place.
 template<typename Ask>
@@ -165,7 +165,7 @@ void printLeaves(std::ostream& out, const Json& json, const std::string& name) {
 }
 
 ExitCode runInfo(const CameraOptions& options, Console& console) {
-    return withCamera(verbName, options, console, [&](CameraSession& session) {
+    return withCamera(infoVerb, options, console, [&](CameraSession& session) {
         Json json{{"nodes", Json::array()}};
         CameraStore store(console.err);
         for (const NodeEvent& node : session.camera().nodes)
@@ -188,7 +188,7 @@ Verb addInfoVerb(CLI::App& program) {
     auto options = std::make_shared<CameraOptions>();
     CLI::App* command =
         program
-            .add_subcommand(verbName, "Tells what a camera is: nodes, modes, firmware, hardware, "
+            .add_subcommand(infoVerb, "Tells what a camera is: nodes, modes, firmware, hardware, "
                                       "calibration, temperatures")
             ->group("Verbs");
     command->footer(

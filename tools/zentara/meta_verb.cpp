@@ -9,12 +9,12 @@ namespace {
 
 using Utils::Format;
 
-struct Options : ChipOptions {
+struct MetaOptions : ChipOptions {
     std::uint32_t code = 0;
     std::uint32_t value = 0;
 };
 
-ExitCode runMeta(const Options& options, Console& console) {
+ExitCode runMeta(const MetaOptions& options, Console& console) {
     ChipSession session("meta", options, console);
     attempt(Format("run meta command %") % options.code,
             [&] { session.chip().command(IO::UVC_TOF_CONTROLLER_REGISTER, options.code, options.value); });
@@ -26,7 +26,7 @@ ExitCode runMeta(const Options& options, Console& console) {
 } // namespace
 
 Verb addMetaVerb(CLI::App& program) {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<MetaOptions>();
     CLI::App* command =
         program.add_subcommand("meta", "Runs a meta command of a camera's controller")->group("Verbs");
     command->footer("A code that the controller does not know is refused, except by an OV0570, which writes\n"

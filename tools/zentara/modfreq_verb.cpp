@@ -35,11 +35,11 @@ std::string listOf(const std::vector<unsigned>& values) {
     return text;
 }
 
-struct Options : ChipOptions {
+struct ModfreqOptions : ChipOptions {
     unsigned megahertz = 0;
 };
 
-ExitCode runModfreq(const Options& options, Console& console) {
+ExitCode runModfreq(const ModfreqOptions& options, Console& console) {
     ChipSession session("modfreq", options, console);
     const char* chip = chipName(session.chip().kind());
     const Modulation modulation = modulationOf(session.chip().kind());
@@ -61,7 +61,7 @@ ExitCode runModfreq(const Options& options, Console& console) {
 } // namespace
 
 Verb addModfreqVerb(CLI::App& program) {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<ModfreqOptions>();
     CLI::App* command =
         program.add_subcommand("modfreq", "Sets a camera's modulation frequency")->group("Verbs");
     command

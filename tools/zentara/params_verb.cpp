@@ -18,9 +18,9 @@ namespace {
 using Tool::toJson; // those of values and ranges
 using Utils::Format;
 
-constexpr const char* verbName = "params";
+constexpr const char* paramsVerb = "params";
 
-struct Options : CameraOptions {
+struct ParamsOptions : CameraOptions {
     std::vector<std::string> words;
     std::string file;
     bool dryRun = false;
@@ -186,18 +186,18 @@ void finishRows(CameraSession& session, const std::vector<ParameterType>& parame
     session.finish({{"parameters", list}}, text.str());
 }
 
-ExitCode runList(const Options& options, Console& console) {
-    return withCamera(verbName, options, console, [](CameraSession& session) {
+ExitCode runList(const ParamsOptions& options, Console& console) {
+    return withCamera(paramsVerb, options, console, [](CameraSession& session) {
         finishRows(session, parametersOf(session));
         return ExitCode_DONE;
     });
 }
 
-ExitCode runGet(const Options& options, Console& console) {
+ExitCode runParamsGet(const ParamsOptions& options, Console& console) {
     std::vector<ParameterType> parameters;
     for (const std::string& word : options.words)
         parameters.push_back(parameterNamed(word));
-    return withCamera(verbName, options, console, [&](CameraSession& session) {
+    return withCamera(paramsVerb, options, console, [&](CameraSession& session) {
         finishRows(session, parameters);
         return ExitCode_DONE;
     });
@@ -240,9 +240,9 @@ void writeAll(CameraSession& session, const Settings& settings) {
     }
 }
 
-ExitCode runSet(const Options& options, Console& console) {
+ExitCode runParamsSet(const ParamsOptions& options, Console& console) {
     const Settings settings = settingsOf(options.words);
-    return withCamera(verbName, options, console, [&](CameraSession& session) {
+    return withCamera(paramsVerb, options, console, [&](CameraSession& session) {
         for (std::size_t index = 0; index < settings.values.size(); ++index)
             checkSettable(session, settings.parameters[index], settings.values[index], "");
         writeAll(session, settings);
@@ -278,10 +278,10 @@ IO::ParameterRequestMap readState(CameraSession& session) {
     return state;
 }
 
-ExitCode runSave(const Options& options, Console& console) {
-    return withCamera(verbName, options, console, [&](CameraSession& session) {
+ExitCode runSave(const ParamsOptions& options, Console& console) {
+    return withCamera(paramsVerb, options, console, [&](CameraSession& session) {
         const Json values = toJson(readState(session));
-        Json json = beginJson(verbName);
+        Json json = beginJson(paramsVerb);
         json["camera"] = session.identity();
         json["values"] = values;
         writeJsonFile(options.file, json);
@@ -339,9 +339,9 @@ std::string takenText(CameraSession& session, const Json& before) {
     return taken.empty() ? "nothing was changed" : "it has changed all the same: " + taken;
 }
 
-ExitCode loadInto(CameraSession& session, const StoredValues& stored, const Options& options,
+ExitCode loadInto(CameraSession& session, const StoredValues& stored, const ParamsOptions& options,
                   Console& console) {
-    noteOtherCamera(stored.serialNumber, session, verbName, console);
+    noteOtherCamera(stored.serialNumber, session, paramsVerb, console);
     for (const auto& [number, value] : ordered(stored.values))
         checkSettable(session, static_cast<ParameterType>(number), value,
                       Format("'%', /values/%: ") % options.file % number);
@@ -365,18 +365,18 @@ ExitCode loadInto(CameraSession& session, const StoredValues& stored, const Opti
     return ExitCode_DONE;
 }
 
-ExitCode runLoad(const Options& options, Console& console) {
+ExitCode runLoad(const ParamsOptions& options, Console& console) {
     const StoredValues stored = readStateFile(options.file);
-    return withCamera(verbName, options, console,
+    return withCamera(paramsVerb, options, console,
                       [&](CameraSession& session) { return loadInto(session, stored, options, console); });
 }
 
 } // namespace
 
 Verb addParamsVerb(CLI::App& program) {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<ParamsOptions>();
     CLI::App* command =
-        program.add_subcommand(verbName, "Reads and changes a depth camera's parameters")->group("Verbs");
+        program.add_subcommand(paramsVerb, "Reads and changes a depth camera's parameters")->group("Verbs");
     command->require_subcommand(1);
     command->footer(
         "Parameters are numbered from 0 to 15; the number fixes the kind of the value. A simulated\n"
@@ -405,9 +405,9 @@ Verb addParamsVerb(CLI::App& program) {
                 if (list->parsed())
                     return runList(*options, console);
                 if (get->parsed())
-                    return runGet(*options, console);
+                    return runParamsGet(*options, console);
                 if (set->parsed())
-                    return runSet(*options, console);
+                    return runParamsSet(*options, console);
                 return save->parsed() ? runSave(*options, console) : runLoad(*options, console);
             }};
 }

@@ -24,7 +24,7 @@ using Core::PluginProbe;
 using Core::PluginScanStep;
 using Utils::Format;
 
-struct Options {
+struct PluginsOptions {
     bool all = false;
     bool json = false;
 };
@@ -219,7 +219,7 @@ void explainNothing(std::ostream& err, const Inventory& inventory, bool all) {
     err << '\n';
 }
 
-ExitCode runPlugins(const Options& options, Console& console) {
+ExitCode runPlugins(const PluginsOptions& options, Console& console) {
     const Inventory inventory = takeInventory();
     if (options.json) {
         printJson(console.out, inventory, options.all);
@@ -238,7 +238,7 @@ ExitCode runPlugins(const Options& options, Console& console) {
 } // namespace
 
 Verb addPluginsVerb(CLI::App& program) {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<PluginsOptions>();
     CLI::App* command =
         program.add_subcommand("plugins", "Lists the plug-ins that are registered")->group("Verbs");
     command->footer("Exit code 4 when no plug-in is usable.");

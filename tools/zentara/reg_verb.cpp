@@ -10,7 +10,7 @@ namespace {
 
 using Utils::Format;
 
-struct Options : ChipOptions {
+struct RegOptions : ChipOptions {
     std::string target;
     std::uint32_t reg = 0;
     std::uint32_t value = 0;
@@ -23,7 +23,7 @@ RegisterTarget targetOf(const std::string& name) {
     return targets.at(name);
 }
 
-RegisterLimits limitsOf(ChipSession& session, const Options& options) {
+RegisterLimits limitsOf(ChipSession& session, const RegOptions& options) {
     RegisterLimits limits{};
     attempt("ask for the widths of the target",
             [&] { limits = session.chip().limits(targetOf(options.target)); });
@@ -31,7 +31,7 @@ RegisterLimits limitsOf(ChipSession& session, const Options& options) {
     return limits;
 }
 
-ExitCode runRead(const Options& options, Console& console) {
+ExitCode runRegRead(const RegOptions& options, Console& console) {
     ChipSession session("reg", options, console);
     static_cast<void>(limitsOf(session, options));
     unsigned value = 0;
@@ -41,7 +41,7 @@ ExitCode runRead(const Options& options, Console& console) {
     return ExitCode_DONE;
 }
 
-ExitCode runWrite(const Options& options, Console& console) {
+ExitCode runRegWrite(const RegOptions& options, Console& console) {
     ChipSession session("reg", options, console);
     checkRange("value", options.value, limitsOf(session, options).value, session.chip());
     for (unsigned i = 0; i < options.times; ++i)
@@ -55,7 +55,7 @@ ExitCode runWrite(const Options& options, Console& console) {
     return ExitCode_DONE;
 }
 
-void addRegister(CLI::App& command, Options& options) {
+void addRegister(CLI::App& command, RegOptions& options) {
     command.add_option("TARGET", options.target, "bridge, tof or rgb")
         ->required()
         ->check(CLI::IsMember({"bridge", "tof", "rgb"}));
@@ -68,7 +68,7 @@ void addRegister(CLI::App& command, Options& options) {
 } // namespace
 
 Verb addRegVerb(CLI::App& program) {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<RegOptions>();
     CLI::App* command =
         program.add_subcommand("reg", "Reads and writes registers of a camera's controller")->group("Verbs");
     command->require_subcommand(1);
@@ -81,7 +81,7 @@ Verb addRegVerb(CLI::App& program) {
         ->capture_default_str()
         ->check(CLI::Range(1U, 1000000U));
     return {command, [options, read](Console& console) {
-                return read->parsed() ? runRead(*options, console) : runWrite(*options, console);
+                return read->parsed() ? runRegRead(*options, console) : runRegWrite(*options, console);
             }};
 }
 

@@ -21,12 +21,12 @@ namespace {
 
 using Utils::Format;
 
-constexpr const char* verbName = "sensors";
+constexpr const char* sensorsVerb = "sensors";
 constexpr double shortestWatch = 0.001;
 constexpr double longestWatch = 86'400;
 constexpr unsigned long sliceMilliseconds = 50;
 
-struct Options : CameraOptions {
+struct SensorsOptions : CameraOptions {
     bool watch = false;
     double seconds = 0; ///< 0: until Ctrl-C
     unsigned interval = 500;
@@ -49,7 +49,7 @@ double secondsSince(std::int64_t start) {
 
 class SensorWatch {
 public:
-    SensorWatch(const Options& wanted, CameraSession& camera, Console& target)
+    SensorWatch(const SensorsOptions& wanted, CameraSession& camera, Console& target)
         : options(wanted), session(camera), console(target) {
         Utils::Clock::getTime(start);
         if (options.accelerometer >= 0)
@@ -121,7 +121,7 @@ private:
                 history[value.sensorId].emplace_back(reading.seconds, value.value);
         }
         if (options.json) {
-            Json json = beginJson(verbName);
+            Json json = beginJson(sensorsVerb);
             json.update(toJson(reading));
             console.out << json.dump() << std::endl;
         } else {
@@ -129,7 +129,7 @@ private:
         }
     }
 
-    const Options& options;
+    const SensorsOptions& options;
     CameraSession& session;
     Console& console;
     std::int64_t start = 0;
@@ -138,7 +138,7 @@ private:
 };
 
 /// Whatever ends it, the plot shows what came before.
-ExitCode watchSensors(SensorWatch& sensors, const Options& options) {
+ExitCode watchSensors(SensorWatch& sensors, const SensorsOptions& options) {
     const InterruptWatch interrupt;
     std::optional<PendingFile> plot;
     if (!options.png.empty())
@@ -158,8 +158,8 @@ ExitCode watchSensors(SensorWatch& sensors, const Options& options) {
     return interrupted ? ExitCode_INTERRUPTED : ExitCode_DONE;
 }
 
-ExitCode runSensors(const Options& options, Console& console) {
-    return withCamera(verbName, options, console, [&](CameraSession& session) {
+ExitCode runSensors(const SensorsOptions& options, Console& console) {
+    return withCamera(sensorsVerb, options, console, [&](CameraSession& session) {
         SensorWatch sensors(options, session, console);
         if (options.watch)
             return watchSensors(sensors, options);
@@ -172,9 +172,9 @@ ExitCode runSensors(const Options& options, Console& console) {
 } // namespace
 
 Verb addSensorsVerb(CLI::App& program) {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<SensorsOptions>();
     CLI::App* command =
-        program.add_subcommand(verbName, "Reads a depth camera's temperatures and accelerometer")
+        program.add_subcommand(sensorsVerb, "Reads a depth camera's temperatures and accelerometer")
             ->group("Verbs");
     command->footer(
         "With --watch each reading is a line, or with --json an object on a line of its own; the plot is\n"

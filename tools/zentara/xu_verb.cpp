@@ -13,7 +13,7 @@ using Utils::Format;
 
 constexpr int maxControlBytes = 0xFFFF; ///< the length field of a control transfer has 16 bits
 
-struct Options : ChipOptions {
+struct XuOptions : ChipOptions {
     unsigned control = 0;
     std::string bytes;
     bool flag = false;
@@ -35,7 +35,7 @@ Bytes parseBytes(const std::string& text) {
     return bytes;
 }
 
-unsigned lengthOf(ChipSession& session, const Options& options) {
+unsigned lengthOf(ChipSession& session, const XuOptions& options) {
     int length = 0;
     attempt(Format("ask for the length of control %") % options.control,
             [&] { length = session.device().len(session.chip().unit(), options.control); });
@@ -47,7 +47,7 @@ unsigned lengthOf(ChipSession& session, const Options& options) {
 }
 
 /// The bytes of a packet, filled up with zeros to the control's length.
-Bytes packetOf(ChipSession& session, const Options& options) {
+Bytes packetOf(ChipSession& session, const XuOptions& options) {
     Bytes packet = parseBytes(options.bytes);
     const unsigned length = lengthOf(session, options);
     if (packet.size() > length)
@@ -58,11 +58,11 @@ Bytes packetOf(ChipSession& session, const Options& options) {
     return packet;
 }
 
-Json resultOf(ChipSession& session, const Options& options) {
+Json resultOf(ChipSession& session, const XuOptions& options) {
     return {{"unit", session.chip().unit()}, {"control", options.control}};
 }
 
-ExitCode runLen(const Options& options, Console& console) {
+ExitCode runLen(const XuOptions& options, Console& console) {
     ChipSession session("xu", options, console);
     const unsigned length = lengthOf(session, options);
     Json result = resultOf(session, options);
@@ -71,7 +71,7 @@ ExitCode runLen(const Options& options, Console& console) {
     return ExitCode_DONE;
 }
 
-ExitCode runGet(const Options& options, Console& console) {
+ExitCode runXuGet(const XuOptions& options, Console& console) {
     ChipSession session("xu", options, console);
     Bytes packet = packetOf(session, options);
     attempt(Format("get control %") % options.control, [&] {
@@ -84,7 +84,7 @@ ExitCode runGet(const Options& options, Console& console) {
     return ExitCode_DONE;
 }
 
-ExitCode runSet(const Options& options, Console& console) {
+ExitCode runXuSet(const XuOptions& options, Console& console) {
     ChipSession session("xu", options, console);
     Bytes packet = packetOf(session, options);
     attempt(Format("set control %") % options.control, [&] {
@@ -97,7 +97,7 @@ ExitCode runSet(const Options& options, Console& console) {
     return ExitCode_DONE;
 }
 
-CLI::App* addAction(CLI::App& command, const char* name, const char* text, Options& options) {
+CLI::App* addAction(CLI::App& command, const char* name, const char* text, XuOptions& options) {
     CLI::App* action = command.add_subcommand(name, text);
     action->add_option("CONTROL", options.control, "The control's selector")
         ->required()
@@ -109,7 +109,7 @@ CLI::App* addAction(CLI::App& command, const char* name, const char* text, Optio
 } // namespace
 
 Verb addXuVerb(CLI::App& program) {
-    auto options = std::make_shared<Options>();
+    auto options = std::make_shared<XuOptions>();
     CLI::App* command =
         program.add_subcommand("xu", "Raw transfers to a camera's extension unit")->group("Verbs");
     command->require_subcommand(1);
@@ -122,7 +122,7 @@ Verb addXuVerb(CLI::App& program) {
     return {command, [options, get, len](Console& console) {
                 return len->parsed()
                            ? runLen(*options, console)
-                           : (get->parsed() ? runGet(*options, console) : runSet(*options, console));
+                           : (get->parsed() ? runXuGet(*options, console) : runXuSet(*options, console));
             }};
 }
 
