@@ -153,6 +153,10 @@ function(zentara_add_test name)
     add_executable(${name} ${arg_SOURCES})
     # The tests' own speed is not measured anywhere; their compilation is most of a build.
     target_compile_options(${name} PRIVATE -O0)
+    if(WIN32)
+        # A group's templates take more sections than the plain object format can count.
+        target_compile_options(${name} PRIVATE -Wa,-mbig-obj)
+    endif()
     target_link_libraries(${name} PRIVATE ZentaraPlugins zentara_settings zentara_test_main ${arg_LIBRARIES})
     if(arg_DEPENDS)
         add_dependencies(${name} ${arg_DEPENDS})
