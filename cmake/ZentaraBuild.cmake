@@ -23,8 +23,8 @@ if(CCACHE)
     set(CMAKE_C_COMPILER_LAUNCHER ${CMAKE_CXX_COMPILER_LAUNCHER})
 endif()
 
-# Sources compiled in groups read the standard library once a group. The gcc preset compiles each of the library and the
-# plug-ins alone, which proves that each includes what it uses.
+# Sources compiled in groups read the standard library and GoogleTest once a group. The gcc preset compiles each alone,
+# save the tool's verbs, which proves that each includes what it uses.
 if(ZENTARA_UNITY)
     set(CMAKE_UNITY_BUILD ON)
     set(CMAKE_UNITY_BUILD_BATCH_SIZE 8)
