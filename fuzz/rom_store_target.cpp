@@ -37,7 +37,8 @@ private:
 };
 
 constexpr std::uint32_t CHUNK_SIZES[] = {1, 16, 32, 64, 100, 256, 300, 5000};
-constexpr int MOST_STEPS = 32; ///< each is checked by loading all anew: more would cost runs rather than find more
+constexpr int MOST_STEPS =
+    32; ///< each is checked by loading all anew: more would cost runs rather than find more
 constexpr std::uint32_t SECTION_OVERHEAD = 13 + 10; // section and block header
 
 class Run {

@@ -92,8 +92,8 @@ void replaceCalibration(CameraSession& session, const CalibrationInternal& befor
                 backup);
 }
 
-ExitCode importInto(CameraSession& session, const StoredCalibration& stored, const CalibrationOptions& options,
-                    Console& console) {
+ExitCode importInto(CameraSession& session, const StoredCalibration& stored,
+                    const CalibrationOptions& options, Console& console) {
     const CalibrationInternal& wanted = stored.calibration;
     const CalibrationInternal before = readCamera(session);
     noteOtherCamera(stored.serialNumber, session, calibrationVerb, console);
