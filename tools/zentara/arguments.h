@@ -7,6 +7,10 @@ namespace Zentara::Tool {
 /// Takes seconds within a range; "nan", which is neither below nor above any number, is refused, too.
 [[nodiscard]] CLI::Validator secondsBetween(double least, double most);
 
+/// How long a verb watches, in seconds: up to a day.
+inline constexpr double shortestWatch = 0.001;
+inline constexpr double longestWatch = 86'400;
+
 /// Takes any text but the empty one. \param what is named by it, for the message
 [[nodiscard]] CLI::Validator anyName(const char* what);
 

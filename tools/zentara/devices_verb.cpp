@@ -14,8 +14,6 @@ namespace Zentara::Tool {
 namespace {
 
 constexpr unsigned long lookMilliseconds = 100;
-constexpr double shortestWatch = 0.001;
-constexpr double longestWatch = 86'400;
 
 struct DevicesOptions {
     bool watch = false;

@@ -22,8 +22,6 @@ namespace {
 using Utils::Format;
 
 constexpr const char* sensorsVerb = "sensors";
-constexpr double shortestWatch = 0.001;
-constexpr double longestWatch = 86'400;
 constexpr unsigned long sliceMilliseconds = 50;
 
 struct SensorsOptions : CameraOptions {
