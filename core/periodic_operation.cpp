@@ -30,12 +30,7 @@ void PeriodicOperation::enable(bool newEnabled) { impl->enabled = newEnabled; }
 
 bool PeriodicOperation::syncToFrame() const { return impl->syncToFrame & 1; }
 
-bool PeriodicOperation::timeToPoll() {
-    std::int64_t now = 0;
-    if (impl->enabled)
-        Utils::Clock::getTime(now);
-    return timeToPoll(now);
-}
+bool PeriodicOperation::timeToPoll() { return timeToPoll(impl->enabled ? Utils::Clock::nowMicros() : 0); }
 
 bool PeriodicOperation::timeToPoll(std::int64_t now) {
     // Unsigned, since times that lie half an age apart would overflow.

@@ -13,12 +13,6 @@ namespace {
 
 using Utils::Threading::AutoLock;
 
-std::int64_t nowMicros() {
-    std::int64_t micros = 0;
-    Utils::Clock::getTime(micros);
-    return micros;
-}
-
 std::string messageOf(const Fault& fault) {
     if (!fault.message.empty())
         return fault.message;
@@ -93,7 +87,7 @@ void Faults::hang(const Fault& fault, IO::deviceRequest* request) {
 
 /// False when a cancel came before the time was over.
 bool Faults::waitHanging(std::uint32_t milliseconds) {
-    const std::int64_t end = nowMicros() + std::int64_t{milliseconds} * 1000;
+    const std::int64_t end = Utils::Clock::nowMicros() + std::int64_t{milliseconds} * 1000;
     std::uint32_t before = 0;
     {
         AutoLock hold(lock);
@@ -101,7 +95,7 @@ bool Faults::waitHanging(std::uint32_t milliseconds) {
         before = cancels;
     }
     for (;;) {
-        const std::int64_t left = end - nowMicros();
+        const std::int64_t left = end - Utils::Clock::nowMicros();
         if (left > 0)
             wake.timedWait(static_cast<unsigned long>((left + 999) / 1000));
         AutoLock hold(lock);

@@ -12,12 +12,6 @@ using Utils::Threading::AutoLock;
 
 constexpr std::int64_t lookMicros = 100'000;
 
-std::int64_t nowMicros() {
-    std::int64_t micros = 0;
-    Utils::Clock::getTime(micros);
-    return micros;
-}
-
 } // namespace
 
 std::string PluggedCamera::attach(const NodeEvent& node) {
@@ -34,17 +28,17 @@ std::string PluggedCamera::attach(const NodeEvent& node) {
                                         (found->error().empty() ? "" : "; " + found->error()));
     bus = std::move(found);
     path = node.parentPath;
-    nextLook = nowMicros() + lookMicros;
+    nextLook = Utils::Clock::nowMicros() + lookMicros;
     return camera->settings;
 }
 
 bool PluggedCamera::isGone() {
     const AutoLock hold(lock);
-    if (!bus || gone || nowMicros() < nextLook)
+    if (!bus || gone || Utils::Clock::nowMicros() < nextLook)
         return gone;
     bus->refresh();
     gone = bus->find(path) == nullptr;
-    nextLook = nowMicros() + lookMicros;
+    nextLook = Utils::Clock::nowMicros() + lookMicros;
     return gone;
 }
 

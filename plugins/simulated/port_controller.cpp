@@ -12,12 +12,6 @@ namespace {
 
 constexpr std::int64_t quietMicros = 2000;
 
-std::int64_t nowMicros() {
-    std::int64_t micros = 0;
-    Utils::Clock::getTime(micros);
-    return micros;
-}
-
 class PortController final : public Controller {
 public:
     explicit PortController(std::unique_ptr<ControllerPort> target) : port(std::move(target)) {}
@@ -41,7 +35,7 @@ public:
 private:
     /// The readings stand still during a burst of transfers: a register may be read in two of them.
     void refreshSensors() {
-        const std::int64_t now = nowMicros();
+        const std::int64_t now = Utils::Clock::nowMicros();
         const bool quiet = now - lastGet > quietMicros;
         lastGet = now;
         if (!quiet)
@@ -55,7 +49,7 @@ private:
     }
 
     const std::unique_ptr<ControllerPort> port;
-    const std::int64_t powerOn = nowMicros();
+    const std::int64_t powerOn = Utils::Clock::nowMicros();
     std::int64_t lastGet = 0;
 };
 

@@ -57,7 +57,7 @@ ExternalEvent makeEvent(ExternalEventType type, const NodeEvent& node) {
     ExternalEvent event;
     event.type = type;
     event.node = node;
-    Utils::Clock::getTime(event.timeMicros);
+    event.timeMicros = Utils::Clock::nowMicros();
     return event;
 }
 

@@ -11,18 +11,12 @@ using Utils::Threading::AutoLock;
 
 constexpr std::int64_t microsPerSecond = 1'000'000;
 
-std::int64_t nowMicros() {
-    std::int64_t micros = 0;
-    Utils::Clock::getTime(micros);
-    return micros;
-}
-
 } // namespace
 
 StreamClock::StreamClock(int unitsPerSecond, int unitsKept)
     : rate(unitsPerSecond), kept(static_cast<std::uint64_t>(unitsKept)) {}
 
-void StreamClock::start() { startAt(nowMicros()); }
+void StreamClock::start() { startAt(Utils::Clock::nowMicros()); }
 
 void StreamClock::startAt(std::int64_t micros) {
     AutoLock hold(lock);
@@ -44,7 +38,7 @@ void StreamClock::pause() {
     if (!started || paused)
         return;
     paused = true;
-    pausedSince = nowMicros();
+    pausedSince = Utils::Clock::nowMicros();
 }
 
 void StreamClock::resume() {
@@ -52,7 +46,7 @@ void StreamClock::resume() {
     if (!started || !paused)
         return;
     paused = false;
-    origin += nowMicros() - pausedSince;
+    origin += Utils::Clock::nowMicros() - pausedSince;
     wake.set();
 }
 
@@ -70,7 +64,7 @@ bool StreamClock::cancel() {
 }
 
 StreamClock::Turn StreamClock::waitForNext(std::uint64_t& number, std::int64_t& dueMicros) {
-    const std::int64_t deadline = nowMicros() + std::int64_t{waitLimit} * 1000;
+    const std::int64_t deadline = Utils::Clock::nowMicros() + std::int64_t{waitLimit} * 1000;
     bool waited = false;
     std::uint32_t before = 0;
     for (;;) {
@@ -85,7 +79,7 @@ StreamClock::Turn StreamClock::waitForNext(std::uint64_t& number, std::int64_t& 
                 return Turn::Stopped;
             if (before != interrupts)
                 return Turn::Cancelled;
-            const std::int64_t now = nowMicros();
+            const std::int64_t now = Utils::Clock::nowMicros();
             if (takeDue(now, number, dueMicros))
                 return Turn::Due;
             if (now >= deadline)

@@ -42,8 +42,7 @@ TEST(PeriodicOperation, DisabledOneIsNeverDue) {
 }
 
 TEST(PeriodicOperation, ReadsTheClockInMicroseconds) {
-    std::int64_t now = 0;
-    Zentara::Utils::Clock::getTime(now);
+    const std::int64_t now = Zentara::Utils::Clock::nowMicros();
     const auto due = makeRefcounted<TemperaturePeriodicOperation>(0U, now - 1, true);
     EXPECT_TRUE(due->timeToPoll());
     const auto hourAhead = makeRefcounted<TemperaturePeriodicOperation>(0U, now + 3'600'000'000, true);

@@ -13,12 +13,6 @@ namespace {
 
 using Turn = StreamClock::Turn;
 
-std::int64_t nowMicros() {
-    std::int64_t micros = 0;
-    Utils::Clock::getTime(micros);
-    return micros;
-}
-
 struct Unit {
     Turn turn = Turn::Late;
     std::uint64_t number = 0;
@@ -33,20 +27,20 @@ Unit next(StreamClock& clock) {
 
 TEST(StreamClock, GivesUnitsInTurnAtTheirTimesAndNeverEarly) {
     StreamClock clock(200, 1000);
-    const std::int64_t start = nowMicros();
+    const std::int64_t start = Utils::Clock::nowMicros();
     clock.startAt(start);
     for (std::uint64_t number = 0; number < 20; ++number) {
         const Unit unit = next(clock);
         ASSERT_EQ(unit.turn, Turn::Due);
         EXPECT_EQ(unit.number, number);
         EXPECT_EQ(unit.due, start + static_cast<std::int64_t>(number) * 5000);
-        EXPECT_GE(nowMicros(), unit.due);
+        EXPECT_GE(Utils::Clock::nowMicros(), unit.due);
     }
 }
 
 TEST(StreamClock, DropsWhatALateReaderMissed) {
     StreamClock clock(60, 4);
-    clock.startAt(nowMicros() - 10'000'000); // the reader comes ten seconds late
+    clock.startAt(Utils::Clock::nowMicros() - 10'000'000); // the reader comes ten seconds late
     const Unit first = next(clock);
     ASSERT_EQ(first.turn, Turn::Due);
     EXPECT_GE(first.number, 597U);
@@ -57,7 +51,7 @@ TEST(StreamClock, DropsWhatALateReaderMissed) {
 
 TEST(StreamClock, StopWakesEveryReader) {
     StreamClock clock(1, 1);
-    clock.startAt(nowMicros() + 100'000'000);
+    clock.startAt(Utils::Clock::nowMicros() + 100'000'000);
     std::atomic<int> stopped{0};
     std::thread readers[3];
     for (std::thread& reader : readers)
@@ -76,7 +70,7 @@ TEST(StreamClock, StopWakesEveryReader) {
 
 TEST(StreamClock, CancelEndsTheWaitButNotTheStream) {
     StreamClock clock(1, 1);
-    clock.startAt(nowMicros() + 600'000'000);
+    clock.startAt(Utils::Clock::nowMicros() + 600'000'000);
     EXPECT_FALSE(clock.cancel()) << "nobody waits";
     std::atomic<bool> cancelled{false};
     std::thread reader([&] {

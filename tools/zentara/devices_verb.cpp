@@ -1,6 +1,8 @@
 #include <iomanip>
 #include <memory>
 
+#include <CLI/CLI.hpp>
+
 #include <zentara/utils/clock.h>
 
 #include "tools/zentara/arguments.h"
@@ -88,13 +90,11 @@ void printEvent(std::ostream& out, const ExternalEvent& event, bool json) {
 
 ExitCode watchDevices(const DevicesOptions& options, CameraBus& bus, Console& console) {
     InterruptWatch interrupt;
-    std::int64_t start = 0;
-    Utils::Clock::getTime(start);
+    const std::int64_t start = Utils::Clock::nowMicros();
     bus.watch();
     while (!interrupt.interrupted() && console.out) {
-        std::int64_t now = 0;
-        Utils::Clock::getTime(now);
-        if (options.seconds > 0 && static_cast<double>(now - start) / 1e6 >= options.seconds)
+        const std::int64_t elapsed = Utils::Clock::nowMicros() - start;
+        if (options.seconds > 0 && static_cast<double>(elapsed) / 1e6 >= options.seconds)
             return ExitCode_DONE;
         ExternalEvent event;
         if (bus.next(event, lookMilliseconds))

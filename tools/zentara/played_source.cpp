@@ -11,12 +11,6 @@ namespace {
 
 constexpr std::int64_t longestGapMicros = 1'000'000;
 
-std::int64_t nowMicros() {
-    std::int64_t micros = 0;
-    Utils::Clock::getTime(micros);
-    return micros;
-}
-
 } // namespace
 
 PlayedSource::PlayedSource(const std::string& path, std::uint16_t stream)
@@ -54,7 +48,7 @@ void PlayedSource::stop() {
 /// short. The times are the file's and may be anything, so the sums may wrap.
 bool PlayedSource::waitUntilDue(std::int64_t micros) {
     const auto recorded = static_cast<std::uint64_t>(micros);
-    const auto now = static_cast<std::uint64_t>(nowMicros());
+    const auto now = static_cast<std::uint64_t>(Utils::Clock::nowMicros());
     const auto early = static_cast<std::int64_t>(recorded + offset - now);
     if (!begun || early > longestGapMicros || early < -longestGapMicros)
         offset = now - recorded;

@@ -3,6 +3,8 @@
 #include <memory>
 #include <optional>
 
+#include <CLI/CLI.hpp>
+
 #include <zentara/core/periodic_operation.h>
 #include <zentara/utils/clock.h>
 #include <zentara/utils/format.h>
@@ -40,16 +42,13 @@ struct Reading {
 };
 
 double secondsSince(std::int64_t start) {
-    std::int64_t now = 0;
-    Utils::Clock::getTime(now);
-    return static_cast<double>(now - start) / 1e6;
+    return static_cast<double>(Utils::Clock::nowMicros() - start) / 1e6;
 }
 
 class SensorWatch {
 public:
     SensorWatch(const SensorsOptions& wanted, CameraSession& camera, Console& target)
         : options(wanted), session(camera), console(target) {
-        Utils::Clock::getTime(start);
         if (options.accelerometer >= 0)
             accelerometer = Utils::makeRefcounted<Core::AccelerometerPeriodicOperation>(
                 static_cast<std::uint32_t>(options.accelerometer), std::int64_t{0}, true);
@@ -130,7 +129,7 @@ private:
     const SensorsOptions& options;
     CameraSession& session;
     Console& console;
-    std::int64_t start = 0;
+    const std::int64_t start = Utils::Clock::nowMicros();
     Utils::SmartPtr<Core::AccelerometerPeriodicOperation> accelerometer;
     std::map<std::int32_t, std::vector<std::pair<double, double>>> history;
 };

@@ -23,6 +23,12 @@ public:
     static int getTime(std::int64_t& microseconds) noexcept;
     /// \return always 0.
     static int getTime(Time& time) noexcept;
+    /// The same as a value.
+    [[nodiscard]] static std::int64_t nowMicros() noexcept {
+        std::int64_t microseconds = 0;
+        getTime(microseconds);
+        return microseconds;
+    }
 
     /// Splits microseconds, 0 or more, into seconds and the rest.
     [[nodiscard]] static constexpr Time toTime(std::int64_t microseconds) noexcept {

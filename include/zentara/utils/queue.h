@@ -51,7 +51,7 @@ public:
     /// Takes the oldest element, waiting at most that long for one; 0 only looks, 0xFFFFFFFF has no limit.
     /// \return false once the time has passed; `value` is untouched then.
     [[nodiscard]] bool timedPop(T& value, unsigned long milliseconds) {
-        const std::int64_t start = now();
+        const std::int64_t start = Clock::nowMicros();
         for (bool waited = false;; waited = true) {
             unsigned long left = 0;
             {
@@ -87,16 +87,11 @@ private:
         return oldest;
     }
 
-    static std::int64_t now() noexcept {
-        std::int64_t microseconds = 0;
-        Clock::getTime(microseconds);
-        return microseconds;
-    }
-
     static unsigned long remaining(std::int64_t start, unsigned long milliseconds) noexcept {
         if (milliseconds == 0 || milliseconds >= 0xFFFFFFFF)
             return milliseconds;
-        const std::int64_t left = static_cast<std::int64_t>(milliseconds) * 1000 - (now() - start);
+        const std::int64_t left =
+            static_cast<std::int64_t>(milliseconds) * 1000 - (Clock::nowMicros() - start);
         return left > 0 ? static_cast<unsigned long>((left + 999) / 1000) : 0;
     }
 
