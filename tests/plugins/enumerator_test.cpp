@@ -278,5 +278,13 @@ TEST_F(PluggedCameras, WithoutTheFileNothingIsPluggedIn) {
     EXPECT_THAT(arrivals(3), SizeIs(3));
 }
 
+TEST_F(PluggedCameras, AFileThatNeverEndsIsNotRead) {
+    const TestSupport::ScopedVariable endless(Simulated::SimulatedBus::variable, "/dev/zero");
+    enumerator->initialize(&events, nullptr);
+    enumerator->execute();
+    EXPECT_THAT(next(1, ExternalEventType_ERROR), SizeIs(1));
+    EXPECT_THAT(listed(), SizeIs(0));
+}
+
 } // namespace
 } // namespace Zentara

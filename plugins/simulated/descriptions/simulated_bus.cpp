@@ -1,5 +1,7 @@
 #include "plugins/simulated/descriptions/simulated_bus.h"
 
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 #include <zentara/plugin/plugin_exceptions.h>
@@ -32,6 +34,14 @@ const CameraDescription& described(const std::vector<CameraDescription>& descrip
     model.fail(Format("no camera '%' is described; known:%") % name % (known.empty() ? " none" : known));
 }
 
+/// A pipe or a device would hold the reader back for ever, or never end.
+void refuseWhatMayBlock(const std::string& path) {
+    std::error_code unknown; // reading it tells more then
+    const auto status = std::filesystem::status(std::u8string(path.begin(), path.end()), unknown);
+    if (!unknown && status.type() != std::filesystem::file_type::regular)
+        throw Utils::UIOException(Format("cannot read '%': it is not a regular file") % path);
+}
+
 } // namespace
 
 SimulatedBus::SimulatedBus()
@@ -50,6 +60,7 @@ void SimulatedBus::refresh() {
     if (filePath.empty())
         return;
     try {
+        refuseWhatMayBlock(filePath);
         std::string text = Utils::readFile(filePath);
         if (looked && text == lastText)
             return;
