@@ -44,18 +44,16 @@ XUInterface& XUInterface::operator=(const XUInterface& other) noexcept {
 XUInterface::~XUInterface() { delete owned; }
 
 void XUInterface::setup(const ::GUID& unit) {
-    if (binding->proxy) {
+    if (binding->proxy)
         binding->proxy->xuSetup(unit);
-    }
 }
 
 void XUInterface::processCommands(const std::vector<Utils::SmartPtr<xuRequest>>* list) {
     // A command may change the list, so its size is asked anew each time.
     for (std::int32_t i = 0; list && i < static_cast<std::int32_t>(list->size()); ++i) {
         const Utils::SmartPtr<xuRequest> request = (*list)[static_cast<std::size_t>(i)];
-        if (!request) {
+        if (!request)
             throw Plugin::ArgumentPluginException(Format("request % of the command list is null") % i);
-        }
         processCommand(request);
     }
 }

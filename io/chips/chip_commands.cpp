@@ -50,9 +50,8 @@ const char* typeName(XURequestType type) {
 
 template<typename Target>
 Target& target(Target* place, const char* kind) {
-    if (!place) {
+    if (!place)
         throw Plugin::ArgumentPluginException(Format("% has no place for its result") % kind);
-    }
     return *place;
 }
 
@@ -68,9 +67,8 @@ void checkArray(CommandExecutor& executor, unsigned device, std::size_t size) {
 void writeArray(CommandExecutor& executor, const setI2CArrayRequest& request) {
     const std::vector<unsigned char>& data = request.getData();
     checkArray(executor, request.getAddress(), data.size());
-    for (std::size_t i = 0; i < data.size(); ++i) {
+    for (std::size_t i = 0; i < data.size(); ++i)
         executor.setI2c(request.getAddress(), static_cast<unsigned>(i), data[i], 1, 1);
-    }
 }
 
 void readArray(CommandExecutor& executor, const getI2CArrayRequest& request) {
@@ -111,9 +109,8 @@ void executeCommand(CommandExecutor& executor, const char* chip, const xuRequest
 }
 
 void checkCommand(const char* chip, const xuRequest* request) {
-    if (!request) {
+    if (!request)
         throw Plugin::ArgumentPluginException(Format("%: null request") % chip);
-    }
 }
 
 } // namespace Zentara::IO

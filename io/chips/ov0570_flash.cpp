@@ -45,16 +45,14 @@ void OV0570Flash::writeData(const std::uint8_t* data, unsigned length) {
 }
 
 void OV0570Flash::checkRange(unsigned start, unsigned length) {
-    if (start >= firstBadStart) {
+    if (start >= firstBadStart)
         throw Plugin::IOPluginException("startAddress must be less than 0xFFFF");
-    }
     setRange(0, 0);
     const unsigned readable = sizes().readable;
     // Unsigned arithmetic that wraps: length 0 passes from start 1 on. The second test is for lengths so
     // great that the first wraps past them.
-    if (readable + start < start + length - 1 || length > addressSpace) {
+    if (readable + start < start + length - 1 || length > addressSpace)
         throw Plugin::IOPluginException(Format("length is out of range should be less than %") % readable);
-    }
 }
 
 void OV0570Flash::read(unsigned start, std::uint8_t* out, unsigned length) {

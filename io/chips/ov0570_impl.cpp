@@ -124,23 +124,20 @@ void OV0570Impl::OV0570ImplPrivate::writeADCValue(unsigned a, unsigned b) {
 }
 
 void OV0570Impl::OV0570ImplPrivate::processMeta(unsigned code, unsigned value) {
-    if (code == modulationCode) {
+    if (code == modulationCode)
         return setModFreq(value);
-    }
     MetaRegisters pair{code, 0, 0}; // an unknown code writes register 0 twice
     for (const MetaRegisters& known : metaRegisters) {
-        if (known.code == code) {
+        if (known.code == code)
             pair = known;
-        }
     }
     registers.writeTof(pair.low, value & 0xFFFF);
     registers.writeTof(pair.high, value >> 16);
 }
 
 void OV0570Impl::OV0570ImplPrivate::setModFreq(unsigned code) {
-    for (const RegisterWrite& write : modulationWrites(code, phaseSteps(code))) {
+    for (const RegisterWrite& write : modulationWrites(code, phaseSteps(code)))
         registers.writeTof(write.reg, write.value);
-    }
 }
 
 // The wait leaves bit 14 out of account, the check after it does not.
@@ -150,18 +147,16 @@ void OV0570Impl::OV0570ImplPrivate::syncFPGA() {
         static_cast<void>(registers.readTof(statusRegister));
         status = registers.readTof(statusRegister);
     }
-    if ((status & fpgaCheckMask) != fpgaReady) {
+    if ((status & fpgaCheckMask) != fpgaReady)
         throw Plugin::IOPluginException("failed to sync with FPGA");
-    }
 }
 
 // A camera that never raises the pin still works, so this ends normally.
 void OV0570Impl::OV0570ImplPrivate::resetFPGA() {
     for (int attempt = 0; attempt < resetTries; ++attempt) {
         clock.wait(resetWait);
-        if (registers.read(bridgeIndex, gpioRegister) & gpio3Bit) {
+        if (registers.read(bridgeIndex, gpioRegister) & gpio3Bit)
             return;
-        }
     }
     warn("Didn't get GPIO3 high! Missing HW tweak?");
 }
@@ -178,22 +173,19 @@ void OV0570Impl::OV0570ImplPrivate::writeStrobe(Strobe& strobe, unsigned bits) {
 }
 
 void OV0570Impl::OV0570ImplPrivate::setStrobe(unsigned reg, unsigned mask) {
-    if (Strobe* strobe = strobeOf(reg)) {
+    if (Strobe* strobe = strobeOf(reg))
         writeStrobe(*strobe, strobe->bits | (mask & allStrobes));
-    }
 }
 
 void OV0570Impl::OV0570ImplPrivate::resetStrobe(unsigned reg, unsigned mask) {
-    if (Strobe* strobe = strobeOf(reg)) {
+    if (Strobe* strobe = strobeOf(reg))
         writeStrobe(*strobe, strobe->bits & ~mask);
-    }
 }
 
 // Bus addresses of I2C commands have 8 bits.
 unsigned OV0570Impl::OV0570ImplPrivate::i2cDevice(unsigned device) {
-    if (device > 0xFF) {
+    if (device > 0xFF)
         throw Plugin::IOPluginException("deviceAddress not found");
-    }
     return registers.deviceAt(device);
 }
 
@@ -211,9 +203,8 @@ std::uint64_t OV0570Impl::OV0570ImplPrivate::registerCount(unsigned device) {
 }
 
 void OV0570Impl::OV0570ImplPrivate::readFlash(unsigned start, unsigned char* out, unsigned length) {
-    if (!out && length > 0) {
+    if (!out && length > 0)
         throw Plugin::ArgumentPluginException("flash read into a null buffer");
-    }
     flash.checkRange(start, length);
     flash.read(start, out, length);
 }
@@ -228,9 +219,8 @@ std::vector<unsigned char> OV0570Impl::OV0570ImplPrivate::readFlash(unsigned sta
 
 void OV0570Impl::OV0570ImplPrivate::reset() noexcept {
     registers.resetToggle();
-    for (Strobe& strobe : strobes) {
+    for (Strobe& strobe : strobes)
         strobe.bits = 0;
-    }
 }
 
 OV0570Impl::OV0570Impl() : OV0570Impl(ChipClock::system()) {}
@@ -329,9 +319,8 @@ void OV0570Impl::setEEPROMWriteAddress(unsigned short start, unsigned short end)
 }
 
 void OV0570Impl::setEEPROMData(const unsigned char* data, unsigned int length) {
-    if (!data && length > 0) {
+    if (!data && length > 0)
         throw Plugin::ArgumentPluginException("EEPROM write from a null buffer");
-    }
     const AutoLock lock(impl->mutex);
     impl->flash.writeData(data, length);
 }

@@ -54,9 +54,8 @@ OV0570Info OV0570Info::fromReply(const std::array<std::uint8_t, replyBytes>& rep
     std::transform(std::begin(keptWords), std::end(keptWords), result.words.begin(),
                    [&reply](std::size_t at) { return getPair(reply, at); });
     result.devices.push_back(bridgeOf(reply));
-    for (unsigned i = 0; i < count; ++i) {
+    for (unsigned i = 0; i < count; ++i)
         result.devices.push_back(furtherDevice(reply, furtherDevices + i * furtherDeviceBytes));
-    }
     return result;
 }
 

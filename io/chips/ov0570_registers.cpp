@@ -21,9 +21,8 @@ using RegisterPacket = std::array<std::uint8_t, registerPacketBytes>;
 RegisterPacket packetFor(const OV0570DeviceID& device, unsigned index, unsigned reg) {
     RegisterPacket packet{};
     packet[0] = static_cast<std::uint8_t>(device.addressWidth << addressWidthShift | index);
-    if (device.dataWidth != 0) {
+    if (device.dataWidth != 0)
         packet[0] |= wideDataBit;
-    }
     putPair(packet, registerLow, reg);
     putPair(packet, registerHigh, reg >> 16);
     return packet;
@@ -33,9 +32,8 @@ RegisterPacket packetFor(const OV0570DeviceID& device, unsigned index, unsigned 
 unsigned lastDeviceAt(const OV0570Info& info, unsigned busAddress) {
     unsigned found = bridgeIndex;
     for (unsigned i = 0; i < info.devices.size(); ++i) {
-        if (info.devices[i].busAddress == busAddress) {
+        if (info.devices[i].busAddress == busAddress)
             found = i;
-        }
     }
     return found;
 }
@@ -68,9 +66,8 @@ void OV0570Registers::write(unsigned device, unsigned reg, unsigned value) {
     RegisterPacket packet = packetFor(description, device, reg);
     putPair(packet, registerValue, (toggled ? value | toggle : value) & description.dataMask());
     wire.send(unit, registerControl, packet.size(), packet.data());
-    if (toggled) {
+    if (toggled)
         toggle ^= 1;
-    }
 }
 
 unsigned OV0570Registers::read(unsigned device, unsigned reg) {
@@ -94,9 +91,8 @@ unsigned OV0570Registers::rgbDevice() {
 unsigned OV0570Registers::deviceAt(unsigned busAddress) {
     const auto& devices = info().devices;
     for (unsigned i = bridgeIndex + 1; i < devices.size(); ++i) {
-        if (devices[i].busAddress == busAddress) {
+        if (devices[i].busAddress == busAddress)
             return i;
-        }
     }
     throw Plugin::IOPluginException("deviceAddress not found");
 }

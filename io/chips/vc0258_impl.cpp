@@ -111,9 +111,8 @@ void VC0258Impl::VC0258ImplPrivate::setTof(unsigned reg, unsigned value) {
     clock.wait(tofWriteWait);
     const bool toggled = (reg & 0xFF) == toggleRegister;
     tunnel.setI2CData1A2D(tofWriteAddress, reg, toggled ? value | toggle : value, tofWriteOrder);
-    if (toggled) {
+    if (toggled)
         toggle ^= 1;
-    }
 }
 
 unsigned VC0258Impl::VC0258ImplPrivate::getTof(unsigned reg) {
@@ -121,9 +120,8 @@ unsigned VC0258Impl::VC0258ImplPrivate::getTof(unsigned reg) {
 }
 
 void VC0258Impl::VC0258ImplPrivate::processMeta(unsigned code, unsigned value) {
-    if (code == modulationCode) {
+    if (code == modulationCode)
         return setModFreq(value);
-    }
     for (const MetaRegisters& pair : metaRegisters) {
         if (pair.code == code) {
             setTof(pair.low, value & 0xFFFF);
@@ -134,12 +132,10 @@ void VC0258Impl::VC0258ImplPrivate::processMeta(unsigned code, unsigned value) {
 }
 
 void VC0258Impl::VC0258ImplPrivate::setModFreq(unsigned code) {
-    if (code != code30MHz && code != code10MHz) {
+    if (code != code30MHz && code != code10MHz)
         throw Plugin::ConfigurationPluginException(Format("invalid modfreq value %{:x}") % code);
-    }
-    for (const RegisterWrite& write : modulationWrites(code, 8 * (code & 0xFF))) {
+    for (const RegisterWrite& write : modulationWrites(code, 8 * (code & 0xFF)))
         setTof(write.reg, write.value);
-    }
 }
 
 // An even count has a bit of its own in strobe register 26, which is written without the toggle's path.
@@ -182,15 +178,12 @@ namespace {
 
 // What the tunnel can carry, told apart before any transfer.
 bool isOneByte(unsigned device, unsigned addressBytes, unsigned dataBytes) {
-    if (addressBytes != 1) {
+    if (addressBytes != 1)
         throw Plugin::IOPluginException("addressBytes must be equal to 1");
-    }
-    if (dataBytes != 1 && dataBytes != 2) {
+    if (dataBytes != 1 && dataBytes != 2)
         throw Plugin::IOPluginException("dataBytes must be equal to 1 or 2");
-    }
-    if (device > maxBusAddress) {
+    if (device > maxBusAddress)
         throw Plugin::ArgumentPluginException(Format("0x%{:x2} is no 7-bit bus address") % device);
-    }
     return dataBytes == 1;
 }
 
@@ -230,9 +223,8 @@ std::vector<unsigned char> VC0258Impl::VC0258ImplPrivate::readArea(unsigned area
     checkMemoryRange(start, length);
     std::vector<unsigned char> bytes(length);
     bridge.write(memoryArea, area);
-    for (unsigned done = 0; done < length; done += dmaMaxBytes) {
+    for (unsigned done = 0; done < length; done += dmaMaxBytes)
         tunnel.getDMAData(start + done, bytes.data() + done, std::min(length - done, dmaMaxBytes));
-    }
     return bytes;
 }
 
@@ -307,13 +299,11 @@ std::vector<unsigned char> VC0258Impl::getUSBBackendConfigurationLocked(unsigned
 }
 
 void VC0258Impl::getDMADataLocked(unsigned int address, unsigned char* out, unsigned int length) {
-    if (!out && length > 0) {
+    if (!out && length > 0)
         throw Plugin::ArgumentPluginException("DMA read into a null buffer");
-    }
     const AutoLock lock(impl->mutex);
-    if (length >= 1 && length <= dmaMaxBytes) {
+    if (length >= 1 && length <= dmaMaxBytes)
         checkMemoryRange(address, length);
-    }
     impl->tunnel.getDMAData(address, out, length);
 }
 

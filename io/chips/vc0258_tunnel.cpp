@@ -64,9 +64,8 @@ unsigned VC0258Tunnel::getI2CData1A2D(unsigned device, unsigned reg, unsigned or
 }
 
 void VC0258Tunnel::getDMAData(unsigned address, std::uint8_t* out, unsigned length) {
-    if (length < 1 || length > dmaMaxBytes) {
+    if (length < 1 || length > dmaMaxBytes)
         throw Plugin::IOPluginException("invalid DMA length");
-    }
     bridge.bring(dmaControlSize, dmaPacketBytes);
     std::array<std::uint8_t, dmaPacketBytes> packet{dmaRead};
     putPair(packet, dmaAddress, address);

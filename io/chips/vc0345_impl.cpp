@@ -131,9 +131,8 @@ std::uint8_t VC0345Impl::VC0345ImplPrivate::getROMData8(unsigned address) {
 std::vector<unsigned char> VC0345Impl::VC0345ImplPrivate::readMemory(unsigned start, unsigned length) {
     checkMemoryRange(start, length);
     std::vector<unsigned char> bytes(length);
-    for (unsigned i = 0; i < length; ++i) {
+    for (unsigned i = 0; i < length; ++i)
         bytes[i] = getROMData8(start + i);
-    }
     return bytes;
 }
 

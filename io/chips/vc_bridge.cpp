@@ -15,9 +15,8 @@ namespace Zentara::IO {
 using namespace VC;
 
 VCBridge::VCBridge(XUInterface& chip, std::initializer_list<unsigned> settingRegisters) : wire(chip) {
-    for (const unsigned reg : settingRegisters) {
+    for (const unsigned reg : settingRegisters)
         settings.push_back({reg, unknown});
-    }
 }
 
 // A write that fails may have taken effect, so the setting is unknown until one succeeds.
@@ -25,16 +24,14 @@ void VCBridge::write(unsigned reg, unsigned value) {
     reg &= 0xFFFF;
     value &= 0xFF;
     Setting* setting = settingAt(reg);
-    if (setting) {
+    if (setting)
         setting->value = unknown;
-    }
     std::array<std::uint8_t, bridgePacketBytes> packet{bridgeWrite};
     Chips::putPair(packet, bridgeAddress, reg);
     packet[bridgeValue] = static_cast<std::uint8_t>(value);
     wire.send(unit, bridgeControl, packet.size(), packet.data());
-    if (setting) {
+    if (setting)
         setting->value = static_cast<int>(value);
-    }
 }
 
 unsigned VCBridge::read(unsigned reg) {
@@ -46,15 +43,13 @@ unsigned VCBridge::read(unsigned reg) {
 
 void VCBridge::bring(unsigned setting, unsigned value) {
     const Setting* known = settingAt(setting);
-    if (!known || known->value != static_cast<int>(value)) {
+    if (!known || known->value != static_cast<int>(value))
         write(setting, value);
-    }
 }
 
 void VCBridge::forget() noexcept {
-    for (Setting& setting : settings) {
+    for (Setting& setting : settings)
         setting.value = unknown;
-    }
 }
 
 VCBridge::Setting* VCBridge::settingAt(unsigned reg) noexcept {

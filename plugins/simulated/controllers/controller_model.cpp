@@ -26,9 +26,8 @@ std::optional<ChipKind> chipKindFromName(const std::string& name) {
     };
     for (const ChipKind kind : {ChipKind::OV0570, ChipKind::VC0258, ChipKind::VC0345}) {
         const std::string candidate = chipName(kind);
-        if (std::equal(name.begin(), name.end(), candidate.begin(), candidate.end(), sameLetter)) {
+        if (std::equal(name.begin(), name.end(), candidate.begin(), candidate.end(), sameLetter))
             return kind;
-        }
     }
     return std::nullopt;
 }

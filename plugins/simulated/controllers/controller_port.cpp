@@ -23,9 +23,8 @@ std::optional<TransferFaultKind> faultKindFromName(const std::string& name) {
         {"short", TransferFaultKind::Short},     {"long", TransferFaultKind::Long},
         {"corrupt", TransferFaultKind::Corrupt}, {"hang", TransferFaultKind::Hang}};
     for (const auto& [text, kind] : names) {
-        if (name == text) {
+        if (name == text)
             return kind;
-        }
     }
     return std::nullopt;
 }
@@ -37,9 +36,8 @@ bool parseNumber(const std::string& text, Number& value) {
 }
 
 void corrupt(Bytes& bytes) {
-    for (std::size_t i = 1; i < bytes.size(); ++i) {
+    for (std::size_t i = 1; i < bytes.size(); ++i)
         bytes[i] ^= 0xFF;
-    }
 }
 
 Transfer makeTransfer(bool isGet, std::uint32_t unit, std::uint32_t control, const void* data,
@@ -65,18 +63,16 @@ std::string lengthText(const Transfer& transfer, std::size_t count) {
 TransferFault parseTransferFault(const std::string& transfer, const std::string& kind,
                                  const std::string& hangMillis) {
     TransferFault fault;
-    if (!parseNumber(transfer, fault.transfer) || fault.transfer == 0) {
+    if (!parseNumber(transfer, fault.transfer) || fault.transfer == 0)
         throw Plugin::ArgumentPluginException(Format("'%' numbers no transfer; the first is 1") % transfer);
-    }
     const auto known = faultKindFromName(kind);
     if (!known) {
         throw Plugin::ArgumentPluginException(
             Format("unknown transfer fault '%'; known: fail late short long corrupt hang") % kind);
     }
     fault.kind = *known;
-    if (!hangMillis.empty() && !parseNumber(hangMillis, fault.hangMillis)) {
+    if (!hangMillis.empty() && !parseNumber(hangMillis, fault.hangMillis))
         throw Plugin::ArgumentPluginException(Format("'%' is no number of milliseconds") % hangMillis);
-    }
     return fault;
 }
 
@@ -107,17 +103,15 @@ void ControllerPort::get(std::uint32_t unit, std::uint32_t control, void* data, 
 int ControllerPort::length(std::uint32_t unit, std::uint32_t control) {
     const AutoLock lock(mutex);
     const auto bytes = unit == controller->unit() ? controller->length(control) : std::nullopt;
-    if (!bytes) {
+    if (!bytes)
         throw Plugin::IOPluginException(Format("no control % on unit %") % control % unit);
-    }
     return static_cast<int>(*bytes);
 }
 
 bool ControllerPort::cancel() {
     const AutoLock lock(mutex);
-    if (hanging) {
+    if (hanging)
         cancelled.set();
-    }
     return hanging;
 }
 
@@ -168,13 +162,11 @@ const TransferFault* ControllerPort::dueFault() {
 }
 
 void ControllerPort::checkControl(std::uint32_t unit, std::uint32_t control, std::size_t length) {
-    if (!selected) {
+    if (!selected)
         throw Plugin::IOPluginException("no extension unit was selected");
-    }
     const auto bytes = unit == controller->unit() ? controller->length(control) : std::nullopt;
-    if (!bytes) {
+    if (!bytes)
         throw Plugin::IOPluginException(Format("no control % on unit %") % control % unit);
-    }
     if (*bytes != length) {
         throw Plugin::IOPluginException(Format("control % of unit % has % bytes, not %") % control % unit %
                                         static_cast<unsigned>(*bytes) % static_cast<unsigned>(length));
@@ -190,12 +182,10 @@ void ControllerPort::perform(Transfer& transfer) {
 }
 
 void ControllerPort::record(Transfer transfer) {
-    if (observe) {
+    if (observe)
         observe(transfer);
-    }
-    if (transfers.size() == logLimit) {
+    if (transfers.size() == logLimit)
         transfers.erase(transfers.begin(), transfers.begin() + logLimit / 2);
-    }
     transfers.push_back(std::move(transfer));
 }
 
@@ -219,9 +209,8 @@ void ControllerPort::run(Transfer& transfer) {
         {
             const AutoLock lock(mutex);
             checkControl(transfer.unit, transfer.control, transfer.sent.size());
-            if (const TransferFault* due = dueFault()) {
+            if (const TransferFault* due = dueFault())
                 fault = *due;
-            }
             if (!fault) {
                 perform(transfer);
                 return record(transfer);
@@ -240,9 +229,8 @@ void ControllerPort::run(Transfer& transfer) {
 }
 
 void ControllerPort::runFaulty(Transfer& transfer, const TransferFault& fault) {
-    if (fault.kind == TransferFaultKind::Hang) {
+    if (fault.kind == TransferFaultKind::Hang)
         return hang(fault.hangMillis);
-    }
     const AutoLock lock(mutex);
     switch (fault.kind) {
     case TransferFaultKind::Late:
@@ -253,13 +241,11 @@ void ControllerPort::runFaulty(Transfer& transfer, const TransferFault& fault) {
     case TransferFaultKind::Long:
         throw Plugin::IOPluginException(lengthText(transfer, transfer.sent.size() + 1));
     case TransferFaultKind::Corrupt:
-        if (!transfer.isGet) {
+        if (!transfer.isGet)
             corrupt(transfer.sent);
-        }
         perform(transfer);
-        if (transfer.isGet) {
+        if (transfer.isGet)
             corrupt(transfer.reply);
-        }
         return;
     default:
         throw Plugin::IOPluginException("the transfer failed");

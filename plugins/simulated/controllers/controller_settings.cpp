@@ -27,12 +27,10 @@ Bytes readFlash(const std::string& path) {
 
 std::unique_ptr<ControllerModel> makeOV0570(const ControllerSettings& wanted) {
     OV0570Controller::Settings settings;
-    if (!wanted.devices.empty()) {
+    if (!wanted.devices.empty())
         settings.devices = wanted.devices;
-    }
-    if (!wanted.flash.empty()) {
+    if (!wanted.flash.empty())
         settings.flash = readFlash(wanted.flash);
-    }
     settings.flashFile = wanted.keptFlash;
     settings.claimedDevices = wanted.claimedDevices;
     settings.fpgaRounds = wanted.fpgaRounds;
@@ -53,9 +51,8 @@ std::unique_ptr<ControllerModel> makeVC0258(const ControllerSettings& wanted) {
 
 std::unique_ptr<ControllerModel> makeVC0345(const ControllerSettings& wanted) {
     VC0345Controller::Settings settings;
-    if (!wanted.flash.empty()) {
+    if (!wanted.flash.empty())
         settings.flash = readFlash(wanted.flash);
-    }
     settings.flashFile = wanted.keptFlash;
     return std::make_unique<VC0345Controller>(std::move(settings));
 }
@@ -87,9 +84,8 @@ void keepRegisters(ControllerModel& model, const std::string& path) {
     }
     const auto kept = std::make_shared<KeptFlash>(path, std::move(present));
     const Bytes& bytes = kept->bytes();
-    for (std::uint32_t address = 0; address < count; ++address) {
+    for (std::uint32_t address = 0; address < count; ++address)
         registers->change(address, bytes[2 * address] | std::uint32_t{bytes[2 * address + 1]} << 8);
-    }
     registers->setObserver([kept](std::uint32_t address, std::uint32_t value) {
         if (address < count) {
             kept->write(2 * address, static_cast<std::uint8_t>(value));
@@ -113,19 +109,15 @@ void keepLog(ControllerPort& port, const std::string& path) {
 } // namespace
 
 std::unique_ptr<ControllerPort> makeControllerPort(const ControllerSettings& settings) {
-    if (!settings.chip) {
+    if (!settings.chip)
         return nullptr;
-    }
     auto port = std::make_unique<ControllerPort>(makeModel(settings));
-    for (const TransferFault& fault : settings.faults) {
+    for (const TransferFault& fault : settings.faults)
         port->addFault(fault);
-    }
-    if (!settings.keptRegisters.empty()) {
+    if (!settings.keptRegisters.empty())
         keepRegisters(port->model(), settings.keptRegisters);
-    }
-    if (!settings.transferLog.empty()) {
+    if (!settings.transferLog.empty())
         keepLog(*port, settings.transferLog);
-    }
     return port;
 }
 

@@ -44,15 +44,13 @@ OV0570Controller::OV0570Controller(Settings initial)
         files.push_back(fileOf(device));
         if (device.busAddress == tofBusAddress) {
             files.back().write(fpgaRegister, 0x2035);
-            for (unsigned read = 0; read < 2 * settings.fpgaRounds; ++read) {
+            for (unsigned read = 0; read < 2 * settings.fpgaRounds; ++read)
                 files.back().queueRead(fpgaRegister, 0x1035);
-            }
         }
     }
     files.front().write(resetRegister, resetDone);
-    for (unsigned read = 0; read < settings.resetRounds; ++read) {
+    for (unsigned read = 0; read < settings.resetRounds; ++read)
         files.front().queueRead(resetRegister, 0);
-    }
 }
 
 const ::GUID& OV0570Controller::guid() const noexcept { return unitGuid; }
@@ -111,9 +109,8 @@ Bytes OV0570Controller::controlInformation() const {
     reply[15] = settings.claimedDevices.value_or(static_cast<std::uint8_t>(settings.devices.size()));
     std::size_t at = firstFurtherDevice;
     for (const Device& device : settings.devices) {
-        if (at == informationBytes) {
+        if (at == informationBytes)
             break;
-        }
         // The further devices tell their address high byte first, the bridge its own low byte first.
         reply[at] = descriptor(device);
         reply[at + 1] = static_cast<std::uint8_t>(device.busAddress >> 8);
@@ -130,15 +127,12 @@ const OV0570Controller::Device& OV0570Controller::device(std::size_t index) cons
 
 RegisterFile& OV0570Controller::addressed(const Bytes& packet) {
     const std::size_t index = packet[0] & 0x0F;
-    if (index >= files.size()) {
+    if (index >= files.size())
         stall(*this, "no device " + std::to_string(index));
-    }
-    if (((packet[0] >> 5) & 3) != device(index).addressCode) {
+    if (((packet[0] >> 5) & 3) != device(index).addressCode)
         stall(*this, "wrong address width for device " + std::to_string(index));
-    }
-    if (((packet[0] >> 4) & 1) != (device(index).dataCode != 0)) {
+    if (((packet[0] >> 4) & 1) != (device(index).dataCode != 0))
         stall(*this, "wrong data width for device " + std::to_string(index));
-    }
     return files[index];
 }
 
@@ -151,16 +145,14 @@ std::uint32_t registerAddress(const Bytes& packet) {
 } // namespace
 
 void OV0570Controller::writeRegister(const Bytes& packet) {
-    if (packet[0] & 0x80) {
+    if (packet[0] & 0x80)
         stall(*this, "a SET of a read packet");
-    }
     addressed(packet).write(registerAddress(packet), littleEndian(packet, 3));
 }
 
 Bytes OV0570Controller::readRegister(const Bytes& request) {
-    if (!(request[0] & 0x80)) {
+    if (!(request[0] & 0x80))
         stall(*this, "a GET of a write packet");
-    }
     Bytes reply = request;
     putLittleEndian(reply, 3, addressed(request).read(registerAddress(request)));
     return reply;
@@ -175,15 +167,13 @@ void OV0570Controller::setEeprom(const Bytes& packet) {
         state = EepromState::Ranged;
         return;
     case 2:
-        if (!ranged) {
+        if (!ranged)
             stall(*this, "EEPROM state 2 without an address range");
-        }
         state = EepromState::Prepared;
         return;
     case 3:
-        if (state != EepromState::Prepared) {
+        if (state != EepromState::Prepared)
             stall(*this, "EEPROM state 3 before state 2");
-        }
         state = EepromState::Reading;
         return;
     case 5:
@@ -203,30 +193,25 @@ Bytes OV0570Controller::getEeprom(const Bytes& request) {
         putLittleEndian(reply, 2, settings.readableSize);
         return reply;
     }
-    if (request[0] != 3 || state != EepromState::Reading) {
+    if (request[0] != 3 || state != EepromState::Reading)
         stall(*this, "EEPROM read outside a read sequence");
-    }
     return readFlash();
 }
 
 Bytes OV0570Controller::readFlash() {
-    if (position > last) {
+    if (position > last)
         stall(*this, "EEPROM read past the end of its range");
-    }
     Bytes reply(1 + pieceBytes);
-    for (std::size_t i = 1; i <= pieceBytes && position <= last; ++i, ++position) {
+    for (std::size_t i = 1; i <= pieceBytes && position <= last; ++i, ++position)
         reply[i] = position < memory.bytes().size() ? memory.bytes()[position] : 0xFF;
-    }
     return reply;
 }
 
 void OV0570Controller::writeFlash(const Bytes& packet) {
-    if (state != EepromState::Ranged || position > last) {
+    if (state != EepromState::Ranged || position > last)
         stall(*this, "EEPROM write without a range to write to");
-    }
-    for (std::size_t i = 1; i <= pieceBytes && position <= last; ++i, ++position) {
+    for (std::size_t i = 1; i <= pieceBytes && position <= last; ++i, ++position)
         memory.write(position, packet[i]);
-    }
 }
 
 } // namespace Zentara::Simulated

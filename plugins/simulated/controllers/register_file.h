@@ -41,9 +41,8 @@ public:
     /// The next value queued for the register, if any, else its content.
     [[nodiscard]] std::uint32_t read(std::uint32_t address) {
         const auto waiting = queued.find(address & addressMask());
-        if (waiting == queued.end() || waiting->second.empty()) {
+        if (waiting == queued.end() || waiting->second.empty())
             return peek(address);
-        }
         const std::uint32_t value = waiting->second.front();
         waiting->second.pop_front();
         return value & dataMask();

@@ -25,9 +25,8 @@ std::string wide(unsigned value) {
 
 /// ":= VALUE" for a SET, "-> VALUE" for a GET that was answered.
 std::string valueText(const Transfer& transfer, const std::string& value) {
-    if (!transfer.isGet) {
+    if (!transfer.isGet)
         return " := " + value;
-    }
     return transfer.reply.empty() ? std::string() : " -> " + value;
 }
 
@@ -43,9 +42,8 @@ std::string ov0570Eeprom(const Transfer& transfer) {
     const Fields sent(transfer.sent);
     const Fields reply(transfer.reply);
     if (transfer.isGet) {
-        if (sent[0] != 1) {
+        if (sent[0] != 1)
             return "EEPROM data";
-        }
         return "EEPROM sizes: writable " + wide(reply.pair(0)) + ", readable " + wide(reply.pair(2));
     }
     switch (sent[0]) {
@@ -119,9 +117,8 @@ std::string vc0258Meaning(const Transfer& transfer) {
 
 std::string vc0345Tof(const Transfer& transfer) {
     const Fields sent(transfer.sent);
-    if (!transfer.isGet) {
+    if (!transfer.isGet)
         return "write time-of-flight register " + hexText(sent[1]) + " := " + wide(sent.pair(2));
-    }
     return std::string("read time-of-flight register ") + hexText(sent[1] & 0x7F) +
            ((sent[1] & 0x80) ? ", high byte" : ", low byte") +
            valueText(transfer, hexText(Fields(transfer.reply)[3]));
@@ -175,13 +172,11 @@ std::string transferLine(ChipKind kind, const Transfer& transfer) {
     std::string line = transfer.isGet ? "GET " : "SET ";
     line += std::to_string(transfer.unit) + '/' + std::to_string(transfer.control) + "  ";
     line += bytesText(transfer.sent);
-    if (!transfer.reply.empty()) {
+    if (!transfer.reply.empty())
         line += " -> " + bytesText(transfer.reply);
-    }
     line += "  " + transferMeaning(kind, transfer);
-    if (!transfer.failure.empty()) {
+    if (!transfer.failure.empty())
         line += "  FAILED: " + transfer.failure;
-    }
     return line;
 }
 

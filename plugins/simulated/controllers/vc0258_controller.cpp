@@ -19,13 +19,11 @@ constexpr std::uint8_t tofReadAddress = 0x23;
 
 VC0258Controller::VC0258Controller(Settings initial)
     : settings(std::move(initial)), kept(settings.flashFile, settings.configuration) {
-    for (const auto& [address, dataBytes] : settings.devices) {
+    for (const auto& [address, dataBytes] : settings.devices)
         files.emplace(address, RegisterFile(1, dataBytes));
-    }
     const auto tof = files.find(tofAddress);
-    if (tof != files.end()) {
+    if (tof != files.end())
         tof->second.write(0x21, 0x2035);
-    }
 }
 
 RegisterFile* VC0258Controller::tofRegisters() noexcept {
@@ -70,17 +68,14 @@ Bytes VC0258Controller::get(std::uint32_t selector, const Bytes& request) {
 
 RegisterFile& VC0258Controller::addressed(const Bytes& packet) {
     const unsigned dataBytes = packet[2] & 0x0F;
-    if (packet[1] != 1 || (dataBytes != 1 && dataBytes != 2)) {
+    if (packet[1] != 1 || (dataBytes != 1 && dataBytes != 2))
         stall(*this, "I2C widths " + std::to_string(packet[1]) + " and " + std::to_string(dataBytes));
-    }
     std::uint8_t address = packet[0] >> 1;
-    if (address == tofReadAddress && !(packet[0] & 1)) {
+    if (address == tofReadAddress && !(packet[0] & 1))
         address = tofAddress;
-    }
     const auto found = files.find(address);
-    if (found == files.end()) {
+    if (found == files.end())
         stall(*this, "no answer from bus address " + hexText(packet[0] >> 1));
-    }
     return found->second;
 }
 
@@ -89,45 +84,39 @@ bool VC0258Controller::exchanged(const Bytes& packet) const {
 }
 
 void VC0258Controller::writeTunnel(const Bytes& packet) {
-    if (!(packet[0] & 1)) {
+    if (!(packet[0] & 1))
         stall(*this, "a SET of an I2C read packet");
-    }
     RegisterFile& file = addressed(packet);
-    if ((packet[2] & 0x0F) == 1) {
+    if ((packet[2] & 0x0F) == 1)
         return file.write(packet[3], packet[6]);
-    }
     const bool swap = exchanged(packet);
     file.write(packet[3], packet[swap ? 7 : 6] | (std::uint32_t{packet[swap ? 6 : 7]} << 8));
 }
 
 Bytes VC0258Controller::readTunnel(const Bytes& request) {
-    if (request[0] & 1) {
+    if (request[0] & 1)
         stall(*this, "a GET of an I2C write packet");
-    }
     const std::uint32_t value = addressed(request).read(request[3]);
     Bytes reply = request;
     reply[6] = static_cast<std::uint8_t>(value);
     if ((request[2] & 0x0F) == 2) {
         reply[7] = static_cast<std::uint8_t>(value >> 8);
-        if (exchanged(request)) {
+        if (exchanged(request))
             std::swap(reply[6], reply[7]);
-        }
     }
     return bridgeRegisters.carried(VCBridgeRegisters::sensorControlSize, std::move(reply));
 }
 
 Bytes VC0258Controller::readMemory(const Bytes& request) const {
     const std::size_t count = request[3];
-    if (request[0] != 0x50 || count < 1 || count > memoryBytes - memoryData) {
+    if (request[0] != 0x50 || count < 1 || count > memoryBytes - memoryData)
         stall(*this, "DMA code " + hexText(request[0]) + " for " + std::to_string(count) + " bytes");
-    }
     const Bytes& memory =
         bridgeRegisters.value(VCBridgeRegisters::memoryArea) == 0 ? settings.flash : kept.bytes();
     const std::size_t start = static_cast<std::size_t>(request[1] | (request[2] << 8));
     Bytes reply = request;
-    for (std::size_t i = 0; i < count; ++i) {
+    for (std::size_t i = 0; i < count; ++i)
         reply[memoryData + i] = start + i < memory.size() ? memory[start + i] : 0xFF;
-    }
     return bridgeRegisters.carried(VCBridgeRegisters::dmaControlSize, std::move(reply));
 }
 

@@ -58,16 +58,14 @@ Bytes VC0345Controller::get(std::uint32_t selector, const Bytes& request) {
 }
 
 void VC0345Controller::writeTof(const Bytes& packet) {
-    if (packet[0] != 0x41) {
+    if (packet[0] != 0x41)
         stall(*this, "code " + hexText(packet[0]) + " in a SET of a time-of-flight register");
-    }
     tofFile.write(packet[1], packet[2] | (std::uint32_t{packet[3]} << 8));
 }
 
 Bytes VC0345Controller::readTof(const Bytes& request) {
-    if (request[0] != 0x46) {
+    if (request[0] != 0x46)
         stall(*this, "code " + hexText(request[0]) + " in a GET of a time-of-flight register");
-    }
     const bool high = (request[1] & highByte) != 0;
     const std::uint32_t value = tofFile.read(request[1] & ~highByte & 0xFFU);
     Bytes reply = request;
@@ -76,16 +74,14 @@ Bytes VC0345Controller::readTof(const Bytes& request) {
 }
 
 void VC0345Controller::writeRom(const Bytes& packet) {
-    if (packet[0] != 0xA1) {
+    if (packet[0] != 0xA1)
         stall(*this, "code " + hexText(packet[0]) + " in a SET of a ROM byte");
-    }
     memory.write(romAddress(packet), packet[3]);
 }
 
 Bytes VC0345Controller::readRom(const Bytes& request) const {
-    if (request[0] != 0xA0) {
+    if (request[0] != 0xA0)
         stall(*this, "code " + hexText(request[0]) + " in a GET of a ROM byte");
-    }
     Bytes reply = request;
     reply[3] = memory.bytes()[romAddress(request)];
     return reply;

@@ -17,16 +17,14 @@ std::uint16_t addressOf(const Bytes& packet) {
 const ::GUID& vcUnitGuid() noexcept { return unitGuid; }
 
 void VCBridgeRegisters::set(const ControllerModel& model, const Bytes& packet) {
-    if (packet[0] != 0x20) {
+    if (packet[0] != 0x20)
         stall(model, "bridge opcode " + hexText(packet[0]) + " in a SET");
-    }
     values[addressOf(packet)] = packet[3];
 }
 
 Bytes VCBridgeRegisters::get(const ControllerModel& model, const Bytes& request) const {
-    if (request[0] != 0x00) {
+    if (request[0] != 0x00)
         stall(model, "bridge opcode " + hexText(request[0]) + " in a GET");
-    }
     Bytes reply = request;
     reply[3] = value(addressOf(request));
     return reply;
