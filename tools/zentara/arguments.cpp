@@ -1,5 +1,6 @@
 #include "tools/zentara/arguments.h"
 
+#include <cstdint>
 #include <string>
 
 #include <zentara/utils/format.h>
@@ -22,5 +23,7 @@ CLI::Validator anyName(const char* what) {
             },
             ""};
 }
+
+CLI::Range any32Bits() { return {std::uint32_t{0}, std::uint32_t{0xFFFFFFFF}}; }
 
 } // namespace Zentara::Tool

@@ -14,4 +14,7 @@ inline constexpr double longestWatch = 86'400;
 /// Takes any text but the empty one. \param what is named by it, for the message
 [[nodiscard]] CLI::Validator anyName(const char* what);
 
+/// For arguments whose range only the camera knows: what is past 32 bits is refused with their range.
+[[nodiscard]] CLI::Range any32Bits();
+
 } // namespace Zentara::Tool

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <exception>
 
+#include <CLI/CLI.hpp>
+
 #include <zentara/core/descriptor_store_ro.h>
 #include <zentara/core/guids.h>
 #include <zentara/io/video_device_proxy.h>

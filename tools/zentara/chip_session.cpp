@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include <CLI/CLI.hpp>
+
 #include <zentara/core/descriptor_store_ro.h>
 #include <zentara/io/video_device_proxy.h>
 #include <zentara/utils/environment_variable.h>
@@ -64,8 +66,6 @@ const NodeEvent& videoNodeOf(const CameraEntry& camera) {
 }
 
 } // namespace
-
-CLI::Range any32Bits() { return {std::uint32_t{0}, std::uint32_t{0xFFFFFFFF}}; }
 
 void addChipOptions(CLI::App& command, ChipOptions& options) {
     addCameraName(command, options.camera);

@@ -21,9 +21,6 @@ struct ChipOptions {
     bool json = false;
 };
 
-/// For arguments whose range only the camera knows: what is past 32 bits is refused with their range.
-[[nodiscard]] CLI::Range any32Bits();
-
 void addChipOptions(CLI::App& command, ChipOptions& options);
 
 /// One camera of the bus, or a bare video device, open, with its chip bound. A failure of a step leaves it as a

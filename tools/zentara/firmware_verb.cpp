@@ -2,6 +2,8 @@
 #include <memory>
 #include <string>
 
+#include <CLI/CLI.hpp>
+
 #include <zentara/utils/crc.h>
 #include <zentara/utils/format.h>
 

@@ -2,6 +2,8 @@
 #include <memory>
 #include <sstream>
 
+#include <CLI/CLI.hpp>
+
 #include <zentara/core/descriptor_store_ro.h>
 #include <zentara/core/guids.h>
 

@@ -2,6 +2,8 @@
 #include <memory>
 #include <vector>
 
+#include <CLI/CLI.hpp>
+
 #include <zentara/utils/format.h>
 
 #include "tools/zentara/chip_session.h"

@@ -5,6 +5,8 @@
 #include <memory>
 #include <sstream>
 
+#include <CLI/CLI.hpp>
+
 #include <zentara/core/descriptor_store_ro.h>
 #include <zentara/utils/format.h>
 
@@ -380,7 +382,8 @@ Verb addParamsVerb(CLI::App& program) {
     command->require_subcommand(1);
     command->footer(
         "Parameters are numbered from 0 to 15; the number fixes the kind of the value. A simulated\n"
-        "camera forgets its parameters when the program that drives it ends.");
+        "camera forgets its parameters when the program that drives it ends, unless its settings say\n"
+        "keepRegisters FILE.");
 
     CLI::App* list =
         command->add_subcommand("list", "Lists the camera's parameters with value, unit and range");

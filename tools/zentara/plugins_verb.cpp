@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include <CLI/CLI.hpp>
+
 #include <zentara/core/guids.h>
 #include <zentara/core/impl_type.h>
 #include <zentara/core/plugin_probe.h>

@@ -1,8 +1,11 @@
 #include <map>
 #include <memory>
 
+#include <CLI/CLI.hpp>
+
 #include <zentara/utils/format.h>
 
+#include "tools/zentara/arguments.h"
 #include "tools/zentara/chip_session.h"
 
 namespace Zentara::Tool {

@@ -3,6 +3,8 @@
 #include <set>
 #include <string>
 
+#include <CLI/CLI.hpp>
+
 #include <zentara/utils/files.h>
 #include <zentara/utils/format.h>
 

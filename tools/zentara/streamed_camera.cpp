@@ -20,13 +20,7 @@ constexpr std::int64_t stallMicros = 5'000'000;
 constexpr std::int64_t letGoMicros = 2'000'000;
 constexpr std::int64_t retryMicros = 300'000; // longer than an enumerator takes to see a removal
 constexpr std::int64_t absenceMicros = 1'000'000;
-constexpr unsigned long lookMilliseconds = 50;
-
-std::int64_t nowMicros() {
-    std::int64_t micros = 0;
-    Utils::Clock::getTime(micros);
-    return micros;
-}
+constexpr unsigned long letGoLookMilliseconds = 50;
 
 /// Whether it is the same node of the same camera, perhaps in another socket.
 bool sameNode(const NodeEvent& left, const NodeEvent& right) {
@@ -100,7 +94,7 @@ void StreamedCamera::startStream(std::size_t index) {
         return stream.sink->take(data, size, micros);
     };
     stream.reader = std::make_unique<StreamReader>(*stream.source, take, wake);
-    stream.since = nowMicros();
+    stream.since = Utils::Clock::nowMicros();
     stream.reader->start();
 }
 
@@ -131,8 +125,8 @@ void StreamedCamera::watchStream(Stream& stream) {
     if (!stream.reader->finished()) {
         const std::uint64_t units = stream.units();
         if (units != std::exchange(stream.seen, units))
-            stream.since = nowMicros();
-        if (nowMicros() - stream.since > stallMicros)
+            stream.since = Utils::Clock::nowMicros();
+        if (Utils::Clock::nowMicros() - stream.since > stallMicros)
             throw ToolFailure(ExitCode_TIMEOUT, Format("nothing came from % for % s; % frames had come") %
                                                     stream.source->label() % (stallMicros / 1'000'000) %
                                                     units);
@@ -170,7 +164,7 @@ void StreamedCamera::arrived(const NodeEvent& node) {
 
 /// A camera that is put back at once may be back before the enumerator misses it: then no arrival is told.
 void StreamedCamera::lookForReturn() {
-    if (present() && nowMicros() - triedAt >= retryMicros)
+    if (present() && Utils::Clock::nowMicros() - triedAt >= retryMicros)
         plugIn();
 }
 
@@ -181,13 +175,13 @@ bool StreamedCamera::present() const {
 /// What the device says while it is being taken apart is no news: it is gone.
 void StreamedCamera::unplug(const ToolFailure& why) {
     trouble.emplace(why);
-    awaySince = nowMicros();
+    awaySince = Utils::Clock::nowMicros();
     leave();
 }
 
 void StreamedCamera::leave() {
     condition = State::Unplugged;
-    triedAt = nowMicros();
+    triedAt = Utils::Clock::nowMicros();
     stopStreams();
     for (const auto& stream : streams) {
         if (!leftBehind)
@@ -269,15 +263,15 @@ void StreamedCamera::stopStreams() {
 void StreamedCamera::letGo(Stream& stream) {
     if (!stream.reader)
         return;
-    const std::int64_t end = nowMicros() + letGoMicros;
+    const std::int64_t end = Utils::Clock::nowMicros() + letGoMicros;
     while (!stream.reader->finished()) {
-        if (nowMicros() > end) {
+        if (Utils::Clock::nowMicros() > end) {
             leftBehind = true;
             trouble.emplace(ExitCode_TIMEOUT, Format("% does not return from reading; % frames had come") %
                                                   stream.source->label() % stream.units());
             return;
         }
-        wake.timedWait(lookMilliseconds);
+        wake.timedWait(letGoLookMilliseconds);
     }
     stream.reader->join();
     stream.before = stream.units();
@@ -308,7 +302,9 @@ void StreamedCamera::finish() {
     }
 }
 
-double StreamedCamera::awaySeconds() const { return static_cast<double>(nowMicros() - awaySince) / 1e6; }
+double StreamedCamera::awaySeconds() const {
+    return static_cast<double>(Utils::Clock::nowMicros() - awaySince) / 1e6;
+}
 
 std::uint64_t StreamedCamera::progress() const { return streams.empty() ? 0 : streams.front()->units(); }
 

@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <exception>
 
+#include <CLI/CLI.hpp>
+
 #include <zentara/utils/format.h>
 #include <zentara/utils/kv_logger.h>
 #include <zentara/version.h>

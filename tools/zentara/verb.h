@@ -5,9 +5,11 @@
 #include <string>
 #include <vector>
 
-#include <CLI/CLI.hpp>
-
 #include "tools/zentara/exit_code.h"
+
+namespace CLI {
+class App;
+}
 
 namespace Zentara::Tool {
 

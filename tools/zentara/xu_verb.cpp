@@ -1,5 +1,7 @@
 #include <memory>
 
+#include <CLI/CLI.hpp>
+
 #include <zentara/io/video_device_proxy.h>
 #include <zentara/utils/format.h>
 

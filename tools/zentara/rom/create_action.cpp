@@ -1,5 +1,7 @@
 #include <memory>
 
+#include <CLI/CLI.hpp>
+
 #include <zentara/rom/chunked_memory_management_header.h>
 #include <zentara/utils/format.h>
 

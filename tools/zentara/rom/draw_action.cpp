@@ -2,6 +2,8 @@
 #include <cmath>
 #include <memory>
 
+#include <CLI/CLI.hpp>
+
 #include <zentara/utils/format.h>
 
 #include "tools/zentara/color_map.h"

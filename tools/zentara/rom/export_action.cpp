@@ -1,6 +1,8 @@
 #include <memory>
 #include <sstream>
 
+#include <CLI/CLI.hpp>
+
 #include "tools/zentara/rom/rom_json.h"
 #include "tools/zentara/rom/rom_survey.h"
 #include "tools/zentara/rom/rom_verbs.h"

@@ -1,6 +1,8 @@
 #include <iomanip>
 #include <memory>
 
+#include <CLI/CLI.hpp>
+
 #include <zentara/rom/section.h>
 #include <zentara/utils/format.h>
 

@@ -1,6 +1,8 @@
 #include <iomanip>
 #include <memory>
 
+#include <CLI/CLI.hpp>
+
 #include <zentara/rom/section.h>
 
 #include "tools/zentara/rom/correction_tables.h"

@@ -1,5 +1,7 @@
 #include <memory>
 
+#include <CLI/CLI.hpp>
+
 #include "tools/zentara/png.h"
 #include "tools/zentara/rom/flash_map.h"
 #include "tools/zentara/rom/rom_verbs.h"

@@ -5,6 +5,8 @@
 #include <limits>
 #include <utility>
 
+#include <CLI/CLI.hpp>
+
 #include <zentara/rom/chunked_memory_management_header.h>
 #include <zentara/rom/file_accessor.h>
 #include <zentara/utils/format.h>

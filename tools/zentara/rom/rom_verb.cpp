@@ -2,6 +2,8 @@
 #include <memory>
 #include <vector>
 
+#include <CLI/CLI.hpp>
+
 #include "tools/zentara/rom/rom_verbs.h"
 
 namespace Zentara::Tool {

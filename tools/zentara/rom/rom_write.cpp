@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <chrono>
 
+#include <CLI/CLI.hpp>
+
 #include <zentara/rom/file_accessor.h>
 #include <zentara/rom/section.h>
 #include <zentara/utils/files.h>

@@ -1,5 +1,7 @@
 #include <memory>
 
+#include <CLI/CLI.hpp>
+
 #include <zentara/rom/section.h>
 #include <zentara/utils/format.h>
 

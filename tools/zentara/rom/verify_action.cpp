@@ -1,5 +1,7 @@
 #include <memory>
 
+#include <CLI/CLI.hpp>
+
 #include <zentara/utils/format.h>
 
 #include "tools/zentara/rom/rom_survey.h"
