@@ -23,4 +23,7 @@ if [ ! -e "$WINEPREFIX/.ready" ]; then
         fi
     ) 9>"$WINEPREFIX.lock"
 fi
+# Wine's server and services keep the streams of the program that started them: whoever reads that program's output
+# would wait until the last program has ended.
+"$wine" cmd /c exit </dev/null >/dev/null 2>&1 || true
 exec "$wine" "$@"

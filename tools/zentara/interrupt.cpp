@@ -1,5 +1,6 @@
 #include "tools/zentara/interrupt.h"
 
+#include <atomic>
 #include <csignal>
 #include <iterator>
 
@@ -14,10 +15,12 @@ constexpr int signals[]{
 #endif
 };
 
-volatile std::sig_atomic_t noted = 0;
+// Windows calls the handler on a thread of its own.
+std::atomic<bool> noted = false;
+static_assert(std::atomic<bool>::is_always_lock_free);
 
 extern "C" void noteInterrupt(int signal) {
-    noted = 1;
+    noted = true;
     std::signal(signal, SIG_DFL);
 }
 
@@ -25,7 +28,7 @@ extern "C" void noteInterrupt(int signal) {
 
 InterruptWatch::InterruptWatch() {
     static_assert(std::size(signals) <= mostSignals);
-    noted = 0;
+    noted = false;
     for (std::size_t index = 0; index < std::size(signals); ++index) {
         previous[index] = std::signal(signals[index], noteInterrupt);
         if (previous[index] == SIG_IGN)
@@ -40,6 +43,6 @@ InterruptWatch::~InterruptWatch() {
     }
 }
 
-bool InterruptWatch::interrupted() const noexcept { return noted != 0; }
+bool InterruptWatch::interrupted() const noexcept { return noted; }
 
 } // namespace Zentara::Tool
