@@ -33,6 +33,7 @@ std::string PluginException::message() const { return text; }
 PluginExceptionType PluginException::type() const noexcept { return kind; }
 
 // Everything that a flying exception needs is defined here, never in the plug-in that threw it.
+// NOLINTBEGIN(bugprone-macro-parentheses): a class's name takes none
 #define ZENTARA_PLUGIN_EXCEPTION(Class, TYPE, FORMAT)                                                        \
     Class::Class(const std::string& message) : PluginException(PluginExceptionType_##TYPE, message) {        \
         logWarning(FORMAT, message);                                                                         \
@@ -40,6 +41,7 @@ PluginExceptionType PluginException::type() const noexcept { return kind; }
     Class::Class(const Class& other) = default;                                                              \
     Class& Class::operator=(const Class& other) = default;                                                   \
     Class::~Class() = default;
+// NOLINTEND(bugprone-macro-parentheses)
 
 ZENTARA_PLUGIN_EXCEPTION(StreamingPluginException, STREAMING, "Streaming Exception: %")
 ZENTARA_PLUGIN_EXCEPTION(ConfigurationPluginException, CONFIGURATION, "Configuration Exception: %")

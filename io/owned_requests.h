@@ -125,7 +125,7 @@ Utils::SmartPtr<Configuration> copyConfiguration(const Utils::SmartPtr<Configura
 /// With commands of its own as well, save for what those point to.
 inline Utils::SmartPtr<DepthBaseConfiguration>
 copyDepthConfiguration(const Utils::SmartPtr<DepthBaseConfiguration>& configuration) {
-    const auto copy = copyConfiguration<DepthConfiguration>(configuration);
+    auto copy = copyConfiguration<DepthConfiguration>(configuration);
     if (copy != configuration) {
         for (Utils::SmartPtr<xuRequest>& command : copy->getCommands())
             command = command ? command->clone() : nullptr;

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <utility>
 
 namespace Zentara::Utils {
@@ -57,7 +58,7 @@ constexpr auto crc8Tables = makeTables<std::uint8_t>(bit3Entry, 0xD5);
 /// What the register adds to the k-th byte of a step.
 template<std::size_t k, typename Register>
 constexpr std::uint32_t registerByte(Register crc) {
-    if constexpr (k < sizeof(Register))
+    if constexpr (8 * k < std::numeric_limits<Register>::digits)
         return static_cast<std::uint32_t>(crc) >> 8 * k & 0xFF;
     else
         return 0;

@@ -179,6 +179,7 @@ std::string_view digitsOf(Integer value, char code, char (&buffer)[24]) noexcept
                                static_cast<std::make_unsigned_t<Integer>>(value), 16);
     if (code == 'X') {
         for (char* digit = buffer; digit != result.ptr; ++digit)
+            // NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult): to_chars wrote it
             *digit = *digit >= 'a' ? static_cast<char>(*digit - 'a' + 'A') : *digit;
     }
     return {buffer, static_cast<std::size_t>(result.ptr - buffer)};

@@ -17,6 +17,7 @@ PosixEvent& native(Event& event) { return static_cast<PosixEvent&>(event); }
 
 } // namespace
 
+// NOLINTNEXTLINE(bugprone-unhandled-exception-at-new): without memory the process ends
 Event* Event::create(Reset reset) noexcept { return new PosixEvent(reset); }
 
 void Event::destroy(Event* event) noexcept { delete static_cast<PosixEvent*>(event); }

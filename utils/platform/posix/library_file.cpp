@@ -92,7 +92,7 @@ public:
     [[nodiscard]] std::string findDamage() const {
         std::uint64_t mappedUntil = 0;
         for (const Segment& segment : segments) {
-            const std::string damage = findDamage(segment, mappedUntil);
+            std::string damage = findDamage(segment, mappedUntil);
             if (!damage.empty())
                 return damage;
         }

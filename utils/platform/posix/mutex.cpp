@@ -30,6 +30,7 @@ pthread_mutex_t* native(Mutex* mutex) { return &static_cast<PosixMutex*>(mutex)-
 
 } // namespace
 
+// NOLINTNEXTLINE(bugprone-unhandled-exception-at-new): without memory the process ends
 Mutex* Mutex::create() noexcept { return new PosixMutex(); }
 
 void Mutex::destroy(Mutex* mutex) noexcept { delete static_cast<PosixMutex*>(mutex); }

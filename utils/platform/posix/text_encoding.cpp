@@ -80,6 +80,7 @@ bool wideToUtf8(std::wstring_view wide, std::string& text) {
     std::string result;
     result.reserve(wide.size());
     for (wchar_t character : wide) {
+        // NOLINTNEXTLINE(bugprone-signed-char-misuse): it has 32 bits
         const auto code = static_cast<std::uint32_t>(character);
         if (code > largestCodePoint || isSurrogate(code)) {
             errno = EILSEQ;

@@ -22,6 +22,7 @@ pthread_key_t key(const ThreadLocalSlot& slot) { return static_cast<const PosixS
 
 } // namespace
 
+// NOLINTNEXTLINE(bugprone-unhandled-exception-at-new): without memory the process ends
 ThreadLocalSlot* ThreadLocalSlot::create() noexcept { return new PosixSlot(); }
 
 void ThreadLocalSlot::destroy(ThreadLocalSlot* slot) noexcept { delete static_cast<PosixSlot*>(slot); }
