@@ -23,8 +23,8 @@ if(CCACHE)
     set(CMAKE_C_COMPILER_LAUNCHER ${CMAKE_CXX_COMPILER_LAUNCHER})
 endif()
 
-# Sources compiled in groups read the standard library once a group. The gcc preset compiles each alone, save the tests
-# and the tool's verbs, which proves that each includes what it uses.
+# Sources compiled in groups read the standard library once a group. The gcc preset groups only the tests and the tool's
+# verbs; compiling all else alone proves that each source includes what it uses.
 set(CMAKE_UNITY_BUILD_BATCH_SIZE 8)
 if(ZENTARA_UNITY)
     set(CMAKE_UNITY_BUILD ON)
