@@ -5,7 +5,7 @@
 #include <cstring>
 #include <vector>
 
-#include "tools/zentara/recording_format.h"
+#include "tools/zentara/streams/recording_format.h"
 
 extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t most);
 

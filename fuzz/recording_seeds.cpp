@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/zentara/recording_writer.h"
+#include "tools/zentara/streams/recording_writer.h"
 
 namespace {
 

@@ -7,11 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "tools/zentara/audio_recorder.h"
-#include "tools/zentara/color_recorder.h"
-#include "tools/zentara/depth_recorder.h"
 #include "tools/zentara/exit_code.h"
-#include "tools/zentara/recording_reader.h"
+#include "tools/zentara/streams/audio_recorder.h"
+#include "tools/zentara/streams/color_recorder.h"
+#include "tools/zentara/streams/depth_recorder.h"
+#include "tools/zentara/streams/recording_reader.h"
 
 namespace {
 

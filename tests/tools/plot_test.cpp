@@ -6,9 +6,9 @@
 #include <gmock/gmock.h>
 #include <stb/stb_image.h>
 
-#include "tools/zentara/color_recorder.h"
 #include "tools/zentara/exit_code.h"
 #include "tools/zentara/plot.h"
+#include "tools/zentara/streams/color_recorder.h"
 
 namespace Zentara::Tool {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <zentara/rom/accessor.h>
 
-#include "tools/zentara/camera_chip.h"
+#include "tools/zentara/chips/camera_chip.h"
 
 namespace Zentara::Tool {
 

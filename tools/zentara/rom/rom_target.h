@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/zentara/chip_session.h"
+#include "tools/zentara/chips/chip_session.h"
 #include "tools/zentara/rom/flash_image.h"
 
 namespace Zentara::Tool {

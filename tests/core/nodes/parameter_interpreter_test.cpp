@@ -1,0 +1,747 @@
+#include <zentara/io/library_parameter_interpreter.h>
+
+#include <gmock/gmock.h>
+
+#include <cstdint>
+#include <cstring>
+#include <functional>
+#include <limits>
+
+#include <zentara/calibration_internal.h>
+#include <zentara/core/plugin_manager.h>
+#include <zentara/io/gpio_requests.h>
+#include <zentara/io/hardware_requests.h>
+#include <zentara/io/i2c_requests.h>
+#include <zentara/io/uvc_command_request.h>
+#include <zentara/io/video_device_proxy.h>
+#include <zentara/plugin/plugin_exceptions.h>
+#include <zentara/utils/environment_variable.h>
+#include <zentara/utils/format.h>
+
+#include "core/nodes/fixtures/back_end_script.h"
+#include "core/nodes/fixtures/guids.h"
+#include "support/plugin_failure.h"
+
+namespace Testing {
+namespace {
+
+using namespace Zentara::IO;
+using testing::_;
+using testing::AnyNumber;
+using testing::DoAll;
+using testing::ElementsAre;
+using testing::InSequence;
+using testing::Return;
+using testing::SetArgPointee;
+using testing::StrictMock;
+using Bytes = std::vector<unsigned char>;
+using Interpreter = Utils::SmartPtr<LibraryParameterInterpreter>;
+using TestSupport::failure;
+
+constexpr auto failed = ErrorCode_FAILED;
+constexpr auto tooSmall = ErrorCode_BUFFER_TOO_SMALL;
+constexpr auto outOfRange = ErrorCode_OUT_OF_RANGE;
+constexpr auto success = ErrorCode_SUCCESS;
+
+class MockBackEnd : public BackEndScript {
+public:
+    MockBackEnd() {
+        const std::string address =
+            Utils::Format("%{:x}") % reinterpret_cast<std::uintptr_t>(static_cast<BackEndScript*>(this));
+        Utils::EnvironmentVariable(scriptVariable).setValue(address.c_str());
+    }
+
+    MOCK_METHOD(ErrorCode, initialize,
+                (int, void*, Transfer*, Transfer*, const HardwareIDs*, const HardwareVersionInternal*),
+                (override));
+    MOCK_METHOD(ErrorCode, dispose, (), (override));
+    MOCK_METHOD(void, destroyed, (), (override));
+    MOCK_METHOD(ErrorCode, getUnitType, (ParameterType, UnitType*), (override));
+    MOCK_METHOD(ErrorCode, getAccessMode, (ParameterType, AccessMode*), (override));
+    MOCK_METHOD(ErrorCode, readFloat, (ParameterType, float*), (override));
+    MOCK_METHOD(ErrorCode, writeFloat, (ParameterType, float), (override));
+    MOCK_METHOD(ErrorCode, readInt, (ParameterType, int*), (override));
+    MOCK_METHOD(ErrorCode, writeInt, (ParameterType, int), (override));
+    MOCK_METHOD(ErrorCode, readBool, (ParameterType, bool*), (override));
+    MOCK_METHOD(ErrorCode, writeBool, (ParameterType, bool), (override));
+    MOCK_METHOD(ErrorCode, setRegionOfInterest, (const RegionOfInterestInternal*), (override));
+    MOCK_METHOD(ErrorCode, getRegionOfInterest, (RegionOfInterestInternal*), (override));
+    MOCK_METHOD(ErrorCode, getLastError, (char*, unsigned int*), (override));
+    MOCK_METHOD(ErrorCode, readSystemState, (unsigned char*, unsigned int), (override));
+    MOCK_METHOD(ErrorCode, writeSystemState, (const unsigned char*, unsigned int), (override));
+    MOCK_METHOD(ErrorCode, getParameterRange, (ParameterType, unsigned char*, unsigned int*), (override));
+    MOCK_METHOD(ErrorCode, writeCalibration, (const unsigned char*, unsigned int), (override));
+    MOCK_METHOD(ErrorCode, readCalibration, (unsigned char*, unsigned int*), (override));
+    MOCK_METHOD(ErrorCode, getPhaseScaling, (float*), (override));
+};
+
+/// An answer of a two-call function: the length first, then the bytes.
+template<typename Byte>
+auto answer(std::vector<Byte> bytes) {
+    return [bytes](auto... arguments) {
+        const auto all = std::make_tuple(arguments...);
+        constexpr std::size_t count = sizeof...(arguments);
+        Byte* const buffer = std::get<count - 2>(all);
+        unsigned int* const length = std::get<count - 1>(all);
+        const bool fits = buffer && *length >= bytes.size();
+        if (fits && !bytes.empty())
+            std::memcpy(buffer, bytes.data(), bytes.size());
+        *length = static_cast<unsigned int>(bytes.size());
+        return fits ? success : tooSmall;
+    };
+}
+
+std::vector<char> text(const std::string& words) { return {words.begin(), words.end()}; }
+
+constexpr int argumentKind = 3;
+constexpr int ioKind = 4;
+constexpr int notSupportedKind = 5;
+constexpr int initializationKind = 6;
+constexpr int invalidOperationKind = 7;
+
+ErrorCode noTransfer(void*, unsigned short, unsigned int, unsigned char*, unsigned int) { return failed; }
+ErrorCode noOtherTransfer(void*, unsigned short, unsigned int, unsigned char*, unsigned int) {
+    return failed;
+}
+
+/// An interpreter over the fixture back-end, whose behaviour is the mock's.
+class ParameterInterpreterTest : public testing::Test {
+protected:
+    ParameterInterpreterTest() {
+        EXPECT_CALL(backEnd, initialize).Times(AnyNumber()).WillRepeatedly(Return(success));
+        EXPECT_CALL(backEnd, dispose).Times(AnyNumber()).WillRepeatedly(Return(success));
+        EXPECT_CALL(backEnd, destroyed).Times(AnyNumber());
+        EXPECT_CALL(backEnd, getLastError).Times(AnyNumber()).WillRepeatedly(answer(text("overheated")));
+        start();
+    }
+
+    void start() { parameters->initialize(nullptr, noTransfer, noOtherTransfer, {}, {}); }
+
+    std::pair<int, std::string> rangeFailure(ParameterType parameter) {
+        return failure([&] { static_cast<void>(parameters->getParameterRange(parameter)); });
+    }
+    void access(AccessMode mode) {
+        EXPECT_CALL(backEnd, getAccessMode).WillRepeatedly(DoAll(SetArgPointee<1>(mode), Return(success)));
+    }
+
+    StrictMock<MockBackEnd> backEnd;
+    Interpreter parameters = LibraryParameterInterpreter::create(BACK_END);
+};
+
+TEST_F(ParameterInterpreterTest, HandsIdentityAndTransfersToTheBackEnd) {
+    const HardwareIDs ids{1, 2, 3, 4};
+    HardwareVersionInternal version;
+    version.camera = {5, 6, 7, 8};
+    version.modules[5].variant = 9;
+    version.version = 10;
+    InSequence order;
+    EXPECT_CALL(backEnd, dispose).WillOnce(Return(success));
+    EXPECT_CALL(backEnd, destroyed);
+    EXPECT_CALL(backEnd, initialize)
+        .WillOnce([&](int, void* context, Transfer* set, Transfer* get, const HardwareIDs* seenIds,
+                      const HardwareVersionInternal* seenVersion) {
+            EXPECT_EQ(context, this);
+            EXPECT_EQ(set, &noTransfer);
+            EXPECT_EQ(get, &noOtherTransfer);
+            EXPECT_EQ(*seenIds, ids);
+            EXPECT_EQ(*seenVersion, version);
+            return success;
+        });
+    EXPECT_CALL(backEnd, dispose).WillOnce(Return(success));
+    EXPECT_CALL(backEnd, destroyed);
+    // The instance that the fixture has begun is ended first.
+    parameters->initialize(this, noTransfer, noOtherTransfer, ids, version);
+    parameters->dispose();
+    parameters->dispose();
+    parameters.reset();
+}
+
+TEST_F(ParameterInterpreterTest, EndOfTheInterpreterEndsTheBackEnd) {
+    InSequence order;
+    EXPECT_CALL(backEnd, dispose).WillOnce(Return(failed));
+    EXPECT_CALL(backEnd, destroyed);
+    parameters.reset();
+}
+
+TEST_F(ParameterInterpreterTest, LibraryStaysLoadedOnlyWhileAnInterpreterLives) {
+    Core::PluginManager* const manager = Core::PluginManager::instance();
+    const auto instanceNumber = [this] {
+        int number = 0;
+        EXPECT_CALL(backEnd, initialize).WillOnce([&](int instance, auto...) {
+            number = instance;
+            return success;
+        });
+        start();
+        return number;
+    };
+    Interpreter second = LibraryParameterInterpreter::create(BACK_END);
+    EXPECT_EQ(instanceNumber(), 2);
+    parameters = second;
+    EXPECT_EQ(instanceNumber(), 3) << "the library was unloaded too soon";
+    parameters.reset();
+    second.reset();
+    parameters = LibraryParameterInterpreter::create(BACK_END);
+    EXPECT_EQ(instanceNumber(), 1) << "the library was not unloaded";
+    manager->release();
+}
+
+TEST_F(ParameterInterpreterTest, RefusedInitializeLeavesNothing) {
+    parameters->dispose();
+    EXPECT_CALL(backEnd, initialize).WillOnce(Return(failed));
+    EXPECT_CALL(backEnd, destroyed).Times(1);
+    const std::pair refused(initializationKind, std::string("Failed to initialize plugin"));
+    EXPECT_EQ(failure([&] { start(); }), refused);
+    parameters.reset();
+
+    const Interpreter empty = LibraryParameterInterpreter::create(BACK_END_WITHOUT_INSTANCE);
+    EXPECT_EQ(failure([&] { empty->initialize(nullptr, noTransfer, noTransfer, {}, {}); }), refused);
+}
+
+class NoLibrary final : public ParameterInterpreter {
+public:
+    NoLibrary() : ParameterInterpreter(BACK_END, nullptr) {}
+};
+
+TEST_F(ParameterInterpreterTest, NeedsALibraryThatIsAParameterBackEnd) {
+    NoLibrary interpreter;
+    EXPECT_EQ(failure([&] { interpreter.initialize(nullptr, nullptr, nullptr, {}, {}); }),
+              std::pair(initializationKind, std::string("Invalid shared library handle")));
+    EXPECT_EQ(failure([] { static_cast<void>(LibraryParameterInterpreter::create(VIDEO_DEVICE)); }),
+              std::pair(initializationKind, std::string("ImplType mismatch")));
+    EXPECT_EQ(failure([] { static_cast<void>(LibraryParameterInterpreter::create(testGuid(99))); }).first,
+              initializationKind);
+}
+
+TEST_F(ParameterInterpreterTest, EveryMissingFunctionIsNamedByTheCallThatNeedsIt) {
+    const Interpreter poor = LibraryParameterInterpreter::create(BACK_END_WITHOUT_OPERATIONS);
+    poor->initialize(nullptr, noTransfer, noTransfer, {}, {});
+    CalibrationInternal calibration;
+    ParameterRequestMap state;
+    float aFloat = 0;
+    int anInt = 0;
+    bool aBool = false;
+    const struct {
+        const char* function;
+        std::function<void()> call;
+    } rows[] = {
+        {"getUnitType", [&] { static_cast<void>(poor->getUnitType(ParameterType_FLOAT_0)); }},
+        {"getAccessMode", [&] { static_cast<void>(poor->getAccessMode(ParameterType_FLOAT_0)); }},
+        {"readFloat", [&] { poor->read(ParameterType_FLOAT_0, &aFloat); }},
+        {"writeFloat", [&] { poor->write(ParameterType_FLOAT_0, 1.0F); }},
+        {"readInt", [&] { poor->read(ParameterType_INT_4, &anInt); }},
+        {"writeInt", [&] { poor->write(ParameterType_INT_4, 1); }},
+        {"readBool", [&] { poor->read(ParameterType_BOOL_7, &aBool); }},
+        {"writeBool", [&] { poor->write(ParameterType_BOOL_7, true); }},
+        {"setRegionOfInterest", [&] { poor->setRegionOfInterest({}); }},
+        {"getRegionOfInterest", [&] { static_cast<void>(poor->getRegionOfInterest()); }},
+        {"readSystemState", [&] { poor->read(state); }},
+        {"writeSystemState", [&] { poor->write(state); }},
+        {"getAccessMode", [&] { static_cast<void>(poor->getParameterRange(ParameterType_FLOAT_0)); }},
+        {"writeCalibration", [&] { poor->writeCalibration(&calibration); }},
+        {"readCalibration", [&] { poor->readCalibration(&calibration); }},
+        {"getPhaseScaling", [&] { static_cast<void>(poor->getPhaseScaling()); }},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(
+            failure(row.call),
+            std::pair(notSupportedKind,
+                      std::string("the parameter back-end does not export the function ") + row.function));
+
+    const Interpreter silent = LibraryParameterInterpreter::create(BACK_END_WITHOUT_REPORTS);
+    silent->initialize(nullptr, noTransfer, noTransfer, {}, {});
+    EXPECT_CALL(backEnd, writeSystemState).WillOnce(Return(failed));
+    EXPECT_EQ(failure([&] { silent->write(state); }),
+              std::pair(ioKind, std::string("Failed to set system state: couldn't retrieve last error")))
+        << "where an error has no text, it is still the error that is reported";
+    access(AccessMode_READ_WRITE);
+    EXPECT_EQ(
+        failure([&] { static_cast<void>(silent->getParameterRange(ParameterType_INT_4)); }),
+        std::pair(notSupportedKind,
+                  std::string("the parameter back-end does not export the function getParameterRange")));
+    EXPECT_EQ(failure([&] { silent->dispose(); }),
+              std::pair(notSupportedKind,
+                        std::string("the parameter back-end does not export the function destroyInstance")));
+    silent->dispose();
+
+    const Interpreter lifeless = LibraryParameterInterpreter::create(BACK_END_WITHOUT_LIFE);
+    EXPECT_EQ(failure([&] { lifeless->initialize(nullptr, noTransfer, noTransfer, {}, {}); }),
+              std::pair(notSupportedKind,
+                        std::string("the parameter back-end does not export the function initialize")));
+}
+
+TEST_F(ParameterInterpreterTest, OperationsNeedAnInstance) {
+    parameters->dispose();
+    EXPECT_EQ(failure([&] { parameters->write(ParameterType_INT_4, 1); }),
+              std::pair(invalidOperationKind,
+                        std::string("cannot call writeInt: the parameter interpreter is not initialized")));
+    ParameterRequestMap state;
+    EXPECT_EQ(failure([&] { parameters->read(state); }).first, invalidOperationKind);
+}
+
+TEST_F(ParameterInterpreterTest, PassesValuesThrough) {
+    EXPECT_CALL(backEnd, getUnitType(ParameterType_FLOAT_1, _))
+        .WillOnce(DoAll(SetArgPointee<1>(UnitType_CELSIUS), Return(success)));
+    EXPECT_EQ(parameters->getUnitType(ParameterType_FLOAT_1), UnitType_CELSIUS);
+    access(AccessMode_READ);
+    EXPECT_EQ(parameters->getAccessMode(ParameterType_FLOAT_1), AccessMode_READ);
+
+    EXPECT_CALL(backEnd, readFloat(ParameterType_FLOAT_1, _))
+        .WillOnce(DoAll(SetArgPointee<1>(2.5F), Return(success)));
+    EXPECT_CALL(backEnd, readFloat(ParameterType_RANGE, _))
+        .WillOnce(DoAll(SetArgPointee<1>(7.5F), Return(success)));
+    EXPECT_CALL(backEnd, readInt(ParameterType_INT_4, _))
+        .WillOnce(DoAll(SetArgPointee<1>(-3), Return(success)));
+    EXPECT_CALL(backEnd, readInt(ParameterType_RAW_OUTPUT_MODE, _))
+        .WillOnce(DoAll(SetArgPointee<1>(2), Return(success)));
+    EXPECT_CALL(backEnd, getPhaseScaling).WillOnce(DoAll(SetArgPointee<0>(0.5F), Return(success)));
+    EXPECT_CALL(backEnd, getRegionOfInterest)
+        .WillOnce(DoAll(SetArgPointee<0>(RegionOfInterestInternal{1, 2, 3, 4}), Return(success)));
+    EXPECT_CALL(backEnd, readBool(ParameterType_BOOL_7, _)).WillOnce([](ParameterType, bool* value) {
+        std::memset(value, 0x40, 1); // a C back-end's idea of true
+        return success;
+    });
+    float aFloat = 0;
+    int anInt = 0;
+    bool aBool = false;
+    parameters->read(ParameterType_FLOAT_1, &aFloat);
+    parameters->read(ParameterType_INT_4, &anInt);
+    parameters->read(ParameterType_BOOL_7, &aBool);
+    EXPECT_EQ(aFloat, 2.5F);
+    EXPECT_EQ(anInt, -3);
+    EXPECT_TRUE(aBool);
+    EXPECT_EQ(parameters->getRange(), 7.5F);
+    EXPECT_EQ(parameters->getRawOutputMode(), RawOutputMode_TAPS);
+    EXPECT_EQ(parameters->getPhaseScaling(), 0.5F);
+    EXPECT_EQ(parameters->getRegionOfInterest(), (RegionOfInterestInternal{1, 2, 3, 4}));
+
+    EXPECT_CALL(backEnd, writeFloat(ParameterType_FLOAT_1, 2.5F)).WillOnce(Return(success));
+    EXPECT_CALL(backEnd, writeInt(ParameterType_INT_4, -3)).WillOnce(Return(success));
+    EXPECT_CALL(backEnd, writeBool(ParameterType_BOOL_7, true)).WillOnce(Return(success));
+    EXPECT_CALL(backEnd, setRegionOfInterest(testing::Pointee(RegionOfInterestInternal{1, 2, 3, 4})))
+        .WillOnce(Return(success));
+    parameters->write(ParameterType_FLOAT_1, 2.5F);
+    parameters->write(ParameterType_INT_4, -3);
+    parameters->write(ParameterType_BOOL_7, true);
+    parameters->setRegionOfInterest({1, 2, 3, 4});
+}
+
+TEST_F(ParameterInterpreterTest, ErrorCodesBecomeTheStatedExceptions) {
+    float aFloat = 5;
+    int anInt = 6;
+    bool aBool = true;
+    const struct {
+        std::function<void(ErrorCode)> arrange;
+        std::function<void()> call;
+        int kind;
+        const char* message;
+        bool isWrite;
+    } rows[] = {
+        {[&](ErrorCode code) { EXPECT_CALL(backEnd, writeFloat).WillOnce(Return(code)); },
+         [&] { parameters->write(ParameterType_FLOAT_0, 1.0F); }, ioKind, "Failed to write parameter", true},
+        {[&](ErrorCode code) { EXPECT_CALL(backEnd, writeInt).WillOnce(Return(code)); },
+         [&] { parameters->write(ParameterType_INT_4, 1); }, ioKind, "Failed to write parameter", true},
+        {[&](ErrorCode code) { EXPECT_CALL(backEnd, writeBool).WillOnce(Return(code)); },
+         [&] { parameters->write(ParameterType_BOOL_7, true); }, ioKind, "Failed to write parameter", true},
+        {[&](ErrorCode code) { EXPECT_CALL(backEnd, setRegionOfInterest).WillOnce(Return(code)); },
+         [&] { parameters->setRegionOfInterest({}); }, ioKind, "Failed to set region of interest", true},
+        {[&](ErrorCode code) { EXPECT_CALL(backEnd, readFloat).WillOnce(Return(code)); },
+         [&] { parameters->read(ParameterType_FLOAT_0, &aFloat); }, ioKind, "Failed to read parameter",
+         false},
+        {[&](ErrorCode code) { EXPECT_CALL(backEnd, readInt).WillOnce(Return(code)); },
+         [&] { parameters->read(ParameterType_INT_4, &anInt); }, ioKind, "Failed to read parameter", false},
+        {[&](ErrorCode code) { EXPECT_CALL(backEnd, readBool).WillOnce(Return(code)); },
+         [&] { parameters->read(ParameterType_BOOL_7, &aBool); }, ioKind, "Failed to read parameter", false},
+        {[&](ErrorCode code) { EXPECT_CALL(backEnd, getRegionOfInterest).WillOnce(Return(code)); },
+         [&] { static_cast<void>(parameters->getRegionOfInterest()); }, ioKind,
+         "Failed to get region of interest", false},
+        {[&](ErrorCode code) { EXPECT_CALL(backEnd, readFloat).WillOnce(Return(code)); },
+         [&] { static_cast<void>(parameters->getRange()); }, ioKind, "Failed to get range", false},
+        {[&](ErrorCode code) { EXPECT_CALL(backEnd, readInt).WillOnce(Return(code)); },
+         [&] { static_cast<void>(parameters->getRawOutputMode()); }, ioKind, "Failed to get raw output mode",
+         false},
+        {[&](ErrorCode code) { EXPECT_CALL(backEnd, getPhaseScaling).WillOnce(Return(code)); },
+         [&] { static_cast<void>(parameters->getPhaseScaling()); }, ioKind, "Failed to get phase scaling",
+         false},
+        {[&](ErrorCode code) { EXPECT_CALL(backEnd, getUnitType).WillOnce(Return(code)); },
+         [&] { static_cast<void>(parameters->getUnitType(ParameterType_INT_15)); }, notSupportedKind,
+         "Failed to get unit type from plugin for 15", false},
+        {[&](ErrorCode code) { EXPECT_CALL(backEnd, getAccessMode).WillOnce(Return(code)); },
+         [&] { static_cast<void>(parameters->getAccessMode(ParameterType_INT_15)); }, notSupportedKind,
+         "Parameter 15 is not supported", false},
+    };
+    for (const auto& row : rows) {
+        // Only for writes does "out of range" differ from any other failure.
+        for (const ErrorCode code : {outOfRange, failed, tooSmall, ErrorCode(1)}) {
+            row.arrange(code);
+            const std::pair stated(row.kind, std::string(row.message));
+            const std::pair badValue(argumentKind, std::string("value out of range"));
+            EXPECT_EQ(failure(row.call), row.isWrite && code == outOfRange ? badValue : stated)
+                << row.message << ", code " << code;
+        }
+    }
+    EXPECT_EQ(aFloat, 5);
+    EXPECT_EQ(anInt, 6);
+    EXPECT_TRUE(aBool);
+}
+
+TEST_F(ParameterInterpreterTest, NullPointersAreRefused) {
+    EXPECT_EQ(failure([&] { parameters->read(ParameterType_FLOAT_0, static_cast<float*>(nullptr)); }).first,
+              argumentKind);
+    EXPECT_EQ(failure([&] { parameters->read(ParameterType_INT_4, static_cast<int*>(nullptr)); }).first,
+              argumentKind);
+    EXPECT_EQ(failure([&] { parameters->read(ParameterType_BOOL_7, static_cast<bool*>(nullptr)); }).first,
+              argumentKind);
+    EXPECT_EQ(failure([&] { parameters->writeCalibration(nullptr); }).first, argumentKind);
+    EXPECT_EQ(failure([&] { parameters->readCalibration(nullptr); }).first, argumentKind);
+}
+
+TEST_F(ParameterInterpreterTest, ParameterNumbersHaveTheirValueTypes) {
+    std::string types;
+    for (int number = -2; number <= 16; ++number)
+        types += std::to_string(ParameterInterpreter::getParameterValueType(ParameterType(number)));
+    EXPECT_EQ(types, "00"
+                     "1111211312221432"
+                     "0");
+}
+
+TEST_F(ParameterInterpreterTest, LastErrorIsRetrievedOrReplaced) {
+    const auto silent = [](ErrorCode first, unsigned int length, ErrorCode second) {
+        return [=](char* buffer, unsigned int* size) {
+            *size = buffer ? *size : length;
+            return buffer ? second : first;
+        };
+    };
+    const struct {
+        const char* name;
+        std::function<ErrorCode(char*, unsigned int*)> getLastError;
+        const char* text;
+    } rows[] = {
+        {"text", answer(text("overheated")), "overheated"},
+        {"text up to its NUL", answer(text(std::string("hot\0cold", 8))), "hot"},
+        {"empty text", answer(text(std::string("\0", 1))), ""},
+        {"no length needed", silent(success, 4, success), "couldn't retrieve last error"},
+        {"no text", silent(tooSmall, 0, success), "couldn't retrieve last error"},
+        {"incredible length", silent(tooSmall, std::numeric_limits<unsigned int>::max(), success),
+         "couldn't retrieve last error"},
+        {"second call fails", silent(tooSmall, 4, failed), "couldn't retrieve last error"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_CALL(backEnd, writeSystemState).WillOnce(Return(failed));
+        EXPECT_CALL(backEnd, getLastError).WillRepeatedly(row.getLastError);
+        EXPECT_EQ(failure([&] { parameters->write(ParameterRequestMap()); }),
+                  std::pair(ioKind, std::string("Failed to set system state: ") + row.text))
+            << row.name;
+    }
+}
+
+/// A system state of one entry.
+ParameterRequestMap stateOf(ParameterType parameter, Utils::SmartPtr<xuRequest> request) {
+    ParameterRequestMap state;
+    state[parameter] = std::move(request);
+    return state;
+}
+
+TEST_F(ParameterInterpreterTest, SystemStateIsWrittenEntryByEntry) {
+    using Utils::makeRefcounted;
+    unsigned int number = 0;
+    bool isHigh = false;
+    Bytes array;
+    const struct {
+        const char* kind;
+        ParameterType key;
+        Utils::SmartPtr<xuRequest> request;
+        Bytes bytes;
+    } rows[] = {
+        {"float",
+         ParameterType(2),
+         makeRefcounted<setFloatParameterRequest>(ParameterType(9), -2.5F),
+         {2, 0, 0, 0x20, 0xC0}},
+        {"int",
+         ParameterType(4),
+         makeRefcounted<setIntParameterRequest>(ParameterType(4), -2),
+         {4, 0xFE, 0xFF, 0xFF, 0xFF}},
+        {"true",
+         ParameterType(7),
+         makeRefcounted<setBoolParameterRequest>(ParameterType(7), true),
+         {7, 0xFF}},
+        {"false",
+         ParameterType(14),
+         makeRefcounted<setBoolParameterRequest>(ParameterType(14), false),
+         {14, 0}},
+        {"region, its words cut and under its own number",
+         ParameterType(1),
+         makeRefcounted<setRegionOfInterestRequest>(RegionOfInterestInternal{1, 0x12345, 0xFFFF, 0x10000}),
+         {13, 1, 0, 0x45, 0x23, 0xFF, 0xFF, 0, 0}},
+        {"raw command", ParameterType(0), makeRefcounted<UVCCommandRequest>(UVC_ADC_VALUE, 1U, 2U), {}},
+        {"float by its type code alone",
+         ParameterType(0),
+         makeRefcounted<setParameterRequest>(XU_SET_FLOAT_PARAMETER, ParameterType(0)),
+         {}},
+        {"get I2C register",
+         ParameterType(0),
+         makeRefcounted<getI2CRegisterRequest>(1U, 2U, &number, 1U, 1U),
+         {}},
+        {"set I2C register", ParameterType(0), makeRefcounted<setI2CRegisterRequest>(1U, 2U, 3U, 1U, 1U), {}},
+        {"get I2C array", ParameterType(0), makeRefcounted<getI2CArrayRequest>(1U, array), {}},
+        {"set I2C array", ParameterType(0), makeRefcounted<setI2CArrayRequest>(1U, array), {}},
+        {"get GPIO", ParameterType(0), makeRefcounted<getGPIOStateRequest>(1U, &isHigh), {}},
+        {"set GPIO", ParameterType(0), makeRefcounted<setGPIOStateRequest>(1U, true), {}},
+        {"hardware version", ParameterType(0), makeRefcounted<setHardwareVersionRequest>(), {}},
+        {"system calibration", ParameterType(0), makeRefcounted<setSystemCalibrationRequest>(), {}},
+        {"system state", ParameterType(0), makeRefcounted<setSystemStateRequest>(), {}},
+        {"null", ParameterType(0), nullptr, {}},
+    };
+    for (const auto& row : rows) {
+        Bytes written = {0xEE};
+        EXPECT_CALL(backEnd, writeSystemState)
+            .WillOnce([&](const unsigned char* buffer, unsigned int length) {
+                written.assign(buffer, buffer + length);
+                return success;
+            });
+        parameters->write(stateOf(row.key, row.request));
+        EXPECT_EQ(written, row.bytes) << row.kind;
+    }
+    EXPECT_CALL(backEnd, writeSystemState(testing::NotNull(), 0)).WillOnce(Return(success));
+    parameters->write(ParameterRequestMap());
+}
+
+TEST_F(ParameterInterpreterTest, NumbersPastOneByteAreRefusedNotCut) {
+    using Utils::makeRefcounted;
+    const Utils::SmartPtr<xuRequest> requests[] = {
+        makeRefcounted<setFloatParameterRequest>(ParameterType(2), 1.0F),
+        makeRefcounted<setIntParameterRequest>(ParameterType(2), 1),
+        makeRefcounted<setBoolParameterRequest>(ParameterType(2), true)};
+    for (const int number : {-1, 256, 256 + 2, std::numeric_limits<int>::max()}) {
+        const std::string reason =
+            "the number of parameter " + std::to_string(number) + " does not fit one byte";
+        for (const auto& request : requests) {
+            // The back-end is asked for nothing.
+            ParameterRequestMap state = stateOf(ParameterType(number), request);
+            EXPECT_EQ(failure([&] { parameters->write(state); }),
+                      std::pair(argumentKind, "Failed to set system state: " + reason));
+            EXPECT_EQ(failure([&] { parameters->read(state); }),
+                      std::pair(ioKind, "Failed to get system state: " + reason));
+        }
+        // A region has the number 13, and what has no entry has no number.
+        EXPECT_CALL(backEnd, writeSystemState(_, 9)).WillOnce(Return(success));
+        parameters->write(stateOf(ParameterType(number), makeRefcounted<setRegionOfInterestRequest>()));
+        EXPECT_CALL(backEnd, writeSystemState(_, 0)).WillOnce(Return(success));
+        parameters->write(stateOf(ParameterType(number), makeRefcounted<UVCCommandRequest>()));
+    }
+}
+
+/// One parameter of each form, and a request that has no bytes.
+struct FullState {
+    Utils::SmartPtr<setFloatParameterRequest> aFloat =
+        Utils::makeRefcounted<setFloatParameterRequest>(ParameterType(2), 1.0F);
+    Utils::SmartPtr<setIntParameterRequest> anInt =
+        Utils::makeRefcounted<setIntParameterRequest>(ParameterType(4), 2);
+    Utils::SmartPtr<setBoolParameterRequest> aBool =
+        Utils::makeRefcounted<setBoolParameterRequest>(ParameterType(7), false);
+    Utils::SmartPtr<setRegionOfInterestRequest> region =
+        Utils::makeRefcounted<setRegionOfInterestRequest>(RegionOfInterestInternal{1, 1, 1, 1});
+    ParameterRequestMap map{{ParameterType(2), aFloat},
+                            {ParameterType(4), anInt},
+                            {ParameterType(7), aBool},
+                            {ParameterType(13), region},
+                            {ParameterType(9), Utils::makeRefcounted<UVCCommandRequest>()}};
+};
+
+TEST_F(ParameterInterpreterTest, SystemStateIsReadIntoTheRequests) {
+    FullState state;
+    EXPECT_CALL(backEnd, readSystemState).WillOnce([](unsigned char* buffer, unsigned int length) {
+        EXPECT_EQ(length, 5U + 5U + 2U + 9U);
+        // The order of entries is the map's; any other serves as well.
+        const Bytes bytes = {13, 1,    0,    0xFF, 0xFF, 3, 0, 4, 0x80, 7,   2,
+                             4,  0xFE, 0xFF, 0xFF, 0xFF, 2, 0, 0, 0x20, 0xC0};
+        std::memcpy(buffer, bytes.data(), bytes.size());
+        return success;
+    });
+    parameters->read(state.map);
+    EXPECT_EQ(state.aFloat->getValue(), -2.5F);
+    EXPECT_EQ(state.anInt->getValue(), -2);
+    EXPECT_TRUE(state.aBool->getValue()) << "any byte but 0 is true";
+    EXPECT_EQ(state.region->getRegion(), (RegionOfInterestInternal{1, 0xFFFF, 3, 0x8004}));
+}
+
+TEST_F(ParameterInterpreterTest, FloatsAndIntegersShareTheirRawBits) {
+    // Parameter 4 is an integer and parameter 2 a float; the requests say the opposite.
+    const auto aFloat = Utils::makeRefcounted<setFloatParameterRequest>(ParameterType(4), 0.0F);
+    EXPECT_CALL(backEnd, readSystemState).WillRepeatedly([](unsigned char* buffer, unsigned int) {
+        const unsigned char one[] = {0, 0, 0x80, 0x3F};
+        std::memcpy(buffer + 1, one, sizeof one);
+        return success;
+    });
+    ParameterRequestMap floatState = stateOf(ParameterType(4), aFloat);
+    parameters->read(floatState);
+    EXPECT_EQ(aFloat->getValue(), 1.0F);
+    const auto anInt = Utils::makeRefcounted<setIntParameterRequest>(ParameterType(2), 0);
+    ParameterRequestMap intState = stateOf(ParameterType(2), anInt);
+    parameters->read(intState);
+    EXPECT_EQ(anInt->getValue(), 0x3F800000);
+}
+
+TEST_F(ParameterInterpreterTest, BadSystemStateChangesNothing) {
+    // What a back-end makes of a float's five bytes, or of a region's nine.
+    const struct {
+        const char* name;
+        Bytes bytes;
+        const char* reason;
+    } rows[] = {
+        {"unknown number", {16, 0, 0, 0, 0}, "unknown parameter 16 at offset 0"},
+        {"largest number", {255, 0, 0, 0, 0}, "unknown parameter 255 at offset 0"},
+        {"not in the map", {3, 0, 0, 0, 0}, "parameter 3 at offset 0 was not asked for"},
+        {"request without bytes", {9, 0, 0, 0, 0}, "parameter 9 at offset 0 was not asked for"},
+        {"request of another kind", {14, 1, 14, 1, 14}, "parameter 14 at offset 0 was not asked for"},
+        {"cut region", {13, 1, 0, 1, 0}, "the entry of parameter 13 at offset 0 is cut short"},
+        {"cut behind a whole entry", {7, 1, 2, 0, 0}, "the entry of parameter 2 at offset 2 is cut short"},
+    };
+    for (const auto& row : rows) {
+        const auto aFloat = Utils::makeRefcounted<setFloatParameterRequest>(ParameterType(2), 1.0F);
+        const auto sleeping = Utils::makeRefcounted<setBoolParameterRequest>(ParameterType(7), false);
+        ParameterRequestMap state{{ParameterType(2), aFloat},
+                                  {ParameterType(14), Utils::makeRefcounted<UVCCommandRequest>()},
+                                  {ParameterType(7), sleeping},
+                                  {ParameterType(9), Utils::makeRefcounted<UVCCommandRequest>()}};
+        EXPECT_CALL(backEnd, readSystemState).WillOnce([&](unsigned char* buffer, unsigned int length) {
+            EXPECT_EQ(length, 7U);
+            // The bytes, and what fills the rest so that it would be read as false.
+            const Bytes filler = {7, 0};
+            std::memcpy(buffer, filler.data(), 2);
+            std::memcpy(buffer + 2, row.bytes.data(), row.bytes.size());
+            return success;
+        });
+        std::string reason = row.reason;
+        const std::size_t digit = reason.find("offset ") + 7;
+        reason[digit] = static_cast<char>(reason[digit] + 2);
+        EXPECT_EQ(failure([&] { parameters->read(state); }),
+                  std::pair(ioKind, "Failed to get system state: " + reason))
+            << row.name;
+        EXPECT_EQ(aFloat->getValue(), 1.0F) << row.name;
+        EXPECT_FALSE(sleeping->getValue()) << row.name;
+    }
+    ParameterRequestMap empty;
+    EXPECT_CALL(backEnd, readSystemState).WillOnce(Return(failed));
+    EXPECT_EQ(failure([&] { parameters->read(empty); }),
+              std::pair(ioKind, std::string("Failed to get system state: overheated")));
+}
+
+TEST_F(ParameterInterpreterTest, RangesAreDecodedForWhatCanBeWritten) {
+    EXPECT_CALL(backEnd, getParameterRange(ParameterType_INT_4, _, _))
+        .WillRepeatedly(answer(Bytes{0, 1, 0, 0, 0, 9, 0, 0, 0, 2, 0, 0, 0}));
+    for (const auto mode : {AccessMode_WRITE, AccessMode_READ_WRITE}) {
+        access(mode);
+        const auto range = parameters->getParameterRange(ParameterType_INT_4);
+        EXPECT_EQ(dynamic_cast<const ParameterRangeInternal<int>&>(*range).getMax(), 9);
+    }
+    // Asked for neither when it cannot be written nor for a boolean.
+    for (const auto mode : {AccessMode_NONE, AccessMode_READ, AccessMode(4)}) {
+        access(mode);
+        EXPECT_FALSE(parameters->getParameterRange(ParameterType_FLOAT_0));
+    }
+    access(AccessMode_READ_WRITE);
+    EXPECT_FALSE(parameters->getParameterRange(ParameterType_BOOL_14));
+}
+
+TEST_F(ParameterInterpreterTest, BadRangesAreRefused) {
+    access(AccessMode_READ_WRITE);
+    EXPECT_CALL(backEnd, getParameterRange).WillOnce(Return(success));
+    EXPECT_EQ(rangeFailure(ParameterType_INT_4),
+              std::pair(notSupportedKind, std::string("failed to get parameter range: overheated")));
+
+    const auto lie = [](unsigned int announced, ErrorCode second, unsigned int filled) {
+        return [=](ParameterType, unsigned char* buffer, unsigned int* length) {
+            *length = buffer ? filled : announced;
+            return buffer ? second : tooSmall;
+        };
+    };
+    const struct {
+        const char* name;
+        std::function<ErrorCode(ParameterType, unsigned char*, unsigned int*)> getParameterRange;
+        const char* reason;
+    } rows[] = {
+        {"second call fails", lie(13, failed, 13), "overheated"},
+        {"needs more than it said", lie(13, tooSmall, 26), "overheated"},
+        {"incredible length", lie(0xFFFFFFFF, success, 13), "the back-end announces 4294967295 bytes"},
+        {"nothing", lie(0, success, 0), "the back-end returned no valid range"},
+        {"filled less than it said", lie(13, success, 5), "the back-end returned no valid range"},
+        {"filled more than there was room", lie(12, success, 13), "the back-end returned no valid range"},
+        {"unknown form", answer(Bytes(53, 9)), "the back-end returned no valid range"},
+        {"cut set", answer(Bytes{1, 9, 0, 1, 0, 0, 0}), "the back-end returned no valid range"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_CALL(backEnd, getParameterRange).WillRepeatedly(row.getParameterRange);
+        EXPECT_EQ(
+            rangeFailure(ParameterType_INT_4),
+            std::pair(notSupportedKind, std::string("failed to get parameter range for 4: ") + row.reason))
+            << row.name;
+    }
+}
+
+TEST_F(ParameterInterpreterTest, CalibrationTravelsInItsMarshalledForm) {
+    CalibrationInternal calibration;
+    calibration.setPhaseDelay(0x0102);
+    Bytes written;
+    EXPECT_CALL(backEnd, writeCalibration)
+        .WillRepeatedly([&](const unsigned char* buffer, unsigned int length) {
+            written.assign(buffer, buffer + length);
+            return success;
+        });
+    parameters->writeCalibration(&calibration);
+    EXPECT_THAT(written, ElementsAre(0x40, 1, 6, 0, 2, 1));
+
+    CalibrationInternal empty;
+    parameters->writeCalibration(&empty);
+    EXPECT_THAT(written, ElementsAre()) << "nothing to say is no failure";
+    EXPECT_CALL(backEnd, readCalibration).WillRepeatedly(answer(Bytes()));
+    parameters->readCalibration(&calibration);
+    EXPECT_EQ(calibration.getPhaseDelay(), 0x0102);
+    EXPECT_CALL(backEnd, readCalibration).WillRepeatedly(answer(Bytes{0x41, 1, 6, 0, 4, 3}));
+    parameters->readCalibration(&calibration);
+    EXPECT_EQ(calibration.getPhaseDelay2(), 0x0304);
+}
+
+TEST_F(ParameterInterpreterTest, CalibrationFailuresAreOfTheNotSupportedKind) {
+    CalibrationInternal calibration;
+    const auto readFailure = [&] { return failure([&] { parameters->readCalibration(&calibration); }); };
+    EXPECT_CALL(backEnd, writeCalibration).WillOnce(Return(outOfRange));
+    EXPECT_EQ(failure([&] { parameters->writeCalibration(&calibration); }),
+              std::pair(notSupportedKind, std::string("failed to write calibration: overheated")));
+    const std::pair unread(notSupportedKind, std::string("failed to read calibration: overheated"));
+    EXPECT_CALL(backEnd, readCalibration).WillOnce(Return(success));
+    EXPECT_EQ(readFailure(), unread);
+    EXPECT_CALL(backEnd, readCalibration)
+        .WillOnce(DoAll(SetArgPointee<1>(6U), Return(tooSmall)))
+        .WillOnce(Return(failed));
+    EXPECT_EQ(readFailure(), unread);
+    EXPECT_CALL(backEnd, readCalibration).WillOnce(DoAll(SetArgPointee<1>(0xFFFFFFFFU), Return(tooSmall)));
+    EXPECT_EQ(readFailure(),
+              std::pair(notSupportedKind,
+                        std::string("failed to read calibration: the back-end announces 4294967295 bytes")));
+    EXPECT_CALL(backEnd, readCalibration).WillRepeatedly(answer(Bytes{0x40, 1, 60, 0, 2, 1}));
+    EXPECT_EQ(readFailure(), std::pair(notSupportedKind, std::string("failed to unmarshal calibration")));
+    EXPECT_EQ(calibration, CalibrationInternal());
+}
+
+TEST_F(ParameterInterpreterTest, ReachesTheExtensionUnitThroughAProxy) {
+    VideoDeviceProxy device(VIDEO_DEVICE, true);
+    EXPECT_CALL(backEnd, initialize)
+        .WillOnce([](int, void* context, Transfer* set, Transfer* get, const HardwareIDs* ids, auto) {
+            EXPECT_EQ(ids->vendorId, 1U);
+            // The fixture device keeps what is sent to unit 3, with the selector behind it, and fails any other.
+            unsigned char sent[] = {10, 20};
+            unsigned char received[3] = {};
+            EXPECT_EQ(set(context, 3, 77, sent, 2), success);
+            EXPECT_EQ(get(context, 3, 77, received, 3), success);
+            EXPECT_THAT(received, ElementsAre(10, 20, 77));
+            EXPECT_EQ(set(context, 4, 77, sent, 2), ErrorCode_IO);
+            EXPECT_EQ(get(context, 4, 77, received, 3), ErrorCode_IO);
+            EXPECT_EQ(set(context, 3, 77, nullptr, 2), ErrorCode_IO);
+            EXPECT_EQ(get(context, 3, 77, nullptr, 2), ErrorCode_IO);
+            return success;
+        });
+    parameters->initialize(device, {1, 2, 3, 4}, {});
+}
+
+} // namespace
+} // namespace Testing

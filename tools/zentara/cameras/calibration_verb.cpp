@@ -1,0 +1,210 @@
+#include <memory>
+
+#include <CLI/CLI.hpp>
+
+#include <zentara/utils/format.h>
+
+#include "tools/zentara/cameras/calibration_json.h"
+#include "tools/zentara/cameras/camera_session.h"
+#include "tools/zentara/cameras/stored_document.h"
+#include "tools/zentara/paths.h"
+
+namespace Zentara::Tool {
+namespace {
+
+using Utils::Format;
+
+constexpr const char* calibrationVerb = "calibration";
+
+struct CalibrationOptions : CameraOptions {
+    std::string file;
+    std::string other;
+    std::string backup;
+    bool dryRun = false;
+    bool yes = false;
+};
+
+CalibrationInternal readCamera(CameraSession& session) {
+    CalibrationInternal calibration;
+    attempt("read the camera's calibration", [&] { session.parameters().readCalibration(&calibration); });
+    return calibration;
+}
+
+/// A calibration file: whose calibration it is, and the calibration.
+void writeFile(const std::string& path, const CameraSession& session,
+               const CalibrationInternal& calibration) {
+    Json json = beginJson(calibrationVerb);
+    json["camera"] = session.identity();
+    json["calibration"] = toJson(calibration);
+    writeJsonFile(path, json);
+}
+
+/// A calibration from a file, and the serial number of the camera that it is of; empty when it says none.
+struct StoredCalibration {
+    CalibrationInternal calibration;
+    std::string serialNumber;
+};
+
+StoredCalibration readFile(const std::string& path) {
+    const Json json = readJsonFile(path);
+    JsonFields fields(json, path);
+    checkDocument(fields);
+    StoredCalibration stored;
+    stored.calibration = asMarshalled(calibrationFromJson(fields.object("calibration")));
+    stored.serialNumber = serialNumberIn(json);
+    fields.refuseOthers({"verb", "camera"});
+    return stored;
+}
+
+ExitCode runExport(const CalibrationOptions& options, Console& console) {
+    return withCamera(calibrationVerb, options, console, [&](CameraSession& session) {
+        const CalibrationInternal calibration = readCamera(session);
+        if (!options.file.empty())
+            writeFile(options.file, session, calibration);
+        session.finish({{"calibration", toJson(calibration)}}, options.file.empty()
+                                                                   ? toJson(calibration).dump(2) + '\n'
+                                                                   : "written: " + options.file + '\n');
+        return ExitCode_DONE;
+    });
+}
+
+/// The first of FILE.json, FILE-2.json and so on that is not there yet: no backup replaces another.
+std::string freeBackupName() {
+    const std::string stem = "calibration-before";
+    std::string path = stem + ".json";
+    for (int number = 2; isThere(path); ++number)
+        path = Format("%-%.json") % stem % number;
+    return path;
+}
+
+/// Saves what the camera has, writes the new calibration and reads it back.
+void replaceCalibration(CameraSession& session, const CalibrationInternal& before,
+                        const CalibrationInternal& wanted, const std::string& backup) {
+    if (isThere(backup))
+        throw ToolFailure(ExitCode_USAGE,
+                          "'" + backup + "' is there already; name another file with --backup");
+    writeFile(backup, session, before);
+    CalibrationInternal sent = wanted;
+    attempt("write the camera's calibration ('" + backup + "' has the one before)",
+            [&] { session.parameters().writeCalibration(&sent); });
+    if (readCamera(session) != wanted)
+        throw ToolFailure(
+            ExitCode_VERIFICATION,
+            Format("the camera does not give back the calibration that was written; '%' has the one before") %
+                backup);
+}
+
+ExitCode importInto(CameraSession& session, const StoredCalibration& stored,
+                    const CalibrationOptions& options, Console& console) {
+    const CalibrationInternal& wanted = stored.calibration;
+    const CalibrationInternal before = readCamera(session);
+    noteOtherCamera(stored.serialNumber, session, calibrationVerb, console);
+    Json result{{"before", toJson(before)}, {"calibration", toJson(wanted)}, {"written", false}};
+    if (options.dryRun || before == wanted) {
+        session.finish(result, before == wanted ? "the camera has this calibration already\n"
+                                                : "the camera's calibration would change\n");
+        return ExitCode_DONE;
+    }
+    if (!options.yes)
+        throw ToolFailure(ExitCode_USAGE,
+                          "this replaces the camera's calibration; say --yes, or --dry-run to see");
+    const std::string backup = options.backup.empty() ? freeBackupName() : options.backup;
+    replaceCalibration(session, before, wanted, backup);
+    result["written"] = true;
+    result["backup"] = backup;
+    session.finish(result, "the camera's calibration was replaced; " + backup + " has the one before\n");
+    return ExitCode_DONE;
+}
+
+ExitCode runImport(const CalibrationOptions& options, Console& console) {
+    const StoredCalibration stored = readFile(options.file);
+    return withCamera(calibrationVerb, options, console,
+                      [&](CameraSession& session) { return importInto(session, stored, options, console); });
+}
+
+void printDifference(std::ostream& out, const Json& difference) {
+    for (const Json& change : difference)
+        out << change["field"].get<std::string>() << ": " << change["left"].dump() << " -> "
+            << change["right"].dump() << '\n';
+}
+
+/// The fields that are not the same, one by one.
+Json differences(const Json& left, const Json& right) {
+    const Json flatLeft = left.flatten();
+    const Json flatRight = right.flatten();
+    Json list = Json::array();
+    for (const auto& [field, value] : flatLeft.items()) {
+        const Json other = flatRight.value(field, Json());
+        if (other != value)
+            list.push_back({{"field", field.substr(1)}, {"left", value}, {"right", other}});
+    }
+    for (const auto& [field, value] : flatRight.items()) {
+        if (!flatLeft.contains(field))
+            list.push_back({{"field", field.substr(1)}, {"left", Json()}, {"right", value}});
+    }
+    return list;
+}
+
+ExitCode runDiff(const CalibrationOptions& options, Console& console) {
+    const CalibrationInternal left = readFile(options.file).calibration;
+    CalibrationInternal right;
+    if (!options.other.empty())
+        right = readFile(options.other).calibration;
+    else
+        static_cast<void>(withCamera(calibrationVerb, options, console, [&](CameraSession& session) {
+            right = readCamera(session);
+            return ExitCode_DONE;
+        }));
+    const Json list = differences(toJson(left), toJson(right));
+    if (options.json) {
+        Json json = beginJson(calibrationVerb);
+        json["equal"] = list.empty();
+        json["differences"] = list;
+        print(console.out, json);
+    } else {
+        printDifference(console.out, list);
+    }
+    return list.empty() ? ExitCode_DONE : ExitCode_VERIFICATION;
+}
+
+} // namespace
+
+Verb addCalibrationVerb(CLI::App& program) {
+    auto options = std::make_shared<CalibrationOptions>();
+    CLI::App* command =
+        program.add_subcommand(calibrationVerb, "Moves a depth camera's calibration between camera and file")
+            ->group("Verbs");
+    command->require_subcommand(1);
+    command->footer(
+        "A calibration file is JSON: phase delays and temperature compensation. Phase offset and drift\n"
+        "compensation do not travel to and from a camera.");
+
+    CLI::App* toFile =
+        command->add_subcommand("export", "Reads the camera's calibration, into a file if named");
+    toFile->add_option("FILE", options->file, "The calibration file");
+    addCameraOptions(*toFile, *options);
+
+    CLI::App* toCamera = command->add_subcommand("import", "Writes a file's calibration into the camera");
+    toCamera->add_option("FILE", options->file, "The calibration file")->required();
+    addCameraOptions(*toCamera, *options);
+    toCamera->add_option("--backup", options->backup, "Where the camera's present calibration is saved first")
+        ->type_name("FILE")
+        ->default_str("calibration-before.json, or -2, -3 and so on where that is taken");
+    toCamera->add_flag("--dry-run", options->dryRun, "Only say what would change");
+    toCamera->add_flag("--yes", options->yes, "Replace the camera's calibration");
+
+    CLI::App* diff = command->add_subcommand("diff", "Compares a file with another one or with the camera");
+    diff->add_option("FILE", options->file, "The calibration file")->required();
+    CLI::Option* other = diff->add_option("OTHER", options->other, "Another file; the camera unless given");
+    addCameraOptions(*diff, *options);
+    diff->get_option("--camera")->excludes(other);
+    diff->footer("Exit code 8 when they differ.");
+
+    return {command, [options, toFile, toCamera](Console& console) {
+                if (toFile->parsed())
+                    return runExport(*options, console);
+                return toCamera->parsed() ? runImport(*options, console) : runDiff(*options, console);
+            }};
+}
+
+} // namespace Zentara::Tool

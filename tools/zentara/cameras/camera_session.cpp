@@ -1,0 +1,105 @@
+#include "tools/zentara/cameras/camera_session.h"
+
+#include <algorithm>
+#include <exception>
+
+#include <CLI/CLI.hpp>
+
+#include <zentara/core/descriptor_store_ro.h>
+#include <zentara/core/guids.h>
+#include <zentara/io/video_device_proxy.h>
+#include <zentara/utils/format.h>
+
+#include "tools/zentara/arguments.h"
+#include "tools/zentara/guid_text.h"
+
+namespace Zentara::Tool {
+
+void addCameraName(CLI::App& command, std::string& name) {
+    command
+        .add_option("--camera", name,
+                    "Which camera: its serial number, or a part of its name, its product's or its "
+                    "controller's; the first one unless given")
+        ->type_name("NAME")
+        ->check(anyName("camera"));
+}
+
+void addCameraOptions(CLI::App& command, CameraOptions& options) {
+    addCameraName(command, options.camera);
+    command.add_flag("--json", options.json, "Print JSON");
+}
+
+CameraSession::CameraSession(const char* verbName, const CameraOptions& wanted, Console& target)
+    : verb(verbName), options(wanted), console(target),
+      entry(chooseCamera(CameraBus(console.err).someCameras(), options.camera)), description(console.err) {
+    description.select(entry.nodes.front());
+    if (const NodeEvent* depthNode = entry.find(NodeType_DEPTH))
+        node = std::make_unique<OpenNode<Core::DepthNodeInterface>>(*depthNode, console.err);
+}
+
+CameraSession::~CameraSession() {
+    try {
+        if (interpreter)
+            interpreter->dispose();
+        if (node)
+            node->dispose();
+    } catch (const std::exception& failure) {
+        console.err << "zentara " << verb << ": cannot close the camera: " << failure.what() << '\n';
+    }
+}
+
+Core::DepthNodeInterface& CameraSession::depth() const {
+    if (!node)
+        throw ToolFailure(ExitCode_NO_DEVICE,
+                          "camera " + printable(entry.serialNumber()) + " has no depth node");
+    return **node;
+}
+
+IO::ParameterInterpreter& CameraSession::parameters() {
+    if (interpreter)
+        return *interpreter;
+    const GUID guid = store().getParameterInterpreterGUID();
+    auto& device = *depth().getAVDeviceProxy();
+    if (guidEquals(guid, Core::Guids::NULL_IMPL))
+        throw ToolFailure(ExitCode_FAILED,
+                          "camera " + printable(entry.serialNumber()) +
+                              " has no parameters: its description names no back-end for them");
+    attempt("reach the parameters through " + guidLabel(guid), [&] {
+        auto connected = IO::LibraryParameterInterpreter::create(guid);
+        connected->initialize(device, node->event().hardwareIds(), store().getHardwareVersion());
+        interpreter = connected;
+    });
+    return *interpreter;
+}
+
+Json CameraSession::identity() const {
+    return {{"path", entry.path},
+            {"serialNumber", entry.serialNumber()},
+            {"vendor", entry.vendor},
+            {"product", entry.product}};
+}
+
+void CameraSession::finish(const Json& result, const std::string& text) const {
+    if (!options.json) {
+        console.out << text;
+        return;
+    }
+    Json json = beginJson(verb);
+    json["camera"] = identity();
+    json.update(result);
+    print(console.out, json);
+}
+
+void CameraSession::passOn(const ToolFailure& failure) const {
+    if (failure.code != ExitCode_FAILED && failure.code != ExitCode_TIMEOUT)
+        throw failure;
+    const std::vector<CameraEntry> present = CameraBus(console.err).cameras();
+    const bool isThere = std::any_of(present.begin(), present.end(),
+                                     [this](const CameraEntry& camera) { return camera.path == entry.path; });
+    if (isThere)
+        throw failure;
+    throw ToolFailure(ExitCode_NO_DEVICE, Utils::Format("%; camera % is not plugged in any more") %
+                                              failure.what() % printable(entry.serialNumber()));
+}
+
+} // namespace Zentara::Tool

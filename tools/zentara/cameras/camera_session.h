@@ -1,0 +1,78 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include <zentara/core/depth_node_interface.h>
+#include <zentara/io/library_parameter_interpreter.h>
+
+#include "tools/zentara/cameras/camera_bus.h"
+#include "tools/zentara/json_output.h"
+#include "tools/zentara/streams/node_source.h"
+#include "tools/zentara/verb.h"
+
+namespace Zentara::Tool {
+
+/// What the verbs that look at one camera have in common.
+struct CameraOptions {
+    std::string camera;
+    bool json = false;
+};
+
+/// --camera, which names one camera.
+void addCameraName(CLI::App& command, std::string& name);
+
+void addCameraOptions(CLI::App& command, CameraOptions& options);
+
+/// One camera, through its depth node where it has one. Bound.
+class CameraSession final {
+public:
+    /// Finds the camera and opens its depth node. \throws ToolFailure
+    CameraSession(const char* verbName, const CameraOptions& wanted, Console& target);
+    ~CameraSession();
+    CameraSession(const CameraSession&) = delete;
+    CameraSession& operator=(const CameraSession&) = delete;
+
+    [[nodiscard]] const CameraEntry& camera() const noexcept { return entry; }
+    [[nodiscard]] bool hasDepth() const noexcept { return node != nullptr; }
+    /// \throws ToolFailure when the camera has no depth node
+    [[nodiscard]] Core::DepthNodeInterface& depth() const;
+    /// What the description says of the depth node, or of the first one of a camera that has none.
+    [[nodiscard]] Core::DescriptorStoreRO& store() const { return node ? node->store() : description.view(); }
+
+    /// The camera's parameters; connects to their back-end at the first call.
+    /// \throws ToolFailure, also when the description names no back-end
+    [[nodiscard]] IO::ParameterInterpreter& parameters();
+
+    /// Who the camera is: path, serial number, vendor and product.
+    [[nodiscard]] Json identity() const;
+
+    /// Ends the verb: prints the result as JSON, with the camera added, or the text.
+    void finish(const Json& result, const std::string& text) const;
+
+    /// Passes a failure on. If the camera is not plugged in any more, that is what failed: exit code 3.
+    [[noreturn]] void passOn(const ToolFailure& failure) const;
+
+private:
+    const char* const verb;
+    const CameraOptions options;
+    Console& console;
+    CameraEntry entry;
+    CameraStore description;
+    std::unique_ptr<OpenNode<Core::DepthNodeInterface>> node;
+    Utils::SmartPtr<IO::LibraryParameterInterpreter> interpreter; ///< ends before the node
+};
+
+/// Does a verb's work with one camera. \param work takes the CameraSession and returns the exit code
+template<typename Work>
+[[nodiscard]] ExitCode withCamera(const char* verb, const CameraOptions& options, Console& console,
+                                  Work work) {
+    CameraSession session(verb, options, console);
+    try {
+        return work(session);
+    } catch (const ToolFailure& failure) {
+        session.passOn(failure);
+    }
+}
+
+} // namespace Zentara::Tool

@@ -1,0 +1,145 @@
+#include <iomanip>
+#include <memory>
+
+#include <CLI/CLI.hpp>
+
+#include <zentara/utils/clock.h>
+
+#include "tools/zentara/arguments.h"
+#include "tools/zentara/cameras/camera_bus.h"
+#include "tools/zentara/interrupt.h"
+#include "tools/zentara/json_output.h"
+#include "tools/zentara/streams/stream_description.h"
+#include "tools/zentara/verb.h"
+
+namespace Zentara::Tool {
+namespace {
+
+constexpr unsigned long lookMilliseconds = 100;
+
+struct DevicesOptions {
+    bool watch = false;
+    double seconds = 0; ///< 0: until Ctrl-C
+    bool json = false;
+};
+
+Json toJson(const NodeEvent& node) {
+    return {{"kind", nodeTypeName(node.nodeType)},
+            {"name", node.name},
+            {"path", node.path},
+            {"ids", {node.vendorId, node.productId, node.revision, node.interfaceNumber}}};
+}
+
+Json toJson(const CameraEntry& camera) {
+    Json json{{"serialNumber", camera.serialNumber()},
+              {"path", camera.path},
+              {"vendor", camera.vendor},
+              {"product", camera.product},
+              {"controller", camera.controller.empty() ? Json() : Json(camera.controller)},
+              {"nodes", Json::array()}};
+    for (const NodeEvent& node : camera.nodes)
+        json["nodes"].push_back(toJson(node));
+    return json;
+}
+
+void printCameras(std::ostream& out, const std::vector<CameraEntry>& cameras) {
+    out << std::left << std::setw(16) << "SERIAL" << std::setw(32) << "PRODUCT" << std::setw(12)
+        << "CONTROLLER" << std::setw(20) << "NODES"
+        << "PATH\n";
+    for (const CameraEntry& camera : cameras) {
+        std::string kinds;
+        for (const NodeEvent& node : camera.nodes)
+            kinds += std::string(kinds.empty() ? "" : " ") + nodeTypeName(node.nodeType);
+        out << std::left << std::setw(16) << printable(camera.serialNumber()) << std::setw(32)
+            << printable(camera.product) << std::setw(12)
+            << (camera.controller.empty() ? "-" : camera.controller) << std::setw(20) << kinds
+            << printable(camera.path) << '\n';
+    }
+}
+
+const char* eventName(ExternalEventType type) {
+    switch (type) {
+    case ExternalEventType_NODE_ARRIVED:
+        return "arrived";
+    case ExternalEventType_NODE_REMOVED:
+        return "removed";
+    default:
+        return "error";
+    }
+}
+
+/// With --json one object a line, so that a reader can follow.
+void printEvent(std::ostream& out, const ExternalEvent& event, bool json) {
+    const NodeEvent& node = event.node;
+    if (json) {
+        Json line = beginJson("devices");
+        line["event"] = eventName(event.type);
+        line["timeMicros"] = event.timeMicros;
+        line["serialNumber"] = node.serialNumber;
+        line["node"] = toJson(node);
+        out << line.dump(-1, ' ', false, Json::error_handler_t::replace) << std::endl;
+        return;
+    }
+    out << std::left << std::setw(9) << eventName(event.type);
+    if (event.type == ExternalEventType_ERROR)
+        out << printable(node.name) << std::endl;
+    else
+        out << std::setw(7) << nodeTypeName(node.nodeType) << cameraLabel(node) << ' ' << printable(node.path)
+            << std::endl;
+}
+
+ExitCode watchDevices(const DevicesOptions& options, CameraBus& bus, Console& console) {
+    InterruptWatch interrupt;
+    const std::int64_t start = Utils::Clock::nowMicros();
+    bus.watch();
+    while (!interrupt.interrupted() && console.out) {
+        const std::int64_t elapsed = Utils::Clock::nowMicros() - start;
+        if (options.seconds > 0 && static_cast<double>(elapsed) / 1e6 >= options.seconds)
+            return ExitCode_DONE;
+        ExternalEvent event;
+        if (bus.next(event, lookMilliseconds))
+            printEvent(console.out, event, options.json);
+    }
+    return interrupt.interrupted() ? ExitCode_INTERRUPTED : ExitCode_DONE;
+}
+
+ExitCode runDevices(const DevicesOptions& options, Console& console) {
+    CameraBus bus(console.err);
+    if (options.watch)
+        return watchDevices(options, bus, console);
+    const std::vector<CameraEntry> cameras = bus.cameras();
+    if (options.json) {
+        Json json = beginJson("devices");
+        json["enumerator"] = bus.backendName();
+        json["cameras"] = Json::array();
+        for (const CameraEntry& camera : cameras)
+            json["cameras"].push_back(toJson(camera));
+        print(console.out, json);
+    } else if (!cameras.empty()) {
+        printCameras(console.out, cameras);
+    }
+    if (cameras.empty())
+        bus.failForNone();
+    return ExitCode_DONE;
+}
+
+} // namespace
+
+Verb addDevicesVerb(CLI::App& program) {
+    auto options = std::make_shared<DevicesOptions>();
+    CLI::App* command =
+        program.add_subcommand("devices", "Lists the cameras that are plugged in")->group("Verbs");
+    command->footer(
+        "Exit code 3 when there is none. With --watch each node that comes or goes is a line, or\n"
+        "with --json an object on a line of its own, beginning with those that are there.");
+    CLI::Option* watch =
+        command->add_flag("--watch", options->watch, "Tell what comes and goes, until Ctrl-C");
+    command->add_option("--seconds", options->seconds, "Watch so long")
+        ->type_name("N")
+        ->check(secondsBetween(shortestWatch, longestWatch))
+        ->needs(watch);
+    command->add_flag("--json", options->json, "Print JSON");
+    return {command, [options](Console& console) { return runDevices(*options, console); }};
+}
+
+} // namespace Zentara::Tool

@@ -1,0 +1,203 @@
+#include <iomanip>
+#include <memory>
+#include <sstream>
+
+#include <CLI/CLI.hpp>
+
+#include <zentara/core/descriptor_store_ro.h>
+#include <zentara/core/guids.h>
+
+#include "tools/zentara/cameras/calibration_json.h"
+#include "tools/zentara/cameras/camera_session.h"
+#include "tools/zentara/cameras/parameter_text.h"
+#include "tools/zentara/guid_text.h"
+#include "tools/zentara/streams/stream_description.h"
+
+namespace Zentara::Tool {
+namespace {
+
+using Tool::toJson; // those of calibrations
+
+constexpr const char* infoVerb = "info";
+
+/// Adds what one question to the camera brings. A camera that cannot answer it is told of in its place.
+template<typename Ask>
+void section(Json& json, const char* name, ExitCode& worst, Ask ask) {
+    const auto fail = [&](const std::string& what, ExitCode code) {
+        json[name] = {{"failure", what}};
+        worst = worst == ExitCode_DONE ? code : worst;
+    };
+    try {
+        json[name] = ask();
+    } catch (const Plugin::NotSupportedPluginException& failure) {
+        json[name] = {{"notSupported", failure.message()}};
+    } catch (const Plugin::PluginException& failure) {
+        fail(failure.message(), exitCodeOf(failure.type()));
+    } catch (const ToolFailure& failure) {
+        fail(failure.what(), failure.code);
+    } catch (const std::exception& failure) {
+        fail(failure.what(), ExitCode_FAILED);
+    }
+}
+
+Json toJson(const ModuleIdInternal& module) {
+    return {{"vendorId", module.vendorId},
+            {"productId", module.productId},
+            {"revision", module.revision},
+            {"variant", module.variant}};
+}
+
+Json toJson(const HardwareVersionInternal& hardware) {
+    Json json{{"camera", toJson(hardware.camera)}, {"modules", Json::array()}, {"version", hardware.version}};
+    for (const ModuleIdInternal& module : hardware.modules) {
+        if (module != ModuleIdInternal())
+            json["modules"].push_back(toJson(module));
+    }
+    return json;
+}
+
+Json toJson(const SensorValueArray& values) {
+    Json json = Json::array();
+    for (const SensorValue& value : values.values)
+        json.push_back({{"sensor", value.sensorId}, {"celsius", floatJson(value.value)}});
+    return json;
+}
+
+Json toJson(const AccelerationInternal& acceleration) {
+    return {
+        {"x", floatJson(acceleration.x)}, {"y", floatJson(acceleration.y)}, {"z", floatJson(acceleration.z)}};
+}
+
+/// What the descriptions say of a node.
+Json describeNode(const NodeEvent& node, CameraStore& store) {
+    store.select(node);
+    const Core::DescriptorStoreRO& view = store.view();
+    Json json{{"kind", nodeTypeName(node.nodeType)},
+              {"name", node.name},
+              {"path", node.path},
+              {"ids", {node.vendorId, node.productId, node.revision, node.interfaceNumber}},
+              {"node", guidLabel(view.getNodeImplGUID())},
+              {"device", guidLabel(view.getDeviceImplGUID())}};
+    json["modes"] = Json::array();
+    json["modeSizes"] = Json::array();
+    for (const StreamDescription& mode : modesOf(node, view)) {
+        json["modes"].push_back(mode.modeName());
+        json["modeSizes"].push_back(mode.modeSize());
+    }
+    return json;
+}
+
+Json correctionsOf(Core::DepthNodeInterface& depth) {
+    TemperatureCompensation temperature = depth.getTemperatureCompensation();
+    CyclicErrorCorrection cyclic = depth.getCyclicErrorCorrection();
+    Json json = Json::array();
+    for (const auto mode : {DepthNode::CameraMode_0, DepthNode::CameraMode_1}) {
+        Json entry{{"cameraMode", static_cast<int>(mode)},
+                   {"calibratedAt", toJson(depth.getTemperatureCalibration(mode))}};
+        if (temperature.setCurrentMode(mode)) {
+            Json parameters = Json::array();
+            for (unsigned index = 0; index < temperature.getParameterCount(); ++index)
+                parameters.push_back(floatJson(temperature.getParameter(index)));
+            entry["temperatureCompensation"] = {{"algorithm", static_cast<int>(temperature.getAlgorithm())},
+                                                {"parameters", parameters}};
+        }
+        if (cyclic.setCurrentMode(mode)) {
+            Json parameters = Json::array();
+            for (unsigned index = 0; index < cyclic.getParameterCount(); ++index)
+                parameters.push_back(floatJson(cyclic.getParameter(index)));
+            entry["cyclicErrorCorrection"] = {{"algorithm", static_cast<int>(cyclic.getAlgorithm())},
+                                              {"parameters", parameters}};
+        }
+        json.push_back(entry);
+    }
+    return json;
+}
+
+/// What the descriptions say of the whole camera.
+Json describeCamera(const CameraSession& session) {
+    const std::string& controller = session.camera().controller;
+    return {{"controller", controller.empty() ? Json() : Json(controller)},
+            {"hardware", toJson(session.store().getHardwareVersion())},
+            {"deviceFlags", session.store().getDeviceFlags()},
+            {"deviceCapabilities", session.store().getDeviceCapabilities()}};
+}
+
+/// The same where there is a back-end for it; a camera without is no failure.
+Json calibrationOf(CameraSession& session) {
+    if (guidEquals(session.store().getParameterInterpreterGUID(), Core::Guids::NULL_IMPL))
+        return {{"notSupported", "the description names no parameter back-end"}};
+    CalibrationInternal calibration;
+    session.parameters().readCalibration(&calibration);
+    return toJson(calibration);
+}
+
+/// What only the camera knows.
+Json askCamera(CameraSession& session, ExitCode& worst) {
+    Core::DepthNodeInterface& depth = session.depth();
+    Json json;
+    section(json, "firmware", worst, [&] {
+        int major = 0;
+        int minor = 0;
+        depth.getVersions(major, minor);
+        return Json{{"major", major}, {"minor", minor}};
+    });
+    section(json, "storedSerialNumber", worst, [&] { return Json(depth.getSerialNumber()); });
+    section(json, "calibration", worst, [&] { return calibrationOf(session); });
+    section(json, "corrections", worst, [&] { return correctionsOf(depth); });
+    section(json, "rangeMeters", worst, [&] { return floatJson(depth.getRange()); });
+    section(json, "temperatures", worst, [&] { return toJson(depth.readTemperatures()); });
+    section(json, "accelerometerCalibration", worst,
+            [&] { return toJson(depth.getAccelerometerCalibration()); });
+    section(json, "overheatings", worst, [&] {
+        const DiagnosticData counters = depth.getDiagnosticData();
+        return Json{{"soft", counters.softOverheatingCounter}, {"hard", counters.hardOverheatingCounter}};
+    });
+    return json;
+}
+
+/// One line for each leaf: "firmware.major  2".
+void printLeaves(std::ostream& out, const Json& json, const std::string& name) {
+    if (json.is_structured() && !json.empty() && !(json.is_array() && !json.front().is_structured())) {
+        for (const auto& [key, value] : json.items())
+            printLeaves(out, value, name.empty() ? key : name + "." + key);
+        return;
+    }
+    out << std::left << std::setw(55) << name << ' '
+        << (json.is_string() ? printable(json.get<std::string>()) : json.dump()) << '\n';
+}
+
+ExitCode runInfo(const CameraOptions& options, Console& console) {
+    return withCamera(infoVerb, options, console, [&](CameraSession& session) {
+        Json json{{"nodes", Json::array()}};
+        CameraStore store(console.err);
+        for (const NodeEvent& node : session.camera().nodes)
+            json["nodes"].push_back(describeNode(node, store));
+        json.update(describeCamera(session));
+        ExitCode worst = ExitCode_DONE;
+        if (session.hasDepth())
+            json.update(askCamera(session, worst));
+        std::ostringstream text;
+        printLeaves(text, session.identity(), "");
+        printLeaves(text, json, "");
+        session.finish(json, text.str());
+        return worst;
+    });
+}
+
+} // namespace
+
+Verb addInfoVerb(CLI::App& program) {
+    auto options = std::make_shared<CameraOptions>();
+    CLI::App* command =
+        program
+            .add_subcommand(infoVerb, "Tells what a camera is: nodes, modes, firmware, hardware, "
+                                      "calibration, temperatures")
+            ->group("Verbs");
+    command->footer(
+        "A camera without a depth node tells what its description says. Names of modes are for\n"
+        "'zentara stream --mode'. What the camera does not answer stands in its place as failure.");
+    addCameraOptions(*command, *options);
+    return {command, [options](Console& console) { return runInfo(*options, console); }};
+}
+
+} // namespace Zentara::Tool

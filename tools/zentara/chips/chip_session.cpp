@@ -1,0 +1,177 @@
+#include "tools/zentara/chips/chip_session.h"
+
+#include <utility>
+
+#include <CLI/CLI.hpp>
+
+#include <zentara/core/descriptor_store_ro.h>
+#include <zentara/io/video_device_proxy.h>
+#include <zentara/utils/environment_variable.h>
+#include <zentara/utils/format.h>
+
+#include "plugins/simulated/controllers/controller_settings.h"
+#include "plugins/simulated/descriptions/controller_code.h"
+#include "tools/zentara/cameras/camera_session.h"
+#include "tools/zentara/chips/device_choice.h"
+#include "tools/zentara/guid_text.h"
+
+namespace Zentara::Tool {
+namespace {
+
+/// Devices made while it lives have the controller that the user named.
+class ChosenController {
+public:
+    explicit ChosenController(const std::string& name) {
+        before = chip.isDefined() ? chip.getValue() : "";
+        if (!name.empty())
+            chip.setValue(name.c_str());
+    }
+    ~ChosenController() { chip.setValue(before.empty() ? nullptr : before.c_str()); }
+    ChosenController(const ChosenController&) = delete;
+    ChosenController& operator=(const ChosenController&) = delete;
+
+private:
+    Utils::EnvironmentVariable chip{Simulated::ControllerSettings::chipVariable};
+    std::string before;
+};
+
+Json toJson(ChipKind kind, const Transfer& transfer) {
+    Json json{{"direction", transfer.isGet ? "GET" : "SET"},
+              {"unit", transfer.unit},
+              {"control", transfer.control},
+              {"sent", bytesText(transfer.sent)}};
+    if (!transfer.reply.empty())
+        json["reply"] = bytesText(transfer.reply);
+    json["meaning"] = transferMeaning(kind, transfer);
+    if (!transfer.failure.empty())
+        json["failure"] = transfer.failure;
+    return json;
+}
+
+/// A camera's video device as its node holds it, without the node.
+class NodeDevice final : public IO::VideoDeviceProxy {
+public:
+    using VideoDeviceProxy::initialize;
+    using VideoDeviceProxy::VideoDeviceProxy;
+};
+
+const NodeEvent& videoNodeOf(const CameraEntry& camera) {
+    for (const NodeType type : {NodeType_DEPTH, NodeType_COLOR}) {
+        if (const NodeEvent* node = camera.find(type))
+            return *node;
+    }
+    throw ToolFailure(ExitCode_NO_DEVICE,
+                      "camera " + printable(camera.serialNumber()) +
+                          " has no video device, through which its controller is reached");
+}
+
+} // namespace
+
+void addChipOptions(CLI::App& command, ChipOptions& options) {
+    addCameraName(command, options.camera);
+    command.add_flag("--direct", options.direct,
+                     "Talk to the bare video device plug-in, without descriptions and the worker thread; "
+                     "--camera then names the simulated controller: OV0570, VC0258 or VC0345");
+    command.add_flag("--trace", options.trace, "Show each transfer, its bytes and what they mean");
+    command.add_flag("--json", options.json, "Print JSON");
+}
+
+ChipSession::ChipSession(const char* verbName, const ChipOptions& wanted, Console& target)
+    : verb(verbName), options(wanted), console(target) {
+    if (options.direct)
+        openDevice();
+    else
+        openCamera();
+}
+
+void ChipSession::openDevice() {
+    if (!options.camera.empty() && !Simulated::chipKindFromName(options.camera))
+        throw ToolFailure(ExitCode_USAGE,
+                          "there is no controller '" + options.camera + "'; known: OV0570, VC0258, VC0345");
+    const ChosenController chosen(options.camera);
+    const GUID guid = chooseDevice(Core::ImplType_VIDEO_DEVICE, "video device", console.err);
+    attempt("open " + guidLabel(guid), [&] {
+        proxy = std::make_unique<IO::VideoDeviceProxy>(guid, false);
+        proxy->open();
+    });
+    bindChip(guidLabel(guid), std::nullopt);
+}
+
+void ChipSession::openCamera() {
+    entry = chooseCamera(CameraBus(console.err).someCameras(), options.camera);
+    node = videoNodeOf(entry);
+    store = std::make_unique<CameraStore>(console.err);
+    store->select(node);
+    const GUID guid = store->view().getDeviceImplGUID();
+    attempt(Utils::Format("open % through %") % cameraLabel(node) % guidLabel(guid), [&] {
+        auto device = std::make_unique<NodeDevice>(guid, true);
+        device->initialize(&node, &store->view());
+        proxy = std::move(device);
+        proxy->open();
+    });
+    bindChip(cameraLabel(node), Simulated::describedController(store->view().getDeviceCapabilities()));
+}
+
+/// A camera whose description does not name its controller is asked.
+void ChipSession::bindChip(const std::string& label, std::optional<ChipKind> described) {
+    attempt("reach the controller of " + label, [&] {
+        const TransferSink sink = [this](const Transfer& transfer) { note(transfer); };
+        camera = described ? CameraChip::bind(*described, *proxy, sink) : CameraChip::detect(*proxy, sink);
+    });
+}
+
+ChipSession::~ChipSession() {
+    for (const Transfer& transfer : transfers)
+        show(transfer);
+    camera.reset();
+    try {
+        proxy->close();
+    } catch (const std::exception& failure) {
+        console.err << "zentara " << verb << ": cannot close the camera: " << failure.what() << '\n';
+    }
+}
+
+void ChipSession::note(const Transfer& transfer) {
+    if (!options.trace)
+        return;
+    if (options.json)
+        transfers.push_back(transfer);
+    else
+        show(transfer);
+}
+
+void ChipSession::show(const Transfer& transfer) {
+    console.err << transferLine(camera->kind(), transfer) << '\n';
+}
+
+void ChipSession::finish(Json result, const std::string& text) {
+    if (!options.json) {
+        console.out << text << '\n';
+        return;
+    }
+    Json json = beginJson(verb);
+    json["camera"] = chipName(camera->kind());
+    if (!options.direct) {
+        json["serialNumber"] = entry.serialNumber();
+        json["path"] = entry.path;
+    }
+    json["proxified"] = !options.direct;
+    json.update(result);
+    if (options.trace) {
+        json["transfers"] = Json::array();
+        for (const Transfer& transfer : transfers)
+            json["transfers"].push_back(toJson(camera->kind(), transfer));
+        transfers.clear();
+    }
+    print(console.out, json);
+}
+
+std::string hexText(std::uint32_t value) { return Utils::Format("0x%{:X2}") % value; }
+
+void checkRange(const char* what, std::uint32_t value, std::uint32_t last, const CameraChip& chip) {
+    if (value > last)
+        throw ToolFailure(ExitCode_USAGE, Utils::Format("% % is out of range on the %: 0 to %") % what %
+                                              hexText(value) % chipName(chip.kind()) % hexText(last));
+}
+
+} // namespace Zentara::Tool

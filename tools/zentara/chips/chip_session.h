@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/zentara/cameras/camera_bus.h"
+#include "tools/zentara/chips/camera_chip.h"
+#include "tools/zentara/json_output.h"
+#include "tools/zentara/verb.h"
+
+namespace Zentara::Tool {
+
+/// What the verbs that talk to a controller have in common.
+struct ChipOptions {
+    std::string camera;  ///< a name of a camera; with `direct` of a controller
+    bool direct = false; ///< a bare device
+    bool trace = false;
+    bool json = false;
+};
+
+void addChipOptions(CLI::App& command, ChipOptions& options);
+
+/// One camera of the bus, or a bare video device, open, with its chip bound. A failure of a step leaves it as a
+/// ToolFailure.
+class ChipSession final {
+public:
+    /// Finds the camera, or makes the device, and opens it. \throws ToolFailure
+    ChipSession(const char* verbName, const ChipOptions& wanted, Console& target);
+    ~ChipSession();
+    ChipSession(const ChipSession&) = delete;
+    ChipSession& operator=(const ChipSession&) = delete;
+
+    [[nodiscard]] CameraChip& chip() noexcept { return *camera; }
+    [[nodiscard]] IO::VideoDeviceProxy& device() noexcept { return *proxy; }
+
+    /// Ends the verb: prints the result as JSON, with the camera and the trace added, or the text.
+    void finish(Json result, const std::string& text);
+
+private:
+    void openDevice();
+    void openCamera();
+    void bindChip(const std::string& label, std::optional<ChipKind> described);
+    void note(const Transfer& transfer);
+    void show(const Transfer& transfer);
+
+    const char* const verb;
+    const ChipOptions options;
+    Console& console;
+    /// With JSON the trace waits for the end: it goes into the result, or to the errors when there is none.
+    std::vector<Transfer> transfers;
+    CameraEntry entry; ///< empty for a bare device, as the two below
+    NodeEvent node;
+    std::unique_ptr<CameraStore> store; ///< the device may read it until its end
+    std::unique_ptr<IO::VideoDeviceProxy> proxy;
+    std::unique_ptr<CameraChip> camera;
+};
+
+/// "0x1D"
+[[nodiscard]] std::string hexText(std::uint32_t value);
+
+/// \throws ToolFailure, a usage error that names the range, when a value is above `last`.
+void checkRange(const char* what, std::uint32_t value, std::uint32_t last, const CameraChip& chip);
+
+} // namespace Zentara::Tool

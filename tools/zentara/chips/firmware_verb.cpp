@@ -1,0 +1,121 @@
+#include <algorithm>
+#include <memory>
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include <zentara/utils/crc.h>
+#include <zentara/utils/format.h>
+
+#include "tools/zentara/chips/chip_session.h"
+#include "tools/zentara/interrupt.h"
+#include "tools/zentara/pending_file.h"
+
+namespace Zentara::Tool {
+namespace {
+
+using Utils::Format;
+
+constexpr unsigned memoryBytes = 0x10000;
+constexpr unsigned pieceBytes = 0x1000; ///< pieces end at multiples of it
+
+struct FirmwareOptions : ChipOptions {
+    std::string file;
+    std::string area = "firmware";
+    unsigned start = 0;
+    unsigned length = 0; ///< 0: to the end of the memory
+};
+
+/// Reads piece by piece, so that progress shows and Ctrl-C is heard.
+class Dump {
+public:
+    Dump(ChipSession& source, const FirmwareOptions& wanted, Console& target)
+        : session(source), options(wanted), console(target) {}
+
+    /// False when it was interrupted.
+    bool read(const InterruptWatch& watch) {
+        while (bytes.size() < options.length && !watch.interrupted()) {
+            const unsigned done = static_cast<unsigned>(bytes.size());
+            const unsigned start = options.start + done;
+            appendPiece(start, std::min(options.length - done, pieceBytes - start % pieceBytes));
+            showProgress();
+        }
+        if (console.showProgress)
+            console.err << '\n';
+        return bytes.size() == options.length;
+    }
+
+    std::string bytes;
+
+private:
+    void appendPiece(unsigned start, unsigned length) {
+        attempt(Format("read % bytes of % at %") % length % options.area % hexText(start), [&] {
+            const auto piece = options.area == "firmware" ? session.chip().readFirmware(start, length)
+                                                          : session.chip().readConfiguration(start, length);
+            bytes.append(piece.begin(), piece.end());
+        });
+    }
+
+    void showProgress() {
+        if (console.showProgress)
+            console.err << "\r" << bytes.size() << " of " << options.length << " bytes" << std::flush;
+    }
+
+    ChipSession& session;
+    const FirmwareOptions& options;
+    Console& console;
+};
+
+ExitCode runDump(FirmwareOptions options, Console& console) {
+    if (options.length == 0)
+        options.length = memoryBytes - options.start;
+    if (options.length > memoryBytes - options.start)
+        throw ToolFailure(ExitCode_USAGE, Format("--length % is out of range from %: 1 to %") %
+                                              options.length % hexText(options.start) %
+                                              (memoryBytes - options.start));
+    const InterruptWatch watch;
+    PendingFile file(
+        options.file); // reading takes minutes on a real camera: what cannot be written is told before
+    ChipSession session("firmware", options, console);
+    Dump dump(session, options, console);
+    if (!dump.read(watch)) {
+        console.err << "zentara firmware: interrupted after " << dump.bytes.size() << " of " << options.length
+                    << " bytes; nothing is kept\n";
+        return ExitCode_INTERRUPTED;
+    }
+    file.write(dump.bytes);
+    file.commit();
+    const unsigned crc =
+        Utils::Crc32::compute(reinterpret_cast<const unsigned char*>(dump.bytes.data()), options.length, 0);
+    session.finish({{"area", options.area},
+                    {"start", options.start},
+                    {"length", options.length},
+                    {"crc32", crc},
+                    {"file", options.file}},
+                   Format("% bytes of %, CRC-32 0x%{:X8}: %") % options.length % options.area % crc %
+                       options.file);
+    return ExitCode_DONE;
+}
+
+} // namespace
+
+Verb addFirmwareVerb(CLI::App& program) {
+    auto options = std::make_shared<FirmwareOptions>();
+    CLI::App* command =
+        program.add_subcommand("firmware", "Reads the memory of a camera's controller")->group("Verbs");
+    command->require_subcommand(1);
+    CLI::App* dump = command->add_subcommand("dump", "Writes it to a file, which appears once it is whole");
+    dump->add_option("FILE", options->file, "The file")->required();
+    dump->add_option("--area", options->area, "firmware or configuration")
+        ->capture_default_str()
+        ->check(CLI::IsMember({"firmware", "configuration"}));
+    dump->add_option("--start", options->start, "First byte")
+        ->capture_default_str()
+        ->check(CLI::Range(0U, 0xFFFFU));
+    dump->add_option("--length", options->length, "How many bytes; to the end of the 64 KiB unless set")
+        ->check(CLI::Range(1U, memoryBytes));
+    addChipOptions(*dump, *options);
+    return {command, [options](Console& console) { return runDump(*options, console); }};
+}
+
+} // namespace Zentara::Tool

@@ -1,0 +1,94 @@
+#include <memory>
+
+#include <CLI/CLI.hpp>
+
+#include <zentara/utils/format.h>
+
+#include "tools/zentara/arguments.h"
+#include "tools/zentara/chips/chip_session.h"
+
+namespace Zentara::Tool {
+namespace {
+
+using Utils::Format;
+
+struct I2cOptions : ChipOptions {
+    unsigned device = 0;
+    std::uint32_t reg = 0;
+    unsigned value = 0;
+    unsigned bytes = 2;
+};
+
+std::string placeOf(const I2cOptions& options) {
+    return Format("I2C device % register %") % hexText(options.device) % hexText(options.reg);
+}
+
+Json resultOf(const I2cOptions& options, unsigned value) {
+    return {
+        {"device", options.device}, {"register", options.reg}, {"bytes", options.bytes}, {"value", value}};
+}
+
+I2cLimits limitsOf(ChipSession& session, const I2cOptions& options) {
+    I2cLimits limits{};
+    attempt("ask for the widths of the device", [&] {
+        limits = session.chip().i2cLimits(static_cast<std::uint8_t>(options.device),
+                                          static_cast<std::uint8_t>(options.bytes));
+    });
+    checkRange("device", options.device, limits.device, session.chip());
+    checkRange("register", options.reg, limits.of.reg, session.chip());
+    return limits;
+}
+
+ExitCode runI2cRead(const I2cOptions& options, Console& console) {
+    ChipSession session("i2c", options, console);
+    static_cast<void>(limitsOf(session, options));
+    unsigned value = 0;
+    attempt("read " + placeOf(options), [&] {
+        value = session.chip().readI2c(static_cast<std::uint8_t>(options.device), options.reg,
+                                       static_cast<std::uint8_t>(options.bytes));
+    });
+    session.finish(resultOf(options, value), hexText(value));
+    return ExitCode_DONE;
+}
+
+ExitCode runI2cWrite(const I2cOptions& options, Console& console) {
+    ChipSession session("i2c", options, console);
+    checkRange("value", options.value, limitsOf(session, options).of.value, session.chip());
+    attempt("write " + placeOf(options), [&] {
+        session.chip().writeI2c(static_cast<std::uint8_t>(options.device), options.reg, options.value,
+                                static_cast<std::uint8_t>(options.bytes));
+    });
+    session.finish(resultOf(options, options.value), placeOf(options) + " := " + hexText(options.value));
+    return ExitCode_DONE;
+}
+
+void addDevice(CLI::App& command, I2cOptions& options) {
+    command.add_option("DEVICE", options.device, "Its address on the bus")
+        ->required()
+        ->check(CLI::Range(0U, 0xFFU));
+    command.add_option("REGISTER", options.reg, "The register's number")->required()->check(any32Bits());
+    command.add_option("--bytes", options.bytes, "Data bytes; an OV0570 knows them itself")
+        ->capture_default_str()
+        ->check(CLI::Range(1U, 2U));
+    addChipOptions(command, options);
+}
+
+} // namespace
+
+Verb addI2cVerb(CLI::App& program) {
+    auto options = std::make_shared<I2cOptions>();
+    CLI::App* command =
+        program.add_subcommand("i2c", "Reads and writes registers of any device on a camera's bus")
+            ->group("Verbs");
+    command->require_subcommand(1);
+    CLI::App* read = command->add_subcommand("read", "Prints a register");
+    addDevice(*read, *options);
+    CLI::App* write = command->add_subcommand("write", "Writes a register");
+    addDevice(*write, *options);
+    write->add_option("VALUE", options->value, "What to write")->required()->check(CLI::Range(0U, 0xFFFFU));
+    return {command, [options, read](Console& console) {
+                return read->parsed() ? runI2cRead(*options, console) : runI2cWrite(*options, console);
+            }};
+}
+
+} // namespace Zentara::Tool

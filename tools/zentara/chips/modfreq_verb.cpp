@@ -1,0 +1,77 @@
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include <zentara/utils/format.h>
+
+#include "tools/zentara/chips/chip_session.h"
+
+namespace Zentara::Tool {
+namespace {
+
+using Utils::Format;
+
+/// How a chip is told its modulation frequency, and the frequencies that it knows.
+struct Modulation {
+    unsigned metaCode;
+    std::vector<unsigned> megahertz;
+};
+
+Modulation modulationOf(ChipKind kind) {
+    switch (kind) {
+    case ChipKind::OV0570:
+        return {1005, {10, 12, 20, 30, 40}};
+    case ChipKind::VC0258:
+        return {1004, {10, 30}};
+    default:
+        return {0, {}};
+    }
+}
+
+std::string listOf(const std::vector<unsigned>& values) {
+    std::string text;
+    for (const unsigned value : values)
+        text += (text.empty() ? "" : ", ") + std::to_string(value);
+    return text;
+}
+
+struct ModfreqOptions : ChipOptions {
+    unsigned megahertz = 0;
+};
+
+ExitCode runModfreq(const ModfreqOptions& options, Console& console) {
+    ChipSession session("modfreq", options, console);
+    const char* chip = chipName(session.chip().kind());
+    const Modulation modulation = modulationOf(session.chip().kind());
+    const auto& known = modulation.megahertz;
+    if (known.empty())
+        throw ToolFailure(ExitCode_FAILED,
+                          Format("the % has no command for the modulation frequency") % chip);
+    if (std::find(known.begin(), known.end(), options.megahertz) == known.end())
+        throw ToolFailure(ExitCode_USAGE, Format("% MHz is no modulation frequency of the %: % MHz") %
+                                              options.megahertz % chip % listOf(known));
+    const unsigned code = options.megahertz * 257; // the frequency in both bytes
+    attempt(Format("set the modulation frequency to % MHz") % options.megahertz,
+            [&] { session.chip().command(IO::UVC_TOF_CONTROLLER_REGISTER, modulation.metaCode, code); });
+    session.finish({{"megahertz", options.megahertz}, {"code", code}},
+                   Format("modulation frequency := % MHz") % options.megahertz);
+    return ExitCode_DONE;
+}
+
+} // namespace
+
+Verb addModfreqVerb(CLI::App& program) {
+    auto options = std::make_shared<ModfreqOptions>();
+    CLI::App* command =
+        program.add_subcommand("modfreq", "Sets a camera's modulation frequency")->group("Verbs");
+    command
+        ->add_option("MHZ", options->megahertz, "An OV0570 knows 10, 12, 20, 30 and 40, a VC0258 10 and 30")
+        ->required()
+        ->check(CLI::Range(1U, 255U));
+    addChipOptions(*command, *options);
+    return {command, [options](Console& console) { return runModfreq(*options, console); }};
+}
+
+} // namespace Zentara::Tool

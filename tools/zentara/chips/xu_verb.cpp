@@ -1,0 +1,131 @@
+#include <memory>
+
+#include <CLI/CLI.hpp>
+
+#include <zentara/io/video_device_proxy.h>
+#include <zentara/utils/format.h>
+
+#include "tools/zentara/chips/chip_session.h"
+
+namespace Zentara::Tool {
+namespace {
+
+using Simulated::Bytes;
+using Utils::Format;
+
+constexpr int maxControlBytes = 0xFFFF; ///< the length field of a control transfer has 16 bits
+
+struct XuOptions : ChipOptions {
+    unsigned control = 0;
+    std::string bytes;
+    bool flag = false;
+};
+
+/// Bytes from pairs of hexadecimal digits, with or without blanks, colons or dashes between.
+Bytes parseBytes(const std::string& text) {
+    std::string digits;
+    for (const char letter : text) {
+        if (letter != ' ' && letter != ':' && letter != '-')
+            digits += letter;
+    }
+    if (digits.size() % 2 != 0 || digits.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos)
+        throw ToolFailure(ExitCode_USAGE,
+                          Format("'%' is no list of bytes; want pairs of digits from 00 to FF") % text);
+    Bytes bytes;
+    for (std::size_t i = 0; i < digits.size(); i += 2)
+        bytes.push_back(static_cast<std::uint8_t>(std::stoul(digits.substr(i, 2), nullptr, 16)));
+    return bytes;
+}
+
+unsigned lengthOf(ChipSession& session, const XuOptions& options) {
+    int length = 0;
+    attempt(Format("ask for the length of control %") % options.control,
+            [&] { length = session.device().len(session.chip().unit(), options.control); });
+    if (length < 0 || length > maxControlBytes)
+        throw ToolFailure(ExitCode_FAILED,
+                          Format("the camera gives control % % bytes; a control has 0 to %") %
+                              options.control % length % maxControlBytes);
+    return static_cast<unsigned>(length);
+}
+
+/// The bytes of a packet, filled up with zeros to the control's length.
+Bytes packetOf(ChipSession& session, const XuOptions& options) {
+    Bytes packet = parseBytes(options.bytes);
+    const unsigned length = lengthOf(session, options);
+    if (packet.size() > length)
+        throw ToolFailure(ExitCode_USAGE, Format("% bytes are out of range for control %: 0 to %") %
+                                              static_cast<unsigned>(packet.size()) % options.control %
+                                              length);
+    packet.resize(length);
+    return packet;
+}
+
+Json resultOf(ChipSession& session, const XuOptions& options) {
+    return {{"unit", session.chip().unit()}, {"control", options.control}};
+}
+
+ExitCode runLen(const XuOptions& options, Console& console) {
+    ChipSession session("xu", options, console);
+    const unsigned length = lengthOf(session, options);
+    Json result = resultOf(session, options);
+    result["length"] = length;
+    session.finish(result, std::to_string(length));
+    return ExitCode_DONE;
+}
+
+ExitCode runXuGet(const XuOptions& options, Console& console) {
+    ChipSession session("xu", options, console);
+    Bytes packet = packetOf(session, options);
+    attempt(Format("get control %") % options.control, [&] {
+        session.chip().wire().recv(session.chip().unit(), options.control,
+                                   static_cast<unsigned long>(packet.size()), packet.data(), options.flag);
+    });
+    Json result = resultOf(session, options);
+    result["bytes"] = bytesText(packet);
+    session.finish(result, bytesText(packet));
+    return ExitCode_DONE;
+}
+
+ExitCode runXuSet(const XuOptions& options, Console& console) {
+    ChipSession session("xu", options, console);
+    Bytes packet = packetOf(session, options);
+    attempt(Format("set control %") % options.control, [&] {
+        session.chip().wire().send(session.chip().unit(), options.control,
+                                   static_cast<unsigned long>(packet.size()), packet.data());
+    });
+    Json result = resultOf(session, options);
+    result["bytes"] = bytesText(packet);
+    session.finish(result, Format("control % := %") % options.control % bytesText(packet));
+    return ExitCode_DONE;
+}
+
+CLI::App* addAction(CLI::App& command, const char* name, const char* text, XuOptions& options) {
+    CLI::App* action = command.add_subcommand(name, text);
+    action->add_option("CONTROL", options.control, "The control's selector")
+        ->required()
+        ->check(CLI::Range(1U, 255U));
+    addChipOptions(*action, options);
+    return action;
+}
+
+} // namespace
+
+Verb addXuVerb(CLI::App& program) {
+    auto options = std::make_shared<XuOptions>();
+    CLI::App* command =
+        program.add_subcommand("xu", "Raw transfers to a camera's extension unit")->group("Verbs");
+    command->require_subcommand(1);
+    CLI::App* get = addAction(*command, "get", "Prints a control's bytes", *options);
+    get->add_option("BYTES", options->bytes, "What to ask with, as pairs of digits; the rest is zeros");
+    get->add_flag("--flag", options->flag, "Receive with the device's flag set");
+    CLI::App* set = addAction(*command, "set", "Sets a control", *options);
+    set->add_option("BYTES", options->bytes, "The packet, as pairs of digits; the rest is zeros")->required();
+    CLI::App* len = addAction(*command, "len", "Prints how many bytes a control has", *options);
+    return {command, [options, get, len](Console& console) {
+                return len->parsed()
+                           ? runLen(*options, console)
+                           : (get->parsed() ? runXuGet(*options, console) : runXuSet(*options, console));
+            }};
+}
+
+} // namespace Zentara::Tool

@@ -1,0 +1,120 @@
+#include "tools/zentara/streams/depth_recorder.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include <zentara/utils/exceptions.h>
+#include <zentara/utils/format.h>
+
+#include "tools/zentara/exit_code.h"
+#include "tools/zentara/paths.h"
+#include "tools/zentara/png.h"
+
+namespace Zentara::Tool {
+namespace {
+
+constexpr double pictureTrim = 0.005;
+
+[[noreturn]] void failWriting(const char* what, const std::string& path) {
+    throw ToolFailure(ExitCode_FAILED, Utils::formatLastError(Utils::Format("cannot % '%'") % what % path));
+}
+
+} // namespace
+
+DepthRecorder::DepthRecorder(const StreamDescription& stream, std::uint64_t count, const std::string& pngPath,
+                             const std::string& rawPath)
+    : size(stream.frameSize()), counter(count, stream.rate()), depth() {
+    if (size.width == 0)
+        throw ToolFailure(ExitCode_FAILED,
+                          Utils::Format("the size of a frame in mode % is not known") % stream.modeName());
+    if (!pngPath.empty())
+        picture = std::make_unique<PendingFile>(pngPath);
+    if (rawPath.empty())
+        return;
+    file = std::make_unique<PendingFile>(rawPath);
+    raw.open(pathOf(file->partPath()), std::ios::binary | std::ios::trunc);
+    if (!raw)
+        failWriting("create", file->path());
+}
+
+bool DepthRecorder::take(const std::uint8_t* data, std::size_t bytes, std::int64_t micros) {
+    const std::size_t pixels = std::size_t{size.width} * size.height;
+    if (bytes < pixels * sizeof(std::uint16_t))
+        throw ToolFailure(ExitCode_FAILED, Utils::Format("frame % has % bytes; its depth alone takes %") %
+                                               counter.frames() % bytes % (pixels * sizeof(std::uint16_t)));
+    depth.resize(pixels);
+    std::memcpy(depth.data(), data, pixels * sizeof(std::uint16_t));
+    counter.count(micros);
+    measure();
+    if (file && !raw.write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(bytes)))
+        failWriting("write", file->path());
+    return !counter.full();
+}
+
+void DepthRecorder::commit() {
+    if (picture && !depth.empty())
+        writePicture();
+    if (!file)
+        return;
+    raw.close();
+    if (!raw)
+        failWriting("write", file->path());
+    file->commit();
+}
+
+void DepthRecorder::discard() {
+    raw.close();
+    file.reset();
+    picture.reset();
+    depth.clear();
+}
+
+void DepthRecorder::writePicture() {
+    const DepthRange shown = depthRange(depth.data(), depth.size(), pictureTrim);
+    const std::string bytes = encodePng(colorize(depth.data(), depth.size(), shown),
+                                        static_cast<int>(size.width), static_cast<int>(size.height));
+    picture->write(bytes);
+    picture->commit();
+}
+
+DepthRange DepthRecorder::range() const noexcept { return seen.farthest == 0 ? DepthRange{} : seen; }
+
+double DepthRecorder::blind() const noexcept {
+    const std::uint64_t pixels = counter.frames() * size.width * size.height;
+    return pixels == 0 ? 0.0 : static_cast<double>(zeros) / static_cast<double>(pixels);
+}
+
+void DepthRecorder::measure() noexcept {
+    for (const std::uint16_t value : depth) {
+        if (value == 0) {
+            ++zeros;
+            continue;
+        }
+        seen.nearest = std::min(seen.nearest, value);
+        seen.farthest = std::max(seen.farthest, value);
+    }
+}
+
+void DepthRecorder::print(std::ostream& out) const {
+    counter.print(out);
+    if (!depth.empty())
+        out << "depth    " << range().nearest << " to " << range().farthest << " mm, "
+            << fixed(100.0 * blind(), 1) << " % of the pixels without\n";
+    if (picture && !depth.empty())
+        out << "picture  " << picture->path() << '\n';
+    if (file)
+        out << "raw      " << file->path() << '\n';
+}
+
+void DepthRecorder::fill(Json& stream) const {
+    counter.fill(stream);
+    stream["depth"] = {{"nearestMillimetres", range().nearest},
+                       {"farthestMillimetres", range().farthest},
+                       {"withoutDepth", blind()}};
+    if (picture && !depth.empty())
+        stream["files"]["png"] = picture->path();
+    if (file)
+        stream["files"]["raw"] = file->path();
+}
+
+} // namespace Zentara::Tool

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <fstream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tools/zentara/color_map.h"
+#include "tools/zentara/pending_file.h"
+#include "tools/zentara/streams/frame_counter.h"
+#include "tools/zentara/streams/stream_description.h"
+#include "tools/zentara/streams/stream_sink.h"
+
+namespace Zentara::Tool {
+
+/// Takes the frames of a depth stream: counts and measures them, makes a picture of the last one and writes all to a
+/// file if asked. A frame is a plane of 16-bit depth in millimetres, then whatever the camera adds.
+class DepthRecorder final : public StreamSink {
+public:
+    /// \param count frames to take. \param pngPath, rawPath for the picture and for the frames as they came; empty
+    /// for none. \throws ToolFailure when the mode has no size, or a file cannot be opened.
+    DepthRecorder(const StreamDescription& stream, std::uint64_t count, const std::string& pngPath,
+                  const std::string& rawPath);
+
+    bool take(const std::uint8_t* data, std::size_t size, std::int64_t micros) override;
+    void resume() override { counter.resume(); }
+    [[nodiscard]] bool full() const override { return counter.full(); }
+    void commit() override;
+    void discard() override;
+    void print(std::ostream& out) const override;
+    void fill(Json& stream) const override;
+
+private:
+    /// Over all frames.
+    [[nodiscard]] DepthRange range() const noexcept;
+    /// Share of the pixels of all frames that had no depth.
+    [[nodiscard]] double blind() const noexcept;
+    void measure() noexcept;
+    void writePicture();
+
+    const FrameSize size;
+    FrameCounter counter;
+    std::unique_ptr<PendingFile> picture;
+    std::unique_ptr<PendingFile> file;
+    std::ofstream raw;
+    std::vector<std::uint16_t> depth; ///< the last frame's; empty before the first
+    std::uint64_t zeros = 0;
+    DepthRange seen{0xFFFF, 0};
+};
+
+} // namespace Zentara::Tool

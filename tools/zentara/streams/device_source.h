@@ -1,0 +1,15 @@
+#pragma once
+
+#include <memory>
+#include <ostream>
+
+#include "tools/zentara/streams/stream_source.h"
+
+namespace Zentara::Tool {
+
+/// The stream of a bare device plug-in, called on the reader's thread: without an enumerator, a descriptor store, a
+/// node and the worker thread between. It serves the writers of a device plug-in before the rest of a camera exists.
+/// \param type of the stream: depth or audio \throws ToolFailure
+[[nodiscard]] std::unique_ptr<StreamSource> openDeviceStream(NodeType type, std::ostream& err);
+
+} // namespace Zentara::Tool

@@ -1,0 +1,109 @@
+#include "tools/zentara/streams/node_source.h"
+
+#include <exception>
+#include <utility>
+
+#include <zentara/core/audio_node_interface.h>
+#include <zentara/core/color_node_interface.h>
+#include <zentara/core/depth_node_interface.h>
+#include <zentara/core/descriptor_store_ro.h>
+#include <zentara/utils/format.h>
+
+#include "tools/zentara/guid_text.h"
+
+namespace Zentara::Tool {
+
+using Utils::Format;
+
+template<typename Node>
+OpenNode<Node>::OpenNode(const NodeEvent& found, std::ostream& err) : description(found), ownStore(err) {
+    ownStore.select(description);
+    const GUID guid = store().getNodeImplGUID();
+    attempt(Format("open % through %") % cameraLabel(description) % guidLabel(guid), [&] {
+        node = makePlugin<Node>(guid);
+        node->initialize(&description, &store(), nullptr);
+    });
+}
+
+template<typename Node>
+OpenNode<Node>::~OpenNode() {
+    try {
+        dispose();
+    } catch (const std::exception&) {
+        // Whoever wants to know calls dispose() himself.
+    }
+}
+
+template<typename Node>
+void OpenNode<Node>::dispose() {
+    if (!node || std::exchange(disposed, true))
+        return;
+    attempt("close " + cameraLabel(description), [&] { node->dispose(); });
+}
+
+template class OpenNode<Core::AudioNodeInterface>;
+template class OpenNode<Core::ColorNodeInterface>;
+template class OpenNode<Core::DepthNodeInterface>;
+
+namespace {
+
+template<typename Node, typename Mode>
+class NodeSource final : public StreamSource {
+public:
+    NodeSource(const NodeEvent& event, const ModeChoice& choice, std::ostream& err) : node(event, err) {
+        attempt("choose a mode of " + label(), [&] { mode = chosenMode(choice); });
+        told = {event, StreamMode(*mode)};
+    }
+
+    [[nodiscard]] const StreamDescription& description() const override { return told; }
+    [[nodiscard]] std::string label() const override { return cameraLabel(node.event()); }
+
+    void start() override {
+        attempt(Format("stream % from %") % mode->getName() % label(), [&] { node->enableStreaming(mode); });
+    }
+    ReadBufferStatus read(void* buffer, int size, std::int64_t* micros, int* length) override {
+        return node->readBuffer(buffer, size, micros, length);
+    }
+    void stop() override {
+        attempt("stop the stream of " + label(), [&] { node->disableStreaming(); });
+    }
+    void close() override { node.dispose(); }
+
+private:
+    Utils::SmartPtr<Mode> chosenMode(const ModeChoice& choice) {
+        if constexpr (requires { node->getDefaultConfiguration(); }) {
+            if (!choice.names(node.event().nodeType))
+                return node->getDefaultConfiguration();
+        }
+        const auto modes = node->getConfigurations();
+        if (modes.empty())
+            throw ToolFailure(ExitCode_FAILED, label() + " has no mode to stream in");
+        std::vector<StreamDescription> offered;
+        for (const auto& one : modes)
+            offered.push_back({node.event(), StreamMode(*one)});
+        return modes[choice.among(offered, label())];
+    }
+
+    OpenNode<Node> node;
+    Utils::SmartPtr<Mode> mode;
+    StreamDescription told;
+};
+
+} // namespace
+
+std::unique_ptr<StreamSource> openNodeStream(const NodeEvent& node, const ModeChoice& choice,
+                                             std::ostream& err) {
+    switch (node.nodeType) {
+    case NodeType_DEPTH:
+        return std::make_unique<NodeSource<Core::DepthNodeInterface, DepthBaseConfiguration>>(node, choice,
+                                                                                              err);
+    case NodeType_COLOR:
+        return std::make_unique<NodeSource<Core::ColorNodeInterface, ColorConfiguration>>(node, choice, err);
+    case NodeType_AUDIO:
+        return std::make_unique<NodeSource<Core::AudioNodeInterface, AudioConfiguration>>(node, choice, err);
+    default:
+        throw ToolFailure(ExitCode_FAILED, cameraLabel(node) + " is of a kind that has no stream");
+    }
+}
+
+} // namespace Zentara::Tool

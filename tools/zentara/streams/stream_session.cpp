@@ -1,0 +1,354 @@
+#include "tools/zentara/streams/stream_session.h"
+
+#include <algorithm>
+#include <cctype>
+#include <set>
+
+#include <zentara/utils/files.h>
+#include <zentara/utils/format.h>
+#include <zentara/utils/signal.h>
+
+#include "tools/zentara/interrupt.h"
+#include "tools/zentara/streams/audio_recorder.h"
+#include "tools/zentara/streams/color_recorder.h"
+#include "tools/zentara/streams/depth_recorder.h"
+#include "tools/zentara/streams/device_source.h"
+#include "tools/zentara/streams/node_source.h"
+#include "tools/zentara/streams/played_source.h"
+
+namespace Zentara::Tool {
+
+using Utils::Format;
+using State = StreamedCamera::State;
+
+namespace {
+
+constexpr unsigned long lookMilliseconds = 50;
+constexpr std::uint64_t usualFrames = 60;
+constexpr int usualFramesPerSecond = 60; // where there are no frames
+
+/// The cameras of a recording.
+std::vector<CameraEntry> camerasOf(const std::vector<StreamDescription>& streams) {
+    std::vector<CameraEntry> cameras;
+    for (const StreamDescription& stream : streams) {
+        const auto known = std::find_if(cameras.begin(), cameras.end(), [&](const CameraEntry& camera) {
+            return camera.path == stream.node.parentPath;
+        });
+        CameraEntry& camera = known == cameras.end() ? cameras.emplace_back() : *known;
+        camera.path = stream.node.parentPath;
+        camera.nodes.push_back(stream.node);
+    }
+    return cameras;
+}
+
+std::string withSerialNumber(const std::string& path, const NodeEvent& node) {
+    std::string serial = node.serialNumber.empty() ? node.parentPath : node.serialNumber;
+    std::replace_if(
+        serial.begin(), serial.end(),
+        [](unsigned char letter) { return std::isalnum(letter) == 0 && letter != '-' && letter != '_'; },
+        '_');
+    const std::string stem = Utils::removeExtension(path);
+    return stem + "." + serial + path.substr(stem.size());
+}
+
+} // namespace
+
+/// In an order that takes them apart safely: cameras write into the recording and set the signal.
+struct StreamSession::Parts {
+    InterruptWatch interrupt; ///< to the end, so that no part of a file is left behind
+    Utils::Threading::Signal wake;
+    std::unique_ptr<CameraBus> bus; ///< null unless the cameras come through nodes
+    std::unique_ptr<RecordingWriter> recording;
+    std::vector<StreamDescription> streams; ///< of all cameras, in order
+    std::set<NodeType> kinds;               ///< of all nodes that were to be opened
+    std::set<std::string> files;
+    std::vector<std::unique_ptr<StreamedCamera>> cameras;
+};
+
+StreamSession::StreamSession(const StreamOptions& wanted, Console& target)
+    : options(wanted), console(target), parts(std::make_unique<Parts>()) {}
+
+StreamSession::~StreamSession() = default;
+
+void StreamSession::run() {
+    if (!options.play.empty())
+        openRecording();
+    else if (options.direct)
+        openDevices();
+    else
+        openCameras();
+    checkKinds();
+    startRecording();
+    checkInterrupt();
+    for (const auto& camera : parts->cameras) {
+        if (camera->state() == State::Streaming)
+            camera->start();
+    }
+    supervise();
+    finish();
+}
+
+void StreamSession::openDevices() {
+    std::vector<NodeEvent> nodes(options.audio ? 2 : 1);
+    nodes.front().nodeType = NodeType_DEPTH;
+    if (options.audio)
+        nodes.back().nodeType = NodeType_AUDIO;
+    openCamera(
+        nodes, [this](const NodeEvent& node) { return openDeviceStream(node.nodeType, console.err); }, false);
+}
+
+void StreamSession::openRecording() {
+    const RecordingReader reader(options.play);
+    const auto open = [this, streams = reader.streams()](const NodeEvent& node) {
+        const auto found = std::find_if(streams.begin(), streams.end(),
+                                        [&](const StreamDescription& stream) { return stream.node == node; });
+        return std::make_unique<PlayedSource>(options.play,
+                                              static_cast<std::uint16_t>(found - streams.begin()));
+    };
+    std::vector<CameraEntry> cameras = camerasOf(reader.streams());
+    if (!options.cameras.empty())
+        cameras = chooseCameras(cameras, options.cameras);
+    several = cameras.size() > 1;
+    for (const CameraEntry& camera : cameras)
+        openCamera(camera.nodes, open, true);
+}
+
+void StreamSession::openCameras() {
+    parts->bus = std::make_unique<CameraBus>(console.err);
+    std::vector<CameraEntry> cameras = parts->bus->someCameras();
+    if (!options.all)
+        cameras = chooseCameras(cameras, options.cameras);
+    several = cameras.size() > 1;
+    for (const CameraEntry& camera : cameras) {
+        std::vector<NodeEvent> nodes;
+        for (const NodeType type : {NodeType_DEPTH, NodeType_COLOR, NodeType_AUDIO}) {
+            if (wants(type) && camera.find(type) == nullptr)
+                missKind(type, camera);
+        }
+        std::copy_if(camera.nodes.begin(), camera.nodes.end(), std::back_inserter(nodes),
+                     [this](const NodeEvent& node) { return wants(node.nodeType); });
+        openCamera(
+            nodes, [this](const NodeEvent& node) { return openNodeStream(node, options.modes, console.err); },
+            false);
+    }
+    parts->bus->watch();
+}
+
+void StreamSession::missKind(NodeType type, const CameraEntry& camera) const {
+    console.err << "zentara stream: camera " << printable(camera.serialNumber()) << " has no "
+                << nodeTypeName(type) << " stream\n";
+}
+
+/// A stream that was asked for, be it by a file, and that nobody has is a failure.
+void StreamSession::checkKinds() const {
+    const bool depthFile = !options.png.empty() || !options.raw.empty();
+    for (const NodeType type : {NodeType_DEPTH, NodeType_COLOR, NodeType_AUDIO}) {
+        const bool wanted = type == NodeType_DEPTH ? depthFile : wants(type);
+        if (wanted && parts->kinds.count(type) == 0)
+            throw ToolFailure(ExitCode_FAILED, Format("there is no % stream") % nodeTypeName(type));
+    }
+}
+
+void StreamSession::checkInterrupt() const {
+    if (parts->interrupt.interrupted())
+        throw ToolFailure(ExitCode_INTERRUPTED, "interrupted before anything was streamed");
+}
+
+bool StreamSession::wants(NodeType type) const {
+    return type == NodeType_DEPTH || (type == NodeType_COLOR && options.color) ||
+           (type == NodeType_AUDIO && options.audio);
+}
+
+/// A camera that cannot be opened is a failure of its own when there are others.
+void StreamSession::openCamera(const std::vector<NodeEvent>& nodes, const StreamedCamera::Open& open,
+                               bool finite) {
+    checkInterrupt();
+    for (const NodeEvent& node : nodes)
+        parts->kinds.insert(node.nodeType);
+    auto& camera = *parts->cameras.emplace_back(std::make_unique<StreamedCamera>(open, parts->wake, finite));
+    try {
+        openStreams(camera, nodes);
+    } catch (const ToolFailure& failure) {
+        if (!several)
+            throw;
+        camera.fail(failure);
+    }
+}
+
+void StreamSession::openStreams(StreamedCamera& camera, const std::vector<NodeEvent>& nodes) {
+    if (nodes.empty())
+        throw ToolFailure(ExitCode_FAILED, "the camera has no node of the kinds that are wanted");
+    const auto first = static_cast<std::uint16_t>(parts->streams.size());
+    int framesPerSecond = usualFramesPerSecond;
+    for (const NodeEvent& node : nodes) {
+        const StreamDescription stream = camera.open(node);
+        if (stream.node.nodeType != NodeType_AUDIO)
+            framesPerSecond = stream.rate();
+        parts->streams.push_back(stream);
+        camera.deliverTo(makeSink(stream, framesPerSecond));
+    }
+    camera.record(nullptr, first);
+}
+
+std::uint64_t StreamSession::framesWanted() const {
+    return options.frames == 0 && options.play.empty() ? usualFrames : options.frames;
+}
+
+/// As much sound as the camera's frames take time; 0, as of frames, for all there is.
+std::uint64_t StreamSession::samplesWanted(int samplesPerSecond, int framesPerSecond) const {
+    const std::uint64_t samples = framesWanted() * static_cast<std::uint64_t>(samplesPerSecond) /
+                                  static_cast<std::uint64_t>(framesPerSecond);
+    return framesWanted() == 0 ? 0 : std::max<std::uint64_t>(samples, 1);
+}
+
+std::unique_ptr<StreamSink> StreamSession::makeSink(const StreamDescription& stream, int framesPerSecond) {
+    switch (stream.node.nodeType) {
+    case NodeType_DEPTH:
+        return std::make_unique<DepthRecorder>(stream, framesWanted(), fileFor(stream, options.png),
+                                               fileFor(stream, options.raw));
+    case NodeType_COLOR:
+        return std::make_unique<ColorRecorder>(stream, framesWanted(), fileFor(stream, options.colorPng));
+    default:
+        return std::make_unique<AudioRecorder>(stream, samplesWanted(stream.rate(), framesPerSecond),
+                                               fileFor(stream, options.wav));
+    }
+}
+
+/// With several cameras each has a file of its own: "depth.png" becomes "depth.SERIAL.png".
+std::string StreamSession::fileFor(const StreamDescription& stream, const std::string& path) {
+    if (path.empty())
+        return path;
+    const std::string file = several ? withSerialNumber(path, stream.node) : path;
+    if (!parts->files.insert(Utils::canonicalPath(file)).second)
+        throw ToolFailure(ExitCode_FAILED, Format("two streams would be written into '%'") % file);
+    return file;
+}
+
+void StreamSession::startRecording() {
+    if (options.record.empty() || parts->streams.empty())
+        return;
+    parts->recording = std::make_unique<RecordingWriter>(options.record, parts->streams);
+    std::size_t first = 0;
+    for (const auto& camera : parts->cameras) {
+        camera->record(parts->recording.get(), static_cast<std::uint16_t>(first));
+        first += camera->size();
+    }
+}
+
+/// Returns when no camera streams and none that is away is waited for any longer, or Ctrl-C was pressed.
+void StreamSession::supervise() {
+    while (anythingToWaitFor()) {
+        parts->wake.timedWait(lookMilliseconds);
+        showProgress(false);
+        seeToEvents();
+        for (const auto& camera : parts->cameras)
+            observe(*camera, [&camera] { camera->look(); });
+        stopped = parts->interrupt.interrupted();
+        if (stopped)
+            break;
+    }
+    showProgress(true);
+}
+
+void StreamSession::seeToEvents() {
+    ExternalEvent event;
+    while (parts->bus && parts->bus->next(event, 0)) {
+        for (const auto& camera : parts->cameras) {
+            observe(*camera, [&] {
+                if (event.type == ExternalEventType_NODE_REMOVED)
+                    camera->removed(event.node);
+                else if (event.type == ExternalEventType_NODE_ARRIVED)
+                    camera->arrived(event.node);
+            });
+        }
+    }
+}
+
+/// Tells when a camera goes and when it is back.
+void StreamSession::observe(const StreamedCamera& camera, const std::function<void()>& step) {
+    const State before = camera.state();
+    step();
+    if (camera.state() == before)
+        return;
+    const char* lineStart = console.showProgress ? "\r\033[K" : "";
+    if (camera.state() == State::Unplugged)
+        console.err << lineStart << camera.failure().what() << std::endl;
+    else if (before == State::Unplugged && camera.state() == State::Streaming)
+        console.err << lineStart << camera.label() << " is back" << std::endl;
+}
+
+bool StreamSession::anythingToWaitFor() const {
+    return std::any_of(parts->cameras.begin(), parts->cameras.end(), [this](const auto& camera) {
+        return camera->state() == State::Streaming ||
+               (camera->state() == State::Unplugged && camera->awaySeconds() < options.waitSeconds);
+    });
+}
+
+void StreamSession::finish() {
+    for (const auto& camera : parts->cameras) {
+        camera->interrupt();
+        camera->finish();
+    }
+    const auto failed = [](const auto& camera) { return camera->state() == State::Failed; };
+    const bool allFailed = std::all_of(parts->cameras.begin(), parts->cameras.end(), failed);
+    if (parts->recording && !allFailed)
+        parts->recording->commit();
+    else if (parts->recording)
+        parts->recording->discard();
+    for (const auto& camera : parts->cameras) {
+        if (failed(camera) && !(allFailed && camera == parts->cameras.front()))
+            console.err << "zentara stream: " << camera->failure().what() << '\n';
+    }
+    if (allFailed)
+        throw ToolFailure(parts->cameras.front()->failure());
+}
+
+ExitCode StreamSession::result() const {
+    if (stopped)
+        return ExitCode_INTERRUPTED;
+    for (const auto& camera : parts->cameras) {
+        if (camera->state() == State::Failed)
+            return camera->failure().code;
+    }
+    return ExitCode_DONE;
+}
+
+bool StreamSession::stuck() const {
+    return std::any_of(parts->cameras.begin(), parts->cameras.end(),
+                       [](const auto& camera) { return camera->stuck(); });
+}
+
+std::uint64_t StreamSession::progress() const {
+    return parts->cameras.empty() ? 0 : parts->cameras.front()->progress();
+}
+
+void StreamSession::showProgress(bool last) {
+    if (!console.showProgress || parts->cameras.empty())
+        return;
+    console.err << '\r' << progress();
+    if (framesWanted() != 0)
+        console.err << " of " << framesWanted();
+    console.err << " frames" << (last ? "\r\033[K" : "") << std::flush;
+}
+
+void StreamSession::print(std::ostream& out) const {
+    for (const auto& camera : parts->cameras)
+        camera->print(out);
+    if (parts->recording)
+        out << "record   " << parts->recording->path() << '\n';
+}
+
+Json StreamSession::json() const {
+    Json json = beginJson("stream");
+    json["schema"] = 2; // 1 told of one camera only
+    json["proxified"] = !options.direct;
+    json["interrupted"] = stopped;
+    json["streams"] = Json::array();
+    for (const auto& camera : parts->cameras)
+        camera->fill(json["streams"]);
+    if (parts->recording)
+        json["record"] = parts->recording->path();
+    return json;
+}
+
+} // namespace Zentara::Tool

@@ -1,0 +1,156 @@
+#include <cstdlib>
+#include <memory>
+#include <set>
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include <zentara/utils/files.h>
+#include <zentara/utils/format.h>
+
+#include "tools/zentara/arguments.h"
+#include "tools/zentara/json_output.h"
+#include "tools/zentara/streams/stream_session.h"
+#include "tools/zentara/verb.h"
+
+namespace Zentara::Tool {
+namespace {
+
+using Utils::Format;
+
+constexpr std::uint64_t mostFrames = 100'000'000; // 19 days
+constexpr double longestWait = 86'400;
+
+/// Two files of one name would overwrite each other.
+void checkPaths(const StreamOptions& options) {
+    std::set<std::string> paths;
+    for (const std::string* path :
+         {&options.png, &options.raw, &options.colorPng, &options.wav, &options.record, &options.play}) {
+        if (!path->empty() && !paths.insert(Utils::canonicalPath(*path)).second)
+            throw ToolFailure(ExitCode_USAGE, Format("'%' is named for two files") % *path);
+    }
+}
+
+/// A mode that is named is for a stream that is wanted.
+void checkModes(const StreamOptions& options) {
+    for (const NodeType type : {NodeType_COLOR, NodeType_AUDIO}) {
+        if (options.modes.names(type) && !(type == NodeType_COLOR ? options.color : options.audio))
+            throw ToolFailure(ExitCode_USAGE,
+                              Format("--mode names one for %, which is not streamed: say --%") %
+                                  nodeTypeName(type) % nodeTypeName(type));
+    }
+}
+
+/// Ends the process where it stands: a thread that sits inside a device could not be ended otherwise.
+[[noreturn]] void endProcess(Console& console, ExitCode code) {
+    console.out.flush();
+    console.err.flush();
+    std::_Exit(code);
+}
+
+ExitCode runStream(StreamOptions options, const std::vector<std::string>& modes, Console& console) {
+    options.modes = ModeChoice(modes);
+    checkPaths(options);
+    options.color = options.color || !options.colorPng.empty();
+    options.audio = options.audio || !options.wav.empty();
+    checkModes(options);
+    StreamSession session(options, console);
+    try {
+        session.run();
+    } catch (const ToolFailure& failure) {
+        if (!session.stuck())
+            throw;
+        console.err << "zentara stream: " << failure.what() << '\n';
+        endProcess(console, failure.code);
+    }
+    if (options.json)
+        print(console.out, session.json());
+    else
+        session.print(console.out);
+    if (session.stuck())
+        endProcess(console, session.result());
+    if (session.result() == ExitCode_INTERRUPTED)
+        console.err << "zentara stream: interrupted after " << session.progress() << " frames\n";
+    return session.result();
+}
+
+} // namespace
+
+Verb addStreamVerb(CLI::App& program) {
+    auto options = std::make_shared<StreamOptions>();
+    auto modes = std::make_shared<std::vector<std::string>>();
+    CLI::App* command =
+        program.add_subcommand("stream", "Streams depth, colour and sound from one camera or several")
+            ->group("Verbs");
+    command->footer(
+        "Prints, for each stream, frame rate, dropped frames and the range of depths. In the picture red is\n"
+        "near, blue is far and black is no depth. Raw frames are written as they came: for each, 16-bit "
+        "depth\n"
+        "in millimetres, then whatever the camera adds. With several cameras each has files of its own, its\n"
+        "serial number put before the ending: depth.SERIAL.png.\n"
+        "\n"
+        "A camera that fails does not stop the others. One that is pulled out goes on when it is back while\n"
+        "others stream, or within --wait. Ctrl-C ends the streams; the files then hold what had come.");
+    command
+        ->add_option("--frames", options->frames,
+                     "How many frames to take: 60 unless given, of a recording all")
+        ->type_name("N")
+        ->check(CLI::Range(std::uint64_t{1}, mostFrames).description(""));
+    CLI::Option* cameras =
+        command
+            ->add_option("--camera", options->cameras,
+                         "Which cameras, with commas between: a serial number, or a part of "
+                         "the name, the product's or the controller's; the first one unless "
+                         "given")
+            ->type_name("NAME")
+            ->delimiter(',');
+    CLI::Option* all = command->add_flag("--all", options->all, "All cameras")->excludes(cameras);
+    CLI::Option* color = command->add_flag("--color", options->color, "Also stream colour");
+    CLI::Option* audio =
+        command->add_flag("--audio", options->audio, "Also stream sound, as long as the frames last");
+    CLI::Option* mode =
+        command
+            ->add_option(
+                "--mode", *modes,
+                "In which mode: WIDTHxHEIGHT, WIDTHxHEIGHT@RATE or a name that 'zentara info' lists; "
+                "with commas one for depth, one for colour, one for sound. A node's first one unless "
+                "given")
+            ->type_name("MODE")
+            ->delimiter(',');
+    command->add_option("--png", options->png, "Write the last depth frame as a picture in colours")
+        ->type_name("FILE");
+    command->add_option("--raw", options->raw, "Write all depth frames as they came")->type_name("FILE");
+    CLI::Option* colorPng =
+        command->add_option("--color-png", options->colorPng, "Write the last colour frame; implies --color")
+            ->type_name("FILE");
+    command->add_option("--wav", options->wav, "Write the sound; implies --audio")->type_name("FILE");
+    command->add_option("--record", options->record, "Record all streams into one file")->type_name("FILE");
+    CLI::Option* play = command
+                            ->add_option("--play", options->play,
+                                         "Stream from a recording, at its own pace, in place of cameras")
+                            ->type_name("FILE")
+                            ->excludes(all)
+                            ->excludes(color)
+                            ->excludes(audio)
+                            ->excludes(mode);
+    command
+        ->add_option("--wait", options->waitSeconds,
+                     "Wait so long for a camera that was pulled out, also when no other one streams")
+        ->type_name("SECONDS")
+        ->check(secondsBetween(0.0, longestWait))
+        ->excludes(play);
+    command
+        ->add_flag("--direct", options->direct,
+                   "Stream from the bare device plug-ins: without descriptions, nodes and the worker thread, "
+                   "for a plug-in that has no camera around it yet")
+        ->excludes(cameras)
+        ->excludes(all)
+        ->excludes(color)
+        ->excludes(colorPng)
+        ->excludes(mode)
+        ->excludes(play);
+    command->add_flag("--json", options->json, "Print JSON");
+    return {command, [options, modes](Console& console) { return runStream(*options, *modes, console); }};
+}
+
+} // namespace Zentara::Tool
