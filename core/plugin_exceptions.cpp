@@ -3,6 +3,8 @@
 #include <zentara/utils/format.h>
 #include <zentara/utils/kv_logger.h>
 
+#include "utils/visible_text.h"
+
 namespace Zentara::Plugin {
 
 namespace {
@@ -13,7 +15,7 @@ void logWarning(const char* format, const std::string& message) noexcept {
     if (!logger)
         return;
     try {
-        logger->warning(Utils::Format(format) % message);
+        logger->warning(Utils::Format(format) % Utils::visibleText(message));
     } catch (...) {
     }
     Utils::KVLogger::release();

@@ -6,6 +6,7 @@
 #include <zentara/plugin/plugin_exceptions.h>
 
 #include "utils/log_warning.h"
+#include "utils/visible_text.h"
 
 namespace Zentara::IO {
 
@@ -83,7 +84,7 @@ LibraryParameterInterpreter::~LibraryParameterInterpreter() {
     try {
         dispose();
     } catch (const std::exception& failure) {
-        Utils::logWarning(std::string("Failed to dispose a parameter interpreter: ") + failure.what());
+        Utils::logWarning("Failed to dispose a parameter interpreter: " + Utils::visibleText(failure.what()));
     } catch (...) {
         Utils::logWarning("Failed to dispose a parameter interpreter");
     }

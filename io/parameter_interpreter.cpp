@@ -12,6 +12,7 @@
 #include "io/back_end_functions.h"
 #include "io/system_state.h"
 #include "utils/log_warning.h"
+#include "utils/visible_text.h"
 
 namespace Zentara::IO {
 
@@ -184,7 +185,8 @@ void ParameterInterpreter::dispose() {
         return;
     try {
         if (impl->call(impl->functions.dispose) != ErrorCode_SUCCESS)
-            Utils::logWarning("Failed to dispose the parameter back-end: " + impl->lastError());
+            Utils::logWarning("Failed to dispose the parameter back-end: " +
+                              Utils::visibleText(impl->lastError()));
     } catch (...) {
         impl->destroyQuietly();
         throw;

@@ -2,12 +2,14 @@
 
 #include <zentara/utils/kv_logger.h>
 
+#include "utils/visible_text.h"
+
 namespace Zentara::IO {
 
 void warn(const char* text) noexcept {
     try {
         if (auto* const logger = Utils::KVLogger::instance()) {
-            logger->warning(text);
+            logger->warning(Utils::visibleText(text));
             Utils::KVLogger::release();
         }
     } catch (...) {

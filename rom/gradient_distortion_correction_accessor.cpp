@@ -8,6 +8,7 @@
 #include <zentara/utils/format.h>
 
 #include "utils/log_warning.h"
+#include "utils/visible_text.h"
 
 namespace Zentara::ROM {
 
@@ -20,7 +21,7 @@ std::string readWhole(const std::string& fileName) try {
 } catch (const Utils::UException&) {
     Utils::logWarning(
         Utils::Format("Even cannot open/read file % containing phase distortion correction values") %
-        fileName);
+        Utils::visibleText(fileName));
     throw Plugin::IOPluginException("gradient calibration parameter file can not be opened");
 }
 

@@ -10,6 +10,7 @@
 #include "utils/log_warning.h"
 #include "utils/message.h"
 #include "utils/platform/text_encoding.h"
+#include "utils/visible_text.h"
 
 namespace Zentara::Utils {
 
@@ -18,7 +19,8 @@ namespace {
 /// Both directions say "to UTF-8". Nothing below logs with these conversions, so a bad text is warned of
 /// once.
 void warnOfFallback(const std::string& text, const std::string& reason) {
-    logWarning(formatMessage("coult not convert string '%' to UTF-8, reverting to ASCII: %", text, reason));
+    logWarning(formatMessage("coult not convert string '%' to UTF-8, reverting to ASCII: %",
+                             visibleText(text), reason));
 }
 
 template<typename Text>

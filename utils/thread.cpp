@@ -11,6 +11,8 @@
 #include <exception>
 #include <string>
 
+#include "utils/visible_text.h"
+
 namespace Zentara::Utils::Threading {
 
 /// One start of the thread: what the system thread needs, apart from the Thread that it may outlive.
@@ -61,7 +63,8 @@ private:
     }
     void report(const char* reason) const noexcept {
         try {
-            const std::string text = Format("thread '%' ended by an exception: %") % name % reason;
+            const std::string text =
+                Format("thread '%' ended by an exception: %") % visibleText(name) % visibleText(reason);
             if (KVLogger* log = KVLogger::instance()) {
                 log->error(text);
                 KVLogger::release();

@@ -5,9 +5,11 @@
 
 #include <gmock/gmock.h>
 
+#include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/utils/exceptions.h>
 
 #include "support/log_capture.h"
+#include "utils/visible_text.h"
 
 namespace Zentara::Utils {
 namespace {
@@ -49,8 +51,33 @@ TEST(Text, WarnsOfInvalidTextAndTakesItByteByByte) {
     const TestSupport::LogCapture log;
     EXPECT_EQ(stringToWString("a\xFF"), L"a\u00FF");
     EXPECT_EQ(wstringToString(std::wstring(L"b") + wchar_t(0xDC41)), "bA");
-    EXPECT_THAT(log.text(), HasSubstr("coult not convert string 'a\xFF' to UTF-8, reverting to ASCII: "));
+    EXPECT_THAT(log.text(), HasSubstr("coult not convert string 'a\\xff' to UTF-8, reverting to ASCII: "));
     EXPECT_THAT(log.text(), HasSubstr("coult not convert string 'bA' to UTF-8, reverting to ASCII: "));
+}
+
+TEST(Text, ShowsWhatCouldActOnATerminal) {
+    const std::string ordinary = "C:\\caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x93\xB7 \xD9\x81\xE2\x80\x8C 100%";
+    EXPECT_EQ(visibleText(ordinary), ordinary);
+    EXPECT_EQ(visibleText(std::string("a\0\r\n\t\x1B[2J\x7F", 10)), "a\\x00\\r\\n\\t\\x1b[2J\\x7f");
+    EXPECT_EQ(visibleText("\xC2\x9B\xE2\x80\xAE\xE2\x81\xA6\xE2\x80\xA8\xEF\xBB\xBF\xF3\xA0\x81\x81"),
+              "\\u{9b}\\u{202e}\\u{2066}\\u{2028}\\u{feff}\\u{e0041}");
+    EXPECT_EQ(visibleText("\xE2\x82(\xC0\xAF\xED\xA0\x80\xE2\x82"),
+              "\\xe2\\x82(\\xc0\\xaf\\xed\\xa0\\x80\\xe2\\x82");
+    const TestSupport::LogCapture log;
+    const Plugin::IOPluginException failure("no\nforged\x1B[2J");
+    EXPECT_EQ(failure.message(), "no\nforged\x1B[2J") << "the caller gets what was thrown";
+    EXPECT_THAT(log.text(), HasSubstr("I/O Exception: no\\nforged\\x1b[2J\n"));
+}
+
+TEST(Text, CutsWhatIsTooLongBehindAWholeCharacter) {
+    EXPECT_EQ(visibleText(std::string(1024, 'x')), std::string(1024, 'x'));
+    EXPECT_EQ(visibleText(std::string(1 << 20, 'x')), std::string(1018, 'x') + " [cut]");
+    std::string wide(1017, 'x'); // the next character would end one byte too far
+    for (int i = 0; i < 8; ++i)
+        wide += "\xC3\xA9";
+    EXPECT_EQ(visibleText(wide), std::string(1017, 'x') + " [cut]");
+    EXPECT_EQ(visibleText(std::string(1016, 'x') + std::string(9, '\n')),
+              std::string(1016, 'x') + "\\n [cut]");
 }
 
 TEST(Text, CutsAtTheLastLineEnd) {
