@@ -3,6 +3,7 @@
 // difference.
 #include "ratio_reporter.h"
 
+#include <zentara/io/chip_clock.h>
 #include <zentara/io/ov0570_impl.h>
 #include <zentara/io/vc0258_impl.h>
 #include <zentara/io/vc0345_impl.h>
@@ -13,8 +14,6 @@
 #include <chrono>
 #include <cstdint>
 #include <cstring>
-
-#include "io/chips/chip_clock.h"
 
 namespace {
 

@@ -123,7 +123,7 @@ if(WIN32)
 endif()
 function(zentara_copy_runtime target)
     add_custom_command(TARGET ${target} POST_BUILD
-        COMMAND ${CMAKE_COMMAND} -E copy_if_different ${ZENTARA_RUNTIME_DLLS} ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}
+        COMMAND ${CMAKE_COMMAND} -E copy_if_different ${ZENTARA_RUNTIME_DLLS} $<TARGET_FILE_DIR:${target}>
         VERBATIM)
 endfunction()
 
@@ -144,9 +144,10 @@ function(zentara_add_plugin name)
     endif()
 endfunction()
 
-# zentara_add_test(NAME SOURCES ... [LIBRARIES ...]): one GoogleTest executable, one test for CTest.
+# zentara_add_test(NAME SOURCES ... [SEAMS] [LIBRARIES ...]): one GoogleTest executable, one test for CTest. With SEAMS it
+# links the copy of the library that exports what tests adjust.
 function(zentara_add_test name)
-    cmake_parse_arguments(arg "" "TIMEOUT" "SOURCES;LIBRARIES;DEPENDS;ENVIRONMENT" ${ARGN})
+    cmake_parse_arguments(arg "SEAMS" "TIMEOUT" "SOURCES;LIBRARIES;DEPENDS;ENVIRONMENT" ${ARGN})
     if(NOT arg_TIMEOUT)
         set(arg_TIMEOUT 300)
     endif()
@@ -161,7 +162,15 @@ function(zentara_add_test name)
         set(stride 13)
     endif()
     target_compile_definitions(${name} PRIVATE ZENTARA_TEST_STRIDE=${stride})
-    target_link_libraries(${name} PRIVATE ZentaraPlugins zentara_settings zentara_test_main ${arg_LIBRARIES})
+    set(library ZentaraPlugins)
+    if(arg_SEAMS)
+        set(library zentara_seams)
+        if(WIN32)
+            # A program's DLLs are looked for in its own directory first.
+            set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/seams)
+        endif()
+    endif()
+    target_link_libraries(${name} PRIVATE ${library} zentara_settings zentara_test_main ${arg_LIBRARIES})
     if(arg_DEPENDS)
         add_dependencies(${name} ${arg_DEPENDS})
     endif()

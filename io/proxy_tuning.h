@@ -3,11 +3,9 @@
 #include <atomic>
 #include <cstdint>
 
-#include <zentara/export.h>
-
 namespace Zentara::IO::Detail {
 
-/// The time limits of proxified calls. Tests shorten them; nothing else changes them.
+/// The time limits of proxified calls. Tests of the library's objects shorten them; nothing else changes them.
 struct ProxyTuning {
     /// How long a caller waits from the start of its request.
     std::atomic<std::uint32_t> timeoutMilliseconds{2000};
@@ -18,6 +16,6 @@ struct ProxyTuning {
 };
 
 /// The process's one. Safe.
-[[nodiscard]] ZENTARA_API ProxyTuning& proxyTuning() noexcept;
+[[nodiscard]] ProxyTuning& proxyTuning() noexcept;
 
 } // namespace Zentara::IO::Detail

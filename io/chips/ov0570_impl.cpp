@@ -10,12 +10,12 @@
 #include <zentara/utils/kv_logger.h>
 #include <zentara/utils/mutex.h>
 
-#include "io/chips/chip_clock.h"
 #include "io/chips/chip_commands.h"
 #include "io/chips/modulation.h"
 #include "io/chips/ov0570_flash.h"
 #include "io/chips/ov0570_protocol.h"
 #include "io/chips/ov0570_registers.h"
+#include "io/chips/sleeping_clock.h"
 
 namespace Zentara::IO {
 
@@ -223,7 +223,7 @@ void OV0570Impl::OV0570ImplPrivate::reset() noexcept {
         strobe.bits = 0;
 }
 
-OV0570Impl::OV0570Impl() : OV0570Impl(ChipClock::system()) {}
+OV0570Impl::OV0570Impl() : OV0570Impl(sleepingClock()) {}
 
 OV0570Impl::OV0570Impl(ChipClock& clock) : impl(std::make_unique<OV0570ImplPrivate>(*this, clock)) {}
 

@@ -9,9 +9,9 @@
 #include <zentara/utils/format.h>
 #include <zentara/utils/mutex.h>
 
-#include "io/chips/chip_clock.h"
 #include "io/chips/chip_commands.h"
 #include "io/chips/modulation.h"
+#include "io/chips/sleeping_clock.h"
 #include "io/chips/vc0258_protocol.h"
 #include "io/chips/vc0258_tunnel.h"
 #include "io/chips/vc_bridge.h"
@@ -235,7 +235,7 @@ void VC0258Impl::VC0258ImplPrivate::reset() noexcept {
     bridge.forget();
 }
 
-VC0258Impl::VC0258Impl() : VC0258Impl(ChipClock::system()) {}
+VC0258Impl::VC0258Impl() : VC0258Impl(sleepingClock()) {}
 
 VC0258Impl::VC0258Impl(ChipClock& clock) : impl(std::make_unique<VC0258ImplPrivate>(*this, clock)) {}
 

@@ -9,10 +9,10 @@
 #include <zentara/utils/format.h>
 #include <zentara/utils/mutex.h>
 
-#include "io/chips/chip_clock.h"
 #include "io/chips/chip_commands.h"
 #include "io/chips/little_endian.h"
 #include "io/chips/modulation.h"
+#include "io/chips/sleeping_clock.h"
 #include "io/chips/vc0345_protocol.h"
 #include "io/chips/vc_bridge.h"
 
@@ -136,7 +136,7 @@ std::vector<unsigned char> VC0345Impl::VC0345ImplPrivate::readMemory(unsigned st
     return bytes;
 }
 
-VC0345Impl::VC0345Impl() : VC0345Impl(ChipClock::system()) {}
+VC0345Impl::VC0345Impl() : VC0345Impl(sleepingClock()) {}
 
 VC0345Impl::VC0345Impl(ChipClock& clock) : impl(std::make_unique<VC0345ImplPrivate>(*this, clock)) {}
 

@@ -17,7 +17,7 @@
 #include <zentara/utils/signal.h>
 
 #include "io/device_script.h"
-#include "io/proxy_tuning.h"
+#include "support/seams.h"
 
 namespace Testing {
 
@@ -140,10 +140,7 @@ public:
     ~TuningGuard() { set(2000, 10000, 50); }
 
     void set(std::uint32_t timeout, std::uint32_t stuck, std::uint32_t slice) {
-        auto& tuning = Zentara::IO::Detail::proxyTuning();
-        tuning.timeoutMilliseconds = timeout;
-        tuning.stuckCallMilliseconds = stuck;
-        tuning.sliceMilliseconds = slice;
+        Seams::setProxyLimits(timeout, stuck, slice);
     }
 };
 

@@ -9,8 +9,6 @@
 #include <zentara/io/xu_device_requests.h>
 #include <zentara/utils/smart_ptr.h>
 
-#include "io/device_link.h"
-#include "io/retired_workers.h"
 #include "io/script.h"
 
 namespace Testing {
@@ -292,10 +290,10 @@ TEST_F(WorkerTest, ARequestThatSomebodyKeepsIsLeftToHim) {
     auto* const request = new TracedRequest(RequestType_THREAD_UNINITIALIZE, gone);
     static_cast<Utils::Refcounted*>(request)->incref();
     EXPECT_EQ("RequestType_THREAD_UNINITIALIZE: the request is still in use",
-              outcome([&] { dropWhenLast(*request); }));
+              outcome([&] { Seams::dropWhenLast(*request); }));
     tuning.set(2000, 60000, 10);
     std::thread keeper([&] { request->drop(); });
-    dropWhenLast(*request);
+    Seams::dropWhenLast(*request);
     keeper.join();
     EXPECT_TRUE(gone.isSet());
 }
@@ -328,9 +326,9 @@ TEST_F(WorkerTest, ADeviceThatDoesNotReturnHoldsNobodyUp) {
     // Never started, and withdrawn: it must not run later either.
     EXPECT_EQ("processRequest: I/O timeout: RequestType_CLOSE", outcome([&] { proxy->close(); }));
     // The last release does not wait for ever for it. The proxy's own thread-uninitialise is withdrawn like the rest.
-    const int before = Detail::retiredWorkers();
+    const int before = Seams::retiredWorkers();
     proxy.reset();
-    EXPECT_EQ(before + 1, Detail::retiredWorkers());
+    EXPECT_EQ(before + 1, Seams::retiredWorkers());
     gate.open();
     tuning.set(2000, 10000, 10);
     const auto slots = script.takeSlots();
@@ -341,7 +339,7 @@ TEST_F(WorkerTest, ADeviceThatDoesNotReturnHoldsNobodyUp) {
     EXPECT_THAT(script.takeSlots(), ElementsAre(6, close));
     // What was left to its thread goes when the thread has ended and a worker is made anew.
     next.dispose();
-    while (Detail::retiredWorkers() > before) {
+    while (Seams::retiredWorkers() > before) {
         std::this_thread::yield();
         const Worker another;
     }
@@ -451,7 +449,7 @@ TEST_F(WorkerTest, TheNextWorkerDoesNotWaitForTheLast) {
         [&] { EXPECT_EQ("done", outcome([&] { last->processRequest(request.get(), patience); })); });
     gate.awaitArrival();
 
-    const int retired = Detail::retiredWorkers();
+    const int retired = Seams::retiredWorkers();
     std::vector<std::thread> releases;
     AVDeviceProxyThread* next = last;
     for (; next == last; next = AVDeviceProxyThread::instance())
@@ -463,7 +461,7 @@ TEST_F(WorkerTest, TheNextWorkerDoesNotWaitForTheLast) {
     caller.join();
     for (std::thread& release : releases)
         release.join();
-    EXPECT_EQ(retired, Detail::retiredWorkers()) << "the last one was given up";
+    EXPECT_EQ(retired, Seams::retiredWorkers()) << "the last one was given up";
     next->release();
 }
 

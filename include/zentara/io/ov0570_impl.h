@@ -85,7 +85,7 @@ public:
     void reset();
 
 protected:
-    /// For tests. \param clock does all the waiting and must outlive the chip.
+    /// \param clock does all the waiting; it must outlive the chip
     explicit OV0570Impl(ChipClock& clock);
 
 private:

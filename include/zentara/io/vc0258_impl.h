@@ -79,7 +79,7 @@ public:
     void reset();
 
 protected:
-    /// For tests. \param clock does all the waiting and must outlive the chip.
+    /// \param clock does all the waiting; it must outlive the chip
     explicit VC0258Impl(ChipClock& clock);
 
 private:

@@ -6,12 +6,12 @@
 #include <utility>
 #include <vector>
 
+#include <zentara/io/chip_clock.h>
 #include <zentara/io/ov0570_impl.h>
 #include <zentara/io/uvc_command_request.h>
 #include <zentara/io/vc0258_impl.h>
 #include <zentara/io/vc0345_impl.h>
 
-#include "io/chips/chip_clock.h"
 #include "plugins/simulated/controllers/controller_port.h"
 #include "plugins/simulated/controllers/ov0570_controller.h"
 #include "plugins/simulated/controllers/vc0258_controller.h"

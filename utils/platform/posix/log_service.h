@@ -4,9 +4,9 @@
 
 namespace Zentara::Utils::Platform {
 
-/// Stands in for the system's log service, for tests; the library does not contain it. While it lives, what the
-/// process reports to the system's log comes here.
-class LogService final {
+/// Stands in for the system's log service, for tests: the copy of the library that they link contains it, the library
+/// does not. While it lives, what the process reports to the system's log comes here.
+class [[gnu::visibility("default")]] LogService final {
 public:
     /// Listens at a path that must not exist yet; aborts where it cannot.
     explicit LogService(std::string path);

@@ -1,4 +1,4 @@
-#include "io/chips/chip_clock.h"
+#include "io/chips/sleeping_clock.h"
 
 #include <thread>
 
@@ -13,7 +13,7 @@ public:
 
 } // namespace
 
-ChipClock& ChipClock::system() noexcept {
+ChipClock& sleepingClock() noexcept {
     static SleepingClock clock;
     return clock;
 }
