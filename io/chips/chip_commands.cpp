@@ -88,7 +88,20 @@ void readRegister(CommandExecutor& executor, const getI2CRegisterRequest& reques
                             request.getAddressWidth(), request.getDataWidth());
 }
 
+/// Whether requests of the type are executed when they are of the class that belongs to it.
+bool isExecuted(XURequestType type) {
+    return type == XU_UVC_COMMAND || type == XU_SET_I2C_REGISTER || type == XU_GET_I2C_REGISTER ||
+           type == XU_SET_I2C_ARRAY || type == XU_GET_I2C_ARRAY;
+}
+
 } // namespace
+
+void refuse(const char* chip, const xuRequest& request) {
+    const char* const message = isExecuted(request.type())
+                                    ? "%: a request of type % that is not of the class of this type"
+                                    : "% does not execute % requests";
+    throw Plugin::NotSupportedPluginException(Format(message) % chip % typeName(request.type()));
+}
 
 void executeCommand(CommandExecutor& executor, const char* chip, const xuRequest& request) {
     if (const auto* command = dynamic_cast<const UVCCommandRequest*>(&request)) {
@@ -103,8 +116,7 @@ void executeCommand(CommandExecutor& executor, const char* chip, const xuRequest
     } else if (const auto* arrayRead = dynamic_cast<const getI2CArrayRequest*>(&request)) {
         readArray(executor, *arrayRead);
     } else {
-        throw Plugin::NotSupportedPluginException(Format("% does not execute % requests") % chip %
-                                                  typeName(request.type()));
+        refuse(chip, request);
     }
 }
 

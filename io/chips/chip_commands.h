@@ -28,6 +28,9 @@ protected:
 /// register is touched.
 void executeCommand(CommandExecutor& executor, const char* chip, const xuRequest& request);
 
+/// \throws NotSupportedPluginException always, naming the chip, the request's type and what is wrong with it.
+[[noreturn]] void refuse(const char* chip, const xuRequest& request);
+
 /// \throws ArgumentPluginException for a null request, naming the chip.
 void checkCommand(const char* chip, const xuRequest* request);
 

@@ -147,12 +147,14 @@ void VC0345Impl::setup() { setup(VC::unitGuid); }
 // The wait belongs to the command: one that does nothing waits all the same.
 void VC0345Impl::processCommand(Utils::SmartPtr<xuRequest> request) {
     checkCommand("VC0345", request.get());
+    if (request->type() != XU_UVC_COMMAND)
+        return;
+    const auto* const command = dynamic_cast<const UVCCommandRequest*>(request.get());
+    if (!command)
+        refuse("VC0345", *request);
     const AutoLock lock(impl->mutex);
-    const auto* command = dynamic_cast<const UVCCommandRequest*>(request.get());
-    if (command && command->type() == XU_UVC_COMMAND) {
-        impl->clock.wait(commandWait);
-        impl->execute(*command);
-    }
+    impl->clock.wait(commandWait);
+    impl->execute(*command);
 }
 
 void VC0345Impl::setUSBBackendRegisterLocked(unsigned int reg, unsigned int value) {

@@ -16,7 +16,8 @@ class ChipClock;
 /// byte at a time. The bridge's sensor control size (0x8102) is remembered and sent only when it changes. The
 /// memory is read and written byte by byte.
 ///
-/// Requests: only those of type 1 are executed, after a wait of 5 ms; others are left alone without a word.
+/// Requests: only those of type 1 are executed, after a wait of 5 ms; others are left alone without a word. One of
+/// type 1 that is no `UVCCommandRequest` is refused with a NotSupportedPluginException.
 ///
 /// Every operation may throw what the proxy throws. A setting whose write failed is sent again with its next
 /// use. *Safe*: each call holds the chip's lock throughout, and takes the proxy's and the logger's after it.
