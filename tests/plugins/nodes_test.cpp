@@ -37,6 +37,7 @@
 #include "plugins/simulated/nodes/depth_frame.h"
 #include "plugins/simulated/nodes/simulated_audio_node.h"
 #include "plugins/simulated/sensors.h"
+#include "support/log_capture.h"
 #include "support/rom_image.h"
 
 namespace Zentara {
@@ -231,8 +232,14 @@ TEST_P(DepthNodeTest, ReadsItsSensorsNowAndPeriodically) {
 TEST_P(DepthNodeTest, GivesTheDescriptionsCalibrationWithoutAStorage) {
     plugOne(GetParam(), "flash " + host.path("empty"));
     Utils::writeFile(host.path("empty"), std::string(0x10000, '\xFF'));
+    const TestSupport::LogCapture log;
     DepthHost camera(host.find(NodeType_DEPTH));
     camera.initialize();
+    EXPECT_THAT(
+        log.warnings(),
+        ElementsAre("camera " + camera.event.serialNumber +
+                    ": its flash holds no lens model; its lens model is the one in the description of " +
+                    GetParam() + ", which was not measured on this camera"));
     EXPECT_EQ(camera->getImageRegistrationCalibration().extrinsics.values.at(0).t1, 25.0F);
     EXPECT_EQ(camera->getTemperatureCalibration(DepthNode::CameraMode_0).values.at(0).value, 36.5F);
     EXPECT_FALSE(camera->getTemperatureCompensation().comesFromRom());
@@ -314,7 +321,9 @@ TEST_P(DepthNodeTest, ReadsTheCalibrationInTheCamerasStorage) {
 
 TEST_P(DepthNodeTest, FindsTheStorageOfACameraFromTheFactory) {
     DepthHost camera(host.find(NodeType_DEPTH));
+    const TestSupport::LogCapture log;
     camera.initialize();
+    EXPECT_THAT(log.warnings(), SizeIs(0)) << "nothing was tried that had to fail";
     EXPECT_TRUE(camera->getTemperatureCompensation().comesFromRom());
     EXPECT_TRUE(camera->getCyclicErrorCorrection().comesFromRom());
     EXPECT_EQ(camera->getImageRegistrationCalibration().extrinsics.values.at(0).t1, 26.5F);
@@ -402,6 +411,7 @@ TEST_P(DepthNodeTest, WhateverTransferFailsItCanBeDisposedAndInitializedAgain) {
         EXPECT_EQ(read(camera).status, ReadBufferStatus_OK);
         camera->disableStreaming();
     };
+    const TestSupport::LogCapture log;
     run(1'000'000);
     const std::size_t needed = transfers();
     ASSERT_GT(needed, 30U);
@@ -412,6 +422,9 @@ TEST_P(DepthNodeTest, WhateverTransferFailsItCanBeDisposedAndInitializedAgain) {
             camera->dispose(); // else the next initialize replaces this one
     }
     EXPECT_GT(failed, 20U) << "a storage that cannot be read is no failure";
+    EXPECT_THAT(log.warnings(),
+                testing::Contains(HasSubstr("camera " + camera.event.serialNumber +
+                                            ": its flash cannot be read (the transfer failed")));
     run(needed + 1);
 }
 

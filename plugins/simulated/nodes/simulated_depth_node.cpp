@@ -8,6 +8,7 @@
 #include <zentara/io/video_device_proxy.h>
 #include <zentara/node_event.h>
 #include <zentara/utils/format.h>
+#include <zentara/utils/kv_logger.h>
 
 #include "plugins/simulated/descriptions/controller_code.h"
 #include "plugins/simulated/nodes/attempt.h"
@@ -56,6 +57,19 @@ std::vector<Mode> modesOf(const Core::DescriptorStoreRO& store) {
     return modes;
 }
 
+/// Depth that counts on another camera's lens is not to pass for better than it is.
+void warnOfLens(const std::string& serialNumber, const Core::DescriptorStoreRO& store,
+                const std::string& why) {
+    Utils::KVLogger* const logger = Utils::KVLogger::instance();
+    if (logger == nullptr)
+        return;
+    logger->warning(
+        Format("camera %: %; its lens model is the one in the description of %, which was not measured on "
+               "this camera") %
+        serialNumber % why % store.getDeviceName());
+    Utils::KVLogger::release();
+}
+
 } // namespace
 
 /// Everything that lives from `initialize` to `dispose`, in an order in which it can be taken apart.
@@ -97,7 +111,8 @@ struct SimulatedDepthNode::Camera {
     const std::vector<Mode> known;
     std::unique_ptr<StoredCalibration> calibration;
     bool storageRead = false;
-    Mode running; ///< null while nothing streams
+    std::string lensTrouble; ///< why the lens model is not the camera's own; empty if it is
+    Mode running;            ///< null while nothing streams
     SensorPoll sensors;
     std::vector<std::uint8_t> delivered = std::vector<std::uint8_t>(largestRawFrame); ///< the reader's alone
 };
@@ -291,14 +306,20 @@ void SimulatedDepthNode::reloadROMLayout(bool force) {
 void SimulatedDepthNode::loadStorage() {
     Camera& present = require("reloadROMLayout");
     StoredObjects objects;
+    std::string trouble;
     present.storageRead = false;
     try {
         objects = readStorage(present.commands.chip(), present.store.getROMElement(storageElement));
         present.storageRead = true;
-    } catch (const PluginException&) {
-        // Logged where it was made.
+        if (!objects.calibration || objects.calibration->getDepthIntrinsics().empty())
+            trouble = "its flash holds no lens model";
+    } catch (const PluginException& failure) {
+        trouble = Format("its flash cannot be read (%)") % failure.message();
     }
     present.calibration = std::make_unique<StoredCalibration>(&present.store, present.serialNumber, objects);
+    if (!trouble.empty() && trouble != present.lensTrouble)
+        warnOfLens(present.serialNumber, present.store, trouble);
+    present.lensTrouble = std::move(trouble);
 }
 
 std::vector<Mode> SimulatedDepthNode::getConfigurations() {

@@ -11,7 +11,8 @@ namespace Zentara::Simulated {
 /// The depth stream of a simulated camera, whichever controller it has. What it delivers stands in depth_frame.h.
 ///
 /// `initialize` opens the device, binds the chip that the description names, starts the parameters and reads the
-/// camera's storage; a storage that cannot be read is as good as an empty one. Starting sends the pre-common commands,
+/// camera's storage; one that cannot be read is as good as an empty one. Without a lens model in it the description's
+/// counts, and one warning in the log names the camera and says so. Starting sends the pre-common commands,
 /// those of the mode and the post-common ones, then starts the device; stopping does it backwards. Disposing stops.
 /// The host lets its reader end before it disposes.
 class SimulatedDepthNode final : public Core::DepthNodeInterface {
