@@ -107,7 +107,7 @@ TEST_F(DescriptorStore, TellsAllOfADepthNode) {
     EXPECT_EQ(view().getDefaultExtrinsics().t1, 25.0F);
     EXPECT_THAT(view().getDefaultDepthIntrinsicsArray(), SizeIs(1));
     EXPECT_EQ(view().getDefaultDepthIntrinsicsArray()[0].k1, -0.12F);
-    EXPECT_EQ(view().getHardwareVersion().modules[1].productId, 96U);
+    EXPECT_EQ(view().getHardwareVersion().modules[1].productId, 0x570U) << "the controller";
     EXPECT_EQ(view().getDefaultRegionOfInterest(), (RegionOfInterestInternal{0, 0, 320, 240}));
     EXPECT_THAT(view().getParameters(), SizeIs(16));
     std::uint32_t value = 0;

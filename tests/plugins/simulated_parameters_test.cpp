@@ -12,6 +12,7 @@
 #include "plugins/simulated/controllers/ov0570_controller.h"
 #include "plugins/simulated/controllers/vc0258_controller.h"
 #include "plugins/simulated/controllers/vc0345_controller.h"
+#include "plugins/simulated/descriptions/controller_code.h"
 #include "plugins/simulated/parameters/back_end_guid.h"
 #include "plugins/simulated/parameters/parameter_table.h"
 #include "support/plugin_failure.h"
@@ -59,6 +60,13 @@ std::unique_ptr<ControllerModel> makeController(ChipKind kind) {
     }
 }
 
+/// A camera with that controller in the list of its modules.
+HardwareVersionInternal withController(ChipKind kind) {
+    HardwareVersionInternal version;
+    version.modules[1].productId = controllerProduct(kind);
+    return version;
+}
+
 /// The back-end plug-in over a simulated camera with each of the controllers.
 class SimulatedParameters : public testing::TestWithParam<ChipKind> {
 protected:
@@ -67,7 +75,7 @@ protected:
         connect();
     }
 
-    void connect() { parameters->initialize(&camera, set, get, {}, {}); }
+    void connect() { parameters->initialize(&camera, set, get, {}, withController(GetParam())); }
 
     template<typename T>
     T read(ParameterType parameter) {
@@ -100,6 +108,8 @@ TEST_P(SimulatedParameters, EveryParameterBeginsWithinItsRange) {
     EXPECT_EQ(parameters->getRegionOfInterest(), (RegionOfInterestInternal{0, 0, 320, 240}));
     EXPECT_EQ(parameters->getRawOutputMode(), RawOutputMode_PHASE_AND_CONFIDENCE);
     EXPECT_NEAR(read<float>(ParameterType_FLOAT_3), 36.5F, 0.1F) << "the temperature";
+    for (const Transfer& made : camera.log())
+        EXPECT_EQ(made.failure, "") << "a start makes no call that must fail";
     EXPECT_EQ(parameters->getUnitType(ParameterType_FLOAT_3), UnitType_CELSIUS);
 }
 
@@ -245,12 +255,12 @@ TEST_P(SimulatedParameters, InterruptedStartBeginsAnew) {
     ControllerPort fresh{makeController(GetParam())};
     fresh.select(fresh.model().guid());
     // Walks the failure through the whole start; at some transfer it has become long enough to succeed.
-    std::uint64_t nth = 4;
+    std::uint64_t nth = 1;
     for (bool started = false; !started; ++nth) {
         fresh.clearFaults();
         fresh.addFault({nth, TransferFaultKind::Fail});
         try {
-            parameters->initialize(&fresh, set, get, {}, {});
+            parameters->initialize(&fresh, set, get, {}, withController(GetParam()));
             started = true;
         } catch (const Plugin::InitializationPluginException&) {
             ASSERT_LT(nth, 1000U);
@@ -268,7 +278,7 @@ TEST(SimulatedParametersOfAVC0258, LeaveTheByteOrderToWhoeverSetIt) {
     ControllerPort camera(std::move(model));
     camera.select(controller.guid());
     const Interpreter parameters = LibraryParameterInterpreter::create(parameterBackEndGuid);
-    parameters->initialize(&camera, set, get, {}, {});
+    parameters->initialize(&camera, set, get, {}, withController(ChipKind::VC0258));
     for (const std::uint8_t order : {1, 0}) {
         const std::uint8_t packet[] = {0x20, 0x39, 0xB4, order};
         camera.set(4, 4, packet, sizeof packet);
@@ -309,7 +319,8 @@ TEST(SimulatedParametersOfAVC0258, AreWholeThoughTheByteOrderChangesMeanwhile) {
     camera.select(camera.model().guid());
     RestlessBridge bridge{camera, 0};
     const Interpreter parameters = LibraryParameterInterpreter::create(parameterBackEndGuid);
-    parameters->initialize(&bridge, RestlessBridge::set, RestlessBridge::get, {}, {});
+    parameters->initialize(&bridge, RestlessBridge::set, RestlessBridge::get, {},
+                           withController(ChipKind::VC0258));
     for (int turns = 0; turns < 4; ++turns) {
         bridge.turns = turns;
         parameters->write(ParameterType_INT_15, 0x1234 + turns);
@@ -330,7 +341,8 @@ TEST(SimulatedParametersOfOddCameras, AreRefused) {
     const auto refusal = [&](OV0570Controller::Settings settings) {
         ControllerPort camera(std::make_unique<OV0570Controller>(settings));
         camera.select(camera.model().guid());
-        return failure([&] { parameters->initialize(&camera, set, get, {}, {}); });
+        return failure(
+            [&] { parameters->initialize(&camera, set, get, {}, withController(ChipKind::OV0570)); });
     };
     const std::pair refused(6, std::string("Failed to initialize plugin"));
     OV0570Controller::Settings settings;
@@ -340,12 +352,22 @@ TEST(SimulatedParametersOfOddCameras, AreRefused) {
     EXPECT_EQ(refusal(settings), refused) << "no time-of-flight controller";
     settings.claimedDevices = 255;
     EXPECT_EQ(refusal(settings), refused) << "more devices than the reply has room for";
-    EXPECT_EQ(failure([&] { parameters->initialize(nullptr, nullptr, nullptr, {}, {}); }), refused);
-    const auto dead = [](void*, unsigned short, unsigned int, unsigned char*, unsigned int) {
+    EXPECT_EQ(failure([&] {
+                  parameters->initialize(nullptr, nullptr, nullptr, {}, withController(ChipKind::VC0258));
+              }),
+              refused);
+    int calls = 0;
+    const auto dead = [](void* asked, unsigned short, unsigned int, unsigned char*, unsigned int) {
+        ++*static_cast<int*>(asked);
         return ErrorCode_IO;
     };
-    EXPECT_EQ(failure([&] { parameters->initialize(nullptr, dead, dead, {}, {}); }), refused)
+    EXPECT_EQ(failure([&] { parameters->initialize(&calls, dead, dead, {}, {}); }), refused);
+    EXPECT_EQ(calls, 0) << "nothing is tried out on a camera that names no controller";
+    EXPECT_EQ(
+        failure([&] { parameters->initialize(&calls, dead, dead, {}, withController(ChipKind::VC0345)); }),
+        refused)
         << "no answer at all";
+    EXPECT_EQ(calls, 1);
 }
 
 } // namespace

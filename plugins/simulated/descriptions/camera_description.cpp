@@ -56,6 +56,23 @@ ChipKind readController(const JsonValue& value) {
     return *kind;
 }
 
+/// Puts the controller into the list of modules, unless it stands there.
+void listController(const JsonValue& list, const Core::DeviceDescriptor& device,
+                    HardwareVersionInternal& version) {
+    const ChipKind controller = *describedController(device.capabilities);
+    const std::optional<ChipKind> listed = listedController(version);
+    if (listed == controller)
+        return;
+    if (listed)
+        list.fail(Format("names the controller %, but the camera has an %") % chipName(*listed) %
+                  chipName(controller));
+    const auto free = std::find(version.modules.begin(), version.modules.end(), ModuleIdInternal());
+    if (free == version.modules.end())
+        list.fail(Format("leaves no room for the controller; one of its modules must have the productId %") %
+                  controllerProduct(controller));
+    *free = {device.hardwareIds.vendorId, controllerProduct(controller), 0, 0};
+}
+
 Core::DeviceDescriptor readDevice(JsonFields& fields) {
     Core::DeviceDescriptor device;
     device.hardwareIds.vendorId = fields.need("vendorId").word();
@@ -207,8 +224,10 @@ CameraDescription readDescription(const std::string& text, const std::string& so
     camera.serialNumber = serialNumber.name();
     camera.serialLine = serialNumber.line();
     camera.device = readDevice(fields);
-    if (const auto field = fields.find("hardwareVersion"))
-        camera.hardwareVersion = readHardwareVersion(*field);
+    const auto hardwareVersion = fields.find("hardwareVersion");
+    if (hardwareVersion)
+        camera.hardwareVersion = readHardwareVersion(*hardwareVersion);
+    listController(hardwareVersion.value_or(model), camera.device, camera.hardwareVersion);
     readNodes(fields.need("nodes"), camera);
     fields.finish();
     return camera;

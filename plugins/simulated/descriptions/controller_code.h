@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <optional>
 
+#include <zentara/hardware_version_internal.h>
+
 #include "plugins/simulated/controllers/controller_model.h"
 
 namespace Zentara::Simulated {
@@ -21,6 +23,25 @@ constexpr std::int32_t controllerBits = 8;
     if (code < controllerCode(ChipKind::OV0570) || code > controllerCode(ChipKind::VC0345))
         return std::nullopt;
     return static_cast<ChipKind>(code - 1);
+}
+
+/// The product number under which the list of a camera's modules holds its controller: a parameter back-end sees the
+/// list, and no capabilities.
+[[nodiscard]] constexpr std::uint32_t controllerProduct(ChipKind kind) noexcept {
+    constexpr std::uint32_t products[] = {0x0570, 0x0258, 0x0345};
+    return products[static_cast<std::size_t>(kind)];
+}
+
+/// The first controller in the list; nothing when it holds none.
+[[nodiscard]] constexpr std::optional<ChipKind>
+listedController(const HardwareVersionInternal& version) noexcept {
+    for (const ModuleIdInternal& module : version.modules) {
+        for (const ChipKind kind : {ChipKind::OV0570, ChipKind::VC0258, ChipKind::VC0345}) {
+            if (module.productId == controllerProduct(kind))
+                return kind;
+        }
+    }
+    return std::nullopt;
 }
 
 /// The ROM element under which a camera's description keeps where the storage of its calibration lies.

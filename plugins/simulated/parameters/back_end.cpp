@@ -93,11 +93,11 @@ ZENTARA_PLUGIN_EXPORT void destroyInstance(void* instance) { delete static_cast<
 
 ZENTARA_PLUGIN_EXPORT ErrorCode initialize(void* handle, void* context, IO::BackEnd::Transfer* set,
                                            IO::BackEnd::Transfer* get, const HardwareIDs*,
-                                           const HardwareVersionInternal*) {
+                                           const HardwareVersionInternal* version) {
     return guard(handle, [&](Instance& instance) {
-        if (!set || !get)
+        if (!set || !get || !version)
             throw Failure(ErrorCode_FAILED, "no way to the camera was given");
-        instance.camera.emplace(TransferPair{context, set, get});
+        instance.camera.emplace(TransferPair{context, set, get}, *version);
     });
 }
 

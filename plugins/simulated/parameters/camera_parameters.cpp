@@ -157,8 +157,8 @@ Bytes startingCalibration() {
 
 } // namespace
 
-CameraParameters::CameraParameters(const TransferPair& transfers)
-    : registers(findTofRegisters(transfers)), calibration(startingCalibration()) {
+CameraParameters::CameraParameters(const TransferPair& transfers, const HardwareVersionInternal& version)
+    : registers(findTofRegisters(transfers, version)), calibration(startingCalibration()) {
     if (registers->read(signatureRegister) != signature)
         start();
 }

@@ -17,7 +17,7 @@ namespace Zentara::Simulated {
 class CameraParameters {
 public:
     /// Finds the camera's registers and gives them their starting values, unless they have had them.
-    explicit CameraParameters(const TransferPair& transfers);
+    CameraParameters(const TransferPair& transfers, const HardwareVersionInternal& version);
 
     /// The parameter. \throws Failure if the cameras do not have it, or of another type
     [[nodiscard]] static const Parameter& parameter(ParameterType number);

@@ -2,6 +2,9 @@
 
 #include <array>
 #include <cstddef>
+#include <optional>
+
+#include "plugins/simulated/descriptions/controller_code.h"
 
 namespace Zentara::Simulated {
 
@@ -21,18 +24,12 @@ struct Control {
     std::uint16_t unit;
     std::uint32_t selector;
 
-    [[nodiscard]] bool trySet(const TransferPair& transfers, Packet packet) const {
-        return transfers.set(transfers.context, unit, selector, packet.data(), Length) == ErrorCode_SUCCESS;
-    }
-    [[nodiscard]] bool tryGet(const TransferPair& transfers, Packet& packet) const {
-        return transfers.get(transfers.context, unit, selector, packet.data(), Length) == ErrorCode_SUCCESS;
-    }
-    void set(const TransferPair& transfers, const Packet& packet) const {
-        if (!trySet(transfers, packet))
+    void set(const TransferPair& transfers, Packet packet) const {
+        if (transfers.set(transfers.context, unit, selector, packet.data(), Length) != ErrorCode_SUCCESS)
             throw Failure(ErrorCode_IO, describe("setting"));
     }
     [[nodiscard]] Packet get(const TransferPair& transfers, Packet packet) const {
-        if (!tryGet(transfers, packet))
+        if (transfers.get(transfers.context, unit, selector, packet.data(), Length) != ErrorCode_SUCCESS)
             throw Failure(ErrorCode_IO, describe("reading"));
         return packet;
     }
@@ -95,11 +92,6 @@ std::unique_ptr<TofRegisters> makeOV0570(const TransferPair& transfers, const Co
 constexpr Control<4> bridge{4, 4};
 constexpr std::uint16_t sensorControlSize = 0x8102;
 constexpr std::uint16_t lastByteOrder = 0xB439;
-constexpr std::uint8_t probedRegister = 0x21; // the controller's version; reading it changes nothing
-
-Control<4>::Packet bridgeWrite(std::uint16_t address, std::uint8_t value) {
-    return {0x20, lowByte(address), highByte(address), value};
-}
 
 constexpr Control<9> tunnel{4, 16};
 
@@ -174,28 +166,31 @@ private:
     const TransferPair transfers;
 };
 
-/// The two bridges share their unit; they differ in the length of the control behind which the registers lie.
-std::unique_ptr<TofRegisters> findVC(const TransferPair& transfers) {
-    if (!bridge.trySet(transfers, bridgeWrite(sensorControlSize, 9)))
-        return nullptr;
-    Control<9>::Packet wide = {0x46, 1, 2, probedRegister};
-    if (tunnel.tryGet(transfers, wide))
-        return std::make_unique<VC0258Registers>(transfers);
-    Control<4>::Packet narrow = {0x46, probedRegister};
-    if (bridge.trySet(transfers, bridgeWrite(sensorControlSize, 4)) && tofControl.tryGet(transfers, narrow))
-        return std::make_unique<VC0345Registers>(transfers);
-    return nullptr;
+/// A tunnel carries as many bytes as this register of its bridge says.
+void setTunnelSize(const TransferPair& transfers, std::uint8_t bytes) {
+    bridge.set(transfers, {0x20, lowByte(sensorControlSize), highByte(sensorControlSize), bytes});
 }
 
 } // namespace
 
-std::unique_ptr<TofRegisters> findTofRegisters(const TransferPair& transfers) {
-    Control<64>::Packet reply{};
-    if (information.tryGet(transfers, reply))
-        return makeOV0570(transfers, reply);
-    if (auto registers = findVC(transfers))
-        return registers;
-    throw Failure(ErrorCode_IO, "the camera answers neither as an OV0570 nor as a VC0258 or VC0345");
+std::unique_ptr<TofRegisters> findTofRegisters(const TransferPair& transfers,
+                                               const HardwareVersionInternal& version) {
+    const std::optional<ChipKind> controller = listedController(version);
+    if (!controller)
+        throw Failure(
+            ErrorCode_NOT_SUPPORTED,
+            "none of the camera's modules is a controller with the product number 0x0570, 0x0258 or 0x0345");
+    switch (*controller) {
+    case ChipKind::OV0570:
+        return makeOV0570(transfers, information.get(transfers, {}));
+    case ChipKind::VC0258:
+        setTunnelSize(transfers, 9);
+        return std::make_unique<VC0258Registers>(transfers);
+    case ChipKind::VC0345:
+        setTunnelSize(transfers, 4);
+        return std::make_unique<VC0345Registers>(transfers);
+    }
+    throw Failure(ErrorCode_FAILED, "unknown controller");
 }
 
 } // namespace Zentara::Simulated

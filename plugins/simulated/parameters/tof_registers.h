@@ -40,8 +40,9 @@ protected:
     TofRegisters() = default;
 };
 
-/// Finds out which bridge the camera has by what answers.
-/// \throws Failure if none does, or the controller's registers have another width
-[[nodiscard]] std::unique_ptr<TofRegisters> findTofRegisters(const TransferPair& transfers);
+/// Those behind the bridge that the list of the camera's modules names. Nothing is tried out.
+/// \throws Failure if it names none, the camera does not answer, or its registers have another width
+[[nodiscard]] std::unique_ptr<TofRegisters> findTofRegisters(const TransferPair& transfers,
+                                                             const HardwareVersionInternal& version);
 
 } // namespace Zentara::Simulated
