@@ -144,10 +144,11 @@ function(zentara_add_plugin name)
     endif()
 endfunction()
 
-# zentara_add_test(NAME SOURCES ... [SEAMS] [LIBRARIES ...]): one GoogleTest executable, one test for CTest. With SEAMS it
-# links the copy of the library that exports what tests adjust.
+# zentara_add_test(NAME SOURCES ... [SEAMS] [LIBRARIES ...] [SHARDS N]): one GoogleTest executable, one test for CTest; N
+# tests, NAME_1 and so on, where its cases mostly wait and several may do so at once. With SEAMS it links the copy of
+# the library that exports what tests adjust.
 function(zentara_add_test name)
-    cmake_parse_arguments(arg "SEAMS" "TIMEOUT" "SOURCES;LIBRARIES;DEPENDS;ENVIRONMENT" ${ARGN})
+    cmake_parse_arguments(arg "SEAMS" "TIMEOUT;SHARDS" "SOURCES;LIBRARIES;DEPENDS;ENVIRONMENT" ${ARGN})
     if(NOT arg_TIMEOUT)
         set(arg_TIMEOUT 300)
     endif()
@@ -174,12 +175,21 @@ function(zentara_add_test name)
     if(arg_DEPENDS)
         add_dependencies(${name} ${arg_DEPENDS})
     endif()
-    add_test(NAME ${name} COMMAND ${name})
     if(ZENTARA_SANITIZE MATCHES "address")
         # A late write into the frame of a caller that has gone is found only where frames live on the heap.
         list(APPEND arg_ENVIRONMENT "ASAN_OPTIONS=detect_stack_use_after_return=1"
             "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp")
     endif()
-    set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT}
-        ENVIRONMENT "ZENTARASDK_ROOT=${PROJECT_BINARY_DIR}/;${arg_ENVIRONMENT}")
+    list(PREPEND arg_ENVIRONMENT "ZENTARASDK_ROOT=${PROJECT_BINARY_DIR}/")
+    if(NOT arg_SHARDS)
+        add_test(NAME ${name} COMMAND ${name})
+        set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} ENVIRONMENT "${arg_ENVIRONMENT}")
+        return()
+    endif()
+    foreach(shard RANGE 1 ${arg_SHARDS})
+        math(EXPR index "${shard} - 1")
+        add_test(NAME ${name}_${shard} COMMAND ${name})
+        set_tests_properties(${name}_${shard} PROPERTIES TIMEOUT ${arg_TIMEOUT}
+            ENVIRONMENT "${arg_ENVIRONMENT};GTEST_TOTAL_SHARDS=${arg_SHARDS};GTEST_SHARD_INDEX=${index}")
+    endforeach()
 endfunction()
