@@ -1,7 +1,7 @@
 # What `cmake --install` lays down: library, headers, plug-ins, tool, CMake package and pkg-config file.
 include(CMakePackageConfigHelpers)
 
-install(TARGETS ZentaraPlugins EXPORT ZentaraPluginsTargets
+install(TARGETS ZentaraPlugins ZentaraHost EXPORT ZentaraPluginsTargets
     RUNTIME DESTINATION bin LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/zentara DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
     FILES_MATCHING PATTERN "*.h")
@@ -20,4 +20,5 @@ install(FILES ${PROJECT_BINARY_DIR}/ZentaraPluginsConfig.cmake
     ${PROJECT_BINARY_DIR}/ZentaraPluginsConfigVersion.cmake DESTINATION ${package_dir})
 file(RELATIVE_PATH prefix_from_pkgconfig /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 configure_file(cmake/zentara-plugins.pc.in ${PROJECT_BINARY_DIR}/zentara-plugins.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/zentara-plugins.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+configure_file(cmake/zentara-host.pc.in ${PROJECT_BINARY_DIR}/zentara-host.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/zentara-plugins.pc ${PROJECT_BINARY_DIR}/zentara-host.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

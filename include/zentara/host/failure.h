@@ -1,0 +1,47 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+#include <zentara/host/export.h>
+
+namespace Zentara::Host {
+
+/// What every operation of the host library throws when it cannot do what was asked: what was attempted and on what,
+/// what came back, and what helps. A copyable value. Separate.
+class ZENTARA_HOST_API Failure : public std::runtime_error {
+public:
+    /// The kinds of failure. The numbers are the exit codes of the tool `zentara`.
+    enum class Code : int {
+        Failed = 1,       ///< none of the others: a device, a file or a value is not as it must be
+        Usage = 2,        ///< what was asked for makes no sense; asking again will not help
+        NoDevice = 3,     ///< there is no such camera, or it was pulled out
+        NoPlugin = 4,     ///< no usable plug-in
+        Permission = 5,   ///< the system or the camera does not allow it
+        Busy = 6,         ///< somebody else has it
+        TimedOut = 7,     ///< nothing came back within the limit
+        Verification = 8, ///< what was read back is not what was written
+        Interrupted = 130 ///< somebody asked for the end
+    };
+
+    /// \param attempted what was attempted, on what: "make a point cloud of SIM0570"
+    /// \param cause what came back, with its number
+    /// \param remedy what helps; empty where nothing does
+    Failure(Code code, std::string attempted, std::string cause, std::string remedy = {});
+    Failure(const Failure&);
+    Failure& operator=(const Failure&);
+    ~Failure() override;
+
+    [[nodiscard]] Code code() const noexcept { return kind; }
+    [[nodiscard]] const std::string& attempted() const noexcept { return attempt; }
+    [[nodiscard]] const std::string& cause() const noexcept { return reason; }
+    [[nodiscard]] const std::string& remedy() const noexcept { return help; }
+
+private:
+    Code kind;
+    std::string attempt;
+    std::string reason;
+    std::string help;
+};
+
+} // namespace Zentara::Host

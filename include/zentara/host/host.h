@@ -1,0 +1,7 @@
+#pragma once
+
+/// Everything that the host library offers.
+#include <zentara/host/export.h>
+#include <zentara/host/failure.h>
+#include <zentara/host/lens.h>
+#include <zentara/host/point_cloud.h>
