@@ -1,5 +1,6 @@
 #include <zentara/core/shared_library.h>
 
+#include <zentara/plugin/call_plugin.h>
 #include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/utils/atomic_int.h>
 #include <zentara/utils/dynamic_library.h>
@@ -101,9 +102,9 @@ void* SharedLibrary::createInstance() {
     if (impl->type == ImplType_PARAMETER_INTERPRETER)
         return nullptr;
     try {
-        return impl->factory();
+        return Zentara::Plugin::callPlugin(impl->factory);
     } catch (...) {
-        // What was thrown may need the library's code: it stays loaded.
+        // The library stays loaded for the next attempt.
         if (impl->useCount.decrementAndTest())
             Refcounted::decref();
         throw;

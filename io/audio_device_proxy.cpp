@@ -25,16 +25,16 @@ AudioDeviceProxy::~AudioDeviceProxy() { AudioDeviceProxy::dispose(); }
 // These two take the mutex; those of the video proxy do not.
 void AudioDeviceProxy::threadInitialize() {
     const Utils::Threading::AutoLock hold(impl->mutex);
-    impl->device().threadInitialize();
+    impl->ask(&AudioDeviceInterface::threadInitialize);
 }
 
 void AudioDeviceProxy::threadUninitialize() {
     const Utils::Threading::AutoLock hold(impl->mutex);
-    impl->device().threadUninitialize();
+    impl->ask(&AudioDeviceInterface::threadUninitialize);
 }
 
 ReadBufferStatus AudioDeviceProxy::readBuffer(void* buffer, int size, std::int64_t* timestamp, int* length) {
-    return impl->device().readBuffer(buffer, size, timestamp, length);
+    return impl->ask(&AudioDeviceInterface::readBuffer, buffer, size, timestamp, length);
 }
 
 void AudioDeviceProxy::open() {
@@ -69,7 +69,7 @@ void AudioDeviceProxy::setMute(bool mute) {
 }
 
 void AudioDeviceProxy::initialize(NodeEvent* event, Core::DescriptorStoreRO* store) {
-    impl->device().initialize(event, store);
+    impl->ask(&AudioDeviceInterface::initialize, event, store);
 }
 
 void AudioDeviceProxy::dispose() {

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include <zentara/io/parameter_back_end.h>
+#include <zentara/plugin/call_plugin.h>
 #include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/utils/dynamic_library.h>
 #include <zentara/utils/format.h>
@@ -30,7 +31,7 @@ public:
         if (!function)
             throw Plugin::NotSupportedPluginException(
                 Utils::Format("the parameter back-end does not export the function %") % name);
-        return function(arguments...);
+        return Plugin::callPlugin([&] { return function(arguments...); });
     }
 
 private:

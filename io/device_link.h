@@ -6,6 +6,7 @@
 #include <zentara/io/av_device_proxy.h>
 #include <zentara/io/av_device_proxy_thread.h>
 #include <zentara/io/thread_requests.h>
+#include <zentara/plugin/call_plugin.h>
 #include <zentara/utils/format.h>
 #include <zentara/utils/mutex.h>
 #include <zentara/utils/smart_ptr.h>
@@ -52,6 +53,12 @@ public:
         return *linked;
     }
 
+    /// Calls the device on this thread. What it throws may outlive it.
+    template<typename Operation, typename... Arguments>
+    decltype(auto) ask(Operation operation, Arguments... arguments) const {
+        return Plugin::callPlugin([&]() -> decltype(auto) { return (device().*operation)(arguments...); });
+    }
+
     /// Has the device execute a `Request`, or on the worker a `Queued`, made from the arguments.
     template<typename Request, typename Queued = Request, typename Operation, typename... Arguments>
     void call(const AVDeviceProxy& proxy, Operation operation, Arguments&&... arguments) {
@@ -66,7 +73,7 @@ public:
         if (proxy.isProxified())
             callOnWorker<threadInitializeRequest>(worker(proxy), &device());
         else
-            device().threadInitialize();
+            ask(&Device::threadInitialize);
     }
 
     /// The device's last call, which takes that back. A failure is only logged, for disposal goes on.
@@ -123,7 +130,7 @@ private:
     void callDirectly(Operation operation, Arguments&&... arguments) {
         const Utils::Threading::AutoLock hold(mutex);
         const auto request = Utils::makeRefcounted<Request>(&device(), std::forward<Arguments>(arguments)...);
-        (device().*operation)(request.get());
+        ask(operation, request.get());
         if (request->failed()) {
             const ProxyFailure failure = request->getFailure();
             AVDeviceProxy::PluginException_throw(failure.type, failure.message);

@@ -2,6 +2,7 @@
 
 #include <zentara/io/av_device_interface.h>
 #include <zentara/io/device_request.h>
+#include <zentara/plugin/call_plugin.h>
 #include <zentara/utils/signal.h>
 #include <zentara/utils/smart_ptr.h>
 
@@ -24,7 +25,7 @@ struct deviceRequest::Impl {
     bool cancel() {
         // Also a request without a pending transfer ends cancelled.
         cancelled = true;
-        return ioPending && device && device->cancelIO();
+        return ioPending && device && Plugin::callPlugin([this] { return device->cancelIO(); });
     }
 
     /// cancelIO() for a caller that must get away: the lock may be with a device that does not give it back.

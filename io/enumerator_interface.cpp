@@ -2,6 +2,7 @@
 
 #include <atomic>
 
+#include <zentara/plugin/call_plugin.h>
 #include <zentara/utils/thread.h>
 
 #include "core/interface_version.h"
@@ -35,7 +36,7 @@ void EnumeratorInterface::initialize(Utils::Collection::Queue<ExternalEvent>* ev
 }
 
 void EnumeratorInterface::dispose() {
-    impl->thread.stop(true);
+    Zentara::Plugin::callPlugin([this] { impl->thread.stop(true); });
     impl->events = nullptr;
     impl->store = nullptr;
 }

@@ -103,6 +103,9 @@ public:
     OwnedColorConfigurationsRequest(AVDeviceInterface* device, ColorConfigurations& answer)
         : RequestStorage{}, getColorConfigurationsRequest(device, stored), destination(answer) {}
 
+    /// A list nobody took may hold objects of the device's own classes, whose code leaves with the device.
+    ~OwnedColorConfigurationsRequest() override { stored.clear(); }
+
     void deliver() {
         destination.insert(destination.end(), std::make_move_iterator(stored.begin()),
                            std::make_move_iterator(stored.end()));

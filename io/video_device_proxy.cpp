@@ -22,12 +22,12 @@ VideoDeviceProxy::VideoDeviceProxy(GUID guid, bool proxified)
 
 VideoDeviceProxy::~VideoDeviceProxy() { VideoDeviceProxy::dispose(); }
 
-void VideoDeviceProxy::threadInitialize() { impl->device().threadInitialize(); }
+void VideoDeviceProxy::threadInitialize() { impl->ask(&VideoDeviceInterface::threadInitialize); }
 
-void VideoDeviceProxy::threadUninitialize() { impl->device().threadUninitialize(); }
+void VideoDeviceProxy::threadUninitialize() { impl->ask(&VideoDeviceInterface::threadUninitialize); }
 
 ReadBufferStatus VideoDeviceProxy::readBuffer(void* buffer, int size, std::int64_t* timestamp, int* length) {
-    return impl->device().readBuffer(buffer, size, timestamp, length);
+    return impl->ask(&VideoDeviceInterface::readBuffer, buffer, size, timestamp, length);
 }
 
 void VideoDeviceProxy::open() {
@@ -125,7 +125,7 @@ void VideoDeviceProxy::setRegionOfInterest(const RegionOfInterestInternal& regio
 }
 
 void VideoDeviceProxy::initialize(NodeEvent* event, Core::DescriptorStoreRO* store) {
-    impl->device().initialize(event, store);
+    impl->ask(&VideoDeviceInterface::initialize, event, store);
 }
 
 void VideoDeviceProxy::dispose() {

@@ -5,6 +5,7 @@
 
 #include <zentara/core/descriptor_store_ro.h>
 #include <zentara/node_event.h>
+#include <zentara/plugin/call_plugin.h>
 #include <zentara/plugin/plugin_exceptions.h>
 
 namespace Zentara::Core {
@@ -23,7 +24,8 @@ struct NodeLink {
                 event ? "cannot initialize a node: no descriptor store"
                       : "cannot initialize a node: no node event");
         // First what can fail, so that an earlier link stays whole then.
-        auto newProxy = std::make_unique<Proxy>(newStore->getDeviceImplGUID(), true);
+        const GUID guid = Zentara::Plugin::callPlugin([&] { return newStore->getDeviceImplGUID(); });
+        auto newProxy = std::make_unique<Proxy>(guid, true);
         disconnect();
         proxy = std::move(newProxy);
         store = newStore;

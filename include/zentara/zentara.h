@@ -83,6 +83,7 @@
 #include <zentara/parameter_range.h>
 #include <zentara/parameter_type.h>
 #include <zentara/parameter_value_type.h>
+#include <zentara/plugin/call_plugin.h>
 #include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/power_line_frequency.h>
 #include <zentara/raw_output_mode.h>

@@ -5,6 +5,7 @@
 #include <zentara/core/descriptor_store_ro.h>
 #include <zentara/depth_base_configuration.h>
 #include <zentara/io/calibration_data.h>
+#include <zentara/plugin/call_plugin.h>
 #include <zentara/plugin/plugin_exceptions.h>
 
 namespace Zentara::IO {
@@ -15,7 +16,7 @@ namespace {
 template<typename Question>
 bool ask(Question question) {
     try {
-        return question();
+        return Plugin::callPlugin(question);
     } catch (const Plugin::NotSupportedPluginException&) {
         return false;
     }

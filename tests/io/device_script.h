@@ -24,6 +24,10 @@ public:
     virtual void called(int slot, Zentara::IO::deviceRequest* request) = 0;
     virtual bool cancel() = 0;
 
+    /// In which operation the device throws, and which of the exceptions that it makes itself; none at first.
+    int throwingSlot = 0;
+    int ownException = 0;
+
     static constexpr const char* variable = "ZENTARA_TEST_DEVICE_SCRIPT";
 
     /// Null while there is no test.
@@ -45,6 +49,8 @@ constexpr GUID NULL_DEVICE = {0x10000003, 1, 2, {1, 2, 3, 4, 5, 6, 7, 8}};
 constexpr GUID THROWING_DEVICE = {0x10000004, 1, 2, {1, 2, 3, 4, 5, 6, 7, 8}};
 constexpr GUID OTHER_DEVICE = {0x10000005, 1, 2, {1, 2, 3, 4, 5, 6, 7, 8}};
 constexpr GUID MISNAMED_DEVICE = {0x10000008, 1, 2, {1, 2, 3, 4, 5, 6, 7, 8}};
+/// A video device of which no other test leaves a failed request behind.
+constexpr GUID LEAVING_DEVICE = {0x10000009, 1, 2, {1, 2, 3, 4, 5, 6, 7, 8}};
 /// Overrides only what it must.
 constexpr GUID BARE_DEVICE = {0x10000006, 1, 2, {1, 2, 3, 4, 5, 6, 7, 8}};
 

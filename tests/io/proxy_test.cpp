@@ -6,6 +6,7 @@
 
 #include <zentara/audio_configuration.h>
 #include <zentara/color_configuration.h>
+#include <zentara/core/plugin_probe.h>
 #include <zentara/depth_configuration.h>
 #include <zentara/io/audio_requests.h>
 #include <zentara/io/av_device_interface.h>
@@ -16,6 +17,8 @@
 
 #include "io/script.h"
 #include "support/log_capture.h"
+#include "support/own_exceptions.h"
+#include "utils/platform/library_file.h"
 
 namespace Testing {
 namespace {
@@ -336,6 +339,50 @@ TEST_P(ProxyTest, ForeignExceptions) {
     }
     script.onCall = [](int, deviceRequest*) {};
     EXPECT_NO_THROW(proxy.open());
+}
+
+template<typename Proxy>
+std::exception_ptr failureOfUse(GUID guid, bool isProxified) {
+    NodeEvent event;
+    std::int64_t timestamp = 0;
+    int length = 0;
+    try {
+        Proxy proxy(guid, isProxified);
+        proxy.initialize(&event, nullptr);
+        proxy.readBuffer(nullptr, 0, &timestamp, &length);
+        proxy.open();
+    } catch (...) {
+        return std::current_exception();
+    }
+    return nullptr;
+}
+
+// The devices make the exceptions themselves: what describes these goes with them.
+TEST_P(ProxyTest, ExceptionsOutliveTheDeviceThatMadeThem) {
+    constexpr int initialize = 5, threadInitialize = 6, cancel = 8, readBuffer = 9, open = 10;
+    const std::string library =
+        Core::getPluginDirectory() + "io_leaving_device." + Core::pluginFileExtension();
+    const std::vector<TestSupport::Caught> arrivals = TestSupport::ownArrivals();
+    onRequest([](deviceRequest& request) {
+        request.setIOPending(true);
+        request.cancelIO();
+    });
+    for (const int slot : {initialize, threadInitialize, cancel, readBuffer, open}) {
+        const bool onWorker = GetParam() == proxified && slot != initialize && slot != readBuffer;
+        // The worker passes kind and text on.
+        const int last = onWorker ? 9 : static_cast<int>(arrivals.size());
+        for (int which = 1; which <= last; ++which) {
+            script.throwingSlot = slot;
+            script.ownException = which;
+            const std::exception_ptr video =
+                failureOfUse<VideoProxy>(onWorker ? VIDEO_DEVICE : LEAVING_DEVICE, GetParam());
+            const std::exception_ptr audio = failureOfUse<AudioProxy>(AUDIO_DEVICE, GetParam());
+            ASSERT_FALSE(Utils::Platform::isLibraryLoaded(library));
+            EXPECT_EQ(arrivals[which - 1], TestSupport::caught(video)) << slot << ", " << which;
+            EXPECT_EQ(arrivals[which - 1], TestSupport::caught(audio)) << slot << ", " << which;
+        }
+    }
+    script.throwingSlot = 0;
 }
 
 TEST_P(ProxyTest, CallsRunWhereTheyShould) {

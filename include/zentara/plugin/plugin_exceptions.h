@@ -21,7 +21,8 @@
 /// - UnauthorizedAccess: the data is there and may be read, but not written.
 ///
 /// A plug-in throws these types and no type of its own: an exception may live longer than the plug-in that
-/// threw it, so all its code is in this library.
+/// threw it, so all its code is in this library, which also throws it anew where it leaves a plug-in
+/// (`callPlugin` in zentara/plugin/call_plugin.h).
 namespace Zentara::Plugin {
 
 /// The kind of a plug-in exception, as it is stored and passed between threads. Any 32-bit value is legal;

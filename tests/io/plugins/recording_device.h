@@ -3,15 +3,34 @@
 #include <zentara/io/streaming_requests.h>
 
 #include "io/device_script.h"
+#include "support/own_exceptions.h"
 
 namespace Testing {
+
+/// The script, and what it has the device throw.
+class ObeyedScript {
+public:
+    void called(int slot, Zentara::IO::deviceRequest* request) {
+        script.called(slot, request);
+        obey(slot);
+    }
+    bool cancel() {
+        obey(8);
+        return script.cancel();
+    }
+    void obey(int slot) const {
+        if (slot == script.throwingSlot)
+            Zentara::TestSupport::throwOwn(script.ownException);
+    }
+    DeviceScript& script = DeviceScript::current();
+};
 
 /// The operations that all devices have, reported to the script.
 template<typename Interface>
 class RecordingDevice : public Interface {
 public:
-    explicit RecordingDevice(GUID guid) : Interface(guid) { script.created(); }
-    ~RecordingDevice() override { script.destroyed(); }
+    explicit RecordingDevice(GUID guid) : Interface(guid) { script.script.created(); }
+    ~RecordingDevice() override { script.script.destroyed(); }
 
     void dispose() override {
         Interface::dispose();
@@ -35,7 +54,7 @@ public:
     void disableStreaming(Zentara::IO::disableRequest* request) override { script.called(12, request); }
 
 protected:
-    DeviceScript& script = DeviceScript::current();
+    ObeyedScript script;
 };
 
 } // namespace Testing

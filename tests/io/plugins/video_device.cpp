@@ -12,7 +12,7 @@ using namespace Zentara::IO;
 
 class VideoDevice : public Testing::RecordingDevice<VideoDeviceInterface> {
 public:
-    VideoDevice() : RecordingDevice(Testing::VIDEO_DEVICE) {}
+    VideoDevice() : RecordingDevice(Testing::VIDEO_GUID) {}
 
     void getCameraControlRanges(getCameraControlRangesRequest* request) override {
         script.called(13, request);
@@ -38,4 +38,4 @@ public:
 
 } // namespace
 
-ZENTARA_DEFINE_PLUGIN(VideoDevice, Testing::VIDEO_DEVICE, Zentara::Core::ImplType_VIDEO_DEVICE, 1, 0, 0)
+ZENTARA_DEFINE_PLUGIN(VideoDevice, Testing::VIDEO_GUID, Zentara::Core::ImplType_VIDEO_DEVICE, 1, 0, 0)

@@ -7,6 +7,7 @@
 #include <zentara/core/color_node_interface.h>
 #include <zentara/core/depth_node_interface.h>
 #include <zentara/core/descriptor_store_ro.h>
+#include <zentara/plugin/call_plugin.h>
 #include <zentara/utils/format.h>
 
 #include "tools/zentara/guid_text.h"
@@ -62,7 +63,8 @@ public:
         attempt(Format("stream % from %") % mode->getName() % label(), [&] { node->enableStreaming(mode); });
     }
     ReadBufferStatus read(void* buffer, int size, std::int64_t* micros, int* length) override {
-        return node->readBuffer(buffer, size, micros, length);
+        // The reader's thread keeps what is thrown until the node may have gone.
+        return Zentara::Plugin::callPlugin([&] { return node->readBuffer(buffer, size, micros, length); });
     }
     void stop() override {
         attempt("stop the stream of " + label(), [&] { node->disableStreaming(); });
