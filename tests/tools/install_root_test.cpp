@@ -132,7 +132,7 @@ TEST_F(OwnRoot, TellsOfCamerasThatLackSomething) {
     const ToolRun colorOnly = other({"info", "--json"});
     EXPECT_EQ(colorOnly.exitCode, 0) << colorOnly.err;
     EXPECT_EQ(colorOnly.json().at("nodes").size(), 1U);
-    EXPECT_EQ(colorOnly.json().at("controller"), "VC0345");
+    EXPECT_EQ(colorOnly.json().at("camera").at("controller"), "VC0345");
     for (const char* verb : {"sensors", "stream"})
         EXPECT_NE(other({verb}).exitCode, 0) << verb;
     const ToolRun streamed = other({"stream", "--color", "--audio", "--frames", "2"});

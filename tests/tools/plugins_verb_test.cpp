@@ -47,10 +47,10 @@ TEST_F(PluginsVerb, ListsTheBuiltPluginsOfItsOwnTreeWithoutAnySetting) {
     const ToolRun run = runBuilt("plugins --json");
     EXPECT_EQ(run.exitCode, 0) << run.err;
     const auto listing = run.json();
-    EXPECT_EQ(listing.at("schema"), 1);
+    EXPECT_EQ(listing.at("schema"), 3);
     std::map<std::string, nlohmann::json> plugins;
     for (const auto& plugin : listing.at("plugins"))
-        plugins[plugin.at("name")] = plugin;
+        plugins[plugin.at("name").is_null() ? "" : plugin.at("name").get<std::string>()] = plugin;
     ASSERT_EQ(plugins.count("MOCKVIDEODEVICE_IMPL"), 1U) << run.out;
     const auto& video = plugins["MOCKVIDEODEVICE_IMPL"];
     EXPECT_EQ(video.at("guid"), "39E23FC6-E54A-4CD0-9FB4-67C1781E2C5B");

@@ -8,6 +8,31 @@ namespace Zentara::Tool {
 
 using Zentara::Plugin::PluginException;
 
+namespace {
+
+/// What usually helps; a failure that knows more says it itself.
+const char* remedyFor(ExitCode code) noexcept {
+    switch (code) {
+    case ExitCode_NO_DEVICE:
+        return "'zentara devices' lists the cameras that are plugged in";
+    case ExitCode_NO_PLUGIN:
+        return "'zentara plugins --all' tells what each file of the plug-in directory is refused for";
+    case ExitCode_BUSY:
+        return "try again when the program that uses it has ended";
+    case ExitCode_TIMEOUT:
+        return "try again; if it stays so, unplug the camera and plug it in";
+    default:
+        return "";
+    }
+}
+
+} // namespace
+
+ToolFailure::ToolFailure(ExitCode exitCode, const std::string& what, const std::string& whatCameBack,
+                         const std::string& whatToDo)
+    : std::runtime_error(what + (whatCameBack.empty() ? "" : ": " + whatCameBack)), code(exitCode),
+      message(what), cause(whatCameBack), remedy(whatToDo.empty() ? remedyFor(exitCode) : whatToDo) {}
+
 ExitCode exitCodeOf(Plugin::PluginExceptionType type) noexcept {
     switch (type) {
     case Plugin::PluginExceptionType_TIMEOUT:
@@ -51,10 +76,10 @@ void Detail::rethrow(const std::string& what) {
     } catch (const ToolFailure&) {
         throw;
     } catch (const PluginException& failure) {
-        throw ToolFailure(exitCodeOf(failure.type()), Utils::Format("cannot %: %: %") % what %
-                                                          failureText(failure.type()) % failure.message());
+        throw ToolFailure(exitCodeOf(failure.type()), "cannot " + what,
+                          Utils::Format("%: %") % failureText(failure.type()) % failure.message());
     } catch (const std::exception& failure) {
-        throw ToolFailure(ExitCode_FAILED, Utils::Format("cannot %: %") % what % failure.what());
+        throw ToolFailure(ExitCode_FAILED, "cannot " + what, failure.what());
     }
 }
 

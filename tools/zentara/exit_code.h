@@ -21,13 +21,18 @@ enum ExitCode : int {
     ExitCode_INTERRUPTED = 130,
 };
 
-/// Ends a verb: the message says what was attempted, on what, and what came back.
+/// Ends a verb. what() says what was attempted, on what, and what came back.
 class ToolFailure : public std::runtime_error {
 public:
-    ToolFailure(ExitCode exitCode, const std::string& message)
-        : std::runtime_error(message), code(exitCode) {}
+    /// \param what was attempted, on what \param whatCameBack empty where the first says it
+    /// \param whatToDo a line of its own; empty for what is usual with that exit code
+    ToolFailure(ExitCode exitCode, const std::string& what, const std::string& whatCameBack = {},
+                const std::string& whatToDo = {});
 
     const ExitCode code;
+    const std::string message;
+    const std::string cause;  ///< may be empty
+    const std::string remedy; ///< may be empty
 };
 
 /// The exit code that a plug-in exception ends the process with.
@@ -41,7 +46,7 @@ namespace Detail {
 [[noreturn]] void rethrow(const std::string& what);
 } // namespace Detail
 
-/// Does one step. Whatever it throws leaves as a ToolFailure "cannot WHAT: KIND: MESSAGE".
+/// Does one step. Whatever it throws leaves as a ToolFailure "cannot WHAT", its cause "KIND: MESSAGE".
 template<typename Step>
 void attempt(const std::string& what, Step step) {
     try {

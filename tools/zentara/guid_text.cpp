@@ -23,12 +23,12 @@ std::string guidName(const GUID& guid) {
         if (guidEquals(known[index].guid, guid))
             return known[index].name;
     }
-    return "-";
+    return {};
 }
 
 std::string guidLabel(const GUID& guid) {
     const std::string name = guidName(guid);
-    return name == "-" ? guidText(guid) : name;
+    return name.empty() ? guidText(guid) : name;
 }
 
 } // namespace Zentara::Tool

@@ -1,23 +1,39 @@
 #pragma once
 
 #include <ostream>
+#include <string>
 
 #include <nlohmann/json.hpp>
+
+#include "tools/zentara/console.h"
 
 namespace Zentara::Tool {
 
 /// Keys stay in the order in which they were set.
 using Json = nlohmann::ordered_json;
 
-/// Raised when a key is renamed, removed or changes its meaning; new keys may come without.
-inline constexpr int jsonSchema = 1;
+/// Raised for all verbs when a key is renamed, removed or changes its meaning; new keys may come without. docs/json.md
+/// has the keys of each verb.
+inline constexpr int jsonSchema = 3;
 
-/// Begins what a verb prints with --json.
+/// Begins what a verb prints with --json: schema, verb and, of a verb that has several, action.
+[[nodiscard]] Json beginJson(const Console& console);
 [[nodiscard]] inline Json beginJson(const char* verb) { return {{"schema", jsonSchema}, {"verb", verb}}; }
 
+/// Null for the empty text: nobody has to know what else stands for nothing.
+[[nodiscard]] Json orNull(const std::string& text);
+
 /// Bytes that are no UTF-8 print as the replacement character.
-inline void print(std::ostream& out, const Json& json) {
-    out << json.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
-}
+void print(std::ostream& out, const Json& json);
+
+/// The same on a line of its own, which a reader gets at once.
+void printOnOneLine(std::ostream& out, const Json& json);
+
+/// Where two values differ, one element {path, before, after} for each leaf: "records/0/fx". What only one of them has
+/// is null in the other.
+[[nodiscard]] Json differencesBetween(const Json& before, const Json& after);
+
+/// A line for each: "records/0/fx: 224.5 -> 230.5".
+[[nodiscard]] std::string differencesText(const Json& differences);
 
 } // namespace Zentara::Tool

@@ -154,7 +154,7 @@ std::string dotted(const std::array<std::int32_t, count>& numbers) {
 }
 
 Json toJson(const PluginProbe& probe) {
-    return {{"name", guidName(probe.guid)},
+    return {{"name", orNull(guidName(probe.guid))},
             {"guid", guidText(probe.guid)},
             {"type", probe.type},
             {"kind", kindOf(probe.type)},
@@ -182,6 +182,11 @@ void printJson(std::ostream& out, const Inventory& inventory, bool all) {
     print(out, json);
 }
 
+std::string nameOrDash(const GUID& guid) {
+    const std::string name = guidName(guid);
+    return name.empty() ? "-" : name;
+}
+
 void printRegistered(std::ostream& out, const std::vector<PluginProbe>& plugins) {
     std::size_t nameWidth = 4;
     for (const PluginProbe& probe : plugins)
@@ -191,7 +196,7 @@ void printRegistered(std::ostream& out, const std::vector<PluginProbe>& plugins)
         << std::setw(9) << "VERSION" << std::setw(12) << "SDK"
         << "PATH\n";
     for (const PluginProbe& probe : plugins)
-        out << std::left << std::setw(name) << guidName(probe.guid) << std::setw(38) << guidText(probe.guid)
+        out << std::left << std::setw(name) << nameOrDash(probe.guid) << std::setw(38) << guidText(probe.guid)
             << std::setw(23) << kindOf(probe.type) << std::setw(9) << dotted(probe.pluginVersion)
             << std::setw(12) << dotted(probe.sdkVersion) << probe.path << '\n';
 }

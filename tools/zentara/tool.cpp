@@ -35,25 +35,25 @@ ExitCode runVerb(const Verb& verb, Console& console) {
     try {
         return verb.run(console);
     } catch (const ToolFailure& failure) {
-        console.err << "zentara " << verb.command->get_name() << ": " << failure.what() << '\n';
+        tellFailure(console, failure);
         return failure.code;
     } catch (const std::exception& failure) {
-        console.err << "zentara " << verb.command->get_name() << ": unexpected failure: " << failure.what()
-                    << '\n';
+        tellFailure(console, {ExitCode_FAILED, "unexpected failure", failure.what()});
         return ExitCode_FAILED;
     }
 }
 
-/// What is wrong with the words of the command line, and where help is.
-std::string usageText(const CLI::App* program, const CLI::Error& reason) {
-    const auto named = program->get_subcommands();
-    std::string words = "zentara";
-    for (const CLI::App* verb = named.empty() ? nullptr : named.front(); verb != nullptr;
-         verb = verb->get_subcommands().empty() ? nullptr : verb->get_subcommands().front())
-        words += " " + verb->get_name();
-    const std::string what = reason.what();
-    const bool verbMissing = what == "A subcommand is required";
-    return words + ": " + (verbMissing ? "name a verb" : what) + "\n'" + words + " --help' tells more\n";
+/// Which verb, and which of its actions, has been named; what is wrong with the words may come after it.
+void noteVerb(const CLI::App& program, Console& console) {
+    for (const CLI::App* verb : program.get_subcommands()) {
+        console.verb = verb->get_name();
+        for (const CLI::App* action : verb->get_subcommands())
+            console.action = action->get_name();
+    }
+}
+
+bool asksForJson(const std::vector<std::string>& arguments) {
+    return std::find(arguments.begin(), arguments.end(), "--json") != arguments.end();
 }
 
 /// The library's log on standard error, for one scope.
@@ -76,8 +76,16 @@ private:
 
 /// Help and version end the parse as well; they are no errors and go to standard output.
 ExitCode endOfParse(const CLI::App& program, const CLI::ParseError& reason, Console& console) {
-    const int code = program.exit(reason, console.out, console.err);
-    return code == 0 ? ExitCode_DONE : ExitCode_USAGE;
+    if (reason.get_exit_code() == 0) {
+        static_cast<void>(program.exit(reason, console.out, console.err));
+        return ExitCode_DONE;
+    }
+    const std::string what = reason.what();
+    const bool verbMissing = what == "A subcommand is required";
+    const ToolFailure failure(ExitCode_USAGE, verbMissing ? "name a verb" : what, {},
+                              "'" + console.words() + " --help' tells more");
+    tellFailure(console, failure);
+    return failure.code;
 }
 
 } // namespace
@@ -90,19 +98,21 @@ int runTool(std::vector<std::string> arguments, Console& console) {
     program.add_flag("--log", log, "Show what the library logs, warnings and errors, on standard error");
     program.require_subcommand(1);
     program.get_formatter()->label("SUBCOMMAND", "VERB");
-    program.failure_message(usageText);
     const std::vector<Verb> verbs{
         addPluginsVerb(program), addDevicesVerb(program), addInfoVerb(program),        addStreamVerb(program),
         addParamsVerb(program),  addSensorsVerb(program), addCalibrationVerb(program), addXuVerb(program),
         addRegVerb(program),     addI2cVerb(program),     addFirmwareVerb(program),    addMetaVerb(program),
         addModfreqVerb(program), addRomVerb(program)};
     program.footer(footer); // after the verbs: they would take it over
+    console.json = asksForJson(arguments);
     try {
         std::reverse(arguments.begin(), arguments.end()); // the parser takes them from the back
         program.parse(std::move(arguments));
     } catch (const CLI::ParseError& reason) {
+        noteVerb(program, console);
         return endOfParse(program, reason, console);
     }
+    noteVerb(program, console);
     const ShownLog shown(log);
     useProgramRoot();
     const auto chosen =

@@ -1,24 +1,16 @@
 #pragma once
 
 #include <functional>
-#include <ostream>
 #include <string>
 #include <vector>
 
-#include "tools/zentara/exit_code.h"
+#include "tools/zentara/console.h"
 
 namespace CLI {
 class App;
 }
 
 namespace Zentara::Tool {
-
-/// Where a verb writes: data to `out`, everything else to `err`.
-struct Console {
-    std::ostream& out;
-    std::ostream& err;
-    bool showProgress = false; ///< `err` is a terminal
-};
 
 /// A verb of the command line. `run` is called when the user named it, after its options have been read.
 struct Verb {

@@ -82,8 +82,8 @@ TEST_F(Cameras, AreListed) {
     plug(both());
     const auto json = run({"devices", "--json"}).json();
     ASSERT_EQ(json.at("cameras").size(), 2U);
-    EXPECT_EQ(json.at("cameras").at(0).at("serialNumber"), "LEFT");
-    EXPECT_EQ(json.at("cameras").at(1).at("product"), "Simulated camera with VC0345");
+    EXPECT_EQ(json.at("cameras").at(0).at("serial"), "LEFT");
+    EXPECT_EQ(json.at("cameras").at(1).at("name"), "Simulated camera with VC0345");
     EXPECT_EQ(json.at("cameras").at(1).at("nodes").size(), 3U);
     EXPECT_THAT(run({"devices"}).out, AllOf(HasSubstr("LEFT"), HasSubstr("depth color audio")));
     EXPECT_THAT(run({"devices", "--watch", "--seconds", "0.3"}).out,
@@ -171,7 +171,7 @@ TEST_F(Cameras, StreamAllTheyHaveAtOnce) {
     ASSERT_EQ(run.exitCode, 0) << run.err;
     const auto streams = run.json().at("streams");
     ASSERT_EQ(streams.size(), 6U);
-    EXPECT_EQ(streams.at(3).at("serialNumber"), "RIGHT");
+    EXPECT_EQ(streams.at(3).at("camera").at("serial"), "RIGHT");
     EXPECT_EQ(streams.at(4).at("kind"), "color");
     EXPECT_EQ(streams.at(4).at("frames").at("received"), 20);
     for (const char* name :
@@ -221,7 +221,7 @@ TEST_F(Cameras, GoOnWhenTheyArePutBack) {
         << progress.str();
     const auto streams = nlohmann::json::parse(out.str()).at("streams");
     EXPECT_EQ(streams.at(0).at("absences"), 0);
-    EXPECT_EQ(streams.at(1).at("serialNumber"), "RIGHT");
+    EXPECT_EQ(streams.at(1).at("camera").at("serial"), "RIGHT");
     EXPECT_EQ(streams.at(1).at("absences"), 1);
     EXPECT_EQ(streams.at(1).at("frames").at("received"), 90);
     EXPECT_EQ(Utils::readFile(path("d.LEFT.raw")).size(), Utils::readFile(path("d.RIGHT.raw")).size());
@@ -246,9 +246,9 @@ TEST_F(Cameras, TellWhatTheyAre) {
     const ToolRun run = ToolTest::run({"info", "--json"});
     ASSERT_EQ(run.exitCode, 0) << run.err;
     const auto json = run.json();
-    EXPECT_EQ(json.at("camera").at("serialNumber"), "RIGHT");
+    EXPECT_EQ(json.at("camera").at("serial"), "RIGHT");
     EXPECT_EQ(json.at("nodes").size(), 3U);
-    EXPECT_EQ(json.at("nodes").at(0).at("node"), "MOCKDEPTH_IMPL");
+    EXPECT_EQ(json.at("nodes").at(0).at("node").at("name"), "MOCKDEPTH_IMPL");
     EXPECT_FALSE(json.at("nodes").at(0).at("modes").empty());
     EXPECT_TRUE(json.at("calibration").contains("phaseDelay"));
     EXPECT_EQ(json.at("temperatures").size(), 2U);
@@ -321,7 +321,7 @@ TEST_F(Cameras, SaveAndLoadParameters) {
         {"{}", ", /schema: is missing"},
         {R"({"schema":1})", ", /values: is missing"},
         {R"({"schema":1,"values":[]})", ", /values: is no object"},
-        {R"({"schema":9,"values":{}})", ", /schema: this program reads schema 1, not 9"},
+        {R"({"schema":9,"values":{}})", ", /schema: this program reads schemas 1 to 3, not 9"},
         {R"({"schema":1,"values":{},"more":0})", ", /more: is no field that is known here"},
         {R"({"schema":1,"values":{"0":1,"0":2}})", "the field \"0\" stands twice"},
         {R"({"schema":1,"values":{"0":"x"}})", ", /values/0: parameter 0 takes a number, not \"x\""},
@@ -341,7 +341,7 @@ TEST_F(Cameras, SaveAndLoadParameters) {
             const ToolRun run = ToolTest::run({"params", "load", path("w.json"), mode});
             EXPECT_EQ(run.exitCode, 1) << row.message;
             EXPECT_THAT(run.err, AllOf(HasSubstr("w.json'"), HasSubstr(row.message)));
-            EXPECT_EQ(run.out, "") << row.message;
+            EXPECT_EQ(run.out.empty(), mode == std::string("--dry-run")) << row.message;
         }
     }
 }

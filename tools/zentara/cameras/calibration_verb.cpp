@@ -34,7 +34,7 @@ CalibrationInternal readCamera(CameraSession& session) {
 void writeFile(const std::string& path, const CameraSession& session,
                const CalibrationInternal& calibration) {
     Json json = beginJson(calibrationVerb);
-    json["camera"] = session.identity();
+    json["camera"] = cameraJson(session.camera());
     json["calibration"] = toJson(calibration);
     writeJsonFile(path, json);
 }
@@ -57,7 +57,7 @@ StoredCalibration readFile(const std::string& path) {
 }
 
 ExitCode runExport(const CalibrationOptions& options, Console& console) {
-    return withCamera(calibrationVerb, options, console, [&](CameraSession& session) {
+    return withCamera(options, console, [&](CameraSession& session) {
         const CalibrationInternal calibration = readCamera(session);
         if (!options.file.empty())
             writeFile(options.file, session, calibration);
@@ -118,31 +118,8 @@ ExitCode importInto(CameraSession& session, const StoredCalibration& stored,
 
 ExitCode runImport(const CalibrationOptions& options, Console& console) {
     const StoredCalibration stored = readFile(options.file);
-    return withCamera(calibrationVerb, options, console,
+    return withCamera(options, console,
                       [&](CameraSession& session) { return importInto(session, stored, options, console); });
-}
-
-void printDifference(std::ostream& out, const Json& difference) {
-    for (const Json& change : difference)
-        out << change["field"].get<std::string>() << ": " << change["left"].dump() << " -> "
-            << change["right"].dump() << '\n';
-}
-
-/// The fields that are not the same, one by one.
-Json differences(const Json& left, const Json& right) {
-    const Json flatLeft = left.flatten();
-    const Json flatRight = right.flatten();
-    Json list = Json::array();
-    for (const auto& [field, value] : flatLeft.items()) {
-        const Json other = flatRight.value(field, Json());
-        if (other != value)
-            list.push_back({{"field", field.substr(1)}, {"left", value}, {"right", other}});
-    }
-    for (const auto& [field, value] : flatRight.items()) {
-        if (!flatLeft.contains(field))
-            list.push_back({{"field", field.substr(1)}, {"left", Json()}, {"right", value}});
-    }
-    return list;
 }
 
 ExitCode runDiff(const CalibrationOptions& options, Console& console) {
@@ -151,18 +128,18 @@ ExitCode runDiff(const CalibrationOptions& options, Console& console) {
     if (!options.other.empty())
         right = readFile(options.other).calibration;
     else
-        static_cast<void>(withCamera(calibrationVerb, options, console, [&](CameraSession& session) {
+        static_cast<void>(withCamera(options, console, [&](CameraSession& session) {
             right = readCamera(session);
             return ExitCode_DONE;
         }));
-    const Json list = differences(toJson(left), toJson(right));
+    const Json list = differencesBetween(toJson(left), toJson(right));
     if (options.json) {
-        Json json = beginJson(calibrationVerb);
+        Json json = beginJson(console);
         json["equal"] = list.empty();
-        json["differences"] = list;
+        json["diff"] = list;
         print(console.out, json);
     } else {
-        printDifference(console.out, list);
+        console.out << differencesText(list);
     }
     return list.empty() ? ExitCode_DONE : ExitCode_VERIFICATION;
 }

@@ -121,8 +121,14 @@ std::vector<CameraEntry> CameraBus::cameras() {
         camera->nodes.push_back(node);
     }
     for (CameraEntry& camera : cameras)
-        describe(camera, descriptions);
+        Tool::describe(camera, descriptions);
     return cameras;
+}
+
+CameraEntry CameraBus::describe(const NodeEvent& node) {
+    CameraEntry camera{node.parentPath, {node}, {}, {}, {}};
+    Tool::describe(camera, descriptions);
+    return camera;
 }
 
 std::vector<CameraEntry> CameraBus::someCameras() {
@@ -188,6 +194,15 @@ CameraEntry chooseCamera(const std::vector<CameraEntry>& cameras, const std::str
         throw ToolFailure(ExitCode_USAGE, Format("'%' may be any of %; name one by its serial number") %
                                               name % listOf(chosen));
     return chosen.front();
+}
+
+Json cameraJson(const CameraEntry& camera) {
+    const std::string& name =
+        camera.product.empty() && !camera.nodes.empty() ? camera.nodes.front().name : camera.product;
+    return {{"serial", orNull(camera.serialNumber())},
+            {"name", orNull(name)},
+            {"path", orNull(camera.path)},
+            {"controller", orNull(camera.controller)}};
 }
 
 std::string cameraLabel(const NodeEvent& node) {

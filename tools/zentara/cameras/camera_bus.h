@@ -12,6 +12,7 @@
 #include <zentara/utils/smart_ptr.h>
 
 #include "tools/zentara/exit_code.h"
+#include "tools/zentara/json_output.h"
 
 namespace Zentara::Tool {
 
@@ -68,6 +69,9 @@ public:
     /// \throws ToolFailure, exit code 3: no camera is plugged in, and what the enumerator complains of
     [[noreturn]] void failForNone();
 
+    /// A node's camera, as far as its description tells it.
+    [[nodiscard]] CameraEntry describe(const NodeEvent& node);
+
     /// From now on arrivals and removals come through next(), beginning with the arrivals of what is there.
     void watch();
 
@@ -95,6 +99,10 @@ private:
 /// The one camera of that name; the first one if the name is empty.
 /// \throws ToolFailure as above, and exit code 2 when the name fits several
 [[nodiscard]] CameraEntry chooseCamera(const std::vector<CameraEntry>& cameras, const std::string& name);
+
+/// Who a camera is, the same in every verb: serial, name (the product's, else its first node's), path and controller;
+/// null where that is not known.
+[[nodiscard]] Json cameraJson(const CameraEntry& camera);
 
 /// What to call a camera in a message: the name of its first node and its serial number.
 [[nodiscard]] std::string cameraLabel(const NodeEvent& node);

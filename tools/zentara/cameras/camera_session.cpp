@@ -29,8 +29,8 @@ void addCameraOptions(CLI::App& command, CameraOptions& options) {
     command.add_flag("--json", options.json, "Print JSON");
 }
 
-CameraSession::CameraSession(const char* verbName, const CameraOptions& wanted, Console& target)
-    : verb(verbName), options(wanted), console(target),
+CameraSession::CameraSession(const CameraOptions& wanted, Console& target)
+    : options(wanted), console(target),
       entry(chooseCamera(CameraBus(console.err).someCameras(), options.camera)), description(console.err) {
     description.select(entry.nodes.front());
     if (const NodeEvent* depthNode = entry.find(NodeType_DEPTH))
@@ -44,7 +44,7 @@ CameraSession::~CameraSession() {
         if (node)
             node->dispose();
     } catch (const std::exception& failure) {
-        console.err << "zentara " << verb << ": cannot close the camera: " << failure.what() << '\n';
+        console.err << console.words() << ": cannot close the camera: " << failure.what() << '\n';
     }
 }
 
@@ -72,20 +72,13 @@ IO::ParameterInterpreter& CameraSession::parameters() {
     return *interpreter;
 }
 
-Json CameraSession::identity() const {
-    return {{"path", entry.path},
-            {"serialNumber", entry.serialNumber()},
-            {"vendor", entry.vendor},
-            {"product", entry.product}};
-}
-
 void CameraSession::finish(const Json& result, const std::string& text) const {
     if (!options.json) {
         console.out << text;
         return;
     }
-    Json json = beginJson(verb);
-    json["camera"] = identity();
+    Json json = beginJson(console);
+    json["camera"] = cameraJson(entry);
     json.update(result);
     print(console.out, json);
 }

@@ -28,7 +28,7 @@ void addCameraOptions(CLI::App& command, CameraOptions& options);
 class CameraSession final {
 public:
     /// Finds the camera and opens its depth node. \throws ToolFailure
-    CameraSession(const char* verbName, const CameraOptions& wanted, Console& target);
+    CameraSession(const CameraOptions& wanted, Console& target);
     ~CameraSession();
     CameraSession(const CameraSession&) = delete;
     CameraSession& operator=(const CameraSession&) = delete;
@@ -44,9 +44,6 @@ public:
     /// \throws ToolFailure, also when the description names no back-end
     [[nodiscard]] IO::ParameterInterpreter& parameters();
 
-    /// Who the camera is: path, serial number, vendor and product.
-    [[nodiscard]] Json identity() const;
-
     /// Ends the verb: prints the result as JSON, with the camera added, or the text.
     void finish(const Json& result, const std::string& text) const;
 
@@ -54,7 +51,6 @@ public:
     [[noreturn]] void passOn(const ToolFailure& failure) const;
 
 private:
-    const char* const verb;
     const CameraOptions options;
     Console& console;
     CameraEntry entry;
@@ -65,9 +61,8 @@ private:
 
 /// Does a verb's work with one camera. \param work takes the CameraSession and returns the exit code
 template<typename Work>
-[[nodiscard]] ExitCode withCamera(const char* verb, const CameraOptions& options, Console& console,
-                                  Work work) {
-    CameraSession session(verb, options, console);
+[[nodiscard]] ExitCode withCamera(const CameraOptions& options, Console& console, Work work) {
+    CameraSession session(options, console);
     try {
         return work(session);
     } catch (const ToolFailure& failure) {

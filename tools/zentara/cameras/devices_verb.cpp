@@ -31,12 +31,9 @@ Json toJson(const NodeEvent& node) {
 }
 
 Json toJson(const CameraEntry& camera) {
-    Json json{{"serialNumber", camera.serialNumber()},
-              {"path", camera.path},
-              {"vendor", camera.vendor},
-              {"product", camera.product},
-              {"controller", camera.controller.empty() ? Json() : Json(camera.controller)},
-              {"nodes", Json::array()}};
+    Json json = cameraJson(camera);
+    json["vendor"] = orNull(camera.vendor);
+    json["nodes"] = Json::array();
     for (const NodeEvent& node : camera.nodes)
         json["nodes"].push_back(toJson(node));
     return json;
@@ -69,19 +66,22 @@ const char* eventName(ExternalEventType type) {
 }
 
 /// With --json one object a line, so that a reader can follow.
-void printEvent(std::ostream& out, const ExternalEvent& event, bool json) {
+void printEvent(Console& console, const ExternalEvent& event, CameraBus& bus) {
     const NodeEvent& node = event.node;
-    if (json) {
-        Json line = beginJson("devices");
+    const bool isError = event.type == ExternalEventType_ERROR;
+    if (console.json) {
+        Json line = beginJson(console);
         line["event"] = eventName(event.type);
         line["timeMicros"] = event.timeMicros;
-        line["serialNumber"] = node.serialNumber;
-        line["node"] = toJson(node);
-        out << line.dump(-1, ' ', false, Json::error_handler_t::replace) << std::endl;
+        line["camera"] = isError ? Json() : cameraJson(bus.describe(node));
+        line["node"] = isError ? Json() : toJson(node);
+        line["message"] = isError ? Json(printable(node.name)) : Json();
+        printOnOneLine(console.out, line);
         return;
     }
+    std::ostream& out = console.out;
     out << std::left << std::setw(9) << eventName(event.type);
-    if (event.type == ExternalEventType_ERROR)
+    if (isError)
         out << printable(node.name) << std::endl;
     else
         out << std::setw(7) << nodeTypeName(node.nodeType) << cameraLabel(node) << ' ' << printable(node.path)
@@ -91,6 +91,7 @@ void printEvent(std::ostream& out, const ExternalEvent& event, bool json) {
 ExitCode watchDevices(const DevicesOptions& options, CameraBus& bus, Console& console) {
     InterruptWatch interrupt;
     const std::int64_t start = Utils::Clock::nowMicros();
+    console.lines = true;
     bus.watch();
     while (!interrupt.interrupted() && console.out) {
         const std::int64_t elapsed = Utils::Clock::nowMicros() - start;
@@ -98,7 +99,7 @@ ExitCode watchDevices(const DevicesOptions& options, CameraBus& bus, Console& co
             return ExitCode_DONE;
         ExternalEvent event;
         if (bus.next(event, lookMilliseconds))
-            printEvent(console.out, event, options.json);
+            printEvent(console, event, bus);
     }
     return interrupt.interrupted() ? ExitCode_INTERRUPTED : ExitCode_DONE;
 }
@@ -109,7 +110,7 @@ ExitCode runDevices(const DevicesOptions& options, Console& console) {
         return watchDevices(options, bus, console);
     const std::vector<CameraEntry> cameras = bus.cameras();
     if (options.json) {
-        Json json = beginJson("devices");
+        Json json = beginJson(console);
         json["enumerator"] = bus.backendName();
         json["cameras"] = Json::array();
         for (const CameraEntry& camera : cameras)

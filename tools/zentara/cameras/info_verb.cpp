@@ -68,6 +68,8 @@ Json toJson(const AccelerationInternal& acceleration) {
         {"x", floatJson(acceleration.x)}, {"y", floatJson(acceleration.y)}, {"z", floatJson(acceleration.z)}};
 }
 
+Json pluginJson(const GUID& guid) { return {{"name", orNull(guidName(guid))}, {"guid", guidText(guid)}}; }
+
 /// What the descriptions say of a node.
 Json describeNode(const NodeEvent& node, CameraStore& store) {
     store.select(node);
@@ -76,8 +78,8 @@ Json describeNode(const NodeEvent& node, CameraStore& store) {
               {"name", node.name},
               {"path", node.path},
               {"ids", {node.vendorId, node.productId, node.revision, node.interfaceNumber}},
-              {"node", guidLabel(view.getNodeImplGUID())},
-              {"device", guidLabel(view.getDeviceImplGUID())}};
+              {"node", pluginJson(view.getNodeImplGUID())},
+              {"device", pluginJson(view.getDeviceImplGUID())}};
     json["modes"] = Json::array();
     json["modeSizes"] = Json::array();
     for (const StreamDescription& mode : modesOf(node, view)) {
@@ -115,8 +117,7 @@ Json correctionsOf(Core::DepthNodeInterface& depth) {
 
 /// What the descriptions say of the whole camera.
 Json describeCamera(const CameraSession& session) {
-    const std::string& controller = session.camera().controller;
-    return {{"controller", controller.empty() ? Json() : Json(controller)},
+    return {{"vendor", orNull(session.camera().vendor)},
             {"hardware", toJson(session.store().getHardwareVersion())},
             {"deviceFlags", session.store().getDeviceFlags()},
             {"deviceCapabilities", session.store().getDeviceCapabilities()}};
@@ -167,7 +168,7 @@ void printLeaves(std::ostream& out, const Json& json, const std::string& name) {
 }
 
 ExitCode runInfo(const CameraOptions& options, Console& console) {
-    return withCamera(infoVerb, options, console, [&](CameraSession& session) {
+    return withCamera(options, console, [&](CameraSession& session) {
         Json json{{"nodes", Json::array()}};
         CameraStore store(console.err);
         for (const NodeEvent& node : session.camera().nodes)
@@ -177,7 +178,7 @@ ExitCode runInfo(const CameraOptions& options, Console& console) {
         if (session.hasDepth())
             json.update(askCamera(session, worst));
         std::ostringstream text;
-        printLeaves(text, session.identity(), "");
+        printLeaves(text, cameraJson(session.camera()), "camera");
         printLeaves(text, json, "");
         session.finish(json, text.str());
         return worst;

@@ -189,7 +189,7 @@ void finishRows(CameraSession& session, const std::vector<ParameterType>& parame
 }
 
 ExitCode runList(const ParamsOptions& options, Console& console) {
-    return withCamera(paramsVerb, options, console, [](CameraSession& session) {
+    return withCamera(options, console, [](CameraSession& session) {
         finishRows(session, parametersOf(session));
         return ExitCode_DONE;
     });
@@ -199,7 +199,7 @@ ExitCode runParamsGet(const ParamsOptions& options, Console& console) {
     std::vector<ParameterType> parameters;
     for (const std::string& word : options.words)
         parameters.push_back(parameterNamed(word));
-    return withCamera(paramsVerb, options, console, [&](CameraSession& session) {
+    return withCamera(options, console, [&](CameraSession& session) {
         finishRows(session, parameters);
         return ExitCode_DONE;
     });
@@ -244,7 +244,7 @@ void writeAll(CameraSession& session, const Settings& settings) {
 
 ExitCode runParamsSet(const ParamsOptions& options, Console& console) {
     const Settings settings = settingsOf(options.words);
-    return withCamera(paramsVerb, options, console, [&](CameraSession& session) {
+    return withCamera(options, console, [&](CameraSession& session) {
         for (std::size_t index = 0; index < settings.values.size(); ++index)
             checkSettable(session, settings.parameters[index], settings.values[index], "");
         writeAll(session, settings);
@@ -281,10 +281,10 @@ IO::ParameterRequestMap readState(CameraSession& session) {
 }
 
 ExitCode runSave(const ParamsOptions& options, Console& console) {
-    return withCamera(paramsVerb, options, console, [&](CameraSession& session) {
+    return withCamera(options, console, [&](CameraSession& session) {
         const Json values = toJson(readState(session));
         Json json = beginJson(paramsVerb);
-        json["camera"] = session.identity();
+        json["camera"] = cameraJson(session.camera());
         json["values"] = values;
         writeJsonFile(options.file, json);
         session.finish({{"values", values}, {"file", options.file}},
@@ -324,7 +324,10 @@ Json changesBetween(const Json& before, const Json& after) {
     for (const auto& [name, value] : after.items()) {
         const Json old = before.value(name, Json());
         if (old != value)
-            changes.push_back({{"parameter", std::stoi(name)}, {"before", old}, {"after", value}});
+            changes.push_back({{"parameter", std::stoi(name)},
+                               {"path", "values/" + name},
+                               {"before", old},
+                               {"after", value}});
     }
     return changes;
 }
@@ -369,7 +372,7 @@ ExitCode loadInto(CameraSession& session, const StoredValues& stored, const Para
 
 ExitCode runLoad(const ParamsOptions& options, Console& console) {
     const StoredValues stored = readStateFile(options.file);
-    return withCamera(paramsVerb, options, console,
+    return withCamera(options, console,
                       [&](CameraSession& session) { return loadInto(session, stored, options, console); });
 }
 

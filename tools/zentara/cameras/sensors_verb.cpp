@@ -118,9 +118,10 @@ private:
                 history[value.sensorId].emplace_back(reading.seconds, value.value);
         }
         if (options.json) {
-            Json json = beginJson(sensorsVerb);
+            Json json = beginJson(console);
+            json["camera"] = cameraJson(session.camera());
             json.update(toJson(reading));
-            console.out << json.dump() << std::endl;
+            printOnOneLine(console.out, json);
         } else {
             console.out << toText(reading) << std::endl;
         }
@@ -135,7 +136,8 @@ private:
 };
 
 /// Whatever ends it, the plot shows what came before.
-ExitCode watchSensors(SensorWatch& sensors, const SensorsOptions& options) {
+ExitCode watchSensors(SensorWatch& sensors, const SensorsOptions& options, Console& console) {
+    console.lines = true;
     const InterruptWatch interrupt;
     std::optional<PendingFile> plot;
     if (!options.png.empty())
@@ -156,10 +158,10 @@ ExitCode watchSensors(SensorWatch& sensors, const SensorsOptions& options) {
 }
 
 ExitCode runSensors(const SensorsOptions& options, Console& console) {
-    return withCamera(sensorsVerb, options, console, [&](CameraSession& session) {
+    return withCamera(options, console, [&](CameraSession& session) {
         SensorWatch sensors(options, session, console);
         if (options.watch)
-            return watchSensors(sensors, options);
+            return watchSensors(sensors, options, console);
         const Reading reading = sensors.read();
         session.finish(sensors.toJson(reading), sensors.toText(reading) + '\n');
         return ExitCode_DONE;

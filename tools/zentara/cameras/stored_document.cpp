@@ -6,18 +6,21 @@ namespace Zentara::Tool {
 
 void checkDocument(JsonFields& fields) {
     const Json& schema = fields.need("schema");
-    if (!schema.is_number_integer() || schema != jsonSchema)
-        fields.fail("schema",
-                    Utils::Format("this program reads schema %, not %") % jsonSchema % shortText(schema));
+    if (!schema.is_number_integer() || schema < 1 || schema > jsonSchema)
+        fields.fail("schema", Utils::Format("this program reads schemas 1 to %, not %") % jsonSchema %
+                                  shortText(schema));
 }
 
 std::string serialNumberIn(const Json& document) {
     const auto camera = document.find("camera");
     if (camera == document.end() || !camera->is_object())
         return {};
-    const auto serialNumber = camera->find("serialNumber");
-    return serialNumber != camera->end() && serialNumber->is_string() ? serialNumber->get<std::string>()
-                                                                      : std::string();
+    for (const char* key : {"serial", "serialNumber"}) { // schema 1 had the longer name
+        const auto serial = camera->find(key);
+        if (serial != camera->end() && serial->is_string())
+            return serial->get<std::string>();
+    }
+    return {};
 }
 
 void noteOtherCamera(const std::string& serialNumber, const CameraSession& session, const char* verb,

@@ -76,8 +76,7 @@ void addChipOptions(CLI::App& command, ChipOptions& options) {
     command.add_flag("--json", options.json, "Print JSON");
 }
 
-ChipSession::ChipSession(const char* verbName, const ChipOptions& wanted, Console& target)
-    : verb(verbName), options(wanted), console(target) {
+ChipSession::ChipSession(const ChipOptions& wanted, Console& target) : options(wanted), console(target) {
     if (options.direct)
         openDevice();
     else
@@ -90,11 +89,12 @@ void ChipSession::openDevice() {
                           "there is no controller '" + options.camera + "'; known: OV0570, VC0258, VC0345");
     const ChosenController chosen(options.camera);
     const GUID guid = chooseDevice(Core::ImplType_VIDEO_DEVICE, "video device", console.err);
-    attempt("open " + guidLabel(guid), [&] {
+    deviceName = guidLabel(guid);
+    attempt("open " + deviceName, [&] {
         proxy = std::make_unique<IO::VideoDeviceProxy>(guid, false);
         proxy->open();
     });
-    bindChip(guidLabel(guid), std::nullopt);
+    bindChip(deviceName, std::nullopt);
 }
 
 void ChipSession::openCamera() {
@@ -127,7 +127,7 @@ ChipSession::~ChipSession() {
     try {
         proxy->close();
     } catch (const std::exception& failure) {
-        console.err << "zentara " << verb << ": cannot close the camera: " << failure.what() << '\n';
+        console.err << console.words() << ": cannot close the camera: " << failure.what() << '\n';
     }
 }
 
@@ -144,17 +144,21 @@ void ChipSession::show(const Transfer& transfer) {
     console.err << transferLine(camera->kind(), transfer) << '\n';
 }
 
+Json ChipSession::identity() const {
+    Json json = cameraJson(entry);
+    if (options.direct)
+        json["name"] = deviceName;
+    json["controller"] = chipName(camera->kind());
+    return json;
+}
+
 void ChipSession::finish(Json result, const std::string& text) {
     if (!options.json) {
         console.out << text << '\n';
         return;
     }
-    Json json = beginJson(verb);
-    json["camera"] = chipName(camera->kind());
-    if (!options.direct) {
-        json["serialNumber"] = entry.serialNumber();
-        json["path"] = entry.path;
-    }
+    Json json = beginJson(console);
+    json["camera"] = identity();
     json["proxified"] = !options.direct;
     json.update(result);
     if (options.trace) {

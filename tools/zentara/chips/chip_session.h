@@ -28,13 +28,16 @@ void addChipOptions(CLI::App& command, ChipOptions& options);
 class ChipSession final {
 public:
     /// Finds the camera, or makes the device, and opens it. \throws ToolFailure
-    ChipSession(const char* verbName, const ChipOptions& wanted, Console& target);
+    ChipSession(const ChipOptions& wanted, Console& target);
     ~ChipSession();
     ChipSession(const ChipSession&) = delete;
     ChipSession& operator=(const ChipSession&) = delete;
 
     [[nodiscard]] CameraChip& chip() noexcept { return *camera; }
     [[nodiscard]] IO::VideoDeviceProxy& device() noexcept { return *proxy; }
+
+    /// Who the camera is, as cameraJson() has it; of a bare device the plug-in's name and the controller.
+    [[nodiscard]] Json identity() const;
 
     /// Ends the verb: prints the result as JSON, with the camera and the trace added, or the text.
     void finish(Json result, const std::string& text);
@@ -46,7 +49,6 @@ private:
     void note(const Transfer& transfer);
     void show(const Transfer& transfer);
 
-    const char* const verb;
     const ChipOptions options;
     Console& console;
     /// With JSON the trace waits for the end: it goes into the result, or to the errors when there is none.
@@ -55,6 +57,7 @@ private:
     NodeEvent node;
     std::unique_ptr<CameraStore> store; ///< the device may read it until its end
     std::unique_ptr<IO::VideoDeviceProxy> proxy;
+    std::string deviceName; ///< of a bare device
     std::unique_ptr<CameraChip> camera;
 };
 

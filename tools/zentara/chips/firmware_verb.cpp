@@ -76,11 +76,11 @@ ExitCode runDump(FirmwareOptions options, Console& console) {
     const InterruptWatch watch;
     PendingFile file(
         options.file); // reading takes minutes on a real camera: what cannot be written is told before
-    ChipSession session("firmware", options, console);
+    ChipSession session(options, console);
     Dump dump(session, options, console);
     if (!dump.read(watch)) {
-        console.err << "zentara firmware: interrupted after " << dump.bytes.size() << " of " << options.length
-                    << " bytes; nothing is kept\n";
+        console.err << console.words() << ": interrupted after " << dump.bytes.size() << " of "
+                    << options.length << " bytes; nothing is kept\n";
         return ExitCode_INTERRUPTED;
     }
     file.write(dump.bytes);

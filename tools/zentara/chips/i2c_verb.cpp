@@ -40,7 +40,7 @@ I2cLimits limitsOf(ChipSession& session, const I2cOptions& options) {
 }
 
 ExitCode runI2cRead(const I2cOptions& options, Console& console) {
-    ChipSession session("i2c", options, console);
+    ChipSession session(options, console);
     static_cast<void>(limitsOf(session, options));
     unsigned value = 0;
     attempt("read " + placeOf(options), [&] {
@@ -52,7 +52,7 @@ ExitCode runI2cRead(const I2cOptions& options, Console& console) {
 }
 
 ExitCode runI2cWrite(const I2cOptions& options, Console& console) {
-    ChipSession session("i2c", options, console);
+    ChipSession session(options, console);
     checkRange("value", options.value, limitsOf(session, options).of.value, session.chip());
     attempt("write " + placeOf(options), [&] {
         session.chip().writeI2c(static_cast<std::uint8_t>(options.device), options.reg, options.value,

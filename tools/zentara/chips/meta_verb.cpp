@@ -18,7 +18,7 @@ struct MetaOptions : ChipOptions {
 };
 
 ExitCode runMeta(const MetaOptions& options, Console& console) {
-    ChipSession session("meta", options, console);
+    ChipSession session(options, console);
     attempt(Format("run meta command %") % options.code,
             [&] { session.chip().command(IO::UVC_TOF_CONTROLLER_REGISTER, options.code, options.value); });
     session.finish({{"code", options.code}, {"value", options.value}},

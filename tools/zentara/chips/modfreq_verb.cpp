@@ -42,7 +42,7 @@ struct ModfreqOptions : ChipOptions {
 };
 
 ExitCode runModfreq(const ModfreqOptions& options, Console& console) {
-    ChipSession session("modfreq", options, console);
+    ChipSession session(options, console);
     const char* chip = chipName(session.chip().kind());
     const Modulation modulation = modulationOf(session.chip().kind());
     const auto& known = modulation.megahertz;

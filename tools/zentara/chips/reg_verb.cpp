@@ -35,7 +35,7 @@ RegisterLimits limitsOf(ChipSession& session, const RegOptions& options) {
 }
 
 ExitCode runRegRead(const RegOptions& options, Console& console) {
-    ChipSession session("reg", options, console);
+    ChipSession session(options, console);
     static_cast<void>(limitsOf(session, options));
     unsigned value = 0;
     attempt(Format("read % register %") % options.target % hexText(options.reg),
@@ -45,7 +45,7 @@ ExitCode runRegRead(const RegOptions& options, Console& console) {
 }
 
 ExitCode runRegWrite(const RegOptions& options, Console& console) {
-    ChipSession session("reg", options, console);
+    ChipSession session(options, console);
     checkRange("value", options.value, limitsOf(session, options).value, session.chip());
     for (unsigned i = 0; i < options.times; ++i)
         attempt(Format("write % register %") % options.target % hexText(options.reg),

@@ -65,7 +65,7 @@ Json resultOf(ChipSession& session, const XuOptions& options) {
 }
 
 ExitCode runLen(const XuOptions& options, Console& console) {
-    ChipSession session("xu", options, console);
+    ChipSession session(options, console);
     const unsigned length = lengthOf(session, options);
     Json result = resultOf(session, options);
     result["length"] = length;
@@ -74,7 +74,7 @@ ExitCode runLen(const XuOptions& options, Console& console) {
 }
 
 ExitCode runXuGet(const XuOptions& options, Console& console) {
-    ChipSession session("xu", options, console);
+    ChipSession session(options, console);
     Bytes packet = packetOf(session, options);
     attempt(Format("get control %") % options.control, [&] {
         session.chip().wire().recv(session.chip().unit(), options.control,
@@ -87,7 +87,7 @@ ExitCode runXuGet(const XuOptions& options, Console& console) {
 }
 
 ExitCode runXuSet(const XuOptions& options, Console& console) {
-    ChipSession session("xu", options, console);
+    ChipSession session(options, console);
     Bytes packet = packetOf(session, options);
     attempt(Format("set control %") % options.control, [&] {
         session.chip().wire().send(session.chip().unit(), options.control,

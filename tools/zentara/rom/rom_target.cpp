@@ -147,7 +147,7 @@ std::unique_ptr<RomTarget> openCamera(TargetOptions options, Console& console) {
     const FlashArea area = options.size == 0 && !options.hasStart
                                ? areaOf(options, Simulated::romStart, Simulated::romSize)
                                : areaOf(options, options.start, options.size);
-    auto session = std::make_unique<ChipSession>("rom", wanted, console);
+    auto session = std::make_unique<ChipSession>(wanted, console);
     return std::make_unique<CameraTarget>(std::move(session), area, options, console);
 }
 

@@ -94,7 +94,8 @@ void StreamSession::openDevices() {
     if (options.audio)
         nodes.back().nodeType = NodeType_AUDIO;
     openCamera(
-        nodes, [this](const NodeEvent& node) { return openDeviceStream(node.nodeType, console.err); }, false);
+        {{}, nodes, {}, {}, {}},
+        [this](const NodeEvent& node) { return openDeviceStream(node.nodeType, console.err); }, false);
 }
 
 void StreamSession::openRecording() {
@@ -110,7 +111,7 @@ void StreamSession::openRecording() {
         cameras = chooseCameras(cameras, options.cameras);
     several = cameras.size() > 1;
     for (const CameraEntry& camera : cameras)
-        openCamera(camera.nodes, open, true);
+        openCamera(camera, open, true);
 }
 
 void StreamSession::openCameras() {
@@ -120,15 +121,17 @@ void StreamSession::openCameras() {
         cameras = chooseCameras(cameras, options.cameras);
     several = cameras.size() > 1;
     for (const CameraEntry& camera : cameras) {
-        std::vector<NodeEvent> nodes;
+        CameraEntry wanted = camera;
+        wanted.nodes.clear();
         for (const NodeType type : {NodeType_DEPTH, NodeType_COLOR, NodeType_AUDIO}) {
             if (wants(type) && camera.find(type) == nullptr)
                 missKind(type, camera);
         }
-        std::copy_if(camera.nodes.begin(), camera.nodes.end(), std::back_inserter(nodes),
+        std::copy_if(camera.nodes.begin(), camera.nodes.end(), std::back_inserter(wanted.nodes),
                      [this](const NodeEvent& node) { return wants(node.nodeType); });
         openCamera(
-            nodes, [this](const NodeEvent& node) { return openNodeStream(node, options.modes, console.err); },
+            wanted,
+            [this](const NodeEvent& node) { return openNodeStream(node, options.modes, console.err); },
             false);
     }
     parts->bus->watch();
@@ -160,14 +163,14 @@ bool StreamSession::wants(NodeType type) const {
 }
 
 /// A camera that cannot be opened is a failure of its own when there are others.
-void StreamSession::openCamera(const std::vector<NodeEvent>& nodes, const StreamedCamera::Open& open,
-                               bool finite) {
+void StreamSession::openCamera(const CameraEntry& entry, const StreamedCamera::Open& open, bool finite) {
     checkInterrupt();
-    for (const NodeEvent& node : nodes)
+    for (const NodeEvent& node : entry.nodes)
         parts->kinds.insert(node.nodeType);
-    auto& camera = *parts->cameras.emplace_back(std::make_unique<StreamedCamera>(open, parts->wake, finite));
+    auto& camera = *parts->cameras.emplace_back(
+        std::make_unique<StreamedCamera>(cameraJson(entry), open, parts->wake, finite));
     try {
-        openStreams(camera, nodes);
+        openStreams(camera, entry.nodes);
     } catch (const ToolFailure& failure) {
         if (!several)
             throw;
@@ -339,8 +342,7 @@ void StreamSession::print(std::ostream& out) const {
 }
 
 Json StreamSession::json() const {
-    Json json = beginJson("stream");
-    json["schema"] = 2; // 1 told of one camera only
+    Json json = beginJson(console);
     json["proxified"] = !options.direct;
     json["interrupted"] = stopped;
     json["streams"] = Json::array();

@@ -66,7 +66,7 @@ private:
     void openDevices();
     void openRecording();
     void openCameras();
-    void openCamera(const std::vector<NodeEvent>& nodes, const StreamedCamera::Open& open, bool finite);
+    void openCamera(const CameraEntry& entry, const StreamedCamera::Open& open, bool finite);
     void openStreams(StreamedCamera& camera, const std::vector<NodeEvent>& nodes);
     void missKind(NodeType type, const CameraEntry& camera) const;
     void checkKinds() const;

@@ -60,7 +60,7 @@ ExitCode runStream(StreamOptions options, const std::vector<std::string>& modes,
     } catch (const ToolFailure& failure) {
         if (!session.stuck())
             throw;
-        console.err << "zentara stream: " << failure.what() << '\n';
+        tellFailure(console, failure);
         endProcess(console, failure.code);
     }
     if (options.json)

@@ -47,8 +47,8 @@ struct StreamedCamera::Stream {
     [[nodiscard]] std::uint64_t units() const { return before + (reader ? reader->progress() : 0); }
 };
 
-StreamedCamera::StreamedCamera(Open openStream, Utils::Threading::Signal& ended, bool ends)
-    : opener(std::move(openStream)), wake(ended), finite(ends) {}
+StreamedCamera::StreamedCamera(Json who, Open openStream, Utils::Threading::Signal& ended, bool ends)
+    : identity(std::move(who)), opener(std::move(openStream)), wake(ended), finite(ends) {}
 
 StreamedCamera::~StreamedCamera() = default;
 
@@ -325,8 +325,7 @@ void StreamedCamera::print(std::ostream& out) const {
 void StreamedCamera::fill(Json& list) const {
     for (const auto& stream : streams) {
         const NodeEvent& node = stream->description.node;
-        Json json{{"camera", node.parentPath},
-                  {"serialNumber", node.serialNumber},
+        Json json{{"camera", identity},
                   {"name", node.name},
                   {"kind", nodeTypeName(node.nodeType)},
                   {"mode", stream->description.modeName()},

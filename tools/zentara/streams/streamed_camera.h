@@ -30,9 +30,10 @@ public:
     };
     using Open = std::function<std::unique_ptr<StreamSource>(const NodeEvent& node)>;
 
-    /// \param opener opens a node's stream, now or when the camera is back. \param ended set when a reader ends;
-    /// must outlive the camera. \param finite whether a stream ends by itself, as a recorded one does
-    StreamedCamera(Open opener, Utils::Threading::Signal& ended, bool finite);
+    /// \param who the camera is, for JSON. \param opener opens a node's stream, now or when the camera is back.
+    /// \param ended set when a reader ends; must outlive the camera.
+    /// \param finite whether a stream ends by itself, as a recorded one does
+    StreamedCamera(Json who, Open opener, Utils::Threading::Signal& ended, bool finite);
     ~StreamedCamera();
     StreamedCamera(const StreamedCamera&) = delete;
     StreamedCamera& operator=(const StreamedCamera&) = delete;
@@ -95,6 +96,7 @@ private:
     void plugIn();
     [[nodiscard]] bool present() const;
 
+    const Json identity;
     const Open opener;
     Utils::Threading::Signal& wake;
     const bool finite;

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <ostream>
+#include <string>
+
+#include "tools/zentara/exit_code.h"
+
+namespace Zentara::Tool {
+
+/// Where a verb writes, data to `out` and everything else to `err`, and how the user called it.
+struct Console {
+    std::ostream& out;
+    std::ostream& err;
+    bool showProgress = false; ///< `err` is a terminal
+    std::string verb{};        ///< "rom"; empty before the command line has been read
+    std::string action{};      ///< "info", of a verb that has several
+    bool json = false;         ///< --json was given: a failure is told on `out` as well
+    bool lines = false;        ///< a verb that goes on prints one JSON object a line
+
+    /// For messages: "zentara rom info".
+    [[nodiscard]] std::string words() const;
+};
+
+/// Tells what ended the verb: on standard error for people, and with --json as the only object, or the last line, on
+/// standard output. A verb that throws has therefore printed no object of its own.
+void tellFailure(Console& console, const ToolFailure& failure);
+
+} // namespace Zentara::Tool

@@ -1,0 +1,50 @@
+#include "tools/zentara/json_output.h"
+
+namespace Zentara::Tool {
+
+Json beginJson(const Console& console) {
+    Json json{{"schema", jsonSchema}, {"verb", orNull(console.verb)}};
+    if (!console.action.empty())
+        json["action"] = console.action;
+    return json;
+}
+
+Json orNull(const std::string& text) { return text.empty() ? Json() : Json(text); }
+
+void print(std::ostream& out, const Json& json) {
+    out << json.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+}
+
+void printOnOneLine(std::ostream& out, const Json& json) {
+    out << json.dump(-1, ' ', false, Json::error_handler_t::replace) << std::endl;
+}
+
+Json differencesBetween(const Json& before, const Json& after) {
+    const Json old = before.flatten();
+    const Json fresh = after.flatten();
+    Json list = Json::array();
+    const auto note = [&list](const std::string& path, const Json& left, const Json& right) {
+        if (left != right)
+            list.push_back({{"path", path.substr(path.empty() ? 0 : 1)}, {"before", left}, {"after", right}});
+    };
+    for (const auto& [path, value] : old.items())
+        note(path, value, fresh.value(path, Json()));
+    for (const auto& [path, value] : fresh.items()) {
+        if (!old.contains(path))
+            note(path, Json(), value);
+    }
+    return list;
+}
+
+std::string differencesText(const Json& differences) {
+    const auto text = [](const Json& value) {
+        return value.dump(-1, ' ', false, Json::error_handler_t::replace);
+    };
+    std::string lines;
+    for (const Json& change : differences)
+        lines += change["path"].get<std::string>() + ": " + text(change["before"]) + " -> " +
+                 text(change["after"]) + '\n';
+    return lines;
+}
+
+} // namespace Zentara::Tool
