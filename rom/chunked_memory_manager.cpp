@@ -1,8 +1,9 @@
 #include <zentara/rom/chunked_memory_manager.h>
 
 #include <limits>
+#include <new>
 #include <optional>
-#include <unordered_set>
+#include <set>
 #include <utility>
 
 #include <zentara/plugin/plugin_exceptions.h>
@@ -10,6 +11,7 @@
 #include <zentara/rom/chunked_memory_management_header.h>
 #include <zentara/utils/format.h>
 
+#include "rom/block_header_fields.h"
 #include "utils/log_warning.h"
 
 namespace Zentara::ROM {
@@ -37,16 +39,25 @@ struct ChunkedMemoryManager::Impl {
         std::uint32_t next;
     };
 
+    using Blocks = std::map<std::uint32_t, std::unique_ptr<Block>>;
+    using Handles = std::set<const Block*>;
+
+    /// What the tables need to take a further block, got before anything is written for it.
+    struct Entry {
+        Blocks::node_type block;
+        Handles::node_type handle;
+    };
+
     Accessor* accessor;
     const std::uint32_t start;
     const std::uint32_t size;
     const std::uint32_t configuredChunkSize;
     const bool headerAtStart;
 
-    std::unique_ptr<Header> header;                         ///< null while not initialized
-    std::map<std::uint32_t, std::unique_ptr<Block>> blocks; ///< as verified on flash, by address
-    std::unordered_set<const Block*> known;                 ///< the values of `blocks`
-    std::unique_ptr<Block> pending;                         ///< placed, but not written yet
+    std::unique_ptr<Header> header; ///< null while not initialized
+    Blocks blocks;                  ///< as verified on flash, by address
+    Handles known;                  ///< the values of `blocks`
+    std::unique_ptr<Block> pending; ///< placed, but not written yet
     /// No longer known, but kept: a handle to one must never come to mean a block made later.
     std::vector<std::unique_ptr<Block>> overwritten;
 
@@ -59,6 +70,7 @@ struct ChunkedMemoryManager::Impl {
 
     Accessor& flash() const;
     void writeAndCheck(std::uint32_t address, const Bytes& bytes) const;
+    Bytes readBack(std::uint32_t address, Bytes room) const;
     bool inArea(std::uint32_t address, std::uint64_t length) const;
     std::uint32_t headerAddress() const { return headerAtStart ? start : start + size - Header::SIZE; }
     void writeHeader(std::uint32_t firstBlock);
@@ -69,6 +81,7 @@ struct ChunkedMemoryManager::Impl {
     void clear();
     void load();
     void loadChain();
+    /// Null where no block header stands. Lack of memory is no end of a chain: it throws.
     std::unique_ptr<Block> loadBlock(std::uint32_t address) const;
 
     // Blocks
@@ -79,7 +92,8 @@ struct ChunkedMemoryManager::Impl {
     std::uint16_t chunksOf(const Block& block) const;
     void link(std::uint32_t address);
     void unlink(const Block& block);
-    void adoptPending(std::uint32_t allocatedSize);
+    Entry entryForPending();
+    void adoptPending(std::uint32_t allocatedSize, Entry entry) noexcept;
 
     // Placing a new block
 
@@ -96,9 +110,22 @@ Accessor& ChunkedMemoryManager::Impl::flash() const {
 }
 
 void ChunkedMemoryManager::Impl::writeAndCheck(std::uint32_t address, const Bytes& bytes) const {
+    Bytes room(bytes.size());
     flash().write(address, bytes);
-    if (flash().read(address, static_cast<std::uint32_t>(bytes.size())) != bytes)
+    if (readBack(address, std::move(room)) != bytes)
         throw Plugin::IOPluginException("Failed to write data to ROM");
+}
+
+/// What was written stands there already, so lack of memory must not leave the object behind the flash: the
+/// room that was set aside before the write is given back, and the bytes are asked for again.
+Bytes ChunkedMemoryManager::Impl::readBack(std::uint32_t address, Bytes room) const {
+    const auto length = static_cast<std::uint32_t>(room.size());
+    try {
+        return flash().read(address, length);
+    } catch (const std::bad_alloc&) {
+        room = Bytes();
+        return flash().read(address, length);
+    }
 }
 
 bool ChunkedMemoryManager::Impl::inArea(std::uint32_t address, std::uint64_t length) const {
@@ -173,9 +200,11 @@ void ChunkedMemoryManager::Impl::loadChain() {
 std::unique_ptr<Block> ChunkedMemoryManager::Impl::loadBlock(std::uint32_t address) const {
     if (!inArea(address, Block::SIZE))
         return nullptr;
-    std::unique_ptr<Block> block(Block::deserialize(flash().read(address, Block::SIZE)));
-    if (block)
-        block->setBlockOffset(address);
+    const auto fields = readBlockHeader(flash().read(address, Block::SIZE));
+    if (!fields)
+        return nullptr;
+    auto block = std::make_unique<Block>(fields->allocatedSize, fields->nextBlockOffset);
+    block->setBlockOffset(address);
     return block;
 }
 
@@ -217,10 +246,11 @@ void ChunkedMemoryManager::Impl::link(std::uint32_t address) {
         writeHeader(address);
 }
 
-/// Leads every link to the block past it. There is one, save where the chain runs back into itself.
+/// Leads every link to the block past it, which is none for a block that links to itself. There is one such
+/// link, save where the chain runs back into itself.
 void ChunkedMemoryManager::Impl::unlink(const Block& block) {
     const std::uint32_t address = block.getBlockOffset();
-    const std::uint32_t next = block.getNextBlockOffset();
+    const std::uint32_t next = block.getNextBlockOffset() == address ? 0 : block.getNextBlockOffset();
     if (header->getFirstBlockAddress() == address)
         writeHeader(next);
     for (const auto& [place, other] : blocks)
@@ -228,10 +258,18 @@ void ChunkedMemoryManager::Impl::unlink(const Block& block) {
             writeLink(*other, next);
 }
 
-void ChunkedMemoryManager::Impl::adoptPending(std::uint32_t allocatedSize) {
+ChunkedMemoryManager::Impl::Entry ChunkedMemoryManager::Impl::entryForPending() {
+    Blocks block;
+    block.emplace(pending->getBlockOffset(), nullptr);
+    Handles handle{pending.get()};
+    overwritten.reserve(overwritten.size() + blocks.count(pending->getBlockOffset()));
+    return {block.extract(block.begin()), handle.extract(handle.begin())};
+}
+
+void ChunkedMemoryManager::Impl::adoptPending(std::uint32_t allocatedSize, Entry entry) noexcept {
     pending->setAllocatedSize(allocatedSize);
-    known.insert(pending.get());
-    std::unique_ptr<Block>& place = blocks[pending->getBlockOffset()];
+    known.insert(std::move(entry.handle));
+    std::unique_ptr<Block>& place = blocks.insert(std::move(entry.block)).position->second;
     std::swap(place, pending);
     if (pending) { // another block started there
         known.erase(pending.get());
@@ -337,16 +375,15 @@ std::uint32_t ChunkedMemoryManager::getMaximumUsableSize(const MemoryBlockHeader
 
 const MemoryBlockHeader* ChunkedMemoryManager::allocate(std::uint32_t size) {
     impl->checkVersion("Cannot allocate section - Rom version is not %");
-    impl->pending.reset();
     const std::uint64_t total = std::uint64_t{size} + Block::SIZE;
     const std::uint64_t room = divideUp(total, impl->header->getChunkSize()) * impl->header->getChunkSize();
-    if (room > MAX_SIZE)
-        return nullptr;
-    const auto place = impl->place(static_cast<std::uint32_t>(room));
-    if (!place)
-        return nullptr;
-    impl->pending = std::make_unique<Block>(static_cast<std::uint32_t>(total), place->next);
-    impl->pending->setBlockOffset(place->address);
+    const auto place = room > MAX_SIZE ? std::nullopt : impl->place(static_cast<std::uint32_t>(room));
+    std::unique_ptr<Block> fresh;
+    if (place) {
+        fresh = std::make_unique<Block>(static_cast<std::uint32_t>(total), place->next);
+        fresh->setBlockOffset(place->address);
+    }
+    impl->pending = std::move(fresh);
     return impl->pending.get();
 }
 
@@ -361,10 +398,11 @@ void ChunkedMemoryManager::write(const MemoryBlockHeader* block, const std::vect
     written.setAllocatedSize(static_cast<std::uint32_t>(bytes.size()) + Block::SIZE);
     Bytes stored = written.serialize();
     stored.insert(stored.end(), bytes.begin(), bytes.end());
+    Impl::Entry entry = fresh ? impl->entryForPending() : Impl::Entry{};
     impl->writeAndCheck(written.getBlockOffset(), stored);
     if (fresh) {
         impl->link(written.getBlockOffset());
-        impl->adoptPending(written.getAllocatedSize());
+        impl->adoptPending(written.getAllocatedSize(), std::move(entry));
     } else {
         *impl->find(written.getBlockOffset()) = written;
     }
@@ -387,10 +425,14 @@ void ChunkedMemoryManager::initializeRom() {
     if (impl->size < Header::SIZE)
         throw Plugin::ArgumentPluginException(
             Utils::Format("Cannot format - an area of % bytes has no room for a header") % impl->size);
-    const Header formatted(HEADER_VERSION, HEADER_MIN_READOUT_VERSION, impl->configuredChunkSize, impl->size,
-                           0);
-    impl->writeAndCheck(impl->headerAddress(), formatted.serialize());
-    impl->load();
+    auto formatted = std::make_unique<Header>(HEADER_VERSION, HEADER_MIN_READOUT_VERSION,
+                                              impl->configuredChunkSize, impl->size, 0);
+    impl->writeAndCheck(impl->headerAddress(), formatted->serialize());
+    try {
+        impl->load();
+    } catch (const std::bad_alloc&) {
+        impl->header = std::move(formatted); // it was read back, and no block hangs on it
+    }
 }
 
 } // namespace Zentara::ROM

@@ -2,6 +2,7 @@
 
 #include <limits>
 #include <map>
+#include <new>
 #include <unordered_set>
 #include <utility>
 
@@ -18,6 +19,8 @@ namespace Zentara::ROM {
 namespace {
 
 constexpr std::uint8_t UNREADABLE_VERSION = 2; ///< headers that ask for this or more are not for this reader
+/// Bytes set aside for what is small in a write: block, table entries, headers.
+constexpr std::size_t SPARE_ROOM = 1024;
 constexpr std::size_t MAX_DATA_SIZE =
     std::numeric_limits<std::uint32_t>::max() - Section::MIN_SIZE - MemoryBlockHeader::SIZE;
 
@@ -30,7 +33,7 @@ bool isWritable(const Section& section) { return (section.getFlags() & Section::
 struct Container::Impl {
     struct Entry {
         std::unique_ptr<Section> section;
-        const MemoryBlockHeader* block; ///< the manager's
+        const MemoryBlockHeader* block = nullptr; ///< the manager's
     };
     using Sections = std::map<std::uint16_t, Entry>;
 
@@ -122,12 +125,19 @@ const MemoryBlockHeader* Container::Impl::store(std::uint16_t uid, const std::ve
         manager().write(own, bytes);
         return own;
     }
+    std::vector<std::uint8_t> room(2 * bytes.size() + SPARE_ROOM);
+    const std::string loss = about("section % was erased to be replaced and is gone", uid);
     manager().erase(own);
     sections.erase(found);
     try {
-        return storeAnew(bytes);
+        try {
+            return storeAnew(bytes);
+        } catch (const std::bad_alloc&) {
+            room = {}; // taken before the old section went, so that the new one need not fail for want of it
+            return storeAnew(bytes);
+        }
     } catch (...) {
-        Utils::logWarning(about("section % was erased to be replaced and is gone", uid));
+        Utils::logWarning(loss);
         throw;
     }
 }
@@ -202,9 +212,13 @@ const Section* Container::getSection(std::uint16_t uid) {
 void Container::set(std::uint16_t uid, ContainerSectionType type, std::uint8_t flags,
                     const std::vector<std::uint8_t>& data) {
     impl->checkSet(uid, data.size());
-    auto section = std::make_unique<Section>(type, uid, flags, data);
-    const MemoryBlockHeader* block = impl->store(uid, section->serialize());
-    impl->sections[uid] = {std::move(section), block};
+    // All that remembers the section is made before anything is written.
+    Impl::Sections fresh;
+    Impl::Entry& entry = fresh[uid];
+    entry.section = std::make_unique<Section>(type, uid, flags, data);
+    entry.block = impl->store(uid, entry.section->serialize());
+    impl->sections.erase(uid);
+    impl->sections.merge(fresh);
 }
 
 void Container::erase(std::uint16_t uid) {
@@ -220,8 +234,10 @@ void Container::initializeRom() {
     const ContainerHeader current(HEADER_VERSION, HEADER_MIN_READOUT_VERSION);
     if (impl->header && *impl->header == current)
         return;
-    impl->manager().write(impl->blockForHeader(), current.serialize());
-    impl->header = std::make_unique<ContainerHeader>(current);
+    auto written = std::make_unique<ContainerHeader>(current);
+    const std::vector<std::uint8_t> bytes = current.serialize();
+    impl->manager().write(impl->blockForHeader(), bytes);
+    impl->header = std::move(written);
 }
 
 } // namespace Zentara::ROM

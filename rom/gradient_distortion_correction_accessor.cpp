@@ -48,8 +48,9 @@ GradientDistortionCorrectionAccessor::~GradientDistortionCorrectionAccessor() = 
 
 std::vector<std::uint8_t> GradientDistortionCorrectionAccessor::read(std::uint32_t address,
                                                                      std::uint32_t length) {
-    const auto begin = impl->reach(address, length, ERASED);
-    return {begin, begin + static_cast<std::ptrdiff_t>(length)};
+    std::vector<std::uint8_t> bytes(length);
+    std::copy_n(impl->reach(address, length, ERASED), length, bytes.begin());
+    return bytes;
 }
 
 void GradientDistortionCorrectionAccessor::write(std::uint32_t address,

@@ -4,6 +4,7 @@
 
 #include "rom/big_endian_reader.h"
 #include "rom/big_endian_writer.h"
+#include "rom/block_header_fields.h"
 #include "rom/checksum.h"
 
 namespace Zentara::ROM {
@@ -18,14 +19,21 @@ MemoryBlockHeader::MemoryBlockHeader(const MemoryBlockHeader& other) = default;
 MemoryBlockHeader& MemoryBlockHeader::operator=(const MemoryBlockHeader& other) = default;
 MemoryBlockHeader::~MemoryBlockHeader() = default;
 
-MemoryBlockHeader* MemoryBlockHeader::deserialize(const std::vector<std::uint8_t>& bytes) {
+std::optional<BlockHeaderFields> readBlockHeader(std::span<const std::uint8_t> bytes) noexcept {
     BigEndianReader in(bytes);
     const std::uint32_t allocatedSize = in.readU32();
     const std::uint32_t nextBlockOffset = in.readU32();
     const std::uint16_t crc = in.readU16();
-    if (!in.ok() || crc != checksum({bytes.data(), CHECKED_SIZE}) || allocatedSize < SIZE)
+    if (!in.ok() || crc != checksum(bytes.first(CHECKED_SIZE)) || allocatedSize < MemoryBlockHeader::SIZE)
+        return std::nullopt;
+    return BlockHeaderFields{allocatedSize, nextBlockOffset};
+}
+
+MemoryBlockHeader* MemoryBlockHeader::deserialize(const std::vector<std::uint8_t>& bytes) {
+    const auto fields = readBlockHeader(bytes);
+    if (!fields)
         return nullptr;
-    return new (std::nothrow) MemoryBlockHeader(allocatedSize, nextBlockOffset);
+    return new (std::nothrow) MemoryBlockHeader(fields->allocatedSize, fields->nextBlockOffset);
 }
 
 std::vector<std::uint8_t> MemoryBlockHeader::serialize() const {

@@ -1,5 +1,7 @@
 #include <zentara/rom/chunked_memory_manager.h>
 
+#include <functional>
+
 #include <zentara/plugin/plugin_exceptions.h>
 
 #include "rom/rom_fixture.h"
@@ -74,15 +76,17 @@ TEST_F(ManagerTest, ImpossibleFormatsAreRefusedBeforeAnyWrite) {
 }
 
 TEST_F(ManagerTest, OtherVersionsAreReadOnly) {
-    putHeader(17, 256, 4096, 3);
-    putBlock(17, 12, 0, hex("AABB"));
-    mountMemory();
-    const auto* only = manager->getNext(nullptr);
-    EXPECT_EQ(hex("AABB"), manager->read(only));
     const auto refusal = [&](auto action) { return messageOf<InvalidOperationPluginException>(action); };
-    EXPECT_EQ("Cannot allocate section - Rom version is not 1", refusal([&] { manager->allocate(1); }));
-    EXPECT_EQ("Cannot write section - Rom version is not 1", refusal([&] { manager->write(only, {}); }));
-    EXPECT_EQ("Cannot erase section - Rom version is not 1", refusal([&] { manager->erase(only); }));
+    for (const std::uint8_t version : {0, 3}) {
+        putHeader(17, 256, 4096, version);
+        putBlock(17, 12, 0, hex("AABB"));
+        mountMemory();
+        const auto* only = manager->getNext(nullptr);
+        EXPECT_EQ(hex("AABB"), manager->read(only));
+        EXPECT_EQ("Cannot allocate section - Rom version is not 1", refusal([&] { manager->allocate(1); }));
+        EXPECT_EQ("Cannot write section - Rom version is not 1", refusal([&] { manager->write(only, {}); }));
+        EXPECT_EQ("Cannot erase section - Rom version is not 1", refusal([&] { manager->erase(only); }));
+    }
     manager->dispose();
     EXPECT_EQ("Cannot allocate section - Rom version is not 1", refusal([&] { manager->allocate(1); }));
 }
@@ -153,6 +157,10 @@ TEST_F(ManagerTest, FullAreaAllocatesNothing) {
     EXPECT_NE(nullptr, manager->allocate(246));
     for (const std::uint32_t size : {0xFFFFFF00u, 0xFFFFFFF6u, 0xFFFFFFFFu})
         EXPECT_EQ(nullptr, manager->allocate(size));
+    use({0, 4096, 1, true});
+    formatMemory();
+    EXPECT_EQ(0xFFFFFFFFu, BlockProbe(*manager->allocate(0xFFFFFFF5)).getAllocatedSize());
+    EXPECT_EQ(nullptr, manager->allocate(0xFFFFFFF6)) << "one byte more than 32 bits count";
 }
 
 TEST_F(ManagerTest, PendingBlockIsForgottenByTheNextAllocation) {
@@ -164,6 +172,14 @@ TEST_F(ManagerTest, PendingBlockIsForgottenByTheNextAllocation) {
     EXPECT_EQ(15u, BlockProbe(*second).getAllocatedSize());
     EXPECT_EQ(1u, flash->writes.size()) << "allocating writes nothing";
     EXPECT_THAT(manager->getBlockMap(), IsEmpty());
+    const auto address = writeBlock(pattern(1));
+    const std::function<void()> forgets[] = {[&] { manager->erase(block(address)); }, [&] { mountMemory(); },
+                                             [&] { EXPECT_EQ(nullptr, manager->allocate(0xFFFFFFFF)); }};
+    for (const auto& forget : forgets) {
+        const auto* pending = manager->allocate(5);
+        forget();
+        EXPECT_THROW(manager->write(pending, pattern(5)), ArgumentPluginException);
+    }
 }
 
 TEST_F(ManagerTest, UnknownBlocksAreRefused) {
@@ -251,6 +267,14 @@ TEST_F(ManagerTest, ErasingInACycleLeavesNoLinkToTheBlock) {
         EXPECT_EQ(2u, manager->getBlockMap().size());
         EXPECT_EQ(1u, manager->getBlockMap().count(c.left));
     }
+    use({});
+    putHeader(1000, 256, 4096);
+    putBlock(1000, 20, 1000);
+    mountMemory();
+    EXPECT_EQ(nullptr, manager->erase(block(1000)));
+    EXPECT_EQ(1u, flash->writes.size()) << "the management header, and not the block itself";
+    mountMemory();
+    EXPECT_THAT(manager->getBlockMap(), IsEmpty());
 }
 
 TEST_F(ManagerTest, TheFirstBlockIsTheOneThatTheHeaderNames) {
@@ -285,6 +309,24 @@ TEST_F(ManagerTest, AWriteThatReadsBackWrongIsNotRemembered) {
         EXPECT_THROW(manager->write(fresh, pattern(10)), IOPluginException);
         EXPECT_THAT(chain(), ElementsAre(address));
         flash->heal();
+    }
+    // The write that links or unlinks: of a block's header, then of the management header.
+    for (const bool isFirst : {false, true}) {
+        use({});
+        formatMemory();
+        const auto first = isFirst ? 0 : writeBlock(pattern(100));
+        const auto* fresh = manager->allocate(10);
+        flash->failWrite(1, FlashFault::Ignored);
+        EXPECT_THROW(manager->write(fresh, pattern(10)), IOPluginException);
+        EXPECT_THROW(manager->read(fresh), ArgumentPluginException);
+        EXPECT_EQ(first, manager->getHeader()->getFirstBlockAddress());
+        EXPECT_EQ(isFirst ? 0u : 1u, chain().size());
+        const auto last = writeBlock(pattern(10)); // takes the same place
+        flash->failWrite(0, FlashFault::Ignored);
+        EXPECT_THROW(manager->erase(block(last)), IOPluginException);
+        EXPECT_EQ(pattern(10), manager->read(block(last)));
+        EXPECT_EQ(isFirst ? last : first, manager->getHeader()->getFirstBlockAddress());
+        EXPECT_EQ(isFirst ? 1u : 2u, chain().size());
     }
 }
 

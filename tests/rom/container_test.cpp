@@ -117,7 +117,9 @@ TEST_F(ContainerTest, WhatFitsIsRewrittenInPlace) {
     write(1, pattern(100));
     write(2, pattern(10));
     write(3, pattern(10));
+    flash->writeCount = 0;
     write(1, pattern(256 - 23)); // up to the whole chunk
+    EXPECT_EQ(1u, flash->writeCount);
     EXPECT_THAT(chain(), ElementsAre(17, 273, 529, 785));
     write(2, pattern(234)); // one byte more than its chunk
     EXPECT_THAT(chain(), ElementsAre(17, 273, 785, 1041));

@@ -174,7 +174,8 @@ TEST_F(StoreTest, RefusalsInOrder) {
 TEST_F(ImageFileTest, KeepsTheOldFileUntilSaved) {
     Utils::writeFile(fileName, "0123456789");
     ROM::FileAccessor file(fileName);
-    EXPECT_FALSE(file.isModified());
+    file.write(8, {'8', '9'});
+    EXPECT_FALSE(file.isModified()) << "the bytes that stand there already";
     file.write(8, {'x', 'y'});
     EXPECT_TRUE(file.isModified());
     EXPECT_EQ("0123456789", Utils::readFile(fileName));

@@ -24,6 +24,9 @@ class ChunkedMemoryManagementHeader;
 /// Life: initialize(), then any number of operations, then dispose(). initializeRom() may be called at any
 /// time. Used from one thread at a time. An accessor's exceptions pass through.
 ///
+/// Lack of memory throws `std::bad_alloc` and is never taken for the end of the chain. What a change needs is
+/// got before its first write, the room for what is read back among it; so table and chain stay as they were.
+///
 /// Some rules of the format give away bytes that are not free; writers who cannot afford it rehearse on a
 /// copy:
 /// - a block whose allocated size is an exact multiple of the chunk size is credited one chunk more than it
@@ -50,8 +53,8 @@ public:
     /// Loads header and chain. Without a readable header whose minimum readout version is below 2, whose
     /// chunk size is not 0 and whose size fits in the area, the memory counts as not initialized. The chain
     /// is cut, with a warning in the log, where a block cannot be parsed or was seen before, and where blocks
-    /// overlap so much that together they claim the area more than 16 times. Where the accessor throws,
-    /// nothing is loaded.
+    /// overlap so much that together they claim the area more than 16 times. Where the accessor throws, or
+    /// memory runs out, nothing is loaded.
     void initialize() override;
     void dispose() override;
 

@@ -18,7 +18,7 @@ class Section;
 ///
 /// Life: initialize(), then any number of operations, then dispose(). Used from one thread at a time.
 /// Exceptions of the manager pass through; a failed operation leaves the sections in memory as the last
-/// verified write left them.
+/// verified write left them. So does lack of memory, which throws `std::bad_alloc`.
 class ZENTARA_API Container {
 public:
     static constexpr std::uint8_t HEADER_VERSION = 1;
@@ -32,7 +32,7 @@ public:
 
     /// Forgets what was loaded, initializes the manager and loads header and sections. Blocks that hold no
     /// section are skipped; of two with the same uid the later in the chain counts. Where a read throws,
-    /// nothing is loaded.
+    /// or memory runs out, nothing is loaded.
     virtual void initialize();
     /// Forgets header and sections. The manager is left as it is.
     virtual void dispose();

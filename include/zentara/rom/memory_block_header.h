@@ -29,7 +29,7 @@ protected:
     friend class ChunkedMemoryManager;
 
     /// A new header with block offset 0, owned by the caller; null for fewer than ten bytes, a wrong CRC or
-    /// an allocated size below ten. Surplus bytes are ignored.
+    /// an allocated size below ten, and for lack of memory. Surplus bytes are ignored.
     static MemoryBlockHeader* deserialize(const std::vector<std::uint8_t>& bytes);
 
     virtual std::vector<std::uint8_t> serialize() const;
