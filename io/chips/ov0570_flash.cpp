@@ -39,6 +39,8 @@ void OV0570Flash::writeData(const std::uint8_t* data, unsigned length) {
         throw Plugin::ArgumentPluginException(Format("% bytes of EEPROM data in one packet, at most % fit") %
                                               length % static_cast<unsigned>(eepromPieceBytes));
     }
+    if (length == 0)
+        return; // a packet of nothing would write zeros
     Packet packet{EEPROM_WRITE_DATA};
     std::copy_n(data, length, packet.begin() + eepromData);
     send(packet);

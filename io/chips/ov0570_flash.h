@@ -22,7 +22,8 @@ public:
     /// Both ends are inclusive and keep their low 16 bits.
     void setRange(unsigned start, unsigned end);
     [[nodiscard]] Sizes sizes();
-    /// \throws ArgumentPluginException for more than 32 bytes.
+    /// Sends nothing for no bytes; else the bridge gets 32, the rest of them zeros, and writes as far as the
+    /// range reaches. \throws ArgumentPluginException for more than 32 bytes.
     void writeData(const std::uint8_t* data, unsigned length);
 
     /// \throws IOPluginException when the flash cannot give these bytes; asks it how many it has.

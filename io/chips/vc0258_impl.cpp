@@ -177,13 +177,15 @@ void VC0258Impl::VC0258ImplPrivate::resetStrobe(unsigned reg, unsigned mask) {
 namespace {
 
 // What the tunnel can carry, told apart before any transfer.
-bool isOneByte(unsigned device, unsigned addressBytes, unsigned dataBytes) {
+bool isOneByte(unsigned device, unsigned reg, unsigned addressBytes, unsigned dataBytes) {
     if (addressBytes != 1)
         throw Plugin::IOPluginException("addressBytes must be equal to 1");
     if (dataBytes != 1 && dataBytes != 2)
         throw Plugin::IOPluginException("dataBytes must be equal to 1 or 2");
     if (device > maxBusAddress)
         throw Plugin::ArgumentPluginException(Format("0x%{:x2} is no 7-bit bus address") % device);
+    if (reg >= registersPerDevice)
+        throw Plugin::ArgumentPluginException(Format("0x%{:x2} is no 8-bit register address") % reg);
     return dataBytes == 1;
 }
 
@@ -191,7 +193,7 @@ bool isOneByte(unsigned device, unsigned addressBytes, unsigned dataBytes) {
 
 void VC0258Impl::VC0258ImplPrivate::setI2c(unsigned device, unsigned reg, unsigned value,
                                            unsigned addressBytes, unsigned dataBytes, unsigned order) {
-    if (isOneByte(device, addressBytes, dataBytes)) {
+    if (isOneByte(device, reg, addressBytes, dataBytes)) {
         tunnel.setI2CData1A1D(device, reg, value);
     } else {
         tunnel.setI2CData1A2D(device, reg, value, order);
@@ -200,8 +202,8 @@ void VC0258Impl::VC0258ImplPrivate::setI2c(unsigned device, unsigned reg, unsign
 
 unsigned VC0258Impl::VC0258ImplPrivate::getI2c(unsigned device, unsigned reg, unsigned addressBytes,
                                                unsigned dataBytes, unsigned order) {
-    return isOneByte(device, addressBytes, dataBytes) ? tunnel.getI2CData1A1D(device, reg)
-                                                      : tunnel.getI2CData1A2D(device, reg, order);
+    return isOneByte(device, reg, addressBytes, dataBytes) ? tunnel.getI2CData1A1D(device, reg)
+                                                           : tunnel.getI2CData1A2D(device, reg, order);
 }
 
 // I2C requests name no order: they take the one that the time-of-flight controller has.

@@ -16,8 +16,8 @@ class ChipClock;
 /// The bridge tells, once, which devices are on the camera's internal bus. The time-of-flight controller is
 /// the last one at bus address 0x0021, the colour sensor the last one at 0x9711; calls for one that is absent
 /// reach the bridge itself. Register addresses and values are cut to the widths of their device, reads return
-/// 16 bits. Every write that reaches register 29 of the time-of-flight controller, by whatever call, carries
-/// a bit 0 that alternates between 1 and 0, beginning with 1.
+/// 16 bits. Into every write that reaches register 29 of the time-of-flight controller, by whatever call, a
+/// toggle is ORed as bit 0: 1 and 0 in turn, beginning with 1. A value whose bit 0 is set stays set.
 ///
 /// Requests: raw commands and the four I2C kinds are executed; others throw `NotSupportedPluginException`. In
 /// I2C requests and calls the widths are not used; an array is one byte a register from register 0.
@@ -72,6 +72,8 @@ public:
 
     /// The steps of an EEPROM write; how to compose them is the caller's. The range is inclusive.
     void setEEPROMWriteAddress(unsigned short start, unsigned short end);
+    /// A packet carries 32 bytes: fewer are padded with zeros, which are written as well as far as the range
+    /// reaches, so end the range where the data ends. Length 0 sends nothing.
     /// \throws ArgumentPluginException for more than 32 bytes, or null with a length.
     void setEEPROMData(const unsigned char* data, unsigned int length);
     [[nodiscard]] unsigned int getEEPROMWritableSize();

@@ -15,9 +15,10 @@ class ChipClock;
 /// The bridge reaches the time-of-flight controller and the other devices of the camera's bus through an I2C
 /// tunnel. Three of its settings (sensor control size 0x8102, DMA control size 0x810F, last byte order
 /// 0xB439) are remembered and sent only when they change; writing one of them directly keeps the memory
-/// right. Registers of the time-of-flight controller have 8-bit addresses and 16 bits. A write of its
-/// register 29 carries a bit 0 that alternates between 1 and 0, beginning with 1; a raw I2C write does not.
-/// Before each of its writes the chip waits 5 ms.
+/// right. Registers of the time-of-flight controller have 8-bit addresses, to which longer ones are cut, and
+/// 16 bits. Into a write of its register 29 a toggle is ORed as bit 0: 1 and 0 in turn, beginning with 1; a
+/// value whose bit 0 is set stays set, and a raw I2C write is left alone. Before each of its writes the chip
+/// waits 5 ms.
 ///
 /// Requests: raw commands and the four I2C kinds are executed (byte order 1 for writes, 0 for reads; an array
 /// is one byte a register from register 0); others throw `NotSupportedPluginException`.
@@ -46,7 +47,7 @@ public:
     /// \param byteOrder what the bridge is told about a 2-byte transfer; the low byte comes first in any
     /// case.
     /// \throws IOPluginException "addressBytes must be equal to 1", "dataBytes must be equal to 1 or 2";
-    /// ArgumentPluginException for an address above 0x7F.
+    /// ArgumentPluginException for an address above 0x7F or a register above 0xFF.
     void setI2cLocked(unsigned char deviceAddress, unsigned int reg, unsigned int value,
                       unsigned char addressBytes, unsigned char dataBytes, bool byteOrder);
     [[nodiscard]] unsigned int getI2cLocked(unsigned char deviceAddress, unsigned int reg,

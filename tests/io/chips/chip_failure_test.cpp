@@ -86,13 +86,15 @@ ChipOperation<Camera> recital() {
             }};
 }
 
-/// True when another thread can take the chip's mutex: every chip takes it for a command that it does not
-/// know.
+/// Takes the chip's mutex in another thread: every chip takes it for a command that it does not know.
+template<typename Camera>
+std::future<void> takeMutex(Camera& camera) {
+    return std::async(std::launch::async, [&] { camera.run(static_cast<IO::UVCPrefix>(99), 0, 0); });
+}
+
 template<typename Camera>
 bool mutexIsFree(Camera& camera) {
-    const auto other =
-        std::async(std::launch::async, [&] { camera.run(static_cast<IO::UVCPrefix>(99), 0, 0); });
-    return other.wait_for(std::chrono::seconds(60)) == std::future_status::ready;
+    return takeMutex(camera).wait_for(std::chrono::seconds(60)) == std::future_status::ready;
 }
 
 template<typename Camera>
@@ -167,6 +169,25 @@ TYPED_TEST(ChipFailureTest, AFailedTransferLeavesTheChipAsItsSuccessesSay) {
             this->walkAll(operation, false);
             this->walkAll(operation, true);
         }
+    }
+}
+
+// Each call holds the chip's mutex, so that the transfers of two do not mix. Where one does not, the other thread has
+// taken the mutex long before the wait for it ends.
+TYPED_TEST(ChipFailureTest, EveryTransferIsMadeUnderTheChipsMutex) {
+    for (const auto& operation : operationsOf(static_cast<const TypeParam*>(nullptr))) {
+        TypeParam camera;
+        std::future<void> other;
+        camera.chip.onTransfer = [&] {
+            if (other.valid())
+                return;
+            other = takeMutex(camera);
+            EXPECT_EQ(std::future_status::timeout, other.wait_for(std::chrono::milliseconds(10)))
+                << operation.name;
+        };
+        operation.run(camera);
+        if (other.valid())
+            other.get();
     }
 }
 

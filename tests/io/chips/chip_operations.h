@@ -15,7 +15,6 @@ template<typename Camera>
 struct ChipOperation {
     std::string name;
     std::function<void(Camera&)> run;
-    bool isOneCall = true; ///< under one lock
     /// False when its failure leaves a setting unknown that its successes told before.
     bool isWalked = true;
 };
@@ -78,8 +77,7 @@ inline std::vector<ChipOperation<OV0570Camera>> operationsOf(const OV0570Camera*
              const unsigned char data[32] = {};
              c.chip.setEEPROMWriteAddress(0, 31);
              c.chip.setEEPROMData(data, 32);
-         },
-         false},
+         }},
         {"EEPROM writable size", [](Camera& c) { static_cast<void>(c.chip.getEEPROMWritableSize()); }},
     };
 }
@@ -95,7 +93,7 @@ inline std::vector<ChipOperation<VC0258Camera>> operationsOf(const VC0258Camera*
              c.chip.setTOFControllerRegisterLocked(5, 1);
              static_cast<void>(c.chip.getTOFControllerRegisterLocked(5));
          },
-         false, false},
+         false},
         {"bridge register write", [](Camera& c) { c.chip.setUSBBackendRegisterLocked(0x1234, 1); }},
         {"bridge register read",
          [](Camera& c) { static_cast<void>(c.chip.getUSBBackendRegisterLocked(0x1234)); }},

@@ -409,6 +409,11 @@ TEST_F(OV0570Test, EepromWritesAreMadeOfPrimitives) {
     }),
                 ElementsAre("SET 3  " + eeprom("01 02 01 04 03"), "SET 3  " + eeprom("07 01 02 03")));
     EXPECT_EQ(camera->model.flash()[0x0104], 3);
+    EXPECT_THAT(camera->sent([&](auto&) {
+        chip.setEEPROMData(data.data(), 0);
+        chip.setEEPROMData(nullptr, 0);
+    }),
+                IsEmpty());
     const Bytes tooMuch(33);
     EXPECT_THROW(chip.setEEPROMData(tooMuch.data(), 33), ArgumentPluginException);
     EXPECT_THROW(chip.setEEPROMData(nullptr, 1), ArgumentPluginException);

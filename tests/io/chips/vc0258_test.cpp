@@ -124,7 +124,7 @@ TEST_F(VC0258Test, TheToggleAlternatesInRegisterWritesButNotInRawI2c) {
 }
 
 TEST_F(VC0258Test, RawI2cTakesOneOrTwoDataBytesOfEitherOrder) {
-    EXPECT_THAT(camera.sent([](auto& chip) { chip.setI2cLocked(0x30, 0x107, 0x1AB, 1, 1, true); }),
+    EXPECT_THAT(camera.sent([](auto& chip) { chip.setI2cLocked(0x30, 0x07, 0x1AB, 1, 1, true); }),
                 ElementsAre(sizeNine, "SET 16  61 01 01 07 00 00 AB 00 00"))
         << "one byte has no order";
     EXPECT_THAT(camera.sent([](auto& chip) { EXPECT_EQ(chip.getI2cLocked(0x30, 7, 1, 1, true), 0xABU); }),
@@ -150,6 +150,11 @@ TEST_F(VC0258Test, WrongWidthsAndAddressesFailBeforeAnyTransfer) {
         "addressBytes must be equal to 1");
     EXPECT_THAT(failure<ArgumentPluginException>([&] { camera.chip.setI2cLocked(0xA1, 0, 0, 1, 1, true); }),
                 HasSubstr("0xa1"));
+    for (const unsigned char dataBytes : {1, 2}) {
+        EXPECT_THROW(camera.chip.setI2cLocked(0x21, 0x100, 0, 1, dataBytes, true), ArgumentPluginException);
+        EXPECT_THROW(static_cast<void>(camera.chip.getI2cLocked(0x21, 0x11D, 1, dataBytes, true)),
+                     ArgumentPluginException);
+    }
     EXPECT_THAT(camera.port.log(), IsEmpty());
     EXPECT_THROW(camera.chip.setI2cLocked(0x55, 0, 0, 1, 1, true), IOPluginException) << "nobody answers";
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -39,14 +40,19 @@ public:
     using Chip::setup;
     void setup(const ::GUID& unit) override { port.select(unit); }
     void send(unsigned unit, unsigned long control, unsigned long length, void* data) override {
+        if (onTransfer)
+            onTransfer();
         port.set(unit, static_cast<std::uint32_t>(control), data, length);
     }
     void recv(unsigned unit, unsigned long control, unsigned long length, void* data, bool flag) override {
+        if (onTransfer)
+            onTransfer();
         flags.emplace_back(control, flag);
         port.get(unit, static_cast<std::uint32_t>(control), data, length);
     }
 
     std::vector<std::pair<unsigned long, bool>> flags;
+    std::function<void()> onTransfer; ///< called before each
 
 private:
     Simulated::ControllerPort& port;
