@@ -1,5 +1,6 @@
 #include <zentara/calibration_internal.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <utility>
 
@@ -112,7 +113,11 @@ DriftCompensation CalibrationInternal::getDriftCompensation() const { return dri
 void CalibrationInternal::setDriftCompensation(DriftCompensation newDrift) { driftCompensation = newDrift; }
 
 TemperatureCompensationData CalibrationInternal::getTemperatureCompensation() const {
-    return {compensationKind, firstCoefficients, secondCoefficients};
+    TemperatureCompensationData data{compensationKind, firstCoefficients, secondCoefficients};
+    const std::size_t count = std::max(firstCoefficients.size(), secondCoefficients.size());
+    data.firstCoefficients.resize(count);
+    data.secondCoefficients.resize(count);
+    return data;
 }
 
 void CalibrationInternal::setTemperatureCompensation(TemperatureCompensationData data) {

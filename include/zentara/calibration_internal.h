@@ -27,6 +27,9 @@ public:
     void setPhaseDelay2(std::int16_t newDelay);
     [[nodiscard]] DriftCompensation getDriftCompensation() const;
     void setDriftCompensation(DriftCompensation newDrift);
+
+    /// Both sets in the same length, as the setter wants them: where a tagged form held two of different
+    /// lengths, the shorter ends in zeros here.
     [[nodiscard]] TemperatureCompensationData getTemperatureCompensation() const;
 
     /// \throws Plugin::ArgumentPluginException if a set has more than 255 coefficients or the two sets differ

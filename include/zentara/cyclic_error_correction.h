@@ -37,7 +37,8 @@ public:
     /// \sa cyclicErrorBlock, which makes such a block from a stored record
     explicit CyclicErrorCorrection(const void* rom);
 
-    /// Asks the store for the record of each mode. Null reads as no correction.
+    /// Asks the store for the record of each mode. Null reads as no correction; so does, with a warning, a
+    /// store that throws for either.
     explicit CyclicErrorCorrection(Core::DescriptorStoreRO* store);
 
     /// \return false, with the current mode as it was, for a mode other than -1, 0 and 1

@@ -9,7 +9,7 @@ namespace Zentara {
 /// One reading of one temperature sensor.
 struct SensorValue {
     std::int32_t sensorId = -1; ///< the camera's number for the sensor; -1: not known
-    float value = 0;            ///< degrees Celsius; in a calibration the sensor's coefficient
+    float value = 0;            ///< degrees Celsius, of a reading as of a calibration
 
     friend bool operator==(const SensorValue&, const SensorValue&) = default;
 };

@@ -7,7 +7,8 @@
 
 namespace Zentara {
 
-/// At which temperatures a depth camera was calibrated: one set of sensor values for each camera mode.
+/// At which temperatures a depth camera was calibrated: for each camera mode what its sensors read then, in
+/// degrees Celsius.
 /// A copyable value; starts empty.
 struct TemperatureCalibration {
     std::array<SensorValueArray, 2> modes; ///< the mode is the index

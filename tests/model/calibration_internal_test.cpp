@@ -105,6 +105,13 @@ TEST(CalibrationInternalTest, AShortSetIsPaddedWithZeros) {
     EXPECT_THAT(marshalled(calibration),
                 ElementsAreArray(Bytes{0x22, 1, 16, 0, 2, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0, 0, 0, 0, 0,
                                        0x42, 1, 16, 0, 5, 2,    0xFF, 0xFF, 1, 0, 0, 0, 2, 0, 0, 0}));
+    EXPECT_EQ((TemperatureCompensationData{5, {0, 0}, {1, 2}}), calibration.getTemperatureCompensation());
+    calibration = example(); // three first ones, and two second
+    ASSERT_EQ(0, unmarshal(calibration, {0x22, 1, 20, 0, 3, 0, 0, 0, 7, 0, 0, 0, 8, 0, 0, 0, 9, 0, 0, 0}));
+    const TemperatureCompensationData padded{0x105, {7, 8, 9}, {0x01020304, 5, 0}};
+    EXPECT_EQ(padded, calibration.getTemperatureCompensation());
+    calibration.setTemperatureCompensation(padded);
+    EXPECT_EQ(padded, calibration.getTemperatureCompensation());
 }
 
 TEST(CalibrationInternalTest, EveryTruncationIsRefusedAndChangesNothing) {

@@ -13,6 +13,7 @@
 #include <zentara/plugin/plugin_exceptions.h>
 
 #include "core/nodes/record_store.h"
+#include "support/log_capture.h"
 
 namespace Testing {
 namespace {
@@ -196,8 +197,11 @@ class CyclicStore final : public RecordStore {
 public:
     bool getCyclicErrorRecord(DepthNode::CameraMode mode, CyclicErrorRecord& record) const override {
         record = {65, {1.0F, 2.0F}};
-        return mode == DepthNode::CameraMode_1;
+        if (throws && mode == DepthNode::CameraMode_1)
+            throw Plugin::IOPluginException("unplugged");
+        return throws || mode == DepthNode::CameraMode_1;
     }
+    bool throws = false;
 };
 
 TEST(DescriptorStore, CyclicErrorCorrectionTakesTheRecordsOfTheStore) {
@@ -211,9 +215,15 @@ TEST(DescriptorStore, CyclicErrorCorrectionTakesTheRecordsOfTheStore) {
     EXPECT_EQ(correction.getParameterCount(), 2U);
     EXPECT_EQ(correction.getParameter(1), 2.0F);
 
-    CyclicErrorCorrection empty(static_cast<Core::DescriptorStoreRO*>(nullptr));
-    empty.setCurrentMode(DepthNode::CameraMode_0);
-    EXPECT_EQ(empty.getParameterCount(), 0U);
+    const TestSupport::LogCapture log;
+    store.throws = true;
+    for (Core::DescriptorStoreRO* none :
+         {static_cast<Core::DescriptorStoreRO*>(nullptr), static_cast<Core::DescriptorStoreRO*>(&store)}) {
+        CyclicErrorCorrection empty(none);
+        empty.setCurrentMode(DepthNode::CameraMode_0);
+        EXPECT_EQ(empty.getParameterCount(), 0U) << "a store that throws has no record of either mode";
+    }
+    EXPECT_THAT(log.text(), testing::HasSubstr("unplugged"));
 }
 
 TEST(DescriptorStore, InterfaceClassesTellKindAndVersion) {
