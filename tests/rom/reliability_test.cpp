@@ -71,16 +71,12 @@ struct Figures {
         return sum;
     }
     void print(std::size_t writes) const {
-        std::printf("%zu cut images of %zu writes\n%-24s %9s %9s %9s %9s %9s %9s\n", total(), writes,
-                    "cut inside", "cuts", "whole", "own lost", "others", "all lost", "wrong");
-        for (int kind = 0; kind < WRITE_KINDS; ++kind) {
-            std::size_t sum = 0;
+        std::printf("%zu cut images of %zu writes: whole, own lost, others, all lost, wrong\n", total(),
+                    writes);
+        for (std::size_t kind = 0; kind < WRITE_KINDS; ++kind) {
+            std::printf("%-24s", KIND_NAMES[kind]);
             for (const std::size_t count : counts[kind])
-                sum += count;
-            std::printf("%-24s %9zu", KIND_NAMES[static_cast<std::size_t>(kind)], sum);
-            for (const std::size_t count : counts[kind])
-                std::printf(" %8.3f%%",
-                            sum == 0 ? 0.0 : 100.0 * static_cast<double>(count) / static_cast<double>(sum));
+                std::printf(" %8zu", count);
             std::printf("\n");
         }
     }

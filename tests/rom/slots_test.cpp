@@ -14,42 +14,32 @@ namespace Zentara::TestSupport {
 namespace {
 
 using namespace Zentara::ROM;
-using Testing::expectSlots;
 using Testing::virtualSlot;
 
-// Slots 0 and 1 are the destructor's.
+/// The operations stand in this order, the first of them in slot `first`. Slots 0 and 1 are the destructor's.
+template<typename... Operations>
+void expectInOrder(const char* className, int first, Operations... operations) {
+    for (const int slot : {virtualSlot(operations)...})
+        EXPECT_EQ(first++, slot) << className;
+}
 
 TEST(RomSlots, Flash) {
     using Correction = GradientDistortionCorrectionAccessor;
-    expectSlots("Accessor",
-                {{"read", virtualSlot(&Accessor::read), 2}, {"write", virtualSlot(&Accessor::write), 3}});
-    expectSlots("GradientDistortionCorrectionAccessor",
-                {{"read(fileName)",
-                  virtualSlot(static_cast<void (Correction::*)(const std::string&)>(&Correction::read)), 4}});
+    expectInOrder("Accessor", 2, &Accessor::read, &Accessor::write);
+    expectInOrder("GradientDistortionCorrectionAccessor", 4,
+                  static_cast<void (Correction::*)(const std::string&)>(&Correction::read));
 }
 
 TEST(RomSlots, Memory) {
-    expectSlots("MemoryManager",
-                {{"initialize", virtualSlot(&MemoryManager::initialize), 2},
-                 {"dispose", virtualSlot(&MemoryManager::dispose), 3},
-                 {"getNext", virtualSlot(&MemoryManager::getNext), 4},
-                 {"erase", virtualSlot(&MemoryManager::erase), 5},
-                 {"write", virtualSlot(&MemoryManager::write), 6},
-                 {"read", virtualSlot(&MemoryManager::read), 7},
-                 {"getMaximumUsableSize", virtualSlot(&MemoryManager::getMaximumUsableSize), 8},
-                 {"allocate", virtualSlot(&MemoryManager::allocate), 9},
-                 {"romInitialized", virtualSlot(&MemoryManager::romInitialized), 10},
-                 {"initializeRom", virtualSlot(&MemoryManager::initializeRom), 11}});
-    expectSlots("ChunkedMemoryManager",
-                {{"getHeader", virtualSlot(&ChunkedMemoryManager::getHeader), 12},
-                 {"getBlockMap", virtualSlot(&ChunkedMemoryManager::getBlockMap), 13}});
+    expectInOrder("MemoryManager", 2, &MemoryManager::initialize, &MemoryManager::dispose,
+                  &MemoryManager::getNext, &MemoryManager::erase, &MemoryManager::write, &MemoryManager::read,
+                  &MemoryManager::getMaximumUsableSize, &MemoryManager::allocate,
+                  &MemoryManager::romInitialized, &MemoryManager::initializeRom);
+    expectInOrder("ChunkedMemoryManager", 12, &ChunkedMemoryManager::getHeader,
+                  &ChunkedMemoryManager::getBlockMap);
     using Header = ChunkedMemoryManagementHeader;
-    expectSlots("ChunkedMemoryManagementHeader",
-                {{"getVersion", virtualSlot(&Header::getVersion), 2},
-                 {"getMinReadoutVersion", virtualSlot(&Header::getMinReadoutVersion), 3},
-                 {"getAvailableMemorySize", virtualSlot(&Header::getAvailableMemorySize), 4},
-                 {"getChunkSize", virtualSlot(&Header::getChunkSize), 5},
-                 {"getFirstBlockAddress", virtualSlot(&Header::getFirstBlockAddress), 6}});
+    expectInOrder("ChunkedMemoryManagementHeader", 2, &Header::getVersion, &Header::getMinReadoutVersion,
+                  &Header::getAvailableMemorySize, &Header::getChunkSize, &Header::getFirstBlockAddress);
     struct Open : MemoryBlockHeader {
         using MemoryBlockHeader::getAllocatedSize;
         using MemoryBlockHeader::getBlockOffset;
@@ -59,93 +49,51 @@ TEST(RomSlots, Memory) {
         using MemoryBlockHeader::setBlockOffset;
         using MemoryBlockHeader::setNextBlockOffset;
     };
-    expectSlots("MemoryBlockHeader", {{"serialize", virtualSlot(&Open::serialize), 2},
-                                      {"getAllocatedSize", virtualSlot(&Open::getAllocatedSize), 3},
-                                      {"getNextBlockOffset", virtualSlot(&Open::getNextBlockOffset), 4},
-                                      {"getBlockOffset", virtualSlot(&Open::getBlockOffset), 5},
-                                      {"setAllocatedSize", virtualSlot(&Open::setAllocatedSize), 6},
-                                      {"setNextBlockOffset", virtualSlot(&Open::setNextBlockOffset), 7},
-                                      {"setBlockOffset", virtualSlot(&Open::setBlockOffset), 8}});
+    expectInOrder("MemoryBlockHeader", 2, &Open::serialize, &Open::getAllocatedSize,
+                  &Open::getNextBlockOffset, &Open::getBlockOffset, &Open::setAllocatedSize,
+                  &Open::setNextBlockOffset, &Open::setBlockOffset);
 }
 
 TEST(RomSlots, Sections) {
-    expectSlots("ContainerHeader",
-                {{"operator==", virtualSlot(&ContainerHeader::operator==), 2},
-                 {"getVersion", virtualSlot(&ContainerHeader::getVersion), 3},
-                 {"getMinReadoutVersion", virtualSlot(&ContainerHeader::getMinReadoutVersion), 4}});
-    expectSlots("Section", {{"getSectionType", virtualSlot(&Section::getSectionType), 2},
-                            {"getUID", virtualSlot(&Section::getUID), 3},
-                            {"getFlags", virtualSlot(&Section::getFlags), 4},
-                            {"getSerializedData", virtualSlot(&Section::getSerializedData), 5},
-                            {"setFlags", virtualSlot(&Section::setFlags), 6}});
-    expectSlots("Container", {{"initialize", virtualSlot(&Container::initialize), 2},
-                              {"dispose", virtualSlot(&Container::dispose), 3},
-                              {"getSectionUIDs", virtualSlot(&Container::getSectionUIDs), 4},
-                              {"get", virtualSlot(&Container::get), 5},
-                              {"getType", virtualSlot(&Container::getType), 6},
-                              {"set", virtualSlot(&Container::set), 7},
-                              {"erase", virtualSlot(&Container::erase), 8},
-                              {"initializeRom", virtualSlot(&Container::initializeRom), 9},
-                              {"romInitialized", virtualSlot(&Container::romInitialized), 10},
-                              {"sectionIsWritable", virtualSlot(&Container::sectionIsWritable), 11},
-                              {"getContainerHeader", virtualSlot(&Container::getContainerHeader), 12},
-                              {"getSection", virtualSlot(&Container::getSection), 13}});
+    expectInOrder("ContainerHeader", 2, &ContainerHeader::operator==, &ContainerHeader::getVersion,
+                  &ContainerHeader::getMinReadoutVersion);
+    expectInOrder("Section", 2, &Section::getSectionType, &Section::getUID, &Section::getFlags,
+                  &Section::getSerializedData, &Section::setFlags);
+    expectInOrder("Container", 2, &Container::initialize, &Container::dispose, &Container::getSectionUIDs,
+                  &Container::get, &Container::getType, &Container::set, &Container::erase,
+                  &Container::initializeRom, &Container::romInitialized, &Container::sectionIsWritable,
+                  &Container::getContainerHeader, &Container::getSection);
 }
 
 TEST(RomSlots, Records) {
     using Block = SerializedDataBlock;
-    expectSlots("SerializedDataBlock", {{"getSerializedData", virtualSlot(&Block::getSerializedData), 2},
-                                        {"getType", virtualSlot(&Block::getType), 3},
-                                        {"getVersion", virtualSlot(&Block::getVersion), 4},
-                                        {"getLength", virtualSlot(&Block::getLength), 5}});
-    expectSlots("Object", {{"getType", virtualSlot(&Object::getType), 2},
-                           {"serialize", virtualSlot(&Object::serialize), 3}});
+    expectInOrder("SerializedDataBlock", 2, &Block::getSerializedData, &Block::getType, &Block::getVersion,
+                  &Block::getLength);
+    expectInOrder("Object", 2, &Object::getType, &Object::serialize);
     struct Header : GradientDistortionCorrectionHeader {
         using GradientDistortionCorrectionHeader::serialize;
         using GradientDistortionCorrectionHeader::swap;
     };
-    expectSlots("GradientDistortionCorrectionHeader",
-                {{"operator==", virtualSlot(&Header::operator==), 2},
-                 {"getVersionNumber", virtualSlot(&Header::getVersionNumber), 3},
-                 {"getTimeofLastWrite", virtualSlot(&Header::getTimeofLastWrite), 4},
-                 {"getNumberOfSets", virtualSlot(&Header::getNumberOfSets), 5},
-                 {"getSerialId", virtualSlot(&Header::getSerialId), 6},
-                 {"serialize", virtualSlot(&Header::serialize), 7},
-                 {"swap", virtualSlot(&Header::swap), 8}});
+    expectInOrder("GradientDistortionCorrectionHeader", 2, &Header::operator==, &Header::getVersionNumber,
+                  &Header::getTimeofLastWrite, &Header::getNumberOfSets, &Header::getSerialId,
+                  &Header::serialize, &Header::swap);
     struct Data : GradientDistortionCorrectionData {
         using GradientDistortionCorrectionData::serialize;
         using GradientDistortionCorrectionData::swap;
     };
-    expectSlots("GradientDistortionCorrectionData",
-                {{"operator==", virtualSlot(&Data::operator==), 2},
-                 {"getModulationFrequency", virtualSlot(&Data::getModulationFrequency), 3},
-                 {"getValues", virtualSlot(&Data::getValues), 4},
-                 {"serialize", virtualSlot(&Data::serialize), 5},
-                 {"swap", virtualSlot(&Data::swap), 6}});
+    expectInOrder("GradientDistortionCorrectionData", 2, &Data::operator==, &Data::getModulationFrequency,
+                  &Data::getValues, &Data::serialize, &Data::swap);
 }
 
 TEST(RomSlots, Facades) {
     using Facade = Zentara::ROM::ROM;
-    expectSlots("ROM", {{"initialize", virtualSlot(&Facade::initialize), 2},
-                        {"dispose", virtualSlot(&Facade::dispose), 3},
-                        {"romInitialized", virtualSlot(&Facade::romInitialized), 4},
-                        {"getUIDs", virtualSlot(&Facade::getUIDs), 5},
-                        {"get", virtualSlot(&Facade::get), 6},
-                        {"set", virtualSlot(&Facade::set), 7},
-                        {"erase", virtualSlot(&Facade::erase), 8},
-                        {"sectionIsWritable", virtualSlot(&Facade::sectionIsWritable), 9},
-                        {"initializeRom", virtualSlot(&Facade::initializeRom), 10}});
+    expectInOrder("ROM", 2, &Facade::initialize, &Facade::dispose, &Facade::romInitialized, &Facade::getUIDs,
+                  &Facade::get, &Facade::set, &Facade::erase, &Facade::sectionIsWritable,
+                  &Facade::initializeRom);
     using Store = GradientDistortionCorrectionStore;
-    expectSlots("GradientDistortionCorrectionStore",
-                {{"initialize", virtualSlot(&Store::initialize), 2},
-                 {"initializeRom", virtualSlot(&Store::initializeRom), 3},
-                 {"dispose", virtualSlot(&Store::dispose), 4},
-                 {"isInitialized", virtualSlot(&Store::isInitialized), 5},
-                 {"getUIDs", virtualSlot(&Store::getUIDs), 6},
-                 {"get", virtualSlot(&Store::get), 7},
-                 {"read", virtualSlot(&Store::read), 8},
-                 {"sectionIsWritable", virtualSlot(&Store::sectionIsWritable), 9},
-                 {"set", virtualSlot(&Store::set), 10}});
+    expectInOrder("GradientDistortionCorrectionStore", 2, &Store::initialize, &Store::initializeRom,
+                  &Store::dispose, &Store::isInitialized, &Store::getUIDs, &Store::get, &Store::read,
+                  &Store::sectionIsWritable, &Store::set);
 }
 
 } // namespace

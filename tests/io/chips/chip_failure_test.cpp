@@ -33,9 +33,8 @@ void learn(OV0570Camera& camera, const Transfer& transfer) {
     if (transfer.control == 1) {
         static_cast<void>(camera.chip.getInfoLocked());
     }
-    if (transfer.control != 2 || transfer.isGet || transfer.sent[0] != 0x11) {
+    if (transfer.control != 2 || transfer.isGet || transfer.sent[0] != 0x11)
         return;
-    }
     const unsigned reg = pairAt(transfer, 1);
     if (reg == 29) {
         camera.chip.setTOFControllerRegisterLocked(reg, 0);
@@ -45,15 +44,12 @@ void learn(OV0570Camera& camera, const Transfer& transfer) {
 }
 
 void learn(VC0258Camera& camera, const Transfer& transfer) {
-    if (transfer.isGet) {
+    if (transfer.isGet)
         return;
-    }
-    if (transfer.control == 4) {
+    if (transfer.control == 4)
         return camera.chip.setUSBBackendRegisterLocked(pairAt(transfer, 1), transfer.sent[3]);
-    }
-    if (transfer.sent[0] != 0x43) {
+    if (transfer.sent[0] != 0x43)
         return;
-    }
     if (transfer.sent[3] == 29) {
         camera.chip.setTOFControllerRegisterLocked(29, 0);
     } else if (transfer.sent[3] == 26 || transfer.sent[3] == 27) {
@@ -62,9 +58,8 @@ void learn(VC0258Camera& camera, const Transfer& transfer) {
 }
 
 void learn(VC0345Camera& camera, const Transfer& transfer) {
-    if (transfer.control == 4 && !transfer.isGet) {
+    if (transfer.control == 4 && !transfer.isGet)
         camera.chip.setUSBBackendRegisterLocked(pairAt(transfer, 1), transfer.sent[3]);
-    }
 }
 
 template<typename Camera>
@@ -78,9 +73,8 @@ Lines transfersOf(Camera& camera, const ChipOperation<Camera>& operation) {
 template<typename Camera>
 ChipOperation<Camera> recital() {
     return {"recital", [](Camera& camera) {
-                for (const int strobe : {26, 27, 75}) {
+                for (const int strobe : {26, 27, 75})
                     camera.chip.resetStrobeLocked(strobe, 0);
-                }
                 camera.chip.setTOFControllerRegisterLocked(29, 0);
                 static_cast<void>(camera.chip.getUSBBackendConfigurationLocked(0, 1));
             }};
@@ -152,9 +146,8 @@ protected:
         Camera fresh;
         prepare(fresh, fault.warm);
         for (const Transfer& transfer : done) {
-            if (transfer.failure.empty()) {
+            if (transfer.failure.empty())
                 learn(fresh, transfer);
-            }
         }
         EXPECT_EQ(sent, transfersOf(fresh, next));
     }

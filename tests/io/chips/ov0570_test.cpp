@@ -73,25 +73,6 @@ protected:
     std::unique_ptr<OV0570Camera> camera;
 };
 
-TEST_F(OV0570Test, TheBridgeDescribesItsBus) {
-    Settings settings;
-    settings.bridge.flag = 1;
-    settings.devices = {{3, 2, 0x1234, 1, 0x77}};
-    use(settings);
-    const IO::OV0570Info info = camera->chip.getInfoLocked();
-    EXPECT_EQ(info.info, 0x5A);
-    EXPECT_EQ(info.firmwareVersion.value(), 0x01020304U);
-    EXPECT_THAT(info.words, ElementsAre(0x1111, 0x2222, 0x3333));
-    ASSERT_EQ(info.devices.size(), 2U);
-    EXPECT_EQ(info.devices[0].busAddress, 0x0060);
-    EXPECT_EQ(info.devices[0].flag, 1);
-    EXPECT_EQ(info.devices[0].extra, 0xFF);
-    EXPECT_EQ(info.devices[1].addressWidth, 3);
-    EXPECT_EQ(info.devices[1].dataWidth, 2);
-    EXPECT_EQ(info.devices[1].busAddress, 0x1234);
-    EXPECT_EQ(info.devices[1].extra, 0x77);
-}
-
 // The bridge's bus address comes low byte first, the others' high byte first.
 TEST(OV0570InfoTest, ReadsTheTwoByteOrdersOfBusAddresses) {
     std::array<std::uint8_t, 64> reply{};
@@ -170,9 +151,8 @@ TEST_F(OV0570Test, ConcurrentFirstCallsAskTheBridgeOnce) {
         threads.emplace_back(
             [&fresh] { EXPECT_EQ(fresh.chip.getUSBBackendFirmwareVersionLocked(), 0x01020304U); });
     }
-    for (std::thread& thread : threads) {
+    for (std::thread& thread : threads)
         thread.join();
-    }
     EXPECT_THAT(linesOf(fresh.port.log()), ElementsAre(information));
 }
 
@@ -249,9 +229,8 @@ Lines modulationLines(const std::string& code, const std::array<std::string, 4>&
         {"00", code},     {"01", code},     {"2F", steps[2]}, {"03", "00 00"},
         {"04", steps[1]}, {"05", steps[2]}, {"06", steps[3]}, {"07", "00 00"},
         {"08", "00 00"},  {"09", "00 00"},  {"0A", "00 00"}};
-    for (const auto& [reg, value] : writes) {
+    for (const auto& [reg, value] : writes)
         lines.push_back(std::string("SET 2  11 ") + reg + " 00 " + value + " 00 00");
-    }
     return lines;
 }
 
@@ -346,9 +325,8 @@ TEST(OV0570FpgaTest, TheResetWaitEndsNormallyAlsoAfterTenTries) {
 std::string eeprom(const std::string& head) {
     const std::size_t bytes = (head.size() + 1) / 3;
     std::string line = head;
-    for (std::size_t i = bytes; i < 33; ++i) {
+    for (std::size_t i = bytes; i < 33; ++i)
         line += " 00";
-    }
     return line;
 }
 
@@ -366,11 +344,6 @@ TEST_F(OV0570Test, FlashReadsFollowTheEepromSequence) {
     std::vector<unsigned char> out(40, 0);
     camera->chip.getUSBBackendConfigurationLocked(0x1234, out.data(), 40);
     EXPECT_EQ(out, bytes);
-}
-
-TEST_F(OV0570Test, TheWholeFlashIsRead) {
-    EXPECT_EQ(camera->chip.getUSBBackendFirmwareLocked(0, 0x10000), camera->model.flash());
-    EXPECT_EQ(camera->chip.getUSBBackendConfigurationLocked(0, 0x10000), camera->model.flash());
 }
 
 // Unsigned 32-bit arithmetic, with a readable size M of 0x8000.

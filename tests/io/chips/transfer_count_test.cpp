@@ -28,9 +28,8 @@ Counts documentedCounts(const std::string& chip) {
     Counts counts;
     std::string section;
     for (std::string line; std::getline(file, line);) {
-        if (line.rfind("## ", 0) == 0) {
+        if (line.rfind("## ", 0) == 0)
             section = trimmed(line.substr(3));
-        }
         std::istringstream cells(line);
         std::string empty, name, first, again;
         std::getline(std::getline(std::getline(std::getline(cells, empty, '|'), name, '|'), first, '|'),

@@ -55,9 +55,8 @@ TEST_F(VC0345Test, TheOnlySettingIsTheSensorControlSize) {
 
 TEST_F(VC0345Test, EveryRawCommandWaitsOnceAlsoWhenItIsIgnored) {
     warm();
-    for (const int prefix : {0, 2, 3, 6, 7, 8, -1}) {
+    for (const int prefix : {0, 2, 3, 6, 7, 8, -1})
         EXPECT_THAT(command(static_cast<IO::UVCPrefix>(prefix), 1, 1), IsEmpty());
-    }
     EXPECT_EQ(camera.clock.waits, std::vector<int>(7, 5));
     EXPECT_THAT(command(UVC_TOF_CONTROLLER_REGISTER, 1003, 0x00020001),
                 ElementsAre("SET 16  41 10 01 00", "SET 16  41 14 02 00"));
@@ -90,11 +89,10 @@ TEST_F(VC0345Test, MetaCodesWriteTheirPairsOrAreRefused) {
         const char* high;
     } rows[] = {{1000, "00", "12"}, {1001, "03", "13"}, {1002, "09", "28"}, {1003, "10", "14"},
                 {1004, "15", "16"}, {1005, "19", "1A"}, {1006, "1C", "1D"}};
-    for (const auto& row : rows) {
+    for (const auto& row : rows)
         EXPECT_THAT(command(UVC_TOF_CONTROLLER_REGISTER, row.code, 0x12345678),
                     ElementsAre(std::string("SET 16  41 ") + row.low + " 78 56",
                                 std::string("SET 16  41 ") + row.high + " 34 12"));
-    }
     camera.port.clearLog();
     EXPECT_EQ(
         failure<ConfigurationPluginException>([&] { camera.run(UVC_TOF_CONTROLLER_REGISTER, 1007, 0); }),

@@ -61,10 +61,9 @@ private:
 /// "SET 2  11 1D 00 01 00 00 00" for each transfer: what the host sent, and in a GET what it asked with.
 inline Lines linesOf(const std::vector<Simulated::Transfer>& transfers) {
     Lines lines;
-    for (const Simulated::Transfer& transfer : transfers) {
+    for (const Simulated::Transfer& transfer : transfers)
         lines.push_back((transfer.isGet ? "GET " : "SET ") + std::to_string(transfer.control) + "  " +
                         Simulated::bytesText(transfer.sent));
-    }
     return lines;
 }
 

@@ -33,9 +33,8 @@ public:
     void processCommand(SmartPtr<xuRequest> request) override {
         const unsigned a = dynamic_cast<UVCCommandRequest&>(*request).getA();
         done.push_back(a);
-        if (onCommand) {
+        if (onCommand)
             onCommand(a);
-        }
     }
 
     int setups = 0;
@@ -84,9 +83,8 @@ TEST(XUInterfaceTest, ANullElementOrAFailureStopsTheList) {
                 HasSubstr("request 1"));
     EXPECT_THAT(chip.done, ElementsAre(1));
     chip.onCommand = [](unsigned a) {
-        if (a == 1) {
+        if (a == 1)
             throw Plugin::IOPluginException("gone");
-        }
     };
     const Requests failing{numbered(0), numbered(1), numbered(2)};
     EXPECT_THROW(chip.processCommands(&failing), Plugin::IOPluginException);
@@ -124,9 +122,8 @@ TEST(XUInterfaceTest, CopiesAreViews) {
     }
     first.dispose();
     unsigned char byte = 0;
-    for (ListeningChip* chip : {&first, &other, &viewOfOther}) {
+    for (ListeningChip* chip : {&first, &other, &viewOfOther})
         EXPECT_THROW(chip->send(1, 1, 1, &byte), InvalidOperationPluginException);
-    }
 }
 
 /// Takes down which units a chip selects.
@@ -159,15 +156,14 @@ TEST(XUInterfaceTest, InitializeSelectsTheChipsOwnUnitOnce) {
 TEST(XUInterfaceTest, VirtualOperationsStandInTheirSlots) {
     using IO::XUInterface;
     using Testing::virtualSlot;
-    Testing::expectSlots(
-        "XUInterface",
-        {{"setup(GUID)", virtualSlot(static_cast<void (XUInterface::*)(const ::GUID&)>(&XUInterface::setup)),
-          2},
-         {"setup()", virtualSlot(static_cast<void (XUInterface::*)()>(&XUInterface::setup)), 3},
-         {"processCommands", virtualSlot(&XUInterface::processCommands), 4},
-         {"processCommand", virtualSlot(&XUInterface::processCommand), 5},
-         {"send", virtualSlot(&XUInterface::send), 6},
-         {"recv", virtualSlot(&XUInterface::recv), 7}});
+    const std::vector<int> slots{
+        virtualSlot(static_cast<void (XUInterface::*)(const ::GUID&)>(&XUInterface::setup)),
+        virtualSlot(static_cast<void (XUInterface::*)()>(&XUInterface::setup)),
+        virtualSlot(&XUInterface::processCommands),
+        virtualSlot(&XUInterface::processCommand),
+        virtualSlot(&XUInterface::send),
+        virtualSlot(&XUInterface::recv)};
+    EXPECT_THAT(slots, ElementsAre(2, 3, 4, 5, 6, 7));
     EXPECT_EQ(Testing::virtualSlotCount<ListeningChip>(), 8);
     EXPECT_EQ(Testing::virtualSlotCount<IO::OV0570Impl>(), 8);
     EXPECT_EQ(Testing::virtualSlotCount<IO::VC0258Impl>(), 8);
