@@ -8,7 +8,7 @@
 #include <zentara/utils/mutex.h>
 #include <zentara/utils/thread_annotations.h>
 
-#include "plugins/simulated/descriptions/simulated_bus.h"
+#include "plugins/simulated/simulated_bus.h"
 
 namespace Zentara::Simulated {
 

@@ -4,9 +4,12 @@
 
 #include <zentara/utils/clock.h>
 
+#include "plugins/descriptions/wire.h"
 #include "plugins/simulated/sensors.h"
 
 namespace Zentara::Simulated {
+
+using namespace Cameras;
 
 namespace {
 

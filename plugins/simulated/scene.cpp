@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cmath>
 
-#include "plugins/simulated/frame_layout.h"
+#include "plugins/descriptions/wire.h"
 
 namespace Zentara::Simulated {
+
+using namespace Cameras;
 namespace {
 
 constexpr float pi = 3.14159265F;

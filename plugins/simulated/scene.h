@@ -20,7 +20,7 @@ public:
 
     explicit Scene(std::uint32_t noiseSeed) noexcept : seed(noiseSeed) {}
 
-    /// Writes one frame of frame_layout.h's two planes, each of pixelCount values.
+    /// Writes one frame of wire.h's two planes, each of pixelCount values.
     /// \param depth millimetres; 0 where the sensor sees nothing: at the ball's rim and at pixels that drop out.
     /// \param confidence 0 to fullConfidence; 0 exactly where depth is 0.
     void render(std::uint32_t frame, std::uint16_t* depth, std::uint16_t* confidence) const noexcept;

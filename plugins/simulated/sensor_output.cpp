@@ -1,9 +1,10 @@
 #include "plugins/simulated/sensor_output.h"
 
-#include "plugins/simulated/frame_layout.h"
-#include "plugins/simulated/parameters/parameter_table.h"
+#include "plugins/descriptions/wire.h"
 
 namespace Zentara::Simulated {
+
+using namespace Cameras;
 namespace {
 
 constexpr std::uint32_t usualMegahertz = 20;

@@ -10,11 +10,8 @@ namespace Zentara::Simulated {
 /// What the registers of the time-of-flight controller make of the picture. Until a host has started the camera's
 /// parameters, only the raw output is looked at.
 struct SensorOutput {
-    /// Register 0x40: 0 depth in millimetres, as after power-on, 1 raw frames.
-    static constexpr std::uint8_t outputRegister = 0x40;
-
     bool raw = false;
-    RawHeader header;
+    Cameras::RawHeader header;
     bool dark = false; ///< the illumination is switched off
     RegionOfInterestInternal region;
 

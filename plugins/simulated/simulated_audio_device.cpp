@@ -9,14 +9,16 @@
 #include <zentara/io/streaming_requests.h>
 #include <zentara/utils/format.h>
 
+#include "plugins/descriptions/wire.h"
 #include "plugins/simulated/faults.h"
-#include "plugins/simulated/frame_layout.h"
 #include "plugins/simulated/plugged_camera.h"
 #include "plugins/simulated/settings.h"
 #include "plugins/simulated/stream_clock.h"
 #include "plugins/simulated/tone.h"
 
 namespace Zentara::Simulated {
+
+using namespace Cameras;
 namespace {
 
 // Inside the device's own operations "Plugin" is the base class, so the exceptions are named here.

@@ -8,7 +8,7 @@
 namespace Zentara::Simulated {
 
 /// An audio device without hardware: a Tone on two channels, in real time, in blocks of 10 ms.
-/// frame_layout.h says what readBuffer writes; timestamps are microseconds of the monotonic clock. A reader that is
+/// wire.h says what readBuffer writes; timestamps are microseconds of the monotonic clock. A reader that is
 /// late finds up to a second of blocks waiting; older ones are lost.
 /// Behaves, and misbehaves, as its Settings say. Safe.
 ///

@@ -9,6 +9,8 @@
 #include "plugins/simulated/plugin_guids.h"
 
 namespace Zentara::Simulated {
+
+using namespace Cameras;
 namespace {
 
 using Utils::Threading::AutoLock;

@@ -15,9 +15,9 @@
 #include <zentara/io/xu_device_requests.h>
 #include <zentara/utils/format.h>
 
-#include "plugins/simulated/descriptions/controller_code.h"
+#include "plugins/descriptions/controller.h"
+#include "plugins/descriptions/wire.h"
 #include "plugins/simulated/faults.h"
-#include "plugins/simulated/frame_layout.h"
 #include "plugins/simulated/pending_request.h"
 #include "plugins/simulated/plugged_camera.h"
 #include "plugins/simulated/port_controller.h"
@@ -27,6 +27,8 @@
 #include "plugins/simulated/stream_clock.h"
 
 namespace Zentara::Simulated {
+
+using namespace Cameras;
 namespace {
 
 // Inside the device's own operations "Plugin" is the base class, so the exceptions are named here.

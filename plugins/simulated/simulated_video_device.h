@@ -10,13 +10,13 @@
 namespace Zentara::Simulated {
 
 /// A video device without hardware: depth, and colour, of a Scene at QVGA and 60 frames a second, in real time.
-/// frame_layout.h says what readBuffer writes; timestamps are microseconds of the monotonic clock, the times at
+/// wire.h says what readBuffer writes; timestamps are microseconds of the monotonic clock, the times at
 /// which the frames fell due. A reader that is late loses frames: the timestamps then jump by more than a period.
 /// Behaves, and misbehaves, as its Settings say. Safe.
 ///
 /// Initialised with a node of the SimulatedBus it is a device of that camera: with its settings, with the controller
 /// of its description, and gone when it is unplugged. A controller can switch depth to the raw frames of
-/// raw_frame.h.
+/// wire.h.
 ///
 /// Order of calls: open, enable a stream, readBuffer, disableStreaming, close. Closing ends the stream.
 class SimulatedVideoDevice final : public IO::VideoDeviceInterface {

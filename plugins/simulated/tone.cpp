@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cmath>
 
-#include "plugins/simulated/frame_layout.h"
+#include "plugins/descriptions/wire.h"
 
 namespace Zentara::Simulated {
+
+using namespace Cameras;
 namespace {
 
 /// The phase is reduced in whole samples first, so it stays exact however long the stream runs.

@@ -10,8 +10,9 @@
 #include <zentara/utils/files.h>
 
 #include "plugin_object.h"
-#include "plugins/simulated/descriptions/simulated_bus.h"
+#include "plugins/cameras/plugin_guids.h"
 #include "plugins/simulated/plugin_guids.h"
+#include "plugins/simulated/simulated_bus.h"
 #include "support/scoped_variable.h"
 #include "support/temporary_directory.h"
 
@@ -77,7 +78,7 @@ struct HostedNode {
 
     NodeEvent event;
     Utils::SmartPtr<Core::DescriptorStoreInterface> store =
-        makePlugin<Core::DescriptorStoreInterface>(Simulated::descriptorStoreGuid);
+        makePlugin<Core::DescriptorStoreInterface>(Cameras::descriptorStoreGuid);
     Utils::SmartPtr<Interface> node;
     bool selected = false;
 };

@@ -13,9 +13,9 @@
 #include <zentara/utils/files.h>
 
 #include "plugin_object.h"
-#include "plugins/simulated/descriptions/camera_description.h"
-#include "plugins/simulated/descriptions/controller_code.h"
-#include "plugins/simulated/plugin_guids.h"
+#include "plugins/cameras/plugin_guids.h"
+#include "plugins/descriptions/camera_description.h"
+#include "plugins/descriptions/controller.h"
 #include "support/log_capture.h"
 #include "support/scoped_variable.h"
 #include "support/stride.h"
@@ -24,7 +24,7 @@
 namespace Zentara {
 namespace {
 
-using Simulated::ChipKind;
+using Cameras::ChipKind;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::SizeIs;
@@ -33,7 +33,7 @@ constexpr std::uint32_t vendor = 0xFFFE;
 constexpr Core::Profile longRange = static_cast<Core::Profile>(1);
 
 std::string shipped(const char* name) {
-    return Utils::readFile(Simulated::descriptionFolder() + name + ".json");
+    return Utils::readFile(Cameras::descriptionFolder() + name + ".json");
 }
 
 /// The text with its first `from` replaced.
@@ -71,21 +71,21 @@ protected:
     }
 
     Utils::SmartPtr<Core::DescriptorStoreInterface> store =
-        TestSupport::makePlugin<Core::DescriptorStoreInterface>(Simulated::descriptorStoreGuid);
+        TestSupport::makePlugin<Core::DescriptorStoreInterface>(Cameras::descriptorStoreGuid);
 };
 
 TEST_F(DescriptorStore, DescribesOneCameraBehindEachController) {
     store->initialize();
     const std::pair<std::uint32_t, ChipKind> cameras[] = {
         {0x0570, ChipKind::OV0570}, {0x0258, ChipKind::VC0258}, {0x0345, ChipKind::VC0345}};
-    const GUID nodes[] = {Simulated::depthNodeGuid, Simulated::colorNodeGuid, Simulated::audioNodeGuid};
+    const GUID nodes[] = {Cameras::depthNodeGuid, Cameras::colorNodeGuid, Cameras::audioNodeGuid};
     for (const auto& [product, chip] : cameras) {
         for (std::uint32_t index = 0; index < 3; ++index) {
             ASSERT_TRUE(select(product, index)) << std::hex << product << " " << index;
             EXPECT_EQ(view().getNodeType(), static_cast<NodeType>(NodeType_DEPTH + index));
             EXPECT_TRUE(guidEquals(view().getNodeImplGUID(), nodes[index]));
             EXPECT_EQ(view().getNodeIndex(), index);
-            EXPECT_EQ(Simulated::describedController(view().getDeviceCapabilities()), chip);
+            EXPECT_EQ(Cameras::describedController(view().getDeviceCapabilities()), chip);
             EXPECT_EQ(view().getNodeHardwareIDs(), (HardwareIDs{vendor, product, 1, index}));
         }
     }
@@ -98,9 +98,9 @@ TEST_F(DescriptorStore, TellsAllOfADepthNode) {
     store->initialize();
     ASSERT_TRUE(select(0x0570, 0));
     EXPECT_TRUE(guidEquals(view().getDeviceImplGUID(), Core::Guids::MOCKVIDEODEVICE_IMPL));
-    EXPECT_TRUE(guidEquals(view().getParameterInterpreterGUID(), Simulated::parameterBackEndGuid));
+    EXPECT_TRUE(guidEquals(view().getParameterInterpreterGUID(), Cameras::parameterBackEndGuid));
     EXPECT_EQ(view().getDeviceName(), "ZS570");
-    EXPECT_EQ(view().getDeviceCapabilities() >> Simulated::controllerBits, 7);
+    EXPECT_EQ(view().getDeviceCapabilities() >> Cameras::controllerBits, 7);
     EXPECT_EQ(view().getDeviceFlags(), 1U);
     EXPECT_EQ(view().getFourCC(), (FourCC{fourCCCode('Y', '1', '6', ' '), 16, 640}));
     EXPECT_EQ(view().getROMElement(1), (ROMElement{0, 0x4000}));
@@ -241,7 +241,7 @@ TEST_F(DescriptorStore, EveryDamageIsRefusedOrHarmless) {
             std::string damaged = whole;
             damaged[position] = character;
             try {
-                static_cast<void>(Simulated::readDescription(damaged, "camera.json"));
+                static_cast<void>(Cameras::readDescription(damaged, "camera.json"));
             } catch (const Plugin::ConfigurationPluginException& failure) {
                 EXPECT_EQ(failure.message().rfind("camera.json, line ", 0), 0U) << failure.message();
                 ++refused;

@@ -11,8 +11,8 @@
 #include <zentara/utils/files.h>
 
 #include "plugin_object.h"
-#include "plugins/simulated/descriptions/simulated_bus.h"
 #include "plugins/simulated/plugin_guids.h"
+#include "plugins/simulated/simulated_bus.h"
 #include "support/scoped_variable.h"
 #include "support/temporary_directory.h"
 
@@ -112,8 +112,7 @@ TEST_F(MockEnumerator, ASecondInitializeReplacesTheFirstWhileItRuns) {
 }
 
 TEST_F(MockEnumerator, CanBeAskedWhileItEnds) {
-    const auto store =
-        TestSupport::makePlugin<Core::DescriptorStoreInterface>(Simulated::descriptorStoreGuid);
+    const auto store = TestSupport::makePlugin<Core::DescriptorStoreInterface>(Cameras::descriptorStoreGuid);
     for (int round = 0; round < 20; ++round) {
         store->initialize();
         enumerator->initialize(&events, store->getDescriptorStore());
@@ -131,8 +130,7 @@ TEST_F(MockEnumerator, CanBeAskedWhileItEnds) {
 }
 
 TEST_F(MockEnumerator, AsksTheStoreWhatItFound) {
-    const auto store =
-        TestSupport::makePlugin<Core::DescriptorStoreInterface>(Simulated::descriptorStoreGuid);
+    const auto store = TestSupport::makePlugin<Core::DescriptorStoreInterface>(Cameras::descriptorStoreGuid);
     store->initialize();
     enumerator->initialize(&events, store->getDescriptorStore());
     const std::vector<NodeEvent> nodes = listed();

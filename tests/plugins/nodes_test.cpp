@@ -34,8 +34,8 @@
 #include <zentara/utils/files.h>
 
 #include "camera_host.h"
-#include "plugins/simulated/nodes/depth_frame.h"
-#include "plugins/simulated/nodes/simulated_audio_node.h"
+#include "plugins/cameras/nodes/audio_node.h"
+#include "plugins/cameras/nodes/depth_frame.h"
 #include "plugins/simulated/sensors.h"
 #include "support/log_capture.h"
 #include "support/rom_image.h"
@@ -77,7 +77,7 @@ struct Frame {
     int length = 0;
 
     [[nodiscard]] std::vector<std::uint16_t> plane(std::size_t offset) const {
-        std::vector<std::uint16_t> values(Simulated::pixelCount);
+        std::vector<std::uint16_t> values(Cameras::pixelCount);
         std::memcpy(values.data(), bytes.data() + offset, values.size() * sizeof values[0]);
         return values;
     }
@@ -171,11 +171,11 @@ TEST_P(DepthNodeTest, DeliversDepthConfidenceAndPhase) {
         camera->process(makeRefcounted<IO::setIntParameterRequest>(ParameterType_RAW_OUTPUT_MODE, mode));
         const Frame frame = read(camera);
         ASSERT_EQ(frame.status, ReadBufferStatus_OK);
-        ASSERT_EQ(frame.length, static_cast<int>(Simulated::depthFrameBytes));
+        ASSERT_EQ(frame.length, static_cast<int>(Cameras::depthFrameBytes));
         EXPECT_GT(frame.micros, before);
         before = frame.micros;
-        const auto depth = frame.plane(Simulated::depthOffset);
-        const auto phase = frame.plane(Simulated::depthFramePhaseOffset);
+        const auto depth = frame.plane(Cameras::depthOffset);
+        const auto phase = frame.plane(Cameras::depthFramePhaseOffset);
         std::size_t seenPixels = 0;
         for (std::size_t i = 0; i < depth.size(); ++i) {
             ASSERT_NEAR(phase[i] * scaling, depth[i], 1) << mode << " " << i;
@@ -184,7 +184,7 @@ TEST_P(DepthNodeTest, DeliversDepthConfidenceAndPhase) {
         EXPECT_GT(seenPixels, depth.size() / 2) << mode;
     }
     camera->process(makeRefcounted<IO::setBoolParameterRequest>(ParameterType_BOOL_7, false));
-    const auto dark = read(camera).plane(Simulated::depthOffset);
+    const auto dark = read(camera).plane(Cameras::depthOffset);
     EXPECT_TRUE(std::all_of(dark.begin(), dark.end(), [](int value) { return value == 0; }))
         << "without illumination nothing is seen";
     camera->disableStreaming();
@@ -199,11 +199,11 @@ TEST_P(DepthNodeTest, ReadsItsSensorsNowAndPeriodically) {
     EXPECT_EQ(now.values[1].sensorId, 1);
     EXPECT_THAT(now.values[0].value, AllOf(Ge(35.0F), Le(60.0F)));
     const auto acceleration =
-        makeRefcounted<Core::AccelerometerPeriodicOperation>(Simulated::accelerationRegister, 1, true);
+        makeRefcounted<Core::AccelerometerPeriodicOperation>(Cameras::accelerationRegister, 1, true);
     EXPECT_NEAR(camera->readAccelerometer(acceleration.get()).y, 1.0F, 0.05F);
 
-    const auto temperature = makeRefcounted<Core::TemperaturePeriodicOperation>(
-        Simulated::illuminationTemperatureRegister, 1, true);
+    const auto temperature =
+        makeRefcounted<Core::TemperaturePeriodicOperation>(Cameras::illuminationTemperatureRegister, 1, true);
     camera->configurePeriodicOperations({Utils::SmartPtr<Core::PeriodicOperation>(temperature),
                                          {},
                                          Utils::SmartPtr<Core::PeriodicOperation>(acceleration)});
@@ -383,7 +383,7 @@ TEST_P(DepthNodeTest, ParametersArriveWholeWhileTheSensorsAreRead) {
     DepthHost camera(host.find(NodeType_DEPTH));
     camera.initialize();
     const auto temperature =
-        makeRefcounted<Core::TemperaturePeriodicOperation>(Simulated::sensorTemperatureRegister, 1, true);
+        makeRefcounted<Core::TemperaturePeriodicOperation>(Cameras::sensorTemperatureRegister, 1, true);
     camera->configurePeriodicOperations({Utils::SmartPtr<Core::PeriodicOperation>(temperature)});
     camera->enableStreaming(camera->getConfigurations().front());
     std::atomic<int> frames = 0;
@@ -594,7 +594,7 @@ TEST_F(NodeTest, AColorNodeStreamsWithTheSettingsOfTheHost) {
         EXPECT_GT(transfers(), before) << model << ": its commands were sent";
         const Frame frame = read(camera);
         EXPECT_EQ(frame.status, ReadBufferStatus_OK);
-        EXPECT_EQ(frame.length, static_cast<int>(Simulated::colorBytes));
+        EXPECT_EQ(frame.length, static_cast<int>(Cameras::colorBytes));
         EXPECT_GT(frame.micros, 0);
         const std::size_t streaming = transfers();
         camera->disableStreaming();
@@ -618,16 +618,16 @@ TEST_F(NodeTest, AnAudioNodeStreamsItsDefaultMode) {
     microphones->enableStreaming(microphones->getDefaultConfiguration());
     const Frame block = read(microphones);
     EXPECT_EQ(block.status, ReadBufferStatus_OK);
-    EXPECT_EQ(block.length, static_cast<int>(Simulated::audioBlockBytes));
+    EXPECT_EQ(block.length, static_cast<int>(Cameras::audioBlockBytes));
     microphones->disableStreaming();
     EXPECT_EQ(read(microphones).status, ReadBufferStatus_NOT_STREAMING);
 }
 
 // A node's own operations of these names would be called through its own type only.
-static_assert(std::is_same_v<decltype(&Simulated::SimulatedAudioNode::setInputMixerLevel),
+static_assert(std::is_same_v<decltype(&Cameras::AudioNode::setInputMixerLevel),
                              decltype(&Core::AudioNodeInterface::setInputMixerLevel)>);
-static_assert(std::is_same_v<decltype(&Simulated::SimulatedAudioNode::setMute),
-                             decltype(&Core::AudioNodeInterface::setMute)>);
+static_assert(
+    std::is_same_v<decltype(&Cameras::AudioNode::setMute), decltype(&Core::AudioNodeInterface::setMute)>);
 
 TEST_F(NodeTest, TheMicrophonesOfAnAudioNodeAreSetAtItsDevice) {
     plugOne("ZS570");

@@ -7,10 +7,12 @@
 
 #include <gtest/gtest.h>
 
-#include "plugins/simulated/frame_layout.h"
+#include "plugins/descriptions/wire.h"
 #include "plugins/simulated/tone.h"
 
 namespace Zentara::Simulated {
+
+using namespace Cameras;
 namespace {
 
 struct Frame {

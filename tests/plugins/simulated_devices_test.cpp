@@ -18,12 +18,14 @@
 #include <zentara/io/video_device_proxy.h>
 #include <zentara/io/xu_device_requests.h>
 
-#include "plugins/simulated/frame_layout.h"
+#include "plugins/descriptions/wire.h"
 #include "plugins/simulated/scene.h"
 #include "plugins/simulated/simulated_video_device.h"
 #include "support/simulated_faults.h"
 
 namespace Zentara::Simulated {
+
+using namespace Cameras;
 namespace {
 
 using Plugin::PluginException;

@@ -152,12 +152,12 @@ TEST_F(OwnRoot, NamesWhatIsMissing) {
         EXPECT_EQ(run.exitCode, 3) << verb;
         EXPECT_THAT(run.err, HasSubstr("no camera is plugged in")) << verb;
     }
-    remove("mock_enumerator");
+    remove("simulated_enumerator");
     EXPECT_EQ(run({"reg", "read", "tof", "1"}).exitCode, 4);
     EXPECT_EQ(run({"reg", "read", "tof", "1", "--direct"}).exitCode, 0);
-    remove("mock_descriptor_store");
+    remove("descriptor_store");
     EXPECT_THAT(run({"devices"}).err, HasSubstr("no descriptor store plug-in is registered"));
-    remove("mock_video_device");
+    remove("simulated_video_device");
     EXPECT_EQ(run({"reg", "read", "tof", "1", "--direct"}).exitCode, 4);
 }
 

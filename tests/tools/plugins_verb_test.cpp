@@ -64,9 +64,9 @@ TEST_F(PluginsVerb, ListsTheBuiltPluginsOfItsOwnTreeWithoutAnySetting) {
 
 TEST_F(PluginsVerb, SaysOfEveryOtherFileWhyItIsRefusedAndWhatHelps) {
     makePluginDirectory();
-    addCopy("mock_video_device", "a_video" + ending());
-    addCopy("mock_video_device", "b_video_again" + ending());
-    addCopy("mock_audio_device", "audio-d" + ending());
+    addCopy("simulated_video_device", "a_video" + ending());
+    addCopy("simulated_video_device", "b_video_again" + ending());
+    addCopy("simulated_audio_device", "audio-d" + ending());
     addFile("readme.txt", "hello");
     addFile("text" + ending(), "I am no library");
     addFile("empty" + ending(), "");

@@ -8,18 +8,15 @@
 
 #include <zentara/guid.h>
 
+#include "plugins/descriptions/controller.h"
 #include "plugins/simulated/controllers/register_file.h"
 
 namespace Zentara::Simulated {
 
 using Bytes = std::vector<std::uint8_t>;
-
-enum class ChipKind { OV0570, VC0258, VC0345 };
-
-/// "OV0570", "VC0258" or "VC0345".
-[[nodiscard]] const char* chipName(ChipKind kind) noexcept;
-/// The kind of that name in any case; nothing for another text.
-[[nodiscard]] std::optional<ChipKind> chipKindFromName(const std::string& name);
+using Cameras::ChipKind;
+using Cameras::chipKindFromName;
+using Cameras::chipName;
 
 /// The firmware of one camera controller, packet in and packet out: what a host sees of it through the
 /// extension unit, and nothing of how a host would use it. A packet that the firmware refuses is a stall and

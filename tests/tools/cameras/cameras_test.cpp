@@ -7,7 +7,7 @@
 
 #include <zentara/utils/files.h>
 
-#include "plugins/simulated/descriptions/simulated_bus.h"
+#include "plugins/simulated/simulated_bus.h"
 #include "support/scoped_variable.h"
 #include "tools/tool_fixture.h"
 #include "tools/zentara/verb.h"

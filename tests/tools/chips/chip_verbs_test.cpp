@@ -4,7 +4,7 @@
 #include <zentara/utils/files.h>
 
 #include "plugins/simulated/controllers/factory_flash.h"
-#include "plugins/simulated/descriptions/simulated_bus.h"
+#include "plugins/simulated/simulated_bus.h"
 #include "support/scoped_variable.h"
 #include "support/simulated_faults.h"
 #include "tools/tool_fixture.h"

@@ -6,7 +6,7 @@
 #include <zentara/utils/format.h>
 #include <zentara/utils/text.h>
 
-#include "plugins/simulated/descriptions/controller_code.h"
+#include "plugins/descriptions/controller.h"
 #include "tools/zentara/chips/device_choice.h"
 #include "tools/zentara/guid_text.h"
 #include "tools/zentara/streams/stream_description.h"
@@ -60,8 +60,8 @@ void describe(CameraEntry& camera, CameraStore& store) {
     const Core::DescriptorStoreRO& view = store.view();
     camera.vendor = view.getVendorName();
     camera.product = view.getProductName();
-    if (const auto chip = Simulated::describedController(view.getDeviceCapabilities()))
-        camera.controller = Simulated::chipName(*chip);
+    if (const auto chip = Cameras::describedController(view.getDeviceCapabilities()))
+        camera.controller = Cameras::chipName(*chip);
 }
 
 } // namespace

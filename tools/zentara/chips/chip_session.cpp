@@ -9,8 +9,8 @@
 #include <zentara/utils/environment_variable.h>
 #include <zentara/utils/format.h>
 
+#include "plugins/descriptions/controller.h"
 #include "plugins/simulated/controllers/controller_settings.h"
-#include "plugins/simulated/descriptions/controller_code.h"
 #include "tools/zentara/cameras/camera_session.h"
 #include "tools/zentara/chips/device_choice.h"
 #include "tools/zentara/guid_text.h"
@@ -109,7 +109,7 @@ void ChipSession::openCamera() {
         proxy = std::move(device);
         proxy->open();
     });
-    bindChip(cameraLabel(node), Simulated::describedController(store->view().getDeviceCapabilities()));
+    bindChip(cameraLabel(node), Cameras::describedController(store->view().getDeviceCapabilities()));
 }
 
 /// A camera whose description does not name its controller is asked.

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include <zentara/core/descriptor_store_ro.h>
+
+#include "plugins/cameras/nodes/node_chip.h"
+
+namespace Zentara::Cameras {
+
+/// The commands of a video node, copied from the store, and the chip that they go to. Separate.
+class NodeCommands {
+public:
+    /// \throws Plugin::InitializationPluginException when the store knows no controller of the camera, and what
+    ///         the chip throws
+    NodeCommands(Core::DescriptorStoreRO& store, IO::VideoDeviceProxy& proxy);
+
+    /// Sends the pre-common commands, the mode's and the post-common ones, up to the first that fails.
+    /// \param specific null for none
+    void start(const Core::RequestList* specific);
+
+    /// Sends what differs in another mode: its commands and the post-common ones.
+    void change(const Core::RequestList* specific);
+
+    /// Sends the stop-common commands.
+    void stop();
+
+    [[nodiscard]] NodeChip& chip() { return *target; }
+
+private:
+    std::unique_ptr<NodeChip> target;
+    Core::RequestList preCommon;
+    Core::RequestList postCommon;
+    Core::RequestList stopCommon;
+};
+
+} // namespace Zentara::Cameras

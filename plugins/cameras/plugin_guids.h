@@ -1,0 +1,16 @@
+#pragma once
+
+#include <zentara/core/guids.h>
+
+namespace Zentara::Cameras {
+
+// The plug-ins that work over any device, in the order in which a host meets them.
+constexpr GUID descriptorStoreGuid = Core::Guids::KV_DESCRIPTOR_STORE;
+constexpr GUID depthNodeGuid = Core::Guids::MOCKDEPTH_IMPL;
+constexpr GUID colorNodeGuid = {0x3C1F6E0D, 0x5B5E, 0x4E52, {0xA6, 0x17, 0x0B, 0x7E, 0x94, 0x2D, 0xC3, 0x58}};
+constexpr GUID audioNodeGuid = {0x8E04D7B2, 0x91CA, 0x4A36, {0xB8, 0x43, 0x6F, 0x25, 0xD0, 0x1C, 0x7A, 0xE9}};
+/// The parameter back-end; a description names it.
+constexpr GUID parameterBackEndGuid = {
+    0x5AB2C0E4, 0x7C1D, 0x4F0B, {0x9B, 0x3E, 0x52, 0x61, 0xD8, 0x0A, 0x34, 0xF7}};
+
+} // namespace Zentara::Cameras

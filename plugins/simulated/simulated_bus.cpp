@@ -1,0 +1,114 @@
+#include "plugins/simulated/simulated_bus.h"
+
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include <zentara/plugin/plugin_exceptions.h>
+#include <zentara/utils/environment_variable.h>
+#include <zentara/utils/exceptions.h>
+#include <zentara/utils/files.h>
+#include <zentara/utils/format.h>
+
+#include "plugins/descriptions/json_fields.h"
+
+namespace Zentara::Simulated {
+
+using namespace Cameras;
+namespace {
+
+using Utils::Format;
+
+std::string fileOfEnvironment() {
+    Utils::EnvironmentVariable file(SimulatedBus::variable);
+    return file.isDefined() ? file.getValue() : std::string();
+}
+
+const CameraDescription& described(const std::vector<CameraDescription>& descriptions,
+                                   const JsonValue& model) {
+    const std::string name = model.text();
+    std::string known;
+    for (const CameraDescription& description : descriptions) {
+        if (description.model == name)
+            return description;
+        known += " " + description.model;
+    }
+    model.fail(Format("no camera '%' is described; known:%") % name % (known.empty() ? " none" : known));
+}
+
+/// A pipe or a device would hold the reader back for ever, or never end.
+void refuseWhatMayBlock(const std::string& path) {
+    std::error_code unknown; // reading it tells more then
+    const auto status = std::filesystem::status(std::u8string(path.begin(), path.end()), unknown);
+    if (!unknown && status.type() != std::filesystem::file_type::regular)
+        throw Utils::UIOException(Format("cannot read '%': it is not a regular file") % path);
+}
+
+} // namespace
+
+SimulatedBus::SimulatedBus()
+    : descriptions(readDescriptionFolder(descriptionFolder())), filePath(fileOfEnvironment()) {
+    if (filePath.empty())
+        plugAll();
+    refresh();
+}
+
+void SimulatedBus::plugAll() {
+    for (const CameraDescription& description : descriptions)
+        plugged.push_back({&description, description.serialNumber, {}});
+}
+
+void SimulatedBus::refresh() {
+    if (filePath.empty())
+        return;
+    try {
+        refuseWhatMayBlock(filePath);
+        std::string text = Utils::readFile(filePath);
+        if (looked && text == lastText)
+            return;
+        looked = true;
+        lastText = std::move(text);
+        plugged = parse(lastText);
+        trouble.clear();
+    } catch (const Plugin::ConfigurationPluginException& failure) {
+        trouble = failure.what();
+    } catch (const Utils::UIOException& failure) {
+        looked = false; // the text that comes back is looked at whatever it is
+        trouble = failure.what();
+    }
+}
+
+std::vector<SimulatedBus::Camera> SimulatedBus::parse(const std::string& text) const {
+    const LocatedJson json = parseLocatedJson(text, filePath);
+    JsonFields fields(JsonValue(json, filePath, {}));
+    static_cast<void>(fields.need("format").whole(1, 1));
+    std::vector<Camera> cameras;
+    for (const JsonValue& value : fields.need("cameras").list()) {
+        JsonFields entry(value);
+        Camera camera{&described(descriptions, entry.need("model")), {}, {}};
+        const auto serialNumber = entry.find("serialNumber");
+        camera.serialNumber = serialNumber ? serialNumber->name() : camera.description->serialNumber;
+        if (const auto settings = entry.find("settings"))
+            camera.settings = settings->text();
+        entry.finish();
+        for (const Camera& other : cameras) {
+            if (other.serialNumber == camera.serialNumber)
+                value.fail(Format("another camera has the serial number '%'") % camera.serialNumber);
+        }
+        cameras.push_back(std::move(camera));
+    }
+    fields.finish();
+    return cameras;
+}
+
+const SimulatedBus::Camera* SimulatedBus::find(const std::string& path) const {
+    for (const Camera& camera : plugged) {
+        if (camera.path() == path)
+            return &camera;
+    }
+    return nullptr;
+}
+
+bool SimulatedBus::isCameraPath(const std::string& path) { return path.rfind(pathPrefix, 0) == 0; }
+
+} // namespace Zentara::Simulated

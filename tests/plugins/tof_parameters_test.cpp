@@ -1,0 +1,375 @@
+#include <gmock/gmock.h>
+
+#include <functional>
+#include <limits>
+#include <memory>
+
+#include <zentara/calibration_internal.h>
+#include <zentara/io/library_parameter_interpreter.h>
+#include <zentara/plugin/plugin_exceptions.h>
+
+#include "plugins/cameras/plugin_guids.h"
+#include "plugins/descriptions/controller.h"
+#include "plugins/descriptions/wire.h"
+#include "plugins/simulated/controllers/controller_port.h"
+#include "plugins/simulated/controllers/ov0570_controller.h"
+#include "plugins/simulated/controllers/vc0258_controller.h"
+#include "plugins/simulated/controllers/vc0345_controller.h"
+#include "support/plugin_failure.h"
+
+namespace Testing {
+namespace {
+
+using namespace Zentara;
+using namespace Zentara::IO;
+using namespace Zentara::Cameras;
+using namespace Zentara::Simulated;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using Interpreter = Utils::SmartPtr<LibraryParameterInterpreter>;
+using TestSupport::failure;
+using Utils::makeRefcounted;
+
+template<typename Operation>
+ErrorCode transfer(Operation operation) {
+    try {
+        operation();
+        return ErrorCode_SUCCESS;
+    } catch (const Plugin::PluginException&) {
+        return ErrorCode_IO;
+    }
+}
+
+ErrorCode set(void* port, unsigned short unit, unsigned int selector, unsigned char* data,
+              unsigned int length) {
+    return transfer([&] { static_cast<ControllerPort*>(port)->set(unit, selector, data, length); });
+}
+
+ErrorCode get(void* port, unsigned short unit, unsigned int selector, unsigned char* data,
+              unsigned int length) {
+    return transfer([&] { static_cast<ControllerPort*>(port)->get(unit, selector, data, length); });
+}
+
+std::unique_ptr<ControllerModel> makeController(ChipKind kind) {
+    switch (kind) {
+    case ChipKind::OV0570:
+        return std::make_unique<OV0570Controller>(OV0570Controller::Settings());
+    case ChipKind::VC0258:
+        return std::make_unique<VC0258Controller>(VC0258Controller::Settings());
+    default:
+        return std::make_unique<VC0345Controller>(VC0345Controller::Settings());
+    }
+}
+
+/// A camera with that controller in the list of its modules.
+HardwareVersionInternal withController(ChipKind kind) {
+    HardwareVersionInternal version;
+    version.modules[1].productId = controllerProduct(kind);
+    return version;
+}
+
+/// The back-end plug-in over a simulated camera with each of the controllers.
+class TofParameters : public testing::TestWithParam<ChipKind> {
+protected:
+    TofParameters() {
+        camera.select(camera.model().guid());
+        connect();
+    }
+
+    void connect() { parameters->initialize(&camera, set, get, {}, withController(GetParam())); }
+
+    template<typename T>
+    T read(ParameterType parameter) {
+        T value{};
+        parameters->read(parameter, &value);
+        return value;
+    }
+
+    ControllerPort camera{makeController(GetParam())};
+    Interpreter parameters = LibraryParameterInterpreter::create(parameterBackEndGuid);
+};
+
+INSTANTIATE_TEST_SUITE_P(Chips, TofParameters,
+                         testing::Values(ChipKind::OV0570, ChipKind::VC0258, ChipKind::VC0345),
+                         [](const auto& chip) { return chipName(chip.param); });
+
+TEST_P(TofParameters, EveryParameterBeginsWithinItsRange) {
+    for (int number = 0; number <= 15; ++number) {
+        const auto parameter = static_cast<ParameterType>(number);
+        static_cast<void>(parameters->getUnitType(parameter));
+        const auto range = parameters->getParameterRange(parameter);
+        if (const auto* floats = dynamic_cast<const ParameterRangeInternal<float>*>(range.get())) {
+            EXPECT_GE(read<float>(parameter), floats->getMin()) << number;
+            EXPECT_LE(read<float>(parameter), floats->getMax()) << number;
+        } else if (const auto* ints = dynamic_cast<const ParameterRangeInternal<int>*>(range.get())) {
+            EXPECT_GE(read<int>(parameter), ints->getMin()) << number;
+            EXPECT_LE(read<int>(parameter), ints->getMax()) << number;
+        }
+    }
+    EXPECT_EQ(parameters->getRegionOfInterest(), (RegionOfInterestInternal{0, 0, 320, 240}));
+    EXPECT_EQ(parameters->getRawOutputMode(), RawOutputMode_PHASE_AND_CONFIDENCE);
+    EXPECT_NEAR(read<float>(ParameterType_FLOAT_3), 36.5F, 0.1F) << "the temperature";
+    for (const Transfer& made : camera.log())
+        EXPECT_EQ(made.failure, "") << "a start makes no call that must fail";
+    EXPECT_EQ(parameters->getUnitType(ParameterType_FLOAT_3), UnitType_CELSIUS);
+}
+
+TEST_P(TofParameters, ValuesStayInTheCamera) {
+    parameters->write(ParameterType_FLOAT_0, 42.5F);
+    parameters->write(ParameterType_INT_15, 0xFEDC);
+    parameters->write(ParameterType_BOOL_7, false);
+    parameters->setRegionOfInterest({16, 8, 256, 200});
+    connect(); // a new instance finds the camera as it was left
+    EXPECT_EQ(read<float>(ParameterType_FLOAT_0), 42.5F);
+    EXPECT_EQ(read<int>(ParameterType_INT_15), 0xFEDC);
+    EXPECT_FALSE(read<bool>(ParameterType_BOOL_7));
+    EXPECT_EQ(parameters->getRegionOfInterest(), (RegionOfInterestInternal{16, 8, 256, 200}));
+}
+
+TEST_P(TofParameters, RangeFollowsTheModulationFrequency) {
+    parameters->write(ParameterType_FLOAT_2, 30.0F);
+    EXPECT_NEAR(parameters->getRange(), 4.9965F, 0.0001F);
+    EXPECT_NEAR(parameters->getPhaseScaling(), 4996.5F / 65536, 0.0001F);
+    EXPECT_EQ(parameters->getAccessMode(ParameterType_RANGE), AccessMode_READ);
+    EXPECT_FALSE(parameters->getParameterRange(ParameterType_RANGE));
+    EXPECT_EQ(failure([&] { parameters->write(ParameterType_RANGE, 1.0F); }).second,
+              "Failed to write parameter");
+}
+
+TEST_P(TofParameters, WithoutAModulationFrequencyThereIsNoRange) {
+    camera.setTofRegister(registerOf(ParameterType_FLOAT_2), 0);
+    EXPECT_EQ(failure([&] { static_cast<void>(parameters->getRange()); }).second, "Failed to get range");
+    EXPECT_EQ(failure([&] { static_cast<void>(parameters->getPhaseScaling()); }).second,
+              "Failed to get phase scaling");
+    parameters->write(ParameterType_FLOAT_2, 30.0F);
+    EXPECT_NEAR(parameters->getRange(), 4.9965F, 0.0001F);
+}
+
+TEST_P(TofParameters, ValuesOutsideTheRangeAreRefused) {
+    const std::function<void()> writes[] = {
+        [&] { parameters->write(ParameterType_FLOAT_0, 100.5F); },
+        [&] { parameters->write(ParameterType_FLOAT_0, -0.5F); },
+        [&] { parameters->write(ParameterType_FLOAT_0, std::numeric_limits<float>::quiet_NaN()); },
+        [&] { parameters->write(ParameterType_FLOAT_2, 25.0F); }, // none of the choices
+        [&] { parameters->write(ParameterType_INT_4, 3); },
+        [&] { parameters->write(ParameterType_INT_15, 65536); },
+        [&] { parameters->write(ParameterType_INT_15, -1); },
+        [&] {
+            parameters->setRegionOfInterest({200, 0, 121, 240});
+        },
+        [&] {
+            parameters->setRegionOfInterest({0, 0, 0, 240});
+        },
+        [&] {
+            parameters->setRegionOfInterest({0xFFFFFFFF, 0, 2, 2});
+        },
+    };
+    int row = 0;
+    for (const auto& write : writes)
+        EXPECT_EQ(failure(write), std::pair(3, std::string("value out of range"))) << "row " << row++;
+    EXPECT_EQ(read<float>(ParameterType_FLOAT_0), 80.0F);
+    // The ends of the ranges, which no float meets exactly, are inside.
+    for (const float end : {0.1F, 10.0F}) {
+        parameters->write(ParameterType_FLOAT_1, end);
+        EXPECT_NEAR(read<float>(ParameterType_FLOAT_1), end, 1e-5F);
+    }
+}
+
+TEST_P(TofParameters, RangesComeInEveryForm) {
+    const auto choices = parameters->getParameterRange(ParameterType_FLOAT_2);
+    EXPECT_THAT(dynamic_cast<const ParameterDiscreteSetInternal<float>&>(*choices).getSupportedValues(),
+                ElementsAre(10, 12, 20, 30, 40));
+    const auto modes = parameters->getParameterRange(ParameterType_RAW_OUTPUT_MODE);
+    EXPECT_THAT(dynamic_cast<const ParameterDiscreteSetInternal<int>&>(*modes).getSupportedValues(),
+                ElementsAre(0, 1, 2));
+    const auto region = parameters->getParameterRange(ParameterType_REGION_OF_INTEREST);
+    EXPECT_EQ(dynamic_cast<const RegionOfInterestRangeInternal&>(*region).getHeightRange()->getMax(), 240);
+    const auto filter = parameters->getParameterRange(ParameterType_INT_9);
+    EXPECT_EQ(dynamic_cast<const ParameterRangeInternal<int>&>(*filter).getMax(), 7);
+    EXPECT_FALSE(parameters->getParameterRange(ParameterType_BOOL_14));
+}
+
+ParameterRequestMap stateOf(float power, int filter, bool light, const RegionOfInterestInternal& region) {
+    return {
+        {ParameterType_FLOAT_0, makeRefcounted<setFloatParameterRequest>(ParameterType_FLOAT_0, power)},
+        {ParameterType_INT_9, makeRefcounted<setIntParameterRequest>(ParameterType_INT_9, filter)},
+        {ParameterType_BOOL_7, makeRefcounted<setBoolParameterRequest>(ParameterType_BOOL_7, light)},
+        {ParameterType_REGION_OF_INTEREST, makeRefcounted<setRegionOfInterestRequest>(region)},
+        // Read-only: read with the others, skipped when they are written back.
+        {ParameterType_RANGE, makeRefcounted<setFloatParameterRequest>(ParameterType_RANGE, 99.0F)},
+    };
+}
+
+TEST_P(TofParameters, SystemStateIsWrittenWholeOrNotAtAll) {
+    parameters->write(stateOf(10, 7, false, {1, 2, 3, 4}));
+    ParameterRequestMap state = stateOf(0, 0, true, {});
+    parameters->read(state);
+    EXPECT_EQ(dynamic_cast<const setFloatParameterRequest&>(*state[ParameterType_FLOAT_0]).getValue(), 10.0F);
+    EXPECT_EQ(dynamic_cast<const setIntParameterRequest&>(*state[ParameterType_INT_9]).getValue(), 7);
+    EXPECT_FALSE(dynamic_cast<const setBoolParameterRequest&>(*state[ParameterType_BOOL_7]).getValue());
+    EXPECT_EQ(
+        dynamic_cast<const setRegionOfInterestRequest&>(*state[ParameterType_REGION_OF_INTEREST]).getRegion(),
+        (RegionOfInterestInternal{1, 2, 3, 4}));
+    EXPECT_NEAR(dynamic_cast<const setFloatParameterRequest&>(*state[ParameterType_RANGE]).getValue(),
+                7.4948F, 0.001F);
+
+    EXPECT_EQ(failure([&] {
+                  parameters->write(stateOf(90, 8, true, {5, 5, 5, 5}));
+              }),
+              std::pair(4, std::string("Failed to set system state: spatial filter takes 0 to 7, not 8")));
+    EXPECT_EQ(read<float>(ParameterType_FLOAT_0), 10.0F);
+    EXPECT_FALSE(read<bool>(ParameterType_BOOL_7));
+    EXPECT_EQ(parameters->getRegionOfInterest(), (RegionOfInterestInternal{1, 2, 3, 4}));
+}
+
+TEST_P(TofParameters, CalibrationIsKept) {
+    CalibrationInternal calibration;
+    parameters->readCalibration(&calibration);
+    EXPECT_EQ(calibration.getPhaseDelay(), 1250);
+    EXPECT_EQ(calibration.getPhaseDelay2(), -310);
+    calibration.setPhaseDelay(77);
+    parameters->writeCalibration(&calibration);
+    CalibrationInternal again;
+    parameters->readCalibration(&again);
+    EXPECT_EQ(again.getPhaseDelay(), 77);
+    EXPECT_EQ(again.getPhaseDelay2(), -310);
+    CalibrationInternal empty;
+    parameters->writeCalibration(&empty);
+    parameters->readCalibration(&again);
+    EXPECT_EQ(again.getPhaseDelay(), 77) << "a calibration that says nothing changes nothing";
+}
+
+TEST_P(TofParameters, TransferThatFailsIsNamed) {
+    for (std::uint64_t nth = 1; nth <= 4; ++nth) {
+        camera.clearFaults();
+        camera.addFault({nth, TransferFaultKind::Fail});
+        ParameterRequestMap state = stateOf(0, 0, true, {});
+        const auto [kind, message] = failure([&] { parameters->read(state); });
+        EXPECT_EQ(kind, 4) << "transfer " << nth;
+        EXPECT_THAT(message, HasSubstr("of extension unit ")) << "transfer " << nth;
+    }
+    camera.clearFaults();
+    EXPECT_EQ(read<float>(ParameterType_FLOAT_0), 80.0F);
+}
+
+TEST_P(TofParameters, InterruptedStartBeginsAnew) {
+    ControllerPort fresh{makeController(GetParam())};
+    fresh.select(fresh.model().guid());
+    // Walks the failure through the whole start; at some transfer it has become long enough to succeed.
+    std::uint64_t nth = 1;
+    for (bool started = false; !started; ++nth) {
+        fresh.clearFaults();
+        fresh.addFault({nth, TransferFaultKind::Fail});
+        try {
+            parameters->initialize(&fresh, set, get, {}, withController(GetParam()));
+            started = true;
+        } catch (const Plugin::InitializationPluginException&) {
+            ASSERT_LT(nth, 1000U);
+        }
+    }
+    EXPECT_GT(nth, 20U);
+    fresh.clearFaults();
+    EXPECT_EQ(read<float>(ParameterType_FLOAT_0), 80.0F);
+    EXPECT_EQ(parameters->getRegionOfInterest(), (RegionOfInterestInternal{0, 0, 320, 240}));
+}
+
+TEST(TofParametersOfAVC0258, LeaveTheByteOrderToWhoeverSetIt) {
+    auto model = std::make_unique<VC0258Controller>(VC0258Controller::Settings());
+    VC0258Controller& controller = *model;
+    ControllerPort camera(std::move(model));
+    camera.select(controller.guid());
+    const Interpreter parameters = LibraryParameterInterpreter::create(parameterBackEndGuid);
+    parameters->initialize(&camera, set, get, {}, withController(ChipKind::VC0258));
+    for (const std::uint8_t order : {1, 0}) {
+        const std::uint8_t packet[] = {0x20, 0x39, 0xB4, order};
+        camera.set(4, 4, packet, sizeof packet);
+        parameters->write(ParameterType_INT_15, 0x1200 + order);
+        int value = 0;
+        parameters->read(ParameterType_INT_15, &value);
+        EXPECT_EQ(value, 0x1200 + order);
+        EXPECT_EQ(controller.device(0x21).peek(0x5F), 0x1200U + order)
+            << "not exchanged in the controller either";
+        EXPECT_EQ(controller.bridge().value(VCBridgeRegisters::lastByteOrder), order);
+    }
+}
+
+/// A bridge whose byte order somebody else turns over, right after it was asked for.
+struct RestlessBridge {
+    ControllerPort& camera;
+    int turns; ///< still to come
+
+    static ErrorCode get(void* self, unsigned short unit, unsigned int selector, unsigned char* data,
+                         unsigned int length) {
+        auto& bridge = *static_cast<RestlessBridge*>(self);
+        const ErrorCode code = Testing::get(&bridge.camera, unit, selector, data, length);
+        if (unit == 4 && selector == 4 && bridge.turns > 0) {
+            --bridge.turns;
+            const std::uint8_t turned[] = {0x20, 0x39, 0xB4, static_cast<std::uint8_t>(data[3] ^ 1)};
+            bridge.camera.set(4, 4, turned, sizeof turned);
+        }
+        return code;
+    }
+    static ErrorCode set(void* self, unsigned short unit, unsigned int selector, unsigned char* data,
+                         unsigned int length) {
+        return Testing::set(&static_cast<RestlessBridge*>(self)->camera, unit, selector, data, length);
+    }
+};
+
+TEST(TofParametersOfAVC0258, AreWholeThoughTheByteOrderChangesMeanwhile) {
+    ControllerPort camera(std::make_unique<VC0258Controller>(VC0258Controller::Settings()));
+    camera.select(camera.model().guid());
+    RestlessBridge bridge{camera, 0};
+    const Interpreter parameters = LibraryParameterInterpreter::create(parameterBackEndGuid);
+    parameters->initialize(&bridge, RestlessBridge::set, RestlessBridge::get, {},
+                           withController(ChipKind::VC0258));
+    for (int turns = 0; turns < 4; ++turns) {
+        bridge.turns = turns;
+        parameters->write(ParameterType_INT_15, 0x1234 + turns);
+        EXPECT_EQ(camera.tofRegister(0x5F), 0x1234 + turns);
+        bridge.turns = turns;
+        int value = 0;
+        parameters->read(ParameterType_INT_15, &value);
+        EXPECT_EQ(value, 0x1234 + turns);
+    }
+    bridge.turns = 1'000'000;
+    EXPECT_EQ(failure([&] { parameters->write(ParameterType_INT_15, 1); }).second,
+              "Failed to write parameter")
+        << "nobody waits for ever";
+}
+
+TEST(TofParametersOfOddCameras, AreRefused) {
+    const Interpreter parameters = LibraryParameterInterpreter::create(parameterBackEndGuid);
+    const auto refusal = [&](OV0570Controller::Settings settings) {
+        ControllerPort camera(std::make_unique<OV0570Controller>(settings));
+        camera.select(camera.model().guid());
+        return failure(
+            [&] { parameters->initialize(&camera, set, get, {}, withController(ChipKind::OV0570)); });
+    };
+    const std::pair refused(6, std::string("Failed to initialize plugin"));
+    OV0570Controller::Settings settings;
+    settings.devices = {{0, 0, 0x0021}};
+    EXPECT_EQ(refusal(settings), refused) << "registers of one byte";
+    settings.devices = {{0, 1, 0x0022}};
+    EXPECT_EQ(refusal(settings), refused) << "no time-of-flight controller";
+    settings.claimedDevices = 255;
+    EXPECT_EQ(refusal(settings), refused) << "more devices than the reply has room for";
+    EXPECT_EQ(failure([&] {
+                  parameters->initialize(nullptr, nullptr, nullptr, {}, withController(ChipKind::VC0258));
+              }),
+              refused);
+    int calls = 0;
+    const auto dead = [](void* asked, unsigned short, unsigned int, unsigned char*, unsigned int) {
+        ++*static_cast<int*>(asked);
+        return ErrorCode_IO;
+    };
+    EXPECT_EQ(failure([&] { parameters->initialize(&calls, dead, dead, {}, {}); }), refused);
+    EXPECT_EQ(calls, 0) << "nothing is tried out on a camera that names no controller";
+    EXPECT_EQ(
+        failure([&] { parameters->initialize(&calls, dead, dead, {}, withController(ChipKind::VC0345)); }),
+        refused)
+        << "no answer at all";
+    EXPECT_EQ(calls, 1);
+}
+
+} // namespace
+} // namespace Testing
