@@ -195,6 +195,12 @@ void PointCloud::writePly(std::ostream& out, PlyFormat format) const {
     if (!painted.empty())
         out << "property uchar red\nproperty uchar green\nproperty uchar blue\n";
     out << "end_header\n";
+    if (painted.empty() && format == PlyFormat::Binary && std::endian::native == std::endian::little) {
+        static_assert(sizeof(Point) == 3 * sizeof(float), "points in memory are points in the file");
+        out.write(reinterpret_cast<const char*>(all.data()),
+                  static_cast<std::streamsize>(all.size() * sizeof(Point)));
+        return;
+    }
     PlyBody body(out);
     for (std::size_t i = 0; i < all.size(); ++i) {
         const Color color = painted.empty() ? Color{} : painted[i].value_or(Color{});
