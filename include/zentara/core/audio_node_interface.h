@@ -67,7 +67,8 @@ public:
     [[nodiscard]] virtual std::vector<Utils::SmartPtr<AudioConfiguration>> getConfigurations() = 0;
     [[nodiscard]] virtual Utils::SmartPtr<AudioConfiguration> getDefaultConfiguration() = 0;
 
-    /// Waits for the next samples and copies them.
+    /// Waits for the next samples and copies them. `ReadBufferStatus` says what comes as a status and what as an
+    /// exception, how long the call may take, and what a host does about each.
     /// \param size of `buffer` in bytes
     /// \param timestamp receives when the first sample was taken, in microseconds
     /// \param length receives the bytes copied

@@ -72,7 +72,8 @@ public:
     virtual void setCameraControl(CameraControlsEnum control, CameraControlValue value) = 0;
     [[nodiscard]] virtual CameraControls getCameraControls() = 0;
 
-    /// Waits for the next frame and copies it.
+    /// Waits for the next frame and copies it. `ReadBufferStatus` says what comes as a status and what as an
+    /// exception, how long the call may take, and what a host does about each.
     /// \param size of `buffer` in bytes
     /// \param timestamp receives when the frame was taken, in microseconds
     /// \param length receives the frame's bytes

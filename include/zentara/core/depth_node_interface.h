@@ -147,7 +147,8 @@ public:
     /// The modes in which the node can stream.
     [[nodiscard]] virtual std::vector<Utils::SmartPtr<DepthBaseConfiguration>> getConfigurations() = 0;
 
-    /// Waits for the next frame and copies it.
+    /// Waits for the next frame and copies it. `ReadBufferStatus` says what comes as a status and what as an
+    /// exception, how long the call may take, and what a host does about each.
     /// \param size of `buffer` in bytes
     /// \param timestamp receives when the frame was taken, in microseconds
     /// \param length receives the frame's bytes

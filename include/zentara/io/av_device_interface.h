@@ -60,7 +60,8 @@ public:
     /// \return true if the operation will now end soon
     virtual bool cancelIO() = 0;
 
-    /// Waits for the next frame and copies it. Called directly, beside other operations.
+    /// Waits for the next frame and copies it, or returns within 1 s to say that there is none; `ReadBufferStatus`
+    /// says how, and what is thrown instead. Called directly, beside other operations.
     /// \param size of `buffer` in bytes
     /// \param timestamp receives when the frame was taken, in microseconds
     /// \param length receives the frame's bytes

@@ -36,8 +36,8 @@ public:
     virtual void threadInitialize() = 0;
     virtual void threadUninitialize() = 0;
 
-    /// Calls the device directly, beside other operations and for as long as it takes. The arguments and the
-    /// result are those of `AVDeviceInterface::readBuffer`.
+    /// Calls the device directly, beside other operations and for as long as it takes. The arguments, the result and
+    /// what is thrown are those of `AVDeviceInterface::readBuffer`.
     virtual ReadBufferStatus readBuffer(void* buffer, int size, std::int64_t* timestamp, int* length) = 0;
 
     /// Opens the device, and closes it; a device says which operations want it open.
