@@ -35,8 +35,7 @@ Utils::Immortal<Mutex> retiredLock;
 AVDeviceProxyThread* retired ZENTARA_GUARDED_BY(retiredLock.object) = nullptr;
 std::atomic<int> retiredCount{0};
 
-/// The device call that the worker is busy with. Shared with the callers, for whom the worker may be gone by the
-/// time they look.
+/// What the worker is busy with. Shared with the callers, for whom the worker may be gone by the time they look.
 class DeviceCall {
 public:
     void begin() noexcept { startedAt = now(); }
@@ -48,6 +47,17 @@ public:
         return start != idle && now() - start >= Detail::proxyTuning().stuckCallMilliseconds;
     }
 
+    /// The worker takes a reference of a request, and has dropped it.
+    void take(const deviceRequest* request) noexcept { held = request; }
+    void drop() noexcept { held = nullptr; }
+
+    /// Returns when the worker holds the request no more. For a caller that has met the acknowledgement, the worker's
+    /// last step but this one, and has a reference himself, so that it destroys nothing.
+    void awaitDrop(const deviceRequest* request) const noexcept {
+        while (held == request)
+            std::this_thread::yield();
+    }
+
 private:
     static constexpr std::int64_t idle = -1;
 
@@ -57,6 +67,7 @@ private:
     }
 
     std::atomic<std::int64_t> startedAt{idle};
+    std::atomic<const deviceRequest*> held{nullptr};
 };
 
 /// Waits for the signal; false when the worker is stuck instead of coming to set it.
@@ -83,7 +94,7 @@ template<typename RequestState>
 bool cancelQuietly(RequestState& state, const DeviceCall& call) noexcept {
     try {
         return state.cancelUnless([&] {
-            return state.acknowledged.timedWait(Detail::proxyTuning().sliceMilliseconds) == 0 ||
+            return state.meeting->acknowledged.timedWait(Detail::proxyTuning().sliceMilliseconds) == 0 ||
                    call.isStuck();
         });
     } catch (...) {
@@ -106,22 +117,10 @@ void failWith(deviceRequest& request, const char* what) noexcept {
          [&]() -> std::string { return Format("%: %") % RequestType_toString(request.type()) % what; });
 }
 
-/// Lets the caller go whatever happens in between.
-class Acknowledgement {
-public:
-    explicit Acknowledgement(deviceRequest& acknowledged) : request(acknowledged) { request.ackStartOfIO(); }
-    ~Acknowledgement() { request.ack(); }
-    Acknowledgement(const Acknowledgement&) = delete;
-    Acknowledgement& operator=(const Acknowledgement&) = delete;
-
-private:
-    deviceRequest& request;
-};
-
 } // namespace
 
 struct AVDeviceProxyThread::Impl {
-    explicit Impl(AVDeviceProxyThread* worker) : thread(worker, worker, "AVDeviceProxyThread") {}
+    explicit Impl(AVDeviceProxyThread* owner) : worker(*owner), thread(owner, owner, "AVDeviceProxyThread") {}
 
     [[nodiscard]] bool isCurrentThread() const { return threadId.load() == std::this_thread::get_id(); }
 
@@ -136,6 +135,16 @@ struct AVDeviceProxyThread::Impl {
         return true;
     }
 
+    class Turn;
+
+    void submitAndWait(deviceRequest* request, std::uint32_t timeoutMilliseconds);
+    void work(deviceRequest* request);
+    void drain();
+    bool stop() noexcept;
+    static void retire(AVDeviceProxyThread* worker) noexcept;
+    static void reapRetired() noexcept;
+
+    AVDeviceProxyThread& worker;
     const std::shared_ptr<DeviceCall> call = std::make_shared<DeviceCall>();
     std::atomic<std::thread::id> threadId{};
     /// Set by the thread when it will touch nothing of the worker's any more save what Thread does at its end.
@@ -152,6 +161,25 @@ struct AVDeviceProxyThread::Impl {
     Utils::Threading::Thread thread;
 };
 
+/// The worker's reference on a request, from the queue to the acknowledgement, which lets the caller go whatever
+/// happens in between.
+class AVDeviceProxyThread::Impl::Turn {
+public:
+    Turn(DeviceCall& current, deviceRequest* request) : call(current), hold(request) { call.take(request); }
+    ~Turn() {
+        hold->impl->finish();
+        hold->ack();
+        hold = nullptr;
+        call.drop();
+    }
+    Turn(const Turn&) = delete;
+    Turn& operator=(const Turn&) = delete;
+
+private:
+    DeviceCall& call;
+    SmartPtr<deviceRequest> hold;
+};
+
 AVDeviceProxyThread* AVDeviceProxyThread::m_instance = nullptr;
 Mutex& AVDeviceProxyThread::m_lock = classLock.object;
 Utils::AtomicInt AVDeviceProxyThread::m_refcount(0);
@@ -160,7 +188,7 @@ AVDeviceProxyThread* AVDeviceProxyThread::instance() {
     const AutoLock hold(m_lock);
     if (m_refcount.incrementAndTest()) {
         try {
-            reapRetired();
+            Impl::reapRetired();
             m_instance = new AVDeviceProxyThread;
         } catch (...) {
             m_refcount.decrementAndTest();
@@ -175,10 +203,10 @@ void AVDeviceProxyThread::release() {
     // looks at nothing but itself from here on.
     if (!m_refcount.decrementAndTest())
         return;
-    if (stop())
+    if (impl->stop())
         delete this;
     else
-        retire(this);
+        Impl::retire(this);
 }
 
 AVDeviceProxyThread::AVDeviceProxyThread() : impl(std::make_unique<Impl>(this)) { impl->thread.start(false); }
@@ -189,33 +217,17 @@ void AVDeviceProxyThread::processRequest(deviceRequest* request, std::uint32_t t
     if (!request)
         throw Plugin::ArgumentPluginException("processRequest: no request");
     const SmartPtr<deviceRequest> hold(request);
-    const RequestType type = request->type();
-    if (impl->isCurrentThread())
+    if (!request->impl->enterQueue())
         throw Plugin::InvalidOperationPluginException(
-            Format("%: a request from the device proxy thread itself would never be executed") %
-            RequestType_toString(type));
-    const std::shared_ptr<const DeviceCall> call = impl->call;
-    if (!impl->submit(request))
-        throw Plugin::IOPluginException(rejectedMessage(type));
-
-    // From here on the worker may be gone, once it has acknowledged the request.
-    deviceRequest::Impl& state = *request->impl;
-    if (!awaitUnlessStuck(state.startOfIO, *call)) {
-        if (state.withdraw())
-            throwTimeout(type);
-        // The worker was faster and is about to say so; a signal left set would shorten the request's next wait.
-        state.startOfIO.wait();
+            Format("%: the request is being executed or has failed, and cannot be submitted again") %
+            RequestType_toString(request->type()));
+    try {
+        impl->submitAndWait(request, timeoutMilliseconds);
+    } catch (...) {
+        request->impl->forsake();
+        throw;
     }
-    if (state.acknowledged.timedWait(timeoutMilliseconds) != 0) {
-        if (cancelQuietly(state, *call))
-            awaitUnlessStuck(state.acknowledged, *call);
-        throwTimeout(type);
-    }
-    state.comeBack();
-    if (request->failed()) {
-        const ProxyFailure failure = request->getFailure();
-        Plugin::throwPluginException(failure.type, failure.message);
-    }
+    request->impl->comeBack();
 }
 
 void* AVDeviceProxyThread::run(void*) {
@@ -224,37 +236,15 @@ void* AVDeviceProxyThread::run(void*) {
     while (!stopSeen && !exitRequested()) {
         deviceRequest* const request = impl->queue.pop();
         stopSeen = request->type() == RequestType_NONE;
-        work(request);
+        impl->work(request);
     }
     if (!stopSeen)
-        drain();
+        impl->drain();
     // The system may give the identifier to another thread, which is then not to be taken for this one.
     impl->threadId = std::thread::id();
     impl->finished = true;
     impl->end.set();
     return nullptr;
-}
-
-void AVDeviceProxyThread::work(deviceRequest* request) {
-    const SmartPtr<deviceRequest> hold(request);
-    const bool wanted = request->impl->begin();
-    if (wanted)
-        impl->call->begin();
-    const Acknowledgement acknowledgement(*request);
-    if (wanted) {
-        executeRequest(request);
-        impl->call->end();
-    }
-}
-
-void AVDeviceProxyThread::drain() {
-    for (bool stopSeen = false; !stopSeen;) {
-        const SmartPtr<deviceRequest> request(impl->queue.pop());
-        stopSeen = request->type() == RequestType_NONE;
-        const Acknowledgement acknowledgement(*request);
-        if (request->impl->begin() && !stopSeen)
-            fail(*request, Plugin::PluginExceptionType_IO, [&] { return rejectedMessage(request->type()); });
-    }
 }
 
 void AVDeviceProxyThread::executeRequest(deviceRequest* request) {
@@ -276,34 +266,90 @@ void AVDeviceProxyThread::exit() {
     request->decref();
 }
 
+void AVDeviceProxyThread::Impl::submitAndWait(deviceRequest* request, std::uint32_t timeoutMilliseconds) {
+    const RequestType type = request->type();
+    deviceRequest::Impl& state = *request->impl;
+    // A request that the worker does not get is as it was.
+    const auto refuse = [&](const char* reason) {
+        state.comeBack();
+        throw Plugin::InvalidOperationPluginException(Format("%: %") % RequestType_toString(type) % reason);
+    };
+    if (isCurrentThread())
+        refuse("a request from the device proxy thread itself would never be executed");
+    const std::shared_ptr<const DeviceCall> current = call;
+    if (!submit(request)) {
+        state.comeBack();
+        throw Plugin::IOPluginException(rejectedMessage(type));
+    }
+
+    // From here on the worker may be gone, once it has acknowledged the request.
+    if (!awaitUnlessStuck(state.meeting->startOfIO, *current) && state.withdraw())
+        throwTimeout(type);
+    if (state.meeting->acknowledged.timedWait(timeoutMilliseconds) != 0) {
+        if (cancelQuietly(state, *current))
+            awaitUnlessStuck(state.meeting->acknowledged, *current);
+        throwTimeout(type);
+    }
+    if (request->failed()) {
+        // So that it is on this thread, and before the failure is seen, that the request gives its device back.
+        current->awaitDrop(request);
+        const ProxyFailure failure = request->getFailure();
+        Plugin::throwPluginException(failure.type, failure.message);
+    }
+}
+
+void AVDeviceProxyThread::Impl::work(deviceRequest* request) {
+    const Turn turn(*call, request);
+    const bool wanted = request->impl->begin();
+    if (wanted)
+        call->begin();
+    request->ackStartOfIO();
+    if (wanted) {
+        worker.executeRequest(request);
+        call->end();
+    }
+}
+
+/// Fails what stands before the stop request.
+void AVDeviceProxyThread::Impl::drain() {
+    for (bool stopSeen = false; !stopSeen;) {
+        deviceRequest* const request = queue.pop();
+        const Turn turn(*call, request);
+        stopSeen = request->type() == RequestType_NONE;
+        request->ackStartOfIO();
+        if (request->impl->begin() && !stopSeen)
+            fail(*request, Plugin::PluginExceptionType_IO, [&] { return rejectedMessage(request->type()); });
+    }
+}
+
 /// Ends the thread, or at least has it end; true when it has.
-bool AVDeviceProxyThread::stop() noexcept {
+bool AVDeviceProxyThread::Impl::stop() noexcept {
     try {
-        if (impl->isCurrentThread()) {
-            Runnable::exit();
-            impl->ownStop = Utils::makeRefcounted<deviceRequest>(nullptr, RequestType_NONE);
-            impl->submit(impl->ownStop.get());
+        if (isCurrentThread()) {
+            worker.Runnable::exit();
+            ownStop = Utils::makeRefcounted<deviceRequest>(nullptr, RequestType_NONE);
+            submit(ownStop.get());
             return false;
         }
-        impl->thread.exit();
+        thread.exit();
     } catch (const Plugin::IOPluginException&) {
         // Rejected: an earlier stop request is on its way.
     } catch (...) {
         return false;
     }
-    return awaitUnlessStuck(impl->end, *impl->call);
+    return awaitUnlessStuck(end, *call);
 }
 
 /// Leaves a worker to its thread, which a device holds up or which is the caller itself. What the thread runs must
 /// stay where it is, so the worker is kept until the thread has ended and somebody makes another one.
-void AVDeviceProxyThread::retire(AVDeviceProxyThread* worker) noexcept {
+void AVDeviceProxyThread::Impl::retire(AVDeviceProxyThread* worker) noexcept {
     Utils::Platform::pinThisLibrary();
     const AutoLock hold(retiredLock.object);
     worker->impl->nextRetired = std::exchange(retired, worker);
     ++retiredCount;
 }
 
-void AVDeviceProxyThread::reapRetired() noexcept {
+void AVDeviceProxyThread::Impl::reapRetired() noexcept {
     AVDeviceProxyThread* ended = nullptr;
     {
         const AutoLock hold(retiredLock.object);

@@ -26,9 +26,11 @@ inline void dropWhenLast(deviceRequest& request) {
     constexpr unsigned long step = 50;
     const RequestType type = request.type();
     for (unsigned long waited = 0; !request.decrefIfLastRef(); waited += step) {
-        if (waited >= Detail::proxyTuning().stuckCallMilliseconds)
+        if (waited >= Detail::proxyTuning().stuckCallMilliseconds) {
+            RequestHusk::forsake(request);
             throw Plugin::TimeoutPluginException(Utils::Format("%: the request is still in use") %
                                                  RequestType_toString(type));
+        }
         Utils::Threading::ThreadBase::sleep(step);
     }
 }
@@ -92,14 +94,14 @@ public:
 
     /// Disposes of the device and lets go of it.
     void release() noexcept {
-        if (!linked)
+        Device* const last = std::exchange(linked, nullptr);
+        if (!last)
             return;
         try {
-            linked->dispose();
+            last->dispose();
         } catch (...) {
             warn("dispose operation failed");
         }
-        linked = nullptr;
         handle.release();
     }
 

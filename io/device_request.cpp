@@ -1,6 +1,7 @@
 #include <zentara/io/device_request.h>
 
 #include "io/device_request_impl.h"
+#include "io/request_husk.h"
 
 namespace Zentara::IO {
 
@@ -9,20 +10,28 @@ deviceRequest::deviceRequest(AVDeviceInterface* device, RequestType type)
 
 deviceRequest::~deviceRequest() = default;
 
+void deviceRequest::decref() {
+    if (decrefUnlessSecondLast())
+        return;
+    if (impl->isOver())
+        RequestHusk::make(*this);
+    Refcounted::decref();
+}
+
 RequestType deviceRequest::type() const { return impl->type; }
 
 AVDeviceInterface* deviceRequest::device() const { return impl->device.get(); }
 
-void deviceRequest::ackStartOfIO() { impl->startOfIO.set(); }
+void deviceRequest::ackStartOfIO() { impl->meeting->startOfIO.set(); }
 
-void deviceRequest::ack() { impl->acknowledged.set(); }
+void deviceRequest::ack() { impl->meeting->acknowledged.set(); }
 
 std::int32_t deviceRequest::waitAck(std::uint32_t timeoutMilliseconds) {
-    impl->startOfIO.wait();
-    return impl->acknowledged.timedWait(timeoutMilliseconds);
+    impl->meeting->startOfIO.wait();
+    return impl->meeting->acknowledged.timedWait(timeoutMilliseconds);
 }
 
-void deviceRequest::waitAck() { impl->acknowledged.wait(); }
+void deviceRequest::waitAck() { impl->meeting->acknowledged.wait(); }
 
 void deviceRequest::setIOPending(bool pending) { impl->ioPending = pending; }
 
@@ -33,13 +42,13 @@ void deviceRequest::setCancelled(bool cancelled) { impl->cancelled = cancelled; 
 bool deviceRequest::getCancelled() const { return impl->cancelled; }
 
 bool deviceRequest::cancelIO() {
-    const std::lock_guard<std::recursive_mutex> hold(impl->lock);
+    const std::lock_guard<std::recursive_mutex> hold(impl->meeting->lock);
     return impl->cancel();
 }
 
-void deviceRequest::lock() { impl->lock.lock(); }
+void deviceRequest::lock() { impl->meeting->lock.lock(); }
 
-void deviceRequest::unlock() { impl->lock.unlock(); }
+void deviceRequest::unlock() { impl->meeting->lock.unlock(); }
 
 void deviceRequest::setFailure(Plugin::PluginExceptionType type, const std::string& message) {
     impl->failed = true;

@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <mutex>
+#include <optional>
 
 namespace Zentara::IO {
 
@@ -15,11 +16,46 @@ struct deviceRequest::Impl {
     Impl(AVDeviceInterface* requestDevice, RequestType requestType)
         : type(requestType), device(requestDevice) {}
 
+    /// What caller and worker meet by.
+    struct Meeting {
+        Utils::Threading::Signal startOfIO;
+        Utils::Threading::Signal acknowledged;
+        std::recursive_mutex lock; ///< one that can be tried
+    };
+
+    /// The caller hands the request to the worker; false when it is there already, or was given up. A signal left set
+    /// would shorten the wait that is about to begin.
+    bool enterQueue() noexcept {
+        if (forsaken || !advance(Stage::IDLE, Stage::QUEUED))
+            return false;
+        meeting->startOfIO.isSet();
+        meeting->acknowledged.isSet();
+        return true;
+    }
+
     /// The worker takes the request up, unless its caller has withdrawn it.
-    bool begin() noexcept { return leaveQueue(Stage::STARTED); }
+    bool begin() noexcept { return advance(Stage::QUEUED, Stage::STARTED); }
+
+    /// The worker is done with it and will not touch anything of it again, save what it acknowledges by.
+    void finish() noexcept { stage = Stage::DONE; }
 
     /// The caller gives up, unless the worker has taken the request up: from then on it runs.
-    bool withdraw() noexcept { return leaveQueue(Stage::WITHDRAWN); }
+    bool withdraw() noexcept { return advance(Stage::QUEUED, Stage::WITHDRAWN); }
+
+    /// The caller has met the acknowledgement, or the worker did not take the request: it may be submitted anew.
+    void comeBack() noexcept { stage = Stage::IDLE; }
+
+    /// The caller leaves, with a failure, and its reference stays behind. The library's own requests are then left for
+    /// good; another caller's are as long as the worker has not refused them.
+    void forsake() noexcept { forsaken = forsaken || isOurs || stage != Stage::IDLE; }
+
+    /// True when nobody will come for the request by the reference that its caller left behind.
+    [[nodiscard]] bool isOver() const noexcept {
+        if (!forsaken)
+            return false;
+        const Stage present = stage;
+        return present == Stage::IDLE || present == Stage::DONE;
+    }
 
     /// What cancelIO() does. The caller holds the lock.
     bool cancel() {
@@ -33,7 +69,7 @@ struct deviceRequest::Impl {
     template<typename GiveUp>
     bool cancelUnless(GiveUp giveUp) {
         cancelled = true;
-        std::unique_lock<std::recursive_mutex> hold(lock, std::defer_lock);
+        std::unique_lock<std::recursive_mutex> hold(meeting->lock, std::defer_lock);
         while (!hold.try_lock()) {
             if (giveUp())
                 return false;
@@ -41,28 +77,22 @@ struct deviceRequest::Impl {
         return cancel();
     }
 
-    /// The caller has met the worker's acknowledgement, so the request is its own again and may be submitted anew.
-    void comeBack() noexcept { stage = Stage::QUEUED; }
-
     const RequestType type;
     bool failed = false;
+    bool isOurs = false; ///< made by the library, which never uses a reference that it left behind
     ProxyFailure failure;
-    Utils::Threading::Signal startOfIO;
-    Utils::Threading::Signal acknowledged;
-    const Utils::SmartPtr<AVDeviceInterface> device;
-    std::recursive_mutex lock; ///< one that can be tried
+    std::optional<Meeting> meeting{std::in_place}; ///< a husk of the library's own has none
+    Utils::SmartPtr<AVDeviceInterface> device;     ///< a husk has none
     std::atomic<bool> ioPending{false};
     std::atomic<bool> cancelled{false};
 
 private:
-    enum class Stage { QUEUED, STARTED, WITHDRAWN };
+    enum class Stage { IDLE, QUEUED, STARTED, WITHDRAWN, DONE };
 
-    bool leaveQueue(Stage next) noexcept {
-        Stage expected = Stage::QUEUED;
-        return stage.compare_exchange_strong(expected, next);
-    }
+    bool advance(Stage from, Stage to) noexcept { return stage.compare_exchange_strong(from, to); }
 
-    std::atomic<Stage> stage{Stage::QUEUED};
+    std::atomic<Stage> stage{Stage::IDLE};
+    std::atomic<bool> forsaken{false};
 };
 
 } // namespace Zentara::IO

@@ -16,6 +16,8 @@
 #include <zentara/io/transfer_requests.h>
 #include <zentara/io/xu_device_requests.h>
 
+#include "io/request_husk.h"
+
 /// The requests that point to memory, in the form in which they are queued: they own the memory that the device
 /// sees. So a device that answers after its caller has left does not meet the caller's. Inputs are copied when the
 /// request is made; results when the caller, after a normal return, has them delivered.
@@ -23,7 +25,10 @@ namespace Zentara::IO {
 
 /// Holds what the request's base is about to point to, and so comes before it.
 template<typename T>
-struct RequestStorage {
+struct RequestStorage : OwnedMemory {
+    explicit RequestStorage(T initial) : stored(std::move(initial)) {}
+    void giveBack() noexcept override { stored = T(); }
+
     T stored;
 };
 
@@ -41,19 +46,19 @@ inline void copyBack(const std::vector<std::uint8_t>& stored, void* data) {
         std::memcpy(data, stored.data(), stored.size());
 }
 
-class OwnedSendRequest final : private RequestBytes, public xuSendRequest {
+class OwnedSendRequest final : public RequestBytes, public xuSendRequest {
 public:
     OwnedSendRequest(AVDeviceInterface* device, std::uint32_t unitNumber, std::int32_t controlNumber,
                      std::uint32_t byteCount, const void* bytes)
-        : RequestBytes{copyBytes(bytes, byteCount)},
+        : RequestBytes(copyBytes(bytes, byteCount)),
           xuSendRequest(device, unitNumber, controlNumber, byteCount, stored.data()) {}
 };
 
-class OwnedRecvRequest final : private RequestBytes, public xuRecvRequest {
+class OwnedRecvRequest final : public RequestBytes, public xuRecvRequest {
 public:
     OwnedRecvRequest(AVDeviceInterface* device, std::uint32_t unitNumber, std::int32_t controlNumber,
                      std::uint32_t byteCount, void* bytes, bool deviceFlag)
-        : RequestBytes{copyBytes(bytes, byteCount)},
+        : RequestBytes(copyBytes(bytes, byteCount)),
           xuRecvRequest(device, unitNumber, controlNumber, byteCount, stored.data(), deviceFlag),
           destination(bytes) {}
 
@@ -63,11 +68,11 @@ private:
     void* destination;
 };
 
-class OwnedLenRequest final : private RequestStorage<std::int32_t>, public xuLenRequest {
+class OwnedLenRequest final : public RequestStorage<std::int32_t>, public xuLenRequest {
 public:
     OwnedLenRequest(AVDeviceInterface* device, std::uint32_t unitNumber, std::uint32_t controlNumber,
                     std::int32_t* answer)
-        : RequestStorage{*answer}, xuLenRequest(device, unitNumber, controlNumber, &stored),
+        : RequestStorage(*answer), xuLenRequest(device, unitNumber, controlNumber, &stored),
           destination(answer) {}
 
     void deliver() const { *destination = stored; }
@@ -76,17 +81,17 @@ private:
     std::int32_t* destination;
 };
 
-class OwnedSetupRequest final : private RequestStorage<GUID>, public xuSetupRequest {
+class OwnedSetupRequest final : public RequestStorage<GUID>, public xuSetupRequest {
 public:
     OwnedSetupRequest(AVDeviceInterface* device, const GUID& unitGuid)
-        : RequestStorage{unitGuid}, xuSetupRequest(device, stored) {}
+        : RequestStorage(unitGuid), xuSetupRequest(device, stored) {}
 };
 
-class OwnedControlRangesRequest final : private RequestStorage<CameraControlRanges>,
+class OwnedControlRangesRequest final : public RequestStorage<CameraControlRanges>,
                                         public getCameraControlRangesRequest {
 public:
     OwnedControlRangesRequest(AVDeviceInterface* device, CameraControlRanges& answer)
-        : RequestStorage{answer}, getCameraControlRangesRequest(device, stored), destination(answer) {}
+        : RequestStorage(answer), getCameraControlRangesRequest(device, stored), destination(answer) {}
 
     void deliver() { destination = std::move(stored); }
 
@@ -97,11 +102,12 @@ private:
 using ColorConfigurations = std::vector<Utils::SmartPtr<ColorConfiguration>>;
 
 /// The device finds an empty list: what the caller has in its own is none of its business.
-class OwnedColorConfigurationsRequest final : private RequestStorage<ColorConfigurations>,
+class OwnedColorConfigurationsRequest final : public RequestStorage<ColorConfigurations>,
                                               public getColorConfigurationsRequest {
 public:
     OwnedColorConfigurationsRequest(AVDeviceInterface* device, ColorConfigurations& answer)
-        : RequestStorage{}, getColorConfigurationsRequest(device, stored), destination(answer) {}
+        : RequestStorage(ColorConfigurations()), getColorConfigurationsRequest(device, stored),
+          destination(answer) {}
 
     /// A list nobody took may hold objects of the device's own classes, whose code leaves with the device.
     ~OwnedColorConfigurationsRequest() override { stored.clear(); }
@@ -156,29 +162,27 @@ public:
         : enableAudioRequest(device, copyConfiguration<AudioConfiguration>(mode), inputLevel, muted) {}
 };
 
-class OwnedAudioConfigurationRequest final : public getAudioDefaultConfigurationsRequest {
+class OwnedAudioConfigurationRequest final : public RequestStorage<Utils::SmartPtr<AudioConfiguration>>,
+                                             public getAudioDefaultConfigurationsRequest {
 public:
     OwnedAudioConfigurationRequest(AVDeviceInterface* device,
                                    const Utils::SmartPtr<AudioConfiguration>& answer)
-        : getAudioDefaultConfigurationsRequest(
-              device, answer ? Utils::makeRefcounted<AudioConfiguration>(*answer) : nullptr),
-          destination(answer) {}
+        : RequestStorage(answer),
+          getAudioDefaultConfigurationsRequest(
+              device, answer ? Utils::makeRefcounted<AudioConfiguration>(*answer) : nullptr) {}
 
+    /// What is stored is the caller's own, held and not copied: the caller may let go of it first.
     void deliver() const {
-        if (destination)
-            *destination = *getConfiguration();
+        if (stored)
+            *stored = *getConfiguration();
     }
-
-private:
-    /// Held, not copied: the caller may let go of it first.
-    Utils::SmartPtr<AudioConfiguration> destination;
 };
 
-class OwnedReadControlRequest final : private RequestBytes, public readControlTransferRequest {
+class OwnedReadControlRequest final : public RequestBytes, public readControlTransferRequest {
 public:
     OwnedReadControlRequest(AVDeviceInterface* device, std::uint8_t code, std::uint16_t transferValue,
                             std::uint16_t transferIndex, std::uint8_t* bytes, std::uint16_t byteCount)
-        : RequestBytes{copyBytes(bytes, byteCount)},
+        : RequestBytes(copyBytes(bytes, byteCount)),
           readControlTransferRequest(device, code, transferValue, transferIndex, stored.data(), byteCount),
           destination(bytes) {}
 
@@ -188,19 +192,19 @@ private:
     std::uint8_t* destination;
 };
 
-class OwnedWriteControlRequest final : private RequestBytes, public writeControlTransferRequest {
+class OwnedWriteControlRequest final : public RequestBytes, public writeControlTransferRequest {
 public:
     OwnedWriteControlRequest(AVDeviceInterface* device, std::uint8_t code, std::uint16_t transferValue,
                              std::uint16_t transferIndex, const std::uint8_t* bytes, std::uint16_t byteCount)
-        : RequestBytes{copyBytes(bytes, byteCount)},
+        : RequestBytes(copyBytes(bytes, byteCount)),
           writeControlTransferRequest(device, code, transferValue, transferIndex, stored.data(), byteCount) {}
 };
 
-class OwnedWriteBulkRequest final : private RequestBytes, public writeBulkTransferRequest {
+class OwnedWriteBulkRequest final : public RequestBytes, public writeBulkTransferRequest {
 public:
     OwnedWriteBulkRequest(AVDeviceInterface* device, std::uint8_t pipe, const std::uint8_t* bytes,
                           std::int32_t byteCount)
-        : RequestBytes{copyBytes(bytes, byteCount)},
+        : RequestBytes(copyBytes(bytes, byteCount)),
           writeBulkTransferRequest(device, pipe, stored.data(), byteCount) {}
 };
 

@@ -55,6 +55,17 @@ bool Refcounted::decrefIfLastRef() {
     return true;
 }
 
+bool Refcounted::decrefUnlessSecondLast() {
+    std::int32_t seen = references.load(std::memory_order_acquire);
+    do {
+        if (seen == 2)
+            return false;
+    } while (!references.compare_exchange_weak(seen, seen - 1, std::memory_order_acq_rel));
+    if (seen == 1)
+        delete this;
+    return true;
+}
+
 Refcounted::WeakReference::WeakReference(Refcounted* target) {
     Threading::AutoLock hold(weakLock);
     watch(target);

@@ -4,10 +4,12 @@
 #include <gmock/gmock.h>
 
 #include <zentara/audio_configuration.h>
+#include <zentara/color_configuration.h>
 #include <zentara/depth_base_configuration.h>
 #include <zentara/io/streaming_requests.h>
 #include <zentara/io/xu_device_requests.h>
 #include <zentara/utils/smart_ptr.h>
+#include <zentara/utils/weak_ptr.h>
 
 #include "io/script.h"
 
@@ -114,6 +116,79 @@ TEST_F(WorkerTest, ARequestCanBeSubmittedAgain) {
     worker->processRequest(request.get(), patience);
     EXPECT_THAT(script.takeSlots(), ElementsAre(close, close));
     worker.settle();
+
+    // Not while it runs, nor once its caller has given it up: it would return as if it had run.
+    const auto refused = [&](deviceRequest* spent) {
+        EXPECT_THROW(worker->processRequest(spent, patience), Plugin::InvalidOperationPluginException);
+    };
+    Gate gate;
+    hold(close, gate);
+    auto* const slow = new deviceRequest(device, RequestType_CLOSE);
+    EXPECT_THROW(worker->processRequest(slow, 20), Plugin::TimeoutPluginException);
+    refused(slow);
+    gate.open();
+    worker.settle();
+    refused(slow);
+    EXPECT_THAT(script.takeSlots(), ElementsAre(close));
+    auto* const failing = new deviceRequest(nullptr, RequestType_CLOSE);
+    EXPECT_THROW(worker->processRequest(failing, patience), Plugin::NotSupportedPluginException);
+    refused(failing);
+    // One that the worker refused has not been touched.
+    worker.exit();
+    for (int i = 0; i < 2; ++i)
+        EXPECT_THROW(worker->processRequest(request.get(), patience), Plugin::IOPluginException);
+    EXPECT_EQ(device, request->device());
+    for (deviceRequest* const husk : {slow, failing})
+        static_cast<Utils::Refcounted*>(husk)->decref();
+}
+
+// The reference of a caller who got an exception stays; what the request holds does not.
+TEST_F(WorkerTest, AFailedRequestLeavesAHusk) {
+    AVDeviceInterface* device = nullptr;
+    script.onCall = [&](int, deviceRequest* request) {
+        device = request->device();
+        throw Plugin::StreamingPluginException("no stream");
+    };
+    EXPECT_EQ("no stream", outcome([&] { proxy->open(); }));
+    auto* const request = new deviceRequest(device, RequestType_CLOSE);
+    Utils::SmartPtr<deviceRequest> other(request);
+    {
+        Worker worker;
+        EXPECT_EQ("no stream", outcome([&] { worker->processRequest(request, patience); }));
+        EXPECT_EQ(device, request->device()) << "somebody else has it";
+    }
+    script.onCall = [](int, deviceRequest*) {};
+    proxy.reset();
+    EXPECT_EQ(1, script.livingDevices());
+    other = nullptr;
+    EXPECT_EQ(0, script.livingDevices());
+    EXPECT_EQ(nullptr, request->device());
+    EXPECT_TRUE(request->failed());
+    EXPECT_EQ(Plugin::PluginExceptionType_STREAMING, request->getFailure().type);
+    EXPECT_EQ("no stream", request->getFailure().message);
+    EXPECT_EQ(RequestType_CLOSE, request->type());
+    static_cast<Utils::Refcounted*>(request)->decref();
+}
+
+// While it runs it keeps all; the worker gives it back.
+TEST_F(WorkerTest, ATimedOutRequestLeavesItsHuskWhenItEnds) {
+    tuning.set(20, 60000, 10);
+    class OwnMode : public ColorConfiguration {};
+    auto mode = Utils::makeRefcounted<OwnMode>();
+    const Utils::WeakPtr<OwnMode> watch(mode);
+    Gate gate;
+    hold(15, gate);
+    EXPECT_EQ("processRequest: I/O timeout: RequestType_ENABLE_COLOR", outcome([&] {
+                  proxy->enableStreaming(Utils::SmartPtr<ColorConfiguration>(mode), CameraControls{});
+              }));
+    mode = nullptr;
+    EXPECT_FALSE(watch.expired());
+    gate.open();
+    tuning.set(2000, 60000, 10);
+    Worker().settle();
+    EXPECT_TRUE(watch.expired());
+    proxy.reset();
+    EXPECT_EQ(0, script.livingDevices());
 }
 
 TEST_F(WorkerTest, ATimedOutCallKeepsTheWorkersReference) {
@@ -166,9 +241,14 @@ TEST_F(WorkerTest, WaitingInTheQueueIsNoTimeout) {
     hold(open, gate);
     std::thread slow([&] { EXPECT_NE("done", outcome([&] { proxy->open(); })); });
     gate.awaitArrival();
+    // Nor does a start that was signalled before count for this wait.
+    Worker worker;
+    const auto request = Utils::makeRefcounted<deviceRequest>(nullptr, RequestType(99));
+    request->ackStartOfIO();
     Signal submitted;
     std::thread behind([&] {
         submitted.set();
+        EXPECT_EQ("done", outcome([&] { worker->processRequest(request.get(), 30); }));
         EXPECT_EQ("done", outcome([&] { proxy->close(); }));
     });
     ASSERT_EQ(0, submitted.timedWait(patience));
@@ -182,11 +262,11 @@ TEST_F(WorkerTest, WaitingInTheQueueIsNoTimeout) {
 TEST_F(WorkerTest, AnAcceptedCancelIsWaitedFor) {
     tuning.set(20, 60000, 10);
     Gate gate;
-    std::atomic<bool> ended = false;
+    Signal callerWent;
     script.onCall = [&](int, deviceRequest* request) {
         request->setIOPending(true);
         gate.pass();
-        ended = true;
+        EXPECT_EQ(-1, callerWent.timedWait(100));
     };
     script.onCancel = [&, caller = std::this_thread::get_id()] {
         EXPECT_EQ(caller, std::this_thread::get_id());
@@ -194,7 +274,8 @@ TEST_F(WorkerTest, AnAcceptedCancelIsWaitedFor) {
         return true;
     };
     EXPECT_EQ("processRequest: I/O timeout: RequestType_OPEN", outcome([&] { proxy->open(); }));
-    EXPECT_TRUE(ended);
+    callerWent.set();
+    Worker().settle();
 }
 
 // Kept so: the device is asked with the request locked.
@@ -329,6 +410,7 @@ TEST_F(WorkerTest, ADeviceThatDoesNotReturnHoldsNobodyUp) {
     const int before = Seams::retiredWorkers();
     proxy.reset();
     EXPECT_EQ(before + 1, Seams::retiredWorkers());
+    EXPECT_EQ(1, script.livingDevices()) << "the device of a call that runs";
     gate.open();
     tuning.set(2000, 10000, 10);
     const auto slots = script.takeSlots();
@@ -343,6 +425,7 @@ TEST_F(WorkerTest, ADeviceThatDoesNotReturnHoldsNobodyUp) {
         std::this_thread::yield();
         const Worker another;
     }
+    EXPECT_EQ(0, script.livingDevices());
 }
 
 // The worker comes to it when the device lets it go on.

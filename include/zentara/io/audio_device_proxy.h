@@ -22,7 +22,8 @@ public:
     /// Makes the device and has it prepare the thread on which it will be called.
     /// \throws Plugin::InitializationPluginException "couldn't find GUID GUID", "ImplType mismatch", or
     ///         "Couldn't instantiate object GUID"
-    /// \throws what the device's thread initialisation throws; nothing is held then
+    /// \throws what the device's thread initialisation throws; nothing is held then, save in proxified mode by a thread
+    ///         initialisation that timed out: that keeps the device until it ends
     AudioDeviceProxy(GUID guid, bool proxified);
 
     /// Has the device take its preparation of the thread back, and releases it. Throws nothing.
@@ -51,10 +52,11 @@ public:
     void setMute(bool mute);
 
 protected:
-    /// Calls the device's `initialize` directly.
+    /// Calls the device's `initialize` directly, for as long as it takes.
     void initialize(NodeEvent* event, Core::DescriptorStoreRO* store);
 
-    /// The destructor's work. Disposing twice is harmless; afterwards every operation throws
+    /// The destructor's work: waits for the worker as other operations do, then for as long as the device's `dispose`
+    /// takes. Disposing twice is harmless; afterwards every operation throws
     /// `Plugin::InvalidOperationPluginException`.
     void dispose() override;
 

@@ -9,6 +9,8 @@ class AudioConfiguration;
 
 namespace Zentara::IO {
 
+struct RequestHusk;
+
 /// Asks for the audio mode that the device starts with.
 class ZENTARA_API getAudioDefaultConfigurationsRequest : public deviceRequest {
 public:
@@ -22,6 +24,7 @@ protected:
     ~getAudioDefaultConfigurationsRequest() override;
 
 private:
+    friend struct RequestHusk;
     Utils::SmartPtr<AudioConfiguration> configuration;
 };
 

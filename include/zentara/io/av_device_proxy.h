@@ -22,6 +22,11 @@ class AVDeviceProxyThread;
 ///   class that was derived from one of this library's, and what the commands of a depth configuration point
 ///   to.
 ///
+/// The device is made, initialised and disposed of on the caller's thread, also in proxified mode, and these three have
+/// no limit: a host that must go on whatever a device does gives them a thread of their own. While a device hangs as it
+/// is made, it holds its library's mutex, and every call on another device of that plug-in waits for it. The other
+/// waits that have no limit are direct calls, `readBuffer`, and a device's own cancel operation.
+///
 /// A device's failure is thrown as the plug-in exception that it reported. Operations are safe; construction
 /// and destruction are not.
 class ZENTARA_API AVDeviceProxy {

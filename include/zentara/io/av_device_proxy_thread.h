@@ -36,14 +36,17 @@ public:
     /// queue is no reason to give up.
     ///
     /// The caller's reference is needed on success only: after an exception the worker may still come to the
-    /// request, so the caller must leave its reference with it for good.
+    /// request, so the caller must leave its reference with it for good. By that reference a husk stays, on which
+    /// `type`, `failed` and `getFailure` answer; the device, and the memory of the library's own requests, go as soon as
+    /// the worker is done with the request and nobody else holds it. A request that was executed may be submitted again
+    /// if it did not fail.
     /// \param timeoutMilliseconds runs from the request's start
     /// \throws Plugin::PluginException the subclass and message that the device failed with
     /// \throws Plugin::TimeoutPluginException "processRequest: I/O timeout: TYPE" when the wait ended first;
     ///         the device was asked to cancel
     /// \throws Plugin::IOPluginException "TYPE: I/O request rejected" when the worker is stopping
     /// \throws Plugin::InvalidOperationPluginException on the worker's own thread, which would wait for
-    /// itself
+    /// itself, and for a request that is being executed, or has failed or timed out before
     void processRequest(deviceRequest* request, std::uint32_t timeoutMilliseconds);
 
 private:
@@ -58,12 +61,6 @@ private:
     void exit() override;
 
     void executeRequest(deviceRequest* request);
-
-    void work(deviceRequest* request);
-    void drain();
-    bool stop() noexcept;
-    static void retire(AVDeviceProxyThread* worker) noexcept;
-    static void reapRetired() noexcept;
 
     /// Not cleared when the worker goes; only a count above 0 makes it valid.
     static AVDeviceProxyThread* m_instance;

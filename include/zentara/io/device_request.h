@@ -12,13 +12,16 @@
 namespace Zentara::IO {
 
 class AVDeviceInterface;
+struct RequestHusk;
 
 /// One call on a device as an object: the operation, its arguments, places for its results (in the
 /// subclasses), the failure if it fails, and the signals between the caller and the worker thread that
 /// executes it. A device always receives its arguments in this form, also when it is called directly.
 ///
-/// Created with one reference, which its creator drops. It holds a reference on its device, and with it the
-/// device's plug-in, as long as it lives.
+/// Created with one reference, which its creator drops, or leaves behind if the worker fails the request. It holds a
+/// reference on its device, and with it the device's plug-in, as long as it lives; one that was left behind gives that
+/// and all else that it holds back once the worker is done with it and nobody else has a reference, and then answers
+/// only for its type and its failure: `device` is null.
 /// The signals, `cancelIO`, `lock`, `unlock` and the pending and cancelled flags are safe; the rest is handed
 /// from caller to worker and back by the signals.
 class ZENTARA_API deviceRequest : public Utils::Refcounted {
@@ -29,6 +32,7 @@ public:
     deviceRequest& operator=(const deviceRequest&) = delete;
 
     [[nodiscard]] RequestType type() const;
+    /// The request keeps its reference. Null for a stop request, and when the request has been given up.
     [[nodiscard]] AVDeviceInterface* device() const;
 
     /// Says that the request has been taken up; what a caller's time runs from.
@@ -68,11 +72,15 @@ public:
     [[nodiscard]] bool failed() const;
     [[nodiscard]] ProxyFailure getFailure();
 
+    /// Drops a reference; at 0 the request is deleted.
+    void decref() override;
+
 protected:
     ~deviceRequest() override;
 
 private:
     friend class AVDeviceProxyThread;
+    friend struct RequestHusk;
     struct Impl;
     std::unique_ptr<Impl> impl;
 };

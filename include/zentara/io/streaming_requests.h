@@ -15,6 +15,8 @@ class DepthBaseConfiguration;
 
 namespace Zentara::IO {
 
+struct RequestHusk;
+
 /// Starts a depth stream.
 class ZENTARA_API enableDepthRequest : public deviceRequest {
 public:
@@ -26,6 +28,7 @@ protected:
     ~enableDepthRequest() override;
 
 private:
+    friend struct RequestHusk;
     Utils::SmartPtr<DepthBaseConfiguration> configuration;
 };
 
@@ -42,6 +45,7 @@ protected:
     ~enableColorRequest() override;
 
 private:
+    friend struct RequestHusk;
     Utils::SmartPtr<ColorConfiguration> configuration;
     CameraControls controls;
 };
@@ -60,6 +64,7 @@ protected:
     ~enableAudioRequest() override;
 
 private:
+    friend struct RequestHusk;
     Utils::SmartPtr<AudioConfiguration> configuration;
     float level;
     bool mute;

@@ -42,6 +42,10 @@ protected:
     /// Counts and weak references belong to the object and not to its value: they stay as they are.
     Refcounted& operator=(const Refcounted& other) noexcept;
 
+    /// Drops the caller's reference, and deletes the object at 0, unless exactly one other is left; tells whether it
+    /// did. For a decref() that has something to do before the object is left to its last owner.
+    bool decrefUnlessSecondLast();
+
 private:
     std::atomic<std::int32_t> references{1};
     /// Null until the first weak reference: objects without any never take the lock of the weak references.
