@@ -76,7 +76,7 @@ void AudioDeviceProxy::dispose() {
     // The video proxy words it differently.
     impl->uninitializeThread(*this, "threadUninitialize operation failed");
     AVDeviceProxy::dispose();
-    impl->release();
+    impl->release(*this);
 }
 
 } // namespace Zentara::IO

@@ -17,6 +17,7 @@
 #include "io/retired_workers.h"
 #include "utils/immortal.h"
 #include "utils/platform/library_pin.h"
+#include "utils/platform/thread.h"
 
 namespace Zentara::IO {
 
@@ -124,6 +125,9 @@ struct AVDeviceProxyThread::Impl {
 
     [[nodiscard]] bool isCurrentThread() const { return threadId.load() == std::this_thread::get_id(); }
 
+    /// A child of fork has the record of its parent's worker, but not the thread.
+    [[nodiscard]] bool isInherited() const noexcept { return process != Utils::Platform::currentProcessId(); }
+
     /// False when the worker is stopping. Check, mark and push are one step, so that no request ends up behind the
     /// stop request, where nobody would come to it.
     bool submit(deviceRequest* request) {
@@ -145,6 +149,7 @@ struct AVDeviceProxyThread::Impl {
     static void reapRetired() noexcept;
 
     AVDeviceProxyThread& worker;
+    const unsigned long process = Utils::Platform::currentProcessId();
     const std::shared_ptr<DeviceCall> call = std::make_shared<DeviceCall>();
     std::atomic<std::thread::id> threadId{};
     /// Set by the thread when it will touch nothing of the worker's any more save what Thread does at its end.
@@ -201,7 +206,7 @@ AVDeviceProxyThread* AVDeviceProxyThread::instance() {
 void AVDeviceProxyThread::release() {
     // Without m_lock: as soon as the count is 0, instance() may put another worker in this one's place. So this one
     // looks at nothing but itself from here on.
-    if (!m_refcount.decrementAndTest())
+    if (!m_refcount.decrementAndTest() || impl->isInherited())
         return;
     if (impl->stop())
         delete this;
@@ -274,6 +279,9 @@ void AVDeviceProxyThread::Impl::submitAndWait(deviceRequest* request, std::uint3
         state.comeBack();
         throw Plugin::InvalidOperationPluginException(Format("%: %") % RequestType_toString(type) % reason);
     };
+    if (isInherited())
+        refuse(
+            "the device proxy thread runs in the parent of this process, and devices are called there only");
     if (isCurrentThread())
         refuse("a request from the device proxy thread itself would never be executed");
     const std::shared_ptr<const DeviceCall> current = call;
@@ -355,7 +363,7 @@ void AVDeviceProxyThread::Impl::reapRetired() noexcept {
         const AutoLock hold(retiredLock.object);
         AVDeviceProxyThread** link = &retired;
         while (AVDeviceProxyThread* const worker = *link) {
-            if (worker->impl->finished) {
+            if (worker->impl->finished && !worker->impl->isInherited()) {
                 *link = worker->impl->nextRetired;
                 worker->impl->nextRetired = std::exchange(ended, worker);
             } else {

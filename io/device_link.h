@@ -16,6 +16,7 @@
 #include "io/proxy_tuning.h"
 #include "io/queued_request.h"
 #include "io/warning.h"
+#include "utils/platform/thread.h"
 
 namespace Zentara::IO {
 
@@ -83,7 +84,9 @@ public:
         if (!linked)
             return;
         try {
-            if (proxy.isProxified())
+            if (isElsewhere(proxy))
+                warn(warning);
+            else if (proxy.isProxified())
                 uninitializeThreadOnWorker(proxy);
             else
                 proxy.threadUninitialize();
@@ -93,10 +96,14 @@ public:
     }
 
     /// Disposes of the device and lets go of it.
-    void release() noexcept {
+    void release(const AVDeviceProxy& proxy) noexcept {
         Device* const last = std::exchange(linked, nullptr);
         if (!last)
             return;
+        if (isElsewhere(proxy)) {
+            handle.abandon();
+            return;
+        }
         try {
             last->dispose();
         } catch (...) {
@@ -106,6 +113,12 @@ public:
     }
 
 private:
+    /// True in a child of fork, to which the thread of a proxified device has not come along, and the locks that it may
+    /// hold as it held them. The device is left to the parent.
+    [[nodiscard]] bool isElsewhere(const AVDeviceProxy& proxy) const noexcept {
+        return proxy.isProxified() && process != Utils::Platform::currentProcessId();
+    }
+
     /// Ends only when the worker has let go of the request, so that the device is not the worker's to destroy.
     void uninitializeThreadOnWorker(const AVDeviceProxy& proxy) {
         auto* const request = createQueuedRequest<threadUninitializeRequest>(&device());
@@ -139,6 +152,7 @@ private:
         }
     }
 
+    const unsigned long process = Utils::Platform::currentProcessId();
     PluginHandle handle;
     Device* linked;
 };

@@ -59,6 +59,11 @@ void PluginHandle::release() noexcept {
         last->release();
 }
 
+void PluginHandle::abandon() noexcept {
+    object = nullptr;
+    manager = nullptr;
+}
+
 void PluginHandle::throwNotInstantiated(GUID guid) {
     throw Plugin::InitializationPluginException(Utils::Format("Couldn't instantiate object %") %
                                                 Core::GUID_toString(guid));

@@ -28,6 +28,9 @@ public:
     /// Drops the object, which may unload its library, and then the manager. A second call does nothing.
     void release() noexcept;
 
+    /// Leaves the object and the manager as they are, in the hands of nobody.
+    void abandon() noexcept;
+
     [[noreturn]] static void throwNotInstantiated(GUID guid);
 
 private:

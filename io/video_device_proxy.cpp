@@ -131,7 +131,7 @@ void VideoDeviceProxy::initialize(NodeEvent* event, Core::DescriptorStoreRO* sto
 void VideoDeviceProxy::dispose() {
     impl->uninitializeThread(*this, "Failed to call threadUninitialize");
     AVDeviceProxy::dispose();
-    impl->release();
+    impl->release(*this);
 }
 
 } // namespace Zentara::IO

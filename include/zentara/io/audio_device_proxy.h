@@ -56,7 +56,7 @@ protected:
     void initialize(NodeEvent* event, Core::DescriptorStoreRO* store);
 
     /// The destructor's work: waits for the worker as other operations do, then for as long as the device's `dispose`
-    /// takes. Disposing twice is harmless; afterwards every operation throws
+    /// takes. In a child of fork a proxified device is left as it is. Disposing twice is harmless; afterwards every operation throws
     /// `Plugin::InvalidOperationPluginException`.
     void dispose() override;
 

@@ -17,7 +17,8 @@ class deviceRequest;
 /// wants its calls from one prepared thread gets them so.
 ///
 /// One per process, counted: each `instance` is paired with one `release`, the last of which stops the
-/// thread. `instance`, `release` and `processRequest` are safe; who calls `processRequest` holds a reference.
+/// thread. To a child of fork the thread does not come along: there the worker rejects what it is asked, and its last
+/// `release` leaves it as it is. `instance`, `release` and `processRequest` are safe; who calls `processRequest` holds a reference.
 class ZENTARA_API AVDeviceProxyThread final : public Utils::Threading::Runnable {
 public:
     AVDeviceProxyThread(const AVDeviceProxyThread&) = delete;
@@ -46,7 +47,7 @@ public:
     ///         the device was asked to cancel
     /// \throws Plugin::IOPluginException "TYPE: I/O request rejected" when the worker is stopping
     /// \throws Plugin::InvalidOperationPluginException on the worker's own thread, which would wait for
-    /// itself, and for a request that is being executed, or has failed or timed out before
+    /// itself; in a child of fork; and for a request that is being executed, or has failed or timed out before
     void processRequest(deviceRequest* request, std::uint32_t timeoutMilliseconds);
 
 private:

@@ -1,0 +1,52 @@
+#include <gtest/gtest.h>
+
+#include <zentara/io/device_request.h>
+
+#include "io/script.h"
+
+namespace Testing {
+namespace {
+
+using namespace Zentara;
+
+/// Runs code in a child of fork, which has this process's worker but not its thread. True when all went well there.
+void expectInChild(const std::function<bool()>& code) {
+    testing::GTEST_FLAG(death_test_style) = "fast";
+    EXPECT_EXIT(std::_Exit(code() ? 0 : 1), testing::ExitedWithCode(0), "");
+}
+
+template<typename Operation>
+bool isRefused(Operation operation) {
+    try {
+        operation();
+    } catch (const Plugin::InvalidOperationPluginException&) {
+        return true;
+    }
+    return false;
+}
+
+// Nobody waits there for a thread that did not come along, and nothing of the parent's is touched.
+TEST_F(DeviceTest, AChildOfForkIsRefusedAndEndsAtOnce) {
+    std::optional<VideoProxy> proxy(std::in_place, VIDEO_DEVICE, true);
+    Worker worker;
+    expectInChild([&] {
+        script.takeCalls();
+        const bool refused = isRefused([&] { proxy->open(); }) && isRefused([&] { worker.exit(); }) &&
+                             isRefused([] { VideoProxy another(VIDEO_DEVICE, true); });
+        proxy->dispose();
+        worker.detach()->release();
+        return refused && script.takeCalls().empty() && script.livingDevices() == 1;
+    });
+    EXPECT_NO_THROW(proxy->open());
+}
+
+TEST_F(DeviceTest, AChildOfForkMakesAWorkerOfItsOwn) {
+    expectInChild([] {
+        VideoProxy proxy(VIDEO_DEVICE, true);
+        proxy.open();
+        return true;
+    });
+}
+
+} // namespace
+} // namespace Testing
