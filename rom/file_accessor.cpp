@@ -1,7 +1,6 @@
 #include <zentara/rom/file_accessor.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <filesystem>
 
 #include <zentara/plugin/plugin_exceptions.h>
@@ -10,7 +9,7 @@
 #include <zentara/utils/format.h>
 
 #include "utils/message.h"
-#include "utils/platform/files.h"
+#include "utils/platform/new_file.h"
 
 namespace Zentara::ROM {
 
@@ -19,7 +18,7 @@ namespace {
 using Bytes = std::vector<std::uint8_t>;
 
 constexpr std::uint8_t ERASED = 0xFF;
-constexpr const char* ASIDE = ".saving"; ///< ending of the file that is written in place of the image
+constexpr unsigned long WAIT_MILLISECONDS = 1000; ///< for another writer, or a reader that is in the way
 
 namespace fs = std::filesystem;
 
@@ -34,37 +33,12 @@ std::string linkedFile(const std::string& fileName) {
     return failure ? fileName : std::string(target.begin(), target.end());
 }
 
-/// Who may read the old file may read the new one, and nobody else.
-void copyPermissions(const std::string& from, const std::string& to) {
-    std::error_code failure;
-    const fs::file_status status = fs::status(pathOf(from), failure);
-    if (!failure && fs::exists(status))
-        fs::permissions(pathOf(to), status.permissions(), failure);
-}
-
-void discard(const std::string& fileName) {
-    std::error_code ignored;
-    fs::permissions(pathOf(fileName), fs::perms::owner_write, fs::perm_options::add, ignored);
-    fs::remove(pathOf(fileName), ignored);
-}
-
-struct FileCloser {
-    void operator()(std::FILE* file) const noexcept { std::fclose(file); }
-};
-
 Bytes readImage(const std::string& fileName) try {
     const std::string contents = Utils::readFile(fileName);
     return {contents.begin(), contents.end()};
 } catch (const Utils::UException& failure) {
     throw Plugin::IOPluginException(
         Utils::formatMessage("cannot read flash image %: %", fileName, failure.message()));
-}
-
-bool writeFlushed(const std::string& fileName, const Bytes& bytes) {
-    std::unique_ptr<std::FILE, FileCloser> file(
-        Utils::Platform::openFile(fileName, Utils::Platform::FileMode::WriteBinary));
-    return file && std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size() &&
-           Utils::Platform::flushToDisk(file.get()) && std::fclose(file.release()) == 0;
 }
 
 } // namespace
@@ -105,19 +79,21 @@ void FileAccessor::write(std::uint32_t address, const std::vector<std::uint8_t>&
 }
 
 void FileAccessor::save() {
-    const std::string file = linkedFile(impl->fileName);
-    const std::string aside = file + ASIDE;
-    bool isDone = writeFlushed(aside, impl->image);
-    if (isDone) {
-        copyPermissions(file, aside);
-        isDone = Utils::Platform::replaceFile(aside, file);
-    }
-    if (!isDone) {
+    using namespace Utils::Platform;
+    const std::string path = linkedFile(impl->fileName);
+    const auto fail = [this] {
         const std::string reason = Utils::getLastError();
-        discard(aside);
         throw Plugin::IOPluginException(
             Utils::formatMessage("cannot save flash image %: %", impl->fileName, reason));
-    }
+    };
+    const Owned<FileLock> right(FileLock::create(path, WAIT_MILLISECONDS));
+    if (!right)
+        fail();
+    removeLeftParts(path);
+    const Owned<NewFile> file(NewFile::create(path, path));
+    if (!file || !file->append(impl->image.data(), impl->image.size()) ||
+        !file->take(path, right->found(), WAIT_MILLISECONDS))
+        fail();
     impl->modified = false;
 }
 

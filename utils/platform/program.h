@@ -18,7 +18,14 @@ std::vector<std::string> programArguments(int argc, char** argv);
 /// Writing to such a stream fails as before. Before any file is opened.
 void reserveStandardStreams() noexcept;
 
+/// From now on a write past the limit that was set for the size of files fails like any other, with a reason, where the
+/// system would end the process.
+void failWritesPastLimit() noexcept;
+
 /// Whether a person reads what is written to the stream.
 bool isTerminal(std::FILE* stream) noexcept;
+
+/// A word of a command line as a person pastes it into the system's command interpreter: in quotes where it needs them.
+std::string shellWord(const std::string& text);
 
 } // namespace Zentara::Utils::Platform

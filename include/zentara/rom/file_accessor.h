@@ -33,9 +33,10 @@ public:
     /// \throws IOPluginException if a byte lies past the end of the image; nothing is written then.
     void write(std::uint32_t address, const std::vector<std::uint8_t>& bytes) override;
 
-    /// Puts the image on disk: written beside the file, with ".saving" after its name, flushed, renamed over it.
-    /// Whatever fails or is cut off in between, the file holds the old image or the new one, whole. Of a link
-    /// the file that it leads to is replaced; the permissions stay.
+    /// Puts the image on disk: written beside the file under a name of its own, flushed, renamed over it. Whatever
+    /// fails or is cut off in between, the file holds the old image or the new one, whole. Of a link the file that it
+    /// leads to is replaced; nobody may read the new file who could not read the old one. Two that save at once take
+    /// turns, up to a second; the later one wins, so whoever changes what others change too looks before.
     /// \throws IOPluginException with the file and the system's reason; the file is then as it was.
     void save();
 

@@ -1,5 +1,6 @@
 #include "utils/platform/program.h"
 
+#include <csignal>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -29,6 +30,20 @@ void reserveStandardStreams() noexcept {
     }
 }
 
+void failWritesPastLimit() noexcept { signal(SIGXFSZ, SIG_IGN); }
+
 bool isTerminal(std::FILE* stream) noexcept { return isatty(fileno(stream)) == 1; }
+
+std::string shellWord(const std::string& text) {
+    const bool isPlain = !text.empty() && text.find_first_not_of(
+                                              "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789"
+                                              "_-./:=,+@") == std::string::npos;
+    if (isPlain)
+        return text;
+    std::string word = "'";
+    for (const char letter : text)
+        word += letter == '\'' ? std::string("'\\''") : std::string(1, letter);
+    return word + "'";
+}
 
 } // namespace Zentara::Utils::Platform

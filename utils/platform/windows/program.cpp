@@ -48,10 +48,23 @@ std::vector<std::string> programArguments(int, char**) {
 /// The C library gives a file that is opened none of the first three numbers.
 void reserveStandardStreams() noexcept {}
 
+/// There is no such limit.
+void failWritesPastLimit() noexcept {}
+
 bool isTerminal(std::FILE* stream) noexcept {
     const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)));
     DWORD mode = 0;
     return GetConsoleMode(handle, &mode) != 0;
+}
+
+/// No file's name holds a double quote; a backslash before the closing one would take it for itself.
+std::string shellWord(const std::string& text) {
+    const bool isPlain = !text.empty() && text.find_first_not_of(
+                                              "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789"
+                                              "_-./\\:+@") == std::string::npos;
+    if (isPlain)
+        return text;
+    return '"' + text + (text.ends_with('\\') ? "\\" : "") + '"';
 }
 
 } // namespace Zentara::Utils::Platform
