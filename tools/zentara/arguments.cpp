@@ -24,6 +24,20 @@ CLI::Validator anyName(const char* what) {
             ""};
 }
 
+void refuseEmptyWords(CLI::App& program) {
+    for (CLI::Option* option : program.get_options()) {
+        const std::string name = option->get_name();
+        if (option->get_type_size() > 0 && name != "--hex" && name != "BYTES")
+            option->check(CLI::Validator(
+                [](const std::string& text) {
+                    return text.empty() ? std::string("it is empty") : std::string();
+                },
+                ""));
+    }
+    for (CLI::App* verb : program.get_subcommands([](CLI::App*) { return true; }))
+        refuseEmptyWords(*verb);
+}
+
 CLI::Range any32Bits() { return {std::uint32_t{0}, std::uint32_t{0xFFFFFFFF}}; }
 
 } // namespace Zentara::Tool

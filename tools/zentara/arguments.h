@@ -14,6 +14,10 @@ inline constexpr double longestWatch = 86'400;
 /// Takes any text but the empty one. \param what is named by it, for the message
 [[nodiscard]] CLI::Validator anyName(const char* what);
 
+/// Refuses an empty text wherever an option or an argument takes one, in all verbs: a variable that was not set must not
+/// name something else. Bytes that may be none are left alone.
+void refuseEmptyWords(CLI::App& program);
+
 /// For arguments whose range only the camera knows: what is past 32 bits is refused with their range.
 [[nodiscard]] CLI::Range any32Bits();
 

@@ -1,15 +1,12 @@
 #include "tools/zentara/json_fields.h"
 
 #include <algorithm>
-#include <fstream>
 #include <sstream>
 
-#include <zentara/utils/exceptions.h>
 #include <zentara/utils/format.h>
 
 #include "tools/zentara/exit_code.h"
-#include "tools/zentara/paths.h"
-#include "tools/zentara/pending_file.h"
+#include "tools/zentara/file_failure.h"
 
 namespace Zentara::Tool {
 
@@ -20,22 +17,6 @@ namespace {
 constexpr std::size_t mostBytes = 1 << 24;
 constexpr int mostDepth = 64; // what looks at a value calls itself for each level
 constexpr std::size_t mostShown = 40;
-
-std::string readText(const std::string& path) {
-    std::ifstream in(pathOf(path), std::ios::binary);
-    std::string text;
-    std::vector<char> block(1 << 16);
-    while (in && text.size() <= mostBytes) {
-        in.read(block.data(), static_cast<std::streamsize>(block.size()));
-        text.append(block.data(), static_cast<std::size_t>(in.gcount()));
-    }
-    if (text.size() > mostBytes)
-        throw ToolFailure(ExitCode_FAILED,
-                          Format("cannot read '%': it has more than % bytes") % path % mostBytes);
-    if (!in.eof())
-        throw ToolFailure(ExitCode_FAILED, Utils::formatLastError(Format("cannot read '%'") % path));
-    return text;
-}
 
 [[noreturn]] void refuse(const std::string& path, const std::string& what) {
     throw ToolFailure(ExitCode_FAILED, Format("'%' is no JSON: %") % path % what);
@@ -64,16 +45,16 @@ Json readJsonFile(const std::string& path) {
         return true;
     };
     try {
-        return Json::parse(readText(path), watch);
+        return Json::parse(readFileBytes(path, mostBytes), watch);
     } catch (const Json::exception& failure) {
         refuse(path, reasonOf(failure));
     }
 }
 
-void writeJsonFile(const std::string& path, const Json& json) {
+void writeJsonFile(const std::string& path, const Json& json, IfThere ifThere) {
     std::ostringstream text;
     print(text, json);
-    PendingFile file(path);
+    PendingFile file(path, ifThere);
     file.write(text.str());
     file.commit();
 }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tools/zentara/json_output.h"
+#include "tools/zentara/pending_file.h"
 
 namespace Zentara::Tool {
 
@@ -15,8 +16,8 @@ namespace Zentara::Tool {
 /// \throws ToolFailure naming the file and the place of what is wrong
 [[nodiscard]] Json readJsonFile(const std::string& path);
 
-/// Writes a file whole or not at all. \throws ToolFailure
-void writeJsonFile(const std::string& path, const Json& json);
+/// Writes a file whole or not at all. \throws ToolFailure, also when it is there and is not to be replaced
+void writeJsonFile(const std::string& path, const Json& json, IfThere ifThere);
 
 /// A value for a message, cut where it is long: "40000", "an object".
 [[nodiscard]] std::string shortText(const Json& value);

@@ -1,60 +1,101 @@
 #include "tools/zentara/pending_file.h"
 
 #include <filesystem>
-#include <random>
 #include <system_error>
 #include <utility>
 
-#include <zentara/utils/files.h>
 #include <zentara/utils/format.h>
 
 #include "tools/zentara/exit_code.h"
+#include "tools/zentara/file_failure.h"
 #include "tools/zentara/paths.h"
 
 namespace Zentara::Tool {
 
 using Utils::Format;
+using Utils::Platform::FileKind;
+using Utils::Platform::FileLock;
+using Utils::Platform::FileTrouble;
+using Utils::Platform::NewFile;
 
 namespace {
 
-/// Two programs that write the same file at once write parts of their own; the later one wins.
-std::string partOf(const std::string& path) {
-    return Format("%.%{:x8}.part") % path % static_cast<unsigned>(std::random_device()());
+constexpr unsigned long waitMilliseconds = 1000; ///< for a writer, or for a reader that is in the way
+
+/// The file is to be replaced, not a link to it.
+std::string linkedFile(const std::string& path) {
+    std::error_code failure;
+    if (!std::filesystem::is_symlink(pathOf(path), failure))
+        return path;
+    const std::u8string target = std::filesystem::canonical(pathOf(path), failure).u8string();
+    return failure ? path : std::string(target.begin(), target.end());
+}
+
+/// Whether a file is there.
+bool checkPlace(const std::string& path) {
+    switch (Utils::Platform::fileKind(path)) {
+    case FileKind::Missing:
+        return false;
+    case FileKind::Regular:
+        return true;
+    case FileKind::DeadLink:
+        throw ToolFailure(ExitCode_FAILED,
+                          Format("cannot write '%': it is a link to a file that is not there") % path);
+    case FileKind::Unknown:
+        failFile("write", path);
+    default:
+        throw ToolFailure(ExitCode_FAILED, Format("cannot write '%': it is there and no file") % path);
+    }
 }
 
 } // namespace
 
-PendingFile::PendingFile(std::string path) : finalPath(std::move(path)), temporaryPath(partOf(finalPath)) {
+PendingFile::PendingFile(std::string path, IfThere ifThere, const std::string& like)
+    : finalPath(std::move(path)), target(linkedFile(finalPath)), rule(ifThere) {
     if (finalPath.empty())
         throw ToolFailure(ExitCode_USAGE, "the name of the file is empty");
-    std::error_code ignored;
-    const auto status = std::filesystem::status(pathOf(finalPath), ignored);
-    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
-        throw ToolFailure(ExitCode_FAILED, Format("cannot write '%': it is there and no file") % finalPath);
-    write({});
-    pending = true;
+    const bool isThere = checkPlace(target);
+    if (isThere && rule == IfThere::Refuse)
+        throw ToolFailure(ExitCode_USAGE, Format("'%' is there already; --force replaces it") % finalPath);
+    if (isThere && rule == IfThere::Keep)
+        throw ToolFailure(ExitCode_FAILED,
+                          Format("'%' is there already and is not replaced: name another file") % finalPath);
+    right.reset(FileLock::create(target, waitMilliseconds));
+    if (!right)
+        failFile("write", finalPath);
+    Utils::Platform::removeLeftParts(target);
+    part.reset(NewFile::create(target, like.empty() ? target : like));
+    if (!part)
+        failFile("write", finalPath);
 }
-
-PendingFile::~PendingFile() { discard(); }
 
 void PendingFile::write(const std::string& bytes) {
-    attempt("write '" + finalPath + "'", [&] { Utils::writeFile(temporaryPath, bytes); });
+    cut(0);
+    append(bytes.data(), bytes.size());
 }
 
-void PendingFile::discard() noexcept {
-    std::error_code ignored;
-    if (pending)
-        std::filesystem::remove(pathOf(temporaryPath), ignored);
-    pending = false;
+void PendingFile::append(const void* data, std::size_t size) {
+    if (!part->append(data, size))
+        failFile("write", finalPath);
+}
+
+void PendingFile::patch(std::uint64_t position, const void* data, std::size_t size) {
+    if (!part->patch(position, data, size))
+        failFile("write", finalPath);
+}
+
+void PendingFile::cut(std::uint64_t size) {
+    if (!part->resize(size))
+        failFile("write", finalPath);
 }
 
 void PendingFile::commit() {
-    std::error_code error;
-    std::filesystem::rename(pathOf(temporaryPath), pathOf(finalPath), error);
-    if (error)
-        throw ToolFailure(ExitCode_FAILED, Format("cannot rename '%' to '%': %") % temporaryPath % finalPath %
-                                               error.message());
-    pending = false;
+    if (part->take(target, rule == IfThere::Replace && right->found(), waitMilliseconds))
+        return;
+    if (Utils::Platform::lastFileTrouble() == FileTrouble::Exists)
+        throw ToolFailure(ExitCode_BUSY,
+                          Format("cannot write '%': another program has made it meanwhile") % finalPath);
+    failFile("write", finalPath);
 }
 
 } // namespace Zentara::Tool

@@ -1,36 +1,64 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
+
+#include "utils/platform/new_file.h"
 
 namespace Zentara::Tool {
 
-/// A file that takes its name only once it is whole. Whoever fills it writes to partPath(), whose name no other
-/// program uses; commit() gives it its name, replacing what was there. Without a commit the destructor removes the
-/// part. Not to be copied.
+/// What becomes of a file that is there already.
+enum class IfThere {
+    Replace,
+    Refuse, ///< unless the user says --force
+    Keep,   ///< whatever the user says
+};
+
+/// What --force makes of it.
+[[nodiscard]] constexpr IfThere forced(bool force) { return force ? IfThere::Replace : IfThere::Refuse; }
+
+/// A file that takes its name only once it is whole. It is filled beside its place, under a name that nobody else has;
+/// commit() flushes it to the disk and gives it its name, replacing what was there. Without a commit the destructor
+/// removes it; what a killed program left, the next one removes. While this lives, no other program that writes files
+/// in this way can write the same one. Every file of the tool is written by one of these. Not to be copied.
 class PendingFile final {
 public:
     /// Makes the part, empty: a place that cannot be written is told before any work is done for it.
-    /// \throws ToolFailure when `path` is empty or names something that a file must not replace, a directory or a
-    /// device, or the part cannot be made.
-    explicit PendingFile(std::string path);
-    ~PendingFile();
+    /// \param like  the file whose readers may read this one; the file itself unless named.
+    /// \throws ToolFailure when `path` is empty, names something that a file must not replace (a directory, a device, a
+    /// link that leads nowhere; a file that is to be kept), when another program is writing the file (exit code 6), or
+    /// the part cannot be made.
+    explicit PendingFile(std::string path, IfThere ifThere = IfThere::Replace, const std::string& like = {});
+    ~PendingFile() = default;
     PendingFile(const PendingFile&) = delete;
     PendingFile& operator=(const PendingFile&) = delete;
 
     [[nodiscard]] const std::string& path() const noexcept { return finalPath; }
-    [[nodiscard]] const std::string& partPath() const noexcept { return temporaryPath; }
+    /// For what can only be written by name. The bytes may be written so, or by the operations here.
+    [[nodiscard]] const std::string& partPath() const noexcept { return part->partPath(); }
 
     /// Replaces the part's bytes. \throws ToolFailure naming the path and the system's reason.
     void write(const std::string& bytes);
-    /// \throws ToolFailure naming both paths and the system's reason.
+    /// Adds bytes at the end, at once. \throws ToolFailure as write(); the end may then be ragged.
+    void append(const void* data, std::size_t size);
+    /// Replaces bytes in the middle.
+    void patch(std::uint64_t position, const void* data, std::size_t size);
+    /// Cuts the part there.
+    void cut(std::uint64_t size);
+    [[nodiscard]] std::uint64_t size() const noexcept { return part->size(); }
+
+    /// \throws ToolFailure naming the path and the system's reason.
     void commit();
     /// Removes the part; nothing is left to commit.
-    void discard() noexcept;
+    void discard() noexcept { part.reset(); }
 
 private:
     const std::string finalPath;
-    const std::string temporaryPath;
-    bool pending = false;
+    const std::string target; ///< where a link leads
+    const IfThere rule;
+    Utils::Platform::Owned<Utils::Platform::FileLock> right;
+    Utils::Platform::Owned<Utils::Platform::NewFile> part;
 };
 
 } // namespace Zentara::Tool

@@ -7,6 +7,7 @@
 #include <zentara/utils/kv_logger.h>
 #include <zentara/version.h>
 
+#include "tools/zentara/arguments.h"
 #include "tools/zentara/program_root.h"
 #include "tools/zentara/verb.h"
 
@@ -103,6 +104,7 @@ int runTool(std::vector<std::string> arguments, Console& console) {
         addParamsVerb(program),  addSensorsVerb(program), addCalibrationVerb(program), addXuVerb(program),
         addRegVerb(program),     addI2cVerb(program),     addFirmwareVerb(program),    addMetaVerb(program),
         addModfreqVerb(program), addRomVerb(program)};
+    refuseEmptyWords(program);
     program.footer(footer); // after the verbs: they would take it over
     console.json = asksForJson(arguments);
     try {

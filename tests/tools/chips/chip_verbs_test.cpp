@@ -26,7 +26,8 @@ protected:
 };
 
 TEST_F(ChipVerbs, ShowTheToggleInATrace) {
-    const ToolRun run = ToolTest::run({"reg", "write", "tof", "29", "0", "--times", "2", "--trace"});
+    const ToolRun run =
+        ToolTest::run({"reg", "write", "tof", "29", "0", "--times", "2", "--trace", "--camera", "OV0570"});
     ASSERT_EQ(run.exitCode, 0) << run.err;
     EXPECT_EQ(run.out, "tof 0x1D := 0x00\n");
     EXPECT_THAT(run.err,
@@ -52,12 +53,14 @@ TEST_F(ChipVerbs, DumpTheWholeMemoryOfEachController) {
             textOf(isOneMemory ? factoryFlash(row.firmware) : patternFlash(row.firmware));
         EXPECT_EQ(Utils::readFile(file), firmware);
         ASSERT_EQ(ToolTest::run({"firmware", "dump", file, "--camera", row.camera, "--area", "configuration",
-                                 "--start", "0x3000", "--length", "5000"})
+                                 "--force", "--start", "0x3000", "--length", "5000"})
                       .exitCode,
                   0);
         EXPECT_EQ(Utils::readFile(file), textOf(factoryFlash(row.configuration)).substr(0x3000, 5000));
         ASSERT_EQ(
-            ToolTest::run({"firmware", "dump", file, "--camera", row.camera, "--start", "0xFFF"}).exitCode, 0)
+            ToolTest::run({"firmware", "dump", file, "--camera", row.camera, "--force", "--start", "0xFFF"})
+                .exitCode,
+            0)
             << "no piece may begin at 0xFFFF";
         EXPECT_EQ(Utils::readFile(file), firmware.substr(0xFFF));
     }
@@ -71,7 +74,7 @@ TEST_F(ChipVerbs, ReadAndWriteWhatTheyName) {
     };
     EXPECT_EQ(out({"reg", "read", "tof", "0x21", "--camera", "vc0345"}), "0x2035\n");
     EXPECT_EQ(out({"reg", "read", "bridge", "0x182845", "--direct"}), "0x08\n");
-    EXPECT_EQ(out({"reg", "write", "rgb", "1", "255"}), "rgb 0x01 := 0xFF\n");
+    EXPECT_EQ(out({"reg", "write", "rgb", "1", "255", "--camera", "OV0570"}), "rgb 0x01 := 0xFF\n");
     EXPECT_EQ(out({"reg", "read", "tof", "0x21", "--camera", "vc0258", "--direct"}), "0x2035\n");
     EXPECT_EQ(out({"i2c", "read", "0x23", "0x21", "--camera", "VC0258"}), "0x2035\n");
     EXPECT_EQ(out({"i2c", "write", "0x30", "1", "7", "--bytes", "1", "--camera", "VC0258"}),
@@ -83,7 +86,7 @@ TEST_F(ChipVerbs, ReadAndWriteWhatTheyName) {
     ASSERT_EQ(modulation.exitCode, 0) << modulation.err;
     EXPECT_EQ(modulation.json().at("transfers").size(), 13U);
     EXPECT_EQ(modulation.json().at("transfers").back().at("sent"), "43 01 12 0A 00 00 00 00 00");
-    EXPECT_EQ(out({"meta", "1000", "0x20001"}), "meta 1000 := 0x20001\n");
+    EXPECT_EQ(out({"meta", "1000", "0x20001", "--camera", "OV0570"}), "meta 1000 := 0x20001\n");
 }
 
 TEST_F(ChipVerbs, TakeACameraByTheNamesThatAllVerbsTake) {
@@ -101,7 +104,7 @@ TEST_F(ChipVerbs, TakeACameraByTheNamesThatAllVerbsTake) {
                 HasSubstr("cannot read tof register 0x05: I/O failure"))
         << "the one with the fault";
     Utils::writeFile(path("bus.json"), R"({"format": 1, "cameras": []})");
-    EXPECT_EQ(ToolTest::run({"modfreq", "10"}).exitCode, ExitCode_NO_DEVICE);
+    EXPECT_EQ(ToolTest::run({"modfreq", "10", "--camera", "OV0570"}).exitCode, ExitCode_NO_DEVICE);
     EXPECT_EQ(ToolTest::run({"modfreq", "10", "--direct"}).exitCode, 0);
 }
 
@@ -111,27 +114,29 @@ TEST_F(ChipVerbs, NameTheRangeOfAValueThatIsOutOfIt) {
         int exitCode;
         const char* text;
     } rows[] = {
-        {{"reg", "write", "tof", "29", "0x10000"}, ExitCode_USAGE, "on the OV0570: 0 to 0xFFFF"},
+        {{"reg", "write", "tof", "29", "0x10000", "--camera", "OV0570"},
+         ExitCode_USAGE,
+         "on the OV0570: 0 to 0xFFFF"},
         {{"reg", "read", "tof", "256"}, ExitCode_USAGE, "on the OV0570: 0 to 0xFF"},
         {{"reg", "read", "rgb", "1", "--camera", "VC0345"}, ExitCode_FAILED, "VC0345 has no way to a colour"},
         {{"reg", "read", "fpga", "1"}, ExitCode_USAGE, "fpga"},
         {{"reg", "read", "tof", ""}, ExitCode_USAGE, "0 to 4294967295"},
-        {{"reg", "write", "tof", "29", "-1"}, ExitCode_USAGE, "0 to 4294967295"},
-        {{"reg", "write", "tof", "4294967296", "0"}, ExitCode_USAGE, "0 to 4294967295"},
+        {{"reg", "write", "tof", "29", "-1", "--camera", "OV0570"}, ExitCode_USAGE, "0 to 4294967295"},
+        {{"reg", "write", "tof", "4294967296", "0", "--camera", "OV0570"}, ExitCode_USAGE, "0 to 4294967295"},
         {{"i2c", "read", "256", "1"}, ExitCode_USAGE, "0 to 255"},
         {{"i2c", "read", "0x80", "1", "--camera", "VC0258"}, ExitCode_USAGE, "0x80 is out of range"},
         {{"i2c", "read", "0x21", "0x121", "--camera", "VC0258"}, ExitCode_USAGE, "VC0258: 0 to 0xFF"},
         {{"i2c", "read", "0x21", "0x121"}, ExitCode_USAGE, "OV0570: 0 to 0xFF"},
         {{"i2c", "write", "0x30", "1", "256", "--bytes", "1", "--camera", "VC0258"}, ExitCode_USAGE, "0xFF"},
-        {{"meta", "1000", "0x100000000"}, ExitCode_USAGE, "0 to 4294967295"},
+        {{"meta", "1000", "0x100000000", "--camera", "OV0570"}, ExitCode_USAGE, "0 to 4294967295"},
         {{"i2c", "read", "0x77", "1"}, ExitCode_FAILED, "deviceAddress not found"},
         {{"i2c", "read", "1", "1", "--camera", "VC0345"}, ExitCode_FAILED, "I2C bus"},
-        {{"meta", "999", "1"}, ExitCode_USAGE, "1000"},
+        {{"meta", "999", "1", "--camera", "OV0570"}, ExitCode_USAGE, "1000"},
         {{"meta", "1005", "1", "--camera", "VC0258"}, ExitCode_FAILED, "invalid meta value 3ed"},
-        {{"modfreq", "13"}, ExitCode_USAGE, "10, 12, 20, 30, 40"},
+        {{"modfreq", "13", "--camera", "OV0570"}, ExitCode_USAGE, "10, 12, 20, 30, 40"},
         {{"modfreq", "30", "--camera", "VC0345"}, ExitCode_FAILED, "VC0345 has no command"},
-        {{"xu", "set", "2", "1"}, ExitCode_USAGE, "pairs of digits"},
-        {{"xu", "set", "2", "0102030405060708"}, ExitCode_USAGE, "0 to 7"},
+        {{"xu", "set", "2", "1", "--camera", "OV0570"}, ExitCode_USAGE, "pairs of digits"},
+        {{"xu", "set", "2", "0102030405060708", "--camera", "OV0570"}, ExitCode_USAGE, "0 to 7"},
         {{"xu", "len", "9"}, ExitCode_FAILED, "no control 9"},
         {{"firmware", "dump", "x", "--start", "2", "--length", "65535"}, ExitCode_USAGE, "1 to 65534"},
         {{"reg", "read", "tof", "1", "--camera", "OV9999"}, ExitCode_NO_DEVICE, "plugged in: SIM0570"},

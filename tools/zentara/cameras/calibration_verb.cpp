@@ -22,6 +22,7 @@ struct CalibrationOptions : CameraOptions {
     std::string backup;
     bool dryRun = false;
     bool yes = false;
+    bool force = false;
 };
 
 CalibrationInternal readCamera(CameraSession& session) {
@@ -31,12 +32,12 @@ CalibrationInternal readCamera(CameraSession& session) {
 }
 
 /// A calibration file: whose calibration it is, and the calibration.
-void writeFile(const std::string& path, const CameraSession& session,
-               const CalibrationInternal& calibration) {
+void writeFile(const std::string& path, const CameraSession& session, const CalibrationInternal& calibration,
+               IfThere ifThere) {
     Json json = beginJson(calibrationVerb);
     json["camera"] = cameraJson(session.camera());
     json["calibration"] = toJson(calibration);
-    writeJsonFile(path, json);
+    writeJsonFile(path, json, ifThere);
 }
 
 /// A calibration from a file, and the serial number of the camera that it is of; empty when it says none.
@@ -60,7 +61,7 @@ ExitCode runExport(const CalibrationOptions& options, Console& console) {
     return withCamera(options, console, [&](CameraSession& session) {
         const CalibrationInternal calibration = readCamera(session);
         if (!options.file.empty())
-            writeFile(options.file, session, calibration);
+            writeFile(options.file, session, calibration, forced(options.force));
         session.finish({{"calibration", toJson(calibration)}}, options.file.empty()
                                                                    ? toJson(calibration).dump(2) + '\n'
                                                                    : "written: " + options.file + '\n');
@@ -83,7 +84,7 @@ void replaceCalibration(CameraSession& session, const CalibrationInternal& befor
     if (isThere(backup))
         throw ToolFailure(ExitCode_USAGE,
                           "'" + backup + "' is there already; name another file with --backup");
-    writeFile(backup, session, before);
+    writeFile(backup, session, before, IfThere::Keep);
     CalibrationInternal sent = wanted;
     attempt("write the camera's calibration ('" + backup + "' has the one before)",
             [&] { session.parameters().writeCalibration(&sent); });
@@ -116,7 +117,8 @@ ExitCode importInto(CameraSession& session, const StoredCalibration& stored,
     return ExitCode_DONE;
 }
 
-ExitCode runImport(const CalibrationOptions& options, Console& console) {
+ExitCode runImport(CalibrationOptions options, Console& console) {
+    options.writes = true;
     const StoredCalibration stored = readFile(options.file);
     return withCamera(options, console,
                       [&](CameraSession& session) { return importInto(session, stored, options, console); });
@@ -141,7 +143,7 @@ ExitCode runDiff(const CalibrationOptions& options, Console& console) {
     } else {
         console.out << differencesText(list);
     }
-    return list.empty() ? ExitCode_DONE : ExitCode_VERIFICATION;
+    return list.empty() ? ExitCode_DONE : ExitCode_FAILED;
 }
 
 } // namespace
@@ -159,6 +161,7 @@ Verb addCalibrationVerb(CLI::App& program) {
     CLI::App* toFile =
         command->add_subcommand("export", "Reads the camera's calibration, into a file if named");
     toFile->add_option("FILE", options->file, "The calibration file");
+    toFile->add_flag("--force", options->force, "Replace a file that is there already");
     addCameraOptions(*toFile, *options);
 
     CLI::App* toCamera = command->add_subcommand("import", "Writes a file's calibration into the camera");
@@ -175,7 +178,9 @@ Verb addCalibrationVerb(CLI::App& program) {
     CLI::Option* other = diff->add_option("OTHER", options->other, "Another file; the camera unless given");
     addCameraOptions(*diff, *options);
     diff->get_option("--camera")->excludes(other);
-    diff->footer("Exit code 8 when they differ.");
+    diff->footer(
+        "Exit code 0 when they are the same, 1 when they differ, any other for a failure; 1 is one, too,\n"
+        "where the reason stands on standard error.");
 
     return {command, [options, toFile, toCamera](Console& console) {
                 if (toFile->parsed())

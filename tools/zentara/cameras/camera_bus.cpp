@@ -205,6 +205,15 @@ Json cameraJson(const CameraEntry& camera) {
             {"controller", orNull(camera.controller)}};
 }
 
+CameraEntry chooseCameraToWrite(const std::vector<CameraEntry>& cameras, const std::string& name) {
+    if (name.empty() && cameras.size() > 1)
+        throw ToolFailure(ExitCode_USAGE,
+                          Format("several cameras are plugged in, and none is written to unnamed: %\n"
+                                 "name one with --camera") %
+                              listOf(cameras));
+    return chooseCamera(cameras, name);
+}
+
 std::string cameraLabel(const NodeEvent& node) {
     return printable(Format("% %") %
                      (node.name.empty() ? std::string(nodeTypeName(node.nodeType)) : node.name) %

@@ -104,6 +104,11 @@ private:
 /// null where that is not known.
 [[nodiscard]] Json cameraJson(const CameraEntry& camera);
 
+/// The same for what changes a camera: of several one has to be named.
+/// \throws ToolFailure as above, and exit code 2 with the list of them when none is
+[[nodiscard]] CameraEntry chooseCameraToWrite(const std::vector<CameraEntry>& cameras,
+                                              const std::string& name);
+
 /// What to call a camera in a message: the name of its first node and its serial number.
 [[nodiscard]] std::string cameraLabel(const NodeEvent& node);
 

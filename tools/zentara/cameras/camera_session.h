@@ -17,6 +17,7 @@ namespace Zentara::Tool {
 struct CameraOptions {
     std::string camera;
     bool json = false;
+    bool writes = false; ///< then one of several cameras has to be named
 };
 
 /// --camera, which names one camera.

@@ -26,6 +26,7 @@ struct ParamsOptions : CameraOptions {
     std::vector<std::string> words;
     std::string file;
     bool dryRun = false;
+    bool force = false;
 };
 
 /// What there is to say of one parameter.
@@ -242,7 +243,8 @@ void writeAll(CameraSession& session, const Settings& settings) {
     }
 }
 
-ExitCode runParamsSet(const ParamsOptions& options, Console& console) {
+ExitCode runParamsSet(ParamsOptions options, Console& console) {
+    options.writes = true;
     const Settings settings = settingsOf(options.words);
     return withCamera(options, console, [&](CameraSession& session) {
         for (std::size_t index = 0; index < settings.values.size(); ++index)
@@ -286,7 +288,7 @@ ExitCode runSave(const ParamsOptions& options, Console& console) {
         Json json = beginJson(paramsVerb);
         json["camera"] = cameraJson(session.camera());
         json["values"] = values;
-        writeJsonFile(options.file, json);
+        writeJsonFile(options.file, json, forced(options.force));
         session.finish({{"values", values}, {"file", options.file}},
                        Format("% parameters written: %\n") % values.size() % options.file);
         return ExitCode_DONE;
@@ -370,7 +372,8 @@ ExitCode loadInto(CameraSession& session, const StoredValues& stored, const Para
     return ExitCode_DONE;
 }
 
-ExitCode runLoad(const ParamsOptions& options, Console& console) {
+ExitCode runLoad(ParamsOptions options, Console& console) {
+    options.writes = true;
     const StoredValues stored = readStateFile(options.file);
     return withCamera(options, console,
                       [&](CameraSession& session) { return loadInto(session, stored, options, console); });
@@ -401,6 +404,7 @@ Verb addParamsVerb(CLI::App& program) {
     CLI::App* save =
         command->add_subcommand("save", "Writes all parameters that can be set into a JSON file");
     save->add_option("FILE", options->file, "The file")->required();
+    save->add_flag("--force", options->force, "Replace a file that is there already");
     addCameraOptions(*save, *options);
     CLI::App* load = command->add_subcommand("load", "Sets all parameters of such a file at once");
     load->add_option("FILE", options->file, "The file")->required();

@@ -98,7 +98,9 @@ void ChipSession::openDevice() {
 }
 
 void ChipSession::openCamera() {
-    entry = chooseCamera(CameraBus(console.err).someCameras(), options.camera);
+    const std::vector<CameraEntry> present = CameraBus(console.err).someCameras();
+    entry =
+        options.writes ? chooseCameraToWrite(present, options.camera) : chooseCamera(present, options.camera);
     node = videoNodeOf(entry);
     store = std::make_unique<CameraStore>(console.err);
     store->select(node);

@@ -19,6 +19,7 @@ struct ChipOptions {
     bool direct = false; ///< a bare device
     bool trace = false;
     bool json = false;
+    bool writes = false; ///< then one of several cameras has to be named
 };
 
 void addChipOptions(CLI::App& command, ChipOptions& options);
@@ -35,6 +36,8 @@ public:
 
     [[nodiscard]] CameraChip& chip() noexcept { return *camera; }
     [[nodiscard]] IO::VideoDeviceProxy& device() noexcept { return *proxy; }
+    /// Which camera it is; empty for a bare device.
+    [[nodiscard]] const CameraEntry& cameraEntry() const noexcept { return entry; }
 
     /// Who the camera is, as cameraJson() has it; of a bare device the plug-in's name and the controller.
     [[nodiscard]] Json identity() const;

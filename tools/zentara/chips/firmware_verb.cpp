@@ -20,6 +20,7 @@ constexpr unsigned memoryBytes = 0x10000;
 constexpr unsigned pieceBytes = 0x1000; ///< pieces end at multiples of it
 
 struct FirmwareOptions : ChipOptions {
+    bool force = false;
     std::string file;
     std::string area = "firmware";
     unsigned start = 0;
@@ -74,8 +75,8 @@ ExitCode runDump(FirmwareOptions options, Console& console) {
                                               options.length % hexText(options.start) %
                                               (memoryBytes - options.start));
     const InterruptWatch watch;
-    PendingFile file(
-        options.file); // reading takes minutes on a real camera: what cannot be written is told before
+    // Reading takes minutes on a real camera: what cannot be written is told before.
+    PendingFile file(options.file, forced(options.force));
     ChipSession session(options, console);
     Dump dump(session, options, console);
     if (!dump.read(watch)) {
@@ -114,6 +115,7 @@ Verb addFirmwareVerb(CLI::App& program) {
         ->check(CLI::Range(0U, 0xFFFFU));
     dump->add_option("--length", options->length, "How many bytes; to the end of the 64 KiB unless set")
         ->check(CLI::Range(1U, memoryBytes));
+    dump->add_flag("--force", options->force, "Replace a file that is there already");
     addChipOptions(*dump, *options);
     return {command, [options](Console& console) { return runDump(*options, console); }};
 }

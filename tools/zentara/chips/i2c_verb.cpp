@@ -51,7 +51,8 @@ ExitCode runI2cRead(const I2cOptions& options, Console& console) {
     return ExitCode_DONE;
 }
 
-ExitCode runI2cWrite(const I2cOptions& options, Console& console) {
+ExitCode runI2cWrite(I2cOptions options, Console& console) {
+    options.writes = true;
     ChipSession session(options, console);
     checkRange("value", options.value, limitsOf(session, options).of.value, session.chip());
     attempt("write " + placeOf(options), [&] {

@@ -17,7 +17,8 @@ struct MetaOptions : ChipOptions {
     std::uint32_t value = 0;
 };
 
-ExitCode runMeta(const MetaOptions& options, Console& console) {
+ExitCode runMeta(MetaOptions options, Console& console) {
+    options.writes = true;
     ChipSession session(options, console);
     attempt(Format("run meta command %") % options.code,
             [&] { session.chip().command(IO::UVC_TOF_CONTROLLER_REGISTER, options.code, options.value); });

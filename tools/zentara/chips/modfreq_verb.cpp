@@ -41,7 +41,8 @@ struct ModfreqOptions : ChipOptions {
     unsigned megahertz = 0;
 };
 
-ExitCode runModfreq(const ModfreqOptions& options, Console& console) {
+ExitCode runModfreq(ModfreqOptions options, Console& console) {
+    options.writes = true;
     ChipSession session(options, console);
     const char* chip = chipName(session.chip().kind());
     const Modulation modulation = modulationOf(session.chip().kind());

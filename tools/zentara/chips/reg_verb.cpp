@@ -44,7 +44,8 @@ ExitCode runRegRead(const RegOptions& options, Console& console) {
     return ExitCode_DONE;
 }
 
-ExitCode runRegWrite(const RegOptions& options, Console& console) {
+ExitCode runRegWrite(RegOptions options, Console& console) {
+    options.writes = true;
     ChipSession session(options, console);
     checkRange("value", options.value, limitsOf(session, options).value, session.chip());
     for (unsigned i = 0; i < options.times; ++i)

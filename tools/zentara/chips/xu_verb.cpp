@@ -86,7 +86,8 @@ ExitCode runXuGet(const XuOptions& options, Console& console) {
     return ExitCode_DONE;
 }
 
-ExitCode runXuSet(const XuOptions& options, Console& console) {
+ExitCode runXuSet(XuOptions options, Console& console) {
+    options.writes = true;
     ChipSession session(options, console);
     Bytes packet = packetOf(session, options);
     attempt(Format("set control %") % options.control, [&] {

@@ -24,14 +24,24 @@ struct RestoreOptions : WriteOptions {
 ExitCode runBackup(const BackupOptions& options, Console& console) {
     const auto target = RomTarget::open(options, console);
     const FlashImage image = target->load();
-    keepFile(*target, options.file, image.bytes());
+    keepBackup(*target, options.file, image);
     const RomSurvey survey(image);
     if (survey.isFaulty())
         console.err << "zentara rom backup: something is wrong with " << target->name()
                     << "; the bytes are kept as they are\n";
-    printLine(console.out, Utils::Format("% bytes of % are in '%'") %
-                               static_cast<unsigned long long>(image.bytes().size()) % target->name() %
-                               options.file);
+    if (options.json) {
+        Json json = beginJson("rom");
+        json.update({{"action", "backup"},
+                     {"target", target->name()},
+                     {"file", options.file},
+                     {"bytes", image.bytes().size()},
+                     {"faulty", survey.isFaulty()}});
+        print(console.out, json);
+    } else {
+        printLine(console.out, Utils::Format("% bytes of % are in '%'") %
+                                   static_cast<unsigned long long>(image.bytes().size()) % target->name() %
+                                   options.file);
+    }
     return ExitCode_DONE;
 }
 
@@ -50,6 +60,18 @@ FlashImage imageFromFile(const RestoreOptions& options, const FlashArea& area) {
     return isMirrored ? other : image;
 }
 
+/// What says that a backup is not of the camera that it goes to.
+std::vector<std::string> foreignLines(const RestoreOptions& options, const RomTarget& target,
+                                      const RomContent& before, const RomContent& wanted) {
+    std::vector<std::string> lines = foreignChanges(before, wanted);
+    const std::string from = serialOfBackup(options.file);
+    const auto camera = target.camera();
+    if (camera && !from.empty() && !camera->serial.empty() && from != camera->serial)
+        lines.insert(lines.begin(),
+                     "it is of camera " + printable(from) + ", this one is " + printable(camera->serial));
+    return lines;
+}
+
 ExitCode runRestore(const RestoreOptions& options, Console& console) {
     const auto target = RomTarget::openToWrite(options, options.dryRun, console);
     const FlashImage before = target->load();
@@ -64,9 +86,21 @@ ExitCode runRestore(const RestoreOptions& options, Console& console) {
         console.err << "--damaged restores it as it is\n";
         return ExitCode_VERIFICATION;
     }
-    PlannedWrite plan{{}, false, differences(before, wanted), wanted};
-    for (const ContentChange& change : changesBetween(loadContentIfAny(before), loadContentIfAny(wanted))) {
-        plan.changes.push_back(change.text);
+    const RomContent old = loadContentIfAny(before);
+    const RomContent fresh = loadContentIfAny(wanted);
+    const std::vector<std::string> foreign = foreignLines(options, *target, old, fresh);
+    if (!foreign.empty() && !options.otherCamera) {
+        console.err << "zentara rom restore: refused, nothing was written: '" << options.file
+                    << "' looks like another camera's:\n";
+        for (const std::string& line : foreign)
+            console.err << "  " << line << '\n';
+        console.err << "--other-camera restores it all the same\n";
+        return ExitCode_USAGE;
+    }
+    PlannedWrite plan{foreign, !foreign.empty(), !foreign.empty(), differences(before, wanted), wanted};
+    for (const ContentChange& change : changesBetween(old, fresh)) {
+        for (std::string& line : change.lines())
+            plan.changes.push_back(std::move(line));
         plan.takesAway |= change.kind != ContentChange::Kind::Added;
     }
     return RomWriter("restore", options, *target, console).write(before, plan);
@@ -88,6 +122,7 @@ Verb addRomRestore(CLI::App& rom) {
         rom.add_subcommand("restore", "Writes back what 'backup' copied; only bytes that differ are sent");
     command->add_option("FILE", options->file, "The file")->required();
     addWriteOptions(*command, *options);
+    addOtherCameraOption(*command, *options);
     command->add_flag("--damaged", options->damaged, "Even if something is wrong with it");
     return {command, [options](Console& console) { return runRestore(*options, console); }};
 }

@@ -16,13 +16,36 @@ using Utils::Format;
 
 constexpr std::uint64_t usualFileSize = 0x10000;
 
+/// Every section that stands anywhere in the file or the camera, wherever its header is: whatever the new area is, the
+/// old header is not found any more.
+RomContent contentThatGoes(WriteOptions options, bool isNewFile, const FlashImage& before, Console& console) {
+    RomContent content = loadContentIfAny(before);
+    if (isNewFile)
+        return content;
+    const auto addAll = [&content](const FlashImage& image) {
+        content.merge(loadContentIfAny(image));
+        FlashArea mirrored = image.area();
+        mirrored.headerAtStart = !mirrored.headerAtStart;
+        content.merge(loadContentIfAny(FlashImage(mirrored, image.bytes())));
+    };
+    addAll(before);
+    if (!isCamera(options) && (options.size != 0 || options.hasStart)) {
+        options.size = 0;
+        options.start = 0;
+        options.hasStart = false;
+        options.header = "auto";
+        addAll(RomTarget::open(options, console)->load());
+    }
+    return content;
+}
+
 ExitCode runCreate(WriteOptions options, Console& console) {
     const bool isNewFile = !isCamera(options) && !isThere(options.image);
     if (options.size == 0 && isNewFile)
         options.size = usualFileSize;
     if (options.header == "auto")
         options.header = "start";
-    const auto target = isNewFile ? RomTarget::create(options, console)
+    const auto target = isNewFile ? RomTarget::create(options, options.dryRun, console)
                                   : RomTarget::openToWrite(options, options.dryRun, console);
     const FlashImage before = target->load();
     FlashArea area = before.area();
@@ -37,12 +60,15 @@ ExitCode runCreate(WriteOptions options, Console& console) {
     PlannedWrite plan{{Format("% is formatted: % bytes in chunks of %, header at the %") % target->name() %
                        area.size % area.chunkSize % (area.headerAtStart ? "start" : "end")},
                       false,
+                      false,
                       differences(before, rehearsal.image),
                       rehearsal.image};
     const FlashImage erased(before.area());
     plan.takesAway = before.bytes() != erased.bytes();
-    for (const auto& [uid, section] : loadContentIfAny(before))
+    for (const auto& [uid, section] : contentThatGoes(options, isNewFile, before, console)) {
         plan.changes.push_back(sectionText(uid, section) + " is erased");
+        plan.takesAway = true;
+    }
     RomWriter writer("create", options, *target, console);
     return writer.write(before, plan);
 }

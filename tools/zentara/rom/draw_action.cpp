@@ -19,6 +19,7 @@ namespace {
 using Utils::Format;
 
 struct DrawOptions : TargetOptions {
+    bool force = false;
     std::string file;
     unsigned table = 0;
     unsigned width = 0;
@@ -80,7 +81,8 @@ ExitCode runDraw(const DrawOptions& options, Console& console) {
         throw ToolFailure(ExitCode_USAGE, "the picture would be larger than 64 million pixels");
     saveFile(*target, options.file,
              encodePng(pixelsOf(table, width, height, scale), static_cast<int>(width * scale),
-                       static_cast<int>(height * scale)));
+                       static_cast<int>(height * scale)),
+             options.force);
     printLine(console.out, Format("table % (frequency %), % by % values: %") % options.table %
                                table.frequency % static_cast<unsigned long long>(width) %
                                static_cast<unsigned long long>(height) % options.file);
@@ -99,6 +101,7 @@ Verb addRomDraw(CLI::App& rom) {
     command->add_option("--width", options->width, "Values in a row; guessed from their number unless set")
         ->check(CLI::Range(1U, 65536U));
     command->add_option("--scale", options->scale, "Pixels of a value's side")->check(CLI::Range(1U, 64U));
+    addForceOption(*command, options->force);
     return {command, [options](Console& console) { return runDraw(*options, console); }};
 }
 

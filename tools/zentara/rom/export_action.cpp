@@ -12,6 +12,7 @@ namespace Zentara::Tool {
 namespace {
 
 struct ExportOptions : TargetOptions {
+    bool force = false;
     std::string file;
 };
 
@@ -24,7 +25,7 @@ ExitCode runExport(const ExportOptions& options, Console& console) {
     if (options.file.empty())
         console.out << text.str();
     else
-        saveFile(*target, options.file, text.str());
+        saveFile(*target, options.file, text.str(), options.force);
     const RomSurvey survey(image);
     if (const Finding* fault = survey.structuralFault())
         console.err << "zentara rom export: " << target->name()
@@ -39,6 +40,7 @@ Verb addRomExport(CLI::App& rom) {
     CLI::App* command = rom.add_subcommand("export", "Prints the whole content as JSON, without loss");
     addTargetOptions(*command, *options);
     command->add_option("--output", options->file, "Put it into a file instead");
+    addForceOption(*command, options->force);
     return {command, [options](Console& console) { return runExport(*options, console); }};
 }
 

@@ -12,6 +12,7 @@ namespace Zentara::Tool {
 namespace {
 
 struct GetOptions : TargetOptions {
+    bool force = false;
     std::uint16_t uid = 0;
     std::string rawFile;
     bool hex = false;
@@ -26,7 +27,7 @@ ExitCode runGet(const GetOptions& options, Console& console) {
                           Utils::Format("%: Section % is not defined") % target->name() % options.uid);
     const Bytes& data = found->second.data;
     if (!options.rawFile.empty())
-        saveFile(*target, options.rawFile, std::string(data.begin(), data.end()));
+        saveFile(*target, options.rawFile, std::string(data.begin(), data.end()), options.force);
     else if (options.hex)
         console.out << toHex(data) << '\n';
     else
@@ -44,6 +45,7 @@ Verb addRomGet(CLI::App& rom) {
     addTargetOptions(*command, *options);
     auto* raw = command->add_option("--raw", options->rawFile, "Put the section's data into a file instead");
     command->add_flag("--hex", options->hex, "Print the data as hexadecimal digits instead")->excludes(raw);
+    addForceOption(*command, options->force);
     return {command, [options](Console& console) { return runGet(*options, console); }};
 }
 

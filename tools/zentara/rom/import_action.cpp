@@ -49,6 +49,7 @@ Verb addRomImport(CLI::App& rom) {
     command->add_option("JSON", options->file, "The document, as 'export' prints it")->required();
     addWriteOptions(*command, *options);
     addRebuildOption(*command, *options);
+    addOtherCameraOption(*command, *options);
     command->add_flag("--keep-read-only", options->keepReadOnly,
                       "Leave read-only sections as they are, whatever the document says of them");
     return {command, [options](Console& console) { return runImport(*options, console); }};

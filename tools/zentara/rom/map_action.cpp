@@ -11,6 +11,7 @@ namespace Zentara::Tool {
 namespace {
 
 struct MapOptions : TargetOptions {
+    bool force = false;
     std::string svgFile;
     std::string pngFile;
 };
@@ -31,10 +32,11 @@ ExitCode runMap(const MapOptions& options, Console& console) {
     const FlashImage image = target->load();
     const FlashMap map(image, RomSurvey(image));
     if (!options.svgFile.empty())
-        saveFile(*target, options.svgFile, map.svg());
+        saveFile(*target, options.svgFile, map.svg(), options.force);
     if (!options.pngFile.empty()) {
         const FlashMap::Picture picture = map.picture();
-        saveFile(*target, options.pngFile, encodePng(picture.pixels, picture.width, picture.height));
+        saveFile(*target, options.pngFile, encodePng(picture.pixels, picture.width, picture.height),
+                 options.force);
     }
     if (options.json) {
         Json json = beginJson("rom");
@@ -54,6 +56,7 @@ Verb addRomMap(CLI::App& rom) {
     addTargetOptions(*command, *options);
     command->add_option("--svg", options->svgFile, "As a drawing in this file");
     command->add_option("--png", options->pngFile, "As a picture in this file");
+    addForceOption(*command, options->force);
     return {command, [options](Console& console) { return runMap(*options, console); }};
 }
 

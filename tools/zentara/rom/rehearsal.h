@@ -6,17 +6,33 @@
 
 #include <zentara/plugin/plugin_exceptions.h>
 
+#include "tools/zentara/json_output.h"
 #include "tools/zentara/rom/flash_image.h"
 #include "tools/zentara/rom/rom_content.h"
 
 namespace Zentara::Tool {
+
+/// One value of a section that is not the same any more; null where there was none, or is none.
+struct ValueChange {
+    std::string path; ///< "records/0/fx"
+    Json before;
+    Json after;
+
+    /// "records/0/fx: 224.5 -> 230.5", cut where a value is long.
+    [[nodiscard]] std::string text() const;
+};
 
 /// One section that a change adds, replaces or erases.
 struct ContentChange {
     enum class Kind { Added, Replaced, Erased };
     Kind kind;
     std::uint16_t uid;
-    std::string text; ///< "section 3 (configuration, 39 bytes) is added"
+    std::string text;                ///< "section 3 (configuration, 39 bytes) is added"
+    std::vector<ValueChange> values; ///< of one that is replaced
+
+    /// The text, and below it a line for each value.
+    [[nodiscard]] std::vector<std::string> lines() const;
+    [[nodiscard]] Json json() const;
 };
 [[nodiscard]] std::vector<ContentChange> changesBetween(const RomContent& before, const RomContent& after);
 

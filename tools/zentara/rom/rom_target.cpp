@@ -1,6 +1,7 @@
 #include "tools/zentara/rom/rom_target.h"
 
 #include <algorithm>
+#include <cctype>
 #include <filesystem>
 #include <limits>
 #include <utility>
@@ -12,8 +13,10 @@
 #include <zentara/utils/format.h>
 
 #include "plugins/simulated/controllers/factory_flash.h"
+#include "tools/zentara/file_failure.h"
 #include "tools/zentara/interrupt.h"
 #include "tools/zentara/paths.h"
+#include "tools/zentara/pending_file.h"
 #include "tools/zentara/rom/camera_flash.h"
 
 namespace Zentara::Tool {
@@ -22,6 +25,7 @@ namespace {
 using Utils::Format;
 
 constexpr std::size_t PIECE = 0x400; ///< bytes between two looks at progress and Ctrl-C
+constexpr int MOST_READINGS = 4;     ///< after the first
 constexpr std::uint64_t ADDRESSES = std::uint64_t{1} << 32;
 constexpr std::uint64_t MOST_FILE_BYTES = 64U << 20; ///< far more than a camera's flash has
 
@@ -46,27 +50,25 @@ FlashArea areaOf(const TargetOptions& options, std::uint64_t start, std::uint64_
 
 class FileTarget final : public RomTarget {
 public:
-    /// \param onDisk  what the file holds; nothing when there is no file yet.
-    FileTarget(std::unique_ptr<ROM::FileAccessor> image, std::optional<Bytes> onDisk, const FlashArea& area,
-               const TargetOptions& options, Console& output)
-        : RomTarget(output, area), file(std::move(image)), before(std::move(onDisk)) {
+    /// \param onDisk  what the file holds; nothing when there is no file yet. \param place  where to save it; null for a
+    /// target that is only read.
+    FileTarget(std::unique_ptr<ROM::FileAccessor> image, std::optional<Bytes> onDisk,
+               std::unique_ptr<PendingFile> place, const FlashArea& area, const TargetOptions& options,
+               Console& output)
+        : RomTarget(output, area), file(std::move(image)), before(std::move(onDisk)),
+          pending(std::move(place)) {
         detect(options);
     }
 
     [[nodiscard]] std::string name() const override { return "'" + file->getFileName() + "'"; }
     [[nodiscard]] std::string backupStem() const override { return file->getFileName(); }
+    [[nodiscard]] std::string imageFile() const override { return file->getFileName(); }
 
     void checkWritable() const override {
         if (before && before->size() < file->getImage().size())
             throw ToolFailure(ExitCode_USAGE,
                               Format("cannot write to %: it has % bytes, the area is not inside") % name() %
                                   static_cast<unsigned long long>(before->size()));
-        constexpr fs::perms anybody =
-            fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
-        std::error_code failure;
-        const fs::file_status status = fs::status(pathOf(file->getFileName()), failure);
-        if (!failure && fs::exists(status) && (status.permissions() & anybody) == fs::perms::none)
-            throw ToolFailure(ExitCode_PERMISSION, "cannot write to " + name() + ": it is write-protected");
     }
     [[nodiscard]] bool isAt(const std::string& path) const override {
         std::error_code ignored;
@@ -77,15 +79,19 @@ protected:
     [[nodiscard]] ROM::Accessor& flash() override { return *file; }
 
     void save() override {
+        if (!pending)
+            throw ToolFailure(ExitCode_FAILED, name() + " was opened to be read only");
         checkUnchanged();
-        file->save();
+        const Bytes& image = file->getImage();
+        pending->write(std::string(image.begin(), image.end()));
+        pending->commit();
         before.reset();
-        file =
-            std::make_unique<ROM::FileAccessor>(file->getFileName()); // read from now on what is on the disk
+        // Read from now on what is on the disk.
+        file = std::make_unique<ROM::FileAccessor>(file->getFileName());
     }
 
 private:
-    /// What another program wrote since the file was read would be lost.
+    /// What a program that does not ask for the right to write has written since the file was read would be lost.
     void checkUnchanged() const {
         const std::string& path = file->getFileName();
         const bool isUnchanged =
@@ -95,9 +101,26 @@ private:
                               name() + " was changed by another program meanwhile; nothing was written");
     }
 
-    std::unique_ptr<ROM::FileAccessor> file;
+    std::unique_ptr<ROM::FileAccessor> file; ///< the image in memory
     std::optional<Bytes> before;
+    std::unique_ptr<PendingFile> pending; ///< holds the right to write from before the reading to the end
 };
+
+void checkProtection(const std::string& path) {
+    constexpr fs::perms anybody = fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+    std::error_code failure;
+    const fs::file_status status = fs::status(pathOf(path), failure);
+    if (!failure && fs::exists(status) && (status.permissions() & anybody) == fs::perms::none)
+        throw ToolFailure(ExitCode_PERMISSION, "cannot write to '" + path + "': it is write-protected");
+}
+
+/// A name in a file's name.
+std::string plainName(std::string text) {
+    std::replace_if(
+        text.begin(), text.end(),
+        [](unsigned char letter) { return std::isalnum(letter) == 0 && letter != '-'; }, '_');
+    return text;
+}
 
 class CameraTarget final : public RomTarget {
 public:
@@ -108,10 +131,21 @@ public:
     }
 
     [[nodiscard]] std::string name() const override {
-        return std::string("the camera (") + chipName(session->chip().kind()) + ")";
+        const std::string serial = session->cameraEntry().serialNumber();
+        return "the camera " + (serial.empty() ? "" : printable(serial) + " ") + "(" +
+               chipName(session->chip().kind()) + ")";
     }
     [[nodiscard]] std::string backupStem() const override {
-        return std::string("camera-") + chipName(session->chip().kind());
+        const CameraIdentity who = *camera();
+        std::string stem = "camera-" + plainName(who.name.empty() ? who.controller : who.name);
+        if (!who.serial.empty())
+            stem += "-" + plainName(who.serial);
+        return stem + "-sdk" + sdkVersion;
+    }
+    [[nodiscard]] std::optional<CameraIdentity> camera() const override {
+        const CameraEntry& entry = session->cameraEntry();
+        return CameraIdentity{entry.serialNumber(), entry.product, entry.path,
+                              chipName(session->chip().kind())};
     }
     [[nodiscard]] bool isWrittenInPlace() const override { return true; }
     void checkWritable() const override {
@@ -125,13 +159,14 @@ public:
 
 protected:
     [[nodiscard]] ROM::Accessor& flash() override { return accessor; }
+    [[nodiscard]] bool mayMisread() const override { return true; }
 
 private:
     std::unique_ptr<ChipSession> session;
     CameraFlash accessor;
 };
 
-/// The image up to an address past its end: what the file lacks is erased flash.
+/// The image up to an address, past its end perhaps: what the file lacks is erased flash.
 std::unique_ptr<ROM::FileAccessor> continued(const std::string& file, const Bytes& bytes, std::uint64_t end) {
     checkFileSize(file, end);
     auto image = std::make_unique<ROM::FileAccessor>(file, static_cast<std::uint32_t>(end));
@@ -139,11 +174,18 @@ std::unique_ptr<ROM::FileAccessor> continued(const std::string& file, const Byte
     return image;
 }
 
-std::unique_ptr<RomTarget> openCamera(TargetOptions options, Console& console) {
-    if (!options.image.empty())
-        options.camera = options.image.substr(std::string("camera:").size());
+std::unique_ptr<RomTarget> openCamera(TargetOptions options, bool toWrite, Console& console) {
+    const std::string named =
+        options.image.empty() ? options.camera : options.image.substr(std::string("camera:").size());
+    if (named.empty() && !options.image.empty())
+        throw ToolFailure(ExitCode_USAGE, "the name of the camera is empty");
+    if (!options.camera.empty() && named != options.camera)
+        throw ToolFailure(ExitCode_USAGE, Format("--camera % stands beside %: name one camera") %
+                                              options.camera % options.image);
+    options.camera = named;
     ChipOptions wanted = options;
     wanted.json = false; // a trace goes to the error stream, beside whatever is printed
+    wanted.writes = toWrite;
     const FlashArea area = options.size == 0 && !options.hasStart
                                ? areaOf(options, Simulated::romStart, Simulated::romSize)
                                : areaOf(options, options.start, options.size);
@@ -153,16 +195,18 @@ std::unique_ptr<RomTarget> openCamera(TargetOptions options, Console& console) {
 
 } // namespace
 
-void checkFile(const std::string& file, bool mayBePipe) {
-    std::error_code failure;
-    const fs::file_status status = fs::status(pathOf(file), failure);
-    if (!fs::exists(status))
-        return; // opening it tells why
-    if (!fs::is_regular_file(status) && !(mayBePipe && fs::is_fifo(status)))
+std::string readFileHere(const std::string& file, bool mayBePipe) {
+    using Utils::Platform::FileKind;
+    const FileKind kind = Utils::Platform::fileKind(file);
+    const bool isNoFile =
+        kind == FileKind::Directory || kind == FileKind::Device || (kind == FileKind::Pipe && !mayBePipe);
+    if (isNoFile)
         throw ToolFailure(ExitCode_FAILED, "cannot read '" + file + "': it is there and no file");
-    const std::uint64_t size = fs::is_regular_file(status) ? fs::file_size(pathOf(file), failure) : 0;
+    std::error_code failure;
+    const std::uint64_t size = kind == FileKind::Regular ? fs::file_size(pathOf(file), failure) : 0;
     if (!failure)
         checkFileSize(file, size);
+    return readFileBytes(file, MOST_FILE_BYTES);
 }
 
 bool isCamera(const TargetOptions& options) {
@@ -186,13 +230,19 @@ void addTargetOptions(CLI::App& command, TargetOptions& options) {
     addChipOptions(command, options);
 }
 
-std::unique_ptr<RomTarget> RomTarget::open(const TargetOptions& options, Console& console) {
-    if (isCamera(options))
-        return openCamera(options, console);
-    checkFile(options.image, false);
-    std::unique_ptr<ROM::FileAccessor> file;
-    attempt("open the image", [&] { file = std::make_unique<ROM::FileAccessor>(options.image); });
-    Bytes onDisk = file->getImage();
+namespace {
+
+std::unique_ptr<RomTarget> openImage(const TargetOptions& options, bool toWrite, Console& console) {
+    if (!options.camera.empty())
+        throw ToolFailure(ExitCode_USAGE, Format("--camera % stands beside the image '%': name one of them") %
+                                              options.camera % options.image);
+    std::unique_ptr<PendingFile> place;
+    if (toWrite && isThere(options.image)) {
+        checkProtection(options.image);
+        place = std::make_unique<PendingFile>(options.image);
+    }
+    const std::string bytes = readFileHere(options.image, false);
+    Bytes onDisk(bytes.begin(), bytes.end());
     if (onDisk.empty())
         throw ToolFailure(ExitCode_VERIFICATION, "'" + options.image + "' is empty: there is no flash in it");
     if (options.start >= onDisk.size())
@@ -200,24 +250,33 @@ std::unique_ptr<RomTarget> RomTarget::open(const TargetOptions& options, Console
                                               static_cast<unsigned long long>(onDisk.size()));
     const FlashArea area =
         areaOf(options, options.start, options.size == 0 ? onDisk.size() - options.start : options.size);
-    if (area.end() > onDisk.size())
-        file = continued(options.image, onDisk, area.end());
-    return std::make_unique<FileTarget>(std::move(file), std::move(onDisk), area, options, console);
+    auto file = continued(options.image, onDisk, std::max<std::uint64_t>(area.end(), onDisk.size()));
+    return std::make_unique<FileTarget>(std::move(file), std::move(onDisk), std::move(place), area, options,
+                                        console);
+}
+
+} // namespace
+
+std::unique_ptr<RomTarget> RomTarget::open(const TargetOptions& options, Console& console) {
+    return isCamera(options) ? openCamera(options, false, console) : openImage(options, false, console);
 }
 
 std::unique_ptr<RomTarget> RomTarget::openToWrite(const TargetOptions& options, bool dryRun,
                                                   Console& console) {
-    auto target = open(options, console);
+    auto target =
+        isCamera(options) ? openCamera(options, true, console) : openImage(options, !dryRun, console);
     if (!dryRun)
         target->checkWritable();
     return target;
 }
 
-std::unique_ptr<RomTarget> RomTarget::create(const TargetOptions& options, Console& console) {
+std::unique_ptr<RomTarget> RomTarget::create(const TargetOptions& options, bool dryRun, Console& console) {
     const FlashArea area = areaOf(options, options.start, options.size);
     checkFileSize(options.image, area.end());
+    auto place = dryRun ? nullptr : std::make_unique<PendingFile>(options.image, IfThere::Keep);
     auto file = std::make_unique<ROM::FileAccessor>(options.image, static_cast<std::uint32_t>(area.end()));
-    return std::make_unique<FileTarget>(std::move(file), std::nullopt, area, options, console);
+    return std::make_unique<FileTarget>(std::move(file), std::nullopt, std::move(place), area, options,
+                                        console);
 }
 
 void RomTarget::detect(const TargetOptions& options) {
@@ -228,7 +287,7 @@ void RomTarget::detect(const TargetOptions& options) {
         FlashArea tried = place;
         tried.headerAtStart = atStart;
         const std::unique_ptr<Header> header(
-            Header::deserialize(flash().read(tried.headerAddress(), Header::SIZE)));
+            Header::deserialize(readSurely(tried.headerAddress(), Header::SIZE)));
         if (header && header->getChunkSize() != 0)
             place.chunkSize = header->getChunkSize();
         return header != nullptr;
@@ -247,6 +306,28 @@ void RomTarget::showProgress(const char* verb, std::size_t done, std::size_t all
                     << std::flush;
 }
 
+Bytes RomTarget::readOnce(std::uint32_t address, std::uint32_t length) {
+    Bytes bytes = flash().read(address, length);
+    if (bytes.size() != length)
+        throw Plugin::IOPluginException(Format("% bytes came back") %
+                                        static_cast<unsigned long long>(bytes.size()));
+    return bytes;
+}
+
+/// A wire may garble a reading: what comes twice in a row is believed.
+Bytes RomTarget::readSurely(std::uint32_t address, std::uint32_t length) {
+    Bytes bytes = readOnce(address, length);
+    for (int tries = 1; mayMisread(); ++tries) {
+        Bytes again = readOnce(address, length);
+        if (again == bytes)
+            break;
+        if (tries == MOST_READINGS)
+            throw Plugin::IOPluginException(Format("other bytes came each of % times") % (tries + 1));
+        bytes = std::move(again);
+    }
+    return bytes;
+}
+
 FlashImage RomTarget::load(const char* whenInterrupted) {
     Bytes bytes;
     const InterruptWatch watch;
@@ -256,10 +337,7 @@ FlashImage RomTarget::load(const char* whenInterrupted) {
         const auto done = static_cast<std::uint32_t>(bytes.size());
         const std::uint32_t length = std::min<std::uint32_t>(place.size - done, PIECE);
         attempt(Format("read % bytes at % of %") % length % hexText(place.start + done) % name(), [&] {
-            const Bytes piece = flash().read(place.start + done, length);
-            if (piece.size() != length)
-                throw Plugin::IOPluginException(Format("% bytes came back") %
-                                                static_cast<unsigned long long>(piece.size()));
+            const Bytes piece = readSurely(place.start + done, length);
             bytes.insert(bytes.end(), piece.begin(), piece.end());
         });
         showProgress("read", bytes.size(), place.size);
@@ -271,7 +349,7 @@ void RomTarget::storePiece(std::uint32_t address, const Bytes& bytes) {
     const auto length = static_cast<std::uint32_t>(bytes.size());
     attempt(Format("write % bytes at % of %") % length % hexText(address) % name(), [&] {
         flash().write(address, bytes);
-        if (flash().read(address, length) != bytes)
+        if (readOnce(address, length) != bytes && readSurely(address, length) != bytes)
             throw Plugin::IOPluginException("other bytes were read back");
     });
 }

@@ -2,24 +2,27 @@
 
 #include <algorithm>
 #include <chrono>
+#include <sstream>
 
 #include <CLI/CLI.hpp>
 
-#include <zentara/rom/file_accessor.h>
 #include <zentara/rom/section.h>
-#include <zentara/utils/files.h>
 #include <zentara/utils/format.h>
 
 #include "tools/zentara/json_output.h"
 #include "tools/zentara/paths.h"
 #include "tools/zentara/pending_file.h"
+#include "tools/zentara/rom/rom_json.h"
 #include "tools/zentara/rom/rom_survey.h"
 #include "tools/zentara/rom/text_lines.h"
+#include "utils/platform/program.h"
 
 namespace Zentara::Tool {
 namespace {
 
 using Utils::Format;
+
+constexpr const char* sidecarEnding = ".json"; ///< after a backup's name
 
 /// "20261121-091500", in UTC.
 std::string timeText() {
@@ -33,7 +36,7 @@ std::string timeText() {
            static_cast<int>(time.minutes().count()) % static_cast<int>(time.seconds().count());
 }
 
-/// A name that nothing has yet.
+/// A name that nothing has yet; who comes first keeps it.
 std::string freeName(const std::string& stem) {
     const std::string base = stem + "." + timeText();
     std::string name = base + ".bak";
@@ -77,36 +80,81 @@ void checkApart(const RomTarget& source, const std::string& path) {
 
 } // namespace
 
-void saveFile(const RomTarget& source, const std::string& path, const std::string& bytes) {
+void saveFile(const RomTarget& source, const std::string& path, const std::string& bytes, bool force) {
     checkApart(source, path);
-    PendingFile file(path);
-    attempt("write '" + path + "'", [&] { Utils::writeFile(file.partPath(), bytes); });
+    PendingFile file(path, forced(force));
+    file.write(bytes);
     file.commit();
 }
 
 void keepFile(const RomTarget& source, const std::string& path, const Bytes& bytes) {
     checkApart(source, path);
-    if (isThere(path)) {
+    if (isThere(path) && !isDirectory(path)) {
         const std::string there = loadFile(path);
         if (std::equal(
                 there.begin(), there.end(), bytes.begin(), bytes.end(),
                 [](char left, std::uint8_t right) { return static_cast<std::uint8_t>(left) == right; }))
             return;
-        throw ToolFailure(ExitCode_FAILED,
-                          "'" + path + "' is there already and is not replaced: name another file");
     }
-    attempt("write '" + path + "'", [&] {
-        ROM::FileAccessor file(path, static_cast<std::uint32_t>(bytes.size()));
-        file.write(0, bytes);
-        file.save();
-    });
+    PendingFile file(path, IfThere::Keep, source.imageFile());
+    file.write(std::string(bytes.begin(), bytes.end()));
+    file.commit();
 }
 
-std::string loadFile(const std::string& path) {
-    checkFile(path, true);
-    std::string bytes;
-    attempt("read '" + path + "'", [&] { bytes = Utils::readFile(path); });
-    return bytes;
+void keepBackup(const RomTarget& source, const std::string& path, const FlashImage& image) {
+    const std::optional<CameraIdentity> camera = source.camera();
+    if (camera && !camera->serial.empty()) {
+        Json json{{"schema", jsonSchema}, {"kind", "flash backup"}};
+        json["camera"] = {{"serial", camera->serial},
+                          {"name", camera->name},
+                          {"path", camera->path},
+                          {"controller", camera->controller}};
+        json.update({{"sdk", sdkVersion}, {"start", image.area().start}, {"size", image.area().size}});
+        std::ostringstream text;
+        print(text, json);
+        const std::string beside = text.str();
+        keepFile(source, path + sidecarEnding, Bytes(beside.begin(), beside.end()));
+    }
+    keepFile(source, path, image.bytes());
+}
+
+std::string serialOfBackup(const std::string& path) {
+    const std::string beside = path + sidecarEnding;
+    if (!isThere(beside))
+        return {};
+    try {
+        const Json json = parseJson(loadFile(beside));
+        return JsonPlace(json).at("camera").at("serial").text();
+    } catch (const RomJsonError& failure) {
+        throw ToolFailure(ExitCode_FAILED,
+                          "'" + beside + "' does not say whose backup it is: " + failure.what());
+    }
+}
+
+std::string loadFile(const std::string& path) { return readFileHere(path, true); }
+
+/// The camera's own name, as its system info says it; empty when there is none.
+std::string guidOf(const RomContent& content) {
+    for (const auto& [uid, section] : content) {
+        if (section.type != static_cast<std::uint8_t>(ROM::ContainerSectionType::SystemInfo))
+            continue;
+        for (const Json& record : sectionToJson(uid, section)["records"])
+            if (record.contains("guid"))
+                return record["guid"].get<std::string>();
+    }
+    return {};
+}
+
+std::vector<std::string> foreignChanges(const RomContent& before, const RomContent& after) {
+    std::vector<std::string> lines;
+    for (const std::uint16_t uid : readOnlyConflicts(before, after))
+        lines.push_back("the read-only " + sectionText(uid, before.at(uid)) +
+                        (after.count(uid) != 0 ? " would be another" : " would go"));
+    const std::string old = guidOf(before);
+    const std::string fresh = guidOf(after);
+    if (!old.empty() && !fresh.empty() && old != fresh)
+        lines.push_back("the camera's GUID would change: " + old + " -> " + fresh);
+    return lines;
 }
 
 std::vector<std::uint16_t> readOnlyConflicts(const RomContent& before, const RomContent& wanted) {
@@ -147,6 +195,15 @@ void addWriteOptions(CLI::App& command, WriteOptions& options) {
                        "Where the bytes of before go; a name with the time unless set");
 }
 
+void addOtherCameraOption(CLI::App& command, WriteOptions& options) {
+    command.add_flag("--other-camera", options.otherCamera,
+                     "Even if it is of another camera, or changes a read-only section or the camera's GUID");
+}
+
+void addForceOption(CLI::App& command, bool& force) {
+    command.add_flag("--force", force, "Replace a file that is there already");
+}
+
 void addRebuildOption(CLI::App& command, WriteOptions& options) {
     command.add_flag("--rebuild", options.rebuild, "Write the whole content into a freshly formatted image");
 }
@@ -159,12 +216,22 @@ ExitCode RomWriter::bringTo(const FlashImage& before, const RomContent& wanted, 
             console.err << "  " << sectionText(uid, old.at(uid)) << " is read only\n";
         return ExitCode_PERMISSION;
     }
+    const std::vector<std::string> foreign = foreignChanges(old, wanted);
+    if (!foreign.empty() && !options.otherCamera) {
+        console.err << "zentara rom " << verb << ": " << target.name() << ": refused, nothing was written:\n";
+        for (const std::string& line : foreign)
+            console.err << "  " << line << '\n';
+        console.err << "--other-camera writes it all the same\n";
+        return ExitCode_USAGE;
+    }
     Rehearsal rehearsal = options.rebuild ? rebuild(before, wanted) : rehearse(before, wanted, formats);
     if (!rehearsal.isGood())
         return refuse(before, wanted, rehearsal);
-    PlannedWrite plan{{}, options.rebuild, std::move(rehearsal.writes), std::move(rehearsal.image)};
+    PlannedWrite plan{foreign, options.rebuild, !foreign.empty(), std::move(rehearsal.writes),
+                      std::move(rehearsal.image)};
     for (const ContentChange& change : changesBetween(old, wanted)) {
-        plan.changes.push_back(change.text);
+        for (std::string& line : change.lines())
+            plan.changes.push_back(std::move(line));
         plan.takesAway |= change.kind != ContentChange::Kind::Added;
     }
     if (options.rebuild) {
@@ -205,24 +272,35 @@ std::string RomWriter::backUp(const FlashImage& before) const {
     if (before.bytes() == FlashImage(before.area()).bytes())
         return {};
     const std::string path = options.backup.empty() ? freeName(target.backupStem()) : options.backup;
-    keepFile(target, path, before.bytes());
+    keepBackup(target, path, before);
     return path;
 }
 
-/// Says where the bytes of before are, and the command that brings them back.
-std::string RomWriter::wayBack(const FlashImage& before, const std::string& backupFile) const {
+/// Says where the bytes of before are, and in a line of its own the command that brings them back.
+std::string RomWriter::wayBack(const FlashImage& before, const std::string& backupFile,
+                               bool isForeign) const {
     if (backupFile.empty())
         return {};
-    std::string command = "zentara rom restore '" + backupFile + "'";
-    if (!options.image.empty())
-        command += " '" + options.image + "'";
-    if (!options.camera.empty())
-        command += " --camera " + options.camera;
+    const auto fileWord = [](const std::string& path) {
+        return Utils::Platform::shellWord(path.front() == '-' ? "./" + path : path);
+    };
+    std::string command = "zentara rom restore " + fileWord(backupFile);
+    if (const auto camera = target.camera()) {
+        const std::string name = options.direct           ? options.camera
+                                 : camera->serial.empty() ? camera->path
+                                                          : camera->serial;
+        command += (options.direct ? " --direct" : "") +
+                   (name.empty() ? std::string() : " --camera " + Utils::Platform::shellWord(name));
+    } else {
+        command += " " + fileWord(target.imageFile());
+    }
     if (options.hasStart || options.size != 0)
         command += Format(" --start % --size %") % before.area().start % before.area().size;
     if (RomSurvey(before).isFaulty())
         command += " --damaged";
-    return "the bytes of before are in '" + backupFile + "'; \"" + command + " --yes\" puts them back";
+    if (isForeign)
+        command += " --other-camera";
+    return "the bytes of before are in '" + backupFile + "'; this puts them back:\n  " + command + " --yes";
 }
 
 ExitCode RomWriter::write(const FlashImage& before, const PlannedWrite& plan) {
@@ -239,7 +317,7 @@ ExitCode RomWriter::write(const FlashImage& before, const PlannedWrite& plan) {
         return ExitCode_USAGE;
     }
     const std::string kept = backUp(before);
-    const std::string back = wayBack(before, kept);
+    const std::string back = wayBack(before, kept, plan.isForeign);
     // Told before the first byte goes out: nothing may be told any more when the power fails.
     if (target.isWrittenInPlace() && !back.empty())
         console.err << "zentara rom " << verb << ": " << back << std::endl;

@@ -13,17 +13,22 @@ struct WriteOptions : TargetOptions {
     bool dryRun = false;
     bool yes = false;
     bool rebuild = false;
+    bool otherCamera = false;
     std::string backup; ///< where the bytes of before go; a name with the time unless set
 };
 
 /// --dry-run, --yes and --backup, and the options of the target.
 void addWriteOptions(CLI::App& command, WriteOptions& options);
 void addRebuildOption(CLI::App& command, WriteOptions& options);
+/// --other-camera: also what only another camera has.
+void addOtherCameraOption(CLI::App& command, WriteOptions& options);
+void addForceOption(CLI::App& command, bool& force);
 
 /// A write that was rehearsed.
 struct PlannedWrite {
     std::vector<std::string> changes; ///< in words
     bool takesAway = false;           ///< something of before is gone afterwards: needs --yes
+    bool isForeign = false;           ///< what only another camera has is put in, or taken out again
     std::vector<FlashWrite> writes;
     FlashImage after;
 };
@@ -45,7 +50,8 @@ private:
     [[nodiscard]] ExitCode refuse(const FlashImage& before, const RomContent& wanted,
                                   const Rehearsal& rehearsal);
     [[nodiscard]] std::string backUp(const FlashImage& before) const;
-    [[nodiscard]] std::string wayBack(const FlashImage& before, const std::string& backupFile) const;
+    [[nodiscard]] std::string wayBack(const FlashImage& before, const std::string& backupFile,
+                                      bool isForeign) const;
     void report(const PlannedWrite& plan, const std::string& backupFile) const;
 
     const char* const verb;
@@ -54,17 +60,26 @@ private:
     Console& console;
 };
 
-/// Puts bytes into a file, whole or not at all. \throws ToolFailure, also when the file is the image itself.
-void saveFile(const RomTarget& source, const std::string& path, const std::string& bytes);
-/// The same for bytes that a camera may be brought back with: they are on the disk when this returns, and nothing that
-/// was there before is replaced.
+/// Puts bytes into a file, whole or not at all. \throws ToolFailure, also when the file is the image itself, or is there
+/// already and is not to be replaced.
+void saveFile(const RomTarget& source, const std::string& path, const std::string& bytes, bool force);
+/// The same for bytes that a camera may be brought back with: nothing that was there before is replaced, and who may not
+/// read the image may not read this either.
 void keepFile(const RomTarget& source, const std::string& path, const Bytes& bytes);
+/// Keeps a backup of the area, and beside that of a camera, in FILE.json, whose it is. \throws ToolFailure
+void keepBackup(const RomTarget& source, const std::string& path, const FlashImage& image);
+/// The serial number of the camera that a backup is of; empty when the file beside it is not there or does not say.
+/// \throws ToolFailure when it is there and cannot be read
+[[nodiscard]] std::string serialOfBackup(const std::string& path);
 /// All bytes of a file. \throws ToolFailure
 [[nodiscard]] std::string loadFile(const std::string& path);
 
 /// The sections that may not be changed, but would not be the same afterwards.
 [[nodiscard]] std::vector<std::uint16_t> readOnlyConflicts(const RomContent& before,
                                                            const RomContent& wanted);
+
+/// What only another camera can have in its flash: read-only sections that are others, another GUID. One line each.
+[[nodiscard]] std::vector<std::string> foreignChanges(const RomContent& before, const RomContent& after);
 
 /// What a fresh load of the image finds. \throws ToolFailure with exit code 8 when it holds no storage.
 [[nodiscard]] RomContent loadContent(const FlashImage& image, const RomTarget& target);

@@ -60,6 +60,16 @@ ExitCode runSalvage(const SalvageOptions& options, Console& console) {
                           "what was found does not fit into an image of that size: " +
                               (fresh.refusal ? fresh.refusal->message : fresh.losses.front()));
     keepFile(*target, options.file, fresh.image.bytes());
+    if (options.json) {
+        Json json = beginJson("rom");
+        json.update({{"action", "salvage"},
+                     {"target", target->name()},
+                     {"file", options.file},
+                     {"sections", salvage.content.size()},
+                     {"found", salvage.lines}});
+        print(console.out, json);
+        return ExitCode_DONE;
+    }
     printLine(console.out,
               Utils::Format("% sections of % are in the new image '%'; nothing was changed in %") %
                   static_cast<unsigned long long>(salvage.content.size()) % target->name() % options.file %

@@ -88,6 +88,7 @@ Verb addRomSet(CLI::App& rom) {
     command->add_option("UID", options->uid, "Which one")->required();
     addWriteOptions(*command, *options);
     addRebuildOption(*command, *options);
+    addOtherCameraOption(*command, *options);
     CLI::Option_group* source = command->add_option_group("Content");
     source->add_option("--file", options->jsonFile, "Its JSON, as 'get' prints it");
     source->add_option("--raw", options->rawFile, "A file with its data");

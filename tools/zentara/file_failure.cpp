@@ -1,0 +1,53 @@
+#include "tools/zentara/file_failure.h"
+
+#include <cstdio>
+#include <memory>
+#include <vector>
+
+#include <zentara/utils/exceptions.h>
+#include <zentara/utils/format.h>
+
+#include "tools/zentara/exit_code.h"
+#include "utils/platform/files.h"
+#include "utils/platform/new_file.h"
+
+namespace Zentara::Tool {
+
+using Utils::Format;
+
+void failFile(const char* what, const std::string& path) {
+    const Utils::Platform::FileTrouble trouble = Utils::Platform::lastFileTrouble();
+    const std::string reason = Utils::getLastError();
+    switch (trouble) {
+    case Utils::Platform::FileTrouble::Permission:
+        throw ToolFailure(ExitCode_PERMISSION, Format("cannot % '%': %") % what % path % reason);
+    case Utils::Platform::FileTrouble::InUse:
+        throw ToolFailure(ExitCode_BUSY,
+                          Format("cannot % '%': it is in use by another program (%)") % what % path % reason);
+    default:
+        throw ToolFailure(ExitCode_FAILED, Format("cannot % '%': %") % what % path % reason);
+    }
+}
+
+std::string readFileBytes(const std::string& path, std::uint64_t most) {
+    struct Closer {
+        void operator()(std::FILE* file) const noexcept { std::fclose(file); }
+    };
+    const std::unique_ptr<std::FILE, Closer> file(
+        Utils::Platform::openFile(path, Utils::Platform::FileMode::ReadBinary));
+    if (!file)
+        failFile("read", path);
+    std::string bytes;
+    std::vector<char> block(std::size_t{1} << 16);
+    while (const std::size_t count = std::fread(block.data(), 1, block.size(), file.get())) {
+        bytes.append(block.data(), count);
+        if (bytes.size() > most)
+            throw ToolFailure(ExitCode_FAILED, Format("cannot read '%': it has more than % bytes") % path %
+                                                   static_cast<unsigned long long>(most));
+    }
+    if (std::ferror(file.get()) != 0)
+        failFile("read", path);
+    return bytes;
+}
+
+} // namespace Zentara::Tool
