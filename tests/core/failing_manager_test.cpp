@@ -1,4 +1,5 @@
 #include <zentara/core/plugin_manager.h>
+#include <zentara/core/plugin_probe.h>
 
 #include <gtest/gtest.h>
 
@@ -74,6 +75,26 @@ TEST(NullManager, ObjectsCountThemselvesOnly) {
     copy.reset();
     EXPECT_TRUE(destroyed);
     EXPECT_EQ(nullptr, PluginManager::instance());
+}
+
+// The file alone is refused, each time, and everything else goes on.
+TEST(ThrowingStatic, EndsInTheFilesOwnEntry) {
+    const TestRoot root("static");
+    const std::string path = root.add("throwing_static", "a");
+    root.add("good", "b");
+    for (int round = 0; round < 2; ++round) {
+        const auto probes = probePluginDirectory(root.pluginDirectory());
+        ASSERT_EQ(2u, probes.size());
+        EXPECT_EQ(path, probes[0].path);
+        EXPECT_EQ(PluginScanStep::Open, probes[0].step);
+        EXPECT_NE("", probes[0].found);
+        EXPECT_TRUE(probes[1].accepted());
+
+        ManagerHold manager;
+        ASSERT_NE(nullptr, manager.operator->());
+        EXPECT_EQ(1u, manager->getGUIDs(ImplType_VIDEO_DEVICE).size());
+        EXPECT_NE(nullptr, manager.create(fixtureGuid(1)));
+    }
 }
 
 } // namespace

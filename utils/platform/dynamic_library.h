@@ -5,7 +5,9 @@
 namespace Zentara::Utils::Platform {
 
 /// Loads a library, all symbols resolved and kept local, without a dialog; null on failure, and then the
-/// thread's lastErrorText() is the loader's reason. Refuses an empty path and what is no regular file.
+/// thread's lastErrorText() is the loader's reason. Refuses an empty path and what is no regular file. An exception
+/// from the library's static initialisation is such a failure too; off Windows that library stays in the process,
+/// is refused from then on, and the loader keeps its lock for the calling thread: others wait for it for ever.
 void* openLibrary(const std::string& path);
 
 /// Null for a null library and for a missing symbol.

@@ -1,5 +1,10 @@
 #include "utils/platform/dynamic_library.h"
 
+#include <algorithm>
+#include <exception>
+#include <mutex>
+#include <vector>
+
 #include <dlfcn.h>
 #include <sys/stat.h>
 
@@ -15,6 +20,41 @@ bool isOpenable(const std::string& path) noexcept {
     return path.find('/') == std::string::npos || stat(path.c_str(), &status) != 0 || S_ISREG(status.st_mode);
 }
 
+constexpr int openMode = RTLD_NOW | RTLD_LOCAL;
+
+/// Libraries whose initialisation threw. They stay in the process half made, and the loader hands them out as if they
+/// were whole. Never destroyed: a library may be opened while the process ends.
+struct BrokenLibraries {
+    std::mutex lock;
+    std::vector<void*> handles;
+};
+
+BrokenLibraries& brokenLibraries() {
+    static BrokenLibraries& libraries = *new BrokenLibraries;
+    return libraries;
+}
+
+bool isBroken(void* library) {
+    BrokenLibraries& broken = brokenLibraries();
+    const std::lock_guard<std::mutex> hold(broken.lock);
+    return std::find(broken.handles.begin(), broken.handles.end(), library) != broken.handles.end();
+}
+
+/// Keeps the loader's handle, which stays valid, as the library never leaves.
+void noteBroken(const std::string& path, const char* thrown) {
+    if (void* const library = dlopen(path.c_str(), openMode | RTLD_NOLOAD)) {
+        BrokenLibraries& broken = brokenLibraries();
+        const std::lock_guard<std::mutex> hold(broken.lock);
+        broken.handles.push_back(library);
+    }
+    keepLoaderError(
+        (path + ": its initialisation throws: " + (thrown ? thrown : "unknown exception")).c_str());
+}
+
+/// The loader's function as it is: declared not to throw, it lets exceptions of static initialisers through.
+using Loader = void* (*)(const char*, int);
+const Loader volatile loader = &dlopen;
+
 } // namespace
 
 void* openLibrary(const std::string& path) {
@@ -27,10 +67,22 @@ void* openLibrary(const std::string& path) {
         keepLoaderError((path + ": not a regular file").c_str());
         return nullptr;
     }
-    void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (!library)
-        keepLoaderError(dlerror());
-    return library;
+    try {
+        void* const library = loader(path.c_str(), openMode);
+        if (!library) {
+            keepLoaderError(dlerror());
+        } else if (isBroken(library)) {
+            dlclose(library);
+            keepLoaderError((path + ": its initialisation threw before").c_str());
+            return nullptr;
+        }
+        return library;
+    } catch (const std::exception& thrown) {
+        noteBroken(path, thrown.what());
+    } catch (...) {
+        noteBroken(path, nullptr);
+    }
+    return nullptr;
 }
 
 void* findSymbol(void* library, const std::string& name) {

@@ -18,6 +18,7 @@ namespace {
 
 using FileHeader = ElfW(Ehdr);
 using Segment = ElfW(Phdr);
+using Section = ElfW(Shdr);
 using Entry = ElfW(Dyn);
 
 /// A regular file under positional, bounded reads. It does not wait for the other end of a pipe.
@@ -89,7 +90,7 @@ public:
         : file(libraryFile), segments(std::move(fileSegments)) {}
 
     /// The first fault in words; empty when there is none.
-    [[nodiscard]] std::string findDamage() const {
+    [[nodiscard]] std::string findDamage(const FileHeader& header) const {
         std::uint64_t mappedUntil = 0;
         for (const Segment& segment : segments) {
             std::string damage = findDamage(segment, mappedUntil);
@@ -99,7 +100,10 @@ public:
         const auto dynamic = std::find_if(segments.begin(), segments.end(), [](const Segment& segment) {
             return segment.p_type == PT_DYNAMIC;
         });
-        return dynamic == segments.end() ? "there is no dynamic section" : findDynamicDamage(*dynamic);
+        if (dynamic == segments.end())
+            return "there is no dynamic section";
+        std::string damage = findSectionDamage(header, *dynamic);
+        return damage.empty() ? findDynamicDamage(*dynamic) : damage;
     }
 
 private:
@@ -148,6 +152,27 @@ private:
         return segment.p_memsz + (beyond == 0 ? 0 : pageSize - beyond);
     }
 
+    /// The section headers stand at the end of the file and tell whether that has arrived. The loader does not look at
+    /// them, and a library may have none.
+    [[nodiscard]] std::string findSectionDamage(const FileHeader& header, const Segment& dynamic) const {
+        if (header.e_shoff == 0 || header.e_shnum == 0)
+            return std::string();
+        std::vector<Section> sections(header.e_shnum);
+        if (header.e_shentsize != sizeof(Section) ||
+            !file.read(header.e_shoff, sections.data(), sections.size() * sizeof(Section)))
+            return "the file is cut short in its section table";
+        const bool isWhole =
+            header.e_shstrndx < sections.size() && sections[header.e_shstrndx].sh_type == SHT_STRTAB &&
+            std::any_of(sections.begin(), sections.end(),
+                        [&](const Section& section) {
+                            return section.sh_type == SHT_DYNAMIC && section.sh_offset == dynamic.p_offset;
+                        }) &&
+            std::all_of(sections.begin(), sections.end(), [&](const Section& section) {
+                return section.sh_type == SHT_NOBITS || file.holds(section.sh_offset, section.sh_size);
+            });
+        return isWhole ? std::string() : "the section table does not belong to the rest of the file";
+    }
+
     [[nodiscard]] std::string findDynamicDamage(const Segment& dynamic) const {
         std::vector<Entry> entries;
         if (file.holds(dynamic.p_offset, dynamic.p_filesz))
@@ -159,11 +184,45 @@ private:
         if (end == entries.end())
             return "the dynamic section has no end";
         entries.erase(end, entries.end());
+        if (entries.empty())
+            return "the dynamic section is empty";
+        if (!findEntry(entries, DT_STRTAB) || !findEntry(entries, DT_SYMTAB))
+            return "the dynamic section names no symbols";
         for (const Table& table : tables) {
             if (!isTableMapped(entries, table))
                 return "table " + std::to_string(table.address) + " lies outside of the mapped segments";
         }
-        return std::string();
+        return isHashTableWhole(entries) ? std::string() : "the hash table of the symbols is damaged";
+    }
+
+    /// The loader divides by the number of buckets and follows what they hold.
+    [[nodiscard]] bool isHashTableWhole(const std::vector<Entry>& entries) const {
+        constexpr std::uint64_t wordBytes = sizeof(std::uint32_t);
+        std::uint32_t words[4];
+        if (const Entry* const table = findEntry(entries, DT_GNU_HASH)) {
+            const auto& [bucketCount, firstSymbol, filterCount, filterShift] = words;
+            if (!readMapped(table->d_un.d_ptr, words, sizeof words) || bucketCount == 0 || filterCount == 0 ||
+                (filterCount & (filterCount - 1)) != 0)
+                return false;
+            return isMapped(table->d_un.d_ptr, sizeof words +
+                                                   filterCount * std::uint64_t{sizeof(ElfW(Addr))} +
+                                                   bucketCount * wordBytes);
+        }
+        const Entry* const table = findEntry(entries, DT_HASH);
+        if (!table)
+            return true;
+        const auto& [bucketCount, chainCount, ignored, alsoIgnored] = words;
+        return readMapped(table->d_un.d_ptr, words, 2 * wordBytes) && bucketCount != 0 &&
+               isMapped(table->d_un.d_ptr, (2 + std::uint64_t{bucketCount} + chainCount) * wordBytes);
+    }
+
+    /// Reads what will be mapped to an address from its place in the file.
+    bool readMapped(std::uint64_t address, void* data, std::size_t count) const {
+        return std::any_of(segments.begin(), segments.end(), [&](const Segment& segment) {
+            return segment.p_type == PT_LOAD && address >= segment.p_vaddr &&
+                   address - segment.p_vaddr < segment.p_filesz &&
+                   file.read(segment.p_offset + (address - segment.p_vaddr), data, count);
+        });
     }
 
     [[nodiscard]] bool isTableMapped(const std::vector<Entry>& entries, const Table& table) const {
@@ -202,7 +261,7 @@ bool isDamagedLibrary(const std::string& path, std::string& problem) {
         return false;
     std::vector<Segment> segments(header.e_phnum);
     const bool complete = file.read(header.e_phoff, segments.data(), segments.size() * sizeof(Segment));
-    const std::string damage = complete ? Image(file, std::move(segments)).findDamage()
+    const std::string damage = complete ? Image(file, std::move(segments)).findDamage(header)
                                         : "the file is cut short in its segment table";
     if (damage.empty())
         return false;

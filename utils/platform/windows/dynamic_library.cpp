@@ -34,7 +34,13 @@ void* openLibrary(const std::string& path) {
     // The loader takes a '/' for a part of the name.
     const std::wstring native = utf8ToWideOrWidened(nativeSeparators(path));
     const NoDialogs noDialogs;
-    return reinterpret_cast<void*>(LoadLibraryW(native.c_str()));
+    try {
+        return reinterpret_cast<void*>(LoadLibraryW(native.c_str()));
+    } catch (...) {
+        // From a static initialiser, where the loader lets it through.
+        SetLastError(ERROR_DLL_INIT_FAILED);
+        return nullptr;
+    }
 }
 
 void* findSymbol(void* library, const std::string& name) {

@@ -91,8 +91,56 @@ private:
                 !isMapped(directory.VirtualAddress, directory.Size))
                 return "directory " + std::to_string(index) + " lies outside of the sections";
         }
-        return isMapped(optional.AddressOfEntryPoint, 1) ? std::string()
-                                                         : "the entry point lies outside of the sections";
+        if (!isMapped(optional.AddressOfEntryPoint, 1))
+            return "the entry point lies outside of the sections";
+        if (!areImportsWhole())
+            return "the import table is damaged";
+        return areRelocationsWhole() ? std::string() : "the relocation table is damaged";
+    }
+
+    [[nodiscard]] IMAGE_DATA_DIRECTORY directoryOf(DWORD index) const {
+        return index < optional.NumberOfRvaAndSizes ? optional.DataDirectory[index] : IMAGE_DATA_DIRECTORY{};
+    }
+
+    /// Without its imports a library calls anything when it is started.
+    [[nodiscard]] bool areImportsWhole() const {
+        const IMAGE_DATA_DIRECTORY table = directoryOf(IMAGE_DIRECTORY_ENTRY_IMPORT);
+        if (table.VirtualAddress == 0)
+            return true;
+        IMAGE_IMPORT_DESCRIPTOR import{};
+        std::uint64_t address = table.VirtualAddress;
+        do {
+            if (!readMapped(address, &import, sizeof import) || !isMapped(import.Name, 1) ||
+                !isMapped(import.FirstThunk, sizeof(std::uint64_t)))
+                return false;
+            address += sizeof import;
+        } while (import.Name != 0);
+        return address > table.VirtualAddress + sizeof import;
+    }
+
+    /// Linkers put this table last, so it tells whether the end of the file has arrived.
+    [[nodiscard]] bool areRelocationsWhole() const {
+        const IMAGE_DATA_DIRECTORY table = directoryOf(IMAGE_DIRECTORY_ENTRY_BASERELOC);
+        if (table.VirtualAddress == 0)
+            return true;
+        for (std::uint64_t done = 0; done < table.Size;) {
+            IMAGE_BASE_RELOCATION block;
+            if (!readMapped(table.VirtualAddress + done, &block, sizeof block) ||
+                block.SizeOfBlock < sizeof block || block.SizeOfBlock > table.Size - done ||
+                block.VirtualAddress == 0 || !isMapped(block.VirtualAddress, 1))
+                return false;
+            done += block.SizeOfBlock;
+        }
+        return true;
+    }
+
+    /// Reads what will be mapped to an address from its place in the file.
+    bool readMapped(std::uint64_t address, void* data, std::size_t count) const {
+        return std::any_of(sections.begin(), sections.end(), [&](const IMAGE_SECTION_HEADER& section) {
+            return address >= section.VirtualAddress &&
+                   address - section.VirtualAddress + count <= section.SizeOfRawData &&
+                   file.read(section.PointerToRawData + (address - section.VirtualAddress), data, count);
+        });
     }
 
     /// An address of 0 means that there is none. The headers are mapped too: bound imports lie there.
