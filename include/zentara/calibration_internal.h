@@ -32,7 +32,7 @@ public:
     /// lengths, the shorter ends in zeros here.
     [[nodiscard]] TemperatureCompensationData getTemperatureCompensation() const;
 
-    /// \throws Plugin::ArgumentPluginException if a set has more than 255 coefficients or the two sets differ
+    /// \throws Zentara::Plugin::ArgumentPluginException if a set has more than 255 coefficients or the two sets differ
     ///         in length; nothing is changed then.
     void setTemperatureCompensation(TemperatureCompensationData data);
 

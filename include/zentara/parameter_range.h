@@ -77,7 +77,7 @@ private:
 template<typename T>
 class ZENTARA_API ParameterDiscreteSetInternal : public ParameterRangeBaseInternal {
 public:
-    /// \throws Plugin::ArgumentPluginException for more than 65,535 values
+    /// \throws Zentara::Plugin::ArgumentPluginException for more than 65,535 values
     explicit ParameterDiscreteSetInternal(std::vector<T> values);
 
     /// A copy.
@@ -103,7 +103,7 @@ public:
     using Range = ParameterRangeInternal<int>;
 
     /// Takes over the reference that each range was made with, also when it throws.
-    /// \throws Plugin::ArgumentPluginException if one is null
+    /// \throws Zentara::Plugin::ArgumentPluginException if one is null
     RegionOfInterestRangeInternal(Range* x, Range* y, Range* width, Range* height);
 
     /// The ranges stay the object's.

@@ -50,7 +50,7 @@ public:
     /// first.
     /// \param store lives until `dispose`
     /// \param data the host's; may be null, not owned
-    /// \throws Plugin::ArgumentPluginException if `event` or `store` is null
+    /// \throws Zentara::Plugin::ArgumentPluginException if `event` or `store` is null
     /// \throws what the proxy's construction and the device's initialisation throw
     virtual void initialize(NodeEvent* event, DescriptorStoreRO* store, AudioProcessorData* data);
 
@@ -60,7 +60,7 @@ public:
     virtual void enableStreaming(Utils::SmartPtr<AudioConfiguration> configuration) = 0;
     virtual void disableStreaming() = 0;
 
-    /// \throws Plugin::NotSupportedPluginException by default
+    /// \throws Zentara::Plugin::NotSupportedPluginException by default
     virtual void resetDevice();
 
     /// The modes in which the node can stream, and the one that it starts with.
@@ -76,7 +76,7 @@ public:
 
     // Not virtual, and so not for a node to implement: through a pointer to this class its own would never be called.
     // The level and the mute of a microphone are set at the device, through `getAVDeviceProxy`.
-    /// \throws Plugin::ConfigurationPluginException always
+    /// \throws Zentara::Plugin::ConfigurationPluginException always
     void setInputMixerLevel(float level);
     void setMute(bool mute);
 

@@ -51,7 +51,7 @@ public:
     /// first.
     /// \param store lives until `dispose`
     /// \param data the host's; may be null, not owned
-    /// \throws Plugin::ArgumentPluginException if `event` or `store` is null
+    /// \throws Zentara::Plugin::ArgumentPluginException if `event` or `store` is null
     /// \throws what the proxy's construction and the device's initialisation throw
     virtual void initialize(NodeEvent* event, DescriptorStoreRO* store, ColorProcessorData* data);
 
@@ -61,7 +61,7 @@ public:
     virtual void enableStreaming(Utils::SmartPtr<ColorConfiguration> configuration) = 0;
     virtual void disableStreaming() = 0;
 
-    /// \throws Plugin::NotSupportedPluginException by default
+    /// \throws Zentara::Plugin::NotSupportedPluginException by default
     virtual void resetDevice();
 
     /// The modes in which the node can stream.

@@ -66,7 +66,7 @@ public:
     /// first.
     /// \param store lives until `dispose`
     /// \param data the host's; may be null, not owned
-    /// \throws Plugin::ArgumentPluginException if `event` or `store` is null
+    /// \throws Zentara::Plugin::ArgumentPluginException if `event` or `store` is null
     /// \throws what the proxy's construction and the device's initialisation throw
     virtual void initialize(NodeEvent* event, DescriptorStoreRO* store, DepthProcessorData* data);
 
@@ -82,13 +82,13 @@ public:
     virtual void enableStreaming(Utils::SmartPtr<DepthBaseConfiguration> configuration) = 0;
     virtual void disableStreaming() = 0;
 
-    /// \throws Plugin::NotSupportedPluginException by default
+    /// \throws Zentara::Plugin::NotSupportedPluginException by default
     virtual void resetDevice();
 
     /// How bright the illumination is in a camera mode, in percent; does nothing by default.
     virtual void setIlluminationLevel(DepthNode::CameraMode mode, int level);
 
-    /// Changes the mode of a running stream. \throws Plugin::NotSupportedPluginException by default
+    /// Changes the mode of a running stream. \throws Zentara::Plugin::NotSupportedPluginException by default
     virtual void setConfiguration(Utils::SmartPtr<DepthBaseConfiguration> configuration);
 
     /// \param calibration stays the caller's; does nothing by default
@@ -100,7 +100,7 @@ public:
     /// What a raw phase value is multiplied with; 1.0 by default.
     [[nodiscard]] virtual float getPhaseScaling();
 
-    /// Executes one request. \throws Plugin::NotSupportedPluginException by default
+    /// Executes one request. \throws Zentara::Plugin::NotSupportedPluginException by default
     virtual void process(Utils::SmartPtr<IO::xuRequest> request);
 
     /// Does nothing by default.

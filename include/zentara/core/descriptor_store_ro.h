@@ -86,7 +86,7 @@ public:
     [[nodiscard]] virtual std::uint64_t getDeviceFlags() const;
     [[nodiscard]] virtual std::int32_t getDeviceCapabilities() const;
 
-    /// \throws Plugin::NotSupportedPluginException "undefined ROMElement id ID"
+    /// \throws Zentara::Plugin::NotSupportedPluginException "undefined ROMElement id ID"
     [[nodiscard]] virtual ROMElement getROMElement(std::uint64_t id) const;
 
     /// The value that the settings write to a register: of the pre-common, the specific and the post-common
@@ -137,7 +137,7 @@ public:
     void setConfigurationSettings(const RequestList* settings);
 
     /// Copies of the defaults.
-    /// \throws Plugin::NotSupportedPluginException "Extrinsics are not defined", "Depth Intrinsics are not
+    /// \throws Zentara::Plugin::NotSupportedPluginException "Extrinsics are not defined", "Depth Intrinsics are not
     ///         defined" or "Color Intrinsics are not defined"
     [[nodiscard]] ExtrinsicParametersInternal getDefaultExtrinsics() const;
     [[nodiscard]] std::vector<CameraIntrinsics> getDefaultDepthIntrinsicsArray() const;

@@ -36,17 +36,17 @@ class ZENTARA_API Plugin : public Utils::Refcounted {
 protected:
     /// Takes a reference to the plug-in manager; the first object of a process starts the scan. Without a
     /// living manager the object counts its own references only.
-    /// \throws Plugin::InitializationPluginException as PluginManager::instance() does.
+    /// \throws Zentara::Plugin::InitializationPluginException as PluginManager::instance() does.
     Plugin(ImplType type, GUID guid);
 
     /// Adds a use of the library, then a reference to the object.
-    /// \throws Plugin::InitializationPluginException "couldn't find GUID NAME" when no such plug-in is
+    /// \throws Zentara::Plugin::InitializationPluginException "couldn't find GUID NAME" when no such plug-in is
     /// registered; nothing was counted then.
     void incref() override;
 
     /// Drops a reference to the object, with the last of which it is destroyed, then the use of the library,
     /// with the last of which it is unloaded, all with the manager held alive.
-    /// \throws Plugin::InitializationPluginException as incref(); the reference is dropped all the same.
+    /// \throws Zentara::Plugin::InitializationPluginException as incref(); the reference is dropped all the same.
     void decref() override;
 
     /// A plug-in object is counted together with its library, which these two would forget.
@@ -62,7 +62,7 @@ public:
 
 protected:
     /// The library that holds this object's code, null without a manager; lent for the life of the object.
-    /// \throws Plugin::InitializationPluginException "couldn't find GUID NAME" when no such plug-in is
+    /// \throws Zentara::Plugin::InitializationPluginException "couldn't find GUID NAME" when no such plug-in is
     /// registered.
     [[nodiscard]] virtual SharedLibrary* getSharedLibrary() const;
 

@@ -32,7 +32,7 @@ public:
     PluginManager& operator=(const PluginManager&) = delete;
 
     /// Adds a reference and returns the manager, which the first one creates.
-    /// \throws Plugin::InitializationPluginException "couldn't get bin directory" when the install root
+    /// \throws Zentara::Plugin::InitializationPluginException "couldn't get bin directory" when the install root
     /// cannot be read. The reference then stays counted: until it is given back, instance() neither throws
     /// nor scans, and returns what was there before: null in a process that never had a manager, else the one
     /// that has ended, which knows no plug-ins. Null counts as well, and there is nothing to give it back
@@ -49,18 +49,18 @@ public:
     [[nodiscard]] std::vector<GUID> getGUIDs(ImplType type);
 
     /// Makes an object of a plug-in: see SharedLibrary::createInstance(), also for who owns it.
-    /// \throws Plugin::InitializationPluginException "couldn't find GUID NAME" for an unknown plug-in,
+    /// \throws Zentara::Plugin::InitializationPluginException "couldn't find GUID NAME" for an unknown plug-in,
     /// "ImplType mismatch" for one of another kind, and what SharedLibrary::createInstance() throws.
     [[nodiscard]] void* createInstance(GUID guid, ImplType type);
 
     /// Adds or drops a use of a plug-in's library, which keeps it loaded.
-    /// \throws Plugin::InitializationPluginException "couldn't find GUID NAME" for an unknown plug-in.
+    /// \throws Zentara::Plugin::InitializationPluginException "couldn't find GUID NAME" for an unknown plug-in.
     void incref(GUID guid);
     void decref(GUID guid);
 
 protected:
     /// The library of a plug-in; the manager keeps its reference to it.
-    /// \throws Plugin::InitializationPluginException "couldn't find GUID NAME" for an unknown plug-in.
+    /// \throws Zentara::Plugin::InitializationPluginException "couldn't find GUID NAME" for an unknown plug-in.
     [[nodiscard]] SharedLibrary* getSharedLibrary(GUID guid);
 
 private:

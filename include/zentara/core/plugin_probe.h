@@ -48,7 +48,7 @@ struct PluginProbe {
 [[nodiscard]] ZENTARA_API const char* pluginFileExtension() noexcept;
 
 /// Where the plug-in manager looks: "bin/Plugins/" below the install root, with a separator at its end. Safe.
-/// \throws Plugin::InitializationPluginException "couldn't get bin directory" when the root cannot be read.
+/// \throws Zentara::Plugin::InitializationPluginException "couldn't get bin directory" when the root cannot be read.
 [[nodiscard]] ZENTARA_API std::string getPluginDirectory();
 
 /// Puts every file of a directory that has the plug-ins' ending through the scan, sorted by path; this is the

@@ -47,7 +47,7 @@ public:
     /// `Core::Plugin*`; the new object owns the use and gives it back with its last reference.
     /// For a parameter interpreter the factory is not called and the result is null; also then, and when a
     /// factory returns null, a use was added, which the caller gives back with decref().
-    /// \throws Plugin::InitializationPluginException "couldn't open: PATH", or "couldn't find function:
+    /// \throws Zentara::Plugin::InitializationPluginException "couldn't open: PATH", or "couldn't find function:
     /// createInstance"; the library is not loaded then. What the factory throws is passed on: no use was
     /// added, and the library stays loaded for the next attempt.
     void* createInstance();

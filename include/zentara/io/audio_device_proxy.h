@@ -20,7 +20,7 @@ namespace Zentara::IO {
 class ZENTARA_API AudioDeviceProxy : public AVDeviceProxy {
 public:
     /// Makes the device and has it prepare the thread on which it will be called.
-    /// \throws Plugin::InitializationPluginException "couldn't find GUID GUID", "ImplType mismatch", or
+    /// \throws Zentara::Plugin::InitializationPluginException "couldn't find GUID GUID", "ImplType mismatch", or
     ///         "Couldn't instantiate object GUID"
     /// \throws what the device's thread initialisation throws; nothing is held then, save in proxified mode by a thread
     ///         initialisation that timed out: that keeps the device until it ends
@@ -57,7 +57,7 @@ protected:
 
     /// The destructor's work: waits for the worker as other operations do, then for as long as the device's `dispose`
     /// takes. In a child of fork a proxified device is left as it is. Disposing twice is harmless; afterwards every operation throws
-    /// `Plugin::InvalidOperationPluginException`.
+    /// `Zentara::Plugin::InvalidOperationPluginException`.
     void dispose() override;
 
 private:

@@ -46,7 +46,7 @@ public:
     /// Copies the description of the device and keeps the store, which must live until `dispose`. A back-end
     /// that overrides it calls it, too.
     /// \param store may be null
-    /// \throws Plugin::ArgumentPluginException if `event` is null
+    /// \throws Zentara::Plugin::ArgumentPluginException if `event` is null
     virtual void initialize(NodeEvent* event, Core::DescriptorStoreRO* store);
 
     /// Prepares the calling thread for the platform's services.

@@ -61,7 +61,7 @@ public:
     [[nodiscard]] AVDeviceProxyThread* getProxy() const;
 
     /// Throws the plug-in exception that belongs to the type; returns for a type that has none. Safe.
-    static void PluginException_throw(Plugin::PluginExceptionType type, const std::string& message);
+    static void PluginException_throw(Zentara::Plugin::PluginExceptionType type, const std::string& message);
 
 protected:
     explicit AVDeviceProxy(bool proxified);

@@ -42,11 +42,11 @@ public:
     /// the worker is done with the request and nobody else holds it. A request that was executed may be submitted again
     /// if it did not fail.
     /// \param timeoutMilliseconds runs from the request's start
-    /// \throws Plugin::PluginException the subclass and message that the device failed with
-    /// \throws Plugin::TimeoutPluginException "processRequest: I/O timeout: TYPE" when the wait ended first;
+    /// \throws Zentara::Plugin::PluginException the subclass and message that the device failed with
+    /// \throws Zentara::Plugin::TimeoutPluginException "processRequest: I/O timeout: TYPE" when the wait ended first;
     ///         the device was asked to cancel
-    /// \throws Plugin::IOPluginException "TYPE: I/O request rejected" when the worker is stopping
-    /// \throws Plugin::InvalidOperationPluginException on the worker's own thread, which would wait for
+    /// \throws Zentara::Plugin::IOPluginException "TYPE: I/O request rejected" when the worker is stopping
+    /// \throws Zentara::Plugin::InvalidOperationPluginException on the worker's own thread, which would wait for
     /// itself; in a child of fork; and for a request that is being executed, or has failed or timed out before
     void processRequest(deviceRequest* request, std::uint32_t timeoutMilliseconds);
 

@@ -68,7 +68,7 @@ public:
 
     /// Marks the request failed. A device may do so instead of throwing; if it does both, what was thrown
     /// wins.
-    void setFailure(Plugin::PluginExceptionType type, const std::string& message);
+    void setFailure(Zentara::Plugin::PluginExceptionType type, const std::string& message);
     [[nodiscard]] bool failed() const;
     [[nodiscard]] ProxyFailure getFailure();
 

@@ -84,12 +84,12 @@ protected:
 
     /// Fills in what that node's description tells: type, profile, name, the four identifying values and the node
     /// index. The rest, where the node was found, stays as it is.
-    /// \throws Plugin::ArgumentPluginException if `event` is null
+    /// \throws Zentara::Plugin::ArgumentPluginException if `event` is null
     void fillEvent(NodeEvent* event);
 
     /// Selects the description that belongs to the event's four identifying values.
     /// \return whether there is one
-    /// \throws Plugin::ArgumentPluginException if `event` is null
+    /// \throws Zentara::Plugin::ArgumentPluginException if `event` is null
     bool selectNodeDescriptor(NodeEvent* event, Core::Profile profile);
 
 private:

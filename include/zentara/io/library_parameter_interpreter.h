@@ -19,7 +19,7 @@ public:
     using ParameterInterpreter::initialize;
 
     /// Loads the back-end through the plug-in manager.
-    /// \throws Plugin::InitializationPluginException "couldn't find GUID GUID", "ImplType mismatch" or
+    /// \throws Zentara::Plugin::InitializationPluginException "couldn't find GUID GUID", "ImplType mismatch" or
     ///         "couldn't open: PATH"; nothing is loaded then
     [[nodiscard]] static Utils::SmartPtr<LibraryParameterInterpreter> create(GUID backEnd);
 

@@ -26,11 +26,11 @@ namespace Zentara::IO {
 /// back-end's error codes into exceptions. `LibraryParameterInterpreter` is one that is ready for use.
 ///
 /// Used in this order: `initialize`, any other operation, `dispose`; before and after, operations throw
-/// `Plugin::InvalidOperationPluginException`. A call blocks as long as the back-end's transfers take.
+/// `Zentara::Plugin::InvalidOperationPluginException`. A call blocks as long as the back-end's transfers take.
 /// Separate.
 ///
-/// Every operation throws `Plugin::NotSupportedPluginException`, naming the function, if the back-end does
-/// not export the function that it needs, and `Plugin::ArgumentPluginException` for a null pointer. Where a
+/// Every operation throws `Zentara::Plugin::NotSupportedPluginException`, naming the function, if the back-end does
+/// not export the function that it needs, and `Zentara::Plugin::ArgumentPluginException` for a null pointer. Where a
 /// result is stored through a pointer, a call that throws leaves it unchanged.
 ///
 /// The order of the virtual operations is the boundary to interpreters that are built separately.
@@ -54,7 +54,7 @@ public:
     /// Makes a back-end instance and initialises it; an earlier one is disposed first.
     /// \param context goes back unchanged into `set` and `get`, through which the back-end reaches the
     ///         camera; all three are passed on as they are, also null
-    /// \throws Plugin::InitializationPluginException "Invalid shared library handle", or "Failed to
+    /// \throws Zentara::Plugin::InitializationPluginException "Invalid shared library handle", or "Failed to
     ///         initialize plugin" when the back-end refuses; no instance is left then
     virtual void initialize(void* context, BackEnd::Transfer* set, BackEnd::Transfer* get, HardwareIDs ids,
                             HardwareVersionInternal version);
@@ -62,65 +62,65 @@ public:
     /// Disposes and destroys the back-end instance. Without one it does nothing.
     virtual void dispose();
 
-    /// \throws Plugin::NotSupportedPluginException "Failed to get unit type from plugin for PARAMETER"
+    /// \throws Zentara::Plugin::NotSupportedPluginException "Failed to get unit type from plugin for PARAMETER"
     [[nodiscard]] virtual UnitType getUnitType(ParameterType parameter);
 
-    /// \throws Plugin::NotSupportedPluginException "Parameter PARAMETER is not supported"
+    /// \throws Zentara::Plugin::NotSupportedPluginException "Parameter PARAMETER is not supported"
     [[nodiscard]] virtual AccessMode getAccessMode(ParameterType parameter);
 
-    /// \throws Plugin::ArgumentPluginException "value out of range"
-    /// \throws Plugin::IOPluginException "Failed to write parameter"
+    /// \throws Zentara::Plugin::ArgumentPluginException "value out of range"
+    /// \throws Zentara::Plugin::IOPluginException "Failed to write parameter"
     virtual void write(ParameterType parameter, bool value);
     virtual void write(ParameterType parameter, int value);
     virtual void write(ParameterType parameter, float value);
 
     /// Writes a system state: the float, integer, boolean and region requests of the map; others are left
     /// out. Words of a region are cut to 16 bits.
-    /// \throws Plugin::IOPluginException "Failed to set system state: REASON"
-    /// \throws Plugin::ArgumentPluginException "Failed to set system state: REASON" for a parameter whose number
+    /// \throws Zentara::Plugin::IOPluginException "Failed to set system state: REASON"
+    /// \throws Zentara::Plugin::ArgumentPluginException "Failed to set system state: REASON" for a parameter whose number
     ///         does not fit one byte; nothing is written then
     virtual void write(const ParameterRequestMap& state);
 
-    /// \throws Plugin::IOPluginException "Failed to read parameter"
+    /// \throws Zentara::Plugin::IOPluginException "Failed to read parameter"
     virtual void read(ParameterType parameter, bool* value);
     virtual void read(ParameterType parameter, int* value);
     virtual void read(ParameterType parameter, float* value);
 
     /// Reads a system state into the requests of the map; those that `write` leaves out stay as they are.
-    /// \throws Plugin::IOPluginException "Failed to get system state: REASON", also when the back-end returns
+    /// \throws Zentara::Plugin::IOPluginException "Failed to get system state: REASON", also when the back-end returns
     ///         anything but values for these parameters, or one of their numbers does not fit one byte; no
     ///         request is changed then
     virtual void read(ParameterRequestMap& state);
 
-    /// \throws Plugin::ArgumentPluginException "value out of range"
-    /// \throws Plugin::IOPluginException "Failed to set region of interest"
+    /// \throws Zentara::Plugin::ArgumentPluginException "value out of range"
+    /// \throws Zentara::Plugin::IOPluginException "Failed to set region of interest"
     virtual void setRegionOfInterest(RegionOfInterestInternal region);
 
-    /// \throws Plugin::IOPluginException "Failed to get region of interest"
+    /// \throws Zentara::Plugin::IOPluginException "Failed to get region of interest"
     [[nodiscard]] virtual RegionOfInterestInternal getRegionOfInterest();
 
-    /// The unambiguous range in metres, parameter 12. \throws Plugin::IOPluginException "Failed to get range"
+    /// The unambiguous range in metres, parameter 12. \throws Zentara::Plugin::IOPluginException "Failed to get range"
     [[nodiscard]] virtual float getRange();
 
     /// What a parameter accepts. Null for a boolean, and for a parameter that cannot be written.
-    /// \throws Plugin::NotSupportedPluginException "failed to get parameter range: REASON" or "failed to get
+    /// \throws Zentara::Plugin::NotSupportedPluginException "failed to get parameter range: REASON" or "failed to get
     ///         parameter range for PARAMETER: REASON", and what `getAccessMode` throws
     [[nodiscard]] virtual Utils::SmartPtr<ParameterRangeBaseInternal>
     getParameterRange(ParameterType parameter);
 
-    /// Parameter 11. \throws Plugin::IOPluginException "Failed to get raw output mode"
+    /// Parameter 11. \throws Zentara::Plugin::IOPluginException "Failed to get raw output mode"
     [[nodiscard]] virtual RawOutputMode getRawOutputMode();
 
     /// Hands the calibration to the camera, also one that has nothing to say.
-    /// \throws Plugin::NotSupportedPluginException "failed to write calibration: REASON"
+    /// \throws Zentara::Plugin::NotSupportedPluginException "failed to write calibration: REASON"
     virtual void writeCalibration(CalibrationInternal* calibration);
 
     /// Reads the camera's calibration over the given one; what the camera does not tell stays as it is.
-    /// \throws Plugin::NotSupportedPluginException "failed to read calibration: REASON" or "failed to
+    /// \throws Zentara::Plugin::NotSupportedPluginException "failed to read calibration: REASON" or "failed to
     ///         unmarshal calibration"
     virtual void readCalibration(CalibrationInternal* calibration);
 
-    /// \throws Plugin::IOPluginException "Failed to get phase scaling"
+    /// \throws Zentara::Plugin::IOPluginException "Failed to get phase scaling"
     [[nodiscard]] virtual float getPhaseScaling();
 
 protected:

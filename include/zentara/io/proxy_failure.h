@@ -8,7 +8,7 @@ namespace Zentara::IO {
 
 /// A failure on its way from the worker thread to the caller.
 struct ProxyFailure {
-    Plugin::PluginExceptionType type = Plugin::PluginExceptionType_STREAMING;
+    Zentara::Plugin::PluginExceptionType type = Zentara::Plugin::PluginExceptionType_STREAMING;
     std::string message;
 };
 

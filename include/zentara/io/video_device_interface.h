@@ -51,7 +51,7 @@ public:
     virtual void len(xuLenRequest* request) = 0;
     virtual void xuSetup(xuSetupRequest* request) = 0;
 
-    /// Control and bulk transfers. These three throw `Plugin::NotSupportedPluginException` ("not supported") unless overridden.
+    /// Control and bulk transfers. These three throw `Zentara::Plugin::NotSupportedPluginException` ("not supported") unless overridden.
     virtual void read(readControlTransferRequest* request);
     virtual void write(writeBulkTransferRequest* request);
     virtual void write(writeControlTransferRequest* request);
@@ -60,11 +60,11 @@ public:
     virtual void pauseStreaming(pauseStreamingRequest* request);
     virtual void resumeStreaming(resumeStreamingRequest* request);
 
-    /// \throws Plugin::NotSupportedPluginException "setting region of interest is not supported" unless
+    /// \throws Zentara::Plugin::NotSupportedPluginException "setting region of interest is not supported" unless
     /// overridden
     virtual void setRegionOfInterest(setDeviceRegionOfInterestRequest* request);
 
-    /// \throws Plugin::NotSupportedPluginException "setting output format is not supported" unless overridden
+    /// \throws Zentara::Plugin::NotSupportedPluginException "setting output format is not supported" unless overridden
     virtual void setOutputFormat(setOutputFormatRequest* request);
 };
 

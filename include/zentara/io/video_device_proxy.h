@@ -27,7 +27,7 @@ namespace Zentara::IO {
 class ZENTARA_API VideoDeviceProxy : public AVDeviceProxy {
 public:
     /// Makes the device and has it prepare the thread on which it will be called.
-    /// \throws Plugin::InitializationPluginException "couldn't find GUID GUID", "ImplType mismatch", or
+    /// \throws Zentara::Plugin::InitializationPluginException "couldn't find GUID GUID", "ImplType mismatch", or
     ///         "Couldn't instantiate object GUID"
     /// \throws what the device's thread initialisation throws; nothing is held then, save in proxified mode by a thread
     ///         initialisation that timed out: that keeps the device until it ends
@@ -76,7 +76,7 @@ public:
     void xuSetup(const GUID& guid);
 
     /// Control transfers of `length` bytes from and to the device, and a bulk transfer to one of its endpoints.
-    /// \throws Plugin::NotSupportedPluginException from a device that has none of these
+    /// \throws Zentara::Plugin::NotSupportedPluginException from a device that has none of these
     void read(std::uint8_t requestCode, std::uint16_t value, std::uint16_t index, std::uint8_t* buffer,
               std::uint16_t length);
     void write(std::uint8_t requestCode, std::uint16_t value, std::uint16_t index, const std::uint8_t* buffer,
@@ -96,7 +96,7 @@ protected:
 
     /// The destructor's work: waits for the worker as other operations do, then for as long as the device's `dispose`
     /// takes. In a child of fork a proxified device is left as it is. Disposing twice is harmless; afterwards every operation throws
-    /// `Plugin::InvalidOperationPluginException`.
+    /// `Zentara::Plugin::InvalidOperationPluginException`.
     void dispose() override;
 
 private:
