@@ -24,13 +24,24 @@ std::string messageOf(const Fault& fault) {
 Faults::Faults(const Settings& settings, Device device) : kind(device) { rearm(settings); }
 
 void Faults::rearm(const Settings& settings) {
-    AutoLock hold(lock);
-    refuseCancel = settings.refuseCancel;
-    armed.clear();
+    clear();
     for (const Fault& fault : settings.faults) {
         if (fault.device == Device::Any || fault.device == kind)
-            armed.push_back({fault, 0});
+            add(fault);
     }
+    AutoLock hold(lock);
+    refuseCancel = settings.refuseCancel;
+}
+
+void Faults::add(const Fault& fault) {
+    AutoLock hold(lock);
+    armed.push_back(fault);
+}
+
+void Faults::clear() {
+    AutoLock hold(lock);
+    armed.clear();
+    calls.fill(0);
 }
 
 bool Faults::refusesCancel() {
@@ -39,19 +50,20 @@ bool Faults::refusesCancel() {
 }
 
 void Faults::meet(Operation operation, IO::deviceRequest* request) {
-    Fault fault;
-    if (!due(operation, fault))
+    const std::optional<Fault> fault = due(operation);
+    if (!fault)
         return;
-    switch (fault.kind) {
-    case Fault::Kind::Throw:
+    if (fault->kind != Fault::Kind::Hang)
+        raise(*fault);
+    const PendingRequest pending(request);
+    if (pending.alreadyCancelled() || !hang(fault->milliseconds))
+        throw Plugin::IOPluginException(Utils::Format("%: cancelled") % operationName(operation));
+}
+
+void Faults::raise(const Fault& fault) {
+    if (fault.kind == Fault::Kind::Throw)
         Plugin::throwPluginException(fault.exception, messageOf(fault));
-        return;
-    case Fault::Kind::Foreign:
-        throw std::runtime_error(messageOf(fault));
-    case Fault::Kind::Hang:
-        hang(fault, request);
-        return;
-    }
+    throw std::runtime_error(messageOf(fault));
 }
 
 bool Faults::cancel() {
@@ -63,30 +75,18 @@ bool Faults::cancel() {
     return true;
 }
 
-/// The first fault of the operation whose turn it is; every one of them counts the call.
-bool Faults::due(Operation operation, Fault& fault) {
+/// The first one whose turn it is.
+std::optional<Fault> Faults::due(Operation operation) {
     AutoLock hold(lock);
-    bool found = false;
-    for (Armed& candidate : armed) {
-        if (candidate.fault.at != operation)
-            continue;
-        const std::uint64_t call = candidate.calls++;
-        if (found || call < candidate.fault.after || call - candidate.fault.after >= candidate.fault.times)
-            continue;
-        fault = candidate.fault;
-        found = true;
+    const std::uint64_t call = calls[static_cast<std::size_t>(operation)]++;
+    for (const Fault& fault : armed) {
+        if (fault.at == operation && call >= fault.after && call - fault.after < fault.times)
+            return fault;
     }
-    return found;
+    return std::nullopt;
 }
 
-void Faults::hang(const Fault& fault, IO::deviceRequest* request) {
-    const PendingRequest pending(request);
-    if (pending.alreadyCancelled() || !waitHanging(fault.milliseconds))
-        throw Plugin::IOPluginException(Utils::Format("%: cancelled") % operationName(fault.at));
-}
-
-/// False when a cancel came before the time was over.
-bool Faults::waitHanging(std::uint32_t milliseconds) {
+bool Faults::hang(std::uint32_t milliseconds) {
     const std::int64_t end = Utils::Clock::nowMicros() + std::int64_t{milliseconds} * 1000;
     std::uint32_t before = 0;
     {

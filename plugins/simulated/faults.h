@@ -1,6 +1,8 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include <zentara/utils/mutex.h>
@@ -15,9 +17,11 @@ class deviceRequest;
 
 namespace Zentara::Simulated {
 
-/// Lets the operations of one device go wrong as its settings say. Safe.
+/// Lets the operations of one device, and the transfers below them, go wrong as its settings say. Safe.
 class Faults final {
 public:
+    /// Without faults.
+    Faults() = default;
     Faults(const Settings& settings, Device device);
 
     /// Called where an operation begins. Returns when the operation is to go on, after a hang if one is due.
@@ -25,28 +29,30 @@ public:
     /// \throws what the settings say; Plugin::IOPluginException "OPERATION: cancelled" when a hang was cancelled.
     void meet(Operation operation, IO::deviceRequest* request = nullptr);
 
+    /// The fault of this call of the operation, if it has one. Every call counts.
+    [[nodiscard]] std::optional<Fault> due(Operation operation);
+    /// Throws what a fault of kind Throw or Foreign stands for.
+    [[noreturn]] static void raise(const Fault& fault);
+    /// Waits for so long. False when a cancel came before the time was over.
+    bool hang(std::uint32_t milliseconds);
+
     /// Ends a hang. False when nothing hangs.
     bool cancel();
 
+    void add(const Fault& fault);
+    /// Forgets the faults and counts calls from the first again.
+    void clear();
     /// Other settings from now on, all counts at their beginning.
     void rearm(const Settings& settings);
 
     [[nodiscard]] bool refusesCancel();
 
 private:
-    struct Armed {
-        Fault fault;
-        std::uint64_t calls = 0;
-    };
-
-    bool due(Operation operation, Fault& fault);
-    void hang(const Fault& fault, IO::deviceRequest* request);
-    bool waitHanging(std::uint32_t milliseconds);
-
-    const Device kind;
+    const Device kind = Device::Any;
     Utils::Threading::Mutex lock;
     bool refuseCancel ZENTARA_GUARDED_BY(lock) = false;
-    std::vector<Armed> armed ZENTARA_GUARDED_BY(lock);
+    std::vector<Fault> armed ZENTARA_GUARDED_BY(lock);
+    std::array<std::uint64_t, operationCount> calls ZENTARA_GUARDED_BY(lock){};
     std::uint32_t hanging ZENTARA_GUARDED_BY(lock) = 0;
     std::uint32_t cancels ZENTARA_GUARDED_BY(lock) = 0;
     Utils::Threading::Signal wake;

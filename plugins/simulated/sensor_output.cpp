@@ -14,32 +14,31 @@ bool fits(const RegionOfInterestInternal& region) {
            region.width <= frameWidth - region.x && region.height <= frameHeight - region.y;
 }
 
-RegionOfInterestInternal readRegion(const Controller& controller) {
+RegionOfInterestInternal readRegion(const Port& port) {
     constexpr std::uint8_t first = registerOf(ParameterType_REGION_OF_INTEREST);
-    const RegionOfInterestInternal region{controller.tofRegister(first), controller.tofRegister(first + 1),
-                                          controller.tofRegister(first + 2),
-                                          controller.tofRegister(first + 3)};
+    const RegionOfInterestInternal region{port.tofRegister(first), port.tofRegister(first + 1),
+                                          port.tofRegister(first + 2), port.tofRegister(first + 3)};
     return fits(region) ? region : RegionOfInterestInternal{0, 0, frameWidth, frameHeight};
 }
 
 } // namespace
 
-SensorOutput SensorOutput::read(const Controller* controller) {
+SensorOutput SensorOutput::read(const Port* port) {
     SensorOutput output;
     output.region = {0, 0, frameWidth, frameHeight};
     output.header.megahertz = usualMegahertz;
-    if (controller == nullptr)
+    if (port == nullptr)
         return output;
-    output.raw = (controller->tofRegister(outputRegister) & 1) != 0;
-    if (controller->tofRegister(signatureRegister) != signature)
+    output.raw = (port->tofRegister(outputRegister) & 1) != 0;
+    if (port->tofRegister(signatureRegister) != signature)
         return output;
-    const auto mode = controller->tofRegister(registerOf(ParameterType_RAW_OUTPUT_MODE));
+    const auto mode = port->tofRegister(registerOf(ParameterType_RAW_OUTPUT_MODE));
     if (rawFrameBytes(static_cast<RawOutputMode>(mode)) != 0)
         output.header.mode = static_cast<RawOutputMode>(mode);
-    if (const auto megahertz = controller->tofRegister(registerOf(ParameterType_FLOAT_2)))
+    if (const auto megahertz = port->tofRegister(registerOf(ParameterType_FLOAT_2)))
         output.header.megahertz = megahertz;
-    output.dark = controller->tofRegister(registerOf(ParameterType_BOOL_7)) == 0;
-    output.region = readRegion(*controller);
+    output.dark = port->tofRegister(registerOf(ParameterType_BOOL_7)) == 0;
+    output.region = readRegion(*port);
     return output;
 }
 

@@ -2,7 +2,7 @@
 
 #include <zentara/region_of_interest_internal.h>
 
-#include "plugins/simulated/controller.h"
+#include "plugins/simulated/port.h"
 #include "plugins/simulated/raw_frame.h"
 
 namespace Zentara::Simulated {
@@ -15,8 +15,8 @@ struct SensorOutput {
     bool dark = false; ///< the illumination is switched off
     RegionOfInterestInternal region;
 
-    /// \param controller null for a camera without one
-    [[nodiscard]] static SensorOutput read(const Controller* controller);
+    /// \param port null for a camera without one
+    [[nodiscard]] static SensorOutput read(const Port* port);
 };
 
 } // namespace Zentara::Simulated

@@ -17,7 +17,7 @@ namespace {
 
 using Utils::Format;
 
-constexpr std::array<const char*, 29> operationNames{
+constexpr std::array<const char*, operationCount> operationNames{
     "create",
     "initialize",
     "dispose",
@@ -47,6 +47,7 @@ constexpr std::array<const char*, 29> operationNames{
     "enableAudio",
     "setLevel",
     "setMute",
+    "transfer",
 };
 
 /// In the order of the exception kinds' numbers.
@@ -54,6 +55,10 @@ constexpr std::array<const char*, 9> kindNames{
     "streaming",    "configuration",  "timeout",          "argument",           "io",
     "notSupported", "initialization", "invalidOperation", "unauthorizedAccess",
 };
+
+/// In the order of the fault kinds, from Hang on.
+constexpr std::array<const char*, 6> transferFaultNames{"hang", "fail", "late", "short", "long", "corrupt"};
+constexpr std::uint32_t usualHangMillis = 10000;
 
 template<std::size_t count>
 int indexOf(const std::array<const char*, count>& names, const std::string& name) {
@@ -205,26 +210,32 @@ std::uint32_t numberUpTo(Statement& statement, const char* what, std::uint32_t l
     return value;
 }
 
-OV0570Controller::Device readDevice(Statement& statement) {
-    OV0570Controller::Device device{};
+OV0570Firmware::Device readDevice(Statement& statement) {
+    OV0570Firmware::Device device{};
     device.busAddress = static_cast<std::uint16_t>(numberUpTo(statement, "the bus address", 0, 0xFFFF));
     device.addressCode = static_cast<std::uint8_t>(numberUpTo(statement, "the address bytes", 1, 4) - 1);
     device.dataCode = static_cast<std::uint8_t>(numberUpTo(statement, "the data bytes", 1, 4) - 1);
     return device;
 }
 
-TransferFault readTransferFault(Statement& statement) {
-    const std::string transfer = statement.word("the number of the transfer");
-    const std::string kind = statement.word("what goes wrong with it");
-    try {
-        return parseTransferFault(transfer, kind, statement.rest());
-    } catch (const Plugin::ArgumentPluginException& failure) {
-        statement.fail(failure.what());
-    }
+Fault readTransferFault(Statement& statement) {
+    Fault fault;
+    fault.at = Operation::Transfer;
+    fault.after = numberUpTo(statement, "the number of the transfer", 1, 0xFFFFFFFF) - 1;
+    fault.times = 1;
+    const std::string name = statement.word("what goes wrong with it");
+    const int kind = indexOf(transferFaultNames, name);
+    if (kind < 0)
+        statement.fail(Format("unknown transfer fault '%'; known: %") % name % list(transferFaultNames));
+    fault.kind = static_cast<Fault::Kind>(static_cast<int>(Fault::Kind::Hang) + kind);
+    fault.milliseconds = usualHangMillis;
+    if (!statement.atEnd())
+        fault.milliseconds = statement.number("the time in milliseconds");
+    return fault;
 }
 
 /// False for a statement that is not about the controller.
-bool readControllerStatement(Statement& statement, const std::string& verb, ControllerSettings& settings) {
+bool readFirmwareStatement(Statement& statement, const std::string& verb, FirmwareSettings& settings) {
     if (verb == "chip")
         settings.chip = chipNamed(statement.word("the chip"), statement.where());
     else if (verb == "device")
@@ -242,10 +253,6 @@ bool readControllerStatement(Statement& statement, const std::string& verb, Cont
         settings.keptFlash = statement.rest();
     else if (verb == "keepRegisters")
         settings.keptRegisters = statement.rest();
-    else if (verb == "transferLog")
-        settings.transferLog = statement.rest();
-    else if (verb == "transfer")
-        settings.faults.push_back(readTransferFault(statement));
     else
         return false;
     return true;
@@ -262,7 +269,11 @@ void readStatement(Statement& statement, Settings& settings) {
     } else if (verb == "refuse") {
         statement.expect("cancel");
         settings.refuseCancel = true;
-    } else if (!readControllerStatement(statement, verb, settings.controller)) {
+    } else if (verb == "transfer") {
+        settings.faults.push_back(readTransferFault(statement));
+    } else if (verb == "transferLog") {
+        settings.transferLog = statement.rest();
+    } else if (!readFirmwareStatement(statement, verb, settings.firmware)) {
         statement.fail(
             Format("unknown statement '%'; known: seed throw hang refuse chip device claim fpgaRounds "
                    "resetReads flash keepFlash keepRegisters transfer transferLog") %
@@ -327,9 +338,9 @@ void Settings::add(const std::string& text, const std::string& source) {
 
 Settings Settings::fromEnvironment() {
     Settings settings = readEnvironment();
-    Utils::EnvironmentVariable chip(ControllerSettings::chipVariable);
+    Utils::EnvironmentVariable chip(FirmwareSettings::chipVariable);
     if (chip.isDefined())
-        settings.controller.chip = chipNamed(chip.getValue(), ControllerSettings::chipVariable);
+        settings.firmware.chip = chipNamed(chip.getValue(), FirmwareSettings::chipVariable);
     return settings;
 }
 

@@ -4,67 +4,10 @@
 #include <string>
 #include <vector>
 
-#include <zentara/plugin/plugin_exceptions.h>
-
-#include "plugins/simulated/controllers/controller_settings.h"
+#include "plugins/simulated/fault.h"
+#include "plugins/simulated/firmware/firmware_settings.h"
 
 namespace Zentara::Simulated {
-
-/// Where a simulated device can be made to fail: its operations, under the names that the settings use for them.
-enum class Operation : std::uint8_t {
-    Create, // the factory itself
-    Initialize,
-    Dispose,
-    ThreadInitialize,
-    ThreadUninitialize,
-    ReadBuffer,
-    Open,
-    Close,
-    Disable,
-    GetControlRanges,
-    GetConfigurations,
-    EnableColor,
-    EnableDepth,
-    SetControl,
-    Send,
-    Recv,
-    Len,
-    Setup,
-    ControlRead,
-    ControlWrite,
-    BulkWrite,
-    Pause,
-    Resume,
-    SetRegion,
-    SetOutputFormat,
-    GetDefault,
-    EnableAudio,
-    SetLevel,
-    SetMute,
-};
-
-/// The word that stands for an operation in the settings, for example "readBuffer".
-[[nodiscard]] const char* operationName(Operation operation) noexcept;
-
-enum class Device : std::uint8_t { Any, Video, Audio };
-
-/// One thing that goes wrong.
-struct Fault {
-    enum class Kind : std::uint8_t {
-        Throw,   ///< a plug-in exception
-        Foreign, ///< an exception that is none of the plug-in exceptions
-        Hang,
-    };
-
-    Kind kind = Kind::Throw;
-    Device device = Device::Any;
-    Operation at = Operation::Create;
-    Plugin::PluginExceptionType exception = Plugin::PluginExceptionType_IO;
-    std::uint32_t milliseconds = 0;    ///< how long it hangs
-    std::uint32_t after = 0;           ///< calls that go well first
-    std::uint32_t times = 0xFFFFFFFFU; ///< calls that go wrong then
-    std::string message;               ///< of the exception; empty for one that names the operation
-};
 
 /// How a simulated camera behaves: a small text, one statement a line, '#' begins a comment.
 ///
@@ -90,7 +33,7 @@ struct Fault {
 ///     transfer N FAULT [MS]          the Nth transfer: fail, late, short, long, corrupt, or hang for MS milliseconds
 ///     transferLog PATH               a line for each transfer is added to this file
 ///
-/// An OPERATION is one of the words of the enumeration above (create, initialize, ... setMute); "video." or
+/// An OPERATION is one of the words of `Operation` (create, initialize, ... setMute, transfer); "video." or
 /// "audio." before it picks one device, else both are meant. A throw or hang may go on with "after N" (so many
 /// calls go well first), "times N" (so many go wrong), and a throw, at its end, with "saying TEXT".
 /// Thread initialisation fails with "throw initialization at threadInitialize".
@@ -98,7 +41,8 @@ struct Settings {
     std::uint32_t seed = 1;
     bool refuseCancel = false;
     std::vector<Fault> faults;
-    ControllerSettings controller;
+    FirmwareSettings firmware; ///< `firmware.chip` is nothing for a camera without a controller
+    std::string transferLog;   ///< a file (UTF-8) that gets one line a transfer, empty for none
 
     /// The variable that holds the settings: "@PATH" names a file (UTF-8), anything else is the text itself, in
     /// which ';' ends a line as well. Unset or empty: no faults.

@@ -17,10 +17,9 @@
 
 #include "plugins/descriptions/controller.h"
 #include "plugins/descriptions/wire.h"
-#include "plugins/simulated/faults.h"
 #include "plugins/simulated/pending_request.h"
 #include "plugins/simulated/plugged_camera.h"
-#include "plugins/simulated/port_controller.h"
+#include "plugins/simulated/port.h"
 #include "plugins/simulated/scene.h"
 #include "plugins/simulated/sensor_output.h"
 #include "plugins/simulated/settings.h"
@@ -90,9 +89,9 @@ void crop(const RegionOfInterestInternal& region, std::uint16_t* plane) {
 } // namespace
 
 struct SimulatedVideoDevice::Impl {
-    explicit Impl(const Settings& settings, std::unique_ptr<Controller> plugged)
-        : faults(settings, Device::Video), scene(settings.seed), controller(std::move(plugged)),
-          depth(pixelCount), confidence(pixelCount) {
+    explicit Impl(const Settings& settings)
+        : faults(std::make_shared<Faults>(settings, Device::Video)), scene(settings.seed),
+          port(makePort(settings, faults)), depth(pixelCount), confidence(pixelCount) {
         const CameraControlRanges known = controlRanges();
         for (const auto& [control, range] : known.ranges)
             controls.values[control] = range.defaultValue;
@@ -107,22 +106,22 @@ struct SimulatedVideoDevice::Impl {
         Settings settings = Settings::fromEnvironment();
         settings.add(own, node.parentPath);
         if (chip)
-            settings.controller.chip = chip;
-        std::shared_ptr<Controller> made = makeController(settings.controller);
-        faults.rearm(settings);
+            settings.firmware.chip = chip;
+        faults->rearm(settings);
+        std::shared_ptr<Port> made = makePort(settings, faults);
         AutoLock hold(lock);
         scene = Scene(settings.seed);
-        controller = std::move(made);
+        port = std::move(made);
     }
 
     void meet(Operation operation, IO::deviceRequest* request) {
-        faults.meet(operation, request);
+        faults->meet(operation, request);
         camera.require(operationName(operation));
     }
 
-    std::shared_ptr<Controller> plugged() {
+    std::shared_ptr<Port> plugged() {
         AutoLock hold(lock);
-        return controller;
+        return port;
     }
 
     [[nodiscard]] std::size_t frameSize(const SensorOutput& output) const ZENTARA_REQUIRES(lock) {
@@ -145,8 +144,8 @@ struct SimulatedVideoDevice::Impl {
                                                   operationName(operation));
     }
 
-    std::shared_ptr<Controller> requireController(Operation operation) {
-        std::shared_ptr<Controller> present = plugged();
+    std::shared_ptr<Port> requirePort(Operation operation) {
+        std::shared_ptr<Port> present = plugged();
         if (!present)
             throw NotSupportedPluginException(Format("%: the simulated camera has no controller") %
                                               operationName(operation));
@@ -186,12 +185,12 @@ struct SimulatedVideoDevice::Impl {
             std::memcpy(buffer + confidenceOffset, confidence.data(), pixelCount * sizeof confidence[0]);
     }
 
-    Faults faults;
+    const std::shared_ptr<Faults> faults;
     PluggedCamera camera;
     StreamClock clock{framesPerSecond, framesKept};
     Utils::Threading::Mutex lock; ///< never held while waiting for a frame
     Scene scene ZENTARA_GUARDED_BY(lock);
-    std::shared_ptr<Controller> controller ZENTARA_GUARDED_BY(lock);
+    std::shared_ptr<Port> port ZENTARA_GUARDED_BY(lock);
     bool opened ZENTARA_GUARDED_BY(lock) = false;
     Stream stream ZENTARA_GUARDED_BY(lock) = Stream::None;
     OutputFormat format ZENTARA_GUARDED_BY(lock) = OutputFormat::OutputFormat_DEPTH_CONFIDENCE;
@@ -203,43 +202,38 @@ struct SimulatedVideoDevice::Impl {
 };
 
 SimulatedVideoDevice::SimulatedVideoDevice()
-    : SimulatedVideoDevice(makeController(Settings::fromEnvironment().controller)) {}
-
-SimulatedVideoDevice::SimulatedVideoDevice(std::unique_ptr<Controller> controller)
     : VideoDeviceInterface(Core::Guids::MOCKVIDEODEVICE_IMPL),
-      impl(std::make_unique<Impl>(Settings::fromEnvironment(), std::move(controller))) {
-    impl->faults.meet(Operation::Create);
+      impl(std::make_unique<Impl>(Settings::fromEnvironment())) {
+    impl->faults->meet(Operation::Create);
 }
 
 SimulatedVideoDevice::~SimulatedVideoDevice() = default;
 
 void SimulatedVideoDevice::dispose() {
     impl->clock.stop();
-    impl->faults.meet(Operation::Dispose);
+    impl->faults->meet(Operation::Dispose);
     VideoDeviceInterface::dispose();
 }
 
 void SimulatedVideoDevice::initialize(NodeEvent* event, Core::DescriptorStoreRO* store) {
-    impl->faults.meet(Operation::Initialize);
+    impl->faults->meet(Operation::Initialize);
     VideoDeviceInterface::initialize(event, store);
     impl->plugIn(*event, store);
 }
 
-void SimulatedVideoDevice::threadInitialize() { impl->faults.meet(Operation::ThreadInitialize); }
+void SimulatedVideoDevice::threadInitialize() { impl->faults->meet(Operation::ThreadInitialize); }
 
-void SimulatedVideoDevice::threadUninitialize() { impl->faults.meet(Operation::ThreadUninitialize); }
+void SimulatedVideoDevice::threadUninitialize() { impl->faults->meet(Operation::ThreadUninitialize); }
 
 bool SimulatedVideoDevice::cancelIO() {
-    const std::shared_ptr<Controller> controller = impl->plugged();
-    return !impl->faults.refusesCancel() &&
-           (impl->faults.cancel() || (controller && controller->cancel()) || impl->clock.cancel());
+    return !impl->faults->refusesCancel() && (impl->faults->cancel() || impl->clock.cancel());
 }
 
 ReadBufferStatus SimulatedVideoDevice::readBuffer(void* buffer, int size, std::int64_t* timestamp,
                                                   int* length) {
     if (buffer == nullptr || timestamp == nullptr || length == nullptr)
         throw ArgumentPluginException("readBuffer: a pointer is null");
-    impl->faults.meet(Operation::ReadBuffer);
+    impl->faults->meet(Operation::ReadBuffer);
     std::uint64_t number = 0;
     std::int64_t due = 0;
     const StreamClock::Turn turn = impl->clock.waitForNext(number, due);
@@ -269,7 +263,7 @@ void SimulatedVideoDevice::open(IO::deviceRequest* request) {
 }
 
 void SimulatedVideoDevice::close(IO::deviceRequest* request) {
-    impl->faults.meet(Operation::Close, request);
+    impl->faults->meet(Operation::Close, request);
     AutoLock hold(impl->lock);
     impl->requireOpen(Operation::Close);
     impl->stop();
@@ -277,7 +271,7 @@ void SimulatedVideoDevice::close(IO::deviceRequest* request) {
 }
 
 void SimulatedVideoDevice::disableStreaming(IO::disableRequest* request) {
-    impl->faults.meet(Operation::Disable, request);
+    impl->faults->meet(Operation::Disable, request);
     AutoLock hold(impl->lock);
     impl->requireOpen(Operation::Disable);
     impl->stop();
@@ -339,42 +333,42 @@ void SimulatedVideoDevice::setCameraControl(IO::setCameraControlRequest* request
 void SimulatedVideoDevice::send(IO::xuSendRequest* request) {
     impl->meet(Operation::Send, request);
     const PendingRequest pending(request);
-    impl->requireController(Operation::Send)
-        ->set(request->getUnit(), request->getControl(), static_cast<const std::uint8_t*>(request->getData()),
+    impl->requirePort(Operation::Send)
+        ->set(request->getUnit(), static_cast<std::uint32_t>(request->getControl()), request->getData(),
               request->getLength());
 }
 
 void SimulatedVideoDevice::recv(IO::xuRecvRequest* request) {
     impl->meet(Operation::Recv, request);
     const PendingRequest pending(request);
-    impl->requireController(Operation::Recv)
-        ->get(request->getUnit(), request->getControl(), static_cast<std::uint8_t*>(request->getData()),
-              request->getLength(), request->getFlag());
+    impl->requirePort(Operation::Recv)
+        ->get(request->getUnit(), static_cast<std::uint32_t>(request->getControl()), request->getData(),
+              request->getLength());
 }
 
 void SimulatedVideoDevice::len(IO::xuLenRequest* request) {
     impl->meet(Operation::Len, request);
     *request->getResult() =
-        impl->requireController(Operation::Len)->length(request->getUnit(), request->getControl());
+        impl->requirePort(Operation::Len)->length(request->getUnit(), request->getControl());
 }
 
 void SimulatedVideoDevice::xuSetup(IO::xuSetupRequest* request) {
     impl->meet(Operation::Setup, request);
-    impl->requireController(Operation::Setup)->setup(request->getGUID());
+    impl->requirePort(Operation::Setup)->select(request->getGUID());
 }
 
 void SimulatedVideoDevice::read(IO::readControlTransferRequest* request) {
-    impl->faults.meet(Operation::ControlRead, request);
+    impl->faults->meet(Operation::ControlRead, request);
     VideoDeviceInterface::read(request);
 }
 
 void SimulatedVideoDevice::write(IO::writeBulkTransferRequest* request) {
-    impl->faults.meet(Operation::BulkWrite, request);
+    impl->faults->meet(Operation::BulkWrite, request);
     VideoDeviceInterface::write(request);
 }
 
 void SimulatedVideoDevice::write(IO::writeControlTransferRequest* request) {
-    impl->faults.meet(Operation::ControlWrite, request);
+    impl->faults->meet(Operation::ControlWrite, request);
     VideoDeviceInterface::write(request);
 }
 

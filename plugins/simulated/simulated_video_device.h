@@ -5,8 +5,6 @@
 
 #include <zentara/io/video_device_interface.h>
 
-#include "plugins/simulated/controller.h"
-
 namespace Zentara::Simulated {
 
 /// A video device without hardware: depth, and colour, of a Scene at QVGA and 60 frames a second, in real time.
@@ -22,11 +20,8 @@ namespace Zentara::Simulated {
 class SimulatedVideoDevice final : public IO::VideoDeviceInterface {
 public:
     /// With the settings of the environment, and the controller that they name.
-    SimulatedVideoDevice();
-
-    /// \param controller answers the extension unit; with null its operations are not supported.
     /// \throws Plugin::ConfigurationPluginException when the settings are wrong.
-    explicit SimulatedVideoDevice(std::unique_ptr<Controller> controller);
+    SimulatedVideoDevice();
     ~SimulatedVideoDevice() override;
 
     void dispose() override;

@@ -344,46 +344,5 @@ TEST(HangingVideoDevice, RefusesToBeCancelledWhenToldTo) {
     EXPECT_EQ(outcome([&] { camera.open(); }), "7: open: the device is open already");
 }
 
-/// Notes what reaches it and answers with what it is told.
-class RecordingController final : public Controller {
-public:
-    explicit RecordingController(std::string& target) : log(target) {}
-
-    void setup(const GUID& unit) override { log += "setup " + std::to_string(unit.Data1) + ";"; }
-    void set(std::uint32_t unit, std::int32_t control, const std::uint8_t* data,
-             std::uint32_t length) override {
-        log += "set " + std::to_string(unit) + " " + std::to_string(control) + " " +
-               std::string(data, data + length) + ";";
-    }
-    void get(std::uint32_t, std::int32_t, std::uint8_t* data, std::uint32_t length, bool flag) override {
-        std::fill(data, data + length, static_cast<std::uint8_t>(flag ? 'y' : 'n'));
-    }
-    std::int32_t length(std::uint32_t unit, std::uint32_t control) override {
-        return static_cast<std::int32_t>(unit + control);
-    }
-
-private:
-    std::string& log;
-};
-
-TEST(Controller, AnswersTheExtensionUnitOfItsDevice) {
-    std::string log;
-    const auto device = std::make_unique<SimulatedVideoDevice>(std::make_unique<RecordingController>(log));
-    const GUID unit{42, 0, 0, {}};
-    std::uint8_t answer[3]{};
-    std::int32_t length = 0;
-    auto setup = Utils::makeRefcounted<IO::xuSetupRequest>(nullptr, unit);
-    auto send = Utils::makeRefcounted<IO::xuSendRequest>(nullptr, 3U, 4, 2U, "hi");
-    auto recv = Utils::makeRefcounted<IO::xuRecvRequest>(nullptr, 3U, 4, 3U, answer, true);
-    auto len = Utils::makeRefcounted<IO::xuLenRequest>(nullptr, 3U, 4U, &length);
-    device->xuSetup(setup.get());
-    device->send(send.get());
-    device->recv(recv.get());
-    device->len(len.get());
-    EXPECT_EQ(log, "setup 42;set 3 4 hi;");
-    EXPECT_EQ(std::string(answer, answer + 3), "yyy");
-    EXPECT_EQ(length, 7);
-}
-
 } // namespace
 } // namespace Zentara::Simulated

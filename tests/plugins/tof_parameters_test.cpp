@@ -11,10 +11,10 @@
 #include "plugins/cameras/plugin_guids.h"
 #include "plugins/descriptions/controller.h"
 #include "plugins/descriptions/wire.h"
-#include "plugins/simulated/controllers/controller_port.h"
-#include "plugins/simulated/controllers/ov0570_controller.h"
-#include "plugins/simulated/controllers/vc0258_controller.h"
-#include "plugins/simulated/controllers/vc0345_controller.h"
+#include "plugins/simulated/firmware/ov0570_firmware.h"
+#include "plugins/simulated/firmware/vc0258_firmware.h"
+#include "plugins/simulated/firmware/vc0345_firmware.h"
+#include "plugins/simulated/port.h"
 #include "support/plugin_failure.h"
 
 namespace Testing {
@@ -42,22 +42,22 @@ ErrorCode transfer(Operation operation) {
 
 ErrorCode set(void* port, unsigned short unit, unsigned int selector, unsigned char* data,
               unsigned int length) {
-    return transfer([&] { static_cast<ControllerPort*>(port)->set(unit, selector, data, length); });
+    return transfer([&] { static_cast<Port*>(port)->set(unit, selector, data, length); });
 }
 
 ErrorCode get(void* port, unsigned short unit, unsigned int selector, unsigned char* data,
               unsigned int length) {
-    return transfer([&] { static_cast<ControllerPort*>(port)->get(unit, selector, data, length); });
+    return transfer([&] { static_cast<Port*>(port)->get(unit, selector, data, length); });
 }
 
-std::unique_ptr<ControllerModel> makeController(ChipKind kind) {
+std::unique_ptr<Firmware> makeKind(ChipKind kind) {
     switch (kind) {
     case ChipKind::OV0570:
-        return std::make_unique<OV0570Controller>(OV0570Controller::Settings());
+        return std::make_unique<OV0570Firmware>(OV0570Firmware::Settings());
     case ChipKind::VC0258:
-        return std::make_unique<VC0258Controller>(VC0258Controller::Settings());
+        return std::make_unique<VC0258Firmware>(VC0258Firmware::Settings());
     default:
-        return std::make_unique<VC0345Controller>(VC0345Controller::Settings());
+        return std::make_unique<VC0345Firmware>(VC0345Firmware::Settings());
     }
 }
 
@@ -85,7 +85,7 @@ protected:
         return value;
     }
 
-    ControllerPort camera{makeController(GetParam())};
+    Port camera{makeKind(GetParam())};
     Interpreter parameters = LibraryParameterInterpreter::create(parameterBackEndGuid);
 };
 
@@ -137,7 +137,7 @@ TEST_P(TofParameters, RangeFollowsTheModulationFrequency) {
 }
 
 TEST_P(TofParameters, WithoutAModulationFrequencyThereIsNoRange) {
-    camera.setTofRegister(registerOf(ParameterType_FLOAT_2), 0);
+    camera.model().tofRegisters()->change(registerOf(ParameterType_FLOAT_2), 0);
     EXPECT_EQ(failure([&] { static_cast<void>(parameters->getRange()); }).second, "Failed to get range");
     EXPECT_EQ(failure([&] { static_cast<void>(parameters->getPhaseScaling()); }).second,
               "Failed to get phase scaling");
@@ -240,9 +240,9 @@ TEST_P(TofParameters, CalibrationIsKept) {
 }
 
 TEST_P(TofParameters, TransferThatFailsIsNamed) {
-    for (std::uint64_t nth = 1; nth <= 4; ++nth) {
+    for (std::uint32_t nth = 1; nth <= 4; ++nth) {
         camera.clearFaults();
-        camera.addFault({nth, TransferFaultKind::Fail});
+        camera.addFault(nth, Fault::Kind::Fail);
         ParameterRequestMap state = stateOf(0, 0, true, {});
         const auto [kind, message] = failure([&] { parameters->read(state); });
         EXPECT_EQ(kind, 4) << "transfer " << nth;
@@ -253,13 +253,13 @@ TEST_P(TofParameters, TransferThatFailsIsNamed) {
 }
 
 TEST_P(TofParameters, InterruptedStartBeginsAnew) {
-    ControllerPort fresh{makeController(GetParam())};
+    Port fresh{makeKind(GetParam())};
     fresh.select(fresh.model().guid());
     // Walks the failure through the whole start; at some transfer it has become long enough to succeed.
-    std::uint64_t nth = 1;
+    std::uint32_t nth = 1;
     for (bool started = false; !started; ++nth) {
         fresh.clearFaults();
-        fresh.addFault({nth, TransferFaultKind::Fail});
+        fresh.addFault(nth, Fault::Kind::Fail);
         try {
             parameters->initialize(&fresh, set, get, {}, withController(GetParam()));
             started = true;
@@ -274,9 +274,9 @@ TEST_P(TofParameters, InterruptedStartBeginsAnew) {
 }
 
 TEST(TofParametersOfAVC0258, LeaveTheByteOrderToWhoeverSetIt) {
-    auto model = std::make_unique<VC0258Controller>(VC0258Controller::Settings());
-    VC0258Controller& controller = *model;
-    ControllerPort camera(std::move(model));
+    auto model = std::make_unique<VC0258Firmware>(VC0258Firmware::Settings());
+    VC0258Firmware& controller = *model;
+    Port camera(std::move(model));
     camera.select(controller.guid());
     const Interpreter parameters = LibraryParameterInterpreter::create(parameterBackEndGuid);
     parameters->initialize(&camera, set, get, {}, withController(ChipKind::VC0258));
@@ -295,7 +295,7 @@ TEST(TofParametersOfAVC0258, LeaveTheByteOrderToWhoeverSetIt) {
 
 /// A bridge whose byte order somebody else turns over, right after it was asked for.
 struct RestlessBridge {
-    ControllerPort& camera;
+    Port& camera;
     int turns; ///< still to come
 
     static ErrorCode get(void* self, unsigned short unit, unsigned int selector, unsigned char* data,
@@ -316,7 +316,7 @@ struct RestlessBridge {
 };
 
 TEST(TofParametersOfAVC0258, AreWholeThoughTheByteOrderChangesMeanwhile) {
-    ControllerPort camera(std::make_unique<VC0258Controller>(VC0258Controller::Settings()));
+    Port camera(std::make_unique<VC0258Firmware>(VC0258Firmware::Settings()));
     camera.select(camera.model().guid());
     RestlessBridge bridge{camera, 0};
     const Interpreter parameters = LibraryParameterInterpreter::create(parameterBackEndGuid);
@@ -339,14 +339,14 @@ TEST(TofParametersOfAVC0258, AreWholeThoughTheByteOrderChangesMeanwhile) {
 
 TEST(TofParametersOfOddCameras, AreRefused) {
     const Interpreter parameters = LibraryParameterInterpreter::create(parameterBackEndGuid);
-    const auto refusal = [&](OV0570Controller::Settings settings) {
-        ControllerPort camera(std::make_unique<OV0570Controller>(settings));
+    const auto refusal = [&](OV0570Firmware::Settings settings) {
+        Port camera(std::make_unique<OV0570Firmware>(settings));
         camera.select(camera.model().guid());
         return failure(
             [&] { parameters->initialize(&camera, set, get, {}, withController(ChipKind::OV0570)); });
     };
     const std::pair refused(6, std::string("Failed to initialize plugin"));
-    OV0570Controller::Settings settings;
+    OV0570Firmware::Settings settings;
     settings.devices = {{0, 0, 0x0021}};
     EXPECT_EQ(refusal(settings), refused) << "registers of one byte";
     settings.devices = {{0, 1, 0x0022}};

@@ -14,7 +14,7 @@ namespace Zentara::Test {
 namespace {
 
 using Simulated::Transfer;
-using Simulated::TransferFaultKind;
+using FaultKind = Simulated::Fault::Kind;
 
 unsigned pairAt(const Transfer& transfer, std::size_t at) {
     return transfer.sent[at] | static_cast<unsigned>(transfer.sent[at + 1] << 8);
@@ -109,8 +109,8 @@ protected:
         const std::size_t count = transfersOf(whole, operation).size();
         const std::size_t first = 1 + walked++ % TestSupport::stride;
         for (std::size_t failing = first; failing <= count; failing += TestSupport::stride) {
-            for (const TransferFaultKind kind : {TransferFaultKind::Fail, TransferFaultKind::Late,
-                                                 TransferFaultKind::Short, TransferFaultKind::Long}) {
+            for (const FaultKind kind :
+                 {FaultKind::Fail, FaultKind::Late, FaultKind::Short, FaultKind::Long}) {
                 SCOPED_TRACE(operation.name + (warm ? ", warm" : ", cold") + ", transfer " +
                              std::to_string(failing) + ", fault " + std::to_string(static_cast<int>(kind)));
                 const Fault fault{operation, warm, failing, kind};
@@ -127,7 +127,7 @@ protected:
         const ChipOperation<Camera>& operation;
         bool warm;
         std::size_t transfer;
-        TransferFaultKind kind;
+        FaultKind kind;
     };
 
     /// After the fault, `next` is sent as a fresh chip sends it that was told only the successes.
@@ -135,7 +135,7 @@ protected:
         SCOPED_TRACE("then " + next.name);
         Camera camera;
         prepare(camera, fault.warm);
-        camera.port.addFault({fault.transfer, fault.kind, 0});
+        camera.port.addFault(fault.transfer, fault.kind);
         EXPECT_THROW(fault.operation.run(camera), Plugin::PluginException);
         const std::vector<Transfer> done = camera.port.log();
         ASSERT_EQ(done.size(), fault.transfer) << "nothing is sent after a failure";
@@ -193,7 +193,7 @@ TYPED_TEST(ChipFailureTest, ACorruptTransferDoesNoHarm) {
         for (std::size_t corrupt = 1; corrupt <= count; ++corrupt) {
             SCOPED_TRACE(operation.name + ", transfer " + std::to_string(corrupt));
             TypeParam camera;
-            camera.port.addFault({corrupt, TransferFaultKind::Corrupt, 0});
+            camera.port.addFault(corrupt, FaultKind::Corrupt);
             try {
                 operation.run(camera);
             } catch (const Plugin::PluginException&) {

@@ -128,7 +128,7 @@ TYPED_TEST(RequestRefusalTest, AnArrayLongerThanTheDeviceIsRefused) {
 TYPED_TEST(RequestRefusalTest, AFailedArrayReadLeavesTheCallersBytes) {
     TypeParam camera;
     std::vector<unsigned char> bytes{1, 2, 3};
-    camera.port.addFault({4, Simulated::TransferFaultKind::Fail, 0});
+    camera.port.addFault(4, Simulated::Fault::Kind::Fail);
     EXPECT_THROW(camera.chip.processCommand(makeRefcounted<getI2CArrayRequest>(0x21U, bytes)),
                  IOPluginException);
     EXPECT_THAT(bytes, ElementsAre(1, 2, 3));

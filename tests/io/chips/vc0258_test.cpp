@@ -87,8 +87,7 @@ TEST_F(VC0258Test, ASettingWhoseWriteTimedOutIsSentAgain) {
     warm();
     for (const bool tookEffect : {false, true}) {
         camera.port.clearFaults();
-        camera.port.addFault(
-            {1, tookEffect ? Simulated::TransferFaultKind::Late : Simulated::TransferFaultKind::Fail, 0});
+        camera.port.addFault(1, tookEffect ? Simulated::Fault::Kind::Late : Simulated::Fault::Kind::Fail);
         EXPECT_ANY_THROW(static_cast<void>(camera.chip.getTOFControllerRegisterLocked(5)));
         EXPECT_THAT(getTof(0x21, 0x2035), ElementsAre(orderZero, "GET 16  46 01 02 21 00 00 00 00 00"));
         EXPECT_THAT(setTof(5, 0xA1B2), ElementsAre(orderOne, tofWrite("05", "B2 A1")));

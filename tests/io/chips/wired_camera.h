@@ -13,10 +13,10 @@
 #include <zentara/io/vc0258_impl.h>
 #include <zentara/io/vc0345_impl.h>
 
-#include "plugins/simulated/controllers/controller_port.h"
-#include "plugins/simulated/controllers/ov0570_controller.h"
-#include "plugins/simulated/controllers/vc0258_controller.h"
-#include "plugins/simulated/controllers/vc0345_controller.h"
+#include "plugins/simulated/firmware/ov0570_firmware.h"
+#include "plugins/simulated/firmware/vc0258_firmware.h"
+#include "plugins/simulated/firmware/vc0345_firmware.h"
+#include "plugins/simulated/port.h"
 
 namespace Zentara::Test {
 
@@ -33,9 +33,7 @@ public:
 template<typename Chip>
 class WiredChip final : public Chip {
 public:
-    WiredChip(IO::ChipClock& clock, Simulated::ControllerPort& wire) : Chip(clock), port(wire) {
-        Chip::setup();
-    }
+    WiredChip(IO::ChipClock& clock, Simulated::Port& wire) : Chip(clock), port(wire) { Chip::setup(); }
 
     using Chip::setup;
     void setup(const ::GUID& unit) override { port.select(unit); }
@@ -55,7 +53,7 @@ public:
     std::function<void()> onTransfer; ///< called before each
 
 private:
-    Simulated::ControllerPort& port;
+    Simulated::Port& port;
 };
 
 /// "SET 2  11 1D 00 01 00 00 00" for each transfer: what the host sent, and in a GET what it asked with.
@@ -91,14 +89,14 @@ struct WiredCamera {
     }
 
     RecordingClock clock;
-    Simulated::ControllerPort port;
+    Simulated::Port port;
     Model& model;
     WiredChip<Chip> chip;
 };
 
-using OV0570Camera = WiredCamera<IO::OV0570Impl, Simulated::OV0570Controller>;
-using VC0258Camera = WiredCamera<IO::VC0258Impl, Simulated::VC0258Controller>;
-using VC0345Camera = WiredCamera<IO::VC0345Impl, Simulated::VC0345Controller>;
+using OV0570Camera = WiredCamera<IO::OV0570Impl, Simulated::OV0570Firmware>;
+using VC0258Camera = WiredCamera<IO::VC0258Impl, Simulated::VC0258Firmware>;
+using VC0345Camera = WiredCamera<IO::VC0345Impl, Simulated::VC0345Firmware>;
 
 /// The text of the exception that an operation ends with; a failed test when it ends otherwise.
 template<typename Exception, typename Operation>

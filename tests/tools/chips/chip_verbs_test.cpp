@@ -3,7 +3,7 @@
 
 #include <zentara/utils/files.h>
 
-#include "plugins/simulated/controllers/factory_flash.h"
+#include "plugins/simulated/firmware/factory_flash.h"
 #include "plugins/simulated/simulated_bus.h"
 #include "support/scoped_variable.h"
 #include "support/simulated_faults.h"

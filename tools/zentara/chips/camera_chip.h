@@ -8,7 +8,7 @@
 #include <zentara/io/uvc_command_request.h>
 #include <zentara/io/xu_interface.h>
 
-#include "plugins/simulated/controllers/transfer.h"
+#include "plugins/simulated/transfer.h"
 
 namespace Zentara::IO {
 class VideoDeviceProxy;

@@ -10,7 +10,7 @@
 #include <zentara/utils/format.h>
 
 #include "plugins/descriptions/controller.h"
-#include "plugins/simulated/controllers/controller_settings.h"
+#include "plugins/simulated/firmware/firmware_settings.h"
 #include "tools/zentara/cameras/camera_session.h"
 #include "tools/zentara/chips/device_choice.h"
 #include "tools/zentara/guid_text.h"
@@ -31,7 +31,7 @@ public:
     ChosenController& operator=(const ChosenController&) = delete;
 
 private:
-    Utils::EnvironmentVariable chip{Simulated::ControllerSettings::chipVariable};
+    Utils::EnvironmentVariable chip{Simulated::FirmwareSettings::chipVariable};
     std::string before;
 };
 

@@ -12,7 +12,7 @@
 #include <zentara/rom/file_accessor.h>
 #include <zentara/utils/format.h>
 
-#include "plugins/simulated/controllers/factory_flash.h"
+#include "plugins/simulated/firmware/factory_flash.h"
 #include "tools/zentara/file_failure.h"
 #include "tools/zentara/interrupt.h"
 #include "tools/zentara/paths.h"

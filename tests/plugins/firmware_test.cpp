@@ -7,16 +7,15 @@
 
 #include <zentara/plugin/plugin_exceptions.h>
 
-#include "plugins/simulated/controllers/controller_port.h"
-#include "plugins/simulated/controllers/ov0570_controller.h"
-#include "plugins/simulated/controllers/vc0258_controller.h"
-#include "plugins/simulated/controllers/vc0345_controller.h"
+#include "plugins/simulated/firmware/ov0570_firmware.h"
+#include "plugins/simulated/firmware/vc0258_firmware.h"
+#include "plugins/simulated/firmware/vc0345_firmware.h"
+#include "plugins/simulated/port.h"
 
 namespace Zentara::Simulated {
 
 namespace {
 
-using Plugin::ArgumentPluginException;
 using Plugin::IOPluginException;
 using Plugin::NotSupportedPluginException;
 using Plugin::TimeoutPluginException;
@@ -38,7 +37,7 @@ public:
         return request;
     }
 
-    ControllerPort port;
+    Port port;
 
 private:
     std::size_t size(std::uint32_t control) {
@@ -46,8 +45,8 @@ private:
     }
 };
 
-TEST(OV0570ControllerTest, RefusesWidthsThatAreNotTheDevices) {
-    Wire<OV0570Controller> wire;
+TEST(OV0570FirmwareTest, RefusesWidthsThatAreNotTheDevices) {
+    Wire<OV0570Firmware> wire;
     EXPECT_NO_THROW(wire.set(2, {0x11, 5, 0, 1, 2}));
     EXPECT_EQ(wire.get(2, {0x91, 5})[4], 2);
     for (const std::uint8_t head : {0x01, 0x31, 0x13, 0x91}) {
@@ -57,8 +56,8 @@ TEST(OV0570ControllerTest, RefusesWidthsThatAreNotTheDevices) {
     EXPECT_THROW(wire.set(1, {}), IOPluginException);
 }
 
-TEST(OV0570ControllerTest, TheEepromWantsItsStatesInOrder) {
-    Wire<OV0570Controller> wire;
+TEST(OV0570FirmwareTest, TheEepromWantsItsStatesInOrder) {
+    Wire<OV0570Firmware> wire;
     EXPECT_THROW(wire.set(3, {2}), IOPluginException);
     wire.set(3, {1, 0x10, 0x00, 0x2F, 0x00});
     EXPECT_THROW(wire.set(3, {3}), IOPluginException);
@@ -74,12 +73,10 @@ TEST(OV0570ControllerTest, TheEepromWantsItsStatesInOrder) {
     EXPECT_THROW(wire.set(3, {4}), IOPluginException);
 }
 
-TEST(VC0258ControllerTest, AWrongOrderExchangesBytesAndAWrongSizeLosesThem) {
-    Wire<VC0258Controller> wire;
+TEST(VC0258FirmwareTest, AWrongOrderExchangesBytesAndAWrongSizeLosesThem) {
+    Wire<VC0258Firmware> wire;
     const Bytes write{0x43, 1, 0x12, 5, 0, 0, 0x34, 0x12};
-    const auto stored = [&] {
-        return static_cast<VC0258Controller&>(wire.port.model()).device(0x21).peek(5);
-    };
+    const auto stored = [&] { return static_cast<VC0258Firmware&>(wire.port.model()).device(0x21).peek(5); };
     wire.set(4, {0x20, 0x02, 0x81, 9});
     wire.set(16, write);
     EXPECT_EQ(stored(), 0x3412U) << "the bridge was told order 0";
@@ -95,8 +92,8 @@ TEST(VC0258ControllerTest, AWrongOrderExchangesBytesAndAWrongSizeLosesThem) {
     EXPECT_THROW(wire.set(16, write), IOPluginException);
 }
 
-TEST(VC0258ControllerTest, MemoryNeedsTheDmaSizeAndTheArea) {
-    Wire<VC0258Controller> wire;
+TEST(VC0258FirmwareTest, MemoryNeedsTheDmaSizeAndTheArea) {
+    Wire<VC0258Firmware> wire;
     EXPECT_THROW(wire.get(24, {0x50, 0, 0, 32}), IOPluginException);
     wire.set(4, {0x20, 0x0F, 0x81, 0x24});
     EXPECT_EQ(wire.get(24, {0x50, 2, 0, 1})[4], wire.port.model().flash()[2]);
@@ -105,8 +102,8 @@ TEST(VC0258ControllerTest, MemoryNeedsTheDmaSizeAndTheArea) {
     EXPECT_THROW(wire.get(24, {0x50, 2, 0, 33}), IOPluginException);
 }
 
-TEST(VC0345ControllerTest, TheTwoBytesOfARegisterAreReadApart) {
-    Wire<VC0345Controller> wire;
+TEST(VC0345FirmwareTest, TheTwoBytesOfARegisterAreReadApart) {
+    Wire<VC0345Firmware> wire;
     wire.set(4, {0x20, 0x02, 0x81, 4});
     wire.set(16, {0x41, 5, 0x34, 0x12});
     EXPECT_EQ(wire.get(16, {0x46, 0x05})[3], 0x34);
@@ -125,8 +122,8 @@ TEST(PatternFlashTest, NoTwoPiecesAreAlike) {
     EXPECT_EQ(pieces.size(), 2048U);
 }
 
-TEST(ControllerPortTest, ChecksUnitControlAndLengthAndWantsASelection) {
-    ControllerPort port(std::make_unique<OV0570Controller>(OV0570Controller::Settings{}));
+TEST(PortTest, ChecksUnitControlAndLengthAndWantsASelection) {
+    Port port(std::make_unique<OV0570Firmware>(OV0570Firmware::Settings{}));
     Bytes packet(7);
     EXPECT_THROW(port.set(6, 2, packet.data(), 7), IOPluginException);
     EXPECT_THROW(port.select(::GUID{}), NotSupportedPluginException);
@@ -138,19 +135,19 @@ TEST(ControllerPortTest, ChecksUnitControlAndLengthAndWantsASelection) {
     EXPECT_EQ(port.length(6, 3), 33);
 }
 
-TEST(ControllerPortTest, FaultsHitTheirTransferAndLeaveTheBufferAlone) {
-    Wire<VC0345Controller> wire;
+TEST(PortTest, FaultsHitTheirTransferAndLeaveTheBufferAlone) {
+    Wire<VC0345Firmware> wire;
     const struct {
-        TransferFaultKind kind;
+        Fault::Kind kind;
         const char* text;
-    } rows[] = {{TransferFaultKind::Fail, "failed"},
-                {TransferFaultKind::Late, "too late"},
-                {TransferFaultKind::Short, "3 bytes came back, 4 were asked"},
-                {TransferFaultKind::Long, "5 bytes came back, 4 were asked"},
-                {TransferFaultKind::Hang, "did not answer"}};
+    } rows[] = {{Fault::Kind::Fail, "failed"},
+                {Fault::Kind::Late, "too late"},
+                {Fault::Kind::Short, "3 bytes came back, 4 were asked"},
+                {Fault::Kind::Long, "5 bytes came back, 4 were asked"},
+                {Fault::Kind::Hang, "did not answer"}};
     for (const auto& row : rows) {
         wire.port.clearFaults();
-        wire.port.addFault({2, row.kind, 1});
+        wire.port.addFault(2, row.kind, 1);
         Bytes buffer{0xA0, 0, 0, 0};
         EXPECT_NO_THROW(wire.port.get(4, 5, buffer.data(), 4));
         const Bytes before = buffer;
@@ -165,9 +162,9 @@ TEST(ControllerPortTest, FaultsHitTheirTransferAndLeaveTheBufferAlone) {
     }
 }
 
-TEST(ControllerPortTest, AHangingTransferIsCancelled) {
-    Wire<VC0345Controller> wire;
-    wire.port.addFault({1, TransferFaultKind::Hang, 600000});
+TEST(PortTest, AHangingTransferIsCancelled) {
+    Wire<VC0345Firmware> wire;
+    wire.port.addFault(1, Fault::Kind::Hang, 600000);
     std::thread caller([&] { EXPECT_THROW(wire.get(5, {0xA0}), TimeoutPluginException); });
     while (!wire.port.cancel()) {
         std::this_thread::yield();
@@ -176,21 +173,9 @@ TEST(ControllerPortTest, AHangingTransferIsCancelled) {
     caller.join();
     EXPECT_THAT(wire.port.log().back().failure, HasSubstr("cancelled"));
     EXPECT_FALSE(wire.port.cancel());
-    wire.port.addFault({2, TransferFaultKind::Hang, 1});
+    wire.port.addFault(2, Fault::Kind::Hang, 1);
     EXPECT_THROW(wire.get(5, {0xA0}), TimeoutPluginException);
     EXPECT_THAT(wire.port.log().back().failure, HasSubstr("did not answer")) << "a cancel ends one hang";
-}
-
-TEST(ControllerPortTest, FaultsAreReadFromWords) {
-    const TransferFault fault = parseTransferFault("7", "hang", "2500");
-    EXPECT_EQ(fault.transfer, 7U);
-    EXPECT_EQ(fault.kind, TransferFaultKind::Hang);
-    EXPECT_EQ(fault.hangMillis, 2500U);
-    EXPECT_EQ(parseTransferFault("1", "late", "").kind, TransferFaultKind::Late);
-    EXPECT_THROW(static_cast<void>(parseTransferFault("0", "fail", "")), ArgumentPluginException);
-    EXPECT_THROW(static_cast<void>(parseTransferFault("x", "fail", "")), ArgumentPluginException);
-    EXPECT_THROW(static_cast<void>(parseTransferFault("1", "explode", "")), ArgumentPluginException);
-    EXPECT_THROW(static_cast<void>(parseTransferFault("1", "hang", "-1")), ArgumentPluginException);
 }
 
 TEST(TransferTest, LinesTellTheBytesAndTheirMeaning) {

@@ -3,11 +3,11 @@
 #include <cstdint>
 #include <map>
 
-#include "plugins/simulated/controllers/controller_model.h"
-#include "plugins/simulated/controllers/factory_flash.h"
-#include "plugins/simulated/controllers/kept_flash.h"
-#include "plugins/simulated/controllers/register_file.h"
-#include "plugins/simulated/controllers/vc_bridge_registers.h"
+#include "plugins/simulated/firmware/factory_flash.h"
+#include "plugins/simulated/firmware/firmware.h"
+#include "plugins/simulated/firmware/kept_bytes.h"
+#include "plugins/simulated/firmware/register_file.h"
+#include "plugins/simulated/firmware/vc_bridge_registers.h"
 
 namespace Zentara::Simulated {
 
@@ -16,7 +16,7 @@ namespace Zentara::Simulated {
 /// The bridge does what its settings say, right or wrong: a control longer than its size register loses its
 /// tail, and a 2-byte transfer whose order bit differs from the order register arrives with its bytes
 /// exchanged.
-class VC0258Controller final : public ControllerModel {
+class VC0258Firmware final : public Firmware {
 public:
     struct Settings {
         Bytes flash = patternFlash(0x28);
@@ -27,7 +27,7 @@ public:
         std::map<std::uint8_t, unsigned> devices{{0x21, 2}, {0x60, 2}, {0x30, 1}};
     };
 
-    explicit VC0258Controller(Settings settings);
+    explicit VC0258Firmware(Settings settings);
 
     [[nodiscard]] ChipKind kind() const noexcept override { return ChipKind::VC0258; }
     [[nodiscard]] const ::GUID& guid() const noexcept override { return vcUnitGuid(); }
@@ -51,7 +51,7 @@ private:
     [[nodiscard]] Bytes readMemory(const Bytes& request) const;
 
     Settings settings;
-    KeptFlash kept; ///< the configuration memory; a host cannot write it
+    KeptBytes kept; ///< the configuration memory; a host cannot write it
     VCBridgeRegisters bridgeRegisters;
     std::map<std::uint8_t, RegisterFile> files;
 };

@@ -1,4 +1,4 @@
-#include "plugins/simulated/controllers/vc_bridge_registers.h"
+#include "plugins/simulated/firmware/vc_bridge_registers.h"
 
 #include <algorithm>
 
@@ -16,13 +16,13 @@ std::uint16_t addressOf(const Bytes& packet) {
 
 const ::GUID& vcUnitGuid() noexcept { return unitGuid; }
 
-void VCBridgeRegisters::set(const ControllerModel& model, const Bytes& packet) {
+void VCBridgeRegisters::set(const Firmware& model, const Bytes& packet) {
     if (packet[0] != 0x20)
         stall(model, "bridge opcode " + hexText(packet[0]) + " in a SET");
     values[addressOf(packet)] = packet[3];
 }
 
-Bytes VCBridgeRegisters::get(const ControllerModel& model, const Bytes& request) const {
+Bytes VCBridgeRegisters::get(const Firmware& model, const Bytes& request) const {
     if (request[0] != 0x00)
         stall(model, "bridge opcode " + hexText(request[0]) + " in a GET");
     Bytes reply = request;

@@ -9,7 +9,7 @@
 #include <zentara/guid.h>
 
 #include "plugins/descriptions/controller.h"
-#include "plugins/simulated/controllers/register_file.h"
+#include "plugins/simulated/firmware/register_file.h"
 
 namespace Zentara::Simulated {
 
@@ -20,10 +20,10 @@ using Cameras::chipName;
 
 /// The firmware of one camera controller, packet in and packet out: what a host sees of it through the
 /// extension unit, and nothing of how a host would use it. A packet that the firmware refuses is a stall and
-/// throws `IOPluginException` with the reason. *Separate*: a `ControllerPort` serialises the calls.
-class ControllerModel {
+/// throws `IOPluginException` with the reason. *Separate*: a `Port` serialises the calls.
+class Firmware {
 public:
-    virtual ~ControllerModel() = default;
+    virtual ~Firmware() = default;
     [[nodiscard]] virtual ChipKind kind() const noexcept = 0;
     /// The extension unit that a host has to select, and its number on the camera.
     [[nodiscard]] virtual const ::GUID& guid() const noexcept = 0;
@@ -43,7 +43,7 @@ public:
 };
 
 /// Throws `IOPluginException` "CHIP stalled: REASON".
-[[noreturn]] void stall(const ControllerModel& model, const std::string& reason);
+[[noreturn]] void stall(const Firmware& model, const std::string& reason);
 
 /// 0x and at least two digits.
 [[nodiscard]] std::string hexText(std::uint32_t value);

@@ -4,19 +4,19 @@
 #include <fstream>
 #include <string>
 
-#include "plugins/simulated/controllers/controller_model.h"
+#include "plugins/simulated/firmware/firmware.h"
 
 namespace Zentara::Simulated {
 
 /// A flash memory, in a file if it is to outlive the camera: each byte written goes there at once.
 /// *Separate*.
-class KeptFlash {
+class KeptBytes {
 public:
     /// \param file     UTF-8; empty for none. Takes its bytes from the file, or makes the file when there is
     /// none.
     /// \param initial  the bytes without a file; their number is that of the memory.
     /// \throws Plugin::ConfigurationPluginException when the file can be neither read nor made.
-    KeptFlash(const std::string& file, Bytes initial);
+    KeptBytes(const std::string& file, Bytes initial);
 
     [[nodiscard]] const Bytes& bytes() const noexcept { return memory; }
     /// \throws Plugin::IOPluginException when the file cannot be written; the memory has changed then.

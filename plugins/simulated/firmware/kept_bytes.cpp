@@ -1,4 +1,4 @@
-#include "plugins/simulated/controllers/kept_flash.h"
+#include "plugins/simulated/firmware/kept_bytes.h"
 
 #include <filesystem>
 #include <utility>
@@ -27,7 +27,7 @@ void takeOrMake(const std::string& path, const std::filesystem::path& name, Byte
 
 } // namespace
 
-KeptFlash::KeptFlash(const std::string& wanted, Bytes initial) : path(wanted), memory(std::move(initial)) {
+KeptBytes::KeptBytes(const std::string& wanted, Bytes initial) : path(wanted), memory(std::move(initial)) {
     if (path.empty())
         return;
     const std::filesystem::path name(std::u8string(path.begin(), path.end()));
@@ -38,7 +38,7 @@ KeptFlash::KeptFlash(const std::string& wanted, Bytes initial) : path(wanted), m
                                                    path);
 }
 
-void KeptFlash::write(std::size_t address, std::uint8_t value) {
+void KeptBytes::write(std::size_t address, std::uint8_t value) {
     if (address >= memory.size())
         return;
     memory[address] = value;

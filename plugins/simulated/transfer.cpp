@@ -1,4 +1,4 @@
-#include "plugins/simulated/controllers/transfer.h"
+#include "plugins/simulated/transfer.h"
 
 #include <cstdio>
 

@@ -1,4 +1,4 @@
-#include "plugins/simulated/controllers/vc0345_controller.h"
+#include "plugins/simulated/firmware/vc0345_firmware.h"
 
 #include <utility>
 
@@ -19,12 +19,12 @@ Bytes wholeMemory(Bytes flash) {
 
 } // namespace
 
-VC0345Controller::VC0345Controller(const Settings& initial)
+VC0345Firmware::VC0345Firmware(const Settings& initial)
     : memory(initial.flashFile, wholeMemory(initial.flash)) {
     tofFile.write(0x21, 0x2035);
 }
 
-std::optional<std::size_t> VC0345Controller::length(std::uint32_t selector) const {
+std::optional<std::size_t> VC0345Firmware::length(std::uint32_t selector) const {
     switch (selector) {
     case VCBridgeRegisters::control:
     case romControl:
@@ -35,7 +35,7 @@ std::optional<std::size_t> VC0345Controller::length(std::uint32_t selector) cons
     }
 }
 
-void VC0345Controller::set(std::uint32_t selector, const Bytes& packet) {
+void VC0345Firmware::set(std::uint32_t selector, const Bytes& packet) {
     switch (selector) {
     case VCBridgeRegisters::control:
         return bridgeRegisters.set(*this, packet);
@@ -46,7 +46,7 @@ void VC0345Controller::set(std::uint32_t selector, const Bytes& packet) {
     }
 }
 
-Bytes VC0345Controller::get(std::uint32_t selector, const Bytes& request) {
+Bytes VC0345Firmware::get(std::uint32_t selector, const Bytes& request) {
     switch (selector) {
     case VCBridgeRegisters::control:
         return bridgeRegisters.get(*this, request);
@@ -57,13 +57,13 @@ Bytes VC0345Controller::get(std::uint32_t selector, const Bytes& request) {
     }
 }
 
-void VC0345Controller::writeTof(const Bytes& packet) {
+void VC0345Firmware::writeTof(const Bytes& packet) {
     if (packet[0] != 0x41)
         stall(*this, "code " + hexText(packet[0]) + " in a SET of a time-of-flight register");
     tofFile.write(packet[1], packet[2] | (std::uint32_t{packet[3]} << 8));
 }
 
-Bytes VC0345Controller::readTof(const Bytes& request) {
+Bytes VC0345Firmware::readTof(const Bytes& request) {
     if (request[0] != 0x46)
         stall(*this, "code " + hexText(request[0]) + " in a GET of a time-of-flight register");
     const bool high = (request[1] & highByte) != 0;
@@ -73,13 +73,13 @@ Bytes VC0345Controller::readTof(const Bytes& request) {
     return bridgeRegisters.carried(VCBridgeRegisters::sensorControlSize, std::move(reply));
 }
 
-void VC0345Controller::writeRom(const Bytes& packet) {
+void VC0345Firmware::writeRom(const Bytes& packet) {
     if (packet[0] != 0xA1)
         stall(*this, "code " + hexText(packet[0]) + " in a SET of a ROM byte");
     memory.write(romAddress(packet), packet[3]);
 }
 
-Bytes VC0345Controller::readRom(const Bytes& request) const {
+Bytes VC0345Firmware::readRom(const Bytes& request) const {
     if (request[0] != 0xA0)
         stall(*this, "code " + hexText(request[0]) + " in a GET of a ROM byte");
     Bytes reply = request;

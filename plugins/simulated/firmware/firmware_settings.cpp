@@ -1,16 +1,13 @@
-#include "plugins/simulated/controllers/controller_settings.h"
-
-#include <filesystem>
-#include <fstream>
+#include "plugins/simulated/firmware/firmware_settings.h"
 
 #include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/utils/exceptions.h>
 #include <zentara/utils/files.h>
 #include <zentara/utils/format.h>
 
-#include "plugins/simulated/controllers/kept_flash.h"
-#include "plugins/simulated/controllers/vc0258_controller.h"
-#include "plugins/simulated/controllers/vc0345_controller.h"
+#include "plugins/simulated/firmware/kept_bytes.h"
+#include "plugins/simulated/firmware/vc0258_firmware.h"
+#include "plugins/simulated/firmware/vc0345_firmware.h"
 
 namespace Zentara::Simulated {
 
@@ -25,8 +22,8 @@ Bytes readFlash(const std::string& path) {
     }
 }
 
-std::unique_ptr<ControllerModel> makeOV0570(const ControllerSettings& wanted) {
-    OV0570Controller::Settings settings;
+std::unique_ptr<Firmware> makeOV0570(const FirmwareSettings& wanted) {
+    OV0570Firmware::Settings settings;
     if (!wanted.devices.empty())
         settings.devices = wanted.devices;
     if (!wanted.flash.empty())
@@ -35,29 +32,29 @@ std::unique_ptr<ControllerModel> makeOV0570(const ControllerSettings& wanted) {
     settings.claimedDevices = wanted.claimedDevices;
     settings.fpgaRounds = wanted.fpgaRounds;
     settings.resetRounds = wanted.resetReads;
-    return std::make_unique<OV0570Controller>(std::move(settings));
+    return std::make_unique<OV0570Firmware>(std::move(settings));
 }
 
 /// Of its two memories both begin with the bytes of the file.
-std::unique_ptr<ControllerModel> makeVC0258(const ControllerSettings& wanted) {
-    VC0258Controller::Settings settings;
+std::unique_ptr<Firmware> makeVC0258(const FirmwareSettings& wanted) {
+    VC0258Firmware::Settings settings;
     if (!wanted.flash.empty()) {
         settings.flash = readFlash(wanted.flash);
         settings.configuration = settings.flash;
     }
     settings.flashFile = wanted.keptFlash;
-    return std::make_unique<VC0258Controller>(std::move(settings));
+    return std::make_unique<VC0258Firmware>(std::move(settings));
 }
 
-std::unique_ptr<ControllerModel> makeVC0345(const ControllerSettings& wanted) {
-    VC0345Controller::Settings settings;
+std::unique_ptr<Firmware> makeVC0345(const FirmwareSettings& wanted) {
+    VC0345Firmware::Settings settings;
     if (!wanted.flash.empty())
         settings.flash = readFlash(wanted.flash);
     settings.flashFile = wanted.keptFlash;
-    return std::make_unique<VC0345Controller>(std::move(settings));
+    return std::make_unique<VC0345Firmware>(std::move(settings));
 }
 
-std::unique_ptr<ControllerModel> makeModel(const ControllerSettings& wanted) {
+std::unique_ptr<Firmware> makeKind(const FirmwareSettings& wanted) {
     switch (*wanted.chip) {
     case ChipKind::VC0258:
         return makeVC0258(wanted);
@@ -70,9 +67,9 @@ std::unique_ptr<ControllerModel> makeModel(const ControllerSettings& wanted) {
 
 /// The registers of the time-of-flight controller as the file has them, low byte first, and from now on the other way
 /// round. Those that change by themselves are not written.
-void keepRegisters(ControllerModel& model, const std::string& path) {
+void keepRegisters(Firmware& firmware, const std::string& path) {
     constexpr std::uint32_t count = 128;
-    RegisterFile* const registers = model.tofRegisters();
+    RegisterFile* const registers = firmware.tofRegisters();
     if (!registers) {
         throw Plugin::ConfigurationPluginException(
             "simulated camera: without a time-of-flight controller there are no registers to keep");
@@ -82,7 +79,7 @@ void keepRegisters(ControllerModel& model, const std::string& path) {
         present.push_back(static_cast<std::uint8_t>(registers->peek(address)));
         present.push_back(static_cast<std::uint8_t>(registers->peek(address) >> 8));
     }
-    const auto kept = std::make_shared<KeptFlash>(path, std::move(present));
+    const auto kept = std::make_shared<KeptBytes>(path, std::move(present));
     const Bytes& bytes = kept->bytes();
     for (std::uint32_t address = 0; address < count; ++address)
         registers->change(address, bytes[2 * address] | std::uint32_t{bytes[2 * address + 1]} << 8);
@@ -94,31 +91,15 @@ void keepRegisters(ControllerModel& model, const std::string& path) {
     });
 }
 
-void keepLog(ControllerPort& port, const std::string& path) {
-    const std::filesystem::path name(std::u8string(path.begin(), path.end()));
-    auto file = std::make_shared<std::ofstream>(name, std::ios::app | std::ios::binary);
-    if (!*file) {
-        throw Plugin::ConfigurationPluginException(
-            Utils::Format("simulated camera: cannot write the transfer log '%'") % path);
-    }
-    port.setObserver([file, kind = port.model().kind()](const Transfer& transfer) {
-        *file << transferLine(kind, transfer) << '\n' << std::flush;
-    });
-}
-
 } // namespace
 
-std::unique_ptr<ControllerPort> makeControllerPort(const ControllerSettings& settings) {
+std::unique_ptr<Firmware> makeFirmware(const FirmwareSettings& settings) {
     if (!settings.chip)
         return nullptr;
-    auto port = std::make_unique<ControllerPort>(makeModel(settings));
-    for (const TransferFault& fault : settings.faults)
-        port->addFault(fault);
+    std::unique_ptr<Firmware> firmware = makeKind(settings);
     if (!settings.keptRegisters.empty())
-        keepRegisters(port->model(), settings.keptRegisters);
-    if (!settings.transferLog.empty())
-        keepLog(*port, settings.transferLog);
-    return port;
+        keepRegisters(*firmware, settings.keptRegisters);
+    return firmware;
 }
 
 } // namespace Zentara::Simulated

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "plugins/simulated/controllers/controller_model.h"
+#include "plugins/simulated/firmware/firmware.h"
 
 namespace Zentara::Simulated {
 

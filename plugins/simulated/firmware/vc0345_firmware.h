@@ -1,24 +1,24 @@
 #pragma once
 
-#include "plugins/simulated/controllers/controller_model.h"
-#include "plugins/simulated/controllers/factory_flash.h"
-#include "plugins/simulated/controllers/kept_flash.h"
-#include "plugins/simulated/controllers/register_file.h"
-#include "plugins/simulated/controllers/vc_bridge_registers.h"
+#include "plugins/simulated/firmware/factory_flash.h"
+#include "plugins/simulated/firmware/firmware.h"
+#include "plugins/simulated/firmware/kept_bytes.h"
+#include "plugins/simulated/firmware/register_file.h"
+#include "plugins/simulated/firmware/vc_bridge_registers.h"
 
 namespace Zentara::Simulated {
 
 /// A camera behind a VC0345 bridge: unit 4, bridge registers, 16-bit time-of-flight registers of which a read
 /// brings one byte at a time, and a ROM of single bytes. As with the VC0258, a wrong size setting loses
 /// bytes.
-class VC0345Controller final : public ControllerModel {
+class VC0345Firmware final : public Firmware {
 public:
     struct Settings {
         Bytes flash = factoryFlash(0x45);
         std::string flashFile; ///< where the flash is kept (UTF-8), empty for nowhere
     };
 
-    explicit VC0345Controller(const Settings& initial);
+    explicit VC0345Firmware(const Settings& initial);
 
     [[nodiscard]] ChipKind kind() const noexcept override { return ChipKind::VC0345; }
     [[nodiscard]] const ::GUID& guid() const noexcept override { return vcUnitGuid(); }
@@ -39,7 +39,7 @@ private:
     void writeRom(const Bytes& packet);
     [[nodiscard]] Bytes readRom(const Bytes& request) const;
 
-    KeptFlash memory; ///< 64 KiB
+    KeptBytes memory; ///< 64 KiB
     VCBridgeRegisters bridgeRegisters;
     RegisterFile tofFile{1, 2};
 };

@@ -6,22 +6,19 @@
 #include <string>
 #include <vector>
 
-#include "plugins/simulated/controllers/controller_port.h"
-#include "plugins/simulated/controllers/ov0570_controller.h"
+#include "plugins/simulated/firmware/ov0570_firmware.h"
 
 namespace Zentara::Simulated {
 
-/// Which controller a simulated camera has, and what is wrong with it.
-struct ControllerSettings {
+/// Which controller a simulated camera has, and what it has kept.
+struct FirmwareSettings {
     std::optional<ChipKind> chip = ChipKind::OV0570; ///< nothing for a camera without one
-    std::vector<TransferFault> faults;
-    std::string transferLog;   ///< a file (UTF-8) that gets one line a transfer, empty for none
     std::string flash;         ///< a file (UTF-8) with the memory's bytes, empty for those of the factory
     std::string keptFlash;     ///< a file (UTF-8) in which the memory is kept from run to run, empty for none
     std::string keptRegisters; ///< the same for the registers of the time-of-flight controller
 
     // OV0570 only.
-    std::vector<OV0570Controller::Device> devices; ///< empty for the usual two
+    std::vector<OV0570Firmware::Device> devices; ///< empty for the usual two
     std::optional<std::uint8_t> claimedDevices;
     unsigned fpgaRounds = 0;
     unsigned resetReads = 0;
@@ -30,8 +27,8 @@ struct ControllerSettings {
     static constexpr const char* chipVariable = "ZENTARA_SIMULATED_CHIP";
 };
 
-/// The port of such a controller; null for a camera without one.
+/// The firmware of such a controller; null for a camera without one.
 /// \throws Plugin::ConfigurationPluginException when a file cannot be read or written.
-[[nodiscard]] std::unique_ptr<ControllerPort> makeControllerPort(const ControllerSettings& settings);
+[[nodiscard]] std::unique_ptr<Firmware> makeFirmware(const FirmwareSettings& settings);
 
 } // namespace Zentara::Simulated

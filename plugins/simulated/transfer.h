@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "plugins/simulated/controllers/controller_model.h"
+#include "plugins/simulated/firmware/firmware.h"
 
 namespace Zentara::Simulated {
 

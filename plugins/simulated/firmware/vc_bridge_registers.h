@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <map>
 
-#include "plugins/simulated/controllers/controller_model.h"
+#include "plugins/simulated/firmware/firmware.h"
 
 namespace Zentara::Simulated {
 
@@ -18,8 +18,8 @@ public:
     static constexpr std::uint16_t memoryArea = 0x8112;
     static constexpr std::uint16_t lastByteOrder = 0xB439;
 
-    void set(const ControllerModel& model, const Bytes& packet);
-    [[nodiscard]] Bytes get(const ControllerModel& model, const Bytes& request) const;
+    void set(const Firmware& model, const Bytes& packet);
+    [[nodiscard]] Bytes get(const Firmware& model, const Bytes& request) const;
 
     [[nodiscard]] std::uint8_t value(std::uint16_t address) const;
     void setValue(std::uint16_t address, std::uint8_t value) { values[address] = value; }

@@ -1,4 +1,4 @@
-#include "plugins/simulated/controllers/factory_flash.h"
+#include "plugins/simulated/firmware/factory_flash.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "plugins/simulated/controllers/ov0570_controller.h"
+#include "plugins/simulated/firmware/ov0570_firmware.h"
 
 #include <algorithm>
 #include <utility>
@@ -27,17 +27,17 @@ void putLittleEndian(Bytes& packet, std::size_t at, std::uint32_t value) {
     packet[at + 1] = static_cast<std::uint8_t>(value >> 8);
 }
 
-std::uint8_t descriptor(const OV0570Controller::Device& device) {
+std::uint8_t descriptor(const OV0570Firmware::Device& device) {
     return static_cast<std::uint8_t>((device.addressCode << 6) | (device.dataCode << 4) | (device.flag & 1));
 }
 
-RegisterFile fileOf(const OV0570Controller::Device& device) {
+RegisterFile fileOf(const OV0570Firmware::Device& device) {
     return {device.addressCode + 1U, device.dataCode + 1U};
 }
 
 } // namespace
 
-OV0570Controller::OV0570Controller(Settings initial)
+OV0570Firmware::OV0570Firmware(Settings initial)
     : settings(std::move(initial)), memory(settings.flashFile, settings.flash) {
     files.push_back(fileOf(settings.bridge));
     for (const Device& device : settings.devices) {
@@ -53,16 +53,16 @@ OV0570Controller::OV0570Controller(Settings initial)
         files.front().queueRead(resetRegister, 0);
 }
 
-const ::GUID& OV0570Controller::guid() const noexcept { return unitGuid; }
+const ::GUID& OV0570Firmware::guid() const noexcept { return unitGuid; }
 
-RegisterFile* OV0570Controller::tofRegisters() noexcept {
+RegisterFile* OV0570Firmware::tofRegisters() noexcept {
     RegisterFile* found = nullptr;
     for (std::size_t i = 0; i < settings.devices.size(); ++i)
         found = settings.devices[i].busAddress == tofBusAddress ? &files[i + 1] : found;
     return found;
 }
 
-std::optional<std::size_t> OV0570Controller::length(std::uint32_t selector) const {
+std::optional<std::size_t> OV0570Firmware::length(std::uint32_t selector) const {
     switch (selector) {
     case informationControl:
         return informationBytes;
@@ -75,7 +75,7 @@ std::optional<std::size_t> OV0570Controller::length(std::uint32_t selector) cons
     }
 }
 
-void OV0570Controller::set(std::uint32_t selector, const Bytes& packet) {
+void OV0570Firmware::set(std::uint32_t selector, const Bytes& packet) {
     switch (selector) {
     case registerControl:
         return writeRegister(packet);
@@ -86,7 +86,7 @@ void OV0570Controller::set(std::uint32_t selector, const Bytes& packet) {
     }
 }
 
-Bytes OV0570Controller::get(std::uint32_t selector, const Bytes& request) {
+Bytes OV0570Firmware::get(std::uint32_t selector, const Bytes& request) {
     switch (selector) {
     case registerControl:
         return readRegister(request);
@@ -97,7 +97,7 @@ Bytes OV0570Controller::get(std::uint32_t selector, const Bytes& request) {
     }
 }
 
-Bytes OV0570Controller::controlInformation() const {
+Bytes OV0570Firmware::controlInformation() const {
     Bytes reply(informationBytes);
     reply[0] = settings.infoByte;
     std::copy(settings.version.begin(), settings.version.end(), reply.begin() + 1);
@@ -121,11 +121,11 @@ Bytes OV0570Controller::controlInformation() const {
     return reply;
 }
 
-const OV0570Controller::Device& OV0570Controller::device(std::size_t index) const {
+const OV0570Firmware::Device& OV0570Firmware::device(std::size_t index) const {
     return index == 0 ? settings.bridge : settings.devices.at(index - 1);
 }
 
-RegisterFile& OV0570Controller::addressed(const Bytes& packet) {
+RegisterFile& OV0570Firmware::addressed(const Bytes& packet) {
     const std::size_t index = packet[0] & 0x0F;
     if (index >= files.size())
         stall(*this, "no device " + std::to_string(index));
@@ -144,13 +144,13 @@ std::uint32_t registerAddress(const Bytes& packet) {
 
 } // namespace
 
-void OV0570Controller::writeRegister(const Bytes& packet) {
+void OV0570Firmware::writeRegister(const Bytes& packet) {
     if (packet[0] & 0x80)
         stall(*this, "a SET of a read packet");
     addressed(packet).write(registerAddress(packet), littleEndian(packet, 3));
 }
 
-Bytes OV0570Controller::readRegister(const Bytes& request) {
+Bytes OV0570Firmware::readRegister(const Bytes& request) {
     if (!(request[0] & 0x80))
         stall(*this, "a GET of a write packet");
     Bytes reply = request;
@@ -158,7 +158,7 @@ Bytes OV0570Controller::readRegister(const Bytes& request) {
     return reply;
 }
 
-void OV0570Controller::setEeprom(const Bytes& packet) {
+void OV0570Firmware::setEeprom(const Bytes& packet) {
     const bool ranged = state == EepromState::Ranged;
     switch (packet[0]) {
     case 1:
@@ -186,7 +186,7 @@ void OV0570Controller::setEeprom(const Bytes& packet) {
     }
 }
 
-Bytes OV0570Controller::getEeprom(const Bytes& request) {
+Bytes OV0570Firmware::getEeprom(const Bytes& request) {
     if (request[0] == 1) {
         Bytes reply(1 + pieceBytes);
         putLittleEndian(reply, 0, settings.writableSize);
@@ -198,7 +198,7 @@ Bytes OV0570Controller::getEeprom(const Bytes& request) {
     return readFlash();
 }
 
-Bytes OV0570Controller::readFlash() {
+Bytes OV0570Firmware::readFlash() {
     if (position > last)
         stall(*this, "EEPROM read past the end of its range");
     Bytes reply(1 + pieceBytes);
@@ -207,7 +207,7 @@ Bytes OV0570Controller::readFlash() {
     return reply;
 }
 
-void OV0570Controller::writeFlash(const Bytes& packet) {
+void OV0570Firmware::writeFlash(const Bytes& packet) {
     if (state != EepromState::Ranged || position > last)
         stall(*this, "EEPROM write without a range to write to");
     for (std::size_t i = 1; i <= pieceBytes && position <= last; ++i, ++position)

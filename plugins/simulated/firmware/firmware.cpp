@@ -1,4 +1,4 @@
-#include "plugins/simulated/controllers/controller_model.h"
+#include "plugins/simulated/firmware/firmware.h"
 
 #include <cstdio>
 
@@ -6,7 +6,7 @@
 
 namespace Zentara::Simulated {
 
-void stall(const ControllerModel& model, const std::string& reason) {
+void stall(const Firmware& model, const std::string& reason) {
     throw Plugin::IOPluginException(std::string(chipName(model.kind())) + " stalled: " + reason);
 }
 

@@ -6,16 +6,16 @@
 #include <string>
 #include <vector>
 
-#include "plugins/simulated/controllers/controller_model.h"
-#include "plugins/simulated/controllers/factory_flash.h"
-#include "plugins/simulated/controllers/kept_flash.h"
-#include "plugins/simulated/controllers/register_file.h"
+#include "plugins/simulated/firmware/factory_flash.h"
+#include "plugins/simulated/firmware/firmware.h"
+#include "plugins/simulated/firmware/kept_bytes.h"
+#include "plugins/simulated/firmware/register_file.h"
 
 namespace Zentara::Simulated {
 
 /// A camera behind an OV0570 bridge: unit 6, control information, one packet for the registers of all devices
 /// on the bus, and an EEPROM read and written in pieces of 32 bytes.
-class OV0570Controller final : public ControllerModel {
+class OV0570Firmware final : public Firmware {
 public:
     /// One device on the bus as the control information describes it.
     struct Device {
@@ -47,7 +47,7 @@ public:
     static constexpr std::uint32_t fpgaRegister = 0x21;
     static constexpr std::uint32_t resetRegister = 0x182845;
 
-    explicit OV0570Controller(Settings settings);
+    explicit OV0570Firmware(Settings settings);
 
     [[nodiscard]] ChipKind kind() const noexcept override { return ChipKind::OV0570; }
     [[nodiscard]] const ::GUID& guid() const noexcept override;
@@ -79,7 +79,7 @@ private:
     enum class EepromState { Idle, Ranged, Prepared, Reading };
 
     Settings settings;
-    KeptFlash memory;
+    KeptBytes memory;
     std::vector<RegisterFile> files;
     EepromState state = EepromState::Idle;
     std::uint32_t position = 0; ///< next byte of the range

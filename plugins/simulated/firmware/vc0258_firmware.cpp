@@ -1,4 +1,4 @@
-#include "plugins/simulated/controllers/vc0258_controller.h"
+#include "plugins/simulated/firmware/vc0258_firmware.h"
 
 #include <algorithm>
 #include <utility>
@@ -17,7 +17,7 @@ constexpr std::uint8_t tofReadAddress = 0x23;
 
 } // namespace
 
-VC0258Controller::VC0258Controller(Settings initial)
+VC0258Firmware::VC0258Firmware(Settings initial)
     : settings(std::move(initial)), kept(settings.flashFile, settings.configuration) {
     for (const auto& [address, dataBytes] : settings.devices)
         files.emplace(address, RegisterFile(1, dataBytes));
@@ -26,12 +26,12 @@ VC0258Controller::VC0258Controller(Settings initial)
         tof->second.write(0x21, 0x2035);
 }
 
-RegisterFile* VC0258Controller::tofRegisters() noexcept {
+RegisterFile* VC0258Firmware::tofRegisters() noexcept {
     const auto found = files.find(tofAddress);
     return found == files.end() ? nullptr : &found->second;
 }
 
-std::optional<std::size_t> VC0258Controller::length(std::uint32_t selector) const {
+std::optional<std::size_t> VC0258Firmware::length(std::uint32_t selector) const {
     switch (selector) {
     case VCBridgeRegisters::control:
         return VCBridgeRegisters::packetBytes;
@@ -44,7 +44,7 @@ std::optional<std::size_t> VC0258Controller::length(std::uint32_t selector) cons
     }
 }
 
-void VC0258Controller::set(std::uint32_t selector, const Bytes& packet) {
+void VC0258Firmware::set(std::uint32_t selector, const Bytes& packet) {
     switch (selector) {
     case VCBridgeRegisters::control:
         return bridgeRegisters.set(*this, packet);
@@ -55,7 +55,7 @@ void VC0258Controller::set(std::uint32_t selector, const Bytes& packet) {
     }
 }
 
-Bytes VC0258Controller::get(std::uint32_t selector, const Bytes& request) {
+Bytes VC0258Firmware::get(std::uint32_t selector, const Bytes& request) {
     switch (selector) {
     case VCBridgeRegisters::control:
         return bridgeRegisters.get(*this, request);
@@ -66,7 +66,7 @@ Bytes VC0258Controller::get(std::uint32_t selector, const Bytes& request) {
     }
 }
 
-RegisterFile& VC0258Controller::addressed(const Bytes& packet) {
+RegisterFile& VC0258Firmware::addressed(const Bytes& packet) {
     const unsigned dataBytes = packet[2] & 0x0F;
     if (packet[1] != 1 || (dataBytes != 1 && dataBytes != 2))
         stall(*this, "I2C widths " + std::to_string(packet[1]) + " and " + std::to_string(dataBytes));
@@ -79,11 +79,11 @@ RegisterFile& VC0258Controller::addressed(const Bytes& packet) {
     return found->second;
 }
 
-bool VC0258Controller::exchanged(const Bytes& packet) const {
+bool VC0258Firmware::exchanged(const Bytes& packet) const {
     return (packet[2] >> 4) != bridgeRegisters.value(VCBridgeRegisters::lastByteOrder);
 }
 
-void VC0258Controller::writeTunnel(const Bytes& packet) {
+void VC0258Firmware::writeTunnel(const Bytes& packet) {
     if (!(packet[0] & 1))
         stall(*this, "a SET of an I2C read packet");
     RegisterFile& file = addressed(packet);
@@ -93,7 +93,7 @@ void VC0258Controller::writeTunnel(const Bytes& packet) {
     file.write(packet[3], packet[swap ? 7 : 6] | (std::uint32_t{packet[swap ? 6 : 7]} << 8));
 }
 
-Bytes VC0258Controller::readTunnel(const Bytes& request) {
+Bytes VC0258Firmware::readTunnel(const Bytes& request) {
     if (request[0] & 1)
         stall(*this, "a GET of an I2C write packet");
     const std::uint32_t value = addressed(request).read(request[3]);
@@ -107,7 +107,7 @@ Bytes VC0258Controller::readTunnel(const Bytes& request) {
     return bridgeRegisters.carried(VCBridgeRegisters::sensorControlSize, std::move(reply));
 }
 
-Bytes VC0258Controller::readMemory(const Bytes& request) const {
+Bytes VC0258Firmware::readMemory(const Bytes& request) const {
     const std::size_t count = request[3];
     if (request[0] != 0x50 || count < 1 || count > memoryBytes - memoryData)
         stall(*this, "DMA code " + hexText(request[0]) + " for " + std::to_string(count) + " bytes");
