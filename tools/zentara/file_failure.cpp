@@ -20,12 +20,12 @@ void failFile(const char* what, const std::string& path) {
     const std::string reason = Utils::getLastError();
     switch (trouble) {
     case Utils::Platform::FileTrouble::Permission:
-        throw ToolFailure(ExitCode_PERMISSION, Format("cannot % '%': %") % what % path % reason);
+        throw FileFailure(ExitCode_PERMISSION, Format("cannot % '%': %") % what % path % reason);
     case Utils::Platform::FileTrouble::InUse:
-        throw ToolFailure(ExitCode_BUSY,
+        throw FileFailure(ExitCode_BUSY,
                           Format("cannot % '%': it is in use by another program (%)") % what % path % reason);
     default:
-        throw ToolFailure(ExitCode_FAILED, Format("cannot % '%': %") % what % path % reason);
+        throw FileFailure(ExitCode_FAILED, Format("cannot % '%': %") % what % path % reason);
     }
 }
 

@@ -3,11 +3,18 @@
 #include <cstdint>
 #include <string>
 
+#include "tools/zentara/exit_code.h"
+
 namespace Zentara::Tool {
+
+/// A file could not be read or written: whatever is being read or written beside it is sound.
+class FileFailure final : public ToolFailure {
+    using ToolFailure::ToolFailure;
+};
 
 /// Ends a step that failed on a file with the system's reason, which must still be the last error: nothing may be
 /// called between the failure and this.
-/// \throws ToolFailure "cannot WHAT 'PATH': REASON" with exit code 5 where a permission is missing, 6 where another
+/// \throws FileFailure "cannot WHAT 'PATH': REASON" with exit code 5 where a permission is missing, 6 where another
 /// program has the file, else 1.
 [[noreturn]] void failFile(const char* what, const std::string& path);
 

@@ -1,9 +1,10 @@
-#include <fstream>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
 #include <zentara/utils/files.h>
 
+#include "support/program.h"
 #include "tools/tool_fixture.h"
 #include "tools/zentara/exit_code.h"
 #include "tools/zentara/streams/recording_reader.h"
@@ -169,6 +170,38 @@ TEST_F(Recording, RefusesWhatNoStreamCanBe) {
     for (const char* name : {"none", ""})
         EXPECT_THROW(RecordingReader reader(path(name)), ToolFailure) << name;
     EXPECT_THROW(RecordingWriter writer(path("r"), {}), ToolFailure);
+}
+
+/// A limit for the size of files is to a writer what a full disk is. Only the shell of POSIX systems sets one.
+TEST_F(Recording, KeepsWhatIsWholeWhenTheDiskIsFull) {
+    if (Utils::nativePath("a/b") != "a/b")
+        GTEST_SKIP();
+    const auto streamInto = [this](const std::string& blocks, const std::string& files) {
+        const std::string command = "ulimit -f " + blocks + "; '" +
+                                    (Tests::programDirectory() / "zentara").string() + "' stream " + files +
+                                    " > '" + path("out") + "' 2> '" + path("err") + "'";
+        EXPECT_NE(std::system(command.c_str()), 0);
+        EXPECT_THAT(
+            Utils::readFile(path("err")),
+            testing::AllOf(HasSubstr("cannot write '"), HasSubstr("what came whole before it is kept")));
+    };
+    streamInto("1000", "--record '" + path("full") + "' --raw '" + path("raw") + "'");
+    RecordingReader reader(path("full"));
+    RecordedFrame frame;
+    while (reader.next(frame)) {
+    }
+    EXPECT_GE(reader.frames(), 1U);
+    ASSERT_FALSE(frame.bytes.empty());
+    EXPECT_EQ(Utils::readFile(path("raw")).size() % frame.bytes.size(), 0U) << "whole frames";
+    streamInto("50", "--wav '" + path("wav") + "'");
+    const std::string wav = Utils::readFile(path("wav"));
+    ASSERT_GT(wav.size(), 20000U);
+    const auto sizeAt = [&wav](std::size_t place) {
+        return static_cast<unsigned char>(wav[place]) + 256U * static_cast<unsigned char>(wav[place + 1]);
+    };
+    EXPECT_EQ(sizeAt(4), wav.size() - 8);
+    EXPECT_EQ(sizeAt(40), wav.size() - 44);
+    EXPECT_EQ(filesLeft().size(), 6U) << "no parts";
 }
 
 TEST_F(Recording, WithoutCommitNoFileIsLeft) {

@@ -5,6 +5,7 @@
 #include <zentara/utils/format.h>
 
 #include "tools/zentara/exit_code.h"
+#include "tools/zentara/file_failure.h"
 
 namespace Zentara::Tool {
 
@@ -25,8 +26,11 @@ bool AudioRecorder::take(const std::uint8_t* data, std::size_t size, std::int64_
     std::uint64_t count = size / blockAlignment;
     if (wanted != 0)
         count = std::min(count, wanted - taken);
-    if (file)
-        check("write", writer.write(data, static_cast<int>(count * blockAlignment)));
+    if (file) {
+        const int code = writer.write(data, static_cast<int>(count * blockAlignment));
+        isCut |= code != 0;
+        check("write", code);
+    }
     taken += count;
     return !full();
 }
@@ -34,8 +38,28 @@ bool AudioRecorder::take(const std::uint8_t* data, std::size_t size, std::int64_
 void AudioRecorder::commit() {
     if (!file)
         return;
-    check("complete", writer.close());
+    if (const int code = writer.close(); code != 0 || isCut)
+        repair();
     file->commit();
+}
+
+void AudioRecorder::repair() {
+    constexpr std::uint64_t headerBytes = 44;
+    constexpr std::uint64_t riffPlace = 4; // each followed by the number of bytes that come after it
+    constexpr std::uint64_t dataPlace = 40;
+    if (file->size() < headerBytes)
+        throw FileFailure(ExitCode_FAILED,
+                          Utils::Format("cannot write '%': no whole sample is in it") % file->path());
+    taken = std::min(taken, (file->size() - headerBytes) / blockAlignment);
+    const std::uint64_t end = headerBytes + taken * blockAlignment;
+    file->cut(end);
+    for (const std::uint64_t place : {riffPlace, dataPlace}) {
+        const std::uint64_t count = end - place - 4;
+        const unsigned char bytes[] = {
+            static_cast<unsigned char>(count), static_cast<unsigned char>(count >> 8),
+            static_cast<unsigned char>(count >> 16), static_cast<unsigned char>(count >> 24)};
+        file->patch(place, bytes, sizeof bytes);
+    }
 }
 
 void AudioRecorder::discard() {
@@ -59,7 +83,7 @@ void AudioRecorder::fill(Json& stream) const {
 
 void AudioRecorder::check(const char* what, int code) const {
     if (code != 0)
-        throw ToolFailure(ExitCode_FAILED, Utils::Format("cannot % '%': %") % what % file->path() %
+        throw FileFailure(ExitCode_FAILED, Utils::Format("cannot % '%': %") % what % file->path() %
                                                WaveWriter::errorString(code));
 }
 

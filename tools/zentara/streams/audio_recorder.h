@@ -28,6 +28,8 @@ public:
 
 private:
     void check(const char* what, int code) const;
+    /// Makes a file that could not be written to its end say what whole samples it has.
+    void repair();
 
     std::unique_ptr<PendingFile>
         file; ///< outlives the writer, which must have closed when the part is removed
@@ -37,6 +39,7 @@ private:
     const std::size_t blockAlignment;
     const std::uint64_t wanted;
     std::uint64_t taken = 0; ///< samples per channel
+    bool isCut = false;      ///< not all could be written
 };
 
 } // namespace Zentara::Tool

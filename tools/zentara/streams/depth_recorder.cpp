@@ -3,21 +3,15 @@
 #include <algorithm>
 #include <cstring>
 
-#include <zentara/utils/exceptions.h>
 #include <zentara/utils/format.h>
 
 #include "tools/zentara/exit_code.h"
-#include "tools/zentara/paths.h"
 #include "tools/zentara/png.h"
 
 namespace Zentara::Tool {
 namespace {
 
 constexpr double pictureTrim = 0.005;
-
-[[noreturn]] void failWriting(const char* what, const std::string& path) {
-    throw ToolFailure(ExitCode_FAILED, Utils::formatLastError(Utils::Format("cannot % '%'") % what % path));
-}
 
 } // namespace
 
@@ -32,9 +26,6 @@ DepthRecorder::DepthRecorder(const StreamDescription& stream, std::uint64_t coun
     if (rawPath.empty())
         return;
     file = std::make_unique<PendingFile>(rawPath);
-    raw.open(pathOf(file->partPath()), std::ios::binary | std::ios::trunc);
-    if (!raw)
-        failWriting("create", file->path());
 }
 
 bool DepthRecorder::take(const std::uint8_t* data, std::size_t bytes, std::int64_t micros) {
@@ -46,8 +37,10 @@ bool DepthRecorder::take(const std::uint8_t* data, std::size_t bytes, std::int64
     std::memcpy(depth.data(), data, pixels * sizeof(std::uint16_t));
     counter.count(micros);
     measure();
-    if (file && !raw.write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(bytes)))
-        failWriting("write", file->path());
+    if (file) {
+        file->append(data, bytes);
+        rawBytes += bytes;
+    }
     return !counter.full();
 }
 
@@ -56,14 +49,11 @@ void DepthRecorder::commit() {
         writePicture();
     if (!file)
         return;
-    raw.close();
-    if (!raw)
-        failWriting("write", file->path());
+    file->cut(rawBytes); // no half frame
     file->commit();
 }
 
 void DepthRecorder::discard() {
-    raw.close();
     file.reset();
     picture.reset();
     depth.clear();

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <fstream>
 #include <memory>
 #include <string>
 #include <vector>
@@ -42,7 +41,7 @@ private:
     FrameCounter counter;
     std::unique_ptr<PendingFile> picture;
     std::unique_ptr<PendingFile> file;
-    std::ofstream raw;
+    std::uint64_t rawBytes = 0;       ///< of the whole frames in the file
     std::vector<std::uint16_t> depth; ///< the last frame's; empty before the first
     std::uint64_t zeros = 0;
     DepthRange seen{0xFFFF, 0};

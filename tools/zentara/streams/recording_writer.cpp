@@ -1,11 +1,12 @@
 #include "tools/zentara/streams/recording_writer.h"
 
+#include <numeric>
+
 #include <zentara/utils/binary_writer.h>
-#include <zentara/utils/exceptions.h>
 #include <zentara/utils/format.h>
 
 #include "tools/zentara/exit_code.h"
-#include "tools/zentara/paths.h"
+#include "tools/zentara/file_failure.h"
 #include "tools/zentara/streams/recording_format.h"
 
 namespace Zentara::Tool {
@@ -16,9 +17,7 @@ using Utils::Threading::AutoLock;
 
 namespace {
 
-[[noreturn]] void fail(const char* what, const std::string& path) {
-    throw ToolFailure(ExitCode_FAILED, Utils::formatLastError(Utils::Format("cannot % '%'") % what % path));
-}
+constexpr std::size_t keptFrames = 8; ///< more than enough to make room for the end
 
 void writeChecksum(BinaryWriter& bytes) {
     const Utils::ByteArray content = bytes.toByteArray();
@@ -32,37 +31,61 @@ RecordingWriter::RecordingWriter(const std::string& path, const std::vector<Stre
     if (streams.empty() || streams.size() > mostStreams)
         throw ToolFailure(ExitCode_FAILED, Utils::Format("cannot record % streams; 1 to % fit into a file") %
                                                streams.size() % mostStreams);
-    out.open(pathOf(file.partPath()), std::ios::binary | std::ios::trunc);
-    if (!out)
-        fail("create", file.path());
     writeHeader();
     for (std::size_t index = 0; index < streams.size(); ++index)
         writeStream(static_cast<std::uint16_t>(index), streams[index]);
+    end = file.size();
 }
 
 void RecordingWriter::append(std::uint16_t stream, const std::uint8_t* data, std::size_t size,
                              std::int64_t micros) {
     AutoLock hold(lock);
-    writeChunk(Tag_FRAME, stream, micros, data, size);
+    try {
+        writeChunk(Tag_FRAME, stream, micros, data, size);
+    } catch (const FileFailure&) {
+        file.cut(end); // the next frame, of whatever stream, goes behind a whole one
+        throw;
+    }
     ++counts.at(stream);
+    last.push_back({stream, end});
+    if (last.size() > keptFrames)
+        last.erase(last.begin());
+    end = file.size();
 }
 
-void RecordingWriter::commit() {
+std::uint64_t RecordingWriter::frames() const {
     AutoLock hold(lock);
+    return std::accumulate(counts.begin(), counts.end(), std::uint64_t{0});
+}
+
+void RecordingWriter::writeEnd() {
+    file.cut(end);
     BinaryWriter bytes;
     for (const std::uint64_t count : counts)
         bytes.write(count);
     const Utils::ByteArray payload = bytes.toByteArray();
     writeChunk(Tag_END, 0, 0, payload.data(), static_cast<std::size_t>(payload.size()));
-    out.close();
-    if (!out)
-        fail("write", file.path());
+}
+
+void RecordingWriter::commit() {
+    AutoLock hold(lock);
+    for (;;) {
+        try {
+            writeEnd();
+            break;
+        } catch (const ToolFailure&) {
+            if (last.empty())
+                throw;
+            end = last.back().start;
+            --counts.at(last.back().stream);
+            last.pop_back();
+        }
+    }
     file.commit();
 }
 
 void RecordingWriter::discard() {
     AutoLock hold(lock);
-    out.close();
     file.discard();
 }
 
@@ -114,10 +137,6 @@ void RecordingWriter::put(const BinaryWriter& bytes) {
     put(content.data(), static_cast<std::size_t>(content.size()));
 }
 
-void RecordingWriter::put(const void* data, std::size_t size) {
-    out.write(static_cast<const char*>(data), static_cast<std::streamsize>(size));
-    if (!out)
-        fail("write", file.path());
-}
+void RecordingWriter::put(const void* data, std::size_t size) { file.append(data, size); }
 
 } // namespace Zentara::Tool

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -25,8 +24,12 @@ public:
     /// Adds a frame of the stream with that index. Safe. \throws ToolFailure when it cannot be written.
     void append(std::uint16_t stream, const std::uint8_t* data, std::size_t size, std::int64_t micros);
 
-    /// Ends the recording and completes the file.
+    /// Ends the recording and completes the file. One that could not be written on to, because the disk is full, ends
+    /// with its last whole frame; a frame more goes where there is no room to say that it has ended.
+    /// \throws ToolFailure when even that cannot be written
     void commit();
+    /// How many frames of all streams stand in it.
+    [[nodiscard]] std::uint64_t frames() const;
     /// Closes and removes what has been written.
     void discard();
 
@@ -40,10 +43,17 @@ private:
     void put(const void* data, std::size_t size);
     void put(const Utils::BinaryWriter& bytes);
 
-    PendingFile file; ///< outlives the stream, which must have closed when the part is removed
-    Utils::Threading::Mutex lock;
-    std::ofstream out;
+    void writeEnd();
+
+    PendingFile file;
+    mutable Utils::Threading::Mutex lock;
     std::vector<std::uint64_t> counts;
+    struct Written {
+        std::uint16_t stream;
+        std::uint64_t start;
+    };
+    std::vector<Written> last; ///< some of the frames
+    std::uint64_t end = 0;     ///< of what is whole
 };
 
 } // namespace Zentara::Tool

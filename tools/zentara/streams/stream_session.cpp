@@ -294,9 +294,15 @@ void StreamSession::finish() {
     }
     const auto failed = [](const auto& camera) { return camera->state() == State::Failed; };
     const bool allFailed = std::all_of(parts->cameras.begin(), parts->cameras.end(), failed);
-    if (parts->recording && !allFailed)
+    const bool keep = std::any_of(parts->cameras.begin(), parts->cameras.end(), [&](const auto& camera) {
+        return !failed(camera) || camera->unwritable();
+    });
+    if (parts->recording && keep) {
         parts->recording->commit();
-    else if (parts->recording)
+        if (allFailed)
+            console.err << console.words() << ": '" << parts->recording->path() << "' is finished and holds "
+                        << parts->recording->frames() << " frames\n";
+    } else if (parts->recording)
         parts->recording->discard();
     for (const auto& camera : parts->cameras) {
         if (failed(camera) && !(allFailed && camera == parts->cameras.front()))

@@ -8,6 +8,7 @@
 #include <zentara/utils/format.h>
 
 #include "tools/zentara/cameras/camera_bus.h"
+#include "tools/zentara/file_failure.h"
 #include "tools/zentara/streams/stream_reader.h"
 
 namespace Zentara::Tool {
@@ -84,14 +85,19 @@ void StreamedCamera::startStream(std::size_t index) {
     const auto number = static_cast<std::uint16_t>(firstIndex + index);
     const auto take = [this, &stream, number](const std::uint8_t* data, std::size_t size,
                                               std::int64_t micros) {
-        if (recorder != nullptr)
-            recorder->append(number, data, size, micros);
-        const auto gap = static_cast<std::int64_t>(static_cast<std::uint64_t>(micros) -
-                                                   static_cast<std::uint64_t>(stream.taken));
-        if (finite && gap > absenceMicros)
-            stream.sink->resume(); // the camera was away when this was recorded
-        stream.taken = micros;
-        return stream.sink->take(data, size, micros);
+        try {
+            if (recorder != nullptr)
+                recorder->append(number, data, size, micros);
+            const auto gap = static_cast<std::int64_t>(static_cast<std::uint64_t>(micros) -
+                                                       static_cast<std::uint64_t>(stream.taken));
+            if (finite && gap > absenceMicros)
+                stream.sink->resume(); // the camera was away when this was recorded
+            stream.taken = micros;
+            return stream.sink->take(data, size, micros);
+        } catch (const FileFailure&) {
+            cannotWrite = true;
+            throw;
+        }
     };
     stream.reader = std::make_unique<StreamReader>(*stream.source, take, wake);
     stream.since = Utils::Clock::nowMicros();
@@ -286,15 +292,23 @@ void StreamedCamera::finish() {
     }
     if (condition != State::Done)
         condition = State::Failed;
-    const bool keep = condition == State::Done || finite;
-    try {
-        for (const auto& stream : streams) {
-            if (keep && stream->sink)
+    const bool keep = condition == State::Done || finite || cannotWrite;
+    bool isKept = false;
+    for (const auto& stream : streams) {
+        try {
+            if (keep && stream->sink) {
                 stream->sink->commit();
+                isKept = true;
+            }
+        } catch (const ToolFailure& failure) {
+            if (!cannotWrite) // else it has been told which file was the first
+                trouble.emplace(failure);
+            condition = State::Failed;
         }
-    } catch (const ToolFailure& failure) {
-        trouble.emplace(failure);
-        condition = State::Failed;
+    }
+    if (cannotWrite && isKept && trouble) {
+        const ToolFailure why = *trouble;
+        trouble.emplace(why.code, std::string(why.what()) + "; what came whole before it is kept");
     }
     for (const auto& stream : streams) {
         if (condition == State::Failed && stream->sink)

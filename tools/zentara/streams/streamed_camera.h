@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -72,6 +73,9 @@ public:
     /// How long it has been away, in seconds.
     [[nodiscard]] double awaySeconds() const;
     /// Whether a reader's thread sits in the device and cannot be ended.
+    /// Whether it failed because a file could not be written: what is whole in its files is kept then.
+    [[nodiscard]] bool unwritable() const noexcept { return cannotWrite; }
+
     [[nodiscard]] bool stuck() const noexcept { return leftBehind; }
     /// How many units its first stream has delivered.
     [[nodiscard]] std::uint64_t progress() const;
@@ -110,6 +114,7 @@ private:
     std::int64_t triedAt = 0; ///< when it was last found to be away
     unsigned absences = 0;
     bool leftBehind = false;
+    std::atomic<bool> cannotWrite = false; ///< a reader's thread tells
 };
 
 } // namespace Zentara::Tool
