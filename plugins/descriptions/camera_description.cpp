@@ -59,10 +59,11 @@ ChipKind readController(const JsonValue& value) {
 /// Puts the controller into the list of modules, unless it stands there.
 void listController(const JsonValue& list, const Core::DeviceDescriptor& device,
                     HardwareVersionInternal& version) {
-    const ChipKind controller = *describedController(device.capabilities);
+    const std::optional<ChipKind> described = describedController(device.capabilities);
     const std::optional<ChipKind> listed = listedController(version);
-    if (listed == controller)
+    if (!described || listed == described)
         return;
+    const ChipKind controller = *described;
     if (listed)
         list.fail(Format("names the controller %, but the camera has an %") % chipName(*listed) %
                   chipName(controller));
@@ -78,7 +79,8 @@ Core::DeviceDescriptor readDevice(JsonFields& fields) {
     device.hardwareIds.vendorId = fields.need("vendorId").word();
     device.hardwareIds.productId = fields.need("productId").word();
     device.hardwareIds.revision = fields.need("revision").word();
-    device.capabilities = controllerCode(readController(fields.need("controller")));
+    if (const auto field = fields.find("controller"))
+        device.capabilities = controllerCode(readController(*field));
     if (const auto field = fields.find("capabilities"))
         device.capabilities |= static_cast<std::int32_t>(field->whole(0, lastCapability) << controllerBits);
     if (const auto field = fields.find("flags"))

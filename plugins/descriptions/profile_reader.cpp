@@ -6,6 +6,7 @@
 #include <zentara/utils/format.h>
 
 #include "plugins/descriptions/command_reader.h"
+#include "plugins/descriptions/depth_unit.h"
 
 namespace Zentara::Cameras {
 namespace {
@@ -259,8 +260,16 @@ void readProfileFields(JsonFields& fields, NodeType type, ProfileDescription& pr
         descriptor.fourCC = readPixelFormat(*field);
     if (const auto field = fields.find("capabilities"))
         descriptor.firstFlags = field->whole(0, anyWord);
-    if (const auto field = fields.find("flags"))
-        descriptor.secondFlags = field->whole(0, anyWord);
+    const auto flags = fields.find("flags");
+    const auto unit = type == NodeType_DEPTH ? fields.find("depthUnit") : std::nullopt;
+    const std::uint64_t unitBefore = std::uint64_t{describedDepthUnit(descriptor.secondFlags)}
+                                     << depthUnitShift;
+    if (flags)
+        descriptor.secondFlags =
+            flags->whole(0, unit ? 0xFFFFFFFF : anyWord) | (type == NodeType_DEPTH ? unitBefore : 0);
+    if (unit)
+        descriptor.secondFlags = (descriptor.secondFlags & 0xFFFFFFFF) | unit->whole(1, 1'000'000)
+                                                                             << depthUnitShift;
     if (const auto field = fields.find("regionOfInterest"))
         profile.regionOfInterest = readRegion(*field);
     if (const auto field = fields.find("romElements"))

@@ -5,7 +5,6 @@
 #include <regex>
 #include <string>
 #include <thread>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -34,7 +33,6 @@
 #include <zentara/utils/files.h>
 
 #include "camera_host.h"
-#include "plugins/cameras/nodes/audio_node.h"
 #include "plugins/cameras/nodes/depth_frame.h"
 #include "plugins/simulated/sensors.h"
 #include "support/log_capture.h"
@@ -623,12 +621,6 @@ TEST_F(NodeTest, AnAudioNodeStreamsItsDefaultMode) {
     EXPECT_EQ(read(microphones).status, ReadBufferStatus_NOT_STREAMING);
 }
 
-// A node's own operations of these names would be called through its own type only.
-static_assert(std::is_same_v<decltype(&Cameras::AudioNode::setInputMixerLevel),
-                             decltype(&Core::AudioNodeInterface::setInputMixerLevel)>);
-static_assert(
-    std::is_same_v<decltype(&Cameras::AudioNode::setMute), decltype(&Core::AudioNodeInterface::setMute)>);
-
 TEST_F(NodeTest, TheMicrophonesOfAnAudioNodeAreSetAtItsDevice) {
     plugOne("ZS570");
     AudioHost microphones(host.find(NodeType_AUDIO));
@@ -648,6 +640,114 @@ TEST_F(NodeTest, TheMicrophonesOfAnAudioNodeAreSetAtItsDevice) {
     microphones->disableStreaming();
     microphones->enableStreaming(microphones->getDefaultConfiguration());
     EXPECT_FALSE(isSilent()) << "each start begins anew";
+}
+
+/// What is known of a device that no description names: the plug-in that drives it; and of one that measures depth
+/// itself its unit and mode.
+class DeviceAlone final : public Core::DescriptorStoreRO {
+public:
+    explicit DeviceAlone(GUID implementation, std::uint64_t micrometres = 0)
+        : device(implementation), unit(micrometres) {}
+    [[nodiscard]] GUID getDeviceImplGUID() const override { return device; }
+    [[nodiscard]] const Core::DeviceDescriptor* getDeviceDescriptor() const override { return nullptr; }
+    [[nodiscard]] const Core::NodeDescriptor* getNodeDescriptor() const override { return nullptr; }
+    [[nodiscard]] std::uint64_t getDepthFlags() const override { return unit << 32; }
+    [[nodiscard]] std::vector<Utils::SmartPtr<DepthBaseConfiguration>>
+    getDepthConfigurations() const override {
+        return {Utils::SmartPtr<DepthBaseConfiguration>(
+            makeRefcounted<DepthConfiguration>(format, 60, DepthNode::CameraMode_0, false, std::int16_t{0}))};
+    }
+
+    FrameFormat format = FrameFormat_QVGA;
+
+private:
+    const GUID device;
+    const std::uint64_t unit;
+};
+
+template<typename Interface>
+struct UndescribedNode {
+    explicit UndescribedNode(GUID guid) : node(TestSupport::makePlugin<Interface>(guid)) {}
+    ~UndescribedNode() { node->dispose(); }
+    void initialize(DeviceAlone& store) { node->initialize(&event, &store, nullptr); }
+    Interface* operator->() { return node.get(); }
+
+    NodeEvent event;
+    Utils::SmartPtr<Interface> node;
+};
+
+template<typename Interface>
+Frame read(UndescribedNode<Interface>& node) {
+    Frame frame;
+    frame.bytes.resize(1 << 20);
+    frame.status = node->readBuffer(frame.bytes.data(), 1 << 20, &frame.micros, &frame.length);
+    return frame;
+}
+
+TEST(UndescribedDevices, StreamColorAndSoundAsTheyReportIt) {
+    DeviceAlone video(Core::Guids::MOCKVIDEODEVICE_IMPL);
+    UndescribedNode<Core::ColorNodeInterface> color(Core::Guids::GENERICCOLOR_IMPL);
+    color.initialize(video);
+    const auto modes = color->getConfigurations();
+    ASSERT_THAT(modes, SizeIs(1));
+    EXPECT_THAT(color->getCameraControlRanges().ranges, SizeIs(4)) << "all that the device has";
+    color->setCameraControl(CameraControl_EXPOSURE, {200, false});
+    color->enableStreaming(modes[0]);
+    EXPECT_EQ(read(color).length, static_cast<int>(Cameras::colorBytes));
+
+    DeviceAlone sound(Core::Guids::MOCKAUDIODEVICE_IMPL);
+    UndescribedNode<Core::AudioNodeInterface> audio(Core::Guids::GENERICAUDIO_IMPL);
+    audio.initialize(sound);
+    ASSERT_THAT(audio->getConfigurations(), SizeIs(1));
+    EXPECT_EQ(audio->getDefaultConfiguration()->getSampleRate(), Cameras::audioSampleRate);
+    audio->enableStreaming(audio->getDefaultConfiguration());
+    EXPECT_EQ(read(audio).length, static_cast<int>(Cameras::audioBlockBytes));
+
+    DeviceAlone nothing(Core::Guids::NULL_IMPL);
+    EXPECT_THAT(failure([&] { color.initialize(nothing); }), HasSubstr("couldn't find GUID NULL_IMPL"));
+    UndescribedNode<Core::DepthNodeInterface> depth(Cameras::depthNodeGuid);
+    EXPECT_THAT(failure([&] { depth.initialize(video); }), HasSubstr("tells no controller"));
+}
+
+TEST(Z16Node, TellsMillimetresWhateverTheUnit) {
+    for (const std::uint32_t unit : {1000U, 250U, 40'000U}) {
+        DeviceAlone store(Core::Guids::MOCKVIDEODEVICE_IMPL, unit);
+        UndescribedNode<Core::DepthNodeInterface> camera(Cameras::z16DepthNodeGuid);
+        camera.initialize(store);
+        camera->enableStreaming(camera->getConfigurations().front());
+        const Frame frame = read(camera);
+        ASSERT_EQ(frame.status, ReadBufferStatus_OK);
+        ASSERT_EQ(frame.length, static_cast<int>(Cameras::depthFrameBytes));
+        const auto depth = frame.plane(Cameras::depthOffset);
+        const auto confidence = frame.plane(Cameras::confidenceOffset);
+        std::size_t seen = 0;
+        for (std::size_t i = 0; i < depth.size(); ++i) {
+            ASSERT_EQ(depth[i] == 0, confidence[i] == 0) << i;
+            if (depth[i] != 0) {
+                ASSERT_THAT(depth[i] * 1000.0 / unit, AllOf(Ge(590), Le(2710))) << "the scene, in steps";
+                ++seen;
+            }
+        }
+        EXPECT_GT(seen, depth.size() / 5);
+        EXPECT_EQ(seen < depth.size() / 2, unit == 40'000) << "beyond 65,535 mm is no depth";
+        camera->disableStreaming();
+        EXPECT_EQ(read(camera).status, ReadBufferStatus_NOT_STREAMING);
+    }
+}
+
+TEST(Z16Node, RefusesWhatItCannotTellInMillimetres) {
+    UndescribedNode<Core::DepthNodeInterface> camera(Cameras::z16DepthNodeGuid);
+    DeviceAlone store(Core::Guids::MOCKVIDEODEVICE_IMPL);
+    EXPECT_THAT(failure([&] { camera.initialize(store); }), HasSubstr("has no depthUnit"));
+    DeviceAlone sizeless(Core::Guids::MOCKVIDEODEVICE_IMPL, 1000);
+    sizeless.format = FrameFormat_DEFAULT;
+    EXPECT_THAT(failure([&] { camera.initialize(sizeless); }), HasSubstr("no mode of a known size"));
+    DeviceAlone vga(Core::Guids::MOCKVIDEODEVICE_IMPL, 1000);
+    vga.format = FrameFormat_VGA;
+    camera.initialize(vga);
+    EXPECT_THAT(failure([&] { camera->enableStreaming(camera->getConfigurations().front()); }),
+                HasSubstr("QVGA"));
+    EXPECT_THAT(failure([&] { camera->enableStreaming({}); }), HasSubstr("null"));
 }
 
 } // namespace

@@ -43,7 +43,11 @@ struct AudioNode::Microphones {
     bool streaming = false;
 };
 
-AudioNode::AudioNode() : AudioNodeInterface(audioNodeGuid) {}
+AudioNode::AudioNode() : AudioNode(audioNodeGuid) {}
+
+AudioNode::AudioNode(GUID guid) : AudioNodeInterface(guid) {}
+
+GenericAudioNode::GenericAudioNode() : AudioNode(genericAudioNodeGuid) {}
 
 AudioNode::~AudioNode() { dispose(); }
 

@@ -9,7 +9,7 @@ namespace Zentara::Cameras {
 
 /// The microphones of a described camera: blocks of sound as its device delivers them. Each start begins at half the full
 /// level; another one, or silence, is set at the device while it streams.
-class AudioNode final : public Core::AudioNodeInterface {
+class AudioNode : public Core::AudioNodeInterface {
 public:
     AudioNode();
     ~AudioNode() override;
@@ -28,6 +28,9 @@ public:
     [[nodiscard]] Utils::SmartPtr<AudioConfiguration> getDefaultConfiguration() override;
     ReadBufferStatus readBuffer(void* buffer, int size, std::int64_t* timestamp, int* length) override;
 
+protected:
+    explicit AudioNode(GUID guid);
+
 private:
     struct Microphones;
 
@@ -35,6 +38,13 @@ private:
     void stop() noexcept;
 
     std::unique_ptr<Microphones> microphones; ///< null unless initialised
+};
+
+/// The microphones of a device that no description names, in the mode that the device itself reports. Of its store it
+/// needs the device's implementation alone.
+class GenericAudioNode final : public AudioNode {
+public:
+    GenericAudioNode();
 };
 
 } // namespace Zentara::Cameras

@@ -35,9 +35,11 @@ bool isNamed(std::uint64_t flags, CameraControlsEnum control) {
     return control >= 0 && control < 64 && (flags >> control & 1) != 0;
 }
 
-CameraControlRanges rangesOf(const Core::DescriptorStoreRO& store, IO::VideoDeviceProxy& device) {
+CameraControlRanges rangesOf(const Core::DescriptorStoreRO& store, IO::VideoDeviceProxy& device, bool all) {
     CameraControlRanges ranges;
     device.getCameraControlRanges(ranges);
+    if (all)
+        return ranges;
     const std::uint64_t flags = store.getCameraControlsFlags();
     std::erase_if(ranges.ranges, [flags](const auto& range) { return !isNamed(flags, range.first); });
     return ranges;
@@ -54,9 +56,9 @@ CameraControls defaultsOf(const CameraControlRanges& ranges) {
 
 /// Everything that lives from `initialize` to `dispose`, in an order in which it can be taken apart.
 struct ColorNode::Camera {
-    Camera(Core::DescriptorStoreRO& store, IO::VideoDeviceProxy& video)
+    Camera(Core::DescriptorStoreRO& store, IO::VideoDeviceProxy& video, bool generic)
         : device(video), commands(store, device), modes(modesOf(store, device)),
-          ranges(rangesOf(store, device)), controls(defaultsOf(ranges)) {}
+          ranges(rangesOf(store, device, generic)), controls(defaultsOf(ranges)) {}
 
     IO::VideoDeviceProxy& device;
     NodeCommands commands;
@@ -66,7 +68,11 @@ struct ColorNode::Camera {
     bool streaming = false;
 };
 
-ColorNode::ColorNode() : ColorNodeInterface(colorNodeGuid) {}
+ColorNode::ColorNode() : ColorNode(colorNodeGuid, false) {}
+
+ColorNode::ColorNode(GUID guid, bool asReported) : ColorNodeInterface(guid), generic(asReported) {}
+
+GenericColorNode::GenericColorNode() : ColorNode(genericColorNodeGuid, true) {}
 
 ColorNode::~ColorNode() { dispose(); }
 
@@ -74,7 +80,7 @@ void ColorNode::initialize(NodeEvent* event, Core::DescriptorStoreRO* store, Col
     dispose();
     ColorNodeInterface::initialize(event, store, data);
     getAVDeviceProxy()->open();
-    camera = std::make_unique<Camera>(*store, *getAVDeviceProxy());
+    camera = std::make_unique<Camera>(*store, *getAVDeviceProxy(), generic);
 }
 
 void ColorNode::dispose() {

@@ -10,7 +10,7 @@ namespace Zentara::Cameras {
 /// The colour stream of a described camera: frames as its device delivers them. Starting and stopping send the node's
 /// commands as a depth node's do. Settings of the camera that are made while nothing streams count from the next
 /// start on.
-class ColorNode final : public Core::ColorNodeInterface {
+class ColorNode : public Core::ColorNodeInterface {
 public:
     ColorNode();
     ~ColorNode() override;
@@ -35,13 +35,25 @@ public:
     [[nodiscard]] CameraControls getCameraControls() override;
     ReadBufferStatus readBuffer(void* buffer, int size, std::int64_t* timestamp, int* length) override;
 
+protected:
+    /// \param generic the device alone says which controls there are
+    ColorNode(GUID guid, bool generic);
+
 private:
     struct Camera;
 
     Camera& require(const char* operation);
     void stop() noexcept;
 
+    const bool generic;
     std::unique_ptr<Camera> camera; ///< null unless initialised
+};
+
+/// The colour stream of a device that no description names: modes, controls and frames are what the device itself
+/// reports. Of its store it needs the device's implementation alone.
+class GenericColorNode final : public ColorNode {
+public:
+    GenericColorNode();
 };
 
 } // namespace Zentara::Cameras

@@ -9,30 +9,43 @@ namespace {
 
 Core::RequestList copyOf(const Core::RequestList* list) { return list ? *list : Core::RequestList(); }
 
-ChipKind controllerOf(const Core::DescriptorStoreRO& store) {
+std::unique_ptr<NodeChip> chipOf(const Core::DescriptorStoreRO& store, IO::VideoDeviceProxy& proxy) {
     const auto kind = describedController(store.getDeviceCapabilities());
-    if (!kind)
-        throw Plugin::InitializationPluginException(
-            "cannot initialize a node: the descriptor store tells no controller of the camera");
-    return *kind;
+    return kind ? NodeChip::create(*kind, proxy) : nullptr;
 }
 
 } // namespace
 
 NodeCommands::NodeCommands(Core::DescriptorStoreRO& store, IO::VideoDeviceProxy& proxy)
-    : target(NodeChip::create(controllerOf(store), proxy)), preCommon(copyOf(store.getPreCommonSettings())),
-      postCommon(copyOf(store.getPostCommonSettings())), stopCommon(copyOf(store.getStopCommonSettings())) {}
+    : target(chipOf(store, proxy)), preCommon(copyOf(store.getPreCommonSettings())),
+      postCommon(copyOf(store.getPostCommonSettings())), stopCommon(copyOf(store.getStopCommonSettings())) {
+    if (!preCommon.empty() || !postCommon.empty() || !stopCommon.empty())
+        static_cast<void>(chip());
+}
+
+NodeChip& NodeCommands::chip() {
+    if (!target)
+        throw Plugin::InitializationPluginException(
+            "cannot initialize a node: the descriptor store tells no controller of the camera");
+    return *target;
+}
 
 void NodeCommands::start(const Core::RequestList* specific) {
-    target->send(&preCommon);
+    if (target)
+        target->send(&preCommon);
     change(specific);
 }
 
 void NodeCommands::change(const Core::RequestList* specific) {
+    if (!target)
+        return;
     target->send(specific);
     target->send(&postCommon);
 }
 
-void NodeCommands::stop() { target->send(&stopCommon); }
+void NodeCommands::stop() {
+    if (target)
+        target->send(&stopCommon);
+}
 
 } // namespace Zentara::Cameras

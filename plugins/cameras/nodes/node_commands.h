@@ -9,11 +9,12 @@
 
 namespace Zentara::Cameras {
 
-/// The commands of a video node, copied from the store, and the chip that they go to. Separate.
+/// The commands of a video node, copied from the store, and the chip that they go to: none of either for a camera
+/// without a controller. Separate.
 class NodeCommands {
 public:
-    /// \throws Plugin::InitializationPluginException when the store knows no controller of the camera, and what
-    ///         the chip throws
+    /// \throws Plugin::InitializationPluginException when the store has commands and knows no controller for them,
+    ///         and what the chip throws
     NodeCommands(Core::DescriptorStoreRO& store, IO::VideoDeviceProxy& proxy);
 
     /// Sends the pre-common commands, the mode's and the post-common ones, up to the first that fails.
@@ -26,7 +27,8 @@ public:
     /// Sends the stop-common commands.
     void stop();
 
-    [[nodiscard]] NodeChip& chip() { return *target; }
+    /// \throws Plugin::InitializationPluginException without a controller
+    [[nodiscard]] NodeChip& chip();
 
 private:
     std::unique_ptr<NodeChip> target;

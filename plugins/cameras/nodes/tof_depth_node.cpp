@@ -77,7 +77,9 @@ struct TofDepthNode::Camera {
     Camera(const NodeEvent& event, Core::DescriptorStoreRO& description, IO::VideoDeviceProxy& video)
         : serialNumber(event.serialNumber), store(description), device(video), commands(store, device),
           parameters(startParameters(store, device)), known(modesOf(store)),
-          calibration(std::make_unique<StoredCalibration>(&store, serialNumber, StoredObjects())) {}
+          calibration(std::make_unique<StoredCalibration>(&store, serialNumber, StoredObjects())) {
+        static_cast<void>(commands.chip());
+    }
 
     /// The node's own mode of that name, for its commands.
     [[nodiscard]] Mode find(const Mode& wanted, const char* operation) const {
