@@ -519,15 +519,20 @@ TEST_F(RomVerbs, NameEverySectionThatAnotherLayoutCosts) {
 
 TEST_F(RomVerbs, DrawTheMapAndTheTables) {
     const std::string text = done({"map", "camera:VC0345"});
-    EXPECT_THAT(text, AllOf(StartsWith("0x00000000  H"), HasSubstr("section 3 (configuration"),
-                            HasSubstr("0x00003c00  ....")));
+    EXPECT_THAT(text, AllOf(StartsWith("each character 16 bytes\n0x00000000  H"),
+                            HasSubstr("section 3 (configuration"), HasSubstr(" more such rows\n")));
     done({"map", "camera:VC0345", "--svg", path("map.svg"), "--png", path("map.png")});
     EXPECT_THAT(
         Utils::readFile(path("map.svg")),
         AllOf(StartsWith("<svg"), HasSubstr("gradientDistortionCorrection"), testing::EndsWith("</svg>\n")));
     EXPECT_THAT(Utils::readFile(path("map.png")), StartsWith("\x89PNG"));
     EXPECT_THAT(done({"draw", "camera:VC0345", "--table", "1", "--png", path("table.png")}),
-                HasSubstr("table 1 (frequency 30), 40 by 30 values"));
+                HasSubstr("table 1 (30 MHz), 40 by 30 values"));
+    EXPECT_EQ(rom({"draw", "camera:VC0345", "--png", path("table.png"), "--force", "--json"})
+                  .json()
+                  .at("camera")
+                  .at("serial"),
+              "SIM0345");
     EXPECT_THAT(Utils::readFile(path("table.png")), StartsWith("\x89PNG"));
     refused({"draw", "camera:VC0345", "--table", "2", "--png", path("none.png")}, ExitCode_FAILED,
             "there are 2 tables");

@@ -30,12 +30,8 @@ ExitCode runBackup(const BackupOptions& options, Console& console) {
         console.err << "zentara rom backup: something is wrong with " << target->name()
                     << "; the bytes are kept as they are\n";
     if (options.json) {
-        Json json = beginJson("rom");
-        json.update({{"action", "backup"},
-                     {"target", target->name()},
-                     {"file", options.file},
-                     {"bytes", image.bytes().size()},
-                     {"faulty", survey.isFaulty()}});
+        Json json = target->beginJson();
+        json.update({{"file", options.file}, {"bytes", image.bytes().size()}, {"faulty", survey.isFaulty()}});
         print(console.out, json);
     } else {
         printLine(console.out, Utils::Format("% bytes of % are in '%'") %

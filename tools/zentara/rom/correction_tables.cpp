@@ -1,6 +1,7 @@
 #include "tools/zentara/rom/correction_tables.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <memory>
 
@@ -47,6 +48,18 @@ CorrectionFile correctionOf(std::uint16_t uid, const GradientDistortionCorrectio
     for (const auto& data : object.getGradientDistortionCorrectionData())
         file.tables.push_back({data.getModulationFrequency(), data.getValues()});
     return file;
+}
+
+/// "2026-11-21 09:15:00 UTC (1795252500)", of seconds since 1970.
+std::string dateText(std::uint32_t time) {
+    using namespace std::chrono;
+    const sys_seconds when{seconds(time)};
+    const auto day = floor<days>(when);
+    const year_month_day date(day);
+    const hh_mm_ss clock(when - day);
+    return Format("%-%{:02}-%{:02} %{:02}:%{:02}:%{:02} UTC (%)") % int{date.year()} %
+           unsigned{date.month()} % unsigned{date.day()} % static_cast<int>(clock.hours().count()) %
+           static_cast<int>(clock.minutes().count()) % static_cast<int>(clock.seconds().count()) % time;
 }
 
 } // namespace
@@ -115,13 +128,13 @@ Json correctionsJson(const std::vector<CorrectionFile>& corrections) {
 
 std::string correctionText(const CorrectionFile& correction) {
     std::string text =
-        Format("section %: distortion correction, version %, written at %, % sets, serial id \"%\"\n") %
-        correction.uid % correction.version % correction.timeOfLastWrite % correction.numberOfSets %
+        Format("section %: distortion correction, version %, written %, % sets, serial id \"%\"\n") %
+        correction.uid % correction.version % dateText(correction.timeOfLastWrite) % correction.numberOfSets %
         correction.serialId;
     for (std::size_t i = 0; i < correction.tables.size(); ++i) {
         const CorrectionTable& table = correction.tables[i];
         const auto statistics = table.statistics();
-        text += Format("  table %: frequency %, % values from % to %, mean %, deviation %\n") %
+        text += Format("  table %: frequency % MHz, % values of 8 bits from % to %, mean %, deviation %\n") %
                 static_cast<unsigned>(i) % table.frequency %
                 static_cast<unsigned long long>(table.values.size()) % statistics.least %
                 statistics.greatest % decimalText(statistics.mean) % decimalText(statistics.deviation);

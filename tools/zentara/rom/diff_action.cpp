@@ -32,8 +32,8 @@ ExitCode runDiff(const DiffOptions& options, Console& console) {
             printLine(console.out, line);
     }
     if (options.json) {
-        Json json = beginJson("rom");
-        json.update({{"action", "diff"}, {"equal", changes.empty()}, {"changes", changes}});
+        Json json = beginJson(console);
+        json.update({{"equal", changes.empty()}, {"changes", changes}});
         print(console.out, json);
     }
     return changes.empty() ? ExitCode_DONE : ExitCode_FAILED;

@@ -83,8 +83,20 @@ ExitCode runDraw(const DrawOptions& options, Console& console) {
              encodePng(pixelsOf(table, width, height, scale), static_cast<int>(width * scale),
                        static_cast<int>(height * scale)),
              options.force);
-    printLine(console.out, Format("table % (frequency %), % by % values: %") % options.table %
-                               table.frequency % static_cast<unsigned long long>(width) %
+    if (options.json) {
+        Json json = target->beginJson();
+        json.update({{"file", options.file},
+                     {"table", options.table},
+                     {"modulationFrequency", table.frequency},
+                     {"width", width},
+                     {"height", height},
+                     {"least", table.statistics().least},
+                     {"greatest", table.statistics().greatest}});
+        print(console.out, json);
+        return ExitCode_DONE;
+    }
+    printLine(console.out, Format("table % (% MHz), % by % values: %") % options.table % table.frequency %
+                               static_cast<unsigned long long>(width) %
                                static_cast<unsigned long long>(height) % options.file);
     return ExitCode_DONE;
 }

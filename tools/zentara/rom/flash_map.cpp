@@ -124,13 +124,26 @@ std::vector<const Region*> FlashMap::cells(std::size_t count) const {
 std::string FlashMap::text() const {
     const std::size_t rows = std::clamp<std::size_t>(area.size / (COLUMNS * 16), 1, MOST_ROWS);
     const std::vector<const Region*> shown = cells(rows * COLUMNS);
-    std::string text;
-    for (std::size_t row = 0; row < rows; ++row) {
-        const auto address = static_cast<std::uint32_t>(area.start + std::uint64_t{area.size} * row / rows);
-        text += Format("0x%{:x8}  ") % address;
-        for (std::size_t column = 0; column < COLUMNS; ++column)
-            text += characterOf(shown[row * COLUMNS + column]);
-        text += '\n';
+    std::string text =
+        Format("each character % bytes\n") % static_cast<unsigned long long>(area.size / (rows * COLUMNS));
+    std::string last;
+    std::size_t equal = 0; // rows that look like the last one
+    for (std::size_t row = 0; row <= rows; ++row) {
+        std::string line;
+        for (std::size_t column = 0; row < rows && column < COLUMNS; ++column)
+            line += characterOf(shown[row * COLUMNS + column]);
+        if (line == last) {
+            ++equal;
+            continue;
+        }
+        if (equal > 0)
+            text += Format("            % more such %\n") % static_cast<unsigned long long>(equal) %
+                    (equal == 1 ? "row" : "rows");
+        equal = 0;
+        last = line;
+        if (row < rows)
+            text += Format("0x%{:x8}  %\n") %
+                    static_cast<std::uint32_t>(area.start + std::uint64_t{area.size} * row / rows) % line;
     }
     text += "\n.  free    -  rest of a chunk\n";
     for (const Region& region : all)

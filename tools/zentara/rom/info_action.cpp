@@ -110,7 +110,7 @@ ExitCode runInfo(const TargetOptions& options, Console& console) {
     const RomSurvey survey(image);
     const std::vector<CorrectionFile> corrections = correctionsOf(loadedSections(survey));
     if (options.json) {
-        Json json = beginJson("rom");
+        Json json = target->beginJson();
         json.update({{"action", "info"}, {"target", target->name()}});
         json.update(surveyJson(survey, image.area()));
         if (!corrections.empty())

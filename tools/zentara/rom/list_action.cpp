@@ -31,8 +31,8 @@ ExitCode runList(const TargetOptions& options, Console& console) {
             console.out << correctionText(correction);
         return ExitCode_DONE;
     }
-    Json json = beginJson("rom");
-    json.update({{"action", "list"}, {"target", target->name()}, {"sections", Json::array()}});
+    Json json = target->beginJson();
+    json.update({{"sections", Json::array()}});
     for (const auto& [uid, section] : content)
         json["sections"].push_back({{"uid", uid},
                                     {"type", section.type},

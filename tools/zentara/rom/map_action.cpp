@@ -39,8 +39,8 @@ ExitCode runMap(const MapOptions& options, Console& console) {
                  options.force);
     }
     if (options.json) {
-        Json json = beginJson("rom");
-        json.update({{"action", "map"}, {"target", target->name()}, {"regions", regionsJson(map)}});
+        Json json = target->beginJson();
+        json.update({{"regions", regionsJson(map)}});
         print(console.out, json);
     } else if (options.svgFile.empty() && options.pngFile.empty()) {
         console.out << map.text();

@@ -195,6 +195,13 @@ std::unique_ptr<RomTarget> openCamera(TargetOptions options, bool toWrite, Conso
 
 } // namespace
 
+Json toJson(const CameraIdentity& camera) {
+    return {{"serial", orNull(camera.serial)},
+            {"name", orNull(camera.name)},
+            {"path", orNull(camera.path)},
+            {"controller", orNull(camera.controller)}};
+}
+
 std::string readFileHere(const std::string& file, bool mayBePipe) {
     using Utils::Platform::FileKind;
     const FileKind kind = Utils::Platform::fileKind(file);
@@ -298,6 +305,14 @@ void RomTarget::detect(const TargetOptions& options) {
         else
             static_cast<void>(standsThere(place.headerAtStart));
     });
+}
+
+Json RomTarget::beginJson() const {
+    Json json = Tool::beginJson(console);
+    json["target"] = name();
+    const std::optional<CameraIdentity> who = camera();
+    json["camera"] = who ? toJson(*who) : Json();
+    return json;
 }
 
 void RomTarget::showProgress(const char* verb, std::size_t done, std::size_t all) const {

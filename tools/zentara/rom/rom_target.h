@@ -37,6 +37,8 @@ struct CameraIdentity {
     std::string controller; ///< "OV0570"
 };
 
+[[nodiscard]] Json toJson(const CameraIdentity& camera);
+
 /// "1.4.5": what wrote a backup.
 inline const std::string sdkVersion = std::to_string(ZENTARA_SDK_VERSION_MAJOR) + "." +
                                       std::to_string(ZENTARA_SDK_VERSION_MINOR) + "." +
@@ -74,6 +76,9 @@ public:
     [[nodiscard]] virtual bool isWrittenInPlace() const { return false; }
     /// Whether a path leads to this very file.
     [[nodiscard]] virtual bool isAt(const std::string&) const { return false; }
+
+    /// Begins what a verb prints with --json: the target, and of a camera who it is.
+    [[nodiscard]] Json beginJson() const;
 
     /// The whole area; what may be garbled on its way is read twice. Progress shows on a terminal; Ctrl-C ends it as a ToolFailure of that text.
     [[nodiscard]] FlashImage load(const char* whenInterrupted = "interrupted; nothing was changed");

@@ -105,10 +105,7 @@ void keepBackup(const RomTarget& source, const std::string& path, const FlashIma
     const std::optional<CameraIdentity> camera = source.camera();
     if (camera && !camera->serial.empty()) {
         Json json{{"schema", jsonSchema}, {"kind", "flash backup"}};
-        json["camera"] = {{"serial", camera->serial},
-                          {"name", camera->name},
-                          {"path", camera->path},
-                          {"controller", camera->controller}};
+        json["camera"] = toJson(*camera);
         json.update({{"sdk", sdkVersion}, {"start", image.area().start}, {"size", image.area().size}});
         std::ostringstream text;
         print(text, json);
@@ -342,10 +339,8 @@ void RomWriter::report(const PlannedWrite& plan, const std::string& backupFile) 
         bytes += write.bytes.size();
     const bool isWritten = !options.dryRun && bytes > 0;
     if (options.json) {
-        Json json = beginJson("rom");
-        json.update({{"action", verb},
-                     {"target", target.name()},
-                     {"changes", plan.changes},
+        Json json = target.beginJson();
+        json.update({{"changes", plan.changes},
                      {"writes", plan.writes.size()},
                      {"bytes", bytes},
                      {"written", isWritten}});

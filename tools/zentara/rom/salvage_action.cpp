@@ -61,12 +61,8 @@ ExitCode runSalvage(const SalvageOptions& options, Console& console) {
                               (fresh.refusal ? fresh.refusal->message : fresh.losses.front()));
     keepFile(*target, options.file, fresh.image.bytes());
     if (options.json) {
-        Json json = beginJson("rom");
-        json.update({{"action", "salvage"},
-                     {"target", target->name()},
-                     {"file", options.file},
-                     {"sections", salvage.content.size()},
-                     {"found", salvage.lines}});
+        Json json = target->beginJson();
+        json.update({{"file", options.file}, {"sections", salvage.content.size()}, {"found", salvage.lines}});
         print(console.out, json);
         return ExitCode_DONE;
     }

@@ -12,12 +12,9 @@
 namespace Zentara::Tool {
 namespace {
 
-void printJson(const RomSurvey& survey, const std::string& target, std::ostream& out) {
-    Json json = beginJson("rom");
-    json.update({{"action", "verify"},
-                 {"target", target},
-                 {"faulty", survey.isFaulty()},
-                 {"findings", Json::array()}});
+void printJson(const RomSurvey& survey, const RomTarget& target, std::ostream& out) {
+    Json json = target.beginJson();
+    json.update({{"faulty", survey.isFaulty()}, {"findings", Json::array()}});
     for (const Finding& finding : survey.findings())
         json["findings"].push_back({{"address", finding.address},
                                     {"kind", findingKindName(finding.kind)},
@@ -44,7 +41,7 @@ ExitCode runVerify(const TargetOptions& options, Console& console) {
     const FlashImage image = target->load();
     const RomSurvey survey(image);
     if (options.json)
-        printJson(survey, target->name(), console.out);
+        printJson(survey, *target, console.out);
     else
         printText(survey, console.out);
     return survey.isFaulty() ? ExitCode_VERIFICATION : ExitCode_DONE;
