@@ -8,7 +8,6 @@
 #include <zentara/plugin/plugin_exceptions.h>
 
 #include "io/chips/wired_camera.h"
-#include "support/virtual_slots.h"
 
 namespace Zentara::Test {
 
@@ -151,23 +150,6 @@ TEST(XUInterfaceTest, InitializeSelectsTheChipsOwnUnitOnce) {
     const ::GUID vcUnit{0xa917c75d, 0x4119, 0x11da, {0xae, 0x0e, 0x00, 0x0d, 0x56, 0xac, 0x7b, 0x4c}};
     expectOneSelection<IO::VC0258Impl>(vcUnit);
     expectOneSelection<IO::VC0345Impl>(vcUnit);
-}
-
-TEST(XUInterfaceTest, VirtualOperationsStandInTheirSlots) {
-    using IO::XUInterface;
-    using Testing::virtualSlot;
-    const std::vector<int> slots{
-        virtualSlot(static_cast<void (XUInterface::*)(const ::GUID&)>(&XUInterface::setup)),
-        virtualSlot(static_cast<void (XUInterface::*)()>(&XUInterface::setup)),
-        virtualSlot(&XUInterface::processCommands),
-        virtualSlot(&XUInterface::processCommand),
-        virtualSlot(&XUInterface::send),
-        virtualSlot(&XUInterface::recv)};
-    EXPECT_THAT(slots, ElementsAre(2, 3, 4, 5, 6, 7));
-    EXPECT_EQ(Testing::virtualSlotCount<ListeningChip>(), 8);
-    EXPECT_EQ(Testing::virtualSlotCount<IO::OV0570Impl>(), 8);
-    EXPECT_EQ(Testing::virtualSlotCount<IO::VC0258Impl>(), 8);
-    EXPECT_EQ(Testing::virtualSlotCount<IO::VC0345Impl>(), 8);
 }
 
 } // namespace
