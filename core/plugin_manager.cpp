@@ -1,5 +1,8 @@
 #include <zentara/core/plugin_manager.h>
 
+#include <memory>
+#include <utility>
+
 #include <zentara/core/guids.h>
 #include <zentara/core/plugin_probe.h>
 #include <zentara/core/shared_library.h>
@@ -21,16 +24,13 @@ constinit Utils::Immortal<Utils::Threading::Mutex> lockStorage;
 
 /// Written by the constructor only.
 struct PluginManager::Impl {
-    Impl() = default;
     /// A library whose objects still live stays, held by its uses.
-    ~Impl() {
-        for (const auto& entry : libraries)
-            entry.second->release();
-    }
-    Impl(const Impl&) = delete;
-    Impl& operator=(const Impl&) = delete;
+    struct Release {
+        void operator()(SharedLibrary* library) const { library->release(); }
+    };
+    using Library = std::unique_ptr<SharedLibrary, Release>;
 
-    GuidMap<SharedLibrary*> libraries;
+    GuidMap<Library> libraries;
 };
 
 PluginManager* PluginManager::_instance = nullptr;
@@ -92,7 +92,7 @@ void PluginManager::decref(GUID guid) { getSharedLibrary(guid)->decref(); }
 
 SharedLibrary* PluginManager::getSharedLibrary(GUID guid) {
     checkGUID(guid);
-    return impl->libraries.find(guid)->second;
+    return impl->libraries.find(guid)->second.get();
 }
 
 void PluginManager::checkGUID(GUID guid) const {
@@ -103,9 +103,10 @@ void PluginManager::checkGUID(GUID guid) const {
 
 void PluginManager::loadImplGUIDs() {
     for (const PluginProbe& probe : probePluginDirectory(getPluginDirectory())) {
-        if (probe.accepted())
-            impl->libraries.emplace(
-                probe.guid, new SharedLibrary(probe.path, static_cast<ImplType>(probe.type), probe.guid));
+        if (!probe.accepted())
+            continue;
+        Impl::Library library(new SharedLibrary(probe.path, static_cast<ImplType>(probe.type), probe.guid));
+        impl->libraries.emplace(probe.guid, std::move(library));
     }
 }
 
