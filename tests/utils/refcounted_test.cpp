@@ -105,6 +105,24 @@ TEST_F(RefcountedTest, WeakReferenceEndsWithItsObject) {
     EXPECT_FALSE(weak != nothing);
 }
 
+TEST_F(RefcountedTest, ADyingObjectIsNotHadBack) {
+    struct Dying : Refcounted {
+        explicit Dying(WeakPtr<Dying>& reference) : weak(reference) {}
+        ~Dying() override {
+            EXPECT_TRUE(weak.expired());
+            EXPECT_FALSE(weak.lock());
+            EXPECT_FALSE(tryIncref());
+        }
+        WeakPtr<Dying>& weak;
+    };
+    WeakPtr<Dying> weak;
+    auto strong = makeRefcounted<Dying>(weak);
+    weak = WeakPtr<Dying>(strong);
+    EXPECT_FALSE(weak.expired());
+    strong.reset();
+    EXPECT_TRUE(weak.expired());
+}
+
 TEST_F(RefcountedTest, WeakReferenceMovesBetweenObjects) {
     auto first = makeRefcounted<Counted>(living);
     auto second = makeRefcounted<Counted>(living);
