@@ -1,6 +1,5 @@
 // The simulated controllers by their bytes, without any chip: what they refuse and what wrong settings do to data.
 #include <memory>
-#include <set>
 #include <thread>
 
 #include <gmock/gmock.h>
@@ -100,26 +99,6 @@ TEST(VC0258FirmwareTest, MemoryNeedsTheDmaSizeAndTheArea) {
     wire.set(4, {0x20, 0x12, 0x81, 1});
     EXPECT_EQ(wire.get(24, {0x50, 2, 0, 1})[4], wire.port.model().configuration()[2]);
     EXPECT_THROW(wire.get(24, {0x50, 2, 0, 33}), IOPluginException);
-}
-
-TEST(VC0345FirmwareTest, TheTwoBytesOfARegisterAreReadApart) {
-    Wire<VC0345Firmware> wire;
-    wire.set(4, {0x20, 0x02, 0x81, 4});
-    wire.set(16, {0x41, 5, 0x34, 0x12});
-    EXPECT_EQ(wire.get(16, {0x46, 0x05})[3], 0x34);
-    EXPECT_EQ(wire.get(16, {0x46, 0x85})[3], 0x12);
-    wire.set(4, {0x20, 0x02, 0x81, 3});
-    EXPECT_EQ(wire.get(16, {0x46, 0x05})[3], 0);
-}
-
-// Else a memory read from the wrong place could pass for the right one.
-TEST(PatternFlashTest, NoTwoPiecesAreAlike) {
-    const Bytes image = patternFlash(0x57);
-    std::set<Bytes> pieces;
-    for (auto piece = image.begin(); piece != image.end(); piece += 32) {
-        pieces.emplace(piece, piece + 32);
-    }
-    EXPECT_EQ(pieces.size(), 2048U);
 }
 
 TEST(PortTest, ChecksUnitControlAndLengthAndWantsASelection) {

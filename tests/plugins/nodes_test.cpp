@@ -81,8 +81,8 @@ struct Frame {
     }
 };
 
-template<typename Interface>
-Frame read(HostedNode<Interface>& node, int size = 1 << 20) {
+template<typename Node>
+Frame read(Node& node, int size = 1 << 20) {
     Frame frame;
     frame.bytes.resize(static_cast<std::size_t>(size));
     frame.status = node->readBuffer(frame.bytes.data(), size, &frame.micros, &frame.length);
@@ -477,12 +477,6 @@ TEST_F(NodeFailureTest, MissingAndWrongDevicesAreRefused) {
                 HasSubstr("ImplType mismatch"));
     EXPECT_THAT(failure([&] { depth->readBuffer(nullptr, 0, nullptr, nullptr); }),
                 HasSubstr("not initialized"));
-    // A store that has selected nothing names none.
-    DepthHost lost{NodeEvent()};
-    EXPECT_FALSE(lost.selected);
-    lost.store->initialize();
-    EXPECT_THAT(failure([&] { depth->initialize(&event, lost.store->getDescriptorStore(), nullptr); }),
-                HasSubstr("couldn't find GUID NULL_IMPL"));
     depth.initialize();
     EXPECT_THAT(failure([&] { depth->initialize(nullptr, &depth.view(), nullptr); }),
                 HasSubstr("no node event"));
@@ -603,34 +597,21 @@ TEST_F(NodeTest, AColorNodeStreamsWithTheSettingsOfTheHost) {
     }
 }
 
-TEST_F(NodeTest, AnAudioNodeStreamsItsDefaultMode) {
+TEST_F(NodeTest, AnAudioNodeStreamsItsDefaultModeAsItsDeviceIsSet) {
     plugOne("ZS570");
     AudioHost microphones(host.find(NodeType_AUDIO));
     EXPECT_THAT(failure([&] { microphones->disableStreaming(); }), HasSubstr("not initialized"));
     microphones.initialize();
-    EXPECT_THAT(microphones->getConfigurations(), SizeIs(1));
     EXPECT_EQ(microphones->getDefaultConfiguration()->getName(), "AUCH2BPS16SR48000");
     EXPECT_THAT(
         failure([&] { microphones->enableStreaming(makeRefcounted<AudioConfiguration>(1, 8, 8000)); }),
         HasSubstr("no mode"));
-    microphones->enableStreaming(microphones->getDefaultConfiguration());
-    const Frame block = read(microphones);
-    EXPECT_EQ(block.status, ReadBufferStatus_OK);
-    EXPECT_EQ(block.length, static_cast<int>(Cameras::audioBlockBytes));
-    microphones->disableStreaming();
-    EXPECT_EQ(read(microphones).status, ReadBufferStatus_NOT_STREAMING);
-}
-
-TEST_F(NodeTest, TheMicrophonesOfAnAudioNodeAreSetAtItsDevice) {
-    plugOne("ZS570");
-    AudioHost microphones(host.find(NodeType_AUDIO));
-    microphones.initialize();
     EXPECT_THAT(failure([&] { microphones->setMute(true); }),
                 "1: Setting mute is not supported by this device");
     microphones->enableStreaming(microphones->getDefaultConfiguration());
     const auto isSilent = [&] {
         const Frame block = read(microphones);
-        EXPECT_EQ(block.status, ReadBufferStatus_OK);
+        EXPECT_EQ(block.length, static_cast<int>(Cameras::audioBlockBytes));
         return std::all_of(block.bytes.begin(), block.bytes.begin() + block.length,
                            [](std::uint8_t byte) { return byte == 0; });
     };
@@ -638,6 +619,7 @@ TEST_F(NodeTest, TheMicrophonesOfAnAudioNodeAreSetAtItsDevice) {
     microphones->getAVDeviceProxy()->setMute(true);
     EXPECT_TRUE(isSilent());
     microphones->disableStreaming();
+    EXPECT_EQ(read(microphones).status, ReadBufferStatus_NOT_STREAMING);
     microphones->enableStreaming(microphones->getDefaultConfiguration());
     EXPECT_FALSE(isSilent()) << "each start begins anew";
 }
@@ -675,14 +657,6 @@ struct UndescribedNode {
     NodeEvent event;
     Utils::SmartPtr<Interface> node;
 };
-
-template<typename Interface>
-Frame read(UndescribedNode<Interface>& node) {
-    Frame frame;
-    frame.bytes.resize(1 << 20);
-    frame.status = node->readBuffer(frame.bytes.data(), 1 << 20, &frame.micros, &frame.length);
-    return frame;
-}
 
 TEST(UndescribedDevices, StreamColorAndSoundAsTheyReportIt) {
     DeviceAlone video(Core::Guids::MOCKVIDEODEVICE_IMPL);

@@ -5,7 +5,6 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -62,12 +61,6 @@ protected:
         [[nodiscard]] std::vector<std::uint16_t> plane(std::size_t offset) const {
             std::vector<std::uint16_t> values(pixelCount);
             std::memcpy(values.data(), bytes.data() + offset, pixelCount * sizeof values[0]);
-            return values;
-        }
-
-        [[nodiscard]] std::vector<std::int16_t> samples() const {
-            std::vector<std::int16_t> values(bytes.size() / sizeof(std::int16_t));
-            std::memcpy(values.data(), bytes.data(), bytes.size());
             return values;
         }
     };
@@ -145,10 +138,6 @@ TEST_P(SimulatedDevices, AnswerEveryOperationInItsState) {
     expect(invalidOperationKind, "open: the device is open already", [&] { camera->open(); });
     expect(configurationKind, "no mode DEFF3FR60CM0S0",
            [&] { camera->enableStreaming(depthMode(FrameFormat_VGA)); });
-    expect(configurationKind, "no mode DEFF2FR30CM0S0",
-           [&] { camera->enableStreaming(depthMode(FrameFormat_QVGA, 30)); });
-    expect(argumentKind, "enableDepth: the configuration is null",
-           [&] { camera->enableStreaming(Utils::SmartPtr<DepthBaseConfiguration>()); });
     camera->enableStreaming(depthMode());
     expect(invalidOperationKind, "the device is streaming", [&] { camera->enableStreaming(depthMode()); });
 
@@ -201,10 +190,6 @@ TEST_P(SimulatedDevices, StreamColorUnderTheirControls) {
     EXPECT_GT(meanLuma(), dark + 60);
 
     EXPECT_THAT(outcome([&] {
-                    camera->setCameraControl(CameraControl_BRIGHTNESS, {brightness.maximum + 1, false});
-                }),
-                testing::StartsWith(argumentKind));
-    EXPECT_THAT(outcome([&] {
                     camera->setCameraControl(CameraControl_GAIN, {0, true});
                 }),
                 HasSubstr("no automatic mode"));
@@ -212,20 +197,6 @@ TEST_P(SimulatedDevices, StreamColorUnderTheirControls) {
                     camera->setCameraControl(CameraControl_ZOOM, {0, false});
                 }),
                 HasSubstr("the camera has no control 11"));
-}
-
-TEST_P(SimulatedDevices, GiveATurnToReadersThatWaitWhenTheStreamEnds) {
-    const auto camera = streamingVideo();
-    camera->pauseStreaming();
-    ReadBufferStatus status = ReadBufferStatus_OK;
-    std::thread reader([&] {
-        do
-            status = read(*camera).status;
-        while (status == ReadBufferStatus_OK || status == ReadBufferStatus_TIMEOUT);
-    });
-    camera->disableStreaming(false);
-    reader.join();
-    EXPECT_EQ(status, ReadBufferStatus_NOT_STREAMING);
 }
 
 TEST_P(SimulatedDevices, HearTheToneAtItsLevel) {
@@ -238,7 +209,8 @@ TEST_P(SimulatedDevices, HearTheToneAtItsLevel) {
     const auto peak = [&] {
         const Read block = read(*microphones, audioBlockBytes);
         EXPECT_EQ(block.status, ReadBufferStatus_OK);
-        const auto samples = block.samples();
+        std::vector<std::int16_t> samples(block.bytes.size() / sizeof(std::int16_t));
+        std::memcpy(samples.data(), block.bytes.data(), block.bytes.size());
         return *std::max_element(samples.begin(), samples.end());
     };
     EXPECT_GT(peak(), 30000);
@@ -283,11 +255,6 @@ TEST_P(SimulatedDevices, FailToComeToLifeAsAsked) {
         EXPECT_EQ(outcome([&] { video(); }), "no exception");
         EXPECT_EQ(outcome([&] { audio(); }), "8: create: simulated fault");
     }
-    {
-        const SimulatedFaults faults("seed 1;snooze");
-        EXPECT_THAT(outcome([&] { video(); }),
-                    HasSubstr("ZENTARA_SIMULATED, line 2: unknown statement 'snooze'"));
-    }
     EXPECT_EQ(outcome([&] { video(); }), "no exception");
 }
 
@@ -296,10 +263,6 @@ TEST(DirectVideoDevice, CropsAndLeavesConfidenceAway) {
     IO::VideoDeviceProxy camera(Core::Guids::MOCKVIDEODEVICE_IMPL, false);
     EXPECT_THAT(outcome([&] {
                     camera.setRegionOfInterest({300, 0, 21, 1});
-                }),
-                testing::StartsWith(argumentKind));
-    EXPECT_THAT(outcome([&] {
-                    camera.setRegionOfInterest({0xFFFFFFFF, 0, 2, 1});
                 }),
                 testing::StartsWith(argumentKind));
     EXPECT_THAT(outcome([&] { camera.setOutputFormat(OutputFormat::OutputFormat_RAW_PHASE); }),
