@@ -64,8 +64,9 @@ private:
 /// Takes one file through the steps of the scan, in their order, until one refuses it.
 class Scanner {
 public:
-    Scanner(const std::string& path, const GuidMap<std::string>& registeredPaths)
-        : registered(registeredPaths) {
+    Scanner(const std::string& path, const GuidMap<std::string>& registeredPaths,
+            const PluginScanListener& listener)
+        : registered(registeredPaths), begins(listener) {
         probe.path = path;
     }
 
@@ -74,12 +75,20 @@ public:
                             readPluginVersion() && readSDKVersion();
         if (passed)
             probe.step = PluginScanStep::Accepted;
+        if (begins)
+            begins(PluginScanStep::Accepted);
         return std::move(probe);
     }
 
 private:
+    void begin(PluginScanStep step) {
+        probe.step = step;
+        if (begins)
+            begins(step);
+    }
+
     bool checkName() {
-        probe.step = PluginScanStep::Name;
+        begin(PluginScanStep::Name);
         const std::string mark = debugMark();
         if (probe.path.find(mark) == std::string::npos)
             return true;
@@ -87,7 +96,7 @@ private:
     }
 
     bool open() {
-        probe.step = PluginScanStep::Open;
+        begin(PluginScanStep::Open);
         std::string problem;
         if (library.open(probe.path, problem))
             return true;
@@ -95,12 +104,12 @@ private:
     }
 
     bool readGUID() {
-        probe.step = PluginScanStep::ImplGUID;
+        begin(PluginScanStep::ImplGUID);
         return ask<GetImplGUIDFunction>("getImplGUID", [this](auto function) { probe.guid = function(); });
     }
 
     bool checkDuplicate() {
-        probe.step = PluginScanStep::Duplicate;
+        begin(PluginScanStep::Duplicate);
         const auto first = registered.find(probe.guid);
         if (first == registered.end())
             return true;
@@ -110,7 +119,7 @@ private:
     }
 
     bool readType() {
-        probe.step = PluginScanStep::ImplType;
+        begin(PluginScanStep::ImplType);
         if (!ask<GetImplTypeFunction>("getImplType", [this](auto function) { probe.type = function(); }))
             return false;
         if (std::find(std::begin(acceptedTypes), std::end(acceptedTypes), probe.type) !=
@@ -121,7 +130,7 @@ private:
 
     /// Asked for and reported, but any value will do.
     bool readPluginVersion() {
-        probe.step = PluginScanStep::PluginVersion;
+        begin(PluginScanStep::PluginVersion);
         return ask<GetPluginVersionFunction>("getPluginVersion", [this](auto function) {
             auto& version = probe.pluginVersion;
             function(&version[0], &version[1], &version[2]);
@@ -129,7 +138,7 @@ private:
     }
 
     bool readSDKVersion() {
-        probe.step = PluginScanStep::SDKVersion;
+        begin(PluginScanStep::SDKVersion);
         const bool answered = ask<GetSDKVersionFunction>("getSDKVersion", [this](auto function) {
             auto& version = probe.sdkVersion;
             function(&version[0], &version[1], &version[2], &version[3]);
@@ -174,6 +183,7 @@ private:
     }
 
     const GuidMap<std::string>& registered;
+    const PluginScanListener& begins;
     PluginProbe probe;
     OpenLibrary library;
 };
@@ -181,8 +191,9 @@ private:
 } // namespace
 
 const char* pluginScanStepName(PluginScanStep step) noexcept {
-    static constexpr const char* names[] = {"name",     "open",          "implGUID",   "duplicate",
-                                            "implType", "pluginVersion", "sdkVersion", "accepted"};
+    static constexpr const char* names[] = {"name",       "open",     "implGUID",
+                                            "duplicate",  "implType", "pluginVersion",
+                                            "sdkVersion", "accepted", "unload"};
     const auto index = static_cast<std::size_t>(step);
     return index < std::size(names) ? names[index] : "unknown";
 }
@@ -200,11 +211,15 @@ std::vector<PluginProbe> probePluginDirectory(const std::string& directory) {
     GuidMap<std::string> registered;
     std::vector<PluginProbe> probes;
     for (const std::string& path : Utils::getFileList(directory, pluginFileExtension())) {
-        probes.push_back(Scanner(path, registered).run());
+        probes.push_back(Scanner(path, registered, {}).run());
         if (probes.back().accepted())
             registered.emplace(probes.back().guid, path);
     }
     return probes;
+}
+
+PluginProbe probePluginFile(const std::string& path, const PluginScanListener& begins) {
+    return Scanner(path, {}, begins).run();
 }
 
 } // namespace Zentara::Core

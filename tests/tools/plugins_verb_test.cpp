@@ -1,5 +1,7 @@
+#include <cstdlib>
 #include <filesystem>
 #include <map>
+#include <set>
 #include <string>
 
 #include <zentara/core/plugin_probe.h>
@@ -94,6 +96,121 @@ TEST_F(PluginsVerb, SaysOfEveryOtherFileWhyItIsRefusedAndWhatHelps) {
     const ToolRun text = ToolTest::run({"plugins", "--all"});
     EXPECT_THAT(text.out, testing::AllOf(HasSubstr("MOCKVIDEODEVICE_IMPL"), HasSubstr("refused: "),
                                          HasSubstr("remedy")));
+}
+
+TEST_F(PluginsVerb, NamesWhoEndsTheProcessAndListsTheOthers) {
+    makePluginDirectory();
+    addCopy("mock_video_device", "a_video" + ending());
+    const struct {
+        const char* behaviour;
+        const char* step; ///< null: nothing is wrong with it
+        bool fatal;
+        const char* reason;
+    } rows[]{
+        {"load crash", "open", true, "while it is loaded"},
+        {"load abort", "open", true, "while it is loaded"},
+        {"load hang", "open", true, "hangs while it is loaded"},
+        {"load exit", "open", true, "ends the process while it is loaded"},
+        {"guid crash", "implGUID", true, "in \"getImplGUID\""},
+        {"data", "implGUID", true, "in \"getImplGUID\""},
+        {"guid throw", "implGUID", false, R"(throws from "getImplGUID": thrown\n\x1b[2Jxxx)"},
+        {"type exit", "implType", true, "ends the process in \"getImplType\""},
+        {"version hang", "pluginVersion", true, "hangs in \"getPluginVersion\""},
+        {"sdk abort", "sdkVersion", true, "in \"getSDKVersion\""},
+        {"unload crash", "unload", true, "while it is unloaded"},
+        {"unload exit", "unload", true, "ends the process while it is unloaded"},
+        {"load print", nullptr, false, ""},
+        {"sdk print", nullptr, false, ""},
+    };
+    for (const auto& row : rows)
+        copyMisbehaving(row.behaviour, row.behaviour + ending());
+    const InstallRoot root(path());
+    const ToolRun run = runBuilt("plugins --all --json");
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_EQ(run.out.find("SPOILT"), std::string::npos);
+    const auto listing = run.json();
+    EXPECT_EQ(listing.at("plugins").size(), 3U) << run.out;
+    auto refused = refusedOf(listing);
+    for (const auto& row : rows) {
+        const auto& file = refused[row.behaviour + ending()];
+        ASSERT_EQ(file.is_null(), row.step == nullptr) << row.behaviour;
+        if (row.step == nullptr)
+            continue;
+        EXPECT_EQ(file.at("step"), row.step) << file;
+        EXPECT_EQ(file.at("fatal"), row.fatal) << file;
+        EXPECT_THAT(file.at("reason").get<std::string>(), HasSubstr(row.reason));
+        EXPECT_LE(file.at("reason").get<std::string>().size(), 1024U);
+        EXPECT_EQ(run.err.find(row.behaviour + ending()) != std::string::npos, row.fatal) << row.behaviour;
+    }
+}
+
+/// A library's first bytes, as far as they say for which machine it was made.
+std::string headOf(bool isWindows, unsigned char machine) {
+    std::string head(4096, '\0');
+    head.replace(0, isWindows ? 2 : 5,
+                 isWindows ? "MZ"
+                           : "\x7F"
+                             "ELF\2");
+    head[0x3C] = 0x40;
+    head.replace(0x40, 2, isWindows ? "PE" : "");
+    head[isWindows ? 0x44 : 18] = static_cast<char>(machine);
+    head[0x45] = static_cast<char>(isWindows ? 0xAA : 0);
+    return head;
+}
+
+TEST_F(PluginsVerb, TellsEachOddEntryWithItsOwnRemedy) {
+    makePluginDirectory();
+    const auto at = [this](const std::string& name) {
+        return TemporaryDirectory::fromUtf8(path("bin/Plugins/" + name + ending()));
+    };
+    std::map<std::string, const char*> reasons{{"folder", "is a folder"},
+                                               {"arm", "is a library for Linux on AArch64"},
+                                               {"windows arm", "is a library for Windows on AArch64"}};
+    std::filesystem::create_directory(at("folder"));
+    addFile("arm" + ending(), headOf(false, 183));
+    addFile("windows arm" + ending(), headOf(true, 0x64));
+    std::error_code none; // where there are no links
+    std::filesystem::create_symlink("nowhere", at("dangling"), none);
+    if (!none) {
+        std::filesystem::create_symlink("round" + ending(), at("round"));
+        std::filesystem::create_symlink("/dev/null", at("device"));
+        EXPECT_EQ(std::system(("mkfifo '" + at("pipe").string() + "'").c_str()), 0);
+        reasons.insert({{"dangling", "is a link to something that is not there"},
+                        {"round", "leads back to itself"},
+                        {"device", "is a device"},
+                        {"pipe", "is a pipe"}});
+    }
+    const InstallRoot root(path());
+    auto refused = refusedOf(ToolTest::run({"plugins", "--all", "--json"}).json());
+    EXPECT_EQ(refused.size(), reasons.size());
+    std::set<std::string> remedies;
+    for (const auto& [name, reason] : reasons) {
+        const auto& file = refused[name + ending()];
+        ASSERT_FALSE(file.is_null()) << name;
+        EXPECT_THAT(file.at("reason").get<std::string>(), HasSubstr(reason));
+        remedies.insert(file.at("remedy"));
+    }
+    EXPECT_GE(remedies.size() + 1, reasons.size()) << "the two libraries want the same";
+
+    if (none)
+        return;
+    std::filesystem::permissions(at("arm"), std::filesystem::perms::none);
+    std::filesystem::permissions(at("").parent_path(), std::filesystem::perms::all);
+    // The superuser may read everything, so somebody else has to ask.
+    const std::string output = path("said");
+    const auto askAsNobody = [&output] {
+        const int status = std::system(("setpriv --reuid=65534 --regid=65534 --clear-groups '" +
+                                        builtTool().string() + "' plugins --all > '" + output + "' 2>&1")
+                                           .c_str());
+        return std::pair(status >> 8, Utils::readFile(output));
+    };
+    const auto [code, said] = askAsNobody();
+    EXPECT_THAT(said, testing::AllOf(HasSubstr("may not be read"), HasSubstr("everybody may write to")));
+    std::filesystem::permissions(at("").parent_path(), std::filesystem::perms::none);
+    const auto [unreadable, why] = askAsNobody();
+    EXPECT_EQ(unreadable, 5) << why;
+    EXPECT_THAT(why, HasSubstr("cannot read the plug-in directory"));
+    std::filesystem::permissions(at("").parent_path(), std::filesystem::perms::owner_all);
 }
 
 TEST_F(PluginsVerb, EndsWithItsOwnCodeWhenNothingIsUsable) {

@@ -2,6 +2,7 @@
 
 #include <sstream>
 
+#include <zentara/core/plugin_probe.h>
 #include <zentara/utils/files.h>
 
 #include "support/program.h"
@@ -12,12 +13,27 @@ namespace Zentara::Tool {
 ToolRun ToolTest::run(const std::vector<std::string>& arguments) {
     std::ostringstream out;
     std::ostringstream err;
-    Console console{out, err};
+    Console console{out, err, false, builtTool().string()};
     ToolRun result;
     result.exitCode = runTool(arguments, console);
     result.out = out.str();
     result.err = err.str();
     return result;
+}
+
+std::filesystem::path ToolTest::builtTool() {
+    const std::filesystem::path tool = Tests::programDirectory() / "zentara";
+    return std::filesystem::exists(tool) ? tool : std::filesystem::path(tool.string() + ".exe");
+}
+
+void ToolTest::copyMisbehaving(const std::string& behaviour, const std::string& file) const {
+    const char* fixture = behaviour == "data" ? "misbehaving_data." : "misbehaving.";
+    const auto built = builtTool().parent_path().parent_path() / "test-plugins" /
+                       (std::string(fixture) + Core::pluginFileExtension());
+    std::string bytes = Utils::readFile(built.string());
+    const std::string mark = "MISBEHAVIOUR:";
+    bytes.replace(bytes.find(mark) + mark.size(), behaviour.size() + 1, behaviour + ' ');
+    Utils::writeFile(path("bin/Plugins/" + file), bytes);
 }
 
 ToolRun ToolTest::runBuilt(const std::string& arguments) const {

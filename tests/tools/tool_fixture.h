@@ -31,6 +31,11 @@ protected:
     /// The built program. \param arguments plain words between blanks.
     ToolRun runBuilt(const std::string& arguments) const;
 
+    [[nodiscard]] static std::filesystem::path builtTool();
+
+    /// Puts a plug-in of fixtures/misbehaving.cpp into "bin/Plugins/" of the test's directory. \param behaviour "WHERE HOW"
+    void copyMisbehaving(const std::string& behaviour, const std::string& file) const;
+
     /// A file in the test's directory, and whether it is there.
     [[nodiscard]] std::string path(const std::string& name = {}) const { return directory.path(name); }
     [[nodiscard]] bool exists(const std::string& name) const;

@@ -12,6 +12,7 @@ struct Console {
     std::ostream& out;
     std::ostream& err;
     bool showProgress = false; ///< `err` is a terminal
+    std::string program{};     ///< the tool's own file, which `plugins` starts anew for each plug-in
     std::string verb{};        ///< "rom"; empty before the command line has been read
     std::string action{};      ///< "info", of a verb that has several
     bool json = false;         ///< --json was given: a failure is told on `out` as well

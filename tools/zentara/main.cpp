@@ -1,12 +1,18 @@
 #include <cstdio>
 #include <iostream>
 
+#include "tools/zentara/plugins/plugin_question.h"
 #include "tools/zentara/verb.h"
 #include "utils/platform/program.h"
 
 int main(int argc, char** argv) {
-    Zentara::Utils::Platform::reserveStandardStreams();
-    Zentara::Utils::Platform::failWritesPastLimit();
-    Zentara::Tool::Console console{std::cout, std::cerr, Zentara::Utils::Platform::isTerminal(stderr)};
-    return Zentara::Tool::runTool(Zentara::Utils::Platform::programArguments(argc, argv), console);
+    using namespace Zentara::Utils;
+    Platform::reserveStandardStreams();
+    Platform::failWritesPastLimit();
+    const std::vector<std::string> arguments = Platform::programArguments(argc, argv);
+    if (Zentara::Tool::isPluginQuestion(arguments))
+        return Zentara::Tool::answerPluginQuestion(arguments);
+    Zentara::Tool::Console console{std::cout, std::cerr, Platform::isTerminal(stderr),
+                                   Platform::executablePath()};
+    return Zentara::Tool::runTool(arguments, console);
 }

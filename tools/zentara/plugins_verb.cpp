@@ -1,5 +1,7 @@
 #include <algorithm>
+#include <filesystem>
 #include <iomanip>
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -17,7 +19,12 @@
 #include "tools/zentara/guid_text.h"
 #include "tools/zentara/json_output.h"
 #include "tools/zentara/paths.h"
+#include "tools/zentara/plugins/library_machine.h"
+#include "tools/zentara/plugins/plugin_question.h"
+#include "tools/zentara/plugins/refused_file.h"
 #include "tools/zentara/verb.h"
+#include "utils/platform/directory_access.h"
+#include "utils/visible_text.h"
 
 namespace Zentara::Tool {
 namespace {
@@ -31,22 +38,12 @@ struct PluginsOptions {
     bool json = false;
 };
 
-/// A file of the directory that is not registered, and why.
-struct Refused {
-    std::string path;
-    std::string step;
-    std::string text;
-    std::string found;
-    std::string wanted;
-    std::string remedy;
-};
-
 /// What lies in the plug-in directory.
 struct Inventory {
     std::string directory;
     bool exists = false;
     std::vector<PluginProbe> registered;
-    std::vector<Refused> refused;
+    std::vector<RefusedFile> refused;
 };
 
 const char* kindOf(std::int32_t type) noexcept {
@@ -99,49 +96,88 @@ std::string remedyFor(const PluginProbe& probe) {
     return {};
 }
 
-Refused refusedByScan(const PluginProbe& probe) {
-    return {probe.path,      Core::pluginScanStepName(probe.step), probe.text, probe.found, probe.wanted,
-            remedyFor(probe)};
+/// What is wrong in a file that has not answered.
+RefusedFile refusedByItsEnd(const PluginProbe& probe) {
+    return {probe.path,   probe.accepted() ? "unload" : Core::pluginScanStepName(probe.step),
+            probe.text,   probe.found,
+            probe.wanted, "take it out of the directory: it does so to every program that looks for plug-ins",
+            true};
 }
 
-Refused refusedByEnding(const std::string& path) {
-    const std::string wanted = std::string(".") + Core::pluginFileExtension();
-    return {path,
-            "ending",
-            "its name does not end in " + wanted,
-            Utils::getFilename(path),
-            wanted,
-            "only files that end in " + wanted + " are looked at; rename it if it is a plug-in"};
+/// A library for another machine is told as that, whatever the loader says.
+RefusedFile refusedByScan(const PluginProbe& probe, const std::string& ownMachine) {
+    const std::string machine = probe.step == PluginScanStep::Open ? machineOf(probe.path) : std::string();
+    if (!machine.empty() && machine != ownMachine)
+        return {probe.path,
+                Core::pluginScanStepName(probe.step),
+                "is a library for " + machine,
+                machine,
+                ownMachine,
+                "install the build of the plug-in for " + ownMachine,
+                false};
+    return {probe.path,   probe.accepted() ? "unload" : Core::pluginScanStepName(probe.step),
+            probe.text,   probe.found,
+            probe.wanted, remedyFor(probe),
+            false};
 }
 
-/// The files that the scan does not even look at.
-std::vector<Refused> filesBesides(const std::string& directory, const std::vector<PluginProbe>& probes) {
-    std::set<std::string> seen;
-    for (const PluginProbe& probe : probes)
-        seen.insert(probe.path);
-    std::vector<Refused> others;
-    for (const std::string& path : Utils::getFileList(directory, "")) {
-        if (seen.count(path) == 0)
-            others.push_back(refusedByEnding(path));
+/// The first file in the list has the GUID, as in the scan.
+void refuseDuplicates(std::vector<PluginAnswer>& answers) {
+    std::map<std::string, std::string> registered;
+    for (PluginAnswer& answer : answers) {
+        PluginProbe& probe = answer.probe;
+        if (answer.isFatal || probe.step < PluginScanStep::Duplicate)
+            continue;
+        const auto first = registered.find(guidText(probe.guid));
+        if (first != registered.end()) {
+            probe.step = PluginScanStep::Duplicate;
+            probe.found = Core::GUID_toString(probe.guid);
+            probe.wanted = "a GUID of its own";
+            probe.text = Format("has the GUID %, which was registered by %") % probe.found % first->second;
+        } else if (probe.accepted()) {
+            registered.emplace(guidText(probe.guid), probe.path);
+        }
     }
-    return others;
 }
 
-Inventory takeInventory() {
+/// What a file throws may hold anything.
+void clean(PluginProbe& probe) {
+    for (std::string* text : {&probe.found, &probe.wanted, &probe.text})
+        *text = Utils::visibleText(*text);
+}
+
+void sortAnswers(const std::vector<PluginAnswer>& answers, const std::string& program, Inventory& inventory) {
+    const std::string ownMachine = machineOf(program);
+    for (const PluginAnswer& answer : answers) {
+        if (answer.isFatal)
+            inventory.refused.push_back(refusedByItsEnd(answer.probe));
+        else if (answer.probe.accepted())
+            inventory.registered.push_back(answer.probe);
+        else
+            inventory.refused.push_back(refusedByScan(answer.probe, ownMachine));
+    }
+}
+
+Inventory takeInventory(const std::string& program) {
     Inventory inventory;
     attempt("find the plug-in directory", [&] { inventory.directory = Core::getPluginDirectory(); });
-    inventory.exists = isDirectory(inventory.directory);
-    const auto probes = Core::probePluginDirectory(inventory.directory);
-    for (const PluginProbe& probe : probes) {
-        if (probe.accepted())
-            inventory.registered.push_back(probe);
-        else
-            inventory.refused.push_back(refusedByScan(probe));
-    }
-    const auto others = filesBesides(inventory.directory, probes);
-    inventory.refused.insert(inventory.refused.end(), others.begin(), others.end());
+    std::error_code error;
+    inventory.exists = std::filesystem::exists(pathOf(inventory.directory), error) || error;
+    if (!inventory.exists)
+        return inventory;
+    inventory.refused = entriesBesidesPlugins(inventory.directory);
+    std::set<std::string> others;
+    for (const RefusedFile& file : inventory.refused)
+        others.insert(file.path);
+    std::vector<std::string> files = Utils::getFileList(inventory.directory, Core::pluginFileExtension());
+    std::erase_if(files, [&others](const std::string& path) { return others.count(path) != 0; });
+    std::vector<PluginAnswer> answers = askPlugins(program, files);
+    refuseDuplicates(answers);
+    for (PluginAnswer& answer : answers)
+        clean(answer.probe);
+    sortAnswers(answers, program, inventory);
     std::sort(inventory.refused.begin(), inventory.refused.end(),
-              [](const Refused& left, const Refused& right) { return left.path < right.path; });
+              [](const RefusedFile& left, const RefusedFile& right) { return left.path < right.path; });
     return inventory;
 }
 
@@ -163,9 +199,9 @@ Json toJson(const PluginProbe& probe) {
             {"path", probe.path}};
 }
 
-Json toJson(const Refused& file) {
-    return {{"path", file.path},   {"step", file.step},     {"reason", file.text},
-            {"found", file.found}, {"wanted", file.wanted}, {"remedy", file.remedy}};
+Json toJson(const RefusedFile& file) {
+    return {{"path", file.path},     {"step", file.step},     {"reason", file.text},  {"found", file.found},
+            {"wanted", file.wanted}, {"remedy", file.remedy}, {"fatal", file.isFatal}};
 }
 
 void printJson(std::ostream& out, const Inventory& inventory, bool all) {
@@ -176,7 +212,7 @@ void printJson(std::ostream& out, const Inventory& inventory, bool all) {
         json["plugins"].push_back(toJson(probe));
     if (all) {
         json["refused"] = Json::array();
-        for (const Refused& file : inventory.refused)
+        for (const RefusedFile& file : inventory.refused)
             json["refused"].push_back(toJson(file));
     }
     print(out, json);
@@ -198,12 +234,12 @@ void printRegistered(std::ostream& out, const std::vector<PluginProbe>& plugins)
     for (const PluginProbe& probe : plugins)
         out << std::left << std::setw(name) << nameOrDash(probe.guid) << std::setw(38) << guidText(probe.guid)
             << std::setw(23) << kindOf(probe.type) << std::setw(9) << dotted(probe.pluginVersion)
-            << std::setw(12) << dotted(probe.sdkVersion) << probe.path << '\n';
+            << std::setw(12) << dotted(probe.sdkVersion) << Utils::visibleText(probe.path) << '\n';
 }
 
-void printRefused(std::ostream& out, const std::vector<Refused>& files) {
-    for (const Refused& file : files) {
-        out << "\nrefused: " << file.path << '\n' << "  step     " << file.step << '\n';
+void printRefused(std::ostream& out, const std::vector<RefusedFile>& files) {
+    for (const RefusedFile& file : files) {
+        out << "\nrefused: " << Utils::visibleText(file.path) << '\n' << "  step     " << file.step << '\n';
         out << "  reason   " << file.text << '\n';
         if (!file.found.empty())
             out << "  found    " << file.found << '\n';
@@ -213,21 +249,48 @@ void printRefused(std::ostream& out, const std::vector<Refused>& files) {
     }
 }
 
-/// Says on standard error why nothing is registered.
-void explainNothing(std::ostream& err, const Inventory& inventory, bool all) {
-    if (!inventory.exists) {
-        err << "zentara plugins: there is no directory '" << inventory.directory
-            << "'; set ZENTARASDK_ROOT to the directory that holds bin/Plugins/\n";
-        return;
+/// Files with another ending are no plug-ins that were refused.
+std::size_t refusedPlugins(const Inventory& inventory) {
+    return static_cast<std::size_t>(
+        std::count_if(inventory.refused.begin(), inventory.refused.end(),
+                      [](const RefusedFile& file) { return file.step != "ending"; }));
+}
+
+void remark(std::ostream& err, const std::string& text) { err << "zentara plugins: " << text << '\n'; }
+
+/// Says on standard error what the list leaves open.
+void remarkOn(const Inventory& inventory, bool all, std::ostream& err) {
+    const std::size_t count = refusedPlugins(inventory);
+    if (count != 0 && !all)
+        remark(err, Format(count == 1 ? "% plug-in was refused; --all tells why"
+                                      : "% plug-ins were refused; --all tells why") %
+                        count);
+    for (const RefusedFile& file : inventory.refused) {
+        if (file.isFatal)
+            remark(err, Format("'%' %: take it out, or no program finds a camera") %
+                            Utils::visibleText(file.path) % file.text);
     }
-    err << "zentara plugins: no usable plug-in in '" << inventory.directory << "'";
-    if (!all && !inventory.refused.empty())
-        err << "; --all tells why its " << inventory.refused.size() << " files were refused";
-    err << '\n';
+    if (Utils::Platform::everybodyMayWrite(inventory.directory))
+        remark(err,
+               Format("everybody may write to '%', and what lies there runs in every program that looks for "
+                      "cameras: let administrators alone write there") %
+                   inventory.directory);
+}
+
+/// Says on standard error why nothing is registered.
+void explainNothing(std::ostream& err, const Inventory& inventory) {
+    if (!inventory.exists)
+        remark(
+            err,
+            Format(
+                "there is no directory '%'; set ZENTARASDK_ROOT to the directory that holds bin/Plugins/") %
+                inventory.directory);
+    else
+        remark(err, Format("no usable plug-in in '%'") % inventory.directory);
 }
 
 ExitCode runPlugins(const PluginsOptions& options, Console& console) {
-    const Inventory inventory = takeInventory();
+    const Inventory inventory = takeInventory(console.program);
     if (options.json) {
         printJson(console.out, inventory, options.all);
     } else {
@@ -236,9 +299,10 @@ ExitCode runPlugins(const PluginsOptions& options, Console& console) {
         if (options.all)
             printRefused(console.out, inventory.refused);
     }
+    remarkOn(inventory, options.all, console.err);
     if (!inventory.registered.empty())
         return ExitCode_DONE;
-    explainNothing(console.err, inventory, options.all);
+    explainNothing(console.err, inventory);
     return ExitCode_NO_PLUGIN;
 }
 
@@ -248,9 +312,11 @@ Verb addPluginsVerb(CLI::App& program) {
     auto options = std::make_shared<PluginsOptions>();
     CLI::App* command =
         program.add_subcommand("plugins", "Lists the plug-ins that are registered")->group("Verbs");
-    command->footer("Exit code 4 when no plug-in is usable.");
+    command->footer("Each file is asked in a process of its own, for 5 s at most: one that crashes, hangs or "
+                    "ends the process is\n"
+                    "named, and the others are listed. Exit code 4 when no plug-in is usable.");
     command->add_flag("--all", options->all,
-                      "Also list every other file of the directory, why it was refused and the remedy");
+                      "Also list everything else in the directory, why it was refused and the remedy");
     command->add_flag("--json", options->json, "Print JSON");
     return {command, [options](Console& console) { return runPlugins(*options, console); }};
 }

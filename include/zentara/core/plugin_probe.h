@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -56,5 +57,16 @@ struct PluginProbe {
 /// on the calling thread. A directory that is missing or empty gives an empty list. What a file is, lacks or
 /// throws ends in its own entry and stops nothing. Safe.
 [[nodiscard]] ZENTARA_API std::vector<PluginProbe> probePluginDirectory(const std::string& directory);
+
+/// Is told of each step before it begins, on the thread that scans; of Accepted when the questions are over, whatever
+/// came of them, and the file is about to be closed. It throws nothing.
+using PluginScanListener = std::function<void(PluginScanStep step)>;
+
+/// Puts one file through the scan as if it were alone in its directory: no other one has its GUID. Whatever its name
+/// ends in, it is opened. A program that is to survive what a file does to it calls this in a process of its own; the
+/// last step that the listener was told then names what ended it. Safe.
+/// \param begins may be empty
+[[nodiscard]] ZENTARA_API PluginProbe probePluginFile(const std::string& path,
+                                                      const PluginScanListener& begins);
 
 } // namespace Zentara::Core

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <chrono>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+/// Work that is done in a process of its own, since it may not survive it. Not part of the library: programs link
+/// zentara_program_port.
+namespace Zentara::Utils::Platform {
+
+/// How a child process ended.
+struct ChildEnd {
+    enum class Kind {
+        NotStarted, ///< `text` is the system's reason
+        Exited,     ///< `number` is its exit code
+        Crashed,    ///< `text` is the signal or the exception
+        TimedOut,   ///< it was killed
+    };
+    Kind kind = Kind::NotStarted;
+    int number = 0;
+    std::string text;
+};
+
+/// Starts a program, reads what it reports until it has ended, and waits for its end. Its standard streams lead
+/// nowhere; the report has a channel of its own, whose name becomes the program's last argument. A child does not
+/// outlive this process. Safe.
+/// \param program its path \param arguments without the program's name; UTF-8
+/// \param start how long the program may take until the first byte of its report
+/// \param limit how long it may take from then on; afterwards it is killed
+/// \param report what it reported, however it ended; at most 64 KiB
+ChildEnd runChild(const std::string& program, const std::vector<std::string>& arguments,
+                  std::chrono::milliseconds start, std::chrono::milliseconds limit, std::string& report);
+
+/// In the child: the channel of that name for writing, unbuffered; null when there is none. From then on a crash ends
+/// the process without a dialogue.
+std::FILE* openReport(const std::string& channel);
+
+} // namespace Zentara::Utils::Platform

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string>
+
+/// Not part of the library: programs link zentara_program_port.
+namespace Zentara::Utils::Platform {
+
+/// Whether every user of this machine may put files into the directory. False when that cannot be found out.
+bool everybodyMayWrite(const std::string& directory);
+
+} // namespace Zentara::Utils::Platform
