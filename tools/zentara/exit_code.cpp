@@ -1,8 +1,17 @@
 #include "tools/zentara/exit_code.h"
 
+#include <algorithm>
 #include <exception>
+#include <new>
+#include <system_error>
+#include <vector>
 
+#include <zentara/utils/exceptions.h>
 #include <zentara/utils/format.h>
+
+#include "tools/zentara/tool_log.h"
+#include "utils/platform/program.h"
+#include "utils/visible_text.h"
 
 namespace Zentara::Tool {
 
@@ -26,12 +35,33 @@ const char* remedyFor(ExitCode code) noexcept {
     }
 }
 
+/// What the system says when something is not permitted. The library's failures carry no number, only the text.
+std::vector<std::string> permissionTexts() {
+    std::vector<std::string> texts{std::make_error_code(std::errc::permission_denied).message()};
+    for (const long number : Utils::Platform::permissionErrors()) {
+        const std::string text = Utils::formatError(number, ""); // " (error 0xNUMBER: TEXT)"
+        const std::size_t colon = text.find(": ");
+        if (colon != std::string::npos)
+            texts.push_back(text.substr(colon + 2, text.rfind(')') - colon - 2));
+    }
+    return texts;
+}
+
+ExitCode refined(ExitCode code, const std::string& message) {
+    static const std::vector<std::string>& texts = *new std::vector<std::string>(permissionTexts());
+    const bool isDenied = std::any_of(texts.begin(), texts.end(), [&message](const std::string& text) {
+        return message.find(text) != std::string::npos;
+    });
+    return code == ExitCode_FAILED && isDenied ? ExitCode_PERMISSION : code;
+}
+
 } // namespace
 
 ToolFailure::ToolFailure(ExitCode exitCode, const std::string& what, const std::string& whatCameBack,
                          const std::string& whatToDo)
-    : std::runtime_error(what + (whatCameBack.empty() ? "" : ": " + whatCameBack)), code(exitCode),
-      message(what), cause(whatCameBack), remedy(whatToDo.empty() ? remedyFor(exitCode) : whatToDo) {}
+    : std::runtime_error(what + (whatCameBack.empty() ? "" : ": " + whatCameBack)),
+      code(refined(exitCode, what + whatCameBack)), message(what), cause(whatCameBack),
+      remedy(whatToDo.empty() ? remedyFor(code) : whatToDo) {}
 
 ExitCode exitCodeOf(Plugin::PluginExceptionType type) noexcept {
     switch (type) {
@@ -70,16 +100,39 @@ const char* failureText(Plugin::PluginExceptionType type) noexcept {
     return "failure of unknown kind";
 }
 
-void Detail::rethrow(const std::string& what) {
+std::size_t Detail::placeInLog() {
+    ToolLog* log = ToolLog::current();
+    return log == nullptr ? 0 : log->end();
+}
+
+namespace {
+
+/// A plug-in that could not be initialised tells no reason; a time-out that was logged meanwhile is one.
+std::string hiddenTimeout(Plugin::PluginExceptionType type, std::size_t logged) {
+    ToolLog* log = ToolLog::current();
+    return log == nullptr || type != Plugin::PluginExceptionType_INITIALIZATION ? std::string()
+                                                                                : log->timeoutSince(logged);
+}
+
+} // namespace
+
+void Detail::rethrow(const std::string& what, std::size_t logged) {
     try {
         throw;
     } catch (const ToolFailure&) {
         throw;
     } catch (const PluginException& failure) {
-        throw ToolFailure(exitCodeOf(failure.type()), "cannot " + what,
-                          Utils::Format("%: %") % failureText(failure.type()) % failure.message());
+        const std::string timeout = hiddenTimeout(failure.type(), logged);
+        const std::string cause =
+            Utils::Format("%: %") % failureText(failure.type()) % Utils::visibleText(failure.message());
+        if (!timeout.empty())
+            throw ToolFailure(ExitCode_TIMEOUT, "cannot " + what,
+                              cause + "; timed out: " + Utils::visibleText(timeout));
+        throw ToolFailure(exitCodeOf(failure.type()), "cannot " + what, cause);
+    } catch (const std::bad_alloc&) {
+        throw ToolFailure(ExitCode_FAILED, "cannot " + what, "there is not enough memory");
     } catch (const std::exception& failure) {
-        throw ToolFailure(ExitCode_FAILED, "cannot " + what, failure.what());
+        throw ToolFailure(ExitCode_FAILED, "cannot " + what, Utils::visibleText(failure.what()));
     }
 }
 

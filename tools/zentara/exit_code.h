@@ -5,6 +5,8 @@
 
 #include <zentara/plugin/plugin_exceptions.h>
 
+#include "tools/zentara/supervisor.h"
+
 namespace Zentara::Tool {
 
 /// What the process ends with.
@@ -26,6 +28,7 @@ class ToolFailure : public std::runtime_error {
 public:
     /// \param what was attempted, on what \param whatCameBack empty where the first says it
     /// \param whatToDo a line of its own; empty for what is usual with that exit code
+    /// A text that tells, in the system's words, a lack of permission makes a plain failure one of permission.
     ToolFailure(ExitCode exitCode, const std::string& what, const std::string& whatCameBack = {},
                 const std::string& whatToDo = {});
 
@@ -42,17 +45,24 @@ public:
 [[nodiscard]] const char* failureText(Plugin::PluginExceptionType type) noexcept;
 
 namespace Detail {
+/// Where the log stands; 0 without one.
+[[nodiscard]] std::size_t placeInLog();
+
 /// Turns the exception that is being handled into a ToolFailure.
-[[noreturn]] void rethrow(const std::string& what);
+/// \param logged where the log stood when the step began
+[[noreturn]] void rethrow(const std::string& what, std::size_t logged);
 } // namespace Detail
 
-/// Does one step. Whatever it throws leaves as a ToolFailure "cannot WHAT", its cause "KIND: MESSAGE".
+/// Does one step, under the eyes of the supervisor. Whatever it throws leaves as a ToolFailure "cannot WHAT", its cause
+/// "KIND: MESSAGE". A failure that came of a time-out which only the log tells has that in its cause, and its exit code.
 template<typename Step>
 void attempt(const std::string& what, Step step) {
+    const WatchedStep watched(what);
+    const std::size_t logged = Detail::placeInLog();
     try {
         step();
     } catch (...) {
-        Detail::rethrow(what);
+        Detail::rethrow(what, logged);
     }
 }
 

@@ -15,20 +15,24 @@ constexpr int signals[]{
 #endif
 };
 
-// Windows calls the handler on a thread of its own.
-std::atomic<bool> noted = false;
-static_assert(std::atomic<bool>::is_always_lock_free);
+// Windows calls the handler on a thread of its own, and each time forgets it before.
+std::atomic<int> noted = 0;
+std::atomic<bool> termination = false;
+static_assert(std::atomic<int>::is_always_lock_free && std::atomic<bool>::is_always_lock_free);
 
 extern "C" void noteInterrupt(int signal) {
-    noted = true;
-    std::signal(signal, SIG_DFL);
+    const int count = ++noted;
+    if (signal != SIGINT)
+        termination = true;
+    std::signal(signal, count > 1 ? SIG_DFL : noteInterrupt);
 }
 
 } // namespace
 
 InterruptWatch::InterruptWatch() {
     static_assert(std::size(signals) <= mostSignals);
-    noted = false;
+    noted = 0;
+    termination = false;
     for (std::size_t index = 0; index < std::size(signals); ++index) {
         previous[index] = std::signal(signals[index], noteInterrupt);
         if (previous[index] == SIG_IGN)
@@ -41,8 +45,11 @@ InterruptWatch::~InterruptWatch() {
         if (previous[index] != SIG_ERR)
             std::signal(signals[index], previous[index]);
     }
+    noted = 0;
 }
 
-bool InterruptWatch::interrupted() const noexcept { return noted; }
+bool InterruptWatch::interrupted() const noexcept { return noted != 0; }
+
+Interrupts InterruptWatch::sinceItBegan() noexcept { return {noted, termination}; }
 
 } // namespace Zentara::Tool

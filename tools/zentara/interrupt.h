@@ -5,8 +5,15 @@
 
 namespace Zentara::Tool {
 
+/// What has asked this process to end.
+struct Interrupts {
+    int count = 0;
+    bool isTermination = false; ///< one of them was the system's request
+};
+
 /// Catches Ctrl-C, and the system's polite requests to end, while it lives. The first one is noted, for long work to
-/// look at and end in order; a second one ends the process. One at a time.
+/// look at and end in order; the supervisor ends the process at the second one, and if it cannot, the system does at the
+/// third. One at a time.
 class InterruptWatch final {
 public:
     InterruptWatch();
@@ -15,6 +22,9 @@ public:
     InterruptWatch& operator=(const InterruptWatch&) = delete;
 
     [[nodiscard]] bool interrupted() const noexcept;
+
+    /// What came while the present one lives; nothing when there is none. Safe.
+    [[nodiscard]] static Interrupts sinceItBegan() noexcept;
 
 private:
     using Handler = void (*)(int);

@@ -8,7 +8,7 @@
 int main(int argc, char** argv) {
     using namespace Zentara::Utils;
     Platform::reserveStandardStreams();
-    Platform::failWritesPastLimit();
+    Platform::failInsteadOfDying();
     const std::vector<std::string> arguments = Platform::programArguments(argc, argv);
     if (Zentara::Tool::isPluginQuestion(arguments))
         return Zentara::Tool::answerPluginQuestion(arguments);

@@ -1,15 +1,18 @@
 #include <algorithm>
 #include <exception>
+#include <new>
 
 #include <CLI/CLI.hpp>
 
 #include <zentara/utils/format.h>
-#include <zentara/utils/kv_logger.h>
 #include <zentara/version.h>
 
 #include "tools/zentara/arguments.h"
 #include "tools/zentara/program_root.h"
+#include "tools/zentara/supervisor.h"
+#include "tools/zentara/tool_log.h"
 #include "tools/zentara/verb.h"
+#include "utils/visible_text.h"
 
 namespace Zentara::Tool {
 namespace {
@@ -27,19 +30,33 @@ Exit codes:
 Data goes to standard output, everything else to standard error.
 "zentara VERB --help" tells about one verb.)";
 
+constexpr double usualPatience = 15; ///< longer than the library waits for a worker that is stuck
+constexpr double leastPatience = 0.1;
+
 std::string versionText() {
     return Utils::Format("zentara %.%.% build %") % ZENTARA_SDK_VERSION_MAJOR % ZENTARA_SDK_VERSION_MINOR %
            ZENTARA_SDK_VERSION_PATCH % ZENTARA_SDK_VERSION_BUILD;
 }
 
 ExitCode runVerb(const Verb& verb, Console& console) {
+    const auto showLog = [] {
+        if (ToolLog* log = ToolLog::current())
+            log->show(); // it comes before the failure that it explains
+    };
     try {
-        return verb.run(console);
+        const ExitCode code = verb.run(console);
+        showLog();
+        return code;
     } catch (const ToolFailure& failure) {
+        showLog();
         tellFailure(console, failure);
         return failure.code;
+    } catch (const std::bad_alloc&) {
+        tellFailure(console, {ExitCode_FAILED, "there is not enough memory"});
+        return ExitCode_FAILED;
     } catch (const std::exception& failure) {
-        tellFailure(console, {ExitCode_FAILED, "unexpected failure", failure.what()});
+        showLog();
+        tellFailure(console, {ExitCode_FAILED, "unexpected failure", Utils::visibleText(failure.what())});
         return ExitCode_FAILED;
     }
 }
@@ -56,24 +73,6 @@ void noteVerb(const CLI::App& program, Console& console) {
 bool asksForJson(const std::vector<std::string>& arguments) {
     return std::find(arguments.begin(), arguments.end(), "--json") != arguments.end();
 }
-
-/// The library's log on standard error, for one scope.
-class ShownLog {
-public:
-    explicit ShownLog(bool isWanted) {
-        if (isWanted)
-            logger = Utils::KVLogger::createInstance(Utils::KVLogLevel_WARNING, "zentara", "STDERR");
-    }
-    ~ShownLog() {
-        if (logger != nullptr)
-            Utils::KVLogger::release();
-    }
-    ShownLog(const ShownLog&) = delete;
-    ShownLog& operator=(const ShownLog&) = delete;
-
-private:
-    Utils::KVLogger* logger = nullptr;
-};
 
 /// Help and version end the parse as well; they are no errors and go to standard output.
 ExitCode endOfParse(const CLI::App& program, const CLI::ParseError& reason, Console& console) {
@@ -97,6 +96,13 @@ int runTool(std::vector<std::string> arguments, Console& console) {
     program.set_version_flag("--version", versionText());
     bool log = false;
     program.add_flag("--log", log, "Show what the library logs, warnings and errors, on standard error");
+    double patience = usualPatience;
+    program
+        .add_option("--patience", patience,
+                    "How long one step of a plug-in or a device may take: 15 unless given")
+        ->type_name("SECONDS")
+        ->check(secondsBetween(leastPatience, longestWatch));
+    program.allow_windows_style_options(false); // what begins with "/" is a path everywhere
     program.require_subcommand(1);
     program.get_formatter()->label("SUBCOMMAND", "VERB");
     const std::vector<Verb> verbs{
@@ -115,7 +121,8 @@ int runTool(std::vector<std::string> arguments, Console& console) {
         return endOfParse(program, reason, console);
     }
     noteVerb(program, console);
-    const ShownLog shown(log);
+    const ToolLog logged(log);
+    const Supervisor supervisor(console, patience);
     useProgramRoot();
     const auto chosen =
         std::find_if(verbs.begin(), verbs.end(), [](const Verb& verb) { return verb.command->parsed(); });

@@ -18,9 +18,12 @@ std::vector<std::string> programArguments(int argc, char** argv);
 /// Writing to such a stream fails as before. Before any file is opened.
 void reserveStandardStreams() noexcept;
 
-/// From now on a write past the limit that was set for the size of files fails like any other, with a reason, where the
-/// system would end the process.
-void failWritesPastLimit() noexcept;
+/// From now on a write beyond the limit of a file's size, or to a reader that has gone, fails, instead of ending the
+/// process without a word.
+void failInsteadOfDying() noexcept;
+
+/// The system's error numbers that mean a lack of permission.
+std::vector<long> permissionErrors();
 
 /// Whether a person reads what is written to the stream.
 bool isTerminal(std::FILE* stream) noexcept;

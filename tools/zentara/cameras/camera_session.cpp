@@ -40,9 +40,11 @@ CameraSession::CameraSession(const CameraOptions& wanted, Console& target)
 }
 
 CameraSession::~CameraSession() {
+    const WatchedStep watched("close the camera");
     try {
         if (interpreter)
             interpreter->dispose();
+        interpreter.reset();
         if (node)
             node->dispose();
     } catch (const std::exception& failure) {

@@ -146,6 +146,7 @@ ExitCode watchSensors(SensorWatch& sensors, const SensorsOptions& options, Conso
         if (plot)
             sensors.writePlot(*plot);
     };
+    const Rescue rescued(finish);
     bool interrupted = false;
     try {
         interrupted = sensors.watch(interrupt);

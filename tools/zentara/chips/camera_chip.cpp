@@ -11,6 +11,7 @@
 #include <zentara/utils/format.h>
 
 #include "tools/zentara/exit_code.h"
+#include "tools/zentara/tool_log.h"
 
 namespace Zentara::Tool {
 namespace {
@@ -38,6 +39,8 @@ private:
     template<typename Step>
     void trace(bool isGet, unsigned unit, unsigned long control, unsigned long length, void* data,
                Step step) {
+        const WatchedStep watched(Utils::Format("% unit %, control %") % (isGet ? "GET" : "SET") % unit %
+                                  control);
         const auto* bytes = static_cast<const std::uint8_t*>(data);
         Transfer transfer{isGet, unit, static_cast<std::uint32_t>(control), {bytes, bytes + length}, {}, {}};
         try {
@@ -216,6 +219,7 @@ std::unique_ptr<CameraChip> tryChip(IO::VideoDeviceProxy& proxy, const TransferS
 } // namespace
 
 std::unique_ptr<CameraChip> CameraChip::detect(IO::VideoDeviceProxy& proxy, TransferSink sink) {
+    const ToolLog::Silence trying; // a controller that is not there is no fault
     if (auto chip = tryChip<OV0570Chip>(proxy, sink))
         return chip;
     // The other two have one extension unit in common; its sensor control tells them apart.

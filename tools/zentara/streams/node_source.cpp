@@ -28,11 +28,13 @@ OpenNode<Node>::OpenNode(const NodeEvent& found, std::ostream& err) : descriptio
 
 template<typename Node>
 OpenNode<Node>::~OpenNode() {
+    const WatchedStep watched("let go of " + cameraLabel(description));
     try {
         dispose();
     } catch (const std::exception&) {
         // Whoever wants to know calls dispose() himself.
     }
+    node.reset();
 }
 
 template<typename Node>

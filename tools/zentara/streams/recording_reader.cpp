@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
 #include <fstream>
 #include <numeric>
+#include <system_error>
 #include <utility>
 
 #include <zentara/utils/binary_reader.h>
@@ -13,6 +15,7 @@
 #include "tools/zentara/exit_code.h"
 #include "tools/zentara/paths.h"
 #include "tools/zentara/streams/recording_format.h"
+#include "utils/visible_text.h"
 
 namespace Zentara::Tool {
 
@@ -27,8 +30,23 @@ struct RecordingReader::Chunk {
     std::uint32_t length = 0;
 };
 
-RecordingReader::RecordingReader(const std::string& file)
-    : RecordingReader(std::make_unique<std::ifstream>(pathOf(file), std::ios::binary), file) {}
+namespace {
+
+/// Opening a pipe would wait for its other end.
+std::unique_ptr<std::istream> openRecording(const std::string& path) {
+    std::error_code ignored;
+    const auto status = std::filesystem::status(pathOf(path), ignored);
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
+        throw ToolFailure(
+            ExitCode_FAILED,
+            Format("cannot read recording '%': it is there and no file; a recording is read from a file") %
+                Utils::visibleText(path));
+    return std::make_unique<std::ifstream>(pathOf(path), std::ios::binary);
+}
+
+} // namespace
+
+RecordingReader::RecordingReader(const std::string& file) : RecordingReader(openRecording(file), file) {}
 
 RecordingReader::RecordingReader(std::unique_ptr<std::istream> bytes, const std::string& name)
     : path(name), in(std::move(bytes)) {

@@ -25,6 +25,11 @@ StreamReader::~StreamReader() { join(); }
 
 void StreamReader::start() { thread.start(false); }
 
+void StreamReader::halt() {
+    Utils::Threading::AutoLock hold(taking);
+    halted = true;
+}
+
 void StreamReader::join() { thread.wait(); }
 
 void StreamReader::rethrow() const {
@@ -78,6 +83,9 @@ bool StreamReader::takeUnit(int length, std::int64_t micros) {
     if (length < 0 || static_cast<std::size_t>(length) > buffer.size())
         throw ToolFailure(ExitCode_FAILED,
                           Format("% delivered % bytes into a buffer of %") % label % length % buffer.size());
+    Utils::Threading::AutoLock hold(taking);
+    if (halted)
+        return false;
     const bool more = take(buffer.data(), static_cast<std::size_t>(length), micros);
     ++units;
     return more;

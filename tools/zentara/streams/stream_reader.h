@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include <zentara/utils/mutex.h>
 #include <zentara/utils/runnable.h>
 #include <zentara/utils/signal.h>
 #include <zentara/utils/thread.h>
@@ -31,6 +32,9 @@ public:
 
     void start();
 
+    /// Takes nothing more from now on, whatever comes. Safe.
+    void halt();
+
     /// How many units have been taken.
     [[nodiscard]] std::uint64_t progress() const noexcept { return units.load(); }
     [[nodiscard]] bool finished() const noexcept { return done.load(); }
@@ -52,6 +56,8 @@ private:
     const std::string label;
     StreamSource& source;
     std::vector<std::uint8_t> buffer;
+    Utils::Threading::Mutex taking;
+    bool halted ZENTARA_GUARDED_BY(taking) = false;
     const Take take;
     Utils::Threading::Signal& wake;
     std::atomic<std::uint64_t> units{0};

@@ -71,6 +71,7 @@ StreamSession::StreamSession(const StreamOptions& wanted, Console& target)
 StreamSession::~StreamSession() = default;
 
 void StreamSession::run() {
+    const Rescue rescued([this] { rescue(); });
     if (!options.play.empty())
         openRecording();
     else if (options.direct)
@@ -95,7 +96,10 @@ void StreamSession::openDevices() {
         nodes.back().nodeType = NodeType_AUDIO;
     openCamera(
         {{}, nodes, {}, {}, {}},
-        [this](const NodeEvent& node) { return openDeviceStream(node.nodeType, console.err); }, false);
+        [this](const NodeEvent& node) {
+            return openDeviceStream(node.nodeType, options.plugins, console.err);
+        },
+        false);
 }
 
 void StreamSession::openRecording() {
@@ -308,8 +312,24 @@ void StreamSession::finish() {
         if (failed(camera) && !(allFailed && camera == parts->cameras.front()))
             console.err << "zentara stream: " << camera->failure().what() << '\n';
     }
-    if (allFailed)
-        throw ToolFailure(parts->cameras.front()->failure());
+    if (!allFailed)
+        return;
+    const ToolFailure& failure = parts->cameras.front()->failure();
+    throw ToolFailure(stopped ? ExitCode_INTERRUPTED : failure.code,
+                      stopped ? std::string("interrupted; ") + failure.what() : failure.what());
+}
+
+/// On another thread, while this session's own hangs in a device: what had come stays, as after Ctrl-C.
+void StreamSession::rescue() {
+    std::uint64_t units = 0;
+    for (const auto& camera : parts->cameras)
+        units += camera->progress();
+    for (const auto& camera : parts->cameras)
+        camera->rescue();
+    if (parts->recording && units != 0)
+        parts->recording->commit();
+    else if (parts->recording)
+        parts->recording->discard();
 }
 
 ExitCode StreamSession::result() const {

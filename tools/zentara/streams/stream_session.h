@@ -31,6 +31,7 @@ struct StreamOptions {
     std::string play;
     double waitSeconds = 0;
     bool direct = false;
+    std::vector<std::string> plugins; ///< the bare devices that are meant
     bool json = false;
 };
 
@@ -82,6 +83,7 @@ private:
     void observe(const StreamedCamera& camera, const std::function<void()>& step);
     [[nodiscard]] bool anythingToWaitFor() const;
     void finish();
+    void rescue();
     void showProgress(bool last);
 
     const StreamOptions options;

@@ -9,6 +9,7 @@
 #include <zentara/utils/format.h>
 
 #include "tools/zentara/arguments.h"
+#include "tools/zentara/chips/device_choice.h"
 #include "tools/zentara/json_output.h"
 #include "tools/zentara/streams/stream_session.h"
 #include "tools/zentara/verb.h"
@@ -139,16 +140,19 @@ Verb addStreamVerb(CLI::App& program) {
         ->type_name("SECONDS")
         ->check(secondsBetween(0.0, longestWait))
         ->excludes(play);
-    command
-        ->add_flag("--direct", options->direct,
-                   "Stream from the bare device plug-ins: without descriptions, nodes and the worker thread, "
-                   "for a plug-in that has no camera around it yet")
-        ->excludes(cameras)
-        ->excludes(all)
-        ->excludes(color)
-        ->excludes(colorPng)
-        ->excludes(mode)
-        ->excludes(play);
+    CLI::Option* direct =
+        command
+            ->add_flag(
+                "--direct", options->direct,
+                "Stream from the bare device plug-ins: without descriptions, nodes and the worker thread, "
+                "for a plug-in that has no camera around it yet")
+            ->excludes(cameras)
+            ->excludes(all)
+            ->excludes(color)
+            ->excludes(colorPng)
+            ->excludes(mode)
+            ->excludes(play);
+    addPluginName(*command, options->plugins)->needs(direct);
     command->add_flag("--json", options->json, "Print JSON");
     return {command, [options, modes](Console& console) { return runStream(*options, *modes, console); }};
 }

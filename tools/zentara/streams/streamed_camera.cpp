@@ -316,6 +316,20 @@ void StreamedCamera::finish() {
     }
 }
 
+void StreamedCamera::rescue() {
+    const bool keep = condition == State::Streaming || condition == State::Done;
+    for (const auto& stream : streams) {
+        if (stream->reader)
+            stream->reader->halt();
+        if (!stream->sink)
+            continue;
+        if (keep && stream->units() != 0)
+            stream->sink->commit();
+        else
+            stream->sink->discard();
+    }
+}
+
 double StreamedCamera::awaySeconds() const {
     return static_cast<double>(Utils::Clock::nowMicros() - awaySince) / 1e6;
 }

@@ -64,6 +64,10 @@ public:
     /// Completes the files, or removes them when the camera failed. A camera that is still away has failed.
     void finish();
 
+    /// While the thread that made the camera hangs: its readers take nothing more, and its files are completed if they
+    /// hold what had come. \throws ToolFailure
+    void rescue();
+
     /// Takes the failure as the camera's, if it has none yet, and ends its streams.
     void fail(const ToolFailure& failure);
 

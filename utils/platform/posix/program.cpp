@@ -1,6 +1,8 @@
 #include "utils/platform/program.h"
 
+#include <cerrno>
 #include <csignal>
+
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -30,7 +32,12 @@ void reserveStandardStreams() noexcept {
     }
 }
 
-void failWritesPastLimit() noexcept { signal(SIGXFSZ, SIG_IGN); }
+void failInsteadOfDying() noexcept {
+    std::signal(SIGXFSZ, SIG_IGN);
+    std::signal(SIGPIPE, SIG_IGN);
+}
+
+std::vector<long> permissionErrors() { return {EACCES, EPERM}; }
 
 bool isTerminal(std::FILE* stream) noexcept { return isatty(fileno(stream)) == 1; }
 

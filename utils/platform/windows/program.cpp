@@ -48,8 +48,10 @@ std::vector<std::string> programArguments(int, char**) {
 /// The C library gives a file that is opened none of the first three numbers.
 void reserveStandardStreams() noexcept {}
 
-/// There is no such limit.
-void failWritesPastLimit() noexcept {}
+/// Nothing ends a process for that here.
+void failInsteadOfDying() noexcept {}
+
+std::vector<long> permissionErrors() { return {ERROR_ACCESS_DENIED}; }
 
 bool isTerminal(std::FILE* stream) noexcept {
     const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)));

@@ -1,0 +1,151 @@
+#include "tools/zentara/supervisor.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <utility>
+
+#include <zentara/utils/clock.h>
+#include <zentara/utils/format.h>
+
+#include "tools/zentara/console.h"
+#include "tools/zentara/interrupt.h"
+#include "tools/zentara/tool_log.h"
+
+namespace Zentara::Tool {
+
+using Utils::Format;
+using Utils::Threading::AutoLock;
+
+namespace {
+
+constexpr unsigned long glanceMilliseconds = 50;
+constexpr std::int64_t politeMicros = 200'000; ///< in which work that heeds an interrupt has ended
+constexpr std::int64_t terminationMicros =
+    2'000'000; ///< in which work is finished when the process is to end
+
+/// The supervisor of this thread.
+thread_local Supervisor* own = nullptr;
+
+/// Past the console, which may be the supervised thread's.
+void say(const std::string& text) { std::fputs(("zentara: " + text + "\n").c_str(), stderr); }
+
+} // namespace
+
+Supervisor::Supervisor(Console& target, double seconds)
+    : console(target), patienceMicros(static_cast<std::int64_t>(seconds * 1e6)),
+      thread(this, nullptr, "zentara watch") {
+    own = this;
+    thread.start(false);
+}
+
+Supervisor::~Supervisor() {
+    thread.stop(true);
+    own = nullptr;
+}
+
+void* Supervisor::run(void*) {
+    while (!exitRequested()) {
+        wake.timedWait(glanceMilliseconds);
+        if (ToolLog* log = ToolLog::current())
+            log->show();
+        AutoLock hold(lock);
+        look();
+    }
+    return nullptr;
+}
+
+void Supervisor::exit() {
+    Runnable::exit();
+    wake.set();
+}
+
+void Supervisor::look() {
+    const std::int64_t now = Utils::Clock::nowMicros();
+    const Interrupts interrupts = InterruptWatch::sinceItBegan();
+    if (interrupts.count == 0) {
+        interruptedAt = 0;
+        shown = false;
+    } else {
+        if (interruptedAt == 0)
+            interruptedAt = now;
+        if (interrupts.count > 1 || (interrupts.isTermination && now - interruptedAt > terminationMicros))
+            endProcess({ExitCode_INTERRUPTED, steps.empty() ? std::string("interrupted, and ended at once")
+                                                            : "interrupted while it was to " + doing()});
+        if (!shown && now - interruptedAt > politeMicros)
+            showInterrupt();
+    }
+    if (!steps.empty() && now - since > patienceMicros)
+        endProcess(
+            {ExitCode_TIMEOUT, "cannot " + doing(),
+             Format("it has not come back for % s") % (static_cast<double>(patienceMicros) / 1e6),
+             "a plug-in or its device hangs: unplug the camera and try again; 'zentara plugins' tests the "
+             "plug-ins, --patience gives them more time"});
+}
+
+void Supervisor::showInterrupt() {
+    shown = true;
+    say((steps.empty() ? std::string("interrupted; finishing what was begun")
+                       : "interrupted; it is to " + doing() + ", and waits for that") +
+        "; Ctrl-C once more ends it at once");
+}
+
+/// With the lock held: the supervised thread cannot leave its step any more.
+void Supervisor::endProcess(const ToolFailure& why) {
+    if (rescue && !steps.empty()) {
+        try {
+            rescue();
+        } catch (const std::exception& failure) {
+            say(std::string("what had come could not be kept: ") + failure.what());
+        }
+    }
+    if (ToolLog* log = ToolLog::current())
+        log->show();
+    if (steps.empty())
+        say(why.what()); // the console may be in use
+    else
+        tellFailure(console, why);
+    if (!steps.empty())
+        console.out.flush();
+    std::fflush(nullptr);
+    std::_Exit(why.code);
+}
+
+std::string Supervisor::doing() const {
+    std::string text;
+    for (const std::string& step : steps)
+        text += (text.empty() ? "" : ": ") + step;
+    return text;
+}
+
+WatchedStep::WatchedStep(const std::string& what) : supervisor(own) {
+    if (supervisor == nullptr)
+        return;
+    AutoLock hold(supervisor->lock);
+    supervisor->steps.push_back(what);
+    supervisor->since = Utils::Clock::nowMicros();
+}
+
+WatchedStep::~WatchedStep() {
+    if (supervisor == nullptr)
+        return;
+    AutoLock hold(supervisor->lock);
+    supervisor->steps.pop_back();
+    supervisor->since = Utils::Clock::nowMicros();
+}
+
+Rescue::Rescue(std::function<void()> action) : supervisor(own) {
+    if (supervisor == nullptr)
+        return;
+    AutoLock hold(supervisor->lock);
+    supervisor->rescue = std::move(action);
+}
+
+Rescue::~Rescue() {
+    if (supervisor == nullptr)
+        return;
+    AutoLock hold(supervisor->lock);
+    supervisor->rescue = nullptr;
+}
+
+} // namespace Zentara::Tool
