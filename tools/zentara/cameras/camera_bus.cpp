@@ -1,15 +1,19 @@
 #include "tools/zentara/cameras/camera_bus.h"
 
 #include <algorithm>
+#include <optional>
+#include <utility>
 
 #include <zentara/core/descriptor_store_ro.h>
 #include <zentara/utils/format.h>
 #include <zentara/utils/text.h>
 
 #include "plugins/descriptions/controller.h"
+#include "tools/zentara/cameras/joined_descriptions.h"
 #include "tools/zentara/chips/device_choice.h"
 #include "tools/zentara/guid_text.h"
 #include "tools/zentara/streams/stream_description.h"
+#include "utils/visible_text.h"
 
 namespace Zentara::Tool {
 
@@ -54,9 +58,14 @@ std::vector<CameraEntry> camerasNamed(const std::vector<CameraEntry>& cameras, c
                       Format("no camera is called '%'; plugged in: %") % name % listOf(cameras));
 }
 
-/// What the description of a camera's first node says of the whole.
+/// What the description of a camera's first node says of the whole. A camera that no store describes is there all the
+/// same: what it is wanted for will say so.
 void describe(CameraEntry& camera, CameraStore& store) {
-    store.select(camera.nodes.front());
+    try {
+        store.select(camera.nodes.front());
+    } catch (const ToolFailure&) {
+        return;
+    }
     const Core::DescriptorStoreRO& view = store.view();
     camera.vendor = view.getVendorName();
     camera.product = view.getProductName();
@@ -66,27 +75,55 @@ void describe(CameraEntry& camera, CameraStore& store) {
 
 } // namespace
 
-CameraStore::CameraStore(std::ostream& err) {
-    const GUID guid = chooseDevice(Core::ImplType_DESCRIPTOR_STORE, "descriptor store", err);
-    attempt("read the descriptions of cameras through " + guidLabel(guid), [&] {
-        store = makePlugin<Core::DescriptorStoreInterface>(guid);
-        store->initialize();
-    });
+CameraStore::CameraStore(std::ostream&, std::ostream* leftOut) {
+    std::optional<ToolFailure> first;
+    for (const GUID& guid : registeredPlugins(Core::ImplType_DESCRIPTOR_STORE, "descriptor store")) {
+        try {
+            attempt("read the descriptions of cameras through " + guidLabel(guid), [&] {
+                auto store = makePlugin<Core::DescriptorStoreInterface>(guid);
+                store->initialize();
+                if (store->getDescriptorStore() == nullptr)
+                    throw ToolFailure(ExitCode_FAILED,
+                                      "the store " + guidLabel(guid) + " has no descriptions");
+                stores.push_back(store);
+            });
+        } catch (const ToolFailure& failure) {
+            if (!first)
+                first.emplace(failure);
+            if (leftOut != nullptr)
+                *leftOut << "zentara: " << failure.what() << "; it is left out\n";
+        }
+    }
+    if (stores.empty())
+        throw ToolFailure(*first);
+    std::vector<Core::DescriptorStoreRO*> views;
+    for (const auto& store : stores)
+        views.push_back(store->getDescriptorStore());
+    joined = std::make_unique<JoinedDescriptions>(std::move(views));
 }
 
 CameraStore::~CameraStore() {
-    if (store)
+    const WatchedStep watched("close the descriptor stores");
+    for (const auto& store : stores)
         store->dispose();
+    stores.clear();
 }
 
 void CameraStore::select(const NodeEvent& node) {
     attempt("find the description of " + cameraLabel(node), [&] {
-        if (!store->selectNodeDescriptor(node.hardwareIds(), node.profile))
-            throw ToolFailure(ExitCode_FAILED, "no camera description belongs to " + cameraLabel(node));
+        for (std::size_t index = 0; index < stores.size(); ++index) {
+            if (stores[index]->selectNodeDescriptor(node.hardwareIds(), node.profile)) {
+                selected = index;
+                return;
+            }
+        }
+        throw ToolFailure(ExitCode_FAILED, "no camera description belongs to " + cameraLabel(node));
     });
 }
 
-Core::DescriptorStoreRO& CameraStore::view() const { return *store->getDescriptorStore(); }
+Core::DescriptorStoreRO& CameraStore::view() const { return *stores[selected]->getDescriptorStore(); }
+
+Core::DescriptorStoreRO& CameraStore::all() const { return *joined; }
 
 const NodeEvent* CameraEntry::find(NodeType type) const {
     const auto found = std::find_if(nodes.begin(), nodes.end(),
@@ -96,22 +133,76 @@ const NodeEvent* CameraEntry::find(NodeType type) const {
 
 std::string CameraEntry::serialNumber() const { return nodes.empty() ? "" : nodes.front().serialNumber; }
 
-CameraBus::CameraBus(std::ostream& err) : store(err), descriptions(err) {
-    const GUID guid = chooseDevice(Core::ImplType_ENUMERATOR, "enumerator", err);
-    attempt("look for cameras through " + guidLabel(guid), [&] {
-        enumerator = makePlugin<IO::EnumeratorInterface>(guid);
-        enumerator->initialize(&events, &store.view());
-    });
+/// An enumerator with the stores that its thread asks.
+struct CameraBus::Source {
+    Source(const GUID& guid, std::ostream& err) : name(guidLabel(guid)), store(err) {}
+    ~Source() {
+        const WatchedStep watched("close the enumerator " + name);
+        if (enumerator)
+            enumerator->dispose();
+        enumerator.reset();
+    }
+    Source(const Source&) = delete;
+    Source& operator=(const Source&) = delete;
+
+    const std::string name;
+    CameraStore store;
+    Utils::SmartPtr<IO::EnumeratorInterface> enumerator;
+};
+
+CameraBus::CameraBus(std::ostream& console) : err(console), descriptions(console, &console) {
+    std::optional<ToolFailure> first;
+    for (const GUID& guid : registeredPlugins(Core::ImplType_ENUMERATOR, "enumerator")) {
+        try {
+            open(guid);
+        } catch (const ToolFailure& failure) {
+            if (first)
+                leaveOut(failure);
+            else
+                first.emplace(failure);
+        }
+    }
+    if (sources.empty())
+        throw ToolFailure(*first);
+    if (first)
+        leaveOut(*first);
 }
 
-CameraBus::~CameraBus() {
-    if (enumerator)
-        enumerator->dispose();
+CameraBus::~CameraBus() = default;
+
+void CameraBus::open(const GUID& guid) {
+    auto source = std::make_unique<Source>(guid, err);
+    attempt("look for cameras through " + source->name, [&] {
+        source->enumerator = makePlugin<IO::EnumeratorInterface>(guid);
+        source->enumerator->initialize(&events, &source->store.all());
+    });
+    sources.push_back(std::move(source));
+}
+
+void CameraBus::leaveOut(const ToolFailure& failure) {
+    err << "zentara: " << failure.what() << "; it is left out\n";
 }
 
 std::vector<CameraEntry> CameraBus::cameras() {
     std::vector<NodeEvent> nodes;
-    attempt("look for cameras", [&] { enumerator->enumerate(nodes); });
+    for (const auto& source : sources) {
+        std::vector<NodeEvent> found;
+        try {
+            attempt("look for cameras through " + source->name,
+                    [&] { source->enumerator->enumerate(found); });
+        } catch (const ToolFailure& failure) {
+            if (sources.size() == 1)
+                throw;
+            leaveOut(failure);
+        }
+        for (const NodeEvent& node : found) {
+            const bool known = std::any_of(nodes.begin(), nodes.end(), [&node](const NodeEvent& other) {
+                return other.path == node.path && other.nodeType == node.nodeType;
+            });
+            if (!known) // two enumerators may look at one bus
+                nodes.push_back(node);
+        }
+    }
     std::vector<CameraEntry> cameras;
     for (const NodeEvent& node : nodes) {
         auto camera = std::find_if(cameras.begin(), cameras.end(),
@@ -159,14 +250,22 @@ std::string CameraBus::complaint() {
 }
 
 void CameraBus::watch() {
-    attempt("watch for cameras", [&] { enumerator->execute(); });
+    for (const auto& source : sources)
+        attempt("watch for cameras through " + source->name, [&] { source->enumerator->execute(); });
 }
 
 bool CameraBus::next(ExternalEvent& event, unsigned long milliseconds) {
     return events.timedPop(event, milliseconds);
 }
 
-std::string CameraBus::backendName() { return enumerator->getBackendName(); }
+std::string CameraBus::backendName() {
+    std::string names;
+    for (const auto& source : sources) {
+        attempt("ask the enumerator " + source->name + " for its name",
+                [&] { names += (names.empty() ? "" : ", ") + source->enumerator->getBackendName(); });
+    }
+    return names;
+}
 
 std::vector<CameraEntry> chooseCameras(const std::vector<CameraEntry>& cameras,
                                        const std::vector<std::string>& names) {
@@ -220,10 +319,6 @@ std::string cameraLabel(const NodeEvent& node) {
                      node.serialNumber);
 }
 
-std::string printable(std::string text) {
-    std::replace_if(
-        text.begin(), text.end(), [](unsigned char letter) { return letter < ' ' || letter == 0x7F; }, '?');
-    return text;
-}
+std::string printable(const std::string& text) { return Utils::visibleText(text); }
 
 } // namespace Zentara::Tool

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -20,22 +21,31 @@ namespace Zentara::Tool {
 template<typename Interface>
 [[nodiscard]] Utils::SmartPtr<Interface> makePlugin(GUID guid);
 
-/// A descriptor store of its own, with the descriptions read. A store describes one node at a time, so everyone
-/// who uses one has his own.
+class JoinedDescriptions;
+
+/// The descriptor stores that are registered, each with its descriptions read; all are asked. A store describes one
+/// node at a time, so everyone who uses them has his own.
 class CameraStore final {
 public:
-    /// \throws ToolFailure when there is no store plug-in, or it fails.
-    explicit CameraStore(std::ostream& err);
+    /// A store that fails is left out while there are others.
+    /// \param leftOut is told of each such store; may be null
+    /// \throws ToolFailure when there is no store plug-in, or all fail.
+    explicit CameraStore(std::ostream& err, std::ostream* leftOut = nullptr);
     ~CameraStore();
     CameraStore(const CameraStore&) = delete;
     CameraStore& operator=(const CameraStore&) = delete;
 
     /// \throws ToolFailure when no description has the node.
     void select(const NodeEvent& node);
+    /// Of the store that has the node which was selected last.
     [[nodiscard]] Core::DescriptorStoreRO& view() const;
+    /// All of them as one, for whoever selects himself.
+    [[nodiscard]] Core::DescriptorStoreRO& all() const;
 
 private:
-    Utils::SmartPtr<Core::DescriptorStoreInterface> store;
+    std::vector<Utils::SmartPtr<Core::DescriptorStoreInterface>> stores;
+    std::size_t selected = 0;
+    std::unique_ptr<JoinedDescriptions> joined;
 };
 
 /// The nodes of one camera, as an enumerator found them.
@@ -51,22 +61,23 @@ struct CameraEntry {
     [[nodiscard]] std::string serialNumber() const;
 };
 
-/// What cameras there are, and what comes and goes.
+/// What cameras there are, and what comes and goes: the enumerators that are registered, side by side. One that fails
+/// is told and left out while there are others.
 class CameraBus final {
 public:
-    /// \throws ToolFailure when there is no enumerator or store plug-in, or one fails.
+    /// \throws ToolFailure when there is no enumerator or store plug-in, or all of them fail.
     explicit CameraBus(std::ostream& err);
     ~CameraBus();
     CameraBus(const CameraBus&) = delete;
     CameraBus& operator=(const CameraBus&) = delete;
 
-    /// The cameras that are there now, in the enumerator's order; none is no failure.
+    /// The cameras that are there now, in the order of the enumerators; none is no failure.
     [[nodiscard]] std::vector<CameraEntry> cameras();
 
     /// The same. \throws what failForNone() throws when there is none
     [[nodiscard]] std::vector<CameraEntry> someCameras();
 
-    /// \throws ToolFailure, exit code 3: no camera is plugged in, and what the enumerator complains of
+    /// \throws ToolFailure, exit code 3: no camera is plugged in, and what an enumerator complains of
     [[noreturn]] void failForNone();
 
     /// A node's camera, as far as its description tells it.
@@ -78,15 +89,20 @@ public:
     /// \return false when nothing came within that time
     [[nodiscard]] bool next(ExternalEvent& event, unsigned long milliseconds);
 
+    /// The names of the enumerators' back-ends, with commas between.
     [[nodiscard]] std::string backendName();
 
 private:
-    [[nodiscard]] std::string complaint();
+    struct Source;
 
-    CameraStore store;        ///< the enumerator's
+    [[nodiscard]] std::string complaint();
+    void open(const GUID& guid);
+    void leaveOut(const ToolFailure& failure);
+
+    std::ostream& err;
     CameraStore descriptions; ///< for cameras()
     Utils::Collection::Queue<ExternalEvent> events;
-    Utils::SmartPtr<IO::EnumeratorInterface> enumerator;
+    std::vector<std::unique_ptr<Source>> sources; ///< they use the queue
 };
 
 /// The cameras whose serial number or path is that name or, if none is, in whose name, product name or controller it
@@ -112,8 +128,8 @@ private:
 /// What to call a camera in a message: the name of its first node and its serial number.
 [[nodiscard]] std::string cameraLabel(const NodeEvent& node);
 
-/// For a terminal: control characters, which names from files may hold, become '?'.
-[[nodiscard]] std::string printable(std::string text);
+/// For a terminal: names from files may hold anything, and be of any length.
+[[nodiscard]] std::string printable(const std::string& text);
 
 template<typename Interface>
 Utils::SmartPtr<Interface> makePlugin(GUID guid) {

@@ -69,9 +69,11 @@ const NodeEvent& videoNodeOf(const CameraEntry& camera) {
 
 void addChipOptions(CLI::App& command, ChipOptions& options) {
     addCameraName(command, options.camera);
-    command.add_flag("--direct", options.direct,
-                     "Talk to the bare video device plug-in, without descriptions and the worker thread; "
-                     "--camera then names the simulated controller: OV0570, VC0258 or VC0345");
+    CLI::Option* direct =
+        command.add_flag("--direct", options.direct,
+                         "Talk to the bare video device plug-in, without descriptions and the worker thread; "
+                         "--camera then names the simulated controller: OV0570, VC0258 or VC0345");
+    addPluginName(command, options.plugins)->needs(direct);
     command.add_flag("--trace", options.trace, "Show each transfer, its bytes and what they mean");
     command.add_flag("--json", options.json, "Print JSON");
 }
@@ -88,7 +90,7 @@ void ChipSession::openDevice() {
         throw ToolFailure(ExitCode_USAGE,
                           "there is no controller '" + options.camera + "'; known: OV0570, VC0258, VC0345");
     const ChosenController chosen(options.camera);
-    const GUID guid = chooseDevice(Core::ImplType_VIDEO_DEVICE, "video device", console.err);
+    const GUID guid = chooseDevice(Core::ImplType_VIDEO_DEVICE, "video device", options.plugins, console.err);
     deviceName = guidLabel(guid);
     attempt("open " + deviceName, [&] {
         proxy = std::make_unique<IO::VideoDeviceProxy>(guid, false);
@@ -125,12 +127,14 @@ void ChipSession::bindChip(const std::string& label, std::optional<ChipKind> des
 ChipSession::~ChipSession() {
     for (const Transfer& transfer : transfers)
         show(transfer);
+    const WatchedStep watched("close the camera");
     camera.reset();
     try {
         proxy->close();
     } catch (const std::exception& failure) {
         console.err << console.words() << ": cannot close the camera: " << failure.what() << '\n';
     }
+    proxy.reset();
 }
 
 void ChipSession::note(const Transfer& transfer) {

@@ -15,8 +15,9 @@ namespace Zentara::Tool {
 
 /// What the verbs that talk to a controller have in common.
 struct ChipOptions {
-    std::string camera;  ///< a name of a camera; with `direct` of a controller
-    bool direct = false; ///< a bare device
+    std::string camera;               ///< a name of a camera; with `direct` of a controller
+    bool direct = false;              ///< a bare device
+    std::vector<std::string> plugins; ///< which one; empty for the first
     bool trace = false;
     bool json = false;
     bool writes = false; ///< then one of several cameras has to be named

@@ -3,17 +3,63 @@
 #include <algorithm>
 #include <vector>
 
+#include <CLI/CLI.hpp>
+
 #include <zentara/core/plugin_manager.h>
 #include <zentara/core/plugin_probe.h>
+#include <zentara/utils/files.h>
 #include <zentara/utils/format.h>
+#include <zentara/utils/text.h>
 
+#include "tools/zentara/arguments.h"
 #include "tools/zentara/exit_code.h"
 #include "tools/zentara/guid_text.h"
+#include "utils/visible_text.h"
 
 namespace Zentara::Tool {
 namespace {
 
-std::vector<GUID> registered(Core::ImplType type) {
+using Utils::Format;
+
+/// Whether a plug-in is meant: by its GUID, with or without braces, its well-known name or its file, of which the
+/// directory and the ending may be missing.
+bool isCalled(const Core::PluginProbe& plugin, const std::string& name) {
+    const bool braced = name.size() > 2 && name.front() == '{' && name.back() == '}';
+    const std::string plain = Utils::toLower(braced ? name.substr(1, name.size() - 2) : name);
+    const std::string file = Utils::getFilename(plugin.path);
+    return Utils::toLower(guidText(plugin.guid)) == plain ||
+           Utils::toLower(guidLabel(plugin.guid)) == plain || file == name ||
+           Utils::removeExtension(file) == name ||
+           Utils::canonicalPath(plugin.path) == Utils::canonicalPath(name);
+}
+
+std::string listOf(const std::vector<Core::PluginProbe>& plugins, Core::ImplType type) {
+    std::string text;
+    for (const Core::PluginProbe& plugin : plugins) {
+        if (plugin.accepted() && plugin.type == type)
+            text += Format("% % (%)") % (text.empty() ? "" : ",") % guidLabel(plugin.guid) %
+                    Utils::visibleText(Utils::getFilename(plugin.path));
+    }
+    return text;
+}
+
+GUID namedDevice(Core::ImplType type, const char* what, const std::vector<std::string>& names) {
+    std::vector<Core::PluginProbe> plugins;
+    attempt("look for plug-ins", [&] { plugins = Core::probePluginDirectory(Core::getPluginDirectory()); });
+    for (const std::string& name : names) {
+        const auto found = std::find_if(plugins.begin(), plugins.end(), [&](const Core::PluginProbe& plugin) {
+            return plugin.accepted() && plugin.type == type && isCalled(plugin, name);
+        });
+        if (found != plugins.end())
+            return found->guid;
+    }
+    throw ToolFailure(ExitCode_USAGE, Format("no % plug-in is called '%'; registered:%") % what %
+                                          Utils::visibleText(names.front()) % listOf(plugins, type));
+}
+
+} // namespace
+
+std::vector<GUID> registeredPlugins(Core::ImplType type, const char* what) {
     std::vector<GUID> guids;
     attempt("look for plug-ins", [&] {
         Core::PluginManager* manager = Core::PluginManager::instance();
@@ -22,23 +68,34 @@ std::vector<GUID> registered(Core::ImplType type) {
         guids = manager->getGUIDs(type);
         manager->release();
     });
+    if (guids.empty())
+        throw ToolFailure(ExitCode_NO_PLUGIN,
+                          Format("no % plug-in is registered in '%'; 'zentara plugins --all' tells why") %
+                              what % Core::getPluginDirectory());
     std::sort(guids.begin(), guids.end(),
               [](const GUID& left, const GUID& right) { return guidText(left) < guidText(right); });
     return guids;
 }
 
-} // namespace
+CLI::Option* addPluginName(CLI::App& command, std::vector<std::string>& names) {
+    return command
+        .add_option(
+            "--plugin", names,
+            "With --direct: which device plug-in, by its GUID, its name or its file; the first one by GUID "
+            "unless given")
+        ->type_name("GUID|FILE")
+        ->delimiter(',')
+        ->check(anyName("plug-in"));
+}
 
-GUID chooseDevice(Core::ImplType type, const char* what, std::ostream& err) {
-    const std::vector<GUID> guids = registered(type);
-    if (guids.empty())
-        throw ToolFailure(
-            ExitCode_NO_PLUGIN,
-            Utils::Format("no % plug-in is registered in '%'; 'zentara plugins --all' tells why") % what %
-                Core::getPluginDirectory());
+GUID chooseDevice(Core::ImplType type, const char* what, const std::vector<std::string>& names,
+                  std::ostream& err) {
+    const std::vector<GUID> guids = registeredPlugins(type, what);
+    if (!names.empty())
+        return namedDevice(type, what, names);
     if (guids.size() > 1)
         err << "zentara: " << guids.size() << " " << what << " plug-ins are registered; taking "
-            << guidLabel(guids.front()) << '\n';
+            << guidLabel(guids.front()) << "; --plugin chooses\n";
     return guids.front();
 }
 

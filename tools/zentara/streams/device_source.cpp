@@ -17,8 +17,13 @@ constexpr float inputLevel = 0.5F;
 
 class DeviceSource : public StreamSource {
 public:
+    ~DeviceSource() override {
+        const WatchedStep watched("let go of " + label());
+        proxy.reset();
+    }
+
     [[nodiscard]] const StreamDescription& description() const override { return told; }
-    [[nodiscard]] std::string label() const override { return told.node.name; }
+    [[nodiscard]] std::string label() const final { return told.node.name; }
     ReadBufferStatus read(void* buffer, int size, std::int64_t* micros, int* length) override {
         return proxy->readBuffer(buffer, size, micros, length);
     }
@@ -84,10 +89,13 @@ private:
 
 } // namespace
 
-std::unique_ptr<StreamSource> openDeviceStream(NodeType type, std::ostream& err) {
+std::unique_ptr<StreamSource> openDeviceStream(NodeType type, const std::vector<std::string>& plugins,
+                                               std::ostream& err) {
     if (type == NodeType_AUDIO)
-        return std::make_unique<AudioSource>(chooseDevice(Core::ImplType_AUDIO_DEVICE, "audio device", err));
-    return std::make_unique<VideoSource>(chooseDevice(Core::ImplType_VIDEO_DEVICE, "video device", err));
+        return std::make_unique<AudioSource>(
+            chooseDevice(Core::ImplType_AUDIO_DEVICE, "audio device", plugins, err));
+    return std::make_unique<VideoSource>(
+        chooseDevice(Core::ImplType_VIDEO_DEVICE, "video device", plugins, err));
 }
 
 } // namespace Zentara::Tool

@@ -2,6 +2,8 @@
 
 #include <memory>
 #include <ostream>
+#include <string>
+#include <vector>
 
 #include "tools/zentara/streams/stream_source.h"
 
@@ -9,7 +11,9 @@ namespace Zentara::Tool {
 
 /// The stream of a bare device plug-in, called on the reader's thread: without an enumerator, a descriptor store, a
 /// node and the worker thread between. It serves the writers of a device plug-in before the rest of a camera exists.
-/// \param type of the stream: depth or audio \throws ToolFailure
-[[nodiscard]] std::unique_ptr<StreamSource> openDeviceStream(NodeType type, std::ostream& err);
+/// \param type of the stream: depth or audio \param plugins which device is meant, as chooseDevice() takes them
+/// \throws ToolFailure
+[[nodiscard]] std::unique_ptr<StreamSource>
+openDeviceStream(NodeType type, const std::vector<std::string>& plugins, std::ostream& err);
 
 } // namespace Zentara::Tool
