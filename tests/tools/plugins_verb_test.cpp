@@ -123,7 +123,8 @@ TEST_F(PluginsVerb, NamesWhoEndsTheProcessAndListsTheOthers) {
         {"sdk print", nullptr, false, ""},
     };
     for (const auto& row : rows)
-        copyMisbehaving(row.behaviour, row.behaviour + ending());
+        copyMisbehaving(row.behaviour, row.behaviour + ending(),
+                        std::string(row.behaviour) == "data" ? "misbehaving_data" : "misbehaving");
     const InstallRoot root(path());
     const ToolRun run = runBuilt("plugins --all --json");
     EXPECT_EQ(run.exitCode, 0) << run.err;
@@ -199,9 +200,9 @@ TEST_F(PluginsVerb, TellsEachOddEntryWithItsOwnRemedy) {
     // The superuser may read everything, so somebody else has to ask.
     const std::string output = path("said");
     const auto askAsNobody = [&output] {
-        const int status = std::system(("setpriv --reuid=65534 --regid=65534 --clear-groups '" +
-                                        builtTool().string() + "' plugins --all > '" + output + "' 2>&1")
-                                           .c_str());
+        const int status = std::system(
+            (std::string(asNobody) + "'" + builtTool().string() + "' plugins --all > '" + output + "' 2>&1")
+                .c_str());
         return std::pair(status >> 8, Utils::readFile(output));
     };
     const auto [code, said] = askAsNobody();

@@ -26,10 +26,10 @@ std::filesystem::path ToolTest::builtTool() {
     return std::filesystem::exists(tool) ? tool : std::filesystem::path(tool.string() + ".exe");
 }
 
-void ToolTest::copyMisbehaving(const std::string& behaviour, const std::string& file) const {
-    const char* fixture = behaviour == "data" ? "misbehaving_data." : "misbehaving.";
+void ToolTest::copyMisbehaving(const std::string& behaviour, const std::string& file,
+                               const char* variant) const {
     const auto built = builtTool().parent_path().parent_path() / "test-plugins" /
-                       (std::string(fixture) + Core::pluginFileExtension());
+                       (std::string(variant) + "." + Core::pluginFileExtension());
     std::string bytes = Utils::readFile(built.string());
     const std::string mark = "MISBEHAVIOUR:";
     bytes.replace(bytes.find(mark) + mark.size(), behaviour.size() + 1, behaviour + ' ');

@@ -33,8 +33,14 @@ protected:
 
     [[nodiscard]] static std::filesystem::path builtTool();
 
-    /// Puts a plug-in of fixtures/misbehaving.cpp into "bin/Plugins/" of the test's directory. \param behaviour "WHERE HOW"
-    void copyMisbehaving(const std::string& behaviour, const std::string& file) const;
+    /// For the system's command interpreter, off Windows: runs what follows as a user who may not read everything.
+    static constexpr const char* asNobody =
+        "$([ $(id -u) = 0 ] && echo setpriv --reuid=65534 --regid=65534 --clear-groups) ";
+
+    /// Puts a plug-in of fixtures/misbehaving.cpp into "bin/Plugins/" of the test's directory.
+    /// \param behaviour "WHERE HOW"
+    void copyMisbehaving(const std::string& behaviour, const std::string& file,
+                         const char* variant = "misbehaving") const;
 
     /// A file in the test's directory, and whether it is there.
     [[nodiscard]] std::string path(const std::string& name = {}) const { return directory.path(name); }

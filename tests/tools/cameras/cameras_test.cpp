@@ -1,3 +1,4 @@
+#include <cstdlib>
 #include <deque>
 #include <filesystem>
 #include <functional>
@@ -17,6 +18,7 @@ namespace {
 
 using testing::AllOf;
 using testing::HasSubstr;
+using testing::Not;
 using testing::UnorderedElementsAre;
 
 constexpr const char* left = R"({"model": "ZS570", "serialNumber": "LEFT"})";
@@ -387,6 +389,58 @@ TEST_F(Cameras, KeepThePlotOfWhatCameBeforeTheyWent) {
     const ToolRun nowhere = run({"sensors", "--watch", "--png", path("no/t.png")});
     EXPECT_EQ(nowhere.exitCode, 1);
     EXPECT_EQ(nowhere.out, "") << "told before anything is read";
+}
+
+TEST_F(Cameras, TellATimeOutThatOnlyTheLogKnows) {
+    plug(R"({"model": "ZS570", "serialNumber": "LEFT", "settings": "hang 3000 at video.recv"})");
+    const ToolRun open = run({"params", "list"});
+    EXPECT_EQ(open.exitCode, 7) << open.err;
+    EXPECT_THAT(open.err, AllOf(HasSubstr("LEFT"), HasSubstr("timed out: ")));
+    const TestSupport::ScopedVariable chip("ZENTARA_SIMULATED_CHIP", "VC0345");
+    const ToolRun tried = runBuilt("--log reg read tof 0x21 --direct");
+    EXPECT_EQ(tried.exitCode, 0) << tried.err;
+    EXPECT_THAT(tried.err, AllOf(HasSubstr("log started"), Not(HasSubstr("WARNING"))));
+}
+
+TEST_F(Cameras, EndWithAWordWhateverComesFromOutside) {
+    EXPECT_THAT(run({"stream", "--play", "/no/such/recording"}).err, HasSubstr("'/no/such/recording'"))
+        << "no option, whatever the system";
+    if (std::filesystem::path::preferred_separator == '\\')
+        return; // what follows are the means of other systems
+    const std::string tool = "'" + builtTool().string() + "' ";
+    const std::string said = path("said");
+    const std::string hang = "ZENTARA_SIMULATED='hang 60000 at video.open' ";
+    const struct {
+        std::string command;
+        const char* code;
+        const char* said;
+    } rows[]{
+        {"mkfifo \"$D/pipe\"; timeout 20 " + tool + "stream --play \"$D/pipe\"", "1",
+         "it is there and no file"},
+        {"ulimit -f 8; " + tool + "stream --frames 20 --raw \"$D/raw\"", "1", "File too large"},
+        {"{ " + tool +
+             "sensors --watch --interval 20; echo $? > \"$D/code\"; } | head -1 > \"$D/one\"; (exit $(cat "
+             "\"$D/code\"))",
+         "1", "cannot write to standard output"},
+        {R"(cp "$D/cameras.json" "$D/secret"; chmod 0 "$D/secret"; )" + std::string(asNobody) + tool +
+             "rom list \"$D/secret\"",
+         "5", "Permission denied"},
+        {hang + "timeout --preserve-status --foreground -s TERM 1 " + tool + "--patience 60 stream --direct",
+         "130", "interrupted while it was to open MOCKVIDEODEVICE_IMPL"},
+        {hang +
+             "timeout --preserve-status --foreground -s INT 1 timeout --preserve-status --foreground -s INT "
+             "3 " +
+             tool + "--patience 60 stream --direct",
+         "130", "Ctrl-C once more ends it at once"},
+    };
+    const TestSupport::ScopedVariable place("D", path());
+    plug(left);
+    for (const auto& row : rows) {
+        const int status =
+            std::system(("(" + row.command + ") 2> '" + said + "' > '" + path("out") + "'").c_str());
+        EXPECT_EQ(std::to_string(status >> 8), row.code) << row.command << Utils::readFile(said);
+        EXPECT_THAT(Utils::readFile(said), HasSubstr(row.said)) << row.command;
+    }
 }
 
 TEST_F(Cameras, StopWatchingWhenNobodyReads) {
