@@ -163,7 +163,7 @@ TEST_F(OwnRoot, TakesSeveralPluginsOfOneKindTogether) {
     EXPECT_THAT(run({"devices", "--watch", "--seconds", "0.5"}).out, HasSubstr("SIM0345"));
 
     // A second video device: the first four bytes of its GUID are others, wherever they stand.
-    std::string bytes = Utils::readFile(path("bin/Plugins/mock_video_device" + ending));
+    std::string bytes = Utils::readFile(path("bin/Plugins/simulated_video_device" + ending));
     const std::string known = "\xC6\x3F\xE2\x39";
     for (std::size_t at = bytes.find(known); at != std::string::npos; at = bytes.find(known, at))
         bytes[at + 3] = 1;
@@ -176,8 +176,8 @@ TEST_F(OwnRoot, TakesSeveralPluginsOfOneKindTogether) {
              {other, other},
              {"{" + other + "}", other},
              {"other" + ending, other},
-             {"mock_video_device", "MOCKVIDEODEVICE_IMPL"},
-             {path("bin/Plugins/mock_video_device" + ending), "MOCKVIDEODEVICE_IMPL"},
+             {"simulated_video_device", "MOCKVIDEODEVICE_IMPL"},
+             {path("bin/Plugins/simulated_video_device" + ending), "MOCKVIDEODEVICE_IMPL"},
              {"mockvideodevice_impl", "MOCKVIDEODEVICE_IMPL"}};
     for (const auto& row : rows) {
         std::vector<std::string> words{"stream", "--direct", "--frames", "1", "--json"};
@@ -188,10 +188,10 @@ TEST_F(OwnRoot, TakesSeveralPluginsOfOneKindTogether) {
         EXPECT_THAT(stream.out, HasSubstr(row.taken)) << row.name;
         EXPECT_EQ(stream.err.find("--plugin chooses") != std::string::npos, row.name.empty()) << stream.err;
     }
-    const ToolRun wrong = run({"reg", "read", "tof", "0x21", "--direct", "--plugin", "mock_enumerator"});
+    const ToolRun wrong = run({"reg", "read", "tof", "0x21", "--direct", "--plugin", "simulated_enumerator"});
     EXPECT_EQ(wrong.exitCode, 2);
-    EXPECT_THAT(wrong.err, AllOf(HasSubstr("no video device plug-in is called 'mock_enumerator'"),
-                                 HasSubstr("(mock_video_device" + ending + ")")));
+    EXPECT_THAT(wrong.err, AllOf(HasSubstr("no video device plug-in is called 'simulated_enumerator'"),
+                                 HasSubstr("(simulated_video_device" + ending + ")")));
     EXPECT_EQ(run({"reg", "read", "tof", "0x21", "--plugin", "other"}).exitCode, 2) << "without --direct";
 }
 

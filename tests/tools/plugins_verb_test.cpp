@@ -100,7 +100,7 @@ TEST_F(PluginsVerb, SaysOfEveryOtherFileWhyItIsRefusedAndWhatHelps) {
 
 TEST_F(PluginsVerb, NamesWhoEndsTheProcessAndListsTheOthers) {
     makePluginDirectory();
-    addCopy("mock_video_device", "a_video" + ending());
+    addCopy("simulated_video_device", "a_video" + ending());
     const struct {
         const char* behaviour;
         const char* step; ///< null: nothing is wrong with it
