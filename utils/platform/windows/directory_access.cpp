@@ -4,7 +4,7 @@
 #include <array>
 #include <memory>
 
-#include <windows.h>
+#include "utils/platform/windows/system.h"
 
 #include <aclapi.h>
 
