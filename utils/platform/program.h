@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -24,6 +25,14 @@ void failInsteadOfDying() noexcept;
 
 /// The system's error numbers that mean a lack of permission.
 std::vector<long> permissionErrors();
+
+/// What a program holds of the system at the moment; 0 where the system does not tell.
+struct ResourceUse {
+    std::size_t residentBytes = 0;
+    unsigned threads = 0;
+    unsigned handles = 0; ///< or file descriptors
+};
+ResourceUse resourceUse();
 
 /// Whether a person reads what is written to the stream.
 bool isTerminal(std::FILE* stream) noexcept;

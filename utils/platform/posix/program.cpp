@@ -2,6 +2,10 @@
 
 #include <cerrno>
 #include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <system_error>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -39,6 +43,21 @@ void failInsteadOfDying() noexcept {
 
 std::vector<long> permissionErrors() { return {EACCES, EPERM}; }
 
+ResourceUse resourceUse() {
+    ResourceUse use;
+    std::size_t total = 0;
+    std::size_t resident = 0;
+    std::ifstream("/proc/self/statm") >> total >> resident;
+    use.residentBytes = resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    const auto entries = [](const char* directory) {
+        std::error_code failure;
+        const std::filesystem::directory_iterator all(directory, failure);
+        return static_cast<unsigned>(std::distance(begin(all), end(all)));
+    };
+    use.threads = entries("/proc/self/task");
+    use.handles = entries("/proc/self/fd");
+    return use;
+}
 bool isTerminal(std::FILE* stream) noexcept { return isatty(fileno(stream)) == 1; }
 
 std::string shellWord(const std::string& text) {

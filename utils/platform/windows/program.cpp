@@ -5,7 +5,9 @@
 #include <windows.h>
 
 #include <io.h>
+#include <psapi.h>
 #include <shellapi.h>
+#include <tlhelp32.h>
 
 namespace Zentara::Utils::Platform {
 namespace {
@@ -52,6 +54,25 @@ void reserveStandardStreams() noexcept {}
 void failInsteadOfDying() noexcept {}
 
 std::vector<long> permissionErrors() { return {ERROR_ACCESS_DENIED}; }
+
+ResourceUse resourceUse() {
+    ResourceUse use;
+    PROCESS_MEMORY_COUNTERS memory{};
+    if (GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof memory))
+        use.residentBytes = memory.WorkingSetSize;
+    DWORD handles = 0;
+    if (GetProcessHandleCount(GetCurrentProcess(), &handles))
+        use.handles = handles;
+    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
+    if (snapshot != INVALID_HANDLE_VALUE) {
+        THREADENTRY32 thread{};
+        thread.dwSize = sizeof thread;
+        for (BOOL more = Thread32First(snapshot, &thread); more; more = Thread32Next(snapshot, &thread))
+            use.threads += thread.th32OwnerProcessID == GetCurrentProcessId();
+        CloseHandle(snapshot);
+    }
+    return use;
+}
 
 bool isTerminal(std::FILE* stream) noexcept {
     const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)));
