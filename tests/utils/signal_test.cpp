@@ -29,6 +29,27 @@ TEST(Signal, OneWaitConsumesIt) {
     EXPECT_FALSE(signal.isSet());
 }
 
+// Whether the other thread sleeps at that moment only the system knows, so it is tried until it did.
+TEST(Signal, KeepsASetBesidesTheOneOfASleeper) {
+    bool kept = false;
+    for (int round = 0; round < 1000 && !kept; ++round) {
+        Signal starts;
+        Signal signal;
+        std::thread sleeper([&] {
+            starts.set();
+            signal.wait();
+        });
+        starts.wait();
+        ThreadBase::sleep(1);
+        signal.set();
+        signal.set();
+        sleeper.join();
+        kept = signal.isSet();
+        EXPECT_FALSE(signal.isSet());
+    }
+    EXPECT_TRUE(kept);
+}
+
 TEST(Signal, CarriesWhatWasWrittenBefore) {
     constexpr int rounds = 10000;
     Signal ping;

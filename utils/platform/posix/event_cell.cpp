@@ -1,6 +1,5 @@
 #include "utils/platform/posix/event_cell.h"
 
-#include <algorithm>
 #include <bit>
 #include <cerrno>
 #include <climits>
@@ -30,7 +29,7 @@ void EventCell::post() noexcept {
     std::uint64_t seen = word.load(std::memory_order_relaxed);
     std::uint64_t next = 0;
     do {
-        const bool room = tokens(seen) < std::max<std::uint64_t>(1, waiters(seen));
+        const bool room = tokens(seen) <= waiters(seen);
         next = room ? seen + oneToken : seen;
         // Exchanged even when nothing changes: whoever takes the token must see what was written before this
         // post.
