@@ -2,12 +2,13 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <system_error>
-
-#include <fcntl.h>
 #include <unistd.h>
 
 namespace Zentara::Utils::Platform {
@@ -71,5 +72,17 @@ std::string shellWord(const std::string& text) {
         word += letter == '\'' ? std::string("'\\''") : std::string(1, letter);
     return word + "'";
 }
+
+ConsoleSetup::ConsoleSetup() noexcept = default;
+
+ConsoleSetup::~ConsoleSetup() = default;
+
+/// A terminal that has none, or a person who wants none, says so in the environment.
+bool ConsoleSetup::takesEscapeSequences(std::FILE* stream) const noexcept {
+    const char* const kind = std::getenv("TERM");
+    return isTerminal(stream) && kind && std::strcmp(kind, "dumb") != 0;
+}
+
+void watchConsole(void (*)()) noexcept {}
 
 } // namespace Zentara::Utils::Platform
