@@ -120,27 +120,5 @@ const bool lockedEarly = [] {
 
 TEST(Mutex, WorksDuringStaticInitialisation) { EXPECT_TRUE(lockedEarly); }
 
-/// All threads come to a fresh mutex at the same moment, so that its making is contended.
-TEST(Mutex, FirstUseByManyThreads) {
-    for (int round = 0; round < 40; ++round) {
-        Mutex mutex;
-        int count = 0;
-        std::atomic<bool> go{false};
-        std::vector<std::thread> threads;
-        for (int i = 0; i < 4; ++i) {
-            threads.emplace_back([&] {
-                while (!go)
-                    std::this_thread::yield();
-                AutoLock hold(mutex);
-                ++count;
-            });
-        }
-        go = true;
-        for (auto& thread : threads)
-            thread.join();
-        ASSERT_EQ(count, 4);
-    }
-}
-
 } // namespace
 } // namespace Zentara::Utils::Threading
