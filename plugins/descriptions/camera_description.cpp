@@ -97,15 +97,48 @@ NodeType readNodeType(const JsonValue& value) {
     value.fail(Format("'%' is none of depth color audio") % name);
 }
 
-std::vector<ParameterType> readParameters(const JsonValue& list) {
-    std::vector<ParameterType> parameters;
+/// A number alone, or an object that names it as well.
+void readParameters(const JsonValue& list, NodeDescription& node) {
     for (const JsonValue& value : list.list(lastParameter + 1)) {
-        const auto parameter = static_cast<ParameterType>(value.whole(0, lastParameter));
-        if (std::count(parameters.begin(), parameters.end(), parameter) != 0)
+        std::string name;
+        const auto numberOf = [&] {
+            if (!value.isObject())
+                return value.whole(0, lastParameter);
+            JsonFields fields(value);
+            const std::uint64_t number = fields.need("number").whole(0, lastParameter);
+            name = fields.need("name").name();
+            fields.finish();
+            return number;
+        };
+        const auto parameter = static_cast<ParameterType>(numberOf());
+        if (std::count(node.parameters.begin(), node.parameters.end(), parameter) != 0)
             value.fail(Format("parameter % stands there twice") % static_cast<int>(parameter));
-        parameters.push_back(parameter);
+        node.parameters.push_back(parameter);
+        if (!name.empty())
+            node.parameterNames.emplace(parameter, name);
     }
-    return parameters;
+}
+
+void readTemperatureSensors(const JsonValue& list, NodeDescription& node) {
+    for (const JsonValue& value : list.list()) {
+        JsonFields fields(value);
+        const JsonValue id = fields.need("sensorId");
+        if (!node.temperatureSensors
+                 .emplace(static_cast<std::int32_t>(id.whole(0, 0xFF)), fields.need("name").name())
+                 .second)
+            id.fail("stands there twice");
+        fields.finish();
+    }
+}
+
+Core::AccelerometerLabel readAccelerometer(const JsonValue& value) {
+    JsonFields fields(value);
+    Core::AccelerometerLabel label;
+    label.registerAddress = static_cast<std::uint32_t>(fields.need("register").whole(0, 0xFFFF));
+    if (const auto name = fields.find("name"))
+        label.name = name->name();
+    fields.finish();
+    return label;
 }
 
 void readProfiles(const JsonValue& list, NodeDescription& node) {
@@ -134,7 +167,11 @@ NodeDescription readNode(const JsonValue& value, const HardwareIDs& camera) {
     const auto interpreter = fields.find("parameterInterpreter");
     node.parameterInterpreter = interpreter ? interpreter->guid() : Core::Guids::NULL_IMPL;
     if (const auto field = fields.find("parameters"))
-        node.parameters = readParameters(*field);
+        readParameters(*field, node);
+    if (const auto field = fields.find("temperatureSensors"))
+        readTemperatureSensors(*field, node);
+    if (const auto field = fields.find("accelerometer"))
+        node.accelerometer = readAccelerometer(*field);
 
     ProfileDescription& first = node.profiles.emplace_back();
     first.descriptor.hardwareIds = camera;

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -10,6 +11,7 @@
 #include <zentara/color_configuration.h>
 #include <zentara/core/device_descriptor.h>
 #include <zentara/core/node_descriptor.h>
+#include <zentara/core/node_labels.h>
 #include <zentara/core/profile.h>
 #include <zentara/cyclic_error_record.h>
 #include <zentara/depth_configuration.h>
@@ -45,6 +47,9 @@ struct NodeDescription {
     GUID device{};
     GUID parameterInterpreter{};
     std::vector<ParameterType> parameters;
+    std::map<ParameterType, std::string> parameterNames;
+    std::map<std::int32_t, std::string> temperatureSensors; ///< names by id
+    std::optional<Core::AccelerometerLabel> accelerometer;
     std::vector<ProfileDescription> profiles; ///< the default one first
 
     [[nodiscard]] const ProfileDescription* find(Core::Profile profile) const;

@@ -32,6 +32,7 @@ public:
     /// \param most how many there may be
     [[nodiscard]] std::vector<JsonValue> list(std::size_t most = 1024) const;
 
+    [[nodiscard]] bool isObject() const { return value->kind == LocatedJson::Kind::Object; }
     [[nodiscard]] int line() const { return value->line; }
 
     [[noreturn]] void fail(const std::string& reason) const;

@@ -153,7 +153,9 @@ void StoredCalibration::readDefaults(Core::DescriptorStoreRO& store) {
 void StoredCalibration::readLenses(const ROM::SystemCalibration& stored) {
     fillLenses(stereo.depthIntrinsics, stored.getDepthIntrinsics());
     fillLenses(stereo.colorIntrinsics, stored.getColorIntrinsics());
-    if (stored.getExtrinsics() != ROM::ExtrinsicsData())
+    lensStored = !stored.getDepthIntrinsics().empty();
+    extrinsicsStored = stored.getExtrinsics() != ROM::ExtrinsicsData();
+    if (extrinsicsStored)
         fill(stereo.extrinsics, std::vector{extrinsicsOf(stored.getExtrinsics())});
     setImageRegistrationCalibration(stereo);
     const ROM::AccelerometerCalibrationData& accelerometer = stored.getAccelerometerCalibration();
@@ -184,6 +186,7 @@ void StoredCalibration::readConfiguration(const ROM::Configuration& stored) {
         setTemperatureCompensation(
             TemperatureCompensation(static_cast<unsigned int>(ranges.size()), ranges.data()));
     }
+    correctionsStored = !temperatures.empty() || !temperature.getValues().empty();
     const ROM::CyclicErrorCorrectionData error = stored.getCyclicErrorCorrection();
     if (!error.getValues().empty()) {
         const std::vector<std::uint8_t> record =
@@ -191,6 +194,7 @@ void StoredCalibration::readConfiguration(const ROM::Configuration& stored) {
         const std::vector<unsigned char> block =
             cyclicErrorBlock(static_cast<unsigned int>(record.size()), record.data());
         cyclic = CyclicErrorCorrection(block.data());
+        correctionsStored = true;
     }
 }
 

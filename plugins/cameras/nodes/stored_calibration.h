@@ -40,6 +40,10 @@ public:
     /// The camera's lens models and extrinsics, or the store's.
     [[nodiscard]] const StereoCameraParametersArray& lenses() const { return stereo; }
     [[nodiscard]] const CyclicErrorCorrection& cyclicErrorCorrection() const { return cyclic; }
+    /// Whether that part came from the storage.
+    [[nodiscard]] bool holdsLens() const { return lensStored; }
+    [[nodiscard]] bool holdsExtrinsics() const { return extrinsicsStored; }
+    [[nodiscard]] bool holdsCorrections() const { return correctionsStored; }
     /// Of both camera modes.
     [[nodiscard]] short phaseOffset(DepthNode::CameraMode mode) const;
 
@@ -51,6 +55,9 @@ private:
     StereoCameraParametersArray stereo;
     CyclicErrorCorrection cyclic;
     short offsets[2] = {};
+    bool lensStored = false;
+    bool extrinsicsStored = false;
+    bool correctionsStored = false;
 };
 
 } // namespace Zentara::Cameras

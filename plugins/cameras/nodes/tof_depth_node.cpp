@@ -113,8 +113,9 @@ struct TofDepthNode::Camera {
     const std::vector<Mode> known;
     std::unique_ptr<StoredCalibration> calibration;
     bool storageRead = false;
-    std::string lensTrouble; ///< why the lens model is not the camera's own; empty if it is
-    Mode running;            ///< null while nothing streams
+    std::string storageTrouble; ///< why it could not be read
+    std::string lensTrouble;    ///< why the lens model is not the camera's own; empty if it is
+    Mode running;               ///< null while nothing streams
     SensorPoll sensors;
     std::vector<std::uint8_t> delivered = std::vector<std::uint8_t>(largestRawFrame); ///< the reader's alone
 };
@@ -142,7 +143,7 @@ void TofDepthNode::dispose() {
     DepthNodeInterface::dispose(); // the device closes with its last reference
 }
 
-TofDepthNode::Camera& TofDepthNode::require(const char* operation) {
+TofDepthNode::Camera& TofDepthNode::require(const char* operation) const {
     if (!camera)
         throw InvalidOperationPluginException(Format("%: the node is not initialized") % operation);
     return *camera;
@@ -303,18 +304,49 @@ void TofDepthNode::reloadROMLayout(bool force) {
         loadStorage();
 }
 
+Core::CalibrationSource TofDepthNode::getCalibrationSource(Core::CalibrationPart part) const {
+    const Camera& present = require("getCalibrationSource");
+    const StoredCalibration& known = *present.calibration;
+    const auto sourceOf = [&](bool isStored, bool isDescribed) {
+        if (isStored)
+            return Core::CalibrationSource::Camera;
+        if (!present.storageRead)
+            return Core::CalibrationSource::Failure;
+        return isDescribed ? Core::CalibrationSource::Description : Core::CalibrationSource::None;
+    };
+    switch (part) {
+    case Core::CalibrationPart::Lens:
+        return sourceOf(known.holdsLens(), !known.lenses().depthIntrinsics.values.empty());
+    case Core::CalibrationPart::Extrinsics:
+        return sourceOf(known.holdsExtrinsics(), !known.lenses().extrinsics.values.empty());
+    case Core::CalibrationPart::Corrections:
+        return sourceOf(known.holdsCorrections(), true);
+    case Core::CalibrationPart::Accelerometer:
+        return sourceOf(known.hasAccelerometerCalibration(), false);
+    case Core::CalibrationPart::SerialNumber: // the bus told it
+        return known.hasSerialNumber() ? Core::CalibrationSource::Camera : Core::CalibrationSource::None;
+    }
+    return Core::CalibrationSource::None;
+}
+
+std::string TofDepthNode::getCalibrationFailure() const {
+    return require("getCalibrationFailure").storageTrouble;
+}
+
 /// A storage that cannot be read leaves the description's defaults.
 void TofDepthNode::loadStorage() {
     Camera& present = require("reloadROMLayout");
     StoredObjects objects;
     std::string trouble;
     present.storageRead = false;
+    present.storageTrouble.clear();
     try {
         objects = readStorage(present.commands.chip(), present.store.getROMElement(storageElement));
         present.storageRead = true;
         if (!objects.calibration || objects.calibration->getDepthIntrinsics().empty())
             trouble = "its flash holds no lens model";
     } catch (const PluginException& failure) {
+        present.storageTrouble = failure.message();
         trouble = Format("its flash cannot be read (%)") % failure.message();
     }
     present.calibration = std::make_unique<StoredCalibration>(&present.store, present.serialNumber, objects);

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include <zentara/core/calibration_sources.h>
 #include <zentara/core/depth_node_interface.h>
 
 namespace Zentara::Cameras {
@@ -15,7 +16,7 @@ namespace Zentara::Cameras {
 /// counts, and one warning in the log names the camera and says so. Starting sends the pre-common commands,
 /// those of the mode and the post-common ones, then starts the device; stopping does it backwards. Disposing stops.
 /// The host lets its reader end before it disposes.
-class TofDepthNode final : public Core::DepthNodeInterface {
+class TofDepthNode final : public Core::DepthNodeInterface, public Core::CalibrationSources {
 public:
     TofDepthNode();
     ~TofDepthNode() override;
@@ -67,6 +68,9 @@ public:
     [[nodiscard]] std::string getSerialNumber() override;
     [[nodiscard]] AccelerationInternal getAccelerometerCalibration() override;
 
+    [[nodiscard]] Core::CalibrationSource getCalibrationSource(Core::CalibrationPart part) const override;
+    [[nodiscard]] std::string getCalibrationFailure() const override;
+
     /// Without force the storage is read only if that has failed before.
     void reloadROMLayout(bool force) override;
 
@@ -77,7 +81,7 @@ public:
 private:
     struct Camera;
 
-    Camera& require(const char* operation);
+    Camera& require(const char* operation) const;
     void stop() noexcept;
     void loadStorage();
 

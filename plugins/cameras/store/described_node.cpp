@@ -26,6 +26,13 @@ std::vector<Utils::SmartPtr<Base>> copies(const std::vector<Utils::SmartPtr<Mode
     return result;
 }
 
+/// The name, or nothing.
+template<typename Key>
+std::string nameIn(const std::map<Key, std::string>& names, Key key) {
+    const auto found = names.find(key);
+    return found == names.end() ? std::string() : found->second;
+}
+
 } // namespace
 
 DescribedNode::DescribedNode(std::vector<CameraDescription> descriptions)
@@ -120,5 +127,17 @@ std::string DescribedNode::getVendorName() const { return camera ? camera->vendo
 std::string DescribedNode::getProductName() const { return camera ? camera->productName : std::string(); }
 
 std::uint32_t DescribedNode::getNodeIndex() const { return node ? node->index : 0; }
+
+std::string DescribedNode::getParameterName(ParameterType parameter) const {
+    return node ? nameIn(node->parameterNames, parameter) : std::string();
+}
+
+std::string DescribedNode::getTemperatureSensorName(std::int32_t sensorId) const {
+    return node ? nameIn(node->temperatureSensors, sensorId) : std::string();
+}
+
+std::optional<Core::AccelerometerLabel> DescribedNode::getAccelerometer() const {
+    return node ? node->accelerometer : std::nullopt;
+}
 
 } // namespace Zentara::Cameras

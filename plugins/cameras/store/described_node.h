@@ -10,7 +10,7 @@
 namespace Zentara::Cameras {
 
 /// The view of a set of descriptions, one node of which is selected. Separate.
-class DescribedNode final : public Core::DescriptorStoreRO {
+class DescribedNode final : public Core::DescriptorStoreRO, public Core::NodeLabels {
 public:
     explicit DescribedNode(std::vector<CameraDescription> descriptions);
 
@@ -39,6 +39,9 @@ public:
     [[nodiscard]] std::string getVendorName() const override;
     [[nodiscard]] std::string getProductName() const override;
     [[nodiscard]] std::uint32_t getNodeIndex() const override;
+    [[nodiscard]] std::string getParameterName(ParameterType parameter) const override;
+    [[nodiscard]] std::string getTemperatureSensorName(std::int32_t sensorId) const override;
+    [[nodiscard]] std::optional<Core::AccelerometerLabel> getAccelerometer() const override;
 
 private:
     const std::vector<CameraDescription> cameras;
