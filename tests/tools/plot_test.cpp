@@ -32,7 +32,7 @@ TEST(Plot, DividesARangeRoundly) {
 
 TEST(Plot, DrawsEachLineInItsColour) {
     const std::string png =
-        plotPng("Title \xC3\xA9", "x", {{"first", {{0, 0}, {10, 10}}}, {"second", {{0, 10}, {10, 0}}}});
+        plotPng("x", {{"Title \xC3\xA9", {{"first", {{0, 0}, {10, 10}}}, {"second", {{0, 10}, {10, 0}}}}}});
     int width = 0;
     int height = 0;
     int channels = 0;
@@ -52,11 +52,11 @@ TEST(Plot, DrawsEachLineInItsColour) {
 }
 
 TEST(Plot, RefusesWhatCannotBeDrawn) {
-    EXPECT_THROW(static_cast<void>(plotPng("t", "x", {})), ToolFailure);
-    EXPECT_THROW(static_cast<void>(plotPng("t", "x", {{"empty", {}}})), ToolFailure);
+    EXPECT_THROW(static_cast<void>(plotPng("x", {{"t", {}}})), ToolFailure);
+    EXPECT_THROW(static_cast<void>(plotPng("x", {{"t", {{"empty", {}}}}})), ToolFailure);
     const double infinite = std::numeric_limits<double>::infinity();
-    EXPECT_THROW(static_cast<void>(plotPng("t", "x", {{"far", {{0, infinite}}}})), ToolFailure);
-    EXPECT_FALSE(plotPng("t", "x", {{"one point", {{5, 5}}}}).empty());
+    EXPECT_THROW(static_cast<void>(plotPng("x", {{"t", {{"far", {{0, infinite}}}}}})), ToolFailure);
+    EXPECT_FALSE(plotPng("x", {{"t", {{"one point", {{5, 5}}}}}}).empty());
 }
 
 // Published values of BT.601: black, white, and pure red.

@@ -1,6 +1,7 @@
 #include "tools/zentara/json_fields.h"
 
 #include <algorithm>
+#include <iostream>
 #include <sstream>
 
 #include <zentara/utils/format.h>
@@ -29,6 +30,16 @@ std::string reasonOf(const Json::exception& failure) {
     return end == std::string::npos ? text : text.substr(end + 2);
 }
 
+/// Standard input, as far as it may be; one byte more tells that it is longer.
+std::string readInput() {
+    std::string text(mostBytes + 1, '\0');
+    std::cin.read(text.data(), static_cast<std::streamsize>(text.size()));
+    text.resize(static_cast<std::size_t>(std::cin.gcount()));
+    if (text.size() > mostBytes)
+        throw ToolFailure(ExitCode_FAILED, Format("standard input has more than % bytes") % mostBytes);
+    return text;
+}
+
 } // namespace
 
 Json readJsonFile(const std::string& path) {
@@ -45,7 +56,7 @@ Json readJsonFile(const std::string& path) {
         return true;
     };
     try {
-        return Json::parse(readFileBytes(path, mostBytes), watch);
+        return Json::parse(path == "-" ? readInput() : readFileBytes(path, mostBytes), watch);
     } catch (const Json::exception& failure) {
         refuse(path, reasonOf(failure));
     }

@@ -11,7 +11,7 @@
 
 namespace Zentara::Tool {
 
-/// A file's JSON. Whatever the file is, it takes a bounded time and a bounded memory: its size and its depth have a
+/// The JSON of a file, or of standard input for "-". Whatever the file is, it takes a bounded time and a bounded memory: its size and its depth have a
 /// limit, and no object may have a key twice.
 /// \throws ToolFailure naming the file and the place of what is wrong
 [[nodiscard]] Json readJsonFile(const std::string& path);

@@ -12,8 +12,7 @@ int main(int argc, char** argv) {
     const std::vector<std::string> arguments = Platform::programArguments(argc, argv);
     if (Zentara::Tool::isPluginQuestion(arguments))
         return Zentara::Tool::answerPluginQuestion(arguments);
-    const Platform::ConsoleSetup setup;
-    Zentara::Tool::Console console{std::cout, std::cerr, setup.takesEscapeSequences(stderr),
+    Zentara::Tool::Console console{std::cout, std::cerr, Platform::isTerminal(stderr),
                                    Platform::executablePath()};
     return Zentara::Tool::runTool(arguments, console);
 }

@@ -13,10 +13,15 @@ struct PlotLine {
     std::vector<std::pair<double, double>> points; ///< x, y
 };
 
-/// A picture of lines over axes with numbers, as a PNG file's bytes. Each line has a colour of its own, and its name
-/// in that colour beside it. \throws ToolFailure when there is no point, or the picture cannot be encoded
-[[nodiscard]] std::string plotPng(const std::string& title, const std::string& xLabel,
-                                  const std::vector<PlotLine>& lines);
+/// Lines over axes of their own, with a title above that names what is measured, in which unit.
+struct PlotPanel {
+    std::string title;
+    std::vector<PlotLine> lines;
+};
+
+/// A picture of panels, one below the other, as a PNG file's bytes. Each line has a colour of its own, and its name in
+/// that colour beside the title. \throws ToolFailure when a panel has no point, or the picture cannot be encoded
+[[nodiscard]] std::string plotPng(const std::string& xLabel, const std::vector<PlotPanel>& panels);
 
 /// Round numbers that divide a range into about so many parts, the first not above `low`, the last not below
 /// `high`.

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <exception>
 #include <new>
+#include <utility>
 
 #include <CLI/CLI.hpp>
 
@@ -8,6 +9,7 @@
 #include <zentara/version.h>
 
 #include "tools/zentara/arguments.h"
+#include "tools/zentara/nearest_word.h"
 #include "tools/zentara/program_root.h"
 #include "tools/zentara/supervisor.h"
 #include "tools/zentara/tool_log.h"
@@ -28,7 +30,8 @@ Exit codes:
   6 busy   7 timed out   8 verification failed   130 interrupted
 
 Data goes to standard output, everything else to standard error.
-"zentara VERB --help" tells about one verb.)";
+"zentara help VERB", or "zentara VERB --help", tells about one verb. With --json a failure is told on
+standard output as well.)";
 
 constexpr double usualPatience = 15; ///< longer than the library waits for a worker that is stuck
 constexpr double leastPatience = 0.1;
@@ -68,6 +71,50 @@ void noteVerb(const CLI::App& program, Console& console) {
         for (const CLI::App* action : verb->get_subcommands())
             console.action = action->get_name();
     }
+}
+
+/// What one of several verbs could be called; the program's own, or a verb's actions.
+std::vector<std::string> namesOf(const CLI::App& program) {
+    std::vector<std::string> names;
+    for (const CLI::App* verb : program.get_subcommands([](const CLI::App*) { return true; }))
+        names.push_back(verb->get_name());
+    return names;
+}
+
+/// A word that stands where a verb is wanted and is none is named, with the verb that was probably meant.
+/// \throws ToolFailure
+void checkVerbs(const CLI::App& program, const std::vector<std::string>& arguments, Console& console) {
+    const CLI::App* level = &program;
+    bool isValue = false; // of the option before it
+    for (const std::string& word : arguments) {
+        if (std::exchange(isValue, false) || word.empty())
+            continue;
+        if (word.front() == '-') {
+            const CLI::Option* option = level->get_option_no_throw(word);
+            isValue = option != nullptr && option->get_items_expected_max() > 0;
+            continue;
+        }
+        const std::vector<std::string> names = namesOf(*level);
+        if (names.empty())
+            return; // it takes words of its own
+        if (std::find(names.begin(), names.end(), word) == names.end()) {
+            const std::string nearest = nearestWord(word, names);
+            throw ToolFailure(
+                ExitCode_USAGE, "there is no verb '" + word + "'", {},
+                (nearest.empty() ? "" : "did you mean '" + console.words() + " " + nearest + "'? ") + "'" +
+                    console.words() + " --help' lists them");
+        }
+        level = level->get_subcommand(word);
+        (level->get_parent() == &program ? console.verb : console.action) = word;
+    }
+}
+
+/// "help VERB" is "VERB --help".
+void turnHelp(std::vector<std::string>& arguments) {
+    if (arguments.empty() || arguments.front() != "help")
+        return;
+    arguments.erase(arguments.begin());
+    arguments.emplace_back("--help");
 }
 
 bool asksForJson(const std::vector<std::string>& arguments) {
@@ -113,9 +160,14 @@ int runTool(std::vector<std::string> arguments, Console& console) {
     refuseEmptyWords(program);
     program.footer(footer); // after the verbs: they would take it over
     console.json = asksForJson(arguments);
+    turnHelp(arguments);
     try {
+        checkVerbs(program, arguments, console);
         std::reverse(arguments.begin(), arguments.end()); // the parser takes them from the back
         program.parse(std::move(arguments));
+    } catch (const ToolFailure& failure) {
+        tellFailure(console, failure);
+        return failure.code;
     } catch (const CLI::ParseError& reason) {
         noteVerb(program, console);
         return endOfParse(program, reason, console);

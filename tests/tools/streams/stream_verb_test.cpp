@@ -65,8 +65,8 @@ TEST_F(StreamVerb, WritesWhatItSawAndHeardAndTellsIt) {
         EXPECT_EQ(json.at("streams").at(1).at("audio").at("samples"), 24000);
 
         const Picture picture = decode(Utils::readFile(path("d.png")));
-        EXPECT_EQ(picture.width, 320);
-        EXPECT_EQ(picture.height, 240);
+        EXPECT_GT(picture.width, 320) << "the scale stands beside it";
+        EXPECT_GT(picture.height, 240);
         EXPECT_GT(picture.black, 0U);
         EXPECT_GT(picture.colored, 60'000U);
         EXPECT_EQ(Utils::readFile(path("d.raw")).size() % (30 * Cameras::frameBytes / 2), 0U);

@@ -1,10 +1,13 @@
 #include <memory>
+#include <sstream>
 
 #include <CLI/CLI.hpp>
 
+#include <zentara/depth_base_configuration.h>
 #include <zentara/utils/format.h>
 
 #include "tools/zentara/cameras/calibration_json.h"
+#include "tools/zentara/cameras/calibration_origin.h"
 #include "tools/zentara/cameras/camera_session.h"
 #include "tools/zentara/cameras/stored_document.h"
 #include "tools/zentara/paths.h"
@@ -32,12 +35,33 @@ CalibrationInternal readCamera(CameraSession& session) {
 }
 
 /// A calibration file: whose calibration it is, and the calibration.
-void writeFile(const std::string& path, const CameraSession& session, const CalibrationInternal& calibration,
-               IfThere ifThere) {
+Json documentOf(const CameraSession& session, const CalibrationInternal& calibration) {
     Json json = beginJson(calibrationVerb);
     json["camera"] = cameraJson(session.camera());
     json["calibration"] = toJson(calibration);
-    writeJsonFile(path, json, ifThere);
+    return json;
+}
+
+/// What the node applies comes from the camera's flash, and need not be what its parameter back-end holds.
+Json appliedJson(CameraSession& session) {
+    Json json;
+    attempt("ask for the calibration that is applied", [&] {
+        const auto modes = session.depth().getConfigurations();
+        if (modes.empty())
+            return;
+        const CalibrationInternal applied = modes.front()->getCalibration();
+        json = {{"phaseDelay", applied.getPhaseDelay()}, {"phaseDelay2", applied.getPhaseDelay2()}};
+    });
+    return json;
+}
+
+void tellApplied(const Json& applied, const CalibrationInternal& held, Console& console) {
+    if (!applied.is_null() &&
+        (applied["phaseDelay"] != held.getPhaseDelay() || applied["phaseDelay2"] != held.getPhaseDelay2()))
+        console.err << console.words()
+                    << ": this is the calibration of the parameter back-end; the depth node "
+                    << "applies the phase delays " << applied["phaseDelay"] << " and "
+                    << applied["phaseDelay2"] << " of the camera's flash, which 'zentara rom export' shows\n";
 }
 
 /// A calibration from a file, and the serial number of the camera that it is of; empty when it says none.
@@ -53,18 +77,27 @@ StoredCalibration readFile(const std::string& path) {
     StoredCalibration stored;
     stored.calibration = asMarshalled(calibrationFromJson(fields.object("calibration")));
     stored.serialNumber = serialNumberIn(json);
-    fields.refuseOthers({"verb", "camera"});
+    fields.refuseOthers({"verb", "action", "camera", "applied", "source"});
     return stored;
 }
 
 ExitCode runExport(const CalibrationOptions& options, Console& console) {
     return withCamera(options, console, [&](CameraSession& session) {
         const CalibrationInternal calibration = readCamera(session);
+        const Json document = documentOf(session, calibration);
+        const Json applied = appliedJson(session);
+        tellApplied(applied, calibration, console);
+        std::ostringstream text;
+        if (options.file.empty())
+            print(text, document);
+        else
+            text << "written: " << options.file << '\n';
         if (!options.file.empty())
-            writeFile(options.file, session, calibration, forced(options.force));
-        session.finish({{"calibration", toJson(calibration)}}, options.file.empty()
-                                                                   ? toJson(calibration).dump(2) + '\n'
-                                                                   : "written: " + options.file + '\n');
+            writeJsonFile(options.file, document, forced(options.force));
+        session.finish({{"calibration", toJson(calibration)},
+                        {"applied", applied},
+                        {"source", originJson(session.depth())}},
+                       text.str());
         return ExitCode_DONE;
     });
 }
@@ -84,7 +117,7 @@ void replaceCalibration(CameraSession& session, const CalibrationInternal& befor
     if (isThere(backup))
         throw ToolFailure(ExitCode_USAGE,
                           "'" + backup + "' is there already; name another file with --backup");
-    writeFile(backup, session, before, IfThere::Keep);
+    writeJsonFile(backup, documentOf(session, before), IfThere::Keep);
     CalibrationInternal sent = wanted;
     attempt("write the camera's calibration ('" + backup + "' has the one before)",
             [&] { session.parameters().writeCalibration(&sent); });
@@ -100,10 +133,12 @@ ExitCode importInto(CameraSession& session, const StoredCalibration& stored,
     const CalibrationInternal& wanted = stored.calibration;
     const CalibrationInternal before = readCamera(session);
     noteOtherCamera(stored.serialNumber, session, calibrationVerb, console);
-    Json result{{"before", toJson(before)}, {"calibration", toJson(wanted)}, {"written", false}};
+    const Json changes = differencesBetween(toJson(before), toJson(wanted));
+    Json result{{"diff", changes}, {"calibration", toJson(wanted)}, {"written", false}, {"lasts", Json()}};
     if (options.dryRun || before == wanted) {
-        session.finish(result, before == wanted ? "the camera has this calibration already\n"
-                                                : "the camera's calibration would change\n");
+        session.finish(result, before == wanted
+                                   ? "the camera has this calibration already\n"
+                                   : "the camera's calibration would change:\n" + differencesText(changes));
         return ExitCode_DONE;
     }
     if (!options.yes)
@@ -111,9 +146,19 @@ ExitCode importInto(CameraSession& session, const StoredCalibration& stored,
                           "this replaces the camera's calibration; say --yes, or --dry-run to see");
     const std::string backup = options.backup.empty() ? freeBackupName() : options.backup;
     replaceCalibration(session, before, wanted, backup);
+    session.reconnect(); // what another program would find
+    const bool lasts = readCamera(session) == wanted;
     result["written"] = true;
+    result["lasts"] = lasts;
     result["backup"] = backup;
-    session.finish(result, "the camera's calibration was replaced; " + backup + " has the one before\n");
+    if (!lasts)
+        console.err
+            << console.words()
+            << ": the camera keeps this calibration only while this program runs; it is not written to "
+               "its flash, which 'zentara rom set' changes\n";
+    session.finish(result, differencesText(changes) +
+                               "the camera's calibration was replaced and read back; " + backup +
+                               " has the one before\n");
     return ExitCode_DONE;
 }
 
@@ -160,12 +205,12 @@ Verb addCalibrationVerb(CLI::App& program) {
 
     CLI::App* toFile =
         command->add_subcommand("export", "Reads the camera's calibration, into a file if named");
-    toFile->add_option("FILE", options->file, "The calibration file");
+    toFile->add_option("FILE", options->file, "The calibration file; standard output unless named");
     toFile->add_flag("--force", options->force, "Replace a file that is there already");
     addCameraOptions(*toFile, *options);
 
     CLI::App* toCamera = command->add_subcommand("import", "Writes a file's calibration into the camera");
-    toCamera->add_option("FILE", options->file, "The calibration file")->required();
+    toCamera->add_option("FILE", options->file, "The calibration file; - for standard input")->required();
     addCameraOptions(*toCamera, *options);
     toCamera->add_option("--backup", options->backup, "Where the camera's present calibration is saved first")
         ->type_name("FILE")
@@ -174,7 +219,7 @@ Verb addCalibrationVerb(CLI::App& program) {
     toCamera->add_flag("--yes", options->yes, "Replace the camera's calibration");
 
     CLI::App* diff = command->add_subcommand("diff", "Compares a file with another one or with the camera");
-    diff->add_option("FILE", options->file, "The calibration file")->required();
+    diff->add_option("FILE", options->file, "The calibration file; - for standard input")->required();
     CLI::Option* other = diff->add_option("OTHER", options->other, "Another file; the camera unless given");
     addCameraOptions(*diff, *options);
     diff->get_option("--camera")->excludes(other);

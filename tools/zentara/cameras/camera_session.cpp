@@ -76,6 +76,12 @@ IO::ParameterInterpreter& CameraSession::parameters() {
     return *interpreter;
 }
 
+void CameraSession::reconnect() {
+    if (interpreter)
+        attempt("let go of the parameters", [&] { interpreter->dispose(); });
+    interpreter.reset();
+}
+
 void CameraSession::finish(const Json& result, const std::string& text) const {
     if (!options.json) {
         console.out << text;

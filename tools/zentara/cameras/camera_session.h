@@ -44,6 +44,8 @@ public:
     /// The camera's parameters; connects to their back-end at the first call.
     /// \throws ToolFailure, also when the description names no back-end
     [[nodiscard]] IO::ParameterInterpreter& parameters();
+    /// Lets go of the back-end: the next call of parameters() connects anew, as another program would.
+    void reconnect();
 
     /// Ends the verb: prints the result as JSON, with the camera added, or the text.
     void finish(const Json& result, const std::string& text) const;

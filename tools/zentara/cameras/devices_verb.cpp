@@ -1,4 +1,3 @@
-#include <iomanip>
 #include <memory>
 
 #include <CLI/CLI.hpp>
@@ -10,6 +9,7 @@
 #include "tools/zentara/interrupt.h"
 #include "tools/zentara/json_output.h"
 #include "tools/zentara/streams/stream_description.h"
+#include "tools/zentara/text_columns.h"
 #include "tools/zentara/verb.h"
 
 namespace Zentara::Tool {
@@ -40,17 +40,19 @@ Json toJson(const CameraEntry& camera) {
 }
 
 void printCameras(std::ostream& out, const std::vector<CameraEntry>& cameras) {
-    out << std::left << std::setw(16) << "SERIAL" << std::setw(32) << "PRODUCT" << std::setw(12)
-        << "CONTROLLER" << std::setw(20) << "NODES"
-        << "PATH\n";
+    const auto row = [&out](const std::string& serial, const std::string& product,
+                            const std::string& controller, const std::string& nodes,
+                            const std::string& path) {
+        out << padded(serial, 16) << padded(product, 32) << padded(controller, 12) << padded(nodes, 20)
+            << path << '\n';
+    };
+    row("SERIAL", "PRODUCT", "CONTROLLER", "NODES", "PATH");
     for (const CameraEntry& camera : cameras) {
         std::string kinds;
         for (const NodeEvent& node : camera.nodes)
             kinds += std::string(kinds.empty() ? "" : " ") + nodeTypeName(node.nodeType);
-        out << std::left << std::setw(16) << printable(camera.serialNumber()) << std::setw(32)
-            << printable(camera.product) << std::setw(12)
-            << (camera.controller.empty() ? "-" : camera.controller) << std::setw(20) << kinds
-            << printable(camera.path) << '\n';
+        row(printable(camera.serialNumber()), printable(camera.product),
+            camera.controller.empty() ? "-" : camera.controller, kinds, printable(camera.path));
     }
 }
 
@@ -80,11 +82,11 @@ void printEvent(Console& console, const ExternalEvent& event, CameraBus& bus) {
         return;
     }
     std::ostream& out = console.out;
-    out << std::left << std::setw(9) << eventName(event.type);
+    out << padded(eventName(event.type), 9);
     if (isError)
         out << printable(node.name) << std::endl;
     else
-        out << std::setw(7) << nodeTypeName(node.nodeType) << cameraLabel(node) << ' ' << printable(node.path)
+        out << padded(nodeTypeName(node.nodeType), 7) << cameraLabel(node) << ' ' << printable(node.path)
             << std::endl;
 }
 

@@ -1,14 +1,16 @@
-#include <iomanip>
 #include <memory>
-#include <sstream>
 
 #include <CLI/CLI.hpp>
 
 #include <zentara/core/descriptor_store_ro.h>
 #include <zentara/core/guids.h>
 
+#include "tools/zentara/arguments.h"
 #include "tools/zentara/cameras/calibration_json.h"
+#include "tools/zentara/cameras/calibration_origin.h"
 #include "tools/zentara/cameras/camera_session.h"
+#include "tools/zentara/cameras/info_page.h"
+#include "tools/zentara/cameras/node_names.h"
 #include "tools/zentara/cameras/parameter_text.h"
 #include "tools/zentara/guid_text.h"
 #include "tools/zentara/streams/stream_description.h"
@@ -60,6 +62,37 @@ Json toJson(const SensorValueArray& values) {
     Json json = Json::array();
     for (const SensorValue& value : values.values)
         json.push_back({{"sensor", value.sensorId}, {"celsius", floatJson(value.value)}});
+    return json;
+}
+
+Json toJson(const std::vector<CameraIntrinsics>& lenses) {
+    Json json = Json::array();
+    for (const CameraIntrinsics& lens : lenses)
+        json.push_back({{"width", lens.width},
+                        {"height", lens.height},
+                        {"fx", floatJson(lens.fx)},
+                        {"fy", floatJson(lens.fy)},
+                        {"cx", floatJson(lens.cx)},
+                        {"cy", floatJson(lens.cy)},
+                        {"k1", floatJson(lens.k1)},
+                        {"k2", floatJson(lens.k2)},
+                        {"k3", floatJson(lens.k3)},
+                        {"p1", floatJson(lens.p1)},
+                        {"p2", floatJson(lens.p2)}});
+    return json;
+}
+
+/// Row by row, and millimetres.
+Json toJson(const std::vector<ExtrinsicParametersInternal>& list) {
+    Json json = Json::array();
+    for (const ExtrinsicParametersInternal& one : list) {
+        Json rotation = Json::array();
+        for (const float value :
+             {one.r11, one.r12, one.r13, one.r21, one.r22, one.r23, one.r31, one.r32, one.r33})
+            rotation.push_back(floatJson(value));
+        json.push_back({{"rotation", rotation},
+                        {"translation", {floatJson(one.t1), floatJson(one.t2), floatJson(one.t3)}}});
+    }
     return json;
 }
 
@@ -142,11 +175,24 @@ Json askCamera(CameraSession& session, ExitCode& worst) {
         depth.getVersions(major, minor);
         return Json{{"major", major}, {"minor", minor}};
     });
+    json["source"] = originJson(depth);
+    section(json, "lens", worst, [&] {
+        const StereoCameraParametersArray lenses = depth.getImageRegistrationCalibration();
+        return Json{{"depth", toJson(lenses.depthIntrinsics.values)},
+                    {"color", toJson(lenses.colorIntrinsics.values)}};
+    });
+    section(json, "extrinsics", worst,
+            [&] { return toJson(depth.getImageRegistrationCalibration().extrinsics.values); });
     section(json, "storedSerialNumber", worst, [&] { return Json(depth.getSerialNumber()); });
     section(json, "calibration", worst, [&] { return calibrationOf(session); });
     section(json, "corrections", worst, [&] { return correctionsOf(depth); });
     section(json, "rangeMeters", worst, [&] { return floatJson(depth.getRange()); });
-    section(json, "temperatures", worst, [&] { return toJson(depth.readTemperatures()); });
+    section(json, "temperatures", worst, [&] {
+        Json readings = toJson(depth.readTemperatures());
+        for (Json& reading : readings)
+            reading["name"] = orNull(sensorName(session.store(), reading["sensor"].get<std::int32_t>()));
+        return readings;
+    });
     section(json, "accelerometerCalibration", worst,
             [&] { return toJson(depth.getAccelerometerCalibration()); });
     section(json, "overheatings", worst, [&] {
@@ -154,17 +200,6 @@ Json askCamera(CameraSession& session, ExitCode& worst) {
         return Json{{"soft", counters.softOverheatingCounter}, {"hard", counters.hardOverheatingCounter}};
     });
     return json;
-}
-
-/// One line for each leaf: "firmware.major  2".
-void printLeaves(std::ostream& out, const Json& json, const std::string& name) {
-    if (json.is_structured() && !json.empty() && !(json.is_array() && !json.front().is_structured())) {
-        for (const auto& [key, value] : json.items())
-            printLeaves(out, value, name.empty() ? key : name + "." + key);
-        return;
-    }
-    out << std::left << std::setw(55) << name << ' '
-        << (json.is_string() ? printable(json.get<std::string>()) : json.dump()) << '\n';
 }
 
 ExitCode runInfo(const CameraOptions& options, Console& console) {
@@ -177,10 +212,9 @@ ExitCode runInfo(const CameraOptions& options, Console& console) {
         ExitCode worst = ExitCode_DONE;
         if (session.hasDepth())
             json.update(askCamera(session, worst));
-        std::ostringstream text;
-        printLeaves(text, cameraJson(session.camera()), "camera");
-        printLeaves(text, json, "");
-        session.finish(json, text.str());
+        Json page = json;
+        page["camera"] = cameraJson(session.camera());
+        session.finish(json, options.json ? std::string() : infoPage(page));
         return worst;
     });
 }
@@ -198,6 +232,10 @@ Verb addInfoVerb(CLI::App& program) {
         "A camera without a depth node tells what its description says. Names of modes are for\n"
         "'zentara stream --mode'. What the camera does not answer stands in its place as failure.");
     addCameraOptions(*command, *options);
+    command->add_option("NAME", options->camera, "The same as --camera NAME")
+        ->type_name("")
+        ->check(anyName("camera"))
+        ->excludes(command->get_option("--camera"));
     return {command, [options](Console& console) { return runInfo(*options, console); }};
 }
 

@@ -4,11 +4,11 @@
 #include <array>
 #include <cmath>
 #include <limits>
-#include <sstream>
 
 #include <zentara/utils/format.h>
 
 #include "tools/zentara/exit_code.h"
+#include "tools/zentara/float_text.h"
 #include "tools/zentara/json_fields.h"
 
 namespace Zentara::Tool {
@@ -40,14 +40,6 @@ Json regionJson(const RegionOfInterestInternal& region) {
     for (std::size_t index = 0; index < words.size(); ++index)
         json[regionFields[index]] = words[index];
     return json;
-}
-
-/// Shortest text that reads back as the same float.
-std::string floatText(float value) {
-    std::ostringstream text;
-    text.precision(std::numeric_limits<float>::digits10);
-    text << value;
-    return text.str();
 }
 
 template<typename T>
@@ -88,16 +80,18 @@ std::string rangeText(const Json& json) {
 /// By what is told of the range: the least and the greatest value, or the values.
 bool liesWithin(const Json& told, double value) {
     const auto tolerance = [](double bound) { return 1e-6 * std::max(1.0, std::abs(bound)); };
+    const auto isOpen = [&told](const char* bound) {
+        return !told.contains(bound) || !told[bound].is_number();
+    };
     if (told.contains("values")) {
         const Json& values = told["values"];
         return std::any_of(values.begin(), values.end(), [&](const Json& one) {
-            return std::abs(one.get<double>() - value) <= tolerance(one.get<double>());
+            return one.is_number() && std::abs(one.get<double>() - value) <= tolerance(one.get<double>());
         });
     }
-    if (!told.contains("minimum"))
-        return true;
-    const double least = told["minimum"].get<double>();
-    const double most = told["maximum"].get<double>();
+    // A bound that is no number, such as nan, is none: it is for the camera to refuse values then.
+    const double least = isOpen("minimum") ? value : told["minimum"].get<double>();
+    const double most = isOpen("maximum") ? value : told["maximum"].get<double>();
     return value >= least - tolerance(least) && value <= most + tolerance(most);
 }
 
@@ -107,10 +101,6 @@ const Request* as(const ParameterValue& value) {
 }
 
 } // namespace
-
-Json floatJson(float value) {
-    return std::isfinite(value) ? Json::parse(floatText(value)) : Json(floatText(value));
-}
 
 bool accepts(const ParameterRangeBaseInternal& range, const ParameterValue& value) {
     const Json told = toJson(&range);

@@ -8,6 +8,7 @@
 #include <zentara/parameter_type.h>
 #include <zentara/unit_type.h>
 
+#include "tools/zentara/float_text.h"
 #include "tools/zentara/json_output.h"
 
 namespace Zentara::Tool {
@@ -37,9 +38,6 @@ using ParameterValue = Utils::SmartPtr<IO::xuRequest>;
 
 /// Whether a value is inside. Floats may miss a bound by what the conversion to text costs.
 [[nodiscard]] bool accepts(const ParameterRangeBaseInternal& range, const ParameterValue& value);
-
-/// A float as the decimal number that a person would write.
-[[nodiscard]] Json floatJson(float value);
 
 [[nodiscard]] const char* kindName(ParameterType parameter) noexcept;
 [[nodiscard]] const char* unitName(UnitType unit) noexcept;

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <charconv>
-#include <iomanip>
 #include <map>
 #include <memory>
 #include <sstream>
@@ -11,8 +10,10 @@
 #include <zentara/utils/format.h>
 
 #include "tools/zentara/cameras/camera_session.h"
+#include "tools/zentara/cameras/node_names.h"
 #include "tools/zentara/cameras/parameter_text.h"
 #include "tools/zentara/cameras/stored_document.h"
+#include "tools/zentara/text_columns.h"
 
 namespace Zentara::Tool {
 namespace {
@@ -32,6 +33,7 @@ struct ParamsOptions : CameraOptions {
 /// What there is to say of one parameter.
 struct Row {
     ParameterType parameter{};
+    std::string name; ///< what the description calls it; may be empty
     UnitType unit = UnitType_NONE;
     AccessMode access = AccessMode_NONE;
     ParameterValue value; ///< null when it cannot be read
@@ -57,6 +59,19 @@ std::vector<ParameterType> parametersOf(CameraSession& session) {
     for (int number = 0; emptyValue(static_cast<ParameterType>(number)); ++number)
         parameters.push_back(static_cast<ParameterType>(number));
     return parameters;
+}
+
+/// What the description does not list is none of the camera's, whatever its back-end may answer.
+void checkListed(CameraSession& session, ParameterType parameter, const std::string& place = {}) {
+    const std::vector<ParameterType> listed = parametersOf(session);
+    if (std::find(listed.begin(), listed.end(), parameter) != listed.end())
+        return;
+    std::string numbers;
+    for (const ParameterType other : listed)
+        numbers += (numbers.empty() ? "" : ", ") + std::to_string(static_cast<int>(other));
+    throw ToolFailure(ExitCode_FAILED,
+                      Format("%the camera has no such parameter: %") % place % static_cast<int>(parameter),
+                      "its description lists " + numbers);
 }
 
 ParameterValue readValue(CameraSession& session, ParameterType parameter) {
@@ -126,6 +141,7 @@ Utils::SmartPtr<ParameterRangeBaseInternal> askRange(CameraSession& session, Par
 Row describe(CameraSession& session, ParameterType parameter) {
     Row row;
     row.parameter = parameter;
+    row.name = parameterName(session.store(), parameter);
     row.supported = askAccess(session, parameter, row.access);
     if (!row.supported)
         return row;
@@ -140,6 +156,7 @@ Row describe(CameraSession& session, ParameterType parameter) {
 /// Refuses what the camera is known to refuse, before anything is set. \param place where the value comes from
 void checkSettable(CameraSession& session, ParameterType parameter, const ParameterValue& value,
                    const std::string& place) {
+    checkListed(session, parameter, place);
     AccessMode access{};
     std::string reason;
     if (!askAccess(session, parameter, access))
@@ -155,6 +172,7 @@ void checkSettable(CameraSession& session, ParameterType parameter, const Parame
 
 Json toJson(const Row& row) {
     return {{"parameter", static_cast<int>(row.parameter)},
+            {"name", orNull(row.name)},
             {"supported", row.supported},
             {"kind", kindName(row.parameter)},
             {"unit", unitName(row.unit)},
@@ -163,30 +181,46 @@ Json toJson(const Row& row) {
             {"range", toJson(row.range.get())}};
 }
 
+std::string columns(const std::string& number, const std::string& name, const std::string& kind,
+                    const std::string& access, const std::string& value, const std::string& unit) {
+    return padded(number, 4) + padded(name, 24) + padded(kind, 8) + padded(access, 12) + padded(value, 16) +
+           padded(unit, 10);
+}
+
 void print(std::ostream& out, const Row& row) {
-    if (!row.supported) {
-        out << std::left << std::setw(4) << static_cast<int>(row.parameter) << std::setw(8)
-            << kindName(row.parameter) << "not supported by this camera\n";
-        return;
-    }
-    out << std::left << std::setw(4) << static_cast<int>(row.parameter) << std::setw(8)
-        << kindName(row.parameter) << std::setw(12) << accessName(row.access) << std::setw(16)
-        << (row.value ? toText(row.value) : "-") << std::setw(10) << unitName(row.unit)
-        << toText(row.range.get()) << '\n';
+    const std::string number = std::to_string(static_cast<int>(row.parameter));
+    const std::string name = row.name.empty() ? "-" : printable(row.name);
+    if (!row.supported)
+        out << padded(number, 4) << padded(name, 24) << padded(kindName(row.parameter), 8)
+            << "not supported by this camera\n";
+    else
+        out << columns(number, name, kindName(row.parameter), accessName(row.access),
+                       row.value ? toText(row.value) : "-", unitName(row.unit))
+            << toText(row.range.get()) << '\n';
 }
 
 void finishRows(CameraSession& session, const std::vector<ParameterType>& parameters) {
     Json list = Json::array();
     std::ostringstream text;
-    text << std::left << std::setw(4) << "NO" << std::setw(8) << "KIND" << std::setw(12) << "ACCESS"
-         << std::setw(16) << "VALUE" << std::setw(10) << "UNIT"
-         << "RANGE\n";
+    text << columns("NO", "NAME", "KIND", "ACCESS", "VALUE", "UNIT") << "RANGE\n";
     for (const ParameterType parameter : parameters) {
         const Row row = describe(session, parameter);
         list.push_back(toJson(row));
         print(text, row);
     }
     session.finish({{"parameters", list}}, text.str());
+}
+
+/// A camera may round to its steps; nobody is to take what was asked for what is.
+void tellRounded(CameraSession& session, ParameterType parameter, const ParameterValue& asked,
+                 Console& console) {
+    AccessMode access{};
+    if (!askAccess(session, parameter, access) || (access & AccessMode_READ) == 0)
+        return;
+    const ParameterValue taken = readValue(session, parameter);
+    if (toJson(taken) != toJson(asked))
+        console.err << console.words() << ": parameter " << static_cast<int>(parameter)
+                    << ": the camera took " << toText(taken) << " for " << toText(asked) << '\n';
 }
 
 ExitCode runList(const ParamsOptions& options, Console& console) {
@@ -201,6 +235,8 @@ ExitCode runParamsGet(const ParamsOptions& options, Console& console) {
     for (const std::string& word : options.words)
         parameters.push_back(parameterNamed(word));
     return withCamera(options, console, [&](CameraSession& session) {
+        for (const ParameterType parameter : parameters)
+            checkListed(session, parameter);
         finishRows(session, parameters);
         return ExitCode_DONE;
     });
@@ -250,6 +286,8 @@ ExitCode runParamsSet(ParamsOptions options, Console& console) {
         for (std::size_t index = 0; index < settings.values.size(); ++index)
             checkSettable(session, settings.parameters[index], settings.values[index], "");
         writeAll(session, settings);
+        for (std::size_t index = 0; index < settings.values.size(); ++index)
+            tellRounded(session, settings.parameters[index], settings.values[index], console);
         finishRows(session, settings.parameters);
         return ExitCode_DONE;
     });
@@ -359,6 +397,8 @@ ExitCode loadInto(CameraSession& session, const StoredValues& stored, const Para
         } catch (const ToolFailure& failure) {
             throw ToolFailure(failure.code, std::string(failure.what()) + "; " + takenText(session, before));
         }
+        for (const auto& [number, value] : ordered(stored.values))
+            tellRounded(session, static_cast<ParameterType>(number), value, console);
     }
     const Json changes =
         changesBetween(before, options.dryRun ? toJson(stored.values) : toJson(readState(session)));

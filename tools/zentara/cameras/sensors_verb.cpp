@@ -1,4 +1,4 @@
-#include <iomanip>
+#include <array>
 #include <map>
 #include <memory>
 #include <optional>
@@ -12,6 +12,7 @@
 
 #include "tools/zentara/arguments.h"
 #include "tools/zentara/cameras/camera_session.h"
+#include "tools/zentara/cameras/node_names.h"
 #include "tools/zentara/cameras/parameter_text.h"
 #include "tools/zentara/interrupt.h"
 #include "tools/zentara/pending_file.h"
@@ -23,7 +24,6 @@ namespace {
 
 using Utils::Format;
 
-constexpr const char* sensorsVerb = "sensors";
 constexpr unsigned long sliceMilliseconds = 50;
 
 struct SensorsOptions : CameraOptions {
@@ -49,9 +49,14 @@ class SensorWatch {
 public:
     SensorWatch(const SensorsOptions& wanted, CameraSession& camera, Console& target)
         : options(wanted), session(camera), console(target) {
+        auto place = describedAccelerometer(session.store());
         if (options.accelerometer >= 0)
-            accelerometer = Utils::makeRefcounted<Core::AccelerometerPeriodicOperation>(
-                static_cast<std::uint32_t>(options.accelerometer), std::int64_t{0}, true);
+            place = {static_cast<std::uint32_t>(options.accelerometer), ""};
+        if (!place)
+            return;
+        accelerometerName = place->name;
+        accelerometer = Utils::makeRefcounted<Core::AccelerometerPeriodicOperation>(place->registerAddress,
+                                                                                    std::int64_t{0}, true);
     }
 
     Reading read() {
@@ -82,20 +87,28 @@ public:
     void writePlot(PendingFile& file) const {
         if (history.empty())
             return;
-        std::vector<PlotLine> lines;
+        const std::string& camera = session.camera().serialNumber();
+        std::vector<PlotPanel> panels{{"Temperatures of " + camera + ", degC", {}}};
         for (const auto& [sensor, points] : history)
-            lines.push_back({Format("sensor %") % sensor, points});
-        file.write(
-            plotPng("Temperatures of " + session.camera().serialNumber() + ", degC", "seconds", lines));
+            panels.front().lines.push_back({labelOf(sensor), points});
+        if (accelerometer)
+            panels.push_back({"Acceleration of " + camera + ", g",
+                              {{"x", accelerations[0]}, {"y", accelerations[1]}, {"z", accelerations[2]}}});
+        file.write(plotPng("seconds", panels));
         file.commit();
     }
 
     [[nodiscard]] Json toJson(const Reading& reading) const {
         Json json{{"seconds", reading.seconds}, {"temperatures", Json::array()}};
         for (const SensorValue& value : reading.temperatures.values)
-            json["temperatures"].push_back({{"sensor", value.sensorId}, {"celsius", floatJson(value.value)}});
+            json["temperatures"].push_back({{"sensor", value.sensorId},
+                                            {"name", orNull(sensorName(session.store(), value.sensorId))},
+                                            {"celsius", floatJson(value.value)}});
+        json["acceleration"] = Json();
         if (accelerometer)
-            json["acceleration"] = {{"x", floatJson(reading.acceleration.x)},
+            json["acceleration"] = {{"name", orNull(accelerometerName)},
+                                    {"register", accelerometer->getRegAddress()},
+                                    {"x", floatJson(reading.acceleration.x)},
                                     {"y", floatJson(reading.acceleration.y)},
                                     {"z", floatJson(reading.acceleration.z)}};
         return json;
@@ -104,18 +117,31 @@ public:
     [[nodiscard]] std::string toText(const Reading& reading) const {
         std::string text = fixed(reading.seconds, 1) + " s";
         for (const SensorValue& value : reading.temperatures.values)
-            text += Format("  sensor % % degC") % value.sensorId % fixed(value.value, 2);
+            text += Format("  % % degC") % labelOf(value.sensorId) % floatText(value.value);
         if (accelerometer)
-            text += Format("  acceleration % % % g") % fixed(reading.acceleration.x, 3) %
-                    fixed(reading.acceleration.y, 3) % fixed(reading.acceleration.z, 3);
+            text += "  acceleration " +
+                    (accelerometerName.empty() ? "" : printable(accelerometerName) + " ") +
+                    floatText(reading.acceleration.x) + " " + floatText(reading.acceleration.y) + " " +
+                    floatText(reading.acceleration.z) + " g";
         return text;
     }
 
 private:
+    /// "sensor 1 (illumination)"
+    [[nodiscard]] std::string labelOf(std::int32_t sensor) const {
+        const std::string name = printable(sensorName(session.store(), sensor));
+        return "sensor " + std::to_string(sensor) + (name.empty() ? "" : " (" + name + ")");
+    }
+
     void note(const Reading& reading) {
         for (const SensorValue& value : reading.temperatures.values) {
             if (!options.png.empty())
                 history[value.sensorId].emplace_back(reading.seconds, value.value);
+        }
+        if (accelerometer && !options.png.empty()) {
+            accelerations[0].emplace_back(reading.seconds, reading.acceleration.x);
+            accelerations[1].emplace_back(reading.seconds, reading.acceleration.y);
+            accelerations[2].emplace_back(reading.seconds, reading.acceleration.z);
         }
         if (options.json) {
             Json json = beginJson(console);
@@ -132,7 +158,9 @@ private:
     Console& console;
     const std::int64_t start = Utils::Clock::nowMicros();
     Utils::SmartPtr<Core::AccelerometerPeriodicOperation> accelerometer;
+    std::string accelerometerName;
     std::map<std::int32_t, std::vector<std::pair<double, double>>> history;
+    std::array<std::vector<std::pair<double, double>>, 3> accelerations; ///< x, y, z
 };
 
 /// Whatever ends it, the plot shows what came before.
@@ -174,12 +202,13 @@ ExitCode runSensors(const SensorsOptions& options, Console& console) {
 Verb addSensorsVerb(CLI::App& program) {
     auto options = std::make_shared<SensorsOptions>();
     CLI::App* command =
-        program.add_subcommand(sensorsVerb, "Reads a depth camera's temperatures and accelerometer")
+        program.add_subcommand("sensors", "Reads a depth camera's temperatures and accelerometer")
             ->group("Verbs");
     command->footer(
         "With --watch each reading is a line, or with --json an object on a line of its own; the plot is\n"
-        "written when the watching ends, be it by Ctrl-C or a failure. Descriptions of cameras do not say\n"
-        "where an accelerometer is, so its register has to be named: 0x71 for the simulated cameras.");
+        "written when the watching ends, be it by Ctrl-C or a failure. Sensors have the names of the "
+        "camera's\n"
+        "description, and the accelerometer is read where the description says that it is.");
     addCameraOptions(*command, *options);
     CLI::Option* watch = command->add_flag("--watch", options->watch, "Read again and again, until Ctrl-C");
     command->add_option("--seconds", options->seconds, "Watch so long")
@@ -193,11 +222,11 @@ Verb addSensorsVerb(CLI::App& program) {
         ->needs(watch);
     command
         ->add_option("--accelerometer", options->accelerometer,
-                     "Also read the accelerometer, whose values begin at this register of the camera's "
+                     "Read an accelerometer whose values begin at this register of the camera's "
                      "time-of-flight controller")
         ->type_name("REGISTER")
         ->check(CLI::Range(0, 0xFFFF).description(""));
-    command->add_option("--png", options->png, "Plot the temperatures over the time")
+    command->add_option("--png", options->png, "Plot the readings over the time")
         ->type_name("FILE")
         ->needs(watch);
     return {command, [options](Console& console) { return runSensors(*options, console); }};

@@ -5,8 +5,9 @@
 
 #include <zentara/utils/format.h>
 
+#include "tools/zentara/cameras/camera_bus.h"
+#include "tools/zentara/canvas.h"
 #include "tools/zentara/exit_code.h"
-#include "tools/zentara/png.h"
 
 namespace Zentara::Tool {
 namespace {
@@ -17,7 +18,7 @@ constexpr double pictureTrim = 0.005;
 
 DepthRecorder::DepthRecorder(const StreamDescription& stream, std::uint64_t count, const std::string& pngPath,
                              const std::string& rawPath)
-    : size(stream.frameSize()), counter(count, stream.rate()), depth() {
+    : camera(cameraLabel(stream.node)), size(stream.frameSize()), counter(count, stream.rate()), depth() {
     if (size.width == 0)
         throw ToolFailure(ExitCode_FAILED,
                           Utils::Format("the size of a frame in mode % is not known") % stream.modeName());
@@ -61,9 +62,15 @@ void DepthRecorder::discard() {
 
 void DepthRecorder::writePicture() {
     const DepthRange shown = depthRange(depth.data(), depth.size(), pictureTrim);
-    const std::string bytes = encodePng(colorize(depth.data(), depth.size(), shown),
-                                        static_cast<int>(size.width), static_cast<int>(size.height));
-    picture->write(bytes);
+    const ColorScale scale{static_cast<double>(shown.nearest), static_cast<double>(shown.farthest), "mm",
+                           [&shown](double value) {
+                               const double depthOf = std::clamp(value, 1.0, 65535.0);
+                               return depthColor(static_cast<std::uint16_t>(depthOf), shown);
+                           },
+                           "no depth"};
+    picture->write(scaledPicturePng("Depth, " + camera + ", frame " + std::to_string(counter.frames()),
+                                    colorize(depth.data(), depth.size(), shown), static_cast<int>(size.width),
+                                    static_cast<int>(size.height), scale));
     picture->commit();
 }
 

@@ -37,6 +37,7 @@ private:
     void measure() noexcept;
     void writePicture();
 
+    const std::string camera; ///< for the picture's title
     const FrameSize size;
     FrameCounter counter;
     std::unique_ptr<PendingFile> picture;

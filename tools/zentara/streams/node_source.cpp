@@ -1,6 +1,7 @@
 #include "tools/zentara/streams/node_source.h"
 
 #include <exception>
+#include <type_traits>
 #include <utility>
 
 #include <zentara/core/audio_node_interface.h>
@@ -10,6 +11,7 @@
 #include <zentara/plugin/call_plugin.h>
 #include <zentara/utils/format.h>
 
+#include "tools/zentara/cameras/calibration_origin.h"
 #include "tools/zentara/guid_text.h"
 
 namespace Zentara::Tool {
@@ -24,6 +26,8 @@ OpenNode<Node>::OpenNode(const NodeEvent& found, std::ostream& err) : descriptio
         node = makePlugin<Node>(guid);
         node->initialize(&description, &store(), nullptr);
     });
+    if constexpr (std::is_same_v<Node, Core::DepthNodeInterface>)
+        tellOrigin(*node, cameraLabel(description), err);
 }
 
 template<typename Node>

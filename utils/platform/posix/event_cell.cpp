@@ -1,9 +1,14 @@
 #include "utils/platform/posix/event_cell.h"
 
-#include "utils/platform/posix/futex.h"
-
+#include <algorithm>
 #include <bit>
+#include <cerrno>
 #include <climits>
+#include <cstdlib>
+
+#include <linux/futex.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 namespace Zentara::Utils::Platform {
 
@@ -25,7 +30,7 @@ void EventCell::post() noexcept {
     std::uint64_t seen = word.load(std::memory_order_relaxed);
     std::uint64_t next = 0;
     do {
-        const bool room = tokens(seen) <= waiters(seen);
+        const bool room = tokens(seen) < std::max<std::uint64_t>(1, waiters(seen));
         next = room ? seen + oneToken : seen;
         // Exchanged even when nothing changes: whoever takes the token must see what was written before this
         // post.
@@ -81,9 +86,20 @@ bool EventCell::leave() noexcept {
 }
 
 /// True when it is worth looking again, false once the deadline has passed.
-bool EventCell::sleep(const Deadline& deadline) noexcept { return futexWait(&word, 0, deadline); }
+bool EventCell::sleep(const Deadline& deadline) noexcept {
+    const long result = syscall(SYS_futex, &word, FUTEX_WAIT_BITSET | FUTEX_PRIVATE_FLAG, 0, deadline.get(),
+                                nullptr, FUTEX_BITSET_MATCH_ANY);
+    if (result == 0 || errno == EAGAIN || errno == EINTR)
+        return true;
+    if (errno != ETIMEDOUT)
+        std::abort();
+    return false;
+}
 
-// The cell may be gone by now.
-void EventCell::wake(int count) noexcept { futexWake(&word, count); }
+void EventCell::wake(int count) noexcept {
+    // The cell may be gone by now. The kernel then finds no sleeper, or wakes one that looks and sleeps
+    // again.
+    syscall(SYS_futex, &word, FUTEX_WAKE | FUTEX_PRIVATE_FLAG, count, nullptr, nullptr, 0);
+}
 
 } // namespace Zentara::Utils::Platform

@@ -1,0 +1,213 @@
+#include <map>
+#include <sstream>
+
+#include <zentara/utils/files.h>
+
+#include "support/simulated_faults.h"
+#include "tools/tool_fixture.h"
+#include "tools/zentara/float_text.h"
+
+namespace Zentara::Tool {
+namespace {
+
+using nlohmann::json;
+using testing::AllOf;
+using testing::HasSubstr;
+using TestSupport::SimulatedFaults;
+
+/// Holds what a verb prints against the block of that name in the document.
+class JsonOutput : public ToolTest {
+protected:
+    void SetUp() override {
+        std::istringstream document(Utils::readFile(ZENTARA_DOCUMENTS "/json.md"));
+        std::string name;
+        std::string text;
+        for (std::string line; std::getline(document, line);) {
+            if (line.rfind("```json ", 0) == 0) {
+                name = line.substr(8);
+            } else if (line == "```") {
+                shapes[name] = json::parse(text);
+                name = text = "";
+            } else if (!name.empty()) {
+                text += line;
+            }
+        }
+    }
+
+    /// What is wrong with a value, and where; empty if it is as the shape says.
+    std::string fault(const json& value, const json& shape, const std::string& path) {
+        if (shape.is_array()) {
+            if (!value.is_array())
+                return path + " is no list";
+            std::string found;
+            for (const json& element : value)
+                found += fault(element, shape.front(), path + "/-");
+            return found;
+        }
+        if (shape.is_object())
+            return objectFault(value, shape, path);
+        std::istringstream kinds(shape.get<std::string>());
+        std::string all;
+        for (std::string kind; std::getline(kinds, kind, '|');) {
+            if (kind == "any" || (kind == "number" && value.is_number()) ||
+                (kind == "text" && value.is_string()) || (kind == "bool" && value.is_boolean()) ||
+                (kind == "null" && value.is_null()))
+                return {};
+            if (shapes.count(kind) == 0)
+                continue;
+            const std::string inner = fault(value, shapes.at(kind), path);
+            if (inner.empty())
+                return {};
+            all += inner;
+        }
+        return all + "; " + path + " is not " + shape.dump() + ": " + value.dump();
+    }
+
+    std::map<std::string, json> shapes;
+
+private:
+    std::string objectFault(const json& value, const json& shape, const std::string& path) {
+        if (!value.is_object())
+            return path + " is no object";
+        std::string found;
+        for (const auto& [key, unused] : value.items())
+            if (!shape.contains(key) && !shape.contains(key + "?") && !shape.contains("*"))
+                found += "; " + path + "/" + key + " is not in the document";
+        for (const auto& [key, inner] : shape.items()) {
+            const bool mayMiss = key.back() == '?';
+            const std::string name = mayMiss ? key.substr(0, key.size() - 1) : key;
+            if (value.contains(name))
+                found += fault(value.at(name), inner, path + "/" + name);
+            else if (!mayMiss && key != "*")
+                found += "; " + path + "/" + name + " is missing";
+        }
+        return found;
+    }
+};
+
+TEST_F(JsonOutput, IsWhatTheDocumentSays) {
+    const std::string values = path("values.json");
+    const std::string calibration = path("calibration.json");
+    const std::vector<std::pair<const char*, std::vector<std::string>>> rows{
+        {"plugins", {"plugins", "--all"}},
+        {"devices", {"devices"}},
+        {"devices --watch", {"devices", "--watch", "--seconds", "0.1"}},
+        {"info", {"info", "VC0258"}},
+        {"params list", {"params", "list"}},
+        {"params list", {"params", "set", "0=50", "--camera", "SIM0570"}},
+        {"params save", {"params", "save", values}},
+        {"params load", {"params", "load", values, "--camera", "SIM0570"}},
+        {"sensors", {"sensors"}},
+        {"sensors", {"sensors", "--watch", "--seconds", "0.01"}},
+        {"calibration export", {"calibration", "export", calibration}},
+        {"calibration import", {"calibration", "import", calibration, "--camera", "SIM0570"}},
+        {"calibration diff", {"calibration", "diff", calibration}},
+        {"stream", {"stream", "--frames", "2", "--color", "--audio", "--png", path("d.png")}},
+        {"stream", {"stream", "--frames", "2", "--direct"}},
+        {"reg read", {"reg", "read", "tof", "5", "--trace"}},
+        {"i2c read", {"i2c", "read", "0x23", "0x21", "--camera", "VC0258"}},
+        {"xu get", {"xu", "len", "2", "--direct"}},
+        {"meta", {"meta", "1000", "1", "--camera", "SIM0570"}},
+        {"modfreq", {"modfreq", "20", "--camera", "SIM0570"}},
+        {"firmware dump", {"firmware", "dump", path("f"), "--length", "16"}},
+    };
+    for (auto [name, arguments] : rows) {
+        arguments.emplace_back("--json");
+        const ToolRun run = ToolTest::run(arguments);
+        EXPECT_EQ(run.exitCode, 0) << name << run.err;
+        const bool goesOn = arguments[1] == "--watch";
+        const std::string one = goesOn ? run.out.substr(0, run.out.find('\n')) : run.out;
+        EXPECT_EQ(fault(json::parse(one), shapes.at(name), ""), "") << testing::PrintToString(arguments);
+    }
+}
+
+TEST_F(JsonOutput, TellsAFailureToo) {
+    const SimulatedFaults slow("throw timeout at video.enableDepth");
+    const struct {
+        std::vector<std::string> arguments;
+        int code;
+        const char* verb;
+        const char* remedy;
+    } rows[]{
+        {{"dance"}, 2, "null", "'zentara --help' lists them"},
+        {{"steam", "--frames", "2"}, 2, "null", "did you mean 'zentara stream'?"},
+        {{"calibration", "improt", "x"}, 2, "\"calibration\"", "did you mean 'zentara calibration import'?"},
+        {{"help", "devcies"}, 2, "null", "did you mean 'zentara devices'?"},
+        {{"stream", "--frames", "0"}, 2, "\"stream\"", "'zentara stream --help' tells more"},
+        {{"info", "nobody"}, 3, "\"info\"", "'zentara devices' lists"},
+        {{"stream", "--frames", "2"}, 7, "\"stream\"", "try again"},
+        {{"params", "get", "99"}, 2, "\"params\"", ""},
+        {{"calibration", "diff", path("none")}, 1, "\"calibration\"", ""},
+    };
+    for (const auto& row : rows) {
+        auto arguments = row.arguments;
+        arguments.emplace_back("--json");
+        const ToolRun run = ToolTest::run(arguments);
+        EXPECT_EQ(run.exitCode, row.code) << run.err;
+        const json told = json::parse(run.out);
+        EXPECT_EQ(fault(told, shapes.at("error"), ""), "");
+        EXPECT_EQ(told.at("verb").dump(), row.verb);
+        EXPECT_EQ(told.at("error").at("code"), row.code);
+        EXPECT_THAT(told.at("error").at("remedy").dump(), HasSubstr(row.remedy));
+        EXPECT_THAT(run.err, HasSubstr(told.at("error").at("message").get<std::string>()));
+    }
+    EXPECT_EQ(ToolTest::run({"help", "rom", "get"}).out, ToolTest::run({"rom", "get", "--help"}).out);
+}
+
+TEST_F(JsonOutput, KeepsEveryDigit) {
+    for (const float value : {0.1F, 1.0F / 3, 36.0625F, 3.4028235e38F, -0.0F, 16777216.0F})
+        EXPECT_EQ(std::stof(json::parse(floatJson(value).dump()).dump()), value);
+    EXPECT_EQ(floatText(0.1F), "0.1");
+    EXPECT_EQ(floatJson(std::stof("nan")), "nan");
+}
+
+/// A camera that can be told apart from its description says which numbers are its own.
+TEST_F(JsonOutput, SaysWhereNumbersComeFrom) {
+    const std::string flash = path("flash.bin");
+    const auto told = [](const std::string& settings, const char* verb, int& code) {
+        const SimulatedFaults faults(settings);
+        const ToolRun run = ToolTest::run({verb, "--json"});
+        code = run.exitCode;
+        return run;
+    };
+    int code = 0;
+    const ToolRun whole = told("seed 1", "info", code);
+    EXPECT_EQ(whole.json().at("source").at("lens"), "camera");
+    EXPECT_EQ(whole.json().at("lens").at("depth").at(0).at("fx"), 224.5);
+    EXPECT_EQ(whole.err, "");
+
+    Utils::writeFile(flash, std::string(65536, '\xFF'));
+    const ToolRun empty = told("flash " + flash, "info", code);
+    EXPECT_EQ(empty.json().at("source").at("lens"), "description");
+    EXPECT_EQ(empty.json().at("source").at("accelerometer"), json());
+    EXPECT_THAT(empty.err,
+                HasSubstr("ZS570 depth SIM0570: its flash does not hold lens, extrinsics, corrections"));
+
+    for (const char* verb : {"info", "sensors"}) {
+        const ToolRun torn = told("transfer 40 fail", verb, code);
+        EXPECT_THAT(torn.err, AllOf(HasSubstr("its flash cannot be read ("), HasSubstr(": lens, extrinsics")))
+            << verb;
+        const json lens = torn.json().value("source", json::object()).value("lens", json("failure"));
+        EXPECT_EQ(lens, "failure");
+    }
+}
+
+TEST_F(JsonOutput, OfACalibrationCanBeImported) {
+    const std::string exported = runBuilt("calibration export").out;
+    Utils::writeFile(path("c.json"), exported);
+    EXPECT_EQ(run({"calibration", "diff", path("c.json")}).exitCode, 0);
+    json changed = json::parse(exported);
+    changed["calibration"]["phaseDelay"] = 7;
+    Utils::writeFile(path("c.json"), changed.dump());
+    EXPECT_EQ(run({"calibration", "diff", path("c.json")}).exitCode, 1);
+    EXPECT_THAT(run({"calibration", "import", path("c.json"), "--dry-run", "--camera", "SIM0570"}).out,
+                HasSubstr("phaseDelay: 1250 -> 7\n"));
+    const ToolRun written = run({"calibration", "import", path("c.json"), "--yes", "--backup", path("b.json"),
+                                 "--json", "--camera", "SIM0570"});
+    EXPECT_EQ(written.exitCode, 0) << written.err;
+    EXPECT_EQ(written.json().at("lasts"), false);
+    EXPECT_THAT(written.err, HasSubstr("only while this program runs"));
+}
+
+} // namespace
+} // namespace Zentara::Tool

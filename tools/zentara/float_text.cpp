@@ -1,0 +1,19 @@
+#include "tools/zentara/float_text.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+
+namespace Zentara::Tool {
+
+std::string floatText(float value) {
+    std::array<char, 32> text{};
+    const auto end = std::to_chars(text.data(), text.data() + text.size(), value);
+    return {text.data(), end.ptr};
+}
+
+Json floatJson(float value) {
+    return std::isfinite(value) ? Json::parse(floatText(value)) : Json(floatText(value));
+}
+
+} // namespace Zentara::Tool

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+
+#include "tools/zentara/json_output.h"
+
+namespace Zentara::Tool {
+
+/// The shortest decimal that reads back as the same float: "0.1", "nan", "-inf".
+[[nodiscard]] std::string floatText(float value);
+
+/// The same as a number; what JSON has no number for as a text.
+[[nodiscard]] Json floatJson(float value);
+
+} // namespace Zentara::Tool
