@@ -3,6 +3,8 @@
 #include <array>
 #include <cstdint>
 
+#include <zentara/io/camera_chip.h>
+
 namespace Zentara::IO {
 
 /// A register and what is written to it.
@@ -35,7 +37,7 @@ struct MetaRegisters {
 };
 
 /// Arguments of a raw command from here on are meta codes, below they are register numbers.
-inline constexpr unsigned firstMetaCode = 1000;
+inline constexpr unsigned firstMetaCode = CameraChip::firstMetaCode;
 
 /// All set bits of a strobe mask.
 inline constexpr unsigned allStrobes = 0xFFFF;

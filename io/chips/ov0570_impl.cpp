@@ -27,7 +27,6 @@ namespace {
 constexpr int fpgaRounds = 4;
 constexpr int resetTries = 10;
 constexpr std::chrono::milliseconds resetWait{20};
-constexpr unsigned modulationCode = 1005;
 
 constexpr MetaRegisters metaRegisters[] = {{1000, 11, 12}, {1001, 13, 14}, {1002, 15, 16},
                                            {1003, 20, 21}, {1004, 48, 49}, {1006, 51, 74}};

@@ -70,6 +70,9 @@ inline constexpr unsigned fpgaWaitMask = 0xB000;
 inline constexpr unsigned fpgaCheckMask = 0xF000;
 inline constexpr unsigned fpgaReady = 0x2000;
 
+/// The meta code of the modulation frequency.
+inline constexpr unsigned modulationCode = 1005;
+
 // The bridge's pin that goes high when the FPGA is out of reset.
 inline constexpr unsigned gpioRegister = 0x182845;
 inline constexpr unsigned gpio3Bit = 1U << 3;

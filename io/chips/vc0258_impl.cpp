@@ -26,7 +26,6 @@ namespace {
 
 constexpr std::chrono::milliseconds tofWriteWait{5};
 constexpr std::chrono::milliseconds dacWait{50};
-constexpr unsigned modulationCode = 1004;
 constexpr unsigned code30MHz = 7710;
 constexpr unsigned code10MHz = 2570;
 constexpr std::uint64_t registersPerDevice = 256;

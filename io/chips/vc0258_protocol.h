@@ -38,6 +38,9 @@ inline constexpr unsigned toggleRegister = 29;
 inline constexpr unsigned adcValueRegister = 30;
 inline constexpr unsigned evenMicroFramesBit = 0x1000; // in register 26
 
+/// The meta code of the modulation frequency.
+inline constexpr unsigned modulationCode = 1004;
+
 // Digital-to-analogue converter: four channels, one 12-bit word each.
 inline constexpr unsigned dacAddress = 0x60;
 inline constexpr unsigned dacRegisters[] = {0x58, 0x5A, 0x5C, 0x5E};

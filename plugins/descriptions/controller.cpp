@@ -6,15 +6,8 @@
 namespace Zentara::Cameras {
 
 const char* chipName(ChipKind kind) noexcept {
-    switch (kind) {
-    case ChipKind::OV0570:
-        return "OV0570";
-    case ChipKind::VC0258:
-        return "VC0258";
-    case ChipKind::VC0345:
-        return "VC0345";
-    }
-    return "";
+    constexpr const char* names[] = {"OV0570", "VC0258", "VC0345"};
+    return names[static_cast<std::size_t>(kind)];
 }
 
 std::optional<ChipKind> chipKindFromName(const std::string& name) {

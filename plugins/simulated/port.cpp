@@ -226,8 +226,8 @@ std::unique_ptr<Port> makePort(const Settings& settings, std::shared_ptr<Faults>
     if (!*file)
         throw Plugin::ConfigurationPluginException(
             Format("simulated camera: cannot write the transfer log '%'") % path);
-    port->setObserver([file, kind = port->model().kind()](const Transfer& transfer) {
-        *file << transferLine(kind, transfer) << '\n' << std::flush;
+    port->setObserver([file, name = chipName(port->model().kind())](const Transfer& transfer) {
+        *file << IO::CameraChip::lineOf(name, transfer) << '\n' << std::flush;
     });
     return port;
 }

@@ -7,13 +7,15 @@
 #include <string>
 #include <vector>
 
+#include <zentara/io/camera_chip.h>
 #include <zentara/utils/mutex.h>
 
 #include "plugins/simulated/faults.h"
 #include "plugins/simulated/firmware/firmware.h"
-#include "plugins/simulated/transfer.h"
 
 namespace Zentara::Simulated {
+
+using Transfer = IO::ChipTransfer;
 
 /// The USB end of a simulated camera: checks unit, control and length as a camera's USB stack does, lets the faults of
 /// its transfers happen, keeps a log, and passes the rest to the firmware. *Safe*.

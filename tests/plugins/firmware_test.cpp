@@ -159,7 +159,8 @@ TEST(PortTest, AHangingTransferIsCancelled) {
 
 TEST(TransferTest, LinesTellTheBytesAndTheirMeaning) {
     const auto line = [](ChipKind kind, bool isGet, std::uint32_t control, Bytes sent, Bytes reply) {
-        return transferLine(kind, {isGet, 4, control, std::move(sent), std::move(reply), {}});
+        return IO::CameraChip::lineOf(chipName(kind),
+                                      {isGet, 4, control, std::move(sent), std::move(reply), {}, true});
     };
     EXPECT_EQ(line(ChipKind::OV0570, false, 2, {0x11, 0x1D, 0, 1, 0, 0, 0}, {}),
               "SET 4/2  11 1D 00 01 00 00 00  write device 1 register 0x1D := 0x0001");

@@ -9,9 +9,9 @@ namespace {
 
 Core::RequestList copyOf(const Core::RequestList* list) { return list ? *list : Core::RequestList(); }
 
-std::unique_ptr<NodeChip> chipOf(const Core::DescriptorStoreRO& store, IO::VideoDeviceProxy& proxy) {
+std::unique_ptr<IO::CameraChip> chipOf(const Core::DescriptorStoreRO& store, IO::VideoDeviceProxy& proxy) {
     const auto kind = describedController(store.getDeviceCapabilities());
-    return kind ? NodeChip::create(*kind, proxy) : nullptr;
+    return kind ? IO::CameraChip::create(chipName(*kind), proxy) : nullptr;
 }
 
 } // namespace
@@ -23,7 +23,7 @@ NodeCommands::NodeCommands(Core::DescriptorStoreRO& store, IO::VideoDeviceProxy&
         static_cast<void>(chip());
 }
 
-NodeChip& NodeCommands::chip() {
+IO::CameraChip& NodeCommands::chip() {
     if (!target)
         throw Plugin::InitializationPluginException(
             "cannot initialize a node: the descriptor store tells no controller of the camera");
@@ -32,20 +32,20 @@ NodeChip& NodeCommands::chip() {
 
 void NodeCommands::start(const Core::RequestList* specific) {
     if (target)
-        target->send(&preCommon);
+        target->wire().processCommands(&preCommon);
     change(specific);
 }
 
 void NodeCommands::change(const Core::RequestList* specific) {
     if (!target)
         return;
-    target->send(specific);
-    target->send(&postCommon);
+    target->wire().processCommands(specific);
+    target->wire().processCommands(&postCommon);
 }
 
 void NodeCommands::stop() {
     if (target)
-        target->send(&stopCommon);
+        target->wire().processCommands(&stopCommon);
 }
 
 } // namespace Zentara::Cameras

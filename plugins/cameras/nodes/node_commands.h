@@ -4,8 +4,7 @@
 #include <optional>
 
 #include <zentara/core/descriptor_store_ro.h>
-
-#include "plugins/cameras/nodes/node_chip.h"
+#include <zentara/io/camera_chip.h>
 
 namespace Zentara::Cameras {
 
@@ -28,10 +27,10 @@ public:
     void stop();
 
     /// \throws Plugin::InitializationPluginException without a controller
-    [[nodiscard]] NodeChip& chip();
+    [[nodiscard]] IO::CameraChip& chip();
 
 private:
-    std::unique_ptr<NodeChip> target;
+    std::unique_ptr<IO::CameraChip> target;
     Core::RequestList preCommon;
     Core::RequestList postCommon;
     Core::RequestList stopCommon;

@@ -26,8 +26,13 @@ std::int32_t sensorOf(std::uint32_t address) {
     }
 }
 
-SensorValue readTemperature(NodeChip& chip, std::uint32_t address) {
-    return {sensorOf(address), celsiusPerStep * static_cast<float>(chip.readRegister(address))};
+/// Registers of the time-of-flight controller have 16 bits.
+std::uint16_t readRegister(IO::CameraChip& chip, std::uint32_t address) {
+    return static_cast<std::uint16_t>(chip.read(IO::CameraChip::Target::Tof, address));
+}
+
+SensorValue readTemperature(IO::CameraChip& chip, std::uint32_t address) {
+    return {sensorOf(address), celsiusPerStep * static_cast<float>(readRegister(chip, address))};
 }
 
 /// Marks a reading as made, whatever becomes of it.
@@ -55,18 +60,18 @@ bool isDue(Core::PeriodicOperation& operation, std::int64_t micros) {
 
 } // namespace
 
-SensorValueArray readTemperatureSensors(NodeChip& chip) {
+SensorValueArray readTemperatureSensors(IO::CameraChip& chip) {
     return {{readTemperature(chip, sensorTemperatureRegister),
              readTemperature(chip, illuminationTemperatureRegister)}};
 }
 
-SensorValueArray readTemperatureSensor(NodeChip& chip, std::uint32_t address) {
+SensorValueArray readTemperatureSensor(IO::CameraChip& chip, std::uint32_t address) {
     return {{readTemperature(chip, address)}};
 }
 
-AccelerationInternal readAccelerationSensor(NodeChip& chip, std::uint32_t address) {
+AccelerationInternal readAccelerationSensor(IO::CameraChip& chip, std::uint32_t address) {
     const auto axis = [&](std::uint32_t index) {
-        return gPerStep * static_cast<float>(static_cast<std::int16_t>(chip.readRegister(address + index)));
+        return gPerStep * static_cast<float>(static_cast<std::int16_t>(readRegister(chip, address + index)));
     };
     AccelerationInternal acceleration;
     acceleration.x = axis(0);
@@ -83,7 +88,7 @@ void SensorPoll::configure(Operations newOperations) {
     lastAccelerations.clear();
 }
 
-void SensorPoll::poll(NodeChip& chip, std::int64_t frameMicros) {
+void SensorPoll::poll(IO::CameraChip& chip, std::int64_t frameMicros) {
     Operations due;
     {
         const AutoLock hold(lock);
@@ -101,7 +106,7 @@ void SensorPoll::poll(NodeChip& chip, std::int64_t frameMicros) {
     }
 }
 
-void SensorPoll::read(NodeChip& chip, Core::PeriodicOperation& operation) {
+void SensorPoll::read(IO::CameraChip& chip, Core::PeriodicOperation& operation) {
     if (const auto* temperature = dynamic_cast<const Core::TemperaturePeriodicOperation*>(&operation)) {
         const SensorValueArray readings = readTemperatureSensor(chip, temperature->getRegAddress());
         const AutoLock hold(lock);

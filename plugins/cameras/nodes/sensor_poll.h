@@ -6,21 +6,20 @@
 
 #include <zentara/acceleration_internal.h>
 #include <zentara/core/periodic_operation.h>
+#include <zentara/io/camera_chip.h>
 #include <zentara/sensor_value_array.h>
 #include <zentara/utils/mutex.h>
 #include <zentara/utils/smart_ptr.h>
 #include <zentara/utils/thread_annotations.h>
 
-#include "plugins/cameras/nodes/node_chip.h"
-
 namespace Zentara::Cameras {
 
 /// Both temperatures, sensor 0 and 1. \throws what the chip throws
-[[nodiscard]] SensorValueArray readTemperatureSensors(NodeChip& chip);
+[[nodiscard]] SensorValueArray readTemperatureSensors(IO::CameraChip& chip);
 /// One of them. A register that shows no temperature that is known has sensor -1.
-[[nodiscard]] SensorValueArray readTemperatureSensor(NodeChip& chip, std::uint32_t address);
+[[nodiscard]] SensorValueArray readTemperatureSensor(IO::CameraChip& chip, std::uint32_t address);
 /// The acceleration in the register and the two after it.
-[[nodiscard]] AccelerationInternal readAccelerationSensor(NodeChip& chip, std::uint32_t address);
+[[nodiscard]] AccelerationInternal readAccelerationSensor(IO::CameraChip& chip, std::uint32_t address);
 
 /// Makes the periodic readings of a depth node. Safe.
 class SensorPoll {
@@ -32,7 +31,7 @@ public:
     void configure(Operations newOperations);
 
     /// Makes the readings that are due at a frame's time. One that fails is tried again when it is due the next time.
-    void poll(NodeChip& chip, std::int64_t frameMicros);
+    void poll(IO::CameraChip& chip, std::int64_t frameMicros);
 
     /// The last temperatures, by sensor; none if none was read.
     [[nodiscard]] SensorValueArray temperatures();
@@ -40,7 +39,7 @@ public:
     [[nodiscard]] bool acceleration(const Core::PeriodicOperation& operation, AccelerationInternal& result);
 
 private:
-    void read(NodeChip& chip, Core::PeriodicOperation& operation);
+    void read(IO::CameraChip& chip, Core::PeriodicOperation& operation);
     [[nodiscard]] bool isConfigured(const Core::PeriodicOperation& operation) const ZENTARA_REQUIRES(lock);
     void store(const SensorValue& reading) ZENTARA_REQUIRES(lock);
 

@@ -19,17 +19,17 @@ constexpr std::uint32_t usualChunkSize = 256; // a formatted storage knows its o
 /// The camera's memory, for reading.
 class ChipMemory final : public ROM::Accessor {
 public:
-    explicit ChipMemory(NodeChip& source) : chip(source) {}
+    explicit ChipMemory(IO::CameraChip& source) : chip(source) {}
 
     std::vector<std::uint8_t> read(std::uint32_t address, std::uint32_t length) override {
-        return length == 0 ? std::vector<std::uint8_t>() : chip.readMemory(address, length);
+        return length == 0 ? std::vector<std::uint8_t>() : chip.readConfiguration(address, length);
     }
     void write(std::uint32_t, const std::vector<std::uint8_t>&) override {
         throw Plugin::NotSupportedPluginException("the node does not write to the camera's memory");
     }
 
 private:
-    NodeChip& chip;
+    IO::CameraChip& chip;
 };
 
 /// Takes the object if it is of that kind and the first one.
@@ -101,7 +101,7 @@ void ask(CalibrationBlock<T>& block, Question question) {
 
 } // namespace
 
-StoredObjects readStorage(NodeChip& chip, const ROMElement& place) {
+StoredObjects readStorage(IO::CameraChip& chip, const ROMElement& place) {
     ChipMemory flash(chip);
     ROM::ChunkedMemoryManager memory(&flash, place.address, place.size, usualChunkSize, true);
     ROM::Container container(&memory);

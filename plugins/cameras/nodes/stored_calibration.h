@@ -4,13 +4,12 @@
 
 #include <zentara/cyclic_error_correction.h>
 #include <zentara/io/base_rom_layout.h>
+#include <zentara/io/camera_chip.h>
 #include <zentara/rom/configuration.h>
 #include <zentara/rom/diagnostic.h>
 #include <zentara/rom/system_calibration.h>
 #include <zentara/rom/system_info.h>
 #include <zentara/rom_element.h>
-
-#include "plugins/cameras/nodes/node_chip.h"
 
 namespace Zentara::Cameras {
 
@@ -24,7 +23,7 @@ struct StoredObjects {
 
 /// Reads a camera's storage through its chip; of several objects of a kind the one with the lowest number. A storage
 /// that was never formatted holds nothing. \throws what the chip throws
-[[nodiscard]] StoredObjects readStorage(NodeChip& chip, const ROMElement& place);
+[[nodiscard]] StoredObjects readStorage(IO::CameraChip& chip, const ROMElement& place);
 
 /// The calibration of a described camera: what its storage holds, and the defaults of the descriptor store for the
 /// rest. The presence flags tell what came from the storage. Separate.

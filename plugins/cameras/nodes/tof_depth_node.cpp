@@ -150,7 +150,7 @@ TofDepthNode::Camera& TofDepthNode::require(const char* operation) const {
 }
 
 void TofDepthNode::getVersions(int& majorVersion, int& minorVersion) {
-    NodeChip& chip = require("getVersions").commands.chip();
+    IO::CameraChip& chip = require("getVersions").commands.chip();
     const std::uint32_t bridge = chip.bridgeVersion();
     const std::uint32_t version = bridge != 0 ? bridge >> 16 : chip.tofVersion();
     majorVersion = static_cast<int>(version >> 8 & 0xFF);
@@ -229,7 +229,7 @@ void TofDepthNode::process(Utils::SmartPtr<IO::xuRequest> request) {
     if (!request)
         throw ArgumentPluginException("process: the request is null");
     if (!present.parameters || !writeParameter(*present.parameters, *request))
-        present.commands.chip().send(request);
+        present.commands.chip().wire().processCommand(request);
 }
 
 void TofDepthNode::setDiagnosticData(DiagnosticData data) {

@@ -55,14 +55,9 @@ std::unique_ptr<Firmware> makeVC0345(const FirmwareSettings& wanted) {
 }
 
 std::unique_ptr<Firmware> makeKind(const FirmwareSettings& wanted) {
-    switch (*wanted.chip) {
-    case ChipKind::VC0258:
-        return makeVC0258(wanted);
-    case ChipKind::VC0345:
-        return makeVC0345(wanted);
-    default:
-        return makeOV0570(wanted);
-    }
+    constexpr decltype(&makeOV0570) makers[] = {makeOV0570, makeVC0258,
+                                                makeVC0345}; // in the order of ChipKind
+    return makers[static_cast<std::size_t>(*wanted.chip)](wanted);
 }
 
 /// The registers of the time-of-flight controller as the file has them, low byte first, and from now on the other way

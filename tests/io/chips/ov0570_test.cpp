@@ -31,7 +31,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-const std::string information = "GET 1  " + Simulated::bytesText(Bytes(64));
+const std::string information = "GET 1  " + IO::bytesText(Bytes(64));
 
 /// Time-of-flight controller with 8-bit registers.
 Settings narrowTof() {

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 
 #include <zentara/core/guids.h>
+#include <zentara/io/camera_chip.h>
 #include <zentara/io/video_device_proxy.h>
 #include <zentara/plugin/plugin_exceptions.h>
 
@@ -28,29 +29,33 @@ protected:
     std::unique_ptr<IO::VideoDeviceProxy> proxy;
 };
 
-TEST_P(ProxiedChipTest, EachChipDrivesItsController) {
-    plugIn("chip OV0570");
-    IO::OV0570Impl ov0570;
-    ov0570.initialize(proxy.get());
-    ov0570.setTOFControllerRegisterLocked(5, 0x1234);
-    EXPECT_EQ(ov0570.getTOFControllerRegisterLocked(5), 0x1234U);
-    EXPECT_EQ(ov0570.getUSBBackendFirmwareLocked(0, 0x10000), Simulated::factoryFlash(0x57));
-    ov0570.dispose();
-    EXPECT_THROW(ov0570.setTOFControllerRegisterLocked(5, 1), Plugin::InvalidOperationPluginException);
-
-    plugIn("chip VC0258");
-    IO::VC0258Impl vc0258;
-    vc0258.initialize(proxy.get());
-    vc0258.setTOFControllerRegisterLocked(5, 0x1234);
-    EXPECT_EQ(vc0258.getTOFControllerRegisterLocked(5), 0x1234U);
-    EXPECT_EQ(vc0258.getUSBBackendConfigurationLocked(0, 0x10000), Simulated::factoryFlash(0x82));
-
-    plugIn("chip VC0345");
-    IO::VC0345Impl vc0345;
-    vc0345.initialize(proxy.get());
-    vc0345.setTOFControllerRegisterLocked(5, 0x1234);
-    EXPECT_EQ(vc0345.getTOFControllerRegisterLocked(5), 0x1234U);
-    EXPECT_EQ(vc0345.getUSBBackendFirmwareLocked(0x100, 16).back(), Simulated::factoryFlash(0x45)[0x10F]);
+TEST_P(ProxiedChipTest, EachControllerIsFoundAndDriven) {
+    using IO::CameraChip;
+    const std::uint8_t seeds[] = {0x57, 0x82, 0x45};
+    for (std::size_t i = 0; i < CameraChip::names().size(); ++i) {
+        const std::string name = CameraChip::names()[i];
+        SCOPED_TRACE(name);
+        plugIn("chip " + name);
+        std::vector<IO::ChipTransfer> transfers;
+        for (const bool isNamed : {false, true}) {
+            const auto listen = [&](const IO::ChipTransfer& transfer) { transfers.push_back(transfer); };
+            const auto chip =
+                isNamed ? CameraChip::create(name, *proxy, listen) : CameraChip::detect(*proxy, listen);
+            ASSERT_TRUE(chip && chip->name() == name);
+            chip->write(CameraChip::Target::Tof, 5, 0x1234);
+            EXPECT_EQ(chip->read(CameraChip::Target::Tof, 5), 0x1234U);
+            EXPECT_EQ(transfers.back().unit, chip->unit());
+            EXPECT_THAT(CameraChip::meaningOf(name, transfers.back()), testing::HasSubstr("ead"));
+            const Simulated::Bytes flash = Simulated::factoryFlash(seeds[i]);
+            EXPECT_EQ(chip->readConfiguration(0xFFD0, 48), Simulated::Bytes(flash.end() - 48, flash.end()));
+            EXPECT_THROW(chip->setModulationFrequency(11), Plugin::ArgumentPluginException);
+            for (const unsigned megahertz : chip->modulationFrequencies())
+                EXPECT_NO_THROW(chip->setModulationFrequency(megahertz));
+        }
+        EXPECT_THROW(CameraChip::create("VC0346", *proxy), Plugin::NotSupportedPluginException);
+    }
+    plugIn("chip none");
+    EXPECT_FALSE(CameraChip::detect(*proxy));
 }
 
 // A setup that fails leaves the proxy bound: a second one is a call away.

@@ -220,7 +220,7 @@ TEST_F(VC0258Test, AreasAreReadInPiecesThroughDma) {
     Bytes bytes;
     const Lines lines =
         camera.sent([&](auto& chip) { bytes = chip.getUSBBackendConfigurationLocked(0x1234, 33); });
-    const std::string rest = " " + Simulated::bytesText(Bytes(32));
+    const std::string rest = " " + IO::bytesText(Bytes(32));
     EXPECT_THAT(lines, ElementsAre("SET 4  20 12 81 01", dmaSize, "GET 24  50 34 12 20" + rest,
                                    "GET 24  50 54 12 01" + rest));
     const Bytes& area = camera.model.configuration();

@@ -61,7 +61,7 @@ inline Lines linesOf(const std::vector<Simulated::Transfer>& transfers) {
     Lines lines;
     for (const Simulated::Transfer& transfer : transfers)
         lines.push_back((transfer.isGet ? "GET " : "SET ") + std::to_string(transfer.control) + "  " +
-                        Simulated::bytesText(transfer.sent));
+                        IO::bytesText(transfer.sent));
     return lines;
 }
 

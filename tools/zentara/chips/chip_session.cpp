@@ -14,6 +14,7 @@
 #include "tools/zentara/cameras/camera_session.h"
 #include "tools/zentara/chips/device_choice.h"
 #include "tools/zentara/guid_text.h"
+#include "tools/zentara/tool_log.h"
 
 namespace Zentara::Tool {
 namespace {
@@ -35,14 +36,14 @@ private:
     std::string before;
 };
 
-Json toJson(ChipKind kind, const Transfer& transfer) {
+Json toJson(const char* chip, const IO::ChipTransfer& transfer) {
     Json json{{"direction", transfer.isGet ? "GET" : "SET"},
               {"unit", transfer.unit},
               {"control", transfer.control},
-              {"sent", bytesText(transfer.sent)}};
+              {"sent", IO::bytesText(transfer.sent)}};
     if (!transfer.reply.empty())
-        json["reply"] = bytesText(transfer.reply);
-    json["meaning"] = transferMeaning(kind, transfer);
+        json["reply"] = IO::bytesText(transfer.reply);
+    json["meaning"] = IO::CameraChip::meaningOf(chip, transfer);
     if (!transfer.failure.empty())
         json["failure"] = transfer.failure;
     return json;
@@ -86,7 +87,7 @@ ChipSession::ChipSession(const ChipOptions& wanted, Console& target) : options(w
 }
 
 void ChipSession::openDevice() {
-    if (!options.camera.empty() && !Simulated::chipKindFromName(options.camera))
+    if (!options.camera.empty() && !Cameras::chipKindFromName(options.camera))
         throw ToolFailure(ExitCode_USAGE,
                           "there is no controller '" + options.camera + "'; known: OV0570, VC0258, VC0345");
     const ChosenController chosen(options.camera);
@@ -96,7 +97,7 @@ void ChipSession::openDevice() {
         proxy = std::make_unique<IO::VideoDeviceProxy>(guid, false);
         proxy->open();
     });
-    bindChip(deviceName, std::nullopt);
+    bindChip(deviceName, {});
 }
 
 void ChipSession::openCamera() {
@@ -113,19 +114,27 @@ void ChipSession::openCamera() {
         proxy = std::move(device);
         proxy->open();
     });
-    bindChip(cameraLabel(node), Cameras::describedController(store->view().getDeviceCapabilities()));
+    const auto described = Cameras::describedController(store->view().getDeviceCapabilities());
+    bindChip(cameraLabel(node), described ? Cameras::chipName(*described) : "");
 }
 
 /// A camera whose description does not name its controller is asked.
-void ChipSession::bindChip(const std::string& label, std::optional<ChipKind> described) {
+void ChipSession::bindChip(const std::string& label, const std::string& described) {
     attempt("reach the controller of " + label, [&] {
-        const TransferSink sink = [this](const Transfer& transfer) { note(transfer); };
-        camera = described ? CameraChip::bind(*described, *proxy, sink) : CameraChip::detect(*proxy, sink);
+        const IO::ChipListener listener = [this](const IO::ChipTransfer& transfer) { note(transfer); };
+        if (described.empty()) {
+            const ToolLog::Silence trying; // a controller that is not there is no fault
+            camera = IO::CameraChip::detect(*proxy, listener);
+        } else {
+            camera = IO::CameraChip::create(described, *proxy, listener);
+        }
+        if (!camera)
+            throw ToolFailure(ExitCode_NO_DEVICE, "the camera has no controller that is known");
     });
 }
 
 ChipSession::~ChipSession() {
-    for (const Transfer& transfer : transfers)
+    for (const IO::ChipTransfer& transfer : transfers)
         show(transfer);
     const WatchedStep watched("close the camera");
     camera.reset();
@@ -137,7 +146,14 @@ ChipSession::~ChipSession() {
     proxy.reset();
 }
 
-void ChipSession::note(const Transfer& transfer) {
+/// A transfer that hangs is named by what it began with.
+void ChipSession::note(const IO::ChipTransfer& transfer) {
+    if (!transfer.isOver) {
+        underWay.emplace(Utils::Format("% unit %, control %") % (transfer.isGet ? "GET" : "SET") %
+                         transfer.unit % transfer.control);
+        return;
+    }
+    underWay.reset();
     if (!options.trace)
         return;
     if (options.json)
@@ -146,15 +162,15 @@ void ChipSession::note(const Transfer& transfer) {
         show(transfer);
 }
 
-void ChipSession::show(const Transfer& transfer) {
-    console.err << transferLine(camera->kind(), transfer) << '\n';
+void ChipSession::show(const IO::ChipTransfer& transfer) {
+    console.err << IO::CameraChip::lineOf(camera->name(), transfer) << '\n';
 }
 
 Json ChipSession::identity() const {
     Json json = cameraJson(entry);
     if (options.direct)
         json["name"] = deviceName;
-    json["controller"] = chipName(camera->kind());
+    json["controller"] = camera->name();
     return json;
 }
 
@@ -169,8 +185,8 @@ void ChipSession::finish(Json result, const std::string& text) {
     json.update(result);
     if (options.trace) {
         json["transfers"] = Json::array();
-        for (const Transfer& transfer : transfers)
-            json["transfers"].push_back(toJson(camera->kind(), transfer));
+        for (const IO::ChipTransfer& transfer : transfers)
+            json["transfers"].push_back(toJson(camera->name(), transfer));
         transfers.clear();
     }
     print(console.out, json);
@@ -178,10 +194,10 @@ void ChipSession::finish(Json result, const std::string& text) {
 
 std::string hexText(std::uint32_t value) { return Utils::Format("0x%{:X2}") % value; }
 
-void checkRange(const char* what, std::uint32_t value, std::uint32_t last, const CameraChip& chip) {
+void checkRange(const char* what, std::uint32_t value, std::uint32_t last, const IO::CameraChip& chip) {
     if (value > last)
         throw ToolFailure(ExitCode_USAGE, Utils::Format("% % is out of range on the %: 0 to %") % what %
-                                              hexText(value) % chipName(chip.kind()) % hexText(last));
+                                              hexText(value) % chip.name() % hexText(last));
 }
 
 } // namespace Zentara::Tool

@@ -6,9 +6,12 @@
 #include <string>
 #include <vector>
 
+#include <zentara/io/camera_chip.h>
+#include <zentara/io/video_device_proxy.h>
+
 #include "tools/zentara/cameras/camera_bus.h"
-#include "tools/zentara/chips/camera_chip.h"
 #include "tools/zentara/json_output.h"
+#include "tools/zentara/supervisor.h"
 #include "tools/zentara/verb.h"
 
 namespace Zentara::Tool {
@@ -35,7 +38,7 @@ public:
     ChipSession(const ChipSession&) = delete;
     ChipSession& operator=(const ChipSession&) = delete;
 
-    [[nodiscard]] CameraChip& chip() noexcept { return *camera; }
+    [[nodiscard]] IO::CameraChip& chip() noexcept { return *camera; }
     [[nodiscard]] IO::VideoDeviceProxy& device() noexcept { return *proxy; }
     /// Which camera it is; empty for a bare device.
     [[nodiscard]] const CameraEntry& cameraEntry() const noexcept { return entry; }
@@ -49,26 +52,39 @@ public:
 private:
     void openDevice();
     void openCamera();
-    void bindChip(const std::string& label, std::optional<ChipKind> described);
-    void note(const Transfer& transfer);
-    void show(const Transfer& transfer);
+    void bindChip(const std::string& label, const std::string& described);
+    void note(const IO::ChipTransfer& transfer);
+    void show(const IO::ChipTransfer& transfer);
 
     const ChipOptions options;
     Console& console;
     /// With JSON the trace waits for the end: it goes into the result, or to the errors when there is none.
-    std::vector<Transfer> transfers;
-    CameraEntry entry; ///< empty for a bare device, as the two below
+    std::vector<IO::ChipTransfer> transfers;
+    std::optional<WatchedStep> underWay; ///< the transfer that has begun
+    CameraEntry entry;                   ///< empty for a bare device, as the two below
     NodeEvent node;
     std::unique_ptr<CameraStore> store; ///< the device may read it until its end
     std::unique_ptr<IO::VideoDeviceProxy> proxy;
     std::string deviceName; ///< of a bare device
-    std::unique_ptr<CameraChip> camera;
+    std::unique_ptr<IO::CameraChip> camera;
 };
+
+/// Does one step on a chip: what the chip has not is no failure of the camera, and told as it is.
+template<typename Step>
+void attemptOnChip(const std::string& what, Step step) {
+    attempt(what, [&] {
+        try {
+            step();
+        } catch (const Plugin::NotSupportedPluginException& lack) {
+            throw ToolFailure(ExitCode_FAILED, lack.what());
+        }
+    });
+}
 
 /// "0x1D"
 [[nodiscard]] std::string hexText(std::uint32_t value);
 
 /// \throws ToolFailure, a usage error that names the range, when a value is above `last`.
-void checkRange(const char* what, std::uint32_t value, std::uint32_t last, const CameraChip& chip);
+void checkRange(const char* what, std::uint32_t value, std::uint32_t last, const IO::CameraChip& chip);
 
 } // namespace Zentara::Tool

@@ -16,7 +16,7 @@ namespace {
 
 using Utils::Format;
 
-constexpr unsigned memoryBytes = 0x10000;
+constexpr unsigned memoryBytes = IO::CameraChip::memoryBytes;
 constexpr unsigned pieceBytes = 0x1000; ///< pieces end at multiples of it
 
 struct FirmwareOptions : ChipOptions {

@@ -37,7 +37,7 @@ Verb addMetaVerb(CLI::App& program) {
                     "register 0 twice.");
     command->add_option("CODE", options->code, "The command, 1000 or more")
         ->required()
-        ->check(CLI::Range(1000U, 0xFFFFFFFFU));
+        ->check(CLI::Range(IO::CameraChip::firstMetaCode, 0xFFFFFFFFU));
     command->add_option("VALUE", options->value, "Its 32-bit value")->required()->check(any32Bits());
     addChipOptions(*command, *options);
     return {command, [options](Console& console) { return runMeta(*options, console); }};

@@ -13,23 +13,6 @@ namespace {
 
 using Utils::Format;
 
-/// How a chip is told its modulation frequency, and the frequencies that it knows.
-struct Modulation {
-    unsigned metaCode;
-    std::vector<unsigned> megahertz;
-};
-
-Modulation modulationOf(ChipKind kind) {
-    switch (kind) {
-    case ChipKind::OV0570:
-        return {1005, {10, 12, 20, 30, 40}};
-    case ChipKind::VC0258:
-        return {1004, {10, 30}};
-    default:
-        return {0, {}};
-    }
-}
-
 std::string listOf(const std::vector<unsigned>& values) {
     std::string text;
     for (const unsigned value : values)
@@ -44,20 +27,19 @@ struct ModfreqOptions : ChipOptions {
 ExitCode runModfreq(ModfreqOptions options, Console& console) {
     options.writes = true;
     ChipSession session(options, console);
-    const char* chip = chipName(session.chip().kind());
-    const Modulation modulation = modulationOf(session.chip().kind());
-    const auto& known = modulation.megahertz;
+    const char* chip = session.chip().name();
+    const std::vector<unsigned> known = session.chip().modulationFrequencies();
     if (known.empty())
         throw ToolFailure(ExitCode_FAILED,
                           Format("the % has no command for the modulation frequency") % chip);
     if (std::find(known.begin(), known.end(), options.megahertz) == known.end())
         throw ToolFailure(ExitCode_USAGE, Format("% MHz is no modulation frequency of the %: % MHz") %
                                               options.megahertz % chip % listOf(known));
-    const unsigned code = options.megahertz * 257; // the frequency in both bytes
     attempt(Format("set the modulation frequency to % MHz") % options.megahertz,
-            [&] { session.chip().command(IO::UVC_TOF_CONTROLLER_REGISTER, modulation.metaCode, code); });
-    session.finish({{"megahertz", options.megahertz}, {"code", code}},
-                   Format("modulation frequency := % MHz") % options.megahertz);
+            [&] { session.chip().setModulationFrequency(options.megahertz); });
+    session.finish(
+        {{"megahertz", options.megahertz}, {"code", IO::CameraChip::modulationCode(options.megahertz)}},
+        Format("modulation frequency := % MHz") % options.megahertz);
     return ExitCode_DONE;
 }
 

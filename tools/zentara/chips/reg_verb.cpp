@@ -20,16 +20,17 @@ struct RegOptions : ChipOptions {
     unsigned times = 1;
 };
 
-RegisterTarget targetOf(const std::string& name) {
-    const std::map<std::string, RegisterTarget> targets{
-        {"bridge", RegisterTarget::Bridge}, {"tof", RegisterTarget::Tof}, {"rgb", RegisterTarget::Color}};
+IO::CameraChip::Target targetOf(const std::string& name) {
+    const std::map<std::string, IO::CameraChip::Target> targets{{"bridge", IO::CameraChip::Target::Bridge},
+                                                                {"tof", IO::CameraChip::Target::Tof},
+                                                                {"rgb", IO::CameraChip::Target::Color}};
     return targets.at(name);
 }
 
-RegisterLimits limitsOf(ChipSession& session, const RegOptions& options) {
-    RegisterLimits limits{};
-    attempt("ask for the widths of the target",
-            [&] { limits = session.chip().limits(targetOf(options.target)); });
+IO::CameraChip::RegisterLimits limitsOf(ChipSession& session, const RegOptions& options) {
+    IO::CameraChip::RegisterLimits limits{};
+    attemptOnChip("ask for the widths of the target",
+                  [&] { limits = session.chip().limits(targetOf(options.target)); });
     checkRange("register", options.reg, limits.reg, session.chip());
     return limits;
 }
@@ -38,8 +39,8 @@ ExitCode runRegRead(const RegOptions& options, Console& console) {
     ChipSession session(options, console);
     static_cast<void>(limitsOf(session, options));
     unsigned value = 0;
-    attempt(Format("read % register %") % options.target % hexText(options.reg),
-            [&] { value = session.chip().read(targetOf(options.target), options.reg); });
+    attemptOnChip(Format("read % register %") % options.target % hexText(options.reg),
+                  [&] { value = session.chip().read(targetOf(options.target), options.reg); });
     session.finish({{"target", options.target}, {"register", options.reg}, {"value", value}}, hexText(value));
     return ExitCode_DONE;
 }
@@ -49,8 +50,8 @@ ExitCode runRegWrite(RegOptions options, Console& console) {
     ChipSession session(options, console);
     checkRange("value", options.value, limitsOf(session, options).value, session.chip());
     for (unsigned i = 0; i < options.times; ++i)
-        attempt(Format("write % register %") % options.target % hexText(options.reg),
-                [&] { session.chip().write(targetOf(options.target), options.reg, options.value); });
+        attemptOnChip(Format("write % register %") % options.target % hexText(options.reg),
+                      [&] { session.chip().write(targetOf(options.target), options.reg, options.value); });
     session.finish({{"target", options.target},
                     {"register", options.reg},
                     {"value", options.value},

@@ -10,7 +10,7 @@
 namespace Zentara::Tool {
 namespace {
 
-using Simulated::Bytes;
+using Bytes = std::vector<std::uint8_t>;
 using Utils::Format;
 
 constexpr int maxControlBytes = 0xFFFF; ///< the length field of a control transfer has 16 bits
@@ -81,8 +81,8 @@ ExitCode runXuGet(const XuOptions& options, Console& console) {
                                    static_cast<unsigned long>(packet.size()), packet.data(), options.flag);
     });
     Json result = resultOf(session, options);
-    result["bytes"] = bytesText(packet);
-    session.finish(result, bytesText(packet));
+    result["bytes"] = IO::bytesText(packet);
+    session.finish(result, IO::bytesText(packet));
     return ExitCode_DONE;
 }
 
@@ -95,8 +95,8 @@ ExitCode runXuSet(XuOptions options, Console& console) {
                                    static_cast<unsigned long>(packet.size()), packet.data());
     });
     Json result = resultOf(session, options);
-    result["bytes"] = bytesText(packet);
-    session.finish(result, Format("control % := %") % options.control % bytesText(packet));
+    result["bytes"] = IO::bytesText(packet);
+    session.finish(result, Format("control % := %") % options.control % IO::bytesText(packet));
     return ExitCode_DONE;
 }
 

@@ -8,7 +8,7 @@ namespace {
 
 /// The controllers know 16-bit addresses; a greater one would come out somewhere else.
 void checkRange(std::uint32_t address, std::size_t length) {
-    constexpr std::size_t flashBytes = 0x10000;
+    constexpr std::size_t flashBytes = IO::CameraChip::memoryBytes;
     if (address > flashBytes || length > flashBytes - address)
         throw Plugin::IOPluginException(Utils::Format("% bytes at 0x%{:x4} reach past the flash's 64 KiB") %
                                         static_cast<unsigned long long>(length) % address);
@@ -24,7 +24,7 @@ std::vector<std::uint8_t> CameraFlash::read(std::uint32_t address, std::uint32_t
 void CameraFlash::write(std::uint32_t address, const std::vector<std::uint8_t>& bytes) {
     checkRange(address, bytes.size());
     if (!bytes.empty())
-        chip.writeFlash(address, bytes);
+        chip.writeConfiguration(address, bytes);
 }
 
 } // namespace Zentara::Tool

@@ -1,21 +1,20 @@
 #pragma once
 
+#include <zentara/io/camera_chip.h>
 #include <zentara/rom/accessor.h>
-
-#include "tools/zentara/chips/camera_chip.h"
 
 namespace Zentara::Tool {
 
 /// A camera's flash through its controller. The chip must outlive it. Throws what the chip throws.
 class CameraFlash final : public ROM::Accessor {
 public:
-    explicit CameraFlash(CameraChip& controller) : chip(controller) {}
+    explicit CameraFlash(IO::CameraChip& controller) : chip(controller) {}
 
     std::vector<std::uint8_t> read(std::uint32_t address, std::uint32_t length) override;
     void write(std::uint32_t address, const std::vector<std::uint8_t>& bytes) override;
 
 private:
-    CameraChip& chip;
+    IO::CameraChip& chip;
 };
 
 } // namespace Zentara::Tool

@@ -133,7 +133,7 @@ public:
     [[nodiscard]] std::string name() const override {
         const std::string serial = session->cameraEntry().serialNumber();
         return "the camera " + (serial.empty() ? "" : printable(serial) + " ") + "(" +
-               chipName(session->chip().kind()) + ")";
+               session->chip().name() + ")";
     }
     [[nodiscard]] std::string backupStem() const override {
         const CameraIdentity who = *camera();
@@ -144,12 +144,11 @@ public:
     }
     [[nodiscard]] std::optional<CameraIdentity> camera() const override {
         const CameraEntry& entry = session->cameraEntry();
-        return CameraIdentity{entry.serialNumber(), entry.product, entry.path,
-                              chipName(session->chip().kind())};
+        return CameraIdentity{entry.serialNumber(), entry.product, entry.path, session->chip().name()};
     }
     [[nodiscard]] bool isWrittenInPlace() const override { return true; }
     void checkWritable() const override {
-        if (!session->chip().canWriteFlash())
+        if (!session->chip().canWriteConfiguration())
             throw ToolFailure(
                 ExitCode_PERMISSION,
                 Format(
