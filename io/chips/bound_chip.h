@@ -33,6 +33,8 @@ private:
         const auto* bytes = static_cast<const std::uint8_t*>(data);
         ChipTransfer transfer{isGet, unit, static_cast<std::uint32_t>(control), {bytes, bytes + length}, {},
                               {},    false};
+        listener(transfer);
+        transfer.isOver = true;
         try {
             step();
         } catch (const std::exception& failure) {

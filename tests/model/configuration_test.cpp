@@ -12,40 +12,32 @@ using Utils::makeRefcounted;
 
 TEST(ConfigurationTest, NamesFollowEverySetter) {
     const auto audio = makeRefcounted<AudioConfiguration>(2, 16, 44100);
-    EXPECT_EQ("AUCH2BPS16SR44100", audio->getName());
-    audio->setChannels(1);
-    EXPECT_EQ("AUCH1BPS16SR44100", audio->getName());
-    audio->setBitsPerSample(24);
-    EXPECT_EQ("AUCH1BPS24SR44100", audio->getName());
-    audio->setSampleRate(8000);
-    EXPECT_EQ("AUCH1BPS24SR8000", audio->getName());
-    audio->setName("mine");
-    EXPECT_EQ("mine", audio->getName());
-
     const auto color = makeRefcounted<ColorConfiguration>(FrameFormat_VGA, 30, PowerLineFrequency_60HZ,
                                                           CompressionType_MJPEG);
-    EXPECT_EQ("COFF3FR30PLF2COMP1", color->getName());
-    color->setFrameFormat(FrameFormat_QVGA);
-    EXPECT_EQ("COFF2FR30PLF2COMP1", color->getName());
-    color->setFramerate(60);
-    EXPECT_EQ("COFF2FR60PLF2COMP1", color->getName());
-    color->setPowerLineFrequency(PowerLineFrequency_DISABLED);
-    EXPECT_EQ("COFF2FR60PLF0COMP1", color->getName());
-    color->setCompression(CompressionType_NONE);
-    EXPECT_EQ("COFF2FR60PLF0COMP0", color->getName());
-
     const auto depth =
         makeRefcounted<DepthConfiguration>(FrameFormat_QVGA, 60, DepthNode::CameraMode_1, true, 7);
-    // Saturation is a number, not a word.
+    const auto after = [](auto& configuration, auto setter, auto value) {
+        ((*configuration).*setter)(value);
+        return configuration->getName();
+    };
+    using Audio = AudioConfiguration;
+    EXPECT_EQ("AUCH2BPS16SR44100", audio->getName());
+    EXPECT_EQ("AUCH1BPS16SR44100", after(audio, &Audio::setChannels, 1));
+    EXPECT_EQ("AUCH1BPS24SR44100", after(audio, &Audio::setBitsPerSample, 24));
+    EXPECT_EQ("AUCH1BPS24SR8000", after(audio, &Audio::setSampleRate, 8000));
+    EXPECT_EQ("mine", after(audio, &Audio::setName, "mine"));
+    using Color = ColorConfiguration;
+    EXPECT_EQ("COFF3FR30PLF2COMP1", color->getName());
+    EXPECT_EQ("COFF2FR30PLF2COMP1", after(color, &Color::setFrameFormat, FrameFormat_QVGA));
+    EXPECT_EQ("COFF2FR60PLF2COMP1", after(color, &Color::setFramerate, 60));
+    EXPECT_EQ("COFF2FR60PLF0COMP1", after(color, &Color::setPowerLineFrequency, PowerLineFrequency_DISABLED));
+    EXPECT_EQ("COFF2FR60PLF0COMP0", after(color, &Color::setCompression, CompressionType_NONE));
+    using Depth = DepthConfiguration; // whose saturation is a number, not a word
     EXPECT_EQ("DEFF2FR60CM1S1", depth->getName());
-    depth->setFrameFormat(FrameFormat_QQVGA);
-    EXPECT_EQ("DEFF1FR60CM1S1", depth->getName());
-    depth->setFramerate(30);
-    EXPECT_EQ("DEFF1FR30CM1S1", depth->getName());
-    depth->setCameraMode(DepthNode::CameraMode_NONE);
-    EXPECT_EQ("DEFF1FR30CM-1S1", depth->getName());
-    depth->setSaturation(false);
-    EXPECT_EQ("DEFF1FR30CM-1S0", depth->getName());
+    EXPECT_EQ("DEFF1FR60CM1S1", after(depth, &Depth::setFrameFormat, FrameFormat_QQVGA));
+    EXPECT_EQ("DEFF1FR30CM1S1", after(depth, &Depth::setFramerate, 30));
+    EXPECT_EQ("DEFF1FR30CM-1S1", after(depth, &Depth::setCameraMode, DepthNode::CameraMode_NONE));
+    EXPECT_EQ("DEFF1FR30CM-1S0", after(depth, &Depth::setSaturation, false));
 }
 
 TEST(ConfigurationTest, Defaults) {

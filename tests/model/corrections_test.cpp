@@ -140,23 +140,6 @@ TEST_F(Corrections, OneCoefficientServesBothModes) {
     }
 }
 
-TEST_F(Corrections, CopiesOfATemperatureCompensationAreIndependent) {
-    TemperatureCompensation original(1.5F, 4);
-    TemperatureCalibration calibration;
-    calibration.modes[1].values = {{4, 30.0F}};
-    EXPECT_TRUE(original.setTemperatureCalibration(calibration));
-    TemperatureCompensation copy = original;
-    EXPECT_TRUE(original.setSensorIDs(mode0, {7, 8}));
-    original.setTemperatureCalibration({});
-
-    EXPECT_TRUE(copy.setCurrentMode(mode0));
-    EXPECT_EQ(copy.getSensorIDCount(), 1U);
-    EXPECT_EQ(copy.getTemperatureCalibration().get(mode1), calibration.modes[1]);
-    EXPECT_TRUE(copy.getTemperatureCalibration().get(unknownMode).empty());
-    EXPECT_TRUE(original.setCurrentMode(mode0));
-    EXPECT_EQ(original.getSensorID(1), 8);
-}
-
 TEST_F(Corrections, NewCyclicErrorCorrectionAnswersNothing) {
     CyclicErrorCorrection object;
     EXPECT_EQ(object.getAlgorithm(), 0);

@@ -240,24 +240,6 @@ TEST_F(ContainerTest, NoRoomForTheContainerHeader) {
               messageOf<IOPluginException>([&] { container->initializeRom(); }));
 }
 
-TEST_F(ContainerTest, AnExactMultipleGrowsOverItsNeighbour) {
-    format();
-    write(1, pattern(256 - 23)); // allocated size 256
-    write(2, pattern(50));
-    write(1, pattern(300)); // in place, by the one chunk that it is credited
-    mount();
-    EXPECT_EQ("1:300", readable());
-}
-
-TEST_F(ContainerTest, AManyChunkLowestBlockLosesTheContainerHeader) {
-    use({0, 4096, 256, false});
-    format();
-    write(1, pattern(600));
-    write(2, pattern(300)); // lands on the block beside the header
-    mount();
-    EXPECT_FALSE(container->romInitialized());
-}
-
 TEST_F(ContainerTest, FlashTransfersPerOperation) {
     const auto transfers = [&](auto action) { // "reads/bytes writes/bytes"
         flash->readCount = flash->writeCount = flash->bytesRead = flash->bytesWritten = 0;
@@ -280,12 +262,6 @@ TEST_F(ContainerTest, FlashTransfersPerOperation) {
                   container->getSectionUIDs();
               }));
     EXPECT_EQ("1/10 1/10", transfers([&] { container->erase(8); }));
-}
-
-TEST_F(ContainerTest, WithoutAManager) {
-    ROM::Container none(nullptr);
-    EXPECT_THROW(none.initialize(), InvalidOperationPluginException);
-    EXPECT_FALSE(none.romInitialized());
 }
 
 } // namespace

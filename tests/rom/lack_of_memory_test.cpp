@@ -96,8 +96,7 @@ TEST_P(LackOfMemory, AMountFindsEverythingOrThrows) {
         Camera camera(GetParam());
         Storage fresh(camera.flash, camera.area);
         if (under([&] { fresh.container.initialize(); })) {
-            EXPECT_FALSE(fresh.container.romInitialized());
-            EXPECT_TRUE(fresh.container.getSectionUIDs().empty());
+            EXPECT_FALSE(fresh.container.romInitialized() || !fresh.container.getSectionUIDs().empty());
             fresh.container.initialize();
         }
         EXPECT_TRUE(holds(fresh.container, camera.model));

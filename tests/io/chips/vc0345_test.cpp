@@ -43,16 +43,6 @@ TEST_F(VC0345Test, RegistersAreWrittenWholeAndReadByteByByte) {
     EXPECT_THAT(camera.clock.waits, IsEmpty()) << "only commands wait";
 }
 
-TEST_F(VC0345Test, TheOnlySettingIsTheSensorControlSize) {
-    warm();
-    EXPECT_THAT(camera.sent([](auto& chip) { chip.setUSBBackendRegisterLocked(0x8102, 9); }),
-                ElementsAre("SET 4  20 02 81 09"));
-    EXPECT_THAT(camera.sent([](auto& chip) { chip.setTOFControllerRegisterLocked(1, 2); }),
-                ElementsAre(sizeFour, "SET 16  41 01 02 00"));
-    EXPECT_THAT(camera.sent([](auto& chip) { EXPECT_EQ(chip.getUSBBackendRegisterLocked(0x8102), 4U); }),
-                ElementsAre("GET 4  00 02 81 00"));
-}
-
 TEST_F(VC0345Test, EveryRawCommandWaitsOnceAlsoWhenItIsIgnored) {
     warm();
     for (const int prefix : {0, 2, 3, 6, 7, 8, -1})
