@@ -52,8 +52,8 @@
 #include <zentara/io/av_device_proxy_thread.h>
 #include <zentara/io/base_rom_layout.h>
 #include <zentara/io/calibration_data.h>
-#include <zentara/io/camera_control_requests.h>
 #include <zentara/io/camera_chip.h>
+#include <zentara/io/camera_control_requests.h>
 #include <zentara/io/chip_clock.h>
 #include <zentara/io/device_request.h>
 #include <zentara/io/enumerator_interface.h>
