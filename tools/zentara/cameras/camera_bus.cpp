@@ -78,9 +78,10 @@ void describe(CameraEntry& camera, CameraStore& store) {
 CameraStore::CameraStore(std::ostream&, std::ostream* leftOut) {
     std::optional<ToolFailure> first;
     for (const GUID& guid : registeredPlugins(Core::ImplType_DESCRIPTOR_STORE, "descriptor store")) {
+        Utils::SmartPtr<Core::DescriptorStoreInterface> store; // outlives what its library throws
         try {
             attempt("read the descriptions of cameras through " + guidLabel(guid), [&] {
-                auto store = makePlugin<Core::DescriptorStoreInterface>(guid);
+                store = makePlugin<Core::DescriptorStoreInterface>(guid);
                 store->initialize();
                 if (store->getDescriptorStore() == nullptr)
                     throw ToolFailure(ExitCode_FAILED,
