@@ -184,7 +184,7 @@ TEST_F(DescriptorStore, AWrongDescriptionIsRefusedWithFileLineAndField) {
         {"frame format", "\"QVGA\"", "\"HUGE\"", "nodes[0].modes[0].frameFormat: 'HUGE' is none of"},
         {"no number", "\"fx\": 252.5", "\"fx\": 1e99", "depthIntrinsics[0].fx: is too great"},
         {"no number at all", "\"fx\": 252.5", "\"fx\": 1e999",
-         "line 48, nodes[0].depthIntrinsics[0].fx: number overflow"},
+         "line 70, nodes[0].depthIntrinsics[0].fx: number overflow"},
         {"past the memory", "\"address\": 0, \"size\": \"0x4000\"", "\"address\": 1, \"size\": \"0x10000\"",
          "nodes[0].romElements[0].size: must be a whole number from 0 to 65535"},
         {"same mode", "\"frameRate\": 60, \"cameraMode\": 1", "\"frameRate\": 60, \"cameraMode\": 0",

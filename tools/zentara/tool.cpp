@@ -76,8 +76,10 @@ void noteVerb(const CLI::App& program, Console& console) {
 /// What one of several verbs could be called; the program's own, or a verb's actions.
 std::vector<std::string> namesOf(const CLI::App& program) {
     std::vector<std::string> names;
-    for (const CLI::App* verb : program.get_subcommands([](const CLI::App*) { return true; }))
-        names.push_back(verb->get_name());
+    for (const CLI::App* verb : program.get_subcommands([](const CLI::App*) { return true; })) {
+        if (!verb->get_name().empty()) // a group of options has none
+            names.push_back(verb->get_name());
+    }
     return names;
 }
 

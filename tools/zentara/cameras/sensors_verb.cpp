@@ -90,7 +90,7 @@ public:
         const std::string& camera = session.camera().serialNumber();
         std::vector<PlotPanel> panels{{"Temperatures of " + camera + ", degC", {}}};
         for (const auto& [sensor, points] : history)
-            panels.front().lines.push_back({labelOf(sensor), points});
+            panels.front().lines.push_back({shortLabelOf(sensor), points});
         if (accelerometer)
             panels.push_back({"Acceleration of " + camera + ", g",
                               {{"x", accelerations[0]}, {"y", accelerations[1]}, {"z", accelerations[2]}}});
@@ -131,6 +131,12 @@ private:
     [[nodiscard]] std::string labelOf(std::int32_t sensor) const {
         const std::string name = printable(sensorName(session.store(), sensor));
         return "sensor " + std::to_string(sensor) + (name.empty() ? "" : " (" + name + ")");
+    }
+
+    /// For a plot, whose names stand in one line: "illumination"
+    [[nodiscard]] std::string shortLabelOf(std::int32_t sensor) const {
+        const std::string name = sensorName(session.store(), sensor);
+        return name.empty() ? labelOf(sensor) : name;
     }
 
     void note(const Reading& reading) {
