@@ -1,18 +1,20 @@
 #include <zentara/utils/condition.h>
 
+#include "utils/platform/clock.h"
 #include "utils/platform/event.h"
+#include "utils/platform/word.h"
+
+#include <atomic>
+#include <cstdint>
 
 namespace Zentara::Utils::Threading {
 
 namespace {
 
-using Platform::Event;
-
-/// One wait, on the waiting thread's stack. Each has an event of its own, so that a notification reaches a
+/// One wait, on the waiting thread's stack. Each has a word of its own to sleep on, so that a notification reaches a
 /// thread that was waiting then and not one that has come to wait since.
 struct Waiter {
-    const Platform::Owned<Event> event{Event::create(Event::Reset::automatic)};
-    bool notified = false;
+    std::atomic<std::uint32_t> notified{0};
     Waiter* previous = nullptr;
     Waiter* next = nullptr;
 };
@@ -39,6 +41,21 @@ private:
     Waiter* tail = nullptr;
 };
 
+/// Returns when the waiter was notified or the time has passed.
+void sleepUntilNotified(const Waiter& waiter, unsigned long milliseconds) noexcept {
+    const std::int64_t start = Platform::monotonicMicroseconds();
+    unsigned long left = milliseconds;
+    while (waiter.notified.load(std::memory_order_acquire) == 0 &&
+           Platform::sleepOnWord(&waiter.notified, 0, left)) {
+        if (milliseconds == Platform::infiniteWait)
+            continue;
+        const std::int64_t elapsed = (Platform::monotonicMicroseconds() - start) / 1000;
+        left = elapsed < static_cast<std::int64_t>(milliseconds)
+                   ? milliseconds - static_cast<unsigned long>(elapsed)
+                   : 0;
+    }
+}
+
 } // namespace
 
 struct Condition::Impl {
@@ -63,9 +80,10 @@ void Condition::Impl::enter(Waiter& waiter) {
 /// Ends one wait; true when it was notified, be it at the last moment.
 bool Condition::Impl::leave(Waiter& waiter) {
     AutoLock hold(state);
-    if (!waiter.notified)
+    const bool notified = waiter.notified.load(std::memory_order_relaxed) != 0;
+    if (!notified)
         waiting.remove(waiter);
-    return waiter.notified;
+    return notified;
 }
 
 /// False when nobody waits.
@@ -74,9 +92,9 @@ bool Condition::Impl::notifyFirst() {
     if (!first)
         return false;
     waiting.remove(*first);
-    first->notified = true;
     // Under the lock that the waiter takes before it goes: its record is still there.
-    first->event->set();
+    first->notified.store(1, std::memory_order_release);
+    Platform::wakeOnWord(&first->notified);
     return true;
 }
 
@@ -106,7 +124,7 @@ int Condition::timedWait(unsigned long milliseconds) noexcept {
     Waiter waiter;
     impl->enter(waiter);
     unlock();
-    waiter.event->wait(milliseconds);
+    sleepUntilNotified(waiter, milliseconds);
     const bool notified = impl->leave(waiter);
     lock();
     return notified ? 0 : -1;

@@ -1,34 +1,65 @@
 #include <zentara/utils/mutex.h>
 
-#include "utils/platform/mutex.h"
+#include "utils/platform/event.h"
+#include "utils/platform/word.h"
+
+#include <cstdlib>
 
 namespace Zentara::Utils::Threading {
 
 namespace {
 
-/// Several threads may come first at the same time: one cell wins, the others are given back.
-Platform::Mutex& install(std::atomic<Platform::Mutex*>& cell) noexcept {
-    Platform::Owned<Platform::Mutex> fresh(Platform::Mutex::create());
-    Platform::Mutex* present = nullptr;
-    if (cell.compare_exchange_strong(present, fresh.get(), std::memory_order_acq_rel))
-        return *fresh.release();
-    return *present;
+// The word: bit 0 says that threads may be asleep on it, bits 6 to 47 are the mark of the thread that holds it, and the
+// upper 16 bits count the acquisitions beyond its first. 0 is free. Sleepers look at the lower half, where bit 0 is: it
+// is set before they sleep, so whoever frees the word knows of them.
+using Word = std::atomic<std::uint64_t>;
+
+constexpr std::uint64_t contended = 1;
+constexpr std::uint64_t holderBits = ((std::uint64_t{1} << 48) - 1) & ~std::uint64_t{63};
+constexpr std::uint64_t onceMore = std::uint64_t{1} << 48;
+
+/// Who had to wait does not know whether others still do, and takes the word as contended.
+void waitAndTake(Word& word, std::uint64_t self) noexcept {
+    std::uint64_t seen = word.load(std::memory_order_relaxed);
+    for (;;) {
+        if (seen == 0) {
+            if (word.compare_exchange_weak(seen, self | contended, std::memory_order_acquire,
+                                           std::memory_order_relaxed))
+                return;
+            continue;
+        }
+        const std::uint64_t marked = seen | contended;
+        if (seen != marked && !word.compare_exchange_weak(seen, marked, std::memory_order_relaxed))
+            continue;
+        Platform::sleepOnWord(&word, static_cast<std::uint32_t>(marked), Platform::infiniteWait);
+        seen = word.load(std::memory_order_relaxed);
+    }
 }
 
 } // namespace
 
-Mutex::~Mutex() {
-    if (Platform::Mutex* present = cell.load(std::memory_order_acquire))
-        Platform::Mutex::destroy(present);
-}
+// Nothing was taken from the system.
+Mutex::~Mutex() = default;
 
 void Mutex::acquire() noexcept ZENTARA_NO_THREAD_SAFETY_ANALYSIS {
-    Platform::Mutex* present = cell.load(std::memory_order_acquire);
-    (present ? *present : install(cell)).lock();
+    const std::uint64_t self = Platform::threadMark();
+    std::uint64_t seen = 0;
+    if (word.compare_exchange_strong(seen, self, std::memory_order_acquire, std::memory_order_relaxed))
+        return;
+    if ((seen & holderBits) != self)
+        waitAndTake(word, self);
+    else if (word.fetch_add(onceMore, std::memory_order_relaxed) >= ~(onceMore - 1))
+        std::abort(); // more often than can be counted
 }
 
 void Mutex::release() noexcept ZENTARA_NO_THREAD_SAFETY_ANALYSIS {
-    cell.load(std::memory_order_relaxed)->unlock();
+    const std::uint64_t seen = word.load(std::memory_order_relaxed);
+    if ((seen & holderBits) != Platform::threadMark())
+        std::abort(); // it is another thread's
+    if (seen >= onceMore)
+        word.fetch_sub(onceMore, std::memory_order_relaxed);
+    else if ((word.exchange(0, std::memory_order_release) & contended) != 0)
+        Platform::wakeOnWord(&word);
 }
 
 void RecursiveMutex::acquire() noexcept ZENTARA_NO_THREAD_SAFETY_ANALYSIS { mutex.acquire(); }

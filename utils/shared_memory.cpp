@@ -49,6 +49,36 @@ struct SharedMemory::Impl {
     Threading::RecursiveMutex lock;
     std::string baseName = "/ZentaraSDK_";
     std::map<std::string, Slots> names ZENTARA_GUARDED_BY(lock);
+    std::string sweptName ZENTARA_GUARDED_BY(lock); ///< the base name whose left-over memory was removed
+
+    /// Before the first mapping under a base name: what killed processes left behind goes, and what this one has will
+    /// go when it ends.
+    void prepare() ZENTARA_REQUIRES(lock) {
+        static const AtTheEnd atTheEnd;
+        if (sweptName == baseName)
+            return;
+        Platform::SharedMapping::sweep(baseName);
+        sweptName = baseName;
+    }
+
+    /// Of the process, or of the library in it.
+    struct AtTheEnd {
+        ~AtTheEnd() {
+            const Threading::AutoLock hold(instanceLock);
+            if (instance)
+                instance->impl->leave();
+        }
+    };
+
+    void leave() noexcept {
+        const Threading::RecursiveAutoLock hold(lock);
+        for (auto& [name, slots] : names) {
+            for (Slot& slot : slots) {
+                if (slot)
+                    slot->leave();
+            }
+        }
+    }
 };
 
 SharedMemory::SharedMemory() : impl(std::make_unique<Impl>()) {}
@@ -76,8 +106,10 @@ void* SharedMemory::getPtr(std::string name, unsigned int index, unsigned int si
     if (index >= slots.size())
         slots.resize(index + 1);
     // A filled slot is handed out as it is, whatever size and access are asked for now.
-    if (!slots[index])
+    if (!slots[index]) {
+        impl->prepare();
         slots[index] = map(impl->baseName + name + "_" + std::to_string(index), size, writable);
+    }
     return slots[index]->address();
 }
 

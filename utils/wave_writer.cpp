@@ -1,5 +1,6 @@
 #include <zentara/utils/wave_writer.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <limits>
@@ -83,12 +84,25 @@ struct WaveWriter::Impl {
         return std::fwrite(bytes, 1, count, file) == count;
     }
 
+    /// Takes from the count what the system did not take of this file's data: the C library drops what it has kept
+    /// back when it cannot write it.
+    void countWhatIsThere() {
+        const std::int64_t length = Platform::fileLength(file);
+        if (length < 0)
+            return;
+        const std::int64_t present =
+            std::max<std::int64_t>(0, length - static_cast<std::int64_t>(headerBytes));
+        dataSize =
+            formerData + static_cast<std::uint32_t>(std::min<std::int64_t>(dataSize - formerData, present));
+    }
+
     std::FILE* file = nullptr;
     std::uint32_t riffSize = riffSizeWithoutData;
     std::uint16_t channels = 2;
     std::uint32_t samplesPerSecond = 48000;
     std::uint16_t bitsPerSample = 16;
-    std::uint32_t dataSize = 0; ///< also the count of data bytes written
+    std::uint32_t dataSize = 0;   ///< also the count of data bytes written
+    std::uint32_t formerData = 0; ///< the part of it that earlier files have
 };
 
 WaveWriter::WaveWriter() : impl(std::make_unique<Impl>()) {}
@@ -101,6 +115,7 @@ int WaveWriter::open(const char* path) {
     impl->file = path ? Platform::openFile(path, Platform::FileMode::WriteBinary) : nullptr;
     if (!impl->file)
         return CannotOpen;
+    impl->formerData = impl->dataSize;
     return impl->writeHeader() ? NoError : CannotWrite;
 }
 
@@ -120,10 +135,15 @@ int WaveWriter::write(const void* data, int size) {
 int WaveWriter::close() {
     if (!impl->file)
         return NoError;
+    // Before the seek, which would write as well, and whose failure has another meaning.
+    int result = std::fflush(impl->file) == 0 ? NoError : CannotWrite;
+    if (std::ferror(impl->file) != 0)
+        impl->countWhatIsThere();
     impl->riffSize = impl->dataSize + riffSizeWithoutData;
     // A file that cannot be rewound, such as a pipe, keeps the header that was written first.
-    int result = NoError;
-    if (std::fseek(impl->file, 0, SEEK_SET) == 0 && !impl->writeHeader())
+    const bool rewritten =
+        std::fseek(impl->file, 0, SEEK_SET) != 0 || (impl->writeHeader() && std::fflush(impl->file) == 0);
+    if (!rewritten && result == NoError)
         result = CannotSeek;
     if (std::fclose(impl->file) != 0 && result == NoError)
         result = CannotClose;

@@ -7,6 +7,8 @@
 
 #include "core/failing_root.h"
 #include "core/test_root.h"
+#include "support/failing_allocation.h"
+#include "utils/platform/library_file.h"
 
 using namespace Zentara::Core;
 using Zentara::Plugin::InitializationPluginException;
@@ -75,6 +77,35 @@ TEST(NullManager, ObjectsCountThemselvesOnly) {
     copy.reset();
     EXPECT_TRUE(destroyed);
     EXPECT_EQ(nullptr, PluginManager::instance());
+}
+
+// A start that finds no memory throws and is counted, as above; what it had opened is closed, and nothing is left out.
+TEST(FailingManager, LackOfMemoryLeavesEverythingAsItWas) {
+    const TestRoot root("memory");
+    const std::string path = root.add("good");
+    { const ManagerHold first; }
+    bool hit = true;
+    for (std::size_t n = 0; hit; ++n) {
+        PluginManager* manager = nullptr;
+        {
+            const Zentara::TestSupport::FailingAllocation lack(n);
+            try {
+                manager = PluginManager::instance();
+            } catch (const std::exception&) {
+            }
+            hit = lack.hit();
+        }
+        if (manager) {
+            ASSERT_EQ(1u, manager->getGUIDs(ImplType_VIDEO_DEVICE).size()) << n;
+        } else {
+            manager = PluginManager::instance();
+            manager->release();
+        }
+        manager->release();
+        ASSERT_FALSE(Zentara::Utils::Platform::isLibraryLoaded(path)) << n;
+        const ManagerHold again;
+        ASSERT_NE(nullptr, again.create(fixtureGuid(1))) << n;
+    }
 }
 
 // The file alone is refused, each time, and everything else goes on.

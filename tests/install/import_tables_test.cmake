@@ -2,7 +2,7 @@
 # imports the shared runtime, or needs nothing of it, and none carries its own. The library needs nothing else but
 # the system.
 set(runtime "libstdc\\+\\+-6\\.dll|libgcc_s_seh-1\\.dll|libwinpthread-1\\.dll")
-set(system "KERNEL32\\.dll|msvcrt\\.dll|ADVAPI32\\.dll|USER32\\.dll|WS2_32\\.dll")
+set(system "KERNEL32\\.dll|msvcrt\\.dll|ADVAPI32\\.dll|USER32\\.dll|WS2_32\\.dll|api-ms-win-core-synch-l1-2-0\\.dll")
 
 file(GLOB binaries ${BINARY_DIR}/bin/*.dll ${BINARY_DIR}/bin/*.exe ${BINARY_DIR}/bin/Plugins/*.dll
     ${BINARY_DIR}/test-plugins/*.dll)

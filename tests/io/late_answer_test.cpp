@@ -60,33 +60,21 @@ using Bytes = std::vector<std::uint8_t>;
 
 std::unique_ptr<Bytes> bytes() { return std::make_unique<Bytes>(size, std::uint8_t{1}); }
 
-TEST_F(LateAnswerTest, Receive) {
+TEST_F(LateAnswerTest, Transfers) {
     answerLate<xuRecvRequest, Bytes>(
         bytes(), [](VideoProxy& proxy, Bytes& buffer) { proxy.recv(1, 2, size, buffer.data(), false); },
         [](xuRecvRequest& request) { std::memset(request.getData(), 2, request.getLength()); });
-}
-
-TEST_F(LateAnswerTest, Send) {
     answerLate<xuSendRequest, Bytes>(
         bytes(), [](VideoProxy& proxy, Bytes& buffer) { proxy.send(1, 2, size, buffer.data()); },
         [](xuSendRequest& request) {
             EXPECT_EQ(1, static_cast<const std::uint8_t*>(request.getData())[size - 1]);
         });
-}
-
-TEST_F(LateAnswerTest, Length) {
     answerLate<xuLenRequest, Bytes>(
         bytes(), [](VideoProxy& proxy, Bytes&) { static_cast<void>(proxy.len(1, 2)); },
         [](xuLenRequest& request) { *request.getResult() = 5; });
-}
-
-TEST_F(LateAnswerTest, Setup) {
     answerLate<xuSetupRequest, GUID>(
         std::make_unique<GUID>(AUDIO_DEVICE), [](VideoProxy& proxy, GUID& guid) { proxy.xuSetup(guid); },
         [](xuSetupRequest& request) { EXPECT_TRUE(guidEquals(AUDIO_DEVICE, request.getGUID())); });
-}
-
-TEST_F(LateAnswerTest, ControlTransfers) {
     answerLate<readControlTransferRequest, Bytes>(
         bytes(), [](VideoProxy& proxy, Bytes& buffer) { proxy.read(1, 2, 3, buffer.data(), size); },
         [](readControlTransferRequest& request) {
@@ -100,15 +88,12 @@ TEST_F(LateAnswerTest, ControlTransfers) {
         [](writeBulkTransferRequest& request) { EXPECT_EQ(1, request.getData()[size - 1]); });
 }
 
-TEST_F(LateAnswerTest, ControlRanges) {
+TEST_F(LateAnswerTest, Answers) {
+    using Modes = std::vector<Utils::SmartPtr<ColorConfiguration>>;
     answerLate<getCameraControlRangesRequest, CameraControlRanges>(
         std::make_unique<CameraControlRanges>(),
         [](VideoProxy& proxy, CameraControlRanges& ranges) { proxy.getCameraControlRanges(ranges); },
         [](getCameraControlRangesRequest& request) { request.getRanges().ranges[CameraControl_GAIN] = {}; });
-}
-
-TEST_F(LateAnswerTest, ColorConfigurations) {
-    using Modes = std::vector<Utils::SmartPtr<ColorConfiguration>>;
     answerLate<getColorConfigurationsRequest, Modes>(
         std::make_unique<Modes>(), [](VideoProxy& proxy, Modes& modes) { proxy.getConfigurations(modes); },
         [](getColorConfigurationsRequest& request) {

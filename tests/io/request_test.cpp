@@ -49,14 +49,5 @@ TEST(DeviceRequestTest, CancellingWithoutATransferOnlyMarks) {
     request->unlock();
 }
 
-TEST(DeviceRequestTest, AFailureIsKept) {
-    const auto request = makeRefcounted<deviceRequest>(nullptr, RequestType_NONE);
-    EXPECT_FALSE(request->failed());
-    request->setFailure(Plugin::PluginExceptionType(42), "odd");
-    EXPECT_TRUE(request->failed());
-    EXPECT_EQ(42, request->getFailure().type);
-    EXPECT_EQ("odd", request->getFailure().message);
-}
-
 } // namespace
 } // namespace Testing

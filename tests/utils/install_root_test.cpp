@@ -107,6 +107,16 @@ TEST_F(InstallRootTest, ChoosesTheDevelopmentKitByItsVersion) {
     }
 }
 
+TEST_F(InstallRootTest, FillsInTheVariablesOfATextThatHasThem) {
+    EnvironmentVariable place("ZENTARA_TEST_PLACE");
+    place.setValue("D:\\T\xC3\xB6st");
+    ASSERT_TRUE(Platform::writeKeyExpandable(store, plainKey, KeyView::Bits64, "InstallDir",
+                                             "%ZENTARA_TEST_PLACE%/%ZENTARA_TEST_UNSET%/"));
+    EXPECT_EQ(found(), std::string(isRegistry ? "D:\\T\xC3\xB6st" : "%ZENTARA_TEST_PLACE%") +
+                           "/%ZENTARA_TEST_UNSET%/");
+    place.setValue(nullptr);
+}
+
 TEST_F(InstallRootTest, LogsAVersionItCannotParse) {
     const TestSupport::LogCapture log;
     installKit(KeyView::Bits64, "1.4.", "kit64");

@@ -1,5 +1,5 @@
-// The other process of the tests with two. It never cleans up after itself, as a killed process would not,
-// unless its last argument is "leave".
+// The other process of the tests with two. It never cleans up after itself, as a killed process would not, unless its
+// last argument is "leave"; with "return" it returns from main and cleans nothing up itself, with "kill" it is killed.
 //
 //   utils_peer instance NAME            exit code 0 when another instance runs, 1 when not
 //   utils_peer memory NAME SIZE OLD NEW exit code 0 when the memory held OLD; it holds NEW then. 1 when it held
@@ -10,6 +10,7 @@
 #include <zentara/utils/shared_memory_manager.h>
 #include <zentara/utils/unique_instance.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <new>
 #include <string>
@@ -20,8 +21,12 @@ namespace {
 using Words = std::vector<std::string>;
 
 int end(const Words& words, int code) {
-    if (words.back() == "leave")
+    if (words.back() == "leave" || words.back() == "return")
         return code;
+#ifdef SIGKILL
+    if (words.back() == "kill")
+        std::raise(SIGKILL);
+#endif
     std::_Exit(code);
 }
 
@@ -43,7 +48,8 @@ int exchangeMemory(const Words& words) {
         return end(words, 2);
     }
     const int code = end(words, found == old ? 0 : 1);
-    Zentara::Utils::SharedMemory::release();
+    if (words.back() == "leave")
+        Zentara::Utils::SharedMemory::release();
     return code;
 }
 

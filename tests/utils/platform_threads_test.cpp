@@ -1,6 +1,5 @@
 #include "utils/platform/clock.h"
 #include "utils/platform/event.h"
-#include "utils/platform/mutex.h"
 #include "utils/platform/thread.h"
 #include "utils/platform/thread_local_slot.h"
 
@@ -80,21 +79,6 @@ TEST(PlatformEvent, NoSetIsLostBetweenTwoThreads) {
         ASSERT_TRUE(pong->wait(generous));
     }
     other->join();
-}
-
-TEST(PlatformMutex, IsReentrantAndExclusive) {
-    Owned<Mutex> mutex(Mutex::create());
-    int count = 0;
-    runTogether(4, [&] {
-        for (int i = 0; i < 5000; ++i) {
-            mutex->lock();
-            mutex->lock();
-            ++count;
-            mutex->unlock();
-            mutex->unlock();
-        }
-    });
-    EXPECT_EQ(count, 4 * 5000);
 }
 
 TEST(PlatformThread, KnowsItself) {

@@ -58,4 +58,12 @@ TEST_F(WaveWriterPeerTest, AnotherProgramReadsTheSameSound) {
     EXPECT_EQ(readFile(raw), std::string(reinterpret_cast<const char*>(samples.data()), samples.size() * 2));
 }
 
+TEST(WaveWriter, AFullDiskIsToldWhenTheFileIsClosed) {
+    WaveWriter writer;
+    ASSERT_EQ(writer.open("/dev/full"), 0);
+    EXPECT_EQ(writer.write("abcd", 4), 0);
+    EXPECT_EQ(writer.close(), 3);
+    EXPECT_FALSE(writer.isOpen());
+}
+
 } // namespace

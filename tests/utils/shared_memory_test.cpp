@@ -1,12 +1,16 @@
 #include "support/program.h"
+#include "tests/utils/left_names.h"
 
 #include <zentara/utils/shared_memory.h>
 #include <zentara/utils/shared_memory_manager.h>
 
+#include "utils/platform/files.h"
 #include "utils/platform/thread.h"
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
 #include <new>
 #include <string>
 
@@ -25,8 +29,9 @@ protected:
     }
 
     /// The other process expects `before`, leaves `after` and ends without cleaning up, or with it.
-    int exchangeElsewhere(int before, int after, const std::string& how = "die", unsigned int size = 4096) {
-        return Tests::runProgram("utils_peer", "memory " + name + " " + std::to_string(size) + " " +
+    int exchangeElsewhere(int before, int after, const std::string& how = "die", unsigned int size = 4096,
+                          const std::string& suffix = "") {
+        return Tests::runProgram("utils_peer", "memory " + name + suffix + " " + std::to_string(size) + " " +
                                                    std::to_string(before) + " " + std::to_string(after) +
                                                    " " + how);
     }
@@ -85,9 +90,28 @@ TEST_F(SharedMemoryTest, TwoProcessesShareIt) {
     EXPECT_EQ(exchangeElsewhere(0, 15, "leave"), 0) << "went with its last user";
 }
 
-TEST_F(SharedMemoryTest, WhatAKilledProcessLeftIsReplaced) {
+TEST_F(SharedMemoryTest, AReturnFromMainGivesItBack) {
+    EXPECT_EQ(exchangeElsewhere(0, 20, "return"), 0);
+    EXPECT_FALSE(Tests::isNameLeft(name));
+    *map() = 21;
+    EXPECT_EQ(exchangeElsewhere(21, 22, "return"), 0);
+    EXPECT_EQ(exchangeElsewhere(22, 23, "return"), 0) << "not from whoever else has it";
+}
+
+TEST_F(SharedMemoryTest, WhatAKilledProcessLeftIsReplacedOrSweptAway) {
+    const bool namesAreFiles = !Platform::isSeparator('\\');
     EXPECT_EQ(exchangeElsewhere(0, 20, "die", 64), 0);
     EXPECT_EQ(*map(0, 1 << 20), 0);
+    exchangeElsewhere(0, 21, "kill", 64, "killed");
+    EXPECT_EQ(Tests::isNameLeft(name + "killed"), namesAreFiles);
+    const std::string foreign = "/dev/shm/ZentaraSDK_" + name + "_notes";
+    std::ofstream(foreign) << "not ours";
+    // The first mapping of a process looks what nobody holds; this one is held here.
+    EXPECT_EQ(exchangeElsewhere(0, 22, "leave"), 0);
+    EXPECT_FALSE(Tests::isNameLeft(name + "killed"));
+    EXPECT_EQ(*map(), 22);
+    const bool kept = Tests::isNameLeft(name + "_notes");
+    EXPECT_EQ(std::filesystem::remove(foreign), kept);
 }
 
 TEST_F(SharedMemoryTest, ReadOnlyMappingSeesTheOther) {

@@ -1,4 +1,5 @@
 #include "support/program.h"
+#include "tests/utils/left_names.h"
 
 #include <zentara/utils/shared_memory_manager.h>
 #include <zentara/utils/unique_instance.h>
@@ -40,6 +41,8 @@ TEST_F(UniqueInstanceTest, HoldsWithinOneProcess) {
 TEST_F(UniqueInstanceTest, HoldsBetweenProcessesAndEndsWithAKilledOne) {
     EXPECT_FALSE(isHeldForAnotherProcess());
     EXPECT_FALSE(isHeldForAnotherProcess()) << "the first one ended without cleaning up";
+    EXPECT_EQ(Tests::runProgram("utils_peer", "instance " + name + ".other leave"), 1);
+    EXPECT_FALSE(Tests::isNameLeft(name)) << "the next process has swept";
     auto instance = take();
     EXPECT_FALSE(instance->isAnotherInstanceRunning());
     EXPECT_TRUE(isHeldForAnotherProcess());
@@ -75,6 +78,17 @@ TEST(UniqueInstance, OnlyAnExistingNameMeansAnotherInstance) {
     const UniqueInstance sameOdd("zentara test: \xC3\xA4\xF0\x9F\x93\xB7/..");
     EXPECT_FALSE(odd.isAnotherInstanceRunning());
     EXPECT_TRUE(sameOdd.isAnotherInstanceRunning());
+    // Longer than the name of a file, in the form that a file's name has.
+    for (const int letters : {27, 90, 3000}) {
+        std::string text;
+        for (int i = 0; i < letters; ++i)
+            text += "\xE6\xA9\x9F";
+        const UniqueInstance lengthy(text.c_str());
+        const UniqueInstance another((text + "1").c_str());
+        const UniqueInstance same(text.c_str());
+        EXPECT_FALSE(lengthy.isAnotherInstanceRunning() || another.isAnotherInstanceRunning()) << letters;
+        EXPECT_TRUE(same.isAnotherInstanceRunning()) << letters;
+    }
 }
 
 } // namespace

@@ -4,6 +4,8 @@
 #include <csignal>
 #include <iterator>
 
+#include "utils/platform/program.h"
+
 namespace Zentara::Tool {
 namespace {
 
@@ -27,12 +29,15 @@ extern "C" void noteInterrupt(int signal) {
     std::signal(signal, count > 1 ? SIG_DFL : noteInterrupt);
 }
 
+void noteConsole() { ++noted; }
+
 } // namespace
 
 InterruptWatch::InterruptWatch() {
     static_assert(std::size(signals) <= mostSignals);
     noted = 0;
     termination = false;
+    Utils::Platform::watchConsole(noteConsole);
     for (std::size_t index = 0; index < std::size(signals); ++index) {
         previous[index] = std::signal(signals[index], noteInterrupt);
         if (previous[index] == SIG_IGN)
@@ -41,6 +46,7 @@ InterruptWatch::InterruptWatch() {
 }
 
 InterruptWatch::~InterruptWatch() {
+    Utils::Platform::watchConsole(nullptr);
     for (std::size_t index = 0; index < std::size(signals); ++index) {
         if (previous[index] != SIG_ERR)
             std::signal(signals[index], previous[index]);

@@ -11,7 +11,8 @@ struct Interrupts {
     bool isTermination = false; ///< one of them was the system's request
 };
 
-/// Catches Ctrl-C, and the system's polite requests to end, while it lives. The first one is noted, for long work to
+/// Catches Ctrl-C, and the system's polite requests to end (signals; on Windows Ctrl-Break, the closing of the
+/// console's window, log-off and shutdown), while it lives. The first one is noted, for long work to
 /// look at and end in order; the supervisor ends the process at the second one, and if it cannot, the system does at the
 /// third. One at a time.
 class InterruptWatch final {

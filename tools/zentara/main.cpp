@@ -12,7 +12,8 @@ int main(int argc, char** argv) {
     const std::vector<std::string> arguments = Platform::programArguments(argc, argv);
     if (Zentara::Tool::isPluginQuestion(arguments))
         return Zentara::Tool::answerPluginQuestion(arguments);
-    Zentara::Tool::Console console{std::cout, std::cerr, Platform::isTerminal(stderr),
+    const Platform::ConsoleSetup setup;
+    Zentara::Tool::Console console{std::cout, std::cerr, setup.takesEscapeSequences(stderr),
                                    Platform::executablePath()};
     return Zentara::Tool::runTool(arguments, console);
 }

@@ -12,8 +12,8 @@ inline constexpr unsigned long infiniteWait = 0xFFFFFFFF;
 class Event {
 public:
     enum class Reset {
-        automatic, ///< one wait consumes the event; with several threads waiting, each set() lets one more
-                   ///< pass
+        automatic, ///< one wait consumes the event; with threads waiting, each set() lets one more pass, and one
+                   ///< beyond them stays
         manual,    ///< lets every wait pass until reset()
     };
 

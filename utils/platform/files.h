@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <cstdio>
 #include <string>
 
@@ -14,6 +15,9 @@ enum class FileMode {
 /// Opens a file by its UTF-8 path; null on failure, with the last error set. Never waits for the other end of
 /// a pipe, and child processes do not inherit the file. A path with a zero byte inside is refused.
 std::FILE* openFile(const std::string& path, FileMode mode);
+
+/// How many bytes a regular file has, without what is still buffered; -1 for anything else.
+std::int64_t fileLength(std::FILE* file) noexcept;
 
 /// Forces what was written to a file onto the disk. False on failure, with the last error set.
 bool flushToDisk(std::FILE* file);

@@ -17,7 +17,8 @@ enum class KeyRead {
 const char* systemKeyStore() noexcept;
 
 /// Reads a text value (UTF-8) of a key such as "Software\Vendor\Product" in one view of a store. `text` is
-/// untouched unless the result is Found. Names of keys and values ignore letter case.
+/// untouched unless the result is Found. Names of keys and values ignore letter case. A text that the registry marks
+/// as one with variables ("%ProgramFiles%") comes with their values.
 ///
 /// In an INI file a section is a key; the sections of the 32-bit view carry "WOW6432Node\" after "Software\".
 /// Lines that are neither section, "name = value" nor comment (';', '#') are skipped.

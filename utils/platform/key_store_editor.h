@@ -11,6 +11,9 @@ namespace Zentara::Utils::Platform {
 
 bool writeKeyText(const std::string& store, const std::string& key, KeyView view, const std::string& name,
                   const std::string& text);
+/// The same, marked as a text with variables where the store knows such.
+bool writeKeyExpandable(const std::string& store, const std::string& key, KeyView view,
+                        const std::string& name, const std::string& text);
 /// A value that exists and is no text.
 bool writeKeyNonText(const std::string& store, const std::string& key, KeyView view, const std::string& name);
 /// Removes the key with all its values; true also when there is none.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -25,10 +26,47 @@ void failInsteadOfDying() noexcept;
 /// The system's error numbers that mean a lack of permission.
 std::vector<long> permissionErrors();
 
+/// What a program holds of the system at the moment; 0 where the system does not tell.
+struct ResourceUse {
+    std::size_t residentBytes = 0;
+    unsigned threads = 0;
+    unsigned handles = 0; ///< or file descriptors
+};
+ResourceUse resourceUse();
+
 /// Whether a person reads what is written to the stream.
 bool isTerminal(std::FILE* stream) noexcept;
 
 /// A word of a command line as a person pastes it into the system's command interpreter: in quotes where it needs them.
 std::string shellWord(const std::string& text);
+
+/// Sets the console up for a program that writes UTF-8 and escape sequences, and puts it back as it was at the end: it
+/// outlives the program. Elsewhere a terminal is so by itself.
+class ConsoleSetup final {
+public:
+    ConsoleSetup() noexcept;
+    ~ConsoleSetup();
+    ConsoleSetup(const ConsoleSetup&) = delete;
+    ConsoleSetup& operator=(const ConsoleSetup&) = delete;
+
+    /// Whether a person reads the stream, one of the standard ones, and escape sequences have their effect there.
+    [[nodiscard]] bool takesEscapeSequences(std::FILE* stream) const noexcept;
+
+private:
+    struct Kept {
+        bool isConsole = false;
+        bool hasSequences = false;
+        unsigned long mode = 0;
+    };
+    static constexpr int streams = 2;
+    [[maybe_unused]] Kept kept[streams]; ///< standard output and standard error
+    [[maybe_unused]] unsigned int codePage = 0;
+};
+
+/// Has `note` called, on a thread of the system's, when a console asks the program to end in a way that is no signal:
+/// on Windows by Ctrl-Break, the closing of its window, log-off and shutdown. A second Ctrl-Break ends the program.
+/// After each of the other three the system ends it when some seconds are over; until then the program can end in
+/// order. Null takes that back. Elsewhere these are signals.
+void watchConsole(void (*note)()) noexcept;
 
 } // namespace Zentara::Utils::Platform

@@ -7,8 +7,9 @@
 
 namespace Zentara::Utils::Platform {
 
-/// Memory that the processes of one user share under a name. It starts as zeros, keeps the size of its first
-/// user and goes with its last user, also when that one is killed.
+/// Memory that the processes of one user share under a name. It starts as zeros, keeps the size of its first user and
+/// goes with its last user. Off Windows one that is killed leaves the name and the memory behind: the next create()
+/// of the name replaces them, sweep() removes them.
 class SharedMapping {
 public:
     /// Opens the memory, or creates it.
@@ -22,6 +23,14 @@ public:
     static void destroy(SharedMapping* mapping) noexcept;
 
     [[nodiscard]] void* address() const noexcept;
+
+    /// Gives the name up as destroy() does, at the end of the process, but leaves the memory where it is. Windows does
+    /// that by itself.
+    void leave() noexcept;
+
+    /// Removes what killed processes of this user left behind under names that are the prefix, any text, "_" and a
+    /// number. Leaves alone what somebody uses. Nothing to do on Windows.
+    static void sweep(const std::string& prefix) noexcept;
 
     /// Makes the system forget the name where it can (Windows cannot): present users keep the memory, the
     /// next create() makes new memory.

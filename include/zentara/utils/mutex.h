@@ -4,18 +4,16 @@
 #include <zentara/utils/thread_annotations.h>
 
 #include <atomic>
-
-namespace Zentara::Utils::Platform {
-class Mutex;
-}
+#include <cstdint>
 
 namespace Zentara::Utils::Threading {
 
 /// A lock. Re-entrant on every system: a thread may acquire it again and must release it as often.
 /// Must outlive every thread that uses it. Safe.
 ///
-/// Construction is constant-initialised and takes nothing from the system before the first acquire(), so a
-/// static mutex can be used by any initialiser. One that threads may still use while the process ends must
+/// It is one word of memory: construction is constant-initialised, so a static mutex can be used by any initialiser,
+/// and nothing is taken from the system, so no use of it can fail for lack of memory. A release() by a thread that does
+/// not hold it, and more than 65,536 acquisitions at a time, end the process by abort(). One that threads may still use while the process ends must
 /// not be destroyed: the library's own class-wide mutexes are references to storage that never is.
 class ZENTARA_API ZENTARA_CAPABILITY("mutex") Mutex final {
 public:
@@ -31,7 +29,7 @@ public:
     void release() noexcept ZENTARA_RELEASE();
 
 private:
-    std::atomic<Platform::Mutex*> cell{nullptr};
+    std::atomic<std::uint64_t> word{0};
 };
 
 /// The same lock under its own name, for places where re-entry is intended. Safe.

@@ -11,8 +11,13 @@ namespace Zentara::Utils {
 ///
 /// A mapping is named by the base name, the caller's name and an index; its system-wide name is
 /// '/ZentaraSDK_' + name + '_' + index. Processes of one user that ask for the same name and index share the
-/// memory, which starts as zeros, keeps its first size and vanishes with its last user, however that one
-/// ends.
+/// memory, which starts as zeros, keeps its first size and vanishes with its last user: when that one gives it
+/// back, or at the end of its process by exit() or a return from main().
+///
+/// Off Windows a process that is killed, or ends by _exit() or abort(), as the last user leaves name and memory behind
+/// in "/dev/shm". Nobody sees what was in it: whoever asks for the name gets new memory. And the first mapping of any
+/// process of the same user removes all such left-overs under its base name; otherwise they stay until the system is
+/// started anew. A child of fork() has its parent's mappings, but does not count as a user of them.
 class ZENTARA_API SharedMemory final {
 public:
     /// The process's table, made on first use; the pointer is valid until release().
@@ -47,7 +52,8 @@ public:
     /// "/ZentaraSDK_" unless it was set. The reference is the table's own and not guarded.
     std::string& getBaseName();
 
-    /// Affects mappings made from now on.
+    /// Affects mappings made from now on. The name is the host's own: off Windows what of this user begins with it, ends
+    /// in "_" and a number, and is used by nobody is taken for a left-over, see above.
     void setBaseName(std::string& baseName);
 
 private:

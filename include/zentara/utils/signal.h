@@ -9,7 +9,8 @@ class Event;
 namespace Zentara::Utils::Threading {
 
 /// An event that one wait consumes: set() lets exactly one wait pass, now or later, and further sets before
-/// that wait add nothing. Created unset. Safe; a failure of the system underneath ends the process by
+/// that wait add nothing. The set that a sleeping thread is being woken by is that thread's: one more stays for the
+/// next wait. Created unset. Safe; a failure of the system underneath ends the process by
 /// abort().
 ///
 /// set() touches nothing once a waiter could have returned, so the waiter may destroy the signal right away.

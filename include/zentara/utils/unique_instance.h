@@ -7,7 +7,10 @@
 namespace Zentara::Utils {
 
 /// Tells whether another process of this user, or another object of this process, holds the same name.
-/// The name is held from construction to destruction, or to the end of the process. Never throws.
+/// The name is held from construction to destruction, or to the end of the process, however that ends. Never throws.
+///
+/// Names may be long and hold any characters. Off Windows a killed process leaves an empty file in "/dev/shm" behind,
+/// which holds nothing and which the first object of the next process removes.
 class ZENTARA_API UniqueInstance final {
 public:
     explicit UniqueInstance(const char* name) noexcept;

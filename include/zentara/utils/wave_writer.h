@@ -21,11 +21,14 @@ public:
     int open(const char* path);
 
     /// Appends `size` bytes of little-endian samples, channels interleaved: 0, also when no file is open,
-    /// or 3. A negative size, null data and more than the format's 4 GiB are refused with 3.
+    /// or 3. A negative size, null data and more than the format's 4 GiB are refused with 3. The samples may be kept back
+    /// until close(), which then tells whether they could be written.
     int write(const void* data, int size);
 
-    /// Writes the final sizes into the header and closes: 0, also when no file is open, 4 when the header
-    /// cannot be rewritten, or 5. The file is closed in any case; the first error is returned.
+    /// Writes what is still buffered, then the final sizes into the header, and closes: 0, also when no file is open,
+    /// 3 when samples that write() took did not get into the file, as on a full disk, 4 when the header cannot be
+    /// rewritten, or 5. The file is closed in any case; the first error is returned. After 3 the header counts the
+    /// samples that are there.
     int close();
 
     bool isOpen() const;

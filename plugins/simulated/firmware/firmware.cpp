@@ -6,6 +6,11 @@
 
 namespace Zentara::Simulated {
 
+std::optional<std::size_t> Firmware::length(std::uint32_t selector) const {
+    const auto found = controls.find(selector);
+    return found == controls.end() ? std::nullopt : std::optional(found->second.bytes);
+}
+
 void stall(const Firmware& model, const std::string& reason) {
     throw Plugin::IOPluginException(std::string(chipName(model.kind())) + " stalled: " + reason);
 }

@@ -2,8 +2,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <zentara/guid.h>
@@ -24,22 +27,44 @@ using Cameras::chipName;
 class Firmware {
 public:
     virtual ~Firmware() = default;
-    [[nodiscard]] virtual ChipKind kind() const noexcept = 0;
+    Firmware(const Firmware&) = delete;
+    Firmware& operator=(const Firmware&) = delete;
+
+    [[nodiscard]] ChipKind kind() const noexcept { return chip; }
     /// The extension unit that a host has to select, and its number on the camera.
-    [[nodiscard]] virtual const ::GUID& guid() const noexcept = 0;
-    [[nodiscard]] virtual std::uint32_t unit() const noexcept = 0;
+    [[nodiscard]] const ::GUID& guid() const noexcept { return extensionUnit; }
+    [[nodiscard]] std::uint32_t unit() const noexcept { return unitNumber; }
     /// Bytes of a control; nothing for a control that the unit does not have.
-    [[nodiscard]] virtual std::optional<std::size_t> length(std::uint32_t selector) const = 0;
+    [[nodiscard]] std::optional<std::size_t> length(std::uint32_t selector) const;
     /// A SET; `packet` has the control's length.
-    virtual void set(std::uint32_t selector, const Bytes& packet) = 0;
+    void set(std::uint32_t selector, const Bytes& packet) { controls.at(selector).set(packet); }
     /// A GET; `request` is what the host left in its buffer, of the control's length. Returns the reply.
-    [[nodiscard]] virtual Bytes get(std::uint32_t selector, const Bytes& request) = 0;
+    [[nodiscard]] Bytes get(std::uint32_t selector, const Bytes& request) {
+        return controls.at(selector).get(request);
+    }
     /// The image that a firmware read of the whole memory yields.
     [[nodiscard]] virtual const Bytes& flash() const noexcept = 0;
     /// The same for the configuration area.
     [[nodiscard]] virtual const Bytes& configuration() const noexcept = 0;
     /// The registers of the time-of-flight controller; null when the camera has none.
     [[nodiscard]] virtual RegisterFile* tofRegisters() noexcept = 0;
+
+protected:
+    struct Control {
+        std::size_t bytes;
+        std::function<void(const Bytes& packet)> set;
+        std::function<Bytes(const Bytes& request)> get;
+    };
+    using Controls = std::map<std::uint32_t, Control>; ///< by selector
+
+    Firmware(ChipKind kind, const ::GUID& guid, std::uint32_t unit, Controls all)
+        : chip(kind), extensionUnit(guid), unitNumber(unit), controls(std::move(all)) {}
+
+private:
+    const ChipKind chip;
+    const ::GUID extensionUnit;
+    const std::uint32_t unitNumber;
+    const Controls controls;
 };
 
 /// Throws `IOPluginException` "CHIP stalled: REASON".

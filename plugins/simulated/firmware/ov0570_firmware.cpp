@@ -12,6 +12,7 @@ constexpr std::uint32_t informationControl = 1;
 constexpr std::uint32_t registerControl = 2;
 constexpr std::uint32_t eepromControl = 3;
 constexpr std::size_t informationBytes = 64;
+constexpr std::size_t registerBytes = 7;
 constexpr std::size_t pieceBytes = 32;
 constexpr std::size_t firstFurtherDevice = 16;
 constexpr std::size_t furtherDeviceBytes = 4;
@@ -38,7 +39,18 @@ RegisterFile fileOf(const OV0570Firmware::Device& device) {
 } // namespace
 
 OV0570Firmware::OV0570Firmware(Settings initial)
-    : settings(std::move(initial)), memory(settings.flashFile, settings.flash) {
+    : Firmware(
+          ChipKind::OV0570, unitGuid, 6,
+          {{informationControl,
+            {informationBytes, [this](const Bytes&) { stall(*this, "the control information is read-only"); },
+             [this](const Bytes&) { return controlInformation(); }}},
+           {registerControl,
+            {registerBytes, [this](const Bytes& packet) { writeRegister(packet); },
+             [this](const Bytes& request) { return readRegister(request); }}},
+           {eepromControl,
+            {1 + pieceBytes, [this](const Bytes& packet) { setEeprom(packet); },
+             [this](const Bytes& request) { return getEeprom(request); }}}}),
+      settings(std::move(initial)), memory(settings.flashFile, settings.flash) {
     files.push_back(fileOf(settings.bridge));
     for (const Device& device : settings.devices) {
         files.push_back(fileOf(device));
@@ -53,48 +65,11 @@ OV0570Firmware::OV0570Firmware(Settings initial)
         files.front().queueRead(resetRegister, 0);
 }
 
-const ::GUID& OV0570Firmware::guid() const noexcept { return unitGuid; }
-
 RegisterFile* OV0570Firmware::tofRegisters() noexcept {
     RegisterFile* found = nullptr;
     for (std::size_t i = 0; i < settings.devices.size(); ++i)
         found = settings.devices[i].busAddress == tofBusAddress ? &files[i + 1] : found;
     return found;
-}
-
-std::optional<std::size_t> OV0570Firmware::length(std::uint32_t selector) const {
-    switch (selector) {
-    case informationControl:
-        return informationBytes;
-    case registerControl:
-        return 7;
-    case eepromControl:
-        return 1 + pieceBytes;
-    default:
-        return std::nullopt;
-    }
-}
-
-void OV0570Firmware::set(std::uint32_t selector, const Bytes& packet) {
-    switch (selector) {
-    case registerControl:
-        return writeRegister(packet);
-    case eepromControl:
-        return setEeprom(packet);
-    default:
-        stall(*this, "the control information is read-only");
-    }
-}
-
-Bytes OV0570Firmware::get(std::uint32_t selector, const Bytes& request) {
-    switch (selector) {
-    case registerControl:
-        return readRegister(request);
-    case eepromControl:
-        return getEeprom(request);
-    default:
-        return controlInformation();
-    }
 }
 
 Bytes OV0570Firmware::controlInformation() const {

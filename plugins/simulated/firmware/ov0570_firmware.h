@@ -49,12 +49,6 @@ public:
 
     explicit OV0570Firmware(Settings settings);
 
-    [[nodiscard]] ChipKind kind() const noexcept override { return ChipKind::OV0570; }
-    [[nodiscard]] const ::GUID& guid() const noexcept override;
-    [[nodiscard]] std::uint32_t unit() const noexcept override { return 6; }
-    [[nodiscard]] std::optional<std::size_t> length(std::uint32_t selector) const override;
-    void set(std::uint32_t selector, const Bytes& packet) override;
-    [[nodiscard]] Bytes get(std::uint32_t selector, const Bytes& request) override;
     [[nodiscard]] const Bytes& flash() const noexcept override { return memory.bytes(); }
     [[nodiscard]] const Bytes& configuration() const noexcept override { return memory.bytes(); }
 

@@ -18,7 +18,20 @@ constexpr std::uint8_t tofReadAddress = 0x23;
 } // namespace
 
 VC0258Firmware::VC0258Firmware(Settings initial)
-    : settings(std::move(initial)), kept(settings.flashFile, settings.configuration) {
+    : Firmware(ChipKind::VC0258, vcUnitGuid(), 4,
+               {{VCBridgeRegisters::control,
+                 {VCBridgeRegisters::packetBytes,
+                  [this](const Bytes& packet) { bridgeRegisters.set(*this, packet); },
+                  [this](const Bytes& request) { return bridgeRegisters.get(*this, request); }}},
+                {tunnelControl,
+                 {tunnelBytes, [this](const Bytes& packet) { writeTunnel(carried(packet)); },
+                  [this](const Bytes& request) { return readTunnel(carried(request)); }}},
+                {memoryControl,
+                 {memoryBytes, [this](const Bytes&) { stall(*this, "memory is read-only"); },
+                  [this](const Bytes& request) {
+                      return readMemory(bridgeRegisters.carried(VCBridgeRegisters::dmaControlSize, request));
+                  }}}}),
+      settings(std::move(initial)), kept(settings.flashFile, settings.configuration) {
     for (const auto& [address, dataBytes] : settings.devices)
         files.emplace(address, RegisterFile(1, dataBytes));
     const auto tof = files.find(tofAddress);
@@ -29,41 +42,6 @@ VC0258Firmware::VC0258Firmware(Settings initial)
 RegisterFile* VC0258Firmware::tofRegisters() noexcept {
     const auto found = files.find(tofAddress);
     return found == files.end() ? nullptr : &found->second;
-}
-
-std::optional<std::size_t> VC0258Firmware::length(std::uint32_t selector) const {
-    switch (selector) {
-    case VCBridgeRegisters::control:
-        return VCBridgeRegisters::packetBytes;
-    case tunnelControl:
-        return tunnelBytes;
-    case memoryControl:
-        return memoryBytes;
-    default:
-        return std::nullopt;
-    }
-}
-
-void VC0258Firmware::set(std::uint32_t selector, const Bytes& packet) {
-    switch (selector) {
-    case VCBridgeRegisters::control:
-        return bridgeRegisters.set(*this, packet);
-    case tunnelControl:
-        return writeTunnel(bridgeRegisters.carried(VCBridgeRegisters::sensorControlSize, packet));
-    default:
-        stall(*this, "memory is read-only");
-    }
-}
-
-Bytes VC0258Firmware::get(std::uint32_t selector, const Bytes& request) {
-    switch (selector) {
-    case VCBridgeRegisters::control:
-        return bridgeRegisters.get(*this, request);
-    case tunnelControl:
-        return readTunnel(bridgeRegisters.carried(VCBridgeRegisters::sensorControlSize, request));
-    default:
-        return readMemory(bridgeRegisters.carried(VCBridgeRegisters::dmaControlSize, request));
-    }
 }
 
 RegisterFile& VC0258Firmware::addressed(const Bytes& packet) {
@@ -104,7 +82,7 @@ Bytes VC0258Firmware::readTunnel(const Bytes& request) {
         if (exchanged(request))
             std::swap(reply[6], reply[7]);
     }
-    return bridgeRegisters.carried(VCBridgeRegisters::sensorControlSize, std::move(reply));
+    return carried(std::move(reply));
 }
 
 Bytes VC0258Firmware::readMemory(const Bytes& request) const {

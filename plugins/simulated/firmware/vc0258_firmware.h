@@ -29,12 +29,6 @@ public:
 
     explicit VC0258Firmware(Settings settings);
 
-    [[nodiscard]] ChipKind kind() const noexcept override { return ChipKind::VC0258; }
-    [[nodiscard]] const ::GUID& guid() const noexcept override { return vcUnitGuid(); }
-    [[nodiscard]] std::uint32_t unit() const noexcept override { return 4; }
-    [[nodiscard]] std::optional<std::size_t> length(std::uint32_t selector) const override;
-    void set(std::uint32_t selector, const Bytes& packet) override;
-    [[nodiscard]] Bytes get(std::uint32_t selector, const Bytes& request) override;
     [[nodiscard]] const Bytes& flash() const noexcept override { return settings.flash; }
     [[nodiscard]] const Bytes& configuration() const noexcept override { return kept.bytes(); }
 
@@ -46,6 +40,9 @@ public:
 private:
     [[nodiscard]] RegisterFile& addressed(const Bytes& packet);
     [[nodiscard]] bool exchanged(const Bytes& packet) const;
+    [[nodiscard]] Bytes carried(Bytes packet) const {
+        return bridgeRegisters.carried(VCBridgeRegisters::sensorControlSize, std::move(packet));
+    }
     void writeTunnel(const Bytes& packet);
     [[nodiscard]] Bytes readTunnel(const Bytes& request);
     [[nodiscard]] Bytes readMemory(const Bytes& request) const;

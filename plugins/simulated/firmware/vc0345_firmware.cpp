@@ -8,6 +8,7 @@ namespace {
 
 constexpr std::uint32_t romControl = 5;
 constexpr std::uint32_t tofControl = 16;
+constexpr std::size_t packetBytes = 4;
 constexpr std::uint8_t highByte = 0x80;
 
 std::size_t romAddress(const Bytes& packet) { return static_cast<std::size_t>(packet[1] | (packet[2] << 8)); }
@@ -20,41 +21,19 @@ Bytes wholeMemory(Bytes flash) {
 } // namespace
 
 VC0345Firmware::VC0345Firmware(const Settings& initial)
-    : memory(initial.flashFile, wholeMemory(initial.flash)) {
+    : Firmware(ChipKind::VC0345, vcUnitGuid(), 4,
+               {{VCBridgeRegisters::control,
+                 {VCBridgeRegisters::packetBytes,
+                  [this](const Bytes& packet) { bridgeRegisters.set(*this, packet); },
+                  [this](const Bytes& request) { return bridgeRegisters.get(*this, request); }}},
+                {romControl,
+                 {packetBytes, [this](const Bytes& packet) { writeRom(packet); },
+                  [this](const Bytes& request) { return readRom(request); }}},
+                {tofControl,
+                 {packetBytes, [this](const Bytes& packet) { writeTof(carried(packet)); },
+                  [this](const Bytes& request) { return readTof(carried(request)); }}}}),
+      memory(initial.flashFile, wholeMemory(initial.flash)) {
     tofFile.write(0x21, 0x2035);
-}
-
-std::optional<std::size_t> VC0345Firmware::length(std::uint32_t selector) const {
-    switch (selector) {
-    case VCBridgeRegisters::control:
-    case romControl:
-    case tofControl:
-        return 4;
-    default:
-        return std::nullopt;
-    }
-}
-
-void VC0345Firmware::set(std::uint32_t selector, const Bytes& packet) {
-    switch (selector) {
-    case VCBridgeRegisters::control:
-        return bridgeRegisters.set(*this, packet);
-    case romControl:
-        return writeRom(packet);
-    default:
-        return writeTof(bridgeRegisters.carried(VCBridgeRegisters::sensorControlSize, packet));
-    }
-}
-
-Bytes VC0345Firmware::get(std::uint32_t selector, const Bytes& request) {
-    switch (selector) {
-    case VCBridgeRegisters::control:
-        return bridgeRegisters.get(*this, request);
-    case romControl:
-        return readRom(request);
-    default:
-        return readTof(bridgeRegisters.carried(VCBridgeRegisters::sensorControlSize, request));
-    }
 }
 
 void VC0345Firmware::writeTof(const Bytes& packet) {
@@ -70,7 +49,7 @@ Bytes VC0345Firmware::readTof(const Bytes& request) {
     const std::uint32_t value = tofFile.read(request[1] & ~highByte & 0xFFU);
     Bytes reply = request;
     reply[3] = static_cast<std::uint8_t>(high ? value >> 8 : value);
-    return bridgeRegisters.carried(VCBridgeRegisters::sensorControlSize, std::move(reply));
+    return carried(std::move(reply));
 }
 
 void VC0345Firmware::writeRom(const Bytes& packet) {

@@ -20,12 +20,6 @@ public:
 
     explicit VC0345Firmware(const Settings& initial);
 
-    [[nodiscard]] ChipKind kind() const noexcept override { return ChipKind::VC0345; }
-    [[nodiscard]] const ::GUID& guid() const noexcept override { return vcUnitGuid(); }
-    [[nodiscard]] std::uint32_t unit() const noexcept override { return 4; }
-    [[nodiscard]] std::optional<std::size_t> length(std::uint32_t selector) const override;
-    void set(std::uint32_t selector, const Bytes& packet) override;
-    [[nodiscard]] Bytes get(std::uint32_t selector, const Bytes& request) override;
     [[nodiscard]] const Bytes& flash() const noexcept override { return memory.bytes(); }
     [[nodiscard]] const Bytes& configuration() const noexcept override { return memory.bytes(); }
 
@@ -34,6 +28,9 @@ public:
     [[nodiscard]] RegisterFile& tof() { return tofFile; }
 
 private:
+    [[nodiscard]] Bytes carried(Bytes packet) const {
+        return bridgeRegisters.carried(VCBridgeRegisters::sensorControlSize, std::move(packet));
+    }
     void writeTof(const Bytes& packet);
     [[nodiscard]] Bytes readTof(const Bytes& request);
     void writeRom(const Bytes& packet);

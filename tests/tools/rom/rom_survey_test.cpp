@@ -108,6 +108,25 @@ TEST_F(RomSurveyTest, NamesEachDamageWithItsPlace) {
     using Kind = FindingKind;
     using Faults = std::vector<std::pair<FindingKind, std::uint32_t>>;
     const FlashImage whole = image;
+    const auto header = [this](std::uint32_t offset, Bytes bytes) {
+        return [=, this] {
+            put(100 + offset, bytes);
+            seal(100, 15);
+            put(100 + 17, Bytes(1007, 0));
+        };
+    };
+    const auto blockHeader = [this](unsigned index, Bytes bytes) {
+        return [=, this] {
+            put(block(index), bytes);
+            seal(block(index), 8);
+        };
+    };
+    const auto sectionHeader = [this](std::uint32_t offset, Bytes bytes) {
+        return [=, this] {
+            put(section(2) + offset, bytes);
+            seal(section(2), 9);
+        };
+    };
     const struct {
         const char* what;
         std::function<void()> damage;
@@ -121,47 +140,12 @@ TEST_F(RomSurveyTest, NamesEachDamageWithItsPlace) {
           {Kind::Unreachable, section(2)},
           {Kind::Unreachable, section(3)}}},
         {"nothing but zeros", [&] { put(100, Bytes(1024, 0)); }, {{Kind::ManagementHeader, 100}}},
-        {"strategy",
-         [&] {
-             put(100, {2});
-             put(100 + 17, Bytes(1007, 0));
-         },
-         {{Kind::ManagementHeader, 100}}},
-        {"a readout version to come",
-         [&] {
-             put(102, {2});
-             seal(100, 15);
-             put(100 + 17, Bytes(1007, 0));
-         },
-         {{Kind::ManagementHeader, 100}}},
-        {"chunk size 0",
-         [&] {
-             put(107, Bytes(4, 0));
-             seal(100, 15);
-             put(100 + 17, Bytes(1007, 0));
-         },
-         {{Kind::ManagementHeader, 100}}},
-        {"more than the area",
-         [&] {
-             put(103, Bytes(4, 0xFF));
-             seal(100, 15);
-             put(100 + 17, Bytes(1007, 0));
-         },
-         {{Kind::ManagementHeader, 100}}},
-        {"no container",
-         [&] {
-             put(111, Bytes(4, 0));
-             seal(100, 15);
-             put(100 + 17, Bytes(1007, 0));
-         },
-         {{Kind::ContainerHeader, 100}}},
-        {"first link outside",
-         [&] {
-             put(111, Bytes(4, 0xFF));
-             seal(100, 15);
-             put(100 + 17, Bytes(1007, 0));
-         },
-         {{Kind::LinkOutside, 100}}},
+        {"strategy", header(0, {2}), {{Kind::ManagementHeader, 100}}},
+        {"a readout version to come", header(2, {2}), {{Kind::ManagementHeader, 100}}},
+        {"chunk size 0", header(7, Bytes(4, 0)), {{Kind::ManagementHeader, 100}}},
+        {"more than the area", header(3, Bytes(4, 0xFF)), {{Kind::ManagementHeader, 100}}},
+        {"no container", header(11, Bytes(4, 0)), {{Kind::ContainerHeader, 100}}},
+        {"first link outside", header(11, Bytes(4, 0xFF)), {{Kind::LinkOutside, 100}}},
         {"container header", [&] { put(section(0), {9}); }, {{Kind::ContainerHeader, block(0)}}},
         {"container version 0",
          [&] {
@@ -173,22 +157,10 @@ TEST_F(RomSurveyTest, NamesEachDamageWithItsPlace) {
          [&] { put(block(2), {1}); },
          {{Kind::BlockHeader, block(2)}, {Kind::Unreachable, section(2)}, {Kind::Unreachable, section(3)}}},
         {"block of 9 bytes",
-         [&] {
-             put(block(3), {0, 0, 0, 9});
-             seal(block(3), 8);
-         },
+         blockHeader(3, {0, 0, 0, 9}),
          {{Kind::BlockHeader, block(3)}, {Kind::Unreachable, section(3)}}},
-        {"block of 4 GB",
-         [&] {
-             put(block(3), Bytes(4, 0xFF));
-             seal(block(3), 8);
-         },
-         {{Kind::BlockOutside, block(3)}, {Kind::Unreachable, section(3)}}},
         {"block of 4 GB in the middle",
-         [&] {
-             put(block(2), Bytes(4, 0xFF));
-             seal(block(2), 8);
-         },
+         blockHeader(2, Bytes(4, 0xFF)),
          {{Kind::BlockOutside, block(2)}, {Kind::Unreachable, section(2)}}},
         {"a damaged section behind a broken link",
          [&] {
@@ -208,39 +180,14 @@ TEST_F(RomSurveyTest, NamesEachDamageWithItsPlace) {
              link(block(1), block(3));
          },
          {{Kind::ChainOrder, block(1)}}},
-        {"overlap",
-         [&] {
-             put(block(1), {0, 0, 0, 80});
-             seal(block(1), 8);
-         },
-         {{Kind::Overlap, block(2)}}},
+        {"overlap", blockHeader(1, {0, 0, 0, 80}), {{Kind::Overlap, block(2)}}},
         {"section marker", [&] { put(section(2), {0}); }, {{Kind::SectionHeader, section(2)}}},
         {"section header", [&] { put(section(2) + 6, {0}); }, {{Kind::SectionHeader, section(2)}}},
-        {"section length",
-         [&] {
-             put(section(2) + 1, {0, 0, 1, 0});
-             seal(section(2), 9);
-         },
-         {{Kind::SectionHeader, section(2)}}},
-        {"section length 0",
-         [&] {
-             put(section(2) + 1, {0, 0, 0, 0});
-             seal(section(2), 9);
-         },
-         {{Kind::SectionHeader, section(2)}}},
+        {"section length", sectionHeader(1, {0, 0, 1, 0}), {{Kind::SectionHeader, section(2)}}},
+        {"section length 0", sectionHeader(1, {0, 0, 0, 0}), {{Kind::SectionHeader, section(2)}}},
         {"section data", [&] { put(section(2) + 12, {0x55}); }, {{Kind::SectionData, section(2)}}},
-        {"uid 0",
-         [&] {
-             put(section(2) + 7, {0, 0});
-             seal(section(2), 9);
-         },
-         {{Kind::ZeroUid, section(2)}}},
-        {"the same uid twice",
-         [&] {
-             put(section(2) + 7, {0, 1});
-             seal(section(2), 9);
-         },
-         {{Kind::DuplicateUid, section(2)}}},
+        {"uid 0", sectionHeader(7, {0, 0}), {{Kind::ZeroUid, section(2)}}},
+        {"the same uid twice", sectionHeader(7, {0, 1}), {{Kind::DuplicateUid, section(2)}}},
         {"a record too short",
          [&] { set(2, 4, fromHex("20010700000005").value()); },
          {{Kind::DamagedRecord, section(2)}}},

@@ -6,8 +6,8 @@
 
 #include <zentara/utils/format.h>
 
+#include "tools/zentara/canvas.h"
 #include "tools/zentara/color_map.h"
-#include "tools/zentara/png.h"
 #include "tools/zentara/rom/correction_tables.h"
 #include "tools/zentara/rom/rom_verbs.h"
 #include "tools/zentara/rom/rom_write.h"
@@ -67,6 +67,17 @@ std::vector<std::uint8_t> pixelsOf(const CorrectionTable& table, std::size_t wid
     return pixels;
 }
 
+ColorScale scaleOf(const CorrectionTable& table) {
+    const auto statistics = table.statistics();
+    const DepthRange range{static_cast<std::uint16_t>(statistics.least + 1),
+                           static_cast<std::uint16_t>(statistics.greatest + 1)};
+    return {static_cast<double>(statistics.least), static_cast<double>(statistics.greatest), "8-bit value",
+            [range](double value) {
+                return depthColor(static_cast<std::uint16_t>(std::lround(value) + 1), range);
+            },
+            "no value"};
+}
+
 ExitCode runDraw(const DrawOptions& options, Console& console) {
     const auto target = RomTarget::open(options, console);
     const std::vector<CorrectionFile> corrections = correctionsOf(loadContent(target->load(), *target));
@@ -80,8 +91,10 @@ ExitCode runDraw(const DrawOptions& options, Console& console) {
     if (width * height > mostPixels / (scale * scale))
         throw ToolFailure(ExitCode_USAGE, "the picture would be larger than 64 million pixels");
     saveFile(*target, options.file,
-             encodePng(pixelsOf(table, width, height, scale), static_cast<int>(width * scale),
-                       static_cast<int>(height * scale)),
+             scaledPicturePng(Format("Distortion correction at % MHz, table % of %") % table.frequency %
+                                  options.table % target->name(),
+                              pixelsOf(table, width, height, scale), static_cast<int>(width * scale),
+                              static_cast<int>(height * scale), scaleOf(table)),
              options.force);
     if (options.json) {
         Json json = target->beginJson();

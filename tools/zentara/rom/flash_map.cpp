@@ -8,6 +8,7 @@
 #include <zentara/rom/section.h>
 #include <zentara/utils/format.h>
 
+#include "tools/zentara/canvas.h"
 #include "tools/zentara/rom/text_lines.h"
 
 namespace Zentara::Tool {
@@ -49,6 +50,23 @@ Rgb colorOf(RegionKind kind, char letter) {
 
 std::string colorText(const Rgb& color) {
     return Format("#%{:x2}%{:x2}%{:x2}") % unsigned{color[0]} % unsigned{color[1]} % unsigned{color[2]};
+}
+
+struct Meaning {
+    RegionKind kind;
+    const char* text;
+};
+constexpr Meaning meanings[] = {
+    {RegionKind::Free, "free"},           {RegionKind::Slack, "rest of a chunk"},
+    {RegionKind::Remains, "unlinked"},    {RegionKind::Header, "management header"},
+    {RegionKind::Container, "container"}, {RegionKind::Section, "section"},
+    {RegionKind::Damaged, "damaged"}};
+
+std::string xmlText(const std::string& text) {
+    std::string safe;
+    for (const char letter : text)
+        safe += letter == '<' ? "&lt;" : letter == '&' ? "&amp;" : std::string(1, letter);
+    return safe;
 }
 
 char characterOf(const Region* region) {
@@ -153,13 +171,15 @@ std::string FlashMap::text() const {
     return text;
 }
 
-std::string FlashMap::svg() const {
+std::string FlashMap::svg(const std::string& title) const {
     const std::uint64_t rows = std::clamp<std::uint64_t>(area.size / 2048, 1, MOST_ROWS);
     const std::uint64_t rowBytes = (area.size + rows - 1) / rows;
     std::string svg = Format("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"%\" height=\"%\" "
                              "font-family=\"sans-serif\" font-size=\"11\">\n"
                              "<rect width=\"100%%\" height=\"100%%\" fill=\"#ffffff\"/>\n") %
-                      (LEFT + WIDTH + 10) % (ROW * static_cast<double>(rows) + 10);
+                      (LEFT + WIDTH + 10) % (ROW * static_cast<double>(rows + 3) + 10);
+    svg += Format("<text x=\"8\" y=\"18\" font-size=\"14\">%</text>\n<g transform=\"translate(0 %)\">\n") %
+           xmlText(title) % decimalText(ROW);
     const auto x = [&](std::uint64_t offset) {
         return LEFT + WIDTH * static_cast<double>(offset) / static_cast<double>(rowBytes);
     };
@@ -201,24 +221,62 @@ std::string FlashMap::svg() const {
             if (region.kind == kind)
                 draw(region.address - area.start, std::uint64_t{region.address} - area.start + region.length,
                      colorOf(kind, region.letter), region.label);
-    return svg + "</svg>\n";
+    double left = LEFT;
+    const double top = 5 + ROW * static_cast<double>(rows) + 8;
+    svg += Format("<text x=\"8\" y=\"%\">each row % bytes</text>\n") % decimalText(top + ROW + 11) %
+           static_cast<unsigned long long>(rowBytes);
+    for (const Meaning& meaning : meanings) {
+        svg += Format("<rect x=\"%\" y=\"%\" width=\"14\" height=\"14\" fill=\"%\"/>\n"
+                      "<text x=\"%\" y=\"%\">%</text>\n") %
+               decimalText(left) % decimalText(top) % colorText(colorOf(meaning.kind, '1')) %
+               decimalText(left + 20) % decimalText(top + 11) % meaning.text;
+        left += 140;
+    }
+    return svg + "</g>\n</svg>\n";
 }
 
-FlashMap::Picture FlashMap::picture() const {
+std::string FlashMap::png(const std::string& title) const {
     const std::size_t rows = std::clamp<std::size_t>(area.size / (COLUMNS * 16), 1, MOST_ROWS);
     const std::vector<const Region*> shown = cells(rows * COLUMNS);
-    Picture picture{static_cast<int>(COLUMNS) * CELL, static_cast<int>(rows) * CELL, {}};
-    for (int y = 0; y < picture.height; ++y)
-        for (int x = 0; x < picture.width; ++x) {
-            const Region* region =
-                shown[static_cast<std::size_t>(y / CELL) * COLUMNS + static_cast<std::size_t>(x / CELL)];
-            Rgb color = region ? colorOf(region->kind, region->letter) : colorOf(RegionKind::Free, '.');
-            if (x % CELL == CELL - 1 || y % CELL == CELL - 1) // a line between the pieces
-                for (std::uint8_t& part : color)
-                    part = static_cast<std::uint8_t>(part * 7 / 8);
-            picture.pixels.insert(picture.pixels.end(), color.begin(), color.end());
+    constexpr Rgb black{0, 0, 0};
+    constexpr int line = Canvas::textHeight + 6;
+    constexpr int margin = 12;
+    const int left = margin + Canvas::textWidth("0x00000000") + margin;
+    const int top = 2 * line;
+    std::vector<std::pair<Rgb, std::string>> legend;
+    for (const Meaning& meaning : meanings)
+        if (meaning.kind != RegionKind::Section)
+            legend.emplace_back(colorOf(meaning.kind, '.'), meaning.text);
+    for (const Region& region : all)
+        if (region.kind == RegionKind::Section && legend.size() < MOST_ROWS)
+            legend.emplace_back(colorOf(region.kind, region.letter), region.label);
+    const int below = top + static_cast<int>(rows) * CELL + margin;
+    Canvas canvas(std::max(left + static_cast<int>(COLUMNS) * CELL, Canvas::textWidth(title) + margin) +
+                      margin,
+                  below + (static_cast<int>(legend.size()) + 1) * line);
+    canvas.text(margin, margin, title, black);
+    for (std::size_t row = 0; row < rows; ++row) {
+        const int y = top + static_cast<int>(row) * CELL;
+        if (row % 2 == 0)
+            canvas.text(margin, y,
+                        Format("0x%{:x8}") %
+                            static_cast<std::uint32_t>(area.start + std::uint64_t{area.size} * row / rows),
+                        black);
+        for (std::size_t column = 0; column < COLUMNS; ++column) { // a line between the pieces
+            const Region* region = shown[row * COLUMNS + column];
+            canvas.box(left + static_cast<int>(column) * CELL, y, CELL - 1, CELL - 1,
+                       region ? colorOf(region->kind, region->letter) : colorOf(RegionKind::Free, '.'));
         }
-    return picture;
+    }
+    canvas.text(margin, below,
+                Format("each square % bytes") % static_cast<unsigned long long>(area.size / (rows * COLUMNS)),
+                black);
+    for (std::size_t entry = 0; entry < legend.size(); ++entry) {
+        const int y = below + (static_cast<int>(entry) + 1) * line;
+        canvas.box(margin, y, Canvas::textHeight, Canvas::textHeight - 4, legend[entry].first);
+        canvas.text(margin + 2 * Canvas::textHeight, y, legend[entry].second, black);
+    }
+    return canvas.png();
 }
 
 } // namespace Zentara::Tool

@@ -30,16 +30,13 @@ public:
 
     /// Rows of characters with the address before each, and a list of what the characters mean.
     [[nodiscard]] std::string text() const;
-    /// A drawing with a caption on each stretch that is wide enough, and the rest as tooltips.
-    [[nodiscard]] std::string svg() const;
+    /// A drawing with the title above, addresses before the rows, a caption on each stretch that is wide enough, the rest
+    /// as tooltips, and below how much a row is and what the colours mean.
+    [[nodiscard]] std::string svg(const std::string& title) const;
 
-    struct Picture {
-        int width = 0;
-        int height = 0;
-        std::vector<std::uint8_t> pixels; ///< three bytes each
-    };
-    /// A square of colour for each piece.
-    [[nodiscard]] Picture picture() const;
+    /// A PNG file's bytes: a square of colour for each piece, addresses, title and legend as above.
+    /// \throws ToolFailure when it cannot be encoded
+    [[nodiscard]] std::string png(const std::string& title) const;
 
 private:
     void add(RegionKind kind, std::uint64_t address, std::uint64_t length, std::string label, char letter);

@@ -2,7 +2,8 @@
 
 #include <CLI/CLI.hpp>
 
-#include "tools/zentara/png.h"
+#include <zentara/utils/format.h>
+
 #include "tools/zentara/rom/flash_map.h"
 #include "tools/zentara/rom/rom_verbs.h"
 #include "tools/zentara/rom/rom_write.h"
@@ -31,13 +32,12 @@ ExitCode runMap(const MapOptions& options, Console& console) {
     const auto target = RomTarget::open(options, console);
     const FlashImage image = target->load();
     const FlashMap map(image, RomSurvey(image));
+    const std::string title = Utils::Format("Flash of %: % bytes at 0x%{:x8}") % target->name() %
+                              image.area().size % image.area().start;
     if (!options.svgFile.empty())
-        saveFile(*target, options.svgFile, map.svg(), options.force);
-    if (!options.pngFile.empty()) {
-        const FlashMap::Picture picture = map.picture();
-        saveFile(*target, options.pngFile, encodePng(picture.pixels, picture.width, picture.height),
-                 options.force);
-    }
+        saveFile(*target, options.svgFile, map.svg(title), options.force);
+    if (!options.pngFile.empty())
+        saveFile(*target, options.pngFile, map.png(title), options.force);
     if (options.json) {
         Json json = target->beginJson();
         json.update({{"regions", regionsJson(map)}});

@@ -1,14 +1,9 @@
 #include "utils/platform/posix/event_cell.h"
 
-#include <algorithm>
-#include <bit>
-#include <cerrno>
-#include <climits>
-#include <cstdlib>
+#include "utils/platform/posix/futex.h"
 
-#include <linux/futex.h>
-#include <sys/syscall.h>
-#include <unistd.h>
+#include <bit>
+#include <climits>
 
 namespace Zentara::Utils::Platform {
 
@@ -30,7 +25,7 @@ void EventCell::post() noexcept {
     std::uint64_t seen = word.load(std::memory_order_relaxed);
     std::uint64_t next = 0;
     do {
-        const bool room = tokens(seen) < std::max<std::uint64_t>(1, waiters(seen));
+        const bool room = tokens(seen) <= waiters(seen);
         next = room ? seen + oneToken : seen;
         // Exchanged even when nothing changes: whoever takes the token must see what was written before this
         // post.
@@ -86,20 +81,9 @@ bool EventCell::leave() noexcept {
 }
 
 /// True when it is worth looking again, false once the deadline has passed.
-bool EventCell::sleep(const Deadline& deadline) noexcept {
-    const long result = syscall(SYS_futex, &word, FUTEX_WAIT_BITSET | FUTEX_PRIVATE_FLAG, 0, deadline.get(),
-                                nullptr, FUTEX_BITSET_MATCH_ANY);
-    if (result == 0 || errno == EAGAIN || errno == EINTR)
-        return true;
-    if (errno != ETIMEDOUT)
-        std::abort();
-    return false;
-}
+bool EventCell::sleep(const Deadline& deadline) noexcept { return futexWait(&word, 0, deadline); }
 
-void EventCell::wake(int count) noexcept {
-    // The cell may be gone by now. The kernel then finds no sleeper, or wakes one that looks and sleeps
-    // again.
-    syscall(SYS_futex, &word, FUTEX_WAKE | FUTEX_PRIVATE_FLAG, count, nullptr, nullptr, 0);
-}
+// The cell may be gone by now.
+void EventCell::wake(int count) noexcept { futexWake(&word, count); }
 
 } // namespace Zentara::Utils::Platform

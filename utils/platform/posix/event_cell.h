@@ -12,8 +12,8 @@ namespace Zentara::Utils::Platform {
 /// freed it; the kernel takes the address of the wake-up as a mere number.
 class EventCell final {
 public:
-    /// Lets one wait pass. With several waiters each post lets one more pass; without any, posts do not add
-    /// up.
+    /// Lets one wait pass. There is room for one post for each waiter and one more, which stays for the next to come;
+    /// further posts add nothing.
     void post() noexcept;
     /// Lets every wait pass until clear().
     void raise() noexcept;

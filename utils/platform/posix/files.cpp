@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <memory>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace Zentara::Utils::Platform {
@@ -47,6 +48,11 @@ std::FILE* openFile(const std::string& path, FileMode mode) {
         errno = saved;
     }
     return file;
+}
+
+std::int64_t fileLength(std::FILE* file) noexcept {
+    struct stat status;
+    return fstat(fileno(file), &status) == 0 && S_ISREG(status.st_mode) ? status.st_size : -1;
 }
 
 bool flushToDisk(std::FILE* file) { return std::fflush(file) == 0 && fsync(fileno(file)) == 0; }

@@ -24,6 +24,11 @@ bool writeKeyText(const std::string& store, const std::string& key, KeyView view
     return appendValue(store, iniSection(key, view), name, text);
 }
 
+bool writeKeyExpandable(const std::string& store, const std::string& key, KeyView view,
+                        const std::string& name, const std::string& text) {
+    return writeKeyText(store, key, view, name, text);
+}
+
 bool writeKeyNonText(const std::string& store, const std::string& key, KeyView view,
                      const std::string& name) {
     return appendValue(store, iniSection(key, view), name, "\xFF\xFE");

@@ -2,8 +2,13 @@
 
 #include <cerrno>
 #include <csignal>
-
+#include <cstdlib>
+#include <cstring>
 #include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <system_error>
 #include <unistd.h>
 
 namespace Zentara::Utils::Platform {
@@ -39,6 +44,21 @@ void failInsteadOfDying() noexcept {
 
 std::vector<long> permissionErrors() { return {EACCES, EPERM}; }
 
+ResourceUse resourceUse() {
+    ResourceUse use;
+    std::size_t total = 0;
+    std::size_t resident = 0;
+    std::ifstream("/proc/self/statm") >> total >> resident;
+    use.residentBytes = resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    const auto entries = [](const char* directory) {
+        std::error_code failure;
+        const std::filesystem::directory_iterator all(directory, failure);
+        return static_cast<unsigned>(std::distance(begin(all), end(all)));
+    };
+    use.threads = entries("/proc/self/task");
+    use.handles = entries("/proc/self/fd");
+    return use;
+}
 bool isTerminal(std::FILE* stream) noexcept { return isatty(fileno(stream)) == 1; }
 
 std::string shellWord(const std::string& text) {
@@ -52,5 +72,17 @@ std::string shellWord(const std::string& text) {
         word += letter == '\'' ? std::string("'\\''") : std::string(1, letter);
     return word + "'";
 }
+
+ConsoleSetup::ConsoleSetup() noexcept = default;
+
+ConsoleSetup::~ConsoleSetup() = default;
+
+/// A terminal that has none, or a person who wants none, says so in the environment.
+bool ConsoleSetup::takesEscapeSequences(std::FILE* stream) const noexcept {
+    const char* const kind = std::getenv("TERM");
+    return isTerminal(stream) && kind && std::strcmp(kind, "dumb") != 0;
+}
+
+void watchConsole(void (*)()) noexcept {}
 
 } // namespace Zentara::Utils::Platform

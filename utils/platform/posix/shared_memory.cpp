@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <limits>
 #include <memory>
+#include <string_view>
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -62,6 +63,11 @@ bool isUsable(const std::string& name, std::size_t size) {
     return named && size > 0 && size <= static_cast<std::size_t>(std::numeric_limits<off_t>::max());
 }
 
+bool endsInNumber(std::string_view name) {
+    const std::size_t digits = name.find_last_not_of("0123456789") + 1;
+    return digits > 0 && digits < name.size() && name[digits - 1] == '_';
+}
+
 } // namespace
 
 SharedMapping* SharedMapping::create(const std::string& name, std::size_t size, bool writable) {
@@ -74,6 +80,17 @@ SharedMapping* SharedMapping::create(const std::string& name, std::size_t size, 
 void SharedMapping::destroy(SharedMapping* mapping) noexcept { delete static_cast<PosixMapping*>(mapping); }
 
 void* SharedMapping::address() const noexcept { return static_cast<const PosixMapping*>(this)->memory; }
+
+void SharedMapping::leave() noexcept { // The process ends: it does not wait long for others.
+    static_cast<PosixMapping*>(this)->object.leave(500);
+}
+
+void SharedMapping::sweep(const std::string& prefix) noexcept {
+    // Without a name it would look at what other programs have.
+    const std::string_view bare = std::string_view(prefix).substr(prefix.starts_with('/') ? 1 : 0);
+    if (!bare.empty())
+        SharedObject::sweep(bare, endsInNumber);
+}
 
 void SharedMapping::unlink() noexcept { static_cast<PosixMapping*>(this)->object.unlink(); }
 

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstdint>
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
@@ -55,10 +56,24 @@ bool isCurrent(int file) {
     return fstat(file, &held) == 0 && held.st_nlink != 0;
 }
 
+/// Behind the gate, for whoever is opening the object just now waits there, and looks whether the name is current.
+void removeIfAbandoned(const char* name) noexcept {
+    const int file = shm_open(name, O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0);
+    if (file == -1)
+        return;
+    struct stat status {};
+    const bool ours = fstat(file, &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == geteuid() &&
+                      (status.st_mode & 0777) == (S_IRUSR | S_IWUSR);
+    if (ours && lockByte(file, F_WRLCK, gate) && isAlone(file) && isCurrent(file))
+        shm_unlink(name);
+    ::close(file);
+}
+
 } // namespace
 
 bool SharedObject::open(const std::string& objectName, unsigned long patience) {
     name = objectName;
+    owner = currentProcessId();
     Attempt attempt = Attempt::replaced;
     while (attempt == Attempt::replaced) {
         attempt = tryOpen(patience);
@@ -91,15 +106,37 @@ SharedObject::Attempt SharedObject::becomeUser() {
 void SharedObject::openGate() { lockByte(file, F_UNLCK, gate); }
 
 void SharedObject::close() {
-    if (file == -1)
-        return;
-    if (waitForGate(file, gatePatience) && isAlone(file) && isCurrent(file))
-        shm_unlink(name.c_str());
-    ::close(file);
+    leave();
+    if (file != -1)
+        ::close(file);
     file = -1;
 }
 
+/// Of two processes that leave at the same time the second one is alone.
+void SharedObject::leave(unsigned long patience) {
+    if (file == -1 || owner != currentProcessId() || !waitForGate(file, patience))
+        return;
+    if (isAlone(file) && isCurrent(file))
+        shm_unlink(name.c_str());
+    lockByte(file, F_UNLCK, membership);
+    openGate();
+}
+
+void SharedObject::sweep(std::string_view prefix, bool (*isOurs)(std::string_view)) noexcept {
+    constexpr const char* place = "/dev/shm"; // where shm_open() keeps them
+    DIR* const directory = opendir(place);
+    while (const dirent* entry = directory ? readdir(directory) : nullptr) {
+        const std::string_view name = entry->d_name;
+        if (name.starts_with(prefix) && isOurs(name.substr(prefix.size())))
+            removeIfAbandoned(entry->d_name);
+    }
+    if (directory)
+        closedir(directory);
+}
+
 void SharedObject::unlink() {
+    if (owner != currentProcessId())
+        return;
     if (waitForGate(file, gatePatience) && isCurrent(file))
         shm_unlink(name.c_str());
     openGate();

@@ -1,15 +1,16 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace Zentara::Utils::Platform {
 
 /// A named object in the system's shared memory that lives as long as somebody has it open: the last user
-/// unlinks it, and what a killed process left behind is replaced by the next one who opens it.
+/// unlinks it, and what a killed process left behind is replaced by the next one who opens it, or swept away.
 ///
 /// Two bytes of the object are locked through the open file, so the locks work within one process too and die
 /// with their holder: the gate, held alone while somebody opens or closes, and the membership, shared by all
-/// users.
+/// users. A child of fork() shares its parent's locks: it must not touch them, and does not.
 class SharedObject final {
 public:
     SharedObject() = default;
@@ -27,12 +28,19 @@ public:
     void openGate();
     /// Without the gate the name stays, as after a killed process.
     void close();
+    /// Gives up the name as close() does, for a process that is about to end, and keeps the object open: threads that
+    /// still run may be using its memory.
+    void leave(unsigned long patience = gatePatience);
     /// Removes the name, if the gate can be had; users keep what they have open.
     void unlink();
 
     [[nodiscard]] int descriptor() const { return file; }
     /// Whether others were using the object when it was opened.
     [[nodiscard]] bool wasInUse() const { return inUse; }
+
+    /// Removes the objects of this user that nobody has open and whose names are the prefix, without a slash, and a rest
+    /// that the predicate accepts. Never waits: an object that somebody is opening or closing stays.
+    static void sweep(std::string_view prefix, bool (*isOurs)(std::string_view rest)) noexcept;
 
 private:
     enum class Attempt { opened, replaced, failed };
@@ -42,6 +50,7 @@ private:
     std::string name;
     int file = -1;
     bool inUse = false;
+    unsigned long owner = 0; ///< the process that opened it
 };
 
 } // namespace Zentara::Utils::Platform

@@ -2,9 +2,13 @@
 
 #include "utils/platform/posix/shared_object.h"
 
+#include <climits>
+#include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include <unistd.h>
 
@@ -21,10 +25,29 @@ bool isPlain(char c) {
            std::strchr("._-", c);
 }
 
+std::string namePrefix() { return "/zentara-instance-" + std::to_string(geteuid()) + "-"; }
+
+std::string hexadecimal(std::uint64_t number) {
+    char digits[17];
+    std::snprintf(digits, sizeof digits, "%016llx", static_cast<unsigned long long>(number));
+    return digits;
+}
+
+/// 128 bits of two FNV-1a sums: names that differ do not meet by chance.
+std::string digest(std::string_view name) {
+    std::uint64_t forward = 0xCBF29CE484222325;
+    std::uint64_t backward = forward + name.size();
+    for (std::size_t i = 0; i < name.size(); ++i) {
+        forward = (forward ^ static_cast<unsigned char>(name[i])) * 0x100000001B3;
+        backward = (backward ^ static_cast<unsigned char>(name[name.size() - 1 - i])) * 0x100000001B3;
+    }
+    return hexadecimal(forward) + hexadecimal(backward);
+}
+
 /// One file a user and name; every byte that could mean something in a path is written as two hexadecimal
-/// digits.
+/// digits. What gets too long for a file's name ends in a digest of the name, behind a character that is never plain.
 std::string objectName(const char* name) {
-    std::string result = "/zentara-instance-" + std::to_string(geteuid()) + "-";
+    std::string result = namePrefix();
     for (const char* c = name; *c; ++c) {
         if (isPlain(*c)) {
             result += *c;
@@ -33,6 +56,11 @@ std::string objectName(const char* name) {
             result += {'%', "0123456789abcdef"[byte >> 4], "0123456789abcdef"[byte & 15]};
         }
     }
+    const std::size_t longest = NAME_MAX + 1; // with the slash
+    if (result.size() > longest) {
+        const std::string sum = '~' + digest(name);
+        result.replace(longest - sum.size(), std::string::npos, sum);
+    }
     return result;
 }
 
@@ -40,6 +68,12 @@ std::string objectName(const char* name) {
 
 SingleInstance* SingleInstance::create(const char* name, bool& existed) {
     existed = false;
+    // What killed processes left behind.
+    static const bool swept = [] {
+        SharedObject::sweep(namePrefix().substr(1), [](std::string_view) { return true; });
+        return true;
+    }();
+    static_cast<void>(swept);
     auto instance = std::make_unique<PosixInstance>();
     if (*name == '\0' || !instance->object.open(objectName(name)))
         return nullptr;

@@ -52,6 +52,12 @@ std::FILE* openFile(const std::string& path, FileMode mode) {
     return _wfopen(utf8ToWideOrWidened(path).c_str(), streamMode(mode));
 }
 
+std::int64_t fileLength(std::FILE* file) noexcept {
+    const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(file)));
+    LARGE_INTEGER length;
+    return GetFileType(handle) == FILE_TYPE_DISK && GetFileSizeEx(handle, &length) ? length.QuadPart : -1;
+}
+
 bool flushToDisk(std::FILE* file) { return std::fflush(file) == 0 && _commit(_fileno(file)) == 0; }
 
 bool replaceFile(const std::string& replacement, const std::string& path) {

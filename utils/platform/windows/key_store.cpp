@@ -23,6 +23,21 @@ bool readBytes(HKEY key, const std::wstring& name, DWORD& type, std::wstring& ch
     return status == ERROR_SUCCESS;
 }
 
+/// The text with the environment's variables, "%NAME%", filled in; those that are not set stay as they stand.
+std::wstring expanded(const std::wstring& text) {
+    std::wstring result(text.size() + 1, L'\0');
+    for (;;) {
+        const DWORD size =
+            ExpandEnvironmentStringsW(text.c_str(), result.data(), static_cast<DWORD>(result.size()));
+        if (size == 0)
+            return text;
+        const bool fits = size <= result.size();
+        result.resize(fits ? size - 1 : size); // it counts the terminator
+        if (fits)
+            return result;
+    }
+}
+
 } // namespace
 
 HKEY registryHive(const std::string& store) noexcept {
@@ -47,7 +62,10 @@ KeyRead readKeyValue(const std::string& store, const std::string& key, KeyView v
         return KeyRead::Missing;
     // A stored text may lack its terminator or have several.
     characters.resize(std::min(characters.size(), characters.find(L'\0')));
-    return type == REG_SZ && wideToUtf8(characters, text) ? KeyRead::Found : KeyRead::Unreadable;
+    if (type == REG_EXPAND_SZ)
+        characters = expanded(characters);
+    const bool isText = type == REG_SZ || type == REG_EXPAND_SZ;
+    return isText && wideToUtf8(characters, text) ? KeyRead::Found : KeyRead::Unreadable;
 }
 
 } // namespace Zentara::Utils::Platform

@@ -17,12 +17,22 @@ bool writeValue(const std::string& store, const std::string& key, KeyView view, 
                           static_cast<const BYTE*>(data), static_cast<DWORD>(size)) == ERROR_SUCCESS;
 }
 
+bool writeText(const std::string& store, const std::string& key, KeyView view, const std::string& name,
+               DWORD type, const std::string& text) {
+    const std::wstring wide = utf8ToWideOrWidened(text);
+    return writeValue(store, key, view, name, type, wide.c_str(), (wide.size() + 1) * sizeof(wchar_t));
+}
+
 } // namespace
 
 bool writeKeyText(const std::string& store, const std::string& key, KeyView view, const std::string& name,
                   const std::string& text) {
-    const std::wstring wide = utf8ToWideOrWidened(text);
-    return writeValue(store, key, view, name, REG_SZ, wide.c_str(), (wide.size() + 1) * sizeof(wchar_t));
+    return writeText(store, key, view, name, REG_SZ, text);
+}
+
+bool writeKeyExpandable(const std::string& store, const std::string& key, KeyView view,
+                        const std::string& name, const std::string& text) {
+    return writeText(store, key, view, name, REG_EXPAND_SZ, text);
 }
 
 bool writeKeyNonText(const std::string& store, const std::string& key, KeyView view,

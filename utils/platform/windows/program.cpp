@@ -1,11 +1,14 @@
 #include "utils/platform/program.h"
 
 #include <algorithm>
+#include <atomic>
 
 #include <windows.h>
 
 #include <io.h>
+#include <psapi.h>
 #include <shellapi.h>
+#include <tlhelp32.h>
 
 namespace Zentara::Utils::Platform {
 namespace {
@@ -15,6 +18,27 @@ std::string narrow(const wchar_t* text, int length) {
     std::string utf8(static_cast<std::size_t>(std::max(size, 0)), '\0');
     WideCharToMultiByte(CP_UTF8, 0, text, length, utf8.data(), size, nullptr, nullptr);
     return utf8;
+}
+
+HANDLE handleOf(std::FILE* stream) noexcept {
+    return reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)));
+}
+
+std::atomic<void (*)()> toBeTold{nullptr};
+
+BOOL WINAPI noteConsole(DWORD event) {
+    // Ctrl-C is a signal of the C library. A second Ctrl-Break finds nobody to tell, and the system ends the program.
+    const bool isBreak = event == CTRL_BREAK_EVENT;
+    void (*const note)() = event == CTRL_C_EVENT ? nullptr
+                           : isBreak             ? toBeTold.exchange(nullptr)
+                                                 : toBeTold.load();
+    if (!note)
+        return FALSE;
+    note();
+    // The system ends the program when this returns, and with patience at an end also before.
+    if (!isBreak)
+        Sleep(INFINITE);
+    return TRUE;
 }
 
 } // namespace
@@ -53,10 +77,64 @@ void failInsteadOfDying() noexcept {}
 
 std::vector<long> permissionErrors() { return {ERROR_ACCESS_DENIED}; }
 
+ResourceUse resourceUse() {
+    ResourceUse use;
+    PROCESS_MEMORY_COUNTERS memory{};
+    if (GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof memory))
+        use.residentBytes = memory.WorkingSetSize;
+    DWORD handles = 0;
+    if (GetProcessHandleCount(GetCurrentProcess(), &handles))
+        use.handles = handles;
+    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
+    if (snapshot != INVALID_HANDLE_VALUE) {
+        THREADENTRY32 thread{};
+        thread.dwSize = sizeof thread;
+        for (BOOL more = Thread32First(snapshot, &thread); more; more = Thread32Next(snapshot, &thread))
+            use.threads += thread.th32OwnerProcessID == GetCurrentProcessId();
+        CloseHandle(snapshot);
+    }
+    return use;
+}
+
 bool isTerminal(std::FILE* stream) noexcept {
-    const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)));
     DWORD mode = 0;
-    return GetConsoleMode(handle, &mode) != 0;
+    return GetConsoleMode(handleOf(stream), &mode) != 0;
+}
+
+// A Windows that does not know escape sequences refuses the mode, and they would be shown as they stand.
+ConsoleSetup::ConsoleSetup() noexcept {
+    bool hasConsole = false;
+    for (int index = 0; index < streams; ++index) {
+        Kept& console = kept[index];
+        const HANDLE handle = handleOf(index == 0 ? stdout : stderr);
+        console.isConsole = GetConsoleMode(handle, &console.mode) != 0;
+        console.hasSequences = console.isConsole &&
+                               SetConsoleMode(handle, console.mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
+        hasConsole = hasConsole || console.isConsole;
+    }
+    codePage = hasConsole ? GetConsoleOutputCP() : 0;
+    if (hasConsole)
+        SetConsoleOutputCP(CP_UTF8);
+}
+
+// Both streams may lead to one console: the first to be set up is put back last.
+ConsoleSetup::~ConsoleSetup() {
+    std::fflush(nullptr);
+    for (int index = streams - 1; index >= 0; --index) {
+        if (kept[index].isConsole)
+            SetConsoleMode(handleOf(index == 0 ? stdout : stderr), kept[index].mode);
+    }
+    if (codePage != 0)
+        SetConsoleOutputCP(codePage);
+}
+
+bool ConsoleSetup::takesEscapeSequences(std::FILE* stream) const noexcept {
+    return kept[stream == stderr ? 1 : 0].hasSequences;
+}
+
+void watchConsole(void (*note)()) noexcept {
+    toBeTold = note;
+    SetConsoleCtrlHandler(&noteConsole, note ? TRUE : FALSE);
 }
 
 /// No file's name holds a double quote; a backslash before the closing one would take it for itself.

@@ -64,6 +64,10 @@ void SharedMapping::destroy(SharedMapping* mapping) noexcept { delete static_cas
 
 void* SharedMapping::address() const noexcept { return static_cast<const WindowsMapping*>(this)->view; }
 
+void SharedMapping::leave() noexcept {}
+
+void SharedMapping::sweep(const std::string&) noexcept {}
+
 void SharedMapping::unlink() noexcept {}
 
 } // namespace Zentara::Utils::Platform
