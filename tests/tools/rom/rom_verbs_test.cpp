@@ -237,6 +237,9 @@ TEST_F(RomVerbs, NoticeThatAnotherProgramChangedTheImage) {
 /// The second process of the tests below: the same program, with one of these tests.
 int runPeer(const std::string& test, const std::string& image) {
     const TestSupport::ScopedVariable named("ZENTARA_TEST_IMAGE", image);
+    // Whichever share of the tests this process runs, the peer runs that one.
+    const TestSupport::ScopedVariable shares("GTEST_TOTAL_SHARDS", "1");
+    const TestSupport::ScopedVariable share("GTEST_SHARD_INDEX", "0");
     return Tests::runProgram(
         std::filesystem::path(testing::internal::GetArgvs().at(0)).filename(),
         "--gtest_also_run_disabled_tests --gtest_brief=1 --gtest_filter=RomVerbs.DISABLED_" + test);
