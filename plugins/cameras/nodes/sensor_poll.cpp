@@ -13,7 +13,7 @@ namespace {
 using Utils::Threading::AutoLock;
 
 constexpr float celsiusPerStep = 1.0F / 16;
-constexpr float gPerStep = 0.001F;
+constexpr float stepsPerG = 1000; // a division gives the float nearest to what the register says
 
 std::int32_t sensorOf(std::uint32_t address) {
     switch (address) {
