@@ -71,7 +71,7 @@ SensorValueArray readTemperatureSensor(IO::CameraChip& chip, std::uint32_t addre
 
 AccelerationInternal readAccelerationSensor(IO::CameraChip& chip, std::uint32_t address) {
     const auto axis = [&](std::uint32_t index) {
-        return gPerStep * static_cast<float>(static_cast<std::int16_t>(readRegister(chip, address + index)));
+        return static_cast<float>(static_cast<std::int16_t>(readRegister(chip, address + index))) / stepsPerG;
     };
     AccelerationInternal acceleration;
     acceleration.x = axis(0);
