@@ -3,12 +3,14 @@
 #include <atomic>
 #include <chrono>
 #include <exception>
+#include <new>
 #include <thread>
 #include <utility>
 
 #include <zentara/utils/format.h>
 #include <zentara/utils/queue.h>
 #include <zentara/utils/thread.h>
+#include <zentara/utils/thread_base.h>
 
 #include "io/device_request_impl.h"
 #include "io/proxy_tuning.h"
@@ -144,6 +146,7 @@ struct AVDeviceProxyThread::Impl {
     void submitAndWait(deviceRequest* request, std::uint32_t timeoutMilliseconds);
     void work(deviceRequest* request);
     void drain();
+    void requestStop();
     bool stop() noexcept;
     static void retire(AVDeviceProxyThread* worker) noexcept;
     static void reapRetired() noexcept;
@@ -285,7 +288,14 @@ void AVDeviceProxyThread::Impl::submitAndWait(deviceRequest* request, std::uint3
     if (isCurrentThread())
         refuse("a request from the device proxy thread itself would never be executed");
     const std::shared_ptr<const DeviceCall> current = call;
-    if (!submit(request)) {
+    bool isSubmitted = false;
+    try {
+        isSubmitted = submit(request);
+    } catch (...) {
+        state.comeBack();
+        throw;
+    }
+    if (!isSubmitted) {
         state.comeBack();
         throw Plugin::IOPluginException(rejectedMessage(type));
     }
@@ -330,22 +340,35 @@ void AVDeviceProxyThread::Impl::drain() {
     }
 }
 
-/// Ends the thread, or at least has it end; true when it has.
+/// Has the thread end: by a request, without which it would wait for ever.
+void AVDeviceProxyThread::Impl::requestStop() {
+    if (!isCurrentThread()) {
+        thread.exit();
+        return;
+    }
+    worker.Runnable::exit();
+    ownStop = Utils::makeRefcounted<deviceRequest>(nullptr, RequestType_NONE);
+    submit(ownStop.get());
+}
+
+/// Ends the thread, or at least has it end; true when it has. A lack of memory is waited out, as long as a stuck device
+/// would be.
 bool AVDeviceProxyThread::Impl::stop() noexcept {
-    try {
-        if (isCurrentThread()) {
-            worker.Runnable::exit();
-            ownStop = Utils::makeRefcounted<deviceRequest>(nullptr, RequestType_NONE);
-            submit(ownStop.get());
+    const Detail::ProxyTuning& tuning = Detail::proxyTuning();
+    for (std::int64_t waited = 0; waited <= tuning.stuckCallMilliseconds;
+         waited += tuning.sliceMilliseconds) {
+        try {
+            requestStop();
+            return !isCurrentThread() && awaitUnlessStuck(end, *call);
+        } catch (const Plugin::IOPluginException&) {
+            return awaitUnlessStuck(end, *call); // rejected: an earlier stop request is on its way
+        } catch (const std::bad_alloc&) {
+            Utils::Threading::ThreadBase::sleep(tuning.sliceMilliseconds);
+        } catch (...) {
             return false;
         }
-        thread.exit();
-    } catch (const Plugin::IOPluginException&) {
-        // Rejected: an earlier stop request is on its way.
-    } catch (...) {
-        return false;
     }
-    return awaitUnlessStuck(end, *call);
+    return false;
 }
 
 /// Leaves a worker to its thread, which a device holds up or which is the caller itself. What the thread runs must

@@ -1,8 +1,5 @@
 // Each allocation of each operation fails once: the operation throws, and object and flash stay as they were; or it goes
 // through, and both have the change.
-#include <functional>
-#include <new>
-
 #include <zentara/rom/configuration.h>
 #include <zentara/rom/gradient_distortion_correction.h>
 #include <zentara/rom/gradient_distortion_correction_accessor.h>
@@ -15,31 +12,6 @@
 
 namespace Zentara::TestSupport {
 namespace {
-
-constexpr std::size_t mostAllocations = 2000;
-
-/// Runs `attempt` with the nth allocation failing, for every n there is. `attempt` gets the guard's switch: what it does
-/// under it may throw, and it is told whether it did.
-void walk(const std::function<void(std::function<bool(const std::function<void()>&)>)>& attempt) {
-    for (std::size_t n = 0; n < mostAllocations; ++n) {
-        bool hit = false;
-        attempt([&](const std::function<void()>& operation) {
-            const FailingAllocation failing(n);
-            bool threw = false;
-            try {
-                operation();
-            } catch (const std::bad_alloc&) {
-                threw = true;
-            }
-            hit = failing.hit();
-            return threw;
-        });
-        if (!hit)
-            return;
-        ASSERT_FALSE(testing::Test::HasFailure()) << "allocation " << n;
-    }
-    FAIL() << "no end of allocations";
-}
 
 class LackOfMemory : public testing::TestWithParam<bool> {
 protected:
@@ -71,7 +43,7 @@ TEST_P(LackOfMemory, AChangeIsMadeOrNotMade) {
                                                               {1, true, {}},
                                                               {5, true, {}}}) {
         SCOPED_TRACE(testing::Message() << change.uid << (change.erases ? " erased" : " set"));
-        walk([&](const auto& under) {
+        walkAllocations([&](const auto& under) {
             Camera camera(GetParam());
             Model wanted = camera.model;
             if (!under([&] { apply(camera.storage.container, change); }))
@@ -92,7 +64,7 @@ TEST_P(LackOfMemory, AChangeIsMadeOrNotMade) {
 }
 
 TEST_P(LackOfMemory, AMountFindsEverythingOrThrows) {
-    walk([&](const auto& under) {
+    walkAllocations([&](const auto& under) {
         Camera camera(GetParam());
         Storage fresh(camera.flash, camera.area);
         if (under([&] { fresh.container.initialize(); })) {
@@ -101,7 +73,7 @@ TEST_P(LackOfMemory, AMountFindsEverythingOrThrows) {
         }
         EXPECT_TRUE(holds(fresh.container, camera.model));
     });
-    walk([&](const auto& under) { // the manager alone: all blocks or none
+    walkAllocations([&](const auto& under) { // the manager alone: all blocks or none
         Camera camera(GetParam());
         ROM::ChunkedMemoryManager& manager = camera.storage.manager;
         const bool threw = under([&] { manager.initialize(); });
@@ -112,7 +84,7 @@ TEST_P(LackOfMemory, AMountFindsEverythingOrThrows) {
 
 TEST_P(LackOfMemory, AFormatLeavesMemoryAndFlashInAgreement) {
     for (const bool isOther : {true, false}) // over a container of another version; on erased flash
-        walk([&](const auto& under) {
+        walkAllocations([&](const auto& under) {
             Camera camera(GetParam());
             const std::uint32_t header = camera.area.headerAtStart ? 17 + 10 : 4096 - 17 - 64 + 10;
             const Bytes other = ROM::ContainerHeader(1, 0).serialize();
@@ -136,7 +108,7 @@ TEST_P(LackOfMemory, AFormatLeavesMemoryAndFlashInAgreement) {
 }
 
 TEST_P(LackOfMemory, AnAllocationThatFailsLeavesThePendingBlock) {
-    walk([&](const auto& under) {
+    walkAllocations([&](const auto& under) {
         Camera camera(GetParam());
         ROM::ChunkedMemoryManager& manager = camera.storage.manager;
         const ROM::MemoryBlockHeader* pending = manager.allocate(5);
@@ -159,7 +131,7 @@ TEST_F(RomTest, LackOfMemoryIsNoObjectThatDoesNotParse) {
     store.initialize();
     for (const ROM::Object* object :
          {static_cast<const ROM::Object*>(&configuration), static_cast<const ROM::Object*>(&correction)})
-        walk([&](const auto& under) {
+        walkAllocations([&](const auto& under) {
             if (under([&] { rom.set(5, object, 1); }))
                 rom.set(5, object, 1);
             for (const bool isStore : {false, true}) {
@@ -177,7 +149,7 @@ TEST(LackOfMemoryTest, ACorrectionImageStaysAsItWas) {
     const std::string fileName = directory.path("image.bin");
     Utils::writeFile(fileName, std::string(20000, 'x'));
     for (const int operation : {0, 1, 2})
-        walk([&](const auto& under) {
+        walkAllocations([&](const auto& under) {
             ROM::GradientDistortionCorrectionAccessor accessor("");
             accessor.write(0, pattern(50));
             const Bytes bytes = pattern(4);

@@ -3,13 +3,17 @@
 #include <cstdlib>
 #include <new>
 
+#include <gtest/gtest.h>
+
 namespace {
 
 thread_local bool armed = false;
+thread_local bool onlyThrowing = false;
 thread_local std::size_t left = 0;
+constexpr std::size_t mostAllocations = 2000;
 
-void* allocate(std::size_t size) noexcept {
-    if (armed && left-- == 0) {
+void* allocate(std::size_t size, bool isThrowing) noexcept {
+    if (armed && (isThrowing || !onlyThrowing) && left-- == 0) {
         armed = false;
         return nullptr;
     }
@@ -19,22 +23,44 @@ void* allocate(std::size_t size) noexcept {
 } // namespace
 
 void* operator new(std::size_t size) {
-    if (void* memory = allocate(size))
+    if (void* memory = allocate(size, true))
         return memory;
     throw std::bad_alloc();
 }
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return allocate(size, false); }
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 void operator delete(void* memory, const std::nothrow_t&) noexcept { std::free(memory); }
 
 namespace Zentara::TestSupport {
 
-FailingAllocation::FailingAllocation(std::size_t n) noexcept {
+FailingAllocation::FailingAllocation(std::size_t n, Form form) noexcept {
     left = n;
+    onlyThrowing = form == Form::throwing;
     armed = true;
 }
 FailingAllocation::~FailingAllocation() { armed = false; }
 bool FailingAllocation::hit() const noexcept { return !armed; }
+
+void walkAllocations(const std::function<void(const WithoutMemory&)>& attempt, FailingAllocation::Form form) {
+    for (std::size_t n = 0; n < mostAllocations; ++n) {
+        bool hit = false;
+        attempt([&](const std::function<void()>& operation) {
+            const FailingAllocation failing(n, form);
+            bool threw = false;
+            try {
+                operation();
+            } catch (const std::bad_alloc&) {
+                threw = true;
+            }
+            hit = failing.hit();
+            return threw;
+        });
+        if (!hit)
+            return;
+        ASSERT_FALSE(testing::Test::HasFailure()) << "allocation " << n;
+    }
+    FAIL() << "no end of allocations";
+}
 
 } // namespace Zentara::TestSupport

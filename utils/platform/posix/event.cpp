@@ -2,6 +2,9 @@
 
 #include "utils/platform/posix/event_cell.h"
 
+#include <cstdlib>
+#include <new>
+
 namespace Zentara::Utils::Platform {
 
 namespace {
@@ -17,8 +20,12 @@ PosixEvent& native(Event& event) { return static_cast<PosixEvent&>(event); }
 
 } // namespace
 
-// NOLINTNEXTLINE(bugprone-unhandled-exception-at-new): without memory the process ends
-Event* Event::create(Reset reset) noexcept { return new PosixEvent(reset); }
+Event* Event::create(Reset reset) noexcept {
+    Event* const event = new (std::nothrow) PosixEvent(reset);
+    if (!event)
+        std::abort();
+    return event;
+}
 
 void Event::destroy(Event* event) noexcept { delete static_cast<PosixEvent*>(event); }
 

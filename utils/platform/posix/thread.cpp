@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <memory>
+#include <new>
 
 #include <pthread.h>
 #include <sys/prctl.h>
@@ -34,9 +35,9 @@ void* enter(void* passed) {
 } // namespace
 
 Thread* Thread::create(void (*function)(void*), void* argument) noexcept {
-    auto thread = std::make_unique<PosixThread>();
-    auto entry = std::make_unique<Entry>(Entry{function, argument});
-    if (pthread_create(&thread->thread, nullptr, &enter, entry.get()) != 0)
+    std::unique_ptr<PosixThread> thread(new (std::nothrow) PosixThread);
+    std::unique_ptr<Entry> entry(new (std::nothrow) Entry{function, argument});
+    if (!thread || !entry || pthread_create(&thread->thread, nullptr, &enter, entry.get()) != 0)
         std::abort();
     static_cast<void>(entry.release());
     return thread.release();

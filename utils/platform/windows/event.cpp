@@ -3,6 +3,7 @@
 #include "utils/platform/windows/system.h"
 
 #include <cstdlib>
+#include <new>
 
 namespace Zentara::Utils::Platform {
 
@@ -27,7 +28,11 @@ HANDLE native(Event& event) { return static_cast<WindowsEvent&>(event).handle; }
 
 } // namespace
 
-Event* Event::create(Reset reset) noexcept { return new WindowsEvent(reset); }
+Event* Event::create(Reset reset) noexcept {
+    Event* const event = new (std::nothrow) WindowsEvent(reset);
+    require(event != nullptr);
+    return event;
+}
 
 void Event::destroy(Event* event) noexcept { delete static_cast<WindowsEvent*>(event); }
 

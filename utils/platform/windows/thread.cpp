@@ -6,6 +6,7 @@
 #include <cstring>
 #include <iterator>
 #include <memory>
+#include <new>
 
 #include <process.h>
 
@@ -50,8 +51,10 @@ LONG CALLBACK swallowThreadName(EXCEPTION_POINTERS* exception) {
 } // namespace
 
 Thread* Thread::create(void (*function)(void*), void* argument) noexcept {
-    auto thread = std::make_unique<WindowsThread>();
-    auto entry = std::make_unique<Entry>(Entry{function, argument});
+    std::unique_ptr<WindowsThread> thread(new (std::nothrow) WindowsThread);
+    std::unique_ptr<Entry> entry(new (std::nothrow) Entry{function, argument});
+    if (!thread || !entry)
+        std::abort();
     const auto started = _beginthreadex(nullptr, 0, &enter, entry.get(), 0, &thread->identifier);
     if (started == 0)
         std::abort();
