@@ -44,7 +44,9 @@ TEST(XuRequestTest, KindsAndClones) {
         const SmartPtr<xuRequest> clone = request->clone();
         EXPECT_EQ(type, request->type());
         EXPECT_EQ(type, clone->type());
-        EXPECT_TRUE(typeid(*request) == typeid(*clone)) << type;
+        const xuRequest& original = *request;
+        const xuRequest& copy = *clone;
+        EXPECT_TRUE(typeid(original) == typeid(copy)) << type;
     }
     bool level = false;
     const auto getPin = cloneOf(*makeRefcounted<getGPIOStateRequest>(6U, &level));
