@@ -1,7 +1,7 @@
 #include <zentara/utils/condition.h>
 
-#include "utils/platform/clock.h"
 #include "utils/platform/event.h"
+#include "utils/platform/time_left.h"
 #include "utils/platform/word.h"
 
 #include <atomic>
@@ -43,17 +43,11 @@ private:
 
 /// Returns when the waiter was notified or the time has passed.
 void sleepUntilNotified(const Waiter& waiter, unsigned long milliseconds) noexcept {
-    const std::int64_t start = Platform::monotonicMicroseconds();
-    unsigned long left = milliseconds;
+    const Platform::TimeLeft left(milliseconds);
+    unsigned long next = milliseconds;
     while (waiter.notified.load(std::memory_order_acquire) == 0 &&
-           Platform::sleepOnWord(&waiter.notified, 0, left)) {
-        if (milliseconds == Platform::infiniteWait)
-            continue;
-        const std::int64_t elapsed = (Platform::monotonicMicroseconds() - start) / 1000;
-        left = elapsed < static_cast<std::int64_t>(milliseconds)
-                   ? milliseconds - static_cast<unsigned long>(elapsed)
-                   : 0;
-    }
+           Platform::sleepOnWord(&waiter.notified, 0, next))
+        next = left.milliseconds();
 }
 
 } // namespace

@@ -1,9 +1,10 @@
 #include "utils/platform/word.h"
 
 #include "utils/platform/error_text.h"
-#include "utils/platform/posix/futex.h"
+#include "utils/platform/posix/deadline.h"
 
 #include <cerrno>
+#include <climits>
 #include <cstdlib>
 
 #include <linux/futex.h>
@@ -13,8 +14,20 @@
 
 namespace Zentara::Utils::Platform {
 
-bool futexWait(const void* word, std::uint32_t value, const Deadline& deadline) noexcept {
+namespace {
+
+void wake(const void* word, int count) noexcept {
     const LastErrorKeeper keeper;
+    // The kernel takes the address as a mere number: with the word gone it finds no sleeper, or wakes one that looks
+    // and sleeps again.
+    syscall(SYS_futex, word, FUTEX_WAKE | FUTEX_PRIVATE_FLAG, count, nullptr, nullptr, 0);
+}
+
+} // namespace
+
+bool sleepOnWord(const void* word, std::uint32_t value, unsigned long milliseconds) noexcept {
+    const LastErrorKeeper keeper;
+    const Deadline deadline(milliseconds);
     const long result = syscall(SYS_futex, word, FUTEX_WAIT_BITSET | FUTEX_PRIVATE_FLAG, value,
                                 deadline.get(), nullptr, FUTEX_BITSET_MATCH_ANY);
     if (result == 0 || errno == EAGAIN || errno == EINTR)
@@ -24,16 +37,9 @@ bool futexWait(const void* word, std::uint32_t value, const Deadline& deadline) 
     return false;
 }
 
-void futexWake(const void* word, int count) noexcept {
-    const LastErrorKeeper keeper;
-    syscall(SYS_futex, word, FUTEX_WAKE | FUTEX_PRIVATE_FLAG, count, nullptr, nullptr, 0);
-}
+void wakeOnWord(const void* word) noexcept { wake(word, 1); }
 
-bool sleepOnWord(const void* word, std::uint32_t value, unsigned long milliseconds) noexcept {
-    return futexWait(word, value, Deadline(milliseconds));
-}
-
-void wakeOnWord(const void* word) noexcept { futexWake(word, 1); }
+void wakeAllOnWord(const void* word) noexcept { wake(word, INT_MAX); }
 
 /// The address of the thread's own record in the C library.
 std::uint64_t threadMark() noexcept { return reinterpret_cast<std::uint64_t>(pthread_self()); }

@@ -17,6 +17,8 @@ bool sleepOnWord(const void* word, std::uint32_t value, unsigned long millisecon
 
 void wakeOnWord(const void* word) noexcept { WakeByAddressSingle(const_cast<void*>(word)); }
 
+void wakeAllOnWord(const void* word) noexcept { WakeByAddressAll(const_cast<void*>(word)); }
+
 std::uint64_t threadMark() noexcept { return std::uint64_t{GetCurrentThreadId()} << 8; }
 
 } // namespace Zentara::Utils::Platform
