@@ -5,7 +5,6 @@
 #include <zentara/core/descriptor_store_interface.h>
 #include <zentara/core/guids.h>
 #include <zentara/cyclic_error_correction.h>
-#include <zentara/io/gpio_requests.h>
 #include <zentara/io/hardware_requests.h>
 #include <zentara/io/i2c_requests.h>
 #include <zentara/io/parameter_requests.h>
@@ -58,74 +57,24 @@ TEST(DescriptorStore, WithoutRecordsReadsAsEmpty) {
               "Color Intrinsics are not defined");
 }
 
-TEST(DescriptorStore, WhatAConcreteStoreLeavesOutHasDefaults) {
-    RecordStore store;
-    EXPECT_FALSE(store.selectNode({1, 2, 3, 4}, Core::Profile_DEFAULT));
-    EXPECT_EQ(store.getNodeType(), NodeType_NONE);
-    for (const GUID& guid :
-         {store.getNodeImplGUID(), store.getDeviceImplGUID(), store.getParameterInterpreterGUID()})
-        EXPECT_EQ(Core::GUID_toString(guid), "NULL_IMPL");
-    EXPECT_EQ(store.getNodeName() + store.getDeviceName() + store.getVendorName() + store.getProductName(),
-              "");
-    CyclicErrorRecord record{7, {1.0F}};
-    EXPECT_FALSE(store.getCyclicErrorRecord(DepthNode::CameraMode_0, record));
-    EXPECT_EQ(record.algorithm, 7);
-    SensorValueArray values{{{1, 2.0F}}};
-    EXPECT_FALSE(store.getTemperatureCalibration(DepthNode::CameraMode_0, values));
-    EXPECT_EQ(values.size(), 1U);
-    float coefficient = 3;
-    int sensor = 4;
-    EXPECT_FALSE(store.getTemperatureCompensation(coefficient, sensor));
-    EXPECT_EQ(coefficient + static_cast<float>(sensor), 7.0F);
-    EXPECT_THAT(store.getDepthConfigurations(), IsEmpty());
-    EXPECT_THAT(store.getColorConfigurations(), IsEmpty());
-    EXPECT_THAT(store.getAudioConfigurations(), IsEmpty());
-    EXPECT_THAT(store.getParameters(), IsEmpty());
-    EXPECT_EQ(store.getHardwareVersion(), HardwareVersionInternal());
-    EXPECT_EQ(store.getDefaultRegionOfInterest(), RegionOfInterestInternal());
-    EXPECT_EQ(store.getNodeIndex(), 0U);
-}
-
 TEST(DescriptorStore, AnswersFromItsRecords) {
     RecordStore store;
     Core::NodeDescriptor& node = store.node.emplace();
-    node.hardwareIds = {1, 2, 3, 4};
     node.firstFlags = 0x100000001;
     node.secondFlags = 0x200000002;
-    node.fourCC = {fourCCCode('Y', '1', '6', ' '), 16, 640};
     node.romElements[5] = {0x100, 32};
-    node.defaultExtrinsics.emplace().t3 = 25;
-    node.defaultDepthIntrinsics = {{320, 240}, {160, 120}};
     node.defaultColorIntrinsics = {{640, 480}};
-    node.preCommonSettings = write(1, 1);
-    node.postCommonSettings = write(2, 2);
     node.stopCommonSettings.emplace();
     store.device = Core::DeviceDescriptor{{9, 8, 7, 6}, 0x300000003, -4};
-    const RequestList specific = write(3, 3);
-    store.setConfigurationSettings(&specific);
 
-    EXPECT_EQ(store.getNodeHardwareIDs(), (HardwareIDs{1, 2, 3, 4}));
     EXPECT_EQ(store.getDeviceHardwareIDs(), (HardwareIDs{9, 8, 7, 6}));
     // Depth and colour nodes share the two words.
-    EXPECT_EQ(store.getDepthCapabilities(), 0x100000001U);
     EXPECT_EQ(store.getColorFlags(), 0x100000001U);
-    EXPECT_EQ(store.getDepthFlags(), 0x200000002U);
     EXPECT_EQ(store.getCameraControlsFlags(), 0x200000002U);
-    EXPECT_EQ(store.getFourCC(), (FourCC{0x20363159, 16, 640}));
     EXPECT_EQ(store.getDeviceFlags(), 0x300000003U);
-    EXPECT_EQ(store.getDeviceCapabilities(), -4);
     EXPECT_EQ(store.getROMElement(5), (ROMElement{0x100, 32}));
-    EXPECT_EQ(store.getDefaultExtrinsics().t3, 25);
-    EXPECT_EQ(store.getDefaultDepthIntrinsicsArray().at(1).width, 160);
     EXPECT_EQ(store.getDefaultColorIntrinsicsArray().at(0).width, 640);
-    EXPECT_EQ(store.getPreCommonSettings(), &*node.preCommonSettings);
-    EXPECT_EQ(store.getSpecificSettings(), &specific);
-    EXPECT_EQ(store.getPostCommonSettings(), &*node.postCommonSettings);
     EXPECT_THAT(*store.getStopCommonSettings(), IsEmpty());
-
-    EXPECT_EQ(store.getProfile(), Core::Profile_DEFAULT);
-    store.setProfile(static_cast<Core::Profile>(6));
-    EXPECT_EQ(store.getProfile(), 6);
 }
 
 /// The value of register 40, or -1 when nothing writes it.
@@ -156,9 +105,6 @@ TEST(DescriptorStore, LastWriteOfTheLastListGivesTheValue) {
 }
 
 TEST(DescriptorStore, ValueReadsTheFirstThreeWordsOfEveryKindThatHasThem) {
-    bool state = false;
-    unsigned int answer = 0;
-    std::vector<unsigned char> bytes;
     const ModuleIdInternal module{1, 40, 9, 0};
     const struct {
         const char* kind;
@@ -172,18 +118,7 @@ TEST(DescriptorStore, ValueReadsTheFirstThreeWordsOfEveryKindThatHasThem) {
         {"I2C register of another device", makeRefcounted<setI2CRegisterRequest>(2U, 40U, 9U, 2U, 2U), -1},
         {"hardware version",
          makeRefcounted<setHardwareVersionRequest>(module, module, module, module, module), 9},
-        {"parameter", makeRefcounted<setParameterRequest>(XU_UVC_COMMAND, ParameterType(1)), -1},
-        {"float", makeRefcounted<setFloatParameterRequest>(ParameterType(1), 40.0F), -1},
-        {"bool", makeRefcounted<setBoolParameterRequest>(ParameterType(1), true), -1},
         {"int", makeRefcounted<setIntParameterRequest>(ParameterType(1), 40), -1},
-        {"region", makeRefcounted<setRegionOfInterestRequest>(RegionOfInterestInternal{40, 9, 1, 1}), -1},
-        {"get I2C register", makeRefcounted<getI2CRegisterRequest>(1U, 40U, &answer, 2U, 2U), -1},
-        {"get I2C array", makeRefcounted<getI2CArrayRequest>(1U, bytes), -1},
-        {"set I2C array", makeRefcounted<setI2CArrayRequest>(1U, bytes), -1},
-        {"get GPIO", makeRefcounted<getGPIOStateRequest>(1U, &state), -1},
-        {"set GPIO", makeRefcounted<setGPIOStateRequest>(1U, true), -1},
-        {"system calibration", makeRefcounted<setSystemCalibrationRequest>(), -1},
-        {"system state", makeRefcounted<setSystemStateRequest>(), -1},
     };
     RecordStore store;
     store.node.emplace();

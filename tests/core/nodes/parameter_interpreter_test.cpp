@@ -9,9 +9,6 @@
 
 #include <zentara/calibration_internal.h>
 #include <zentara/core/plugin_manager.h>
-#include <zentara/io/gpio_requests.h>
-#include <zentara/io/hardware_requests.h>
-#include <zentara/io/i2c_requests.h>
 #include <zentara/io/uvc_command_request.h>
 #include <zentara/io/video_device_proxy.h>
 #include <zentara/plugin/plugin_exceptions.h>
@@ -124,6 +121,49 @@ protected:
         EXPECT_CALL(backEnd, getAccessMode).WillRepeatedly(DoAll(SetArgPointee<1>(mode), Return(success)));
     }
 
+    struct Operation {
+        const char* function; ///< of the back-end
+        std::function<void()> call;
+        int kind =
+            0; ///< and text of what is thrown when the function fails, for those that say the same each time
+        const char* failure = nullptr;
+    };
+    std::vector<Operation> operationsOf(const Interpreter& on) {
+        const char* const unwritten = "Failed to write parameter";
+        const char* const unread = "Failed to read parameter";
+        return {
+            {"writeFloat", [=] { on->write(ParameterType_FLOAT_0, 1.0F); }, ioKind, unwritten},
+            {"writeInt", [=] { on->write(ParameterType_INT_4, 1); }, ioKind, unwritten},
+            {"writeBool", [=] { on->write(ParameterType_BOOL_7, true); }, ioKind, unwritten},
+            {"setRegionOfInterest", [=] { on->setRegionOfInterest({}); }, ioKind,
+             "Failed to set region of interest"},
+            {"readFloat", [=, this] { on->read(ParameterType_FLOAT_0, &aFloat); }, ioKind, unread},
+            {"readInt", [=, this] { on->read(ParameterType_INT_4, &anInt); }, ioKind, unread},
+            {"readBool", [=, this] { on->read(ParameterType_BOOL_7, &aBool); }, ioKind, unread},
+            {"getRegionOfInterest", [=] { static_cast<void>(on->getRegionOfInterest()); }, ioKind,
+             "Failed to get region of interest"},
+            {"readFloat", [=] { static_cast<void>(on->getRange()); }, ioKind, "Failed to get range"},
+            {"readInt", [=] { static_cast<void>(on->getRawOutputMode()); }, ioKind,
+             "Failed to get raw output mode"},
+            {"getPhaseScaling", [=] { static_cast<void>(on->getPhaseScaling()); }, ioKind,
+             "Failed to get phase scaling"},
+            {"getUnitType", [=] { static_cast<void>(on->getUnitType(ParameterType_INT_15)); },
+             notSupportedKind, "Failed to get unit type from plugin for 15"},
+            {"getAccessMode", [=] { static_cast<void>(on->getAccessMode(ParameterType_INT_15)); },
+             notSupportedKind, "Parameter 15 is not supported"},
+            {"getAccessMode", [=] { static_cast<void>(on->getParameterRange(ParameterType_FLOAT_0)); }},
+            {"readSystemState", [=, this] { on->read(state); }},
+            {"writeSystemState", [=, this] { on->write(state); }},
+            {"writeCalibration", [=, this] { on->writeCalibration(&calibration); }},
+            {"readCalibration", [=, this] { on->readCalibration(&calibration); }},
+        };
+    }
+
+    float aFloat = 5;
+    int anInt = 6;
+    bool aBool = true;
+    CalibrationInternal calibration;
+    ParameterRequestMap state;
     StrictMock<MockBackEnd> backEnd;
     Interpreter parameters = LibraryParameterInterpreter::create(BACK_END);
 };
@@ -215,37 +255,11 @@ TEST_F(ParameterInterpreterTest, NeedsALibraryThatIsAParameterBackEnd) {
 TEST_F(ParameterInterpreterTest, EveryMissingFunctionIsNamedByTheCallThatNeedsIt) {
     const Interpreter poor = LibraryParameterInterpreter::create(BACK_END_WITHOUT_OPERATIONS);
     poor->initialize(nullptr, noTransfer, noTransfer, {}, {});
-    CalibrationInternal calibration;
-    ParameterRequestMap state;
-    float aFloat = 0;
-    int anInt = 0;
-    bool aBool = false;
-    const struct {
-        const char* function;
-        std::function<void()> call;
-    } rows[] = {
-        {"getUnitType", [&] { static_cast<void>(poor->getUnitType(ParameterType_FLOAT_0)); }},
-        {"getAccessMode", [&] { static_cast<void>(poor->getAccessMode(ParameterType_FLOAT_0)); }},
-        {"readFloat", [&] { poor->read(ParameterType_FLOAT_0, &aFloat); }},
-        {"writeFloat", [&] { poor->write(ParameterType_FLOAT_0, 1.0F); }},
-        {"readInt", [&] { poor->read(ParameterType_INT_4, &anInt); }},
-        {"writeInt", [&] { poor->write(ParameterType_INT_4, 1); }},
-        {"readBool", [&] { poor->read(ParameterType_BOOL_7, &aBool); }},
-        {"writeBool", [&] { poor->write(ParameterType_BOOL_7, true); }},
-        {"setRegionOfInterest", [&] { poor->setRegionOfInterest({}); }},
-        {"getRegionOfInterest", [&] { static_cast<void>(poor->getRegionOfInterest()); }},
-        {"readSystemState", [&] { poor->read(state); }},
-        {"writeSystemState", [&] { poor->write(state); }},
-        {"getAccessMode", [&] { static_cast<void>(poor->getParameterRange(ParameterType_FLOAT_0)); }},
-        {"writeCalibration", [&] { poor->writeCalibration(&calibration); }},
-        {"readCalibration", [&] { poor->readCalibration(&calibration); }},
-        {"getPhaseScaling", [&] { static_cast<void>(poor->getPhaseScaling()); }},
-    };
-    for (const auto& row : rows)
+    for (const Operation& operation : operationsOf(poor))
         EXPECT_EQ(
-            failure(row.call),
-            std::pair(notSupportedKind,
-                      std::string("the parameter back-end does not export the function ") + row.function));
+            failure(operation.call),
+            std::pair(notSupportedKind, std::string("the parameter back-end does not export the function ") +
+                                            operation.function));
 
     const Interpreter silent = LibraryParameterInterpreter::create(BACK_END_WITHOUT_REPORTS);
     silent->initialize(nullptr, noTransfer, noTransfer, {}, {});
@@ -274,7 +288,6 @@ TEST_F(ParameterInterpreterTest, OperationsNeedAnInstance) {
     EXPECT_EQ(failure([&] { parameters->write(ParameterType_INT_4, 1); }),
               std::pair(invalidOperationKind,
                         std::string("cannot call writeInt: the parameter interpreter is not initialized")));
-    ParameterRequestMap state;
     EXPECT_EQ(failure([&] { parameters->read(state); }).first, invalidOperationKind);
 }
 
@@ -300,9 +313,7 @@ TEST_F(ParameterInterpreterTest, PassesValuesThrough) {
         std::memset(value, 0x40, 1); // a C back-end's idea of true
         return success;
     });
-    float aFloat = 0;
-    int anInt = 0;
-    bool aBool = false;
+    aBool = false;
     parameters->read(ParameterType_FLOAT_1, &aFloat);
     parameters->read(ParameterType_INT_4, &anInt);
     parameters->read(ParameterType_BOOL_7, &aBool);
@@ -326,57 +337,31 @@ TEST_F(ParameterInterpreterTest, PassesValuesThrough) {
 }
 
 TEST_F(ParameterInterpreterTest, ErrorCodesBecomeTheStatedExceptions) {
-    float aFloat = 5;
-    int anInt = 6;
-    bool aBool = true;
-    const struct {
-        std::function<void(ErrorCode)> arrange;
-        std::function<void()> call;
-        int kind;
-        const char* message;
-        bool isWrite;
-    } rows[] = {
-        {[&](ErrorCode code) { EXPECT_CALL(backEnd, writeFloat).WillOnce(Return(code)); },
-         [&] { parameters->write(ParameterType_FLOAT_0, 1.0F); }, ioKind, "Failed to write parameter", true},
-        {[&](ErrorCode code) { EXPECT_CALL(backEnd, writeInt).WillOnce(Return(code)); },
-         [&] { parameters->write(ParameterType_INT_4, 1); }, ioKind, "Failed to write parameter", true},
-        {[&](ErrorCode code) { EXPECT_CALL(backEnd, writeBool).WillOnce(Return(code)); },
-         [&] { parameters->write(ParameterType_BOOL_7, true); }, ioKind, "Failed to write parameter", true},
-        {[&](ErrorCode code) { EXPECT_CALL(backEnd, setRegionOfInterest).WillOnce(Return(code)); },
-         [&] { parameters->setRegionOfInterest({}); }, ioKind, "Failed to set region of interest", true},
-        {[&](ErrorCode code) { EXPECT_CALL(backEnd, readFloat).WillOnce(Return(code)); },
-         [&] { parameters->read(ParameterType_FLOAT_0, &aFloat); }, ioKind, "Failed to read parameter",
-         false},
-        {[&](ErrorCode code) { EXPECT_CALL(backEnd, readInt).WillOnce(Return(code)); },
-         [&] { parameters->read(ParameterType_INT_4, &anInt); }, ioKind, "Failed to read parameter", false},
-        {[&](ErrorCode code) { EXPECT_CALL(backEnd, readBool).WillOnce(Return(code)); },
-         [&] { parameters->read(ParameterType_BOOL_7, &aBool); }, ioKind, "Failed to read parameter", false},
-        {[&](ErrorCode code) { EXPECT_CALL(backEnd, getRegionOfInterest).WillOnce(Return(code)); },
-         [&] { static_cast<void>(parameters->getRegionOfInterest()); }, ioKind,
-         "Failed to get region of interest", false},
-        {[&](ErrorCode code) { EXPECT_CALL(backEnd, readFloat).WillOnce(Return(code)); },
-         [&] { static_cast<void>(parameters->getRange()); }, ioKind, "Failed to get range", false},
-        {[&](ErrorCode code) { EXPECT_CALL(backEnd, readInt).WillOnce(Return(code)); },
-         [&] { static_cast<void>(parameters->getRawOutputMode()); }, ioKind, "Failed to get raw output mode",
-         false},
-        {[&](ErrorCode code) { EXPECT_CALL(backEnd, getPhaseScaling).WillOnce(Return(code)); },
-         [&] { static_cast<void>(parameters->getPhaseScaling()); }, ioKind, "Failed to get phase scaling",
-         false},
-        {[&](ErrorCode code) { EXPECT_CALL(backEnd, getUnitType).WillOnce(Return(code)); },
-         [&] { static_cast<void>(parameters->getUnitType(ParameterType_INT_15)); }, notSupportedKind,
-         "Failed to get unit type from plugin for 15", false},
-        {[&](ErrorCode code) { EXPECT_CALL(backEnd, getAccessMode).WillOnce(Return(code)); },
-         [&] { static_cast<void>(parameters->getAccessMode(ParameterType_INT_15)); }, notSupportedKind,
-         "Parameter 15 is not supported", false},
-    };
-    for (const auto& row : rows) {
+    ErrorCode code = success;
+    const auto fails = [&](auto...) { return code; };
+    EXPECT_CALL(backEnd, writeFloat).WillRepeatedly(fails);
+    EXPECT_CALL(backEnd, writeInt).WillRepeatedly(fails);
+    EXPECT_CALL(backEnd, writeBool).WillRepeatedly(fails);
+    EXPECT_CALL(backEnd, setRegionOfInterest).WillRepeatedly(fails);
+    EXPECT_CALL(backEnd, readFloat).WillRepeatedly(fails);
+    EXPECT_CALL(backEnd, readInt).WillRepeatedly(fails);
+    EXPECT_CALL(backEnd, readBool).WillRepeatedly(fails);
+    EXPECT_CALL(backEnd, getRegionOfInterest).WillRepeatedly(fails);
+    EXPECT_CALL(backEnd, getPhaseScaling).WillRepeatedly(fails);
+    EXPECT_CALL(backEnd, getUnitType).WillRepeatedly(fails);
+    EXPECT_CALL(backEnd, getAccessMode).WillRepeatedly(fails);
+    for (const Operation& operation : operationsOf(parameters)) {
+        if (!operation.failure)
+            continue;
         // Only for writes does "out of range" differ from any other failure.
-        for (const ErrorCode code : {outOfRange, failed, tooSmall, ErrorCode(1)}) {
-            row.arrange(code);
-            const std::pair stated(row.kind, std::string(row.message));
+        const std::string name = operation.function;
+        const bool isWrite = name.rfind("write", 0) == 0 || name.rfind("set", 0) == 0;
+        for (const ErrorCode failing : {outOfRange, failed, tooSmall, ErrorCode(1)}) {
+            code = failing;
+            const std::pair stated(operation.kind, std::string(operation.failure));
             const std::pair badValue(argumentKind, std::string("value out of range"));
-            EXPECT_EQ(failure(row.call), row.isWrite && code == outOfRange ? badValue : stated)
-                << row.message << ", code " << code;
+            EXPECT_EQ(failure(operation.call), isWrite && code == outOfRange ? badValue : stated)
+                << operation.failure << ", code " << code;
         }
     }
     EXPECT_EQ(aFloat, 5);
@@ -443,9 +428,6 @@ ParameterRequestMap stateOf(ParameterType parameter, Utils::SmartPtr<xuRequest> 
 
 TEST_F(ParameterInterpreterTest, SystemStateIsWrittenEntryByEntry) {
     using Utils::makeRefcounted;
-    unsigned int number = 0;
-    bool isHigh = false;
-    Bytes array;
     const struct {
         const char* kind;
         ParameterType key;
@@ -477,18 +459,6 @@ TEST_F(ParameterInterpreterTest, SystemStateIsWrittenEntryByEntry) {
          ParameterType(0),
          makeRefcounted<setParameterRequest>(XU_SET_FLOAT_PARAMETER, ParameterType(0)),
          {}},
-        {"get I2C register",
-         ParameterType(0),
-         makeRefcounted<getI2CRegisterRequest>(1U, 2U, &number, 1U, 1U),
-         {}},
-        {"set I2C register", ParameterType(0), makeRefcounted<setI2CRegisterRequest>(1U, 2U, 3U, 1U, 1U), {}},
-        {"get I2C array", ParameterType(0), makeRefcounted<getI2CArrayRequest>(1U, array), {}},
-        {"set I2C array", ParameterType(0), makeRefcounted<setI2CArrayRequest>(1U, array), {}},
-        {"get GPIO", ParameterType(0), makeRefcounted<getGPIOStateRequest>(1U, &isHigh), {}},
-        {"set GPIO", ParameterType(0), makeRefcounted<setGPIOStateRequest>(1U, true), {}},
-        {"hardware version", ParameterType(0), makeRefcounted<setHardwareVersionRequest>(), {}},
-        {"system calibration", ParameterType(0), makeRefcounted<setSystemCalibrationRequest>(), {}},
-        {"system state", ParameterType(0), makeRefcounted<setSystemStateRequest>(), {}},
         {"null", ParameterType(0), nullptr, {}},
     };
     for (const auto& row : rows) {
@@ -589,7 +559,6 @@ TEST_F(ParameterInterpreterTest, BadSystemStateChangesNothing) {
         const char* reason;
     } rows[] = {
         {"unknown number", {16, 0, 0, 0, 0}, "unknown parameter 16 at offset 0"},
-        {"largest number", {255, 0, 0, 0, 0}, "unknown parameter 255 at offset 0"},
         {"not in the map", {3, 0, 0, 0, 0}, "parameter 3 at offset 0 was not asked for"},
         {"request without bytes", {9, 0, 0, 0, 0}, "parameter 9 at offset 0 was not asked for"},
         {"request of another kind", {14, 1, 14, 1, 14}, "parameter 14 at offset 0 was not asked for"},
@@ -661,13 +630,11 @@ TEST_F(ParameterInterpreterTest, BadRangesAreRefused) {
         const char* reason;
     } rows[] = {
         {"second call fails", lie(13, failed, 13), "overheated"},
-        {"needs more than it said", lie(13, tooSmall, 26), "overheated"},
         {"incredible length", lie(0xFFFFFFFF, success, 13), "the back-end announces 4294967295 bytes"},
         {"nothing", lie(0, success, 0), "the back-end returned no valid range"},
         {"filled less than it said", lie(13, success, 5), "the back-end returned no valid range"},
         {"filled more than there was room", lie(12, success, 13), "the back-end returned no valid range"},
         {"unknown form", answer(Bytes(53, 9)), "the back-end returned no valid range"},
-        {"cut set", answer(Bytes{1, 9, 0, 1, 0, 0, 0}), "the back-end returned no valid range"},
     };
     for (const auto& row : rows) {
         EXPECT_CALL(backEnd, getParameterRange).WillRepeatedly(row.getParameterRange);
@@ -679,7 +646,6 @@ TEST_F(ParameterInterpreterTest, BadRangesAreRefused) {
 }
 
 TEST_F(ParameterInterpreterTest, CalibrationTravelsInItsMarshalledForm) {
-    CalibrationInternal calibration;
     calibration.setPhaseDelay(0x0102);
     Bytes written;
     EXPECT_CALL(backEnd, writeCalibration)
@@ -702,7 +668,6 @@ TEST_F(ParameterInterpreterTest, CalibrationTravelsInItsMarshalledForm) {
 }
 
 TEST_F(ParameterInterpreterTest, CalibrationFailuresAreOfTheNotSupportedKind) {
-    CalibrationInternal calibration;
     const auto readFailure = [&] { return failure([&] { parameters->readCalibration(&calibration); }); };
     EXPECT_CALL(backEnd, writeCalibration).WillOnce(Return(outOfRange));
     EXPECT_EQ(failure([&] { parameters->writeCalibration(&calibration); }),

@@ -49,17 +49,6 @@ TEST(PeriodicOperation, ReadsTheClockInMicroseconds) {
     EXPECT_FALSE(hourAhead->timeToPoll());
 }
 
-TEST(PeriodicOperation, KindsKnowTheirRegisterAndAlwaysSynchronise) {
-    const auto temperature = makeRefcounted<TemperaturePeriodicOperation>(0xABCDU, 1, true);
-    EXPECT_EQ(temperature->getType(), 1);
-    EXPECT_EQ(temperature->getRegAddress(), 0xABCDU);
-    EXPECT_TRUE(temperature->syncToFrame());
-    const auto accelerometer = makeRefcounted<AccelerometerPeriodicOperation>(7U, 1, true);
-    EXPECT_EQ(accelerometer->getType(), 0);
-    EXPECT_EQ(accelerometer->getRegAddress(), 7U);
-    EXPECT_TRUE(accelerometer->syncToFrame());
-}
-
 TEST(PeriodicOperation, SurvivesTimesAtTheEndsOfTheScale) {
     constexpr std::int64_t latest = std::numeric_limits<std::int64_t>::max();
     constexpr std::int64_t earliest = std::numeric_limits<std::int64_t>::min();
