@@ -4,13 +4,12 @@
 
 #include <gmock/gmock.h>
 
-#include <zentara/utils/files.h>
-#include <zentara/utils/kv_logger.h>
+#include "support/log_capture.h"
 
 using namespace Zentara::Plugin;
 using testing::HasSubstr;
 using testing::Not;
-using Zentara::Utils::KVLogger;
+using Zentara::TestSupport::LogCapture;
 
 namespace {
 
@@ -39,29 +38,8 @@ const Row rows[] = {
      "Unauthorized Access Exception: ", isA<UnauthorizedAccessPluginException>},
 };
 
-/// The log in a file, read once it is closed.
-class PluginExceptions : public testing::Test {
-protected:
-    void SetUp() override {
-        Zentara::Utils::writeFile(target, "");
-        KVLogger::createInstance(Zentara::Utils::KVLogLevel_INFO, "core_tests", target.c_str());
-    }
-    void TearDown() override {
-        if (logging)
-            closeLog();
-    }
-
-    std::string closeLog() {
-        KVLogger::release();
-        logging = false;
-        return Zentara::Utils::readFile(target);
-    }
-
-    const std::string target = ZENTARA_TEST_ROOTS ".log";
-    bool logging = true;
-};
-
-TEST_F(PluginExceptions, AreThrownByKindAndLogOneLine) {
+TEST(PluginExceptions, AreThrownByKindAndLogOneLine) {
+    const LogCapture capture;
     for (int type = 0; type <= 8; ++type) {
         // The percent signs are part of the message, not of a format.
         const std::string message = "100% of kind " + std::to_string(type) + " %{:x}";
@@ -75,14 +53,15 @@ TEST_F(PluginExceptions, AreThrownByKindAndLogOneLine) {
             EXPECT_TRUE(rows[type].isOwnClass(exception)) << type;
         }
     }
-    const std::string log = closeLog();
+    const std::string log = capture.text();
     for (int type = 0; type <= 8; ++type) {
         EXPECT_EQ(type, rows[type].type);
         EXPECT_THAT(log, HasSubstr(rows[type].logged + "100% of kind " + std::to_string(type) + " %{:x}"));
     }
 }
 
-TEST_F(PluginExceptions, CopiesAndTheBaseLogNothing) {
+TEST(PluginExceptions, CopiesAndTheBaseLogNothing) {
+    const LogCapture capture;
     const PluginException base(PluginExceptionType_IO, "quiet base");
     EXPECT_STREQ("quiet base", base.what());
     const IOPluginException original("once");
@@ -93,18 +72,17 @@ TEST_F(PluginExceptions, CopiesAndTheBaseLogNothing) {
     EXPECT_STREQ("once", sliced.what());
     EXPECT_STREQ("assigned", copy.what());
 
-    const std::string log = closeLog();
+    const std::string log = capture.text();
     EXPECT_THAT(log, Not(HasSubstr("quiet base")));
     EXPECT_EQ(log.find("I/O Exception: once"), log.rfind("I/O Exception: once"));
     EXPECT_NE(std::string::npos, log.find("I/O Exception: once"));
 }
 
-TEST_F(PluginExceptions, NeedNoLogger) {
-    closeLog();
+TEST(PluginExceptions, NeedNoLogger) {
     EXPECT_THROW(throwPluginException(PluginExceptionType_TIMEOUT, "unheard"), TimeoutPluginException);
 }
 
-TEST_F(PluginExceptions, AnUnknownKindThrowsNothing) {
+TEST(PluginExceptions, AnUnknownKindThrowsNothing) {
     EXPECT_NO_THROW(throwPluginException(static_cast<PluginExceptionType>(9), "x"));
     EXPECT_NO_THROW(throwPluginException(static_cast<PluginExceptionType>(-1), "x"));
 }

@@ -3,38 +3,25 @@
 #include <filesystem>
 
 #include <zentara/core/plugin_probe.h>
-#include <zentara/utils/environment_variable.h>
 #include <zentara/utils/files.h>
 
 namespace fs = std::filesystem;
 using Zentara::Core::Plugin;
-using Zentara::Utils::EnvironmentVariable;
 using Zentara::Utils::SmartPtr;
 
 namespace {
 
 std::string ending() { return std::string(".") + Zentara::Core::pluginFileExtension(); }
 
-std::string useRoot(const std::string& root) {
-    EnvironmentVariable variable("ZENTARASDK_ROOT");
-    const char* value = variable.getValue();
-    const std::string previous = value ? value : "";
-    variable.setValue(root.c_str());
-    return previous;
-}
-
 } // namespace
 
 TestRoot::TestRoot(const std::string& name)
-    : root(std::string(ZENTARA_TEST_ROOTS) + "/" + name + "/"), previousRoot(useRoot(root)) {
+    : root(std::string(ZENTARA_TEST_ROOTS) + "/" + name + "/"), variable("ZENTARASDK_ROOT", root) {
     removeDirectory();
     fs::create_directories(pluginDirectory());
 }
 
-TestRoot::~TestRoot() {
-    removeDirectory();
-    useRoot(previousRoot);
-}
+TestRoot::~TestRoot() { removeDirectory(); }
 
 std::string TestRoot::add(const std::string& plugin, const std::string& name) const {
     return addBytes(name.empty() ? plugin : name, pluginBytes(plugin));

@@ -7,6 +7,7 @@
 #include <zentara/utils/smart_ptr.h>
 
 #include "core/fixtures/test_object.h"
+#include "support/scoped_variable.h"
 
 /// An install root of its own for one test, empty at first, in use as long as it lives.
 class TestRoot {
@@ -31,7 +32,7 @@ public:
 
 private:
     std::string root;
-    std::string previousRoot;
+    Zentara::TestSupport::ScopedVariable variable;
 };
 
 /// The bytes of a built plug-in.

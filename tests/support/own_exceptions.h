@@ -45,93 +45,67 @@ struct Strange {
 
 } // namespace Own
 
-/// Throws the exception of that number; none for 0.
-inline void throwOwn(int which) {
-    static const Own::Category category;
-    switch (which) {
-    case 1:
-        throw Plugin::StreamingPluginException("broken");
-    case 2:
-        throw Plugin::ConfigurationPluginException("broken");
-    case 3:
-        throw Plugin::TimeoutPluginException("broken");
-    case 4:
-        throw Plugin::ArgumentPluginException("broken");
-    case 5:
-        throw Plugin::IOPluginException("broken");
-    case 6:
-        throw Plugin::NotSupportedPluginException("broken");
-    case 7:
-        throw Plugin::InitializationPluginException("broken");
-    case 8:
-        throw Plugin::InvalidOperationPluginException("broken");
-    case 9:
-        throw Plugin::UnauthorizedAccessPluginException("broken");
-    case 10:
-        throw Own::Timeout("broken");
-    case 11:
-        throw Plugin::PluginException(Plugin::PluginExceptionType(77), "broken");
-    case 12:
-        throw Utils::UIOException("broken");
-    case 13:
-        throw Own::Format("broken");
-    case 14:
-        throw std::runtime_error("broken");
-    case 15:
-        throw Own::Range();
-    case 16:
-        throw std::system_error(5, std::generic_category(), "broken");
-    case 17:
-        throw std::system_error(5, category, "broken");
-    case 18:
-        throw std::bad_alloc();
-    case 19:
-        throw Own::Plain();
-    case 20:
-        throw 42;
-    case 21:
-        throw std::string("broken");
-    case 22:
-        throw "broken";
-    case 23:
-        throw Own::Strange{1};
-    default:
-        break;
-    }
-}
-
 /// Class and text of a caught exception.
 using Caught = std::pair<std::string, std::string>;
 
-/// What the host meets, by the exception's number less one.
-inline std::vector<Caught> ownArrivals() {
-    const auto row = [](const std::type_info& type, const char* text = "broken") {
-        return Caught(type.name(), text);
+/// An exception, and what the host meets.
+struct OwnException {
+    void (*raise)();
+    Caught arrival;
+};
+template<typename Thrown, typename Met = Thrown>
+OwnException broken() {
+    return {[] { throw Thrown("broken"); }, {typeid(Met).name(), "broken"}};
+}
+
+inline std::vector<OwnException> ownExceptions() {
+    static const Own::Category category;
+    const auto row = [](const std::type_info& type, const char* text, void (*raise)()) {
+        return OwnException{raise, {type.name(), text}};
     };
     const std::system_error withCode(5, std::generic_category(), "broken");
-    return {row(typeid(Plugin::StreamingPluginException)),
-            row(typeid(Plugin::ConfigurationPluginException)),
-            row(typeid(Plugin::TimeoutPluginException)),
-            row(typeid(Plugin::ArgumentPluginException)),
-            row(typeid(Plugin::IOPluginException)),
-            row(typeid(Plugin::NotSupportedPluginException)),
-            row(typeid(Plugin::InitializationPluginException)),
-            row(typeid(Plugin::InvalidOperationPluginException)),
-            row(typeid(Plugin::UnauthorizedAccessPluginException)),
-            row(typeid(Plugin::TimeoutPluginException)),
-            row(typeid(Plugin::PluginException)),
-            row(typeid(Utils::UIOException)),
-            row(typeid(Utils::UFormatException)),
-            row(typeid(std::runtime_error)),
-            row(typeid(std::out_of_range)),
-            row(typeid(std::system_error), withCode.what()),
-            row(typeid(std::runtime_error), "broken: code"),
-            row(typeid(std::bad_alloc), "std::bad_alloc"),
-            row(typeid(std::runtime_error)),
-            row(typeid(int), "42"),
-            row(typeid(std::string)),
-            row(typeid(std::runtime_error)),
-            row(typeid(std::runtime_error), "unknown exception")};
+    return {
+        broken<Plugin::StreamingPluginException>(),
+        broken<Plugin::ConfigurationPluginException>(),
+        broken<Plugin::TimeoutPluginException>(),
+        broken<Plugin::ArgumentPluginException>(),
+        broken<Plugin::IOPluginException>(),
+        broken<Plugin::NotSupportedPluginException>(),
+        broken<Plugin::InitializationPluginException>(),
+        broken<Plugin::InvalidOperationPluginException>(),
+        broken<Plugin::UnauthorizedAccessPluginException>(),
+        broken<Own::Timeout, Plugin::TimeoutPluginException>(),
+        row(typeid(Plugin::PluginException), "broken",
+            [] { throw Plugin::PluginException(Plugin::PluginExceptionType(77), "broken"); }),
+        broken<Utils::UIOException>(),
+        broken<Own::Format, Utils::UFormatException>(),
+        broken<std::runtime_error>(),
+        row(typeid(std::out_of_range), "broken", [] { throw Own::Range(); }),
+        row(typeid(std::system_error), withCode.what(),
+            [] { throw std::system_error(5, std::generic_category(), "broken"); }),
+        row(typeid(std::runtime_error), "broken: code",
+            [] { throw std::system_error(5, category, "broken"); }),
+        row(typeid(std::bad_alloc), "std::bad_alloc", [] { throw std::bad_alloc(); }),
+        row(typeid(std::runtime_error), "broken", [] { throw Own::Plain(); }),
+        row(typeid(int), "42", [] { throw 42; }),
+        broken<std::string>(),
+        row(typeid(std::runtime_error), "broken", [] { throw "broken"; }),
+        row(typeid(std::runtime_error), "unknown exception", [] { throw Own::Strange{1}; }),
+    };
+}
+
+/// Throws the exception of that number; none for 0.
+inline void throwOwn(int which) {
+    if (which != 0)
+        ownExceptions().at(static_cast<std::size_t>(which - 1)).raise();
+}
+
+/// What the host meets, by the exception's number less one.
+inline std::vector<Caught> ownArrivals() {
+    std::vector<Caught> arrivals;
+    for (const OwnException& exception : ownExceptions())
+        arrivals.push_back(exception.arrival);
+    return arrivals;
 }
 
 inline Caught caught(std::exception_ptr kept) {

@@ -7,8 +7,7 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
-#include <zentara/utils/environment_variable.h>
-
+#include "support/scoped_variable.h"
 #include "support/temporary_directory.h"
 
 namespace Zentara::Tool {
@@ -52,19 +51,8 @@ private:
 };
 
 /// An install root for one scope.
-class InstallRoot {
-public:
-    explicit InstallRoot(const std::string& root) : variable("ZENTARASDK_ROOT") {
-        before = variable.isDefined() ? variable.getValue() : "";
-        variable.setValue(root.c_str());
-    }
-    ~InstallRoot() { variable.setValue(before.c_str()); }
-    InstallRoot(const InstallRoot&) = delete;
-    InstallRoot& operator=(const InstallRoot&) = delete;
-
-private:
-    Utils::EnvironmentVariable variable;
-    std::string before;
+struct InstallRoot : TestSupport::ScopedVariable {
+    explicit InstallRoot(const std::string& root) : ScopedVariable("ZENTARASDK_ROOT", root) {}
 };
 
 } // namespace Zentara::Tool
