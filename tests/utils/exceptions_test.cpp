@@ -39,14 +39,6 @@ TEST(UException, IsTheRootOfEveryKind) {
                   std::is_base_of_v<std::exception, UException>);
 }
 
-TEST(UException, CopiesItsMessage) {
-    UIOException target("old");
-    target = UIOException("a message that is too long for a small buffer");
-    const UIOException copy = target;
-    EXPECT_EQ(copy.message(), "a message that is too long for a small buffer");
-    EXPECT_STREQ(target.what(), copy.what());
-}
-
 TEST(ErrorText, NumbersAKnownError) {
     const std::string text = formatError(2, "cannot open");
     EXPECT_THAT(text, StartsWith("cannot open (error 0x2: "));

@@ -24,29 +24,6 @@ std::atomic<int>& cell(const Owned<SharedMapping>& mapping, int index = 0) {
     return static_cast<std::atomic<int>*>(mapping->address())[index];
 }
 
-TEST(PlatformSharedMapping, LivesWithItsUsers) {
-    const std::string name = uniqueName("life");
-    auto first = open(name);
-    auto second = open(name);
-    ASSERT_TRUE(first && second);
-    EXPECT_NE(first->address(), second->address());
-    cell(first) = 1;
-    EXPECT_EQ(cell(second), 1);
-    first.reset();
-    auto third = open(name, 256, false);
-    ASSERT_TRUE(third);
-    EXPECT_EQ(cell(third), 1);
-    EXPECT_FALSE(open(name, 1 << 20)) << "memory never grows";
-    second.reset();
-    third.reset();
-    auto fresh = open(name, 1 << 20);
-    ASSERT_TRUE(fresh);
-    EXPECT_EQ(cell(fresh), 0);
-    fresh->unlink();
-    cell(fresh) = 3;
-    EXPECT_EQ(cell(fresh), 3) << "a present user keeps the memory";
-}
-
 TEST(PlatformSharedMapping, RefusesWhatCannotBe) {
     EXPECT_FALSE(open(uniqueName("empty"), 0));
     for (const char* name : {"", "/", "/a/b", "a\\b", "/a/"})

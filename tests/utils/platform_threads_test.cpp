@@ -28,31 +28,6 @@ void runTogether(int count, Function function) {
         thread->join();
 }
 
-TEST(PlatformEvent, AutomaticLetsOneWaitPass) {
-    Owned<Event> event(Event::create(Event::Reset::automatic));
-    EXPECT_FALSE(event->wait(0));
-    event->set();
-    event->set();
-    EXPECT_TRUE(event->wait(infiniteWait));
-    EXPECT_FALSE(event->wait(1));
-    event->set();
-    event->reset();
-    EXPECT_FALSE(event->wait(0));
-}
-
-TEST(PlatformEvent, ManualLetsAllPassUntilReset) {
-    Owned<Event> event(Event::create(Event::Reset::manual));
-    Function waits = [&] { EXPECT_TRUE(event->wait(generous)); };
-    auto first = start(waits);
-    auto second = start(waits);
-    event->set();
-    first->join();
-    second->join();
-    EXPECT_TRUE(event->wait(0));
-    event->reset();
-    EXPECT_FALSE(event->wait(0));
-}
-
 TEST(PlatformEvent, WaitsAsLongAsTold) {
     Owned<Event> event(Event::create(Event::Reset::automatic));
     const std::int64_t before = monotonicMicroseconds();
@@ -79,29 +54,6 @@ TEST(PlatformEvent, NoSetIsLostBetweenTwoThreads) {
         ASSERT_TRUE(pong->wait(generous));
     }
     other->join();
-}
-
-TEST(PlatformThread, KnowsItself) {
-    Owned<Event> told(Event::create(Event::Reset::automatic));
-    Thread* self = nullptr;
-    bool current = false;
-    unsigned long identifier = 0;
-    Function looks = [&] {
-        told->wait(infiniteWait);
-        current = self->isCurrent();
-        identifier = currentThreadId();
-        nameCurrentThread("a name far longer than fifteen bytes");
-    };
-    auto thread = start(looks);
-    self = thread.get();
-    EXPECT_FALSE(thread->isCurrent());
-    told->set();
-    thread->join();
-    EXPECT_TRUE(current);
-    EXPECT_NE(identifier, 0u);
-    EXPECT_NE(identifier, currentThreadId());
-    EXPECT_EQ(currentThreadId(), currentThreadId());
-    EXPECT_NE(currentProcessId(), 0u);
 }
 
 TEST(PlatformThread, SleepsOnTheMonotonicClock) {

@@ -50,27 +50,6 @@ TEST(Signal, KeepsASetBesidesTheOneOfASleeper) {
     EXPECT_TRUE(kept);
 }
 
-TEST(Signal, CarriesWhatWasWrittenBefore) {
-    constexpr int rounds = 10000;
-    Signal ping;
-    Signal pong;
-    int value = 0;
-    std::thread other([&] {
-        for (int i = 0; i < rounds; ++i) {
-            ping.wait();
-            ++value;
-            pong.set();
-        }
-    });
-    for (int i = 0; i < rounds; ++i) {
-        ++value;
-        ping.set();
-        ASSERT_EQ(pong.timedWait(generous), 0);
-        ASSERT_EQ(value, 2 * (i + 1));
-    }
-    other.join();
-}
-
 TEST(Signal, WaiterMayDestroyItAtOnce) {
     constexpr int rounds = 1000;
     std::atomic<Signal*> passed{nullptr};

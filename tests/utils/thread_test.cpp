@@ -235,18 +235,5 @@ TEST(Thread, DestructorLeavesTheThreadToItself) {
         ThreadBase::sleep(1);
 }
 
-struct Named : Thread {
-    using Thread::getName;
-    using Thread::setName;
-    using Thread::Thread;
-};
-
-TEST(Thread, KnowsItsName) {
-    Named thread(nullptr, nullptr, "DeviceEnumerator");
-    EXPECT_STREQ(thread.getName(), "DeviceEnumerator");
-    thread.setName(nullptr);
-    EXPECT_STREQ(thread.getName(), "");
-}
-
 } // namespace
 } // namespace Zentara::Utils::Threading

@@ -45,9 +45,6 @@ TEST_F(WaveWriterTest, DerivesTheSizesOfItsFormat) {
     writer.setNumChannels(3);
     writer.setSamplingRate(8000);
     writer.setBitsPerChannel(20);
-    EXPECT_EQ(writer.getNumChannels(), 3);
-    EXPECT_EQ(writer.getSamplingRate(), 8000);
-    EXPECT_EQ(writer.getBitsPerChannel(), 20);
     ASSERT_EQ(open(), 0);
     ASSERT_EQ(writer.close(), 0);
     EXPECT_EQ(readFile(path).substr(22, 14), bytes("\x03\0\x40\x1F\0\0\x40\x19\x01\0\x09\0\x14\0"));

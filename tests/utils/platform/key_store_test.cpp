@@ -50,18 +50,5 @@ TEST_F(KeyStoreTest, ReadsLongAndEmptyTexts) {
     EXPECT_EQ(read(KeyView::Bits64, "Empty"), "");
 }
 
-TEST_F(KeyStoreTest, KeepsItsViewsApart) {
-    ASSERT_TRUE(writeKeyText(store, key, KeyView::Bits32, "Name", "thirty-two"));
-    EXPECT_EQ(read(KeyView::Bits64, "Name"), "missing untouched");
-    ASSERT_TRUE(writeKeyText(store, key, KeyView::Bits64, "Name", "sixty-four"));
-    EXPECT_EQ(read(KeyView::Bits32, "Name"), "thirty-two");
-    EXPECT_EQ(read(KeyView::Bits64, "Name"), "sixty-four");
-}
-
-TEST_F(KeyStoreTest, TellsOtherValuesFromTexts) {
-    ASSERT_TRUE(writeKeyNonText(store, key, KeyView::Bits64, "Number"));
-    EXPECT_EQ(read(KeyView::Bits64, "Number"), "unreadable untouched");
-}
-
 } // namespace
 } // namespace Zentara::Utils::Platform
