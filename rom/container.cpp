@@ -133,7 +133,8 @@ const MemoryBlockHeader* Container::Impl::store(std::uint16_t uid, const std::ve
         try {
             return storeAnew(bytes);
         } catch (const std::bad_alloc&) {
-            room = {}; // taken before the old section went, so that the new one need not fail for want of it
+            // Taken before the old section went, so that the new one need not fail for want of it.
+            room = std::vector<std::uint8_t>(); // an empty list would leave the room where it is
             return storeAnew(bytes);
         }
     } catch (...) {
