@@ -186,10 +186,10 @@ FileLock* FileLock::create(const std::string& path, unsigned long milliseconds) 
         if (flock(lock->file.get(), LOCK_EX | LOCK_NB) == 0) {
             if (isAt(path, lock->file.get()))
                 return lock.release();
-            continue; // it was replaced while we came; the right goes with the file that is there now
-        }
-        if (errno != EWOULDBLOCK && errno != EINTR)
+            // It was replaced while we came: the right goes with the file that is there now.
+        } else if (errno != EWOULDBLOCK && errno != EINTR) {
             return nullptr;
+        }
         if (monotonicMilliseconds() >= end) {
             lock->file.reset(-1);
             errno = EWOULDBLOCK;

@@ -59,6 +59,7 @@ ResourceUse resourceUse() {
     use.handles = entries("/proc/self/fd");
     return use;
 }
+
 bool isTerminal(std::FILE* stream) noexcept { return isatty(fileno(stream)) == 1; }
 
 std::string shellWord(const std::string& text) {
