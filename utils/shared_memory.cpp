@@ -4,7 +4,9 @@
 
 #include "utils/immortal.h"
 #include "utils/platform/shared_memory.h"
+#include "utils/platform/thread.h"
 
+#include <atomic>
 #include <map>
 #include <new>
 #include <vector>
@@ -54,7 +56,8 @@ struct SharedMemory::Impl {
     /// Before the first mapping under a base name: what killed processes left behind goes, and what this one has will
     /// go when it ends.
     void prepare() ZENTARA_REQUIRES(lock) {
-        static const AtTheEnd atTheEnd;
+        static AtTheEnd atTheEnd;
+        atTheEnd.process = Platform::currentProcessId();
         if (sweptName == baseName)
             return;
         Platform::SharedMapping::sweep(baseName);
@@ -63,11 +66,17 @@ struct SharedMemory::Impl {
 
     /// Of the process, or of the library in it.
     struct AtTheEnd {
+        /// Takes no lock for nothing: a child of fork that has mapped nothing has the locks as they happened to be, and
+        /// where names go by themselves the threads that held them may be gone.
         ~AtTheEnd() {
+            if (!Platform::SharedMapping::namesRemain() || process != Platform::currentProcessId())
+                return;
             const Threading::AutoLock hold(instanceLock);
             if (instance)
                 instance->impl->leave();
         }
+
+        std::atomic<unsigned long> process{0}; ///< the one that mapped last
     };
 
     void leave() noexcept {

@@ -1,9 +1,14 @@
 #include "utils/platform/posix/shared_object.h"
 #include "utils/platform/thread.h"
 
+#include <zentara/utils/shared_memory.h>
+
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <cstdlib>
 #include <string>
+#include <thread>
 
 namespace Zentara::Utils::Platform {
 namespace {
@@ -19,6 +24,22 @@ TEST(PosixSharedObject, ABlockedGateIsGivenUp) {
     ASSERT_TRUE(second.open(name, 20));
     EXPECT_TRUE(second.wasInUse());
     second.openGate();
+}
+
+// A child of fork has its parent's locks as they happened to be, and none of the threads that hold them.
+TEST(PosixSharedObject, AChildOfForkEndsWhileItsParentMaps) {
+    testing::GTEST_FLAG(death_test_style) = "fast";
+    SharedMemory& memory = *SharedMemory::getSharedMemory();
+    const std::string name = "fork" + std::to_string(currentProcessId());
+    std::atomic<bool> stop{false};
+    std::thread busy([&] {
+        for (; !stop; memory.releaseAll(name, false))
+            memory.getPtr(name, 0, 64, true);
+    });
+    for (int i = 0; i < 5; ++i)
+        EXPECT_EXIT(std::exit(0), testing::ExitedWithCode(0), "");
+    stop = true;
+    busy.join();
 }
 
 } // namespace

@@ -24,6 +24,9 @@ public:
 
     [[nodiscard]] void* address() const noexcept;
 
+    /// Whether a name outlives a process that has not given it up.
+    static bool namesRemain() noexcept;
+
     /// Gives the name up as destroy() does, at the end of the process, but leaves the memory where it is. Windows does
     /// that by itself.
     void leave() noexcept;

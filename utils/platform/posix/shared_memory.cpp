@@ -81,6 +81,8 @@ void SharedMapping::destroy(SharedMapping* mapping) noexcept { delete static_cas
 
 void* SharedMapping::address() const noexcept { return static_cast<const PosixMapping*>(this)->memory; }
 
+bool SharedMapping::namesRemain() noexcept { return true; }
+
 void SharedMapping::leave() noexcept { // The process ends: it does not wait long for others.
     static_cast<PosixMapping*>(this)->object.leave(500);
 }

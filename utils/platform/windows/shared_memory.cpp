@@ -64,6 +64,8 @@ void SharedMapping::destroy(SharedMapping* mapping) noexcept { delete static_cas
 
 void* SharedMapping::address() const noexcept { return static_cast<const WindowsMapping*>(this)->view; }
 
+bool SharedMapping::namesRemain() noexcept { return false; }
+
 void SharedMapping::leave() noexcept {}
 
 void SharedMapping::sweep(const std::string&) noexcept {}
