@@ -19,6 +19,7 @@
 #include "plugins/cameras/plugin_guids.h"
 #include "plugins/descriptions/controller.h"
 #include "plugins/descriptions/wire.h"
+#include "utils/visible_text.h"
 
 namespace Zentara::Cameras {
 namespace {
@@ -66,7 +67,8 @@ void warnOfLens(const std::string& serialNumber, const Core::DescriptorStoreRO& 
     logger->warning(
         Format("camera %: %; its lens model is the one in the description of %, which was not measured on "
                "this camera") %
-        serialNumber % why % store.getDeviceName());
+        Utils::visibleText(serialNumber) % Utils::visibleText(why) %
+        Utils::visibleText(store.getDeviceName()));
     Utils::KVLogger::release();
 }
 
