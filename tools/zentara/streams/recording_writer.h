@@ -15,7 +15,7 @@ class BinaryWriter;
 
 namespace Zentara::Tool {
 
-/// Writes streams into one file, as docs/recordings.md describes it. The file takes its name with commit().
+/// Writes streams into one recording. The file takes its name with commit().
 class RecordingWriter final {
 public:
     /// \throws ToolFailure when the file cannot be opened, or there are too many streams.
