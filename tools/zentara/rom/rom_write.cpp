@@ -135,7 +135,8 @@ std::string guidOf(const RomContent& content) {
     for (const auto& [uid, section] : content) {
         if (section.type != static_cast<std::uint8_t>(ROM::ContainerSectionType::SystemInfo))
             continue;
-        for (const Json& record : sectionToJson(uid, section)["records"])
+        const Json document = sectionToJson(uid, section);
+        for (const Json& record : document.at("records"))
             if (record.contains("guid"))
                 return record["guid"].get<std::string>();
     }
