@@ -6,6 +6,7 @@
 #include <cstring>
 #include <functional>
 #include <limits>
+#include <stdexcept>
 
 #include <zentara/calibration_internal.h>
 #include <zentara/core/plugin_manager.h>
@@ -225,13 +226,20 @@ TEST_F(ParameterInterpreterTest, LibraryStaysLoadedOnlyWhileAnInterpreterLives) 
     manager->release();
 }
 
-TEST_F(ParameterInterpreterTest, RefusedInitializeLeavesNothing) {
-    parameters->dispose();
-    EXPECT_CALL(backEnd, initialize).WillOnce(Return(failed));
-    EXPECT_CALL(backEnd, destroyed).Times(1);
+TEST_F(ParameterInterpreterTest, AnInstanceThatFailsIsDestroyedAtOnce) {
+    int destroyed = 0;
+    EXPECT_CALL(backEnd, destroyed).WillRepeatedly([&] { ++destroyed; });
+    EXPECT_CALL(backEnd, dispose).WillOnce(testing::Throw(std::runtime_error("worn out")));
+    EXPECT_ANY_THROW(parameters->dispose());
+    EXPECT_EQ(1, destroyed);
+    EXPECT_CALL(backEnd, initialize)
+        .WillOnce(testing::Throw(std::runtime_error("worn out")))
+        .WillOnce(Return(failed));
+    EXPECT_ANY_THROW(start());
+    EXPECT_EQ(2, destroyed);
     const std::pair refused(initializationKind, std::string("Failed to initialize plugin"));
     EXPECT_EQ(failure([&] { start(); }), refused);
-    parameters.reset();
+    EXPECT_EQ(3, destroyed);
 
     const Interpreter empty = LibraryParameterInterpreter::create(BACK_END_WITHOUT_INSTANCE);
     EXPECT_EQ(failure([&] { empty->initialize(nullptr, noTransfer, noTransfer, {}, {}); }), refused);
@@ -562,6 +570,7 @@ TEST_F(ParameterInterpreterTest, BadSystemStateChangesNothing) {
         {"not in the map", {3, 0, 0, 0, 0}, "parameter 3 at offset 0 was not asked for"},
         {"request without bytes", {9, 0, 0, 0, 0}, "parameter 9 at offset 0 was not asked for"},
         {"request of another kind", {14, 1, 14, 1, 14}, "parameter 14 at offset 0 was not asked for"},
+        {"cut by one byte", {7, 1, 7, 1, 7}, "the entry of parameter 7 at offset 4 is cut short"},
         {"cut region", {13, 1, 0, 1, 0}, "the entry of parameter 13 at offset 0 is cut short"},
         {"cut behind a whole entry", {7, 1, 2, 0, 0}, "the entry of parameter 2 at offset 2 is cut short"},
     };
