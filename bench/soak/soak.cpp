@@ -1,11 +1,12 @@
 // zentara_soak MINUTES [SEED]: uses all simulated cameras side by side as a host does, with nodes made anew all the time
-// and one call in a hundred failing, and shows every 10 s what the process holds. Ends with 1 when that grew after the
-// first minute by more than the husks of the requests that failed.
+// and one call of a device in a hundred failing, and shows every 10 s what the process holds. Ends with 1 when that grew
+// after the first minute by more than the husks of the requests that failed.
 #include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <functional>
 #include <map>
 #include <mutex>
@@ -30,8 +31,9 @@ std::atomic<std::uint64_t> nodesMade{0};
 std::atomic<std::uint64_t> framesRead{0};
 std::atomic<std::uint64_t> callsFailed{0};
 
-/// What a failed request leaves at most, and what the heap may hold besides.
-constexpr std::size_t bytesPerHusk = 640;
+/// What a failed request leaves, with its share of those whose failure only the log tells, and what the heap may hold
+/// besides.
+constexpr std::size_t bytesPerHusk = 400;
 constexpr std::size_t slackBytes = 2 << 20;
 
 template<typename Interface>
@@ -48,8 +50,8 @@ Utils::SmartPtr<Interface> make(GUID guid) {
     return Utils::SmartPtr<Interface>::adopt(dynamic_cast<Interface*>(static_cast<Core::Plugin*>(made)));
 }
 
-/// Faults of one device: each kind of operation fails once among its first hundred calls, and now and then one hangs
-/// beyond its caller's patience.
+/// Faults of one device: each call of each operation fails with a chance of one in a hundred, whatever happened to those
+/// before it, and now and then one hangs beyond its caller's patience.
 class Faults {
 public:
     explicit Faults(unsigned seed) : random(seed) {}
@@ -62,20 +64,60 @@ public:
             "setup",      "getDefault", "enableDepth", "enableAudio",       "len",
             "setLevel",   "setMute"};
         std::string text;
-        for (const char* const operation : operations)
-            text += std::string("throw io at ") + operation + " after " + number(100) + " times 1\n";
+        for (const char* const operation : operations) {
+            for (unsigned call = gap(random); call < callsPlanned; call += 1 + gap(random))
+                text +=
+                    std::string("throw io at ") + operation + " after " + std::to_string(call) + " times 1\n";
+        }
         if (random() % 50 == 0)
-            text += "hang 2500 at recv after " + number(20) + " times 1\n";
+            text += "hang 2500 at recv after " + std::to_string(random() % 20) + " times 1\n";
         return text;
     }
-    std::string number(unsigned below) { return std::to_string(random() % below); }
 
 private:
+    /// More than any operation of a device is called in its life.
+    static constexpr unsigned callsPlanned = 1000;
+
     std::mt19937 random;
+    std::geometric_distribution<unsigned> gap{0.01};
 };
 
-/// Devices read their settings when they are made.
-std::mutex settingsLock;
+/// The settings of the device that is made next. They come by a file, whose name stays in the environment: the C library
+/// keeps every text that a variable ever had, for somebody may still read it.
+class SettingsFile {
+public:
+    SettingsFile() { Utils::EnvironmentVariable("ZENTARA_SIMULATED").setValue(("@" + path).c_str()); }
+    ~SettingsFile() { std::remove(path.c_str()); }
+    SettingsFile(const SettingsFile&) = delete;
+    SettingsFile& operator=(const SettingsFile&) = delete;
+
+    /// Makes a device with these settings, which it reads then.
+    template<typename Step>
+    void with(const std::string& settings, Step step) {
+        const std::lock_guard hold(lock);
+        Utils::writeFile(path, settings);
+        step();
+    }
+
+private:
+    static std::string freshPath() {
+        const std::string name = "zentara-soak-" + std::to_string(std::random_device()()) + ".txt";
+        const std::u8string whole = (std::filesystem::temp_directory_path() / name).u8string();
+        return {whole.begin(), whole.end()};
+    }
+
+    const std::string path = freshPath();
+    std::mutex lock;
+};
+
+/// Who uses one camera. The buffer serves all its nodes, so that the heap shows what they leave and not its holes.
+struct User {
+    User(SettingsFile& file, unsigned seed) : settings(file), faults(seed) {}
+
+    SettingsFile& settings;
+    Faults faults;
+    std::vector<std::uint8_t> buffer = std::vector<std::uint8_t>(1 << 21);
+};
 
 /// Counts what fails; true when it did not.
 bool attempt(const std::function<void()>& step) {
@@ -92,15 +134,15 @@ bool attempt(const std::function<void()>& step) {
 template<typename Node>
 class Life {
 public:
-    Life(NodeEvent found, Faults& faults) : event(std::move(found)) {
+    Life(NodeEvent found, User& camerasUser) : event(std::move(found)), user(camerasUser) {
         ready = attempt([&] {
             storeObject = make<Core::DescriptorStoreInterface>(storeGuid());
             storeObject->initialize();
             storeObject->selectNodeDescriptor(event.hardwareIds(), event.profile);
-            const std::lock_guard hold(settingsLock);
-            Utils::EnvironmentVariable("ZENTARA_SIMULATED").setValue(faults.next().c_str());
-            node = make<Node>(storeObject->getDescriptorStore()->getNodeImplGUID());
-            node->initialize(&event, storeObject->getDescriptorStore(), nullptr);
+            user.settings.with(user.faults.next(), [&] {
+                node = make<Node>(storeObject->getDescriptorStore()->getNodeImplGUID());
+                node->initialize(&event, storeObject->getDescriptorStore(), nullptr);
+            });
             ++nodesMade;
         });
     }
@@ -120,13 +162,12 @@ public:
             const auto modes = node->getConfigurations();
             node->enableStreaming(modes.at(static_cast<std::size_t>(frames) % modes.size()));
         });
-        std::vector<std::uint8_t> buffer(1 << 21);
         for (int i = 0; i < frames && !ended; ++i)
             attempt([&] {
                 std::int64_t micros = 0;
                 int length = 0;
-                const int size = static_cast<int>(buffer.size());
-                if (node->readBuffer(buffer.data(), size, &micros, &length) == ReadBufferStatus_OK)
+                const int size = static_cast<int>(user.buffer.size());
+                if (node->readBuffer(user.buffer.data(), size, &micros, &length) == ReadBufferStatus_OK)
                     ++framesRead;
             });
         if constexpr (std::is_same_v<Node, Core::DepthNodeInterface>)
@@ -158,26 +199,27 @@ private:
     }
 
     NodeEvent event;
+    User& user;
     Utils::SmartPtr<Core::DescriptorStoreInterface> storeObject;
     Utils::SmartPtr<Node> node;
     bool ready = false;
 };
 
 /// Uses the nodes of one camera one after the other.
-void useCamera(const std::vector<NodeEvent>& nodes, unsigned seed) {
-    Faults faults(seed);
+void useCamera(const std::vector<NodeEvent>& nodes, SettingsFile& settings, unsigned seed) {
+    User user(settings, seed);
     for (int round = 0; !ended; ++round) {
         const NodeEvent& event = nodes[static_cast<std::size_t>(round) % nodes.size()];
         const int frames = 1 + round % 7;
         switch (event.nodeType) {
         case NodeType_DEPTH:
-            Life<Core::DepthNodeInterface>(event, faults).stream(frames);
+            Life<Core::DepthNodeInterface>(event, user).stream(frames);
             break;
         case NodeType_COLOR:
-            Life<Core::ColorNodeInterface>(event, faults).stream(frames);
+            Life<Core::ColorNodeInterface>(event, user).stream(frames);
             break;
         case NodeType_AUDIO:
-            Life<Core::AudioNodeInterface>(event, faults).stream(frames);
+            Life<Core::AudioNodeInterface>(event, user).stream(frames);
             break;
         default:
             break;
@@ -254,9 +296,10 @@ int main(int argc, char** argv) {
     unsigned seed = argc > 2 ? static_cast<unsigned>(std::atoi(argv[2])) : 1;
     const auto cameras = findCameras();
     std::printf("%zu cameras, seed %u\n", cameras.size(), seed);
+    SettingsFile settings;
     std::vector<std::thread> users;
     for (const auto& camera : cameras)
-        users.emplace_back(useCamera, camera.second, seed++);
+        users.emplace_back(useCamera, camera.second, std::ref(settings), seed++);
     const int result = users.empty() ? 1 : watch(std::chrono::minutes(minutes));
     ended = true;
     for (std::thread& user : users)

@@ -43,7 +43,8 @@ public:
     /// The same, with `fallback` in place of the exception.
     int getIntValue(int fallback);
 
-    /// Sets the variable in the process and in the cache. An empty text, or null, removes it.
+    /// Sets the variable in the process and in the cache. An empty text, or null, removes it. Off Windows the C library
+    /// keeps every text that it has not met before until the process ends: what changes often belongs into a file.
     /// \throws USystemException when the system refuses, as it does for a name that is empty or holds a '='.
     void setValue(const char* value);
     /// Sets the number in decimal.
