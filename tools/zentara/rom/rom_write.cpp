@@ -289,6 +289,8 @@ std::string RomWriter::wayBack(const FlashImage& before, const std::string& back
                                                           : camera->serial;
         command += (options.direct ? " --direct" : "") +
                    (name.empty() ? std::string() : " --camera " + Utils::Platform::shellWord(name));
+        for (const std::string& plugin : options.plugins)
+            command += " --plugin " + Utils::Platform::shellWord(plugin);
     } else {
         command += " " + fileWord(target.imageFile());
     }
