@@ -426,7 +426,8 @@ TEST_F(RomVerbs, WorkOnTheFlashOfEachCamera) {
         EXPECT_EQ(done({"export"}), Utils::readFile(example));
         if (row.chip == std::string("VC0345")) // the example is of a camera with the other controller
             refused({"restore", original, "--yes"}, ExitCode_USAGE,
-                    "the read-only section 1 (systemInfo, 30 bytes) would be another\n--other-camera");
+                    "(systemInfo, 30 bytes) would be another\n  the camera's GUID would change: "
+                    "5a540057-0536-4001-8053-360000000057 -> 5a540045-0536-4001-8053-360000000045\n--other-");
         done({"restore", original, "--yes", "--other-camera", "--backup", fresh()});
         EXPECT_EQ(Utils::readFile(kept), before);
         importBesideAReadOnlySection(example);
