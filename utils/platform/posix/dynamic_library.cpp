@@ -20,7 +20,7 @@ bool isOpenable(const std::string& path) noexcept {
     return path.find('/') == std::string::npos || stat(path.c_str(), &status) != 0 || S_ISREG(status.st_mode);
 }
 
-constexpr int openMode = RTLD_NOW | RTLD_LOCAL;
+constexpr int loadMode = RTLD_NOW | RTLD_LOCAL;
 
 /// Libraries whose initialisation threw. They stay in the process half made, and the loader hands them out as if they
 /// were whole. Never destroyed: a library may be opened while the process ends.
@@ -42,7 +42,7 @@ bool isBroken(void* library) {
 
 /// Keeps the loader's handle, which stays valid, as the library never leaves.
 void noteBroken(const std::string& path, const char* thrown) {
-    if (void* const library = dlopen(path.c_str(), openMode | RTLD_NOLOAD)) {
+    if (void* const library = dlopen(path.c_str(), loadMode | RTLD_NOLOAD)) {
         BrokenLibraries& broken = brokenLibraries();
         const std::lock_guard<std::mutex> hold(broken.lock);
         broken.handles.push_back(library);
@@ -68,7 +68,7 @@ void* openLibrary(const std::string& path) {
         return nullptr;
     }
     try {
-        void* const library = loader(path.c_str(), openMode);
+        void* const library = loader(path.c_str(), loadMode);
         if (!library) {
             keepLoaderError(dlerror());
         } else if (isBroken(library)) {
