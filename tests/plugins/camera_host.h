@@ -1,22 +1,64 @@
 #pragma once
 
+#include <cstdint>
+#include <cstring>
+#include <exception>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
 #include <zentara/core/descriptor_store_interface.h>
 #include <zentara/core/descriptor_store_ro.h>
 #include <zentara/io/enumerator_interface.h>
+#include <zentara/plugin/plugin_exceptions.h>
+#include <zentara/read_buffer_status.h>
 #include <zentara/utils/files.h>
 
 #include "plugin_object.h"
 #include "plugins/cameras/plugin_guids.h"
+#include "plugins/descriptions/wire.h"
 #include "plugins/simulated/plugin_guids.h"
 #include "plugins/simulated/simulated_bus.h"
 #include "support/scoped_variable.h"
 #include "support/temporary_directory.h"
 
 namespace Zentara::TestSupport {
+
+/// "KIND: MESSAGE" of the plug-in exception that the step throws, "foreign: MESSAGE" of any other.
+inline std::string outcome(const std::function<void()>& step) {
+    try {
+        step();
+    } catch (const Plugin::PluginException& thrown) {
+        return std::to_string(thrown.type()) + ": " + thrown.message();
+    } catch (const std::exception& thrown) {
+        return std::string("foreign: ") + thrown.what();
+    }
+    return "nothing was thrown";
+}
+
+/// What readBuffer of a node or device gave.
+struct Frame {
+    ReadBufferStatus status = ReadBufferStatus_OK;
+    std::vector<std::uint8_t> bytes;
+    std::int64_t micros = 0;
+    int length = 0;
+
+    [[nodiscard]] std::vector<std::uint16_t> plane(std::size_t offset) const {
+        std::vector<std::uint16_t> values(Cameras::pixelCount);
+        std::memcpy(values.data(), bytes.data() + offset, values.size() * sizeof values[0]);
+        return values;
+    }
+};
+
+template<typename Source>
+Frame read(Source& source, std::size_t size = 1 << 20) {
+    Frame frame;
+    frame.bytes.resize(size);
+    frame.status =
+        source->readBuffer(frame.bytes.data(), static_cast<int>(size), &frame.micros, &frame.length);
+    return frame;
+}
 
 /// A host with cameras of its own on the bus, and all it does with the real plug-ins.
 class CameraHost {

@@ -206,12 +206,6 @@ TEST_F(DescriptorStore, HostileTextsAreRefused) {
     for (int i = 1; i < 200'000; ++i)
         crowd += ", \"" + std::to_string(i) + "\": 0";
     EXPECT_THAT(complaints(crowd + "}"), ElementsAre(HasSubstr("more than 1024 members")));
-    const std::string whole = shipped("vc0345");
-    const TestSupport::LogCapture log;
-    for (std::size_t length = 0; length < whole.size() - 2; length += 97) {
-        describe({{"camera.json", whole.substr(0, length)}});
-        EXPECT_FALSE(select(0x0345, 0)) << length;
-    }
 }
 
 TEST_F(DescriptorStore, EveryDamageIsRefusedOrHarmless) {

@@ -6,15 +6,7 @@
 
 #include <gmock/gmock.h>
 
-#include <zentara/core/descriptor_store_interface.h>
-#include <zentara/io/enumerator_interface.h>
-#include <zentara/utils/files.h>
-
 #include "camera_host.h"
-#include "plugins/simulated/plugin_guids.h"
-#include "plugins/simulated/simulated_bus.h"
-#include "support/scoped_variable.h"
-#include "support/temporary_directory.h"
 
 namespace Zentara {
 namespace {
