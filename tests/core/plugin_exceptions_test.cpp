@@ -78,13 +78,4 @@ TEST(PluginExceptions, CopiesAndTheBaseLogNothing) {
     EXPECT_NE(std::string::npos, log.find("I/O Exception: once"));
 }
 
-TEST(PluginExceptions, NeedNoLogger) {
-    EXPECT_THROW(throwPluginException(PluginExceptionType_TIMEOUT, "unheard"), TimeoutPluginException);
-}
-
-TEST(PluginExceptions, AnUnknownKindThrowsNothing) {
-    EXPECT_NO_THROW(throwPluginException(static_cast<PluginExceptionType>(9), "x"));
-    EXPECT_NO_THROW(throwPluginException(static_cast<PluginExceptionType>(-1), "x"));
-}
-
 } // namespace

@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 
 #include <zentara/core/descriptor_store_ro.h>
-#include <zentara/io/av_device_interface.h>
 #include <zentara/io/enumerator_interface.h>
 #include <zentara/utils/signal.h>
 
@@ -42,8 +41,6 @@ public:
         wake.set();
     }
 
-    [[nodiscard]] bool isInitialized() const { return getEventQueue() != nullptr; }
-
     std::int64_t runs = 0;
 
 private:
@@ -61,19 +58,6 @@ protected:
     Queue<ExternalEvent> events;
     OneEvent enumerator;
 };
-
-TEST_F(EnumeratorTest, RunsOnceUntilDisposed) {
-    EXPECT_EQ(Core::ImplType_ENUMERATOR, IO::EnumeratorInterface::getImplType());
-    enumerator.initialize(&events, nullptr);
-    enumerator.execute();
-    EXPECT_EQ(1, nextEvent());
-    // Alive: nothing happens.
-    enumerator.execute();
-    enumerator.dispose();
-    EXPECT_EQ(0U, events.size());
-    EXPECT_FALSE(enumerator.isInitialized());
-    enumerator.dispose();
-}
 
 TEST_F(EnumeratorTest, AFinishedThreadIsReplaced) {
     for (int run = 1; run <= 3; ++run) {
@@ -134,15 +118,6 @@ TEST_F(EnumeratorTest, DescribesTheSelectedNode) {
     EXPECT_EQ(NodeType_NONE, enumerator.getNodeType());
     EXPECT_EQ(0U, enumerator.getNodeFlags());
     EXPECT_FALSE(enumerator.selectNodeDescriptor(&event, Core::Profile_DEFAULT));
-}
-
-TEST(InterfaceVersionTest, IsSharedAndToleratesNull) {
-    int major = 9;
-    int minor = 9;
-    int patch = 9;
-    IO::EnumeratorInterface::getPluginVersion(&major, &minor, &patch);
-    EXPECT_EQ(0, major * 100 + minor * 10 + patch - 10);
-    IO::AVDeviceInterface::getPluginVersion(nullptr, &minor, nullptr);
 }
 
 } // namespace

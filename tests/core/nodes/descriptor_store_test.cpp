@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <zentara/core/descriptor_store_interface.h>
 #include <zentara/core/guids.h>
 #include <zentara/cyclic_error_correction.h>
 #include <zentara/io/hardware_requests.h>
@@ -19,7 +18,6 @@ namespace {
 
 using namespace Zentara::IO;
 using Core::RequestList;
-using testing::ElementsAre;
 using testing::IsEmpty;
 using Utils::makeRefcounted;
 
@@ -159,16 +157,6 @@ TEST(DescriptorStore, CyclicErrorCorrectionTakesTheRecordsOfTheStore) {
         EXPECT_EQ(empty.getParameterCount(), 0U) << "a store that throws has no record of either mode";
     }
     EXPECT_THAT(log.text(), testing::HasSubstr("unplugged"));
-}
-
-TEST(DescriptorStore, InterfaceClassesTellKindAndVersion) {
-    EXPECT_EQ(Core::DescriptorStoreInterface::getImplType(), 8);
-    int major = -1;
-    int minor = -1;
-    Core::DescriptorStoreInterface::getPluginVersion(&major, &minor, nullptr);
-    int patch = -1;
-    Core::DescriptorStoreInterface::getPluginVersion(nullptr, nullptr, &patch);
-    EXPECT_THAT((std::vector{major, minor, patch}), ElementsAre(0, 1, 0));
 }
 
 } // namespace

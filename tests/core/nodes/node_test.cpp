@@ -135,6 +135,7 @@ TYPED_TEST(NodeTest, KnowsKindAndVersion) {
     int minor = -1;
     int patch = -1;
     TypeParam::getPluginVersion(&major, &minor, &patch);
+    TypeParam::getPluginVersion(nullptr, nullptr, nullptr);
     EXPECT_EQ(std::vector({major, minor, patch}), std::vector({0, 1, 0}));
 }
 
