@@ -193,14 +193,7 @@ TEST_F(Corrections, ParametersOfACyclicErrorCorrectionAreReplacedNeverAdded) {
                             "CyclicErrorCorrection::getParameter: parameter index out of range"));
 }
 
-TEST_F(Corrections, OneStoredRecordReadsTheSameThroughBothCorrections) {
-    TemperatureCompensation temperature = compensation(stored);
-    const Bytes block = cyclicErrorBlock(static_cast<unsigned int>(stored.size()), stored.data());
-    CyclicErrorCorrection cyclic(static_cast<const void*>(block.data()));
-    for (const auto mode : {mode0, mode1}) {
-        EXPECT_EQ(parameters(cyclic, mode), parameters(temperature, mode0));
-        EXPECT_EQ(cyclic.getAlgorithm(), 65);
-    }
+TEST_F(Corrections, ACutRecordHasNoBlock) {
     for (unsigned int size = 0; size < stored.size(); ++size) {
         const Bytes cut(stored.begin(), stored.begin() + size);
         EXPECT_THAT(cyclicErrorBlock(size, cut.data()), IsEmpty()) << size << " bytes";

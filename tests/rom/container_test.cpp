@@ -166,15 +166,6 @@ TEST_F(ContainerTest, TheLaterOfTwoWithOneUidCounts) {
     EXPECT_EQ(pattern(5), container->get(6));
 }
 
-TEST_F(ContainerTest, CyclicChainsEnd) {
-    putChain(hex("01 01 50C0"), {section(1, pattern(5)), section(2, pattern(6))});
-    for (const std::uint32_t target : {256u, 512u, 768u}) {
-        putBlock(768, 29, target);
-        mount();
-        EXPECT_THAT(container->getSectionUIDs(), ElementsAre(1, 2)) << target;
-    }
-}
-
 TEST_F(ContainerTest, FormattingKeepsAVersionOneContainer) {
     format();
     write(5, pattern(20), 0);

@@ -33,12 +33,6 @@ TEST(RomFormat, ManagementHeaderBytes) {
         EXPECT_EQ(nullptr, ROM::ChunkedMemoryManagementHeader::deserialize(damaged));
 }
 
-TEST(RomFormat, ContainerHeaderBytes) {
-    EXPECT_EQ(hex("01 01 50C0"), ROM::ContainerHeader(1, 1).serialize());
-    EXPECT_FALSE(ROM::ContainerHeader(1, 1) == ROM::ContainerHeader(1, 0));
-    EXPECT_TRUE(ROM::ContainerHeader(2, 1) == ROM::ContainerHeader(2, 1));
-}
-
 TEST(RomFormat, SectionRefusesDamage) {
     const auto withLength = [](const char* length) { // a header whose checksum is right
         auto bytes = hex(std::string("A5") + length + "03010007");
