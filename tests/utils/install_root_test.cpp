@@ -4,10 +4,10 @@
 
 #include <gmock/gmock.h>
 
-#include <zentara/utils/environment_variable.h>
 #include <zentara/utils/files.h>
 
 #include "support/log_capture.h"
+#include "support/scoped_variable.h"
 #include "utils/install_root_lookup.h"
 #include "utils/platform/files.h"
 #include "utils/platform/key_store_editor.h"
@@ -25,16 +25,8 @@ constexpr const char* fallback = "fallback";
 /// Real keys of the registry on Windows, an INI file of its own elsewhere.
 class InstallRootTest : public testing::Test {
 protected:
-    InstallRootTest() {
-        const char* value = rootVariable.getValue();
-        savedRoot = value ? value : "";
-        rootVariable.setValue(nullptr);
-        forgetEverything();
-    }
-    ~InstallRootTest() override {
-        forgetEverything();
-        rootVariable.setValue(savedRoot.c_str());
-    }
+    InstallRootTest() { forgetEverything(); }
+    ~InstallRootTest() override { forgetEverything(); }
 
     void forgetEverything() {
         for (const char* key : {plainKey, kitKey})
@@ -59,14 +51,8 @@ protected:
     const bool isRegistry = Platform::isSeparator('\\');
     const TestSupport::TemporaryDirectory directory;
     const std::string store = isRegistry ? "HKEY_LOCAL_MACHINE" : directory.path("sdk.ini");
-    EnvironmentVariable rootVariable{"ZENTARASDK_ROOT"};
-    std::string savedRoot;
+    const TestSupport::ScopedVariable noRoot{"ZENTARASDK_ROOT", ""};
 };
-
-TEST_F(InstallRootTest, FallsBackWithoutKeys) {
-    EXPECT_EQ(found(), "fallback/");
-    EXPECT_EQ(findNativeInstallRoot(store, fallback).root, "fallback/");
-}
 
 TEST_F(InstallRootTest, ReadsThePlainKeyInThe64BitView) {
     installPlain(KeyView::Bits32, "thirty-two");
@@ -137,14 +123,14 @@ TEST_F(InstallRootTest, ReportsAValueThatIsNoText) {
 
 TEST_F(InstallRootTest, PutsTheEnvironmentFirst) {
     installKit(KeyView::Bits64, "1.4.7.0", "kit64");
-    rootVariable.setValue("p\xC3\xB6rtable");
+    const TestSupport::ScopedVariable root("ZENTARASDK_ROOT", "p\xC3\xB6rtable");
     EXPECT_EQ(found(), "p\xC3\xB6rtable/");
-    std::string root;
+    std::string told;
     std::string suffix = "left over";
-    EXPECT_EQ(getZTRootDirectory(root, suffix), 0);
-    EXPECT_EQ(root + suffix, "p\xC3\xB6rtable/");
-    EXPECT_EQ(getNativeZTRootDirectory(root), 0);
-    EXPECT_EQ(root, "p\xC3\xB6rtable/");
+    EXPECT_EQ(getZTRootDirectory(told, suffix), 0);
+    EXPECT_EQ(told + suffix, "p\xC3\xB6rtable/");
+    EXPECT_EQ(getNativeZTRootDirectory(told), 0);
+    EXPECT_EQ(told, "p\xC3\xB6rtable/");
 }
 
 TEST_F(InstallRootTest, ReadsTheRegistryFromTheLibrary) {
