@@ -259,6 +259,32 @@ TEST_F(WorkerTest, WaitingInTheQueueIsNoTimeout) {
     EXPECT_THAT(script.takeSlots(), ElementsAre(open, close));
 }
 
+TEST_F(WorkerTest, SignalsThatWereLeftSetShortenNoWait) {
+    AVDeviceInterface* device = nullptr;
+    script.onCall = [&](int, deviceRequest* request) { device = request->device(); };
+    proxy->open();
+    Gate gate;
+    script.onCall = [&](int, deviceRequest*) { gate.pass(); };
+    std::thread slow([&] { proxy->open(); });
+    gate.awaitArrival();
+    Worker worker;
+    const auto request = Utils::makeRefcounted<deviceRequest>(device, RequestType_CLOSE);
+    request->ackStartOfIO();
+    request->ack();
+    Signal back;
+    std::thread waiting([&] {
+        EXPECT_EQ("done", outcome([&] { worker->processRequest(request.get(), 600); }));
+        back.set();
+    });
+    EXPECT_EQ(-1, back.timedWait(900)) << "the time ran before the start";
+    gate.open();
+    gate.awaitArrival();
+    EXPECT_EQ(-1, back.timedWait(50)) << "not done yet";
+    gate.open();
+    slow.join();
+    waiting.join();
+}
+
 TEST_F(WorkerTest, AnAcceptedCancelIsWaitedFor) {
     tuning.set(20, 60000, 10);
     Gate gate;
