@@ -13,6 +13,7 @@ namespace {
 using nlohmann::json;
 using testing::AllOf;
 using testing::HasSubstr;
+using testing::Not;
 using TestSupport::SimulatedFaults;
 
 /// Holds what a verb prints against the block of that name in the document.
@@ -88,13 +89,16 @@ private:
 TEST_F(JsonOutput, IsWhatTheDocumentSays) {
     const std::string values = path("values.json");
     const std::string calibration = path("calibration.json");
+    const std::string image = path("image.bin");
+    const std::string content = path("content.json");
+    const std::string chip = "camera:VC0345";
     const std::vector<std::pair<const char*, std::vector<std::string>>> rows{
         {"plugins", {"plugins", "--all"}},
         {"devices", {"devices"}},
         {"devices --watch", {"devices", "--watch", "--seconds", "0.1"}},
         {"info", {"info", "VC0258"}},
         {"params list", {"params", "list"}},
-        {"params list", {"params", "set", "0=50", "--camera", "SIM0570"}},
+        {"params list", {"params", "set", "exposure time=3", "0=50", "--camera", "SIM0570"}},
         {"params save", {"params", "save", values}},
         {"params load", {"params", "load", values, "--camera", "SIM0570"}},
         {"sensors", {"sensors"}},
@@ -110,6 +114,22 @@ TEST_F(JsonOutput, IsWhatTheDocumentSays) {
         {"meta", {"meta", "1000", "1", "--camera", "SIM0570"}},
         {"modfreq", {"modfreq", "20", "--camera", "SIM0570"}},
         {"firmware dump", {"firmware", "dump", path("f"), "--length", "16"}},
+        {"rom set", {"rom", "create", image}},
+        {"rom set", {"rom", "set", "9", image, "--type", "77", "--hex", "01"}},
+        {"rom set", {"rom", "set", "9", image, "--hex", "02", "--dry-run"}},
+        {"rom get", {"rom", "get", "9", image}},
+        {"rom get", {"rom", "get", "2", chip, "--hex"}},
+        {"rom info", {"rom", "info", chip}},
+        {"rom list", {"rom", "list", chip}},
+        {"rom verify", {"rom", "verify", chip}},
+        {"rom export", {"rom", "export", image, "--output", content}},
+        {"rom document", {"rom", "export", chip}},
+        {"rom set", {"rom", "import", content, image}},
+        {"rom diff", {"rom", "diff", image, image}},
+        {"rom backup", {"rom", "backup", path("b"), "camera:SIM0570"}},
+        {"rom salvage", {"rom", "salvage", path("s"), chip}},
+        {"rom map", {"rom", "map", chip}},
+        {"rom draw", {"rom", "draw", chip, "--png", path("t.png")}},
     };
     for (auto [name, arguments] : rows) {
         arguments.emplace_back("--json");
@@ -123,6 +143,10 @@ TEST_F(JsonOutput, IsWhatTheDocumentSays) {
 
 TEST_F(JsonOutput, TellsAFailureToo) {
     const SimulatedFaults slow("throw timeout at video.enableDepth");
+    const std::string image = path("image.bin");
+    run({"rom", "create", image});
+    run({"rom", "set", "9", image, "--type", "77", "--hex", "01"});
+    Utils::writeFile(image + "2", std::string(65536, 'x'));
     const struct {
         std::vector<std::string> arguments;
         int code;
@@ -138,10 +162,17 @@ TEST_F(JsonOutput, TellsAFailureToo) {
         {{"stream", "--frames", "2"}, 7, "\"stream\"", "try again"},
         {{"params", "get", "99"}, 2, "\"params\"", ""},
         {{"calibration", "diff", path("none")}, 1, "\"calibration\"", ""},
+        {{"params", "get", "exposure tme"}, 2, "\"params\"", "did you mean 'exposure time'?"},
+        {{"rom", "erase", "9", image}, 2, "\"rom\"", "--yes does it"},
+        {{"rom", "set", "9", image, "--hex", "03"}, 2, "\"rom\"", "--yes does it"},
+        {{"rom", "salvage", path("s"), image + "2"}, 8, "\"rom\"", ""},
+        {{"rom", "restore", image + "2", image}, 8, "\"rom\"", "--damaged"},
+        {{"rom", "set", "1", "camera:VC0258", "--hex", "03"}, 5, "\"rom\"", ""},
+        {{"rom", "get", "7", image + "\x1b[31m"}, 1, "\"rom\"", ""},
     };
     for (const auto& row : rows) {
         auto arguments = row.arguments;
-        arguments.emplace_back("--json");
+        arguments.emplace_back("--json=true");
         const ToolRun run = ToolTest::run(arguments);
         EXPECT_EQ(run.exitCode, row.code) << run.err;
         const json told = json::parse(run.out);
@@ -150,6 +181,7 @@ TEST_F(JsonOutput, TellsAFailureToo) {
         EXPECT_EQ(told.at("error").at("code"), row.code);
         EXPECT_THAT(told.at("error").at("remedy").dump(), HasSubstr(row.remedy));
         EXPECT_THAT(run.err, HasSubstr(told.at("error").at("message").get<std::string>()));
+        EXPECT_THAT(run.err, Not(HasSubstr("\x1b")));
     }
     EXPECT_EQ(ToolTest::run({"help", "rom", "get"}).out, ToolTest::run({"rom", "get", "--help"}).out);
 }

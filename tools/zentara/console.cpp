@@ -1,6 +1,7 @@
 #include "tools/zentara/console.h"
 
 #include "tools/zentara/json_output.h"
+#include "utils/visible_text.h"
 
 namespace Zentara::Tool {
 
@@ -8,17 +9,28 @@ std::string Console::words() const {
     return "zentara" + (verb.empty() ? "" : " " + verb) + (action.empty() ? "" : " " + action);
 }
 
+void tellLine(std::ostream& err, const std::string& text) { err << Utils::visibleText(text) << std::endl; }
+
+void note(Console& console, const std::string& text) { tellLine(console.err, console.words() + ": " + text); }
+
 void tellFailure(Console& console, const ToolFailure& failure) {
-    console.err << console.words() << ": " << failure.what() << '\n';
+    const std::string message = Utils::visibleText(failure.message);
+    const std::string cause = Utils::visibleText(failure.cause);
+    // A long message leaves the cause its room.
+    console.err << console.words() << ": " << message << (cause.empty() ? "" : ": ") << cause << '\n';
+    for (const std::string& detail : failure.details)
+        tellLine(console.err, "  " + detail);
     if (!failure.remedy.empty())
-        console.err << failure.remedy << '\n';
+        tellLine(console.err, failure.remedy);
     if (!console.json)
         return;
     Json json = beginJson(console);
     json["error"] = {{"code", static_cast<int>(failure.code)},
-                     {"message", failure.message},
-                     {"cause", orNull(failure.cause)},
-                     {"remedy", orNull(failure.remedy)}};
+                     {"message", message},
+                     {"cause", orNull(cause)},
+                     {"remedy", orNull(Utils::visibleText(failure.remedy))}};
+    if (!failure.details.empty())
+        json["error"]["details"] = failure.details;
     if (console.lines)
         printOnOneLine(console.out, json);
     else

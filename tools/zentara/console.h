@@ -22,6 +22,13 @@ struct Console {
     [[nodiscard]] std::string words() const;
 };
 
+/// A line on standard error. Every note and every failure goes through here: what comes from outside, a file's name or a
+/// camera's text, can neither act on the terminal nor fill it.
+void tellLine(std::ostream& err, const std::string& text);
+
+/// A line about what does not end the verb: "zentara rom info: TEXT".
+void note(Console& console, const std::string& text);
+
 /// Tells what ended the verb: on standard error for people, and with --json as the only object, or the last line, on
 /// standard output. A verb that throws has therefore printed no object of its own.
 void tellFailure(Console& console, const ToolFailure& failure);

@@ -4,6 +4,7 @@
 #include <exception>
 #include <new>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include <zentara/utils/exceptions.h>
@@ -58,10 +59,10 @@ ExitCode refined(ExitCode code, const std::string& message) {
 } // namespace
 
 ToolFailure::ToolFailure(ExitCode exitCode, const std::string& what, const std::string& whatCameBack,
-                         const std::string& whatToDo)
+                         const std::string& whatToDo, std::vector<std::string> reasons)
     : std::runtime_error(what + (whatCameBack.empty() ? "" : ": " + whatCameBack)),
       code(refined(exitCode, what + whatCameBack)), message(what), cause(whatCameBack),
-      remedy(whatToDo.empty() ? remedyFor(code) : whatToDo) {}
+      remedy(whatToDo.empty() ? remedyFor(code) : whatToDo), details(std::move(reasons)) {}
 
 ExitCode exitCodeOf(Plugin::PluginExceptionType type) noexcept {
     switch (type) {

@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include <zentara/plugin/plugin_exceptions.h>
 
@@ -27,15 +28,16 @@ enum ExitCode : int {
 class ToolFailure : public std::runtime_error {
 public:
     /// \param what was attempted, on what \param whatCameBack empty where the first says it
-    /// \param whatToDo a line of its own; empty for what is usual with that exit code
+    /// \param whatToDo a line of its own; empty for what is usual with that exit code \param reasons a line each
     /// A text that tells, in the system's words, a lack of permission makes a plain failure one of permission.
     ToolFailure(ExitCode exitCode, const std::string& what, const std::string& whatCameBack = {},
-                const std::string& whatToDo = {});
+                const std::string& whatToDo = {}, std::vector<std::string> reasons = {});
 
     const ExitCode code;
     const std::string message;
-    const std::string cause;  ///< may be empty
-    const std::string remedy; ///< may be empty
+    const std::string cause;                ///< may be empty
+    const std::string remedy;               ///< may be empty
+    const std::vector<std::string> details; ///< stand below the message; mostly none
 };
 
 /// The exit code that a plug-in exception ends the process with.

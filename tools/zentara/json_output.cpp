@@ -38,7 +38,10 @@ Json differencesBetween(const Json& before, const Json& after) {
 
 std::string differencesText(const Json& differences) {
     const auto text = [](const Json& value) {
-        return value.dump(-1, ' ', false, Json::error_handler_t::replace);
+        constexpr std::size_t shown = 60;
+        const std::string whole =
+            value.dump(-1, ' ', true, Json::error_handler_t::replace); // ASCII: any byte ends it
+        return value.is_null() ? "nothing" : whole.size() > shown ? whole.substr(0, shown) + "..." : whole;
     };
     std::string lines;
     for (const Json& change : differences)

@@ -33,7 +33,7 @@ void printOnOneLine(std::ostream& out, const Json& json);
 /// is null in the other.
 [[nodiscard]] Json differencesBetween(const Json& before, const Json& after);
 
-/// A line for each: "records/0/fx: 224.5 -> 230.5".
+/// A line for each: "records/0/fx: 224.5 -> 230.5"; cut where a value is long.
 [[nodiscard]] std::string differencesText(const Json& differences);
 
 } // namespace Zentara::Tool

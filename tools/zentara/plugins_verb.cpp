@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <filesystem>
-#include <iomanip>
 #include <map>
 #include <set>
 #include <string>
@@ -22,6 +21,7 @@
 #include "tools/zentara/plugins/library_machine.h"
 #include "tools/zentara/plugins/plugin_question.h"
 #include "tools/zentara/plugins/refused_file.h"
+#include "tools/zentara/text_columns.h"
 #include "tools/zentara/verb.h"
 #include "utils/platform/directory_access.h"
 #include "utils/visible_text.h"
@@ -227,14 +227,16 @@ void printRegistered(std::ostream& out, const std::vector<PluginProbe>& plugins)
     std::size_t nameWidth = 4;
     for (const PluginProbe& probe : plugins)
         nameWidth = std::max(nameWidth, guidName(probe.guid).size());
-    const auto name = static_cast<int>(nameWidth) + 2;
-    out << std::left << std::setw(name) << "NAME" << std::setw(38) << "GUID" << std::setw(23) << "KIND"
-        << std::setw(9) << "VERSION" << std::setw(12) << "SDK"
-        << "PATH\n";
+    const auto row = [&out, width = nameWidth + 2](const std::string& name, const std::string& guid,
+                                                   const std::string& kind, const std::string& version,
+                                                   const std::string& sdk, const std::string& path) {
+        out << padded(name, width) << padded(guid, 38) << padded(kind, 23) << padded(version, 9)
+            << padded(sdk, 12) << path << '\n';
+    };
+    row("NAME", "GUID", "KIND", "VERSION", "SDK", "PATH");
     for (const PluginProbe& probe : plugins)
-        out << std::left << std::setw(name) << nameOrDash(probe.guid) << std::setw(38) << guidText(probe.guid)
-            << std::setw(23) << kindOf(probe.type) << std::setw(9) << dotted(probe.pluginVersion)
-            << std::setw(12) << dotted(probe.sdkVersion) << Utils::visibleText(probe.path) << '\n';
+        row(nameOrDash(probe.guid), guidText(probe.guid), kindOf(probe.type), dotted(probe.pluginVersion),
+            dotted(probe.sdkVersion), Utils::visibleText(probe.path));
 }
 
 void printRefused(std::ostream& out, const std::vector<RefusedFile>& files) {
@@ -256,7 +258,7 @@ std::size_t refusedPlugins(const Inventory& inventory) {
                       [](const RefusedFile& file) { return file.step != "ending"; }));
 }
 
-void remark(std::ostream& err, const std::string& text) { err << "zentara plugins: " << text << '\n'; }
+void remark(std::ostream& err, const std::string& text) { tellLine(err, "zentara plugins: " + text); }
 
 /// Says on standard error what the list leaves open.
 void remarkOn(const Inventory& inventory, bool all, std::ostream& err) {

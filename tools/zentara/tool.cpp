@@ -120,7 +120,10 @@ void turnHelp(std::vector<std::string>& arguments) {
 }
 
 bool asksForJson(const std::vector<std::string>& arguments) {
-    return std::find(arguments.begin(), arguments.end(), "--json") != arguments.end();
+    return std::any_of(arguments.begin(), arguments.end(), [](const std::string& word) {
+        return word == "--json" ||
+               (word.rfind("--json=", 0) == 0 && CLI::detail::to_flag_value(word.substr(7)) > 0);
+    });
 }
 
 /// Help and version end the parse as well; they are no errors and go to standard output.
@@ -183,7 +186,7 @@ int runTool(std::vector<std::string> arguments, Console& console) {
     const ExitCode code = runVerb(*chosen, console);
     console.out.flush();
     if (code == ExitCode_DONE && !console.out) {
-        console.err << "zentara: cannot write to standard output\n";
+        tellLine(console.err, "zentara: cannot write to standard output");
         return ExitCode_FAILED;
     }
     return code;

@@ -284,7 +284,7 @@ TEST_F(Cameras, KeepParametersWithinTheirRange) {
         {"0=[[1]]", 2, "takes a number, not \"[[1]]\""},
         {"16=1", 2, "'16' is no parameter"},
         {"-1=1", 2, ""},
-        {"0", 2, "NUMBER=VALUE"},
+        {"0", 2, "PARAMETER=VALUE"},
         {"4=1.5", 2, "takes a whole number"},
         {"7=1", 2, "takes true or false"},
         {"13=1,2,3", 2, "takes x, y, width and height"},

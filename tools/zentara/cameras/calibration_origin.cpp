@@ -6,6 +6,7 @@
 #include <zentara/core/calibration_sources.h>
 
 #include "tools/zentara/cameras/camera_bus.h"
+#include "tools/zentara/console.h"
 
 namespace Zentara::Tool {
 namespace {
@@ -59,12 +60,12 @@ void tellOrigin(const Core::DepthNodeInterface& node, const std::string& label, 
     const std::string failed = partsFrom(*sources, CalibrationSource::Failure);
     const std::string described = partsFrom(*sources, CalibrationSource::Description);
     if (!failed.empty())
-        err << "zentara: " << label << ": its flash cannot be read ("
-            << printable(sources->getCalibrationFailure())
-            << "); not its own, but its model's or none: " << failed << '\n';
+        tellLine(err, "zentara: " + label + ": its flash cannot be read (" +
+                          printable(sources->getCalibrationFailure()) +
+                          "); not its own, but its model's or none: " + failed);
     else if (!described.empty())
-        err << "zentara: " << label << ": its flash does not hold " << described
-            << "; those of its model's description are used\n";
+        tellLine(err, "zentara: " + label + ": its flash does not hold " + described +
+                          "; those of its model's description are used");
 }
 
 } // namespace Zentara::Tool

@@ -58,10 +58,10 @@ Json appliedJson(CameraSession& session) {
 void tellApplied(const Json& applied, const CalibrationInternal& held, Console& console) {
     if (!applied.is_null() &&
         (applied["phaseDelay"] != held.getPhaseDelay() || applied["phaseDelay2"] != held.getPhaseDelay2()))
-        console.err << console.words()
-                    << ": this is the calibration of the parameter back-end; the depth node "
-                    << "applies the phase delays " << applied["phaseDelay"] << " and "
-                    << applied["phaseDelay2"] << " of the camera's flash, which 'zentara rom export' shows\n";
+        note(console,
+             "this is the calibration of the parameter back-end; the depth node applies the phase delays " +
+                 applied["phaseDelay"].dump() + " and " + applied["phaseDelay2"].dump() +
+                 " of the camera's flash, which 'zentara rom export' shows");
 }
 
 /// A calibration from a file, and the serial number of the camera that it is of; empty when it says none.
@@ -132,7 +132,7 @@ ExitCode importInto(CameraSession& session, const StoredCalibration& stored,
                     const CalibrationOptions& options, Console& console) {
     const CalibrationInternal& wanted = stored.calibration;
     const CalibrationInternal before = readCamera(session);
-    noteOtherCamera(stored.serialNumber, session, calibrationVerb, console);
+    noteOtherCamera(stored.serialNumber, session, console);
     const Json changes = differencesBetween(toJson(before), toJson(wanted));
     Json result{{"diff", changes}, {"calibration", toJson(wanted)}, {"written", false}, {"lasts", Json()}};
     if (options.dryRun || before == wanted) {
@@ -152,10 +152,8 @@ ExitCode importInto(CameraSession& session, const StoredCalibration& stored,
     result["lasts"] = lasts;
     result["backup"] = backup;
     if (!lasts)
-        console.err
-            << console.words()
-            << ": the camera keeps this calibration only while this program runs; it is not written to "
-               "its flash, which 'zentara rom set' changes\n";
+        note(console, "the camera keeps this calibration only while this program runs; it is not written to "
+                      "its flash, which 'zentara rom set' changes");
     session.finish(result, differencesText(changes) +
                                "the camera's calibration was replaced and read back; " + backup +
                                " has the one before\n");
@@ -172,18 +170,25 @@ ExitCode runImport(CalibrationOptions options, Console& console) {
 ExitCode runDiff(const CalibrationOptions& options, Console& console) {
     const CalibrationInternal left = readFile(options.file).calibration;
     CalibrationInternal right;
+    Json camera; // what only a camera has
     if (!options.other.empty())
         right = readFile(options.other).calibration;
     else
         static_cast<void>(withCamera(options, console, [&](CameraSession& session) {
             right = readCamera(session);
+            const Json applied = appliedJson(session);
+            tellApplied(applied, right, console);
+            camera = {{"camera", cameraJson(session.camera())},
+                      {"applied", applied},
+                      {"source", originJson(session.depth())}};
             return ExitCode_DONE;
         }));
     const Json list = differencesBetween(toJson(left), toJson(right));
     if (options.json) {
         Json json = beginJson(console);
-        json["equal"] = list.empty();
-        json["diff"] = list;
+        json.update({{"equal", list.empty()}, {"diff", list}});
+        if (!camera.is_null())
+            json.update(camera);
         print(console.out, json);
     } else {
         console.out << differencesText(list);

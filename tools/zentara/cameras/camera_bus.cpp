@@ -11,6 +11,7 @@
 #include "plugins/descriptions/controller.h"
 #include "tools/zentara/cameras/joined_descriptions.h"
 #include "tools/zentara/chips/device_choice.h"
+#include "tools/zentara/console.h"
 #include "tools/zentara/guid_text.h"
 #include "tools/zentara/streams/stream_description.h"
 #include "utils/visible_text.h"
@@ -181,7 +182,7 @@ void CameraBus::open(const GUID& guid) {
 }
 
 void CameraBus::leaveOut(const ToolFailure& failure) {
-    err << "zentara: " << failure.what() << "; it is left out\n";
+    tellLine(err, std::string("zentara: ") + failure.what() + "; it is left out");
 }
 
 std::vector<CameraEntry> CameraBus::cameras() {
@@ -308,9 +309,9 @@ Json cameraJson(const CameraEntry& camera) {
 CameraEntry chooseCameraToWrite(const std::vector<CameraEntry>& cameras, const std::string& name) {
     if (name.empty() && cameras.size() > 1)
         throw ToolFailure(ExitCode_USAGE,
-                          Format("several cameras are plugged in, and none is written to unnamed: %\n"
-                                 "name one with --camera") %
-                              listOf(cameras));
+                          Format("several cameras are plugged in, and none is written to unnamed: %") %
+                              listOf(cameras),
+                          {}, "name one with --camera");
     return chooseCamera(cameras, name);
 }
 

@@ -48,7 +48,7 @@ CameraSession::~CameraSession() {
         if (node)
             node->dispose();
     } catch (const std::exception& failure) {
-        console.err << console.words() << ": cannot close the camera: " << failure.what() << '\n';
+        note(console, std::string("cannot close the camera: ") + failure.what());
     }
 }
 

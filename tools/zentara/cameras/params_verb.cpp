@@ -2,6 +2,7 @@
 #include <charconv>
 #include <map>
 #include <memory>
+#include <optional>
 #include <sstream>
 
 #include <CLI/CLI.hpp>
@@ -13,6 +14,7 @@
 #include "tools/zentara/cameras/node_names.h"
 #include "tools/zentara/cameras/parameter_text.h"
 #include "tools/zentara/cameras/stored_document.h"
+#include "tools/zentara/nearest_word.h"
 #include "tools/zentara/text_columns.h"
 
 namespace Zentara::Tool {
@@ -41,14 +43,12 @@ struct Row {
     bool supported = true;
 };
 
-ParameterType parameterNamed(const std::string& word) {
+std::optional<ParameterType> parameterNumbered(const std::string& word) {
     int number = -1;
     const auto result = std::from_chars(word.data(), word.data() + word.size(), number);
     const auto parameter = static_cast<ParameterType>(number);
-    if (result.ec != std::errc() || word != std::to_string(number) || !emptyValue(parameter))
-        throw ToolFailure(ExitCode_USAGE,
-                          Format("'%' is no parameter; they are numbered from 0 to 15") % word);
-    return parameter;
+    const bool isOne = result.ec == std::errc() && word == std::to_string(number) && emptyValue(parameter);
+    return isOne ? std::optional(parameter) : std::nullopt;
 }
 
 /// Those that the camera's description names; all there can be when it names none.
@@ -59,6 +59,25 @@ std::vector<ParameterType> parametersOf(CameraSession& session) {
     for (int number = 0; emptyValue(static_cast<ParameterType>(number)); ++number)
         parameters.push_back(static_cast<ParameterType>(number));
     return parameters;
+}
+
+/// By its number, or by the name that the description gives it.
+ParameterType parameterNamed(CameraSession& session, const std::string& word) {
+    if (const auto numbered = parameterNumbered(word))
+        return *numbered;
+    std::vector<std::string> names;
+    for (const ParameterType listed : parametersOf(session)) {
+        names.push_back(parameterName(session.store(), listed));
+        if (!word.empty() && word == names.back())
+            return listed;
+    }
+    const std::string nearest = nearestWord(word, names);
+    throw ToolFailure(
+        ExitCode_USAGE,
+        Format("'%' is no parameter; they are numbered from 0 to 15, and the camera's "
+               "description may name them") %
+            word,
+        {}, (nearest.empty() ? "" : "did you mean '" + nearest + "'? ") + "'zentara params list' lists them");
 }
 
 /// What the description does not list is none of the camera's, whatever its back-end may answer.
@@ -219,8 +238,8 @@ void tellRounded(CameraSession& session, ParameterType parameter, const Paramete
         return;
     const ParameterValue taken = readValue(session, parameter);
     if (toJson(taken) != toJson(asked))
-        console.err << console.words() << ": parameter " << static_cast<int>(parameter)
-                    << ": the camera took " << toText(taken) << " for " << toText(asked) << '\n';
+        note(console, Format("parameter %: the camera took % for %") % static_cast<int>(parameter) %
+                          toText(taken) % toText(asked));
 }
 
 ExitCode runList(const ParamsOptions& options, Console& console) {
@@ -231,10 +250,10 @@ ExitCode runList(const ParamsOptions& options, Console& console) {
 }
 
 ExitCode runParamsGet(const ParamsOptions& options, Console& console) {
-    std::vector<ParameterType> parameters;
-    for (const std::string& word : options.words)
-        parameters.push_back(parameterNamed(word));
     return withCamera(options, console, [&](CameraSession& session) {
+        std::vector<ParameterType> parameters;
+        for (const std::string& word : options.words)
+            parameters.push_back(parameterNamed(session, word));
         for (const ParameterType parameter : parameters)
             checkListed(session, parameter);
         finishRows(session, parameters);
@@ -248,13 +267,13 @@ struct Settings {
     std::vector<ParameterValue> values;
 };
 
-Settings settingsOf(const std::vector<std::string>& words) {
+Settings settingsOf(CameraSession& session, const std::vector<std::string>& words) {
     Settings settings;
     for (const std::string& word : words) {
         const std::size_t sign = word.find('=');
         if (sign == std::string::npos)
-            throw ToolFailure(ExitCode_USAGE, Format("'%' is not of the form NUMBER=VALUE") % word);
-        const ParameterType parameter = parameterNamed(word.substr(0, sign));
+            throw ToolFailure(ExitCode_USAGE, Format("'%' is not of the form PARAMETER=VALUE") % word);
+        const ParameterType parameter = parameterNamed(session, word.substr(0, sign));
         if (std::find(settings.parameters.begin(), settings.parameters.end(), parameter) !=
             settings.parameters.end())
             throw ToolFailure(ExitCode_USAGE,
@@ -281,8 +300,8 @@ void writeAll(CameraSession& session, const Settings& settings) {
 
 ExitCode runParamsSet(ParamsOptions options, Console& console) {
     options.writes = true;
-    const Settings settings = settingsOf(options.words);
     return withCamera(options, console, [&](CameraSession& session) {
+        const Settings settings = settingsOf(session, options.words);
         for (std::size_t index = 0; index < settings.values.size(); ++index)
             checkSettable(session, settings.parameters[index], settings.values[index], "");
         writeAll(session, settings);
@@ -348,8 +367,11 @@ StoredValues readStateFile(const std::string& path) {
     JsonFields values = fields.object("values");
     for (const auto& [name, value] : fields.need("values").items()) {
         try {
-            const ParameterType parameter = parameterNamed(name);
-            stored.values[parameter] = valueFromJson(parameter, value, "it");
+            const auto parameter = parameterNumbered(name);
+            if (!parameter)
+                throw ToolFailure(ExitCode_USAGE,
+                                  Format("'%' is no parameter; they are numbered from 0 to 15") % name);
+            stored.values[*parameter] = valueFromJson(*parameter, value, "it");
         } catch (const ToolFailure& failure) {
             values.fail(name, failure.what()); // not the command line is wrong
         }
@@ -386,7 +408,7 @@ std::string takenText(CameraSession& session, const Json& before) {
 
 ExitCode loadInto(CameraSession& session, const StoredValues& stored, const ParamsOptions& options,
                   Console& console) {
-    noteOtherCamera(stored.serialNumber, session, paramsVerb, console);
+    noteOtherCamera(stored.serialNumber, session, console);
     for (const auto& [number, value] : ordered(stored.values))
         checkSettable(session, static_cast<ParameterType>(number), value,
                       Format("'%', /values/%: ") % options.file % number);
@@ -427,7 +449,8 @@ Verb addParamsVerb(CLI::App& program) {
         program.add_subcommand(paramsVerb, "Reads and changes a depth camera's parameters")->group("Verbs");
     command->require_subcommand(1);
     command->footer(
-        "Parameters are numbered from 0 to 15; the number fixes the kind of the value. A simulated\n"
+        "Parameters are numbered from 0 to 15; the number fixes the kind of the value. Where 'params list'\n"
+        "shows a name, that stands for the number as well: 'params set \"exposure time=50\"'. A simulated\n"
         "camera forgets its parameters when the program that drives it ends, unless its settings say\n"
         "keepRegisters FILE.");
 
@@ -435,10 +458,10 @@ Verb addParamsVerb(CLI::App& program) {
         command->add_subcommand("list", "Lists the camera's parameters with value, unit and range");
     addCameraOptions(*list, *options);
     CLI::App* get = command->add_subcommand("get", "Prints some parameters");
-    get->add_option("NUMBER", options->words, "Which ones")->required();
+    get->add_option("PARAMETER", options->words, "Which ones, by number or name")->required();
     addCameraOptions(*get, *options);
     CLI::App* set = command->add_subcommand("set", "Changes parameters one by one, then reads them back");
-    set->add_option("NUMBER=VALUE", options->words, "A number; on or off; for the region X,Y,WIDTH,HEIGHT")
+    set->add_option("PARAMETER=VALUE", options->words, "A number; on or off; for the region X,Y,WIDTH,HEIGHT")
         ->required();
     addCameraOptions(*set, *options);
     CLI::App* save =

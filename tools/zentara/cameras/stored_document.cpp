@@ -23,12 +23,10 @@ std::string serialNumberIn(const Json& document) {
     return {};
 }
 
-void noteOtherCamera(const std::string& serialNumber, const CameraSession& session, const char* verb,
-                     Console& console) {
+void noteOtherCamera(const std::string& serialNumber, const CameraSession& session, Console& console) {
     const std::string present = session.camera().serialNumber();
     if (!serialNumber.empty() && serialNumber != present)
-        console.err << "zentara " << verb << ": the file is of camera " << printable(serialNumber)
-                    << ", this one is " << printable(present) << '\n';
+        note(console, "the file is of camera " + serialNumber + ", this one is " + present);
 }
 
 } // namespace Zentara::Tool

@@ -16,7 +16,6 @@ void checkDocument(JsonFields& fields);
 [[nodiscard]] std::string serialNumberIn(const Json& document);
 
 /// Says so on the console when the document is of another camera.
-void noteOtherCamera(const std::string& serialNumber, const CameraSession& session, const char* verb,
-                     Console& console);
+void noteOtherCamera(const std::string& serialNumber, const CameraSession& session, Console& console);
 
 } // namespace Zentara::Tool

@@ -141,7 +141,7 @@ ChipSession::~ChipSession() {
     try {
         proxy->close();
     } catch (const std::exception& failure) {
-        console.err << console.words() << ": cannot close the camera: " << failure.what() << '\n';
+        Tool::note(console, std::string("cannot close the camera: ") + failure.what());
     }
     proxy.reset();
 }
@@ -163,7 +163,7 @@ void ChipSession::note(const IO::ChipTransfer& transfer) {
 }
 
 void ChipSession::show(const IO::ChipTransfer& transfer) {
-    console.err << IO::CameraChip::lineOf(camera->name(), transfer) << '\n';
+    tellLine(console.err, IO::CameraChip::lineOf(camera->name(), transfer));
 }
 
 Json ChipSession::identity() const {

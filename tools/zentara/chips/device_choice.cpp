@@ -12,6 +12,7 @@
 #include <zentara/utils/text.h>
 
 #include "tools/zentara/arguments.h"
+#include "tools/zentara/console.h"
 #include "tools/zentara/exit_code.h"
 #include "tools/zentara/guid_text.h"
 #include "utils/visible_text.h"
@@ -94,8 +95,9 @@ GUID chooseDevice(Core::ImplType type, const char* what, const std::vector<std::
     if (!names.empty())
         return namedDevice(type, what, names);
     if (guids.size() > 1)
-        err << "zentara: " << guids.size() << " " << what << " plug-ins are registered; taking "
-            << guidLabel(guids.front()) << "; --plugin chooses\n";
+        tellLine(err, "zentara: " + std::to_string(guids.size()) + " " + what +
+                          " plug-ins are registered; taking " + guidLabel(guids.front()) +
+                          "; --plugin chooses");
     return guids.front();
 }
 

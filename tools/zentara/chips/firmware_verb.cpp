@@ -79,11 +79,10 @@ ExitCode runDump(FirmwareOptions options, Console& console) {
     PendingFile file(options.file, forced(options.force));
     ChipSession session(options, console);
     Dump dump(session, options, console);
-    if (!dump.read(watch)) {
-        console.err << console.words() << ": interrupted after " << dump.bytes.size() << " of "
-                    << options.length << " bytes; nothing is kept\n";
-        return ExitCode_INTERRUPTED;
-    }
+    if (!dump.read(watch))
+        throw ToolFailure(ExitCode_INTERRUPTED,
+                          Utils::Format("interrupted after % of % bytes; nothing is kept") %
+                              static_cast<unsigned long long>(dump.bytes.size()) % options.length);
     file.write(dump.bytes);
     file.commit();
     const unsigned crc =

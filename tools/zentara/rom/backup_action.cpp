@@ -27,8 +27,7 @@ ExitCode runBackup(const BackupOptions& options, Console& console) {
     keepBackup(*target, options.file, image);
     const RomSurvey survey(image);
     if (survey.isFaulty())
-        console.err << "zentara rom backup: something is wrong with " << target->name()
-                    << "; the bytes are kept as they are\n";
+        note(console, "something is wrong with " + target->name() + "; the bytes are kept as they are");
     if (options.json) {
         Json json = target->beginJson();
         json.update({{"file", options.file}, {"bytes", image.bytes().size()}, {"faulty", survey.isFaulty()}});
@@ -74,32 +73,28 @@ ExitCode runRestore(const RestoreOptions& options, Console& console) {
     FlashImage wanted = imageFromFile(options, before.area());
     const RomSurvey survey(wanted);
     if (survey.isFaulty() && !options.damaged) {
-        console.err << "zentara rom restore: refused, nothing was written; '" << options.file
-                    << "' is damaged:\n";
+        std::vector<std::string> faults;
         for (const Finding& finding : survey.findings())
             if (finding.isFault)
-                console.err << "  " << finding.text << '\n';
-        console.err << "--damaged restores it as it is\n";
-        return ExitCode_VERIFICATION;
+                faults.push_back(finding.text);
+        throw ToolFailure(ExitCode_VERIFICATION,
+                          "refused, nothing was written; '" + options.file + "' is damaged:", {},
+                          "--damaged restores it as it is", faults);
     }
     const RomContent old = loadContentIfAny(before);
     const RomContent fresh = loadContentIfAny(wanted);
     const std::vector<std::string> foreign = foreignLines(options, *target, old, fresh);
-    if (!foreign.empty() && !options.otherCamera) {
-        console.err << "zentara rom restore: refused, nothing was written: '" << options.file
-                    << "' looks like another camera's:\n";
-        for (const std::string& line : foreign)
-            console.err << "  " << line << '\n';
-        console.err << "--other-camera restores it all the same\n";
-        return ExitCode_USAGE;
-    }
+    if (!foreign.empty() && !options.otherCamera)
+        throw ToolFailure(ExitCode_USAGE,
+                          "refused, nothing was written: '" + options.file + "' looks like another camera's:",
+                          {}, "--other-camera restores it all the same", foreign);
     PlannedWrite plan{foreign, !foreign.empty(), !foreign.empty(), differences(before, wanted), wanted};
     for (const ContentChange& change : changesBetween(old, fresh)) {
         for (std::string& line : change.lines())
             plan.changes.push_back(std::move(line));
         plan.takesAway |= change.kind != ContentChange::Kind::Added;
     }
-    return RomWriter("restore", options, *target, console).write(before, plan);
+    return RomWriter(options, *target, console).write(before, plan);
 }
 
 } // namespace

@@ -69,7 +69,7 @@ ExitCode runCreate(WriteOptions options, Console& console) {
         plan.changes.push_back(sectionText(uid, section) + " is erased");
         plan.takesAway = true;
     }
-    RomWriter writer("create", options, *target, console);
+    RomWriter writer(options, *target, console);
     return writer.write(before, plan);
 }
 

@@ -23,7 +23,7 @@ ExitCode runErase(const EraseOptions& options, Console& console) {
         throw ToolFailure(ExitCode_FAILED,
                           Utils::Format("%: Cannot erase section - % is not a valid section uid") %
                               target->name() % options.uid);
-    return RomWriter("erase", options, *target, console).bringTo(before, wanted, false);
+    return RomWriter(options, *target, console).bringTo(before, wanted, false);
 }
 
 } // namespace

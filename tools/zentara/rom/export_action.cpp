@@ -26,10 +26,14 @@ ExitCode runExport(const ExportOptions& options, Console& console) {
         console.out << text.str();
     else
         saveFile(*target, options.file, text.str(), options.force);
+    if (options.json && !options.file.empty()) {
+        Json told = target->beginJson();
+        told.update({{"file", options.file}, {"sections", json["sections"].size()}});
+        print(console.out, told);
+    }
     const RomSurvey survey(image);
     if (const Finding* fault = survey.structuralFault())
-        console.err << "zentara rom export: " << target->name()
-                    << " is damaged, this is what can be read of it: " << fault->text << '\n';
+        note(console, target->name() + " is damaged, this is what can be read of it: " + fault->text);
     return ExitCode_DONE;
 }
 

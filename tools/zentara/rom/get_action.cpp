@@ -26,12 +26,24 @@ ExitCode runGet(const GetOptions& options, Console& console) {
         throw ToolFailure(ExitCode_FAILED,
                           Utils::Format("%: Section % is not defined") % target->name() % options.uid);
     const Bytes& data = found->second.data;
+    Json section = sectionToJson(options.uid, found->second);
     if (!options.rawFile.empty())
         saveFile(*target, options.rawFile, std::string(data.begin(), data.end()), options.force);
-    else if (options.hex)
+    if (options.json) {
+        Json json = target->beginJson();
+        json["section"] = section;
+        if (options.hex)
+            json["hex"] = toHex(data);
+        if (!options.rawFile.empty())
+            json["file"] = options.rawFile;
+        print(console.out, json);
+    } else if (!options.rawFile.empty()) {
+        return ExitCode_DONE;
+    } else if (options.hex) {
         console.out << toHex(data) << '\n';
-    else
-        print(console.out, sectionToJson(options.uid, found->second));
+    } else {
+        print(console.out, section);
+    }
     return ExitCode_DONE;
 }
 

@@ -30,14 +30,19 @@ ExitCode runImport(const ImportOptions& options, Console& console) {
     for (const std::uint16_t uid :
          options.keepReadOnly ? readOnlyConflicts(old, wanted) : std::vector<std::uint16_t>()) {
         wanted[uid] = old.at(uid);
-        console.err << "zentara rom import: " << sectionText(uid, old.at(uid)) << " is read only and stays\n";
+        note(console, sectionText(uid, old.at(uid)) + " is read only and stays");
     }
-    const ExitCode result = RomWriter("import", options, *target, console).bringTo(before, wanted, true);
-    if (result == ExitCode_PERMISSION)
-        console.err << "--keep-read-only leaves such sections as they are and imports the others; 'zentara "
-                       "rom create' "
-                       "empties the flash, read-only sections and all\n";
-    return result;
+    try {
+        return RomWriter(options, *target, console).bringTo(before, wanted, true);
+    } catch (const ToolFailure& failure) {
+        if (readOnlyConflicts(old, wanted).empty())
+            throw;
+        throw ToolFailure(
+            failure.code, failure.message, failure.cause,
+            "--keep-read-only leaves such sections as they are and imports the others; 'zentara "
+            "rom create' empties the flash, read-only sections and all",
+            failure.details);
+    }
 }
 
 } // namespace

@@ -11,6 +11,7 @@
 #include "tools/zentara/rom/rom_target.h"
 #include "tools/zentara/rom/rom_verbs.h"
 #include "tools/zentara/rom/text_lines.h"
+#include "tools/zentara/text_columns.h"
 
 namespace Zentara::Tool {
 namespace {
@@ -85,9 +86,9 @@ void printHeader(const RomSurvey& survey, const FlashArea& area, std::ostream& o
 
 void printSection(const SurveyedBlock& block, std::ostream& out) {
     const SurveyedSection& section = *block.section;
-    out << std::right << std::setw(5) << section.uid << "  " << std::left << std::setw(28)
-        << sectionTypeText(section.content.type) << "  " << std::setw(9) << accessText(section.content.flags)
-        << "  " << std::right << std::setw(7) << section.content.data.size() << "  "
+    out << std::right << std::setw(5) << section.uid << "  "
+        << padded(sectionTypeText(section.content.type), 30) << padded(accessText(section.content.flags), 11)
+        << std::setw(7) << section.content.data.size() << "  "
         << std::string(Format("0x%{:x8}  0x%{:x4}  0x%{:x4}") % block.address % section.headerCrc %
                        section.dataCrc)
         << '\n';
@@ -111,7 +112,6 @@ ExitCode runInfo(const TargetOptions& options, Console& console) {
     const std::vector<CorrectionFile> corrections = correctionsOf(loadedSections(survey));
     if (options.json) {
         Json json = target->beginJson();
-        json.update({{"action", "info"}, {"target", target->name()}});
         json.update(surveyJson(survey, image.area()));
         if (!corrections.empty())
             json["corrections"] = correctionsJson(corrections);
@@ -122,8 +122,7 @@ ExitCode runInfo(const TargetOptions& options, Console& console) {
             console.out << '\n' << correctionText(correction);
     }
     if (survey.isFaulty())
-        console.err << "zentara rom info: something is wrong with " << target->name()
-                    << "; 'zentara rom verify' tells what\n";
+        note(console, "something is wrong with " + target->name() + "; 'zentara rom verify' tells what");
     return survey.header() ? ExitCode_DONE : ExitCode_VERIFICATION;
 }
 

@@ -8,6 +8,7 @@
 #include "tools/zentara/rom/correction_tables.h"
 #include "tools/zentara/rom/rom_verbs.h"
 #include "tools/zentara/rom/rom_write.h"
+#include "tools/zentara/text_columns.h"
 
 namespace Zentara::Tool {
 namespace {
@@ -15,9 +16,8 @@ namespace {
 bool isWritable(const RomSection& section) { return (section.flags & ROM::Section::FLAG_WRITABLE) != 0; }
 
 void printSection(std::uint16_t uid, const RomSection& section, std::ostream& out) {
-    out << std::right << std::setw(5) << uid << "  " << std::left << std::setw(28)
-        << sectionTypeText(section.type) << "  " << std::setw(9)
-        << (isWritable(section) ? "writable" : "read-only") << "  " << section.data.size() << '\n';
+    out << std::right << std::setw(5) << uid << "  " << padded(sectionTypeText(section.type), 30)
+        << padded(isWritable(section) ? "writable" : "read-only", 11) << section.data.size() << '\n';
 }
 
 ExitCode runList(const TargetOptions& options, Console& console) {

@@ -1,6 +1,7 @@
 #include "tools/zentara/rom/rehearsal.h"
 
 #include <algorithm>
+#include <sstream>
 
 #include <zentara/rom/section.h>
 #include <zentara/utils/format.h>
@@ -86,44 +87,18 @@ void fill(Rehearsal& rehearsal, const RomContent& wanted) try {
 
 constexpr const char* kindNames[] = {"added", "replaced", "erased"};
 
-std::vector<ValueChange> valueChanges(std::uint16_t uid, const RomSection& before, const RomSection& after) {
-    const Json old = sectionToJson(uid, before).flatten();
-    const Json fresh = sectionToJson(uid, after).flatten();
-    std::vector<ValueChange> changes;
-    for (const auto& [key, value] : old.items())
-        if (!fresh.contains(key) || fresh[key] != value)
-            changes.push_back({key.substr(1), value, fresh.value(key, Json())});
-    for (const auto& [key, value] : fresh.items())
-        if (!old.contains(key))
-            changes.push_back({key.substr(1), Json(), value});
-    return changes;
-}
-
-std::string shownValue(const Json& value) {
-    constexpr std::size_t shown = 60;
-    return value.is_null() ? "nothing"
-                           : value.dump(-1, ' ', false, Json::error_handler_t::replace).substr(0, shown);
-}
-
 } // namespace
-
-std::string ValueChange::text() const {
-    return path + ": " + shownValue(before) + " -> " + shownValue(after);
-}
 
 std::vector<std::string> ContentChange::lines() const {
     std::vector<std::string> all{text};
-    for (const ValueChange& value : values)
-        all.push_back("  " + value.text());
+    std::istringstream list(differencesText(values));
+    for (std::string line; std::getline(list, line);)
+        all.push_back("  " + line);
     return all;
 }
 
 Json ContentChange::json() const {
-    Json json{{"uid", uid}, {"kind", kindNames[static_cast<int>(kind)]}, {"text", text}};
-    json["values"] = Json::array();
-    for (const ValueChange& value : values)
-        json["values"].push_back({{"path", value.path}, {"before", value.before}, {"after", value.after}});
-    return json;
+    return {{"uid", uid}, {"kind", kindNames[static_cast<int>(kind)]}, {"text", text}, {"values", values}};
 }
 
 std::vector<ContentChange> changesBetween(const RomContent& before, const RomContent& after) {
@@ -131,18 +106,20 @@ std::vector<ContentChange> changesBetween(const RomContent& before, const RomCon
     for (const auto& [uid, section] : before)
         if (after.count(uid) == 0)
             changes.push_back(
-                {ContentChange::Kind::Erased, uid, sectionText(uid, section) + " is erased", {}});
+                {ContentChange::Kind::Erased, uid, sectionText(uid, section) + " is erased", Json::array()});
     for (const auto& [uid, section] : after) {
         const auto found = before.find(uid);
         if (found == before.end())
-            changes.push_back({ContentChange::Kind::Added, uid, sectionText(uid, section) + " is added", {}});
+            changes.push_back(
+                {ContentChange::Kind::Added, uid, sectionText(uid, section) + " is added", Json::array()});
         else if (!(found->second == section))
-            changes.push_back({ContentChange::Kind::Replaced, uid,
-                               sectionText(uid, found->second) +
-                                   (sectionText(uid, found->second) == sectionText(uid, section)
-                                        ? " changes"
-                                        : " is replaced by " + sectionText(uid, section)),
-                               valueChanges(uid, found->second, section)});
+            changes.push_back(
+                {ContentChange::Kind::Replaced, uid,
+                 sectionText(uid, found->second) +
+                     (sectionText(uid, found->second) == sectionText(uid, section)
+                          ? " changes"
+                          : " is replaced by " + sectionText(uid, section)),
+                 differencesBetween(sectionToJson(uid, found->second), sectionToJson(uid, section))});
     }
     return changes;
 }

@@ -12,23 +12,13 @@
 
 namespace Zentara::Tool {
 
-/// One value of a section that is not the same any more; null where there was none, or is none.
-struct ValueChange {
-    std::string path; ///< "records/0/fx"
-    Json before;
-    Json after;
-
-    /// "records/0/fx: 224.5 -> 230.5", cut where a value is long.
-    [[nodiscard]] std::string text() const;
-};
-
 /// One section that a change adds, replaces or erases.
 struct ContentChange {
     enum class Kind { Added, Replaced, Erased };
     Kind kind;
     std::uint16_t uid;
-    std::string text;                ///< "section 3 (configuration, 39 bytes) is added"
-    std::vector<ValueChange> values; ///< of one that is replaced
+    std::string text;            ///< "section 3 (configuration, 39 bytes) is added"
+    Json values = Json::array(); ///< of one that is replaced, as differencesBetween() has them
 
     /// The text, and below it a line for each value.
     [[nodiscard]] std::vector<std::string> lines() const;

@@ -1,14 +1,12 @@
 #include "tools/zentara/rom/rom_record.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cmath>
-#include <limits>
 #include <string>
 
 #include "rom/big_endian_reader.h"
 #include "rom/big_endian_writer.h"
+#include "tools/zentara/float_text.h"
 
 namespace Zentara::Tool {
 namespace {
@@ -52,23 +50,15 @@ const std::vector<RecordLayout>& layouts() {
     return all;
 }
 
-/// The shortest decimal that reads back as the same float, so that 0.1 is printed as 0.1. What JSON has no
-/// number for becomes null.
-Json floatJson(float value) {
-    if (!std::isfinite(value))
-        return nullptr;
-    std::array<char, 64> text{};
-    const auto end = std::to_chars(text.data(), text.data() + text.size(), value).ptr;
-    double shortest = 0;
-    std::from_chars(text.data(), end, shortest);
-    const double exact = value;
-    return static_cast<float>(shortest) == value ? shortest : exact;
+/// A whole number too gets its point: whoever reads the document sees that it is a real one.
+Json realJson(float value) {
+    return std::isfinite(value) ? Json(std::stod(floatText(value))) : floatJson(value);
 }
 
 Json floatsJson(BigEndianReader& reader, std::size_t count) {
     Json values = Json::array();
     for (std::size_t i = 0; i < count && reader.ok(); ++i)
-        values.push_back(floatJson(reader.readFloat()));
+        values.push_back(realJson(reader.readFloat()));
     return values;
 }
 
@@ -91,7 +81,7 @@ Json readField(BigEndianReader& reader, Kind kind) {
     case Kind::U32:
         return reader.readU32();
     case Kind::Float:
-        return floatJson(reader.readFloat());
+        return realJson(reader.readFloat());
     case Kind::Guid:
         return guidJson(reader);
     case Kind::Floats3:

@@ -146,6 +146,7 @@ public:
         const CameraEntry& entry = session->cameraEntry();
         return CameraIdentity{entry.serialNumber(), entry.product, entry.path, session->chip().name()};
     }
+    [[nodiscard]] Json identity() const override { return session->identity(); }
     [[nodiscard]] bool isWrittenInPlace() const override { return true; }
     void checkWritable() const override {
         if (!session->chip().canWriteConfiguration())
@@ -193,13 +194,6 @@ std::unique_ptr<RomTarget> openCamera(TargetOptions options, bool toWrite, Conso
 }
 
 } // namespace
-
-Json toJson(const CameraIdentity& camera) {
-    return {{"serial", orNull(camera.serial)},
-            {"name", orNull(camera.name)},
-            {"path", orNull(camera.path)},
-            {"controller", orNull(camera.controller)}};
-}
 
 std::string readFileHere(const std::string& file, bool mayBePipe) {
     using Utils::Platform::FileKind;
@@ -309,8 +303,7 @@ void RomTarget::detect(const TargetOptions& options) {
 Json RomTarget::beginJson() const {
     Json json = Tool::beginJson(console);
     json["target"] = name();
-    const std::optional<CameraIdentity> who = camera();
-    json["camera"] = who ? toJson(*who) : Json();
+    json["camera"] = identity();
     return json;
 }
 

@@ -37,8 +37,6 @@ struct CameraIdentity {
     std::string controller; ///< "OV0570"
 };
 
-[[nodiscard]] Json toJson(const CameraIdentity& camera);
-
 /// "1.4.5": what wrote a backup.
 inline const std::string sdkVersion = std::to_string(ZENTARA_SDK_VERSION_MAJOR) + "." +
                                       std::to_string(ZENTARA_SDK_VERSION_MINOR) + "." +
@@ -70,6 +68,8 @@ public:
     [[nodiscard]] virtual std::string imageFile() const { return {}; }
     /// Whose flash it is; nothing for a file.
     [[nodiscard]] virtual std::optional<CameraIdentity> camera() const { return std::nullopt; }
+    /// The same for JSON, as every verb has it; null for a file.
+    [[nodiscard]] virtual Json identity() const { return {}; }
     /// \throws ToolFailure when there is no way to write to it.
     virtual void checkWritable() const {}
     /// Whether a write that breaks off leaves a part of the change.

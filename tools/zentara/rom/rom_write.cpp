@@ -22,6 +22,7 @@ namespace {
 
 using Utils::Format;
 
+constexpr const char* refusedText = ": refused, nothing was written:";
 constexpr const char* sidecarEnding = ".json"; ///< after a backup's name
 
 /// "20261121-091500", in UTC.
@@ -105,7 +106,7 @@ void keepBackup(const RomTarget& source, const std::string& path, const FlashIma
     const std::optional<CameraIdentity> camera = source.camera();
     if (camera && !camera->serial.empty()) {
         Json json{{"schema", jsonSchema}, {"kind", "flash backup"}};
-        json["camera"] = toJson(*camera);
+        json["camera"] = source.identity();
         json.update({{"sdk", sdkVersion}, {"start", image.area().start}, {"size", image.area().size}});
         std::ostringstream text;
         print(text, json);
@@ -209,22 +210,18 @@ void addRebuildOption(CLI::App& command, WriteOptions& options) {
 ExitCode RomWriter::bringTo(const FlashImage& before, const RomContent& wanted, bool formats) {
     const RomContent old = loadContentIfAny(before);
     if (const auto conflicts = readOnlyConflicts(old, wanted); !conflicts.empty()) {
-        console.err << "zentara rom " << verb << ": " << target.name() << ": refused, nothing was written:\n";
+        std::vector<std::string> reasons;
         for (const std::uint16_t uid : conflicts)
-            console.err << "  " << sectionText(uid, old.at(uid)) << " is read only\n";
-        return ExitCode_PERMISSION;
+            reasons.push_back(sectionText(uid, old.at(uid)) + " is read only");
+        throw ToolFailure(ExitCode_PERMISSION, target.name() + refusedText, {}, {}, reasons);
     }
     const std::vector<std::string> foreign = foreignChanges(old, wanted);
-    if (!foreign.empty() && !options.otherCamera) {
-        console.err << "zentara rom " << verb << ": " << target.name() << ": refused, nothing was written:\n";
-        for (const std::string& line : foreign)
-            console.err << "  " << line << '\n';
-        console.err << "--other-camera writes it all the same\n";
-        return ExitCode_USAGE;
-    }
+    if (!foreign.empty() && !options.otherCamera)
+        throw ToolFailure(ExitCode_USAGE, target.name() + refusedText, {},
+                          "--other-camera writes it all the same", foreign);
     Rehearsal rehearsal = options.rebuild ? rebuild(before, wanted) : rehearse(before, wanted, formats);
     if (!rehearsal.isGood())
-        return refuse(before, wanted, rehearsal);
+        refuse(before, wanted, rehearsal);
     PlannedWrite plan{foreign, options.rebuild, !foreign.empty(), std::move(rehearsal.writes),
                       std::move(rehearsal.image)};
     for (const ContentChange& change : changesBetween(old, wanted)) {
@@ -244,25 +241,23 @@ ExitCode RomWriter::bringTo(const FlashImage& before, const RomContent& wanted, 
     return write(before, plan);
 }
 
-ExitCode RomWriter::refuse(const FlashImage& before, const RomContent& wanted, const Rehearsal& rehearsal) {
+void RomWriter::refuse(const FlashImage& before, const RomContent& wanted, const Rehearsal& rehearsal) {
     if (rehearsal.refusal) {
         const auto& [type, message] = *rehearsal.refusal;
-        console.err << "zentara rom " << verb << ": " << target.name() << ": " << message
-                    << "; nothing was written\n";
-        if (type == Plugin::PluginExceptionType_IO && !options.rebuild && rebuild(before, wanted).isGood())
-            console.err << "the content fits into a freshly formatted image: --rebuild writes it there\n";
-        return exitCodeOf(type);
+        const bool wouldFit =
+            type == Plugin::PluginExceptionType_IO && !options.rebuild && rebuild(before, wanted).isGood();
+        throw ToolFailure(
+            exitCodeOf(type), target.name() + ": " + message + "; nothing was written", {},
+            wouldFit ? "the content fits into a freshly formatted image: --rebuild writes it there" : "");
     }
-    console.err << "zentara rom " << verb << ": " << target.name() << ": refused, nothing was written:\n";
-    for (const std::string& loss : rehearsal.losses)
-        console.err << "  " << loss << '\n';
+    std::string remedy;
     if (!options.rebuild && rebuild(before, wanted).isGood())
-        console.err << "--rebuild writes the content that can be read, with this change, into a freshly "
-                       "formatted image\n";
+        remedy =
+            "--rebuild writes the content that can be read, with this change, into a freshly formatted image";
     if (RomSurvey(before).isCutOff())
-        console.err
-            << "'zentara rom salvage' finds whole sections that no link leads to, and changes nothing\n";
-    return ExitCode_VERIFICATION;
+        remedy += std::string(remedy.empty() ? "" : "; ") +
+                  "'zentara rom salvage' finds whole sections that no link leads to, and changes nothing";
+    throw ToolFailure(ExitCode_VERIFICATION, target.name() + refusedText, {}, remedy, rehearsal.losses);
 }
 
 /// Erased flash holds nothing to keep.
@@ -275,8 +270,8 @@ std::string RomWriter::backUp(const FlashImage& before) const {
 }
 
 /// Says where the bytes of before are, and in a line of its own the command that brings them back.
-std::string RomWriter::wayBack(const FlashImage& before, const std::string& backupFile,
-                               bool isForeign) const {
+std::vector<std::string> RomWriter::wayBack(const FlashImage& before, const std::string& backupFile,
+                                            bool isForeign) const {
     if (backupFile.empty())
         return {};
     const auto fileWord = [](const std::string& path) {
@@ -300,7 +295,7 @@ std::string RomWriter::wayBack(const FlashImage& before, const std::string& back
         command += " --damaged";
     if (isForeign)
         command += " --other-camera";
-    return "the bytes of before are in '" + backupFile + "'; this puts them back:\n  " + command + " --yes";
+    return {"the bytes of before are in '" + backupFile + "'; this puts them back:", command + " --yes"};
 }
 
 ExitCode RomWriter::write(const FlashImage& before, const PlannedWrite& plan) {
@@ -308,19 +303,17 @@ ExitCode RomWriter::write(const FlashImage& before, const PlannedWrite& plan) {
         report(plan, {});
         return ExitCode_DONE;
     }
-    if (plan.takesAway && !options.yes) {
-        console.err << "zentara rom " << verb << ": nothing was written to " << target.name()
-                    << " yet; what would become of it:\n";
-        for (const std::string& change : plan.changes)
-            console.err << "  " << change << '\n';
-        console.err << "--yes does it, --dry-run only tries it\n";
-        return ExitCode_USAGE;
-    }
+    if (plan.takesAway && !options.yes)
+        throw ToolFailure(ExitCode_USAGE,
+                          "nothing was written to " + target.name() + " yet; what would become of it:", {},
+                          "--yes does it, --dry-run only tries it", plan.changes);
     const std::string kept = backUp(before);
-    const std::string back = wayBack(before, kept, plan.isForeign);
+    const std::vector<std::string> back = wayBack(before, kept, plan.isForeign);
     // Told before the first byte goes out: nothing may be told any more when the power fails.
-    if (target.isWrittenInPlace() && !back.empty())
-        console.err << "zentara rom " << verb << ": " << back << std::endl;
+    if (target.isWrittenInPlace() && !back.empty()) {
+        note(console, back.front());
+        tellLine(console.err, "  " + back.back());
+    }
     bool isStored = false;
     try {
         target.store(plan.writes);
@@ -330,7 +323,8 @@ ExitCode RomWriter::write(const FlashImage& before, const PlannedWrite& plan) {
                               target.name() + " holds other bytes than were written to it");
     } catch (const ToolFailure& failure) {
         const bool isTouched = isStored || target.isWrittenInPlace(); // else the file is as it was
-        throw ToolFailure(failure.code, failure.what() + (isTouched && !back.empty() ? "; " + back : ""));
+        throw ToolFailure(failure.code, failure.message, failure.cause, failure.remedy,
+                          isTouched ? back : std::vector<std::string>());
     }
     report(plan, kept);
     return ExitCode_DONE;

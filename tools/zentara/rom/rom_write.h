@@ -37,8 +37,8 @@ struct PlannedWrite {
 /// compares.
 class RomWriter {
 public:
-    RomWriter(const char* verbName, const WriteOptions& wanted, RomTarget& to, Console& output)
-        : verb(verbName), options(wanted), target(to), console(output) {}
+    RomWriter(const WriteOptions& wanted, RomTarget& to, Console& output)
+        : options(wanted), target(to), console(output) {}
 
     /// Brings the target to a content. A change of a read-only section is refused with exit code 5. One that would cost
     /// something else is refused with exit code 8, unless the content is to be rebuilt. \param formats  whether a
@@ -47,14 +47,12 @@ public:
     [[nodiscard]] ExitCode write(const FlashImage& before, const PlannedWrite& plan);
 
 private:
-    [[nodiscard]] ExitCode refuse(const FlashImage& before, const RomContent& wanted,
-                                  const Rehearsal& rehearsal);
+    [[noreturn]] void refuse(const FlashImage& before, const RomContent& wanted, const Rehearsal& rehearsal);
     [[nodiscard]] std::string backUp(const FlashImage& before) const;
-    [[nodiscard]] std::string wayBack(const FlashImage& before, const std::string& backupFile,
-                                      bool isForeign) const;
+    [[nodiscard]] std::vector<std::string> wayBack(const FlashImage& before, const std::string& backupFile,
+                                                   bool isForeign) const;
     void report(const PlannedWrite& plan, const std::string& backupFile) const;
 
-    const char* const verb;
     const WriteOptions& options;
     RomTarget& target;
     Console& console;

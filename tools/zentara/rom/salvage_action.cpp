@@ -49,11 +49,9 @@ ExitCode runSalvage(const SalvageOptions& options, Console& console) {
     const RomSurvey survey(image);
     const Salvage salvage = salvageFrom(survey);
     for (const std::string& line : salvage.lines)
-        printLine(console.err, line);
-    if (salvage.content.empty()) {
-        console.err << "zentara rom salvage: no whole section was found in " << target->name() << '\n';
-        return ExitCode_VERIFICATION;
-    }
+        tellLine(console.err, line);
+    if (salvage.content.empty())
+        throw ToolFailure(ExitCode_VERIFICATION, "no whole section was found in " + target->name());
     const Rehearsal fresh = rebuild(image, salvage.content);
     if (!fresh.isGood())
         throw ToolFailure(ExitCode_VERIFICATION,

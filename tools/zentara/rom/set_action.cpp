@@ -24,9 +24,12 @@ struct SetOptions : WriteOptions {
 RomSection fromJsonFile(const SetOptions& options) {
     try {
         const Json document = parseJson(loadFile(options.jsonFile));
-        auto [uid, section] = sectionFromJson(JsonPlace(document));
+        const JsonPlace root(document);
+        const JsonPlace place =
+            root.has("section") ? root.at("section") : root; // of 'get --json', or of 'get'
+        auto [uid, section] = sectionFromJson(place);
         if (uid != options.uid)
-            JsonPlace(document).at("uid").fail(Utils::Format("it is section %, not %") % uid % options.uid);
+            place.at("uid").fail(Utils::Format("it is section %, not %") % uid % options.uid);
         return section;
     } catch (const RomJsonError& failure) {
         throw ToolFailure(ExitCode_FAILED, "'" + options.jsonFile + "': " + failure.what());
@@ -77,7 +80,7 @@ ExitCode runSet(const SetOptions& options, Console& console) {
     RomContent wanted = loadContentIfAny(before);
     const RomSection section = sectionFrom(options, wanted);
     wanted[options.uid] = section;
-    return RomWriter("set", options, *target, console).bringTo(before, wanted, false);
+    return RomWriter(options, *target, console).bringTo(before, wanted, false);
 }
 
 } // namespace

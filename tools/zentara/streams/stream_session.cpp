@@ -142,8 +142,7 @@ void StreamSession::openCameras() {
 }
 
 void StreamSession::missKind(NodeType type, const CameraEntry& camera) const {
-    console.err << "zentara stream: camera " << printable(camera.serialNumber()) << " has no "
-                << nodeTypeName(type) << " stream\n";
+    note(console, "camera " + camera.serialNumber() + " has no " + nodeTypeName(type) + " stream");
 }
 
 /// A stream that was asked for, be it by a file, and that nobody has is a failure.
@@ -279,9 +278,9 @@ void StreamSession::observe(const StreamedCamera& camera, const std::function<vo
         return;
     const char* lineStart = console.showProgress ? "\r\033[K" : "";
     if (camera.state() == State::Unplugged)
-        console.err << lineStart << camera.failure().what() << std::endl;
+        tellLine(console.err << lineStart, camera.failure().what());
     else if (before == State::Unplugged && camera.state() == State::Streaming)
-        console.err << lineStart << camera.label() << " is back" << std::endl;
+        tellLine(console.err << lineStart, camera.label() + " is back");
 }
 
 bool StreamSession::anythingToWaitFor() const {
@@ -304,13 +303,13 @@ void StreamSession::finish() {
     if (parts->recording && keep) {
         parts->recording->commit();
         if (allFailed)
-            console.err << console.words() << ": '" << parts->recording->path() << "' is finished and holds "
-                        << parts->recording->frames() << " frames\n";
+            note(console, "'" + parts->recording->path() + "' is finished and holds " +
+                              std::to_string(parts->recording->frames()) + " frames");
     } else if (parts->recording)
         parts->recording->discard();
     for (const auto& camera : parts->cameras) {
         if (failed(camera) && !(allFailed && camera == parts->cameras.front()))
-            console.err << "zentara stream: " << camera->failure().what() << '\n';
+            note(console, camera->failure().what());
     }
     if (!allFailed)
         return;

@@ -71,7 +71,7 @@ ExitCode runStream(StreamOptions options, const std::vector<std::string>& modes,
     if (session.stuck())
         endProcess(console, session.result());
     if (session.result() == ExitCode_INTERRUPTED)
-        console.err << "zentara stream: interrupted after " << session.progress() << " frames\n";
+        note(console, "interrupted after " + std::to_string(session.progress()) + " frames");
     return session.result();
 }
 
