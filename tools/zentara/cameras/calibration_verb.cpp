@@ -91,7 +91,7 @@ ExitCode runExport(const CalibrationOptions& options, Console& console) {
         if (options.file.empty())
             print(text, document);
         else
-            text << "written: " << options.file << '\n';
+            text << "written: " << printable(options.file) << '\n';
         if (!options.file.empty())
             writeJsonFile(options.file, document, forced(options.force));
         session.finish({{"calibration", toJson(calibration)},
@@ -155,7 +155,7 @@ ExitCode importInto(CameraSession& session, const StoredCalibration& stored,
         note(console, "the camera keeps this calibration only while this program runs; it is not written to "
                       "its flash, which 'zentara rom set' changes");
     session.finish(result, differencesText(changes) +
-                               "the camera's calibration was replaced and read back; " + backup +
+                               "the camera's calibration was replaced and read back; " + printable(backup) +
                                " has the one before\n");
     return ExitCode_DONE;
 }

@@ -347,7 +347,7 @@ ExitCode runSave(const ParamsOptions& options, Console& console) {
         json["values"] = values;
         writeJsonFile(options.file, json, forced(options.force));
         session.finish({{"values", values}, {"file", options.file}},
-                       Format("% parameters written: %\n") % values.size() % options.file);
+                       Format("% parameters written: %\n") % values.size() % printable(options.file));
         return ExitCode_DONE;
     });
 }

@@ -93,7 +93,7 @@ ExitCode runDump(FirmwareOptions options, Console& console) {
                     {"crc32", crc},
                     {"file", options.file}},
                    Format("% bytes of %, CRC-32 0x%{:X8}: %") % options.length % options.area % crc %
-                       options.file);
+                       printable(options.file));
     return ExitCode_DONE;
 }
 

@@ -5,10 +5,12 @@
 #include <ostream>
 #include <string>
 
+#include "utils/visible_text.h"
+
 namespace Zentara::Tool {
 
-/// Takes whatever becomes a text, a `Format` among them.
-inline void printLine(std::ostream& out, const std::string& text) { out << text << '\n'; }
+/// Takes whatever becomes a text, a `Format` among them; names of files in it are made fit for a terminal.
+inline void printLine(std::ostream& out, const std::string& text) { out << Utils::visibleText(text) << '\n'; }
 
 /// "12.25"
 [[nodiscard]] inline std::string decimalText(double value, int digits = 2) {
