@@ -5,6 +5,7 @@
 #include <utility>
 
 #include <zentara/core/descriptor_store_ro.h>
+#include <zentara/plugin/call_plugin.h>
 #include <zentara/utils/format.h>
 #include <zentara/utils/text.h>
 
@@ -67,11 +68,13 @@ void describe(CameraEntry& camera, CameraStore& store) {
     } catch (const ToolFailure&) {
         return;
     }
-    const Core::DescriptorStoreRO& view = store.view();
-    camera.vendor = view.getVendorName();
-    camera.product = view.getProductName();
-    if (const auto chip = Cameras::describedController(view.getDeviceCapabilities()))
-        camera.controller = Cameras::chipName(*chip);
+    Plugin::callPlugin([&] {
+        const Core::DescriptorStoreRO& view = store.view();
+        camera.vendor = view.getVendorName();
+        camera.product = view.getProductName();
+        if (const auto chip = Cameras::describedController(view.getDeviceCapabilities()))
+            camera.controller = Cameras::chipName(*chip);
+    });
 }
 
 } // namespace

@@ -8,6 +8,7 @@
 #include <zentara/core/descriptor_store_ro.h>
 #include <zentara/core/guids.h>
 #include <zentara/io/video_device_proxy.h>
+#include <zentara/plugin/call_plugin.h>
 #include <zentara/utils/format.h>
 
 #include "tools/zentara/arguments.h"
@@ -62,7 +63,7 @@ Core::DepthNodeInterface& CameraSession::depth() const {
 IO::ParameterInterpreter& CameraSession::parameters() {
     if (interpreter)
         return *interpreter;
-    const GUID guid = store().getParameterInterpreterGUID();
+    const GUID guid = Plugin::callPlugin([this] { return store().getParameterInterpreterGUID(); });
     auto& device = *depth().getAVDeviceProxy();
     if (guidEquals(guid, Core::Guids::NULL_IMPL))
         throw ToolFailure(ExitCode_FAILED,

@@ -6,6 +6,7 @@
 
 #include <zentara/core/descriptor_store_ro.h>
 #include <zentara/io/video_device_proxy.h>
+#include <zentara/plugin/call_plugin.h>
 #include <zentara/utils/environment_variable.h>
 #include <zentara/utils/format.h>
 
@@ -107,14 +108,15 @@ void ChipSession::openCamera() {
     node = videoNodeOf(entry);
     store = std::make_unique<CameraStore>(console.err);
     store->select(node);
-    const GUID guid = store->view().getDeviceImplGUID();
+    const GUID guid = Plugin::callPlugin([this] { return store->view().getDeviceImplGUID(); });
     attempt(Utils::Format("open % through %") % cameraLabel(node) % guidLabel(guid), [&] {
         auto device = std::make_unique<NodeDevice>(guid, true);
         device->initialize(&node, &store->view());
         proxy = std::move(device);
         proxy->open();
     });
-    const auto described = Cameras::describedController(store->view().getDeviceCapabilities());
+    const auto described = Plugin::callPlugin(
+        [this] { return Cameras::describedController(store->view().getDeviceCapabilities()); });
     bindChip(cameraLabel(node), described ? Cameras::chipName(*described) : "");
 }
 

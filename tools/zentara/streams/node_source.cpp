@@ -21,7 +21,7 @@ using Utils::Format;
 template<typename Node>
 OpenNode<Node>::OpenNode(const NodeEvent& found, std::ostream& err) : description(found), ownStore(err) {
     ownStore.select(description);
-    const GUID guid = store().getNodeImplGUID();
+    const GUID guid = Zentara::Plugin::callPlugin([this] { return store().getNodeImplGUID(); });
     attempt(Format("open % through %") % cameraLabel(description) % guidLabel(guid), [&] {
         node = makePlugin<Node>(guid);
         node->initialize(&description, &store(), nullptr);
