@@ -89,10 +89,12 @@ void ToolLog::readOn() {
     if (!file.is_open())
         return;
     file.clear();
+    file.seekg(readTo); // on Windows a file that was read to its end stays at its end until somebody seeks
     std::array<char, 4096> bytes{};
     do {
         file.read(bytes.data(), bytes.size());
         text.append(bytes.data(), static_cast<std::size_t>(file.gcount()));
+        readTo += file.gcount();
     } while (file);
 }
 

@@ -50,6 +50,7 @@ private:
     Utils::KVLogger* logger = nullptr;
     Utils::Threading::Mutex lock;
     std::ifstream file ZENTARA_GUARDED_BY(lock);
+    std::streamoff readTo ZENTARA_GUARDED_BY(lock) = 0; ///< up to which the file was read
     std::string text ZENTARA_GUARDED_BY(lock);
     std::size_t shown ZENTARA_GUARDED_BY(lock) = 0;
     bool isSilent ZENTARA_GUARDED_BY(lock) = false;
