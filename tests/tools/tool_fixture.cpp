@@ -6,6 +6,7 @@
 #include <zentara/utils/files.h>
 
 #include "support/program.h"
+#include "support/scoped_variable.h"
 #include "tools/zentara/verb.h"
 
 namespace Zentara::Tool {
@@ -40,8 +41,11 @@ ToolRun ToolTest::runBuilt(const std::string& arguments) const {
     const std::string name = testing::UnitTest::GetInstance()->current_test_info()->name();
     const std::string base = (Tests::programDirectory() / ("tools_tests_" + name)).string();
     ToolRun result;
-    result.exitCode =
-        Tests::runProgram("zentara", arguments + " > \"" + base + ".out\" 2> \"" + base + ".err\"");
+    // Windows is handed commands in a code page that lacks most letters; from the environment it takes all of them.
+    const TestSupport::ScopedVariable words("ZENTARA_TEST_WORDS", arguments + ' ');
+    const bool isHanded = std::filesystem::path::preferred_separator != '\\';
+    result.exitCode = Tests::runProgram("zentara", (isHanded ? arguments : "%ZENTARA_TEST_WORDS%") + " > \"" +
+                                                       base + ".out\" 2> \"" + base + ".err\"");
     result.out = Utils::readFile(base + ".out");
     result.err = Utils::readFile(base + ".err");
     std::filesystem::remove(base + ".out");
