@@ -20,10 +20,8 @@ using testing::Not;
 /// This process may hold on to the plug-ins that other tests have used.
 class OwnRoot : public ToolTest {
 protected:
-    /// A file with a name of plain letters, which every command interpreter passes on.
-    const std::string values = (Tests::programDirectory() / "tools_tests_values.json").string();
+    const std::string values = path("values.json");
 
-    ~OwnRoot() override { std::filesystem::remove(values); }
     OwnRoot() {
         copy("bin/Plugins");
         copy("cameras");
@@ -229,7 +227,7 @@ TEST_F(OwnRoot, EndsWhenAPluginDoesNotComeBack) {
             << run.err;
         remove("hanging");
     }
-    EXPECT_EQ(std::filesystem::file_size(values), 3U * 460'800U) << "what had come is whole";
+    EXPECT_EQ(std::filesystem::file_size(at("values.json")), 3U * 460'800U) << "what had come is whole";
 }
 
 TEST_F(OwnRoot, NamesWhatIsMissing) {
