@@ -561,8 +561,11 @@ TEST_F(WorkerTest, TheNextWorkerDoesNotWaitForTheLast) {
     const int retired = Seams::retiredWorkers();
     std::vector<std::thread> releases;
     AVDeviceProxyThread* next = last;
-    for (; next == last; next = AVDeviceProxyThread::instance())
+    // Whichever comes first, release or instance; the pause only bounds the number of threads on a busy machine.
+    for (; next == last; next = AVDeviceProxyThread::instance()) {
         releases.emplace_back([last] { last->release(); });
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
     auto* const other = new deviceRequest(nullptr, RequestType(99));
     EXPECT_EQ("done", outcome([&] { next->processRequest(other, patience); }));
     static_cast<Utils::Refcounted*>(other)->decref();
