@@ -113,7 +113,9 @@ Verb addRomRestore(CLI::App& rom) {
         rom.add_subcommand("restore", "Writes back what 'backup' copied; only bytes that differ are sent");
     command->add_option("FILE", options->file, "The file")->required();
     addWriteOptions(*command, *options);
-    addOtherCameraOption(*command, *options);
+    addOtherCameraOption(
+        *command, *options,
+        "Even if it is of another camera, or changes a read-only section or the camera's GUID");
     command->add_flag("--damaged", options->damaged, "Even if something is wrong with it");
     return {command, [options](Console& console) { return runRestore(*options, console); }};
 }

@@ -194,9 +194,8 @@ void addWriteOptions(CLI::App& command, WriteOptions& options) {
                        "Where the bytes of before go; a name with the time unless set");
 }
 
-void addOtherCameraOption(CLI::App& command, WriteOptions& options) {
-    command.add_flag("--other-camera", options.otherCamera,
-                     "Even if it is of another camera, or changes a read-only section or the camera's GUID");
+void addOtherCameraOption(CLI::App& command, WriteOptions& options, const char* meaning) {
+    command.add_flag("--other-camera", options.otherCamera, meaning);
 }
 
 void addForceOption(CLI::App& command, bool& force) {

@@ -20,8 +20,9 @@ struct WriteOptions : TargetOptions {
 /// --dry-run, --yes and --backup, and the options of the target.
 void addWriteOptions(CLI::App& command, WriteOptions& options);
 void addRebuildOption(CLI::App& command, WriteOptions& options);
-/// --other-camera: also what only another camera has.
-void addOtherCameraOption(CLI::App& command, WriteOptions& options);
+/// --other-camera: also what only another camera has. \param meaning what that is to the verb, for the help
+void addOtherCameraOption(CLI::App& command, WriteOptions& options,
+                          const char* meaning = "Even if the camera's GUID changes");
 void addForceOption(CLI::App& command, bool& force);
 
 /// A write that was rehearsed.
