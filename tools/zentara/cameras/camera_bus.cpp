@@ -79,7 +79,7 @@ void describe(CameraEntry& camera, CameraStore& store) {
 
 } // namespace
 
-CameraStore::CameraStore(std::ostream&, std::ostream* leftOut) {
+CameraStore::CameraStore(std::ostream* leftOut) {
     std::optional<ToolFailure> first;
     for (const GUID& guid : registeredPlugins(Core::ImplType_DESCRIPTOR_STORE, "descriptor store")) {
         Utils::SmartPtr<Core::DescriptorStoreInterface> store; // outlives what its library throws
@@ -140,7 +140,7 @@ std::string CameraEntry::serialNumber() const { return nodes.empty() ? "" : node
 
 /// An enumerator with the stores that its thread asks.
 struct CameraBus::Source {
-    Source(const GUID& guid, std::ostream& err) : name(guidLabel(guid)), store(err) {}
+    explicit Source(const GUID& guid) : name(guidLabel(guid)) {}
     ~Source() {
         const WatchedStep watched("close the enumerator " + name);
         if (enumerator)
@@ -155,7 +155,7 @@ struct CameraBus::Source {
     Utils::SmartPtr<IO::EnumeratorInterface> enumerator;
 };
 
-CameraBus::CameraBus(std::ostream& console) : err(console), descriptions(console, &console) {
+CameraBus::CameraBus(std::ostream& console) : err(console), descriptions(&console) {
     std::optional<ToolFailure> first;
     for (const GUID& guid : registeredPlugins(Core::ImplType_ENUMERATOR, "enumerator")) {
         try {
@@ -176,7 +176,7 @@ CameraBus::CameraBus(std::ostream& console) : err(console), descriptions(console
 CameraBus::~CameraBus() = default;
 
 void CameraBus::open(const GUID& guid) {
-    auto source = std::make_unique<Source>(guid, err);
+    auto source = std::make_unique<Source>(guid);
     attempt("look for cameras through " + source->name, [&] {
         source->enumerator = makePlugin<IO::EnumeratorInterface>(guid);
         source->enumerator->initialize(&events, &source->store.all());

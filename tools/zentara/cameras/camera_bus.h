@@ -30,7 +30,7 @@ public:
     /// A store that fails is left out while there are others.
     /// \param leftOut is told of each such store; may be null
     /// \throws ToolFailure when there is no store plug-in, or all fail.
-    explicit CameraStore(std::ostream& err, std::ostream* leftOut = nullptr);
+    explicit CameraStore(std::ostream* leftOut = nullptr);
     ~CameraStore();
     CameraStore(const CameraStore&) = delete;
     CameraStore& operator=(const CameraStore&) = delete;

@@ -33,8 +33,7 @@ void addCameraOptions(CLI::App& command, CameraOptions& options) {
 CameraSession::CameraSession(const CameraOptions& wanted, Console& target)
     : options(wanted), console(target),
       entry(options.writes ? chooseCameraToWrite(CameraBus(console.err).someCameras(), options.camera)
-                           : chooseCamera(CameraBus(console.err).someCameras(), options.camera)),
-      description(console.err) {
+                           : chooseCamera(CameraBus(console.err).someCameras(), options.camera)) {
     description.select(entry.nodes.front());
     if (const NodeEvent* depthNode = entry.find(NodeType_DEPTH))
         node = std::make_unique<OpenNode<Core::DepthNodeInterface>>(*depthNode, console.err);

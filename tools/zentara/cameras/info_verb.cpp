@@ -205,7 +205,7 @@ Json askCamera(CameraSession& session, ExitCode& worst) {
 ExitCode runInfo(const CameraOptions& options, Console& console) {
     return withCamera(options, console, [&](CameraSession& session) {
         Json json{{"nodes", Json::array()}};
-        CameraStore store(console.err);
+        CameraStore store;
         for (const NodeEvent& node : session.camera().nodes)
             json["nodes"].push_back(describeNode(node, store));
         json.update(describeCamera(session));

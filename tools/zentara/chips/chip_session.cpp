@@ -106,7 +106,7 @@ void ChipSession::openCamera() {
     entry =
         options.writes ? chooseCameraToWrite(present, options.camera) : chooseCamera(present, options.camera);
     node = videoNodeOf(entry);
-    store = std::make_unique<CameraStore>(console.err);
+    store = std::make_unique<CameraStore>();
     store->select(node);
     const GUID guid = Plugin::callPlugin([this] { return store->view().getDeviceImplGUID(); });
     attempt(Utils::Format("open % through %") % cameraLabel(node) % guidLabel(guid), [&] {

@@ -19,7 +19,7 @@ namespace Zentara::Tool {
 using Utils::Format;
 
 template<typename Node>
-OpenNode<Node>::OpenNode(const NodeEvent& found, std::ostream& err) : description(found), ownStore(err) {
+OpenNode<Node>::OpenNode(const NodeEvent& found, std::ostream& err) : description(found) {
     ownStore.select(description);
     const GUID guid = Zentara::Plugin::callPlugin([this] { return store().getNodeImplGUID(); });
     attempt(Format("open % through %") % cameraLabel(description) % guidLabel(guid), [&] {
