@@ -15,13 +15,13 @@
 #include <zentara/read_buffer_status.h>
 #include <zentara/utils/files.h>
 
-#include "plugin_object.h"
 #include "plugins/cameras/plugin_guids.h"
 #include "plugins/descriptions/wire.h"
 #include "plugins/simulated/plugin_guids.h"
 #include "plugins/simulated/simulated_bus.h"
 #include "support/scoped_variable.h"
 #include "support/temporary_directory.h"
+#include "tests/plugins/plugin_object.h"
 
 namespace Zentara::TestSupport {
 

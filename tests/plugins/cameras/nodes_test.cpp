@@ -31,11 +31,11 @@
 #include <zentara/rom/system_info.h>
 #include <zentara/utils/files.h>
 
-#include "camera_host.h"
 #include "plugins/cameras/nodes/depth_frame.h"
 #include "plugins/simulated/sensors.h"
 #include "support/log_capture.h"
 #include "support/rom_image.h"
+#include "tests/plugins/camera_host.h"
 
 namespace Zentara {
 namespace {

@@ -6,7 +6,7 @@
 
 #include <gmock/gmock.h>
 
-#include "camera_host.h"
+#include "tests/plugins/camera_host.h"
 
 namespace Zentara {
 namespace {

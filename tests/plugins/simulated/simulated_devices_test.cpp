@@ -15,10 +15,10 @@
 #include <zentara/io/video_device_proxy.h>
 #include <zentara/io/xu_device_requests.h>
 
-#include "camera_host.h"
 #include "plugins/simulated/scene.h"
 #include "plugins/simulated/simulated_video_device.h"
 #include "support/simulated_faults.h"
+#include "tests/plugins/camera_host.h"
 
 namespace Zentara::Simulated {
 

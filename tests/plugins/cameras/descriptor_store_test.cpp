@@ -9,17 +9,14 @@
 #include <zentara/core/device_descriptor.h>
 #include <zentara/core/guids.h>
 #include <zentara/depth_configuration.h>
-#include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/utils/files.h>
 
-#include "plugin_object.h"
 #include "plugins/cameras/plugin_guids.h"
-#include "plugins/descriptions/camera_description.h"
 #include "plugins/descriptions/controller.h"
 #include "support/log_capture.h"
 #include "support/scoped_variable.h"
-#include "support/stride.h"
-#include "support/temporary_directory.h"
+#include "tests/plugins/descriptions/shipped.h"
+#include "tests/plugins/plugin_object.h"
 
 namespace Zentara {
 namespace {
@@ -28,20 +25,11 @@ using Cameras::ChipKind;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::SizeIs;
+using TestSupport::changed;
+using TestSupport::shipped;
 
 constexpr std::uint32_t vendor = 0xFFFE;
 constexpr Core::Profile longRange = static_cast<Core::Profile>(1);
-
-std::string shipped(const char* name) {
-    return Utils::readFile(Cameras::descriptionFolder() + name + ".json");
-}
-
-/// The text with its first `from` replaced.
-std::string changed(std::string text, const std::string& from, const std::string& to) {
-    const std::size_t at = text.find(from);
-    EXPECT_NE(at, std::string::npos) << from;
-    return at == std::string::npos ? text : text.replace(at, from.size(), to);
-}
 
 /// The store of the real plug-in library.
 class DescriptorStore : public testing::Test {
@@ -61,13 +49,6 @@ protected:
             Utils::writeFile(root.path("cameras/" + name), text);
         const TestSupport::ScopedVariable variable("ZENTARASDK_ROOT", root.path());
         store->initialize();
-    }
-
-    /// What the log tells of a description.
-    std::vector<std::string> complaints(const std::string& text) {
-        const TestSupport::LogCapture log;
-        describe({{"camera.json", text}});
-        return log.warnings();
     }
 
     Utils::SmartPtr<Core::DescriptorStoreInterface> store =
@@ -137,7 +118,7 @@ TEST_F(DescriptorStore, ADeviceWithoutAControllerHasAnUnitOfDepth) {
     text = changed(text, "\"flags\": 1,\n            \"reg",
                    "\"flags\": 5, \"depthUnit\": 250,\n            \"reg");
     text = changed(text, "\"profile\": 1,", "\"profile\": 1, \"flags\": 6,");
-    EXPECT_THAT(complaints(text), SizeIs(0));
+    describe({{"camera.json", text}});
     ASSERT_TRUE(select(0x0570, 0));
     EXPECT_EQ(view().getDeviceCapabilities(), 7 * 256);
     EXPECT_EQ(view().getDepthFlags(), 250ULL << 32 | 5);
@@ -154,77 +135,6 @@ TEST_F(DescriptorStore, HasAViewOnlyBetweenInitializeAndDispose) {
     store->dispose();
     EXPECT_EQ(store->getDescriptorStore(), nullptr);
     store->dispose();
-}
-
-TEST_F(DescriptorStore, AWrongDescriptionIsRefusedWithFileLineAndField) {
-    const struct {
-        const char* what;
-        const char* from;
-        const char* to;
-        const char* complaint;
-    } rows[] = {
-        {"twice", "\"vendorName\"", "\"model\"", "line 4: 'model' stands there twice"},
-        {"unknown field", "\"flags\": 1,\n    \"hardwareVersion\"", "\"flag\": 1,\n    \"hardwareVersion\"",
-         "line 12, flag: there is no such field"},
-        {"missing field", "\"model\": \"ZS570\",", "", "line 1, the whole: the field 'model' is missing"},
-        {"too great", "\"0xFFFE\"", "\"0x1FFFFFFFF\"", "line 7, vendorId: must be a whole number"},
-        {"controller", "\"controller\": \"OV0570\"", "\"controller\": \"OV0571\"",
-         "line 10, controller: 'OV0571' is none of OV0570 VC0258 VC0345"},
-        {"GUID", "MOCKDEPTH_IMPL", "MOCKDEAF_IMPL",
-         "nodes[0].implementation: 'MOCKDEAF_IMPL' is neither a well-known name nor a GUID"},
-        {"rotation", "[1, 0, 0, 0, 1, 0, 0, 0, 1]", "[1, 0, 0]",
-         "nodes[0].extrinsics.rotation: must have 9 numbers, not 3"},
-        {"two elements", "{ \"id\": 1, ", "{ \"id\": 1, \"address\": 0, \"size\": 0 }, { \"id\": 1, ",
-         "nodes[0].romElements[1].id: stands there twice"},
-        {"same interface", "\"interfaceNumber\": 1", "\"interfaceNumber\": 0",
-         "nodes[1]: interface 0 belongs to another node"},
-        {"audio has no extension unit", "\"modes\": [\n                { \"channels\"",
-         "\"preCommon\": [],\n            \"modes\": [\n                { \"channels\"",
-         "nodes[2].preCommon: there is no such field"},
-        {"frame format", "\"QVGA\"", "\"HUGE\"", "nodes[0].modes[0].frameFormat: 'HUGE' is none of"},
-        {"no number", "\"fx\": 252.5", "\"fx\": 1e99", "depthIntrinsics[0].fx: is too great"},
-        {"no number at all", "\"fx\": 252.5", "\"fx\": 1e999",
-         "line 70, nodes[0].depthIntrinsics[0].fx: number overflow"},
-        {"past the memory", "\"address\": 0, \"size\": \"0x4000\"", "\"address\": 1, \"size\": \"0x10000\"",
-         "nodes[0].romElements[0].size: must be a whole number from 0 to 65535"},
-        {"same mode", "\"frameRate\": 60, \"cameraMode\": 1", "\"frameRate\": 60, \"cameraMode\": 0",
-         "nodes[0].modes[1]: the mode DEFF2FR60CM0S0 stands there twice"},
-    };
-    for (const auto& row : rows) {
-        const std::vector<std::string> found = complaints(changed(shipped("ov0570"), row.from, row.to));
-        EXPECT_THAT(found, ElementsAre(HasSubstr(row.complaint))) << row.what;
-        EXPECT_THAT(found, ElementsAre(HasSubstr("camera.json, line "))) << row.what;
-        EXPECT_FALSE(select(0x0570, 0)) << row.what;
-    }
-}
-
-TEST_F(DescriptorStore, HostileTextsAreRefused) {
-    EXPECT_THAT(complaints(""), SizeIs(1));
-    EXPECT_THAT(complaints(std::string(1 << 20, '[')), ElementsAre(HasSubstr("nested deeper than 32")));
-    EXPECT_THAT(complaints("{\"model\": \"\xFF\"}"), ElementsAre(HasSubstr("line 1: ")));
-    std::string crowd = "{\"0\": 0";
-    for (int i = 1; i < 200'000; ++i)
-        crowd += ", \"" + std::to_string(i) + "\": 0";
-    EXPECT_THAT(complaints(crowd + "}"), ElementsAre(HasSubstr("more than 1024 members")));
-}
-
-TEST_F(DescriptorStore, EveryDamageIsRefusedOrHarmless) {
-    const std::string whole = shipped("ov0570");
-    const TestSupport::LogCapture log;
-    std::size_t refused = 0;
-    for (std::size_t position = 0; position < whole.size(); position += 3 * TestSupport::stride) {
-        for (const char character : {'{', ']', ',', '"', '-', '9', 'x', '\0'}) {
-            std::string damaged = whole;
-            damaged[position] = character;
-            try {
-                static_cast<void>(Cameras::readDescription(damaged, "camera.json"));
-            } catch (const Plugin::ConfigurationPluginException& failure) {
-                EXPECT_EQ(failure.message().rfind("camera.json, line ", 0), 0U) << failure.message();
-                ++refused;
-            }
-        }
-    }
-    EXPECT_GT(refused, whole.size() / TestSupport::stride);
 }
 
 TEST_F(DescriptorStore, OneWrongDescriptionLeavesTheOthers) {
