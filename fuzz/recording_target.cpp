@@ -31,7 +31,7 @@ struct Content {
 std::unique_ptr<RecordingReader> open(const std::string& bytes) {
     try {
         return std::make_unique<RecordingReader>(std::make_unique<std::istringstream>(bytes), "input");
-    } catch (const ToolFailure& failure) {
+    } catch (const Failure& failure) {
         expect(std::string(failure.what()).find("input") != std::string::npos);
         return nullptr;
     }
@@ -46,7 +46,7 @@ Content readAll(RecordingReader& reader, std::size_t most) {
             content.frames.push_back(frame);
         }
         content.whole = true;
-    } catch (const ToolFailure& failure) {
+    } catch (const Failure& failure) {
         expect(std::string(failure.what()).find("byte ") != std::string::npos);
     }
     return content;
@@ -75,7 +75,7 @@ void deliver(const StreamDescription& stream, std::uint16_t index, const Content
         sink->print(text);
         Json json;
         sink->fill(json);
-    } catch (const ToolFailure&) {
+    } catch (const Failure&) {
         // A frame that is none of its mode.
     }
 }

@@ -4,9 +4,11 @@
 
 namespace Zentara::Host {
 
-Failure::Failure(Code code, std::string attempted, std::string cause, std::string remedy)
-    : std::runtime_error("cannot " + attempted + ": " + cause + (remedy.empty() ? "" : "\n" + remedy)),
-      kind(code), attempt(std::move(attempted)), reason(std::move(cause)), help(std::move(remedy)) {}
+Failure::Failure(Code code, std::string message, std::string cause, std::string remedy,
+                 std::vector<std::string> details)
+    : std::runtime_error(message + (cause.empty() ? "" : ": " + cause)), kind(code),
+      attempt(std::move(message)), reason(std::move(cause)), help(std::move(remedy)),
+      more(std::move(details)) {}
 
 Failure::Failure(const Failure&) = default;
 Failure& Failure::operator=(const Failure&) = default;

@@ -131,7 +131,7 @@ void Lens::Impl::make() {
 Lens::Lens(const CameraIntrinsics& model, DepthAlong depth, std::string owner)
     : impl(std::make_shared<Impl>(model, depth, std::move(owner))) {
     if (model.width == 0 || model.height == 0 || !finite(model) || model.fx == 0 || model.fy == 0)
-        throw Failure(Failure::Code::Failed, "use the lens model of " + impl->owner,
+        throw Failure(Failure::Failed, "cannot use the lens model of " + impl->owner,
                       "size and focal length must not be zero, and all numbers finite: " + numbers(model),
                       "Calibrate the camera, or mend its description.");
 }
@@ -169,21 +169,21 @@ std::array<double, 5> Lens::distortionCoefficients() const noexcept {
 
 PointCloud Lens::pointsOf(std::span<const std::uint16_t> depth, std::uint32_t width, std::uint32_t height,
                           const CloudOptions& options, std::span<const std::uint16_t> confidence) const {
-    const std::string attempted = "make a point cloud of " + impl->owner;
+    const std::string attempted = "cannot make a point cloud of " + impl->owner;
     const std::size_t pixels = std::size_t{width} * height;
     if (width != impl->model.width || height != impl->model.height || depth.size() != pixels)
-        throw Failure(Failure::Code::Failed, attempted,
+        throw Failure(Failure::Failed, attempted,
                       Format("the picture has % x % pixels and % values, the lens model is for % x %") %
                           width % height % depth.size() % impl->model.width % impl->model.height);
     const bool choosy = options.leastConfidence > 0;
     if (choosy && confidence.size() != pixels)
-        throw Failure(Failure::Code::Usage, attempted,
+        throw Failure(Failure::Usage, attempted,
                       Format("a least confidence of % was asked for, and there are % values of confidence") %
                           options.leastConfidence % confidence.size());
 
     const std::vector<Point>& table = impl->table();
     if (2 * impl->withoutRay() > pixels)
-        throw Failure(Failure::Code::Failed, attempted,
+        throw Failure(Failure::Failed, attempted,
                       Format("the distortion of its lens model cannot be taken out at % of % pixels: %") %
                           impl->withoutRay() % pixels % numbers(impl->model),
                       "Calibrate the camera, or mend its description.");

@@ -140,14 +140,14 @@ void PointCloud::colorFrom(std::span<const std::uint8_t> rgb, const Lens& lens,
                            const ExtrinsicParametersInternal& pose) {
     const std::size_t width = lens.model().width;
     const std::size_t height = lens.model().height;
-    const std::string attempted = "colour a point cloud with the picture of " + lens.owner();
+    const std::string attempted = "cannot colour a point cloud with the picture of " + lens.owner();
     if (rgb.size() != 3 * width * height)
-        throw Failure(Failure::Code::Failed, attempted,
+        throw Failure(Failure::Failed, attempted,
                       Format("the picture has % bytes, % x % pixels take %") % rgb.size() % width % height %
                           (3 * width * height));
     const Pose move(pose);
     if (!move.rotates())
-        throw Failure(Failure::Code::Failed, attempted,
+        throw Failure(Failure::Failed, attempted,
                       "the extrinsics between the two cameras are no rotation and translation",
                       "Calibrate the camera, or mend its description.");
 

@@ -1,4 +1,4 @@
-#include "tools/zentara/color_map.h"
+#include "host/pictures/color_map.h"
 
 #include <algorithm>
 #include <vector>

@@ -3,9 +3,9 @@
 
 #include <zentara/utils/files.h>
 
+#include "host/float_text.h"
 #include "support/simulated_faults.h"
 #include "tools/tool_fixture.h"
-#include "tools/zentara/float_text.h"
 
 namespace Zentara::Tool {
 namespace {

@@ -6,8 +6,8 @@
 #include <gmock/gmock.h>
 #include <stb/stb_image.h>
 
+#include "host/pictures/plot.h"
 #include "tools/zentara/exit_code.h"
-#include "tools/zentara/plot.h"
 #include "tools/zentara/streams/color_recorder.h"
 
 namespace Zentara::Tool {
@@ -52,10 +52,10 @@ TEST(Plot, DrawsEachLineInItsColour) {
 }
 
 TEST(Plot, RefusesWhatCannotBeDrawn) {
-    EXPECT_THROW(static_cast<void>(plotPng("x", {{"t", {}}})), ToolFailure);
-    EXPECT_THROW(static_cast<void>(plotPng("x", {{"t", {{"empty", {}}}}})), ToolFailure);
+    EXPECT_THROW(static_cast<void>(plotPng("x", {{"t", {}}})), Failure);
+    EXPECT_THROW(static_cast<void>(plotPng("x", {{"t", {{"empty", {}}}}})), Failure);
     const double infinite = std::numeric_limits<double>::infinity();
-    EXPECT_THROW(static_cast<void>(plotPng("x", {{"t", {{"far", {{0, infinite}}}}}})), ToolFailure);
+    EXPECT_THROW(static_cast<void>(plotPng("x", {{"t", {{"far", {{0, infinite}}}}}})), Failure);
     EXPECT_FALSE(plotPng("x", {{"t", {{"one point", {{5, 5}}}}}}).empty());
 }
 

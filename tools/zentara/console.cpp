@@ -13,24 +13,25 @@ void tellLine(std::ostream& err, const std::string& text) { err << Utils::visibl
 
 void note(Console& console, const std::string& text) { tellLine(console.err, console.words() + ": " + text); }
 
-void tellFailure(Console& console, const ToolFailure& failure) {
-    const std::string message = Utils::visibleText(failure.message);
-    const std::string cause = Utils::visibleText(failure.cause);
+void tellFailure(Console& console, const Failure& failure) {
+    const std::string message = Utils::visibleText(failure.message());
+    const std::string cause = Utils::visibleText(failure.cause());
     // A long message leaves the cause its room.
     console.err << console.words() << ": " << message << (cause.empty() ? "" : ": ") << cause << '\n';
-    for (const std::string& detail : failure.details)
+    for (const std::string& detail : failure.details())
         tellLine(console.err, "  " + detail);
-    if (!failure.remedy.empty())
-        tellLine(console.err, failure.remedy);
+    const std::string remedy = Utils::visibleText(remedyOf(failure));
+    if (!remedy.empty())
+        tellLine(console.err, remedy);
     if (!console.json)
         return;
     Json json = beginJson(console);
-    json["error"] = {{"code", static_cast<int>(failure.code)},
+    json["error"] = {{"code", static_cast<int>(failure.code())},
                      {"message", message},
                      {"cause", orNull(cause)},
-                     {"remedy", orNull(Utils::visibleText(failure.remedy))}};
-    if (!failure.details.empty())
-        json["error"]["details"] = failure.details;
+                     {"remedy", orNull(remedy)}};
+    if (!failure.details().empty())
+        json["error"]["details"] = failure.details();
     if (console.lines)
         printOnOneLine(console.out, json);
     else

@@ -31,6 +31,6 @@ void note(Console& console, const std::string& text);
 
 /// Tells what ended the verb: on standard error for people, and with --json as the only object, or the last line, on
 /// standard output. A verb that throws has therefore printed no object of its own.
-void tellFailure(Console& console, const ToolFailure& failure);
+void tellFailure(Console& console, const Failure& failure);
 
 } // namespace Zentara::Tool

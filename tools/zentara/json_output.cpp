@@ -9,8 +9,6 @@ Json beginJson(const Console& console) {
     return json;
 }
 
-Json orNull(const std::string& text) { return text.empty() ? Json() : Json(text); }
-
 void print(std::ostream& out, const Json& json) {
     out << json.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
 }

@@ -3,14 +3,10 @@
 #include <ostream>
 #include <string>
 
-#include <nlohmann/json.hpp>
-
+#include "host/json.h"
 #include "tools/zentara/console.h"
 
 namespace Zentara::Tool {
-
-/// Keys stay in the order in which they were set.
-using Json = nlohmann::ordered_json;
 
 /// Raised for all verbs when a key is renamed, removed or changes its meaning; new keys may come without. docs/json.md
 /// has the keys of each verb.
@@ -19,9 +15,6 @@ inline constexpr int jsonSchema = 3;
 /// Begins what a verb prints with --json: schema, verb and, of a verb that has several, action.
 [[nodiscard]] Json beginJson(const Console& console);
 [[nodiscard]] inline Json beginJson(const char* verb) { return {{"schema", jsonSchema}, {"verb", verb}}; }
-
-/// Null for the empty text: nobody has to know what else stands for nothing.
-[[nodiscard]] Json orNull(const std::string& text);
 
 /// Bytes that are no UTF-8 print as the replacement character.
 void print(std::ostream& out, const Json& json);

@@ -15,9 +15,9 @@
 #include <zentara/utils/text.h>
 #include <zentara/version.h>
 
-#include "tools/zentara/guid_text.h"
+#include "host/files/paths.h"
+#include "host/guid_text.h"
 #include "tools/zentara/json_output.h"
-#include "tools/zentara/paths.h"
 #include "tools/zentara/plugins/library_machine.h"
 #include "tools/zentara/plugins/plugin_question.h"
 #include "tools/zentara/plugins/refused_file.h"
@@ -303,9 +303,9 @@ ExitCode runPlugins(const PluginsOptions& options, Console& console) {
     }
     remarkOn(inventory, options.all, console.err);
     if (!inventory.registered.empty())
-        return ExitCode_DONE;
+        return Failure::None;
     explainNothing(console.err, inventory);
-    return ExitCode_NO_PLUGIN;
+    return Failure::NoPlugin;
 }
 
 } // namespace

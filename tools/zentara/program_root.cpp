@@ -6,7 +6,7 @@
 #include <zentara/utils/files.h>
 #include <zentara/utils/install_root.h>
 
-#include "tools/zentara/paths.h"
+#include "host/files/paths.h"
 #include "utils/platform/program.h"
 
 namespace Zentara::Tool {

@@ -36,11 +36,13 @@ Supervisor::Supervisor(Console& target, double seconds)
     : console(target), patienceMicros(static_cast<std::int64_t>(seconds * 1e6)),
       thread(this, nullptr, "zentara watch") {
     own = this;
+    Host::watchSteps(this);
     thread.start(false);
 }
 
 Supervisor::~Supervisor() {
     thread.stop(true);
+    Host::watchSteps(nullptr);
     own = nullptr;
 }
 
@@ -70,14 +72,14 @@ void Supervisor::look() {
         if (interruptedAt == 0)
             interruptedAt = now;
         if (interrupts.count > 1 || (interrupts.isTermination && now - interruptedAt > terminationMicros))
-            endProcess({ExitCode_INTERRUPTED, steps.empty() ? std::string("interrupted, and ended at once")
+            endProcess({Failure::Interrupted, steps.empty() ? std::string("interrupted, and ended at once")
                                                             : "interrupted while it was to " + doing()});
         if (!shown && now - interruptedAt > politeMicros)
             showInterrupt();
     }
     if (!steps.empty() && now - since > patienceMicros)
         endProcess(
-            {ExitCode_TIMEOUT, "cannot " + doing(),
+            {Failure::TimedOut, "cannot " + doing(),
              Format("it has not come back for % s") % (static_cast<double>(patienceMicros) / 1e6),
              "a plug-in or its device hangs: unplug the camera and try again; 'zentara plugins' tests the "
              "plug-ins, --patience gives them more time"});
@@ -91,7 +93,7 @@ void Supervisor::showInterrupt() {
 }
 
 /// With the lock held: the supervised thread cannot leave its step any more.
-void Supervisor::endProcess(const ToolFailure& why) {
+void Supervisor::endProcess(const Host::Failure& why) {
     if (rescue && !steps.empty()) {
         try {
             rescue();
@@ -108,30 +110,40 @@ void Supervisor::endProcess(const ToolFailure& why) {
     if (!steps.empty())
         console.out.flush();
     std::fflush(nullptr);
-    std::_Exit(why.code);
+    std::_Exit(why.code());
 }
 
 std::string Supervisor::doing() const {
     std::string text;
-    for (const std::string& step : steps)
-        text += (text.empty() ? "" : ": ") + step;
+    for (const Begun& step : steps)
+        text += (text.empty() ? "" : ": ") + step.what;
     return text;
 }
 
-WatchedStep::WatchedStep(const std::string& what) : supervisor(own) {
-    if (supervisor == nullptr)
-        return;
-    AutoLock hold(supervisor->lock);
-    supervisor->steps.push_back(what);
-    supervisor->since = Utils::Clock::nowMicros();
+void Supervisor::begins(const std::string& what) noexcept {
+    ToolLog* log = ToolLog::current();
+    const std::size_t logged = log == nullptr ? 0 : log->end();
+    AutoLock hold(lock);
+    steps.push_back({what, logged});
+    since = Utils::Clock::nowMicros();
 }
 
-WatchedStep::~WatchedStep() {
-    if (supervisor == nullptr)
-        return;
-    AutoLock hold(supervisor->lock);
-    supervisor->steps.pop_back();
-    supervisor->since = Utils::Clock::nowMicros();
+void Supervisor::ends() noexcept {
+    AutoLock hold(lock);
+    steps.pop_back();
+    since = Utils::Clock::nowMicros();
+}
+
+std::string Supervisor::timeout() {
+    ToolLog* log = ToolLog::current();
+    std::size_t logged = 0;
+    {
+        AutoLock hold(lock);
+        if (log == nullptr || steps.empty())
+            return {};
+        logged = steps.back().logged;
+    }
+    return log->timeoutSince(logged);
 }
 
 Rescue::Rescue(std::function<void()> action) : supervisor(own) {

@@ -1,10 +1,13 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
 
+#include <zentara/host/failure.h>
+#include <zentara/host/step_watcher.h>
 #include <zentara/utils/mutex.h>
 #include <zentara/utils/runnable.h>
 #include <zentara/utils/signal.h>
@@ -13,14 +16,13 @@
 namespace Zentara::Tool {
 
 struct Console;
-class ToolFailure;
 
 /// Ends the process when the thread that made it does not come back: a call into a plug-in may hang, and nobody else
 /// could end it then. It does so when one step has taken longer than it may, when Ctrl-C is pressed for the second time,
 /// and some time after the system's polite request to end. What hangs is said, what is whole is finished first, and the
 /// exit code is 7 or, if somebody asked for the end, 130. A first Ctrl-C that the work does not heed at once is shown.
 /// One at a time.
-class Supervisor final : private Utils::Threading::Runnable {
+class Supervisor final : public Host::StepWatcher, private Utils::Threading::Runnable {
 public:
     /// \param seconds how long one step may take
     Supervisor(Console& target, double seconds);
@@ -28,42 +30,38 @@ public:
     Supervisor(const Supervisor&) = delete;
     Supervisor& operator=(const Supervisor&) = delete;
 
+    /// Time counts from the last beginning or end of any step. Once the process is being ended, a step that comes back
+    /// after all does not go on.
+    void begins(const std::string& what) noexcept override;
+    void ends() noexcept override;
+    [[nodiscard]] std::string timeout() override;
+
 private:
-    friend class WatchedStep;
     friend class Rescue;
+
+    /// A step that may hang, and where the log stood when it began.
+    struct Begun {
+        std::string what;
+        std::size_t logged;
+    };
 
     void* run(void*) override;
     void exit() override;
     void look() ZENTARA_REQUIRES(lock);
     void showInterrupt() ZENTARA_REQUIRES(lock);
-    [[noreturn]] void endProcess(const ToolFailure& why) ZENTARA_REQUIRES(lock);
+    [[noreturn]] void endProcess(const Host::Failure& why) ZENTARA_REQUIRES(lock);
     [[nodiscard]] std::string doing() const ZENTARA_REQUIRES(lock);
 
     Console& console;
     const std::int64_t patienceMicros;
     Utils::Threading::Signal wake;
     Utils::Threading::Mutex lock;
-    std::vector<std::string> steps ZENTARA_GUARDED_BY(lock); ///< the outermost first
-    std::int64_t since ZENTARA_GUARDED_BY(lock) = 0;         ///< when a step began or ended last
+    std::vector<Begun> steps ZENTARA_GUARDED_BY(lock); ///< the outermost first
+    std::int64_t since ZENTARA_GUARDED_BY(lock) = 0;   ///< when a step began or ended last
     std::function<void()> rescue ZENTARA_GUARDED_BY(lock);
     std::int64_t interruptedAt ZENTARA_GUARDED_BY(lock) = 0;
     bool shown ZENTARA_GUARDED_BY(lock) = false;
     Utils::Threading::Thread thread;
-};
-
-/// A step that may hang: mostly a call into a plug-in. Steps may stand one in the other; time counts from the last
-/// beginning or end of any. On a thread that nobody supervises it does nothing. Once the supervisor ends the process, a
-/// step that comes back after all does not go on.
-class WatchedStep final {
-public:
-    /// \param what is attempted: "open LEFT through MOCKDEPTH_IMPL"
-    explicit WatchedStep(const std::string& what);
-    ~WatchedStep();
-    WatchedStep(const WatchedStep&) = delete;
-    WatchedStep& operator=(const WatchedStep&) = delete;
-
-private:
-    Supervisor* const supervisor;
 };
 
 /// What is to be finished before the process is ended out of a hanging step, for one scope. The action is called on

@@ -50,17 +50,17 @@ ExitCode runVerb(const Verb& verb, Console& console) {
         const ExitCode code = verb.run(console);
         showLog();
         return code;
-    } catch (const ToolFailure& failure) {
+    } catch (const Failure& failure) {
         showLog();
         tellFailure(console, failure);
-        return failure.code;
+        return failure.code();
     } catch (const std::bad_alloc&) {
-        tellFailure(console, {ExitCode_FAILED, "there is not enough memory"});
-        return ExitCode_FAILED;
+        tellFailure(console, {Failure::Failed, "there is not enough memory"});
+        return Failure::Failed;
     } catch (const std::exception& failure) {
         showLog();
-        tellFailure(console, {ExitCode_FAILED, "unexpected failure", Utils::visibleText(failure.what())});
-        return ExitCode_FAILED;
+        tellFailure(console, {Failure::Failed, "unexpected failure", Utils::visibleText(failure.what())});
+        return Failure::Failed;
     }
 }
 
@@ -84,7 +84,7 @@ std::vector<std::string> namesOf(const CLI::App& program) {
 }
 
 /// A word that stands where a verb is wanted and is none is named, with the verb that was probably meant.
-/// \throws ToolFailure
+/// \throws Failure
 void checkVerbs(const CLI::App& program, const std::vector<std::string>& arguments, Console& console) {
     const CLI::App* level = &program;
     bool isValue = false; // of the option before it
@@ -101,8 +101,8 @@ void checkVerbs(const CLI::App& program, const std::vector<std::string>& argumen
             return; // it takes words of its own
         if (std::find(names.begin(), names.end(), word) == names.end()) {
             const std::string nearest = nearestWord(word, names);
-            throw ToolFailure(
-                ExitCode_USAGE, "there is no verb '" + word + "'", {},
+            throw Failure(
+                Failure::Usage, "there is no verb '" + word + "'", {},
                 (nearest.empty() ? "" : "did you mean '" + console.words() + " " + nearest + "'? ") + "'" +
                     console.words() + " --help' lists them");
         }
@@ -130,14 +130,14 @@ bool asksForJson(const std::vector<std::string>& arguments) {
 ExitCode endOfParse(const CLI::App& program, const CLI::ParseError& reason, Console& console) {
     if (reason.get_exit_code() == 0) {
         static_cast<void>(program.exit(reason, console.out, console.err));
-        return ExitCode_DONE;
+        return Failure::None;
     }
     const std::string what = reason.what();
     const bool verbMissing = what == "A subcommand is required";
-    const ToolFailure failure(ExitCode_USAGE, verbMissing ? "name a verb" : what, {},
-                              "'" + console.words() + " --help' tells more");
+    const Failure failure(Failure::Usage, verbMissing ? "name a verb" : what, {},
+                          "'" + console.words() + " --help' tells more");
     tellFailure(console, failure);
-    return failure.code;
+    return failure.code();
 }
 
 } // namespace
@@ -170,9 +170,9 @@ int runTool(std::vector<std::string> arguments, Console& console) {
         checkVerbs(program, arguments, console);
         std::reverse(arguments.begin(), arguments.end()); // the parser takes them from the back
         program.parse(std::move(arguments));
-    } catch (const ToolFailure& failure) {
+    } catch (const Failure& failure) {
         tellFailure(console, failure);
-        return failure.code;
+        return failure.code();
     } catch (const CLI::ParseError& reason) {
         noteVerb(program, console);
         return endOfParse(program, reason, console);
@@ -185,9 +185,9 @@ int runTool(std::vector<std::string> arguments, Console& console) {
         std::find_if(verbs.begin(), verbs.end(), [](const Verb& verb) { return verb.command->parsed(); });
     const ExitCode code = runVerb(*chosen, console);
     console.out.flush();
-    if (code == ExitCode_DONE && !console.out) {
+    if (code == Failure::None && !console.out) {
         tellLine(console.err, "zentara: cannot write to standard output");
-        return ExitCode_FAILED;
+        return Failure::Failed;
     }
     return code;
 }

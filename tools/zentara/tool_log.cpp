@@ -10,7 +10,7 @@
 
 #include <zentara/utils/format.h>
 
-#include "tools/zentara/paths.h"
+#include "host/files/paths.h"
 
 namespace Zentara::Tool {
 

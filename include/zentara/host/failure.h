@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include <zentara/host/export.h>
 
@@ -12,7 +13,8 @@ namespace Zentara::Host {
 class ZENTARA_HOST_API Failure : public std::runtime_error {
 public:
     /// The kinds of failure. The numbers are the exit codes of the tool `zentara`.
-    enum class Code : int {
+    enum Code : int {
+        None = 0,         ///< no failure; never thrown
         Failed = 1,       ///< none of the others: a device, a file or a value is not as it must be
         Usage = 2,        ///< what was asked for makes no sense; asking again will not help
         NoDevice = 3,     ///< there is no such camera, or it was pulled out
@@ -24,24 +26,29 @@ public:
         Interrupted = 130 ///< somebody asked for the end
     };
 
-    /// \param attempted what was attempted, on what: "make a point cloud of SIM0570"
-    /// \param cause what came back, with its number
-    /// \param remedy what helps; empty where nothing does
-    Failure(Code code, std::string attempted, std::string cause, std::string remedy = {});
+    /// what() is message and cause on one line.
+    /// \param message what was attempted, on what: "cannot make a point cloud of SIM0570"
+    /// \param cause what came back, with its number; empty where the message says it
+    /// \param remedy what helps; empty where nothing is known to
+    /// \param details reasons of their own, a line each; mostly none
+    Failure(Code code, std::string message, std::string cause = {}, std::string remedy = {},
+            std::vector<std::string> details = {});
     Failure(const Failure&);
     Failure& operator=(const Failure&);
     ~Failure() override;
 
     [[nodiscard]] Code code() const noexcept { return kind; }
-    [[nodiscard]] const std::string& attempted() const noexcept { return attempt; }
+    [[nodiscard]] const std::string& message() const noexcept { return attempt; }
     [[nodiscard]] const std::string& cause() const noexcept { return reason; }
     [[nodiscard]] const std::string& remedy() const noexcept { return help; }
+    [[nodiscard]] const std::vector<std::string>& details() const noexcept { return more; }
 
 private:
     Code kind;
     std::string attempt;
     std::string reason;
     std::string help;
+    std::vector<std::string> more;
 };
 
 } // namespace Zentara::Host

@@ -104,7 +104,7 @@ TEST_F(ChipVerbs, TakeACameraByTheNamesThatAllVerbsTake) {
                 HasSubstr("cannot read tof register 0x05: I/O failure"))
         << "the one with the fault";
     Utils::writeFile(path("bus.json"), R"({"format": 1, "cameras": []})");
-    EXPECT_EQ(ToolTest::run({"modfreq", "10", "--camera", "OV0570"}).exitCode, ExitCode_NO_DEVICE);
+    EXPECT_EQ(ToolTest::run({"modfreq", "10", "--camera", "OV0570"}).exitCode, Failure::NoDevice);
     EXPECT_EQ(ToolTest::run({"modfreq", "10", "--direct"}).exitCode, 0);
 }
 
@@ -115,34 +115,34 @@ TEST_F(ChipVerbs, NameTheRangeOfAValueThatIsOutOfIt) {
         const char* text;
     } rows[] = {
         {{"reg", "write", "tof", "29", "0x10000", "--camera", "OV0570"},
-         ExitCode_USAGE,
+         Failure::Usage,
          "on the OV0570: 0 to 0xFFFF"},
-        {{"reg", "read", "tof", "256"}, ExitCode_USAGE, "on the OV0570: 0 to 0xFF"},
-        {{"reg", "read", "rgb", "1", "--camera", "VC0345"}, ExitCode_FAILED, "VC0345 has no way to a colour"},
-        {{"reg", "read", "fpga", "1"}, ExitCode_USAGE, "fpga"},
-        {{"reg", "read", "tof", ""}, ExitCode_USAGE, "0 to 4294967295"},
-        {{"reg", "write", "tof", "29", "-1", "--camera", "OV0570"}, ExitCode_USAGE, "0 to 4294967295"},
-        {{"reg", "write", "tof", "4294967296", "0", "--camera", "OV0570"}, ExitCode_USAGE, "0 to 4294967295"},
-        {{"i2c", "read", "256", "1"}, ExitCode_USAGE, "0 to 255"},
-        {{"i2c", "read", "0x80", "1", "--camera", "VC0258"}, ExitCode_USAGE, "0x80 is out of range"},
-        {{"i2c", "read", "0x21", "0x121", "--camera", "VC0258"}, ExitCode_USAGE, "VC0258: 0 to 0xFF"},
-        {{"i2c", "read", "0x21", "0x121"}, ExitCode_USAGE, "OV0570: 0 to 0xFF"},
-        {{"i2c", "write", "0x30", "1", "256", "--bytes", "1", "--camera", "VC0258"}, ExitCode_USAGE, "0xFF"},
-        {{"meta", "1000", "0x100000000", "--camera", "OV0570"}, ExitCode_USAGE, "0 to 4294967295"},
-        {{"i2c", "read", "0x77", "1"}, ExitCode_FAILED, "deviceAddress not found"},
-        {{"i2c", "read", "1", "1", "--camera", "VC0345"}, ExitCode_FAILED, "I2C bus"},
-        {{"meta", "999", "1", "--camera", "OV0570"}, ExitCode_USAGE, "1000"},
-        {{"meta", "1005", "1", "--camera", "VC0258"}, ExitCode_FAILED, "invalid meta value 3ed"},
-        {{"modfreq", "13", "--camera", "OV0570"}, ExitCode_USAGE, "10, 12, 20, 30, 40"},
-        {{"modfreq", "30", "--camera", "VC0345"}, ExitCode_FAILED, "VC0345 has no command"},
-        {{"xu", "set", "2", "1", "--camera", "OV0570"}, ExitCode_USAGE, "pairs of digits"},
-        {{"xu", "set", "2", "0102030405060708", "--camera", "OV0570"}, ExitCode_USAGE, "0 to 7"},
-        {{"xu", "len", "9"}, ExitCode_FAILED, "no control 9"},
-        {{"firmware", "dump", "x", "--start", "2", "--length", "65535"}, ExitCode_USAGE, "1 to 65534"},
-        {{"reg", "read", "tof", "1", "--camera", "OV9999"}, ExitCode_NO_DEVICE, "plugged in: SIM0570"},
-        {{"reg", "read", "tof", "1", "--camera", "SIM"}, ExitCode_USAGE, "may be any of SIM0570"},
-        {{"reg", "read", "tof", "1", "--camera", ""}, ExitCode_USAGE, "name of the camera is empty"},
-        {{"reg", "read", "tof", "1", "--direct", "--camera", "SIM0570"}, ExitCode_USAGE, "no controller"},
+        {{"reg", "read", "tof", "256"}, Failure::Usage, "on the OV0570: 0 to 0xFF"},
+        {{"reg", "read", "rgb", "1", "--camera", "VC0345"}, Failure::Failed, "VC0345 has no way to a colour"},
+        {{"reg", "read", "fpga", "1"}, Failure::Usage, "fpga"},
+        {{"reg", "read", "tof", ""}, Failure::Usage, "0 to 4294967295"},
+        {{"reg", "write", "tof", "29", "-1", "--camera", "OV0570"}, Failure::Usage, "0 to 4294967295"},
+        {{"reg", "write", "tof", "4294967296", "0", "--camera", "OV0570"}, Failure::Usage, "0 to 4294967295"},
+        {{"i2c", "read", "256", "1"}, Failure::Usage, "0 to 255"},
+        {{"i2c", "read", "0x80", "1", "--camera", "VC0258"}, Failure::Usage, "0x80 is out of range"},
+        {{"i2c", "read", "0x21", "0x121", "--camera", "VC0258"}, Failure::Usage, "VC0258: 0 to 0xFF"},
+        {{"i2c", "read", "0x21", "0x121"}, Failure::Usage, "OV0570: 0 to 0xFF"},
+        {{"i2c", "write", "0x30", "1", "256", "--bytes", "1", "--camera", "VC0258"}, Failure::Usage, "0xFF"},
+        {{"meta", "1000", "0x100000000", "--camera", "OV0570"}, Failure::Usage, "0 to 4294967295"},
+        {{"i2c", "read", "0x77", "1"}, Failure::Failed, "deviceAddress not found"},
+        {{"i2c", "read", "1", "1", "--camera", "VC0345"}, Failure::Failed, "I2C bus"},
+        {{"meta", "999", "1", "--camera", "OV0570"}, Failure::Usage, "1000"},
+        {{"meta", "1005", "1", "--camera", "VC0258"}, Failure::Failed, "invalid meta value 3ed"},
+        {{"modfreq", "13", "--camera", "OV0570"}, Failure::Usage, "10, 12, 20, 30, 40"},
+        {{"modfreq", "30", "--camera", "VC0345"}, Failure::Failed, "VC0345 has no command"},
+        {{"xu", "set", "2", "1", "--camera", "OV0570"}, Failure::Usage, "pairs of digits"},
+        {{"xu", "set", "2", "0102030405060708", "--camera", "OV0570"}, Failure::Usage, "0 to 7"},
+        {{"xu", "len", "9"}, Failure::Failed, "no control 9"},
+        {{"firmware", "dump", "x", "--start", "2", "--length", "65535"}, Failure::Usage, "1 to 65534"},
+        {{"reg", "read", "tof", "1", "--camera", "OV9999"}, Failure::NoDevice, "plugged in: SIM0570"},
+        {{"reg", "read", "tof", "1", "--camera", "SIM"}, Failure::Usage, "may be any of SIM0570"},
+        {{"reg", "read", "tof", "1", "--camera", ""}, Failure::Usage, "name of the camera is empty"},
+        {{"reg", "read", "tof", "1", "--direct", "--camera", "SIM0570"}, Failure::Usage, "no controller"},
     };
     for (const auto& row : rows) {
         const ToolRun run = ToolTest::run(row.arguments);
@@ -156,7 +156,7 @@ TEST_F(ChipVerbs, TellOfATransferThatFailsAndLeaveNoFile) {
     const SimulatedFaults faults("chip VC0258;transfer 4 short");
     const ToolRun run =
         ToolTest::run({"firmware", "dump", path("dump.bin"), "--trace", "--camera", "VC0258"});
-    EXPECT_EQ(run.exitCode, ExitCode_FAILED);
+    EXPECT_EQ(run.exitCode, Failure::Failed);
     EXPECT_THAT(run.err, HasSubstr("FAILED: control 24 of unit 4: 35 bytes came back, 36 were asked"));
     EXPECT_THAT(filesLeft(), testing::IsEmpty());
 }
@@ -164,7 +164,7 @@ TEST_F(ChipVerbs, TellOfATransferThatFailsAndLeaveNoFile) {
 TEST_F(ChipVerbs, TraceAFailureBesideItsJson) {
     const SimulatedFaults faults("transfer 2 fail");
     const ToolRun run = ToolTest::run({"reg", "read", "tof", "1", "--trace", "--json"});
-    EXPECT_EQ(run.exitCode, ExitCode_FAILED);
+    EXPECT_EQ(run.exitCode, Failure::Failed);
     EXPECT_EQ(run.json().at("error").at("message"), "cannot read tof register 0x01");
     EXPECT_THAT(run.err, HasSubstr("GET 6/2  91 01 00 00 00 00 00  read device 1 register 0x01  FAILED: "));
 }

@@ -9,13 +9,13 @@
 #include <zentara/utils/exceptions.h>
 #include <zentara/utils/files.h>
 
+#include "host/files/pending_file.h"
 #include "plugins/simulated/firmware/factory_flash.h"
 #include "plugins/simulated/simulated_bus.h"
 #include "support/program.h"
 #include "support/scoped_variable.h"
 #include "support/simulated_faults.h"
 #include "tools/tool_fixture.h"
-#include "tools/zentara/pending_file.h"
 #include "tools/zentara/rom/hex_bytes.h"
 #include "tools/zentara/rom/rom_target.h"
 #include "tools/zentara/verb.h"
@@ -38,7 +38,7 @@ protected:
     /// The same; it must go well. Returns what it printed.
     static std::string done(const std::vector<std::string>& arguments) {
         const ToolRun run = rom(arguments);
-        EXPECT_EQ(run.exitCode, ExitCode_DONE) << run.err;
+        EXPECT_EQ(run.exitCode, Failure::None) << run.err;
         return run.out;
     }
     static void refused(const std::vector<std::string>& arguments, int exitCode, const std::string& text) {
@@ -59,7 +59,7 @@ protected:
         std::string other = Utils::readFile(document);
         other.replace(other.find("\"guid\": \"5a54"), 13, "\"guid\": \"0000");
         const std::string changed = file("changed.json", other);
-        refused({"import", changed, "--yes"}, ExitCode_PERMISSION,
+        refused({"import", changed, "--yes"}, Failure::Permission,
                 "section 1 (systemInfo, 30 bytes) is read only\n--keep-read-only");
         done({"import", changed, "--keep-read-only", "--yes", "--backup", fresh()});
         EXPECT_EQ(done({"get", "1"}), own);
@@ -113,20 +113,20 @@ TEST_F(RomVerbs, SetGetAndEraseOneSection) {
     std::string changed = json;
     changed.replace(changed.find("\"softCounter\": 1"), 16, "\"softCounter\": 9");
     const std::string input = file("section.json", changed);
-    refused({"set", "7", image, "--file", input}, ExitCode_USAGE,
+    refused({"set", "7", image, "--file", input}, Failure::Usage,
             "section 7 (diagnostic, 8 bytes) changes\n    records/0/softCounter: 1 -> 9");
     EXPECT_THAT(done({"set", "7", image, "--file", input, "--dry-run"}), HasSubstr("nothing was written"));
     EXPECT_EQ(done({"get", "7", image}), json) << "neither wrote";
     done({"set", "7", image, "--file", input, "--yes", "--backup", fresh()});
     EXPECT_EQ(done({"get", "7", image}), changed);
-    refused({"diff", backup, image}, ExitCode_FAILED, "");
+    refused({"diff", backup, image}, Failure::Failed, "");
     EXPECT_THAT(rom({"diff", backup, image}).out, HasSubstr("records/0/softCounter: 1 -> 9"));
-    refused({"erase", "7", image}, ExitCode_USAGE, "--yes does it");
+    refused({"erase", "7", image}, Failure::Usage, "--yes does it");
     done({"erase", "7", image, "--yes", "--backup", fresh()});
-    refused({"get", "7", image}, ExitCode_FAILED, "Section 7 is not defined");
-    refused({"erase", "7", image, "--yes"}, ExitCode_FAILED,
+    refused({"get", "7", image}, Failure::Failed, "Section 7 is not defined");
+    refused({"erase", "7", image, "--yes"}, Failure::Failed,
             "Cannot erase section - 7 is not a valid section uid");
-    refused({"set", "0", image, "--type", "4", "--hex", ""}, ExitCode_FAILED, "0 is not a valid section uid");
+    refused({"set", "0", image, "--type", "4", "--hex", ""}, Failure::Failed, "0 is not a valid section uid");
 }
 
 TEST_F(RomVerbs, KeepReadOnlySectionsAndWhatDoesNotFit) {
@@ -134,10 +134,10 @@ TEST_F(RomVerbs, KeepReadOnlySectionsAndWhatDoesNotFit) {
     done({"set", "1", image, "--type", "77", "--hex", "01", "--read-only", "--backup", fresh()});
     const std::string before = Utils::readFile(image);
     const char* const why = "section 1 (type 77, 1 bytes) is read only";
-    refused({"set", "1", image, "--hex", "02", "--yes"}, ExitCode_PERMISSION, why);
-    refused({"erase", "1", image, "--yes"}, ExitCode_PERMISSION, why);
-    refused({"erase", "1", image, "--yes", "--rebuild"}, ExitCode_PERMISSION, why);
-    refused({"set", "2", image, "--type", "77", "--hex", std::string(2000, '0')}, ExitCode_FAILED,
+    refused({"set", "1", image, "--hex", "02", "--yes"}, Failure::Permission, why);
+    refused({"erase", "1", image, "--yes"}, Failure::Permission, why);
+    refused({"erase", "1", image, "--yes", "--rebuild"}, Failure::Permission, why);
+    refused({"set", "2", image, "--type", "77", "--hex", std::string(2000, '0')}, Failure::Failed,
             "failed to allocate space on the device");
     EXPECT_EQ(Utils::readFile(image), before);
 }
@@ -148,7 +148,7 @@ TEST_F(RomVerbs, RefuseAWriteThatCostsANeighbourAndOfferToRebuild) {
     const std::string before = Utils::readFile(image);
     const std::vector<std::string> second{"set", "2", image, "--type", "77", "--hex", std::string(600, '2')};
     const ToolRun run = rom(second);
-    EXPECT_EQ(run.exitCode, ExitCode_VERIFICATION);
+    EXPECT_EQ(run.exitCode, Failure::Verification);
     EXPECT_THAT(run.err,
                 AllOf(HasSubstr("section 1 (type 77, 600 bytes) would be lost"), HasSubstr("--rebuild")));
     EXPECT_EQ(Utils::readFile(image), before);
@@ -169,7 +169,7 @@ TEST_F(RomVerbs, GiveUpNothingOfADamagedImageUnasked) {
           image, "--backup", fresh()});
     damage(0); // the management header: nothing leads to the sections any more
     const std::vector<std::string> set{"set", "9", image, "--type", "77", "--hex", "09", "--rebuild"};
-    refused(set, ExitCode_USAGE, "section 2 (type 77, 1 bytes), which no link leads to, is given up");
+    refused(set, Failure::Usage, "section 2 (type 77, 1 bytes), which no link leads to, is given up");
     std::vector<std::string> agreed = set;
     agreed.insert(agreed.end(), {"--yes", "--backup", fresh()});
     const std::string damaged = backup;
@@ -193,7 +193,7 @@ TEST_F(RomVerbs, ReplaceNoFileThatIsNeededStill) {
         {"map", image, "--png", image},
         {"set", "2", image, "--type", "77", "--hex", "02", "--backup", image}};
     for (const std::vector<std::string>& output : outputs)
-        refused(output, ExitCode_USAGE, "is the image itself");
+        refused(output, Failure::Usage, "is the image itself");
     EXPECT_EQ(Utils::readFile(image), before);
 
     const std::string other = file("other.bin", "needed");
@@ -202,7 +202,7 @@ TEST_F(RomVerbs, ReplaceNoFileThatIsNeededStill) {
         {"salvage", other, image},
         {"set", "2", image, "--type", "77", "--hex", "02", "--backup", other}};
     for (const std::vector<std::string>& keeper : keepers)
-        refused(keeper, ExitCode_FAILED, "is there already");
+        refused(keeper, Failure::Failed, "is there already");
     EXPECT_EQ(Utils::readFile(other), "needed");
     EXPECT_EQ(Utils::readFile(image), before);
     done({"backup", file("same.bin", before), image});
@@ -217,18 +217,18 @@ TEST_F(RomVerbs, NoticeThatAnotherProgramChangedTheImage) {
     {
         const auto created = RomTarget::create(options, false, console);
         Utils::writeFile(image, "first");
-        EXPECT_THROW(created->store({{0, {1}}}), ToolFailure);
+        EXPECT_THROW(created->store({{0, {1}}}), Failure);
         EXPECT_EQ(Utils::readFile(image), "first");
     }
     options.size = 0;
     {
         const auto opened = RomTarget::openToWrite(options, false, console);
         Utils::writeFile(image, "other");
-        EXPECT_THROW(opened->store({{0, {1}}}), ToolFailure);
+        EXPECT_THROW(opened->store({{0, {1}}}), Failure);
         EXPECT_EQ(Utils::readFile(image), "other");
     }
     const auto stored = RomTarget::openToWrite(options, false, console);
-    refused({"set", "1", image, "--type", "4", "--hex", ""}, ExitCode_BUSY, "is in use by another program");
+    refused({"set", "1", image, "--type", "4", "--hex", ""}, Failure::Busy, "is in use by another program");
     stored->store({{0, {'O'}}});
     Utils::writeFile(image, "rotten");
     EXPECT_EQ(stored->load().bytes(), Bytes({'O', 't', 'h', 'e', 'r'}));
@@ -259,8 +259,8 @@ void saveOverAndOver(const std::string& image, std::uint32_t address) {
             const auto before = target->load().bytes().at(address);
             target->store({{address, {static_cast<std::uint8_t>(before + 1)}}});
             ++saved;
-        } catch (const ToolFailure& failure) {
-            ASSERT_EQ(failure.code, ExitCode_BUSY) << failure.what();
+        } catch (const Failure& failure) {
+            ASSERT_EQ(failure.code(), Failure::Busy) << failure.what();
         }
     }
 }
@@ -309,9 +309,9 @@ TEST_F(RomVerbs, BackUpBesideTheImageAndRestore) {
     done({"restore", path("copy.bin"), image, "--backup", fresh()});
     EXPECT_EQ(Utils::readFile(path("copy.bin")), Utils::readFile(image));
 
-    refused({"restore", file("small.bin", "x"), image}, ExitCode_FAILED,
+    refused({"restore", file("small.bin", "x"), image}, Failure::Failed,
             "has 1 bytes, the flash area has 4096");
-    refused({"restore", file("zeros.bin", std::string(4096, '\0')), image}, ExitCode_VERIFICATION,
+    refused({"restore", file("zeros.bin", std::string(4096, '\0')), image}, Failure::Verification,
             "is damaged");
     EXPECT_EQ(Utils::readFile(path("copy.bin")), Utils::readFile(image));
 }
@@ -324,16 +324,16 @@ TEST_F(RomVerbs, VerifyNamesTheDamageAndSalvageSavesWhatIsWhole) {
     const std::string exported = done({"export", image});
     damage(17 + 256 * 2); // the header of the second section's block
     const ToolRun verified = rom({"verify", image, "--json"});
-    EXPECT_EQ(verified.exitCode, ExitCode_VERIFICATION);
+    EXPECT_EQ(verified.exitCode, Failure::Verification);
     EXPECT_EQ(verified.json().at("findings").at(0).at("kind"), "unknownType");
     EXPECT_THAT(verified.out, AllOf(HasSubstr("\"blockHeader\""), HasSubstr("\"unreachable\"")));
     EXPECT_THAT(rom({"list", image}).out, StartsWith("    1  type 77"));
-    refused({"set", "9", image, "--type", "77", "--hex", "09"}, ExitCode_VERIFICATION,
+    refused({"set", "9", image, "--type", "77", "--hex", "09"}, Failure::Verification,
             "it is damaged at 0x00000211");
 
     EXPECT_THAT(done({"salvage", path("saved.bin"), image}), StartsWith("3 sections"));
     EXPECT_EQ(done({"export", path("saved.bin")}), exported);
-    EXPECT_EQ(rom({"verify", image}).exitCode, ExitCode_VERIFICATION) << "the damaged image stays as it is";
+    EXPECT_EQ(rom({"verify", image}).exitCode, Failure::Verification) << "the damaged image stays as it is";
 }
 
 TEST_F(RomVerbs, AnswerBadInputAndLeaveTheImageAlone) {
@@ -353,28 +353,28 @@ TEST_F(RomVerbs, AnswerBadInputAndLeaveTheImageAlone) {
         int exitCode;
         const char* text;
     } rows[] = {
-        {{"verify", none}, ExitCode_VERIFICATION, "is empty"},
-        {{"verify", path("missing.bin")}, ExitCode_FAILED, "missing.bin"},
-        {{"verify", path()}, ExitCode_FAILED, "no file"},
-        {{"info", huge}, ExitCode_FAILED, "too large for a flash image: 67108865 bytes"},
-        {{"restore", huge, image}, ExitCode_FAILED, "too large"},
-        {{"create", path("new.bin"), "--size", "0xFFFFFFFF"}, ExitCode_FAILED, "too large"},
-        {{"set", "1", guarded, "--type", "4", "--hex", ""}, ExitCode_PERMISSION, "write-protected"},
-        {{"set", "1", image, "--type", "4", "--hex", "", "--size", "8192"}, ExitCode_USAGE, "not inside"},
-        {{"list", shortFile}, ExitCode_VERIFICATION, "holds no storage"},
-        {{"set", "1", ones, "--type", "4", "--hex", ""}, ExitCode_VERIFICATION, "never formatted"},
-        {{"salvage", path("x"), zeros}, ExitCode_VERIFICATION, "no whole section"},
+        {{"verify", none}, Failure::Verification, "is empty"},
+        {{"verify", path("missing.bin")}, Failure::Failed, "missing.bin"},
+        {{"verify", path()}, Failure::Failed, "no file"},
+        {{"info", huge}, Failure::Failed, "too large for a flash image: 67108865 bytes"},
+        {{"restore", huge, image}, Failure::Failed, "too large"},
+        {{"create", path("new.bin"), "--size", "0xFFFFFFFF"}, Failure::Failed, "too large"},
+        {{"set", "1", guarded, "--type", "4", "--hex", ""}, Failure::Permission, "write-protected"},
+        {{"set", "1", image, "--type", "4", "--hex", "", "--size", "8192"}, Failure::Usage, "not inside"},
+        {{"list", shortFile}, Failure::Verification, "holds no storage"},
+        {{"set", "1", ones, "--type", "4", "--hex", ""}, Failure::Verification, "never formatted"},
+        {{"salvage", path("x"), zeros}, Failure::Verification, "no whole section"},
         {{"import", file("bad.json", contentWith(R"({"uid":"1"})")), image},
-         ExitCode_FAILED,
+         Failure::Failed,
          "bad.json': /sections/0/uid: expected"},
-        {{"import", file("broken.json", "{\"schema\":"), image}, ExitCode_FAILED, "broken.json"},
-        {{"set", "1", image, "--hex", "01"}, ExitCode_USAGE, "needs --type"},
-        {{"set", "1", image, "--type", "256", "--hex", "01"}, ExitCode_USAGE, "256"},
-        {{"set", "1", image, "--type", "4", "--hex", "0g"}, ExitCode_USAGE, "pairs"},
-        {{"info", image, "--start", "4096"}, ExitCode_USAGE, "not inside"},
-        {{"create", path("new.bin"), "--size", "20"}, ExitCode_USAGE, "no room"},
-        {{"create", path("new.bin"), "--size", "100", "--header", "end"}, ExitCode_USAGE, "no room"},
-        {{"verify", "camera:OV9999"}, ExitCode_NO_DEVICE, "OV9999"},
+        {{"import", file("broken.json", "{\"schema\":"), image}, Failure::Failed, "broken.json"},
+        {{"set", "1", image, "--hex", "01"}, Failure::Usage, "needs --type"},
+        {{"set", "1", image, "--type", "256", "--hex", "01"}, Failure::Usage, "256"},
+        {{"set", "1", image, "--type", "4", "--hex", "0g"}, Failure::Usage, "pairs"},
+        {{"info", image, "--start", "4096"}, Failure::Usage, "not inside"},
+        {{"create", path("new.bin"), "--size", "20"}, Failure::Usage, "no room"},
+        {{"create", path("new.bin"), "--size", "100", "--header", "end"}, Failure::Usage, "no room"},
+        {{"verify", "camera:OV9999"}, Failure::NoDevice, "OV9999"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.text);
@@ -406,8 +406,8 @@ TEST_F(RomVerbs, WorkOnTheFlashOfEachCamera) {
         const std::vector<std::string> set{"set",   "4",        "--type", "4", "--hex", "2001080000000301",
                                            "--yes", "--backup", fresh()};
         if (!row.isWritable) {
-            refused(set, ExitCode_PERMISSION, "has no way to write it");
-            refused({"import", example, "--yes"}, ExitCode_PERMISSION, "has no way to write it");
+            refused(set, Failure::Permission, "has no way to write it");
+            refused({"import", example, "--yes"}, Failure::Permission, "has no way to write it");
             EXPECT_EQ(Utils::readFile(kept), before);
             continue;
         }
@@ -425,7 +425,7 @@ TEST_F(RomVerbs, WorkOnTheFlashOfEachCamera) {
         done({"import", example, "--backup", fresh()});
         EXPECT_EQ(done({"export"}), Utils::readFile(example));
         if (row.chip == std::string("VC0345")) // the example is of a camera with the other controller
-            refused({"restore", original, "--yes"}, ExitCode_USAGE,
+            refused({"restore", original, "--yes"}, Failure::Usage,
                     "(systemInfo, 30 bytes) would be another\n  the camera's GUID would change: "
                     "5a540057-0536-4001-8053-360000000057 -> 5a540045-0536-4001-8053-360000000045\n--other-");
         done({"restore", original, "--yes", "--other-camera", "--backup", fresh()});
@@ -458,7 +458,7 @@ TEST_F(RomVerbs, TellHowToBringBackACameraThatFailedInAWrite) {
         failed = rom({"set", "9", "camera:OV0570", "--type", "77", "--hex", std::string(3000, '7'), "--start",
                       "0", "--size", "0x4000", "--backup", fresh()});
     }
-    EXPECT_EQ(failed.exitCode, ExitCode_FAILED);
+    EXPECT_EQ(failed.exitCode, Failure::Failed);
     const std::size_t note = failed.err.find("the bytes of before are in '" + backup + "'");
     const std::size_t failure = failed.err.find("other bytes were read back");
     ASSERT_LT(note, failure) << "told before the first write, in case nothing can be told later";
@@ -470,7 +470,7 @@ TEST_F(RomVerbs, TellHowToBringBackACameraThatFailedInAWrite) {
     const SimulatedFaults camera("keepFlash " + kept);
     EXPECT_FALSE(Utils::readFile(kept) == before);
     const ToolRun back = runBuilt(words + " --backup \"" + fresh() + "\""); // as pasted into a command line
-    EXPECT_EQ(back.exitCode, ExitCode_DONE) << words << back.err;
+    EXPECT_EQ(back.exitCode, Failure::None) << words << back.err;
     EXPECT_TRUE(Utils::readFile(kept) == before);
 }
 
@@ -489,18 +489,18 @@ TEST_F(RomVerbs, WriteNowhereElseThanWhereItIsMeant) {
                                                 {"params", "set", "0=1"}};
     for (const std::vector<std::string>& writer : writers) {
         const ToolRun unnamed = run(writer);
-        EXPECT_EQ(unnamed.exitCode, ExitCode_USAGE) << writer.front();
+        EXPECT_EQ(unnamed.exitCode, Failure::Usage) << writer.front();
         EXPECT_THAT(unnamed.err, AllOf(HasSubstr("ONE, TWO"), HasSubstr("--camera")));
     }
     done({"info"});
     done({"create", image, "--size", "4096"});
-    refused({"create", "", "--yes"}, ExitCode_USAGE, "IMAGE");
-    refused({"map", image, "--png", ""}, ExitCode_USAGE, "--png");
-    refused({"info", "camera:"}, ExitCode_USAGE, "empty");
-    refused({"info", image, "--camera", "ONE"}, ExitCode_USAGE, "stands beside the image");
-    refused({"info", "camera:TWO", "--camera", "ONE"}, ExitCode_USAGE, "name one camera");
+    refused({"create", "", "--yes"}, Failure::Usage, "IMAGE");
+    refused({"map", image, "--png", ""}, Failure::Usage, "--png");
+    refused({"info", "camera:"}, Failure::Usage, "empty");
+    refused({"info", image, "--camera", "ONE"}, Failure::Usage, "stands beside the image");
+    refused({"info", "camera:TWO", "--camera", "ONE"}, Failure::Usage, "name one camera");
     done({"backup", path("one.bin"), "camera:ONE"});
-    refused({"restore", path("one.bin"), "camera:TWO"}, ExitCode_USAGE,
+    refused({"restore", path("one.bin"), "camera:TWO"}, Failure::Usage,
             "it is of camera ONE, this one is TWO");
 }
 
@@ -511,9 +511,9 @@ TEST_F(RomVerbs, NameEverySectionThatAnotherLayoutCosts) {
     for (const std::vector<std::string>& layout : {std::vector<std::string>{}, {"--size", "4096"}}) {
         std::vector<std::string> again{"create", image, "--header", "start"};
         again.insert(again.end(), layout.begin(), layout.end());
-        refused(again, ExitCode_USAGE, "section 7 (type 77, 1 bytes) is erased");
+        refused(again, Failure::Usage, "section 7 (type 77, 1 bytes) is erased");
     }
-    refused({"export", image, "--output", file("there.json", "mine")}, ExitCode_USAGE, "--force replaces it");
+    refused({"export", image, "--output", file("there.json", "mine")}, Failure::Usage, "--force replaces it");
     EXPECT_EQ(Utils::readFile(path("there.json")), "mine");
     done({"export", image, "--output", path("there.json"), "--force"});
 }
@@ -535,7 +535,7 @@ TEST_F(RomVerbs, DrawTheMapAndTheTables) {
                   .at("serial"),
               "SIM0345");
     EXPECT_THAT(Utils::readFile(path("table.png")), StartsWith("\x89PNG"));
-    refused({"draw", "camera:VC0345", "--table", "2", "--png", path("none.png")}, ExitCode_FAILED,
+    refused({"draw", "camera:VC0345", "--table", "2", "--png", path("none.png")}, Failure::Failed,
             "there are 2 tables");
     EXPECT_FALSE(exists("none.png"));
 }

@@ -59,7 +59,7 @@ protected:
                 seen.push_back(std::to_string(frame.stream) + ":" + std::to_string(frame.micros) + ":" +
                                std::to_string(frame.bytes.size()));
             seen.emplace_back("end");
-        } catch (const ToolFailure& failure) {
+        } catch (const Failure& failure) {
             seen.emplace_back(failure.what());
         }
         return seen;
@@ -155,7 +155,7 @@ TEST_F(Recording, RefusesWhatNoStreamCanBe) {
     for (const auto& row : cases) {
         RecordingWriter writer(path("r"), {describe(row.type, row.mode)});
         writer.commit();
-        EXPECT_THROW(RecordingReader reader(path("r")), ToolFailure) << row.type;
+        EXPECT_THROW(RecordingReader reader(path("r")), Failure) << row.type;
     }
     {
         RecordingWriter writer(path("r"), {streams[0], streams[1], streams[0]});
@@ -164,12 +164,12 @@ TEST_F(Recording, RefusesWhatNoStreamCanBe) {
     try {
         RecordingReader reader(path("r"));
         FAIL() << "one node has one stream";
-    } catch (const ToolFailure& failure) {
+    } catch (const Failure& failure) {
         EXPECT_THAT(failure.what(), HasSubstr("streams 0 and 2 are of the same node"));
     }
     for (const char* name : {"none", ""})
-        EXPECT_THROW(RecordingReader reader(path(name)), ToolFailure) << name;
-    EXPECT_THROW(RecordingWriter writer(path("r"), {}), ToolFailure);
+        EXPECT_THROW(RecordingReader reader(path(name)), Failure) << name;
+    EXPECT_THROW(RecordingWriter writer(path("r"), {}), Failure);
 }
 
 /// A limit for the size of files is to a writer what a full disk is. Only the shell of POSIX systems sets one.

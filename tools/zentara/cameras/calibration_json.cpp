@@ -55,8 +55,7 @@ CalibrationInternal asMarshalled(const CalibrationInternal& calibration) {
     std::vector<unsigned char> bytes(size + 1);
     CalibrationInternal copy;
     if (calibration.marshal(bytes.data(), &size) != 0 || copy.unmarshal(bytes.data(), size) != 0)
-        throw ToolFailure(ExitCode_FAILED,
-                          Format("the calibration does not survive its form of % bytes") % size);
+        throw Failure(Failure::Failed, Format("the calibration does not survive its form of % bytes") % size);
     return copy;
 }
 

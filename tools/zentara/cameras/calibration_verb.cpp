@@ -6,11 +6,11 @@
 #include <zentara/depth_base_configuration.h>
 #include <zentara/utils/format.h>
 
+#include "host/files/paths.h"
 #include "tools/zentara/cameras/calibration_json.h"
 #include "tools/zentara/cameras/calibration_origin.h"
 #include "tools/zentara/cameras/camera_session.h"
 #include "tools/zentara/cameras/stored_document.h"
-#include "tools/zentara/paths.h"
 
 namespace Zentara::Tool {
 namespace {
@@ -98,7 +98,7 @@ ExitCode runExport(const CalibrationOptions& options, Console& console) {
                         {"applied", applied},
                         {"source", originJson(session.depth())}},
                        text.str());
-        return ExitCode_DONE;
+        return Failure::None;
     });
 }
 
@@ -115,15 +115,14 @@ std::string freeBackupName() {
 void replaceCalibration(CameraSession& session, const CalibrationInternal& before,
                         const CalibrationInternal& wanted, const std::string& backup) {
     if (isThere(backup))
-        throw ToolFailure(ExitCode_USAGE,
-                          "'" + backup + "' is there already; name another file with --backup");
+        throw Failure(Failure::Usage, "'" + backup + "' is there already; name another file with --backup");
     writeJsonFile(backup, documentOf(session, before), IfThere::Keep);
     CalibrationInternal sent = wanted;
     attempt("write the camera's calibration ('" + backup + "' has the one before)",
             [&] { session.parameters().writeCalibration(&sent); });
     if (readCamera(session) != wanted)
-        throw ToolFailure(
-            ExitCode_VERIFICATION,
+        throw Failure(
+            Failure::Verification,
             Format("the camera does not give back the calibration that was written; '%' has the one before") %
                 backup);
 }
@@ -139,11 +138,11 @@ ExitCode importInto(CameraSession& session, const StoredCalibration& stored,
         session.finish(result, before == wanted
                                    ? "the camera has this calibration already\n"
                                    : "the camera's calibration would change:\n" + differencesText(changes));
-        return ExitCode_DONE;
+        return Failure::None;
     }
     if (!options.yes)
-        throw ToolFailure(ExitCode_USAGE,
-                          "this replaces the camera's calibration; say --yes, or --dry-run to see");
+        throw Failure(Failure::Usage,
+                      "this replaces the camera's calibration; say --yes, or --dry-run to see");
     const std::string backup = options.backup.empty() ? freeBackupName() : options.backup;
     replaceCalibration(session, before, wanted, backup);
     session.reconnect(); // what another program would find
@@ -157,7 +156,7 @@ ExitCode importInto(CameraSession& session, const StoredCalibration& stored,
     session.finish(result, differencesText(changes) +
                                "the camera's calibration was replaced and read back; " + printable(backup) +
                                " has the one before\n");
-    return ExitCode_DONE;
+    return Failure::None;
 }
 
 ExitCode runImport(CalibrationOptions options, Console& console) {
@@ -181,7 +180,7 @@ ExitCode runDiff(const CalibrationOptions& options, Console& console) {
             camera = {{"camera", cameraJson(session.camera())},
                       {"applied", applied},
                       {"source", originJson(session.depth())}};
-            return ExitCode_DONE;
+            return Failure::None;
         }));
     const Json list = differencesBetween(toJson(left), toJson(right));
     if (options.json) {
@@ -193,7 +192,7 @@ ExitCode runDiff(const CalibrationOptions& options, Console& console) {
     } else {
         console.out << differencesText(list);
     }
-    return list.empty() ? ExitCode_DONE : ExitCode_FAILED;
+    return list.empty() ? Failure::None : Failure::Failed;
 }
 
 } // namespace

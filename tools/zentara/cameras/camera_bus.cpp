@@ -9,11 +9,11 @@
 #include <zentara/utils/format.h>
 #include <zentara/utils/text.h>
 
+#include "host/guid_text.h"
 #include "plugins/descriptions/controller.h"
 #include "tools/zentara/cameras/joined_descriptions.h"
 #include "tools/zentara/chips/device_choice.h"
 #include "tools/zentara/console.h"
-#include "tools/zentara/guid_text.h"
 #include "tools/zentara/streams/stream_description.h"
 #include "utils/visible_text.h"
 
@@ -48,7 +48,7 @@ std::string listOf(const std::vector<CameraEntry>& cameras) {
 
 std::vector<CameraEntry> camerasNamed(const std::vector<CameraEntry>& cameras, const std::string& name) {
     if (name.empty())
-        throw ToolFailure(ExitCode_USAGE, "the name of the camera is empty");
+        throw Failure(Failure::Usage, "the name of the camera is empty");
     std::vector<CameraEntry> found;
     for (const auto& fits : {hasName, resembles}) {
         std::copy_if(cameras.begin(), cameras.end(), std::back_inserter(found),
@@ -56,8 +56,8 @@ std::vector<CameraEntry> camerasNamed(const std::vector<CameraEntry>& cameras, c
         if (!found.empty())
             return found;
     }
-    throw ToolFailure(ExitCode_NO_DEVICE,
-                      Format("no camera is called '%'; plugged in: %") % name % listOf(cameras));
+    throw Failure(Failure::NoDevice,
+                  Format("no camera is called '%'; plugged in: %") % name % listOf(cameras));
 }
 
 /// What the description of a camera's first node says of the whole. A camera that no store describes is there all the
@@ -65,7 +65,7 @@ std::vector<CameraEntry> camerasNamed(const std::vector<CameraEntry>& cameras, c
 void describe(CameraEntry& camera, CameraStore& store) {
     try {
         store.select(camera.nodes.front());
-    } catch (const ToolFailure&) {
+    } catch (const Failure&) {
         return;
     }
     Plugin::callPlugin([&] {
@@ -80,7 +80,7 @@ void describe(CameraEntry& camera, CameraStore& store) {
 } // namespace
 
 CameraStore::CameraStore(std::ostream* leftOut) {
-    std::optional<ToolFailure> first;
+    std::optional<Failure> first;
     for (const GUID& guid : registeredPlugins(Core::ImplType_DESCRIPTOR_STORE, "descriptor store")) {
         Utils::SmartPtr<Core::DescriptorStoreInterface> store; // outlives what its library throws
         try {
@@ -88,11 +88,10 @@ CameraStore::CameraStore(std::ostream* leftOut) {
                 store = makePlugin<Core::DescriptorStoreInterface>(guid);
                 store->initialize();
                 if (store->getDescriptorStore() == nullptr)
-                    throw ToolFailure(ExitCode_FAILED,
-                                      "the store " + guidLabel(guid) + " has no descriptions");
+                    throw Failure(Failure::Failed, "the store " + guidLabel(guid) + " has no descriptions");
                 stores.push_back(store);
             });
-        } catch (const ToolFailure& failure) {
+        } catch (const Failure& failure) {
             if (!first)
                 first.emplace(failure);
             if (leftOut != nullptr)
@@ -100,7 +99,7 @@ CameraStore::CameraStore(std::ostream* leftOut) {
         }
     }
     if (stores.empty())
-        throw ToolFailure(*first);
+        throw Failure(*first);
     std::vector<Core::DescriptorStoreRO*> views;
     for (const auto& store : stores)
         views.push_back(store->getDescriptorStore());
@@ -108,7 +107,7 @@ CameraStore::CameraStore(std::ostream* leftOut) {
 }
 
 CameraStore::~CameraStore() {
-    const WatchedStep watched("close the descriptor stores");
+    const Step watched("close the descriptor stores");
     for (const auto& store : stores)
         store->dispose();
     stores.clear();
@@ -122,7 +121,7 @@ void CameraStore::select(const NodeEvent& node) {
                 return;
             }
         }
-        throw ToolFailure(ExitCode_FAILED, "no camera description belongs to " + cameraLabel(node));
+        throw Failure(Failure::Failed, "no camera description belongs to " + cameraLabel(node));
     });
 }
 
@@ -142,7 +141,7 @@ std::string CameraEntry::serialNumber() const { return nodes.empty() ? "" : node
 struct CameraBus::Source {
     explicit Source(const GUID& guid) : name(guidLabel(guid)) {}
     ~Source() {
-        const WatchedStep watched("close the enumerator " + name);
+        const Step watched("close the enumerator " + name);
         if (enumerator)
             enumerator->dispose();
         enumerator.reset();
@@ -156,11 +155,11 @@ struct CameraBus::Source {
 };
 
 CameraBus::CameraBus(std::ostream& console) : err(console), descriptions(&console) {
-    std::optional<ToolFailure> first;
+    std::optional<Failure> first;
     for (const GUID& guid : registeredPlugins(Core::ImplType_ENUMERATOR, "enumerator")) {
         try {
             open(guid);
-        } catch (const ToolFailure& failure) {
+        } catch (const Failure& failure) {
             if (first)
                 leaveOut(failure);
             else
@@ -168,7 +167,7 @@ CameraBus::CameraBus(std::ostream& console) : err(console), descriptions(&consol
         }
     }
     if (sources.empty())
-        throw ToolFailure(*first);
+        throw Failure(*first);
     if (first)
         leaveOut(*first);
 }
@@ -184,7 +183,7 @@ void CameraBus::open(const GUID& guid) {
     sources.push_back(std::move(source));
 }
 
-void CameraBus::leaveOut(const ToolFailure& failure) {
+void CameraBus::leaveOut(const Failure& failure) {
     tellLine(err, std::string("zentara: ") + failure.what() + "; it is left out");
 }
 
@@ -195,7 +194,7 @@ std::vector<CameraEntry> CameraBus::cameras() {
         try {
             attempt("look for cameras through " + source->name,
                     [&] { source->enumerator->enumerate(found); });
-        } catch (const ToolFailure& failure) {
+        } catch (const Failure& failure) {
             if (sources.size() == 1)
                 throw;
             leaveOut(failure);
@@ -236,8 +235,8 @@ std::vector<CameraEntry> CameraBus::someCameras() {
 
 void CameraBus::failForNone() {
     const std::string reported = complaint();
-    throw ToolFailure(
-        ExitCode_NO_DEVICE,
+    throw Failure(
+        Failure::NoDevice,
         reported.empty()
             ? "no camera is plugged in; 'zentara --log devices' shows whether a description was refused"
             : "no camera is plugged in: " + reported);
@@ -275,7 +274,7 @@ std::string CameraBus::backendName() {
 std::vector<CameraEntry> chooseCameras(const std::vector<CameraEntry>& cameras,
                                        const std::vector<std::string>& names) {
     if (cameras.empty())
-        throw ToolFailure(ExitCode_NO_DEVICE, "no camera is plugged in");
+        throw Failure(Failure::NoDevice, "no camera is plugged in");
     if (names.empty())
         return {cameras.front()};
     std::vector<CameraEntry> chosen;
@@ -295,8 +294,8 @@ CameraEntry chooseCamera(const std::vector<CameraEntry>& cameras, const std::str
     const auto names = name.empty() ? std::vector<std::string>() : std::vector<std::string>{name};
     const std::vector<CameraEntry> chosen = chooseCameras(cameras, names);
     if (chosen.size() > 1)
-        throw ToolFailure(ExitCode_USAGE, Format("'%' may be any of %; name one by its serial number") %
-                                              name % listOf(chosen));
+        throw Failure(Failure::Usage,
+                      Format("'%' may be any of %; name one by its serial number") % name % listOf(chosen));
     return chosen.front();
 }
 
@@ -311,10 +310,10 @@ Json cameraJson(const CameraEntry& camera) {
 
 CameraEntry chooseCameraToWrite(const std::vector<CameraEntry>& cameras, const std::string& name) {
     if (name.empty() && cameras.size() > 1)
-        throw ToolFailure(ExitCode_USAGE,
-                          Format("several cameras are plugged in, and none is written to unnamed: %") %
-                              listOf(cameras),
-                          {}, "name one with --camera");
+        throw Failure(Failure::Usage,
+                      Format("several cameras are plugged in, and none is written to unnamed: %") %
+                          listOf(cameras),
+                      {}, "name one with --camera");
     return chooseCamera(cameras, name);
 }
 

@@ -17,7 +17,7 @@
 
 namespace Zentara::Tool {
 
-/// Makes an object of a plug-in. \throws ToolFailure
+/// Makes an object of a plug-in. \throws Failure
 template<typename Interface>
 [[nodiscard]] Utils::SmartPtr<Interface> makePlugin(GUID guid);
 
@@ -29,13 +29,13 @@ class CameraStore final {
 public:
     /// A store that fails is left out while there are others.
     /// \param leftOut is told of each such store; may be null
-    /// \throws ToolFailure when there is no store plug-in, or all fail.
+    /// \throws Failure when there is no store plug-in, or all fail.
     explicit CameraStore(std::ostream* leftOut = nullptr);
     ~CameraStore();
     CameraStore(const CameraStore&) = delete;
     CameraStore& operator=(const CameraStore&) = delete;
 
-    /// \throws ToolFailure when no description has the node.
+    /// \throws Failure when no description has the node.
     void select(const NodeEvent& node);
     /// Of the store that has the node which was selected last.
     [[nodiscard]] Core::DescriptorStoreRO& view() const;
@@ -65,7 +65,7 @@ struct CameraEntry {
 /// is told and left out while there are others.
 class CameraBus final {
 public:
-    /// \throws ToolFailure when there is no enumerator or store plug-in, or all of them fail.
+    /// \throws Failure when there is no enumerator or store plug-in, or all of them fail.
     explicit CameraBus(std::ostream& err);
     ~CameraBus();
     CameraBus(const CameraBus&) = delete;
@@ -77,7 +77,7 @@ public:
     /// The same. \throws what failForNone() throws when there is none
     [[nodiscard]] std::vector<CameraEntry> someCameras();
 
-    /// \throws ToolFailure, exit code 3: no camera is plugged in, and what an enumerator complains of
+    /// \throws Failure, exit code 3: no camera is plugged in, and what an enumerator complains of
     [[noreturn]] void failForNone();
 
     /// A node's camera, as far as its description tells it.
@@ -97,7 +97,7 @@ private:
 
     [[nodiscard]] std::string complaint();
     void open(const GUID& guid);
-    void leaveOut(const ToolFailure& failure);
+    void leaveOut(const Failure& failure);
 
     std::ostream& err;
     CameraStore descriptions; ///< for cameras()
@@ -108,12 +108,12 @@ private:
 /// The cameras whose serial number or path is that name or, if none is, in whose name, product name or controller it
 /// occurs, whatever the case.
 /// \param names empty for the first camera
-/// \throws ToolFailure, exit code 3, when there is none, or a name fits none; exit code 2 for an empty name
+/// \throws Failure, exit code 3, when there is none, or a name fits none; exit code 2 for an empty name
 [[nodiscard]] std::vector<CameraEntry> chooseCameras(const std::vector<CameraEntry>& cameras,
                                                      const std::vector<std::string>& names);
 
 /// The one camera of that name; the first one if the name is empty.
-/// \throws ToolFailure as above, and exit code 2 when the name fits several
+/// \throws Failure as above, and exit code 2 when the name fits several
 [[nodiscard]] CameraEntry chooseCamera(const std::vector<CameraEntry>& cameras, const std::string& name);
 
 /// Who a camera is, the same in every verb: serial, name (the product's, else its first node's), path and controller;
@@ -121,7 +121,7 @@ private:
 [[nodiscard]] Json cameraJson(const CameraEntry& camera);
 
 /// The same for what changes a camera: of several one has to be named.
-/// \throws ToolFailure as above, and exit code 2 with the list of them when none is
+/// \throws Failure as above, and exit code 2 with the list of them when none is
 [[nodiscard]] CameraEntry chooseCameraToWrite(const std::vector<CameraEntry>& cameras,
                                               const std::string& name);
 
@@ -136,7 +136,7 @@ Utils::SmartPtr<Interface> makePlugin(GUID guid) {
     Utils::SmartPtr<Interface> made;
     Core::PluginManager* manager = Core::PluginManager::instance();
     if (manager == nullptr)
-        throw ToolFailure(ExitCode_NO_PLUGIN, "there is no plug-in manager");
+        throw Failure(Failure::NoPlugin, "there is no plug-in manager");
     try {
         const auto plugin = Utils::SmartPtr<Core::Plugin>::adopt(
             static_cast<Core::Plugin*>(manager->createInstance(guid, Interface::getImplType())));
@@ -147,7 +147,7 @@ Utils::SmartPtr<Interface> makePlugin(GUID guid) {
     }
     manager->release();
     if (!made)
-        throw ToolFailure(ExitCode_NO_PLUGIN, "the plug-in made no object of its kind");
+        throw Failure(Failure::NoPlugin, "the plug-in made no object of its kind");
     return made;
 }
 

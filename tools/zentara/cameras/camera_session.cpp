@@ -11,8 +11,8 @@
 #include <zentara/plugin/call_plugin.h>
 #include <zentara/utils/format.h>
 
+#include "host/guid_text.h"
 #include "tools/zentara/arguments.h"
-#include "tools/zentara/guid_text.h"
 
 namespace Zentara::Tool {
 
@@ -40,7 +40,7 @@ CameraSession::CameraSession(const CameraOptions& wanted, Console& target)
 }
 
 CameraSession::~CameraSession() {
-    const WatchedStep watched("close the camera");
+    const Step watched("close the camera");
     try {
         if (interpreter)
             interpreter->dispose();
@@ -54,8 +54,7 @@ CameraSession::~CameraSession() {
 
 Core::DepthNodeInterface& CameraSession::depth() const {
     if (!node)
-        throw ToolFailure(ExitCode_NO_DEVICE,
-                          "camera " + printable(entry.serialNumber()) + " has no depth node");
+        throw Failure(Failure::NoDevice, "camera " + printable(entry.serialNumber()) + " has no depth node");
     return **node;
 }
 
@@ -65,9 +64,8 @@ IO::ParameterInterpreter& CameraSession::parameters() {
     const GUID guid = Plugin::callPlugin([this] { return store().getParameterInterpreterGUID(); });
     auto& device = *depth().getAVDeviceProxy();
     if (guidEquals(guid, Core::Guids::NULL_IMPL))
-        throw ToolFailure(ExitCode_FAILED,
-                          "camera " + printable(entry.serialNumber()) +
-                              " has no parameters: its description names no back-end for them");
+        throw Failure(Failure::Failed, "camera " + printable(entry.serialNumber()) +
+                                           " has no parameters: its description names no back-end for them");
     attempt("reach the parameters through " + guidLabel(guid), [&] {
         auto connected = IO::LibraryParameterInterpreter::create(guid);
         connected->initialize(device, node->event().hardwareIds(), store().getHardwareVersion());
@@ -93,16 +91,16 @@ void CameraSession::finish(const Json& result, const std::string& text) const {
     print(console.out, json);
 }
 
-void CameraSession::passOn(const ToolFailure& failure) const {
-    if (failure.code != ExitCode_FAILED && failure.code != ExitCode_TIMEOUT)
+void CameraSession::passOn(const Failure& failure) const {
+    if (failure.code() != Failure::Failed && failure.code() != Failure::TimedOut)
         throw failure;
     const std::vector<CameraEntry> present = CameraBus(console.err).cameras();
     const bool isThere = std::any_of(present.begin(), present.end(),
                                      [this](const CameraEntry& camera) { return camera.path == entry.path; });
     if (isThere)
         throw failure;
-    throw ToolFailure(ExitCode_NO_DEVICE, Utils::Format("%; camera % is not plugged in any more") %
-                                              failure.what() % printable(entry.serialNumber()));
+    throw Failure(Failure::NoDevice, Utils::Format("%; camera % is not plugged in any more") %
+                                         failure.what() % printable(entry.serialNumber()));
 }
 
 } // namespace Zentara::Tool

@@ -28,7 +28,7 @@ void addCameraOptions(CLI::App& command, CameraOptions& options);
 /// One camera, through its depth node where it has one. Bound.
 class CameraSession final {
 public:
-    /// Finds the camera and opens its depth node. \throws ToolFailure
+    /// Finds the camera and opens its depth node. \throws Failure
     CameraSession(const CameraOptions& wanted, Console& target);
     ~CameraSession();
     CameraSession(const CameraSession&) = delete;
@@ -36,13 +36,13 @@ public:
 
     [[nodiscard]] const CameraEntry& camera() const noexcept { return entry; }
     [[nodiscard]] bool hasDepth() const noexcept { return node != nullptr; }
-    /// \throws ToolFailure when the camera has no depth node
+    /// \throws Failure when the camera has no depth node
     [[nodiscard]] Core::DepthNodeInterface& depth() const;
     /// What the description says of the depth node, or of the first one of a camera that has none.
     [[nodiscard]] Core::DescriptorStoreRO& store() const { return node ? node->store() : description.view(); }
 
     /// The camera's parameters; connects to their back-end at the first call.
-    /// \throws ToolFailure, also when the description names no back-end
+    /// \throws Failure, also when the description names no back-end
     [[nodiscard]] IO::ParameterInterpreter& parameters();
     /// Lets go of the back-end: the next call of parameters() connects anew, as another program would.
     void reconnect();
@@ -51,7 +51,7 @@ public:
     void finish(const Json& result, const std::string& text) const;
 
     /// Passes a failure on. If the camera is not plugged in any more, that is what failed: exit code 3.
-    [[noreturn]] void passOn(const ToolFailure& failure) const;
+    [[noreturn]] void passOn(const Failure& failure) const;
 
 private:
     const CameraOptions options;
@@ -68,7 +68,7 @@ template<typename Work>
     CameraSession session(options, console);
     try {
         return work(session);
-    } catch (const ToolFailure& failure) {
+    } catch (const Failure& failure) {
         session.passOn(failure);
     }
 }

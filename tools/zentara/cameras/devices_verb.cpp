@@ -98,12 +98,12 @@ ExitCode watchDevices(const DevicesOptions& options, CameraBus& bus, Console& co
     while (!interrupt.interrupted() && console.out) {
         const std::int64_t elapsed = Utils::Clock::nowMicros() - start;
         if (options.seconds > 0 && static_cast<double>(elapsed) / 1e6 >= options.seconds)
-            return ExitCode_DONE;
+            return Failure::None;
         ExternalEvent event;
         if (bus.next(event, lookMilliseconds))
             printEvent(console, event, bus);
     }
-    return interrupt.interrupted() ? ExitCode_INTERRUPTED : ExitCode_DONE;
+    return interrupt.interrupted() ? Failure::Interrupted : Failure::None;
 }
 
 ExitCode runDevices(const DevicesOptions& options, Console& console) {
@@ -123,7 +123,7 @@ ExitCode runDevices(const DevicesOptions& options, Console& console) {
     }
     if (cameras.empty())
         bus.failForNone();
-    return ExitCode_DONE;
+    return Failure::None;
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include <zentara/core/descriptor_store_ro.h>
 #include <zentara/core/guids.h>
 
+#include "host/guid_text.h"
 #include "tools/zentara/arguments.h"
 #include "tools/zentara/cameras/calibration_json.h"
 #include "tools/zentara/cameras/calibration_origin.h"
@@ -12,7 +13,6 @@
 #include "tools/zentara/cameras/info_page.h"
 #include "tools/zentara/cameras/node_names.h"
 #include "tools/zentara/cameras/parameter_text.h"
-#include "tools/zentara/guid_text.h"
 #include "tools/zentara/streams/stream_description.h"
 
 namespace Zentara::Tool {
@@ -27,18 +27,18 @@ template<typename Ask>
 void section(Json& json, const char* name, ExitCode& worst, Ask ask) {
     const auto fail = [&](const std::string& what, ExitCode code) {
         json[name] = {{"failure", what}};
-        worst = worst == ExitCode_DONE ? code : worst;
+        worst = worst == Failure::None ? code : worst;
     };
     try {
         json[name] = ask();
     } catch (const Plugin::NotSupportedPluginException& failure) {
         json[name] = {{"notSupported", failure.message()}};
     } catch (const Plugin::PluginException& failure) {
-        fail(failure.message(), exitCodeOf(failure.type()));
-    } catch (const ToolFailure& failure) {
-        fail(failure.what(), failure.code);
+        fail(failure.message(), codeOf(failure.type()));
+    } catch (const Failure& failure) {
+        fail(failure.what(), failure.code());
     } catch (const std::exception& failure) {
-        fail(failure.what(), ExitCode_FAILED);
+        fail(failure.what(), Failure::Failed);
     }
 }
 
@@ -209,7 +209,7 @@ ExitCode runInfo(const CameraOptions& options, Console& console) {
         for (const NodeEvent& node : session.camera().nodes)
             json["nodes"].push_back(describeNode(node, store));
         json.update(describeCamera(session));
-        ExitCode worst = ExitCode_DONE;
+        ExitCode worst = Failure::None;
         if (session.hasDepth())
             json.update(askCamera(session, worst));
         Json page = json;

@@ -7,9 +7,9 @@
 
 #include <zentara/utils/format.h>
 
+#include "host/float_text.h"
+#include "host/json_fields.h"
 #include "tools/zentara/exit_code.h"
-#include "tools/zentara/float_text.h"
-#include "tools/zentara/json_fields.h"
 
 namespace Zentara::Tool {
 
@@ -19,8 +19,8 @@ using Utils::makeRefcounted;
 namespace {
 
 [[noreturn]] void refuse(ParameterType parameter, const std::string& what, const char* wanted) {
-    throw ToolFailure(ExitCode_USAGE,
-                      Format("parameter % takes %, not %") % static_cast<int>(parameter) % wanted % what);
+    throw Failure(Failure::Usage,
+                  Format("parameter % takes %, not %") % static_cast<int>(parameter) % wanted % what);
 }
 
 constexpr std::array<const char*, 4> regionFields{"x", "y", "width", "height"};
@@ -177,7 +177,7 @@ ParameterValue valueFromJson(ParameterType parameter, const Json& json, const st
         return regionOf(words);
     }
     default:
-        throw ToolFailure(ExitCode_USAGE, Format("there is no parameter %") % static_cast<int>(parameter));
+        throw Failure(Failure::Usage, Format("there is no parameter %") % static_cast<int>(parameter));
     }
 }
 

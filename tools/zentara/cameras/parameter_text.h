@@ -8,7 +8,7 @@
 #include <zentara/parameter_type.h>
 #include <zentara/unit_type.h>
 
-#include "tools/zentara/float_text.h"
+#include "host/float_text.h"
 #include "tools/zentara/json_output.h"
 
 namespace Zentara::Tool {
@@ -22,11 +22,11 @@ using ParameterValue = Utils::SmartPtr<IO::xuRequest>;
 /// Numbers, true or false, or an object with x, y, width and height.
 [[nodiscard]] Json toJson(const ParameterValue& value);
 
-/// The reverse. \param source names the value in messages \throws ToolFailure when the kind is another
+/// The reverse. \param source names the value in messages \throws Failure when the kind is another
 [[nodiscard]] ParameterValue valueFromJson(ParameterType parameter, const Json& json,
                                            const std::string& source);
 
-/// What a user types: a number; on, off, true, false; for the region X,Y,WIDTH,HEIGHT. \throws ToolFailure
+/// What a user types: a number; on, off, true, false; for the region X,Y,WIDTH,HEIGHT. \throws Failure
 [[nodiscard]] ParameterValue valueFromText(ParameterType parameter, const std::string& text);
 
 /// The same, back.

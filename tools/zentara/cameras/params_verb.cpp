@@ -72,8 +72,8 @@ ParameterType parameterNamed(CameraSession& session, const std::string& word) {
             return listed;
     }
     const std::string nearest = nearestWord(word, names);
-    throw ToolFailure(
-        ExitCode_USAGE,
+    throw Failure(
+        Failure::Usage,
         Format("'%' is no parameter; they are numbered from 0 to 15, and the camera's "
                "description may name them") %
             word,
@@ -88,9 +88,9 @@ void checkListed(CameraSession& session, ParameterType parameter, const std::str
     std::string numbers;
     for (const ParameterType other : listed)
         numbers += (numbers.empty() ? "" : ", ") + std::to_string(static_cast<int>(other));
-    throw ToolFailure(ExitCode_FAILED,
-                      Format("%the camera has no such parameter: %") % place % static_cast<int>(parameter),
-                      "its description lists " + numbers);
+    throw Failure(Failure::Failed,
+                  Format("%the camera has no such parameter: %") % place % static_cast<int>(parameter),
+                  "its description lists " + numbers);
 }
 
 ParameterValue readValue(CameraSession& session, ParameterType parameter) {
@@ -185,8 +185,8 @@ void checkSettable(CameraSession& session, ParameterType parameter, const Parame
     else if (const auto range = askRange(session, parameter); range && !accepts(*range, value))
         reason = "value out of range: " + toText(range.get());
     if (!reason.empty())
-        throw ToolFailure(ExitCode_FAILED, Format("%cannot set parameter % to %: %") % place %
-                                               static_cast<int>(parameter) % toText(value) % reason);
+        throw Failure(Failure::Failed, Format("%cannot set parameter % to %: %") % place %
+                                           static_cast<int>(parameter) % toText(value) % reason);
 }
 
 Json toJson(const Row& row) {
@@ -245,7 +245,7 @@ void tellRounded(CameraSession& session, ParameterType parameter, const Paramete
 ExitCode runList(const ParamsOptions& options, Console& console) {
     return withCamera(options, console, [](CameraSession& session) {
         finishRows(session, parametersOf(session));
-        return ExitCode_DONE;
+        return Failure::None;
     });
 }
 
@@ -257,7 +257,7 @@ ExitCode runParamsGet(const ParamsOptions& options, Console& console) {
         for (const ParameterType parameter : parameters)
             checkListed(session, parameter);
         finishRows(session, parameters);
-        return ExitCode_DONE;
+        return Failure::None;
     });
 }
 
@@ -272,12 +272,11 @@ Settings settingsOf(CameraSession& session, const std::vector<std::string>& word
     for (const std::string& word : words) {
         const std::size_t sign = word.find('=');
         if (sign == std::string::npos)
-            throw ToolFailure(ExitCode_USAGE, Format("'%' is not of the form PARAMETER=VALUE") % word);
+            throw Failure(Failure::Usage, Format("'%' is not of the form PARAMETER=VALUE") % word);
         const ParameterType parameter = parameterNamed(session, word.substr(0, sign));
         if (std::find(settings.parameters.begin(), settings.parameters.end(), parameter) !=
             settings.parameters.end())
-            throw ToolFailure(ExitCode_USAGE,
-                              Format("parameter % is named twice") % static_cast<int>(parameter));
+            throw Failure(Failure::Usage, Format("parameter % is named twice") % static_cast<int>(parameter));
         settings.parameters.push_back(parameter);
         settings.values.push_back(valueFromText(parameter, word.substr(sign + 1)));
     }
@@ -290,9 +289,9 @@ void writeAll(CameraSession& session, const Settings& settings) {
     for (std::size_t index = 0; index < settings.values.size(); ++index) {
         try {
             writeValue(session, settings.parameters[index], settings.values[index]);
-        } catch (const ToolFailure& failure) {
-            throw ToolFailure(failure.code, failure.what() + (done.empty() ? "; nothing was set"
-                                                                           : "; set before it: " + done));
+        } catch (const Failure& failure) {
+            throw Failure(failure.code(),
+                          failure.what() + (done.empty() ? "; nothing was set" : "; set before it: " + done));
         }
         done += (done.empty() ? "" : ", ") + std::to_string(static_cast<int>(settings.parameters[index]));
     }
@@ -308,7 +307,7 @@ ExitCode runParamsSet(ParamsOptions options, Console& console) {
         for (std::size_t index = 0; index < settings.values.size(); ++index)
             tellRounded(session, settings.parameters[index], settings.values[index], console);
         finishRows(session, settings.parameters);
-        return ExitCode_DONE;
+        return Failure::None;
     });
 }
 
@@ -348,7 +347,7 @@ ExitCode runSave(const ParamsOptions& options, Console& console) {
         writeJsonFile(options.file, json, forced(options.force));
         session.finish({{"values", values}, {"file", options.file}},
                        Format("% parameters written: %\n") % values.size() % printable(options.file));
-        return ExitCode_DONE;
+        return Failure::None;
     });
 }
 
@@ -369,10 +368,10 @@ StoredValues readStateFile(const std::string& path) {
         try {
             const auto parameter = parameterNumbered(name);
             if (!parameter)
-                throw ToolFailure(ExitCode_USAGE,
-                                  Format("'%' is no parameter; they are numbered from 0 to 15") % name);
+                throw Failure(Failure::Usage,
+                              Format("'%' is no parameter; they are numbered from 0 to 15") % name);
             stored.values[*parameter] = valueFromJson(*parameter, value, "it");
-        } catch (const ToolFailure& failure) {
+        } catch (const Failure& failure) {
             values.fail(name, failure.what()); // not the command line is wrong
         }
     }
@@ -400,7 +399,7 @@ std::string takenText(CameraSession& session, const Json& before) {
     try {
         for (const Json& change : changesBetween(before, toJson(readState(session))))
             taken += (taken.empty() ? "" : ", ") + change["parameter"].dump();
-    } catch (const ToolFailure&) {
+    } catch (const Failure&) {
         return "what it has taken of them cannot be read";
     }
     return taken.empty() ? "nothing was changed" : "it has changed all the same: " + taken;
@@ -416,8 +415,8 @@ ExitCode loadInto(CameraSession& session, const StoredValues& stored, const Para
     if (!options.dryRun) {
         try {
             attempt("set the camera's parameters", [&] { session.parameters().write(stored.values); });
-        } catch (const ToolFailure& failure) {
-            throw ToolFailure(failure.code, std::string(failure.what()) + "; " + takenText(session, before));
+        } catch (const Failure& failure) {
+            throw Failure(failure.code(), std::string(failure.what()) + "; " + takenText(session, before));
         }
         for (const auto& [number, value] : ordered(stored.values))
             tellRounded(session, static_cast<ParameterType>(number), value, console);
@@ -431,7 +430,7 @@ ExitCode loadInto(CameraSession& session, const StoredValues& stored, const Para
     if (changes.empty())
         text << "the camera has these values already\n";
     session.finish({{"changes", changes}, {"written", !options.dryRun}}, text.str());
-    return ExitCode_DONE;
+    return Failure::None;
 }
 
 ExitCode runLoad(ParamsOptions options, Console& console) {

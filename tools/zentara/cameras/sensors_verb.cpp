@@ -10,14 +10,15 @@
 #include <zentara/utils/format.h>
 #include <zentara/utils/signal.h>
 
+#include "host/files/pending_file.h"
+#include "host/pictures/plot.h"
 #include "tools/zentara/arguments.h"
 #include "tools/zentara/cameras/camera_session.h"
 #include "tools/zentara/cameras/node_names.h"
 #include "tools/zentara/cameras/parameter_text.h"
 #include "tools/zentara/interrupt.h"
-#include "tools/zentara/pending_file.h"
-#include "tools/zentara/plot.h"
 #include "tools/zentara/streams/frame_counter.h"
+#include "tools/zentara/supervisor.h"
 
 namespace Zentara::Tool {
 namespace {
@@ -184,12 +185,12 @@ ExitCode watchSensors(SensorWatch& sensors, const SensorsOptions& options, Conso
     bool interrupted = false;
     try {
         interrupted = sensors.watch(interrupt);
-    } catch (const ToolFailure&) {
+    } catch (const Failure&) {
         finish();
         throw;
     }
     finish();
-    return interrupted ? ExitCode_INTERRUPTED : ExitCode_DONE;
+    return interrupted ? Failure::Interrupted : Failure::None;
 }
 
 ExitCode runSensors(const SensorsOptions& options, Console& console) {
@@ -199,7 +200,7 @@ ExitCode runSensors(const SensorsOptions& options, Console& console) {
             return watchSensors(sensors, options, console);
         const Reading reading = sensors.read();
         session.finish(sensors.toJson(reading), sensors.toText(reading) + '\n');
-        return ExitCode_DONE;
+        return Failure::None;
     });
 }
 

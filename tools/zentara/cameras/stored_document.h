@@ -2,14 +2,14 @@
 
 #include <string>
 
+#include "host/json_fields.h"
 #include "tools/zentara/cameras/camera_session.h"
-#include "tools/zentara/json_fields.h"
 
 namespace Zentara::Tool {
 
 // What the files that hold something of a camera have in common: the schema, and whose it is.
 
-/// \throws ToolFailure when the document is of another schema
+/// \throws Failure when the document is of another schema
 void checkDocument(JsonFields& fields);
 
 /// The serial number of the camera that a document is of; empty when it does not say.

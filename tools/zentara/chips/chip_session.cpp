@@ -10,11 +10,11 @@
 #include <zentara/utils/environment_variable.h>
 #include <zentara/utils/format.h>
 
+#include "host/guid_text.h"
 #include "plugins/descriptions/controller.h"
 #include "plugins/simulated/firmware/firmware_settings.h"
 #include "tools/zentara/cameras/camera_session.h"
 #include "tools/zentara/chips/device_choice.h"
-#include "tools/zentara/guid_text.h"
 #include "tools/zentara/tool_log.h"
 
 namespace Zentara::Tool {
@@ -62,9 +62,8 @@ const NodeEvent& videoNodeOf(const CameraEntry& camera) {
         if (const NodeEvent* node = camera.find(type))
             return *node;
     }
-    throw ToolFailure(ExitCode_NO_DEVICE,
-                      "camera " + printable(camera.serialNumber()) +
-                          " has no video device, through which its controller is reached");
+    throw Failure(Failure::NoDevice, "camera " + printable(camera.serialNumber()) +
+                                         " has no video device, through which its controller is reached");
 }
 
 } // namespace
@@ -89,8 +88,8 @@ ChipSession::ChipSession(const ChipOptions& wanted, Console& target) : options(w
 
 void ChipSession::openDevice() {
     if (!options.camera.empty() && !Cameras::chipKindFromName(options.camera))
-        throw ToolFailure(ExitCode_USAGE,
-                          "there is no controller '" + options.camera + "'; known: OV0570, VC0258, VC0345");
+        throw Failure(Failure::Usage,
+                      "there is no controller '" + options.camera + "'; known: OV0570, VC0258, VC0345");
     const ChosenController chosen(options.camera);
     const GUID guid = chooseDevice(Core::ImplType_VIDEO_DEVICE, "video device", options.plugins, console.err);
     deviceName = guidLabel(guid);
@@ -131,14 +130,14 @@ void ChipSession::bindChip(const std::string& label, const std::string& describe
             camera = IO::CameraChip::create(described, *proxy, listener);
         }
         if (!camera)
-            throw ToolFailure(ExitCode_NO_DEVICE, "the camera has no controller that is known");
+            throw Failure(Failure::NoDevice, "the camera has no controller that is known");
     });
 }
 
 ChipSession::~ChipSession() {
     for (const IO::ChipTransfer& transfer : transfers)
         show(transfer);
-    const WatchedStep watched("close the camera");
+    const Step watched("close the camera");
     camera.reset();
     try {
         proxy->close();
@@ -198,8 +197,8 @@ std::string hexText(std::uint32_t value) { return Utils::Format("0x%{:X2}") % va
 
 void checkRange(const char* what, std::uint32_t value, std::uint32_t last, const IO::CameraChip& chip) {
     if (value > last)
-        throw ToolFailure(ExitCode_USAGE, Utils::Format("% % is out of range on the %: 0 to %") % what %
-                                              hexText(value) % chip.name() % hexText(last));
+        throw Failure(Failure::Usage, Utils::Format("% % is out of range on the %: 0 to %") % what %
+                                          hexText(value) % chip.name() % hexText(last));
 }
 
 } // namespace Zentara::Tool

@@ -29,10 +29,10 @@ struct ChipOptions {
 void addChipOptions(CLI::App& command, ChipOptions& options);
 
 /// One camera of the bus, or a bare video device, open, with its chip bound. A failure of a step leaves it as a
-/// ToolFailure.
+/// Failure.
 class ChipSession final {
 public:
-    /// Finds the camera, or makes the device, and opens it. \throws ToolFailure
+    /// Finds the camera, or makes the device, and opens it. \throws Failure
     ChipSession(const ChipOptions& wanted, Console& target);
     ~ChipSession();
     ChipSession(const ChipSession&) = delete;
@@ -60,8 +60,8 @@ private:
     Console& console;
     /// With JSON the trace waits for the end: it goes into the result, or to the errors when there is none.
     std::vector<IO::ChipTransfer> transfers;
-    std::optional<WatchedStep> underWay; ///< the transfer that has begun
-    CameraEntry entry;                   ///< empty for a bare device, as the two below
+    std::optional<Step> underWay; ///< the transfer that has begun
+    CameraEntry entry;            ///< empty for a bare device, as the two below
     NodeEvent node;
     std::unique_ptr<CameraStore> store; ///< the device may read it until its end
     std::unique_ptr<IO::VideoDeviceProxy> proxy;
@@ -76,7 +76,7 @@ void attemptOnChip(const std::string& what, Step step) {
         try {
             step();
         } catch (const Plugin::NotSupportedPluginException& lack) {
-            throw ToolFailure(ExitCode_FAILED, lack.what());
+            throw Failure(Failure::Failed, lack.what());
         }
     });
 }
@@ -84,7 +84,7 @@ void attemptOnChip(const std::string& what, Step step) {
 /// "0x1D"
 [[nodiscard]] std::string hexText(std::uint32_t value);
 
-/// \throws ToolFailure, a usage error that names the range, when a value is above `last`.
+/// \throws Failure, a usage error that names the range, when a value is above `last`.
 void checkRange(const char* what, std::uint32_t value, std::uint32_t last, const IO::CameraChip& chip);
 
 } // namespace Zentara::Tool

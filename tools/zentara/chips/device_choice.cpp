@@ -11,10 +11,10 @@
 #include <zentara/utils/format.h>
 #include <zentara/utils/text.h>
 
+#include "host/guid_text.h"
 #include "tools/zentara/arguments.h"
 #include "tools/zentara/console.h"
 #include "tools/zentara/exit_code.h"
-#include "tools/zentara/guid_text.h"
 #include "utils/visible_text.h"
 
 namespace Zentara::Tool {
@@ -54,8 +54,8 @@ GUID namedDevice(Core::ImplType type, const char* what, const std::vector<std::s
         if (found != plugins.end())
             return found->guid;
     }
-    throw ToolFailure(ExitCode_USAGE, Format("no % plug-in is called '%'; registered:%") % what %
-                                          Utils::visibleText(names.front()) % listOf(plugins, type));
+    throw Failure(Failure::Usage, Format("no % plug-in is called '%'; registered:%") % what %
+                                      Utils::visibleText(names.front()) % listOf(plugins, type));
 }
 
 } // namespace
@@ -65,14 +65,14 @@ std::vector<GUID> registeredPlugins(Core::ImplType type, const char* what) {
     attempt("look for plug-ins", [&] {
         Core::PluginManager* manager = Core::PluginManager::instance();
         if (manager == nullptr)
-            throw ToolFailure(ExitCode_NO_PLUGIN, "cannot look for plug-ins: there is no plug-in manager");
+            throw Failure(Failure::NoPlugin, "cannot look for plug-ins: there is no plug-in manager");
         guids = manager->getGUIDs(type);
         manager->release();
     });
     if (guids.empty())
-        throw ToolFailure(ExitCode_NO_PLUGIN,
-                          Format("no % plug-in is registered in '%'; 'zentara plugins --all' tells why") %
-                              what % Core::getPluginDirectory());
+        throw Failure(Failure::NoPlugin,
+                      Format("no % plug-in is registered in '%'; 'zentara plugins --all' tells why") % what %
+                          Core::getPluginDirectory());
     std::sort(guids.begin(), guids.end(),
               [](const GUID& left, const GUID& right) { return guidText(left) < guidText(right); });
     return guids;

@@ -16,7 +16,7 @@ namespace Zentara::Tool {
 
 /// The registered plug-ins of a kind, sorted by GUID.
 /// \param what the kind, for messages: "video device".
-/// \throws ToolFailure when none is registered, or the plug-in manager does not come up.
+/// \throws Failure when none is registered, or the plug-in manager does not come up.
 [[nodiscard]] std::vector<GUID> registeredPlugins(Core::ImplType type, const char* what);
 
 /// --plugin, which chooses among the device plug-ins.
@@ -25,7 +25,7 @@ CLI::Option* addPluginName(CLI::App& command, std::vector<std::string>& names);
 /// Picks the registered device plug-in of a kind: one that is named or, with several, the first by GUID, which is then
 /// said on `err`.
 /// \param names GUIDs, well-known names and files; each names a plug-in of one of the kinds that are wanted
-/// \throws ToolFailure as above, and exit code 2 when none of the kind is named although names are given
+/// \throws Failure as above, and exit code 2 when none of the kind is named although names are given
 [[nodiscard]] GUID chooseDevice(Core::ImplType type, const char* what, const std::vector<std::string>& names,
                                 std::ostream& err);
 

@@ -7,9 +7,9 @@
 #include <zentara/utils/crc.h>
 #include <zentara/utils/format.h>
 
+#include "host/files/pending_file.h"
 #include "tools/zentara/chips/chip_session.h"
 #include "tools/zentara/interrupt.h"
-#include "tools/zentara/pending_file.h"
 
 namespace Zentara::Tool {
 namespace {
@@ -71,18 +71,17 @@ ExitCode runDump(FirmwareOptions options, Console& console) {
     if (options.length == 0)
         options.length = memoryBytes - options.start;
     if (options.length > memoryBytes - options.start)
-        throw ToolFailure(ExitCode_USAGE, Format("--length % is out of range from %: 1 to %") %
-                                              options.length % hexText(options.start) %
-                                              (memoryBytes - options.start));
+        throw Failure(Failure::Usage, Format("--length % is out of range from %: 1 to %") % options.length %
+                                          hexText(options.start) % (memoryBytes - options.start));
     const InterruptWatch watch;
     // Reading takes minutes on a real camera: what cannot be written is told before.
     PendingFile file(options.file, forced(options.force));
     ChipSession session(options, console);
     Dump dump(session, options, console);
     if (!dump.read(watch))
-        throw ToolFailure(ExitCode_INTERRUPTED,
-                          Utils::Format("interrupted after % of % bytes; nothing is kept") %
-                              static_cast<unsigned long long>(dump.bytes.size()) % options.length);
+        throw Failure(Failure::Interrupted, Utils::Format("interrupted after % of % bytes; nothing is kept") %
+                                                static_cast<unsigned long long>(dump.bytes.size()) %
+                                                options.length);
     file.write(dump.bytes);
     file.commit();
     const unsigned crc =
@@ -94,7 +93,7 @@ ExitCode runDump(FirmwareOptions options, Console& console) {
                     {"file", options.file}},
                    Format("% bytes of %, CRC-32 0x%{:X8}: %") % options.length % options.area % crc %
                        printable(options.file));
-    return ExitCode_DONE;
+    return Failure::None;
 }
 
 } // namespace

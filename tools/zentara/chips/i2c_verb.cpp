@@ -48,7 +48,7 @@ ExitCode runI2cRead(const I2cOptions& options, Console& console) {
                                        static_cast<std::uint8_t>(options.bytes));
     });
     session.finish(resultOf(options, value), hexText(value));
-    return ExitCode_DONE;
+    return Failure::None;
 }
 
 ExitCode runI2cWrite(I2cOptions options, Console& console) {
@@ -60,7 +60,7 @@ ExitCode runI2cWrite(I2cOptions options, Console& console) {
                                 static_cast<std::uint8_t>(options.bytes));
     });
     session.finish(resultOf(options, options.value), placeOf(options) + " := " + hexText(options.value));
-    return ExitCode_DONE;
+    return Failure::None;
 }
 
 void addDevice(CLI::App& command, I2cOptions& options) {

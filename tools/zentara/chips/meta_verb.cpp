@@ -24,7 +24,7 @@ ExitCode runMeta(MetaOptions options, Console& console) {
             [&] { session.chip().command(IO::UVC_TOF_CONTROLLER_REGISTER, options.code, options.value); });
     session.finish({{"code", options.code}, {"value", options.value}},
                    Format("meta % := %") % options.code % hexText(options.value));
-    return ExitCode_DONE;
+    return Failure::None;
 }
 
 } // namespace

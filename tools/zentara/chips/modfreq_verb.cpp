@@ -30,17 +30,16 @@ ExitCode runModfreq(ModfreqOptions options, Console& console) {
     const char* chip = session.chip().name();
     const std::vector<unsigned> known = session.chip().modulationFrequencies();
     if (known.empty())
-        throw ToolFailure(ExitCode_FAILED,
-                          Format("the % has no command for the modulation frequency") % chip);
+        throw Failure(Failure::Failed, Format("the % has no command for the modulation frequency") % chip);
     if (std::find(known.begin(), known.end(), options.megahertz) == known.end())
-        throw ToolFailure(ExitCode_USAGE, Format("% MHz is no modulation frequency of the %: % MHz") %
-                                              options.megahertz % chip % listOf(known));
+        throw Failure(Failure::Usage, Format("% MHz is no modulation frequency of the %: % MHz") %
+                                          options.megahertz % chip % listOf(known));
     attempt(Format("set the modulation frequency to % MHz") % options.megahertz,
             [&] { session.chip().setModulationFrequency(options.megahertz); });
     session.finish(
         {{"megahertz", options.megahertz}, {"code", IO::CameraChip::modulationCode(options.megahertz)}},
         Format("modulation frequency := % MHz") % options.megahertz);
-    return ExitCode_DONE;
+    return Failure::None;
 }
 
 } // namespace

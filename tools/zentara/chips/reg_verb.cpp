@@ -42,7 +42,7 @@ ExitCode runRegRead(const RegOptions& options, Console& console) {
     attemptOnChip(Format("read % register %") % options.target % hexText(options.reg),
                   [&] { value = session.chip().read(targetOf(options.target), options.reg); });
     session.finish({{"target", options.target}, {"register", options.reg}, {"value", value}}, hexText(value));
-    return ExitCode_DONE;
+    return Failure::None;
 }
 
 ExitCode runRegWrite(RegOptions options, Console& console) {
@@ -57,7 +57,7 @@ ExitCode runRegWrite(RegOptions options, Console& console) {
                     {"value", options.value},
                     {"times", options.times}},
                    Format("% % := %") % options.target % hexText(options.reg) % hexText(options.value));
-    return ExitCode_DONE;
+    return Failure::None;
 }
 
 void addRegister(CLI::App& command, RegOptions& options) {

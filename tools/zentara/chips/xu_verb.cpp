@@ -29,8 +29,8 @@ Bytes parseBytes(const std::string& text) {
             digits += letter;
     }
     if (digits.size() % 2 != 0 || digits.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos)
-        throw ToolFailure(ExitCode_USAGE,
-                          Format("'%' is no list of bytes; want pairs of digits from 00 to FF") % text);
+        throw Failure(Failure::Usage,
+                      Format("'%' is no list of bytes; want pairs of digits from 00 to FF") % text);
     Bytes bytes;
     for (std::size_t i = 0; i < digits.size(); i += 2)
         bytes.push_back(static_cast<std::uint8_t>(std::stoul(digits.substr(i, 2), nullptr, 16)));
@@ -42,9 +42,8 @@ unsigned lengthOf(ChipSession& session, const XuOptions& options) {
     attempt(Format("ask for the length of control %") % options.control,
             [&] { length = session.device().len(session.chip().unit(), options.control); });
     if (length < 0 || length > maxControlBytes)
-        throw ToolFailure(ExitCode_FAILED,
-                          Format("the camera gives control % % bytes; a control has 0 to %") %
-                              options.control % length % maxControlBytes);
+        throw Failure(Failure::Failed, Format("the camera gives control % % bytes; a control has 0 to %") %
+                                           options.control % length % maxControlBytes);
     return static_cast<unsigned>(length);
 }
 
@@ -53,9 +52,8 @@ Bytes packetOf(ChipSession& session, const XuOptions& options) {
     Bytes packet = parseBytes(options.bytes);
     const unsigned length = lengthOf(session, options);
     if (packet.size() > length)
-        throw ToolFailure(ExitCode_USAGE, Format("% bytes are out of range for control %: 0 to %") %
-                                              static_cast<unsigned>(packet.size()) % options.control %
-                                              length);
+        throw Failure(Failure::Usage, Format("% bytes are out of range for control %: 0 to %") %
+                                          static_cast<unsigned>(packet.size()) % options.control % length);
     packet.resize(length);
     return packet;
 }
@@ -70,7 +68,7 @@ ExitCode runLen(const XuOptions& options, Console& console) {
     Json result = resultOf(session, options);
     result["length"] = length;
     session.finish(result, std::to_string(length));
-    return ExitCode_DONE;
+    return Failure::None;
 }
 
 ExitCode runXuGet(const XuOptions& options, Console& console) {
@@ -83,7 +81,7 @@ ExitCode runXuGet(const XuOptions& options, Console& console) {
     Json result = resultOf(session, options);
     result["bytes"] = IO::bytesText(packet);
     session.finish(result, IO::bytesText(packet));
-    return ExitCode_DONE;
+    return Failure::None;
 }
 
 ExitCode runXuSet(XuOptions options, Console& console) {
@@ -97,7 +95,7 @@ ExitCode runXuSet(XuOptions options, Console& console) {
     Json result = resultOf(session, options);
     result["bytes"] = IO::bytesText(packet);
     session.finish(result, Format("control % := %") % options.control % IO::bytesText(packet));
-    return ExitCode_DONE;
+    return Failure::None;
 }
 
 CLI::App* addAction(CLI::App& command, const char* name, const char* text, XuOptions& options) {

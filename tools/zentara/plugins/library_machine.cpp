@@ -8,7 +8,7 @@
 
 #include <zentara/utils/format.h>
 
-#include "tools/zentara/paths.h"
+#include "host/files/paths.h"
 
 namespace Zentara::Tool {
 namespace {
@@ -38,7 +38,7 @@ std::string nameOf(const char* system, const Machine (&machines)[count], std::ui
 class Head {
 public:
     explicit Head(const std::string& path) : bytes(headBytes) {
-        std::ifstream file(pathOf(path), std::ios::binary);
+        std::ifstream file(Host::pathOf(path), std::ios::binary);
         file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
         bytes.resize(static_cast<std::size_t>(std::max<std::streamsize>(file.gcount(), 0)));
     }

@@ -108,8 +108,8 @@ PluginAnswer ask(const std::string& program, const std::string& path) {
     const ChildEnd end =
         Utils::Platform::runChild(program, {question, path}, startLimit, answerLimit, report);
     if (end.kind == ChildEnd::Kind::NotStarted)
-        throw ToolFailure(ExitCode_FAILED,
-                          Format("cannot start '%' to ask the plug-ins: %") % program % end.text);
+        throw Failure(Failure::Failed,
+                      Format("cannot start '%' to ask the plug-ins: %") % program % end.text);
     PluginAnswer answer;
     answer.probe.path = path;
     for (const std::string& line : Utils::split(report, '\n')) {
@@ -148,13 +148,13 @@ bool isPluginQuestion(const std::vector<std::string>& arguments) {
 int answerPluginQuestion(const std::vector<std::string>& arguments) {
     std::FILE* report = Utils::Platform::openReport(arguments[2]);
     if (report == nullptr)
-        return ExitCode_USAGE;
+        return Failure::Usage;
     const auto tell = [report](PluginScanStep step) {
         std::fprintf(report, "%s%d\n", stepMark, static_cast<int>(step));
     };
     const PluginProbe probe = Core::probePluginFile(arguments[1], tell);
     std::fprintf(report, "%s%s\n", probeMark, toReport(probe).c_str());
-    std::_Exit(ExitCode_DONE); // what a file has left behind for the end of a process is not asked
+    std::_Exit(Failure::None); // what a file has left behind for the end of a process is not asked
 }
 
 } // namespace Zentara::Tool

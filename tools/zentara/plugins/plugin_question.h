@@ -17,7 +17,7 @@ struct PluginAnswer {
 };
 
 /// Asks each file in a process of its own, some at a time, for at most 5 s each. No file is compared with another one.
-/// \param program the tool's own file \throws ToolFailure when that cannot be started
+/// \param program the tool's own file \throws Failure when that cannot be started
 [[nodiscard]] std::vector<PluginAnswer> askPlugins(const std::string& program,
                                                    const std::vector<std::string>& paths);
 

@@ -9,8 +9,8 @@
 #include <zentara/utils/format.h>
 #include <zentara/utils/text.h>
 
+#include "host/files/paths.h"
 #include "tools/zentara/exit_code.h"
-#include "tools/zentara/paths.h"
 #include "utils/visible_text.h"
 
 namespace Zentara::Tool {
@@ -114,8 +114,8 @@ std::vector<RefusedFile> entriesBesidesPlugins(const std::string& directory) {
             refused.push_back(found);
     }
     if (error)
-        throw ToolFailure(error == std::errc::permission_denied ? ExitCode_PERMISSION : ExitCode_FAILED,
-                          Format("cannot read the plug-in directory '%': %") % directory % error.message());
+        throw Failure(error == std::errc::permission_denied ? Failure::Permission : Failure::Failed,
+                      Format("cannot read the plug-in directory '%': %") % directory % error.message());
     return refused;
 }
 

@@ -18,7 +18,7 @@ struct RefusedFile {
 
 /// Every entry of the directory that the scan does not open, in no particular order: what is no file, cannot be read or
 /// has another ending.
-/// \throws ToolFailure when the directory cannot be read, exit code 5 for lack of permission
+/// \throws Failure when the directory cannot be read, exit code 5 for lack of permission
 [[nodiscard]] std::vector<RefusedFile> entriesBesidesPlugins(const std::string& directory);
 
 } // namespace Zentara::Tool

@@ -37,15 +37,14 @@ ExitCode runBackup(const BackupOptions& options, Console& console) {
                                    static_cast<unsigned long long>(image.bytes().size()) % target->name() %
                                    options.file);
     }
-    return ExitCode_DONE;
+    return Failure::None;
 }
 
 FlashImage imageFromFile(const RestoreOptions& options, const FlashArea& area) {
     const std::string bytes = loadFile(options.file);
     if (bytes.size() != area.size)
-        throw ToolFailure(ExitCode_FAILED, Utils::Format("'%' has % bytes, the flash area has %") %
-                                               options.file % static_cast<unsigned long long>(bytes.size()) %
-                                               area.size);
+        throw Failure(Failure::Failed, Utils::Format("'%' has % bytes, the flash area has %") % options.file %
+                                           static_cast<unsigned long long>(bytes.size()) % area.size);
     const FlashImage image(area, Bytes(bytes.begin(), bytes.end()));
     FlashArea mirrored =
         area; // the flash that it goes to may hold nothing that tells where the header stands
@@ -77,17 +76,17 @@ ExitCode runRestore(const RestoreOptions& options, Console& console) {
         for (const Finding& finding : survey.findings())
             if (finding.isFault)
                 faults.push_back(finding.text);
-        throw ToolFailure(ExitCode_VERIFICATION,
-                          "refused, nothing was written; '" + options.file + "' is damaged:", {},
-                          "--damaged restores it as it is", faults);
+        throw Failure(Failure::Verification,
+                      "refused, nothing was written; '" + options.file + "' is damaged:", {},
+                      "--damaged restores it as it is", faults);
     }
     const RomContent old = loadContentIfAny(before);
     const RomContent fresh = loadContentIfAny(wanted);
     const std::vector<std::string> foreign = foreignLines(options, *target, old, fresh);
     if (!foreign.empty() && !options.otherCamera)
-        throw ToolFailure(ExitCode_USAGE,
-                          "refused, nothing was written: '" + options.file + "' looks like another camera's:",
-                          {}, "--other-camera restores it all the same", foreign);
+        throw Failure(Failure::Usage,
+                      "refused, nothing was written: '" + options.file + "' looks like another camera's:", {},
+                      "--other-camera restores it all the same", foreign);
     PlannedWrite plan{foreign, !foreign.empty(), !foreign.empty(), differences(before, wanted), wanted};
     for (const ContentChange& change : changesBetween(old, fresh)) {
         for (std::string& line : change.lines())

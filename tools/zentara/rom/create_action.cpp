@@ -5,7 +5,7 @@
 #include <zentara/rom/chunked_memory_management_header.h>
 #include <zentara/utils/format.h>
 
-#include "tools/zentara/paths.h"
+#include "host/files/paths.h"
 #include "tools/zentara/rom/rom_verbs.h"
 #include "tools/zentara/rom/rom_write.h"
 
@@ -51,12 +51,12 @@ ExitCode runCreate(WriteOptions options, Console& console) {
     FlashArea area = before.area();
     area.chunkSize = options.chunkSize;
     if (area.size < ROM::ChunkedMemoryManagementHeader::SIZE)
-        throw ToolFailure(ExitCode_USAGE, Format("an area of % bytes has no room for a storage") % area.size);
+        throw Failure(Failure::Usage, Format("an area of % bytes has no room for a storage") % area.size);
     const Rehearsal rehearsal = rehearse(FlashImage(area), {}, true);
     if (!rehearsal.isGood())
-        throw ToolFailure(ExitCode_USAGE,
-                          Format("an area of % bytes has no room for a storage in chunks of % bytes") %
-                              area.size % area.chunkSize);
+        throw Failure(Failure::Usage,
+                      Format("an area of % bytes has no room for a storage in chunks of % bytes") %
+                          area.size % area.chunkSize);
     PlannedWrite plan{{Format("% is formatted: % bytes in chunks of %, header at the %") % target->name() %
                        area.size % area.chunkSize % (area.headerAtStart ? "start" : "end")},
                       false,

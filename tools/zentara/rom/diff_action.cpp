@@ -36,7 +36,7 @@ ExitCode runDiff(const DiffOptions& options, Console& console) {
         json.update({{"equal", changes.empty()}, {"changes", changes}});
         print(console.out, json);
     }
-    return changes.empty() ? ExitCode_DONE : ExitCode_FAILED;
+    return changes.empty() ? Failure::None : Failure::Failed;
 }
 
 } // namespace

@@ -6,8 +6,8 @@
 
 #include <zentara/utils/format.h>
 
-#include "tools/zentara/canvas.h"
-#include "tools/zentara/color_map.h"
+#include "host/pictures/canvas.h"
+#include "host/pictures/color_map.h"
 #include "tools/zentara/rom/correction_tables.h"
 #include "tools/zentara/rom/rom_verbs.h"
 #include "tools/zentara/rom/rom_write.h"
@@ -32,8 +32,8 @@ const CorrectionTable& tableOf(const std::vector<CorrectionFile>& corrections, u
         for (const CorrectionTable& table : correction.tables)
             if (count++ == wanted && !table.values.empty())
                 return table;
-    throw ToolFailure(ExitCode_FAILED, Format("there is no table % with values; there are % tables") %
-                                           wanted % static_cast<unsigned long long>(count));
+    throw Failure(Failure::Failed, Format("there is no table % with values; there are % tables") % wanted %
+                                       static_cast<unsigned long long>(count));
 }
 
 /// The format does not say how wide a table is: 4 to 3 if the number of values allows it, as the cameras'
@@ -89,7 +89,7 @@ ExitCode runDraw(const DrawOptions& options, Console& console) {
         options.scale > 0 ? options.scale : std::max<std::size_t>(1, comfortable / std::max(width, height));
     constexpr std::size_t mostPixels = 64U << 20;
     if (width * height > mostPixels / (scale * scale))
-        throw ToolFailure(ExitCode_USAGE, "the picture would be larger than 64 million pixels");
+        throw Failure(Failure::Usage, "the picture would be larger than 64 million pixels");
     saveFile(*target, options.file,
              scaledPicturePng(Format("Distortion correction at % MHz, table % of %") % table.frequency %
                                   options.table % target->name(),
@@ -106,12 +106,12 @@ ExitCode runDraw(const DrawOptions& options, Console& console) {
                      {"least", table.statistics().least},
                      {"greatest", table.statistics().greatest}});
         print(console.out, json);
-        return ExitCode_DONE;
+        return Failure::None;
     }
     printLine(console.out, Format("table % (% MHz), % by % values: %") % options.table % table.frequency %
                                static_cast<unsigned long long>(width) %
                                static_cast<unsigned long long>(height) % options.file);
-    return ExitCode_DONE;
+    return Failure::None;
 }
 
 } // namespace

@@ -20,9 +20,9 @@ ExitCode runErase(const EraseOptions& options, Console& console) {
     const FlashImage before = target->load();
     RomContent wanted = loadContent(before, *target);
     if (wanted.erase(options.uid) == 0)
-        throw ToolFailure(ExitCode_FAILED,
-                          Utils::Format("%: Cannot erase section - % is not a valid section uid") %
-                              target->name() % options.uid);
+        throw Failure(Failure::Failed,
+                      Utils::Format("%: Cannot erase section - % is not a valid section uid") %
+                          target->name() % options.uid);
     return RomWriter(options, *target, console).bringTo(before, wanted, false);
 }
 

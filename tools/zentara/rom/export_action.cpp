@@ -34,7 +34,7 @@ ExitCode runExport(const ExportOptions& options, Console& console) {
     const RomSurvey survey(image);
     if (const Finding* fault = survey.structuralFault())
         note(console, target->name() + " is damaged, this is what can be read of it: " + fault->text);
-    return ExitCode_DONE;
+    return Failure::None;
 }
 
 } // namespace

@@ -8,7 +8,7 @@
 #include <zentara/rom/section.h>
 #include <zentara/utils/format.h>
 
-#include "tools/zentara/canvas.h"
+#include "host/pictures/canvas.h"
 #include "tools/zentara/rom/text_lines.h"
 
 namespace Zentara::Tool {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/zentara/color_map.h"
+#include "host/pictures/color_map.h"
 #include "tools/zentara/rom/rom_survey.h"
 
 namespace Zentara::Tool {
@@ -35,7 +35,7 @@ public:
     [[nodiscard]] std::string svg(const std::string& title) const;
 
     /// A PNG file's bytes: a square of colour for each piece, addresses, title and legend as above.
-    /// \throws ToolFailure when it cannot be encoded
+    /// \throws Failure when it cannot be encoded
     [[nodiscard]] std::string png(const std::string& title) const;
 
 private:

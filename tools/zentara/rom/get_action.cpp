@@ -23,8 +23,8 @@ ExitCode runGet(const GetOptions& options, Console& console) {
     const RomContent content = loadContent(target->load(), *target);
     const auto found = content.find(options.uid);
     if (found == content.end())
-        throw ToolFailure(ExitCode_FAILED,
-                          Utils::Format("%: Section % is not defined") % target->name() % options.uid);
+        throw Failure(Failure::Failed,
+                      Utils::Format("%: Section % is not defined") % target->name() % options.uid);
     const Bytes& data = found->second.data;
     Json section = sectionToJson(options.uid, found->second);
     if (!options.rawFile.empty())
@@ -38,13 +38,13 @@ ExitCode runGet(const GetOptions& options, Console& console) {
             json["file"] = options.rawFile;
         print(console.out, json);
     } else if (!options.rawFile.empty()) {
-        return ExitCode_DONE;
+        return Failure::None;
     } else if (options.hex) {
         console.out << toHex(data) << '\n';
     } else {
         print(console.out, section);
     }
-    return ExitCode_DONE;
+    return Failure::None;
 }
 
 } // namespace

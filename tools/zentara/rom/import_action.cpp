@@ -18,7 +18,7 @@ RomContent contentFromFile(const std::string& file) {
     try {
         return contentFromJson(parseJson(loadFile(file)));
     } catch (const RomJsonError& failure) {
-        throw ToolFailure(ExitCode_FAILED, "'" + file + "': " + failure.what());
+        throw Failure(Failure::Failed, "'" + file + "': " + failure.what());
     }
 }
 
@@ -34,14 +34,13 @@ ExitCode runImport(const ImportOptions& options, Console& console) {
     }
     try {
         return RomWriter(options, *target, console).bringTo(before, wanted, true);
-    } catch (const ToolFailure& failure) {
+    } catch (const Failure& failure) {
         if (readOnlyConflicts(old, wanted).empty())
             throw;
-        throw ToolFailure(
-            failure.code, failure.message, failure.cause,
-            "--keep-read-only leaves such sections as they are and imports the others; 'zentara "
-            "rom create' empties the flash, read-only sections and all",
-            failure.details);
+        throw Failure(failure.code(), failure.message(), failure.cause(),
+                      "--keep-read-only leaves such sections as they are and imports the others; 'zentara "
+                      "rom create' empties the flash, read-only sections and all",
+                      failure.details());
     }
 }
 

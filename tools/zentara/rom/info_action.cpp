@@ -123,7 +123,7 @@ ExitCode runInfo(const TargetOptions& options, Console& console) {
     }
     if (survey.isFaulty())
         note(console, "something is wrong with " + target->name() + "; 'zentara rom verify' tells what");
-    return survey.header() ? ExitCode_DONE : ExitCode_VERIFICATION;
+    return survey.header() ? Failure::None : Failure::Verification;
 }
 
 } // namespace

@@ -29,7 +29,7 @@ ExitCode runList(const TargetOptions& options, Console& console) {
             printSection(uid, section, console.out);
         for (const CorrectionFile& correction : corrections)
             console.out << correctionText(correction);
-        return ExitCode_DONE;
+        return Failure::None;
     }
     Json json = target->beginJson();
     json.update({{"sections", Json::array()}});
@@ -42,7 +42,7 @@ ExitCode runList(const TargetOptions& options, Console& console) {
     if (!corrections.empty())
         json["corrections"] = correctionsJson(corrections);
     print(console.out, json);
-    return ExitCode_DONE;
+    return Failure::None;
 }
 
 } // namespace

@@ -45,7 +45,7 @@ ExitCode runMap(const MapOptions& options, Console& console) {
     } else if (options.svgFile.empty() && options.pngFile.empty()) {
         console.out << map.text();
     }
-    return ExitCode_DONE;
+    return Failure::None;
 }
 
 } // namespace

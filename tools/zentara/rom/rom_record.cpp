@@ -4,9 +4,9 @@
 #include <cmath>
 #include <string>
 
+#include "host/float_text.h"
 #include "rom/big_endian_reader.h"
 #include "rom/big_endian_writer.h"
-#include "tools/zentara/float_text.h"
 
 namespace Zentara::Tool {
 namespace {

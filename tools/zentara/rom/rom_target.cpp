@@ -12,11 +12,11 @@
 #include <zentara/rom/file_accessor.h>
 #include <zentara/utils/format.h>
 
+#include "host/files/file_failure.h"
+#include "host/files/paths.h"
+#include "host/files/pending_file.h"
 #include "plugins/simulated/firmware/factory_flash.h"
-#include "tools/zentara/file_failure.h"
 #include "tools/zentara/interrupt.h"
-#include "tools/zentara/paths.h"
-#include "tools/zentara/pending_file.h"
 #include "tools/zentara/rom/camera_flash.h"
 
 namespace Zentara::Tool {
@@ -33,17 +33,17 @@ namespace fs = std::filesystem;
 
 void checkFileSize(const std::string& file, std::uint64_t size) {
     if (size > MOST_FILE_BYTES)
-        throw ToolFailure(ExitCode_FAILED,
-                          Format("'%' is too large for a flash image: % bytes, at most % are read") % file %
-                              static_cast<unsigned long long>(size) %
-                              static_cast<unsigned long long>(MOST_FILE_BYTES));
+        throw Failure(Failure::Failed,
+                      Format("'%' is too large for a flash image: % bytes, at most % are read") % file %
+                          static_cast<unsigned long long>(size) %
+                          static_cast<unsigned long long>(MOST_FILE_BYTES));
 }
 
 FlashArea areaOf(const TargetOptions& options, std::uint64_t start, std::uint64_t size) {
     if (size == 0 || size >= ADDRESSES || start >= ADDRESSES || start + size > ADDRESSES)
-        throw ToolFailure(ExitCode_USAGE, Format("there is no flash area of % bytes at %") %
-                                              static_cast<unsigned long long>(size) %
-                                              static_cast<unsigned long long>(start));
+        throw Failure(Failure::Usage, Format("there is no flash area of % bytes at %") %
+                                          static_cast<unsigned long long>(size) %
+                                          static_cast<unsigned long long>(start));
     return {static_cast<std::uint32_t>(start), static_cast<std::uint32_t>(size), options.chunkSize,
             options.header != "end"};
 }
@@ -66,9 +66,9 @@ public:
 
     void checkWritable() const override {
         if (before && before->size() < file->getImage().size())
-            throw ToolFailure(ExitCode_USAGE,
-                              Format("cannot write to %: it has % bytes, the area is not inside") % name() %
-                                  static_cast<unsigned long long>(before->size()));
+            throw Failure(Failure::Usage,
+                          Format("cannot write to %: it has % bytes, the area is not inside") % name() %
+                              static_cast<unsigned long long>(before->size()));
     }
     [[nodiscard]] bool isAt(const std::string& path) const override {
         std::error_code ignored;
@@ -80,7 +80,7 @@ protected:
 
     void save() override {
         if (!pending)
-            throw ToolFailure(ExitCode_FAILED, name() + " was opened to be read only");
+            throw Failure(Failure::Failed, name() + " was opened to be read only");
         checkUnchanged();
         const Bytes& image = file->getImage();
         pending->write(std::string(image.begin(), image.end()));
@@ -97,8 +97,8 @@ private:
         const bool isUnchanged =
             before ? isThere(path) && ROM::FileAccessor(path).getImage() == *before : !isThere(path);
         if (!isUnchanged)
-            throw ToolFailure(ExitCode_BUSY,
-                              name() + " was changed by another program meanwhile; nothing was written");
+            throw Failure(Failure::Busy,
+                          name() + " was changed by another program meanwhile; nothing was written");
     }
 
     std::unique_ptr<ROM::FileAccessor> file; ///< the image in memory
@@ -111,7 +111,7 @@ void checkProtection(const std::string& path) {
     std::error_code failure;
     const fs::file_status status = fs::status(pathOf(path), failure);
     if (!failure && fs::exists(status) && (status.permissions() & anybody) == fs::perms::none)
-        throw ToolFailure(ExitCode_PERMISSION, "cannot write to '" + path + "': it is write-protected");
+        throw Failure(Failure::Permission, "cannot write to '" + path + "': it is write-protected");
 }
 
 /// A name in a file's name.
@@ -150,8 +150,8 @@ public:
     [[nodiscard]] bool isWrittenInPlace() const override { return true; }
     void checkWritable() const override {
         if (!session->chip().canWriteConfiguration())
-            throw ToolFailure(
-                ExitCode_PERMISSION,
+            throw Failure(
+                Failure::Permission,
                 Format(
                     "cannot write to %: its controller reads its flash by DMA and has no way to write it") %
                     name());
@@ -178,10 +178,10 @@ std::unique_ptr<RomTarget> openCamera(TargetOptions options, bool toWrite, Conso
     const std::string named =
         options.image.empty() ? options.camera : options.image.substr(std::string("camera:").size());
     if (named.empty() && !options.image.empty())
-        throw ToolFailure(ExitCode_USAGE, "the name of the camera is empty");
+        throw Failure(Failure::Usage, "the name of the camera is empty");
     if (!options.camera.empty() && named != options.camera)
-        throw ToolFailure(ExitCode_USAGE, Format("--camera % stands beside %: name one camera") %
-                                              options.camera % options.image);
+        throw Failure(Failure::Usage,
+                      Format("--camera % stands beside %: name one camera") % options.camera % options.image);
     options.camera = named;
     ChipOptions wanted = options;
     wanted.json = false; // a trace goes to the error stream, beside whatever is printed
@@ -201,7 +201,7 @@ std::string readFileHere(const std::string& file, bool mayBePipe) {
     const bool isNoFile =
         kind == FileKind::Directory || kind == FileKind::Device || (kind == FileKind::Pipe && !mayBePipe);
     if (isNoFile)
-        throw ToolFailure(ExitCode_FAILED, "cannot read '" + file + "': it is there and no file");
+        throw Failure(Failure::Failed, "cannot read '" + file + "': it is there and no file");
     std::error_code failure;
     const std::uint64_t size = kind == FileKind::Regular ? fs::file_size(pathOf(file), failure) : 0;
     if (!failure)
@@ -234,8 +234,8 @@ namespace {
 
 std::unique_ptr<RomTarget> openImage(const TargetOptions& options, bool toWrite, Console& console) {
     if (!options.camera.empty())
-        throw ToolFailure(ExitCode_USAGE, Format("--camera % stands beside the image '%': name one of them") %
-                                              options.camera % options.image);
+        throw Failure(Failure::Usage, Format("--camera % stands beside the image '%': name one of them") %
+                                          options.camera % options.image);
     std::unique_ptr<PendingFile> place;
     if (toWrite && isThere(options.image)) {
         checkProtection(options.image);
@@ -244,10 +244,10 @@ std::unique_ptr<RomTarget> openImage(const TargetOptions& options, bool toWrite,
     const std::string bytes = readFileHere(options.image, false);
     Bytes onDisk(bytes.begin(), bytes.end());
     if (onDisk.empty())
-        throw ToolFailure(ExitCode_VERIFICATION, "'" + options.image + "' is empty: there is no flash in it");
+        throw Failure(Failure::Verification, "'" + options.image + "' is empty: there is no flash in it");
     if (options.start >= onDisk.size())
-        throw ToolFailure(ExitCode_USAGE, Format("'%' has % bytes: the area is not inside") % options.image %
-                                              static_cast<unsigned long long>(onDisk.size()));
+        throw Failure(Failure::Usage, Format("'%' has % bytes: the area is not inside") % options.image %
+                                          static_cast<unsigned long long>(onDisk.size()));
     const FlashArea area =
         areaOf(options, options.start, options.size == 0 ? onDisk.size() - options.start : options.size);
     auto file = continued(options.image, onDisk, std::max<std::uint64_t>(area.end(), onDisk.size()));
@@ -340,7 +340,7 @@ FlashImage RomTarget::load(const char* whenInterrupted) {
     const InterruptWatch watch;
     while (bytes.size() < place.size) {
         if (watch.interrupted())
-            throw ToolFailure(ExitCode_INTERRUPTED, whenInterrupted);
+            throw Failure(Failure::Interrupted, whenInterrupted);
         const auto done = static_cast<std::uint32_t>(bytes.size());
         const std::uint32_t length = std::min<std::uint32_t>(place.size - done, PIECE);
         attempt(Format("read % bytes at % of %") % length % hexText(place.start + done) % name(), [&] {

@@ -25,7 +25,7 @@ struct TargetOptions : ChipOptions {
 /// Whether a camera is meant and not a file.
 [[nodiscard]] bool isCamera(const TargetOptions& options);
 
-/// All bytes of a file. \throws ToolFailure also when it is none to read whole: a directory, a device, or more bytes than
+/// All bytes of a file. \throws Failure also when it is none to read whole: a directory, a device, or more bytes than
 /// any flash has. \param mayBePipe  whether a pipe will do.
 [[nodiscard]] std::string readFileHere(const std::string& file, bool mayBePipe);
 
@@ -48,11 +48,11 @@ void addTargetOptions(CLI::App& command, TargetOptions& options);
 /// The flash that a verb works on: an image file, or a camera's.
 class RomTarget {
 public:
-    /// Opens the file or the camera. \throws ToolFailure
+    /// Opens the file or the camera. \throws Failure
     [[nodiscard]] static std::unique_ptr<RomTarget> open(const TargetOptions& options, Console& console);
     /// The same for a verb that writes, unless it only tries: of several cameras one has to be named, and of two
     /// programs that would write a file the second one is told so (exit code 6).
-    /// \throws ToolFailure also when it cannot be written to.
+    /// \throws Failure also when it cannot be written to.
     [[nodiscard]] static std::unique_ptr<RomTarget> openToWrite(const TargetOptions& options, bool dryRun,
                                                                 Console& console);
     /// A new image file of erased flash; it appears with the first store().
@@ -70,7 +70,7 @@ public:
     [[nodiscard]] virtual std::optional<CameraIdentity> camera() const { return std::nullopt; }
     /// The same for JSON, as every verb has it; null for a file.
     [[nodiscard]] virtual Json identity() const { return {}; }
-    /// \throws ToolFailure when there is no way to write to it.
+    /// \throws Failure when there is no way to write to it.
     virtual void checkWritable() const {}
     /// Whether a write that breaks off leaves a part of the change.
     [[nodiscard]] virtual bool isWrittenInPlace() const { return false; }
@@ -80,10 +80,10 @@ public:
     /// Begins what a verb prints with --json: the target, and of a camera who it is.
     [[nodiscard]] Json beginJson() const;
 
-    /// The whole area; what may be garbled on its way is read twice. Progress shows on a terminal; Ctrl-C ends it as a ToolFailure of that text.
+    /// The whole area; what may be garbled on its way is read twice. Progress shows on a terminal; Ctrl-C ends it as a Failure of that text.
     [[nodiscard]] FlashImage load(const char* whenInterrupted = "interrupted; nothing was changed");
     /// Makes the writes in their order, reads each back and compares it, and makes all of it last. Ctrl-C does not
-    /// break it off. \throws ToolFailure; the flash then holds a part of the writes, a file what it held before.
+    /// break it off. \throws Failure; the flash then holds a part of the writes, a file what it held before.
     void store(const std::vector<FlashWrite>& writes);
 
 protected:

@@ -9,9 +9,9 @@
 #include <zentara/rom/section.h>
 #include <zentara/utils/format.h>
 
+#include "host/files/paths.h"
+#include "host/files/pending_file.h"
 #include "tools/zentara/json_output.h"
-#include "tools/zentara/paths.h"
-#include "tools/zentara/pending_file.h"
 #include "tools/zentara/rom/rom_json.h"
 #include "tools/zentara/rom/rom_survey.h"
 #include "tools/zentara/rom/text_lines.h"
@@ -76,7 +76,7 @@ std::vector<std::string> givenUp(const FlashImage& before, const RomContent& wan
 
 void checkApart(const RomTarget& source, const std::string& path) {
     if (source.isAt(path))
-        throw ToolFailure(ExitCode_USAGE, "'" + path + "' is the image itself: name another file");
+        throw Failure(Failure::Usage, "'" + path + "' is the image itself: name another file");
 }
 
 } // namespace
@@ -124,8 +124,7 @@ std::string serialOfBackup(const std::string& path) {
         const Json json = parseJson(loadFile(beside));
         return JsonPlace(json).at("camera").at("serial").text();
     } catch (const RomJsonError& failure) {
-        throw ToolFailure(ExitCode_FAILED,
-                          "'" + beside + "' does not say whose backup it is: " + failure.what());
+        throw Failure(Failure::Failed, "'" + beside + "' does not say whose backup it is: " + failure.what());
     }
 }
 
@@ -179,9 +178,8 @@ RomContent loadContent(const FlashImage& image, const RomTarget& target) {
     Storage storage(copy, copy.area());
     storage.container.initialize();
     if (!storage.container.romInitialized())
-        throw ToolFailure(ExitCode_VERIFICATION,
-                          target.name() +
-                              " holds no storage that can be read; 'zentara rom verify' tells why");
+        throw Failure(Failure::Verification,
+                      target.name() + " holds no storage that can be read; 'zentara rom verify' tells why");
     return contentOf(storage.container);
 }
 
@@ -212,12 +210,12 @@ ExitCode RomWriter::bringTo(const FlashImage& before, const RomContent& wanted, 
         std::vector<std::string> reasons;
         for (const std::uint16_t uid : conflicts)
             reasons.push_back(sectionText(uid, old.at(uid)) + " is read only");
-        throw ToolFailure(ExitCode_PERMISSION, target.name() + refusedText, {}, {}, reasons);
+        throw Failure(Failure::Permission, target.name() + refusedText, {}, {}, reasons);
     }
     const std::vector<std::string> foreign = foreignChanges(old, wanted);
     if (!foreign.empty() && !options.otherCamera)
-        throw ToolFailure(ExitCode_USAGE, target.name() + refusedText, {},
-                          "--other-camera writes it all the same", foreign);
+        throw Failure(Failure::Usage, target.name() + refusedText, {},
+                      "--other-camera writes it all the same", foreign);
     Rehearsal rehearsal = options.rebuild ? rebuild(before, wanted) : rehearse(before, wanted, formats);
     if (!rehearsal.isGood())
         refuse(before, wanted, rehearsal);
@@ -245,9 +243,9 @@ void RomWriter::refuse(const FlashImage& before, const RomContent& wanted, const
         const auto& [type, message] = *rehearsal.refusal;
         const bool wouldFit =
             type == Plugin::PluginExceptionType_IO && !options.rebuild && rebuild(before, wanted).isGood();
-        throw ToolFailure(
-            exitCodeOf(type), target.name() + ": " + message + "; nothing was written", {},
-            wouldFit ? "the content fits into a freshly formatted image: --rebuild writes it there" : "");
+        throw Failure(codeOf(type), target.name() + ": " + message + "; nothing was written", {},
+                      wouldFit ? "the content fits into a freshly formatted image: --rebuild writes it there"
+                               : "");
     }
     std::string remedy;
     if (!options.rebuild && rebuild(before, wanted).isGood())
@@ -256,7 +254,7 @@ void RomWriter::refuse(const FlashImage& before, const RomContent& wanted, const
     if (RomSurvey(before).isCutOff())
         remedy += std::string(remedy.empty() ? "" : "; ") +
                   "'zentara rom salvage' finds whole sections that no link leads to, and changes nothing";
-    throw ToolFailure(ExitCode_VERIFICATION, target.name() + refusedText, {}, remedy, rehearsal.losses);
+    throw Failure(Failure::Verification, target.name() + refusedText, {}, remedy, rehearsal.losses);
 }
 
 /// Erased flash holds nothing to keep.
@@ -300,12 +298,12 @@ std::vector<std::string> RomWriter::wayBack(const FlashImage& before, const std:
 ExitCode RomWriter::write(const FlashImage& before, const PlannedWrite& plan) {
     if (plan.writes.empty() || options.dryRun) {
         report(plan, {});
-        return ExitCode_DONE;
+        return Failure::None;
     }
     if (plan.takesAway && !options.yes)
-        throw ToolFailure(ExitCode_USAGE,
-                          "nothing was written to " + target.name() + " yet; what would become of it:", {},
-                          "--yes does it, --dry-run only tries it", plan.changes);
+        throw Failure(Failure::Usage,
+                      "nothing was written to " + target.name() + " yet; what would become of it:", {},
+                      "--yes does it, --dry-run only tries it", plan.changes);
     const std::string kept = backUp(before);
     const std::vector<std::string> back = wayBack(before, kept, plan.isForeign);
     // Told before the first byte goes out: nothing may be told any more when the power fails.
@@ -318,15 +316,15 @@ ExitCode RomWriter::write(const FlashImage& before, const PlannedWrite& plan) {
         target.store(plan.writes);
         isStored = true;
         if (target.load("interrupted before all of it was read once more").bytes() != plan.after.bytes())
-            throw ToolFailure(ExitCode_VERIFICATION,
-                              target.name() + " holds other bytes than were written to it");
-    } catch (const ToolFailure& failure) {
+            throw Failure(Failure::Verification,
+                          target.name() + " holds other bytes than were written to it");
+    } catch (const Failure& failure) {
         const bool isTouched = isStored || target.isWrittenInPlace(); // else the file is as it was
-        throw ToolFailure(failure.code, failure.message, failure.cause, failure.remedy,
-                          isTouched ? back : std::vector<std::string>());
+        throw Failure(failure.code(), failure.message(), failure.cause(), failure.remedy(),
+                      isTouched ? back : std::vector<std::string>());
     }
     report(plan, kept);
-    return ExitCode_DONE;
+    return Failure::None;
 }
 
 void RomWriter::report(const PlannedWrite& plan, const std::string& backupFile) const {

@@ -59,18 +59,18 @@ private:
     Console& console;
 };
 
-/// Puts bytes into a file, whole or not at all. \throws ToolFailure, also when the file is the image itself, or is there
+/// Puts bytes into a file, whole or not at all. \throws Failure, also when the file is the image itself, or is there
 /// already and is not to be replaced.
 void saveFile(const RomTarget& source, const std::string& path, const std::string& bytes, bool force);
 /// The same for bytes that a camera may be brought back with: nothing that was there before is replaced, and who may not
 /// read the image may not read this either.
 void keepFile(const RomTarget& source, const std::string& path, const Bytes& bytes);
-/// Keeps a backup of the area, and beside that of a camera, in FILE.json, whose it is. \throws ToolFailure
+/// Keeps a backup of the area, and beside that of a camera, in FILE.json, whose it is. \throws Failure
 void keepBackup(const RomTarget& source, const std::string& path, const FlashImage& image);
 /// The serial number of the camera that a backup is of; empty when the file beside it is not there or does not say.
-/// \throws ToolFailure when it is there and cannot be read
+/// \throws Failure when it is there and cannot be read
 [[nodiscard]] std::string serialOfBackup(const std::string& path);
-/// All bytes of a file. \throws ToolFailure
+/// All bytes of a file. \throws Failure
 [[nodiscard]] std::string loadFile(const std::string& path);
 
 /// The sections that may not be changed, but would not be the same afterwards.
@@ -80,7 +80,7 @@ void keepBackup(const RomTarget& source, const std::string& path, const FlashIma
 /// What only another camera can have in its flash: read-only sections that are others, another GUID. One line each.
 [[nodiscard]] std::vector<std::string> foreignChanges(const RomContent& before, const RomContent& after);
 
-/// What a fresh load of the image finds. \throws ToolFailure with exit code 8 when it holds no storage.
+/// What a fresh load of the image finds. \throws Failure with exit code 8 when it holds no storage.
 [[nodiscard]] RomContent loadContent(const FlashImage& image, const RomTarget& target);
 /// The same, and nothing at all when it holds none.
 [[nodiscard]] RomContent loadContentIfAny(const FlashImage& image);

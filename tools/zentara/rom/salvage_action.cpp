@@ -51,24 +51,24 @@ ExitCode runSalvage(const SalvageOptions& options, Console& console) {
     for (const std::string& line : salvage.lines)
         tellLine(console.err, line);
     if (salvage.content.empty())
-        throw ToolFailure(ExitCode_VERIFICATION, "no whole section was found in " + target->name());
+        throw Failure(Failure::Verification, "no whole section was found in " + target->name());
     const Rehearsal fresh = rebuild(image, salvage.content);
     if (!fresh.isGood())
-        throw ToolFailure(ExitCode_VERIFICATION,
-                          "what was found does not fit into an image of that size: " +
-                              (fresh.refusal ? fresh.refusal->message : fresh.losses.front()));
+        throw Failure(Failure::Verification,
+                      "what was found does not fit into an image of that size: " +
+                          (fresh.refusal ? fresh.refusal->message : fresh.losses.front()));
     keepFile(*target, options.file, fresh.image.bytes());
     if (options.json) {
         Json json = target->beginJson();
         json.update({{"file", options.file}, {"sections", salvage.content.size()}, {"found", salvage.lines}});
         print(console.out, json);
-        return ExitCode_DONE;
+        return Failure::None;
     }
     printLine(console.out,
               Utils::Format("% sections of % are in the new image '%'; nothing was changed in %") %
                   static_cast<unsigned long long>(salvage.content.size()) % target->name() % options.file %
                   target->name());
-    return ExitCode_DONE;
+    return Failure::None;
 }
 
 } // namespace

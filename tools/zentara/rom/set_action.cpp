@@ -32,7 +32,7 @@ RomSection fromJsonFile(const SetOptions& options) {
             place.at("uid").fail(Utils::Format("it is section %, not %") % uid % options.uid);
         return section;
     } catch (const RomJsonError& failure) {
-        throw ToolFailure(ExitCode_FAILED, "'" + options.jsonFile + "': " + failure.what());
+        throw Failure(Failure::Failed, "'" + options.jsonFile + "': " + failure.what());
     }
 }
 
@@ -41,8 +41,8 @@ std::uint8_t typeOf(const std::string& text) {
         return *type;
     int number = -1;
     if (!CLI::detail::lexical_cast(text, number) || number < 0 || number > 0xFF)
-        throw ToolFailure(ExitCode_USAGE,
-                          "--type '" + text + "' is no name of a section type and no number up to 255");
+        throw Failure(Failure::Usage,
+                      "--type '" + text + "' is no name of a section type and no number up to 255");
     return static_cast<std::uint8_t>(number);
 }
 
@@ -53,8 +53,7 @@ Bytes rawBytes(const SetOptions& options) {
     }
     auto bytes = fromHex(options.hex);
     if (!bytes)
-        throw ToolFailure(ExitCode_USAGE,
-                          "--hex takes pairs of hexadecimal digits, not '" + options.hex + "'");
+        throw Failure(Failure::Usage, "--hex takes pairs of hexadecimal digits, not '" + options.hex + "'");
     return *std::move(bytes);
 }
 
@@ -65,7 +64,7 @@ RomSection sectionFrom(const SetOptions& options, const RomContent& content) {
     RomSection section;
     const auto old = content.find(options.uid);
     if (options.type.empty() && old == content.end())
-        throw ToolFailure(ExitCode_USAGE, "a new section needs --type");
+        throw Failure(Failure::Usage, "a new section needs --type");
     section.type = options.type.empty() ? old->second.type : typeOf(options.type);
     section.flags = old == content.end() ? ROM::Section::FLAG_WRITABLE : old->second.flags;
     if (options.readOnly)

@@ -44,7 +44,7 @@ ExitCode runVerify(const TargetOptions& options, Console& console) {
         printJson(survey, *target, console.out);
     else
         printText(survey, console.out);
-    return survey.isFaulty() ? ExitCode_VERIFICATION : ExitCode_DONE;
+    return survey.isFaulty() ? Failure::Verification : Failure::None;
 }
 
 } // namespace

@@ -4,8 +4,8 @@
 
 #include <zentara/utils/format.h>
 
+#include "host/files/file_failure.h"
 #include "tools/zentara/exit_code.h"
-#include "tools/zentara/file_failure.h"
 
 namespace Zentara::Tool {
 
@@ -48,7 +48,7 @@ void AudioRecorder::repair() {
     constexpr std::uint64_t riffPlace = 4; // each followed by the number of bytes that come after it
     constexpr std::uint64_t dataPlace = 40;
     if (file->size() < headerBytes)
-        throw FileFailure(ExitCode_FAILED,
+        throw FileFailure(Failure::Failed,
                           Utils::Format("cannot write '%': no whole sample is in it") % file->path());
     taken = std::min(taken, (file->size() - headerBytes) / blockAlignment);
     const std::uint64_t end = headerBytes + taken * blockAlignment;
@@ -83,7 +83,7 @@ void AudioRecorder::fill(Json& stream) const {
 
 void AudioRecorder::check(const char* what, int code) const {
     if (code != 0)
-        throw FileFailure(ExitCode_FAILED, Utils::Format("cannot % '%': %") % what % file->path() %
+        throw FileFailure(Failure::Failed, Utils::Format("cannot % '%': %") % what % file->path() %
                                                WaveWriter::errorString(code));
 }
 

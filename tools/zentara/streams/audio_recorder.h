@@ -5,7 +5,7 @@
 
 #include <zentara/utils/wave_writer.h>
 
-#include "tools/zentara/pending_file.h"
+#include "host/files/pending_file.h"
 #include "tools/zentara/streams/stream_description.h"
 #include "tools/zentara/streams/stream_sink.h"
 
@@ -15,7 +15,7 @@ namespace Zentara::Tool {
 class AudioRecorder final : public StreamSink {
 public:
     /// \param count samples per channel to take, 0 for as many as come; what a block holds beyond is cut off. \param path of the WAV file;
-    /// empty for none. \throws ToolFailure when the file cannot be opened.
+    /// empty for none. \throws Failure when the file cannot be opened.
     AudioRecorder(const StreamDescription& stream, std::uint64_t count, const std::string& path);
 
     bool take(const std::uint8_t* data, std::size_t size, std::int64_t micros) override;

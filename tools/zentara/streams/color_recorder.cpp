@@ -4,8 +4,8 @@
 
 #include <zentara/utils/format.h>
 
+#include "host/pictures/png.h"
 #include "tools/zentara/exit_code.h"
-#include "tools/zentara/png.h"
 
 namespace Zentara::Tool {
 namespace {
@@ -38,16 +38,16 @@ ColorRecorder::ColorRecorder(const StreamDescription& stream, std::uint64_t coun
     if (pngPath.empty())
         return;
     if (size.width == 0 || stream.mode.color()->getCompression() != CompressionType_NONE)
-        throw ToolFailure(ExitCode_FAILED,
-                          Utils::Format("no picture can be made of frames in mode %") % stream.modeName());
+        throw Failure(Failure::Failed,
+                      Utils::Format("no picture can be made of frames in mode %") % stream.modeName());
     picture = std::make_unique<PendingFile>(pngPath);
 }
 
 bool ColorRecorder::take(const std::uint8_t* data, std::size_t bytes, std::int64_t micros) {
     const std::size_t wanted = std::size_t{size.width} * size.height * 2;
     if (picture && bytes < wanted)
-        throw ToolFailure(ExitCode_FAILED, Utils::Format("colour frame % has % bytes; its pixels take %") %
-                                               counter.frames() % bytes % wanted);
+        throw Failure(Failure::Failed, Utils::Format("colour frame % has % bytes; its pixels take %") %
+                                           counter.frames() % bytes % wanted);
     if (picture)
         last.assign(data, data + wanted);
     counter.count(micros);

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/zentara/pending_file.h"
+#include "host/files/pending_file.h"
 #include "tools/zentara/streams/frame_counter.h"
 #include "tools/zentara/streams/stream_description.h"
 #include "tools/zentara/streams/stream_sink.h"
@@ -15,7 +15,7 @@ namespace Zentara::Tool {
 class ColorRecorder final : public StreamSink {
 public:
     /// \param count frames to take. \param pngPath for the picture; empty for none.
-    /// \throws ToolFailure when a picture is wanted of frames that are compressed, or have no known size.
+    /// \throws Failure when a picture is wanted of frames that are compressed, or have no known size.
     ColorRecorder(const StreamDescription& stream, std::uint64_t count, const std::string& pngPath);
 
     bool take(const std::uint8_t* data, std::size_t size, std::int64_t micros) override;

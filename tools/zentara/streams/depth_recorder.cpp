@@ -5,8 +5,8 @@
 
 #include <zentara/utils/format.h>
 
+#include "host/pictures/canvas.h"
 #include "tools/zentara/cameras/camera_bus.h"
-#include "tools/zentara/canvas.h"
 #include "tools/zentara/exit_code.h"
 
 namespace Zentara::Tool {
@@ -20,8 +20,8 @@ DepthRecorder::DepthRecorder(const StreamDescription& stream, std::uint64_t coun
                              const std::string& rawPath)
     : camera(cameraLabel(stream.node)), size(stream.frameSize()), counter(count, stream.rate()), depth() {
     if (size.width == 0)
-        throw ToolFailure(ExitCode_FAILED,
-                          Utils::Format("the size of a frame in mode % is not known") % stream.modeName());
+        throw Failure(Failure::Failed,
+                      Utils::Format("the size of a frame in mode % is not known") % stream.modeName());
     if (!pngPath.empty())
         picture = std::make_unique<PendingFile>(pngPath);
     if (rawPath.empty())
@@ -32,8 +32,8 @@ DepthRecorder::DepthRecorder(const StreamDescription& stream, std::uint64_t coun
 bool DepthRecorder::take(const std::uint8_t* data, std::size_t bytes, std::int64_t micros) {
     const std::size_t pixels = std::size_t{size.width} * size.height;
     if (bytes < pixels * sizeof(std::uint16_t))
-        throw ToolFailure(ExitCode_FAILED, Utils::Format("frame % has % bytes; its depth alone takes %") %
-                                               counter.frames() % bytes % (pixels * sizeof(std::uint16_t)));
+        throw Failure(Failure::Failed, Utils::Format("frame % has % bytes; its depth alone takes %") %
+                                           counter.frames() % bytes % (pixels * sizeof(std::uint16_t)));
     depth.resize(pixels);
     std::memcpy(depth.data(), data, pixels * sizeof(std::uint16_t));
     counter.count(micros);

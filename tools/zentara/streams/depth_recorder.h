@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "tools/zentara/color_map.h"
-#include "tools/zentara/pending_file.h"
+#include "host/files/pending_file.h"
+#include "host/pictures/color_map.h"
 #include "tools/zentara/streams/frame_counter.h"
 #include "tools/zentara/streams/stream_description.h"
 #include "tools/zentara/streams/stream_sink.h"
@@ -17,7 +17,7 @@ namespace Zentara::Tool {
 class DepthRecorder final : public StreamSink {
 public:
     /// \param count frames to take. \param pngPath, rawPath for the picture and for the frames as they came; empty
-    /// for none. \throws ToolFailure when the mode has no size, or a file cannot be opened.
+    /// for none. \throws Failure when the mode has no size, or a file cannot be opened.
     DepthRecorder(const StreamDescription& stream, std::uint64_t count, const std::string& pngPath,
                   const std::string& rawPath);
 

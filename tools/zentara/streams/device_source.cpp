@@ -6,9 +6,9 @@
 #include <zentara/io/video_device_proxy.h>
 #include <zentara/utils/format.h>
 
+#include "host/guid_text.h"
 #include "tools/zentara/chips/device_choice.h"
 #include "tools/zentara/exit_code.h"
-#include "tools/zentara/guid_text.h"
 
 namespace Zentara::Tool {
 namespace {
@@ -18,7 +18,7 @@ constexpr float inputLevel = 0.5F;
 class DeviceSource : public StreamSource {
 public:
     ~DeviceSource() override {
-        const WatchedStep watched("let go of " + label());
+        const Step watched("let go of " + label());
         proxy.reset();
     }
 

@@ -40,9 +40,9 @@ std::string listOf(const std::vector<StreamDescription>& modes) {
 
 void set(std::string& wish, const std::string& word) {
     if (word.empty())
-        throw ToolFailure(ExitCode_USAGE, "the name of the mode is empty");
+        throw Failure(Failure::Usage, "the name of the mode is empty");
     if (!wish.empty())
-        throw ToolFailure(ExitCode_USAGE, Format("--mode: % and % are for the same streams") % wish % word);
+        throw Failure(Failure::Usage, Format("--mode: % and % are for the same streams") % wish % word);
     wish = word;
 }
 
@@ -72,8 +72,8 @@ std::size_t ModeChoice::among(const std::vector<StreamDescription>& modes, const
         return bySize ? hasSize(mode, size) : Utils::toLower(mode.modeName()) == name;
     });
     if (found == modes.end())
-        throw ToolFailure(ExitCode_USAGE, Format("% has no mode %; it has %") % label %
-                                              (bySize ? size : name) % listOf(modes));
+        throw Failure(Failure::Usage,
+                      Format("% has no mode %; it has %") % label % (bySize ? size : name) % listOf(modes));
     return static_cast<std::size_t>(found - modes.begin());
 }
 

@@ -17,14 +17,14 @@ public:
 
     /// \param words a name each, or one size for depth and colour alike; a name says by its beginning for which kind
     /// it is. For a kind that has both, the name counts.
-    /// \throws ToolFailure, exit code 2, for an empty word, a second size and a second name of one kind
+    /// \throws Failure, exit code 2, for an empty word, a second size and a second name of one kind
     explicit ModeChoice(const std::vector<std::string>& words);
 
     /// Whether something is wanted of that kind by name.
     [[nodiscard]] bool names(NodeType type) const { return !nameFor(type).empty(); }
 
     /// The index among a node's modes, of which the first one is the default.
-    /// \param label the node, for the message \throws ToolFailure, exit code 2, naming the modes when none is the one
+    /// \param label the node, for the message \throws Failure, exit code 2, naming the modes when none is the one
     /// that is wanted
     [[nodiscard]] std::size_t among(const std::vector<StreamDescription>& modes,
                                     const std::string& label) const;

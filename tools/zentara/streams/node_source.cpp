@@ -11,8 +11,8 @@
 #include <zentara/plugin/call_plugin.h>
 #include <zentara/utils/format.h>
 
+#include "host/guid_text.h"
 #include "tools/zentara/cameras/calibration_origin.h"
-#include "tools/zentara/guid_text.h"
 
 namespace Zentara::Tool {
 
@@ -32,7 +32,7 @@ OpenNode<Node>::OpenNode(const NodeEvent& found, std::ostream& err) : descriptio
 
 template<typename Node>
 OpenNode<Node>::~OpenNode() {
-    const WatchedStep watched("let go of " + cameraLabel(description));
+    const Step watched("let go of " + cameraLabel(description));
     try {
         dispose();
     } catch (const std::exception&) {
@@ -85,7 +85,7 @@ private:
         }
         const auto modes = node->getConfigurations();
         if (modes.empty())
-            throw ToolFailure(ExitCode_FAILED, label() + " has no mode to stream in");
+            throw Failure(Failure::Failed, label() + " has no mode to stream in");
         std::vector<StreamDescription> offered;
         for (const auto& one : modes)
             offered.push_back({node.event(), StreamMode(*one)});
@@ -110,7 +110,7 @@ std::unique_ptr<StreamSource> openNodeStream(const NodeEvent& node, const ModeCh
     case NodeType_AUDIO:
         return std::make_unique<NodeSource<Core::AudioNodeInterface, AudioConfiguration>>(node, choice, err);
     default:
-        throw ToolFailure(ExitCode_FAILED, cameraLabel(node) + " is of a kind that has no stream");
+        throw Failure(Failure::Failed, cameraLabel(node) + " is of a kind that has no stream");
     }
 }
 

@@ -21,7 +21,7 @@ namespace Zentara::Tool {
 template<typename Node>
 class OpenNode final {
 public:
-    /// \throws ToolFailure
+    /// \throws Failure
     OpenNode(const NodeEvent& found, std::ostream& err);
     ~OpenNode();
     OpenNode(const OpenNode&) = delete;
@@ -46,7 +46,7 @@ extern template class OpenNode<Core::AudioNodeInterface>;
 extern template class OpenNode<Core::ColorNodeInterface>;
 extern template class OpenNode<Core::DepthNodeInterface>;
 
-/// The stream of a node in the mode that is chosen. \throws ToolFailure
+/// The stream of a node in the mode that is chosen. \throws Failure
 [[nodiscard]] std::unique_ptr<StreamSource> openNodeStream(const NodeEvent& node, const ModeChoice& choice,
                                                            std::ostream& err);
 

@@ -12,8 +12,8 @@
 #include <zentara/utils/exceptions.h>
 #include <zentara/utils/format.h>
 
+#include "host/files/paths.h"
 #include "tools/zentara/exit_code.h"
-#include "tools/zentara/paths.h"
 #include "tools/zentara/streams/recording_format.h"
 #include "utils/visible_text.h"
 
@@ -37,8 +37,8 @@ std::unique_ptr<std::istream> openRecording(const std::string& path) {
     std::error_code ignored;
     const auto status = std::filesystem::status(pathOf(path), ignored);
     if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
-        throw ToolFailure(
-            ExitCode_FAILED,
+        throw Failure(
+            Failure::Failed,
             Format("cannot read recording '%': it is there and no file; a recording is read from a file") %
                 Utils::visibleText(path));
     return std::make_unique<std::ifstream>(pathOf(path), std::ios::binary);
@@ -53,8 +53,7 @@ RecordingReader::RecordingReader(std::unique_ptr<std::istream> bytes, const std:
     in->seekg(0, std::ios::end);
     const auto end = *in ? static_cast<std::streamoff>(in->tellg()) : std::streamoff{-1};
     if (end < 0)
-        throw ToolFailure(ExitCode_FAILED,
-                          Utils::formatLastError(Format("cannot read recording '%'") % path));
+        throw Failure(Failure::Failed, Utils::formatLastError(Format("cannot read recording '%'") % path));
     size = static_cast<std::uint64_t>(end);
     in->seekg(0);
     readHeader();
@@ -90,8 +89,8 @@ std::uint64_t RecordingReader::frames() const noexcept {
 }
 
 void RecordingReader::fail(const std::string& what) const {
-    throw ToolFailure(ExitCode_FAILED, Format("recording '%', byte %: %; % whole frames come before") % path %
-                                           start % what % frames());
+    throw Failure(Failure::Failed, Format("recording '%', byte %: %; % whole frames come before") % path %
+                                       start % what % frames());
 }
 
 void RecordingReader::get(void* data, std::size_t count, const char* what) {

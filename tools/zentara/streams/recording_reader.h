@@ -22,7 +22,7 @@ struct RecordedFrame {
 class RecordingReader final {
 public:
     /// Reads the descriptions of the streams.
-    /// \throws ToolFailure when the file cannot be read, is no recording, is of another version or damaged.
+    /// \throws Failure when the file cannot be read, is no recording, is of another version or damaged.
     explicit RecordingReader(const std::string& path);
 
     /// The same of bytes that lie elsewhere. \param name what to call them in messages
@@ -34,7 +34,7 @@ public:
     void select(std::uint16_t stream);
 
     /// The next frame. \return false at the end of a whole recording
-    /// \throws ToolFailure naming the place when the file is cut short or damaged there; the frames before it
+    /// \throws Failure naming the place when the file is cut short or damaged there; the frames before it
     /// have been delivered then.
     [[nodiscard]] bool next(RecordedFrame& frame);
 

@@ -5,8 +5,8 @@
 #include <zentara/utils/binary_writer.h>
 #include <zentara/utils/format.h>
 
+#include "host/files/file_failure.h"
 #include "tools/zentara/exit_code.h"
-#include "tools/zentara/file_failure.h"
 #include "tools/zentara/streams/recording_format.h"
 
 namespace Zentara::Tool {
@@ -29,8 +29,8 @@ void writeChecksum(BinaryWriter& bytes) {
 RecordingWriter::RecordingWriter(const std::string& path, const std::vector<StreamDescription>& streams)
     : file(path), counts(streams.size()) {
     if (streams.empty() || streams.size() > mostStreams)
-        throw ToolFailure(ExitCode_FAILED, Utils::Format("cannot record % streams; 1 to % fit into a file") %
-                                               streams.size() % mostStreams);
+        throw Failure(Failure::Failed, Utils::Format("cannot record % streams; 1 to % fit into a file") %
+                                           streams.size() % mostStreams);
     writeHeader();
     for (std::size_t index = 0; index < streams.size(); ++index)
         writeStream(static_cast<std::uint16_t>(index), streams[index]);
@@ -73,7 +73,7 @@ void RecordingWriter::commit() {
         try {
             writeEnd();
             break;
-        } catch (const ToolFailure&) {
+        } catch (const Failure&) {
             if (last.empty())
                 throw;
             end = last.back().start;
@@ -116,8 +116,8 @@ void RecordingWriter::writeStream(std::uint16_t stream, const StreamDescription&
 void RecordingWriter::writeChunk(std::uint32_t tag, std::uint16_t stream, std::int64_t micros,
                                  const void* payload, std::size_t size) {
     if (size > mostPayloadBytes)
-        throw ToolFailure(ExitCode_FAILED, Utils::Format("cannot record a frame of % bytes; at most % fit") %
-                                               size % mostPayloadBytes);
+        throw Failure(Failure::Failed, Utils::Format("cannot record a frame of % bytes; at most % fit") %
+                                           size % mostPayloadBytes);
     BinaryWriter header;
     header.write(tag);
     header.write(stream);

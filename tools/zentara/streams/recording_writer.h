@@ -6,7 +6,7 @@
 
 #include <zentara/utils/mutex.h>
 
-#include "tools/zentara/pending_file.h"
+#include "host/files/pending_file.h"
 #include "tools/zentara/streams/stream_description.h"
 
 namespace Zentara::Utils {
@@ -18,15 +18,15 @@ namespace Zentara::Tool {
 /// Writes streams into one recording. The file takes its name with commit().
 class RecordingWriter final {
 public:
-    /// \throws ToolFailure when the file cannot be opened, or there are too many streams.
+    /// \throws Failure when the file cannot be opened, or there are too many streams.
     RecordingWriter(const std::string& path, const std::vector<StreamDescription>& streams);
 
-    /// Adds a frame of the stream with that index. Safe. \throws ToolFailure when it cannot be written.
+    /// Adds a frame of the stream with that index. Safe. \throws Failure when it cannot be written.
     void append(std::uint16_t stream, const std::uint8_t* data, std::size_t size, std::int64_t micros);
 
     /// Ends the recording and completes the file. One that could not be written on to, because the disk is full, ends
     /// with its last whole frame; a frame more goes where there is no room to say that it has ended.
-    /// \throws ToolFailure when even that cannot be written
+    /// \throws Failure when even that cannot be written
     void commit();
     /// How many frames of all streams stand in it.
     [[nodiscard]] std::uint64_t frames() const;

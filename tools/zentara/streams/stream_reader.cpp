@@ -70,19 +70,18 @@ void StreamReader::readUnits() {
         case ReadBufferStatus_NOT_STREAMING:
             return;
         case ReadBufferStatus_DISCONNECTED:
-            throw ToolFailure(ExitCode_NO_DEVICE,
-                              Format("% was unplugged after % units") % label % units.load());
+            throw Failure(Failure::NoDevice, Format("% was unplugged after % units") % label % units.load());
         default:
-            throw ToolFailure(ExitCode_FAILED, Format("reading from % ended with status %") % label %
-                                                   static_cast<int>(status));
+            throw Failure(Failure::Failed,
+                          Format("reading from % ended with status %") % label % static_cast<int>(status));
         }
     }
 }
 
 bool StreamReader::takeUnit(int length, std::int64_t micros) {
     if (length < 0 || static_cast<std::size_t>(length) > buffer.size())
-        throw ToolFailure(ExitCode_FAILED,
-                          Format("% delivered % bytes into a buffer of %") % label % length % buffer.size());
+        throw Failure(Failure::Failed,
+                      Format("% delivered % bytes into a buffer of %") % label % length % buffer.size());
     Utils::Threading::AutoLock hold(taking);
     if (halted)
         return false;
@@ -93,8 +92,8 @@ bool StreamReader::takeUnit(int length, std::int64_t micros) {
 
 void StreamReader::makeRoom(int length) {
     if (length <= 0 || static_cast<std::size_t>(length) <= buffer.size() || length > mostBytes)
-        throw ToolFailure(ExitCode_FAILED, Format("% wants a buffer of % bytes and does not take one of %") %
-                                               label % length % buffer.size());
+        throw Failure(Failure::Failed, Format("% wants a buffer of % bytes and does not take one of %") %
+                                           label % length % buffer.size());
     buffer.resize(static_cast<std::size_t>(length));
 }
 

@@ -15,6 +15,7 @@
 #include "tools/zentara/streams/device_source.h"
 #include "tools/zentara/streams/node_source.h"
 #include "tools/zentara/streams/played_source.h"
+#include "tools/zentara/supervisor.h"
 
 namespace Zentara::Tool {
 
@@ -151,13 +152,13 @@ void StreamSession::checkKinds() const {
     for (const NodeType type : {NodeType_DEPTH, NodeType_COLOR, NodeType_AUDIO}) {
         const bool wanted = type == NodeType_DEPTH ? depthFile : wants(type);
         if (wanted && parts->kinds.count(type) == 0)
-            throw ToolFailure(ExitCode_FAILED, Format("there is no % stream") % nodeTypeName(type));
+            throw Failure(Failure::Failed, Format("there is no % stream") % nodeTypeName(type));
     }
 }
 
 void StreamSession::checkInterrupt() const {
     if (parts->interrupt.interrupted())
-        throw ToolFailure(ExitCode_INTERRUPTED, "interrupted before anything was streamed");
+        throw Failure(Failure::Interrupted, "interrupted before anything was streamed");
 }
 
 bool StreamSession::wants(NodeType type) const {
@@ -174,7 +175,7 @@ void StreamSession::openCamera(const CameraEntry& entry, const StreamedCamera::O
         std::make_unique<StreamedCamera>(cameraJson(entry), open, parts->wake, finite));
     try {
         openStreams(camera, entry.nodes);
-    } catch (const ToolFailure& failure) {
+    } catch (const Failure& failure) {
         if (!several)
             throw;
         camera.fail(failure);
@@ -183,7 +184,7 @@ void StreamSession::openCamera(const CameraEntry& entry, const StreamedCamera::O
 
 void StreamSession::openStreams(StreamedCamera& camera, const std::vector<NodeEvent>& nodes) {
     if (nodes.empty())
-        throw ToolFailure(ExitCode_FAILED, "the camera has no node of the kinds that are wanted");
+        throw Failure(Failure::Failed, "the camera has no node of the kinds that are wanted");
     const auto first = static_cast<std::uint16_t>(parts->streams.size());
     int framesPerSecond = usualFramesPerSecond;
     for (const NodeEvent& node : nodes) {
@@ -226,7 +227,7 @@ std::string StreamSession::fileFor(const StreamDescription& stream, const std::s
         return path;
     const std::string file = several ? withSerialNumber(path, stream.node) : path;
     if (!parts->files.insert(Utils::canonicalPath(file)).second)
-        throw ToolFailure(ExitCode_FAILED, Format("two streams would be written into '%'") % file);
+        throw Failure(Failure::Failed, Format("two streams would be written into '%'") % file);
     return file;
 }
 
@@ -313,9 +314,9 @@ void StreamSession::finish() {
     }
     if (!allFailed)
         return;
-    const ToolFailure& failure = parts->cameras.front()->failure();
-    throw ToolFailure(stopped ? ExitCode_INTERRUPTED : failure.code,
-                      stopped ? std::string("interrupted; ") + failure.what() : failure.what());
+    const Failure& failure = parts->cameras.front()->failure();
+    throw Failure(stopped ? Failure::Interrupted : failure.code(),
+                  stopped ? std::string("interrupted; ") + failure.what() : failure.what());
 }
 
 /// On another thread, while this session's own hangs in a device: what had come stays, as after Ctrl-C.
@@ -333,12 +334,12 @@ void StreamSession::rescue() {
 
 ExitCode StreamSession::result() const {
     if (stopped)
-        return ExitCode_INTERRUPTED;
+        return Failure::Interrupted;
     for (const auto& camera : parts->cameras) {
         if (camera->state() == State::Failed)
-            return camera->failure().code;
+            return camera->failure().code();
     }
-    return ExitCode_DONE;
+    return Failure::None;
 }
 
 bool StreamSession::stuck() const {

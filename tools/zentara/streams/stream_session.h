@@ -45,7 +45,7 @@ public:
     StreamSession& operator=(const StreamSession&) = delete;
 
     /// Failures of single cameras are told on the console's `err`.
-    /// \throws ToolFailure when nothing came of any camera
+    /// \throws Failure when nothing came of any camera
     void run();
 
     /// Done, the code of the first camera that failed, or interrupted.

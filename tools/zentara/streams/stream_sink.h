@@ -16,7 +16,7 @@ public:
     StreamSink& operator=(const StreamSink&) = delete;
     virtual ~StreamSink() = default;
 
-    /// \return false once enough has come. \throws ToolFailure when the unit is none of the stream's mode, or a
+    /// \return false once enough has come. \throws Failure when the unit is none of the stream's mode, or a
     /// file cannot be written.
     virtual bool take(const std::uint8_t* data, std::size_t size, std::int64_t micros) = 0;
 

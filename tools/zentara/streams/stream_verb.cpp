@@ -28,7 +28,7 @@ void checkPaths(const StreamOptions& options) {
     for (const std::string* path :
          {&options.png, &options.raw, &options.colorPng, &options.wav, &options.record, &options.play}) {
         if (!path->empty() && !paths.insert(Utils::canonicalPath(*path)).second)
-            throw ToolFailure(ExitCode_USAGE, Format("'%' is named for two files") % *path);
+            throw Failure(Failure::Usage, Format("'%' is named for two files") % *path);
     }
 }
 
@@ -36,9 +36,8 @@ void checkPaths(const StreamOptions& options) {
 void checkModes(const StreamOptions& options) {
     for (const NodeType type : {NodeType_COLOR, NodeType_AUDIO}) {
         if (options.modes.names(type) && !(type == NodeType_COLOR ? options.color : options.audio))
-            throw ToolFailure(ExitCode_USAGE,
-                              Format("--mode names one for %, which is not streamed: say --%") %
-                                  nodeTypeName(type) % nodeTypeName(type));
+            throw Failure(Failure::Usage, Format("--mode names one for %, which is not streamed: say --%") %
+                                              nodeTypeName(type) % nodeTypeName(type));
     }
 }
 
@@ -58,11 +57,11 @@ ExitCode runStream(StreamOptions options, const std::vector<std::string>& modes,
     StreamSession session(options, console);
     try {
         session.run();
-    } catch (const ToolFailure& failure) {
+    } catch (const Failure& failure) {
         if (!session.stuck())
             throw;
         tellFailure(console, failure);
-        endProcess(console, failure.code);
+        endProcess(console, failure.code());
     }
     if (options.json)
         print(console.out, session.json());
@@ -70,7 +69,7 @@ ExitCode runStream(StreamOptions options, const std::vector<std::string>& modes,
         session.print(console.out);
     if (session.stuck())
         endProcess(console, session.result());
-    if (session.result() == ExitCode_INTERRUPTED)
+    if (session.result() == Failure::Interrupted)
         note(console, "interrupted after " + std::to_string(session.progress()) + " frames");
     return session.result();
 }

@@ -7,8 +7,8 @@
 #include <zentara/utils/clock.h>
 #include <zentara/utils/format.h>
 
+#include "host/files/file_failure.h"
 #include "tools/zentara/cameras/camera_bus.h"
-#include "tools/zentara/file_failure.h"
 #include "tools/zentara/streams/stream_reader.h"
 
 namespace Zentara::Tool {
@@ -74,7 +74,7 @@ void StreamedCamera::start() {
     try {
         for (std::size_t index = 0; index < streams.size(); ++index)
             startStream(index);
-    } catch (const ToolFailure& failure) {
+    } catch (const Failure& failure) {
         fail(failure);
     }
 }
@@ -112,8 +112,8 @@ void StreamedCamera::look() {
     try {
         for (const auto& stream : streams)
             watchStream(*stream);
-    } catch (const ToolFailure& failure) {
-        if (failure.code == ExitCode_NO_DEVICE)
+    } catch (const Failure& failure) {
+        if (failure.code() == Failure::NoDevice)
             unplug(failure);
         else
             fail(failure);
@@ -133,16 +133,15 @@ void StreamedCamera::watchStream(Stream& stream) {
         if (units != std::exchange(stream.seen, units))
             stream.since = Utils::Clock::nowMicros();
         if (Utils::Clock::nowMicros() - stream.since > stallMicros)
-            throw ToolFailure(ExitCode_TIMEOUT, Format("nothing came from % for % s; % frames had come") %
-                                                    stream.source->label() % (stallMicros / 1'000'000) %
-                                                    units);
+            throw Failure(Failure::TimedOut, Format("nothing came from % for % s; % frames had come") %
+                                                 stream.source->label() % (stallMicros / 1'000'000) % units);
         return;
     }
     stream.reader->join();
     stream.reader->rethrow();
     if (!stream.sink->full() && !finite)
-        throw ToolFailure(ExitCode_FAILED, Format("% ended its stream after % units, before all had come") %
-                                               stream.source->label() % stream.units());
+        throw Failure(Failure::Failed, Format("% ended its stream after % units, before all had come") %
+                                           stream.source->label() % stream.units());
     stream.ended = true;
 }
 
@@ -152,8 +151,8 @@ void StreamedCamera::removed(const NodeEvent& node) {
             continue;
         stream->present = false;
         if (condition == State::Streaming && !stream->ended)
-            unplug(ToolFailure(ExitCode_NO_DEVICE,
-                               Format("% was unplugged after % units") % name % stream->units()));
+            unplug(
+                Failure(Failure::NoDevice, Format("% was unplugged after % units") % name % stream->units()));
     }
 }
 
@@ -179,7 +178,7 @@ bool StreamedCamera::present() const {
 }
 
 /// What the device says while it is being taken apart is no news: it is gone.
-void StreamedCamera::unplug(const ToolFailure& why) {
+void StreamedCamera::unplug(const Failure& why) {
     trouble.emplace(why);
     awaySince = Utils::Clock::nowMicros();
     leave();
@@ -206,21 +205,21 @@ void StreamedCamera::plugIn() {
                 continue;
             stream.source = opener(stream.description.node);
             if (stream.source->description().mode != stream.description.mode)
-                throw ToolFailure(ExitCode_FAILED, name + " came back in another mode");
+                throw Failure(Failure::Failed, name + " came back in another mode");
             stream.sink->resume();
             startStream(index);
         }
         condition = State::Streaming;
         trouble.reset();
         ++absences;
-    } catch (const ToolFailure& failure) {
-        if (failure.code != ExitCode_NO_DEVICE)
+    } catch (const Failure& failure) {
+        if (failure.code() != Failure::NoDevice)
             trouble.emplace(failure);
         leave();
     }
 }
 
-void StreamedCamera::fail(const ToolFailure& failure) {
+void StreamedCamera::fail(const Failure& failure) {
     condition = State::Failed;
     if (!trouble)
         trouble.emplace(failure);
@@ -242,7 +241,7 @@ void StreamedCamera::closeStreams() {
             if (stream->source && !leftBehind)
                 stream->source->close();
         }
-    } catch (const ToolFailure& failure) {
+    } catch (const Failure& failure) {
         if (!trouble)
             trouble.emplace(failure);
     }
@@ -256,7 +255,7 @@ void StreamedCamera::stopStreams() {
         try {
             if (stream->source)
                 stream->source->stop();
-        } catch (const ToolFailure& failure) {
+        } catch (const Failure& failure) {
             if (!trouble)
                 trouble.emplace(failure);
         }
@@ -273,8 +272,8 @@ void StreamedCamera::letGo(Stream& stream) {
     while (!stream.reader->finished()) {
         if (Utils::Clock::nowMicros() > end) {
             leftBehind = true;
-            trouble.emplace(ExitCode_TIMEOUT, Format("% does not return from reading; % frames had come") %
-                                                  stream.source->label() % stream.units());
+            trouble.emplace(Failure::TimedOut, Format("% does not return from reading; % frames had come") %
+                                                   stream.source->label() % stream.units());
             return;
         }
         wake.timedWait(letGoLookMilliseconds);
@@ -287,8 +286,8 @@ void StreamedCamera::letGo(Stream& stream) {
 /// What a recording holds before the place where it breaks off is kept; half a stream of a camera is not.
 void StreamedCamera::finish() {
     if (condition == State::Unplugged) {
-        const ToolFailure why = *trouble;
-        trouble.emplace(why.code, std::string(why.what()) + " and did not come back");
+        const Failure why = *trouble;
+        trouble.emplace(why.code(), std::string(why.what()) + " and did not come back");
     }
     if (condition != State::Done)
         condition = State::Failed;
@@ -300,15 +299,15 @@ void StreamedCamera::finish() {
                 stream->sink->commit();
                 isKept = true;
             }
-        } catch (const ToolFailure& failure) {
+        } catch (const Failure& failure) {
             if (!cannotWrite) // else it has been told which file was the first
                 trouble.emplace(failure);
             condition = State::Failed;
         }
     }
     if (cannotWrite && isKept && trouble) {
-        const ToolFailure why = *trouble;
-        trouble.emplace(why.code, std::string(why.what()) + "; what came whole before it is kept");
+        const Failure why = *trouble;
+        trouble.emplace(why.code(), std::string(why.what()) + "; what came whole before it is kept");
     }
     for (const auto& stream : streams) {
         if (condition == State::Failed && stream->sink)

@@ -39,7 +39,7 @@ public:
     StreamedCamera(const StreamedCamera&) = delete;
     StreamedCamera& operator=(const StreamedCamera&) = delete;
 
-    /// Opens a stream. \return its description \throws ToolFailure
+    /// Opens a stream. \return its description \throws Failure
     const StreamDescription& open(const NodeEvent& node);
 
     /// Says where the stream that was opened last goes; called once for each, before start().
@@ -65,15 +65,15 @@ public:
     void finish();
 
     /// While the thread that made the camera hangs: its readers take nothing more, and its files are completed if they
-    /// hold what had come. \throws ToolFailure
+    /// hold what had come. \throws Failure
     void rescue();
 
     /// Takes the failure as the camera's, if it has none yet, and ends its streams.
-    void fail(const ToolFailure& failure);
+    void fail(const Failure& failure);
 
     [[nodiscard]] State state() const noexcept { return condition; }
     /// What it failed with.
-    [[nodiscard]] const ToolFailure& failure() const { return *trouble; }
+    [[nodiscard]] const Failure& failure() const { return *trouble; }
     /// How long it has been away, in seconds.
     [[nodiscard]] double awaySeconds() const;
     /// Whether a reader's thread sits in the device and cannot be ended.
@@ -98,7 +98,7 @@ private:
     void stopStreams();
     void letGo(Stream& stream);
     void closeStreams();
-    void unplug(const ToolFailure& why);
+    void unplug(const Failure& why);
     void leave();
     void lookForReturn();
     void plugIn();
@@ -113,7 +113,7 @@ private:
     RecordingWriter* recorder = nullptr;
     std::uint16_t firstIndex = 0;
     State condition = State::Streaming;
-    std::optional<ToolFailure> trouble;
+    std::optional<Failure> trouble;
     std::int64_t awaySince = 0;
     std::int64_t triedAt = 0; ///< when it was last found to be away
     unsigned absences = 0;

@@ -1,8 +1,8 @@
-#include "tools/zentara/paths.h"
+#include "host/files/paths.h"
 
 #include <system_error>
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 std::filesystem::path pathOf(const std::string& utf8) {
     return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
@@ -18,4 +18,4 @@ bool isDirectory(const std::string& utf8) {
     return std::filesystem::is_directory(pathOf(utf8), ignored);
 }
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

@@ -1,4 +1,4 @@
-#include "tools/zentara/json_fields.h"
+#include "host/json_fields.h"
 
 #include <algorithm>
 #include <iostream>
@@ -6,10 +6,10 @@
 
 #include <zentara/utils/format.h>
 
-#include "tools/zentara/exit_code.h"
-#include "tools/zentara/file_failure.h"
+#include "host/files/file_failure.h"
+#include <zentara/host/failure.h>
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 using Utils::Format;
 
@@ -20,7 +20,7 @@ constexpr int mostDepth = 64; // what looks at a value calls itself for each lev
 constexpr std::size_t mostShown = 40;
 
 [[noreturn]] void refuse(const std::string& path, const std::string& what) {
-    throw ToolFailure(ExitCode_FAILED, Format("'%' is no JSON: %") % path % what);
+    throw Failure(Failure::Failed, Format("'%' is no JSON: %") % path % what);
 }
 
 /// Without the library's name for it, in brackets.
@@ -36,7 +36,7 @@ std::string readInput() {
     std::cin.read(text.data(), static_cast<std::streamsize>(text.size()));
     text.resize(static_cast<std::size_t>(std::cin.gcount()));
     if (text.size() > mostBytes)
-        throw ToolFailure(ExitCode_FAILED, Format("standard input has more than % bytes") % mostBytes);
+        throw Failure(Failure::Failed, Format("standard input has more than % bytes") % mostBytes);
     return text;
 }
 
@@ -64,7 +64,7 @@ Json readJsonFile(const std::string& path) {
 
 void writeJsonFile(const std::string& path, const Json& json, IfThere ifThere) {
     std::ostringstream text;
-    print(text, json);
+    text << json.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
     PendingFile file(path, ifThere);
     file.write(text.str());
     file.commit();
@@ -118,7 +118,7 @@ std::string JsonFields::place(const std::string& name) const {
 }
 
 void JsonFields::fail(const std::string& name, const std::string& what) const {
-    throw ToolFailure(ExitCode_FAILED, place(name) + ": " + what);
+    throw Failure(Failure::Failed, place(name) + ": " + what);
 }
 
 std::int64_t JsonFields::numberIn(const Json& value, const std::string& name, std::int64_t least,
@@ -132,4 +132,4 @@ std::int64_t JsonFields::numberIn(const Json& value, const std::string& name, st
     return value.get<std::int64_t>();
 }
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

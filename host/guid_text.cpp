@@ -1,11 +1,11 @@
-#include "tools/zentara/guid_text.h"
+#include "host/guid_text.h"
 
 #include <cstddef>
 
 #include <zentara/core/guids.h>
 #include <zentara/utils/format.h>
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 std::string guidText(const GUID& guid) {
     std::string text = Utils::Format("%{:X8}-%{:X4}-%{:X4}-") % guid.Data1 % guid.Data2 % guid.Data3;
@@ -31,4 +31,4 @@ std::string guidLabel(const GUID& guid) {
     return name.empty() ? guidText(guid) : name;
 }
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

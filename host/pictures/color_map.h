@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 using Rgb = std::array<std::uint8_t, 3>;
 
@@ -26,4 +26,4 @@ struct DepthRange {
 [[nodiscard]] std::vector<std::uint8_t> colorize(const std::uint16_t* depth, std::size_t count,
                                                  const DepthRange& range);
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

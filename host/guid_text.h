@@ -4,7 +4,7 @@
 
 #include <zentara/guid.h>
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 /// The usual form, upper case: "39E23FC6-E54A-4CD0-9FB4-67C1781E2C5B".
 [[nodiscard]] std::string guidText(const GUID& guid);
@@ -15,4 +15,4 @@ namespace Zentara::Tool {
 /// What to call a plug-in in a message: the well-known name, else the GUID.
 [[nodiscard]] std::string guidLabel(const GUID& guid);
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

@@ -1,13 +1,13 @@
-#include "tools/zentara/png.h"
+#include "host/pictures/png.h"
 
-#include "tools/zentara/exit_code.h"
+#include <zentara/host/failure.h>
 
 #define STB_IMAGE_WRITE_IMPLEMENTATION
 #define STB_IMAGE_WRITE_STATIC
 #define STBI_WRITE_NO_STDIO
 #include <stb/stb_image_write.h>
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 std::string encodePng(const std::vector<std::uint8_t>& pixels, int width, int height) {
     std::string bytes;
@@ -16,8 +16,8 @@ std::string encodePng(const std::vector<std::uint8_t>& pixels, int width, int he
                                                   static_cast<std::size_t>(size));
     };
     if (stbi_write_png_to_func(append, &bytes, width, height, 3, pixels.data(), 3 * width) == 0)
-        throw ToolFailure(ExitCode_FAILED, "cannot encode the picture: out of memory");
+        throw Failure(Failure::Failed, "cannot encode the picture: out of memory");
     return bytes;
 }
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "tools/zentara/color_map.h"
+#include "host/pictures/color_map.h"
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 /// A white picture to draw and write on; what lies outside is cut off.
 class Canvas {
@@ -25,7 +25,7 @@ public:
     void text(int x, int y, const std::string& label, const Rgb& color);
     [[nodiscard]] static int textWidth(const std::string& label);
 
-    /// A PNG file's bytes. \throws ToolFailure when the picture cannot be encoded
+    /// A PNG file's bytes. \throws Failure when the picture cannot be encoded
     [[nodiscard]] std::string png() const;
 
 private:
@@ -44,11 +44,11 @@ struct ColorScale {
 };
 
 /// A picture with a title above it, the scale with numbers and unit beside it, and what black is below.
-/// \param pixels rows from the top, three bytes a pixel \throws ToolFailure when the picture cannot be encoded
+/// \param pixels rows from the top, three bytes a pixel \throws Failure when the picture cannot be encoded
 [[nodiscard]] std::string scaledPicturePng(const std::string& title, const std::vector<std::uint8_t>& pixels,
                                            int columns, int rows, const ColorScale& scale);
 
 /// The fewest digits that a person needs: "0.5", "1200".
 [[nodiscard]] std::string tickText(double value);
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

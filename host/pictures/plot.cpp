@@ -1,13 +1,13 @@
-#include "tools/zentara/plot.h"
+#include "host/pictures/plot.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 
-#include "tools/zentara/canvas.h"
-#include "tools/zentara/exit_code.h"
+#include "host/pictures/canvas.h"
+#include <zentara/host/failure.h>
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 namespace {
 
 constexpr int width = 800;
@@ -44,7 +44,7 @@ std::pair<double, double> extent(const std::vector<PlotLine>& lines, Member memb
         }
     }
     if (!(found.first <= found.second) || !std::isfinite(found.first) || !std::isfinite(found.second))
-        throw ToolFailure(ExitCode_FAILED, "there is nothing to plot");
+        throw Failure(Failure::Failed, "there is nothing to plot");
     return found;
 }
 
@@ -120,4 +120,4 @@ std::string plotPng(const std::string& xLabel, const std::vector<PlotPanel>& pan
     return canvas.png();
 }
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

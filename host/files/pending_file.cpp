@@ -1,4 +1,4 @@
-#include "tools/zentara/pending_file.h"
+#include "host/files/pending_file.h"
 
 #include <filesystem>
 #include <system_error>
@@ -6,11 +6,11 @@
 
 #include <zentara/utils/format.h>
 
-#include "tools/zentara/exit_code.h"
-#include "tools/zentara/file_failure.h"
-#include "tools/zentara/paths.h"
+#include "host/files/file_failure.h"
+#include "host/files/paths.h"
+#include <zentara/host/failure.h>
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 using Utils::Format;
 using Utils::Platform::FileKind;
@@ -39,12 +39,12 @@ bool checkPlace(const std::string& path) {
     case FileKind::Regular:
         return true;
     case FileKind::DeadLink:
-        throw ToolFailure(ExitCode_FAILED,
-                          Format("cannot write '%': it is a link to a file that is not there") % path);
+        throw Failure(Failure::Failed,
+                      Format("cannot write '%': it is a link to a file that is not there") % path);
     case FileKind::Unknown:
         failFile("write", path);
     default:
-        throw ToolFailure(ExitCode_FAILED, Format("cannot write '%': it is there and no file") % path);
+        throw Failure(Failure::Failed, Format("cannot write '%': it is there and no file") % path);
     }
 }
 
@@ -53,13 +53,13 @@ bool checkPlace(const std::string& path) {
 PendingFile::PendingFile(std::string path, IfThere ifThere, const std::string& like)
     : finalPath(std::move(path)), target(linkedFile(finalPath)), rule(ifThere) {
     if (finalPath.empty())
-        throw ToolFailure(ExitCode_USAGE, "the name of the file is empty");
+        throw Failure(Failure::Usage, "the name of the file is empty");
     const bool isThere = checkPlace(target);
     if (isThere && rule == IfThere::Refuse)
-        throw ToolFailure(ExitCode_USAGE, Format("'%' is there already; --force replaces it") % finalPath);
+        throw Failure(Failure::Usage, Format("'%' is there already; --force replaces it") % finalPath);
     if (isThere && rule == IfThere::Keep)
-        throw ToolFailure(ExitCode_FAILED,
-                          Format("'%' is there already and is not replaced: name another file") % finalPath);
+        throw Failure(Failure::Failed,
+                      Format("'%' is there already and is not replaced: name another file") % finalPath);
     right.reset(FileLock::create(target, waitMilliseconds));
     if (!right)
         failFile("write", finalPath);
@@ -93,9 +93,9 @@ void PendingFile::commit() {
     if (part->take(target, rule == IfThere::Replace && right->found(), waitMilliseconds))
         return;
     if (Utils::Platform::lastFileTrouble() == FileTrouble::Exists)
-        throw ToolFailure(ExitCode_BUSY,
-                          Format("cannot write '%': another program has made it meanwhile") % finalPath);
+        throw Failure(Failure::Busy,
+                      Format("cannot write '%': another program has made it meanwhile") % finalPath);
     failFile("write", finalPath);
 }
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

@@ -6,7 +6,7 @@
 
 #include "utils/platform/new_file.h"
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 /// What becomes of a file that is there already.
 enum class IfThere {
@@ -26,7 +26,7 @@ class PendingFile final {
 public:
     /// Makes the part, empty: a place that cannot be written is told before any work is done for it.
     /// \param like  the file whose readers may read this one; the file itself unless named.
-    /// \throws ToolFailure when `path` is empty, names something that a file must not replace (a directory, a device, a
+    /// \throws Failure when `path` is empty, names something that a file must not replace (a directory, a device, a
     /// link that leads nowhere; a file that is to be kept), when another program is writing the file (exit code 6), or
     /// the part cannot be made.
     explicit PendingFile(std::string path, IfThere ifThere = IfThere::Replace, const std::string& like = {});
@@ -38,9 +38,9 @@ public:
     /// For what can only be written by name. The bytes may be written so, or by the operations here.
     [[nodiscard]] const std::string& partPath() const noexcept { return part->partPath(); }
 
-    /// Replaces the part's bytes. \throws ToolFailure naming the path and the system's reason.
+    /// Replaces the part's bytes. \throws Failure naming the path and the system's reason.
     void write(const std::string& bytes);
-    /// Adds bytes at the end, at once. \throws ToolFailure as write(); the end may then be ragged.
+    /// Adds bytes at the end, at once. \throws Failure as write(); the end may then be ragged.
     void append(const void* data, std::size_t size);
     /// Replaces bytes in the middle.
     void patch(std::uint64_t position, const void* data, std::size_t size);
@@ -48,7 +48,7 @@ public:
     void cut(std::uint64_t size);
     [[nodiscard]] std::uint64_t size() const noexcept { return part->size(); }
 
-    /// \throws ToolFailure naming the path and the system's reason.
+    /// \throws Failure naming the path and the system's reason.
     void commit();
     /// Removes the part; nothing is left to commit.
     void discard() noexcept { part.reset(); }
@@ -61,4 +61,4 @@ private:
     Utils::Platform::Owned<Utils::Platform::NewFile> part;
 };
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

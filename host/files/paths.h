@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <string>
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 /// A UTF-8 path for the standard library.
 [[nodiscard]] std::filesystem::path pathOf(const std::string& utf8);
@@ -14,4 +14,4 @@ namespace Zentara::Tool {
 /// Whether a directory lies there; false also when that cannot be found out.
 [[nodiscard]] bool isDirectory(const std::string& utf8);
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

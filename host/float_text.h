@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "tools/zentara/json_output.h"
+#include "host/json.h"
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 /// The shortest decimal that reads back as the same float: "0.1", "nan", "-inf".
 [[nodiscard]] std::string floatText(float value);
@@ -12,4 +12,4 @@ namespace Zentara::Tool {
 /// The same as a number; what JSON has no number for as a text.
 [[nodiscard]] Json floatJson(float value);
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

@@ -3,13 +3,13 @@
 #include <cstdint>
 #include <string>
 
-#include "tools/zentara/exit_code.h"
+#include <zentara/host/failure.h>
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 /// A file could not be read or written: whatever is being read or written beside it is sound.
-class FileFailure final : public ToolFailure {
-    using ToolFailure::ToolFailure;
+class FileFailure final : public Failure {
+    using Failure::Failure;
 };
 
 /// Ends a step that failed on a file with the system's reason, which must still be the last error: nothing may be
@@ -18,7 +18,7 @@ class FileFailure final : public ToolFailure {
 /// program has the file, else 1.
 [[noreturn]] void failFile(const char* what, const std::string& path);
 
-/// All bytes of a file, or of a pipe. \throws ToolFailure as above, and when it has more than that many
+/// All bytes of a file, or of a pipe. \throws Failure as above, and when it has more than that many
 [[nodiscard]] std::string readFileBytes(const std::string& path, std::uint64_t most);
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

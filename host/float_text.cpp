@@ -1,10 +1,10 @@
-#include "tools/zentara/float_text.h"
+#include "host/float_text.h"
 
 #include <array>
 #include <charconv>
 #include <cmath>
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 std::string floatText(float value) {
     std::array<char, 32> text{};
@@ -16,4 +16,4 @@ Json floatJson(float value) {
     return std::isfinite(value) ? Json::parse(floatText(value)) : Json(floatText(value));
 }
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

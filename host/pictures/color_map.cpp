@@ -1,8 +1,8 @@
-#include "tools/zentara/color_map.h"
+#include "host/pictures/color_map.h"
 
 #include <algorithm>
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 namespace {
 
 // The ends of the map are nearly black, which is the colour of "no depth"; they are left out.
@@ -64,4 +64,4 @@ std::vector<std::uint8_t> colorize(const std::uint16_t* depth, std::size_t count
     return pixels;
 }
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

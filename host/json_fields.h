@@ -6,23 +6,23 @@
 #include <string>
 #include <vector>
 
-#include "tools/zentara/json_output.h"
-#include "tools/zentara/pending_file.h"
+#include "host/files/pending_file.h"
+#include "host/json.h"
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 /// The JSON of a file, or of standard input for "-". Whatever the file is, it takes a bounded time and a bounded memory: its size and its depth have a
 /// limit, and no object may have a key twice.
-/// \throws ToolFailure naming the file and the place of what is wrong
+/// \throws Failure naming the file and the place of what is wrong
 [[nodiscard]] Json readJsonFile(const std::string& path);
 
-/// Writes a file whole or not at all. \throws ToolFailure, also when it is there and is not to be replaced
+/// Writes a file whole or not at all. \throws Failure, also when it is there and is not to be replaced
 void writeJsonFile(const std::string& path, const Json& json, IfThere ifThere);
 
 /// A value for a message, cut where it is long: "40000", "an object".
 [[nodiscard]] std::string shortText(const Json& value);
 
-/// Reads the fields of one object of a file, and knows which it was asked for. Every failure is a ToolFailure that
+/// Reads the fields of one object of a file, and knows which it was asked for. Every failure is a Failure that
 /// names the file and the path of the field: "'a.json', /calibration/phaseDelay: ...". A view of the object.
 class JsonFields {
 public:
@@ -58,4 +58,4 @@ private:
     std::set<std::string> known;
 };
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

@@ -1,4 +1,4 @@
-#include "tools/zentara/file_failure.h"
+#include "host/files/file_failure.h"
 
 #include <cstdio>
 #include <memory>
@@ -7,11 +7,11 @@
 #include <zentara/utils/exceptions.h>
 #include <zentara/utils/format.h>
 
-#include "tools/zentara/exit_code.h"
 #include "utils/platform/files.h"
 #include "utils/platform/new_file.h"
+#include <zentara/host/failure.h>
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 using Utils::Format;
 
@@ -20,12 +20,12 @@ void failFile(const char* what, const std::string& path) {
     const std::string reason = Utils::getLastError();
     switch (trouble) {
     case Utils::Platform::FileTrouble::Permission:
-        throw FileFailure(ExitCode_PERMISSION, Format("cannot % '%': %") % what % path % reason);
+        throw FileFailure(Failure::Permission, Format("cannot % '%': %") % what % path % reason);
     case Utils::Platform::FileTrouble::InUse:
-        throw FileFailure(ExitCode_BUSY,
+        throw FileFailure(Failure::Busy,
                           Format("cannot % '%': it is in use by another program (%)") % what % path % reason);
     default:
-        throw FileFailure(ExitCode_FAILED, Format("cannot % '%': %") % what % path % reason);
+        throw FileFailure(Failure::Failed, Format("cannot % '%': %") % what % path % reason);
     }
 }
 
@@ -42,12 +42,12 @@ std::string readFileBytes(const std::string& path, std::uint64_t most) {
     while (const std::size_t count = std::fread(block.data(), 1, block.size(), file.get())) {
         bytes.append(block.data(), count);
         if (bytes.size() > most)
-            throw ToolFailure(ExitCode_FAILED, Format("cannot read '%': it has more than % bytes") % path %
-                                                   static_cast<unsigned long long>(most));
+            throw Failure(Failure::Failed, Format("cannot read '%': it has more than % bytes") % path %
+                                               static_cast<unsigned long long>(most));
     }
     if (std::ferror(file.get()) != 0)
         failFile("read", path);
     return bytes;
 }
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

@@ -1,4 +1,4 @@
-#include "tools/zentara/canvas.h"
+#include "host/pictures/canvas.h"
 
 #include <algorithm>
 #include <array>
@@ -6,12 +6,12 @@
 #include <cstdlib>
 #include <sstream>
 
-#include "tools/zentara/plot.h"
-#include "tools/zentara/png.h"
+#include "host/pictures/plot.h"
+#include "host/pictures/png.h"
 
 #include <stb/stb_easy_font.h>
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 namespace {
 
 constexpr int letterPixels = Canvas::textHeight / 8; // of a pixel of the font
@@ -140,4 +140,4 @@ std::string tickText(double value) {
     return text.str();
 }
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

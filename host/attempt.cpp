@@ -1,0 +1,125 @@
+#include "host/attempt.h"
+
+#include <algorithm>
+#include <exception>
+#include <new>
+#include <system_error>
+#include <vector>
+
+#include <zentara/host/step_watcher.h>
+#include <zentara/utils/exceptions.h>
+#include <zentara/utils/format.h>
+
+#include "utils/platform/program.h"
+#include "utils/visible_text.h"
+
+namespace Zentara::Host {
+
+using Zentara::Plugin::PluginException;
+
+namespace {
+
+thread_local StepWatcher* watching = nullptr;
+
+/// What the system says when something is not permitted. The library's failures carry no number, only the text.
+std::vector<std::string> permissionTexts() {
+    std::vector<std::string> texts{std::make_error_code(std::errc::permission_denied).message()};
+    for (const long number : Utils::Platform::permissionErrors()) {
+        const std::string text = Utils::formatError(number, ""); // " (error 0xNUMBER: TEXT)"
+        const std::size_t colon = text.find(": ");
+        if (colon != std::string::npos)
+            texts.push_back(text.substr(colon + 2, text.rfind(')') - colon - 2));
+    }
+    return texts;
+}
+
+/// A failure of the library carries no number, only the system's words, at its end.
+Failure::Code refined(Failure::Code code, const std::string& cause) {
+    static const std::vector<std::string>& texts = *new std::vector<std::string>(permissionTexts());
+    const bool isDenied = std::any_of(texts.begin(), texts.end(), [&cause](const std::string& text) {
+        return cause.find(text) != std::string::npos;
+    });
+    return code == Failure::Failed && isDenied ? Failure::Permission : code;
+}
+
+/// A plug-in that could not be initialised tells no reason; a time-out that was logged meanwhile is one.
+std::string hiddenTimeout(Plugin::PluginExceptionType type) {
+    return watching == nullptr || type != Plugin::PluginExceptionType_INITIALIZATION ? std::string()
+                                                                                     : watching->timeout();
+}
+
+} // namespace
+
+StepWatcher::~StepWatcher() = default;
+
+void watchSteps(StepWatcher* watcher) noexcept { watching = watcher; }
+
+Step::Step(const std::string& what) {
+    if (watching != nullptr)
+        watching->begins(what);
+}
+
+Step::~Step() {
+    if (watching != nullptr)
+        watching->ends();
+}
+
+Failure::Code codeOf(Plugin::PluginExceptionType type) noexcept {
+    switch (type) {
+    case Plugin::PluginExceptionType_TIMEOUT:
+        return Failure::TimedOut;
+    case Plugin::PluginExceptionType_UNAUTHORIZED_ACCESS:
+        return Failure::Permission;
+    case Plugin::PluginExceptionType_INVALID_OPERATION:
+        return Failure::Busy; // it would be possible in another state
+    default:
+        return Failure::Failed;
+    }
+}
+
+const char* failureText(Plugin::PluginExceptionType type) noexcept {
+    switch (type) {
+    case Plugin::PluginExceptionType_STREAMING:
+        return "streaming failure";
+    case Plugin::PluginExceptionType_CONFIGURATION:
+        return "wrong configuration";
+    case Plugin::PluginExceptionType_TIMEOUT:
+        return "timed out";
+    case Plugin::PluginExceptionType_ARGUMENT:
+        return "wrong argument";
+    case Plugin::PluginExceptionType_IO:
+        return "I/O failure";
+    case Plugin::PluginExceptionType_NOT_SUPPORTED:
+        return "not supported";
+    case Plugin::PluginExceptionType_INITIALIZATION:
+        return "initialization failure";
+    case Plugin::PluginExceptionType_INVALID_OPERATION:
+        return "not possible now";
+    case Plugin::PluginExceptionType_UNAUTHORIZED_ACCESS:
+        return "not permitted";
+    }
+    return "failure of unknown kind";
+}
+
+void rethrowAsFailure(const std::string& what) {
+    const std::string message = "cannot " + what;
+    try {
+        throw;
+    } catch (const Failure&) {
+        throw;
+    } catch (const PluginException& failure) {
+        const std::string timeout = hiddenTimeout(failure.type());
+        const std::string cause =
+            Utils::Format("%: %") % failureText(failure.type()) % Utils::visibleText(failure.message());
+        if (!timeout.empty())
+            throw Failure(Failure::TimedOut, message, cause + "; timed out: " + Utils::visibleText(timeout));
+        throw Failure(refined(codeOf(failure.type()), cause), message, cause);
+    } catch (const std::bad_alloc&) {
+        throw Failure(Failure::Failed, message, "there is not enough memory");
+    } catch (const std::exception& failure) {
+        const std::string cause = Utils::visibleText(failure.what());
+        throw Failure(refined(Failure::Failed, cause), message, cause);
+    }
+}
+
+} // namespace Zentara::Host
