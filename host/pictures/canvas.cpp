@@ -16,7 +16,6 @@ namespace {
 
 constexpr int letterPixels = Canvas::textHeight / 8; // of a pixel of the font
 constexpr std::size_t mostCorners = 160;             // of one letter
-constexpr Rgb black{0, 0, 0};
 
 /// What stb_easy_font writes for each corner of a rectangle.
 struct Corner {

@@ -9,6 +9,8 @@
 
 namespace Zentara::Host {
 
+inline constexpr Rgb black{0, 0, 0};
+
 /// A white picture to draw and write on; what lies outside is cut off.
 class Canvas {
 public:

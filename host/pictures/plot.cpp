@@ -17,7 +17,6 @@ constexpr int right = 30;
 constexpr int top = 40;
 constexpr int bottom = 65;
 constexpr int wantedTicks = 6;
-constexpr Rgb black{0, 0, 0};
 constexpr Rgb gray{215, 215, 215};
 constexpr std::array<Rgb, 6> lineColors{
     {{200, 30, 30}, {30, 80, 200}, {20, 140, 60}, {190, 110, 0}, {130, 40, 160}, {0, 130, 140}}};
