@@ -8,6 +8,7 @@
 #include "core/failing_root.h"
 #include "core/test_root.h"
 #include "support/failing_allocation.h"
+#include "support/failure.h"
 #include "utils/platform/library_file.h"
 
 using namespace Zentara::Core;
@@ -18,12 +19,8 @@ namespace {
 
 void expectNoRoot() {
     const FailingRoot failing;
-    try {
-        PluginManager::instance();
-        FAIL() << "the root was read";
-    } catch (const InitializationPluginException& failure) {
-        EXPECT_EQ("couldn't get bin directory", failure.message());
-    }
+    EXPECT_EQ("couldn't get bin directory", Zentara::TestSupport::messageOf<InitializationPluginException>(
+                                                [] { PluginManager::instance(); }));
 }
 
 // A failed start leaves its reference counted: until it is given back nothing is scanned, and what was there

@@ -11,6 +11,7 @@
 #include <zentara/plugin/plugin_exceptions.h>
 
 #include "core/test_root.h"
+#include "support/failure.h"
 #include "support/log_capture.h"
 #include "support/own_exceptions.h"
 #include "support/scoped_variable.h"
@@ -20,6 +21,7 @@ using namespace Zentara::Core;
 using Zentara::Plugin::InitializationPluginException;
 using Zentara::TestSupport::Caught;
 using Zentara::TestSupport::caught;
+using Zentara::TestSupport::messageOf;
 using Zentara::TestSupport::ScopedVariable;
 using Zentara::Utils::SmartPtr;
 using Zentara::Utils::Platform::isLibraryLoaded;
@@ -32,16 +34,6 @@ const GUID failing = fixtureGuid(3);
 const GUID nullMaking = fixtureGuid(4);
 const GUID interpreter = fixtureGuid(5);
 const GUID withoutFactory = fixtureGuid(6);
-
-template<typename Action>
-std::string initializationFailure(Action action) {
-    try {
-        action();
-    } catch (const InitializationPluginException& failure) {
-        return failure.message();
-    }
-    return "nothing was thrown";
-}
 
 class PluginManagerTest : public testing::Test {
 protected:
@@ -120,22 +112,23 @@ TEST_F(PluginManagerTest, SaysWhatItCannotMake) {
     const auto device = ImplType_VIDEO_DEVICE;
     const std::string unknown = "couldn't find GUID {63,0,0,{0,0,0,0,0,0,0,0}}";
 
-    EXPECT_EQ(unknown,
-              initializationFailure([&] { (void)manager->createInstance(fixtureGuid(99), device); }));
-    EXPECT_EQ(unknown, initializationFailure([&] { manager->incref(fixtureGuid(99)); }));
-    EXPECT_EQ(unknown, initializationFailure([&] { manager->decref(fixtureGuid(99)); }));
+    EXPECT_EQ(unknown, messageOf<InitializationPluginException>(
+                           [&] { (void)manager->createInstance(fixtureGuid(99), device); }));
+    EXPECT_EQ(unknown, messageOf<InitializationPluginException>([&] { manager->incref(fixtureGuid(99)); }));
+    EXPECT_EQ(unknown, messageOf<InitializationPluginException>([&] { manager->decref(fixtureGuid(99)); }));
     EXPECT_EQ(
-        "couldn't find GUID NULL_IMPL", initializationFailure([&] {
+        "couldn't find GUID NULL_IMPL", messageOf<InitializationPluginException>([&] {
             const GUID null = {0x1024966D, 0x1634, 0x4756, {0x9A, 0xBC, 0x99, 0x97, 0x91, 0x59, 0x1F, 0x45}};
             (void)manager->createInstance(null, device);
         }));
-    EXPECT_EQ("ImplType mismatch",
-              initializationFailure([&] { (void)manager->createInstance(good, ImplType_AUDIO_DEVICE); }));
-    EXPECT_EQ("couldn't find function: createInstance",
-              initializationFailure([&] { (void)manager->createInstance(withoutFactory, device); }));
+    EXPECT_EQ("ImplType mismatch", messageOf<InitializationPluginException>(
+                                       [&] { (void)manager->createInstance(good, ImplType_AUDIO_DEVICE); }));
+    EXPECT_EQ("couldn't find function: createInstance", messageOf<InitializationPluginException>([&] {
+                  (void)manager->createInstance(withoutFactory, device);
+              }));
     EXPECT_FALSE(isLibraryLoaded(root.path("no_factory")));
-    EXPECT_EQ("couldn't open: " + gone,
-              initializationFailure([&] { (void)manager->createInstance(other, device); }));
+    EXPECT_EQ("couldn't open: " + gone, messageOf<InitializationPluginException>(
+                                            [&] { (void)manager->createInstance(other, device); }));
 }
 
 TEST_F(PluginManagerTest, APlainNullStillCountsAsUse) {

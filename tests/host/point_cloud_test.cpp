@@ -7,12 +7,15 @@
 
 #include <zentara/host/host.h>
 
+#include "support/failure.h"
+
 namespace Zentara::Host {
 namespace {
 
 using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using TestSupport::messageOf;
 
 constexpr float noNumber = std::numeric_limits<float>::quiet_NaN();
 
@@ -23,15 +26,6 @@ Lens smallLens(DepthAlong along = DepthAlong::Axis) { return {smallModel(), alon
 
 std::vector<std::uint16_t> wall(std::uint16_t millimetres) {
     return std::vector<std::uint16_t>(std::size_t{8} * 6, millimetres);
-}
-
-std::string failureOf(const std::function<void()>& work) {
-    try {
-        work();
-    } catch (const Failure& failure) {
-        return failure.what();
-    }
-    return "no failure";
 }
 
 CameraIntrinsics changed(const std::function<void(CameraIntrinsics&)>& change) {
@@ -126,21 +120,23 @@ TEST(PointCloud, IsNotMadeOfNonsense) {
                               changed([](CameraIntrinsics& m) { m.fy = noNumber; }),
                               changed([&](CameraIntrinsics& m) { m.p2 = infinite; }),
                               changed([](CameraIntrinsics& m) { m.height = 0; })})
-        EXPECT_THAT(failureOf([&] { Lens(model, DepthAlong::Axis, "SIM0570 in QVGA"); }),
+        EXPECT_THAT(messageOf<Failure>([&] { Lens(model, DepthAlong::Axis, "SIM0570 in QVGA"); }),
                     AllOf(HasSubstr("cannot use the lens model of SIM0570 in QVGA"), HasSubstr("fx ")));
-    EXPECT_THAT(failureOf([] { (void)smallLens().pointsOf(wall(1), 6, 8); }),
+    EXPECT_THAT(messageOf<Failure>([] { (void)smallLens().pointsOf(wall(1), 6, 8); }),
                 AllOf(HasSubstr("SIM0570 in QVGA"), HasSubstr("6 x 8 pixels"), HasSubstr("8 x 6")));
-    EXPECT_THAT(failureOf([] { (void)smallLens().pointsOf(std::vector<std::uint16_t>(47), 8, 6); }),
+    EXPECT_THAT(messageOf<Failure>([] { (void)smallLens().pointsOf(std::vector<std::uint16_t>(47), 8, 6); }),
                 HasSubstr("47 values"));
-    EXPECT_THAT(failureOf([] { (void)smallLens().pointsOf(wall(1), 8, 6, {.leastConfidence = 5}); }),
+    EXPECT_THAT(messageOf<Failure>([] { (void)smallLens().pointsOf(wall(1), 8, 6, {.leastConfidence = 5}); }),
                 HasSubstr("0 values of confidence"));
     const auto folding = changed([](CameraIntrinsics& model) { model.k1 = -40; });
-    EXPECT_THAT(failureOf([&] { (void)Lens(folding, DepthAlong::Axis, "c").pointsOf(wall(1), 8, 6); }),
-                HasSubstr("pixels: 8 x 6 pixels, fx 6"));
+    EXPECT_THAT(
+        messageOf<Failure>([&] { (void)Lens(folding, DepthAlong::Axis, "c").pointsOf(wall(1), 8, 6); }),
+        HasSubstr("pixels: 8 x 6 pixels, fx 6"));
     PointCloud cloud = smallLens().pointsOf(wall(1000), 8, 6);
     const std::vector<std::uint8_t> picture(std::size_t{3} * 8 * 6);
-    EXPECT_THAT(failureOf([&] { cloud.colorFrom(picture, smallLens(), {}); }), HasSubstr("no rotation"));
-    EXPECT_THAT(failureOf([&] {
+    EXPECT_THAT(messageOf<Failure>([&] { cloud.colorFrom(picture, smallLens(), {}); }),
+                HasSubstr("no rotation"));
+    EXPECT_THAT(messageOf<Failure>([&] {
                     cloud.colorFrom({picture.data(), 5}, smallLens(), {});
                 }),
                 HasSubstr("5 bytes"));

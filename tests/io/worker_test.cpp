@@ -12,6 +12,7 @@
 #include <zentara/utils/weak_ptr.h>
 
 #include "io/script.h"
+#include "support/failure.h"
 
 namespace Testing {
 namespace {
@@ -23,6 +24,7 @@ using testing::IsEmpty;
 using Utils::Threading::Signal;
 
 constexpr bool proxified = true;
+const std::string done = "nothing was thrown";
 
 /// A request that tells when it has gone.
 class TracedRequest : public deviceRequest {
@@ -59,15 +61,9 @@ protected:
         };
     }
 
-    /// What an operation ends with: the exception's message, or "done".
     template<typename Operation>
     static std::string outcome(Operation operation) {
-        try {
-            operation();
-        } catch (const Plugin::PluginException& failure) {
-            return failure.message();
-        }
-        return "done";
+        return TestSupport::messageOf<Plugin::PluginException>(operation);
     }
 
     std::optional<VideoProxy> proxy;
@@ -82,10 +78,10 @@ TEST_F(WorkerTest, ReferencesAreCountedExactly) {
     Worker worker;
     Signal gone;
 
-    auto* done = new TracedRequest(RequestType(99), gone);
-    worker->processRequest(done, patience);
+    auto* executed = new TracedRequest(RequestType(99), gone);
+    worker->processRequest(executed, patience);
     worker.settle();
-    EXPECT_TRUE(done->decrefIfLastRef());
+    EXPECT_TRUE(executed->decrefIfLastRef());
     EXPECT_TRUE(gone.isSet());
 
     auto* failed = new TracedRequest(RequestType_OPEN, gone);
@@ -239,7 +235,7 @@ TEST_F(WorkerTest, WaitingInTheQueueIsNoTimeout) {
     tuning.set(30, 60000, 10);
     Gate gate;
     hold(open, gate);
-    std::thread slow([&] { EXPECT_NE("done", outcome([&] { proxy->open(); })); });
+    std::thread slow([&] { EXPECT_NE(done, outcome([&] { proxy->open(); })); });
     gate.awaitArrival();
     // Nor does a start that was signalled before count for this wait.
     Worker worker;
@@ -248,8 +244,8 @@ TEST_F(WorkerTest, WaitingInTheQueueIsNoTimeout) {
     Signal submitted;
     std::thread behind([&] {
         submitted.set();
-        EXPECT_EQ("done", outcome([&] { worker->processRequest(request.get(), 30); }));
-        EXPECT_EQ("done", outcome([&] { proxy->close(); }));
+        EXPECT_EQ(done, outcome([&] { worker->processRequest(request.get(), 30); }));
+        EXPECT_EQ(done, outcome([&] { proxy->close(); }));
     });
     ASSERT_EQ(0, submitted.timedWait(patience));
     // The first caller's time has passed long before the second one's request starts.
@@ -273,7 +269,7 @@ TEST_F(WorkerTest, SignalsThatWereLeftSetShortenNoWait) {
     request->ack();
     Signal back;
     std::thread waiting([&] {
-        EXPECT_EQ("done", outcome([&] { worker->processRequest(request.get(), 600); }));
+        EXPECT_EQ(done, outcome([&] { worker->processRequest(request.get(), 600); }));
         back.set();
     });
     EXPECT_EQ(-1, back.timedWait(900)) << "the time ran before the start";
@@ -330,7 +326,7 @@ TEST_F(WorkerTest, TheRequestIsLockedWhileItsDeviceIsAskedToCancel) {
         asking = false;
         return true;
     };
-    std::thread caller([&] { EXPECT_EQ("done", outcome([&] { proxy->open(); })); });
+    std::thread caller([&] { EXPECT_EQ(done, outcome([&] { proxy->open(); })); });
     gate.awaitArrival();
     EXPECT_TRUE(held->cancelIO());
     locker.join();
@@ -473,7 +469,7 @@ TEST_F(WorkerTest, TheProcessEndsWithAStuckDevice) {
     auto* const gate = new Gate;
     static auto* const forEver = gate;
     hold(open, *forEver);
-    EXPECT_NE("done", outcome([&] { proxy->open(); }));
+    EXPECT_NE(done, outcome([&] { proxy->open(); }));
     proxy.reset();
     tuning.set(2000, 10000, 50);
 }
@@ -486,7 +482,7 @@ TEST_F(WorkerTest, RequestsBehindTheStopFail) {
         // On its own thread the worker cannot wait for itself to stop, but it will.
         EXPECT_THROW(worker.exit(), Plugin::InvalidOperationPluginException);
     };
-    std::thread a([&] { EXPECT_EQ("done", outcome([&] { proxy->open(); })); });
+    std::thread a([&] { EXPECT_EQ(done, outcome([&] { proxy->open(); })); });
     gate.awaitArrival();
     std::thread b(
         [&] { EXPECT_EQ("RequestType_CLOSE: I/O request rejected", outcome([&] { proxy->close(); })); });
@@ -534,7 +530,7 @@ TEST_F(WorkerTest, ItsOwnThreadCanGiveBackTheLastReference) {
         if (slot == close)
             last->release();
     };
-    EXPECT_EQ("done", outcome([&] { last->processRequest(request, patience); }));
+    EXPECT_EQ(done, outcome([&] { last->processRequest(request, patience); }));
     static_cast<Utils::Refcounted*>(request)->decref();
     script.onCall = [](int, deviceRequest*) {};
     VideoProxy next(VIDEO_DEVICE, proxified);
@@ -555,7 +551,7 @@ TEST_F(WorkerTest, TheNextWorkerDoesNotWaitForTheLast) {
     Gate gate;
     hold(close, gate);
     std::thread caller(
-        [&] { EXPECT_EQ("done", outcome([&] { last->processRequest(request.get(), patience); })); });
+        [&] { EXPECT_EQ(done, outcome([&] { last->processRequest(request.get(), patience); })); });
     gate.awaitArrival();
 
     const int retired = Seams::retiredWorkers();
@@ -567,7 +563,7 @@ TEST_F(WorkerTest, TheNextWorkerDoesNotWaitForTheLast) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     auto* const other = new deviceRequest(nullptr, RequestType(99));
-    EXPECT_EQ("done", outcome([&] { next->processRequest(other, patience); }));
+    EXPECT_EQ(done, outcome([&] { next->processRequest(other, patience); }));
     static_cast<Utils::Refcounted*>(other)->decref();
     gate.open();
     caller.join();

@@ -2,16 +2,13 @@
 
 #include <cstdint>
 #include <cstring>
-#include <exception>
 #include <filesystem>
-#include <functional>
 #include <string>
 #include <vector>
 
 #include <zentara/core/descriptor_store_interface.h>
 #include <zentara/core/descriptor_store_ro.h>
 #include <zentara/io/enumerator_interface.h>
-#include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/read_buffer_status.h>
 #include <zentara/utils/files.h>
 
@@ -19,23 +16,12 @@
 #include "plugins/descriptions/wire.h"
 #include "plugins/simulated/plugin_guids.h"
 #include "plugins/simulated/simulated_bus.h"
+#include "support/failure.h"
 #include "support/scoped_variable.h"
 #include "support/temporary_directory.h"
 #include "tests/plugins/plugin_object.h"
 
 namespace Zentara::TestSupport {
-
-/// "KIND: MESSAGE" of the plug-in exception that the step throws, "foreign: MESSAGE" of any other.
-inline std::string outcome(const std::function<void()>& step) {
-    try {
-        step();
-    } catch (const Plugin::PluginException& thrown) {
-        return std::to_string(thrown.type()) + ": " + thrown.message();
-    } catch (const std::exception& thrown) {
-        return std::string("foreign: ") + thrown.what();
-    }
-    return "nothing was thrown";
-}
 
 /// What readBuffer of a node or device gave.
 struct Frame {

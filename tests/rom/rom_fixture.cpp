@@ -103,11 +103,4 @@ void RomTest::putBlock(std::uint32_t address, std::uint32_t size, std::uint32_t 
     put(address + ROM::MemoryBlockHeader::SIZE, content);
 }
 
-void RomTest::fixChecksum(std::uint32_t address, std::size_t length) {
-    const unsigned short crc =
-        Utils::Crc16::compute(flash->image.data() + address, static_cast<unsigned int>(length), 0);
-    put(address + static_cast<std::uint32_t>(length),
-        {static_cast<std::uint8_t>(crc >> 8), static_cast<std::uint8_t>(crc)});
-}
-
 } // namespace Zentara::TestSupport

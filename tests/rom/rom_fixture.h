@@ -11,6 +11,7 @@
 #include <zentara/rom/container.h>
 #include <zentara/rom/memory_block_header.h>
 
+#include "support/failure.h"
 #include "support/rom_image.h"
 #include "support/simulated_flash.h"
 
@@ -21,17 +22,6 @@ Bytes hex(const std::string& text);
 
 /// `length` bytes that differ from seed to seed.
 Bytes pattern(std::size_t length, unsigned seed = 1);
-
-/// Calls `action`, expects an exception of this type, and gives back its message.
-template<class Exception, class Action>
-std::string messageOf(Action action) {
-    try {
-        action();
-    } catch (const Exception& caught) {
-        return caught.what();
-    }
-    return "(no exception)";
-}
 
 /// Opens the operations of block headers that are the manager's alone.
 struct BlockProbe : ROM::MemoryBlockHeader {
@@ -74,9 +64,6 @@ protected:
     void putHeader(std::uint32_t firstBlock, std::uint32_t chunkSize, std::uint32_t available,
                    std::uint8_t version = 1, std::uint8_t minReadoutVersion = 1);
     void putBlock(std::uint32_t address, std::uint32_t size, std::uint32_t next, const Bytes& content = {});
-    void fixBlockChecksum(std::uint32_t address) { fixChecksum(address, 8); }
-    void fixHeaderChecksum() { fixChecksum(area.headerAddress(), 15); }
-    void fixChecksum(std::uint32_t address, std::size_t length);
 
     Area area;
     std::unique_ptr<SimulatedFlash> flash;

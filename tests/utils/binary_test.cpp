@@ -10,6 +10,8 @@
 
 #include <zentara/utils/exceptions.h>
 
+#include "support/failure.h"
+
 namespace Zentara::Utils {
 namespace {
 
@@ -117,12 +119,7 @@ TEST(BinaryReader, StaysWhereItIsWhenBytesAreMissing) {
     const unsigned char bytes[] = {1, 2, 3};
     BinaryReader reader = readerOf(bytes);
     const BinaryReader copy = reader;
-    try {
-        reader.readInt();
-        FAIL() << "4 bytes of 3 were read";
-    } catch (const UIOException& failure) {
-        EXPECT_EQ(failure.message(), "unexpected end of stream");
-    }
+    EXPECT_EQ(TestSupport::messageOf<UIOException>([&] { reader.readInt(); }), "unexpected end of stream");
     unsigned char target[3] = {};
     EXPECT_THROW(reader.read(target, -1), UIOException);
     reader.read(target, 3);

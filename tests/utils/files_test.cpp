@@ -11,6 +11,7 @@
 #include <zentara/utils/process.h>
 #include <zentara/utils/text.h>
 
+#include "support/failure.h"
 #include "support/log_capture.h"
 #include "utils/platform/directory.h"
 #include "utils/platform/files.h"
@@ -22,17 +23,8 @@ using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using TestSupport::messageOf;
 using TestSupport::TemporaryDirectory;
-
-template<typename Action>
-std::string failureOf(Action action) {
-    try {
-        action();
-    } catch (const UIOException& failure) {
-        return failure.message();
-    }
-    return "(nothing thrown)";
-}
 
 TEST(Paths, AreTakenApart) {
     const struct {
@@ -98,11 +90,12 @@ TEST(Files, KeepEveryByte) {
 TEST(Files, SayWhatCouldNotBeOpened) {
     const TemporaryDirectory directory;
     const std::string missing = directory.path("no/such");
-    EXPECT_THAT(failureOf([&] { readFile(missing); }), HasSubstr("cannot open file '" + missing + "' ("));
-    EXPECT_THAT(failureOf([&] { writeFile(missing, "x"); }),
+    EXPECT_THAT(messageOf<UIOException>([&] { readFile(missing); }),
                 HasSubstr("cannot open file '" + missing + "' ("));
-    EXPECT_THAT(failureOf([&] { readFile(directory.path()); }), HasSubstr(directory.path()));
-    EXPECT_NE(failureOf([&] { readFile(std::string("a\0b", 3)); }), "(nothing thrown)");
+    EXPECT_THAT(messageOf<UIOException>([&] { writeFile(missing, "x"); }),
+                HasSubstr("cannot open file '" + missing + "' ("));
+    EXPECT_THAT(messageOf<UIOException>([&] { readFile(directory.path()); }), HasSubstr(directory.path()));
+    EXPECT_NE(messageOf<UIOException>([&] { readFile(std::string("a\0b", 3)); }), "nothing was thrown");
 }
 
 TEST(FileList, HoldsRegularFilesOfOneExtensionInOrder) {

@@ -1,7 +1,6 @@
 #include <zentara/utils/format.h>
 
 #include <cstdint>
-#include <functional>
 #include <iomanip>
 #include <limits>
 #include <locale>
@@ -11,6 +10,8 @@
 #include <gmock/gmock.h>
 
 #include <zentara/utils/exceptions.h>
+
+#include "support/failure.h"
 
 namespace Zentara::Utils {
 namespace {
@@ -34,15 +35,6 @@ static_assert(Formattable<Plain> && Formattable<Point> && Formattable<std::size_
 static_assert(!Formattable<Scoped> && !Formattable<wchar_t> && !Formattable<char8_t> &&
               !Formattable<char16_t> && !Formattable<char32_t> && !Formattable<const wchar_t*> &&
               !Formattable<std::wstring>);
-
-std::string messageOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const UFormatException& failure) {
-        return failure.message();
-    }
-    return "(nothing thrown)";
-}
 
 template<typename... Values>
 std::string text(const char* format, const Values&... values) {
@@ -158,20 +150,25 @@ TEST(Format, RejectsMalformedStrings) {
         {"%{:%}", "invalid format item \":%\": invalid width \"%\""},
     };
     for (const auto& row : rows)
-        EXPECT_EQ(messageOf([&row] { Format rejected(row.format); }), row.message) << row.format;
+        EXPECT_EQ(TestSupport::messageOf<UFormatException>([&row] { Format rejected(row.format); }),
+                  row.message)
+            << row.format;
 }
 
 TEST(Format, RejectsValuesThatDoNotFit) {
-    EXPECT_EQ(messageOf([] { Format("%") % 1 % 2; }), "too many format arguments");
-    EXPECT_EQ(messageOf([] { Format("none") % 1; }), "too many format arguments");
-    EXPECT_EQ(messageOf([] { text("% %", 1); }), "not enough format arguments");
-    EXPECT_EQ(messageOf([] { Format("%{:x}") % 1.5; }),
+    EXPECT_EQ(TestSupport::messageOf<UFormatException>([] { Format("%") % 1 % 2; }),
+              "too many format arguments");
+    EXPECT_EQ(TestSupport::messageOf<UFormatException>([] { Format("none") % 1; }),
+              "too many format arguments");
+    EXPECT_EQ(TestSupport::messageOf<UFormatException>([] { text("% %", 1); }),
+              "not enough format arguments");
+    EXPECT_EQ(TestSupport::messageOf<UFormatException>([] { Format("%{:x}") % 1.5; }),
               "format code \"x\" is only valid for integer arguments");
-    EXPECT_EQ(messageOf([] { Format("%{:X4}") % true; }),
+    EXPECT_EQ(TestSupport::messageOf<UFormatException>([] { Format("%{:X4}") % true; }),
               "format code \"X\" is only valid for integer arguments");
-    EXPECT_EQ(messageOf([] { Format("%{:4}") % "text"; }),
+    EXPECT_EQ(TestSupport::messageOf<UFormatException>([] { Format("%{:4}") % "text"; }),
               "the format width can only be specified for integer arguments");
-    EXPECT_EQ(messageOf([] { Format("%{:4}") % Point{1}; }),
+    EXPECT_EQ(TestSupport::messageOf<UFormatException>([] { Format("%{:4}") % Point{1}; }),
               "the format width can only be specified for integer arguments");
 }
 

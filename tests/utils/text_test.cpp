@@ -8,6 +8,7 @@
 #include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/utils/exceptions.h>
 
+#include "support/failure.h"
 #include "support/log_capture.h"
 #include "utils/visible_text.h"
 
@@ -18,20 +19,15 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 
-std::string parseFailure(const std::string& text) {
-    try {
-        return std::to_string(parseInt(text));
-    } catch (const UFormatException& failure) {
-        return failure.message();
-    }
-}
-
 TEST(Text, ParsesWholeDecimalNumbers) {
     EXPECT_EQ(parseInt(" 42"), 42);
     EXPECT_EQ(parseInt("-7"), -7);
     EXPECT_EQ(parseInt("+010"), 10);
     EXPECT_EQ(parseInt("4294967297"), 1);
     EXPECT_EQ(parseInt("2147483648"), INT_MIN);
+    const auto parseFailure = [](const std::string& text) {
+        return TestSupport::messageOf<UFormatException>([&] { parseInt(text); });
+    };
     EXPECT_EQ(parseFailure(""), "string is empty");
     for (const std::string text : {"42 ", "0x10", "-", " ", "4a", "--1"})
         EXPECT_EQ(parseFailure(text), "invalid number") << text;

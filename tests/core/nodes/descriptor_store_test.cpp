@@ -11,6 +11,7 @@
 #include <zentara/plugin/plugin_exceptions.h>
 
 #include "core/nodes/record_store.h"
+#include "support/failure.h"
 #include "support/log_capture.h"
 
 namespace Testing {
@@ -25,16 +26,6 @@ RequestList write(std::uint32_t id, std::uint32_t value, UVCPrefix prefix = UVC_
     return {makeRefcounted<UVCCommandRequest>(prefix, id, value)};
 }
 
-template<typename Operation>
-std::string refusal(Operation operation) {
-    try {
-        operation();
-    } catch (const Plugin::NotSupportedPluginException& refused) {
-        return refused.message();
-    }
-    return "not refused";
-}
-
 TEST(DescriptorStore, WithoutRecordsReadsAsEmpty) {
     const RecordStore store;
     EXPECT_EQ(store.getNodeHardwareIDs(), HardwareIDs());
@@ -45,13 +36,17 @@ TEST(DescriptorStore, WithoutRecordsReadsAsEmpty) {
     for (const RequestList* list : {store.getPreCommonSettings(), store.getSpecificSettings(),
                                     store.getPostCommonSettings(), store.getStopCommonSettings()})
         EXPECT_EQ(list, nullptr);
-    EXPECT_EQ(refusal([&] { static_cast<void>(store.getROMElement(0x1122334455)); }),
+    EXPECT_EQ(TestSupport::messageOf<Plugin::NotSupportedPluginException>(
+                  [&] { static_cast<void>(store.getROMElement(0x1122334455)); }),
               "undefined ROMElement id 73588229205");
-    EXPECT_EQ(refusal([&] { static_cast<void>(store.getDefaultExtrinsics()); }),
+    EXPECT_EQ(TestSupport::messageOf<Plugin::NotSupportedPluginException>(
+                  [&] { static_cast<void>(store.getDefaultExtrinsics()); }),
               "Extrinsics are not defined");
-    EXPECT_EQ(refusal([&] { static_cast<void>(store.getDefaultDepthIntrinsicsArray()); }),
+    EXPECT_EQ(TestSupport::messageOf<Plugin::NotSupportedPluginException>(
+                  [&] { static_cast<void>(store.getDefaultDepthIntrinsicsArray()); }),
               "Depth Intrinsics are not defined");
-    EXPECT_EQ(refusal([&] { static_cast<void>(store.getDefaultColorIntrinsicsArray()); }),
+    EXPECT_EQ(TestSupport::messageOf<Plugin::NotSupportedPluginException>(
+                  [&] { static_cast<void>(store.getDefaultColorIntrinsicsArray()); }),
               "Color Intrinsics are not defined");
 }
 

@@ -64,7 +64,7 @@ TEST(OV0570RequestsTest, I2cKindsReachTheirDevice) {
     EXPECT_THAT(bytes, ElementsAre(7, 8));
     std::vector<unsigned char> none;
     EXPECT_THAT(execute(camera, makeRefcounted<getI2CArrayRequest>(0x21U, none)), IsEmpty());
-    EXPECT_EQ(failure<IOPluginException>(
+    EXPECT_EQ(messageOf<IOPluginException>(
                   [&] { execute(camera, makeRefcounted<setI2CRegisterRequest>(0x9711U, 0U, 0U, 1U, 1U)); }),
               "deviceAddress not found")
         << "I2C addresses have 8 bits";
@@ -85,7 +85,7 @@ TEST(VC0258RequestsTest, I2cKindsTakeTheOrdersOfTheController) {
     execute(camera, makeRefcounted<getI2CArrayRequest>(0x30U, bytes));
     EXPECT_THAT(bytes, ElementsAre(7, 8));
     // Widths and addresses are judged before they are cut to bytes.
-    EXPECT_EQ(failure<IOPluginException>(
+    EXPECT_EQ(messageOf<IOPluginException>(
                   [&] { execute(camera, makeRefcounted<setI2CRegisterRequest>(0x60U, 7U, 0U, 257U, 2U)); }),
               "addressBytes must be equal to 1");
     EXPECT_THROW(execute(camera, makeRefcounted<setI2CRegisterRequest>(0x160U, 7U, 0U, 1U, 2U)),
@@ -101,13 +101,13 @@ TYPED_TEST(RequestRefusalTest, OtherKindsAreRefusedByNameBeforeAnyTransfer) {
     TypeParam camera;
     for (const auto& request : otherKinds()) {
         SCOPED_TRACE(request->type());
-        EXPECT_THAT(failure<NotSupportedPluginException>([&] { camera.chip.processCommand(request); }),
+        EXPECT_THAT(messageOf<NotSupportedPluginException>([&] { camera.chip.processCommand(request); }),
                     HasSubstr("XU_"));
     }
-    EXPECT_THAT(failure<NotSupportedPluginException>(
+    EXPECT_THAT(messageOf<NotSupportedPluginException>(
                     [&] { camera.chip.processCommand(makeRefcounted<setGPIOStateRequest>(1U, true)); }),
                 HasSubstr("XU_SET_GPIO_STATE"));
-    EXPECT_THAT(failure<NotSupportedPluginException>(
+    EXPECT_THAT(messageOf<NotSupportedPluginException>(
                     [&] { camera.chip.processCommand(makeRefcounted<ImpostorRequest>()); }),
                 HasSubstr("type XU_UVC_COMMAND that is not of the class"));
     EXPECT_THROW(camera.chip.processCommand(nullptr), ArgumentPluginException);

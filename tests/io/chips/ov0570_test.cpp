@@ -66,7 +66,7 @@ protected:
         return camera->sent([&](auto& chip) { chip.setTOFControllerRegisterLocked(reg, value); });
     }
     std::string flashFailure(unsigned start, unsigned length) {
-        return failure<IOPluginException>(
+        return messageOf<IOPluginException>(
             [&] { static_cast<void>(camera->chip.getUSBBackendFirmwareLocked(start, length)); });
     }
 
@@ -135,7 +135,7 @@ TEST_F(OV0570Test, MoreDevicesThanTheReplyHoldsAreRefusedAndAskedForAgain) {
         OV0570Camera fresh(mixedDevices(12));
         fresh.model.setClaimedDevices(static_cast<std::uint8_t>(claimed));
         const std::string text =
-            failure<IOPluginException>([&] { fresh.chip.setI2cLocked(0x10, 0, 0, 1, 1, false); });
+            messageOf<IOPluginException>([&] { fresh.chip.setI2cLocked(0x10, 0, 0, 1, 1, false); });
         EXPECT_THAT(text, HasSubstr(std::to_string(claimed) + " further devices"));
         EXPECT_THAT(text, HasSubstr("at most 12"));
         fresh.model.setClaimedDevices(std::nullopt);
@@ -172,9 +172,9 @@ TEST_F(OV0570Test, I2cNeverFindsTheBridgeNorAnAbsentDevice) {
     Settings settings;
     settings.devices.clear();
     use(settings);
-    EXPECT_EQ(failure<IOPluginException>([&] { camera->chip.setI2cLocked(0x60, 0, 0, 1, 1, false); }),
+    EXPECT_EQ(messageOf<IOPluginException>([&] { camera->chip.setI2cLocked(0x60, 0, 0, 1, 1, false); }),
               "deviceAddress not found");
-    EXPECT_EQ(failure<IOPluginException>(
+    EXPECT_EQ(messageOf<IOPluginException>(
                   [&] { static_cast<void>(camera->chip.getI2cLocked(0x21, 0, 1, 1, false)); }),
               "deviceAddress not found");
     EXPECT_THAT(setTof(29, 0), ElementsAre("SET 2  40 1D 00 00 00 00 00"))
@@ -293,7 +293,7 @@ TEST(OV0570FpgaTest, SynchronisationTakesTwoReadsARoundAndGivesUpAfterFour) {
         if (rounds <= 4) {
             EXPECT_NO_THROW(sync());
         } else {
-            EXPECT_EQ(failure<IOPluginException>(sync), "failed to sync with FPGA");
+            EXPECT_EQ(messageOf<IOPluginException>(sync), "failed to sync with FPGA");
         }
         EXPECT_EQ(camera.port.log().size(), 1 + 2 * std::min(rounds, 4U));
     }
@@ -302,7 +302,7 @@ TEST(OV0570FpgaTest, SynchronisationTakesTwoReadsARoundAndGivesUpAfterFour) {
 // The wait ignores bit 14, the final check does not.
 TEST_F(OV0570Test, SynchronisationChecksOneBitMoreThanItWaitsFor) {
     camera->model.registers(1).queueRead(0x21, 0x6000);
-    EXPECT_EQ(failure<IOPluginException>([&] { camera->run(UVC_SYNC_FPGA, 0, 0); }),
+    EXPECT_EQ(messageOf<IOPluginException>([&] { camera->run(UVC_SYNC_FPGA, 0, 0); }),
               "failed to sync with FPGA");
     EXPECT_EQ(camera->port.log().size(), 1U);
 }

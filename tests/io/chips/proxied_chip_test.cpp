@@ -95,7 +95,7 @@ TEST(HangingChipTest, AListStopsAtATransferThatHangsAndTheChipGoesOn) {
         makeRefcounted<UVCCommandRequest>(IO::UVC_TOF_CONTROLLER_REGISTER, 29U, 0U),
         makeRefcounted<UVCCommandRequest>(IO::UVC_SYNC_FPGA, 0U, 0U),
         makeRefcounted<UVCCommandRequest>(IO::UVC_TOF_CONTROLLER_REGISTER, 5U, 7U)};
-    EXPECT_EQ(failure<Plugin::TimeoutPluginException>([&] { chip.processCommands(&list); }),
+    EXPECT_EQ(messageOf<Plugin::TimeoutPluginException>([&] { chip.processCommands(&list); }),
               "processRequest: I/O timeout: RequestType_XURECV");
     EXPECT_EQ(chip.getTOFControllerRegisterLocked(5), 0U) << "what came after it was not begun";
     EXPECT_EQ(chip.getTOFControllerRegisterLocked(29), 1U);

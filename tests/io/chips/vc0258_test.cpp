@@ -124,17 +124,17 @@ TEST_F(VC0258Test, RawI2cTakesOneOrTwoDataBytesOfEitherOrder) {
 
 TEST_F(VC0258Test, WrongWidthsAndAddressesFailBeforeAnyTransfer) {
     const auto set = [this](unsigned char device, unsigned char addressBytes, unsigned char dataBytes) {
-        return failure<IOPluginException>(
+        return messageOf<IOPluginException>(
             [&] { camera.chip.setI2cLocked(device, 0, 0, addressBytes, dataBytes, true); });
     };
     EXPECT_EQ(set(0x21, 2, 9), "addressBytes must be equal to 1");
     EXPECT_EQ(set(0x21, 0, 1), "addressBytes must be equal to 1");
     EXPECT_EQ(set(0x21, 1, 0), "dataBytes must be equal to 1 or 2");
     EXPECT_EQ(set(0x21, 1, 3), "dataBytes must be equal to 1 or 2");
-    EXPECT_EQ(
-        failure<IOPluginException>([&] { static_cast<void>(camera.chip.getI2cLocked(0x21, 0, 2, 1, true)); }),
-        "addressBytes must be equal to 1");
-    EXPECT_THAT(failure<ArgumentPluginException>([&] { camera.chip.setI2cLocked(0xA1, 0, 0, 1, 1, true); }),
+    EXPECT_EQ(messageOf<IOPluginException>(
+                  [&] { static_cast<void>(camera.chip.getI2cLocked(0x21, 0, 2, 1, true)); }),
+              "addressBytes must be equal to 1");
+    EXPECT_THAT(messageOf<ArgumentPluginException>([&] { camera.chip.setI2cLocked(0xA1, 0, 0, 1, 1, true); }),
                 HasSubstr("0xa1"));
     for (const unsigned char dataBytes : {1, 2}) {
         EXPECT_THROW(camera.chip.setI2cLocked(0x21, 0x100, 0, 1, dataBytes, true), ArgumentPluginException);
@@ -194,7 +194,7 @@ TEST_F(VC0258Test, MetaCodesWriteTheirPairsOrAreRefused) {
     EXPECT_THAT(command(UVC_TOF_CONTROLLER_REGISTER, 999, 1), ElementsAre(tofWrite("E7", "01 00")));
     camera.port.clearLog();
     const auto refused = [this](unsigned code, unsigned value) {
-        return failure<ConfigurationPluginException>(
+        return messageOf<ConfigurationPluginException>(
             [&] { camera.run(UVC_TOF_CONTROLLER_REGISTER, code, value); });
     };
     EXPECT_EQ(refused(1005, 0), "invalid meta value 3ed");
@@ -235,7 +235,7 @@ TEST_F(VC0258Test, AreasAreReadInPiecesThroughDma) {
 TEST_F(VC0258Test, ReadsOutOfRangeFailBeforeAnyTransfer) {
     unsigned char out[40];
     for (const unsigned length : {0U, 33U, 0xFFFFFFFFU}) {
-        EXPECT_EQ(failure<IOPluginException>([&] { camera.chip.getDMADataLocked(0, out, length); }),
+        EXPECT_EQ(messageOf<IOPluginException>([&] { camera.chip.getDMADataLocked(0, out, length); }),
                   "invalid DMA length");
     }
     EXPECT_THROW(camera.chip.getDMADataLocked(0xFFFF, out, 2), IOPluginException);

@@ -85,7 +85,7 @@ TEST_F(VC0345Test, MetaCodesWriteTheirPairsOrAreRefused) {
                                 std::string("SET 16  41 ") + row.high + " 34 12"));
     camera.port.clearLog();
     EXPECT_EQ(
-        failure<ConfigurationPluginException>([&] { camera.run(UVC_TOF_CONTROLLER_REGISTER, 1007, 0); }),
+        messageOf<ConfigurationPluginException>([&] { camera.run(UVC_TOF_CONTROLLER_REGISTER, 1007, 0); }),
         "invalid meta value 3ef");
     EXPECT_THAT(camera.port.log(), IsEmpty());
 }

@@ -17,9 +17,11 @@
 #include "plugins/simulated/firmware/vc0258_firmware.h"
 #include "plugins/simulated/firmware/vc0345_firmware.h"
 #include "plugins/simulated/port.h"
+#include "support/failure.h"
 
 namespace Zentara::Test {
 
+using TestSupport::messageOf;
 using Lines = std::vector<std::string>;
 
 /// Takes no time and remembers what it was asked for, in milliseconds.
@@ -97,16 +99,5 @@ struct WiredCamera {
 using OV0570Camera = WiredCamera<IO::OV0570Impl, Simulated::OV0570Firmware>;
 using VC0258Camera = WiredCamera<IO::VC0258Impl, Simulated::VC0258Firmware>;
 using VC0345Camera = WiredCamera<IO::VC0345Impl, Simulated::VC0345Firmware>;
-
-/// The text of the exception that an operation ends with; a failed test when it ends otherwise.
-template<typename Exception, typename Operation>
-std::string failure(Operation operation) {
-    try {
-        operation();
-    } catch (const Exception& exception) {
-        return exception.what();
-    }
-    return "nothing was thrown";
-}
 
 } // namespace Zentara::Test

@@ -78,7 +78,7 @@ TEST(XUInterfaceTest, AListThatChangesWhileItRunsIsFollowed) {
 TEST(XUInterfaceTest, ANullElementOrAFailureStopsTheList) {
     ListeningChip chip;
     const Requests list{numbered(1), nullptr, numbered(2)};
-    EXPECT_THAT(failure<ArgumentPluginException>([&] { chip.processCommands(&list); }),
+    EXPECT_THAT(messageOf<ArgumentPluginException>([&] { chip.processCommands(&list); }),
                 HasSubstr("request 1"));
     EXPECT_THAT(chip.done, ElementsAre(1));
     chip.onCommand = [](unsigned a) {
@@ -94,9 +94,9 @@ TEST(XUInterfaceTest, WithoutAProxySelectingDoesNothingAndTransfersAreRefused) {
     ListeningChip chip;
     EXPECT_NO_THROW(chip.setup(::GUID{}));
     unsigned char byte = 0;
-    EXPECT_THAT(failure<InvalidOperationPluginException>([&] { chip.send(1, 1, 1, &byte); }),
+    EXPECT_THAT(messageOf<InvalidOperationPluginException>([&] { chip.send(1, 1, 1, &byte); }),
                 HasSubstr("send"));
-    EXPECT_THAT(failure<InvalidOperationPluginException>([&] { chip.recv(1, 1, 1, &byte, false); }),
+    EXPECT_THAT(messageOf<InvalidOperationPluginException>([&] { chip.recv(1, 1, 1, &byte, false); }),
                 HasSubstr("recv"));
     chip.initialize(nullptr);
     EXPECT_EQ(chip.setups, 1);

@@ -47,9 +47,9 @@ using testing::HasSubstr;
 using testing::Le;
 using testing::SizeIs;
 using TestSupport::CameraHost;
+using TestSupport::failure;
 using TestSupport::Frame;
 using TestSupport::HostedNode;
-using TestSupport::outcome;
 using TestSupport::read;
 using Utils::makeRefcounted;
 using DepthHost = HostedNode<Core::DepthNodeInterface>;
@@ -111,7 +111,7 @@ TEST_P(DepthNodeTest, SendsItsCommandsWhenItStartsAndStops) {
     std::uint32_t value = 0;
     EXPECT_TRUE(camera.view().getValue(66, value));
     EXPECT_EQ(value, 1U);
-    EXPECT_THAT(outcome([&] { camera->enableStreaming(modes[0]); }), HasSubstr("streams already"));
+    EXPECT_THAT(failure([&] { camera->enableStreaming(modes[0]); }), HasSubstr("streams already"));
 
     camera->setConfiguration(modes[0]);
     EXPECT_THAT(writes(), ElementsAre(Write{66, 0}, Write{64, 1}));
@@ -385,7 +385,7 @@ TEST_P(DepthNodeTest, WhateverTransferFailsItCanBeDisposedAndInitializedAgain) {
     ASSERT_GT(needed, 30U);
     std::size_t failed = 0;
     for (std::size_t fault = 1; fault <= needed; ++fault) {
-        failed += outcome([&] { run(fault); }) != "nothing was thrown";
+        failed += failure([&] { run(fault); }) != "nothing was thrown";
         if (fault % 2 == 0)
             camera->dispose(); // else the next initialize replaces this one
     }
@@ -409,7 +409,7 @@ TEST_F(NodeFailureTest, ACommandThatFailsLeavesTheCameraStopped) {
     // The first log is at its end, so the second initialization is counted anew.
     camera.initialize();
     writes();
-    EXPECT_THAT(outcome([&] { camera->enableStreaming(mode); }), HasSubstr("the transfer failed"));
+    EXPECT_THAT(failure([&] { camera->enableStreaming(mode); }), HasSubstr("the transfer failed"));
     EXPECT_THAT(writes(), ElementsAre(Write{65, 1}, Write{66, 0}, Write{64, 0}, Write{65, 0}))
         << "the third one failed; those for the stop follow, once";
     EXPECT_EQ(read(camera).status, ReadBufferStatus_NOT_STREAMING);
@@ -422,7 +422,7 @@ TEST_F(NodeFailureTest, AStartThatComesTooLateIsTakenBack) {
     AudioHost microphones(host.find(NodeType_AUDIO));
     microphones.initialize();
     const auto mode = microphones->getDefaultConfiguration();
-    EXPECT_THAT(outcome([&] { microphones->enableStreaming(mode); }), testing::StartsWith("2: "));
+    EXPECT_THAT(failure([&] { microphones->enableStreaming(mode); }), testing::StartsWith("2: "));
     EXPECT_EQ(read(microphones).status, ReadBufferStatus_NOT_STREAMING);
     microphones->enableStreaming(mode);
     EXPECT_EQ(read(microphones).status, ReadBufferStatus_OK);
@@ -433,9 +433,9 @@ TEST_F(NodeFailureTest, MissingAndWrongDevicesAreRefused) {
     NodeEvent event = host.find(NodeType_DEPTH);
     DepthHost depth(event);
     depth.event.parentPath = "simulated:gone";
-    EXPECT_THAT(outcome([&] { depth.initialize(); }),
+    EXPECT_THAT(failure([&] { depth.initialize(); }),
                 HasSubstr("no camera is plugged in as 'simulated:gone'"));
-    EXPECT_THAT(outcome([&] { depth->enableStreaming({}); }), HasSubstr("not initialized"));
+    EXPECT_THAT(failure([&] { depth->enableStreaming({}); }), HasSubstr("not initialized"));
     depth->dispose();
     depth->dispose();
     depth.event = event;
@@ -443,12 +443,12 @@ TEST_F(NodeFailureTest, MissingAndWrongDevicesAreRefused) {
 
     // The audio node's store names an audio device.
     AudioHost audio(host.find(NodeType_AUDIO));
-    EXPECT_THAT(outcome([&] { depth->initialize(&event, &audio.view(), nullptr); }),
+    EXPECT_THAT(failure([&] { depth->initialize(&event, &audio.view(), nullptr); }),
                 HasSubstr("ImplType mismatch"));
-    EXPECT_THAT(outcome([&] { depth->readBuffer(nullptr, 0, nullptr, nullptr); }),
+    EXPECT_THAT(failure([&] { depth->readBuffer(nullptr, 0, nullptr, nullptr); }),
                 HasSubstr("not initialized"));
     depth.initialize();
-    EXPECT_THAT(outcome([&] { depth->initialize(nullptr, &depth.view(), nullptr); }),
+    EXPECT_THAT(failure([&] { depth->initialize(nullptr, &depth.view(), nullptr); }),
                 HasSubstr("no node event"));
     depth->dispose();
 }
@@ -459,13 +459,13 @@ TEST_F(NodeFailureTest, WrongModesAndRequestsAreRefused) {
     camera.initialize();
     const auto vga = makeRefcounted<DepthConfiguration>(FrameFormat_VGA, 60, DepthNode::CameraMode_0, false,
                                                         std::int16_t{0});
-    EXPECT_THAT(outcome([&] { camera->enableStreaming(vga); }), HasSubstr("has no mode DEFF3FR60CM0S0"));
-    EXPECT_THAT(outcome([&] { camera->setConfiguration(camera->getConfigurations()[0]); }),
+    EXPECT_THAT(failure([&] { camera->enableStreaming(vga); }), HasSubstr("has no mode DEFF3FR60CM0S0"));
+    EXPECT_THAT(failure([&] { camera->setConfiguration(camera->getConfigurations()[0]); }),
                 HasSubstr("does not stream"));
-    EXPECT_THAT(outcome([&] { camera->process({}); }), HasSubstr("null"));
-    EXPECT_THAT(outcome([&] { camera->setIlluminationLevel(DepthNode::CameraMode_0, 101); }),
+    EXPECT_THAT(failure([&] { camera->process({}); }), HasSubstr("null"));
+    EXPECT_THAT(failure([&] { camera->setIlluminationLevel(DepthNode::CameraMode_0, 101); }),
                 HasSubstr("value out of range"));
-    EXPECT_THAT(outcome([&] { static_cast<void>(camera->readTemperature(nullptr)); }), HasSubstr("null"));
+    EXPECT_THAT(failure([&] { static_cast<void>(camera->readTemperature(nullptr)); }), HasSubstr("null"));
     writes();
     camera->process(makeRefcounted<IO::UVCCommandRequest>(IO::UVC_TOF_CONTROLLER_REGISTER, 77U, 5U));
     camera->setIlluminationLevel(DepthNode::CameraMode_0, 40);
@@ -483,12 +483,12 @@ TEST_F(NodeFailureTest, OneCamerasFailureLeavesTheOthersStreaming) {
     for (DepthHost* camera : {&a, &b, &c})
         camera->initialize();
     a->enableStreaming(a->getConfigurations().front());
-    EXPECT_THAT(outcome([&] { b->enableStreaming(b->getConfigurations().front()); }),
+    EXPECT_THAT(failure([&] { b->enableStreaming(b->getConfigurations().front()); }),
                 HasSubstr("enableDepth"));
     c->enableStreaming(c->getConfigurations().front());
     EXPECT_EQ(read(a).status, ReadBufferStatus_OK);
     EXPECT_EQ(read(a).status, ReadBufferStatus_OK);
-    EXPECT_THAT(outcome([&] { read(a); }), HasSubstr("readBuffer"));
+    EXPECT_THAT(failure([&] { read(a); }), HasSubstr("readBuffer"));
     b->dispose();
     for (int i = 0; i < 5; ++i)
         EXPECT_EQ(read(c).status, ReadBufferStatus_OK);
@@ -521,9 +521,9 @@ TEST_F(NodeFailureTest, APulledCameraIsDisconnectedAndComesBackAsANewOne) {
     EXPECT_EQ(lastStatus(color), ReadBufferStatus_DISCONNECTED);
     EXPECT_EQ(lastStatus(audio), ReadBufferStatus_DISCONNECTED);
     EXPECT_EQ(read(b).status, ReadBufferStatus_OK) << "the other one streams on";
-    EXPECT_THAT(outcome([&] { static_cast<void>(a->readTemperatures()); }), HasSubstr("unplugged"));
+    EXPECT_THAT(failure([&] { static_cast<void>(a->readTemperatures()); }), HasSubstr("unplugged"));
     a->dispose();
-    EXPECT_THAT(outcome([&] { a.initialize(); }), HasSubstr("no camera is plugged in"));
+    EXPECT_THAT(failure([&] { a.initialize(); }), HasSubstr("no camera is plugged in"));
 
     host.plug(R"({"model": "ZS570", "serialNumber": "A"}, {"model": "ZS258", "serialNumber": "B"})");
     EXPECT_EQ(read(color).status, ReadBufferStatus_DISCONNECTED) << "the old node stays as it was";
@@ -538,11 +538,11 @@ TEST_F(NodeTest, AColorNodeStreamsWithTheSettingsOfTheHost) {
         camera.initialize();
         EXPECT_EQ(camera->getCameraControls().values.at(CameraControl_CONTRAST).value, 50);
         camera->setCameraControl(CameraControl_BRIGHTNESS, {30, false});
-        EXPECT_THAT(outcome([&] {
+        EXPECT_THAT(failure([&] {
                         camera->setCameraControl(CameraControl_ZOOM, {1, false});
                     }),
                     HasSubstr("no control 11"));
-        EXPECT_THAT(outcome([&] {
+        EXPECT_THAT(failure([&] {
                         camera->setCameraControl(CameraControl_BRIGHTNESS, {300, false});
                     }),
                     HasSubstr("takes -64 to 64"));
@@ -558,7 +558,7 @@ TEST_F(NodeTest, AColorNodeStreamsWithTheSettingsOfTheHost) {
         camera->disableStreaming();
         EXPECT_GT(transfers(), streaming) << model << ": and those for the stop";
         EXPECT_EQ(read(camera).status, ReadBufferStatus_NOT_STREAMING);
-        EXPECT_THAT(outcome([&] { camera->enableStreaming(makeRefcounted<ColorConfiguration>()); }),
+        EXPECT_THAT(failure([&] { camera->enableStreaming(makeRefcounted<ColorConfiguration>()); }),
                     HasSubstr("has no mode"));
     }
 }
@@ -566,13 +566,13 @@ TEST_F(NodeTest, AColorNodeStreamsWithTheSettingsOfTheHost) {
 TEST_F(NodeTest, AnAudioNodeStreamsItsDefaultModeAsItsDeviceIsSet) {
     plugOne("ZS570");
     AudioHost microphones(host.find(NodeType_AUDIO));
-    EXPECT_THAT(outcome([&] { microphones->disableStreaming(); }), HasSubstr("not initialized"));
+    EXPECT_THAT(failure([&] { microphones->disableStreaming(); }), HasSubstr("not initialized"));
     microphones.initialize();
     EXPECT_EQ(microphones->getDefaultConfiguration()->getName(), "AUCH2BPS16SR48000");
     EXPECT_THAT(
-        outcome([&] { microphones->enableStreaming(makeRefcounted<AudioConfiguration>(1, 8, 8000)); }),
+        failure([&] { microphones->enableStreaming(makeRefcounted<AudioConfiguration>(1, 8, 8000)); }),
         HasSubstr("no mode"));
-    EXPECT_THAT(outcome([&] { microphones->setMute(true); }),
+    EXPECT_THAT(failure([&] { microphones->setMute(true); }),
                 "1: Setting mute is not supported by this device");
     microphones->enableStreaming(microphones->getDefaultConfiguration());
     const auto isSilent = [&] {
@@ -644,9 +644,9 @@ TEST(UndescribedDevices, StreamColorAndSoundAsTheyReportIt) {
     EXPECT_EQ(read(audio).length, static_cast<int>(Cameras::audioBlockBytes));
 
     DeviceAlone nothing(Core::Guids::NULL_IMPL);
-    EXPECT_THAT(outcome([&] { color.initialize(nothing); }), HasSubstr("couldn't find GUID NULL_IMPL"));
+    EXPECT_THAT(failure([&] { color.initialize(nothing); }), HasSubstr("couldn't find GUID NULL_IMPL"));
     UndescribedNode<Core::DepthNodeInterface> depth(Cameras::depthNodeGuid);
-    EXPECT_THAT(outcome([&] { depth.initialize(video); }), HasSubstr("tells no controller"));
+    EXPECT_THAT(failure([&] { depth.initialize(video); }), HasSubstr("tells no controller"));
 }
 
 TEST(Z16Node, TellsMillimetresWhateverTheUnit) {
@@ -678,16 +678,16 @@ TEST(Z16Node, TellsMillimetresWhateverTheUnit) {
 TEST(Z16Node, RefusesWhatItCannotTellInMillimetres) {
     UndescribedNode<Core::DepthNodeInterface> camera(Cameras::z16DepthNodeGuid);
     DeviceAlone store(Core::Guids::MOCKVIDEODEVICE_IMPL);
-    EXPECT_THAT(outcome([&] { camera.initialize(store); }), HasSubstr("has no depthUnit"));
+    EXPECT_THAT(failure([&] { camera.initialize(store); }), HasSubstr("has no depthUnit"));
     DeviceAlone sizeless(Core::Guids::MOCKVIDEODEVICE_IMPL, 1000);
     sizeless.format = FrameFormat_DEFAULT;
-    EXPECT_THAT(outcome([&] { camera.initialize(sizeless); }), HasSubstr("no mode of a known size"));
+    EXPECT_THAT(failure([&] { camera.initialize(sizeless); }), HasSubstr("no mode of a known size"));
     DeviceAlone vga(Core::Guids::MOCKVIDEODEVICE_IMPL, 1000);
     vga.format = FrameFormat_VGA;
     camera.initialize(vga);
-    EXPECT_THAT(outcome([&] { camera->enableStreaming(camera->getConfigurations().front()); }),
+    EXPECT_THAT(failure([&] { camera->enableStreaming(camera->getConfigurations().front()); }),
                 HasSubstr("QVGA"));
-    EXPECT_THAT(outcome([&] { camera->enableStreaming({}); }), HasSubstr("null"));
+    EXPECT_THAT(failure([&] { camera->enableStreaming({}); }), HasSubstr("null"));
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include <zentara/utils/files.h>
 
 #include "plugins/simulated/faults.h"
+#include "support/failure.h"
 #include "support/simulated_faults.h"
 #include "support/temporary_directory.h"
 
@@ -16,12 +17,8 @@ namespace {
 using testing::HasSubstr;
 
 std::string complaint(const std::string& text) {
-    try {
-        (void)Settings::parse(text, "faults.txt");
-    } catch (const Plugin::ConfigurationPluginException& failure) {
-        return failure.message();
-    }
-    return "accepted";
+    return TestSupport::messageOf<Plugin::ConfigurationPluginException>(
+        [&] { (void)Settings::parse(text, "faults.txt"); });
 }
 
 TEST(Settings, FaultsHappenAtTheirCallAndNoOther) {

@@ -26,15 +26,10 @@ using namespace Cameras;
 namespace {
 
 using testing::HasSubstr;
-using TestSupport::outcome;
+using TestSupport::failure;
 using TestSupport::read;
 using TestSupport::SimulatedFaults;
 using OutputFormat = IO::setOutputFormatRequest::OutputFormat;
-
-constexpr const char* configurationKind = "1: ";
-constexpr const char* argumentKind = "3: ";
-constexpr const char* notSupportedKind = "5: ";
-constexpr const char* invalidOperationKind = "7: ";
 
 /// The devices of the real plug-in libraries, behind proxies of both kinds.
 class SimulatedDevices : public testing::TestWithParam<bool> {
@@ -94,34 +89,30 @@ TEST_P(SimulatedDevices, AnswerEveryOperationInItsState) {
     const SimulatedFaults withoutController("chip none");
     const auto camera = video();
     const auto expect = [](const char* kind, const char* text, const std::function<void()>& step) {
-        EXPECT_THAT(outcome(step), testing::AllOf(testing::StartsWith(kind), HasSubstr(text)));
+        EXPECT_THAT(failure(step), testing::AllOf(testing::StartsWith(kind), HasSubstr(text)));
     };
     EXPECT_EQ(read(camera).status, ReadBufferStatus_NOT_STREAMING);
-    expect(invalidOperationKind, "enableDepth: the device is closed",
-           [&] { camera->enableStreaming(depthMode()); });
-    expect(invalidOperationKind, "close: the device is closed", [&] { camera->close(); });
+    expect("7: ", "enableDepth: the device is closed", [&] { camera->enableStreaming(depthMode()); });
+    expect("7: ", "close: the device is closed", [&] { camera->close(); });
     camera->open();
-    expect(invalidOperationKind, "open: the device is open already", [&] { camera->open(); });
-    expect(configurationKind, "no mode DEFF3FR60CM0S0",
-           [&] { camera->enableStreaming(depthMode(FrameFormat_VGA)); });
+    expect("7: ", "open: the device is open already", [&] { camera->open(); });
+    expect("1: ", "no mode DEFF3FR60CM0S0", [&] { camera->enableStreaming(depthMode(FrameFormat_VGA)); });
     camera->enableStreaming(depthMode());
-    expect(invalidOperationKind, "the device is streaming", [&] { camera->enableStreaming(depthMode()); });
+    expect("7: ", "the device is streaming", [&] { camera->enableStreaming(depthMode()); });
 
     const auto small = read(camera, 100);
     EXPECT_EQ(small.status, ReadBufferStatus_TOO_SMALL);
     EXPECT_EQ(small.length, static_cast<int>(frameBytes));
-    expect(argumentKind, "readBuffer: a pointer is null",
-           [&] { camera->readBuffer(nullptr, 0, nullptr, nullptr); });
+    expect("3: ", "readBuffer: a pointer is null", [&] { camera->readBuffer(nullptr, 0, nullptr, nullptr); });
 
     std::uint8_t byte = 0;
-    expect(notSupportedKind, "send: the simulated camera has no controller",
-           [&] { camera->send(1, 2, 1, &byte); });
-    expect(notSupportedKind, "recv:", [&] { camera->recv(1, 2, 1, &byte, false); });
-    expect(notSupportedKind, "len:", [&] { (void)camera->len(1, 2); });
-    expect(notSupportedKind, "setup:", [&] { camera->xuSetup(GUID{}); });
-    expect(notSupportedKind, "not supported", [&] { camera->read(1, 2, 3, &byte, 1); });
-    expect(notSupportedKind, "not supported", [&] { camera->write(1, 2, 3, &byte, 1); });
-    expect(notSupportedKind, "not supported", [&] { camera->write(1, &byte, 1); });
+    expect("5: ", "send: the simulated camera has no controller", [&] { camera->send(1, 2, 1, &byte); });
+    expect("5: ", "recv:", [&] { camera->recv(1, 2, 1, &byte, false); });
+    expect("5: ", "len:", [&] { (void)camera->len(1, 2); });
+    expect("5: ", "setup:", [&] { camera->xuSetup(GUID{}); });
+    expect("5: ", "not supported", [&] { camera->read(1, 2, 3, &byte, 1); });
+    expect("5: ", "not supported", [&] { camera->write(1, 2, 3, &byte, 1); });
+    expect("5: ", "not supported", [&] { camera->write(1, &byte, 1); });
 
     camera->disableStreaming(false);
     EXPECT_EQ(read(camera).status, ReadBufferStatus_NOT_STREAMING);
@@ -155,7 +146,7 @@ TEST_P(SimulatedDevices, StreamColorUnderTheirControls) {
     camera->setCameraControl(CameraControl_BRIGHTNESS, {brightness.maximum, false});
     EXPECT_GT(meanLuma(), dark + 60);
 
-    EXPECT_THAT(outcome([&] {
+    EXPECT_THAT(failure([&] {
                     camera->setCameraControl(CameraControl_GAIN, {0, true});
                 }),
                 HasSubstr("no automatic mode"));
@@ -180,9 +171,9 @@ TEST_P(SimulatedDevices, HearTheToneAtItsLevel) {
     EXPECT_NEAR(peak(), 8191, 500);
     microphones->setMute(true);
     EXPECT_EQ(peak(), 0);
-    EXPECT_THAT(outcome([&] { microphones->setInputMixerLevel(1.5F); }), testing::StartsWith(argumentKind));
+    EXPECT_THAT(failure([&] { microphones->setInputMixerLevel(1.5F); }), testing::StartsWith("3: "));
     mode->setSampleRate(44100);
-    EXPECT_THAT(outcome([&] { microphones->enableStreaming(mode, 1.0F, false); }),
+    EXPECT_THAT(failure([&] { microphones->enableStreaming(mode, 1.0F, false); }),
                 HasSubstr("AUCH2BPS16SR44100"));
     EXPECT_EQ(read(microphones, 1).status, ReadBufferStatus_TOO_SMALL);
 }
@@ -194,34 +185,31 @@ TEST_P(SimulatedDevices, ThrowEachKindWhereTheSettingsSay) {
         const SimulatedFaults faults(std::string("throw ") + kinds[kind] +
                                      " at open times 1 saying lens cap");
         const auto camera = video();
-        EXPECT_EQ(outcome([&] { camera->open(); }), std::to_string(kind) + ": lens cap");
-        EXPECT_EQ(outcome([&] { camera->open(); }), "nothing was thrown") << "once was asked for";
+        EXPECT_EQ(failure([&] { camera->open(); }), std::to_string(kind) + ": lens cap");
+        EXPECT_EQ(failure([&] { camera->open(); }), "nothing was thrown") << "once was asked for";
     }
 }
 
 TEST_P(SimulatedDevices, FailToComeToLifeAsAsked) {
     {
         const SimulatedFaults faults("throw initialization at threadInitialize");
-        EXPECT_EQ(outcome([&] { video(); }), "6: threadInitialize: simulated fault");
-        EXPECT_EQ(outcome([&] { audio(); }), "6: threadInitialize: simulated fault");
+        EXPECT_EQ(failure([&] { video(); }), "6: threadInitialize: simulated fault");
+        EXPECT_EQ(failure([&] { audio(); }), "6: threadInitialize: simulated fault");
     }
     {
         const SimulatedFaults faults("throw unauthorizedAccess at audio.create");
-        EXPECT_EQ(outcome([&] { video(); }), "nothing was thrown");
-        EXPECT_EQ(outcome([&] { audio(); }), "8: create: simulated fault");
+        EXPECT_EQ(failure([&] { video(); }), "nothing was thrown");
+        EXPECT_EQ(failure([&] { audio(); }), "8: create: simulated fault");
     }
-    EXPECT_EQ(outcome([&] { video(); }), "nothing was thrown");
+    EXPECT_EQ(failure([&] { video(); }), "nothing was thrown");
 }
 
 /// These two operations do not reach a device through the worker.
 TEST(DirectVideoDevice, CropsAndLeavesConfidenceAway) {
     IO::VideoDeviceProxy camera(Core::Guids::MOCKVIDEODEVICE_IMPL, false);
-    EXPECT_THAT(outcome([&] {
-                    camera.setRegionOfInterest({300, 0, 21, 1});
-                }),
-                testing::StartsWith(argumentKind));
-    EXPECT_THAT(outcome([&] { camera.setOutputFormat(OutputFormat::OutputFormat_RAW_PHASE); }),
-                testing::StartsWith(notSupportedKind));
+    EXPECT_THAT(failure([&] { camera.setRegionOfInterest({300, 0, 21, 1}); }), testing::StartsWith("3: "));
+    EXPECT_THAT(failure([&] { camera.setOutputFormat(OutputFormat::OutputFormat_RAW_PHASE); }),
+                testing::StartsWith("5: "));
     camera.setRegionOfInterest({100, 50, 20, 10});
     camera.setOutputFormat(OutputFormat::OutputFormat_DEPTH);
     camera.open();
@@ -250,16 +238,16 @@ TEST(DirectVideoDevice, CropsAndLeavesConfidenceAway) {
 TEST(HangingVideoDevice, LetsGoWhenItIsCancelled) {
     const SimulatedFaults faults("hang 600000 at open times 1");
     IO::VideoDeviceProxy camera(Core::Guids::MOCKVIDEODEVICE_IMPL, true);
-    EXPECT_EQ(outcome([&] { camera.open(); }), "2: processRequest: I/O timeout: RequestType_OPEN");
-    EXPECT_EQ(outcome([&] { camera.open(); }), "nothing was thrown") << "the worker goes on at once";
+    EXPECT_EQ(failure([&] { camera.open(); }), "2: processRequest: I/O timeout: RequestType_OPEN");
+    EXPECT_EQ(failure([&] { camera.open(); }), "nothing was thrown") << "the worker goes on at once";
 }
 
 TEST(HangingVideoDevice, RefusesToBeCancelledWhenToldTo) {
     const SimulatedFaults faults("refuse cancel\nhang 3000 at open times 1");
     IO::VideoDeviceProxy camera(Core::Guids::MOCKVIDEODEVICE_IMPL, true);
-    EXPECT_EQ(outcome([&] { camera.open(); }), "2: processRequest: I/O timeout: RequestType_OPEN");
+    EXPECT_EQ(failure([&] { camera.open(); }), "2: processRequest: I/O timeout: RequestType_OPEN");
     // The hanging open was not cancelled, so it still succeeds before the next one's turn.
-    EXPECT_EQ(outcome([&] { camera.open(); }), "7: open: the device is open already");
+    EXPECT_EQ(failure([&] { camera.open(); }), "7: open: the device is open already");
 }
 
 } // namespace

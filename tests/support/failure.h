@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+
+#include <zentara/plugin/plugin_exceptions.h>
+
+namespace Zentara::TestSupport {
+
+/// The message of the exception of that class which the operation ends with.
+template<typename Exception, typename Operation>
+std::string messageOf(Operation operation) {
+    try {
+        operation();
+    } catch (const Exception& thrown) {
+        return thrown.what();
+    }
+    return "nothing was thrown";
+}
+
+/// "KIND: MESSAGE" of the plug-in exception that the operation ends with.
+template<typename Operation>
+std::string failure(Operation operation) {
+    try {
+        operation();
+    } catch (const Plugin::PluginException& thrown) {
+        return std::to_string(thrown.type()) + ": " + thrown.message();
+    }
+    return "nothing was thrown";
+}
+
+} // namespace Zentara::TestSupport
