@@ -12,4 +12,8 @@ struct ROMElement {
     friend bool operator==(const ROMElement&, const ROMElement&) = default;
 };
 
+/// The id under which a descriptor store keeps where the storage of a camera's calibration lies: in the memory that
+/// `IO::CameraChip::readConfiguration` reads.
+inline constexpr std::uint64_t storageROMElement = 1;
+
 } // namespace Zentara

@@ -74,13 +74,16 @@ void listController(const JsonValue& list, const Core::DeviceDescriptor& device,
     *free = {device.hardwareIds.vendorId, controllerProduct(controller), 0, 0};
 }
 
-Core::DeviceDescriptor readDevice(JsonFields& fields) {
+Core::DeviceDescriptor readDevice(JsonFields& fields, std::string& controller) {
     Core::DeviceDescriptor device;
     device.hardwareIds.vendorId = fields.need("vendorId").word();
     device.hardwareIds.productId = fields.need("productId").word();
     device.hardwareIds.revision = fields.need("revision").word();
-    if (const auto field = fields.find("controller"))
-        device.capabilities = controllerCode(readController(*field));
+    if (const auto field = fields.find("controller")) {
+        const ChipKind kind = readController(*field);
+        controller = chipName(kind);
+        device.capabilities = controllerCode(kind);
+    }
     if (const auto field = fields.find("capabilities"))
         device.capabilities |= static_cast<std::int32_t>(field->whole(0, lastCapability) << controllerBits);
     if (const auto field = fields.find("flags"))
@@ -262,7 +265,7 @@ CameraDescription readDescription(const std::string& text, const std::string& so
     const JsonValue serialNumber = fields.need("serialNumber");
     camera.serialNumber = serialNumber.name();
     camera.serialLine = serialNumber.line();
-    camera.device = readDevice(fields);
+    camera.device = readDevice(fields, camera.controller);
     const auto hardwareVersion = fields.find("hardwareVersion");
     if (hardwareVersion)
         camera.hardwareVersion = readHardwareVersion(*hardwareVersion);

@@ -9,6 +9,7 @@
 
 #include <zentara/audio_configuration.h>
 #include <zentara/color_configuration.h>
+#include <zentara/core/descriptor_details.h>
 #include <zentara/core/device_descriptor.h>
 #include <zentara/core/node_descriptor.h>
 #include <zentara/core/node_labels.h>
@@ -30,6 +31,8 @@ struct ProfileDescription {
     Core::Profile profile = Core::Profile_DEFAULT;
     Core::NodeDescriptor descriptor;
     RegionOfInterestInternal regionOfInterest;
+    std::uint32_t depthUnit = 0; ///< micrometres; 0 unless told
+    Core::DepthAlong depthAlong = Core::DepthAlong::Axis;
     std::array<std::optional<SensorValueArray>, 2> temperatureCalibration; ///< by camera mode
     std::array<std::optional<CyclicErrorRecord>, 2> cyclicErrorCorrection; ///< by camera mode
     std::optional<SensorValue> temperatureCompensation;                    ///< coefficient and sensor
@@ -65,6 +68,7 @@ struct CameraDescription {
     std::string vendorName;
     std::string productName;
     std::string serialNumber; ///< of the one that is plugged in by default
+    std::string controller;   ///< its name; empty for a camera without one
     Core::DeviceDescriptor device;
     HardwareVersionInternal hardwareVersion;
     std::vector<NodeDescription> nodes;

@@ -51,7 +51,4 @@ listedController(const HardwareVersionInternal& version) noexcept {
     return std::nullopt;
 }
 
-/// The ROM element under which a camera's description keeps where the storage of its calibration lies.
-constexpr std::uint64_t storageElement = 1;
-
 } // namespace Zentara::Cameras

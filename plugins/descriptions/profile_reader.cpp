@@ -6,7 +6,6 @@
 #include <zentara/utils/format.h>
 
 #include "plugins/descriptions/command_reader.h"
-#include "plugins/descriptions/depth_unit.h"
 
 namespace Zentara::Cameras {
 namespace {
@@ -237,6 +236,17 @@ void readCommandLists(JsonFields& fields, Core::NodeDescriptor& descriptor) {
         descriptor.stopCommonSettings = readCommands(*field);
 }
 
+/// What a value of the depth image stands for.
+void readDepth(JsonFields& fields, ProfileDescription& profile) {
+    if (const auto unit = fields.find("depthUnit"))
+        profile.depthUnit = static_cast<std::uint32_t>(unit->whole(1, 1'000'000));
+    if (const auto along = fields.find("depthAlong")) {
+        if (along->text() != "axis" && along->text() != "ray")
+            along->fail(Format("'%' is none of axis ray") % along->text());
+        profile.depthAlong = along->text() == "ray" ? Core::DepthAlong::Ray : Core::DepthAlong::Axis;
+    }
+}
+
 void readCalibration(JsonFields& fields, ProfileDescription& profile) {
     if (const auto field = fields.find("depthIntrinsics"))
         profile.descriptor.defaultDepthIntrinsics = readIntrinsics(*field);
@@ -260,16 +270,10 @@ void readProfileFields(JsonFields& fields, NodeType type, ProfileDescription& pr
         descriptor.fourCC = readPixelFormat(*field);
     if (const auto field = fields.find("capabilities"))
         descriptor.firstFlags = field->whole(0, anyWord);
-    const auto flags = fields.find("flags");
-    const auto unit = type == NodeType_DEPTH ? fields.find("depthUnit") : std::nullopt;
-    const std::uint64_t unitBefore = std::uint64_t{describedDepthUnit(descriptor.secondFlags)}
-                                     << depthUnitShift;
-    if (flags)
-        descriptor.secondFlags =
-            flags->whole(0, unit ? 0xFFFFFFFF : anyWord) | (type == NodeType_DEPTH ? unitBefore : 0);
-    if (unit)
-        descriptor.secondFlags = (descriptor.secondFlags & 0xFFFFFFFF) | unit->whole(1, 1'000'000)
-                                                                             << depthUnitShift;
+    if (const auto field = fields.find("flags"))
+        descriptor.secondFlags = field->whole(0, anyWord);
+    if (type == NodeType_DEPTH)
+        readDepth(fields, profile);
     if (const auto field = fields.find("regionOfInterest"))
         profile.regionOfInterest = readRegion(*field);
     if (const auto field = fields.find("romElements"))

@@ -7,6 +7,7 @@
 #include <optional>
 #include <utility>
 
+#include <zentara/io/camera_chip.h>
 #include <zentara/utils/environment_variable.h>
 #include <zentara/utils/exceptions.h>
 #include <zentara/utils/files.h>
@@ -338,9 +339,9 @@ void Settings::add(const std::string& text, const std::string& source) {
 
 Settings Settings::fromEnvironment() {
     Settings settings = readEnvironment();
-    Utils::EnvironmentVariable chip(FirmwareSettings::chipVariable);
+    Utils::EnvironmentVariable chip(IO::CameraChip::wantedVariable);
     if (chip.isDefined())
-        settings.firmware.chip = chipNamed(chip.getValue(), FirmwareSettings::chipVariable);
+        settings.firmware.chip = chipNamed(chip.getValue(), IO::CameraChip::wantedVariable);
     return settings;
 }
 

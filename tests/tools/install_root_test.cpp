@@ -6,6 +6,7 @@
 
 #include "support/program.h"
 #include "support/scoped_variable.h"
+#include "support/simulated_faults.h"
 #include "tools/tool_fixture.h"
 
 namespace Zentara::Tool {
@@ -141,6 +142,32 @@ TEST_F(OwnRoot, TellsOfCamerasThatLackSomething) {
                 AllOf(HasSubstr("camera OTHER has no depth stream"), HasSubstr("there is no audio stream")));
     EXPECT_THAT(other({"reg", "read", "tof", "0x21"}).out, HasSubstr("0x2035"))
         << "through the colour device";
+}
+
+TEST_F(OwnRoot, FormatsTheStorageWhereTheDescriptionPutsIt) {
+    json camera = description();
+    camera["nodes"][0]["romElements"] = {{{"id", 1}, {"address", 0x8000}, {"size", 0x2000}}};
+    describe(camera);
+    const std::string kept = path("kept.flash");
+    const TestSupport::SimulatedFaults settings("keepFlash " + kept);
+    EXPECT_EQ(other({"rom", "info"}).exitCode, 8) << "there is no storage yet";
+    const std::string before = Utils::readFile(kept);
+    const ToolRun made = other({"rom", "create", "--yes", "--backup", path("backup")});
+    ASSERT_EQ(made.exitCode, 0) << made.err;
+    const std::string after = Utils::readFile(kept);
+    EXPECT_EQ(after.substr(0, 0x8000), before.substr(0, 0x8000));
+    EXPECT_EQ(after.substr(0xA000), before.substr(0xA000));
+    EXPECT_EQ(Utils::readFile(path("backup")), before.substr(0x8000, 0x2000));
+    EXPECT_EQ(other({"rom", "list"}).exitCode, 0);
+    EXPECT_THAT(other({"rom", "list", "--controller", "OV0570"}).err, HasSubstr("OTHER"))
+        << "what the user names overrules the description";
+
+    camera["nodes"][0].erase("romElements");
+    describe(camera);
+    const ToolRun refused = other({"rom", "create", "--yes", "--backup", path("second")});
+    EXPECT_EQ(refused.exitCode, 2);
+    EXPECT_THAT(refused.err, HasSubstr("no description says where the camera's storage lies"));
+    EXPECT_EQ(Utils::readFile(kept), after);
 }
 
 TEST_F(OwnRoot, TakesSeveralPluginsOfOneKindTogether) {

@@ -60,6 +60,10 @@ public:
     /// The addresses of a controller's memories have 16 bits.
     static constexpr unsigned memoryBytes = 0x10000;
 
+    /// The environment variable that holds, while a bare video device is made, the name of the controller that the
+    /// user wants. A device that may have one or the other, as a simulated one, takes it; others need not look.
+    static constexpr const char* wantedVariable = "ZENTARA_SIMULATED_CHIP";
+
     /// The controllers that are known, as "OV0570".
     [[nodiscard]] static std::vector<std::string> names();
 

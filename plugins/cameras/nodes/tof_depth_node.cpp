@@ -343,7 +343,7 @@ void TofDepthNode::loadStorage() {
     present.storageRead = false;
     present.storageTrouble.clear();
     try {
-        objects = readStorage(present.commands.chip(), present.store.getROMElement(storageElement));
+        objects = readStorage(present.commands.chip(), present.store.getROMElement(storageROMElement));
         present.storageRead = true;
         if (!objects.calibration || objects.calibration->getDepthIntrinsics().empty())
             trouble = "its flash holds no lens model";

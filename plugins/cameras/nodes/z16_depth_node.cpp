@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include <zentara/core/descriptor_store_ro.h>
+#include <zentara/core/descriptor_details.h>
 #include <zentara/depth_configuration.h>
 #include <zentara/io/video_device_proxy.h>
 #include <zentara/node_event.h>
@@ -12,7 +12,6 @@
 #include "plugins/cameras/nodes/attempt.h"
 #include "plugins/cameras/nodes/stored_calibration.h"
 #include "plugins/cameras/plugin_guids.h"
-#include "plugins/descriptions/depth_unit.h"
 #include "plugins/descriptions/wire.h"
 
 namespace Zentara::Cameras {
@@ -43,7 +42,7 @@ std::vector<Mode> modesOf(const Core::DescriptorStoreRO& store) {
 }
 
 std::uint32_t unitOf(const Core::DescriptorStoreRO& store) {
-    const std::uint32_t micrometres = describedDepthUnit(store.getDepthFlags());
+    const std::uint32_t micrometres = Core::depthUnitOf(store);
     if (micrometres == 0)
         throw InitializationPluginException(
             "cannot initialize a depth node: the description has no depthUnit");

@@ -140,4 +140,12 @@ std::optional<Core::AccelerometerLabel> DescribedNode::getAccelerometer() const 
     return node ? node->accelerometer : std::nullopt;
 }
 
+std::string DescribedNode::getControllerName() const { return camera ? camera->controller : std::string(); }
+
+std::uint32_t DescribedNode::getDepthUnit() const { return profile ? profile->depthUnit : 0; }
+
+Core::DepthAlong DescribedNode::getDepthAlong() const {
+    return profile ? profile->depthAlong : Core::DepthAlong::Axis;
+}
+
 } // namespace Zentara::Cameras

@@ -3,14 +3,16 @@
 #include <string>
 #include <vector>
 
-#include <zentara/core/descriptor_store_ro.h>
+#include <zentara/core/descriptor_details.h>
 
 #include "plugins/descriptions/camera_description.h"
 
 namespace Zentara::Cameras {
 
 /// The view of a set of descriptions, one node of which is selected. Separate.
-class DescribedNode final : public Core::DescriptorStoreRO, public Core::NodeLabels {
+class DescribedNode final : public Core::DescriptorStoreRO,
+                            public Core::NodeLabels,
+                            public Core::DescriptorDetails {
 public:
     explicit DescribedNode(std::vector<CameraDescription> descriptions);
 
@@ -42,6 +44,9 @@ public:
     [[nodiscard]] std::string getParameterName(ParameterType parameter) const override;
     [[nodiscard]] std::string getTemperatureSensorName(std::int32_t sensorId) const override;
     [[nodiscard]] std::optional<Core::AccelerometerLabel> getAccelerometer() const override;
+    [[nodiscard]] std::string getControllerName() const override;
+    [[nodiscard]] std::uint32_t getDepthUnit() const override;
+    [[nodiscard]] Core::DepthAlong getDepthAlong() const override;
 
 private:
     const std::vector<CameraDescription> cameras;

@@ -22,9 +22,6 @@ struct FirmwareSettings {
     std::optional<std::uint8_t> claimedDevices;
     unsigned fpgaRounds = 0;
     unsigned resetReads = 0;
-
-    /// The variable that names the chip whatever the settings say.
-    static constexpr const char* chipVariable = "ZENTARA_SIMULATED_CHIP";
 };
 
 /// The firmware of such a controller; null for a camera without one.

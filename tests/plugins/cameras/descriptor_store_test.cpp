@@ -4,8 +4,8 @@
 
 #include <gmock/gmock.h>
 
+#include <zentara/core/descriptor_details.h>
 #include <zentara/core/descriptor_store_interface.h>
-#include <zentara/core/descriptor_store_ro.h>
 #include <zentara/core/device_descriptor.h>
 #include <zentara/core/guids.h>
 #include <zentara/depth_configuration.h>
@@ -66,7 +66,7 @@ TEST_F(DescriptorStore, DescribesOneCameraBehindEachController) {
             EXPECT_EQ(view().getNodeType(), static_cast<NodeType>(NodeType_DEPTH + index));
             EXPECT_TRUE(guidEquals(view().getNodeImplGUID(), nodes[index]));
             EXPECT_EQ(view().getNodeIndex(), index);
-            EXPECT_EQ(Cameras::describedController(view().getDeviceCapabilities()), chip);
+            EXPECT_EQ(Core::controllerNameOf(view()), Cameras::chipName(chip));
             EXPECT_EQ(view().getNodeHardwareIDs(), (HardwareIDs{vendor, product, 1, index}));
         }
     }
@@ -116,14 +116,19 @@ TEST_F(DescriptorStore, AProfileReplacesWhatItNames) {
 TEST_F(DescriptorStore, ADeviceWithoutAControllerHasAnUnitOfDepth) {
     std::string text = changed(shipped("ov0570"), "\"controller\": \"OV0570\",", "");
     text = changed(text, "\"flags\": 1,\n            \"reg",
-                   "\"flags\": 5, \"depthUnit\": 250,\n            \"reg");
-    text = changed(text, "\"profile\": 1,", "\"profile\": 1, \"flags\": 6,");
+                   "\"flags\": 5, \"depthUnit\": 250, \"depthAlong\": \"ray\",\n            \"reg");
+    text = changed(text, "\"profile\": 1,", "\"profile\": 1, \"flags\": 6, \"depthAlong\": \"axis\",");
     describe({{"camera.json", text}});
     ASSERT_TRUE(select(0x0570, 0));
     EXPECT_EQ(view().getDeviceCapabilities(), 7 * 256);
-    EXPECT_EQ(view().getDepthFlags(), 250ULL << 32 | 5);
+    EXPECT_EQ(Core::controllerNameOf(view()), "");
+    EXPECT_EQ(view().getDepthFlags(), 5U);
+    EXPECT_EQ(Core::depthUnitOf(view()), 250U);
+    EXPECT_EQ(Core::depthAlongOf(view()), Core::DepthAlong::Ray);
     ASSERT_TRUE(select(0x0570, 0, longRange));
-    EXPECT_EQ(view().getDepthFlags(), 250ULL << 32 | 6) << "the unit is the node's";
+    EXPECT_EQ(view().getDepthFlags(), 6U);
+    EXPECT_EQ(Core::depthUnitOf(view()), 250U) << "the node's";
+    EXPECT_EQ(Core::depthAlongOf(view()), Core::DepthAlong::Axis);
 }
 
 TEST_F(DescriptorStore, HasAViewOnlyBetweenInitializeAndDispose) {

@@ -14,6 +14,7 @@
 #include <zentara/core/audio_node_interface.h>
 #include <zentara/core/color_node_interface.h>
 #include <zentara/core/depth_node_interface.h>
+#include <zentara/core/descriptor_details.h>
 #include <zentara/core/guids.h>
 #include <zentara/core/periodic_operation.h>
 #include <zentara/depth_configuration.h>
@@ -592,14 +593,16 @@ TEST_F(NodeTest, AnAudioNodeStreamsItsDefaultModeAsItsDeviceIsSet) {
 
 /// What is known of a device that no description names: the plug-in that drives it; and of one that measures depth
 /// itself its unit and mode.
-class DeviceAlone final : public Core::DescriptorStoreRO {
+class DeviceAlone final : public Core::DescriptorStoreRO, public Core::DescriptorDetails {
 public:
-    explicit DeviceAlone(GUID implementation, std::uint64_t micrometres = 0)
+    explicit DeviceAlone(GUID implementation, std::uint32_t micrometres = 0)
         : device(implementation), unit(micrometres) {}
     [[nodiscard]] GUID getDeviceImplGUID() const override { return device; }
     [[nodiscard]] const Core::DeviceDescriptor* getDeviceDescriptor() const override { return nullptr; }
     [[nodiscard]] const Core::NodeDescriptor* getNodeDescriptor() const override { return nullptr; }
-    [[nodiscard]] std::uint64_t getDepthFlags() const override { return unit << 32; }
+    [[nodiscard]] std::string getControllerName() const override { return {}; }
+    [[nodiscard]] std::uint32_t getDepthUnit() const override { return unit; }
+    [[nodiscard]] Core::DepthAlong getDepthAlong() const override { return Core::DepthAlong::Axis; }
     [[nodiscard]] std::vector<Utils::SmartPtr<DepthBaseConfiguration>>
     getDepthConfigurations() const override {
         return {Utils::SmartPtr<DepthBaseConfiguration>(
@@ -610,7 +613,7 @@ public:
 
 private:
     const GUID device;
-    const std::uint64_t unit;
+    const std::uint32_t unit;
 };
 
 template<typename Interface>

@@ -4,13 +4,12 @@
 #include <optional>
 #include <utility>
 
-#include <zentara/core/descriptor_store_ro.h>
+#include <zentara/core/descriptor_details.h>
 #include <zentara/plugin/call_plugin.h>
 #include <zentara/utils/format.h>
 #include <zentara/utils/text.h>
 
 #include "host/guid_text.h"
-#include "plugins/descriptions/controller.h"
 #include "tools/zentara/cameras/joined_descriptions.h"
 #include "tools/zentara/chips/device_choice.h"
 #include "tools/zentara/console.h"
@@ -72,8 +71,7 @@ void describe(CameraEntry& camera, CameraStore& store) {
         const Core::DescriptorStoreRO& view = store.view();
         camera.vendor = view.getVendorName();
         camera.product = view.getProductName();
-        if (const auto chip = Cameras::describedController(view.getDeviceCapabilities()))
-            camera.controller = Cameras::chipName(*chip);
+        camera.controller = Core::controllerNameOf(view);
     });
 }
 

@@ -1,18 +1,18 @@
 #include "tools/zentara/chips/chip_session.h"
 
+#include <algorithm>
 #include <utility>
 
 #include <CLI/CLI.hpp>
 
-#include <zentara/core/descriptor_store_ro.h>
+#include <zentara/core/descriptor_details.h>
 #include <zentara/io/video_device_proxy.h>
 #include <zentara/plugin/call_plugin.h>
 #include <zentara/utils/environment_variable.h>
 #include <zentara/utils/format.h>
+#include <zentara/utils/text.h>
 
 #include "host/guid_text.h"
-#include "plugins/descriptions/controller.h"
-#include "plugins/simulated/firmware/firmware_settings.h"
 #include "tools/zentara/cameras/camera_session.h"
 #include "tools/zentara/chips/device_choice.h"
 #include "tools/zentara/tool_log.h"
@@ -33,7 +33,7 @@ public:
     ChosenController& operator=(const ChosenController&) = delete;
 
 private:
-    Utils::EnvironmentVariable chip{Simulated::FirmwareSettings::chipVariable};
+    Utils::EnvironmentVariable chip{IO::CameraChip::wantedVariable};
     std::string before;
 };
 
@@ -73,8 +73,12 @@ void addChipOptions(CLI::App& command, ChipOptions& options) {
     CLI::Option* direct =
         command.add_flag("--direct", options.direct,
                          "Talk to the bare video device plug-in, without descriptions and the worker thread; "
-                         "--camera then names the simulated controller: OV0570, VC0258 or VC0345");
+                         "--camera then names the controller that a simulated one is to have");
     addPluginName(command, options.plugins)->needs(direct);
+    command
+        .add_option("--controller", options.controller,
+                    "The camera's controller, whatever its description says or the device answers")
+        ->check(CLI::IsMember(IO::CameraChip::names(), CLI::ignore_case));
     command.add_flag("--trace", options.trace, "Show each transfer, its bytes and what they mean");
     command.add_flag("--json", options.json, "Print JSON");
 }
@@ -87,17 +91,19 @@ ChipSession::ChipSession(const ChipOptions& wanted, Console& target) : options(w
 }
 
 void ChipSession::openDevice() {
-    if (!options.camera.empty() && !Cameras::chipKindFromName(options.camera))
+    const std::string wanted = options.controller.empty() ? options.camera : options.controller;
+    const std::vector<std::string> known = IO::CameraChip::names();
+    if (!wanted.empty() && std::find(known.begin(), known.end(), Utils::toUpper(wanted)) == known.end())
         throw Failure(Failure::Usage,
-                      "there is no controller '" + options.camera + "'; known: OV0570, VC0258, VC0345");
-    const ChosenController chosen(options.camera);
+                      "there is no controller '" + wanted + "'; known: " + Utils::join(known, ", "));
+    const ChosenController chosen(wanted);
     const GUID guid = chooseDevice(Core::ImplType_VIDEO_DEVICE, "video device", options.plugins, console.err);
     deviceName = guidLabel(guid);
     attempt("open " + deviceName, [&] {
         proxy = std::make_unique<IO::VideoDeviceProxy>(guid, false);
         proxy->open();
     });
-    bindChip(deviceName, {});
+    bindChip(deviceName, options.controller);
 }
 
 void ChipSession::openCamera() {
@@ -114,9 +120,9 @@ void ChipSession::openCamera() {
         proxy = std::move(device);
         proxy->open();
     });
-    const auto described = Plugin::callPlugin(
-        [this] { return Cameras::describedController(store->view().getDeviceCapabilities()); });
-    bindChip(cameraLabel(node), described ? Cameras::chipName(*described) : "");
+    const auto described = [this] { return Core::controllerNameOf(store->view()); };
+    bindChip(cameraLabel(node),
+             options.controller.empty() ? Plugin::callPlugin(described) : options.controller);
 }
 
 /// A camera whose description does not name its controller is asked.
@@ -165,6 +171,16 @@ void ChipSession::note(const IO::ChipTransfer& transfer) {
 
 void ChipSession::show(const IO::ChipTransfer& transfer) {
     tellLine(console.err, IO::CameraChip::lineOf(camera->name(), transfer));
+}
+
+std::optional<ROMElement> ChipSession::storage() const {
+    if (!store)
+        return std::nullopt;
+    try {
+        return Plugin::callPlugin([this] { return store->view().getROMElement(storageROMElement); });
+    } catch (const Plugin::NotSupportedPluginException&) {
+        return std::nullopt;
+    }
 }
 
 Json ChipSession::identity() const {

@@ -8,6 +8,7 @@
 
 #include <zentara/io/camera_chip.h>
 #include <zentara/io/video_device_proxy.h>
+#include <zentara/rom_element.h>
 
 #include "tools/zentara/cameras/camera_bus.h"
 #include "tools/zentara/json_output.h"
@@ -20,6 +21,7 @@ namespace Zentara::Tool {
 struct ChipOptions {
     std::string camera;               ///< a name of a camera; with `direct` of a controller
     bool direct = false;              ///< a bare device
+    std::string controller;           ///< overrules description and device; empty for neither
     std::vector<std::string> plugins; ///< which one; empty for the first
     bool trace = false;
     bool json = false;
@@ -40,6 +42,8 @@ public:
 
     [[nodiscard]] IO::CameraChip& chip() noexcept { return *camera; }
     [[nodiscard]] IO::VideoDeviceProxy& device() noexcept { return *proxy; }
+    /// Where its description says that the storage lies; nothing where it does not say.
+    [[nodiscard]] std::optional<ROMElement> storage() const;
     /// Which camera it is; empty for a bare device.
     [[nodiscard]] const CameraEntry& cameraEntry() const noexcept { return entry; }
 

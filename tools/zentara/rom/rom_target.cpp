@@ -15,7 +15,6 @@
 #include "host/files/file_failure.h"
 #include "host/files/paths.h"
 #include "host/files/pending_file.h"
-#include "plugins/simulated/firmware/factory_flash.h"
 #include "tools/zentara/interrupt.h"
 #include "tools/zentara/rom/camera_flash.h"
 
@@ -174,6 +173,17 @@ std::unique_ptr<ROM::FileAccessor> continued(const std::string& file, const Byte
     return image;
 }
 
+/// Where the description puts the storage, as far as the user does not say.
+FlashArea areaOnCamera(const TargetOptions& options, const ChipSession& session) {
+    const std::optional<ROMElement> described = session.storage();
+    if (options.size == 0 && !described)
+        throw Failure(Failure::Usage, "no description says where the camera's storage lies", {},
+                      "--start and --size say it");
+    const std::uint64_t start = options.hasStart || !described ? options.start : described->address;
+    const std::uint64_t end = described ? std::uint64_t{described->address} + described->size : 0;
+    return areaOf(options, start, options.size != 0 ? options.size : end > start ? end - start : 0);
+}
+
 std::unique_ptr<RomTarget> openCamera(TargetOptions options, bool toWrite, Console& console) {
     const std::string named =
         options.image.empty() ? options.camera : options.image.substr(std::string("camera:").size());
@@ -186,10 +196,8 @@ std::unique_ptr<RomTarget> openCamera(TargetOptions options, bool toWrite, Conso
     ChipOptions wanted = options;
     wanted.json = false; // a trace goes to the error stream, beside whatever is printed
     wanted.writes = toWrite;
-    const FlashArea area = options.size == 0 && !options.hasStart
-                               ? areaOf(options, Simulated::romStart, Simulated::romSize)
-                               : areaOf(options, options.start, options.size);
     auto session = std::make_unique<ChipSession>(wanted, console);
+    const FlashArea area = areaOnCamera(options, *session);
     return std::make_unique<CameraTarget>(std::move(session), area, options, console);
 }
 

@@ -281,6 +281,8 @@ std::vector<std::string> RomWriter::wayBack(const FlashImage& before, const std:
                                                           : camera->serial;
         command += (options.direct ? " --direct" : "") +
                    (name.empty() ? std::string() : " --camera " + Utils::Platform::shellWord(name));
+        if (!options.controller.empty())
+            command += " --controller " + options.controller;
         for (const std::string& plugin : options.plugins)
             command += " --plugin " + Utils::Platform::shellWord(plugin);
     } else {
