@@ -4,4 +4,7 @@
 #include <zentara/host/export.h>
 #include <zentara/host/failure.h>
 #include <zentara/host/lens.h>
+#include <zentara/host/mode.h>
+#include <zentara/host/note.h>
 #include <zentara/host/point_cloud.h>
+#include <zentara/host/stream_info.h>

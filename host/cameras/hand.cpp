@@ -1,0 +1,215 @@
+#include "host/cameras/hand.h"
+
+#include <algorithm>
+#include <deque>
+#include <thread>
+#include <vector>
+
+#include <zentara/plugin/call_plugin.h>
+#include <zentara/utils/condition.h>
+#include <zentara/utils/format.h>
+#include <zentara/utils/mutex.h>
+
+#include "host/tell.h"
+
+namespace Zentara::Host {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+using Utils::Format;
+using Utils::Threading::AutoLock;
+
+namespace {
+
+constexpr const char* remedy = "a plug-in or its device hangs: unplug the camera and try again";
+
+std::string secondsText(steady_clock::duration time) {
+    return Format("% s") %
+           (static_cast<double>(std::chrono::duration_cast<milliseconds>(time).count()) / 1000.0);
+}
+
+void logFailure(const std::string& what, const std::exception_ptr& failure) {
+    try {
+        std::rethrow_exception(failure);
+    } catch (const std::exception& reason) {
+        tell({}, "cannot " + what + ": " + reason.what());
+    } catch (...) {
+        tell({}, "cannot " + what);
+    }
+}
+
+} // namespace
+
+/// Shared by the hand and its thread; lives as long as the one that goes last.
+struct Hand::State {
+    void serve();
+    [[nodiscard]] Job* begin();
+    static void perform(Job& job);
+    void end();
+
+    /// Waits for a change, until `limit` at most. \return false once that time has come
+    bool waitUntil(steady_clock::time_point limit) ZENTARA_REQUIRES(lock);
+    /// That a caller's limit has passed.
+    [[nodiscard]] Failure giveUp(Job& job, milliseconds limit) ZENTARA_REQUIRES(lock);
+    /// What is under way, and for how long.
+    [[nodiscard]] std::string doing() const ZENTARA_REQUIRES(lock);
+
+    Utils::Threading::Mutex lock;
+    Utils::Threading::Condition changed{&lock};
+    /// Which have yet to begin, in the order in which they came.
+    std::deque<std::unique_ptr<Job>> queue ZENTARA_GUARDED_BY(lock);
+    /// The job under way; set and taken by the thread alone, which may therefore use the job without the lock.
+    std::unique_ptr<Job> current ZENTARA_GUARDED_BY(lock);
+    /// Done, and yet to be taken by their callers, all of which wait.
+    std::vector<std::unique_ptr<Job>> done ZENTARA_GUARDED_BY(lock);
+    std::string words ZENTARA_GUARDED_BY(lock);              ///< of what is under way; empty when nothing is
+    steady_clock::time_point since ZENTARA_GUARDED_BY(lock); ///< when that began
+    bool isHung ZENTARA_GUARDED_BY(lock) =
+        false; ///< somebody has waited for it in vain; only while it is under way
+    bool isEnding ZENTARA_GUARDED_BY(lock) = false; ///< the hand goes: the thread ends with the last job
+    bool isRunning ZENTARA_GUARDED_BY(lock) = true; ///< there is a thread
+};
+
+void Hand::State::serve() {
+    while (Job* job = begin()) {
+        perform(*job);
+        end();
+    }
+    AutoLock hold(lock);
+    isRunning = false;
+    changed.notifyAll();
+}
+
+/// Waits for a job. \return null when there is none any more
+Hand::Job* Hand::State::begin() {
+    AutoLock hold(lock);
+    while (queue.empty()) {
+        if (isEnding)
+            return nullptr;
+        changed.wait();
+    }
+    current = std::move(queue.front());
+    queue.pop_front();
+    words = current->what;
+    since = steady_clock::now();
+    return current.get();
+}
+
+void Hand::State::perform(Job& job) {
+    try {
+        try {
+            if (!job.isDropped)
+                job.run();
+        } catch (const Failure&) {
+            throw; // it is no plug-in's, and has more than a text
+        } catch (...) {
+            Plugin::rethrowAnew();
+        }
+    } catch (...) {
+        job.failure = std::current_exception();
+    }
+    job.end();
+}
+
+/// What nobody waits for any more ends here: its result may be a plug-in's, and hang as it goes.
+void Hand::State::end() {
+    std::unique_ptr<Job> unwanted;
+    {
+        AutoLock hold(lock);
+        if (current->isAwaited)
+            done.push_back(std::move(current));
+        unwanted = std::move(current);
+    }
+    if (unwanted && unwanted->failure)
+        logFailure(unwanted->what, unwanted->failure);
+    unwanted.reset();
+    AutoLock hold(lock);
+    words.clear();
+    isHung = false;
+    changed.notifyAll();
+}
+
+bool Hand::State::waitUntil(steady_clock::time_point limit) {
+    const auto left = std::chrono::ceil<milliseconds>(limit - steady_clock::now()).count();
+    if (left <= 0)
+        return false;
+    // The longest single wait has 32 bits, less one; the caller comes again.
+    changed.timedWait(static_cast<unsigned long>(std::min<long long>(left, 1'000'000)));
+    return true;
+}
+
+Failure Hand::State::giveUp(Job& job, milliseconds limit) {
+    const std::string message = "cannot " + job.what;
+    job.isAwaited = false;
+    if (current.get() == &job) {
+        isHung = true;
+        return Failure(Failure::TimedOut, message, "it has not come back for " + secondsText(limit), remedy);
+    }
+    job.isDropped = true;
+    isHung = isHung || (current && !current->isAwaited);
+    return Failure(Failure::TimedOut, message, doing(), remedy);
+}
+
+std::string Hand::State::doing() const {
+    return Format("what came before has not come back for %: %") % secondsText(steady_clock::now() - since) %
+           words;
+}
+
+Hand::Hand(std::string whose, Note told)
+    : owner(std::move(whose)), note(std::move(told)), state(std::make_shared<State>()) {
+    std::thread([shared = state] { shared->serve(); }).detach();
+}
+
+Hand::~Hand() {
+    const auto limit = steady_clock::now() + patience;
+    std::string late;
+    {
+        AutoLock hold(state->lock);
+        state->isEnding = true;
+        state->changed.notifyAll();
+        while (state->isRunning && state->waitUntil(limit)) {
+        }
+        if (state->isRunning)
+            late = state->words + ", for " + secondsText(steady_clock::now() - state->since);
+    }
+    if (!late.empty())
+        tell(note, owner + " is left behind with its thread: it is still to " + late);
+}
+
+std::unique_ptr<Hand::Job> Hand::finish(std::unique_ptr<Job> job, milliseconds limit) const {
+    const auto end = steady_clock::now() + limit;
+    Job* const mine = job.get();
+    AutoLock hold(state->lock);
+    if (state->isHung)
+        throw Failure(Failure::TimedOut, "cannot " + mine->what, state->doing(), remedy);
+    mine->isAwaited = true;
+    state->queue.push_back(std::move(job));
+    state->changed.notifyAll();
+    auto found = state->done.end();
+    for (;;) {
+        found = std::find_if(state->done.begin(), state->done.end(),
+                             [mine](const auto& one) { return one.get() == mine; });
+        if (found != state->done.end())
+            break;
+        if (!state->waitUntil(end))
+            throw state->giveUp(*mine, limit);
+    }
+    std::unique_ptr<Job> finished = std::move(*found);
+    state->done.erase(found);
+    if (finished->failure)
+        std::rethrow_exception(finished->failure);
+    return finished;
+}
+
+void Hand::enqueue(std::unique_ptr<Job> job) const {
+    AutoLock hold(state->lock);
+    state->queue.push_back(std::move(job));
+    state->changed.notifyAll();
+}
+
+std::string Hand::hangsIn() const {
+    AutoLock hold(state->lock);
+    return state->isHung ? state->words : std::string();
+}
+
+} // namespace Zentara::Host

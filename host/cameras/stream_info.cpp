@@ -1,0 +1,26 @@
+#include <zentara/host/stream_info.h>
+
+namespace Zentara::Host {
+
+std::string CameraInfo::label() const {
+    return name + (name.empty() || serial.empty() ? "" : " ") +
+           (name.empty() && serial.empty() ? path : serial);
+}
+
+const char* sourceName(Source source) noexcept {
+    switch (source) {
+    case Source::None:
+        return "none";
+    case Source::Camera:
+        return "camera";
+    case Source::Description:
+        return "description";
+    case Source::Failure:
+        return "failure";
+    case Source::Unknown:
+        return "unknown";
+    }
+    return "?";
+}
+
+} // namespace Zentara::Host

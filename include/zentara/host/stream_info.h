@@ -1,0 +1,95 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <zentara/camera_intrinsics.h>
+#include <zentara/extrinsic_parameters_internal.h>
+#include <zentara/host/lens.h>
+#include <zentara/host/mode.h>
+#include <zentara/sensor_value_array.h>
+
+namespace Zentara::Host {
+
+/// Who a camera is. A plain value; a text that is not known is empty. Texts are as device and description give them:
+/// who shows them makes them fit for showing. Separate.
+struct CameraInfo {
+    std::string serial;      ///< "SIM0570"
+    std::string name;        ///< for people: the product's, else that of the camera's first node
+    std::string vendor;      ///< as the description says
+    std::string product;     ///< as the description says
+    std::string path;        ///< where it is plugged in; unique while it is
+    std::string controller;  ///< "OV0570", as the description says
+    std::vector<Kind> kinds; ///< what it streams, in its own order
+
+    /// What to call it in a message: "depth camera SIM0570".
+    [[nodiscard]] ZENTARA_HOST_API std::string label() const;
+
+    friend bool operator==(const CameraInfo&, const CameraInfo&) = default;
+};
+
+/// Where a number of a camera comes from.
+enum class Source {
+    None,        ///< nowhere: there is no such number
+    Camera,      ///< the camera's own storage: measured on this one
+    Description, ///< the description of its model; the camera holds nothing of its own
+    Failure,     ///< the description, or nothing, because the camera could not be read
+    Unknown,     ///< the node does not tell
+};
+
+/// "none", "camera", "description", "failure" or "unknown".
+[[nodiscard]] ZENTARA_HOST_API const char* sourceName(Source source) noexcept;
+
+/// How depth is to be corrected in one camera mode, as the camera or its description gives it.
+struct ModeCorrections {
+    /// What the temperature's parameters mean.
+    enum class Temperature {
+        None,
+        Linear,     ///< millimetres a degree: a parameter for each sensor
+        Polynomial, ///< coefficients of rising powers, from degrees to millimetres
+        Other,      ///< one that this library does not know
+    };
+
+    Temperature temperature = Temperature::None;
+    std::vector<float> temperatureParameters;
+    std::vector<std::int32_t> temperatureSensors; ///< whose readings they apply to, in the parameters' order
+    SensorValueArray calibratedAt;    ///< what the sensors read when the camera was calibrated, degC
+    std::int32_t cyclicAlgorithm = 0; ///< a `CorrectionAlgorithm`; 0: none
+    std::vector<float> cyclicParameters;
+
+    friend bool operator==(const ModeCorrections&, const ModeCorrections&) = default;
+};
+
+/// What is to be corrected in a depth camera's values, as values: it needs no camera any more.
+struct Corrections {
+    std::array<ModeCorrections, 2> modes; ///< by the number of the camera mode
+    std::int16_t phaseDelay = 0;          ///< steps of the camera's phase, of the first and
+    std::int16_t phaseDelay2 = 0;         ///< of the second modulation frequency
+
+    friend bool operator==(const Corrections&, const Corrections&) = default;
+};
+
+/// What belongs to every frame of a stream. Recordings carry it, so that a recorded frame becomes a cloud without its
+/// camera. A plain value. Separate.
+struct StreamInfo {
+    CameraInfo camera;
+    Mode mode;
+    float millimetresPerUnit = 1; ///< of a depth value as delivered
+    DepthAlong depthAlong = DepthAlong::Axis;
+    std::optional<CameraIntrinsics> lens; ///< of this stream's pictures, at the mode's size
+    /// From the depth camera to the colour camera, translation in millimetres; the same for both streams.
+    std::optional<ExtrinsicParametersInternal> pose;
+    Corrections corrections; ///< of depth; empty for other kinds
+    Source lensSource = Source::None;
+    Source poseSource = Source::None;
+    Source correctionsSource = Source::None;
+    /// Why the camera's storage could not be read, where a source is `Failure`.
+    std::string sourceFailure;
+
+    friend bool operator==(const StreamInfo&, const StreamInfo&) = default;
+};
+
+} // namespace Zentara::Host
