@@ -216,19 +216,4 @@ TEST(PluginScanFiles, ADirectoryThatCannotBeReadHasNoPlugins) {
     EXPECT_TRUE(registeredDevices().empty());
 }
 
-TEST(PluginScanFiles, FindsThePluginsAmongAThousandFiles) {
-    const TestRoot root("thousand");
-    for (int number = 0; number < 998; ++number)
-        root.addBytes("text" + std::to_string(number), "no library");
-    root.add("good", "a_good");
-    root.add("other", "z_other");
-
-    const auto probes = probePluginDirectory(root.pluginDirectory());
-
-    EXPECT_EQ(1000u, probes.size());
-    EXPECT_EQ(
-        2, std::count_if(probes.begin(), probes.end(), [](const auto& probe) { return probe.accepted(); }));
-    EXPECT_EQ(2u, registeredDevices().size());
-}
-
 } // namespace

@@ -1,14 +1,93 @@
 #include <gmock/gmock.h>
 
 #include <zentara/io/device_request.h>
-#include <zentara/utils/smart_ptr.h>
+#include <zentara/io/gpio_requests.h>
+#include <zentara/io/hardware_requests.h>
+#include <zentara/io/i2c_requests.h>
+#include <zentara/io/parameter_requests.h>
+#include <zentara/io/uvc_command_request.h>
 
 namespace Testing {
 namespace {
 
 using namespace Zentara;
 using namespace Zentara::IO;
+using testing::ElementsAre;
 using Utils::makeRefcounted;
+using Utils::SmartPtr;
+
+template<typename Request>
+SmartPtr<Request> cloneOf(const Request& original) {
+    const SmartPtr<xuRequest> copy = original.clone();
+    EXPECT_NE(&original, copy.get());
+    EXPECT_EQ(original.type(), copy->type());
+    auto* const same = dynamic_cast<Request*>(copy.get());
+    EXPECT_NE(nullptr, same);
+    return SmartPtr<Request>(same);
+}
+
+// The number that tells a kind apart. Fields of the kinds that something executes are read where that is tested.
+TEST(XuRequestTest, KindsAndClones) {
+    unsigned int value = 0;
+    std::vector<unsigned char> bytes;
+    const std::pair<int, SmartPtr<xuRequest>> kinds[] = {
+        {1, makeRefcounted<UVCCommandRequest>(UVC_ADC_VALUE, 1000U, 0xFFFFFFFFU)},
+        {30, makeRefcounted<setParameterRequest>(XU_SET_INT_PARAMETER, ParameterType_INT_4)},
+        {26, makeRefcounted<setFloatParameterRequest>(ParameterType_RANGE, 1.5F)},
+        {28, makeRefcounted<setBoolParameterRequest>(ParameterType_BOOL_7, true)},
+        {30, makeRefcounted<setIntParameterRequest>(ParameterType_INT_9, -5)},
+        {36, makeRefcounted<setRegionOfInterestRequest>(RegionOfInterestInternal{1, 2, 3, 4})},
+        {32, makeRefcounted<setI2CRegisterRequest>(1U, 2U, 3U, 4U, 5U)},
+        {33, makeRefcounted<getI2CRegisterRequest>(1U, 2U, &value, 4U, 5U)},
+        {40, makeRefcounted<getI2CArrayRequest>(8U, bytes)},
+    };
+    for (const auto& [type, request] : kinds) {
+        const SmartPtr<xuRequest> clone = request->clone();
+        EXPECT_EQ(type, request->type());
+        EXPECT_EQ(type, clone->type());
+        const xuRequest& original = *request;
+        const xuRequest& copy = *clone;
+        EXPECT_TRUE(typeid(original) == typeid(copy)) << type;
+    }
+    bool level = false;
+    const auto getPin = cloneOf(*makeRefcounted<getGPIOStateRequest>(6U, &level));
+    EXPECT_EQ(35, getPin->type());
+    EXPECT_EQ(6U, getPin->getGPIO());
+    EXPECT_EQ(&level, getPin->getState());
+    const auto setPin = cloneOf(*makeRefcounted<setGPIOStateRequest>(7U, true));
+    EXPECT_EQ(34, setPin->type());
+    EXPECT_EQ(7U, setPin->getGPIO());
+    EXPECT_TRUE(setPin->getState());
+    const auto modules = cloneOf(*makeRefcounted<setHardwareVersionRequest>(
+        ModuleIdInternal{1}, ModuleIdInternal{2}, ModuleIdInternal{3}, ModuleIdInternal{4},
+        ModuleIdInternal{5}));
+    EXPECT_EQ(37, modules->type());
+    for (std::uint32_t i = 0; i < 5; ++i)
+        EXPECT_EQ(i + 1, modules->getModules()[i].vendorId);
+}
+
+TEST(XuRequestTest, AClonesDataIsItsOwn) {
+    const auto bytes = makeRefcounted<setI2CArrayRequest>(8U, std::vector<unsigned char>{1, 2});
+    EXPECT_EQ(41, bytes->type());
+    cloneOf(*bytes)->getData()[0] = 9;
+    EXPECT_THAT(bytes->getData(), ElementsAre(1, 2));
+
+    const auto calibration =
+        makeRefcounted<setSystemCalibrationRequest>(std::vector<IntrinsicParametersInternal>(1));
+    cloneOf(*calibration)->getIntrinsics()[0].fx = 9;
+    EXPECT_EQ(0, calibration->getIntrinsics()[0].fx);
+
+    // The constructor shares the requests of the map; a clone has its own.
+    const auto entry = makeRefcounted<setIntParameterRequest>(ParameterType_INT_4, 1);
+    const auto state = makeRefcounted<setSystemStateRequest>(
+        ParameterRequestMap{{ParameterType_INT_4, entry}, {ParameterType_BOOL_7, nullptr}});
+    EXPECT_EQ(39, state->type());
+    EXPECT_EQ(entry.get(), state->getState().at(ParameterType_INT_4).get());
+    const auto copy = cloneOf(*state);
+    EXPECT_EQ(nullptr, copy->getState().at(ParameterType_BOOL_7));
+    dynamic_cast<setIntParameterRequest&>(*copy->getState().at(ParameterType_INT_4)).setValue(2);
+    EXPECT_EQ(1, entry->getValue());
+}
 
 TEST(RequestTypeTest, NamesAreKeptInTheirMixedCase) {
     EXPECT_STREQ("RequestType_NONE", RequestType_toString(RequestType_NONE));

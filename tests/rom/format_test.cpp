@@ -1,19 +1,28 @@
-// The bytes of headers, records and strings.
-#include <gmock/gmock.h>
-
+// The bytes of headers, records, strings and objects.
+#include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/rom/chunked_memory_management_header.h>
+#include <zentara/rom/configuration.h>
 #include <zentara/rom/container_header.h>
+#include <zentara/rom/diagnostic.h>
+#include <zentara/rom/gradient_distortion_correction.h>
 #include <zentara/rom/section.h>
 #include <zentara/rom/serialized_data_block.h>
 #include <zentara/rom/string_serialization.h>
+#include <zentara/rom/system_calibration.h>
+#include <zentara/rom/system_info.h>
 #include <zentara/utils/crc.h>
 
 #include "rom/rom_fixture.h"
+#include "support/log_capture.h"
 
 namespace Zentara::TestSupport {
 namespace {
 
+using Plugin::ArgumentPluginException;
 using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
 
 struct RecordProbe : ROM::SerializedDataBlock {
     using SerializedDataBlock::deserialize;
@@ -72,6 +81,203 @@ TEST(RomFormat, Strings) {
     EXPECT_EQ(bytes + 3, ROM::deserialize(bytes + 1, bytes + 4, &text));
     EXPECT_EQ("B", text);
     EXPECT_EQ(nullptr, ROM::deserialize(bytes, bytes + 2, &text));
+}
+
+/// Opens the reading of objects, which is the facade's alone.
+template<class T>
+struct Reader : T {
+    static std::unique_ptr<T> read(const Bytes& bytes) { return std::unique_ptr<T>(T::deserialize(bytes)); }
+};
+template<class T>
+std::unique_ptr<T> read(const std::string& text) {
+    return Reader<T>::read(hex(text));
+}
+struct ObjectReader : ROM::Object {
+    using Object::deserialize;
+};
+
+constexpr GUID SOME_GUID = {0x01020304, 0x0506, 0x0708, {9, 10, 11, 12, 13, 14, 15, 16}};
+
+TEST(RomObjects, SystemInfoBytes) {
+    const ROM::SystemInfo info(ROM::SystemInfoData(SOME_GUID), ROM::ZT536HardwareInfoData(3, 4));
+    const char* bytes = "01 01 16000000 01020304 0506 0708 090A0B0C0D0E0F10  80 01 08000000 03 04";
+    EXPECT_EQ(hex(bytes), info.serialize());
+    const auto back = read<ROM::SystemInfo>(bytes);
+    EXPECT_TRUE(guidEquals(SOME_GUID, back->getSystemInfoData().getGUID()));
+    EXPECT_EQ(3, back->getZT536HardwareInfoData().getQvgaDType());
+    EXPECT_EQ(4, back->getZT536HardwareInfoData().getLensType());
+}
+
+TEST(RomObjects, SystemInfoDefaults) {
+    constexpr GUID fallback = {0x1024966D, 0x1634, 0x4756, {0x9A, 0xBC, 0x99, 0x97, 0x91, 0x59, 0x1F, 0x45}};
+    const auto info = read<ROM::SystemInfo>("80 01 08000000 03 04");
+    EXPECT_TRUE(guidEquals(fallback, info->getSystemInfoData().getGUID()));
+    EXPECT_EQ(3, info->getZT536HardwareInfoData().getQvgaDType());
+    EXPECT_EQ(0, read<ROM::SystemInfo>("")->getZT536HardwareInfoData().getLensType());
+}
+
+TEST(RomObjects, ConfigurationBytes) {
+    const ROM::Configuration empty({}, {}, {}, {}, {});
+    // Both offsets carry the first marker.
+    EXPECT_EQ(hex("22 01 07000000 00  40 01 08000000 0000  40 01 08000000 0000"
+                  "42 01 08000000 00 00  43 01 08000000 00 00"),
+              empty.serialize());
+    const ROM::Configuration full(ROM::TemperatureCalibrationData({1.0f}), {ROM::PhaseOffset::MARKER, -2},
+                                  {ROM::PhaseOffset::MARKER2, 259},
+                                  {static_cast<ROM::TemperatureAlgorithmID>(3), {1.0f, -2.5f}},
+                                  {static_cast<ROM::CyclicErrorAlgorithmID>(200), {}});
+    const auto bytes = hex("22 01 0B000000 01 3F800000  40 01 08000000 FFFE  41 01 08000000 0103"
+                           "42 01 10000000 03 02 3F800000 C0200000  43 01 08000000 C8 00");
+    EXPECT_EQ(bytes, full.serialize());
+    const auto back = Reader<ROM::Configuration>::read(bytes);
+    EXPECT_THAT(back->getTemperatureCalibration().getValues(), ElementsAre(1.0f));
+    EXPECT_EQ(-2, back->getPhaseOffset().getPhaseOffset());
+    EXPECT_EQ(259, back->getPhaseOffset2().getPhaseOffset());
+    EXPECT_EQ(3, static_cast<int>(back->getTemperatureCompensation().getAlgorithmID()));
+    EXPECT_EQ(200, static_cast<int>(back->getCyclicErrorCorrection().getAlgorithmID()));
+    EXPECT_EQ(bytes, back->serialize());
+}
+
+TEST(RomObjects, AnAbsentSecondOffsetReplacesTheFirstWhenWritten) {
+    const auto once = read<ROM::Configuration>("40 01 08000000 0005");
+    EXPECT_EQ(5, once->getPhaseOffset().getPhaseOffset());
+    EXPECT_EQ(ROM::PhaseOffset::MARKER, once->getPhaseOffset2().getMarker());
+    EXPECT_EQ(0, Reader<ROM::Configuration>::read(once->serialize())->getPhaseOffset().getPhaseOffset());
+}
+
+TEST(RomObjects, SystemCalibrationBytes) {
+    const ROM::IntrinsicsData depth(ROM::IntrinsicsData::Type::Depth, 320, 240, 1, 2, 3, 4, 5, 6, 7, 8, 9);
+    CameraIntrinsics lens;
+    lens.width = 160;
+    lens.k3 = 1;
+    const ROM::IntrinsicsData color(ROM::IntrinsicsData::Type::Color, lens);
+    const ROM::SystemCalibration calibration({1, 2, 3}, {1, 0, 0, 0, 1, 0, 0, 0, 1, 10, 20, 30},
+                                             {depth, depth}, {color});
+    const std::string depthRecord =
+        "10 01 2E000000 0140 00F0 3F800000 40000000 40400000 40800000" // size, fx fy cx cy
+        "40A00000 40C00000 40E00000 41000000 41100000";                // k1 k2 p1 p2 k3
+    const std::string zero = "00000000", one = "3F800000";
+    const auto bytes =
+        hex(depthRecord + depthRecord + "11 01 2E000000 00A0 0000" + zero + zero + zero + zero + zero + zero +
+            zero + zero + one + "12 01 36000000" + one + zero + zero + zero + one + zero + zero + zero + one +
+            "41200000 41A00000 41F00000" + "21 01 12000000 3F800000 40000000 40400000");
+    EXPECT_EQ(bytes, calibration.serialize());
+    const auto back = Reader<ROM::SystemCalibration>::read(bytes);
+    ASSERT_EQ(2u, back->getDepthIntrinsics().size());
+    EXPECT_TRUE(back->getDepthIntrinsics()[1] == depth);
+    ASSERT_EQ(1u, back->getColorIntrinsics().size());
+    EXPECT_EQ(ROM::IntrinsicsData::Type::Color, back->getColorIntrinsics()[0].getType());
+    EXPECT_EQ(20, back->getExtrinsics().getT2());
+    EXPECT_EQ(3, back->getAccelerometerCalibration().getZ());
+    EXPECT_EQ(bytes, back->serialize());
+}
+
+TEST(RomObjects, CorrectionBytes) {
+    const ROM::GradientDistortionCorrection correction({258, 0x01020304, 2, "AB"},
+                                                       {{30, {1, 2, 3}}, {60, {}}});
+    const auto bytes = hex("44 01 11000000 0102 01020304 02 03 414200  45 01 0F000000 001E 00000003 010203"
+                           "45 01 0C000000 003C 00000000");
+    EXPECT_EQ(bytes, correction.serialize());
+    const auto back = Reader<ROM::GradientDistortionCorrection>::read(bytes);
+    EXPECT_EQ("AB", back->getGradientDistortionCorrectionHeader().getSerialId());
+    ASSERT_EQ(2u, back->getGradientDistortionCorrectionData().size());
+    EXPECT_EQ(60, back->getGradientDistortionCorrectionData()[1].getModulationFrequency());
+    EXPECT_EQ(bytes, back->serialize());
+    // The id ends at its zero byte; its stored length is not consulted.
+    const auto odd = read<ROM::GradientDistortionCorrection>("44 01 11000000 0102 01020304 02 00 414200");
+    EXPECT_EQ("AB", odd->getGradientDistortionCorrectionHeader().getSerialId());
+}
+
+struct Damage {
+    const char* name;
+    ROM::ContainerSectionType type;
+    const char* bytes;
+    const char* warning;
+};
+
+class DamagedRecords : public testing::TestWithParam<Damage> {};
+
+// Each is refused with its warning, and the object that comes out is the one of no records at all.
+TEST_P(DamagedRecords, AreSkippedWithAWarning) {
+    LogCapture log;
+    const std::unique_ptr<ROM::Object> object(
+        ObjectReader::deserialize(GetParam().type, hex(GetParam().bytes)));
+    const std::unique_ptr<ROM::Object> empty(ObjectReader::deserialize(GetParam().type, {}));
+    ASSERT_TRUE(object);
+    EXPECT_EQ(empty->serialize(), object->serialize());
+    EXPECT_THAT(log.text(), HasSubstr(GetParam().warning));
+}
+
+using Type = ROM::ContainerSectionType;
+INSTANTIATE_TEST_SUITE_P(
+    Rom, DamagedRecords,
+    testing::Values(
+        Damage{"SystemInfoShort", Type::SystemInfo, "01 01 15000000 01020304 0506 0708 090A0B0C0D0E0F",
+               "Failed to deserialized SystemInfoData"},
+        Damage{"HardwareShort", Type::SystemInfo, "80 01 07000000 03",
+               "Failed to deserialized ZT536HardwareInfoData"},
+        Damage{"OffsetVersion", Type::Configuration, "40 00 08000000 0001",
+               "Failed to deserialized PhaseOffset"},
+        Damage{"SecondOffsetShort", Type::Configuration, "41 01 07000000 00",
+               "Failed to deserialized PhaseOffset"},
+        Damage{"CountPastTheRecord", Type::Configuration, "22 01 0B000000 02 3F800000",
+               "Failed to deserialized TemperatureCalibrationData"},
+        Damage{"NoCount", Type::Configuration, "42 01 07000000 03",
+               "Failed to deserialized TemperatureCompensationData"},
+        Damage{"CountOf255", Type::Configuration, "43 01 08000000 03 FF",
+               "Failed to deserialized CyclicErrorCorrectionData"},
+        Damage{"CountersShort", Type::Diagnostic, "20 01 07000000 05",
+               "Failed to deserialized OverheatingDiagnosticData"},
+        Damage{"UnknownMarker", Type::Diagnostic, "63 01 07000000 05", "Failed to deserialize data for 99"},
+        Damage{"LensShort", Type::SystemCalibration, "10 01 0A000000 0140 00F0",
+               "Failed to deserialized IntrinsicsData"},
+        Damage{"TransformVersion", Type::SystemCalibration, "12 02 06000000",
+               "Failed to deserialized ExtrinsicsData"},
+        Damage{"AccelerometerEmpty", Type::SystemCalibration, "21 01 06000000",
+               "Failed to deserialized AccelerometerCalibrationData"},
+        Damage{"IdWithoutEnd", Type::GradientDistortionCorrection,
+               "44 01 11000000 0102 01020304 02 03 414243",
+               "Failed to deserialized GradientDistortionCorrectionHeader"},
+        Damage{"HugeTable", Type::GradientDistortionCorrection, "45 01 0F000000 001E FFFFFFFF 010203",
+               "Failed to deserialized GradientDistortionCorrectionData"},
+        Damage{"TableOneShort", Type::GradientDistortionCorrection, "45 01 0F000000 001E 00000004 010203",
+               "Failed to deserialized GradientDistortionCorrectionData"}),
+    [](const auto& parameter) { return parameter.param.name; });
+
+TEST(RomObjects, TheRestLoadsAroundDamage) {
+    const auto diagnostic = read<ROM::Diagnostic>(
+        "63 01 08000000 0102  20 02 08000000 0909  20 01 09000000 05 06 FF"); // longer is accepted
+    EXPECT_EQ(5, diagnostic->getOverheatingDiagnosticData().getSoftCounter());
+    EXPECT_EQ(6, diagnostic->getOverheatingDiagnosticData().getHardCounter());
+}
+
+TEST(RomObjects, TheLaterRecordCounts) {
+    const auto diagnostic = read<ROM::Diagnostic>("20 01 08000000 0102  20 01 08000000 0304");
+    EXPECT_EQ(3, diagnostic->getOverheatingDiagnosticData().getSoftCounter());
+}
+
+TEST(RomObjects, ReadingStopsWhereNoWholeRecordIs) {
+    for (const char* tail : {"20", "20 01 0900 0000 0304", "20 01 05000000 0304", "FF FF FFFFFFFF 0000"}) {
+        LogCapture log;
+        const auto diagnostic = read<ROM::Diagnostic>(std::string("20 01 08000000 0102") + tail);
+        EXPECT_EQ(1, diagnostic->getOverheatingDiagnosticData().getSoftCounter()) << tail;
+        EXPECT_THAT(log.text(), Not(HasSubstr("Failed"))) << tail;
+    }
+}
+
+TEST(RomObjects, WritersRefuseWhatDoesNotFit) {
+    const std::vector<float> most(255), tooMany(256);
+    const auto with = [](const std::vector<float>& values) {
+        return ROM::Configuration(ROM::TemperatureCalibrationData(values), {}, {}, {}, {}).serialize();
+    };
+    EXPECT_EQ(38u + 1 + 255 * 4, with(most).size());
+    EXPECT_THROW(with(tooMany), ArgumentPluginException);
+    const auto named = [](const std::string& id) {
+        return ROM::GradientDistortionCorrection({1, 1, 1, id}, {}).serialize();
+    };
+    EXPECT_EQ(6u + 8 + 255, named(std::string(254, 'x')).size());
+    EXPECT_THROW(named(std::string(255, 'x')), ArgumentPluginException);
+    EXPECT_THROW(named(std::string("A\0B", 3)), ArgumentPluginException);
 }
 
 } // namespace

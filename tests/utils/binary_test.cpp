@@ -74,33 +74,28 @@ TEST(BinaryWriter, AppendsRawBytesAndHandsOutCopies) {
     EXPECT_THAT(bytesOf(writer), ElementsAre(9, 8, 7));
 }
 
-TEST(BinaryReader, ReadsBackWhatWasWritten) {
+template<typename T>
+void expectBack(const std::vector<T>& values, std::vector<T> (BinaryReader::*read)()) {
     BinaryWriter writer;
-    writer.write(std::vector<signed char>{-1, 2});
-    writer.write(std::vector<unsigned char>{255});
-    writer.write(std::vector<bool>{true, false});
-    writer.write(std::vector<short>{-3});
-    writer.write(std::vector<unsigned short>{65535});
-    writer.write(std::vector<int>{-4});
-    writer.write(std::vector<unsigned int>{4000000000u});
-    writer.write(std::vector<std::int64_t>{-5});
-    writer.write(std::vector<std::uint64_t>{~0ull});
-    writer.write(std::vector<float>{0.5f, -2.0f});
-    writer.write(std::vector<std::string>{"", "text"});
+    writer.write(values);
     const ByteArray bytes = writer.toByteArray();
     BinaryReader reader(bytes.data(), bytes.size());
-    EXPECT_THAT(reader.readBytes(), ElementsAre(-1, 2));
-    EXPECT_THAT(reader.readUBytes(), ElementsAre(255));
-    EXPECT_THAT(reader.readBools(), ElementsAre(true, false));
-    EXPECT_THAT(reader.readShorts(), ElementsAre(-3));
-    EXPECT_THAT(reader.readUShorts(), ElementsAre(65535));
-    EXPECT_THAT(reader.readInts(), ElementsAre(-4));
-    EXPECT_THAT(reader.readUInts(), ElementsAre(4000000000u));
-    EXPECT_THAT(reader.readLongs(), ElementsAre(-5));
-    EXPECT_THAT(reader.readULongs(), ElementsAre(~0ull));
-    EXPECT_THAT(reader.readFloats(), ElementsAre(0.5f, -2.0f));
-    EXPECT_THAT(reader.readStrings(), ElementsAre("", "text"));
+    EXPECT_EQ((reader.*read)(), values);
     EXPECT_THROW(reader.readUByte(), UIOException);
+}
+
+TEST(BinaryReader, ReadsBackWhatWasWritten) {
+    expectBack<signed char>({-1, 2}, &BinaryReader::readBytes);
+    expectBack<unsigned char>({255}, &BinaryReader::readUBytes);
+    expectBack<bool>({true, false}, &BinaryReader::readBools);
+    expectBack<short>({-3}, &BinaryReader::readShorts);
+    expectBack<unsigned short>({65535}, &BinaryReader::readUShorts);
+    expectBack<int>({-4}, &BinaryReader::readInts);
+    expectBack<unsigned int>({4000000000u}, &BinaryReader::readUInts);
+    expectBack<std::int64_t>({-5}, &BinaryReader::readLongs);
+    expectBack<std::uint64_t>({~0ull}, &BinaryReader::readULongs);
+    expectBack<float>({0.5f, -2.0f}, &BinaryReader::readFloats);
+    expectBack<std::string>({"", "text"}, &BinaryReader::readStrings);
 }
 
 TEST(BinaryReader, ReadsSingleValuesAndTakesAnyByteForTrue) {

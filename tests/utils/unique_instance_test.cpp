@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -49,23 +48,6 @@ TEST_F(UniqueInstanceTest, HoldsBetweenProcessesAndEndsWithAKilledOne) {
     EXPECT_TRUE(isHeldForAnotherProcess());
     instance.reset();
     EXPECT_FALSE(isHeldForAnotherProcess("leave"));
-}
-
-// The other process may lie, and so may a user's tools, in a directory with a blank in its name.
-TEST_F(UniqueInstanceTest, HoldsForAProgramBehindABlank) {
-    namespace fs = std::filesystem;
-    // Of ASCII letters: the command interpreter is not asked to know others.
-    const fs::path place = fs::temp_directory_path() / (name + " with a blank");
-    fs::create_directory(place);
-    for (const auto& file : fs::directory_iterator(Tests::programDirectory())) {
-        // The program and, where they are looked for beside it, its libraries.
-        if (file.path().stem() == "utils_peer" || file.path().extension() == ".dll")
-            fs::copy(file.path(), place / file.path().filename());
-    }
-    EXPECT_EQ(Tests::runProgram(place / "utils_peer", "instance " + name + " leave"), 1);
-    const auto instance = take();
-    EXPECT_EQ(Tests::runProgram(place / "utils_peer", "instance " + name + " leave"), 0);
-    fs::remove_all(place);
 }
 
 TEST(UniqueInstance, OnlyAnExistingNameMeansAnotherInstance) {

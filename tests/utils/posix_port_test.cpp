@@ -2,11 +2,13 @@
 #include "utils/platform/thread.h"
 
 #include <zentara/utils/shared_memory.h>
+#include <zentara/utils/wave_writer.h>
 
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <cstdlib>
+#include <fstream>
 #include <string>
 #include <thread>
 
@@ -40,6 +42,23 @@ TEST(PosixSharedObject, AChildOfForkEndsWhileItsParentMaps) {
         EXPECT_EXIT(std::exit(0), testing::ExitedWithCode(0), "");
     stop = true;
     busy.join();
+}
+
+TEST(PosixThread, NameIsCutToFifteenBytes) {
+    std::string name;
+    std::thread([&name] {
+        nameCurrentThread("AVDeviceProxyThread");
+        std::getline(std::ifstream("/proc/self/task/" + std::to_string(currentThreadId()) + "/comm"), name);
+    }).join();
+    EXPECT_EQ(name, "AVDeviceProxyTh");
+}
+
+TEST(PosixWaveWriter, AFullDiskIsToldWhenTheFileIsClosed) {
+    WaveWriter writer;
+    ASSERT_EQ(writer.open("/dev/full"), 0);
+    EXPECT_EQ(writer.write("abcd", 4), 0);
+    EXPECT_EQ(writer.close(), 3);
+    EXPECT_FALSE(writer.isOpen());
 }
 
 } // namespace

@@ -1,6 +1,9 @@
+#include "utils/platform/clock.h"
+#include "utils/platform/event.h"
 #include "utils/platform/shared_memory.h"
 #include "utils/platform/single_instance.h"
 #include "utils/platform/thread.h"
+#include "utils/platform/thread_local_slot.h"
 
 #include <gtest/gtest.h>
 
@@ -68,6 +71,48 @@ TEST(PlatformSingleInstance, OneFirstAmongMany) {
             thread.join();
         ASSERT_EQ(firsts, 1);
     }
+}
+
+TEST(PlatformWaits, LastAsLongAsTold) {
+    Owned<Event> event(Event::create(Event::Reset::automatic));
+    const std::int64_t before = monotonicMicroseconds();
+    EXPECT_FALSE(event->wait(20));
+    const std::int64_t between = monotonicMicroseconds();
+    EXPECT_GE(between - before, 15'000);
+    sleepMilliseconds(20);
+    EXPECT_GE(monotonicMicroseconds() - between, 15'000);
+}
+
+/// As many sets as waits: whether a set finds its waiter asleep, about to sleep or timing out, nothing is lost.
+TEST(PlatformEvent, NoSetIsLostBetweenTwoThreads) {
+    constexpr int rounds = 20000;
+    Owned<Event> ping(Event::create(Event::Reset::automatic));
+    Owned<Event> pong(Event::create(Event::Reset::automatic));
+    std::thread other([&] {
+        for (int i = 0; i < rounds; ++i) {
+            while (!ping->wait(1)) {
+            }
+            pong->set();
+        }
+    });
+    for (int i = 0; i < rounds; ++i) {
+        ping->set();
+        EXPECT_TRUE(pong->wait(30000));
+    }
+    other.join();
+}
+
+TEST(PlatformThreadLocalSlot, EveryThreadHasItsOwn) {
+    Owned<ThreadLocalSlot> slot(ThreadLocalSlot::create());
+    int mine = 0;
+    slot->set(&mine);
+    std::thread([&] {
+        EXPECT_EQ(slot->get(), nullptr);
+        int own = 0;
+        slot->set(&own);
+        EXPECT_EQ(slot->get(), &own);
+    }).join();
+    EXPECT_EQ(slot->get(), &mine);
 }
 
 } // namespace
