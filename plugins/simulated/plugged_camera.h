@@ -15,7 +15,8 @@ namespace Zentara::Simulated {
 /// The camera on the bus that a device belongs to, for as long as it is plugged in. Safe.
 class PluggedCamera {
 public:
-    /// Finds the camera of a node. One that did not come from the simulated bus has none, and nothing ever happens to it.
+    /// Finds the camera of a node. One that did not come from the simulated bus has none, and nothing ever happens to
+    /// it.
     /// \return how the camera is set, in the words of Settings
     /// \throws Plugin::IOPluginException "initialize: no camera is plugged in as 'PATH'", and what is wrong with the
     ///         bus if something is

@@ -26,8 +26,8 @@ namespace Zentara::Simulated {
 ///     claim N                        how many further devices an OV0570 claims to have
 ///     fpgaRounds N, resetReads N     how long an OV0570's FPGA takes to come up
 ///     flash PATH                     the bytes of the controller's memory; of a VC0258 both its memories
-///     keepFlash PATH                 the memory is kept in this file, which is made when there is none: what one run of
-///                                    a program writes, the next one reads; of a VC0258 the configuration memory
+///     keepFlash PATH                 the memory is kept in this file, which is made when there is none: what one run
+///                                    of a program writes, the next one reads; of a VC0258 the configuration memory
 ///     keepRegisters PATH             the same for the registers of the time-of-flight controller, and with them the
 ///                                    parameters: as if the camera stayed switched on
 ///     transfer N FAULT [MS]          the Nth transfer: fail, late, short, long, corrupt, or hang for MS milliseconds

@@ -56,8 +56,8 @@ protected:
     void initialize(NodeEvent* event, Core::DescriptorStoreRO* store);
 
     /// The destructor's work: waits for the worker as other operations do, then for as long as the device's `dispose`
-    /// takes. In a child of fork a proxified device is left as it is. Disposing twice is harmless; afterwards every operation throws
-    /// `Zentara::Plugin::InvalidOperationPluginException`.
+    /// takes. In a child of fork a proxified device is left as it is. Disposing twice is harmless; afterwards every
+    /// operation throws `Zentara::Plugin::InvalidOperationPluginException`.
     void dispose() override;
 
 private:

@@ -27,8 +27,8 @@ class AVDeviceProxyThread;
 /// is made, it holds its library's mutex, and every call on another device of that plug-in waits for it. The other
 /// waits that have no limit are direct calls, `readBuffer`, and a device's own cancel operation.
 ///
-/// A child of fork has no worker: there a proxified proxy throws `Zentara::Plugin::InvalidOperationPluginException`, and
-/// its disposal leaves the device to the parent.
+/// A child of fork has no worker: there a proxified proxy throws `Zentara::Plugin::InvalidOperationPluginException`,
+/// and its disposal leaves the device to the parent.
 ///
 /// A device's failure is thrown as the plug-in exception that it reported. Operations are safe; construction
 /// and destruction are not.

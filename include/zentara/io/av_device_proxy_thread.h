@@ -18,7 +18,8 @@ class deviceRequest;
 ///
 /// One per process, counted: each `instance` is paired with one `release`, the last of which stops the
 /// thread. To a child of fork the thread does not come along: there the worker rejects what it is asked, and its last
-/// `release` leaves it as it is. `instance`, `release` and `processRequest` are safe; who calls `processRequest` holds a reference.
+/// `release` leaves it as it is. `instance`, `release` and `processRequest` are safe; who calls `processRequest` holds
+/// a reference.
 class ZENTARA_API AVDeviceProxyThread final : public Utils::Threading::Runnable {
 public:
     AVDeviceProxyThread(const AVDeviceProxyThread&) = delete;
@@ -38,9 +39,9 @@ public:
     ///
     /// The caller's reference is needed on success only: after an exception the worker may still come to the
     /// request, so the caller must leave its reference with it for good. By that reference a husk stays, on which
-    /// `type`, `failed` and `getFailure` answer; the device, and the memory of the library's own requests, go as soon as
-    /// the worker is done with the request and nobody else holds it. A request that was executed may be submitted again
-    /// if it did not fail.
+    /// `type`, `failed` and `getFailure` answer; the device, and the memory of the library's own requests, go as soon
+    /// as the worker is done with the request and nobody else holds it. A request that was executed may be submitted
+    /// again if it did not fail.
     /// \param timeoutMilliseconds runs from the request's start
     /// \throws Zentara::Plugin::PluginException the subclass and message that the device failed with
     /// \throws Zentara::Plugin::TimeoutPluginException "processRequest: I/O timeout: TYPE" when the wait ended first;

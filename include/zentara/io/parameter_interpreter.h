@@ -77,8 +77,8 @@ public:
     /// Writes a system state: the float, integer, boolean and region requests of the map; others are left
     /// out. Words of a region are cut to 16 bits.
     /// \throws Zentara::Plugin::IOPluginException "Failed to set system state: REASON"
-    /// \throws Zentara::Plugin::ArgumentPluginException "Failed to set system state: REASON" for a parameter whose number
-    ///         does not fit one byte; nothing is written then
+    /// \throws Zentara::Plugin::ArgumentPluginException "Failed to set system state: REASON" for a parameter whose
+    ///         number does not fit one byte; nothing is written then
     virtual void write(const ParameterRequestMap& state);
 
     /// \throws Zentara::Plugin::IOPluginException "Failed to read parameter"

@@ -51,7 +51,8 @@ public:
     virtual void len(xuLenRequest* request) = 0;
     virtual void xuSetup(xuSetupRequest* request) = 0;
 
-    /// Control and bulk transfers. These three throw `Zentara::Plugin::NotSupportedPluginException` ("not supported") unless overridden.
+    /// Control and bulk transfers. These three throw `Zentara::Plugin::NotSupportedPluginException` ("not supported")
+    /// unless overridden.
     virtual void read(readControlTransferRequest* request);
     virtual void write(writeBulkTransferRequest* request);
     virtual void write(writeControlTransferRequest* request);

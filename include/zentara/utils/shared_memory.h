@@ -52,8 +52,8 @@ public:
     /// "/ZentaraSDK_" unless it was set. The reference is the table's own and not guarded.
     std::string& getBaseName();
 
-    /// Affects mappings made from now on. The name is the host's own: off Windows what of this user begins with it, ends
-    /// in "_" and a number, and is used by nobody is taken for a left-over, see above.
+    /// Affects mappings made from now on. The name is the host's own: off Windows what of this user begins with it,
+    /// ends in "_" and a number, and is used by nobody is taken for a left-over, see above.
     void setBaseName(std::string& baseName);
 
 private:

@@ -21,8 +21,8 @@ public:
     int open(const char* path);
 
     /// Appends `size` bytes of little-endian samples, channels interleaved: 0, also when no file is open,
-    /// or 3. A negative size, null data and more than the format's 4 GiB are refused with 3. The samples may be kept back
-    /// until close(), which then tells whether they could be written.
+    /// or 3. A negative size, null data and more than the format's 4 GiB are refused with 3. The samples may be kept
+    /// back until close(), which then tells whether they could be written.
     int write(const void* data, int size);
 
     /// Writes what is still buffered, then the final sizes into the header, and closes: 0, also when no file is open,

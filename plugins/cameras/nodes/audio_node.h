@@ -7,8 +7,8 @@
 
 namespace Zentara::Cameras {
 
-/// The microphones of a described camera: blocks of sound as its device delivers them. Each start begins at half the full
-/// level; another one, or silence, is set at the device while it streams.
+/// The microphones of a described camera: blocks of sound as its device delivers them. Each start begins at half the
+/// full level; another one, or silence, is set at the device while it streams.
 class AudioNode : public Core::AudioNodeInterface {
 public:
     AudioNode();

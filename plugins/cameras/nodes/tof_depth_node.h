@@ -9,7 +9,8 @@
 
 namespace Zentara::Cameras {
 
-/// The depth stream of a described time-of-flight camera, whichever controller it has. What it delivers stands in depth_frame.h.
+/// The depth stream of a described time-of-flight camera, whichever controller it has. What it delivers stands in
+/// depth_frame.h.
 ///
 /// `initialize` opens the device, binds the chip that the description names, starts the parameters and reads the
 /// camera's storage; one that cannot be read is as good as an empty one. Without a lens model in it the description's

@@ -10,9 +10,9 @@ namespace Zentara::Cameras {
 
 /// The depth stream of a camera that measures depth itself and delivers it as 16-bit values (Z16), without a controller
 /// that a host must know. The description says how many micrometres a step is; modes, lens models and extrinsics are
-/// the description's too. Each frame is three planes of the mode's size, as depth_frame.h has them: millimetres, rounded,
-/// 0 where there is no depth or it is beyond 65,535 mm; confidence (the device's second plane if it sends one, else 1000
-/// where there is depth); and a phase of 0.
+/// the description's too. Each frame is three planes of the mode's size, as depth_frame.h has them: millimetres,
+/// rounded, 0 where there is no depth or it is beyond 65,535 mm; confidence (the device's second plane if it sends one,
+/// else 1000 where there is depth); and a phase of 0.
 class Z16DepthNode final : public Core::DepthNodeInterface {
 public:
     Z16DepthNode();

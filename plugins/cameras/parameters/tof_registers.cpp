@@ -115,9 +115,9 @@ public:
 private:
     static constexpr int mostAttempts = 16;
 
-    /// Makes a transfer of two data bytes in the order in which the bridge stands: whoever else uses it remembers what he
-    /// set. If he sets another one meanwhile, on a thread of his own, the bytes arrive exchanged, and the transfer is made
-    /// anew.
+    /// Makes a transfer of two data bytes in the order in which the bridge stands: whoever else uses it remembers what
+    /// he set. If he sets another one meanwhile, on a thread of his own, the bytes arrive exchanged, and the transfer
+    /// is made anew.
     template<typename Transfer>
     void inPresentOrder(Transfer transfer) const {
         std::uint8_t order = presentOrder();

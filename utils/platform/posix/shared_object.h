@@ -38,8 +38,8 @@ public:
     /// Whether others were using the object when it was opened.
     [[nodiscard]] bool wasInUse() const { return inUse; }
 
-    /// Removes the objects of this user that nobody has open and whose names are the prefix, without a slash, and a rest
-    /// that the predicate accepts. Never waits: an object that somebody is opening or closing stays.
+    /// Removes the objects of this user that nobody has open and whose names are the prefix, without a slash, and a
+    /// rest that the predicate accepts. Never waits: an object that somebody is opening or closing stays.
     static void sweep(std::string_view prefix, bool (*isOurs)(std::string_view rest)) noexcept;
 
 private:
