@@ -1,6 +1,6 @@
-// zentara_soak MINUTES [SEED]: uses all simulated cameras side by side as a host does, with nodes made anew all the time
-// and one call of a device in a hundred failing, and shows every 10 s what the process holds. Ends with 1 when that grew
-// after the first minute by more than the husks of the requests that failed.
+// zentara_soak MINUTES [SEED [PERCENT]]: uses all simulated cameras side by side as a host does, with nodes made anew
+// all the time and PERCENT of the calls of a device failing (1 unless given), and shows every 10 s what the process
+// holds. Ends with 1 when that grew after the first minute by more than the husks of the requests that failed.
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -50,13 +50,15 @@ Utils::SmartPtr<Interface> make(GUID guid) {
     return Utils::SmartPtr<Interface>::adopt(dynamic_cast<Interface*>(static_cast<Core::Plugin*>(made)));
 }
 
-/// Faults of one device: each call of each operation fails with a chance of one in a hundred, whatever happened to those
-/// before it, and now and then one hangs beyond its caller's patience.
+/// Faults of one device: each call of each operation fails with that chance, whatever happened to those before it, and
+/// now and then one hangs beyond its caller's patience.
 class Faults {
 public:
-    explicit Faults(unsigned seed) : random(seed) {}
+    Faults(unsigned seed, double share) : some(share > 0), random(seed), gap(some ? share : 1) {}
 
     std::string next() {
+        if (!some)
+            return {};
         static const char* const operations[] = {
             "create",     "initialize", "dispose",     "threadInitialize",  "threadUninitialize",
             "readBuffer", "open",       "close",       "disable",           "getControlRanges",
@@ -78,12 +80,13 @@ private:
     /// More than any operation of a device is called in its life.
     static constexpr unsigned callsPlanned = 1000;
 
+    const bool some;
     std::mt19937 random;
-    std::geometric_distribution<unsigned> gap{0.01};
+    std::geometric_distribution<unsigned> gap;
 };
 
-/// The settings of the device that is made next. They come by a file, whose name stays in the environment: the C library
-/// keeps every text that a variable ever had, for somebody may still read it.
+/// The settings of the device that is made next. They come by a file, whose name stays in the environment: the C
+/// library keeps every text that a variable ever had, for somebody may still read it.
 class SettingsFile {
 public:
     SettingsFile() { Utils::EnvironmentVariable("ZENTARA_SIMULATED").setValue(("@" + path).c_str()); }
@@ -112,7 +115,7 @@ private:
 
 /// Who uses one camera. The buffer serves all its nodes, so that the heap shows what they leave and not its holes.
 struct User {
-    User(SettingsFile& file, unsigned seed) : settings(file), faults(seed) {}
+    User(SettingsFile& file, unsigned seed, double share) : settings(file), faults(seed, share) {}
 
     SettingsFile& settings;
     Faults faults;
@@ -206,8 +209,8 @@ private:
 };
 
 /// Uses the nodes of one camera one after the other.
-void useCamera(const std::vector<NodeEvent>& nodes, SettingsFile& settings, unsigned seed) {
-    User user(settings, seed);
+void useCamera(const std::vector<NodeEvent>& nodes, SettingsFile& settings, unsigned seed, double share) {
+    User user(settings, seed, share);
     for (int round = 0; !ended; ++round) {
         const NodeEvent& event = nodes[static_cast<std::size_t>(round) % nodes.size()];
         const int frames = 1 + round % 7;
@@ -290,16 +293,17 @@ int watch(std::chrono::minutes time) {
 int main(int argc, char** argv) {
     const int minutes = argc > 1 ? std::atoi(argv[1]) : 0;
     if (minutes < 3) {
-        std::fputs("usage: zentara_soak MINUTES [SEED], with 3 minutes or more\n", stderr);
+        std::fputs("usage: zentara_soak MINUTES [SEED [PERCENT]], with 3 minutes or more\n", stderr);
         return 2;
     }
+    const double percent = argc > 3 ? std::atof(argv[3]) : 1;
     unsigned seed = argc > 2 ? static_cast<unsigned>(std::atoi(argv[2])) : 1;
     const auto cameras = findCameras();
-    std::printf("%zu cameras, seed %u\n", cameras.size(), seed);
+    std::printf("%zu cameras, seed %u, %g %% of the calls fail\n", cameras.size(), seed, percent);
     SettingsFile settings;
     std::vector<std::thread> users;
     for (const auto& camera : cameras)
-        users.emplace_back(useCamera, camera.second, std::ref(settings), seed++);
+        users.emplace_back(useCamera, camera.second, std::ref(settings), seed++, percent / 100);
     const int result = users.empty() ? 1 : watch(std::chrono::minutes(minutes));
     ended = true;
     for (std::thread& user : users)
