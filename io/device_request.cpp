@@ -42,7 +42,7 @@ void deviceRequest::setCancelled(bool cancelled) { impl->cancelled = cancelled; 
 bool deviceRequest::getCancelled() const { return impl->cancelled; }
 
 bool deviceRequest::cancelIO() {
-    const std::lock_guard<std::recursive_mutex> hold(impl->meeting->lock);
+    const std::lock_guard hold(impl->meeting->lock);
     return impl->cancel();
 }
 

@@ -6,6 +6,8 @@
 #include <zentara/utils/signal.h>
 #include <zentara/utils/smart_ptr.h>
 
+#include "utils/try_mutex.h"
+
 #include <atomic>
 #include <mutex>
 #include <optional>
@@ -20,7 +22,7 @@ struct deviceRequest::Impl {
     struct Meeting {
         Utils::Threading::Signal startOfIO;
         Utils::Threading::Signal acknowledged;
-        std::recursive_mutex lock; ///< one that can be tried
+        Utils::Threading::TryMutex lock;
     };
 
     /// The caller hands the request to the worker; false when it is there already, or was given up. A signal left set
@@ -69,7 +71,7 @@ struct deviceRequest::Impl {
     template<typename GiveUp>
     bool cancelUnless(GiveUp giveUp) {
         cancelled = true;
-        std::unique_lock<std::recursive_mutex> hold(meeting->lock, std::defer_lock);
+        std::unique_lock hold(meeting->lock, std::defer_lock);
         while (!hold.try_lock()) {
             if (giveUp())
                 return false;

@@ -2,6 +2,7 @@
 
 #include "utils/platform/event.h"
 #include "utils/platform/word.h"
+#include "utils/try_mutex.h"
 
 #include <cstdlib>
 
@@ -36,23 +37,24 @@ void waitAndTake(Word& word, std::uint64_t self) noexcept {
     }
 }
 
-} // namespace
-
-// Nothing was taken from the system.
-Mutex::~Mutex() = default;
-
-void Mutex::acquire() noexcept ZENTARA_NO_THREAD_SAFETY_ANALYSIS {
-    const std::uint64_t self = Platform::threadMark();
+bool tryToTake(Word& word, std::uint64_t self) noexcept {
     std::uint64_t seen = 0;
     if (word.compare_exchange_strong(seen, self, std::memory_order_acquire, std::memory_order_relaxed))
-        return;
+        return true;
     if ((seen & holderBits) != self)
-        waitAndTake(word, self);
-    else if (word.fetch_add(onceMore, std::memory_order_relaxed) >= ~(onceMore - 1))
+        return false;
+    if (word.fetch_add(onceMore, std::memory_order_relaxed) >= ~(onceMore - 1))
         std::abort(); // more often than can be counted
+    return true;
 }
 
-void Mutex::release() noexcept ZENTARA_NO_THREAD_SAFETY_ANALYSIS {
+void take(Word& word) noexcept {
+    const std::uint64_t self = Platform::threadMark();
+    if (!tryToTake(word, self))
+        waitAndTake(word, self);
+}
+
+void giveBack(Word& word) noexcept {
     const std::uint64_t seen = word.load(std::memory_order_relaxed);
     if ((seen & holderBits) != Platform::threadMark())
         std::abort(); // it is another thread's
@@ -61,6 +63,21 @@ void Mutex::release() noexcept ZENTARA_NO_THREAD_SAFETY_ANALYSIS {
     else if ((word.exchange(0, std::memory_order_release) & contended) != 0)
         Platform::wakeOnWord(&word);
 }
+
+} // namespace
+
+// Nothing was taken from the system.
+Mutex::~Mutex() = default;
+
+void Mutex::acquire() noexcept ZENTARA_NO_THREAD_SAFETY_ANALYSIS { take(word); }
+
+void Mutex::release() noexcept ZENTARA_NO_THREAD_SAFETY_ANALYSIS { giveBack(word); }
+
+void TryMutex::lock() noexcept { take(word); }
+
+bool TryMutex::try_lock() noexcept { return tryToTake(word, Platform::threadMark()); }
+
+void TryMutex::unlock() noexcept { giveBack(word); }
 
 void RecursiveMutex::acquire() noexcept ZENTARA_NO_THREAD_SAFETY_ANALYSIS { mutex.acquire(); }
 
