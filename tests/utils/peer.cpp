@@ -4,8 +4,10 @@
 //   utils_peer instance NAME            exit code 0 when another instance runs, 1 when not
 //   utils_peer memory NAME SIZE OLD NEW exit code 0 when the memory held OLD; it holds NEW then. 1 when it held
 //                                       something else, 2 when it cannot be had
+//   utils_peer sleep LIBRARY            ends while the library sleeps
 //   utils_peer identifiers              exit code: the lower digits of its first two identifiers, one after another
 
+#include <zentara/utils/dynamic_library.h>
 #include <zentara/utils/shared_memory.h>
 #include <zentara/utils/shared_memory_manager.h>
 #include <zentara/utils/unique_instance.h>
@@ -60,6 +62,13 @@ int takeIdentifiers() {
     return 10 * first + nextNumber();
 }
 
+int endAsleep(const Words& words) {
+    void* const library = Zentara::Utils::loadSharedLibrary(words[1], 0);
+    if (void* const sleep = Zentara::Utils::getFunction(library, "sleepAtTheEnd"))
+        reinterpret_cast<void (*)()>(sleep)();
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -68,6 +77,8 @@ int main(int argc, char** argv) {
         return holdInstance(words);
     if (words.size() >= 5 && words[0] == "memory")
         return exchangeMemory(words);
+    if (words.size() == 2 && words[0] == "sleep")
+        return endAsleep(words);
     if (words.size() == 1 && words[0] == "identifiers")
         return takeIdentifiers();
     return 64;

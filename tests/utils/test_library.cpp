@@ -1,6 +1,8 @@
 #include <zentara/export.h>
 
+#include "utils/platform/event.h"
 #include "utils/platform/library_pin.h"
+#include "utils/platform/word.h"
 
 ZENTARA_PLUGIN_EXPORT int answer() { return 42; }
 
@@ -11,3 +13,14 @@ ZENTARA_PLUGIN_EXPORT int count() {
 }
 
 ZENTARA_PLUGIN_EXPORT int pin() { return Zentara::Utils::Platform::pinThisLibrary(); }
+
+/// The end of the process waits for what nobody will do.
+ZENTARA_PLUGIN_EXPORT void sleepAtTheEnd() {
+    struct Sleeper {
+        ~Sleeper() {
+            Zentara::Utils::Platform::sleepOnWord(&word, 0, Zentara::Utils::Platform::infiniteWait);
+        }
+        std::uint32_t word = 0;
+    };
+    static const Sleeper sleeper;
+}

@@ -1,3 +1,4 @@
+#include "support/program.h"
 #include "utils/platform/environment.h"
 #include "utils/platform/error_text.h"
 #include "utils/platform/shared_memory.h"
@@ -50,6 +51,11 @@ TEST(WindowsSharedMapping, NamesMayChooseTheirNamespace) {
     }
     for (const char* refused : {"Global\\", "Local\\a\\b", "Other\\a", "Global\\\\a", "Global\\a/b"})
         EXPECT_FALSE(open(refused)) << refused;
+}
+
+// Its threads have gone, and with them whoever might have woken this one.
+TEST(WindowsWord, AnEndingProcessWaitsForNobody) {
+    EXPECT_EQ(Tests::runProgram("utils_peer", "sleep \"" ZENTARA_TEST_LIBRARY "\""), int(0xC000004B));
 }
 
 } // namespace

@@ -13,8 +13,10 @@ namespace Zentara::Utils::Threading {
 ///
 /// It is one word of memory: construction is constant-initialised, so a static mutex can be used by any initialiser,
 /// and nothing is taken from the system, so no use of it can fail for lack of memory. A release() by a thread that does
-/// not hold it, and more than 65,536 acquisitions at a time, end the process by abort(). One that threads may still use while the process ends must
-/// not be destroyed: the library's own class-wide mutexes are references to storage that never is.
+/// not hold it, and more than 65,536 acquisitions at a time, end the process by abort(). One that threads may still use
+/// while the process ends must not be destroyed: the library's own class-wide mutexes are references to storage that
+/// never is. On Windows the system ends all other threads before the static objects of libraries go: one that then has
+/// to wait for a lock of such a thread ends the process at once, with 0xC000004B, as a critical section does.
 class ZENTARA_API ZENTARA_CAPABILITY("mutex") Mutex final {
 public:
     constexpr Mutex() noexcept = default;

@@ -41,7 +41,10 @@ void wakeOnWord(const void* word) noexcept { wake(word, 1); }
 
 void wakeAllOnWord(const void* word) noexcept { wake(word, INT_MAX); }
 
-/// The address of the thread's own record in the C library.
-std::uint64_t threadMark() noexcept { return reinterpret_cast<std::uint64_t>(pthread_self()); }
+/// The address of the thread's own record in the C library, which is longer than 64 bytes: no two begin within the same
+/// 64, be it aligned or not.
+std::uint64_t threadMark() noexcept {
+    return reinterpret_cast<std::uint64_t>(pthread_self()) & ~std::uint64_t{63};
+}
 
 } // namespace Zentara::Utils::Platform
