@@ -4,21 +4,21 @@
 #include <cstdlib>
 #include <string>
 
-#include "tools/zentara/rom/rehearsal.h"
-#include "tools/zentara/rom/rom_json.h"
+#include "host/flash/content_json.h"
+#include "host/flash/rehearsal.h"
 
 namespace {
 
-using namespace Zentara::Tool;
+using namespace Zentara::Host;
 
 void expect(bool holds) {
     if (!holds)
         std::abort();
 }
 
-std::string textOf(const RomContent& content) { return contentToJson(content).dump(); }
+std::string textOf(const FlashContent& content) { return contentToJson(content).dump(); }
 
-void importInto(const RomContent& content, bool headerAtStart) {
+void importInto(const FlashContent& content, bool headerAtStart) {
     const FlashImage empty(FlashArea{64, 4096, 64, headerAtStart});
     const Rehearsal rehearsal = rehearse(empty, content, true);
     if (!rehearsal.isGood())
@@ -32,10 +32,10 @@ void importInto(const RomContent& content, bool headerAtStart) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    RomContent content;
+    FlashContent content;
     try {
         content = contentFromJson(parseJson(std::string(reinterpret_cast<const char*>(data), size)));
-    } catch (const RomJsonError& failure) {
+    } catch (const JsonPlaceError& failure) {
         expect(failure.what()[0] != '\0');
         return 0;
     }

@@ -5,21 +5,21 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "tools/zentara/rom/flash_map.h"
-#include "tools/zentara/rom/rehearsal.h"
-#include "tools/zentara/rom/rom_survey.h"
+#include "host/flash/flash_map.h"
+#include "host/flash/flash_survey.h"
+#include "host/flash/rehearsal.h"
 
 namespace {
 
-using namespace Zentara::Tool;
+using namespace Zentara::Host;
 
 void require(bool holds) {
     if (!holds)
         std::abort();
 }
 
-RomContent contentOf(const RomSurvey& survey) {
-    RomContent content;
+FlashContent contentOf(const FlashSurvey& survey) {
+    FlashContent content;
     for (const SurveyedBlock& block : survey.blocks())
         if (block.section)
             content[block.section->uid] = block.section->content;
@@ -27,16 +27,16 @@ RomContent contentOf(const RomSurvey& survey) {
 }
 
 /// The library, whose code is another, reads the same.
-void checkAgreement(const FlashImage& image, const RomSurvey& survey) {
+void checkAgreement(const FlashImage& image, const FlashSurvey& survey) {
     FlashImage copy = image;
     Storage storage(copy, copy.area());
     storage.container.initialize();
     require(storage.container.romInitialized());
-    require(Zentara::Tool::contentOf(storage.container) == contentOf(survey));
+    require(Zentara::Host::contentOf(storage.container) == contentOf(survey));
     require(copy.writes().empty());
 }
 
-void checkPlaces(const FlashImage& image, const RomSurvey& survey) {
+void checkPlaces(const FlashImage& image, const FlashSurvey& survey) {
     const FlashArea& area = image.area();
     for (const Finding& finding : survey.findings())
         require(area.holds(finding.address, 0));
@@ -48,13 +48,13 @@ void checkPlaces(const FlashImage& image, const RomSurvey& survey) {
 }
 
 /// What was salvaged can be written to a new image of the size, or the reason why not is told.
-void salvage(const FlashImage& image, const RomSurvey& survey) {
-    RomContent content;
+void salvage(const FlashImage& image, const FlashSurvey& survey) {
+    FlashContent content;
     for (const SurveyedSection& section : survey.unreachable())
         if (section.uid != 0)
             content.emplace(section.uid, section.content);
     const Rehearsal fresh = rebuild(image, content);
-    require(fresh.isGood() ? !RomSurvey(fresh.image).structuralFault()
+    require(fresh.isGood() ? !FlashSurvey(fresh.image).structuralFault()
                            : fresh.refusal || !fresh.losses.empty());
 }
 
@@ -67,7 +67,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const FlashArea area{static_cast<std::uint32_t>(start), static_cast<std::uint32_t>(size - 1 - start), 64,
                          (data[0] & 1) != 0};
     const FlashImage image(area, Bytes(data + 1 + start, data + size));
-    const RomSurvey survey(image);
+    const FlashSurvey survey(image);
     if (!survey.structuralFault())
         checkAgreement(image, survey);
     checkPlaces(image, survey);

@@ -16,4 +16,11 @@ Json floatJson(float value) {
     return std::isfinite(value) ? Json::parse(floatText(value)) : Json(floatText(value));
 }
 
+std::string decimalText(double value, int digits) {
+    std::array<char, 400> text{};
+    const auto end =
+        std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed, digits).ptr;
+    return {text.data(), end};
+}
+
 } // namespace Zentara::Host

@@ -12,4 +12,7 @@ namespace Zentara::Host {
 /// The same as a number; what JSON has no number for as a text.
 [[nodiscard]] Json floatJson(float value);
 
+/// "12.25"
+[[nodiscard]] std::string decimalText(double value, int digits = 2);
+
 } // namespace Zentara::Host

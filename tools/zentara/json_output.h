@@ -4,6 +4,7 @@
 #include <string>
 
 #include "host/json.h"
+#include "host/json_differences.h"
 #include "tools/zentara/console.h"
 
 namespace Zentara::Tool {
@@ -21,12 +22,5 @@ void print(std::ostream& out, const Json& json);
 
 /// The same on a line of its own, which a reader gets at once.
 void printOnOneLine(std::ostream& out, const Json& json);
-
-/// Where two values differ, one element {path, before, after} for each leaf: "records/0/fx". What only one of them has
-/// is null in the other.
-[[nodiscard]] Json differencesBetween(const Json& before, const Json& after);
-
-/// A line for each: "records/0/fx: 224.5 -> 230.5"; cut where a value is long.
-[[nodiscard]] std::string differencesText(const Json& differences);
 
 } // namespace Zentara::Tool

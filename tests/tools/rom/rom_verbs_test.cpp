@@ -10,13 +10,13 @@
 #include <zentara/utils/files.h>
 
 #include "host/files/pending_file.h"
+#include "host/hex_bytes.h"
 #include "plugins/simulated/firmware/factory_flash.h"
 #include "plugins/simulated/simulated_bus.h"
 #include "support/program.h"
 #include "support/scoped_variable.h"
 #include "support/simulated_faults.h"
 #include "tools/tool_fixture.h"
-#include "tools/zentara/rom/hex_bytes.h"
 #include "tools/zentara/rom/rom_target.h"
 #include "tools/zentara/verb.h"
 

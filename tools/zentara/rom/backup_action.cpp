@@ -4,7 +4,7 @@
 
 #include <zentara/utils/format.h>
 
-#include "tools/zentara/rom/rom_survey.h"
+#include "host/flash/flash_survey.h"
 #include "tools/zentara/rom/rom_verbs.h"
 #include "tools/zentara/rom/rom_write.h"
 #include "tools/zentara/rom/text_lines.h"
@@ -25,7 +25,7 @@ ExitCode runBackup(const BackupOptions& options, Console& console) {
     const auto target = RomTarget::open(options, console);
     const FlashImage image = target->load();
     keepBackup(*target, options.file, image);
-    const RomSurvey survey(image);
+    const FlashSurvey survey(image);
     if (survey.isFaulty())
         note(console, "something is wrong with " + target->name() + "; the bytes are kept as they are");
     if (options.json) {
@@ -50,13 +50,13 @@ FlashImage imageFromFile(const RestoreOptions& options, const FlashArea& area) {
         area; // the flash that it goes to may hold nothing that tells where the header stands
     mirrored.headerAtStart = !area.headerAtStart;
     const FlashImage other(mirrored, image.bytes());
-    const bool isMirrored = !RomSurvey(image).header() && RomSurvey(other).header();
+    const bool isMirrored = !FlashSurvey(image).header() && FlashSurvey(other).header();
     return isMirrored ? other : image;
 }
 
 /// What says that a backup is not of the camera that it goes to.
 std::vector<std::string> foreignLines(const RestoreOptions& options, const RomTarget& target,
-                                      const RomContent& before, const RomContent& wanted) {
+                                      const FlashContent& before, const FlashContent& wanted) {
     std::vector<std::string> lines = foreignChanges(before, wanted);
     const std::string from = serialOfBackup(options.file);
     const auto camera = target.camera();
@@ -70,7 +70,7 @@ ExitCode runRestore(const RestoreOptions& options, Console& console) {
     const auto target = RomTarget::openToWrite(options, options.dryRun, console);
     const FlashImage before = target->load();
     FlashImage wanted = imageFromFile(options, before.area());
-    const RomSurvey survey(wanted);
+    const FlashSurvey survey(wanted);
     if (survey.isFaulty() && !options.damaged) {
         std::vector<std::string> faults;
         for (const Finding& finding : survey.findings())
@@ -80,8 +80,8 @@ ExitCode runRestore(const RestoreOptions& options, Console& console) {
                       "refused, nothing was written; '" + options.file + "' is damaged:", {},
                       "--damaged restores it as it is", faults);
     }
-    const RomContent old = loadContentIfAny(before);
-    const RomContent fresh = loadContentIfAny(wanted);
+    const FlashContent old = loadContentIfAny(before);
+    const FlashContent fresh = loadContentIfAny(wanted);
     const std::vector<std::string> foreign = foreignLines(options, *target, old, fresh);
     if (!foreign.empty() && !options.otherCamera)
         throw Failure(Failure::Usage,

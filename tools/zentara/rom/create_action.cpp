@@ -18,8 +18,9 @@ constexpr std::uint64_t usualFileSize = 0x10000;
 
 /// Every section that stands anywhere in the file or the camera, wherever its header is: whatever the new area is, the
 /// old header is not found any more.
-RomContent contentThatGoes(WriteOptions options, bool isNewFile, const FlashImage& before, Console& console) {
-    RomContent content = loadContentIfAny(before);
+FlashContent contentThatGoes(WriteOptions options, bool isNewFile, const FlashImage& before,
+                             Console& console) {
+    FlashContent content = loadContentIfAny(before);
     if (isNewFile)
         return content;
     const auto addAll = [&content](const FlashImage& image) {

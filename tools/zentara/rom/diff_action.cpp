@@ -4,7 +4,7 @@
 
 #include <zentara/utils/format.h>
 
-#include "tools/zentara/rom/rehearsal.h"
+#include "host/flash/rehearsal.h"
 #include "tools/zentara/rom/rom_verbs.h"
 #include "tools/zentara/rom/rom_write.h"
 #include "tools/zentara/rom/text_lines.h"
@@ -16,15 +16,15 @@ struct DiffOptions : TargetOptions {
     std::string other;
 };
 
-RomContent contentOf(TargetOptions options, const std::string& image, Console& console) {
+FlashContent contentOfImage(TargetOptions options, const std::string& image, Console& console) {
     options.image = image;
     const auto target = RomTarget::open(options, console);
     return loadContent(target->load(), *target);
 }
 
 ExitCode runDiff(const DiffOptions& options, Console& console) {
-    const RomContent before = contentOf(options, options.image, console);
-    const RomContent after = contentOf(options, options.other, console);
+    const FlashContent before = contentOfImage(options, options.image, console);
+    const FlashContent after = contentOfImage(options, options.other, console);
     Json changes = Json::array();
     for (const ContentChange& change : changesBetween(before, after)) {
         changes.push_back(change.json());

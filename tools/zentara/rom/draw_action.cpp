@@ -6,9 +6,9 @@
 
 #include <zentara/utils/format.h>
 
+#include "host/flash/correction_tables.h"
 #include "host/pictures/canvas.h"
 #include "host/pictures/color_map.h"
-#include "tools/zentara/rom/correction_tables.h"
 #include "tools/zentara/rom/rom_verbs.h"
 #include "tools/zentara/rom/rom_write.h"
 #include "tools/zentara/rom/text_lines.h"

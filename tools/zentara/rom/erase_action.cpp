@@ -18,7 +18,7 @@ struct EraseOptions : WriteOptions {
 ExitCode runErase(const EraseOptions& options, Console& console) {
     const auto target = RomTarget::openToWrite(options, options.dryRun, console);
     const FlashImage before = target->load();
-    RomContent wanted = loadContent(before, *target);
+    FlashContent wanted = loadContent(before, *target);
     if (wanted.erase(options.uid) == 0)
         throw Failure(Failure::Failed,
                       Utils::Format("%: Cannot erase section - % is not a valid section uid") %

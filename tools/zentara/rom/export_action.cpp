@@ -3,8 +3,8 @@
 
 #include <CLI/CLI.hpp>
 
-#include "tools/zentara/rom/rom_json.h"
-#include "tools/zentara/rom/rom_survey.h"
+#include "host/flash/content_json.h"
+#include "host/flash/flash_survey.h"
 #include "tools/zentara/rom/rom_verbs.h"
 #include "tools/zentara/rom/rom_write.h"
 
@@ -31,7 +31,7 @@ ExitCode runExport(const ExportOptions& options, Console& console) {
         told.update({{"file", options.file}, {"sections", json["sections"].size()}});
         print(console.out, told);
     }
-    const RomSurvey survey(image);
+    const FlashSurvey survey(image);
     if (const Finding* fault = survey.structuralFault())
         note(console, target->name() + " is damaged, this is what can be read of it: " + fault->text);
     return Failure::None;

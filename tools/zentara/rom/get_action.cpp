@@ -4,7 +4,7 @@
 
 #include <zentara/utils/format.h>
 
-#include "tools/zentara/rom/rom_json.h"
+#include "host/flash/content_json.h"
 #include "tools/zentara/rom/rom_verbs.h"
 #include "tools/zentara/rom/rom_write.h"
 
@@ -20,7 +20,7 @@ struct GetOptions : TargetOptions {
 
 ExitCode runGet(const GetOptions& options, Console& console) {
     const auto target = RomTarget::open(options, console);
-    const RomContent content = loadContent(target->load(), *target);
+    const FlashContent content = loadContent(target->load(), *target);
     const auto found = content.find(options.uid);
     if (found == content.end())
         throw Failure(Failure::Failed,

@@ -2,7 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "tools/zentara/rom/rom_json.h"
+#include "host/flash/content_json.h"
 #include "tools/zentara/rom/rom_verbs.h"
 #include "tools/zentara/rom/rom_write.h"
 
@@ -14,19 +14,19 @@ struct ImportOptions : WriteOptions {
     bool keepReadOnly = false;
 };
 
-RomContent contentFromFile(const std::string& file) {
+FlashContent contentFromFile(const std::string& file) {
     try {
         return contentFromJson(parseJson(loadFile(file)));
-    } catch (const RomJsonError& failure) {
+    } catch (const JsonPlaceError& failure) {
         throw Failure(Failure::Failed, "'" + file + "': " + failure.what());
     }
 }
 
 ExitCode runImport(const ImportOptions& options, Console& console) {
-    RomContent wanted = contentFromFile(options.file);
+    FlashContent wanted = contentFromFile(options.file);
     const auto target = RomTarget::openToWrite(options, options.dryRun, console);
     const FlashImage before = target->load();
-    const RomContent old = loadContentIfAny(before);
+    const FlashContent old = loadContentIfAny(before);
     for (const std::uint16_t uid :
          options.keepReadOnly ? readOnlyConflicts(old, wanted) : std::vector<std::uint16_t>()) {
         wanted[uid] = old.at(uid);

@@ -6,8 +6,8 @@
 #include <zentara/rom/section.h>
 #include <zentara/utils/format.h>
 
-#include "tools/zentara/rom/correction_tables.h"
-#include "tools/zentara/rom/rom_survey.h"
+#include "host/flash/correction_tables.h"
+#include "host/flash/flash_survey.h"
 #include "tools/zentara/rom/rom_target.h"
 #include "tools/zentara/rom/rom_verbs.h"
 #include "tools/zentara/rom/text_lines.h"
@@ -50,7 +50,7 @@ Json sectionJson(const SurveyedBlock& block) {
             {"dataCrc", section.dataCrc}};
 }
 
-Json surveyJson(const RomSurvey& survey, const FlashArea& area) {
+Json surveyJson(const FlashSurvey& survey, const FlashArea& area) {
     Json json{{"area", {{"start", area.start}, {"size", area.size}, {"headerAtStart", area.headerAtStart}}}};
     if (survey.header())
         json["header"] = headerJson(*survey.header(), area);
@@ -67,7 +67,7 @@ Json surveyJson(const RomSurvey& survey, const FlashArea& area) {
     return json;
 }
 
-void printHeader(const RomSurvey& survey, const FlashArea& area, std::ostream& out) {
+void printHeader(const FlashSurvey& survey, const FlashArea& area, std::ostream& out) {
     const SurveyedHeader& header = *survey.header();
     const FreeSpace& room = survey.freeSpace();
     printLine(out, Format("management header  0x%{:x8}, version %, readers from %, CRC 0x%{:x4}") %
@@ -94,7 +94,7 @@ void printSection(const SurveyedBlock& block, std::ostream& out) {
         << '\n';
 }
 
-void printSurvey(const RomSurvey& survey, const FlashArea& area, std::ostream& out) {
+void printSurvey(const FlashSurvey& survey, const FlashArea& area, std::ostream& out) {
     if (survey.header())
         printHeader(survey, area, out);
     else
@@ -108,7 +108,7 @@ void printSurvey(const RomSurvey& survey, const FlashArea& area, std::ostream& o
 ExitCode runInfo(const TargetOptions& options, Console& console) {
     const auto target = RomTarget::open(options, console);
     const FlashImage image = target->load();
-    const RomSurvey survey(image);
+    const FlashSurvey survey(image);
     const std::vector<CorrectionFile> corrections = correctionsOf(loadedSections(survey));
     if (options.json) {
         Json json = target->beginJson();

@@ -5,7 +5,7 @@
 
 #include <zentara/rom/section.h>
 
-#include "tools/zentara/rom/correction_tables.h"
+#include "host/flash/correction_tables.h"
 #include "tools/zentara/rom/rom_verbs.h"
 #include "tools/zentara/rom/rom_write.h"
 #include "tools/zentara/text_columns.h"
@@ -13,16 +13,16 @@
 namespace Zentara::Tool {
 namespace {
 
-bool isWritable(const RomSection& section) { return (section.flags & ROM::Section::FLAG_WRITABLE) != 0; }
+bool isWritable(const FlashSection& section) { return (section.flags & ROM::Section::FLAG_WRITABLE) != 0; }
 
-void printSection(std::uint16_t uid, const RomSection& section, std::ostream& out) {
+void printSection(std::uint16_t uid, const FlashSection& section, std::ostream& out) {
     out << std::right << std::setw(5) << uid << "  " << padded(sectionTypeText(section.type), 30)
         << padded(isWritable(section) ? "writable" : "read-only", 11) << section.data.size() << '\n';
 }
 
 ExitCode runList(const TargetOptions& options, Console& console) {
     const auto target = RomTarget::open(options, console);
-    const RomContent content = loadContent(target->load(), *target);
+    const FlashContent content = loadContent(target->load(), *target);
     const std::vector<CorrectionFile> corrections = correctionsOf(content);
     if (!options.json) {
         for (const auto& [uid, section] : content)

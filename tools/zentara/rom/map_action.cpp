@@ -4,7 +4,7 @@
 
 #include <zentara/utils/format.h>
 
-#include "tools/zentara/rom/flash_map.h"
+#include "host/flash/flash_map.h"
 #include "tools/zentara/rom/rom_verbs.h"
 #include "tools/zentara/rom/rom_write.h"
 
@@ -31,7 +31,7 @@ Json regionsJson(const FlashMap& map) {
 ExitCode runMap(const MapOptions& options, Console& console) {
     const auto target = RomTarget::open(options, console);
     const FlashImage image = target->load();
-    const FlashMap map(image, RomSurvey(image));
+    const FlashMap map(image, FlashSurvey(image));
     const std::string title = Utils::Format("Flash of %: % bytes at 0x%{:x8}") % target->name() %
                               image.area().size % image.area().start;
     if (!options.svgFile.empty())

@@ -15,8 +15,8 @@
 #include "host/files/file_failure.h"
 #include "host/files/paths.h"
 #include "host/files/pending_file.h"
+#include "host/flash/camera_flash.h"
 #include "tools/zentara/interrupt.h"
-#include "tools/zentara/rom/camera_flash.h"
 
 namespace Zentara::Tool {
 namespace {

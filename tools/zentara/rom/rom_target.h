@@ -7,8 +7,8 @@
 
 #include <zentara/version.h>
 
+#include "host/flash/flash_image.h"
 #include "tools/zentara/chips/chip_session.h"
-#include "tools/zentara/rom/flash_image.h"
 
 namespace Zentara::Tool {
 

@@ -11,9 +11,9 @@
 
 #include "host/files/paths.h"
 #include "host/files/pending_file.h"
+#include "host/flash/content_json.h"
+#include "host/flash/flash_survey.h"
 #include "tools/zentara/json_output.h"
-#include "tools/zentara/rom/rom_json.h"
-#include "tools/zentara/rom/rom_survey.h"
 #include "tools/zentara/rom/text_lines.h"
 #include "utils/platform/program.h"
 
@@ -54,9 +54,9 @@ bool holdsStorage(const FlashImage& image) {
 }
 
 /// What a rebuild gives up because no link leads to it, or because it cannot be read.
-std::vector<std::string> givenUp(const FlashImage& before, const RomContent& wanted) {
+std::vector<std::string> givenUp(const FlashImage& before, const FlashContent& wanted) {
     std::vector<std::string> texts;
-    const RomSurvey survey(before);
+    const FlashSurvey survey(before);
     const bool isEmpty = survey.blocks().empty() && survey.unreachable().empty();
     for (const Finding& finding : survey.findings())
         if (!isEmpty && finding.isFault && isStructural(finding.kind) &&
@@ -123,7 +123,7 @@ std::string serialOfBackup(const std::string& path) {
     try {
         const Json json = parseJson(loadFile(beside));
         return JsonPlace(json).at("camera").at("serial").text();
-    } catch (const RomJsonError& failure) {
+    } catch (const JsonPlaceError& failure) {
         throw Failure(Failure::Failed, "'" + beside + "' does not say whose backup it is: " + failure.what());
     }
 }
@@ -131,7 +131,7 @@ std::string serialOfBackup(const std::string& path) {
 std::string loadFile(const std::string& path) { return readFileHere(path, true); }
 
 /// The camera's own name, as its system info says it; empty when there is none.
-std::string guidOf(const RomContent& content) {
+std::string guidOf(const FlashContent& content) {
     for (const auto& [uid, section] : content) {
         if (section.type != static_cast<std::uint8_t>(ROM::ContainerSectionType::SystemInfo))
             continue;
@@ -143,7 +143,7 @@ std::string guidOf(const RomContent& content) {
     return {};
 }
 
-std::vector<std::string> foreignChanges(const RomContent& before, const RomContent& after) {
+std::vector<std::string> foreignChanges(const FlashContent& before, const FlashContent& after) {
     std::vector<std::string> lines;
     for (const std::uint16_t uid : readOnlyConflicts(before, after))
         lines.push_back("the read-only " + sectionText(uid, before.at(uid)) +
@@ -155,7 +155,7 @@ std::vector<std::string> foreignChanges(const RomContent& before, const RomConte
     return lines;
 }
 
-std::vector<std::uint16_t> readOnlyConflicts(const RomContent& before, const RomContent& wanted) {
+std::vector<std::uint16_t> readOnlyConflicts(const FlashContent& before, const FlashContent& wanted) {
     std::vector<std::uint16_t> uids;
     for (const auto& [uid, section] : before) {
         const auto place = wanted.find(uid);
@@ -166,14 +166,14 @@ std::vector<std::uint16_t> readOnlyConflicts(const RomContent& before, const Rom
     return uids;
 }
 
-RomContent loadContentIfAny(const FlashImage& image) {
+FlashContent loadContentIfAny(const FlashImage& image) {
     FlashImage copy = image;
     Storage storage(copy, copy.area());
     storage.container.initialize();
     return contentOf(storage.container);
 }
 
-RomContent loadContent(const FlashImage& image, const RomTarget& target) {
+FlashContent loadContent(const FlashImage& image, const RomTarget& target) {
     FlashImage copy = image;
     Storage storage(copy, copy.area());
     storage.container.initialize();
@@ -204,8 +204,8 @@ void addRebuildOption(CLI::App& command, WriteOptions& options) {
     command.add_flag("--rebuild", options.rebuild, "Write the whole content into a freshly formatted image");
 }
 
-ExitCode RomWriter::bringTo(const FlashImage& before, const RomContent& wanted, bool formats) {
-    const RomContent old = loadContentIfAny(before);
+ExitCode RomWriter::bringTo(const FlashImage& before, const FlashContent& wanted, bool formats) {
+    const FlashContent old = loadContentIfAny(before);
     if (const auto conflicts = readOnlyConflicts(old, wanted); !conflicts.empty()) {
         std::vector<std::string> reasons;
         for (const std::uint16_t uid : conflicts)
@@ -238,7 +238,7 @@ ExitCode RomWriter::bringTo(const FlashImage& before, const RomContent& wanted, 
     return write(before, plan);
 }
 
-void RomWriter::refuse(const FlashImage& before, const RomContent& wanted, const Rehearsal& rehearsal) {
+void RomWriter::refuse(const FlashImage& before, const FlashContent& wanted, const Rehearsal& rehearsal) {
     if (rehearsal.refusal) {
         const auto& [type, message] = *rehearsal.refusal;
         const bool wouldFit =
@@ -251,7 +251,7 @@ void RomWriter::refuse(const FlashImage& before, const RomContent& wanted, const
     if (!options.rebuild && rebuild(before, wanted).isGood())
         remedy =
             "--rebuild writes the content that can be read, with this change, into a freshly formatted image";
-    if (RomSurvey(before).isCutOff())
+    if (FlashSurvey(before).isCutOff())
         remedy += std::string(remedy.empty() ? "" : "; ") +
                   "'zentara rom salvage' finds whole sections that no link leads to, and changes nothing";
     throw Failure(Failure::Verification, target.name() + refusedText, {}, remedy, rehearsal.losses);
@@ -290,7 +290,7 @@ std::vector<std::string> RomWriter::wayBack(const FlashImage& before, const std:
     }
     if (options.hasStart || options.size != 0)
         command += Format(" --start % --size %") % before.area().start % before.area().size;
-    if (RomSurvey(before).isFaulty())
+    if (FlashSurvey(before).isFaulty())
         command += " --damaged";
     if (isForeign)
         command += " --other-camera";

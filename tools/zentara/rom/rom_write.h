@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/zentara/rom/rehearsal.h"
+#include "host/flash/rehearsal.h"
 #include "tools/zentara/rom/rom_target.h"
 
 namespace Zentara::Tool {
@@ -44,11 +44,12 @@ public:
     /// Brings the target to a content. A change of a read-only section is refused with exit code 5. One that would cost
     /// something else is refused with exit code 8, unless the content is to be rebuilt. \param formats  whether a
     /// target without a storage is formatted first.
-    [[nodiscard]] ExitCode bringTo(const FlashImage& before, const RomContent& wanted, bool formats);
+    [[nodiscard]] ExitCode bringTo(const FlashImage& before, const FlashContent& wanted, bool formats);
     [[nodiscard]] ExitCode write(const FlashImage& before, const PlannedWrite& plan);
 
 private:
-    [[noreturn]] void refuse(const FlashImage& before, const RomContent& wanted, const Rehearsal& rehearsal);
+    [[noreturn]] void refuse(const FlashImage& before, const FlashContent& wanted,
+                             const Rehearsal& rehearsal);
     [[nodiscard]] std::string backUp(const FlashImage& before) const;
     [[nodiscard]] std::vector<std::string> wayBack(const FlashImage& before, const std::string& backupFile,
                                                    bool isForeign) const;
@@ -74,15 +75,15 @@ void keepBackup(const RomTarget& source, const std::string& path, const FlashIma
 [[nodiscard]] std::string loadFile(const std::string& path);
 
 /// The sections that may not be changed, but would not be the same afterwards.
-[[nodiscard]] std::vector<std::uint16_t> readOnlyConflicts(const RomContent& before,
-                                                           const RomContent& wanted);
+[[nodiscard]] std::vector<std::uint16_t> readOnlyConflicts(const FlashContent& before,
+                                                           const FlashContent& wanted);
 
 /// What only another camera can have in its flash: read-only sections that are others, another GUID. One line each.
-[[nodiscard]] std::vector<std::string> foreignChanges(const RomContent& before, const RomContent& after);
+[[nodiscard]] std::vector<std::string> foreignChanges(const FlashContent& before, const FlashContent& after);
 
 /// What a fresh load of the image finds. \throws Failure with exit code 8 when it holds no storage.
-[[nodiscard]] RomContent loadContent(const FlashImage& image, const RomTarget& target);
+[[nodiscard]] FlashContent loadContent(const FlashImage& image, const RomTarget& target);
 /// The same, and nothing at all when it holds none.
-[[nodiscard]] RomContent loadContentIfAny(const FlashImage& image);
+[[nodiscard]] FlashContent loadContentIfAny(const FlashImage& image);
 
 } // namespace Zentara::Tool

@@ -4,7 +4,7 @@
 
 #include <zentara/utils/format.h>
 
-#include "tools/zentara/rom/rom_survey.h"
+#include "host/flash/flash_survey.h"
 #include "tools/zentara/rom/rom_verbs.h"
 #include "tools/zentara/rom/rom_write.h"
 #include "tools/zentara/rom/text_lines.h"
@@ -19,7 +19,7 @@ struct SalvageOptions : TargetOptions {
 /// What was found, and a line about each piece. A section that the chain leads to goes before one that it
 /// does not; of several of those with one uid the one nearest to the header's end of the area counts.
 struct Salvage {
-    RomContent content;
+    FlashContent content;
     std::vector<std::string> lines;
 
     void add(const SurveyedSection& section, const char* how) {
@@ -33,7 +33,7 @@ struct Salvage {
     }
 };
 
-Salvage salvageFrom(const RomSurvey& survey) {
+Salvage salvageFrom(const FlashSurvey& survey) {
     Salvage salvage;
     for (auto block = survey.blocks().rbegin(); block != survey.blocks().rend(); ++block)
         if (block->section)
@@ -46,7 +46,7 @@ Salvage salvageFrom(const RomSurvey& survey) {
 ExitCode runSalvage(const SalvageOptions& options, Console& console) {
     const auto target = RomTarget::open(options, console);
     const FlashImage image = target->load();
-    const RomSurvey survey(image);
+    const FlashSurvey survey(image);
     const Salvage salvage = salvageFrom(survey);
     for (const std::string& line : salvage.lines)
         tellLine(console.err, line);

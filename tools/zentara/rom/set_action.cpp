@@ -5,7 +5,7 @@
 #include <zentara/rom/section.h>
 #include <zentara/utils/format.h>
 
-#include "tools/zentara/rom/rom_json.h"
+#include "host/flash/content_json.h"
 #include "tools/zentara/rom/rom_verbs.h"
 #include "tools/zentara/rom/rom_write.h"
 
@@ -21,7 +21,7 @@ struct SetOptions : WriteOptions {
     bool readOnly = false;
 };
 
-RomSection fromJsonFile(const SetOptions& options) {
+FlashSection fromJsonFile(const SetOptions& options) {
     try {
         const Json document = parseJson(loadFile(options.jsonFile));
         const JsonPlace root(document);
@@ -31,7 +31,7 @@ RomSection fromJsonFile(const SetOptions& options) {
         if (uid != options.uid)
             place.at("uid").fail(Utils::Format("it is section %, not %") % uid % options.uid);
         return section;
-    } catch (const RomJsonError& failure) {
+    } catch (const JsonPlaceError& failure) {
         throw Failure(Failure::Failed, "'" + options.jsonFile + "': " + failure.what());
     }
 }
@@ -58,10 +58,10 @@ Bytes rawBytes(const SetOptions& options) {
 }
 
 /// The section of before gives what the options leave out.
-RomSection sectionFrom(const SetOptions& options, const RomContent& content) {
+FlashSection sectionFrom(const SetOptions& options, const FlashContent& content) {
     if (!options.jsonFile.empty())
         return fromJsonFile(options);
-    RomSection section;
+    FlashSection section;
     const auto old = content.find(options.uid);
     if (options.type.empty() && old == content.end())
         throw Failure(Failure::Usage, "a new section needs --type");
@@ -76,8 +76,8 @@ RomSection sectionFrom(const SetOptions& options, const RomContent& content) {
 ExitCode runSet(const SetOptions& options, Console& console) {
     const auto target = RomTarget::openToWrite(options, options.dryRun, console);
     const FlashImage before = target->load();
-    RomContent wanted = loadContentIfAny(before);
-    const RomSection section = sectionFrom(options, wanted);
+    FlashContent wanted = loadContentIfAny(before);
+    const FlashSection section = sectionFrom(options, wanted);
     wanted[options.uid] = section;
     return RomWriter(options, *target, console).bringTo(before, wanted, false);
 }

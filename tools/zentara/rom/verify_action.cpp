@@ -4,7 +4,7 @@
 
 #include <zentara/utils/format.h>
 
-#include "tools/zentara/rom/rom_survey.h"
+#include "host/flash/flash_survey.h"
 #include "tools/zentara/rom/rom_target.h"
 #include "tools/zentara/rom/rom_verbs.h"
 #include "tools/zentara/rom/text_lines.h"
@@ -12,7 +12,7 @@
 namespace Zentara::Tool {
 namespace {
 
-void printJson(const RomSurvey& survey, const RomTarget& target, std::ostream& out) {
+void printJson(const FlashSurvey& survey, const RomTarget& target, std::ostream& out) {
     Json json = target.beginJson();
     json.update({{"faulty", survey.isFaulty()}, {"findings", Json::array()}});
     for (const Finding& finding : survey.findings())
@@ -23,7 +23,7 @@ void printJson(const RomSurvey& survey, const RomTarget& target, std::ostream& o
     print(out, json);
 }
 
-void printText(const RomSurvey& survey, std::ostream& out) {
+void printText(const FlashSurvey& survey, std::ostream& out) {
     for (const Finding& finding : survey.findings())
         printLine(out, Utils::Format("0x%{:x8}  %  %: %") % finding.address %
                            (finding.isFault ? "WRONG" : "note ") % findingKindName(finding.kind) %
@@ -39,7 +39,7 @@ void printText(const RomSurvey& survey, std::ostream& out) {
 ExitCode runVerify(const TargetOptions& options, Console& console) {
     const auto target = RomTarget::open(options, console);
     const FlashImage image = target->load();
-    const RomSurvey survey(image);
+    const FlashSurvey survey(image);
     if (options.json)
         printJson(survey, *target, console.out);
     else

@@ -1,11 +1,11 @@
-#include "tools/zentara/rom/rom_json.h"
+#include "host/flash/content_json.h"
 
 #include <set>
 #include <vector>
 
-#include "tools/zentara/rom/rom_record.h"
+#include "host/flash/records.h"
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 namespace {
 
 constexpr const char* kindOfDocument = "rom content";
@@ -29,7 +29,7 @@ std::optional<Json> wholeFields(const RecordLayout& layout, const RawRecord& rec
     try {
         if (encodeFields(layout, JsonPlace(*fields)) == record.data)
             return fields;
-    } catch (const RomJsonError&) { // a number that JSON does not have
+    } catch (const JsonPlaceError&) { // a number that JSON does not have
     }
     return std::nullopt;
 }
@@ -115,7 +115,7 @@ private:
     void seeKey(const std::string& key) {
         open.back().key = key;
         if (!open.back().keys.insert(key).second)
-            throw RomJsonError(path() + ": the key stands twice in one object");
+            throw JsonPlaceError(path() + ": the key stands twice in one object");
     }
     void seeEnd(bool isLevel) {
         if (isLevel)
@@ -135,7 +135,7 @@ private:
 
 } // namespace
 
-Json sectionToJson(std::uint16_t uid, const RomSection& section) {
+Json sectionToJson(std::uint16_t uid, const FlashSection& section) {
     Json json{{"uid", uid}};
     const char* typeName = sectionTypeName(section.type);
     if (!typeName) {
@@ -153,8 +153,8 @@ Json sectionToJson(std::uint16_t uid, const RomSection& section) {
     return json;
 }
 
-Json contentToJson(const RomContent& content) {
-    Json json{{"schema", romJsonSchema}, {"kind", kindOfDocument}, {"sections", Json::array()}};
+Json contentToJson(const FlashContent& content) {
+    Json json{{"schema", contentSchema}, {"kind", kindOfDocument}, {"sections", Json::array()}};
     for (const auto& [uid, section] : content)
         json["sections"].push_back(sectionToJson(uid, section));
     return json;
@@ -169,30 +169,30 @@ Json parseJson(const std::string& text) {
     try {
         return Json::parse(text, watch);
     } catch (const Json::exception& failure) {
-        throw RomJsonError(failure.what());
+        throw JsonPlaceError(failure.what());
     }
 }
 
-std::pair<std::uint16_t, RomSection> sectionFromJson(const JsonPlace& place) {
+std::pair<std::uint16_t, FlashSection> sectionFromJson(const JsonPlace& place) {
     const auto uid = static_cast<std::uint16_t>(place.at("uid").number(1, 0xFFFF));
-    RomSection section;
+    FlashSection section;
     section.type = typeFromJson(place.at("type"));
     section.flags = static_cast<std::uint8_t>(place.at("flags").number(0, 0xFF));
     section.data = dataFromJson(section.type, place);
     return {uid, std::move(section)};
 }
 
-RomContent contentFromJson(const Json& document) {
+FlashContent contentFromJson(const Json& document) {
     const JsonPlace root(document);
     root.allow({"schema", "kind", "sections"});
-    static_cast<void>(root.at("schema").number(romJsonSchema, romJsonSchema));
+    static_cast<void>(root.at("schema").number(contentSchema, contentSchema));
     if (root.at("kind").text() != kindOfDocument)
         root.at("kind").fail(std::string("expected \"") + kindOfDocument + "\"");
-    RomContent content;
+    FlashContent content;
     for (const JsonPlace& place : root.at("sections").items())
         if (!content.insert(sectionFromJson(place)).second)
             place.at("uid").fail("the uid stands twice");
     return content;
 }
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

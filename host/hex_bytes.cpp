@@ -1,8 +1,8 @@
-#include "tools/zentara/rom/hex_bytes.h"
+#include "host/hex_bytes.h"
 
 #include <charconv>
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 std::string toHex(std::span<const std::uint8_t> bytes) {
     constexpr const char* digits = "0123456789abcdef";
@@ -28,4 +28,4 @@ std::optional<Bytes> fromHex(const std::string& text) {
     return bytes;
 }
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

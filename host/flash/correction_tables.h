@@ -4,11 +4,11 @@
 #include <string>
 #include <vector>
 
-#include "tools/zentara/json_output.h"
-#include "tools/zentara/rom/rom_content.h"
-#include "tools/zentara/rom/rom_survey.h"
+#include "host/flash/flash_content.h"
+#include "host/flash/flash_survey.h"
+#include "host/json.h"
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 /// The correction table of one modulation frequency.
 struct CorrectionTable {
@@ -35,12 +35,12 @@ struct CorrectionFile {
 };
 
 /// The sections that the chain leads to.
-[[nodiscard]] RomContent loadedSections(const RomSurvey& survey);
+[[nodiscard]] FlashContent loadedSections(const FlashSurvey& survey);
 
 /// Those of distortion correction, read by the library.
-[[nodiscard]] std::vector<CorrectionFile> correctionsOf(const RomContent& content);
+[[nodiscard]] std::vector<CorrectionFile> correctionsOf(const FlashContent& content);
 
 [[nodiscard]] Json correctionsJson(const std::vector<CorrectionFile>& corrections);
 [[nodiscard]] std::string correctionText(const CorrectionFile& correction);
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

@@ -7,11 +7,11 @@
 #include <utility>
 #include <vector>
 
-#include "tools/zentara/rom/flash_image.h"
-#include "tools/zentara/rom/rom_content.h"
-#include "tools/zentara/rom/stretch_checksums.h"
+#include "host/flash/flash_content.h"
+#include "host/flash/flash_image.h"
+#include "host/flash/stretch_checksums.h"
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 enum class FindingKind {
     AreaTooSmall,
@@ -63,7 +63,7 @@ struct SurveyedHeader {
 struct SurveyedSection {
     std::uint32_t address = 0; ///< of its first byte
     std::uint16_t uid = 0;
-    RomSection content;
+    FlashSection content;
     std::uint16_t headerCrc = 0;
     std::uint16_t dataCrc = 0;
 };
@@ -88,9 +88,9 @@ struct FreeSpace {
 
 /// Walks a flash image byte by byte, with code of its own rather than the library's, and names everything
 /// that is wrong with it. Reads nothing outside the image, and ends soon on every image.
-class RomSurvey {
+class FlashSurvey {
 public:
-    explicit RomSurvey(const FlashImage& image);
+    explicit FlashSurvey(const FlashImage& image);
 
     /// Nothing when the bytes are no management header that a storage can be loaded with.
     [[nodiscard]] const std::optional<SurveyedHeader>& header() const { return managementHeader; }
@@ -151,4 +151,4 @@ private:
     bool isChainBroken = false;
 };
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

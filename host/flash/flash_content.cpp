@@ -1,11 +1,11 @@
-#include "tools/zentara/rom/rom_content.h"
+#include "host/flash/flash_content.h"
 
 #include <array>
 
 #include <zentara/rom/section.h>
 #include <zentara/utils/format.h>
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 namespace {
 
 constexpr std::array<const char*, 6> typeNames{nullptr,         "systemInfo", "systemCalibration",
@@ -13,8 +13,8 @@ constexpr std::array<const char*, 6> typeNames{nullptr,         "systemInfo", "s
 
 } // namespace
 
-RomContent contentOf(ROM::Container& container) {
-    RomContent content;
+FlashContent contentOf(ROM::Container& container) {
+    FlashContent content;
     for (const std::uint16_t uid : container.getSectionUIDs()) {
         const ROM::Section& section = *container.getSection(uid);
         content[uid] = {static_cast<std::uint8_t>(section.getSectionType()), section.getFlags(),
@@ -39,9 +39,9 @@ std::string sectionTypeText(std::uint8_t type) {
     return name ? name : "type " + std::to_string(type);
 }
 
-std::string sectionText(std::uint16_t uid, const RomSection& section) {
+std::string sectionText(std::uint16_t uid, const FlashSection& section) {
     return Utils::Format("section % (%, % bytes)") % uid % sectionTypeText(section.type) %
            static_cast<unsigned long long>(section.data.size());
 }
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

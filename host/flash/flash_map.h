@@ -4,10 +4,10 @@
 #include <string>
 #include <vector>
 
+#include "host/flash/flash_survey.h"
 #include "host/pictures/color_map.h"
-#include "tools/zentara/rom/rom_survey.h"
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 /// What a stretch of flash is used for. Of two that share bytes the one named later is drawn.
 enum class RegionKind { Free, Slack, Remains, Header, Container, Section, Damaged };
@@ -23,7 +23,7 @@ struct Region {
 /// A flash area as a picture: rows of equal pieces of flash, from the top, each piece as what stands in it.
 class FlashMap {
 public:
-    FlashMap(const FlashImage& image, const RomSurvey& survey);
+    FlashMap(const FlashImage& image, const FlashSurvey& survey);
 
     /// In ascending order of the addresses, those of several bytes first.
     [[nodiscard]] const std::vector<Region>& regions() const { return all; }
@@ -47,4 +47,4 @@ private:
     std::vector<Region> all;
 };
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

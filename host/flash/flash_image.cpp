@@ -1,4 +1,4 @@
-#include "tools/zentara/rom/flash_image.h"
+#include "host/flash/flash_image.h"
 
 #include <algorithm>
 #include <utility>
@@ -7,7 +7,7 @@
 #include <zentara/rom/chunked_memory_management_header.h>
 #include <zentara/utils/format.h>
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 namespace {
 
 constexpr std::uint8_t ERASED = 0xFF;
@@ -78,4 +78,4 @@ std::vector<FlashWrite> differences(const FlashImage& before, const FlashImage& 
     return writes;
 }
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

@@ -1,9 +1,9 @@
-#include "tools/zentara/rom/camera_flash.h"
+#include "host/flash/camera_flash.h"
 
 #include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/utils/format.h>
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 namespace {
 
 /// The controllers know 16-bit addresses; a greater one would come out somewhere else.
@@ -27,4 +27,4 @@ void CameraFlash::write(std::uint32_t address, const std::vector<std::uint8_t>& 
         chip.writeConfiguration(address, bytes);
 }
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

@@ -7,11 +7,11 @@
 #include <zentara/rom/section.h>
 #include <zentara/utils/crc.h>
 
+#include "host/flash/flash_survey.h"
+#include "host/flash/rehearsal.h"
 #include "support/stride.h"
-#include "tools/zentara/rom/rehearsal.h"
-#include "tools/zentara/rom/rom_survey.h"
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 namespace {
 
 using testing::ElementsAre;
@@ -19,12 +19,12 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 
 /// An image that a test builds with the library and then damages.
-class RomSurveyTest : public testing::Test {
+class FlashSurveyTest : public testing::Test {
 protected:
     static constexpr std::uint32_t firstBlock = 100 + 17;
     static constexpr std::uint32_t chunk = 64;
 
-    RomSurveyTest() {
+    FlashSurveyTest() {
         Storage storage(image, image.area());
         storage.container.initialize();
         storage.container.initializeRom();
@@ -60,7 +60,7 @@ protected:
 
     [[nodiscard]] std::vector<std::pair<FindingKind, std::uint32_t>> faults() const {
         std::vector<std::pair<FindingKind, std::uint32_t>> list;
-        const RomSurvey survey(image);
+        const FlashSurvey survey(image);
         for (const Finding& finding : survey.findings())
             if (finding.isFault)
                 list.emplace_back(finding.kind, finding.address);
@@ -70,16 +70,16 @@ protected:
     FlashImage image{FlashArea{100, 1024, chunk, true}};
 };
 
-TEST_F(RomSurveyTest, FindsNothingWrongWithWhatTheLibraryWrites) {
+TEST_F(FlashSurveyTest, FindsNothingWrongWithWhatTheLibraryWrites) {
     EXPECT_THAT(faults(), IsEmpty());
-    const RomSurvey survey(image);
+    const FlashSurvey survey(image);
     EXPECT_THAT(survey.findings(), IsEmpty());
     ASSERT_EQ(survey.blocks().size(), 4U);
     EXPECT_EQ(survey.blocks()[2].section->uid, 2);
     EXPECT_EQ(survey.freeSpace().gaps.size(), 1U);
 
     change([](ROM::Container& container) { container.erase(2); });
-    const RomSurvey erased(image);
+    const FlashSurvey erased(image);
     EXPECT_FALSE(erased.isFaulty());
     ASSERT_EQ(erased.unreachable().size(), 1U) << "what was erased is still there";
     EXPECT_EQ(erased.unreachable()[0].address, section(2));
@@ -87,7 +87,7 @@ TEST_F(RomSurveyTest, FindsNothingWrongWithWhatTheLibraryWrites) {
 }
 
 /// The library uses all the room that the survey counts, and no more.
-TEST_F(RomSurveyTest, CountsTheRoomThatTheLibraryUses) {
+TEST_F(FlashSurveyTest, CountsTheRoomThatTheLibraryUses) {
     for (const FlashArea& area : {FlashArea{100, 1024, chunk, true}, FlashArea{0, 1000, chunk, true},
                                   FlashArea{100, 1024, chunk, false}}) {
         SCOPED_TRACE(area.start);
@@ -95,16 +95,16 @@ TEST_F(RomSurveyTest, CountsTheRoomThatTheLibraryUses) {
         Storage storage(flash, area);
         storage.container.initialize();
         storage.container.initializeRom();
-        for (std::uint16_t uid = 1; const std::uint64_t room = RomSurvey(flash).freeSpace().bytes; ++uid) {
+        for (std::uint16_t uid = 1; const std::uint64_t room = FlashSurvey(flash).freeSpace().bytes; ++uid) {
             storage.container.set(uid, ROM::ContainerSectionType::Diagnostic, 1, Bytes(10, 1));
-            ASSERT_EQ(RomSurvey(flash).freeSpace().bytes, room - chunk);
+            ASSERT_EQ(FlashSurvey(flash).freeSpace().bytes, room - chunk);
         }
         EXPECT_THROW(storage.container.set(999, ROM::ContainerSectionType::Diagnostic, 1, Bytes(10, 1)),
                      Plugin::IOPluginException);
     }
 }
 
-TEST_F(RomSurveyTest, NamesEachDamageWithItsPlace) {
+TEST_F(FlashSurveyTest, NamesEachDamageWithItsPlace) {
     using Kind = FindingKind;
     using Faults = std::vector<std::pair<FindingKind, std::uint32_t>>;
     const FlashImage whole = image;
@@ -206,10 +206,10 @@ TEST_F(RomSurveyTest, NamesEachDamageWithItsPlace) {
     }
 }
 
-TEST_F(RomSurveyTest, NotesWhatIsUnusualWithoutCallingItWrong) {
+TEST_F(FlashSurveyTest, NotesWhatIsUnusualWithoutCallingItWrong) {
     set(2, 99, {1, 2, 3});
     set(3, 4, fromHex("6301060000002002080000000506").value());
-    const RomSurvey survey(image);
+    const FlashSurvey survey(image);
     EXPECT_FALSE(survey.isFaulty());
     std::vector<FindingKind> kinds;
     for (const Finding& finding : survey.findings())
@@ -219,7 +219,7 @@ TEST_F(RomSurveyTest, NotesWhatIsUnusualWithoutCallingItWrong) {
 }
 
 /// Each header claims all that follows: to check them one by one would take the square of the image.
-TEST(RomSurveyTimeTest, EndsSoonWhereEveryHeaderClaimsTheRest) {
+TEST(FlashSurveyTimeTest, EndsSoonWhereEveryHeaderClaimsTheRest) {
     constexpr std::uint32_t size = 8U << 20;
     Bytes headers;
     while (headers.size() + 32 < size) {
@@ -238,11 +238,11 @@ TEST(RomSurveyTimeTest, EndsSoonWhereEveryHeaderClaimsTheRest) {
         headers.insert(headers.end(), header.begin(), header.end());
     }
     headers.resize(size);
-    EXPECT_TRUE(RomSurvey(FlashImage({0, size, 256, true}, headers)).isFaulty());
+    EXPECT_TRUE(FlashSurvey(FlashImage({0, size, 256, true}, headers)).isFaulty());
 }
 
 /// Blocks inside one another are followed as far as the library follows them.
-TEST(RomSurveyTimeTest, CutsAChainThatClaimsTheAreaOverAndOver) {
+TEST(FlashSurveyTimeTest, CutsAChainThatClaimsTheAreaOverAndOver) {
     constexpr std::uint32_t size = 4096;
     FlashImage image({0, size, 16, true});
     const auto put = [&](std::uint32_t address, Bytes bytes) {
@@ -257,7 +257,7 @@ TEST(RomSurveyTimeTest, CutsAChainThatClaimsTheAreaOverAndOver) {
         put(at, {0, 0, high(size - at), low(size - at), 0, 0, high(at + 20), low(at + 20)});
     image.write(27, {1, 1});
     put(27, {1, 1});
-    const RomSurvey survey(image);
+    const FlashSurvey survey(image);
     Storage storage(image, image.area());
     storage.container.initialize();
     EXPECT_EQ(survey.blocks().size(), storage.manager.getBlockMap().size());
@@ -283,7 +283,7 @@ TEST(StretchChecksumsTest, GivesTheChecksumOfEveryStretch) {
 }
 
 /// Whatever the bytes are, the survey ends, and agrees with the library about what can be read.
-TEST_F(RomSurveyTest, EndsOnEveryImageAndSeesWhatTheLibrarySees) {
+TEST_F(FlashSurveyTest, EndsOnEveryImageAndSeesWhatTheLibrarySees) {
     std::mt19937 random(7);
     const FlashImage whole = image;
     for (int round = 0; round < 3000 / static_cast<int>(TestSupport::stride); ++round) {
@@ -293,7 +293,7 @@ TEST_F(RomSurveyTest, EndsOnEveryImageAndSeesWhatTheLibrarySees) {
         if (random() % 2)
             for (unsigned i = 0; i < 4; ++i)
                 seal(block(i), 8);
-        const RomSurvey survey(image);
+        const FlashSurvey survey(image);
         Storage storage(image, image.area());
         storage.container.initialize();
         if (!survey.isFaulty()) {
@@ -305,7 +305,7 @@ TEST_F(RomSurveyTest, EndsOnEveryImageAndSeesWhatTheLibrarySees) {
         const Bytes& bytes = whole.bytes();
         const FlashImage cut(FlashArea{100, size, chunk, true},
                              Bytes(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size)));
-        EXPECT_TRUE(RomSurvey(cut).isFaulty()) << size;
+        EXPECT_TRUE(FlashSurvey(cut).isFaulty()) << size;
     }
 }
 
@@ -315,7 +315,7 @@ TEST(RehearsalTest, RefusesWhatWouldCostANeighbour) {
     Storage storage(image, image.area());
     storage.container.initialize();
     storage.container.initializeRom();
-    RomContent wanted{{1, {4, 1, Bytes(600, 1)}}};
+    FlashContent wanted{{1, {4, 1, Bytes(600, 1)}}};
     const Rehearsal first = rehearse(image, wanted, false);
     ASSERT_TRUE(first.isGood());
     wanted[2] = {4, 1, Bytes(300, 2)};
@@ -336,7 +336,7 @@ TEST(RehearsalTest, RefusesWhatWouldCostANeighbour) {
 
 TEST(RehearsalTest, RefusesToGrowABlockOverTheNextOne) {
     FlashImage image(FlashArea{0, 8192, 256, true});
-    RomContent content{{1, {4, 1, Bytes(256 - 10 - 13, 1)}}, {2, {4, 1, Bytes(10, 2)}}};
+    FlashContent content{{1, {4, 1, Bytes(256 - 10 - 13, 1)}}, {2, {4, 1, Bytes(10, 2)}}};
     const Rehearsal built = rehearse(image, content, true);
     ASSERT_TRUE(built.isGood());
     content[1].data.push_back(1);
@@ -346,4 +346,4 @@ TEST(RehearsalTest, RefusesToGrowABlockOverTheNextOne) {
 }
 
 } // namespace
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

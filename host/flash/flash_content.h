@@ -7,24 +7,24 @@
 
 #include <zentara/rom/container.h>
 
-#include "tools/zentara/rom/hex_bytes.h"
+#include "host/hex_bytes.h"
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 /// One section, without the place where it lies.
-struct RomSection {
+struct FlashSection {
     std::uint8_t type = 0;
     std::uint8_t flags = 0;
     Bytes data;
 
-    bool operator==(const RomSection&) const = default;
+    bool operator==(const FlashSection&) const = default;
 };
 
 /// Everything that a storage holds, by uid.
-using RomContent = std::map<std::uint16_t, RomSection>;
+using FlashContent = std::map<std::uint16_t, FlashSection>;
 
 /// What a container has loaded.
-[[nodiscard]] RomContent contentOf(ROM::Container& container);
+[[nodiscard]] FlashContent contentOf(ROM::Container& container);
 
 /// "systemInfo" for 1 and so on; nothing for a type without a name.
 [[nodiscard]] const char* sectionTypeName(std::uint8_t type) noexcept;
@@ -33,6 +33,6 @@ using RomContent = std::map<std::uint16_t, RomSection>;
 [[nodiscard]] std::string sectionTypeText(std::uint8_t type);
 
 /// "section 3 (configuration, 39 bytes)"
-[[nodiscard]] std::string sectionText(std::uint16_t uid, const RomSection& section);
+[[nodiscard]] std::string sectionText(std::uint16_t uid, const FlashSection& section);
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

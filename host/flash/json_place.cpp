@@ -1,4 +1,4 @@
-#include "tools/zentara/rom/json_place.h"
+#include "host/flash/json_place.h"
 
 #include <algorithm>
 #include <cmath>
@@ -6,10 +6,10 @@
 
 #include <zentara/utils/format.h>
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 void JsonPlace::fail(const std::string& reason) const {
-    throw RomJsonError((path.empty() ? "/" : path) + ": " + reason);
+    throw JsonPlaceError((path.empty() ? "/" : path) + ": " + reason);
 }
 
 void JsonPlace::checkObject() const {
@@ -83,4 +83,4 @@ Bytes JsonPlace::hex() const {
     return *std::move(bytes);
 }
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

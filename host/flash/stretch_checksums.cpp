@@ -1,10 +1,10 @@
-#include "tools/zentara/rom/stretch_checksums.h"
+#include "host/flash/stretch_checksums.h"
 
 #include <bit>
 
 #include <zentara/utils/crc.h>
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 StretchChecksums::StretchChecksums(std::span<const std::uint8_t> bytes) {
     before.reserve(bytes.size() + 1);
@@ -40,4 +40,4 @@ std::uint16_t StretchChecksums::of(std::size_t offset, std::size_t length) const
     return static_cast<std::uint16_t>(before[offset + length] ^ front);
 }
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

@@ -1,4 +1,4 @@
-#include "tools/zentara/rom/rom_record.h"
+#include "host/flash/records.h"
 
 #include <algorithm>
 #include <cmath>
@@ -8,7 +8,7 @@
 #include "rom/big_endian_reader.h"
 #include "rom/big_endian_writer.h"
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 namespace {
 
 using Kind = RecordFieldKind;
@@ -221,4 +221,4 @@ Bytes encodeFields(const RecordLayout& layout, const JsonPlace& fields) {
     return writer.take();
 }
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

@@ -1,4 +1,4 @@
-#include "tools/zentara/rom/rehearsal.h"
+#include "host/flash/rehearsal.h"
 
 #include <algorithm>
 #include <sstream>
@@ -6,19 +6,20 @@
 #include <zentara/rom/section.h>
 #include <zentara/utils/format.h>
 
-#include "tools/zentara/rom/rom_json.h"
-#include "tools/zentara/rom/rom_survey.h"
+#include "host/flash/content_json.h"
+#include "host/flash/flash_survey.h"
+#include "host/json_differences.h"
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 namespace {
 
 using ROM::ContainerSectionType;
 
-void apply(ROM::Container& container, const RomContent& wanted) {
+void apply(ROM::Container& container, const FlashContent& wanted) {
     for (const auto& [uid, section] : contentOf(container))
         if (wanted.count(uid) == 0)
             container.erase(uid);
-    const RomContent before = contentOf(container);
+    const FlashContent before = contentOf(container);
     for (const auto& [uid, section] : wanted) {
         const auto found = before.find(uid);
         if (found == before.end() || !(found->second == section))
@@ -27,13 +28,13 @@ void apply(ROM::Container& container, const RomContent& wanted) {
 }
 
 /// What is missing or other than wanted once a copy is loaded afresh.
-std::vector<std::string> lossesOf(FlashImage& image, const RomContent& wanted) {
+std::vector<std::string> lossesOf(FlashImage& image, const FlashContent& wanted) {
     std::vector<std::string> losses;
     Storage storage(image, image.area());
     storage.container.initialize();
     if (!storage.container.romInitialized())
         losses.emplace_back("the container header would be lost, and every section with it");
-    const RomContent found = contentOf(storage.container);
+    const FlashContent found = contentOf(storage.container);
     for (const auto& [uid, section] : wanted) {
         const auto place = found.find(uid);
         if (place == found.end())
@@ -44,13 +45,13 @@ std::vector<std::string> lossesOf(FlashImage& image, const RomContent& wanted) {
     for (const auto& [uid, section] : found)
         if (wanted.count(uid) == 0)
             losses.push_back(sectionText(uid, section) + " would appear");
-    const RomSurvey survey(image);
+    const FlashSurvey survey(image);
     if (const Finding* fault = survey.structuralFault(); fault && losses.empty())
         losses.push_back(fault->text);
     return losses;
 }
 
-void attemptChange(Rehearsal& rehearsal, const RomContent& wanted, bool formats) try {
+void attemptChange(Rehearsal& rehearsal, const FlashContent& wanted, bool formats) try {
     Storage storage(rehearsal.image, rehearsal.image.area());
     storage.container.initialize();
     if (formats)
@@ -62,7 +63,7 @@ void attemptChange(Rehearsal& rehearsal, const RomContent& wanted, bool formats)
 
 /// Sections that need one chunk come first: with the header at the end the lowest block's chunks are counted
 /// in place of the first one's, so that only the last block may have several.
-std::vector<std::uint16_t> bySize(const RomContent& content) {
+std::vector<std::uint16_t> bySize(const FlashContent& content) {
     std::vector<std::uint16_t> uids;
     for (const auto& [uid, section] : content)
         uids.push_back(uid);
@@ -72,12 +73,12 @@ std::vector<std::uint16_t> bySize(const RomContent& content) {
     return uids;
 }
 
-void fill(Rehearsal& rehearsal, const RomContent& wanted) try {
+void fill(Rehearsal& rehearsal, const FlashContent& wanted) try {
     Storage storage(rehearsal.image, rehearsal.image.area());
     storage.container.initialize();
     storage.container.initializeRom();
     for (const std::uint16_t uid : bySize(wanted)) {
-        const RomSection& section = wanted.at(uid);
+        const FlashSection& section = wanted.at(uid);
         storage.container.set(uid, static_cast<ContainerSectionType>(section.type), section.flags,
                               section.data);
     }
@@ -101,7 +102,7 @@ Json ContentChange::json() const {
     return {{"uid", uid}, {"kind", kindNames[static_cast<int>(kind)]}, {"text", text}, {"values", values}};
 }
 
-std::vector<ContentChange> changesBetween(const RomContent& before, const RomContent& after) {
+std::vector<ContentChange> changesBetween(const FlashContent& before, const FlashContent& after) {
     std::vector<ContentChange> changes;
     for (const auto& [uid, section] : before)
         if (after.count(uid) == 0)
@@ -124,9 +125,9 @@ std::vector<ContentChange> changesBetween(const RomContent& before, const RomCon
     return changes;
 }
 
-Rehearsal rehearse(const FlashImage& before, const RomContent& wanted, bool formats) {
+Rehearsal rehearse(const FlashImage& before, const FlashContent& wanted, bool formats) {
     Rehearsal rehearsal{before, {}, {}, {}};
-    const RomSurvey survey(before);
+    const FlashSurvey survey(before);
     const Finding* fault = survey.structuralFault();
     const bool isEmpty =
         fault && survey.unreachable().empty() &&
@@ -146,8 +147,8 @@ Rehearsal rehearse(const FlashImage& before, const RomContent& wanted, bool form
     return rehearsal;
 }
 
-Rehearsal rebuild(const FlashImage& before, const RomContent& wanted) {
-    const RomSurvey survey(before);
+Rehearsal rebuild(const FlashImage& before, const FlashContent& wanted) {
+    const FlashSurvey survey(before);
     FlashArea area = before.area();
     if (survey.header())
         area.chunkSize = survey.header()->chunkSize;
@@ -164,4 +165,4 @@ Rehearsal rebuild(const FlashImage& before, const RomContent& wanted) {
     }
 }
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

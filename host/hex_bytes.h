@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 using Bytes = std::vector<std::uint8_t>;
 
@@ -15,4 +15,4 @@ using Bytes = std::vector<std::uint8_t>;
 /// The bytes of such a text, in either case; nothing for an odd number of digits or another character.
 [[nodiscard]] std::optional<Bytes> fromHex(const std::string& text);
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

@@ -1,4 +1,4 @@
-#include "tools/zentara/rom/flash_map.h"
+#include "host/flash/flash_map.h"
 
 #include <algorithm>
 #include <set>
@@ -8,10 +8,10 @@
 #include <zentara/rom/section.h>
 #include <zentara/utils/format.h>
 
+#include "host/float_text.h"
 #include "host/pictures/canvas.h"
-#include "tools/zentara/rom/text_lines.h"
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 namespace {
 
 using Utils::Format;
@@ -78,7 +78,7 @@ char characterOf(const Region* region) {
 
 } // namespace
 
-FlashMap::FlashMap(const FlashImage& image, const RomSurvey& survey) : area(image.area()) {
+FlashMap::FlashMap(const FlashImage& image, const FlashSurvey& survey) : area(image.area()) {
     if (area.size >= ROM::ChunkedMemoryManagementHeader::SIZE)
         add(survey.header() ? RegionKind::Header : RegionKind::Damaged, area.headerAddress(),
             ROM::ChunkedMemoryManagementHeader::SIZE,
@@ -238,7 +238,6 @@ std::string FlashMap::svg(const std::string& title) const {
 std::string FlashMap::png(const std::string& title) const {
     const std::size_t rows = std::clamp<std::size_t>(area.size / (COLUMNS * 16), 1, MOST_ROWS);
     const std::vector<const Region*> shown = cells(rows * COLUMNS);
-    constexpr Rgb black{0, 0, 0};
     constexpr int line = Canvas::textHeight + 6;
     constexpr int margin = 12;
     const int left = margin + Canvas::textWidth("0x00000000") + margin;
@@ -279,4 +278,4 @@ std::string FlashMap::png(const std::string& title) const {
     return canvas.png();
 }
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

@@ -3,7 +3,7 @@
 #include <zentara/io/camera_chip.h>
 #include <zentara/rom/accessor.h>
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 /// A camera's flash through its controller. The chip must outlive it. Throws what the chip throws.
 class CameraFlash final : public ROM::Accessor {
@@ -17,4 +17,4 @@ private:
     IO::CameraChip& chip;
 };
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

@@ -8,9 +8,9 @@
 #include <zentara/rom/chunked_memory_manager.h>
 #include <zentara/rom/container.h>
 
-#include "tools/zentara/rom/hex_bytes.h"
+#include "host/hex_bytes.h"
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 /// Where a storage lies on a flash. Its end is at most 2^32.
 struct FlashArea {
@@ -70,4 +70,4 @@ struct Storage {
     ROM::Container container;
 };
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

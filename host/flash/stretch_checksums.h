@@ -6,7 +6,7 @@
 #include <span>
 #include <vector>
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 /// The CRC-16 of any stretch of some bytes. They are gone through once; after that a stretch costs a few dozen
 /// steps, however long it is. So a flash full of headers that each claim the whole rest is checked as fast as
@@ -27,4 +27,4 @@ private:
     std::vector<Passage> passages;     ///< of 1, 2, 4, 8... zero bytes
 };
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

@@ -1,4 +1,4 @@
-#include "tools/zentara/rom/rom_survey.h"
+#include "host/flash/flash_survey.h"
 
 #include <algorithm>
 #include <array>
@@ -11,10 +11,10 @@
 #include <zentara/rom/section.h>
 #include <zentara/utils/format.h>
 
+#include "host/flash/records.h"
 #include "rom/big_endian_reader.h"
-#include "tools/zentara/rom/rom_record.h"
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 namespace {
 
 using ROM::BigEndianReader;
@@ -75,7 +75,7 @@ const char* findingKindName(FindingKind kind) noexcept {
     return names[static_cast<std::size_t>(kind)];
 }
 
-RomSurvey::RomSurvey(const FlashImage& surveyed) : image(surveyed), checksums(surveyed.bytes()) {
+FlashSurvey::FlashSurvey(const FlashImage& surveyed) : image(surveyed), checksums(surveyed.bytes()) {
     readHeader();
     if (managementHeader) {
         walkChain();
@@ -86,30 +86,30 @@ RomSurvey::RomSurvey(const FlashImage& surveyed) : image(surveyed), checksums(su
     findUnreachable();
 }
 
-bool RomSurvey::isFaulty() const {
+bool FlashSurvey::isFaulty() const {
     return std::any_of(found.begin(), found.end(), [](const Finding& finding) { return finding.isFault; });
 }
 
-const Finding* RomSurvey::structuralFault() const {
+const Finding* FlashSurvey::structuralFault() const {
     const auto first = std::find_if(found.begin(), found.end(), [](const Finding& finding) {
         return finding.isFault && isStructural(finding.kind);
     });
     return first == found.end() ? nullptr : &*first;
 }
 
-View RomSurvey::at(std::uint64_t address, std::uint64_t length) const {
+View FlashSurvey::at(std::uint64_t address, std::uint64_t length) const {
     return View(image.bytes()).subspan(address - image.area().start, length);
 }
 
-std::uint16_t RomSurvey::crcOf(std::uint64_t address, std::uint64_t length) const {
+std::uint16_t FlashSurvey::crcOf(std::uint64_t address, std::uint64_t length) const {
     return checksums.of(address - image.area().start, length);
 }
 
-void RomSurvey::add(FindingKind kind, std::uint32_t address, bool isFault, std::string text) {
+void FlashSurvey::add(FindingKind kind, std::uint32_t address, bool isFault, std::string text) {
     found.push_back({kind, address, isFault, std::move(text)});
 }
 
-void RomSurvey::readHeader() {
+void FlashSurvey::readHeader() {
     const FlashArea& area = image.area();
     if (area.size < HEADER_SIZE)
         return fault(FindingKind::AreaTooSmall, area.start,
@@ -130,7 +130,7 @@ void RomSurvey::readHeader() {
         managementHeader = read;
 }
 
-bool RomSurvey::checkHeader(const SurveyedHeader& read, std::uint16_t computed) {
+bool FlashSurvey::checkHeader(const SurveyedHeader& read, std::uint16_t computed) {
     std::string reason;
     if (read.strategy != ROM::ChunkedMemoryManagementHeader::STRATEGY)
         reason = Format("the management header has strategy %, not 1") % unsigned{read.strategy};
@@ -154,7 +154,7 @@ bool RomSurvey::checkHeader(const SurveyedHeader& read, std::uint16_t computed) 
     return true;
 }
 
-void RomSurvey::walkChain() {
+void FlashSurvey::walkChain() {
     std::set<std::uint32_t> seen;
     std::uint64_t claimed = 0;
     bool isLost = false; // what stands in a block, though the links lead past it
@@ -187,7 +187,7 @@ void RomSurvey::walkChain() {
     isChainBroken = isLost;
 }
 
-std::optional<SurveyedBlock> RomSurvey::readBlock(std::uint32_t address) {
+std::optional<SurveyedBlock> FlashSurvey::readBlock(std::uint32_t address) {
     const std::uint32_t linkedFrom = chain.empty() ? image.area().headerAddress() : chain.back().address;
     if (!image.area().holds(address, BLOCK_HEADER_SIZE)) {
         fault(FindingKind::LinkOutside, linkedFrom, "the link to " + hex(address) + " leaves the area");
@@ -222,7 +222,7 @@ std::optional<SurveyedBlock> RomSurvey::readBlock(std::uint32_t address) {
     return std::nullopt;
 }
 
-void RomSurvey::readContainerHeader(SurveyedBlock& block) {
+void FlashSurvey::readContainerHeader(SurveyedBlock& block) {
     if (block.isOutside)
         return;
     const View bytes = at(block.address, block.allocatedSize).subspan(BLOCK_HEADER_SIZE);
@@ -244,8 +244,8 @@ void RomSurvey::readContainerHeader(SurveyedBlock& block) {
 }
 
 /// Why the bytes are no whole section, and whether it is the data that is wrong; nothing when they are one.
-std::optional<RomSurvey::SectionFault> RomSurvey::sectionFault(std::uint64_t address,
-                                                               std::uint64_t length) const {
+std::optional<FlashSurvey::SectionFault> FlashSurvey::sectionFault(std::uint64_t address,
+                                                                   std::uint64_t length) const {
     if (length < ROM::Section::MIN_SIZE)
         return SectionFault{FindingKind::SectionHeader, Format("% bytes are too few for a section") %
                                                             static_cast<unsigned long long>(length)};
@@ -271,7 +271,7 @@ std::optional<RomSurvey::SectionFault> RomSurvey::sectionFault(std::uint64_t add
 }
 
 /// Only where there is no fault.
-SurveyedSection RomSurvey::wholeSection(std::uint64_t address) const {
+SurveyedSection FlashSurvey::wholeSection(std::uint64_t address) const {
     const SectionHeader header = sectionHeader(at(address, DATA_OFFSET));
     const View data = at(address + DATA_OFFSET, header.length - ROM::Section::MIN_SIZE);
     return {static_cast<std::uint32_t>(address),
@@ -281,7 +281,7 @@ SurveyedSection RomSurvey::wholeSection(std::uint64_t address) const {
             bigEndian16(at(address + header.length - CRC_SIZE, CRC_SIZE))};
 }
 
-void RomSurvey::readSection(SurveyedBlock& block) {
+void FlashSurvey::readSection(SurveyedBlock& block) {
     if (block.isOutside)
         return;
     const std::uint32_t address = block.address + BLOCK_HEADER_SIZE;
@@ -291,7 +291,7 @@ void RomSurvey::readSection(SurveyedBlock& block) {
     checkRecords(*block.section);
 }
 
-void RomSurvey::checkRecords(const SurveyedSection& section) {
+void FlashSurvey::checkRecords(const SurveyedSection& section) {
     const std::string name = "section " + std::to_string(section.uid);
     if (section.uid == 0)
         fault(FindingKind::ZeroUid, section.address, "a section has the uid 0, which cannot be written");
@@ -320,7 +320,7 @@ void RomSurvey::checkRecords(const SurveyedSection& section) {
                   static_cast<unsigned long long>(split.trailing.size()));
 }
 
-void RomSurvey::checkUids() {
+void FlashSurvey::checkUids() {
     std::map<std::uint16_t, std::uint32_t> places;
     for (const SurveyedBlock& block : chain) {
         if (!block.section)
@@ -333,7 +333,7 @@ void RomSurvey::checkUids() {
     }
 }
 
-void RomSurvey::checkOverlaps() {
+void FlashSurvey::checkOverlaps() {
     struct Range {
         std::uint64_t begin, end, chunksEnd;
         const char* name;
@@ -363,7 +363,7 @@ void RomSurvey::checkOverlaps() {
     }
 }
 
-void RomSurvey::measureFreeSpace() {
+void FlashSurvey::measureFreeSpace() {
     const FlashArea& area = image.area();
     std::vector<std::pair<std::uint64_t, std::uint64_t>> taken;
     for (const SurveyedBlock& block : chain)
@@ -385,14 +385,14 @@ void RomSurvey::measureFreeSpace() {
     }
 }
 
-bool RomSurvey::isWholeSection(std::uint64_t address) const {
+bool FlashSurvey::isWholeSection(std::uint64_t address) const {
     const std::uint64_t end = image.area().end();
     return address < end && at(address, 1)[0] == ROM::Section::SECTION_MARKER &&
            !sectionFault(address, end - address);
 }
 
 /// A block header where no link leads. One in front of a whole section goes without saying.
-void RomSurvey::noteOrphan(std::uint64_t address, bool isCut) {
+void FlashSurvey::noteOrphan(std::uint64_t address, bool isCut) {
     if (!image.area().holds(address, BLOCK_HEADER_SIZE) || isWholeSection(address + BLOCK_HEADER_SIZE))
         return;
     BigEndianReader reader(at(address, BLOCK_HEADER_SIZE));
@@ -405,7 +405,7 @@ void RomSurvey::noteOrphan(std::uint64_t address, bool isCut) {
         Format("no link leads to the block of % bytes, and it holds no whole section") % size);
 }
 
-void RomSurvey::findUnreachable() {
+void FlashSurvey::findUnreachable() {
     std::map<std::uint64_t, std::uint64_t> reached; // first byte and end of each section that a link leads to
     std::set<std::uint64_t> linked;
     for (const SurveyedBlock& block : chain) {
@@ -433,4 +433,4 @@ void RomSurvey::findUnreachable() {
     }
 }
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

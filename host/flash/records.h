@@ -5,11 +5,11 @@
 #include <span>
 #include <vector>
 
-#include "tools/zentara/json_output.h"
-#include "tools/zentara/rom/hex_bytes.h"
-#include "tools/zentara/rom/json_place.h"
+#include "host/flash/json_place.h"
+#include "host/hex_bytes.h"
+#include "host/json.h"
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 /// The pieces of a record's data. Numbers are big-endian.
 enum class RecordFieldKind {
@@ -63,7 +63,7 @@ void appendRecord(Bytes& data, const RawRecord& record);
 
 /// The fields of a record; nothing when the data is too short for them. Surplus data is left out.
 [[nodiscard]] std::optional<Json> decodeFields(const RecordLayout& layout, const Bytes& data);
-/// The data of a record. \throws RomJsonError naming the field that is missing, surplus or wrong.
+/// The data of a record. \throws JsonPlaceError naming the field that is missing, surplus or wrong.
 [[nodiscard]] Bytes encodeFields(const RecordLayout& layout, const JsonPlace& fields);
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

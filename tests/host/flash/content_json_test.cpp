@@ -8,20 +8,20 @@
 #include <zentara/rom/system_calibration.h>
 #include <zentara/rom/system_info.h>
 
-#include "tools/zentara/rom/rom_json.h"
-#include "tools/zentara/rom/rom_record.h"
+#include "host/flash/content_json.h"
+#include "host/flash/records.h"
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 namespace {
 
 using testing::HasSubstr;
 
-RomSection sectionOf(const ROM::Object& object) {
+FlashSection sectionOf(const ROM::Object& object) {
     return {static_cast<std::uint8_t>(object.getType()), ROM::Section::FLAG_WRITABLE, object.serialize()};
 }
 
 /// Through the text, as a file holds it.
-RomContent passedOn(const RomContent& content) {
+FlashContent passedOn(const FlashContent& content) {
     return contentFromJson(parseJson(contentToJson(content).dump(2)));
 }
 
@@ -56,9 +56,9 @@ TEST(RomJson, NamesTheFieldsThatTheLibraryWrites) {
                          {"record":"correctionTable","modulationFrequency":30,"values":"01fe"}])"},
     };
     for (const auto& row : rows) {
-        const RomSection section = sectionOf(row.object);
+        const FlashSection section = sectionOf(row.object);
         EXPECT_EQ(sectionToJson(9, section)["records"].dump(), Json::parse(row.records).dump());
-        EXPECT_EQ(passedOn({{9, section}}), (RomContent{{9, section}}));
+        EXPECT_EQ(passedOn({{9, section}}), (FlashContent{{9, section}}));
     }
 }
 
@@ -89,9 +89,9 @@ TEST(RomJson, KeepsWhatFieldsCannotSayAsHexadecimalDigits) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
-        const RomSection section{row.type, 0, fromHex(row.data).value()};
+        const FlashSection section{row.type, 0, fromHex(row.data).value()};
         EXPECT_THAT(sectionToJson(1, section).dump(), HasSubstr(row.json));
-        EXPECT_EQ(passedOn({{1, section}}), (RomContent{{1, section}}));
+        EXPECT_EQ(passedOn({{1, section}}), (FlashContent{{1, section}}));
     }
 }
 
@@ -110,7 +110,7 @@ TEST(RomJson, LosesNothingOfAnyBytes) {
         }
         if (random() % 4 == 0)
             data.resize(data.size() + random() % 9, static_cast<std::uint8_t>(random()));
-        const RomContent content{
+        const FlashContent content{
             {static_cast<std::uint16_t>(random() % 65535 + 1),
              {static_cast<std::uint8_t>(random() % 7), static_cast<std::uint8_t>(random()), data}}};
         ASSERT_EQ(passedOn(content), content) << contentToJson(content).dump(2);
@@ -168,11 +168,11 @@ TEST(RomJson, NamesTheFieldThatIsWrong) {
         try {
             static_cast<void>(contentFromJson(parseJson(row.text)));
             ADD_FAILURE() << "accepted";
-        } catch (const RomJsonError& failure) {
+        } catch (const JsonPlaceError& failure) {
             EXPECT_THAT(failure.what(), HasSubstr(row.message));
         }
     }
 }
 
 } // namespace
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

@@ -6,11 +6,11 @@
 
 #include <zentara/plugin/plugin_exceptions.h>
 
-#include "tools/zentara/json_output.h"
-#include "tools/zentara/rom/flash_image.h"
-#include "tools/zentara/rom/rom_content.h"
+#include "host/flash/flash_content.h"
+#include "host/flash/flash_image.h"
+#include "host/json.h"
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 /// One section that a change adds, replaces or erases.
 struct ContentChange {
@@ -24,7 +24,8 @@ struct ContentChange {
     [[nodiscard]] std::vector<std::string> lines() const;
     [[nodiscard]] Json json() const;
 };
-[[nodiscard]] std::vector<ContentChange> changesBetween(const RomContent& before, const RomContent& after);
+[[nodiscard]] std::vector<ContentChange> changesBetween(const FlashContent& before,
+                                                        const FlashContent& after);
 
 /// What came of a change that was tried on a copy in memory.
 struct Rehearsal {
@@ -45,10 +46,10 @@ struct Rehearsal {
 /// then writes what differs in ascending order of the uids. Then the copy is loaded afresh and verified
 /// whole: its content is exactly the wanted one, and no header, link or place is wrong.
 /// \param formats  whether an image that holds no storage yet is formatted first.
-[[nodiscard]] Rehearsal rehearse(const FlashImage& before, const RomContent& wanted, bool formats);
+[[nodiscard]] Rehearsal rehearse(const FlashImage& before, const FlashContent& wanted, bool formats);
 
 /// The wanted content in a freshly formatted copy of the same area, verified in the same way. Some sizes
 /// cannot stand together in some chunk sizes; then a larger chunk size is tried.
-[[nodiscard]] Rehearsal rebuild(const FlashImage& before, const RomContent& wanted);
+[[nodiscard]] Rehearsal rebuild(const FlashImage& before, const FlashContent& wanted);
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

@@ -1,4 +1,4 @@
-#include "tools/zentara/rom/correction_tables.h"
+#include "host/flash/correction_tables.h"
 
 #include <algorithm>
 #include <chrono>
@@ -9,10 +9,10 @@
 #include <zentara/rom/rom.h>
 #include <zentara/utils/format.h>
 
-#include "tools/zentara/rom/flash_image.h"
-#include "tools/zentara/rom/text_lines.h"
+#include "host/flash/flash_image.h"
+#include "host/float_text.h"
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 namespace {
 
 using ROM::GradientDistortionCorrection;
@@ -22,7 +22,7 @@ constexpr std::uint8_t correctionType =
     static_cast<std::uint8_t>(ROM::ContainerSectionType::GradientDistortionCorrection);
 
 /// Reads one section as an object with the library's own reader.
-std::unique_ptr<ROM::Object> objectOf(const RomSection& section) {
+std::unique_ptr<ROM::Object> objectOf(const FlashSection& section) {
     constexpr std::size_t overhead = 1024; // headers of the area, the blocks and the section
     FlashArea area;
     area.size = static_cast<std::uint32_t>(section.data.size() + overhead);
@@ -83,15 +83,15 @@ CorrectionTable::Statistics CorrectionTable::statistics() const {
     return result;
 }
 
-RomContent loadedSections(const RomSurvey& survey) {
-    RomContent content;
+FlashContent loadedSections(const FlashSurvey& survey) {
+    FlashContent content;
     for (const SurveyedBlock& block : survey.blocks())
         if (block.section)
             content[block.section->uid] = block.section->content; // of two with one uid the later one counts
     return content;
 }
 
-std::vector<CorrectionFile> correctionsOf(const RomContent& content) {
+std::vector<CorrectionFile> correctionsOf(const FlashContent& content) {
     std::vector<CorrectionFile> corrections;
     for (const auto& [uid, section] : content) {
         if (section.type != correctionType)
@@ -142,4 +142,4 @@ std::string correctionText(const CorrectionFile& correction) {
     return text;
 }
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

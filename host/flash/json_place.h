@@ -7,18 +7,18 @@
 #include <utility>
 #include <vector>
 
-#include "tools/zentara/json_output.h"
-#include "tools/zentara/rom/hex_bytes.h"
+#include "host/hex_bytes.h"
+#include "host/json.h"
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 /// What is wrong with a JSON text, and where: "/sections/2/uid: expected a number from 1 to 65535".
-class RomJsonError : public std::runtime_error {
+class JsonPlaceError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
 /// A value inside a JSON document together with the path to it. A view: the document must outlive it. Every
-/// question whose answer is not there throws RomJsonError with the path.
+/// question whose answer is not there throws JsonPlaceError with the path.
 class JsonPlace {
 public:
     explicit JsonPlace(const Json& document) : JsonPlace(document, "") {}
@@ -46,4 +46,4 @@ private:
     std::string path;
 };
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host
