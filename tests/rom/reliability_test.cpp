@@ -296,18 +296,13 @@ private:
     }
 };
 
-TEST_P(FaultWalk, AnyReadMayFail) {
-    std::size_t n = 0;
-    while (run(n, true))
-        ++n;
-    EXPECT_EQ(13u, n);
-}
-
-TEST_P(FaultWalk, AnyWriteMayFail) {
-    std::size_t n = 0;
-    while (run(n, false))
-        ++n;
-    EXPECT_EQ(13u, n);
+TEST_P(FaultWalk, AnyTransferMayFail) {
+    for (const bool inRead : {true, false}) {
+        std::size_t n = 0;
+        while (run(n, inRead))
+            ++n;
+        EXPECT_EQ(13u, n);
+    }
 }
 
 TEST_P(FaultWalk, AnyReadOfAMountMayFail) {

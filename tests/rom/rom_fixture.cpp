@@ -38,9 +38,6 @@ void RomTest::use(const Area& newArea) {
     written.clear();
 }
 
-void RomTest::formatMemory() { manager->initializeRom(); }
-void RomTest::mountMemory() { manager->initialize(); }
-
 std::uint32_t RomTest::writeBlock(const Bytes& bytes) {
     const ROM::MemoryBlockHeader* fresh = manager->allocate(static_cast<std::uint32_t>(bytes.size()));
     if (!fresh)
@@ -55,20 +52,6 @@ std::vector<std::uint32_t> RomTest::chain() {
         addresses.push_back(BlockProbe(*at).getBlockOffset());
     return addresses;
 }
-
-const ROM::MemoryBlockHeader* RomTest::block(std::uint32_t address) {
-    return manager->getBlockMap().at(address);
-}
-std::uint32_t RomTest::allocatedSize(std::uint32_t address) {
-    return BlockProbe(*block(address)).getAllocatedSize();
-}
-
-void RomTest::format() {
-    container->initialize();
-    container->initializeRom();
-}
-
-void RomTest::mount() { container->initialize(); }
 
 void RomTest::write(std::uint16_t uid, const Bytes& data, std::uint8_t flags) {
     container->set(uid, ROM::ContainerSectionType::Diagnostic, flags, data);

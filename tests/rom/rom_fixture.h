@@ -43,16 +43,18 @@ protected:
     void use(const Area& newArea);
 
     // On the manager alone
-    void formatMemory();
-    void mountMemory();
+    void formatMemory() { manager->initializeRom(); }
+    void mountMemory() { manager->initialize(); }
     std::uint32_t writeBlock(const Bytes& bytes); ///< allocates and writes; returns the address
     std::vector<std::uint32_t> chain();           ///< addresses as getNext() leads
-    const ROM::MemoryBlockHeader* block(std::uint32_t address);
-    std::uint32_t allocatedSize(std::uint32_t address);
+    const ROM::MemoryBlockHeader* block(std::uint32_t address) { return manager->getBlockMap().at(address); }
+    std::uint32_t allocatedSize(std::uint32_t address) {
+        return BlockProbe(*block(address)).getAllocatedSize();
+    }
 
     // On the container
-    void format();
-    void mount();
+    void format() { container->initialize(), container->initializeRom(); }
+    void mount() { container->initialize(); }
     void write(std::uint16_t uid, const Bytes& data, std::uint8_t flags = 1);
     /// "uid:length" of each section whose content is what write() gave it, else "uid:!".
     std::string readable();

@@ -12,8 +12,8 @@
 #include <zentara/node_event.h>
 #include <zentara/plugin/plugin_exceptions.h>
 
-#include "core/nodes/fixtures/guids.h"
 #include "core/nodes/record_store.h"
+#include "io/script.h"
 #include "support/failure.h"
 
 namespace Zentara {
@@ -98,6 +98,7 @@ protected:
         return !node.getAVDeviceProxy() && !node.getDescriptorStore() && !dataOf(node);
     }
 
+    Script script;
     RecordStore store;
     NodeEvent event;
     std::remove_pointer_t<decltype(dataOf(std::declval<Node&>()))> data;
@@ -116,7 +117,7 @@ TYPED_TEST(NodeTest, InitializeLinksTheDeviceThatTheStoreNames) {
     EXPECT_EQ(dataOf(this->node), &this->data);
     std::int64_t product = 0;
     int pathLength = 0;
-    EXPECT_EQ(this->node.readBuffer(nullptr, 0, &product, &pathLength), ReadBufferStatus_OK);
+    EXPECT_EQ(this->node.readBuffer(nullptr, 0, &product, &pathLength), 77) << "the device's own answer";
     EXPECT_EQ(product, 0x2000) << "the device has the store";
     EXPECT_EQ(pathLength, 8) << "the device has the event";
     this->node.dispose();
@@ -143,9 +144,12 @@ TYPED_TEST(NodeTest, FailedInitializeLeavesANodeThatCanBeDisposedOrInitializedAg
     this->store.deviceGuid = TestFixture::otherDevice;
     EXPECT_EQ(failure(initialize), "6: ImplType mismatch");
     this->store.deviceGuid = TestFixture::device;
-    this->event.path = "refused";
+    this->script.onCall = [](int slot, deviceRequest*) {
+        if (slot == 5)
+            throw Plugin::IOPluginException("no such device");
+    };
     EXPECT_EQ(failure(initialize), "4: no such device");
-    this->event.path = "camera/0";
+    this->script.onCall = [](int, deviceRequest*) {};
     this->initialize();
     this->node.dispose();
     EXPECT_TRUE(this->isUnlinked());

@@ -12,12 +12,14 @@
 #include <zentara/core/plugin_manager.h>
 #include <zentara/io/uvc_command_request.h>
 #include <zentara/io/video_device_proxy.h>
+#include <zentara/io/xu_device_requests.h>
 #include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/utils/environment_variable.h>
 #include <zentara/utils/format.h>
 
 #include "core/nodes/fixtures/back_end_script.h"
 #include "core/nodes/fixtures/guids.h"
+#include "io/script.h"
 #include "support/failure.h"
 
 namespace Testing {
@@ -675,11 +677,28 @@ TEST_F(ParameterInterpreterTest, CalibrationFailuresAreOfTheNotSupportedKind) {
 }
 
 TEST_F(ParameterInterpreterTest, ReachesTheExtensionUnitThroughAProxy) {
+    // Unit 3 keeps what is sent to it, with the selector behind it; any other fails.
+    Script script;
+    Bytes kept;
+    const auto check = [](unsigned unit) {
+        if (unit != 3)
+            throw Plugin::IOPluginException("stall");
+    };
+    script.onCall = [&](int, deviceRequest* request) {
+        if (const auto* const send = dynamic_cast<xuSendRequest*>(request)) {
+            check(send->getUnit());
+            const auto* const bytes = static_cast<const unsigned char*>(send->getData());
+            kept.assign(bytes, bytes + send->getLength());
+            kept.push_back(static_cast<unsigned char>(send->getControl()));
+        } else if (const auto* const receive = dynamic_cast<xuRecvRequest*>(request)) {
+            check(receive->getUnit());
+            std::memcpy(receive->getData(), kept.data(), receive->getLength());
+        }
+    };
     VideoDeviceProxy device(VIDEO_DEVICE, true);
     EXPECT_CALL(backEnd, initialize)
         .WillOnce([](int, void* context, Transfer* set, Transfer* get, const HardwareIDs* ids, auto) {
             EXPECT_EQ(ids->vendorId, 1U);
-            // The fixture device keeps what is sent to unit 3, with the selector behind it, and fails any other.
             unsigned char sent[] = {10, 20};
             unsigned char received[3] = {};
             EXPECT_EQ(set(context, 3, 77, sent, 2), success);

@@ -1,8 +1,9 @@
 // A plug-in whose factory does not make the device that it should: null, an exception, or another object.
-#include <zentara/core/plugin_exports.h>
+#include <zentara/core/plugin.h>
 #include <zentara/plugin/plugin_exceptions.h>
 
 #include "io/device_script.h"
+#include "support/plain_versions.h"
 
 namespace {
 
@@ -40,12 +41,4 @@ public:
 
 ZENTARA_PLUGIN_EXPORT GUID getImplGUID() { return identity; }
 ZENTARA_PLUGIN_EXPORT std::int32_t getImplType() { return Zentara::Core::ImplType_VIDEO_DEVICE; }
-ZENTARA_PLUGIN_EXPORT void getPluginVersion(std::int32_t*, std::int32_t*, std::int32_t*) {}
-ZENTARA_PLUGIN_EXPORT void getSDKVersion(std::int32_t* major_, std::int32_t* minor_, std::int32_t* patch_,
-                                         std::int32_t* build_) {
-    *major_ = ZENTARA_SDK_VERSION_MAJOR;
-    *minor_ = ZENTARA_SDK_VERSION_MINOR;
-    *patch_ = ZENTARA_SDK_VERSION_PATCH;
-    *build_ = ZENTARA_SDK_VERSION_BUILD;
-}
 ZENTARA_PLUGIN_EXPORT void* createInstance() { return static_cast<Zentara::Core::Plugin*>(BROKEN_RESULT); }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zentara/core/descriptor_store_ro.h>
 #include <zentara/io/streaming_requests.h>
 
 #include "io/device_script.h"
@@ -45,8 +46,9 @@ public:
     bool cancelIO() override { return script.cancel(); }
     Zentara::ReadBufferStatus readBuffer(void*, int size, std::int64_t* timestamp, int* length) override {
         script.called(9, nullptr);
-        *timestamp = 1234;
-        *length = size;
+        const auto* const store = this->getDescriptorStore();
+        *timestamp = store ? store->getNodeHardwareIDs().productId : 1234;
+        *length = size + static_cast<int>(this->getPath().size());
         return Zentara::ReadBufferStatus(77);
     }
     void open(Zentara::IO::deviceRequest* request) override { script.called(10, request); }
