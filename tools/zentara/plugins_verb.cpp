@@ -226,7 +226,7 @@ std::string nameOrDash(const GUID& guid) {
 void printRegistered(std::ostream& out, const std::vector<PluginProbe>& plugins) {
     std::size_t nameWidth = 4;
     for (const PluginProbe& probe : plugins)
-        nameWidth = std::max(nameWidth, guidName(probe.guid).size());
+        nameWidth = std::max(nameWidth, lettersOf(guidName(probe.guid)));
     const auto row = [&out, width = nameWidth + 2](const std::string& name, const std::string& guid,
                                                    const std::string& kind, const std::string& version,
                                                    const std::string& sdk, const std::string& path) {
