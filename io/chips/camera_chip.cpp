@@ -11,6 +11,7 @@
 #include "io/chips/bound_chip.h"
 #include "io/chips/modulation.h"
 #include "io/chips/ov0570_protocol.h"
+#include "io/chips/reached_chip.h"
 #include "io/chips/transfer_meaning.h"
 #include "io/chips/vc0258_protocol.h"
 #include "io/chips/vc0345_protocol.h"
@@ -104,19 +105,14 @@ constexpr unsigned vc0258Megahertz[] = {10, 30};
 
 // One row a controller; of those with one extension unit in common, detection asks from the top.
 const CameraChip::Row rows[] = {
-    {"OV0570", OV0570::unitGuid, OV0570::unit, 0, 0, OV0570::modulationCode, ov0570Megahertz,
-     bindChip<OV0570Chip>, ov0570Meaning},
-    {"VC0258", VC::unitGuid, VC::unit, VC0258::tunnelControl, VC0258::tunnelPacketBytes,
-     VC0258::modulationCode, vc0258Megahertz, bindChip<VC0258Chip>, vc0258Meaning},
-    {"VC0345",
-     VC::unitGuid,
-     VC::unit,
-     VC0345::tofControl,
-     VC0345::tofPacketBytes,
-     0,
-     {},
-     bindChip<VC0345Chip>,
-     vc0345Meaning},
+    // clang-format off
+    {"OV0570", 0x0570, OV0570::unitGuid, OV0570::unit, 0, 0,
+     OV0570::modulationCode, ov0570Megahertz, bindChip<OV0570Chip>, reachOV0570, ov0570Meaning},
+    {"VC0258", 0x0258, VC::unitGuid, VC::unit, VC0258::tunnelControl, VC0258::tunnelPacketBytes,
+     VC0258::modulationCode, vc0258Megahertz, bindChip<VC0258Chip>, reachVC0258, vc0258Meaning},
+    {"VC0345", 0x0345, VC::unitGuid, VC::unit, VC0345::tofControl, VC0345::tofPacketBytes,
+     0, {}, bindChip<VC0345Chip>, reachRegisters<VC0345Impl>, vc0345Meaning},
+    // clang-format on
 };
 
 const CameraChip::Row* findRow(const std::string& name) {
@@ -129,6 +125,23 @@ const CameraChip::Row* findRow(const std::string& name) {
             return &row;
     }
     return nullptr;
+}
+
+/// The first controller in the list; null when it holds none.
+const CameraChip::Row* listedRow(const HardwareVersionInternal& modules) {
+    for (const ModuleIdInternal& module : modules.modules) {
+        for (const CameraChip::Row& row : rows) {
+            if (module.productId == row.product)
+                return &row;
+        }
+    }
+    return nullptr;
+}
+
+const CameraChip::Row& requireRow(const std::string& name) {
+    if (const CameraChip::Row* const row = findRow(name))
+        return *row;
+    throw Plugin::NotSupportedPluginException(Utils::Format("no controller '%' is known") % name);
 }
 
 /// Null when the camera has not the chip's extension unit, or by a control of it another chip.
@@ -165,12 +178,33 @@ std::vector<std::string> CameraChip::names() {
     return names;
 }
 
+std::string CameraChip::knownName(const std::string& name) {
+    const Row* const row = findRow(name);
+    return row ? row->name : std::string();
+}
+
+std::uint32_t CameraChip::productOf(const std::string& name) { return requireRow(name).product; }
+
+std::string CameraChip::listedIn(const HardwareVersionInternal& modules) {
+    const Row* const row = listedRow(modules);
+    return row ? row->name : std::string();
+}
+
 std::unique_ptr<CameraChip> CameraChip::create(const std::string& name, VideoDeviceProxy& proxy,
                                                ChipListener listener) {
-    const Row* const row = findRow(name);
-    if (!row)
-        throw Plugin::NotSupportedPluginException(Utils::Format("no controller '%' is known") % name);
-    return row->bind(*row, proxy, std::move(listener));
+    const Row& row = requireRow(name);
+    return row.bind(row, proxy, std::move(listener));
+}
+
+std::unique_ptr<TofRegisters> TofRegisters::find(const HardwareVersionInternal& modules,
+                                                 const BackEndWay& way) {
+    if (const CameraChip::Row* const row = listedRow(modules))
+        return row->reach(way);
+    std::string known;
+    for (const CameraChip::Row& row : rows)
+        known += (known.empty() ? "" : ", ") + std::string(Utils::Format("0x%{:X4}") % row.product);
+    throw Plugin::NotSupportedPluginException("none of the camera's modules is a controller; known: " +
+                                              known);
 }
 
 std::unique_ptr<CameraChip> CameraChip::detect(VideoDeviceProxy& proxy, ChipListener listener) {

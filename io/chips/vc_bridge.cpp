@@ -47,6 +47,11 @@ void VCBridge::bring(unsigned setting, unsigned value) {
         write(setting, value);
 }
 
+void VCBridge::assume(unsigned setting, unsigned value) noexcept {
+    if (Setting* const known = settingAt(setting))
+        known->value = static_cast<int>(value);
+}
+
 void VCBridge::forget() noexcept {
     for (Setting& setting : settings)
         setting.value = unknown;

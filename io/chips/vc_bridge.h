@@ -22,6 +22,9 @@ public:
     /// Brings a setting to a value, without a transfer if it has it.
     void bring(unsigned setting, unsigned value);
 
+    /// Takes a setting to have a value, as a reading told it. Nothing is sent.
+    void assume(unsigned setting, unsigned value) noexcept;
+
     /// Makes the settings unknown, so that each is sent with its next use.
     void forget() noexcept;
 

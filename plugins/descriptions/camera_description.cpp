@@ -3,13 +3,14 @@
 #include <algorithm>
 
 #include <zentara/core/guids.h>
+#include <zentara/io/camera_chip.h>
 #include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/utils/exceptions.h>
 #include <zentara/utils/files.h>
 #include <zentara/utils/format.h>
 #include <zentara/utils/install_root.h>
+#include <zentara/utils/text.h>
 
-#include "plugins/descriptions/controller.h"
 #include "plugins/descriptions/json_fields.h"
 #include "plugins/descriptions/profile_reader.h"
 
@@ -19,7 +20,7 @@ namespace {
 using Utils::Format;
 
 constexpr NodeType nodeTypes[] = {NodeType_DEPTH, NodeType_COLOR, NodeType_AUDIO};
-constexpr std::uint64_t lastCapability = 0xFFFFFF;
+constexpr std::uint64_t lastCapability = 0x7FFFFFFF;
 constexpr std::uint64_t lastProfile = 0x7FFFFFFF;
 constexpr std::uint64_t lastParameter = ParameterType_INT_15;
 
@@ -48,44 +49,36 @@ HardwareVersionInternal readHardwareVersion(const JsonValue& value) {
     return version;
 }
 
-ChipKind readController(const JsonValue& value) {
-    const std::string name = value.text();
-    const std::optional<ChipKind> kind = chipKindFromName(name);
-    if (!kind)
-        value.fail(Format("'%' is none of OV0570 VC0258 VC0345") % name);
-    return *kind;
+std::string readController(const JsonValue& value) {
+    const std::string name = IO::CameraChip::knownName(value.text());
+    if (name.empty())
+        value.fail(Format("'%' is none of %") % value.text() % Utils::join(IO::CameraChip::names(), " "));
+    return name;
 }
 
 /// Puts the controller into the list of modules, unless it stands there.
-void listController(const JsonValue& list, const Core::DeviceDescriptor& device,
+void listController(const JsonValue& list, const std::string& controller, std::uint32_t vendor,
                     HardwareVersionInternal& version) {
-    const std::optional<ChipKind> described = describedController(device.capabilities);
-    const std::optional<ChipKind> listed = listedController(version);
-    if (!described || listed == described)
+    const std::string listed = IO::CameraChip::listedIn(version);
+    if (controller.empty() || listed == controller)
         return;
-    const ChipKind controller = *described;
-    if (listed)
-        list.fail(Format("names the controller %, but the camera has an %") % chipName(*listed) %
-                  chipName(controller));
+    if (!listed.empty())
+        list.fail(Format("names the controller %, but the camera has an %") % listed % controller);
+    const std::uint32_t product = IO::CameraChip::productOf(controller);
     const auto free = std::find(version.modules.begin(), version.modules.end(), ModuleIdInternal());
     if (free == version.modules.end())
         list.fail(Format("leaves no room for the controller; one of its modules must have the productId %") %
-                  controllerProduct(controller));
-    *free = {device.hardwareIds.vendorId, controllerProduct(controller), 0, 0};
+                  product);
+    *free = {vendor, product, 0, 0};
 }
 
-Core::DeviceDescriptor readDevice(JsonFields& fields, std::string& controller) {
+Core::DeviceDescriptor readDevice(JsonFields& fields) {
     Core::DeviceDescriptor device;
     device.hardwareIds.vendorId = fields.need("vendorId").word();
     device.hardwareIds.productId = fields.need("productId").word();
     device.hardwareIds.revision = fields.need("revision").word();
-    if (const auto field = fields.find("controller")) {
-        const ChipKind kind = readController(*field);
-        controller = chipName(kind);
-        device.capabilities = controllerCode(kind);
-    }
     if (const auto field = fields.find("capabilities"))
-        device.capabilities |= static_cast<std::int32_t>(field->whole(0, lastCapability) << controllerBits);
+        device.capabilities = static_cast<std::int32_t>(field->whole(0, lastCapability));
     if (const auto field = fields.find("flags"))
         device.flags = field->whole(0, UINT64_MAX);
     return device;
@@ -265,11 +258,14 @@ CameraDescription readDescription(const std::string& text, const std::string& so
     const JsonValue serialNumber = fields.need("serialNumber");
     camera.serialNumber = serialNumber.name();
     camera.serialLine = serialNumber.line();
-    camera.device = readDevice(fields, camera.controller);
+    camera.device = readDevice(fields);
+    if (const auto field = fields.find("controller"))
+        camera.controller = readController(*field);
     const auto hardwareVersion = fields.find("hardwareVersion");
     if (hardwareVersion)
         camera.hardwareVersion = readHardwareVersion(*hardwareVersion);
-    listController(hardwareVersion.value_or(model), camera.device, camera.hardwareVersion);
+    listController(hardwareVersion.value_or(model), camera.controller, camera.device.hardwareIds.vendorId,
+                   camera.hardwareVersion);
     readNodes(fields.need("nodes"), camera);
     fields.finish();
     return camera;

@@ -58,7 +58,7 @@ void Port::select(const ::GUID& guid) {
     const AutoLock lock(mutex);
     if (!guidEquals(guid, firmware->guid())) {
         throw Plugin::NotSupportedPluginException(Format("a camera with % has no such extension unit") %
-                                                  chipName(firmware->kind()));
+                                                  firmware->name());
     }
     selected = true;
 }
@@ -226,7 +226,7 @@ std::unique_ptr<Port> makePort(const Settings& settings, std::shared_ptr<Faults>
     if (!*file)
         throw Plugin::ConfigurationPluginException(
             Format("simulated camera: cannot write the transfer log '%'") % path);
-    port->setObserver([file, name = chipName(port->model().kind())](const Transfer& transfer) {
+    port->setObserver([file, name = port->model().name()](const Transfer& transfer) {
         *file << IO::CameraChip::lineOf(name, transfer) << '\n' << std::flush;
     });
     return port;

@@ -12,6 +12,7 @@
 #include <zentara/utils/exceptions.h>
 #include <zentara/utils/files.h>
 #include <zentara/utils/format.h>
+#include <zentara/utils/text.h>
 
 namespace Zentara::Simulated {
 namespace {
@@ -195,13 +196,17 @@ Fault readFault(Statement& statement, bool hang) {
     return fault;
 }
 
-std::optional<ChipKind> chipNamed(const std::string& name, const std::string& place) {
-    const std::optional<ChipKind> kind = chipKindFromName(name);
-    if (!kind && name != "none")
+/// Empty for none.
+std::string chipNamed(const std::string& name, const std::string& place) {
+    if (name == "none")
+        return {};
+    const std::vector<std::string> known = firmwareNames();
+    const auto found = std::find(known.begin(), known.end(), Utils::toUpper(name));
+    if (found == known.end())
         throw Plugin::ConfigurationPluginException(
-            Format("simulated camera settings: %: unknown chip '%'; known: OV0570 VC0258 VC0345 none") %
-            place % name);
-    return kind;
+            Format("simulated camera settings: %: unknown chip '%'; known: % none") % place % name %
+            Utils::join(known, " "));
+    return *found;
 }
 
 std::uint32_t numberUpTo(Statement& statement, const char* what, std::uint32_t least, std::uint32_t most) {

@@ -41,7 +41,7 @@ struct Settings {
     std::uint32_t seed = 1;
     bool refuseCancel = false;
     std::vector<Fault> faults;
-    FirmwareSettings firmware; ///< `firmware.chip` is nothing for a camera without a controller
+    FirmwareSettings firmware; ///< `firmware.chip` is empty for a camera without a controller
     std::string transferLog;   ///< a file (UTF-8) that gets one line a transfer, empty for none
 
     /// The variable that holds the settings: "@PATH" names a file (UTF-8), anything else is the text itself, in

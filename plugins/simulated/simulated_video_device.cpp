@@ -6,7 +6,7 @@
 #include <vector>
 
 #include <zentara/color_configuration.h>
-#include <zentara/core/descriptor_store_ro.h>
+#include <zentara/core/descriptor_details.h>
 #include <zentara/core/guids.h>
 #include <zentara/depth_base_configuration.h>
 #include <zentara/io/camera_control_requests.h>
@@ -15,7 +15,6 @@
 #include <zentara/io/xu_device_requests.h>
 #include <zentara/utils/format.h>
 
-#include "plugins/descriptions/controller.h"
 #include "plugins/descriptions/wire.h"
 #include "plugins/simulated/pending_request.h"
 #include "plugins/simulated/plugged_camera.h"
@@ -100,12 +99,12 @@ struct SimulatedVideoDevice::Impl {
     /// Becomes the camera of the node: its settings on top of the environment's, its controller.
     void plugIn(const NodeEvent& node, const Core::DescriptorStoreRO* store) {
         const std::string own = camera.attach(node);
-        const auto chip = store ? describedController(store->getDeviceCapabilities()) : std::nullopt;
-        if (own.empty() && !chip)
+        const std::string chip = store ? Core::controllerNameOf(*store) : std::string();
+        if (own.empty() && chip.empty())
             return;
         Settings settings = Settings::fromEnvironment();
         settings.add(own, node.parentPath);
-        if (chip)
+        if (!chip.empty())
             settings.firmware.chip = chip;
         faults->rearm(settings);
         std::shared_ptr<Port> made = makePort(settings, faults);

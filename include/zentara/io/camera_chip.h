@@ -8,6 +8,7 @@
 
 #include <zentara/export.h>
 #include <zentara/guid.h>
+#include <zentara/hardware_version_internal.h>
 #include <zentara/io/uvc_command_request.h>
 #include <zentara/io/xu_interface.h>
 
@@ -66,6 +67,16 @@ public:
 
     /// The controllers that are known, as "OV0570".
     [[nodiscard]] static std::vector<std::string> names();
+
+    /// The name as names() has it, for one in any case; empty for a name that is not known.
+    [[nodiscard]] static std::string knownName(const std::string& name);
+
+    /// The product number under which the list of a camera's modules holds the controller: a parameter back-end is
+    /// handed that list, and no name. \throws NotSupportedPluginException for a name that is not known
+    [[nodiscard]] static std::uint32_t productOf(const std::string& name);
+
+    /// The first controller in the list; empty when it holds none.
+    [[nodiscard]] static std::string listedIn(const HardwareVersionInternal& modules);
 
     /// Binds the chip that the camera is known to have, which selects its extension unit.
     /// \param name one of names(), in any case \param listener may be empty

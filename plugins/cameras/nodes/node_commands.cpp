@@ -1,8 +1,7 @@
 #include "plugins/cameras/nodes/node_commands.h"
 
+#include <zentara/core/descriptor_details.h>
 #include <zentara/plugin/plugin_exceptions.h>
-
-#include "plugins/descriptions/controller.h"
 
 namespace Zentara::Cameras {
 namespace {
@@ -10,8 +9,8 @@ namespace {
 Core::RequestList copyOf(const Core::RequestList* list) { return list ? *list : Core::RequestList(); }
 
 std::unique_ptr<IO::CameraChip> chipOf(const Core::DescriptorStoreRO& store, IO::VideoDeviceProxy& proxy) {
-    const auto kind = describedController(store.getDeviceCapabilities());
-    return kind ? IO::CameraChip::create(chipName(*kind), proxy) : nullptr;
+    const std::string name = Core::controllerNameOf(store);
+    return name.empty() ? nullptr : IO::CameraChip::create(name, proxy);
 }
 
 } // namespace

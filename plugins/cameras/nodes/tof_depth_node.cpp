@@ -17,7 +17,6 @@
 #include "plugins/cameras/nodes/sensor_poll.h"
 #include "plugins/cameras/nodes/stored_calibration.h"
 #include "plugins/cameras/plugin_guids.h"
-#include "plugins/descriptions/controller.h"
 #include "plugins/descriptions/wire.h"
 #include "utils/visible_text.h"
 

@@ -6,6 +6,7 @@
 #include <string>
 
 #include <zentara/core/impl_type.h>
+#include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/version.h>
 
 #include "plugins/cameras/parameters/camera_parameters.h"
@@ -33,6 +34,9 @@ ErrorCode guard(void* handle, Operation operation) noexcept {
         } catch (const Failure& failure) {
             instance.lastError = failure.what();
             return failure.code;
+        } catch (const Plugin::PluginException& failure) {
+            instance.lastError = failure.message();
+            return failure.type() == Plugin::PluginExceptionType_IO ? ErrorCode_IO : ErrorCode_NOT_SUPPORTED;
         } catch (const std::exception& failure) {
             instance.lastError = failure.what();
         }
@@ -97,7 +101,7 @@ ZENTARA_PLUGIN_EXPORT ErrorCode initialize(void* handle, void* context, IO::Back
     return guard(handle, [&](Instance& instance) {
         if (!set || !get || !version)
             throw Failure(ErrorCode_FAILED, "no way to the camera was given");
-        instance.camera.emplace(TransferPair{context, set, get}, *version);
+        instance.camera.emplace(IO::BackEndWay{context, set, get}, *version);
     });
 }
 

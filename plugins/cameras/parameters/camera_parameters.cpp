@@ -158,8 +158,8 @@ Bytes startingCalibration() {
 
 } // namespace
 
-CameraParameters::CameraParameters(const TransferPair& transfers, const HardwareVersionInternal& version)
-    : registers(findTofRegisters(transfers, version)), calibration(startingCalibration()) {
+CameraParameters::CameraParameters(const IO::BackEndWay& way, const HardwareVersionInternal& version)
+    : registers(IO::TofRegisters::find(version, way)), calibration(startingCalibration()) {
     if (registers->read(signatureRegister) != signature)
         start();
 }

@@ -2,22 +2,34 @@
 
 #include <cstdint>
 #include <memory>
+#include <stdexcept>
+#include <string>
 #include <vector>
 
+#include <zentara/error_code.h>
+#include <zentara/io/tof_registers.h>
 #include <zentara/parameter_type.h>
 #include <zentara/parameter_value_type.h>
 #include <zentara/region_of_interest_internal.h>
 
 #include "plugins/cameras/parameters/parameter_table.h"
-#include "plugins/cameras/parameters/tof_registers.h"
 
 namespace Zentara::Cameras {
 
-/// The parameters of one camera: what they accept, and where they are kept. Every operation throws `Failure`.
+/// Why the back-end could not do what it was asked, for its last-error text. Caught before it leaves the library.
+class Failure : public std::runtime_error {
+public:
+    Failure(ErrorCode errorCode, const std::string& reason) : std::runtime_error(reason), code(errorCode) {}
+
+    const ErrorCode code;
+};
+
+/// The parameters of one camera: what they accept, and where they are kept. Every operation throws `Failure`, and what
+/// the registers throw.
 class CameraParameters {
 public:
     /// Finds the camera's registers and gives them their starting values, unless they have had them.
-    CameraParameters(const TransferPair& transfers, const HardwareVersionInternal& version);
+    CameraParameters(const IO::BackEndWay& way, const HardwareVersionInternal& version);
 
     /// The parameter. \throws Failure if the cameras do not have it, or of another type
     [[nodiscard]] static const Parameter& parameter(ParameterType number);
@@ -49,7 +61,7 @@ private:
     void start();
     [[nodiscard]] double unambiguousRange();
 
-    std::unique_ptr<TofRegisters> registers;
+    std::unique_ptr<IO::TofRegisters> registers;
     std::vector<std::uint8_t> calibration;
 };
 

@@ -12,7 +12,7 @@ std::optional<std::size_t> Firmware::length(std::uint32_t selector) const {
 }
 
 void stall(const Firmware& model, const std::string& reason) {
-    throw Plugin::IOPluginException(std::string(chipName(model.kind())) + " stalled: " + reason);
+    throw Plugin::IOPluginException(std::string(model.name()) + " stalled: " + reason);
 }
 
 std::string hexText(std::uint32_t value) {

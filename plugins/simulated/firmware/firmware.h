@@ -11,15 +11,11 @@
 
 #include <zentara/guid.h>
 
-#include "plugins/descriptions/controller.h"
 #include "plugins/simulated/firmware/register_file.h"
 
 namespace Zentara::Simulated {
 
 using Bytes = std::vector<std::uint8_t>;
-using Cameras::ChipKind;
-using Cameras::chipKindFromName;
-using Cameras::chipName;
 
 /// The firmware of one camera controller, packet in and packet out: what a host sees of it through the
 /// extension unit, and nothing of how a host would use it. A packet that the firmware refuses is a stall and
@@ -30,7 +26,8 @@ public:
     Firmware(const Firmware&) = delete;
     Firmware& operator=(const Firmware&) = delete;
 
-    [[nodiscard]] ChipKind kind() const noexcept { return chip; }
+    /// The controller's: "OV0570".
+    [[nodiscard]] const char* name() const noexcept { return chip; }
     /// The extension unit that a host has to select, and its number on the camera.
     [[nodiscard]] const ::GUID& guid() const noexcept { return extensionUnit; }
     [[nodiscard]] std::uint32_t unit() const noexcept { return unitNumber; }
@@ -57,11 +54,11 @@ protected:
     };
     using Controls = std::map<std::uint32_t, Control>; ///< by selector
 
-    Firmware(ChipKind kind, const ::GUID& guid, std::uint32_t unit, Controls all)
-        : chip(kind), extensionUnit(guid), unitNumber(unit), controls(std::move(all)) {}
+    Firmware(const char* name, const ::GUID& guid, std::uint32_t unit, Controls all)
+        : chip(name), extensionUnit(guid), unitNumber(unit), controls(std::move(all)) {}
 
 private:
-    const ChipKind chip;
+    const char* const chip;
     const ::GUID extensionUnit;
     const std::uint32_t unitNumber;
     const Controls controls;

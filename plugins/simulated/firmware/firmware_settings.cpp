@@ -54,10 +54,19 @@ std::unique_ptr<Firmware> makeVC0345(const FirmwareSettings& wanted) {
     return std::make_unique<VC0345Firmware>(std::move(settings));
 }
 
-std::unique_ptr<Firmware> makeKind(const FirmwareSettings& wanted) {
-    constexpr decltype(&makeOV0570) makers[] = {makeOV0570, makeVC0258,
-                                                makeVC0345}; // in the order of ChipKind
-    return makers[static_cast<std::size_t>(*wanted.chip)](wanted);
+// One row a controller.
+constexpr struct {
+    const char* name;
+    std::unique_ptr<Firmware> (*make)(const FirmwareSettings& wanted);
+} firmwares[] = {{"OV0570", makeOV0570}, {"VC0258", makeVC0258}, {"VC0345", makeVC0345}};
+
+std::unique_ptr<Firmware> makeNamed(const FirmwareSettings& wanted) {
+    for (const auto& row : firmwares) {
+        if (wanted.chip == row.name)
+            return row.make(wanted);
+    }
+    throw Plugin::ConfigurationPluginException(
+        Utils::Format("simulated camera: there is no firmware of the controller %") % wanted.chip);
 }
 
 /// The registers of the time-of-flight controller as the file has them, low byte first, and from now on the other way
@@ -88,10 +97,17 @@ void keepRegisters(Firmware& firmware, const std::string& path) {
 
 } // namespace
 
+std::vector<std::string> firmwareNames() {
+    std::vector<std::string> names;
+    for (const auto& row : firmwares)
+        names.emplace_back(row.name);
+    return names;
+}
+
 std::unique_ptr<Firmware> makeFirmware(const FirmwareSettings& settings) {
-    if (!settings.chip)
+    if (settings.chip.empty())
         return nullptr;
-    std::unique_ptr<Firmware> firmware = makeKind(settings);
+    std::unique_ptr<Firmware> firmware = makeNamed(settings);
     if (!settings.keptRegisters.empty())
         keepRegisters(*firmware, settings.keptRegisters);
     return firmware;

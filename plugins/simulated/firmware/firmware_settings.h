@@ -12,8 +12,8 @@ namespace Zentara::Simulated {
 
 /// Which controller a simulated camera has, and what it has kept.
 struct FirmwareSettings {
-    std::optional<ChipKind> chip = ChipKind::OV0570; ///< nothing for a camera without one
-    std::string flash;         ///< a file (UTF-8) with the memory's bytes, empty for those of the factory
+    std::string chip = "OV0570"; ///< empty for a camera without one
+    std::string flash;           ///< a file (UTF-8) with the memory's bytes, empty for those of the factory
     std::string keptFlash;     ///< a file (UTF-8) in which the memory is kept from run to run, empty for none
     std::string keptRegisters; ///< the same for the registers of the time-of-flight controller
 
@@ -24,8 +24,11 @@ struct FirmwareSettings {
     unsigned resetReads = 0;
 };
 
+/// The controllers that can be simulated.
+[[nodiscard]] std::vector<std::string> firmwareNames();
+
 /// The firmware of such a controller; null for a camera without one.
-/// \throws Plugin::ConfigurationPluginException when a file cannot be read or written.
+/// \throws Plugin::ConfigurationPluginException when a file cannot be read or written, or no firmware is known.
 [[nodiscard]] std::unique_ptr<Firmware> makeFirmware(const FirmwareSettings& settings);
 
 } // namespace Zentara::Simulated

@@ -40,7 +40,7 @@ RegisterFile fileOf(const OV0570Firmware::Device& device) {
 
 OV0570Firmware::OV0570Firmware(Settings initial)
     : Firmware(
-          ChipKind::OV0570, unitGuid, 6,
+          "OV0570", unitGuid, 6,
           {{informationControl,
             {informationBytes, [this](const Bytes&) { stall(*this, "the control information is read-only"); },
              [this](const Bytes&) { return controlInformation(); }}},

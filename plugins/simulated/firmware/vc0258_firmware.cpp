@@ -18,7 +18,7 @@ constexpr std::uint8_t tofReadAddress = 0x23;
 } // namespace
 
 VC0258Firmware::VC0258Firmware(Settings initial)
-    : Firmware(ChipKind::VC0258, vcUnitGuid(), 4,
+    : Firmware("VC0258", vcUnitGuid(), 4,
                {{VCBridgeRegisters::control,
                  {VCBridgeRegisters::packetBytes,
                   [this](const Bytes& packet) { bridgeRegisters.set(*this, packet); },

@@ -21,7 +21,7 @@ Bytes wholeMemory(Bytes flash) {
 } // namespace
 
 VC0345Firmware::VC0345Firmware(const Settings& initial)
-    : Firmware(ChipKind::VC0345, vcUnitGuid(), 4,
+    : Firmware("VC0345", vcUnitGuid(), 4,
                {{VCBridgeRegisters::control,
                  {VCBridgeRegisters::packetBytes,
                   [this](const Bytes& packet) { bridgeRegisters.set(*this, packet); },

@@ -5,15 +5,14 @@
 #include <memory>
 
 #include <zentara/calibration_internal.h>
+#include <zentara/io/camera_chip.h>
 #include <zentara/io/library_parameter_interpreter.h>
 #include <zentara/plugin/plugin_exceptions.h>
 
 #include "plugins/cameras/plugin_guids.h"
-#include "plugins/descriptions/controller.h"
 #include "plugins/descriptions/wire.h"
-#include "plugins/simulated/firmware/ov0570_firmware.h"
+#include "plugins/simulated/firmware/firmware_settings.h"
 #include "plugins/simulated/firmware/vc0258_firmware.h"
-#include "plugins/simulated/firmware/vc0345_firmware.h"
 #include "plugins/simulated/port.h"
 #include "support/failure.h"
 
@@ -50,26 +49,21 @@ ErrorCode get(void* port, unsigned short unit, unsigned int selector, unsigned c
     return transfer([&] { static_cast<Port*>(port)->get(unit, selector, data, length); });
 }
 
-std::unique_ptr<Firmware> makeKind(ChipKind kind) {
-    switch (kind) {
-    case ChipKind::OV0570:
-        return std::make_unique<OV0570Firmware>(OV0570Firmware::Settings());
-    case ChipKind::VC0258:
-        return std::make_unique<VC0258Firmware>(VC0258Firmware::Settings());
-    default:
-        return std::make_unique<VC0345Firmware>(VC0345Firmware::Settings());
-    }
+std::unique_ptr<Firmware> makeKind(const std::string& chip) {
+    FirmwareSettings settings;
+    settings.chip = chip;
+    return makeFirmware(settings);
 }
 
 /// A camera with that controller in the list of its modules.
-HardwareVersionInternal withController(ChipKind kind) {
+HardwareVersionInternal withController(const std::string& chip) {
     HardwareVersionInternal version;
-    version.modules[1].productId = controllerProduct(kind);
+    version.modules[1].productId = CameraChip::productOf(chip);
     return version;
 }
 
 /// The back-end plug-in over a simulated camera with each of the controllers.
-class TofParameters : public testing::TestWithParam<ChipKind> {
+class TofParameters : public testing::TestWithParam<std::string> {
 protected:
     TofParameters() {
         camera.select(camera.model().guid());
@@ -89,9 +83,8 @@ protected:
     Interpreter parameters = LibraryParameterInterpreter::create(parameterBackEndGuid);
 };
 
-INSTANTIATE_TEST_SUITE_P(Chips, TofParameters,
-                         testing::Values(ChipKind::OV0570, ChipKind::VC0258, ChipKind::VC0345),
-                         [](const auto& chip) { return chipName(chip.param); });
+INSTANTIATE_TEST_SUITE_P(Chips, TofParameters, testing::ValuesIn(CameraChip::names()),
+                         [](const auto& chip) { return chip.param; });
 
 TEST_P(TofParameters, EveryParameterBeginsWithinItsRange) {
     for (int number = 0; number <= 15; ++number) {
@@ -284,8 +277,7 @@ TEST(TofParametersOfAVC0258, AreWholeThoughTheByteOrderChangesMeanwhile) {
     camera.select(camera.model().guid());
     RestlessBridge bridge{camera, 0};
     const Interpreter parameters = LibraryParameterInterpreter::create(parameterBackEndGuid);
-    parameters->initialize(&bridge, RestlessBridge::set, RestlessBridge::get, {},
-                           withController(ChipKind::VC0258));
+    parameters->initialize(&bridge, RestlessBridge::set, RestlessBridge::get, {}, withController("VC0258"));
     const auto order = [&] {
         return static_cast<VC0258Firmware&>(camera.model()).bridge().value(VCBridgeRegisters::lastByteOrder);
     };
@@ -310,8 +302,7 @@ TEST(TofParametersOfOddCameras, AreRefused) {
     const auto refusal = [&](OV0570Firmware::Settings settings) {
         Port camera(std::make_unique<OV0570Firmware>(settings));
         camera.select(camera.model().guid());
-        return failure(
-            [&] { parameters->initialize(&camera, set, get, {}, withController(ChipKind::OV0570)); });
+        return failure([&] { parameters->initialize(&camera, set, get, {}, withController("OV0570")); });
     };
     const char* const refused = "6: Failed to initialize plugin";
     OV0570Firmware::Settings settings;
@@ -321,10 +312,9 @@ TEST(TofParametersOfOddCameras, AreRefused) {
     EXPECT_EQ(refusal(settings), refused) << "no time-of-flight controller";
     settings.claimedDevices = 255;
     EXPECT_EQ(refusal(settings), refused) << "more devices than the reply has room for";
-    EXPECT_EQ(failure([&] {
-                  parameters->initialize(nullptr, nullptr, nullptr, {}, withController(ChipKind::VC0258));
-              }),
-              refused);
+    EXPECT_EQ(
+        failure([&] { parameters->initialize(nullptr, nullptr, nullptr, {}, withController("VC0258")); }),
+        refused);
     int calls = 0;
     const auto dead = [](void* asked, unsigned short, unsigned int, unsigned char*, unsigned int) {
         ++*static_cast<int*>(asked);
@@ -332,9 +322,8 @@ TEST(TofParametersOfOddCameras, AreRefused) {
     };
     EXPECT_EQ(failure([&] { parameters->initialize(&calls, dead, dead, {}, {}); }), refused);
     EXPECT_EQ(calls, 0) << "nothing is tried out on a camera that names no controller";
-    EXPECT_EQ(
-        failure([&] { parameters->initialize(&calls, dead, dead, {}, withController(ChipKind::VC0345)); }),
-        refused)
+    EXPECT_EQ(failure([&] { parameters->initialize(&calls, dead, dead, {}, withController("VC0345")); }),
+              refused)
         << "no answer at all";
     EXPECT_EQ(calls, 1);
 }
