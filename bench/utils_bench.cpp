@@ -24,31 +24,45 @@ namespace {
 
 using namespace Zentara::Utils;
 
-const Bench::Aim formatAims[] = {{"format", "fmt", 1.5}, {"format", "boost", 0.25}};
+const Bench::Aim formatAims[] = {{"format_text", "fmt", 1.0},
+                                 {"format", "fmt", 1.0},
+                                 {"format_numbers", "fmt", 1.0},
+                                 {"format", "boost", 0.25}};
 const Bench::Aim logAim{"log", "spdlog", 1.0};
 const Bench::Aim crcAims[] = {{"crc16", "byte_at_a_time", 0.25}, {"crc32", "byte_at_a_time", 0.25}};
 
-// One message of the shape that the library builds most: a name, a number in hexadecimal, a text.
 const std::string operation = "enable streaming";
 const std::string reason = "Access is denied.";
 const int code = 0xBEEF;
+const int four[] = {1, 60, 2, 1};
 
-void formatOurs(benchmark::State& state) {
+// Messages of the shapes that the library builds most: one text; a name, a number in hexadecimal, a text; four numbers.
+template<typename Build>
+void format(benchmark::State& state, Build build) {
     for (auto _ : state) {
-        std::string text = Format("% failed: error 0x%{:x}: %") % operation % code % reason;
+        std::string text = build();
         benchmark::DoNotOptimize(text);
     }
 }
-BENCHMARK(formatOurs)->Name("format/ours");
 
-void formatFmt(benchmark::State& state) {
-    std::string pattern = "{} failed: error 0x{:x}: {}";
-    for (auto _ : state) {
-        std::string text = fmt::format(fmt::runtime(pattern), operation, code, reason);
-        benchmark::DoNotOptimize(text);
-    }
+std::string textOurs() { return Format("cannot open '%'") % reason; }
+std::string textFmt() { return fmt::format(fmt::runtime("cannot open '{}'"), reason); }
+BENCHMARK_CAPTURE(format, text, textOurs)->Name("format_text/ours");
+BENCHMARK_CAPTURE(format, text, textFmt)->Name("format_text/fmt");
+
+std::string codeOurs() { return Format("% failed: error 0x%{:x}: %") % operation % code % reason; }
+std::string codeFmt() {
+    return fmt::format(fmt::runtime("{} failed: error 0x{:x}: {}"), operation, code, reason);
 }
-BENCHMARK(formatFmt)->Name("format/fmt");
+BENCHMARK_CAPTURE(format, code, codeOurs)->Name("format/ours");
+BENCHMARK_CAPTURE(format, code, codeFmt)->Name("format/fmt");
+
+std::string numbersOurs() { return Format("COFF%FR%PLF%COMP%") % four[0] % four[1] % four[2] % four[3]; }
+std::string numbersFmt() {
+    return fmt::format(fmt::runtime("COFF{}FR{}PLF{}COMP{}"), four[0], four[1], four[2], four[3]);
+}
+BENCHMARK_CAPTURE(format, numbers, numbersOurs)->Name("format_numbers/ours");
+BENCHMARK_CAPTURE(format, numbers, numbersFmt)->Name("format_numbers/fmt");
 
 void formatBoost(benchmark::State& state) {
     for (auto _ : state) {

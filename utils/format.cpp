@@ -1,11 +1,15 @@
 #include <zentara/utils/format.h>
 
+#include <algorithm>
+#include <array>
+#include <atomic>
 #include <charconv>
 #include <cstddef>
-#include <memory_resource>
+#include <cstdint>
+#include <cstring>
+#include <new>
 #include <streambuf>
 #include <string_view>
-#include <vector>
 
 #include <zentara/utils/exceptions.h>
 #include <zentara/utils/text.h>
@@ -16,29 +20,61 @@ namespace Zentara::Utils {
 
 namespace {
 
-constexpr std::size_t usualSegments = 8;
-constexpr std::size_t usualValues = 96;
-/// Room inside the object for the usual message, so that it needs no further memory.
-constexpr std::size_t inlineBytes = 512;
+/// Room inside the record for the usual message, so that it needs no further memory.
+constexpr std::size_t usualBytes = 512;
 
-/// One literal run or one placeholder of a format string.
-struct Segment {
-    std::string_view text; ///< points into the format string; empty for a placeholder
-    char code = 0;         ///< 0, 'x' or 'X'
-    int width = -1;        ///< -1 for none
+/// A text that grows, without memory of its own up to the usual length.
+class Output {
+public:
+    void append(const char* characters, std::size_t count) {
+        reserve(count);
+        std::memcpy(bytes + length, characters, count);
+        length += count;
+    }
+    void append(std::string_view text) { append(text.data(), text.size()); }
+    void append(std::size_t count, char character) {
+        reserve(count);
+        std::memset(bytes + length, character, count);
+        length += count;
+    }
+    [[nodiscard]] std::string_view text() const noexcept { return {bytes, length}; }
 
-    bool isPlaceholder() const noexcept { return text.empty(); }
+private:
+    void reserve(std::size_t count) {
+        if (count > room - length)
+            grow(count);
+    }
+    void grow(std::size_t count) {
+        const std::size_t wanted = std::max(room * 2, length + count);
+        std::unique_ptr<char[]> larger(new char[wanted]);
+        std::memcpy(larger.get(), bytes, length);
+        heap = std::move(larger);
+        bytes = heap.get();
+        room = wanted;
+    }
+
+    std::size_t length = 0;
+    std::size_t room = usualBytes;
+    std::unique_ptr<char[]> heap;
+    char inside[usualBytes]; ///< not initialised
+    char* bytes = inside;    ///< `inside`, or what `heap` owns
+};
+
+/// What a placeholder says of the integer that fills it.
+struct Item {
+    char code = 0;  ///< 0, 'x' or 'X'
+    int width = -1; ///< -1 for none
 };
 
 /// Appends what a stream writes to a text.
 class TextSink final : public std::streambuf {
 public:
-    explicit TextSink(std::pmr::string& target) : text(target) {}
+    explicit TextSink(Output& target) : text(target) {}
 
 protected:
     int_type overflow(int_type character) override {
         if (!traits_type::eq_int_type(character, traits_type::eof()))
-            text.push_back(traits_type::to_char_type(character));
+            text.append(1, traits_type::to_char_type(character));
         return traits_type::not_eof(character);
     }
     std::streamsize xsputn(const char* characters, std::streamsize count) override {
@@ -47,13 +83,13 @@ protected:
     }
 
 private:
-    std::pmr::string& text;
+    Output& text;
 };
 
 /// A stream that writes to a text, alike under every global locale.
 class TextStream {
 public:
-    explicit TextStream(std::pmr::string& target) : sink(target), stream(&sink) {
+    explicit TextStream(Output& target) : sink(target), stream(&sink) {
         stream.imbue(std::locale::classic());
         stream.setf(std::ios::boolalpha);
     }
@@ -68,7 +104,7 @@ public:
 /// What a placeholder's code and width change of the stream, put back at the end of the scope.
 class StreamState {
 public:
-    StreamState(std::ostream& target, const Segment& item)
+    StreamState(std::ostream& target, const Item& item)
         : stream(target), flags(stream.flags()), width(stream.width()), fill(stream.fill()) {
         if (item.code != 0)
             stream.setf(std::ios::hex, std::ios::basefield);
@@ -96,6 +132,8 @@ private:
 
 int parseWidth(std::string_view text) {
     int width = 0;
+    if (text.size() == 1 && text.front() >= '0' && text.front() <= '9')
+        return text.front() - '0';
     try {
         width = parseInt(std::string(text));
     } catch (const UFormatException&) {
@@ -107,7 +145,7 @@ int parseWidth(std::string_view text) {
 }
 
 /// `item` is the text between the braces.
-Segment parseFormatItem(std::string_view item) {
+Item parseFormatItem(std::string_view item) {
     if (item.empty())
         return {};
     if (item.front() != ':')
@@ -115,18 +153,18 @@ Segment parseFormatItem(std::string_view item) {
     item.remove_prefix(1);
     if (item.empty())
         throw UFormatException("format code or width expected after \":\"");
-    Segment segment;
+    Item parsed;
     if (item.front() == 'x' || item.front() == 'X') {
-        segment.code = item.front();
+        parsed.code = item.front();
         item.remove_prefix(1);
         if (item.empty())
-            return segment;
+            return parsed;
     }
-    segment.width = parseWidth(item);
-    return segment;
+    parsed.width = parseWidth(item);
+    return parsed;
 }
 
-Segment parseBracedItem(std::string_view item) {
+Item parseBracedItem(std::string_view item) {
     try {
         return parseFormatItem(item);
     } catch (const UFormatException& failure) {
@@ -135,37 +173,36 @@ Segment parseBracedItem(std::string_view item) {
     }
 }
 
-/// The views in the result point into `format`.
-std::pmr::vector<Segment> parse(std::string_view format, std::pmr::memory_resource& memory) {
-    std::pmr::vector<Segment> segments(&memory);
-    segments.reserve(usualSegments);
+/// The item whose opening brace stands at `position`, which then is behind the closing one.
+Item takeItem(std::string_view format, std::size_t& position) {
+    const std::size_t start = position + 1;
+    const std::size_t end = format.find('}', start);
+    if (end == std::string_view::npos)
+        throw UFormatException("unterminated format item");
+    position = end + 1;
+    return parseBracedItem(format.substr(start, end - start));
+}
+
+/// Takes the literal run at `position`, which may be empty, and what ends it: "%%", whose first sign belongs to the run,
+/// or the sign of a placeholder. \return whether a placeholder follows
+bool takeRun(std::string_view format, std::size_t& position, std::string_view& run) noexcept {
+    const std::size_t start = position;
+    while (position < format.size() && format[position] != '%')
+        ++position;
+    const bool isDoubled = position + 1 < format.size() && format[position + 1] == '%';
+    run = format.substr(start, position - start + (isDoubled ? 1 : 0));
+    const bool isPlaceholder = position < format.size() && !isDoubled;
+    position = std::min(position + (isDoubled ? 2 : 1), format.size());
+    return isPlaceholder;
+}
+
+/// Items in braces may be malformed, which is told before anything is written.
+void checkItems(std::string_view format) {
+    std::string_view run;
     for (std::size_t position = 0; position < format.size();) {
-        const std::size_t percent = format.find('%', position);
-        if (percent == std::string_view::npos) {
-            segments.push_back({format.substr(position)});
-            break;
-        }
-        const char next = percent + 1 < format.size() ? format[percent + 1] : '\0';
-        if (next == '%') {
-            // The run ends with the first of the two signs.
-            segments.push_back({format.substr(position, percent + 1 - position)});
-            position = percent + 2;
-            continue;
-        }
-        if (percent > position)
-            segments.push_back({format.substr(position, percent - position)});
-        position = percent + 1;
-        if (next != '{') {
-            segments.push_back({});
-            continue;
-        }
-        const std::size_t end = format.find('}', percent + 2);
-        if (end == std::string_view::npos)
-            throw UFormatException("unterminated format item");
-        segments.push_back(parseBracedItem(format.substr(percent + 2, end - percent - 2)));
-        position = end + 1;
+        if (takeRun(format, position, run) && position < format.size() && format[position] == '{')
+            static_cast<void>(takeItem(format, position));
     }
-    return segments;
 }
 
 /// The digits of an integer, as a stream in the classic locale prints them.
@@ -190,31 +227,33 @@ std::string_view digitsOf(Integer value, char code, char (&buffer)[24]) noexcept
 /// Until a value needs a real stream, texts and numbers are appended directly, to the same effect and much
 /// faster. From then on everything goes through the stream, for a value may have left its marks on it.
 struct Format::Impl {
-    explicit Impl(std::string text)
-        : format(std::move(text)), segments(parse(format, memory)), output(&memory) {
-        output.reserve(format.size() + usualValues);
-    }
+    explicit Impl(std::string text) : format(std::move(text)) { checkItems(format); }
 
-    /// Emits the literals up to the next placeholder and steps over it; null at the end.
-    const Segment* findPlaceholder() {
-        while (position < segments.size()) {
-            const Segment& segment = segments[position++];
-            if (segment.isPlaceholder())
-                return &segment;
-            write(segment.text, segment.text);
+    /// Emits the literals up to the next placeholder and steps over it. \return whether there is one
+    bool findPlaceholder(Item& item) {
+        std::string_view run;
+        while (position < format.size()) {
+            const bool isPlaceholder = takeRun(format, position, run);
+            if (!run.empty())
+                write(run, run);
+            if (!isPlaceholder)
+                continue;
+            const bool hasBraces = position < format.size() && format[position] == '{';
+            item = hasBraces ? takeItem(format, position) : Item();
+            return true;
         }
-        return nullptr;
+        return false;
     }
 
-    const Segment& nextPlaceholder() {
-        const Segment* item = findPlaceholder();
-        if (!item)
+    Item nextPlaceholder() {
+        Item item;
+        if (!findPlaceholder(item))
             throw UFormatException("too many format arguments");
-        return *item;
+        return item;
     }
 
     void moveToNextFormatItem() {
-        const Segment& item = nextPlaceholder();
+        const Item item = nextPlaceholder();
         if (item.code != 0)
             throw UFormatException(formatMessage("format code \"%\" is only valid for integer arguments",
                                                  std::string(1, item.code)));
@@ -233,7 +272,7 @@ struct Format::Impl {
 
     template<typename Integer>
     void insertInteger(Integer value) {
-        const Segment& item = nextPlaceholder();
+        const Item item = nextPlaceholder();
         if (streaming) {
             const StreamState state(streaming->stream, item);
             streaming->stream << value;
@@ -252,16 +291,44 @@ struct Format::Impl {
         output.append(text);
     }
 
-    std::byte storage[inlineBytes];
-    std::pmr::monotonic_buffer_resource memory{storage, sizeof storage};
+    struct Place;
+    static std::array<Place, 16> places;
+    static void* operator new(std::size_t size);
+    static void operator delete(void* record) noexcept;
+
     const std::string format;
-    const std::pmr::vector<Segment> segments;
-    std::size_t position = 0; ///< the next segment to emit
-    std::pmr::string output;
+    std::size_t position = 0; ///< of what has not been emitted yet, in `format`
+    Output output;
     std::unique_ptr<TextStream> streaming;
 };
 
-Format::Format(std::string format) : impl(std::make_unique<Impl>(std::move(format))) {}
+/// Room for the record of one message. Most threads have one message at a time, so that a place is nearly always free;
+/// nested messages, and threads that meet in one place, take theirs from the heap. Static and without a destructor: a
+/// message may end on another thread than it began, and after the library's statics.
+struct Format::Impl::Place {
+    std::atomic<bool> taken{false};
+    alignas(Impl) std::byte record[sizeof(Impl)]{};
+};
+
+constinit std::array<Format::Impl::Place, 16> Format::Impl::places;
+
+void* Format::Impl::operator new(std::size_t size) {
+    // Threads are told apart by their stacks, which lie a megabyte apart or more.
+    const char here = 0;
+    const std::uint64_t stack = reinterpret_cast<std::uintptr_t>(&here) >> 20;
+    Place& place = places[(stack * 0x9E3779B97F4A7C15U) >> 60];
+    return place.taken.exchange(true, std::memory_order_acquire) ? ::operator new(size) : place.record;
+}
+
+void Format::Impl::operator delete(void* record) noexcept {
+    const auto offset = reinterpret_cast<std::uintptr_t>(record) - reinterpret_cast<std::uintptr_t>(&places);
+    if (offset < sizeof places)
+        places[offset / sizeof(Place)].taken.store(false, std::memory_order_release);
+    else
+        ::operator delete(record);
+}
+
+Format::Format(std::string format) : impl(new Impl(std::move(format))) {}
 
 Format::~Format() = default;
 
@@ -306,13 +373,13 @@ Format& Format::operator%(unsigned long long value) {
 }
 
 Format::operator std::string() {
-    if (impl->findPlaceholder())
+    if (Item item; impl->findPlaceholder(item))
         throw UFormatException("not enough format arguments");
     impl->position = 0;
     if (impl->streaming)
         impl->streaming->stream.clear();
     // The output stays, so a second conversion begins with the text of the first.
-    return std::string(impl->output);
+    return std::string(impl->output.text());
 }
 
 Format& Format::insertText(const char* text) {
