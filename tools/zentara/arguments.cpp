@@ -24,6 +24,17 @@ CLI::Validator anyName(const char* what) {
             ""};
 }
 
+CLI::Option* addPluginName(CLI::App& command, std::vector<std::string>& names) {
+    return command
+        .add_option(
+            "--plugin", names,
+            "With --direct: which device plug-in, by its GUID, its name or its file; the first one by GUID "
+            "unless given")
+        ->type_name("GUID|FILE")
+        ->delimiter(',')
+        ->check(anyName("plug-in"));
+}
+
 void refuseEmptyWords(CLI::App& program) {
     for (CLI::Option* option : program.get_options()) {
         const std::string name = option->get_name();

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include <CLI/CLI.hpp>
 
 namespace Zentara::Tool {
@@ -13,6 +16,9 @@ inline constexpr double longestWatch = 86'400;
 
 /// Takes any text but the empty one. \param what is named by it, for the message
 [[nodiscard]] CLI::Validator anyName(const char* what);
+
+/// --plugin, which chooses among the device plug-ins.
+CLI::Option* addPluginName(CLI::App& command, std::vector<std::string>& names);
 
 /// Refuses an empty text wherever an option or an argument takes one, in all verbs: a variable that was not set must not
 /// name something else. Bytes that may be none are left alone.

@@ -11,6 +11,12 @@ std::string Console::words() const {
 
 void tellLine(std::ostream& err, const std::string& text) { err << Utils::visibleText(text) << std::endl; }
 
+std::string printable(const std::string& text) { return Utils::visibleText(text); }
+
+Host::Note notesTo(std::ostream& err) {
+    return [&err](const std::string& text) { tellLine(err, "zentara: " + text); };
+}
+
 void note(Console& console, const std::string& text) { tellLine(console.err, console.words() + ": " + text); }
 
 void tellFailure(Console& console, const Failure& failure) {

@@ -3,6 +3,8 @@
 #include <ostream>
 #include <string>
 
+#include <zentara/host/note.h>
+
 #include "tools/zentara/exit_code.h"
 
 namespace Zentara::Tool {
@@ -25,6 +27,12 @@ struct Console {
 /// A line on standard error. Every note and every failure goes through here: what comes from outside, a file's name or a
 /// camera's text, can neither act on the terminal nor fill it.
 void tellLine(std::ostream& err, const std::string& text);
+
+/// For a terminal: names from files may hold anything, and be of any length.
+[[nodiscard]] std::string printable(const std::string& text);
+
+/// What the host library tells, each a line: "zentara: TEXT".
+[[nodiscard]] Host::Note notesTo(std::ostream& err);
 
 /// A line about what does not end the verb: "zentara rom info: TEXT".
 void note(Console& console, const std::string& text);

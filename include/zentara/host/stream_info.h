@@ -43,6 +43,18 @@ enum class Source {
 /// "none", "camera", "description", "failure" or "unknown".
 [[nodiscard]] ZENTARA_HOST_API const char* sourceName(Source source) noexcept;
 
+/// Where the parts of a camera's calibration come from.
+struct Sources {
+    Source lens = Source::None;       ///< the model of the depth pictures
+    Source extrinsics = Source::None; ///< from the depth to the colour camera
+    Source corrections = Source::None;
+    Source accelerometer = Source::None;
+    Source serialNumber = Source::None;
+    std::string failure; ///< why the camera's storage could not be read; empty if it could
+
+    friend bool operator==(const Sources&, const Sources&) = default;
+};
+
 /// How depth is to be corrected in one camera mode, as the camera or its description gives it.
 struct ModeCorrections {
     /// What the temperature's parameters mean.

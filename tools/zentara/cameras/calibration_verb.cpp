@@ -6,9 +6,10 @@
 #include <zentara/depth_base_configuration.h>
 #include <zentara/utils/format.h>
 
+#include "host/cameras/calibration_origin.h"
 #include "host/files/paths.h"
 #include "tools/zentara/cameras/calibration_json.h"
-#include "tools/zentara/cameras/calibration_origin.h"
+#include "tools/zentara/cameras/camera_json.h"
 #include "tools/zentara/cameras/camera_session.h"
 #include "tools/zentara/cameras/stored_document.h"
 
@@ -96,7 +97,7 @@ ExitCode runExport(const CalibrationOptions& options, Console& console) {
             writeJsonFile(options.file, document, forced(options.force));
         session.finish({{"calibration", toJson(calibration)},
                         {"applied", applied},
-                        {"source", originJson(session.depth())}},
+                        {"source", toJson(sourcesOf(session.depth()))}},
                        text.str());
         return Failure::None;
     });
@@ -179,7 +180,7 @@ ExitCode runDiff(const CalibrationOptions& options, Console& console) {
             tellApplied(applied, right, console);
             camera = {{"camera", cameraJson(session.camera())},
                       {"applied", applied},
-                      {"source", originJson(session.depth())}};
+                      {"source", toJson(sourcesOf(session.depth()))}};
             return Failure::None;
         }));
     const Json list = differencesBetween(toJson(left), toJson(right));

@@ -1,4 +1,5 @@
 #include "tools/zentara/cameras/camera_session.h"
+#include "tools/zentara/cameras/camera_json.h"
 
 #include <algorithm>
 #include <exception>
@@ -32,11 +33,12 @@ void addCameraOptions(CLI::App& command, CameraOptions& options) {
 
 CameraSession::CameraSession(const CameraOptions& wanted, Console& target)
     : options(wanted), console(target),
-      entry(options.writes ? chooseCameraToWrite(CameraBus(console.err).someCameras(), options.camera)
-                           : chooseCamera(CameraBus(console.err).someCameras(), options.camera)) {
+      entry(options.writes
+                ? chooseCameraToWrite(CameraBus(notesTo(console.err)).someCameras(), options.camera)
+                : chooseCamera(CameraBus(notesTo(console.err)).someCameras(), options.camera)) {
     description.select(entry.nodes.front());
     if (const NodeEvent* depthNode = entry.find(NodeType_DEPTH))
-        node = std::make_unique<OpenNode<Core::DepthNodeInterface>>(*depthNode, console.err);
+        node = std::make_unique<OpenNode<Core::DepthNodeInterface>>(*depthNode, notesTo(console.err));
 }
 
 CameraSession::~CameraSession() {
@@ -94,7 +96,7 @@ void CameraSession::finish(const Json& result, const std::string& text) const {
 void CameraSession::passOn(const Failure& failure) const {
     if (failure.code() != Failure::Failed && failure.code() != Failure::TimedOut)
         throw failure;
-    const std::vector<CameraEntry> present = CameraBus(console.err).cameras();
+    const std::vector<CameraEntry> present = CameraBus(notesTo(console.err)).cameras();
     const bool isThere = std::any_of(present.begin(), present.end(),
                                      [this](const CameraEntry& camera) { return camera.path == entry.path; });
     if (isThere)

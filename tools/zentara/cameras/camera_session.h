@@ -6,9 +6,9 @@
 #include <zentara/core/depth_node_interface.h>
 #include <zentara/io/library_parameter_interpreter.h>
 
-#include "tools/zentara/cameras/camera_bus.h"
+#include "host/cameras/camera_bus.h"
+#include "host/cameras/open_node.h"
 #include "tools/zentara/json_output.h"
-#include "tools/zentara/streams/node_source.h"
 #include "tools/zentara/verb.h"
 
 namespace Zentara::Tool {

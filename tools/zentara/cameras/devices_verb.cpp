@@ -4,11 +4,12 @@
 
 #include <zentara/utils/clock.h>
 
+#include "host/cameras/camera_bus.h"
+#include "host/cameras/stream_description.h"
 #include "tools/zentara/arguments.h"
-#include "tools/zentara/cameras/camera_bus.h"
+#include "tools/zentara/cameras/camera_json.h"
 #include "tools/zentara/interrupt.h"
 #include "tools/zentara/json_output.h"
-#include "tools/zentara/streams/stream_description.h"
 #include "tools/zentara/text_columns.h"
 #include "tools/zentara/verb.h"
 
@@ -107,7 +108,7 @@ ExitCode watchDevices(const DevicesOptions& options, CameraBus& bus, Console& co
 }
 
 ExitCode runDevices(const DevicesOptions& options, Console& console) {
-    CameraBus bus(console.err);
+    CameraBus bus(notesTo(console.err));
     if (options.watch)
         return watchDevices(options, bus, console);
     const std::vector<CameraEntry> cameras = bus.cameras();

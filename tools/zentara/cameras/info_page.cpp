@@ -1,6 +1,6 @@
 #include "tools/zentara/cameras/info_page.h"
 
-#include "tools/zentara/cameras/camera_bus.h"
+#include "host/cameras/camera_bus.h"
 #include "tools/zentara/text_columns.h"
 
 namespace Zentara::Tool {

@@ -5,15 +5,16 @@
 #include <zentara/core/descriptor_store_ro.h>
 #include <zentara/core/guids.h>
 
+#include "host/cameras/calibration_origin.h"
+#include "host/cameras/stream_description.h"
 #include "host/guid_text.h"
 #include "tools/zentara/arguments.h"
 #include "tools/zentara/cameras/calibration_json.h"
-#include "tools/zentara/cameras/calibration_origin.h"
+#include "tools/zentara/cameras/camera_json.h"
 #include "tools/zentara/cameras/camera_session.h"
 #include "tools/zentara/cameras/info_page.h"
 #include "tools/zentara/cameras/node_names.h"
 #include "tools/zentara/cameras/parameter_text.h"
-#include "tools/zentara/streams/stream_description.h"
 
 namespace Zentara::Tool {
 namespace {
@@ -175,7 +176,7 @@ Json askCamera(CameraSession& session, ExitCode& worst) {
         depth.getVersions(major, minor);
         return Json{{"major", major}, {"minor", minor}};
     });
-    json["source"] = originJson(depth);
+    json["source"] = toJson(sourcesOf(depth));
     section(json, "lens", worst, [&] {
         const StereoCameraParametersArray lenses = depth.getImageRegistrationCalibration();
         return Json{{"depth", toJson(lenses.depthIntrinsics.values)},

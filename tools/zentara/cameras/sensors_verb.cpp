@@ -13,6 +13,7 @@
 #include "host/files/pending_file.h"
 #include "host/pictures/plot.h"
 #include "tools/zentara/arguments.h"
+#include "tools/zentara/cameras/camera_json.h"
 #include "tools/zentara/cameras/camera_session.h"
 #include "tools/zentara/cameras/node_names.h"
 #include "tools/zentara/cameras/parameter_text.h"

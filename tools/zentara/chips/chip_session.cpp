@@ -1,4 +1,5 @@
 #include "tools/zentara/chips/chip_session.h"
+#include "tools/zentara/cameras/camera_json.h"
 
 #include <algorithm>
 #include <utility>
@@ -12,9 +13,10 @@
 #include <zentara/utils/format.h>
 #include <zentara/utils/text.h>
 
+#include "host/cameras/device_choice.h"
 #include "host/guid_text.h"
+#include "tools/zentara/arguments.h"
 #include "tools/zentara/cameras/camera_session.h"
-#include "tools/zentara/chips/device_choice.h"
 #include "tools/zentara/tool_log.h"
 
 namespace Zentara::Tool {
@@ -97,7 +99,8 @@ void ChipSession::openDevice() {
         throw Failure(Failure::Usage,
                       "there is no controller '" + wanted + "'; known: " + Utils::join(known, ", "));
     const ChosenController chosen(wanted);
-    const GUID guid = chooseDevice(Core::ImplType_VIDEO_DEVICE, "video device", options.plugins, console.err);
+    const GUID guid =
+        chooseDevice(Core::ImplType_VIDEO_DEVICE, "video device", options.plugins, notesTo(console.err));
     deviceName = guidLabel(guid);
     attempt("open " + deviceName, [&] {
         proxy = std::make_unique<IO::VideoDeviceProxy>(guid, false);
@@ -107,7 +110,7 @@ void ChipSession::openDevice() {
 }
 
 void ChipSession::openCamera() {
-    const std::vector<CameraEntry> present = CameraBus(console.err).someCameras();
+    const std::vector<CameraEntry> present = CameraBus(notesTo(console.err)).someCameras();
     entry =
         options.writes ? chooseCameraToWrite(present, options.camera) : chooseCamera(present, options.camera);
     node = videoNodeOf(entry);

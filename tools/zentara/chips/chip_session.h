@@ -10,7 +10,8 @@
 #include <zentara/io/video_device_proxy.h>
 #include <zentara/rom_element.h>
 
-#include "tools/zentara/cameras/camera_bus.h"
+#include "host/cameras/camera_bus.h"
+#include "tools/zentara/cameras/camera_json.h"
 #include "tools/zentara/json_output.h"
 #include "tools/zentara/supervisor.h"
 #include "tools/zentara/verb.h"

@@ -5,8 +5,9 @@
 
 #include <zentara/utils/wave_writer.h>
 
+#include "host/cameras/stream_description.h"
 #include "host/files/pending_file.h"
-#include "tools/zentara/streams/stream_description.h"
+#include "tools/zentara/exit_code.h"
 #include "tools/zentara/streams/stream_sink.h"
 
 namespace Zentara::Tool {

@@ -4,9 +4,10 @@
 #include <string>
 #include <vector>
 
+#include "host/cameras/stream_description.h"
 #include "host/files/pending_file.h"
+#include "tools/zentara/exit_code.h"
 #include "tools/zentara/streams/frame_counter.h"
-#include "tools/zentara/streams/stream_description.h"
 #include "tools/zentara/streams/stream_sink.h"
 
 namespace Zentara::Tool {

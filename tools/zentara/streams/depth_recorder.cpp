@@ -5,8 +5,8 @@
 
 #include <zentara/utils/format.h>
 
+#include "host/cameras/camera_bus.h"
 #include "host/pictures/canvas.h"
-#include "tools/zentara/cameras/camera_bus.h"
 #include "tools/zentara/exit_code.h"
 
 namespace Zentara::Tool {

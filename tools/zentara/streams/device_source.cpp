@@ -6,8 +6,8 @@
 #include <zentara/io/video_device_proxy.h>
 #include <zentara/utils/format.h>
 
+#include "host/cameras/device_choice.h"
 #include "host/guid_text.h"
-#include "tools/zentara/chips/device_choice.h"
 #include "tools/zentara/exit_code.h"
 
 namespace Zentara::Tool {
@@ -90,12 +90,12 @@ private:
 } // namespace
 
 std::unique_ptr<StreamSource> openDeviceStream(NodeType type, const std::vector<std::string>& plugins,
-                                               std::ostream& err) {
+                                               const Host::Note& note) {
     if (type == NodeType_AUDIO)
         return std::make_unique<AudioSource>(
-            chooseDevice(Core::ImplType_AUDIO_DEVICE, "audio device", plugins, err));
+            chooseDevice(Core::ImplType_AUDIO_DEVICE, "audio device", plugins, note));
     return std::make_unique<VideoSource>(
-        chooseDevice(Core::ImplType_VIDEO_DEVICE, "video device", plugins, err));
+        chooseDevice(Core::ImplType_VIDEO_DEVICE, "video device", plugins, note));
 }
 
 } // namespace Zentara::Tool

@@ -1,9 +1,10 @@
 #pragma once
 
 #include <memory>
-#include <ostream>
 #include <string>
 #include <vector>
+
+#include <zentara/host/note.h>
 
 #include "tools/zentara/streams/stream_source.h"
 
@@ -14,6 +15,6 @@ namespace Zentara::Tool {
 /// \param type of the stream: depth or audio \param plugins which device is meant, as chooseDevice() takes them
 /// \throws Failure
 [[nodiscard]] std::unique_ptr<StreamSource>
-openDeviceStream(NodeType type, const std::vector<std::string>& plugins, std::ostream& err);
+openDeviceStream(NodeType type, const std::vector<std::string>& plugins, const Host::Note& note);
 
 } // namespace Zentara::Tool

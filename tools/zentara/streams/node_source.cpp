@@ -11,53 +11,18 @@
 #include <zentara/plugin/call_plugin.h>
 #include <zentara/utils/format.h>
 
-#include "host/guid_text.h"
-#include "tools/zentara/cameras/calibration_origin.h"
+#include "host/cameras/open_node.h"
 
 namespace Zentara::Tool {
 
 using Utils::Format;
-
-template<typename Node>
-OpenNode<Node>::OpenNode(const NodeEvent& found, std::ostream& err) : description(found) {
-    ownStore.select(description);
-    const GUID guid = Zentara::Plugin::callPlugin([this] { return store().getNodeImplGUID(); });
-    attempt(Format("open % through %") % cameraLabel(description) % guidLabel(guid), [&] {
-        node = makePlugin<Node>(guid);
-        node->initialize(&description, &store(), nullptr);
-    });
-    if constexpr (std::is_same_v<Node, Core::DepthNodeInterface>)
-        tellOrigin(*node, cameraLabel(description), err);
-}
-
-template<typename Node>
-OpenNode<Node>::~OpenNode() {
-    const Step watched("let go of " + cameraLabel(description));
-    try {
-        dispose();
-    } catch (const std::exception&) {
-        // Whoever wants to know calls dispose() himself.
-    }
-    node.reset();
-}
-
-template<typename Node>
-void OpenNode<Node>::dispose() {
-    if (!node || std::exchange(disposed, true))
-        return;
-    attempt("close " + cameraLabel(description), [&] { node->dispose(); });
-}
-
-template class OpenNode<Core::AudioNodeInterface>;
-template class OpenNode<Core::ColorNodeInterface>;
-template class OpenNode<Core::DepthNodeInterface>;
 
 namespace {
 
 template<typename Node, typename Mode>
 class NodeSource final : public StreamSource {
 public:
-    NodeSource(const NodeEvent& event, const ModeChoice& choice, std::ostream& err) : node(event, err) {
+    NodeSource(const NodeEvent& event, const ModeChoice& choice, const Host::Note& note) : node(event, note) {
         attempt("choose a mode of " + label(), [&] { mode = chosenMode(choice); });
         told = {event, StreamMode(*mode)};
     }
@@ -100,15 +65,15 @@ private:
 } // namespace
 
 std::unique_ptr<StreamSource> openNodeStream(const NodeEvent& node, const ModeChoice& choice,
-                                             std::ostream& err) {
+                                             const Host::Note& note) {
     switch (node.nodeType) {
     case NodeType_DEPTH:
         return std::make_unique<NodeSource<Core::DepthNodeInterface, DepthBaseConfiguration>>(node, choice,
-                                                                                              err);
+                                                                                              note);
     case NodeType_COLOR:
-        return std::make_unique<NodeSource<Core::ColorNodeInterface, ColorConfiguration>>(node, choice, err);
+        return std::make_unique<NodeSource<Core::ColorNodeInterface, ColorConfiguration>>(node, choice, note);
     case NodeType_AUDIO:
-        return std::make_unique<NodeSource<Core::AudioNodeInterface, AudioConfiguration>>(node, choice, err);
+        return std::make_unique<NodeSource<Core::AudioNodeInterface, AudioConfiguration>>(node, choice, note);
     default:
         throw Failure(Failure::Failed, cameraLabel(node) + " is of a kind that has no stream");
     }

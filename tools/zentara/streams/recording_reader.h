@@ -6,7 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "tools/zentara/streams/stream_description.h"
+#include "host/cameras/stream_description.h"
+#include "tools/zentara/exit_code.h"
 
 namespace Zentara::Tool {
 

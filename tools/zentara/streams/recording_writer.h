@@ -6,8 +6,9 @@
 
 #include <zentara/utils/mutex.h>
 
+#include "host/cameras/stream_description.h"
 #include "host/files/pending_file.h"
-#include "tools/zentara/streams/stream_description.h"
+#include "tools/zentara/exit_code.h"
 
 namespace Zentara::Utils {
 class BinaryWriter;

@@ -1,4 +1,5 @@
 #include "tools/zentara/streams/stream_session.h"
+#include "tools/zentara/cameras/camera_json.h"
 
 #include <algorithm>
 #include <cctype>
@@ -98,7 +99,7 @@ void StreamSession::openDevices() {
     openCamera(
         {{}, nodes, {}, {}, {}},
         [this](const NodeEvent& node) {
-            return openDeviceStream(node.nodeType, options.plugins, console.err);
+            return openDeviceStream(node.nodeType, options.plugins, notesTo(console.err));
         },
         false);
 }
@@ -120,7 +121,7 @@ void StreamSession::openRecording() {
 }
 
 void StreamSession::openCameras() {
-    parts->bus = std::make_unique<CameraBus>(console.err);
+    parts->bus = std::make_unique<CameraBus>(notesTo(console.err));
     std::vector<CameraEntry> cameras = parts->bus->someCameras();
     if (!options.all)
         cameras = chooseCameras(cameras, options.cameras);
@@ -136,7 +137,9 @@ void StreamSession::openCameras() {
                      [this](const NodeEvent& node) { return wants(node.nodeType); });
         openCamera(
             wanted,
-            [this](const NodeEvent& node) { return openNodeStream(node, options.modes, console.err); },
+            [this](const NodeEvent& node) {
+                return openNodeStream(node, options.modes, notesTo(console.err));
+            },
             false);
     }
     parts->bus->watch();

@@ -8,8 +8,8 @@
 
 #include <zentara/node_event.h>
 
-#include "tools/zentara/cameras/camera_bus.h"
-#include "tools/zentara/streams/mode_choice.h"
+#include "host/cameras/camera_bus.h"
+#include "host/cameras/mode_choice.h"
 #include "tools/zentara/streams/streamed_camera.h"
 #include "tools/zentara/verb.h"
 

@@ -5,7 +5,8 @@
 
 #include <zentara/read_buffer_status.h>
 
-#include "tools/zentara/streams/stream_description.h"
+#include "host/cameras/stream_description.h"
+#include "tools/zentara/exit_code.h"
 
 namespace Zentara::Tool {
 

@@ -8,8 +8,8 @@
 #include <zentara/utils/files.h>
 #include <zentara/utils/format.h>
 
+#include "host/cameras/device_choice.h"
 #include "tools/zentara/arguments.h"
-#include "tools/zentara/chips/device_choice.h"
 #include "tools/zentara/json_output.h"
 #include "tools/zentara/streams/stream_session.h"
 #include "tools/zentara/verb.h"

@@ -7,8 +7,8 @@
 #include <zentara/utils/clock.h>
 #include <zentara/utils/format.h>
 
+#include "host/cameras/camera_bus.h"
 #include "host/files/file_failure.h"
-#include "tools/zentara/cameras/camera_bus.h"
 #include "tools/zentara/streams/stream_reader.h"
 
 namespace Zentara::Tool {

@@ -1,13 +1,13 @@
-#include "tools/zentara/streams/mode_choice.h"
+#include "host/cameras/mode_choice.h"
 
 #include <algorithm>
 
 #include <zentara/utils/format.h>
 #include <zentara/utils/text.h>
 
-#include "tools/zentara/exit_code.h"
+#include "host/attempt.h"
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 using Utils::Format;
 
@@ -91,4 +91,4 @@ const std::string& ModeChoice::nameFor(NodeType type) const {
     }
 }
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

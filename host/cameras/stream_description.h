@@ -16,7 +16,7 @@ namespace Zentara::Core {
 class DescriptorStoreRO;
 }
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 /// The mode of a stream of any kind: the fields of the kind's configuration as numbers.
 ///
@@ -67,4 +67,4 @@ struct StreamDescription {
 /// "depth", "color" or "audio"; "?" for anything else.
 [[nodiscard]] const char* nodeTypeName(NodeType type) noexcept;
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

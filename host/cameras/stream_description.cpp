@@ -1,11 +1,11 @@
-#include "tools/zentara/streams/stream_description.h"
+#include "host/cameras/stream_description.h"
 
 #include <algorithm>
 
 #include <zentara/core/descriptor_store_ro.h>
 #include <zentara/utils/format.h>
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 namespace {
 
 constexpr int mostFramesPerSecond = 10'000;
@@ -120,4 +120,4 @@ const char* nodeTypeName(NodeType type) noexcept {
     }
 }
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

@@ -1,32 +1,24 @@
 #pragma once
 
-#include <ostream>
 #include <string>
 #include <vector>
 
 #include <zentara/core/impl_type.h>
 #include <zentara/guid.h>
+#include <zentara/host/note.h>
 
-namespace CLI {
-class App;
-class Option;
-} // namespace CLI
-
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 /// The registered plug-ins of a kind, sorted by GUID.
 /// \param what the kind, for messages: "video device".
 /// \throws Failure when none is registered, or the plug-in manager does not come up.
 [[nodiscard]] std::vector<GUID> registeredPlugins(Core::ImplType type, const char* what);
 
-/// --plugin, which chooses among the device plug-ins.
-CLI::Option* addPluginName(CLI::App& command, std::vector<std::string>& names);
-
 /// Picks the registered device plug-in of a kind: one that is named or, with several, the first by GUID, which is then
-/// said on `err`.
+/// told as a note.
 /// \param names GUIDs, well-known names and files; each names a plug-in of one of the kinds that are wanted
-/// \throws Failure as above, and exit code 2 when none of the kind is named although names are given
+/// \throws Failure as above, and (Usage) when none of the kind is named although names are given
 [[nodiscard]] GUID chooseDevice(Core::ImplType type, const char* what, const std::vector<std::string>& names,
-                                std::ostream& err);
+                                const Note& note);
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "tools/zentara/streams/stream_description.h"
+#include "host/cameras/stream_description.h"
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 /// In which mode each kind of stream is wanted: by a mode's name, as "DEFF2FR60CM0S0", or for pictures by the size of
 /// their frames and perhaps the rate, as "320x240" or "320x240@60". A value type.
@@ -17,14 +17,14 @@ public:
 
     /// \param words a name each, or one size for depth and colour alike; a name says by its beginning for which kind
     /// it is. For a kind that has both, the name counts.
-    /// \throws Failure, exit code 2, for an empty word, a second size and a second name of one kind
+    /// \throws Failure (Usage), for an empty word, a second size and a second name of one kind
     explicit ModeChoice(const std::vector<std::string>& words);
 
     /// Whether something is wanted of that kind by name.
     [[nodiscard]] bool names(NodeType type) const { return !nameFor(type).empty(); }
 
     /// The index among a node's modes, of which the first one is the default.
-    /// \param label the node, for the message \throws Failure, exit code 2, naming the modes when none is the one
+    /// \param label the node, for the message \throws Failure (Usage), naming the modes when none is the one
     /// that is wanted
     [[nodiscard]] std::size_t among(const std::vector<StreamDescription>& modes,
                                     const std::string& label) const;
@@ -38,4 +38,4 @@ private:
     std::string size;
 };
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

@@ -1,21 +1,19 @@
 #pragma once
 
 #include <memory>
-#include <ostream>
 #include <string>
 #include <vector>
 
 #include <zentara/core/descriptor_store_interface.h>
 #include <zentara/core/plugin_manager.h>
 #include <zentara/external_event.h>
+#include <zentara/host/failure.h>
+#include <zentara/host/note.h>
 #include <zentara/io/enumerator_interface.h>
 #include <zentara/utils/queue.h>
 #include <zentara/utils/smart_ptr.h>
 
-#include "tools/zentara/exit_code.h"
-#include "tools/zentara/json_output.h"
-
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 /// Makes an object of a plug-in. \throws Failure
 template<typename Interface>
@@ -28,9 +26,9 @@ class JoinedDescriptions;
 class CameraStore final {
 public:
     /// A store that fails is left out while there are others.
-    /// \param leftOut is told of each such store; may be null
+    /// \param leftOut is told of each such store; null for nobody
     /// \throws Failure when there is no store plug-in, or all fail.
-    explicit CameraStore(std::ostream* leftOut = nullptr);
+    explicit CameraStore(const Note* leftOut = nullptr);
     ~CameraStore();
     CameraStore(const CameraStore&) = delete;
     CameraStore& operator=(const CameraStore&) = delete;
@@ -66,7 +64,7 @@ struct CameraEntry {
 class CameraBus final {
 public:
     /// \throws Failure when there is no enumerator or store plug-in, or all of them fail.
-    explicit CameraBus(std::ostream& err);
+    explicit CameraBus(Note told);
     ~CameraBus();
     CameraBus(const CameraBus&) = delete;
     CameraBus& operator=(const CameraBus&) = delete;
@@ -77,7 +75,7 @@ public:
     /// The same. \throws what failForNone() throws when there is none
     [[nodiscard]] std::vector<CameraEntry> someCameras();
 
-    /// \throws Failure, exit code 3: no camera is plugged in, and what an enumerator complains of
+    /// \throws Failure (NoDevice): no camera is plugged in, and what an enumerator complains of
     [[noreturn]] void failForNone();
 
     /// A node's camera, as far as its description tells it.
@@ -99,7 +97,7 @@ private:
     void open(const GUID& guid);
     void leaveOut(const Failure& failure);
 
-    std::ostream& err;
+    const Note note;
     CameraStore descriptions; ///< for cameras()
     Utils::Collection::Queue<ExternalEvent> events;
     std::vector<std::unique_ptr<Source>> sources; ///< they use the queue
@@ -108,28 +106,21 @@ private:
 /// The cameras whose serial number or path is that name or, if none is, in whose name, product name or controller it
 /// occurs, whatever the case.
 /// \param names empty for the first camera
-/// \throws Failure, exit code 3, when there is none, or a name fits none; exit code 2 for an empty name
+/// \throws Failure (NoDevice), when there is none, or a name fits none; (Usage) for an empty name
 [[nodiscard]] std::vector<CameraEntry> chooseCameras(const std::vector<CameraEntry>& cameras,
                                                      const std::vector<std::string>& names);
 
 /// The one camera of that name; the first one if the name is empty.
-/// \throws Failure as above, and exit code 2 when the name fits several
+/// \throws Failure as above, and (Usage) when the name fits several
 [[nodiscard]] CameraEntry chooseCamera(const std::vector<CameraEntry>& cameras, const std::string& name);
 
-/// Who a camera is, the same in every verb: serial, name (the product's, else its first node's), path and controller;
-/// null where that is not known.
-[[nodiscard]] Json cameraJson(const CameraEntry& camera);
-
 /// The same for what changes a camera: of several one has to be named.
-/// \throws Failure as above, and exit code 2 with the list of them when none is
+/// \throws Failure as above, and (Usage) with the list of them when none is
 [[nodiscard]] CameraEntry chooseCameraToWrite(const std::vector<CameraEntry>& cameras,
                                               const std::string& name);
 
 /// What to call a camera in a message: the name of its first node and its serial number.
 [[nodiscard]] std::string cameraLabel(const NodeEvent& node);
-
-/// For a terminal: names from files may hold anything, and be of any length.
-[[nodiscard]] std::string printable(const std::string& text);
 
 template<typename Interface>
 Utils::SmartPtr<Interface> makePlugin(GUID guid) {
@@ -151,4 +142,4 @@ Utils::SmartPtr<Interface> makePlugin(GUID guid) {
     return made;
 }
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

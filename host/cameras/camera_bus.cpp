@@ -1,4 +1,4 @@
-#include "tools/zentara/cameras/camera_bus.h"
+#include "host/cameras/camera_bus.h"
 
 #include <algorithm>
 #include <optional>
@@ -9,20 +9,27 @@
 #include <zentara/utils/format.h>
 #include <zentara/utils/text.h>
 
+#include "host/attempt.h"
+#include "host/cameras/device_choice.h"
+#include "host/cameras/joined_descriptions.h"
+#include "host/cameras/stream_description.h"
 #include "host/guid_text.h"
-#include "tools/zentara/cameras/joined_descriptions.h"
-#include "tools/zentara/chips/device_choice.h"
-#include "tools/zentara/console.h"
-#include "tools/zentara/streams/stream_description.h"
+#include "host/tell.h"
 #include "utils/visible_text.h"
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 using Utils::Format;
 
 namespace {
 
 constexpr unsigned long complaintMilliseconds = 500;
+
+/// The cause is a plug-in's text, and may be of any length.
+void tellLeftOut(const Note& note, const Failure& failure) {
+    tell(note,
+         failure.message() + "; it is left out" + (failure.cause().empty() ? "" : ": ") + failure.cause());
+}
 
 bool hasName(const CameraEntry& camera, const std::string& name) {
     return camera.path == name || camera.serialNumber() == name;
@@ -41,7 +48,7 @@ bool resembles(const CameraEntry& camera, const std::string& name) {
 std::string listOf(const std::vector<CameraEntry>& cameras) {
     std::string text;
     for (const CameraEntry& camera : cameras)
-        text += (text.empty() ? "" : ", ") + printable(camera.serialNumber());
+        text += (text.empty() ? "" : ", ") + Utils::visibleText(camera.serialNumber());
     return text;
 }
 
@@ -77,7 +84,7 @@ void describe(CameraEntry& camera, CameraStore& store) {
 
 } // namespace
 
-CameraStore::CameraStore(std::ostream* leftOut) {
+CameraStore::CameraStore(const Note* leftOut) {
     std::optional<Failure> first;
     for (const GUID& guid : registeredPlugins(Core::ImplType_DESCRIPTOR_STORE, "descriptor store")) {
         Utils::SmartPtr<Core::DescriptorStoreInterface> store; // outlives what its library throws
@@ -93,7 +100,7 @@ CameraStore::CameraStore(std::ostream* leftOut) {
             if (!first)
                 first.emplace(failure);
             if (leftOut != nullptr)
-                *leftOut << "zentara: " << failure.what() << "; it is left out\n";
+                tellLeftOut(*leftOut, failure);
         }
     }
     if (stores.empty())
@@ -152,7 +159,7 @@ struct CameraBus::Source {
     Utils::SmartPtr<IO::EnumeratorInterface> enumerator;
 };
 
-CameraBus::CameraBus(std::ostream& console) : err(console), descriptions(&console) {
+CameraBus::CameraBus(Note told) : note(std::move(told)), descriptions(&note) {
     std::optional<Failure> first;
     for (const GUID& guid : registeredPlugins(Core::ImplType_ENUMERATOR, "enumerator")) {
         try {
@@ -181,9 +188,7 @@ void CameraBus::open(const GUID& guid) {
     sources.push_back(std::move(source));
 }
 
-void CameraBus::leaveOut(const Failure& failure) {
-    tellLine(err, std::string("zentara: ") + failure.what() + "; it is left out");
-}
+void CameraBus::leaveOut(const Failure& failure) { tellLeftOut(note, failure); }
 
 std::vector<CameraEntry> CameraBus::cameras() {
     std::vector<NodeEvent> nodes;
@@ -214,13 +219,13 @@ std::vector<CameraEntry> CameraBus::cameras() {
         camera->nodes.push_back(node);
     }
     for (CameraEntry& camera : cameras)
-        Tool::describe(camera, descriptions);
+        Host::describe(camera, descriptions);
     return cameras;
 }
 
 CameraEntry CameraBus::describe(const NodeEvent& node) {
     CameraEntry camera{node.parentPath, {node}, {}, {}, {}};
-    Tool::describe(camera, descriptions);
+    Host::describe(camera, descriptions);
     return camera;
 }
 
@@ -246,7 +251,7 @@ std::string CameraBus::complaint() {
     ExternalEvent event;
     while (next(event, complaintMilliseconds)) {
         if (event.type == ExternalEventType_ERROR)
-            return printable(event.node.name);
+            return Utils::visibleText(event.node.name);
     }
     return {};
 }
@@ -297,15 +302,6 @@ CameraEntry chooseCamera(const std::vector<CameraEntry>& cameras, const std::str
     return chosen.front();
 }
 
-Json cameraJson(const CameraEntry& camera) {
-    const std::string& name =
-        camera.product.empty() && !camera.nodes.empty() ? camera.nodes.front().name : camera.product;
-    return {{"serial", orNull(camera.serialNumber())},
-            {"name", orNull(name)},
-            {"path", orNull(camera.path)},
-            {"controller", orNull(camera.controller)}};
-}
-
 CameraEntry chooseCameraToWrite(const std::vector<CameraEntry>& cameras, const std::string& name) {
     if (name.empty() && cameras.size() > 1)
         throw Failure(Failure::Usage,
@@ -316,11 +312,10 @@ CameraEntry chooseCameraToWrite(const std::vector<CameraEntry>& cameras, const s
 }
 
 std::string cameraLabel(const NodeEvent& node) {
-    return printable(Format("% %") %
-                     (node.name.empty() ? std::string(nodeTypeName(node.nodeType)) : node.name) %
-                     node.serialNumber);
+    const std::string label = Format("% %") %
+                              (node.name.empty() ? std::string(nodeTypeName(node.nodeType)) : node.name) %
+                              node.serialNumber;
+    return Utils::visibleText(label);
 }
 
-std::string printable(const std::string& text) { return Utils::visibleText(text); }
-
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

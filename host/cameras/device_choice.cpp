@@ -1,9 +1,7 @@
-#include "tools/zentara/chips/device_choice.h"
+#include "host/cameras/device_choice.h"
 
 #include <algorithm>
 #include <vector>
-
-#include <CLI/CLI.hpp>
 
 #include <zentara/core/plugin_manager.h>
 #include <zentara/core/plugin_probe.h>
@@ -11,13 +9,12 @@
 #include <zentara/utils/format.h>
 #include <zentara/utils/text.h>
 
+#include "host/attempt.h"
 #include "host/guid_text.h"
-#include "tools/zentara/arguments.h"
-#include "tools/zentara/console.h"
-#include "tools/zentara/exit_code.h"
+#include "host/tell.h"
 #include "utils/visible_text.h"
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 namespace {
 
 using Utils::Format;
@@ -78,27 +75,15 @@ std::vector<GUID> registeredPlugins(Core::ImplType type, const char* what) {
     return guids;
 }
 
-CLI::Option* addPluginName(CLI::App& command, std::vector<std::string>& names) {
-    return command
-        .add_option(
-            "--plugin", names,
-            "With --direct: which device plug-in, by its GUID, its name or its file; the first one by GUID "
-            "unless given")
-        ->type_name("GUID|FILE")
-        ->delimiter(',')
-        ->check(anyName("plug-in"));
-}
-
 GUID chooseDevice(Core::ImplType type, const char* what, const std::vector<std::string>& names,
-                  std::ostream& err) {
+                  const Note& note) {
     const std::vector<GUID> guids = registeredPlugins(type, what);
     if (!names.empty())
         return namedDevice(type, what, names);
     if (guids.size() > 1)
-        tellLine(err, "zentara: " + std::to_string(guids.size()) + " " + what +
-                          " plug-ins are registered; taking " + guidLabel(guids.front()) +
-                          "; --plugin chooses");
+        tell(note, std::to_string(guids.size()) + " " + what + " plug-ins are registered; taking " +
+                       guidLabel(guids.front()) + "; --plugin chooses");
     return guids.front();
 }
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

@@ -8,7 +8,7 @@
 #include <zentara/core/descriptor_store_ro.h>
 #include <zentara/depth_base_configuration.h>
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 /// Several descriptor stores as one: selecting a node asks each in turn, and the one that has it answers everything
 /// else. Separate, as any store.
@@ -119,4 +119,4 @@ private:
     std::size_t selected = 0;
 };
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host
