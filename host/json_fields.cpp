@@ -62,10 +62,10 @@ Json readJsonFile(const std::string& path) {
     }
 }
 
-void writeJsonFile(const std::string& path, const Json& json, IfThere ifThere) {
+void writeJsonFile(const std::string& path, const Json& json, const OutputFile::Rules& rules) {
     std::ostringstream text;
     text << json.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
-    PendingFile file(path, ifThere);
+    OutputFile file(path, rules);
     file.write(text.str());
     file.commit();
 }

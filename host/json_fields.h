@@ -6,7 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "host/files/pending_file.h"
+#include <zentara/host/output_file.h>
+
 #include "host/json.h"
 
 namespace Zentara::Host {
@@ -17,7 +18,7 @@ namespace Zentara::Host {
 [[nodiscard]] Json readJsonFile(const std::string& path);
 
 /// Writes a file whole or not at all. \throws Failure, also when it is there and is not to be replaced
-void writeJsonFile(const std::string& path, const Json& json, IfThere ifThere);
+void writeJsonFile(const std::string& path, const Json& json, const OutputFile::Rules& rules);
 
 /// A value for a message, cut where it is long: "40000", "an object".
 [[nodiscard]] std::string shortText(const Json& value);

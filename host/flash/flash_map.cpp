@@ -26,9 +26,9 @@ constexpr double CAPTION = 110; ///< the least width of a stretch that is writte
 
 constexpr const char* letters = "123456789abcdefghijklmnopqrstuvwxyz";
 
-Rgb colorOf(RegionKind kind, char letter) {
-    constexpr Rgb sections[] = {{76, 114, 176},  {85, 168, 104}, {129, 114, 178}, {204, 185, 116},
-                                {100, 181, 205}, {221, 132, 82}, {140, 140, 140}};
+Color colorOf(RegionKind kind, char letter) {
+    constexpr Color sections[] = {{76, 114, 176},  {85, 168, 104}, {129, 114, 178}, {204, 185, 116},
+                                  {100, 181, 205}, {221, 132, 82}, {140, 140, 140}};
     switch (kind) {
     case RegionKind::Free:
         return {240, 240, 240};
@@ -48,8 +48,8 @@ Rgb colorOf(RegionKind kind, char letter) {
     return sections[static_cast<unsigned char>(letter) % std::size(sections)];
 }
 
-std::string colorText(const Rgb& color) {
-    return Format("#%{:x2}%{:x2}%{:x2}") % unsigned{color[0]} % unsigned{color[1]} % unsigned{color[2]};
+std::string colorText(Color color) {
+    return Format("#%{:x2}%{:x2}%{:x2}") % unsigned{color.red} % unsigned{color.green} % unsigned{color.blue};
 }
 
 struct Meaning {
@@ -183,7 +183,7 @@ std::string FlashMap::svg(const std::string& title) const {
     const auto x = [&](std::uint64_t offset) {
         return LEFT + WIDTH * static_cast<double>(offset) / static_cast<double>(rowBytes);
     };
-    const auto draw = [&](std::uint64_t from, std::uint64_t end, const Rgb& color, const std::string& label) {
+    const auto draw = [&](std::uint64_t from, std::uint64_t end, Color color, const std::string& label) {
         for (std::uint64_t at = from; at < end;) { // a stretch goes on in the next row
             const std::uint64_t row = at / rowBytes;
             const std::uint64_t stop = std::min(end, (row + 1) * rowBytes);
@@ -198,7 +198,7 @@ std::string FlashMap::svg(const std::string& title) const {
             if (width >= CAPTION)
                 svg += Format("<text x=\"%\" y=\"%\" fill=\"%\">%</text>\n") % decimalText(left + 4) %
                        decimalText(top + 14) %
-                       (color[0] + color[1] + color[2] > 500 ? "#606060" : "#ffffff") %
+                       (color.red + color.green + color.blue > 500 ? "#606060" : "#ffffff") %
                        label.substr(0, static_cast<std::size_t>(width / 6.5));
             at = stop;
         }
@@ -242,7 +242,7 @@ std::string FlashMap::png(const std::string& title) const {
     constexpr int margin = 12;
     const int left = margin + Canvas::textWidth("0x00000000") + margin;
     const int top = 2 * line;
-    std::vector<std::pair<Rgb, std::string>> legend;
+    std::vector<std::pair<Color, std::string>> legend;
     for (const Meaning& meaning : meanings)
         if (meaning.kind != RegionKind::Section)
             legend.emplace_back(colorOf(meaning.kind, '.'), meaning.text);
@@ -275,7 +275,7 @@ std::string FlashMap::png(const std::string& title) const {
         canvas.box(margin, y, Canvas::textHeight, Canvas::textHeight - 4, legend[entry].first);
         canvas.text(margin + 2 * Canvas::textHeight, y, legend[entry].second, black);
     }
-    return canvas.png();
+    return canvas.picture().png();
 }
 
 } // namespace Zentara::Host

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "host/flash/flash_survey.h"
-#include "host/pictures/color_map.h"
 
 namespace Zentara::Host {
 

@@ -3,11 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdlib>
-#include <sstream>
-
-#include "host/pictures/plot.h"
-#include "host/pictures/png.h"
 
 #include <stb/stb_easy_font.h>
 
@@ -38,16 +33,15 @@ int pixelOf(float fontPixel) { return letterPixels * static_cast<int>(fontPixel)
 } // namespace
 
 Canvas::Canvas(int columns, int rows)
-    : width(columns), height(rows),
-      pixels(static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows) * 3, 255) {}
+    : drawn(static_cast<std::uint32_t>(columns), static_cast<std::uint32_t>(rows)) {}
 
-void Canvas::dot(int x, int y, const Rgb& color) {
-    if (x < 0 || x >= width || y < 0 || y >= height)
+void Canvas::dot(int x, int y, Color color) {
+    if (x < 0 || x >= width() || y < 0 || y >= height())
         return;
-    std::copy(color.begin(), color.end(), pixels.begin() + 3 * (static_cast<std::ptrdiff_t>(y) * width + x));
+    drawn.set(static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y), color);
 }
 
-void Canvas::line(double x0, double y0, double x1, double y1, const Rgb& color, int thickness) {
+void Canvas::line(double x0, double y0, double x1, double y1, Color color, int thickness) {
     const int steps = std::max(1, static_cast<int>(std::max(std::abs(x1 - x0), std::abs(y1 - y0))));
     for (int step = 0; step <= steps; ++step) {
         const double share = static_cast<double>(step) / steps;
@@ -57,20 +51,19 @@ void Canvas::line(double x0, double y0, double x1, double y1, const Rgb& color, 
     }
 }
 
-void Canvas::box(int x, int y, int columns, int rows, const Rgb& color) {
+void Canvas::box(int x, int y, int columns, int rows, Color color) {
     for (int row = 0; row < rows; ++row)
         for (int column = 0; column < columns; ++column)
             dot(x + column, y + row, color);
 }
 
-void Canvas::image(int x, int y, const std::vector<std::uint8_t>& source, int columns) {
-    for (std::size_t index = 0; index + 2 < source.size(); index += 3) {
-        const auto pixel = static_cast<int>(index / 3);
-        dot(x + pixel % columns, y + pixel / columns, {source[index], source[index + 1], source[index + 2]});
-    }
+void Canvas::image(int x, int y, const Picture& picture) {
+    for (std::uint32_t row = 0; row < picture.height(); ++row)
+        for (std::uint32_t column = 0; column < picture.width(); ++column)
+            dot(x + static_cast<int>(column), y + static_cast<int>(row), picture.at(column, row));
 }
 
-void Canvas::text(int x, int y, const std::string& label, const Rgb& color) {
+void Canvas::text(int x, int y, const std::string& label, Color color) {
     std::string words = inFont(label);
     std::vector<Corner> corners(words.size() * mostCorners);
     const int quads = stb_easy_font_print(0, 0, words.data(), nullptr, corners.data(),
@@ -85,58 +78,6 @@ void Canvas::text(int x, int y, const std::string& label, const Rgb& color) {
 
 int Canvas::textWidth(const std::string& label) {
     return letterPixels * stb_easy_font_width(inFont(label).data());
-}
-
-std::string Canvas::png() const { return encodePng(pixels, width, height); }
-
-std::string scaledPicturePng(const std::string& title, const std::vector<std::uint8_t>& pixels, int columns,
-                             int rows, const ColorScale& scale) {
-    constexpr int margin = 12;
-    constexpr int barWidth = 24;
-    constexpr int wantedTicks = 5;
-    constexpr int top = margin + Canvas::textHeight + margin;
-    const int barHeight = std::max(rows, 120);
-    const int bar = margin + columns + 2 * margin;
-    const double span = std::max(scale.high - scale.low, 1e-9);
-    int widest = Canvas::textWidth(scale.unit);
-    std::vector<double> ticks = plotTicks(scale.low, scale.high, wantedTicks);
-    ticks.front() = scale.low; // the range itself, with round numbers between
-    ticks.back() = scale.high;
-    for (const double tick : ticks)
-        widest = std::max(widest, Canvas::textWidth(tickText(tick)));
-    const int below = top + barHeight + margin;
-    Canvas canvas(
-        std::max(bar + barWidth + 2 * margin + widest + margin, Canvas::textWidth(title) + 2 * margin),
-        below + Canvas::textHeight + margin);
-    canvas.text(margin, margin, title, black);
-    canvas.image(margin, top, pixels, columns);
-    for (int row = 0; row < barHeight; ++row)
-        canvas.box(bar, top + row, barWidth, 1,
-                   scale.color(scale.low + span * row / std::max(1, barHeight - 1)));
-    int lastText = -Canvas::textHeight;
-    const int end = top + barHeight - Canvas::textHeight;
-    for (const double tick : ticks) {
-        const int at = top + static_cast<int>((tick - scale.low) / span * (barHeight - 1));
-        const int label = std::clamp(at - Canvas::textHeight / 2, top, end);
-        const bool isLast = tick == ticks.back();
-        if (label < lastText + Canvas::textHeight || (!isLast && label > end - Canvas::textHeight))
-            continue;
-        canvas.line(bar + barWidth, at, bar + barWidth + margin / 2, at, black, 1);
-        canvas.text(bar + barWidth + margin, label, tickText(tick), black);
-        lastText = label;
-    }
-    canvas.text(bar, below, scale.unit, black);
-    if (!scale.nothing.empty()) {
-        canvas.box(margin, below, Canvas::textHeight, Canvas::textHeight - 4, black);
-        canvas.text(margin + Canvas::textHeight + margin / 2, below, scale.nothing, black);
-    }
-    return canvas.png();
-}
-
-std::string tickText(double value) {
-    std::ostringstream text;
-    text << (std::abs(value) < 1e-9 ? 0.0 : value);
-    return text.str();
 }
 
 } // namespace Zentara::Host

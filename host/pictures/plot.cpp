@@ -1,11 +1,13 @@
-#include "host/pictures/plot.h"
+#include <zentara/host/plot.h>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 
-#include "host/pictures/canvas.h"
 #include <zentara/host/failure.h>
+
+#include "host/pictures/canvas.h"
+#include "host/pictures/ticks.h"
 
 namespace Zentara::Host {
 namespace {
@@ -17,8 +19,8 @@ constexpr int right = 30;
 constexpr int top = 40;
 constexpr int bottom = 65;
 constexpr int wantedTicks = 6;
-constexpr Rgb gray{215, 215, 215};
-constexpr std::array<Rgb, 6> lineColors{
+constexpr Color gray{215, 215, 215};
+constexpr std::array<Color, 6> lineColors{
     {{200, 30, 30}, {30, 80, 200}, {20, 140, 60}, {190, 110, 0}, {130, 40, 160}, {0, 130, 140}}};
 
 /// From values to pixels.
@@ -33,16 +35,22 @@ struct Scale {
     }
 };
 
+bool isThere(const std::pair<double, double>& point) {
+    return !std::isnan(point.first) && !std::isnan(point.second);
+}
+
 template<typename Member>
 std::pair<double, double> extent(const std::vector<PlotLine>& lines, Member member) {
     std::pair<double, double> found{HUGE_VAL, -HUGE_VAL};
     for (const PlotLine& line : lines) {
         for (const auto& point : line.points) {
+            if (!isThere(point))
+                continue;
             found.first = std::min(found.first, point.*member);
             found.second = std::max(found.second, point.*member);
         }
     }
-    if (!(found.first <= found.second) || !std::isfinite(found.first) || !std::isfinite(found.second))
+    if (!(found.first <= found.second) || !std::isfinite(found.second - found.first))
         throw Failure(Failure::Failed, "there is nothing to plot");
     return found;
 }
@@ -80,11 +88,13 @@ void drawPanel(Canvas& canvas, int offset, const std::string& title, const std::
 
     int legend = left + Canvas::textWidth(title) + 30;
     for (std::size_t index = 0; index < lines.size(); ++index) {
-        const Rgb& color = lineColors[index % lineColors.size()];
+        const Color color = lineColors[index % lineColors.size()];
         const auto& points = lines[index].points;
-        for (std::size_t point = 1; point < points.size(); ++point)
-            canvas.line(xScale(points[point - 1].first), yScale(points[point - 1].second),
-                        xScale(points[point].first), yScale(points[point].second), color, 2);
+        for (std::size_t point = 1; point < points.size(); ++point) {
+            if (isThere(points[point - 1]) && isThere(points[point]))
+                canvas.line(xScale(points[point - 1].first), yScale(points[point - 1].second),
+                            xScale(points[point].first), yScale(points[point].second), color, 2);
+        }
         canvas.text(legend, offset + 14, lines[index].name, color);
         legend += Canvas::textWidth(lines[index].name) + 20;
     }
@@ -92,31 +102,17 @@ void drawPanel(Canvas& canvas, int offset, const std::string& title, const std::
 
 } // namespace
 
-std::vector<double> plotTicks(double low, double high, int parts) {
-    const double span = std::max({high - low, std::abs(high) * 1e-6, 1e-6});
-    const double rough = span / std::max(1, parts);
-    const double power = std::pow(10.0, std::floor(std::log10(rough)));
-    double step = 10 * power;
-    for (const double nice : {5.0, 2.0, 1.0}) {
-        if (rough <= nice * power)
-            step = nice * power;
-    }
-    std::vector<double> ticks;
-    // A quotient that is whole but for rounding is whole.
-    for (double at = std::floor(low / step + 1e-9); ticks.size() < 2 || ticks.back() < high - 1e-9 * step;
-         ++at)
-        ticks.push_back(at * step);
-    return ticks;
-}
-
-std::string plotPng(const std::string& xLabel, const std::vector<PlotPanel>& panels) {
-    Canvas canvas(width, height * std::max(1, static_cast<int>(panels.size())));
+Picture plot(const std::string& xLabel, const std::vector<PlotPanel>& panels) {
+    if (panels.empty())
+        throw Failure(Failure::Failed, "there is nothing to plot");
+    Canvas canvas(width, height * static_cast<int>(panels.size()));
     int offset = 0;
     for (const PlotPanel& panel : panels) {
-        drawPanel(canvas, offset, panel.title, xLabel, panel.lines);
+        drawPanel(canvas, offset, panel.title + (panel.unit.empty() ? "" : ", " + panel.unit), xLabel,
+                  panel.lines);
         offset += height;
     }
-    return canvas.png();
+    return canvas.picture();
 }
 
 } // namespace Zentara::Host

@@ -49,6 +49,10 @@ void refuseEmptyWords(CLI::App& program) {
         refuseEmptyWords(*verb);
 }
 
+Host::OutputFile::Rules forced(bool force) {
+    return {.ifThere = force ? Host::IfThere::Replace : Host::IfThere::Refuse, .hint = "--force replaces it"};
+}
+
 CLI::Range any32Bits() { return {std::uint32_t{0}, std::uint32_t{0xFFFFFFFF}}; }
 
 } // namespace Zentara::Tool

@@ -5,6 +5,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include <zentara/host/output_file.h>
+
 namespace Zentara::Tool {
 
 /// Takes seconds within a range; "nan", which is neither below nor above any number, is refused, too.
@@ -23,6 +25,9 @@ CLI::Option* addPluginName(CLI::App& command, std::vector<std::string>& names);
 /// Refuses an empty text wherever an option or an argument takes one, in all verbs: a variable that was not set must not
 /// name something else. Bytes that may be none are left alone.
 void refuseEmptyWords(CLI::App& program);
+
+/// How a verb with the option --force writes a file.
+[[nodiscard]] Host::OutputFile::Rules forced(bool force);
 
 /// For arguments whose range only the camera knows: what is past 32 bits is refused with their range.
 [[nodiscard]] CLI::Range any32Bits();

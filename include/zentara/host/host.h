@@ -1,10 +1,15 @@
 #pragma once
 
 /// Everything that the host library offers.
+#include <zentara/host/color.h>
+#include <zentara/host/color_map.h>
 #include <zentara/host/export.h>
 #include <zentara/host/failure.h>
 #include <zentara/host/lens.h>
 #include <zentara/host/mode.h>
 #include <zentara/host/note.h>
+#include <zentara/host/output_file.h>
+#include <zentara/host/picture.h>
+#include <zentara/host/plot.h>
 #include <zentara/host/point_cloud.h>
 #include <zentara/host/stream_info.h>

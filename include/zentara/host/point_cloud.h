@@ -10,6 +10,7 @@
 #include <vector>
 
 #include <zentara/extrinsic_parameters_internal.h>
+#include <zentara/host/color.h>
 #include <zentara/host/export.h>
 
 namespace Zentara::Host {
@@ -23,15 +24,6 @@ struct Point {
     float z = 0;
 
     friend bool operator==(const Point&, const Point&) = default;
-};
-
-/// Eight bits a channel.
-struct Color {
-    std::uint8_t red = 0;
-    std::uint8_t green = 0;
-    std::uint8_t blue = 0;
-
-    friend bool operator==(const Color&, const Color&) = default;
 };
 
 /// What to make of a depth picture.

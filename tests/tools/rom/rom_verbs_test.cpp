@@ -6,10 +6,10 @@
 #include <thread>
 #include <vector>
 
+#include <zentara/host/output_file.h>
 #include <zentara/utils/exceptions.h>
 #include <zentara/utils/files.h>
 
-#include "host/files/pending_file.h"
 #include "host/hex_bytes.h"
 #include "plugins/simulated/firmware/factory_flash.h"
 #include "plugins/simulated/simulated_bus.h"
@@ -270,7 +270,7 @@ TEST_F(RomVerbs, DISABLED_SaveOverAndOver) {
 }
 
 TEST_F(RomVerbs, DISABLED_DieInASaving) {
-    PendingFile file(Utils::EnvironmentVariable("ZENTARA_TEST_IMAGE").getValue());
+    OutputFile file(Utils::EnvironmentVariable("ZENTARA_TEST_IMAGE").getValue());
     file.write("half");
     std::_Exit(9);
 }

@@ -8,6 +8,7 @@
 
 #include "host/cameras/calibration_origin.h"
 #include "host/files/paths.h"
+#include "tools/zentara/arguments.h"
 #include "tools/zentara/cameras/calibration_json.h"
 #include "tools/zentara/cameras/camera_json.h"
 #include "tools/zentara/cameras/camera_session.h"
@@ -117,7 +118,7 @@ void replaceCalibration(CameraSession& session, const CalibrationInternal& befor
                         const CalibrationInternal& wanted, const std::string& backup) {
     if (isThere(backup))
         throw Failure(Failure::Usage, "'" + backup + "' is there already; name another file with --backup");
-    writeJsonFile(backup, documentOf(session, before), IfThere::Keep);
+    writeJsonFile(backup, documentOf(session, before), {.ifThere = IfThere::Keep});
     CalibrationInternal sent = wanted;
     attempt("write the camera's calibration ('" + backup + "' has the one before)",
             [&] { session.parameters().writeCalibration(&sent); });

@@ -10,6 +10,7 @@
 #include <zentara/core/descriptor_store_ro.h>
 #include <zentara/utils/format.h>
 
+#include "tools/zentara/arguments.h"
 #include "tools/zentara/cameras/camera_json.h"
 #include "tools/zentara/cameras/camera_session.h"
 #include "tools/zentara/cameras/node_names.h"

@@ -6,12 +6,12 @@
 #include <CLI/CLI.hpp>
 
 #include <zentara/core/periodic_operation.h>
+#include <zentara/host/output_file.h>
+#include <zentara/host/plot.h>
 #include <zentara/utils/clock.h>
 #include <zentara/utils/format.h>
 #include <zentara/utils/signal.h>
 
-#include "host/files/pending_file.h"
-#include "host/pictures/plot.h"
 #include "tools/zentara/arguments.h"
 #include "tools/zentara/cameras/camera_json.h"
 #include "tools/zentara/cameras/camera_session.h"
@@ -86,17 +86,18 @@ public:
     }
 
     /// Of what came; nothing to plot leaves no file.
-    void writePlot(PendingFile& file) const {
+    void writePlot(OutputFile& file) const {
         if (history.empty())
             return;
         const std::string& camera = session.camera().serialNumber();
-        std::vector<PlotPanel> panels{{"Temperatures of " + camera + ", degC", {}}};
+        std::vector<PlotPanel> panels{{"Temperatures of " + camera, "degC", {}}};
         for (const auto& [sensor, points] : history)
             panels.front().lines.push_back({shortLabelOf(sensor), points});
         if (accelerometer)
-            panels.push_back({"Acceleration of " + camera + ", g",
+            panels.push_back({"Acceleration of " + camera,
+                              "g",
                               {{"x", accelerations[0]}, {"y", accelerations[1]}, {"z", accelerations[2]}}});
-        file.write(plotPng("seconds", panels));
+        file.write(plot("seconds", panels).png());
         file.commit();
     }
 
@@ -175,7 +176,7 @@ private:
 ExitCode watchSensors(SensorWatch& sensors, const SensorsOptions& options, Console& console) {
     console.lines = true;
     const InterruptWatch interrupt;
-    std::optional<PendingFile> plot;
+    std::optional<OutputFile> plot;
     if (!options.png.empty())
         plot.emplace(options.png);
     const auto finish = [&] {

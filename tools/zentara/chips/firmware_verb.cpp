@@ -4,10 +4,11 @@
 
 #include <CLI/CLI.hpp>
 
+#include <zentara/host/output_file.h>
 #include <zentara/utils/crc.h>
 #include <zentara/utils/format.h>
 
-#include "host/files/pending_file.h"
+#include "tools/zentara/arguments.h"
 #include "tools/zentara/chips/chip_session.h"
 #include "tools/zentara/interrupt.h"
 
@@ -75,7 +76,7 @@ ExitCode runDump(FirmwareOptions options, Console& console) {
                                           hexText(options.start) % (memoryBytes - options.start));
     const InterruptWatch watch;
     // Reading takes minutes on a real camera: what cannot be written is told before.
-    PendingFile file(options.file, forced(options.force));
+    OutputFile file(options.file, forced(options.force));
     ChipSession session(options, console);
     Dump dump(session, options, console);
     if (!dump.read(watch))

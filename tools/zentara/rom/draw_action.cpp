@@ -4,11 +4,10 @@
 
 #include <CLI/CLI.hpp>
 
+#include <zentara/host/color_map.h>
 #include <zentara/utils/format.h>
 
 #include "host/flash/correction_tables.h"
-#include "host/pictures/canvas.h"
-#include "host/pictures/color_map.h"
 #include "tools/zentara/rom/rom_verbs.h"
 #include "tools/zentara/rom/rom_write.h"
 #include "tools/zentara/rom/text_lines.h"
@@ -48,34 +47,19 @@ std::size_t widthOf(const CorrectionTable& table, unsigned wanted) {
     return static_cast<std::size_t>(std::ceil(std::sqrt(static_cast<double>(count))));
 }
 
-/// The colours of the depths: red for the least value, blue for the greatest, black for what is not there.
-std::vector<std::uint8_t> pixelsOf(const CorrectionTable& table, std::size_t width, std::size_t height,
-                                   std::size_t scale) {
-    const auto statistics = table.statistics();
-    const DepthRange range{static_cast<std::uint16_t>(statistics.least + 1),
-                           static_cast<std::uint16_t>(statistics.greatest + 1)};
-    std::vector<std::uint8_t> pixels;
-    pixels.reserve(width * height * scale * scale * 3);
-    for (std::size_t y = 0; y < height * scale; ++y)
-        for (std::size_t x = 0; x < width * scale; ++x) {
+/// Each value a square; black for what the last row lacks.
+Picture pictureOf(const CorrectionTable& table, const ColorMap& colors, std::size_t width, std::size_t height,
+                  std::size_t scale) {
+    constexpr Color noValue{0, 0, 0};
+    Picture picture(static_cast<std::uint32_t>(width * scale), static_cast<std::uint32_t>(height * scale),
+                    noValue);
+    for (std::uint32_t y = 0; y < picture.height(); ++y)
+        for (std::uint32_t x = 0; x < picture.width(); ++x) {
             const std::size_t index = y / scale * width + x / scale;
-            const bool isThere = index < table.values.size();
-            const Rgb color =
-                depthColor(isThere ? static_cast<std::uint16_t>(table.values[index] + 1) : 0, range);
-            pixels.insert(pixels.end(), color.begin(), color.end());
+            if (index < table.values.size())
+                picture.set(x, y, colors(table.values[index]));
         }
-    return pixels;
-}
-
-ColorScale scaleOf(const CorrectionTable& table) {
-    const auto statistics = table.statistics();
-    const DepthRange range{static_cast<std::uint16_t>(statistics.least + 1),
-                           static_cast<std::uint16_t>(statistics.greatest + 1)};
-    return {static_cast<double>(statistics.least), static_cast<double>(statistics.greatest), "8-bit value",
-            [range](double value) {
-                return depthColor(static_cast<std::uint16_t>(std::lround(value) + 1), range);
-            },
-            "no value"};
+    return picture;
 }
 
 ExitCode runDraw(const DrawOptions& options, Console& console) {
@@ -90,11 +74,15 @@ ExitCode runDraw(const DrawOptions& options, Console& console) {
     constexpr std::size_t mostPixels = 64U << 20;
     if (width * height > mostPixels / (scale * scale))
         throw Failure(Failure::Usage, "the picture would be larger than 64 million pixels");
+    const auto statistics = table.statistics();
+    const ColorMap colors({static_cast<double>(statistics.least), static_cast<double>(statistics.greatest)},
+                          "8-bit value", table.values.size() < width * height ? "no value" : "");
     saveFile(*target, options.file,
-             scaledPicturePng(Format("Distortion correction at % MHz, table % of %") % table.frequency %
-                                  options.table % target->name(),
-                              pixelsOf(table, width, height, scale), static_cast<int>(width * scale),
-                              static_cast<int>(height * scale), scaleOf(table)),
+             colors
+                 .explain(pictureOf(table, colors, width, height, scale),
+                          Format("Distortion correction at % MHz, table % of %") % table.frequency %
+                              options.table % target->name())
+                 .png(),
              options.force);
     if (options.json) {
         Json json = target->beginJson();
@@ -103,8 +91,8 @@ ExitCode runDraw(const DrawOptions& options, Console& console) {
                      {"modulationFrequency", table.frequency},
                      {"width", width},
                      {"height", height},
-                     {"least", table.statistics().least},
-                     {"greatest", table.statistics().greatest}});
+                     {"least", statistics.least},
+                     {"greatest", statistics.greatest}});
         print(console.out, json);
         return Failure::None;
     }

@@ -8,15 +8,16 @@
 
 #include <CLI/CLI.hpp>
 
+#include <zentara/host/output_file.h>
 #include <zentara/rom/chunked_memory_management_header.h>
 #include <zentara/rom/file_accessor.h>
 #include <zentara/utils/format.h>
 
 #include "host/files/file_failure.h"
 #include "host/files/paths.h"
-#include "host/files/pending_file.h"
 #include "host/flash/camera_flash.h"
 #include "tools/zentara/interrupt.h"
+#include "utils/platform/new_file.h"
 
 namespace Zentara::Tool {
 namespace {
@@ -52,7 +53,7 @@ public:
     /// \param onDisk  what the file holds; nothing when there is no file yet. \param place  where to save it; null for a
     /// target that is only read.
     FileTarget(std::unique_ptr<ROM::FileAccessor> image, std::optional<Bytes> onDisk,
-               std::unique_ptr<PendingFile> place, const FlashArea& area, const TargetOptions& options,
+               std::unique_ptr<OutputFile> place, const FlashArea& area, const TargetOptions& options,
                Console& output)
         : RomTarget(output, area), file(std::move(image)), before(std::move(onDisk)),
           pending(std::move(place)) {
@@ -102,7 +103,7 @@ private:
 
     std::unique_ptr<ROM::FileAccessor> file; ///< the image in memory
     std::optional<Bytes> before;
-    std::unique_ptr<PendingFile> pending; ///< holds the right to write from before the reading to the end
+    std::unique_ptr<OutputFile> pending; ///< holds the right to write from before the reading to the end
 };
 
 void checkProtection(const std::string& path) {
@@ -244,10 +245,10 @@ std::unique_ptr<RomTarget> openImage(const TargetOptions& options, bool toWrite,
     if (!options.camera.empty())
         throw Failure(Failure::Usage, Format("--camera % stands beside the image '%': name one of them") %
                                           options.camera % options.image);
-    std::unique_ptr<PendingFile> place;
+    std::unique_ptr<OutputFile> place;
     if (toWrite && isThere(options.image)) {
         checkProtection(options.image);
-        place = std::make_unique<PendingFile>(options.image);
+        place = std::make_unique<OutputFile>(options.image);
     }
     const std::string bytes = readFileHere(options.image, false);
     Bytes onDisk(bytes.begin(), bytes.end());
@@ -281,7 +282,9 @@ std::unique_ptr<RomTarget> RomTarget::openToWrite(const TargetOptions& options, 
 std::unique_ptr<RomTarget> RomTarget::create(const TargetOptions& options, bool dryRun, Console& console) {
     const FlashArea area = areaOf(options, options.start, options.size);
     checkFileSize(options.image, area.end());
-    auto place = dryRun ? nullptr : std::make_unique<PendingFile>(options.image, IfThere::Keep);
+    auto place =
+        dryRun ? nullptr
+               : std::make_unique<OutputFile>(options.image, OutputFile::Rules{.ifThere = IfThere::Keep});
     auto file = std::make_unique<ROM::FileAccessor>(options.image, static_cast<std::uint32_t>(area.end()));
     return std::make_unique<FileTarget>(std::move(file), std::nullopt, std::move(place), area, options,
                                         console);

@@ -6,13 +6,14 @@
 
 #include <CLI/CLI.hpp>
 
+#include <zentara/host/output_file.h>
 #include <zentara/rom/section.h>
 #include <zentara/utils/format.h>
 
 #include "host/files/paths.h"
-#include "host/files/pending_file.h"
 #include "host/flash/content_json.h"
 #include "host/flash/flash_survey.h"
+#include "tools/zentara/arguments.h"
 #include "tools/zentara/json_output.h"
 #include "tools/zentara/rom/text_lines.h"
 #include "utils/platform/program.h"
@@ -83,7 +84,7 @@ void checkApart(const RomTarget& source, const std::string& path) {
 
 void saveFile(const RomTarget& source, const std::string& path, const std::string& bytes, bool force) {
     checkApart(source, path);
-    PendingFile file(path, forced(force));
+    OutputFile file(path, forced(force));
     file.write(bytes);
     file.commit();
 }
@@ -97,7 +98,7 @@ void keepFile(const RomTarget& source, const std::string& path, const Bytes& byt
                 [](char left, std::uint8_t right) { return static_cast<std::uint8_t>(left) == right; }))
             return;
     }
-    PendingFile file(path, IfThere::Keep, source.imageFile());
+    OutputFile file(path, {.ifThere = IfThere::Keep, .like = source.imageFile()});
     file.write(std::string(bytes.begin(), bytes.end()));
     file.commit();
 }

@@ -15,7 +15,7 @@ AudioRecorder::AudioRecorder(const StreamDescription& stream, std::uint64_t coun
       wanted(count) {
     if (path.empty())
         return;
-    file = std::make_unique<PendingFile>(path);
+    file = std::make_unique<OutputFile>(path);
     writer.setNumChannels(channels);
     writer.setSamplingRate(rate);
     writer.setBitsPerChannel(stream.mode.fields[1]);

@@ -3,10 +3,10 @@
 #include <memory>
 #include <string>
 
+#include <zentara/host/output_file.h>
 #include <zentara/utils/wave_writer.h>
 
 #include "host/cameras/stream_description.h"
-#include "host/files/pending_file.h"
 #include "tools/zentara/exit_code.h"
 #include "tools/zentara/streams/stream_sink.h"
 
@@ -32,7 +32,7 @@ private:
     /// Makes a file that could not be written to its end say what whole samples it has.
     void repair();
 
-    std::unique_ptr<PendingFile>
+    std::unique_ptr<OutputFile>
         file; ///< outlives the writer, which must have closed when the part is removed
     WaveWriter writer;
     const int rate;

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include <zentara/host/picture.h>
 #include <zentara/utils/format.h>
 
-#include "host/pictures/png.h"
 #include "tools/zentara/exit_code.h"
 
 namespace Zentara::Tool {
@@ -40,7 +40,7 @@ ColorRecorder::ColorRecorder(const StreamDescription& stream, std::uint64_t coun
     if (size.width == 0 || stream.mode.color()->getCompression() != CompressionType_NONE)
         throw Failure(Failure::Failed,
                       Utils::Format("no picture can be made of frames in mode %") % stream.modeName());
-    picture = std::make_unique<PendingFile>(pngPath);
+    picture = std::make_unique<OutputFile>(pngPath);
 }
 
 bool ColorRecorder::take(const std::uint8_t* data, std::size_t bytes, std::int64_t micros) {
@@ -57,9 +57,7 @@ bool ColorRecorder::take(const std::uint8_t* data, std::size_t bytes, std::int64
 void ColorRecorder::commit() {
     if (!picture || last.empty())
         return;
-    const std::string bytes = encodePng(rgbOfYuy2(last.data(), last.size() / 2), static_cast<int>(size.width),
-                                        static_cast<int>(size.height));
-    picture->write(bytes);
+    picture->write(Picture::fromRgb(size.width, size.height, rgbOfYuy2(last.data(), last.size() / 2)).png());
     picture->commit();
 }
 

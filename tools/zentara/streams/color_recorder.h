@@ -4,8 +4,9 @@
 #include <string>
 #include <vector>
 
+#include <zentara/host/output_file.h>
+
 #include "host/cameras/stream_description.h"
-#include "host/files/pending_file.h"
 #include "tools/zentara/exit_code.h"
 #include "tools/zentara/streams/frame_counter.h"
 #include "tools/zentara/streams/stream_sink.h"
@@ -30,7 +31,7 @@ public:
 private:
     const FrameSize size;
     FrameCounter counter;
-    std::unique_ptr<PendingFile> picture;
+    std::unique_ptr<OutputFile> picture;
     std::vector<std::uint8_t> last; ///< as it came; empty before the first, and without a picture
 };
 

@@ -3,18 +3,13 @@
 #include <algorithm>
 #include <cstring>
 
+#include <zentara/host/color_map.h>
 #include <zentara/utils/format.h>
 
 #include "host/cameras/camera_bus.h"
-#include "host/pictures/canvas.h"
 #include "tools/zentara/exit_code.h"
 
 namespace Zentara::Tool {
-namespace {
-
-constexpr double pictureTrim = 0.005;
-
-} // namespace
 
 DepthRecorder::DepthRecorder(const StreamDescription& stream, std::uint64_t count, const std::string& pngPath,
                              const std::string& rawPath)
@@ -23,10 +18,10 @@ DepthRecorder::DepthRecorder(const StreamDescription& stream, std::uint64_t coun
         throw Failure(Failure::Failed,
                       Utils::Format("the size of a frame in mode % is not known") % stream.modeName());
     if (!pngPath.empty())
-        picture = std::make_unique<PendingFile>(pngPath);
+        picture = std::make_unique<OutputFile>(pngPath);
     if (rawPath.empty())
         return;
-    file = std::make_unique<PendingFile>(rawPath);
+    file = std::make_unique<OutputFile>(rawPath);
 }
 
 bool DepthRecorder::take(const std::uint8_t* data, std::size_t bytes, std::int64_t micros) {
@@ -61,20 +56,15 @@ void DepthRecorder::discard() {
 }
 
 void DepthRecorder::writePicture() {
-    const DepthRange shown = depthRange(depth.data(), depth.size(), pictureTrim);
-    const ColorScale scale{static_cast<double>(shown.nearest), static_cast<double>(shown.farthest), "mm",
-                           [&shown](double value) {
-                               const double depthOf = std::clamp(value, 1.0, 65535.0);
-                               return depthColor(static_cast<std::uint16_t>(depthOf), shown);
-                           },
-                           "no depth"};
-    picture->write(scaledPicturePng("Depth, " + camera + ", frame " + std::to_string(counter.frames()),
-                                    colorize(depth.data(), depth.size(), shown), static_cast<int>(size.width),
-                                    static_cast<int>(size.height), scale));
+    const ColorMap colors = ColorMap::ofDepths(depth);
+    picture->write(colors
+                       .explain(colors.paint(depth, size.width, size.height),
+                                "Depth, " + camera + ", frame " + std::to_string(counter.frames()))
+                       .png());
     picture->commit();
 }
 
-DepthRange DepthRecorder::range() const noexcept { return seen.farthest == 0 ? DepthRange{} : seen; }
+DepthRecorder::Range DepthRecorder::range() const noexcept { return seen.farthest == 0 ? Range{} : seen; }
 
 double DepthRecorder::blind() const noexcept {
     const std::uint64_t pixels = counter.frames() * size.width * size.height;

@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
+#include <zentara/host/output_file.h>
+
 #include "host/cameras/stream_description.h"
-#include "host/files/pending_file.h"
-#include "host/pictures/color_map.h"
 #include "tools/zentara/exit_code.h"
 #include "tools/zentara/streams/frame_counter.h"
 #include "tools/zentara/streams/stream_sink.h"
@@ -31,8 +31,14 @@ public:
     void fill(Json& stream) const override;
 
 private:
+    /// Of depths in millimetres; 0 and 0 when there is none.
+    struct Range {
+        std::uint16_t nearest = 0;
+        std::uint16_t farthest = 0;
+    };
+
     /// Over all frames.
-    [[nodiscard]] DepthRange range() const noexcept;
+    [[nodiscard]] Range range() const noexcept;
     /// Share of the pixels of all frames that had no depth.
     [[nodiscard]] double blind() const noexcept;
     void measure() noexcept;
@@ -41,12 +47,12 @@ private:
     const std::string camera; ///< for the picture's title
     const FrameSize size;
     FrameCounter counter;
-    std::unique_ptr<PendingFile> picture;
-    std::unique_ptr<PendingFile> file;
+    std::unique_ptr<OutputFile> picture;
+    std::unique_ptr<OutputFile> file;
     std::uint64_t rawBytes = 0;       ///< of the whole frames in the file
     std::vector<std::uint16_t> depth; ///< the last frame's; empty before the first
     std::uint64_t zeros = 0;
-    DepthRange seen{0xFFFF, 0};
+    Range seen{0xFFFF, 0};
 };
 
 } // namespace Zentara::Tool

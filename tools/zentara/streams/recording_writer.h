@@ -4,10 +4,10 @@
 #include <string>
 #include <vector>
 
+#include <zentara/host/output_file.h>
 #include <zentara/utils/mutex.h>
 
 #include "host/cameras/stream_description.h"
-#include "host/files/pending_file.h"
 #include "tools/zentara/exit_code.h"
 
 namespace Zentara::Utils {
@@ -46,7 +46,7 @@ private:
 
     void writeEnd();
 
-    PendingFile file;
+    OutputFile file;
     mutable Utils::Threading::Mutex lock;
     std::vector<std::uint64_t> counts;
     struct Written {
