@@ -16,6 +16,9 @@ namespace Zentara {
 /// Which correction the parameters belong to. Cameras may store other values; they are kept.
 enum CorrectionAlgorithm : std::int32_t {
     CorrectionAlgorithm_NONE = 0,
+    /// Millimetres to add to the depth: p0 + p1 cos a + p2 sin a + p3 cos 2a + p4 sin 2a and so on, a: the phase as an
+    /// angle.
+    CorrectionAlgorithm_HARMONIC = 1,
 };
 
 /// How depth is corrected for the error that recurs with the phase: for each camera mode an algorithm and its

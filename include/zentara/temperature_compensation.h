@@ -17,10 +17,11 @@ namespace Zentara {
 /// A copyable value. Separate.
 class ZENTARA_API TemperatureCompensation {
 public:
-    /// What the parameters mean. Cameras may store other values; they are kept.
+    /// What the parameters mean: from the degrees by which the sensors are warmer than at calibration to the
+    /// millimetres that are to be added to the depth. Cameras may store other values; they are kept.
     enum CompensationAlgorithm : std::int32_t {
         CompensationAlgorithm_LINEAR = 0,     ///< millimetres per degree, one parameter a sensor
-        CompensationAlgorithm_POLYNOMIAL = 1, ///< coefficients of rising powers, from degrees to millimetres
+        CompensationAlgorithm_POLYNOMIAL = 1, ///< coefficients of rising powers, of the first sensor
     };
 
     /// The form in which a calibration carries it.

@@ -5,6 +5,7 @@
 #include <zentara/host/color_map.h>
 #include <zentara/host/export.h>
 #include <zentara/host/failure.h>
+#include <zentara/host/frame.h>
 #include <zentara/host/lens.h>
 #include <zentara/host/mode.h>
 #include <zentara/host/note.h>

@@ -90,6 +90,8 @@ struct StreamInfo {
     CameraInfo camera;
     Mode mode;
     float millimetresPerUnit = 1; ///< of a depth value as delivered
+    /// Millimetres that a step of raw phase stands for, 65,536 of them to a turn; 0: not known, or none is measured.
+    float millimetresPerPhaseStep = 0;
     DepthAlong depthAlong = DepthAlong::Axis;
     std::optional<CameraIntrinsics> lens; ///< of this stream's pictures, at the mode's size
     /// From the depth camera to the colour camera, translation in millimetres; the same for both streams.

@@ -14,7 +14,6 @@
 #include "support/program.h"
 #include "support/simulated_faults.h"
 #include "tools/tool_fixture.h"
-#include "tools/zentara/streams/color_recorder.h"
 #include "tools/zentara/verb.h"
 
 namespace Zentara::Tool {
@@ -279,13 +278,6 @@ TEST_F(StreamVerb, LeavesNothingWhenInterruptedBeforeItBegins) {
     person.join();
     EXPECT_THAT(err.str(), HasSubstr("interrupted before anything was streamed"));
     EXPECT_THAT(filesLeft(), IsEmpty());
-}
-
-// Published values of BT.601: black, white, and pure red.
-TEST(Yuy2, TurnsIntoTheKnownColours) {
-    const std::vector<std::uint8_t> packed{16, 128, 235, 128, 81, 90, 81, 240};
-    EXPECT_THAT(rgbOfYuy2(packed.data(), 4),
-                testing::ElementsAre(0, 0, 0, 255, 255, 255, 255, 0, 0, 255, 0, 0));
 }
 
 } // namespace

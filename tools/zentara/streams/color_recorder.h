@@ -35,8 +35,4 @@ private:
     std::vector<std::uint8_t> last; ///< as it came; empty before the first, and without a picture
 };
 
-/// Three bytes a pixel, from pairs of pixels Y0 U Y1 V in the limited range of ITU-R BT.601.
-/// \param pixels an even number
-[[nodiscard]] std::vector<std::uint8_t> rgbOfYuy2(const std::uint8_t* data, std::size_t pixels);
-
 } // namespace Zentara::Tool
