@@ -1,9 +1,11 @@
 #include "plugins/simulated/simulated_bus.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 #include <utility>
 
+#include <zentara/core/guids.h>
 #include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/utils/environment_variable.h>
 #include <zentara/utils/exceptions.h>
@@ -36,6 +38,14 @@ const CameraDescription& described(const std::vector<CameraDescription>& descrip
     model.fail(Format("no camera '%' is described; known:%") % name % (known.empty() ? " none" : known));
 }
 
+/// Cameras of other devices are described beside them.
+bool isSimulated(const CameraDescription& camera) {
+    return std::any_of(camera.nodes.begin(), camera.nodes.end(), [](const NodeDescription& node) {
+        return guidEquals(node.device, Core::Guids::MOCKVIDEODEVICE_IMPL) ||
+               guidEquals(node.device, Core::Guids::MOCKAUDIODEVICE_IMPL);
+    });
+}
+
 /// A pipe or a device would hold the reader back for ever, or never end.
 void refuseWhatMayBlock(const std::string& path) {
     std::error_code unknown; // reading it tells more then
@@ -48,14 +58,12 @@ void refuseWhatMayBlock(const std::string& path) {
 
 SimulatedBus::SimulatedBus()
     : descriptions(readDescriptionFolder(descriptionFolder())), filePath(fileOfEnvironment()) {
-    if (filePath.empty())
-        plugAll();
+    std::erase_if(descriptions, [](const CameraDescription& camera) { return !isSimulated(camera); });
+    if (filePath.empty()) {
+        for (const CameraDescription& description : descriptions)
+            plugged.push_back({&description, description.serialNumber, {}});
+    }
     refresh();
-}
-
-void SimulatedBus::plugAll() {
-    for (const CameraDescription& description : descriptions)
-        plugged.push_back({&description, description.serialNumber, {}});
 }
 
 void SimulatedBus::refresh() {

@@ -7,9 +7,9 @@
 
 namespace Zentara::Simulated {
 
-/// The bus that the simulated cameras are plugged into: one of each described camera, or what the file says that the
-/// environment names. Reads the descriptions when it is made, and the file whenever it is asked to look again.
-/// Separate.
+/// The bus that the simulated cameras are plugged into: one of each camera that is described with the simulated
+/// devices, or what the file says that the environment names. Reads the descriptions when it is made, and the file
+/// whenever it is asked to look again. Separate.
 class SimulatedBus {
 public:
     /// Names the file (UTF-8). Unset or empty: one of each described camera.
@@ -48,7 +48,6 @@ public:
 private:
     static constexpr const char* pathPrefix = "simulated:";
 
-    void plugAll();
     [[nodiscard]] std::vector<Camera> parse(const std::string& text) const;
 
     std::vector<Cameras::CameraDescription> descriptions;

@@ -142,6 +142,10 @@ TEST_F(OwnRoot, TellsOfCamerasThatLackSomething) {
                 AllOf(HasSubstr("camera OTHER has no depth stream"), HasSubstr("there is no audio stream")));
     EXPECT_THAT(other({"reg", "read", "tof", "0x21"}).out, HasSubstr("0x2035"))
         << "through the colour device";
+
+    camera["nodes"][0]["device"] = "77A1E001-1111-4222-8333-444455556602";
+    describe(camera);
+    EXPECT_EQ(other({"info"}).exitCode, 3) << "a camera of another device is not simulated";
 }
 
 TEST_F(OwnRoot, FormatsTheStorageWhereTheDescriptionPutsIt) {
