@@ -69,7 +69,7 @@ TEST_F(StreamVerb, WritesWhatItSawAndHeardAndTellsIt) {
         EXPECT_GT(picture.height, 240);
         EXPECT_GT(picture.black, 0U);
         EXPECT_GT(picture.colored, 60'000U);
-        EXPECT_EQ(Utils::readFile(path("d.raw")).size() % (30 * Cameras::frameBytes / 2), 0U);
+        EXPECT_EQ(Utils::readFile(path("d.raw")).size() % (30 * Zentara::Cameras::frameBytes / 2), 0U);
         const std::string wav = Utils::readFile(path("t.wav"));
         EXPECT_EQ(wav.size(), 44U + 24000 * 4);
         const std::string header(
@@ -94,18 +94,18 @@ TEST_F(StreamVerb, PlaysWhatItRecorded) {
     EXPECT_GE(played.json().at("streams").at(1).at("audio").at("samples"), 9600);
 
     EXPECT_EQ(run({"stream", "--play", path("r"), "--frames", "5", "--raw", path("c.raw")}).exitCode, 0);
-    EXPECT_EQ(Utils::readFile(path("c.raw")).size(), 5 * Cameras::frameBytes);
+    EXPECT_EQ(Utils::readFile(path("c.raw")).size(), 5 * Zentara::Cameras::frameBytes);
 }
 
 TEST_F(StreamVerb, KeepsWhatACutRecordingHolds) {
     ASSERT_EQ(run({"stream", "--direct", "--frames", "6", "--record", path("r")}).exitCode, 0);
     const std::string whole = Utils::readFile(path("r"));
-    Utils::writeFile(path("cut"), whole.substr(0, whole.size() - Cameras::frameBytes));
+    Utils::writeFile(path("cut"), whole.substr(0, whole.size() - Zentara::Cameras::frameBytes));
     const ToolRun run = ToolTest::run({"stream", "--play", path("cut"), "--raw", path("c.raw")});
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_THAT(run.err,
                 testing::AllOf(HasSubstr("it is cut short"), HasSubstr("5 whole frames come before")));
-    EXPECT_EQ(Utils::readFile(path("c.raw")).size(), 5 * Cameras::frameBytes);
+    EXPECT_EQ(Utils::readFile(path("c.raw")).size(), 5 * Zentara::Cameras::frameBytes);
     Utils::writeFile(path("other"), "no recording");
     EXPECT_THAT(ToolTest::run({"stream", "--play", path("other")}).err, HasSubstr("it is no recording"));
 }
@@ -215,7 +215,7 @@ TEST_F(StreamVerb, KeepsItsTextOutOfItsFilesWhenStandardOutputIsClosed) {
     EXPECT_EQ(
         Tests::runProgram("zentara", "stream --direct --frames 3 --raw \"" + path("d.raw") + "\" >&- 2>&-"),
         1);
-    EXPECT_EQ(Utils::readFile(path("d.raw")).size(), 3 * Cameras::frameBytes);
+    EXPECT_EQ(Utils::readFile(path("d.raw")).size(), 3 * Zentara::Cameras::frameBytes);
 }
 
 TEST_F(StreamVerb, WantsTheStreamsThatFilesAreNamedFor) {
@@ -256,7 +256,8 @@ TEST_F(StreamVerb, EndsInOrderWhenInterrupted) {
     EXPECT_EQ(json.at("interrupted"), true);
     const std::size_t frames = json.at("streams").at(0).at("frames").at("received");
     EXPECT_GE(frames, 5U);
-    EXPECT_EQ(Utils::readFile(path("d.raw")).size(), frames * Cameras::frameBytes) << "whole frames only";
+    EXPECT_EQ(Utils::readFile(path("d.raw")).size(), frames * Zentara::Cameras::frameBytes)
+        << "whole frames only";
     EXPECT_EQ(filesLeft().size(), 1U);
     EXPECT_THAT(buffer.str(), HasSubstr("interrupted after"));
 }
