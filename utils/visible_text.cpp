@@ -74,6 +74,8 @@ std::string nextPiece(std::string_view text, std::size_t& position) {
 
 } // namespace
 
+bool isTreacherous(std::uint32_t character) { return isControl(character) || isHidden(character); }
+
 std::string visibleText(std::string_view text) {
     std::string visible;
     std::size_t endBeforeMark = 0;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -15,7 +16,10 @@ inline constexpr std::size_t longestVisibleText = 1024;
 /// characters as \n, \r, \t or \x1b, bytes that are no UTF-8 as \xff, characters that turn the direction of writing,
 /// end a line or show nothing as \u{202e}. Text that is too long is cut behind a whole character and ends in " [cut]".
 ///
-/// The library does not export it: whatever else needs it compiles visible_text.cpp in.
+/// Whether the character could act on a terminal or shows as something else: visibleText() spells it out.
+bool isTreacherous(std::uint32_t character);
+
+/// The library does not export them: whatever else needs it compiles visible_text.cpp in.
 std::string visibleText(std::string_view text);
 
 } // namespace Zentara::Utils
