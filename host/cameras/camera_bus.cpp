@@ -82,6 +82,16 @@ void describe(CameraEntry& camera, CameraStore& store) {
     });
 }
 
+/// What goes wrong while something is let go is logged: it keeps nobody from going on.
+template<typename Work>
+void close(const std::string& what, Work work) noexcept {
+    try {
+        attempt("close " + what, work);
+    } catch (const Failure& failure) {
+        tell({}, Utils::visibleText(failure.what()));
+    }
+}
+
 } // namespace
 
 CameraStore::CameraStore(const Note* leftOut) {
@@ -112,9 +122,9 @@ CameraStore::CameraStore(const Note* leftOut) {
 }
 
 CameraStore::~CameraStore() {
-    const Step watched("close the descriptor stores");
     for (const auto& store : stores)
-        store->dispose();
+        close("a descriptor store", [&] { store->dispose(); });
+    const Step watched("close the descriptor stores");
     stores.clear();
 }
 
@@ -146,9 +156,11 @@ std::string CameraEntry::serialNumber() const { return nodes.empty() ? "" : node
 struct CameraBus::Source {
     explicit Source(const GUID& guid) : name(guidLabel(guid)) {}
     ~Source() {
+        close("the enumerator " + name, [this] {
+            if (enumerator)
+                enumerator->dispose();
+        });
         const Step watched("close the enumerator " + name);
-        if (enumerator)
-            enumerator->dispose();
         enumerator.reset();
     }
     Source(const Source&) = delete;

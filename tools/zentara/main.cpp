@@ -1,9 +1,37 @@
 #include <cstdio>
+#include <cstdlib>
+#include <exception>
 #include <iostream>
+#include <new>
 
 #include "tools/zentara/plugins/plugin_question.h"
 #include "tools/zentara/verb.h"
 #include "utils/platform/program.h"
+#include "utils/visible_text.h"
+
+namespace {
+
+/// Ends the program over an exception that nobody can catch, such as a plug-in's from the end of a static object.
+[[noreturn]] void endInWords() {
+    try {
+        if (const std::exception_ptr thrown = std::current_exception())
+            std::rethrow_exception(thrown);
+    } catch (const std::bad_alloc&) {
+        std::fputs("zentara: there is not enough memory\n", stderr);
+        std::_Exit(1);
+    } catch (const std::exception& failure) {
+        std::fprintf(stderr,
+                     "zentara: ended by an exception where none may be thrown, perhaps in a plug-in: %s\n"
+                     "'zentara plugins --all' names a plug-in that does so\n",
+                     Zentara::Utils::visibleText(failure.what()).c_str());
+        std::_Exit(1);
+    } catch (...) {
+    }
+    std::fputs("zentara: ended where no exception may be thrown, perhaps in a plug-in\n", stderr);
+    std::_Exit(1);
+}
+
+} // namespace
 
 int main(int argc, char** argv) {
     using namespace Zentara::Utils;
@@ -12,6 +40,7 @@ int main(int argc, char** argv) {
     const std::vector<std::string> arguments = Platform::programArguments(argc, argv);
     if (Zentara::Tool::isPluginQuestion(arguments))
         return Zentara::Tool::answerPluginQuestion(arguments);
+    std::set_terminate(endInWords);
     const Platform::ConsoleSetup setup;
     Zentara::Tool::Console console{std::cout, std::cerr, setup.takesEscapeSequences(stderr),
                                    Platform::executablePath()};
