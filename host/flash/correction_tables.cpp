@@ -11,6 +11,7 @@
 
 #include "host/flash/flash_image.h"
 #include "host/float_text.h"
+#include "utils/visible_text.h"
 
 namespace Zentara::Host {
 namespace {
@@ -130,7 +131,7 @@ std::string correctionText(const CorrectionFile& correction) {
     std::string text =
         Format("section %: distortion correction, version %, written %, % sets, serial id \"%\"\n") %
         correction.uid % correction.version % dateText(correction.timeOfLastWrite) % correction.numberOfSets %
-        correction.serialId;
+        Utils::visibleText(correction.serialId);
     for (std::size_t i = 0; i < correction.tables.size(); ++i) {
         const CorrectionTable& table = correction.tables[i];
         const auto statistics = table.statistics();

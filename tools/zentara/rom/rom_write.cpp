@@ -347,7 +347,7 @@ void RomWriter::report(const PlannedWrite& plan, const std::string& backupFile) 
         return;
     }
     for (const std::string& change : plan.changes)
-        console.out << change << '\n';
+        printLine(console.out, change);
     if (bytes == 0)
         printLine(console.out, "nothing changes");
     else if (!isWritten)

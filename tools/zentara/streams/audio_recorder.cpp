@@ -6,6 +6,7 @@
 
 #include "host/files/file_failure.h"
 #include "tools/zentara/exit_code.h"
+#include "utils/visible_text.h"
 
 namespace Zentara::Tool {
 
@@ -72,7 +73,7 @@ void AudioRecorder::discard() {
 void AudioRecorder::print(std::ostream& out) const {
     out << "sound    " << taken << " samples of " << channels << " channels at " << rate << " Hz\n";
     if (file)
-        out << "wav      " << file->path() << '\n';
+        out << "wav      " << Utils::visibleText(file->path()) << '\n';
 }
 
 void AudioRecorder::fill(Json& stream) const {

@@ -7,6 +7,7 @@
 
 #include "host/streams/yuy2.h"
 #include "tools/zentara/exit_code.h"
+#include "utils/visible_text.h"
 
 namespace Zentara::Tool {
 ColorRecorder::ColorRecorder(const StreamDescription& stream, std::uint64_t count, const std::string& pngPath)
@@ -47,7 +48,7 @@ void ColorRecorder::discard() {
 void ColorRecorder::print(std::ostream& out) const {
     counter.print(out);
     if (!last.empty())
-        out << "picture  " << picture->path() << '\n';
+        out << "picture  " << Utils::visibleText(picture->path()) << '\n';
 }
 
 void ColorRecorder::fill(Json& stream) const {

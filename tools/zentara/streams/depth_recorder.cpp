@@ -8,6 +8,7 @@
 
 #include "host/cameras/camera_bus.h"
 #include "tools/zentara/exit_code.h"
+#include "utils/visible_text.h"
 
 namespace Zentara::Tool {
 
@@ -88,9 +89,9 @@ void DepthRecorder::print(std::ostream& out) const {
         out << "depth    " << range().nearest << " to " << range().farthest << " mm, "
             << fixed(100.0 * blind(), 1) << " % of the pixels without\n";
     if (picture && !depth.empty())
-        out << "picture  " << picture->path() << '\n';
+        out << "picture  " << Utils::visibleText(picture->path()) << '\n';
     if (file)
-        out << "raw      " << file->path() << '\n';
+        out << "raw      " << Utils::visibleText(file->path()) << '\n';
 }
 
 void DepthRecorder::fill(Json& stream) const {

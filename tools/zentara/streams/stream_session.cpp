@@ -17,6 +17,7 @@
 #include "tools/zentara/streams/node_source.h"
 #include "tools/zentara/streams/played_source.h"
 #include "tools/zentara/supervisor.h"
+#include "utils/visible_text.h"
 
 namespace Zentara::Tool {
 
@@ -367,7 +368,7 @@ void StreamSession::print(std::ostream& out) const {
     for (const auto& camera : parts->cameras)
         camera->print(out);
     if (parts->recording)
-        out << "record   " << parts->recording->path() << '\n';
+        out << "record   " << Utils::visibleText(parts->recording->path()) << '\n';
 }
 
 Json StreamSession::json() const {
