@@ -13,4 +13,5 @@
 #include <zentara/host/picture.h>
 #include <zentara/host/plot.h>
 #include <zentara/host/point_cloud.h>
+#include <zentara/host/stream.h>
 #include <zentara/host/stream_info.h>

@@ -1,0 +1,480 @@
+#include "host/streams/stream_core.h"
+
+#include <algorithm>
+#include <limits>
+#include <thread>
+#include <utility>
+
+#include <zentara/utils/clock.h>
+#include <zentara/utils/format.h>
+
+#include "host/attempt.h"
+#include "host/cameras/hand.h"
+#include "host/tell.h"
+
+namespace Zentara::Host {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+using Utils::Format;
+using Utils::Threading::AutoLock;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr milliseconds openLimit = 30s;
+constexpr milliseconds startLimit = 10s;
+constexpr milliseconds stopLimit = 2s;
+constexpr milliseconds longestLimit = std::chrono::hours(24 * 365); // what is longer is for ever
+constexpr milliseconds returnPause = 300ms; // longer than an enumerator takes to see a removal
+constexpr milliseconds memoryPause = 10ms;
+constexpr milliseconds failurePause = 5ms;
+constexpr std::int64_t temperatureMicros = 5'000'000;
+constexpr std::size_t mostUnitBytes = std::size_t{1} << 26;
+
+milliseconds leftUntil(steady_clock::time_point end) {
+    return std::max(milliseconds(0), std::chrono::ceil<milliseconds>(end - steady_clock::now()));
+}
+
+/// What is being handled, as a Failure. \param what was attempted
+Failure failureNow(const std::string& what) {
+    try {
+        rethrowAsFailure(what);
+    } catch (const Failure& failure) {
+        return failure;
+    } catch (...) {
+        return Failure(Failure::Failed, "cannot " + what, "unknown exception");
+    }
+}
+
+/// Whether the correction of depth depends on how warm the camera is.
+bool needsTemperatures(const StreamInfo& info) {
+    const ModeCorrections* const mode = correctionsOf(info);
+    return info.mode.kind == Kind::Depth && mode != nullptr &&
+           mode->temperature != ModeCorrections::Temperature::None;
+}
+
+} // namespace
+
+Stream::Core::Core(StreamSetup setup, const StreamOptions& wanted)
+    : options(wanted), open(std::move(setup.open)), opening(std::move(setup.what)), note(setup.note),
+      hand(setup.hand ? std::move(setup.hand) : std::make_shared<Hand>(opening, note)), gaps(1),
+      queue(std::max<std::size_t>(1, wanted.queue)) {
+    if (wanted.queue == 0)
+        throw Failure(Failure::Usage, "cannot " + opening, "a queue of 0 frames keeps none");
+    source = hand->step(openLimit, opening, [way = open] { return way(); });
+    name = source->label();
+    context = std::make_shared<const StreamContext>(source->info());
+    gaps = FrameGaps(context->info.mode.rate);
+    unitBytes = std::max<std::size_t>(1, source->usualBytes());
+    wantsTemperatures = needsTemperatures(context->info);
+}
+
+Stream::State Stream::Core::state() const noexcept {
+    AutoLock hold(lock);
+    return condition;
+}
+
+StreamCounts Stream::Core::counts() const noexcept {
+    AutoLock hold(lock);
+    return numbers;
+}
+
+bool Stream::Core::isHalted() const { return state() == State::Stopped; }
+
+void Stream::Core::setState(State next) {
+    condition = next;
+    arrived.notifyAll();
+    changed.notifyAll();
+}
+
+bool Stream::Core::wait(Utils::Threading::Condition& which, Moment end) {
+    const auto left = leftUntil(end).count();
+    if (left <= 0)
+        return false;
+    // The longest single wait has 32 bits, less one; the caller comes again.
+    which.timedWait(static_cast<unsigned long>(std::min<long long>(left, 1'000'000)));
+    return true;
+}
+
+// Starting and stopping ---------------------------------------------------------------------------------------------
+
+void Stream::Core::start() {
+    const Source own = launch();
+    if (!own)
+        return;
+    const std::string what = Format("stream % from %") % context->info.mode.name % name;
+    try {
+        hand->step(startLimit, what, [own] { own->start(); });
+        AutoLock hold(lock);
+        if (condition == State::Stopped)
+            return;
+        std::thread([self = shared_from_this()] { self->run(); }).detach();
+        isReading = true;
+        setState(State::Streaming);
+    } catch (...) {
+        const Failure failure = failureNow(what);
+        AutoLock hold(lock);
+        if (condition != State::Stopped) {
+            trouble = failure;
+            setState(State::Failed);
+        }
+        throw failure;
+    }
+}
+
+/// The source, for the one who is to start it.
+Stream::Core::Source Stream::Core::launch() {
+    AutoLock hold(lock);
+    if (condition != State::Waiting || std::exchange(isStarting, true))
+        return nullptr;
+    return source;
+}
+
+/// Waits for the reading thread; false when it does not end in time.
+bool Stream::Core::waitForReader(Moment end) {
+    AutoLock hold(lock);
+    while (isReading && wait(changed, end)) {
+    }
+    isAbandoned = isReading;
+    return !isReading;
+}
+
+Stream::Core::Source Stream::Core::takeSource() {
+    Source taken = std::move(source);
+    source = nullptr;
+    return taken;
+}
+
+void Stream::Core::stop() {
+    const Moment end = steady_clock::now() + stopLimit;
+    std::optional<Failure> first;
+    Source own;
+    State before = State::Stopped;
+    {
+        AutoLock hold(lock);
+        if (condition == State::Stopped)
+            return;
+        before = condition;
+        own = source;
+        queue.clear();
+        setState(State::Stopped);
+    }
+    const auto carryOut = [&](const std::string& what, auto work) {
+        try {
+            hand->step(leftUntil(end), what, std::move(work));
+        } catch (...) {
+            if (!first)
+                first = failureNow(what);
+        }
+    };
+    const std::string stopping = "stop the stream of " + name;
+    if (own && before != State::Waiting)
+        carryOut(stopping, [own] { own->stop(); });
+    own.reset();
+    if (!waitForReader(end)) {
+        throw before == State::Away
+            ? Failure(Failure::TimedOut, "cannot " + stopping, "it is still to " + opening)
+            : Failure(Failure::TimedOut,
+                      Format("% does not return from reading; % frames had come") % name % counts().received);
+    }
+    {
+        AutoLock hold(lock);
+        own = takeSource();
+    }
+    if (own)
+        carryOut("close " + name, [gone = std::move(own)]() mutable {
+            gone->close();
+            gone.reset();
+        });
+    // What a device says while it is taken apart is no news once it failed or went.
+    if (first && before != State::Failed && before != State::Unplugged)
+        throw Failure(*first);
+}
+
+void Stream::Core::end(std::shared_ptr<Core> core) noexcept {
+    try {
+        core->stop();
+    } catch (const Failure& failure) {
+        tell(core->note,
+             std::string(failure.what()) +
+                 (failure.code() == Failure::TimedOut ? "; it is left behind with its thread" : ""));
+    } catch (...) {
+        // Not even the text of a failure could be made.
+    }
+    if (core->hand->hangsIn().empty())
+        return;
+    // A hand that hangs waits for its thread when it goes, and time has been spent already.
+    auto* const kept = new (std::nothrow) std::shared_ptr<Core>(std::move(core));
+    try {
+        if (kept != nullptr)
+            std::thread([kept] { delete kept; }).detach();
+    } catch (...) {
+        // It stays for good, as what it hangs in does.
+    }
+}
+
+// Fetching ----------------------------------------------------------------------------------------------------------
+
+std::optional<Frame> Stream::Core::take(Milliseconds limit, bool newest) {
+    const Moment end = steady_clock::now() + std::min(limit, longestLimit);
+    AutoLock hold(lock);
+    for (;;) {
+        if (condition == State::Stopped)
+            return std::nullopt;
+        if (!queue.empty()) {
+            ++numbers.fetched;
+            return queue.pop(newest, numbers.droppedByQueue);
+        }
+        if (condition == State::Ended)
+            return std::nullopt;
+        if (condition == State::Failed || condition == State::Unplugged)
+            throw Failure(*trouble);
+        if (isStarved)
+            throw FrameMemory::instance().shortage("take a frame of " + name, unitBytes);
+        if (!wait(arrived, end))
+            throw silence(limit);
+    }
+}
+
+Failure Stream::Core::silence(Milliseconds limit) const {
+    const double seconds = static_cast<double>(limit.count()) / 1000;
+    if (condition == State::Away)
+        return Failure(trouble->code(), std::string(trouble->what()) + " and did not come back");
+    if (condition == State::Waiting)
+        return Failure(Failure::TimedOut,
+                       Format("nothing came from % for % s: its stream has not been started") % name %
+                           seconds);
+    return Failure(Failure::TimedOut, Format("nothing came from % for % s; % frames had come") % name %
+                                          seconds % numbers.received);
+}
+
+// Reading -----------------------------------------------------------------------------------------------------------
+
+void Stream::Core::run() {
+    for (;;) {
+        const std::optional<Failure> why = readUnits();
+        if (why && why->code() == Failure::NoDevice && options.awaitReturn && awaitReturn(*why))
+            continue;
+        draft = FrameDraft();
+        const State end =
+            !why ? State::Ended : (why->code() == Failure::NoDevice ? State::Unplugged : State::Failed);
+        AutoLock hold(lock);
+        if (condition != State::Stopped && condition != State::Failed) {
+            trouble = why;
+            condition = end;
+        }
+        isReading = false;
+        setState(condition);
+        return;
+    }
+}
+
+/// \return why it ended; none when the source said that nothing more comes
+std::optional<Failure> Stream::Core::readUnits() {
+    Source own;
+    {
+        AutoLock hold(lock);
+        own = source;
+    }
+    if (!own)
+        return std::nullopt; // it is being stopped
+    try {
+        readFrom(*own);
+        return std::nullopt;
+    } catch (...) {
+        return failureNow(Format("read unit % from %") % counts().received % name);
+    }
+}
+
+void Stream::Core::readFrom(StreamSource& from) {
+    while (makeDraft()) {
+        readTemperatures(from);
+        std::int64_t micros = 0;
+        int length = 0;
+        const ReadBufferStatus status =
+            from.read(draft.bytes(), static_cast<int>(draft.capacity()), &micros, &length);
+        switch (status) {
+        case ReadBufferStatus_OK:
+            deliver(length, micros);
+            break;
+        case ReadBufferStatus_TIMEOUT:
+            break; // whether it has been silent for too long is for the one to say who waits
+        case ReadBufferStatus_FAILED: {
+            AutoLock hold(lock);
+            changed.timedWait(static_cast<unsigned long>(failurePause.count()));
+            break;
+        }
+        case ReadBufferStatus_TOO_SMALL:
+            makeRoom(length);
+            break;
+        case ReadBufferStatus_NOT_STREAMING:
+            return;
+        case ReadBufferStatus_DISCONNECTED:
+            throw Failure(Failure::NoDevice,
+                          Format("% was unplugged after % units") % name % counts().received);
+        default:
+            throw Failure(Failure::Failed,
+                          Format("reading from % ended with status %") % name % static_cast<int>(status));
+        }
+    }
+}
+
+/// Memory for the next unit. Where the process may have no more it waits for some; what is queued is given out
+/// meanwhile, and then whoever waits is told. \return false once the stream is stopped
+bool Stream::Core::makeDraft() {
+    while (!isHalted()) {
+        if (draft && draft.capacity() >= unitBytes)
+            return true;
+        draft = FrameDraft();
+        draft = FrameDraft::tryTake(context, unitBytes);
+        AutoLock hold(lock);
+        const bool lacks = !draft;
+        if (std::exchange(isStarved, lacks) != lacks)
+            arrived.notifyAll();
+        if (lacks)
+            changed.timedWait(static_cast<unsigned long>(memoryPause.count()));
+    }
+    return false;
+}
+
+void Stream::Core::makeRoom(int length) {
+    const auto wanted = static_cast<std::size_t>(std::max(0, length));
+    if (wanted <= draft.capacity() || wanted > mostUnitBytes)
+        throw Failure(Failure::Failed, Format("% wants a buffer of % bytes and does not take one of %") %
+                                           name % length % draft.capacity());
+    unitBytes = wanted;
+}
+
+void Stream::Core::deliver(int length, std::int64_t micros) {
+    if (length < 0 || static_cast<std::size_t>(length) > draft.capacity())
+        throw Failure(Failure::Failed,
+                      Format("% delivered % bytes into a buffer of %") % name % length % draft.capacity());
+    FrameData& fields = draft.fields();
+    const bool returned = std::exchange(isFirstAfterReturn, false);
+    if (returned)
+        gaps.resume();
+    fields.droppedBefore = context->info.mode.kind == Kind::Audio ? 0 : gaps.count(micros);
+    fields.deviceMicros = micros;
+    fields.hostMicros = Utils::Clock::nowMicros();
+    fields.isFirstAfterReturn = returned;
+    fields.temperatures = temperatures;
+    fields.temperatureCount = temperatureCount;
+    AutoLock hold(lock);
+    if (condition == State::Stopped)
+        return;
+    fields.number = numbers.received++;
+    numbers.lostByDevice += fields.droppedBefore;
+    numbers.droppedByQueue += queue.push(std::move(draft).finish(static_cast<std::size_t>(length)));
+    arrived.notify(false);
+}
+
+/// Sensors that cannot be read are no reason to end a stream: its frames tell that they have no temperature.
+void Stream::Core::readTemperatures(StreamSource& from) {
+    const std::int64_t now = Utils::Clock::nowMicros();
+    if (!wantsTemperatures || (temperaturesAt != 0 && now - temperaturesAt < temperatureMicros))
+        return;
+    temperaturesAt = now;
+    temperatureCount = 0;
+    try {
+        const SensorValueArray readings = from.temperatures();
+        temperatureCount = std::min(readings.size(), temperatures.size());
+        std::copy_n(readings.values.begin(), temperatureCount, temperatures.begin());
+    } catch (...) {
+        temperatureCount = 0;
+    }
+}
+
+// Away and back -----------------------------------------------------------------------------------------------------
+
+/// \return true once it streams again; false when the stream is stopped, or the device hangs as it is given back
+bool Stream::Core::awaitReturn(const Failure& why) {
+    Source gone;
+    {
+        AutoLock hold(lock);
+        if (condition == State::Stopped)
+            return false;
+        trouble = why;
+        gone = takeSource();
+        setState(State::Away);
+    }
+    if (!giveBack(std::move(gone)))
+        return false;
+    for (;;) {
+        {
+            const Moment again = steady_clock::now() + returnPause;
+            AutoLock hold(lock);
+            while (condition == State::Away && wait(changed, again)) {
+            }
+            if (condition != State::Away)
+                return false;
+        }
+        try {
+            if (comeBack())
+                return true;
+        } catch (...) {
+            const Failure failure = failureNow(opening);
+            AutoLock hold(lock);
+            if (condition == State::Away && failure.code() != Failure::NoDevice)
+                trouble = failure; // another try may do better
+        }
+    }
+}
+
+/// \return false when the stream was stopped meanwhile; throws while the camera is away
+bool Stream::Core::comeBack() {
+    Source back = hand->call(openLimit, opening, [way = open] { return way(); });
+    try {
+        if (back->info().mode != context->info.mode)
+            throw Failure(Failure::Failed, name + " came back in another mode");
+        hand->call(startLimit, "start " + name + " again", [back] { back->start(); });
+    } catch (...) {
+        static_cast<void>(giveBack(std::move(back)));
+        throw;
+    }
+    {
+        AutoLock hold(lock);
+        if (condition == State::Away) {
+            source = std::move(back);
+            trouble.reset();
+            ++numbers.absences;
+            setState(State::Streaming);
+        }
+    }
+    if (back) { // nobody wants it any more
+        static_cast<void>(giveBack(std::move(back)));
+        return false;
+    }
+    isFirstAfterReturn = true;
+    temperaturesAt = 0;
+    return true;
+}
+
+/// What the device says to that is no news: it is gone. \return false when it hangs, which is the stream's failure then
+bool Stream::Core::giveBack(Source gone) {
+    const std::string what = "close " + name;
+    try {
+        hand->call(stopLimit, what, [parted = std::move(gone)]() mutable {
+            const auto quietly = [](auto step) {
+                try {
+                    step();
+                } catch (...) {
+                }
+            };
+            quietly([&] { parted->stop(); });
+            quietly([&] { parted->close(); });
+            parted.reset();
+        });
+    } catch (...) {
+        const Failure failure = failureNow(what);
+        AutoLock hold(lock);
+        if (condition == State::Away) {
+            trouble = failure;
+            setState(State::Failed);
+        }
+        return false;
+    }
+    return true;
+}
+
+} // namespace Zentara::Host
