@@ -12,7 +12,7 @@ using Utils::Format;
 
 namespace {
 
-constexpr double phaseSteps = 65536;
+constexpr double stepsOfTurn = 65536;
 
 const SensorValue* find(std::span<const SensorValue> values, std::int32_t sensor) noexcept {
     const auto found = std::find_if(values.begin(), values.end(),
@@ -145,7 +145,7 @@ std::uint16_t DepthCorrection::stepOf(double millimetres, std::uint16_t phase) c
     if (phase != 0 || !(info.millimetresPerPhaseStep > 0))
         return phase;
     return static_cast<std::uint16_t>(
-        std::fmod(millimetres / double{info.millimetresPerPhaseStep}, phaseSteps));
+        std::fmod(millimetres / double{info.millimetresPerPhaseStep}, stepsOfTurn));
 }
 
 void DepthCorrection::apply(std::span<const std::uint16_t> depth, std::span<const std::uint16_t> phase,

@@ -21,7 +21,7 @@ using Utils::Format;
 
 namespace {
 
-constexpr float metresPerMillimetre = 0.001F;
+constexpr float metresOfMillimetre = 0.001F;
 
 std::string frameText(const FrameData& frame) {
     return Format("frame % of %") % frame.number % frame.context->info.camera.label();
@@ -134,7 +134,7 @@ float Frame::metres(std::uint32_t x, std::uint32_t y) const {
     const std::size_t pixel = pixelAt(*data, x, y);
     if (plane[pixel] == 0)
         return std::numeric_limits<float>::quiet_NaN();
-    const float along = static_cast<float>(plane[pixel]) * (info().millimetresPerUnit * metresPerMillimetre);
+    const float along = static_cast<float>(plane[pixel]) * (info().millimetresPerUnit * metresOfMillimetre);
     return info().depthAlong == DepthAlong::Axis ? along : along * data->context->axisShares()[pixel];
 }
 
@@ -157,7 +157,7 @@ std::vector<float> Frame::metres() const {
 void Frame::metres(std::span<float> places) const {
     const auto plane = planeOf(*data, 0);
     requirePlaces(*data, places.size(), plane.size());
-    const float unit = info().millimetresPerUnit * metresPerMillimetre;
+    const float unit = info().millimetresPerUnit * metresOfMillimetre;
     for (std::size_t i = 0; i < plane.size(); ++i)
         places[i] =
             plane[i] == 0 ? std::numeric_limits<float>::quiet_NaN() : static_cast<float>(plane[i]) * unit;
