@@ -61,13 +61,6 @@ std::string directoryOf(const std::string& path) {
     return slash == std::string::npos ? "." : path.substr(0, slash + 1);
 }
 
-/// The new name is on disk once its directory is. The files have changed places by then: no failure to report.
-void flushDirectory(const std::string& path) {
-    const Descriptor directory(open(directoryOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (directory.isOpen())
-        fsync(directory.get());
-}
-
 long monotonicMilliseconds() noexcept {
     timespec now{};
     clock_gettime(CLOCK_MONOTONIC, &now);
@@ -269,12 +262,16 @@ bool NewFile::take(const std::string& path, bool replaces, unsigned long) {
         return part.taken;
     if (fsync(part.file.get()) != 0 || !makeAlike(part))
         return false;
+    // Had before anything changes: what follows needs no memory.
+    const Descriptor directory(open(directoryOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     const bool renamed =
         replaces ? rename(part.part.c_str(), path.c_str()) == 0 : renameToNew(part.part, path);
     if (!renamed)
         return false;
     part.taken = true; // it stays open, and so locked: the right to the old file has become one to this
-    flushDirectory(path);
+    // The new name is on disk once its directory is. The files have changed places: no failure to report.
+    if (directory.isOpen())
+        fsync(directory.get());
     return true;
 }
 
