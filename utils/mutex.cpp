@@ -1,5 +1,6 @@
 #include <zentara/utils/mutex.h>
 
+#include "utils/lock_order.h"
 #include "utils/platform/event.h"
 #include "utils/platform/word.h"
 #include "utils/try_mutex.h"
@@ -67,17 +68,32 @@ void giveBack(Word& word) noexcept {
 } // namespace
 
 // Nothing was taken from the system.
-Mutex::~Mutex() = default;
+Mutex::~Mutex() { LockOrder::forget(&word); }
 
-void Mutex::acquire() noexcept ZENTARA_NO_THREAD_SAFETY_ANALYSIS { take(word); }
+void Mutex::acquire() noexcept ZENTARA_NO_THREAD_SAFETY_ANALYSIS {
+    const LockOrder::Taking taking(&word);
+    take(word);
+}
 
-void Mutex::release() noexcept ZENTARA_NO_THREAD_SAFETY_ANALYSIS { giveBack(word); }
+void Mutex::release() noexcept ZENTARA_NO_THREAD_SAFETY_ANALYSIS {
+    const LockOrder::GivingBack givingBack(&word);
+    giveBack(word);
+}
 
-void TryMutex::lock() noexcept { take(word); }
+void TryMutex::lock() noexcept {
+    const LockOrder::Taking taking(&word);
+    take(word);
+}
 
-bool TryMutex::try_lock() noexcept { return tryToTake(word, Platform::threadMark()); }
+bool TryMutex::try_lock() noexcept {
+    LockOrder::Taking taking(&word, true);
+    return taking.tell(tryToTake(word, Platform::threadMark()));
+}
 
-void TryMutex::unlock() noexcept { giveBack(word); }
+void TryMutex::unlock() noexcept {
+    const LockOrder::GivingBack givingBack(&word);
+    giveBack(word);
+}
 
 void RecursiveMutex::acquire() noexcept ZENTARA_NO_THREAD_SAFETY_ANALYSIS { mutex.acquire(); }
 
