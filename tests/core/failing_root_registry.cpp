@@ -1,7 +1,5 @@
 #include "core/failing_root.h"
 
-#include <string>
-
 #include <gtest/gtest.h>
 
 #include <zentara/utils/environment_variable.h>

@@ -1,7 +1,6 @@
 #include <zentara/core/guids.h>
 
 #include <cstdio>
-#include <set>
 
 #include <gtest/gtest.h>
 

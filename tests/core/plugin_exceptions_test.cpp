@@ -1,7 +1,5 @@
 #include <zentara/plugin/plugin_exceptions.h>
 
-#include <functional>
-
 #include <gmock/gmock.h>
 
 #include "support/log_capture.h"

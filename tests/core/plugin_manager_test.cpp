@@ -3,8 +3,6 @@
 #include <atomic>
 #include <exception>
 #include <thread>
-#include <utility>
-#include <vector>
 
 #include <gmock/gmock.h>
 

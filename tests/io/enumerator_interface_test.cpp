@@ -100,6 +100,7 @@ TEST_F(EnumeratorTest, DescribesTheSelectedNode) {
     enumerator.initialize(&events, &store);
     NodeEvent event;
     event.path = "kept";
+    event.profile = Core::Profile(7);
     event.productId = 5;
     EXPECT_TRUE(enumerator.selectNodeDescriptor(&event, Core::Profile_DEFAULT));
     EXPECT_EQ(0x100000000U, enumerator.getNodeFlags());
@@ -109,6 +110,7 @@ TEST_F(EnumeratorTest, DescribesTheSelectedNode) {
     EXPECT_EQ(0U, enumerator.getNodeFlags());
     enumerator.fillEvent(&event);
     EXPECT_EQ(NodeType_AUDIO, event.nodeType);
+    EXPECT_EQ(Core::Profile_DEFAULT, event.profile);
     EXPECT_EQ((HardwareIDs{1, 2, 3, 4}), event.hardwareIds());
     EXPECT_EQ("kept node 6", event.path + " " + event.name + " " + std::to_string(event.nodeIndex));
     EXPECT_FALSE(enumerator.selectNodeDescriptor(&event, Core::Profile_DEFAULT));

@@ -97,6 +97,18 @@ TEST_F(LackOfMemory, ARequestThatTheWorkerDoesNotGetIsAsItWas) {
     });
 }
 
+TEST_F(LackOfMemory, AStopThatTheWorkerDoesNotGetStopsNothing) {
+    walk([&](const auto& withoutMemory) {
+        Worker worker;
+        for (int i = 0; i < 70; ++i)
+            worker.settle(); // else the queue has room for the stop
+        if (withoutMemory([&] { worker.exit(); })) {
+            EXPECT_NO_THROW(worker.settle());
+            EXPECT_NO_THROW(worker.exit());
+        }
+    });
+}
+
 TEST_F(LackOfMemory, AFailureReachesTheCallerWithoutItsText) {
     const TestSupport::LogCapture log;
     proxy.emplace(LEAVING_DEVICE, true);

@@ -1,5 +1,4 @@
 #include <cstring>
-#include <memory>
 #include <optional>
 
 #include <gmock/gmock.h>

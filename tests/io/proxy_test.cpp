@@ -1,6 +1,5 @@
 #include <array>
 #include <stdexcept>
-#include <string>
 
 #include <gmock/gmock.h>
 

@@ -5,12 +5,13 @@
 
 #include <zentara/audio_configuration.h>
 #include <zentara/color_configuration.h>
-#include <zentara/depth_base_configuration.h>
+#include <zentara/depth_configuration.h>
 #include <zentara/io/streaming_requests.h>
 #include <zentara/io/xu_device_requests.h>
 #include <zentara/utils/smart_ptr.h>
 #include <zentara/utils/weak_ptr.h>
 
+#include "io/owned_requests.h"
 #include "io/script.h"
 #include "support/failure.h"
 
@@ -168,21 +169,41 @@ TEST_F(WorkerTest, AFailedRequestLeavesAHusk) {
 
 // While it runs it keeps all; the worker gives it back.
 TEST_F(WorkerTest, ATimedOutRequestLeavesItsHuskWhenItEnds) {
-    tuning.set(20, 60000, 10);
-    class OwnMode : public ColorConfiguration {};
-    auto mode = Utils::makeRefcounted<OwnMode>();
-    const Utils::WeakPtr<OwnMode> watch(mode);
-    Gate gate;
-    hold(15, gate);
-    EXPECT_EQ("processRequest: I/O timeout: RequestType_ENABLE_COLOR", outcome([&] {
-                  proxy->enableStreaming(Utils::SmartPtr<ColorConfiguration>(mode), CameraControls{});
-              }));
-    mode = nullptr;
-    EXPECT_FALSE(watch.expired());
-    gate.open();
-    tuning.set(2000, 60000, 10);
-    Worker().settle();
-    EXPECT_TRUE(watch.expired());
+    deviceRequest* held = nullptr;
+    const auto leavesHusk = [&](const std::function<void()>& call, const std::function<bool()>& isKept) {
+        tuning.set(20, 60000, 10);
+        Gate gate;
+        script.onCall = [&](int, deviceRequest* request) {
+            held = request;
+            gate.pass();
+        };
+        EXPECT_THAT(outcome(call), testing::StartsWith("processRequest: I/O timeout: RequestType_"));
+        EXPECT_TRUE(isKept());
+        gate.open();
+        tuning.set(2000, 60000, 10);
+        script.onCall = [](int, deviceRequest*) {};
+        Worker().settle();
+        EXPECT_FALSE(isKept());
+    };
+    struct OwnColor : ColorConfiguration {};
+    struct OwnDepth : DepthConfiguration {};
+    auto color = Utils::makeRefcounted<OwnColor>();
+    auto depth = Utils::makeRefcounted<OwnDepth>();
+    const Utils::WeakPtr<OwnColor> watchedColor(color);
+    const Utils::WeakPtr<OwnDepth> watchedDepth(depth);
+    leavesHusk(
+        [&] {
+            proxy->enableStreaming(Utils::SmartPtr<ColorConfiguration>(std::exchange(color, nullptr)), {});
+        },
+        [&] { return !watchedColor.expired(); });
+    leavesHusk(
+        [&] {
+            proxy->enableStreaming(Utils::SmartPtr<DepthBaseConfiguration>(std::exchange(depth, nullptr)));
+        },
+        [&] { return !watchedDepth.expired(); });
+    std::uint8_t bytes[100];
+    leavesHusk([&] { proxy->recv(1, 2, sizeof bytes, bytes, false); },
+               [&] { return dynamic_cast<RequestBytes&>(*held).stored.capacity() != 0; });
     proxy.reset();
     EXPECT_EQ(0, script.livingDevices());
 }

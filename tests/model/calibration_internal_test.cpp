@@ -83,7 +83,8 @@ TEST(CalibrationInternalTest, UnmarshalsWhatHasARecord) {
 
 TEST(CalibrationInternalTest, SkipsOtherVersionsUnknownTagsAndWhatFollowsInARecord) {
     CalibrationInternal calibration;
-    ASSERT_EQ(0, unmarshal(calibration, {0x40, 2, 6, 0, 9, 9, 0x77, 1, 4, 0, 0x41, 1, 8, 0, 5, 0, 9, 9}));
+    ASSERT_EQ(0, unmarshal(calibration, {0x40, 2, 6, 0, 9, 9, 0x40, 0, 6,    0, 9, 9,
+                                         0x41, 1, 8, 0, 5, 0, 9,    9, 0x77, 1, 4, 0}));
     EXPECT_EQ(0, calibration.getPhaseDelay());
     EXPECT_EQ(5, calibration.getPhaseDelay2());
 }

@@ -2,8 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <limits>
-
 #include <zentara/plugin/plugin_exceptions.h>
 
 namespace Zentara {

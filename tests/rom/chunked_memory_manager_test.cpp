@@ -1,7 +1,5 @@
 #include <zentara/rom/chunked_memory_manager.h>
 
-#include <functional>
-
 #include <zentara/plugin/plugin_exceptions.h>
 
 #include "rom/rom_fixture.h"
@@ -9,13 +7,6 @@
 
 namespace Zentara::TestSupport {
 namespace {
-
-using Plugin::ArgumentPluginException;
-using Plugin::InvalidOperationPluginException;
-using Plugin::IOPluginException;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
 
 class ManagerTest : public RomTest {};
 

@@ -10,14 +10,8 @@
 namespace Zentara::TestSupport {
 namespace {
 
-using Plugin::ArgumentPluginException;
-using Plugin::InvalidOperationPluginException;
-using Plugin::IOPluginException;
 using Plugin::UnauthorizedAccessPluginException;
 using ROM::ContainerSectionType;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
 
 class ContainerTest : public RomTest {
 protected:

@@ -18,10 +18,6 @@
 namespace Zentara::TestSupport {
 namespace {
 
-using Plugin::ArgumentPluginException;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::Not;
 
 struct RecordProbe : ROM::SerializedDataBlock {
@@ -181,7 +177,10 @@ TEST(RomObjects, CorrectionBytes) {
     const auto back = Reader<ROM::GradientDistortionCorrection>::read(bytes);
     EXPECT_EQ("AB", back->getGradientDistortionCorrectionHeader().getSerialId());
     ASSERT_EQ(2u, back->getGradientDistortionCorrectionData().size());
-    EXPECT_EQ(60, back->getGradientDistortionCorrectionData()[1].getModulationFrequency());
+    EXPECT_TRUE(back->getGradientDistortionCorrectionData()[1] ==
+                ROM::GradientDistortionCorrectionData(60, {}));
+    EXPECT_FALSE(back->getGradientDistortionCorrectionData()[1] ==
+                 ROM::GradientDistortionCorrectionData(61, {}));
     EXPECT_EQ(bytes, back->serialize());
     // The id ends at its zero byte; its stored length is not consulted.
     const auto odd = read<ROM::GradientDistortionCorrection>("44 01 11000000 0102 01020304 02 00 414200");
@@ -217,6 +216,8 @@ INSTANTIATE_TEST_SUITE_P(
         Damage{"HardwareShort", Type::SystemInfo, "80 01 07000000 03",
                "Failed to deserialized ZT536HardwareInfoData"},
         Damage{"OffsetVersion", Type::Configuration, "40 00 08000000 0001",
+               "Failed to deserialized PhaseOffset"},
+        Damage{"OffsetOfALaterVersion", Type::Configuration, "40 02 08000000 0001",
                "Failed to deserialized PhaseOffset"},
         Damage{"SecondOffsetShort", Type::Configuration, "41 01 07000000 00",
                "Failed to deserialized PhaseOffset"},

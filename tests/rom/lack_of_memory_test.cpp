@@ -1,6 +1,7 @@
 // Each allocation of each operation fails once: the operation throws, and object and flash stay as they were; or it goes
 // through, and both have the change.
 #include <zentara/rom/configuration.h>
+#include <zentara/rom/file_accessor.h>
 #include <zentara/rom/gradient_distortion_correction.h>
 #include <zentara/rom/gradient_distortion_correction_accessor.h>
 #include <zentara/rom/gradient_distortion_correction_store.h>
@@ -168,6 +169,30 @@ TEST(LackOfMemoryTest, ACorrectionImageStaysAsItWas) {
                 EXPECT_EQ(wanted, accessor.read(0, 54));
             }
         });
+}
+
+TEST(LackOfMemoryTest, AFlashFileIsSavedWholeOrStaysAsItWas) {
+    const TemporaryDirectory directory;
+    const std::string fileName = directory.path("image.bin");
+    const std::string before(5000, 'x');
+    const Bytes bytes = pattern(3000);
+    walkAllocations([&](const auto& under) {
+        Utils::writeFile(fileName, before);
+        std::unique_ptr<ROM::FileAccessor> file;
+        if (under([&] { file = std::make_unique<ROM::FileAccessor>(fileName); }))
+            file = std::make_unique<ROM::FileAccessor>(fileName);
+        file->write(1000, bytes);
+        if (under([&] { file->save(); })) {
+            EXPECT_TRUE(file->isModified());
+            EXPECT_TRUE(before == Utils::readFile(fileName));
+            file->save();
+        }
+        EXPECT_FALSE(file->isModified());
+        const std::string saved = Utils::readFile(fileName);
+        EXPECT_TRUE(file->getImage() == Bytes(saved.begin(), saved.end()));
+        EXPECT_TRUE(bytes == file->read(1000, 3000));
+    });
+    EXPECT_EQ(1u, Utils::getFileList(directory.path(), "").size()) << "no parts are left";
 }
 
 } // namespace

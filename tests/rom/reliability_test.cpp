@@ -1,7 +1,6 @@
 // How much a storage survives: power cuts, failing transfers, flipped bits and missing ends. The figures are
 // printed.
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <random>
@@ -54,9 +53,6 @@ private:
 
 /// What a write is for, as far as a power cut in it matters.
 enum WriteKind { FreshBlock, LinkOfBlock, ManagementHeader, InPlace, WRITE_KINDS };
-constexpr std::array<const char*, WRITE_KINDS> KIND_NAMES = {"block not linked yet", "link in a block header",
-                                                             "management header", "block in place"};
-
 /// What a mount after a cut finds, from best to worst.
 enum Outcome { Whole, ChangedSectionLost, OthersLost, AllLost, WrongBytes, OUTCOMES };
 
@@ -71,14 +67,12 @@ struct Figures {
         return sum;
     }
     void print(std::size_t writes) const {
-        std::printf("%zu cut images of %zu writes: whole, own lost, others, all lost, wrong\n", total(),
-                    writes);
-        for (std::size_t kind = 0; kind < WRITE_KINDS; ++kind) {
-            std::printf("%-24s", KIND_NAMES[kind]);
-            for (const std::size_t count : counts[kind])
-                std::printf(" %8zu", count);
-            std::printf("\n");
-        }
+        std::printf("%zu cut images of %zu writes: whole, own lost, others, all lost, wrong; of blocks not "
+                    "linked yet, links in block "
+                    "headers, management headers, blocks in place\n",
+                    total(), writes);
+        for (const auto& kind : counts)
+            std::printf("%8zu %8zu %8zu %8zu %8zu\n", kind[0], kind[1], kind[2], kind[3], kind[4]);
     }
 };
 

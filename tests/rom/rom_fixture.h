@@ -17,6 +17,14 @@
 
 namespace Zentara::TestSupport {
 
+// What most of these tests name.
+using Plugin::ArgumentPluginException;
+using Plugin::InvalidOperationPluginException;
+using Plugin::IOPluginException;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
 /// Bytes from their hexadecimal text; blanks do not count.
 Bytes hex(const std::string& text);
 

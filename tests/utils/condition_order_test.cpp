@@ -1,7 +1,7 @@
 #include <zentara/utils/condition.h>
 
-#include <functional>
-#include <utility>
+#include "utils/platform/event.h"
+#include "utils/platform/word.h"
 
 #include <gtest/gtest.h>
 
@@ -12,6 +12,9 @@ namespace {
 std::function<void()> atRelease;
 const Mutex* watched = nullptr;
 
+/// What happens when a thread falls asleep; its time has passed then.
+std::function<void()> atSleep;
+
 TEST(ConditionOrder, AWaiterIsKnownBeforeItGivesItsMutexBack) {
     Mutex mutex;
     Condition condition(&mutex);
@@ -21,6 +24,28 @@ TEST(ConditionOrder, AWaiterIsKnownBeforeItGivesItsMutexBack) {
         EXPECT_EQ(condition.timedWait(0), 0) << all;
     }
     EXPECT_EQ(condition.timedWait(0), -1) << "and the notification is used up";
+}
+
+TEST(ConditionOrder, ANotificationAtTheLastMomentCounts) {
+    Mutex mutex;
+    Condition condition(&mutex);
+    atSleep = [&] { condition.notify(false); };
+    EXPECT_EQ(condition.timedWait(1), 0);
+    EXPECT_EQ(condition.timedWait(1), -1);
+}
+
+TEST(EventOrder, ATokenAtTheLastMomentIsTakenAndTheWaiterGone) {
+    using Platform::Event;
+    for (const auto kind : {Event::Reset::automatic, Event::Reset::manual}) {
+        const Platform::Owned<Event> event(Event::create(kind));
+        atSleep = [&] { event->set(); };
+        EXPECT_TRUE(event->wait(1));
+        EXPECT_EQ(event->wait(1), kind == Event::Reset::manual) << "taken, or there for all";
+        event->set();
+        event->set();
+        EXPECT_TRUE(event->wait(0));
+        EXPECT_EQ(event->wait(0), kind == Event::Reset::manual) << "there is room for one more than waiters";
+    }
 }
 
 } // namespace
@@ -36,3 +61,11 @@ void RecursiveMutex::acquire() noexcept ZENTARA_NO_THREAD_SAFETY_ANALYSIS { mute
 void RecursiveMutex::release() noexcept ZENTARA_NO_THREAD_SAFETY_ANALYSIS { mutex.release(); }
 
 } // namespace Zentara::Utils::Threading
+
+bool Zentara::Utils::Platform::sleepOnWord(const void*, std::uint32_t, unsigned long) noexcept {
+    if (const auto happens = std::exchange(Threading::atSleep, nullptr))
+        happens();
+    return false;
+}
+void Zentara::Utils::Platform::wakeOnWord(const void*) noexcept {}
+void Zentara::Utils::Platform::wakeAllOnWord(const void*) noexcept {}

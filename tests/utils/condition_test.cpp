@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <thread>
-#include <vector>
 
 namespace Zentara::Utils::Threading {
 namespace {

@@ -1,7 +1,5 @@
 #include <zentara/utils/environment_variable.h>
 
-#include <string>
-
 #include <gmock/gmock.h>
 
 #include <zentara/utils/cfgmgr32_proxy.h>
@@ -68,6 +66,7 @@ TEST_F(EnvironmentVariableTest, RefusesNamesThatTheSystemCannotHold) {
     for (const std::string& bad : {std::string(), std::string("A=B"), std::string("A\0B", 3)}) {
         EnvironmentVariable refused(bad);
         EXPECT_THROW(refused.setValue("x"), USystemException) << bad;
+        EXPECT_EQ(refused.getValue(), nullptr) << "what was not written is not remembered";
     }
 }
 

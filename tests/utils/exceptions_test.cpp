@@ -1,12 +1,11 @@
 #include <zentara/utils/exceptions.h>
 
-#include <string>
-#include <type_traits>
-
 #include <gmock/gmock.h>
 
 #include <zentara/utils/dynamic_library.h>
 #include <zentara/utils/files.h>
+
+#include "support/failure.h"
 
 namespace Zentara::Utils {
 namespace {
@@ -18,23 +17,14 @@ using testing::StartsWith;
 
 class Unnamed : public UException {};
 
-template<typename Exception>
-std::string caughtAsRoot(const Exception& thrown) {
-    try {
-        throw thrown;
-    } catch (const UException& caught) {
-        EXPECT_STREQ(caught.what(), static_cast<const std::exception&>(thrown).what());
-        return caught.message();
-    }
-}
-
 TEST(UException, IsTheRootOfEveryKind) {
-    EXPECT_EQ(caughtAsRoot(USystemException("a")), "a");
-    EXPECT_EQ(caughtAsRoot(UIOException("b")), "b");
-    EXPECT_EQ(caughtAsRoot(UInvalidOperationException("c")), "c");
-    EXPECT_EQ(caughtAsRoot(UFormatException("d")), "d");
-    EXPECT_EQ(caughtAsRoot(UNullMessageException()), "NULL message received");
-    EXPECT_EQ(caughtAsRoot(Unnamed()), "");
+    const auto message = [](const auto& thrown) {
+        return TestSupport::messageOf<UException>([&] { throw thrown; });
+    };
+    EXPECT_EQ(message(USystemException("a")) + message(UIOException("b")), "ab");
+    EXPECT_EQ(message(UInvalidOperationException("c")) + message(UFormatException("d")), "cd");
+    EXPECT_EQ(message(UNullMessageException()), "NULL message received");
+    EXPECT_EQ(message(Unnamed()), "");
     static_assert(!std::is_default_constructible_v<UException> &&
                   std::is_base_of_v<std::exception, UException>);
 }

@@ -1,8 +1,6 @@
 #include <zentara/utils/files.h>
 
 #include <filesystem>
-#include <string>
-#include <vector>
 
 #include <gmock/gmock.h>
 

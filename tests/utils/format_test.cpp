@@ -2,10 +2,7 @@
 
 #include <cstdint>
 #include <iomanip>
-#include <limits>
 #include <locale>
-#include <sstream>
-#include <string>
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,5 @@
 #include <zentara/utils/install_root.h>
 
-#include <string>
-
 #include <gmock/gmock.h>
 
 #include <zentara/utils/files.h>

@@ -3,10 +3,7 @@
 
 #include <filesystem>
 #include <regex>
-#include <sstream>
-#include <string>
 #include <thread>
-#include <vector>
 
 #include <gmock/gmock.h>
 

@@ -2,8 +2,6 @@
 
 #include <optional>
 #include <regex>
-#include <string>
-#include <vector>
 
 #include <gmock/gmock.h>
 

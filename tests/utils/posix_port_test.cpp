@@ -1,3 +1,7 @@
+#include "support/temporary_directory.h"
+#include "utils/platform/files.h"
+#include "utils/platform/new_file.h"
+#include "utils/platform/part_name.h"
 #include "utils/platform/posix/shared_object.h"
 #include "utils/platform/thread.h"
 
@@ -8,8 +12,9 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
-#include <string>
+#include <random>
 #include <thread>
 
 namespace Zentara::Utils::Platform {
@@ -61,5 +66,42 @@ TEST(PosixWaveWriter, AFullDiskIsToldWhenTheFileIsClosed) {
     EXPECT_FALSE(writer.isOpen());
 }
 
+/// Numbers that the system's source of chance gives first, in this program.
+std::vector<unsigned> foreseen;
+
+// Somebody who can tell the name before, and has put a link or a file of his own there.
+TEST(PosixNewFile, TakesNoNameThatIsThere) {
+    namespace fs = std::filesystem;
+    const TestSupport::TemporaryDirectory directory;
+    const std::string name = directory.path("image");
+    const std::string victim = directory.path("victim");
+    std::ofstream(victim) << "precious";
+    fs::create_symlink(victim, PartName::make(name, 1, 1));
+    fs::create_symlink(directory.path("nowhere"), PartName::make(name, 2, 2));
+    fs::copy_file(victim, PartName::make(name, 3, 3));
+    foreseen = {3, 3, 2, 2, 1, 1};
+    Owned<NewFile> file(NewFile::create(name, {}));
+    ASSERT_TRUE(file && file->append("new", 3) && file->take(name, false, 0));
+    EXPECT_TRUE(foreseen.empty());
+    std::string kept;
+    std::getline(std::ifstream(victim), kept);
+    EXPECT_EQ(kept, "precious");
+    EXPECT_TRUE(fs::is_symlink(PartName::make(name, 1, 1)));
+    EXPECT_FALSE(fs::exists(directory.path("nowhere")));
+    EXPECT_EQ(fs::file_size(PartName::make(name, 3, 3)), 8U);
+    EXPECT_FALSE(fs::is_symlink(name));
+}
+
 } // namespace
 } // namespace Zentara::Utils::Platform
+
+// In the place of the standard library's own.
+std::random_device::result_type std::random_device::_M_getval() {
+    auto& next = Zentara::Utils::Platform::foreseen;
+    static unsigned count = static_cast<unsigned>(Zentara::Utils::Platform::currentProcessId()) << 12;
+    if (next.empty())
+        return ++count;
+    const unsigned number = next.back();
+    next.pop_back();
+    return number;
+}

@@ -10,8 +10,6 @@
 #include <condition_variable>
 #include <mutex>
 #include <thread>
-#include <type_traits>
-#include <vector>
 
 namespace Zentara::Utils {
 namespace {

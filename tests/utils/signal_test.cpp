@@ -5,9 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <memory>
 #include <thread>
-#include <vector>
 
 namespace Zentara::Utils::Threading {
 namespace {

@@ -1,7 +1,6 @@
 #include <zentara/utils/text.h>
 
 #include <climits>
-#include <string>
 
 #include <gmock/gmock.h>
 

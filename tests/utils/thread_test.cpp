@@ -8,11 +8,8 @@
 #include "support/log_capture.h"
 
 #include <atomic>
-#include <memory>
 #include <stdexcept>
-#include <string>
 #include <thread>
-#include <vector>
 
 namespace Zentara::Utils::Threading {
 namespace {
@@ -148,7 +145,9 @@ class Worker : public Runnable {
 public:
     void* run(void* argument) override {
         passed = argument;
+        beganWithRequest = exitRequested();
         ++runs;
+        began.set();
         while (!exitRequested())
             wake.timedWait(generous);
         if (fails)
@@ -161,8 +160,10 @@ public:
     }
 
     std::atomic<int> runs{0};
+    std::atomic<bool> beganWithRequest{false};
     std::atomic<void*> passed{nullptr};
     std::atomic<bool> fails{false};
+    Signal began;
     Signal wake;
 };
 
@@ -181,7 +182,9 @@ TEST(Thread, RunsItsRunnableUntilStopped) {
     for (int round = 1; round <= 3; ++round) {
         thread.start(true);
         EXPECT_TRUE(worker.running());
-        EXPECT_FALSE(thread.exitRequested()) << "a new start forgets the old request";
+        ASSERT_EQ(worker.began.timedWait(generous), 0);
+        EXPECT_FALSE(thread.exitRequested() || worker.beganWithRequest)
+            << "a new start forgets the old request";
         thread.start(true); // runs already
         thread.stop(true);
         EXPECT_TRUE(thread.exitRequested());

@@ -6,9 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
-#include <string>
-
 namespace Zentara::Utils {
 namespace {
 

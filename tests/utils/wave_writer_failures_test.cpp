@@ -3,9 +3,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
-#include <limits>
-#include <memory>
-#include <string>
 
 #include <gtest/gtest.h>
 

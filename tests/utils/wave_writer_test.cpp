@@ -1,7 +1,5 @@
 #include <zentara/utils/wave_writer.h>
 
-#include <string>
-
 #include <gmock/gmock.h>
 
 #include <zentara/utils/files.h>

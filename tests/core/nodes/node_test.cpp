@@ -1,5 +1,3 @@
-#include <type_traits>
-#include <utility>
 
 #include <gmock/gmock.h>
 

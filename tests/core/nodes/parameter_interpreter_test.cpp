@@ -4,8 +4,6 @@
 
 #include <cstdint>
 #include <cstring>
-#include <functional>
-#include <limits>
 #include <stdexcept>
 
 #include <zentara/calibration_internal.h>
@@ -57,23 +55,10 @@ public:
                 (override));
     MOCK_METHOD(ErrorCode, dispose, (), (override));
     MOCK_METHOD(void, destroyed, (), (override));
-    MOCK_METHOD(ErrorCode, getUnitType, (ParameterType, UnitType*), (override));
-    MOCK_METHOD(ErrorCode, getAccessMode, (ParameterType, AccessMode*), (override));
-    MOCK_METHOD(ErrorCode, readFloat, (ParameterType, float*), (override));
-    MOCK_METHOD(ErrorCode, writeFloat, (ParameterType, float), (override));
-    MOCK_METHOD(ErrorCode, readInt, (ParameterType, int*), (override));
-    MOCK_METHOD(ErrorCode, writeInt, (ParameterType, int), (override));
-    MOCK_METHOD(ErrorCode, readBool, (ParameterType, bool*), (override));
-    MOCK_METHOD(ErrorCode, writeBool, (ParameterType, bool), (override));
-    MOCK_METHOD(ErrorCode, setRegionOfInterest, (const RegionOfInterestInternal*), (override));
-    MOCK_METHOD(ErrorCode, getRegionOfInterest, (RegionOfInterestInternal*), (override));
-    MOCK_METHOD(ErrorCode, getLastError, (char*, unsigned int*), (override));
-    MOCK_METHOD(ErrorCode, readSystemState, (unsigned char*, unsigned int), (override));
-    MOCK_METHOD(ErrorCode, writeSystemState, (const unsigned char*, unsigned int), (override));
-    MOCK_METHOD(ErrorCode, getParameterRange, (ParameterType, unsigned char*, unsigned int*), (override));
-    MOCK_METHOD(ErrorCode, writeCalibration, (const unsigned char*, unsigned int), (override));
-    MOCK_METHOD(ErrorCode, readCalibration, (unsigned char*, unsigned int*), (override));
-    MOCK_METHOD(ErrorCode, getPhaseScaling, (float*), (override));
+#define MOCKED(function, arguments, ...) MOCK_METHOD(ErrorCode, function, (__VA_ARGS__), (override));
+    BACK_END_OPERATIONS(MOCKED)
+    BACK_END_REPORTS(MOCKED)
+#undef MOCKED
 };
 
 /// An answer of a two-call function: the length first, then the bytes.

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
-
 #include <zentara/utils/clock.h>
 #include <zentara/utils/smart_ptr.h>
 

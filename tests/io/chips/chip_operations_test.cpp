@@ -1,11 +1,6 @@
 // Each public operation of each chip: how many transfers it takes, and what is left when one of them fails.
 #include <fstream>
-#include <functional>
 #include <future>
-#include <map>
-#include <sstream>
-#include <string>
-#include <vector>
 
 #include <gmock/gmock.h>
 

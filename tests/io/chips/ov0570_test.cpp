@@ -14,22 +14,11 @@ namespace Zentara::Test {
 
 namespace {
 
-using IO::UVC_ADC_VALUE;
-using IO::UVC_CONFIGURE_DAC;
 using IO::UVC_RESET_FPGA;
-using IO::UVC_RESET_STROBE;
-using IO::UVC_SET_STROBE;
 using IO::UVC_SYNC_FPGA;
-using IO::UVC_TOF_CONTROLLER_REGISTER;
 using IO::UVC_USB_BACKEND_REGISTER;
-using Plugin::ArgumentPluginException;
-using Plugin::IOPluginException;
-using Simulated::Bytes;
 using Simulated::OV0570Firmware;
 using Settings = OV0570Firmware::Settings;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
 
 const std::string information = "GET 1  " + IO::bytesText(Bytes(64));
 

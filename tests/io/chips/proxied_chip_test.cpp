@@ -13,11 +13,7 @@ namespace Zentara::Test {
 
 namespace {
 
-using IO::UVCCommandRequest;
-using IO::xuRequest;
 using TestSupport::SimulatedFaults;
-using Utils::makeRefcounted;
-using Utils::SmartPtr;
 
 class ProxiedChipTest : public testing::TestWithParam<bool> {
 protected:

@@ -10,19 +10,6 @@ namespace Zentara::Test {
 
 namespace {
 
-using IO::UVC_ADC_VALUE;
-using IO::UVC_CONFIGURE_DAC;
-using IO::UVC_RESET_STROBE;
-using IO::UVC_SET_STROBE;
-using IO::UVC_TOF_CONTROLLER_REGISTER;
-using Plugin::ArgumentPluginException;
-using Plugin::ConfigurationPluginException;
-using Plugin::IOPluginException;
-using Simulated::Bytes;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-
 const char* const orderOne = "SET 4  20 39 B4 01";
 const char* const orderZero = "SET 4  20 39 B4 00";
 const char* const sizeNine = "SET 4  20 02 81 09";
@@ -136,13 +123,14 @@ TEST_F(VC0258Test, WrongWidthsAndAddressesFailBeforeAnyTransfer) {
               "addressBytes must be equal to 1");
     EXPECT_THAT(messageOf<ArgumentPluginException>([&] { camera.chip.setI2cLocked(0xA1, 0, 0, 1, 1, true); }),
                 HasSubstr("0xa1"));
+    EXPECT_THROW(camera.chip.setI2cLocked(0x80, 0, 0, 1, 1, true), ArgumentPluginException);
     for (const unsigned char dataBytes : {1, 2}) {
         EXPECT_THROW(camera.chip.setI2cLocked(0x21, 0x100, 0, 1, dataBytes, true), ArgumentPluginException);
         EXPECT_THROW(static_cast<void>(camera.chip.getI2cLocked(0x21, 0x11D, 1, dataBytes, true)),
                      ArgumentPluginException);
     }
     EXPECT_THAT(camera.port.log(), IsEmpty());
-    EXPECT_THROW(camera.chip.setI2cLocked(0x55, 0, 0, 1, 1, true), IOPluginException) << "nobody answers";
+    EXPECT_THROW(camera.chip.setI2cLocked(0x7F, 0, 0, 1, 1, true), IOPluginException) << "nobody answers";
 }
 
 TEST_F(VC0258Test, TheDacGetsOneWordInFourRegisters) {

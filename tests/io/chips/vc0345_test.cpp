@@ -10,15 +10,6 @@ namespace Zentara::Test {
 
 namespace {
 
-using IO::UVC_RESET_STROBE;
-using IO::UVC_SET_STROBE;
-using IO::UVC_TOF_CONTROLLER_REGISTER;
-using Plugin::ConfigurationPluginException;
-using Plugin::IOPluginException;
-using Simulated::Bytes;
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 const char* const sizeFour = "SET 4  20 02 81 04";
 
 class VC0345Test : public testing::Test {

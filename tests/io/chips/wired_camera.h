@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include <gmock/gmock.h>
+
 #include <zentara/io/chip_clock.h>
 #include <zentara/io/ov0570_impl.h>
 #include <zentara/io/uvc_command_request.h>
@@ -21,7 +23,23 @@
 
 namespace Zentara::Test {
 
+using IO::UVC_ADC_VALUE;
+using IO::UVC_CONFIGURE_DAC;
+using IO::UVC_RESET_STROBE;
+using IO::UVC_SET_STROBE;
+using IO::UVC_TOF_CONTROLLER_REGISTER;
+using IO::UVCCommandRequest;
+using IO::xuRequest;
+using Plugin::ArgumentPluginException;
+using Plugin::ConfigurationPluginException;
+using Plugin::IOPluginException;
+using Simulated::Bytes;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
 using TestSupport::messageOf;
+using Utils::makeRefcounted;
+using Utils::SmartPtr;
 using Lines = std::vector<std::string>;
 
 /// Takes no time and remembers what it was asked for, in milliseconds.

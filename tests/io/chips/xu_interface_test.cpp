@@ -1,7 +1,5 @@
 #include <zentara/io/xu_interface.h>
 
-#include <limits>
-
 #include <gmock/gmock.h>
 
 #include <zentara/io/uvc_command_request.h>
@@ -13,14 +11,7 @@ namespace Zentara::Test {
 
 namespace {
 
-using IO::UVCCommandRequest;
-using IO::xuRequest;
-using Plugin::ArgumentPluginException;
 using Plugin::InvalidOperationPluginException;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using Utils::SmartPtr;
 
 using Requests = std::vector<SmartPtr<xuRequest>>;
 

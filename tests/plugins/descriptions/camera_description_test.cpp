@@ -1,7 +1,5 @@
 #include "plugins/descriptions/camera_description.h"
 
-#include <string>
-
 #include <gmock/gmock.h>
 
 #include "support/failure.h"
@@ -48,6 +46,7 @@ TEST(CameraDescription, IsRefusedWithFileLineAndFieldOfWhatIsWrong) {
         {"audio has no extension unit", "\"modes\": [\n                { \"channels\"",
          "\"preCommon\": [],\n            \"modes\": [\n                { \"channels\"",
          "nodes[2].preCommon: there is no such field"},
+        {"no object", "\"nodes\": [", "\"nodes\": [7, ", "nodes[0]: must be an object"},
         {"frame format", "\"QVGA\"", "\"HUGE\"", "nodes[0].modes[0].frameFormat: 'HUGE' is none of"},
         {"no number", "\"fx\": 252.5", "\"fx\": 1e99", "depthIntrinsics[0].fx: is too great"},
         {"no number at all", "\"fx\": 252.5", "\"fx\": 1e999",

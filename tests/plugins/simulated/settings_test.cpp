@@ -1,7 +1,5 @@
 #include "plugins/simulated/settings.h"
 
-#include <string>
-
 #include <gmock/gmock.h>
 
 #include <zentara/utils/files.h>

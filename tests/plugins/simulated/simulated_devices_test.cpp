@@ -1,17 +1,11 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <memory>
-#include <string>
-#include <vector>
 
 #include <gmock/gmock.h>
 
-#include <zentara/audio_configuration.h>
-#include <zentara/color_configuration.h>
 #include <zentara/core/guids.h>
 #include <zentara/depth_configuration.h>
-#include <zentara/io/audio_device_proxy.h>
 #include <zentara/io/video_device_proxy.h>
 #include <zentara/io/xu_device_requests.h>
 
@@ -43,10 +37,6 @@ protected:
         camera->open();
         camera->enableStreaming(depthMode());
         return camera;
-    }
-
-    std::unique_ptr<IO::AudioDeviceProxy> audio() const {
-        return std::make_unique<IO::AudioDeviceProxy>(Core::Guids::MOCKAUDIODEVICE_IMPL, GetParam());
     }
 
     static Utils::SmartPtr<DepthBaseConfiguration> depthMode(FrameFormat format = FrameFormat_QVGA,
@@ -119,89 +109,6 @@ TEST_P(SimulatedDevices, AnswerEveryOperationInItsState) {
     camera->enableStreaming(depthMode());
     camera->close();
     EXPECT_EQ(read(camera).status, ReadBufferStatus_NOT_STREAMING) << "closing ends the stream";
-}
-
-TEST_P(SimulatedDevices, StreamColorUnderTheirControls) {
-    const auto camera = video();
-    std::vector<Utils::SmartPtr<ColorConfiguration>> modes;
-    camera->getConfigurations(modes);
-    ASSERT_EQ(modes.size(), 1U);
-    CameraControlRanges ranges;
-    camera->getCameraControlRanges(ranges);
-    const CameraControlRange brightness = ranges.ranges.at(CameraControl_BRIGHTNESS);
-
-    camera->open();
-    CameraControls controls;
-    controls.values[CameraControl_BRIGHTNESS] = {brightness.minimum, false};
-    camera->enableStreaming(modes[0], controls);
-    const auto meanLuma = [&] {
-        const auto frame = read(camera, colorBytes);
-        EXPECT_EQ(frame.status, ReadBufferStatus_OK);
-        double sum = 0;
-        for (std::size_t index = 0; index < colorBytes; index += 2)
-            sum += frame.bytes[index];
-        return sum / pixelCount;
-    };
-    const double dark = meanLuma();
-    camera->setCameraControl(CameraControl_BRIGHTNESS, {brightness.maximum, false});
-    EXPECT_GT(meanLuma(), dark + 60);
-
-    EXPECT_THAT(failure([&] {
-                    camera->setCameraControl(CameraControl_GAIN, {0, true});
-                }),
-                HasSubstr("no automatic mode"));
-}
-
-TEST_P(SimulatedDevices, HearTheToneAtItsLevel) {
-    const auto microphones = audio();
-    const auto mode = Utils::makeRefcounted<AudioConfiguration>();
-    microphones->getDefaultConfiguration(mode);
-    EXPECT_EQ(mode->getName(), "AUCH2BPS16SR48000");
-    microphones->open();
-    microphones->enableStreaming(mode, 1.0F, false);
-    const auto peak = [&] {
-        const auto block = read(microphones, audioBlockBytes);
-        EXPECT_EQ(block.status, ReadBufferStatus_OK);
-        std::vector<std::int16_t> samples(block.bytes.size() / sizeof(std::int16_t));
-        std::memcpy(samples.data(), block.bytes.data(), block.bytes.size());
-        return *std::max_element(samples.begin(), samples.end());
-    };
-    EXPECT_GT(peak(), 30000);
-    microphones->setInputMixerLevel(0.25F);
-    EXPECT_NEAR(peak(), 8191, 500);
-    microphones->setMute(true);
-    EXPECT_EQ(peak(), 0);
-    EXPECT_THAT(failure([&] { microphones->setInputMixerLevel(1.5F); }), testing::StartsWith("3: "));
-    mode->setSampleRate(44100);
-    EXPECT_THAT(failure([&] { microphones->enableStreaming(mode, 1.0F, false); }),
-                HasSubstr("AUCH2BPS16SR44100"));
-    EXPECT_EQ(read(microphones, 1).status, ReadBufferStatus_TOO_SMALL);
-}
-
-TEST_P(SimulatedDevices, ThrowEachKindWhereTheSettingsSay) {
-    const char* const kinds[]{"streaming",    "configuration",  "timeout",          "argument",          "io",
-                              "notSupported", "initialization", "invalidOperation", "unauthorizedAccess"};
-    for (int kind = 0; kind < 9; ++kind) {
-        const SimulatedFaults faults(std::string("throw ") + kinds[kind] +
-                                     " at open times 1 saying lens cap");
-        const auto camera = video();
-        EXPECT_EQ(failure([&] { camera->open(); }), std::to_string(kind) + ": lens cap");
-        EXPECT_EQ(failure([&] { camera->open(); }), "nothing was thrown") << "once was asked for";
-    }
-}
-
-TEST_P(SimulatedDevices, FailToComeToLifeAsAsked) {
-    {
-        const SimulatedFaults faults("throw initialization at threadInitialize");
-        EXPECT_EQ(failure([&] { video(); }), "6: threadInitialize: simulated fault");
-        EXPECT_EQ(failure([&] { audio(); }), "6: threadInitialize: simulated fault");
-    }
-    {
-        const SimulatedFaults faults("throw unauthorizedAccess at audio.create");
-        EXPECT_EQ(failure([&] { video(); }), "nothing was thrown");
-        EXPECT_EQ(failure([&] { audio(); }), "8: create: simulated fault");
-    }
-    EXPECT_EQ(failure([&] { video(); }), "nothing was thrown");
 }
 
 /// These two operations do not reach a device through the worker.

@@ -394,6 +394,7 @@ TEST_F(Cameras, EndWithAWordWhateverComesFromOutside) {
         return; // what follows are the means of other systems
     const std::string tool = "'" + builtTool().string() + "' ";
     const std::string said = path("said");
+    const std::string changeImage = tool + "rom set 9 \"$D/image\" --type 77 --hex 01";
     const std::string hang = "ZENTARA_SIMULATED='hang 60000 at video.open' ";
     const struct {
         std::string command;
@@ -407,6 +408,9 @@ TEST_F(Cameras, EndWithAWordWhateverComesFromOutside) {
              "sensors --watch --interval 20; echo $? > \"$D/code\"; } | head -1 > \"$D/one\"; (exit $(cat "
              "\"$D/code\"))",
          "1", "cannot write to standard output"},
+        {"ulimit -f 8; " + changeImage, "1", "File too large"},
+        {R"(chmod 777 "$D/image"; chmod 755 "$D"; )" + std::string(asNobody) + changeImage, "5",
+         "Permission denied"},
         {R"(cp "$D/cameras.json" "$D/secret"; chmod 0 "$D/secret"; )" + std::string(asNobody) + tool +
              "rom list \"$D/secret\"",
          "5", "Permission denied"},
@@ -420,12 +424,16 @@ TEST_F(Cameras, EndWithAWordWhateverComesFromOutside) {
     };
     const TestSupport::ScopedVariable place("D", path());
     plug(left);
+    ASSERT_EQ(run({"rom", "create", path("image")}).exitCode, 0);
+    const std::string image = Utils::readFile(path("image"));
     for (const auto& row : rows) {
         const int status =
             std::system(("(" + row.command + ") 2> '" + said + "' > '" + path("out") + "'").c_str());
         EXPECT_EQ(std::to_string(status >> 8), row.code) << row.command << Utils::readFile(said);
         EXPECT_THAT(Utils::readFile(said), HasSubstr(row.said)) << row.command;
+        EXPECT_EQ(Utils::readFile(path("image")), image) << row.command;
     }
+    EXPECT_THAT(filesLeft(), Not(testing::Contains(HasSubstr(".part"))));
 }
 
 TEST_F(Cameras, StopWatchingWhenNobodyReads) {

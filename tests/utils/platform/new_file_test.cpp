@@ -3,7 +3,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <memory>
 
 #include <gtest/gtest.h>
 
@@ -50,6 +49,10 @@ TEST_F(NewFileTest, TakesItsNameWholeOrNotAtAll) {
     ASSERT_TRUE(file && file->append("half", 4));
     file.reset();
     EXPECT_EQ(filesThere(), 1) << "one that took no name is gone";
+    const Owned<NewFile> one(NewFile::create(name, name));
+    const Owned<NewFile> another(NewFile::create(name, name));
+    ASSERT_TRUE(one && another);
+    EXPECT_NE(one->partPath(), another->partPath()) << "two savers do not meet";
     EXPECT_FALSE(NewFile::create(directory.path("no/such"), {}));
     EXPECT_FALSE(NewFile::create(std::string("a\0b", 3), {}));
 }

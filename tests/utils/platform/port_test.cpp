@@ -1,16 +1,19 @@
+#include "support/temporary_directory.h"
 #include "utils/platform/clock.h"
 #include "utils/platform/event.h"
+#include "utils/platform/files.h"
+#include "utils/platform/key_store.h"
+#include "utils/platform/key_store_editor.h"
 #include "utils/platform/shared_memory.h"
 #include "utils/platform/single_instance.h"
+#include "utils/platform/text_encoding.h"
 #include "utils/platform/thread.h"
 #include "utils/platform/thread_local_slot.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <string>
 #include <thread>
-#include <vector>
 
 namespace Zentara::Utils::Platform {
 namespace {
@@ -113,6 +116,90 @@ TEST(PlatformThreadLocalSlot, EveryThreadHasItsOwn) {
         EXPECT_EQ(slot->get(), &own);
     }).join();
     EXPECT_EQ(slot->get(), &mine);
+}
+
+class KeyStoreTest : public testing::Test {
+protected:
+    static constexpr const char* key = "Software\\ZentaraTest\\KeyStore";
+
+    KeyStoreTest() { forget(); }
+    ~KeyStoreTest() override { forget(); }
+
+    void forget() {
+        removeKey(store, key, KeyView::Bits32);
+        removeKey(store, key, KeyView::Bits64);
+    }
+    std::string read(KeyView view, const std::string& name) {
+        std::string text = "untouched";
+        const KeyRead result = readKeyValue(store, key, view, name, text);
+        const char* results[] = {"", "missing ", "unreadable "};
+        return results[static_cast<int>(result)] + text;
+    }
+
+    const TestSupport::TemporaryDirectory directory;
+    const std::string store = isSeparator('\\') ? "HKEY_LOCAL_MACHINE" : directory.path("keys.ini");
+};
+
+TEST_F(KeyStoreTest, ReadsTextsIgnoringLetterCaseOfNames) {
+    ASSERT_TRUE(writeKeyText(store, key, KeyView::Bits64, "Name", "v\xC3\xA4lue = with ; signs"));
+    EXPECT_EQ(read(KeyView::Bits64, "nAME"), "v\xC3\xA4lue = with ; signs");
+    EXPECT_EQ(read(KeyView::Bits64, "Other"), "missing untouched");
+    ASSERT_TRUE(removeKey(store, key, KeyView::Bits64));
+    EXPECT_EQ(read(KeyView::Bits64, "Name"), "missing untouched");
+    EXPECT_TRUE(removeKey(store, key, KeyView::Bits64));
+}
+
+TEST_F(KeyStoreTest, ReadsLongAndEmptyTexts) {
+    const std::string longText(5000, 'x');
+    ASSERT_TRUE(writeKeyText(store, key, KeyView::Bits64, "Long", longText));
+    ASSERT_TRUE(writeKeyText(store, key, KeyView::Bits64, "Empty", ""));
+    EXPECT_EQ(read(KeyView::Bits64, "Long"), longText);
+    EXPECT_EQ(read(KeyView::Bits64, "Empty"), "");
+}
+
+TEST(TextEncoding, RejectsInvalidUtf8) {
+    const char* rows[] = {
+        "\x80",             // no lead byte
+        "\xC3",             // cut short
+        "\xE2\x82",         // cut short
+        "\xF0\x9F\x93",     // cut short
+        "\xC3(",            // no following byte
+        "\xC0\xAF",         // overlong '/'
+        "\xE0\x80\xAF",     // overlong '/'
+        "\xF0\x80\x80\xAF", // overlong '/'
+        "\xED\xA0\x80",     // encoded surrogate
+        "\xF4\x90\x80\x80", // beyond 0x10FFFF
+        "\xFF",
+    };
+    for (const char* text : rows) {
+        std::wstring wide = L"untouched";
+        EXPECT_FALSE(utf8ToWide(text, wide)) << testing::PrintToString(std::string(text));
+        EXPECT_EQ(wide, L"untouched");
+        EXPECT_EQ(utf8ToWideOrWidened(text).size(), std::string(text).size());
+    }
+    EXPECT_EQ(utf8ToWideOrWidened("\xFF"), L"\u00FF");
+}
+
+TEST(TextEncoding, RejectsLoneSurrogates) {
+    for (const std::wstring& wide :
+         {std::wstring(1, wchar_t(0xD83D)), std::wstring(1, wchar_t(0xDCF7)),
+          std::wstring{wchar_t(0xDCF7), wchar_t(0xD83D)}, std::wstring{wchar_t(0xD800), L'x'}}) {
+        std::string text = "untouched";
+        EXPECT_FALSE(wideToUtf8(wide, text));
+        EXPECT_EQ(text, "untouched");
+        EXPECT_EQ(wideToUtf8OrNarrowed(wide).size(), wide.size());
+    }
+}
+
+TEST(TextEncoding, KeepsTheEdgesOfEveryLength) {
+    for (const char* text : {"", "\x7F", "\xC2\x80", "\xDF\xBF", "\xE0\xA0\x80", "\xED\x9F\xBF",
+                             "\xEE\x80\x80", "\xEF\xBF\xBF", "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF"}) {
+        std::wstring wide = L"replaced";
+        std::string back = "replaced";
+        ASSERT_TRUE(utf8ToWide(text, wide));
+        ASSERT_TRUE(wideToUtf8(wide, back));
+        EXPECT_EQ(back, text);
+    }
 }
 
 } // namespace
