@@ -120,17 +120,7 @@ TEST(CalibrationInternalTest, EveryTruncationIsRefusedAndChangesNothing) {
     }
 }
 
-TEST(CalibrationInternalTest, EveryValueOfEachLengthAndCountByteIsSurvived) {
-    for (const std::size_t position : {2, 3, 8, 9, 14, 15, 16, 30, 31, 33}) {
-        for (int value = 0; value <= 0xFF; ++value) {
-            Bytes bytes = golden;
-            bytes[position] = static_cast<unsigned char>(value);
-            CalibrationInternal calibration;
-            if (unmarshal(calibration, bytes) != 0) {
-                EXPECT_EQ(CalibrationInternal(), calibration) << position << ": " << value;
-            }
-        }
-    }
+TEST(CalibrationInternalTest, LengthsAndCountsThatLieAreRefused) {
     CalibrationInternal calibration;
     EXPECT_EQ(-1, unmarshal(calibration, {0x40, 1, 3, 0, 9, 9})) << "a record shorter than its header";
     EXPECT_EQ(-1, unmarshal(calibration, {0x40, 1, 4, 0})) << "no room for the value";

@@ -178,37 +178,6 @@ TEST(RomReliability, PowerCutAfterEveryByteOfEveryWrite) {
     EXPECT_LE(figures.counts[InPlace][WrongBytes], 3 + figures.total() / 20000);
 }
 
-TEST(RomReliability, NothingIsLinkedBeforeItIsVerified) {
-    for (unsigned seed = 0; seed < 4; ++seed) {
-        const Area area{0, 4096, 64, seed % 2 == 0};
-        Workload work(area, 100 + seed);
-        OrderMonitor monitor(work.flash, area.headerAddress());
-        for (int i = 0; i < 300; ++i) {
-            const Change change = work.next();
-            apply(work.storage.container, change);
-            apply(work.model, change);
-            ASSERT_FALSE(monitor.hasUnverifiedBytes()) << "success is told after everything was read back";
-        }
-        EXPECT_THAT(monitor.violations, testing::IsEmpty());
-    }
-}
-
-TEST(OrderMonitorTest, SeesALinkThatComesTooEarly) {
-    SimulatedFlash flash(1024);
-    OrderMonitor monitor(flash, 0);
-    flash.write(100, BlockProbe(20, 300).serialize());
-    EXPECT_EQ(1u, monitor.violations.size()) << "points at erased flash";
-    auto block = BlockProbe(20, 0).serialize();
-    block.resize(20);
-    flash.write(300, block);
-    flash.write(100, BlockProbe(20, 300).serialize());
-    EXPECT_EQ(2u, monitor.violations.size()) << "points at a block that was not read back";
-    flash.read(300, 20);
-    flash.read(100, 10);
-    flash.write(100, BlockProbe(20, 300).serialize());
-    EXPECT_EQ(2u, monitor.violations.size());
-}
-
 /// One transfer of a scenario goes wrong, whichever it is.
 class FaultWalk : public testing::TestWithParam<FlashFault> {
 protected:

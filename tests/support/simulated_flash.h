@@ -2,9 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <map>
-#include <string>
 #include <vector>
 
 #include <zentara/rom/accessor.h>
@@ -26,7 +24,6 @@ public:
 
     struct Write {
         std::uint32_t address;
-        Bytes before;
         Bytes after;
     };
 
@@ -49,34 +46,11 @@ public:
     std::size_t bytesRead = 0;
     std::size_t bytesWritten = 0;
 
-    /// Called with each write before it happens, and with each read after it.
-    std::function<void(std::uint32_t address, const Bytes& bytes)> onWrite;
-    std::function<void(std::uint32_t address, std::size_t length)> onRead;
-
 private:
     void checkRange(std::uint32_t address, std::size_t length) const;
 
     std::map<std::size_t, FlashFault> readFaults;
     std::map<std::size_t, FlashFault> writeFaults;
-};
-
-/// Watches that nothing is made reachable too early: a link or a management header may only be written when
-/// the whole block that it points at stands on flash and was read back since it was last written.
-class OrderMonitor {
-public:
-    OrderMonitor(SimulatedFlash& flash, std::uint32_t headerAddress);
-
-    /// What was written too early, in words.
-    std::vector<std::string> violations;
-    /// Whether some byte was written and not read back since.
-    bool hasUnverifiedBytes() const;
-
-private:
-    void checkTarget(std::uint32_t writer, std::uint32_t target);
-
-    SimulatedFlash& flash;
-    std::uint32_t headerAddress;
-    std::vector<bool> unverified;
 };
 
 } // namespace Zentara::TestSupport

@@ -10,8 +10,7 @@ namespace {
 
 constexpr unsigned long generous = 30000;
 
-/// Threads that wait once on a condition over either kind of mutex.
-template<typename Lock>
+/// Threads that wait once on a condition.
 class ConditionTest : public testing::Test {
 protected:
     ~ConditionTest() override {
@@ -51,7 +50,7 @@ protected:
         }
     }
 
-    Lock mutex;
+    Mutex mutex;
     Condition condition{&mutex};
     Signal returned;
     int entered = 0;
@@ -60,63 +59,65 @@ protected:
     std::vector<std::thread> threads;
 };
 
-using Locks = testing::Types<Mutex, RecursiveMutex>;
-TYPED_TEST_SUITE(ConditionTest, Locks);
-
-TYPED_TEST(ConditionTest, EveryNotificationReachesAWaiter) {
-    this->startWaiters(4);
+TEST_F(ConditionTest, EveryNotificationReachesAWaiter) {
+    startWaiters(4);
     // At once, so that the system's event is set again before anybody could consume it.
     for (int i = 0; i < 4; ++i)
-        this->condition.notify(i % 2 == 0);
-    EXPECT_EQ(this->wokenAfter(4), 4);
+        condition.notify(i % 2 == 0);
+    EXPECT_EQ(wokenAfter(4), 4);
 }
 
-TYPED_TEST(ConditionTest, NotifyAllWakesEverybodyAndIsForgotten) {
-    this->startWaiters(3);
-    this->condition.notifyAll();
-    EXPECT_EQ(this->wokenAfter(3), 3);
-    for (auto& thread : this->threads)
+TEST_F(ConditionTest, NotifyAllWakesEverybodyAndIsForgotten) {
+    startWaiters(3);
+    condition.notifyAll();
+    EXPECT_EQ(wokenAfter(3), 3);
+    for (auto& thread : threads)
         thread.join();
-    this->threads.clear();
-    this->condition.lock();
-    EXPECT_EQ(this->condition.timedWait(1), -1);
-    this->condition.unlock();
-    this->startWaiters(1);
-    this->condition.notify(true);
-    EXPECT_EQ(this->wokenAfter(4), 4);
+    threads.clear();
+    condition.lock();
+    EXPECT_EQ(condition.timedWait(1), -1);
+    condition.unlock();
+    startWaiters(1);
+    condition.notify(true);
+    EXPECT_EQ(wokenAfter(4), 4);
 }
 
-TYPED_TEST(ConditionTest, NotificationWithoutWaitersIsLost) {
-    this->condition.notify(false);
-    this->condition.notifyAll();
-    this->condition.lock();
-    EXPECT_EQ(this->condition.timedWait(0), -1);
-    this->condition.unlock();
+TEST_F(ConditionTest, NotificationWithoutWaitersIsLost) {
+    condition.notify(false);
+    condition.notifyAll();
+    RecursiveMutex other;
+    Condition over(&other);
+    for (Condition* either : {&condition, &over}) {
+        either->lock();
+        EXPECT_EQ(either->timedWait(0), -1);
+        either->unlock();
+    }
+    RecursiveAutoLock free(other);
 }
 
 /// A buffer of one place, full and empty on one condition. The producer waits again right after each
 /// notification, and must not take the one that the waiting consumer is owed.
-TYPED_TEST(ConditionTest, NobodyTakesTheNotificationOfAnother) {
+TEST_F(ConditionTest, NobodyTakesTheNotificationOfAnother) {
     constexpr int values = 3000;
     int place = 0;
     std::thread producer([&] {
         for (int i = 1; i <= values; ++i) {
-            this->condition.lock();
+            condition.lock();
             while (place != 0)
-                this->condition.timedWait(generous);
+                condition.timedWait(generous);
             place = i;
-            this->condition.unlock();
-            this->condition.notify(true);
+            condition.unlock();
+            condition.notify(true);
         }
     });
     for (int i = 1; i <= values; ++i) {
-        this->condition.lock();
+        condition.lock();
         while (place == 0)
-            this->condition.timedWait(generous);
+            condition.timedWait(generous);
         EXPECT_EQ(place, i);
         place = 0;
-        this->condition.notify(false);
-        this->condition.unlock();
+        condition.notify(false);
+        condition.unlock();
     }
     producer.join();
 }

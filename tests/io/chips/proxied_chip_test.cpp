@@ -50,6 +50,8 @@ TEST_P(ProxiedChipTest, EachControllerIsFoundAndDriven) {
         }
         EXPECT_THROW((void)CameraChip::create("VC0346", *proxy), Plugin::NotSupportedPluginException);
     }
+    EXPECT_THAT(CameraChip::lineOf("VC0345", {true, 4, 16, {}, {}, {}, true}), HasSubstr("register 0x00"))
+        << "no bytes, no harm";
     plugIn("chip none");
     EXPECT_FALSE(CameraChip::detect(*proxy));
 }

@@ -1,5 +1,4 @@
 // The simulated controllers by their bytes, without any chip: what they refuse and what wrong settings do to data.
-#include <thread>
 
 #include <gmock/gmock.h>
 
@@ -17,7 +16,6 @@ namespace {
 
 using Plugin::IOPluginException;
 using Plugin::NotSupportedPluginException;
-using Plugin::TimeoutPluginException;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -132,33 +130,6 @@ TEST(PortTest, FaultsHitTheirTransferAndLeaveTheBufferAlone) {
         EXPECT_EQ(buffer, before);
         EXPECT_NO_THROW(wire.port.get(4, 5, buffer.data(), 4));
     }
-}
-
-TEST(PortTest, AHangingTransferIsCancelled) {
-    Wire<VC0345Firmware> wire;
-    wire.port.addFault(1, Fault::Kind::Hang, 600000);
-    std::thread caller([&] { EXPECT_THROW(wire.get(5, {0xA0}), TimeoutPluginException); });
-    while (!wire.port.cancel()) {
-        std::this_thread::yield();
-    }
-    static_cast<void>(wire.port.cancel());
-    caller.join();
-    EXPECT_THAT(wire.port.log().back().failure, HasSubstr("cancelled"));
-    EXPECT_FALSE(wire.port.cancel());
-    wire.port.addFault(2, Fault::Kind::Hang, 1);
-    EXPECT_THROW(wire.get(5, {0xA0}), TimeoutPluginException);
-    EXPECT_THAT(wire.port.log().back().failure, HasSubstr("did not answer")) << "a cancel ends one hang";
-}
-
-TEST(TransferTest, LinesTellTheBytesAndTheirMeaning) {
-    const auto line = [](const char* chip, bool isGet, std::uint32_t control, Bytes sent, Bytes reply) {
-        return IO::CameraChip::lineOf(chip, {isGet, 4, control, std::move(sent), std::move(reply), {}, true});
-    };
-    EXPECT_EQ(
-        line("VC0258", true, 16, {0x46, 1, 2, 5, 0, 0, 0, 0, 0}, {0x46, 1, 2, 5, 0, 0, 0x34, 0x12, 0}),
-        "GET 4/16  46 01 02 05 00 00 00 00 00 -> 46 01 02 05 00 00 34 12 00  I2C read address 0x23 register "
-        "0x05 -> 0x1234, byte order 0");
-    EXPECT_THAT(line("VC0345", true, 16, {}, {}), HasSubstr("register 0x00")) << "no bytes, no harm";
 }
 
 } // namespace
