@@ -8,6 +8,8 @@
 #include <vector>
 
 #include <zentara/host/failure.h>
+#include <zentara/host/frame.h>
+#include <zentara/host/stream_info.h>
 #include <zentara/utils/format.h>
 
 namespace Zentara::Host {
@@ -85,6 +87,8 @@ std::string numbers(const CameraIntrinsics& lens) {
            lens.height % lens.fx % lens.fy % lens.cx % lens.cy % lens.k1 % lens.k2 % lens.k3 % lens.p1 %
            lens.p2;
 }
+
+std::string word(DepthAlong along) { return along == DepthAlong::Axis ? "axis" : "ray"; }
 
 } // namespace
 
@@ -175,6 +179,9 @@ PointCloud Lens::pointsOf(std::span<const std::uint16_t> depth, std::uint32_t wi
         throw Failure(Failure::Failed, attempted,
                       Format("the picture has % x % pixels and % values, the lens model is for % x %") %
                           width % height % depth.size() % impl->model.width % impl->model.height);
+    if (!(options.millimetresPerUnit > 0 && std::isfinite(options.millimetresPerUnit)))
+        throw Failure(Failure::Usage, attempted,
+                      Format("a depth of 1 cannot stand for % mm") % options.millimetresPerUnit);
     const bool choosy = options.leastConfidence > 0;
     if (choosy && confidence.size() != pixels)
         throw Failure(Failure::Usage, attempted,
@@ -191,12 +198,12 @@ PointCloud Lens::pointsOf(std::span<const std::uint16_t> depth, std::uint32_t wi
     cloud.sourceColumns = width;
     cloud.all.resize(pixels);
     Point* const points = cloud.all.data();
+    const float unitsPerMetre = millimetresPerMetre / options.millimetresPerUnit;
     // Written for the vectoriser: no branch, and a stretch is counted while it is in the cache.
     for (std::size_t from = 0; from < pixels; from += stretchPixels) {
         const std::size_t end = std::min(pixels, from + stretchPixels);
         for (std::size_t i = from; i < end; ++i) {
-            const float metres =
-                depth[i] == 0 ? noNumber : static_cast<float>(depth[i]) / millimetresPerMetre;
+            const float metres = depth[i] == 0 ? noNumber : static_cast<float>(depth[i]) / unitsPerMetre;
             points[i] = {table[i].x * metres, table[i].y * metres, table[i].z * metres};
         }
         std::uint16_t empty = 0; // as wide as what is compared: eight at a time
@@ -219,6 +226,24 @@ PointCloud Lens::pointsOf(std::span<const std::uint16_t> depth, std::uint32_t wi
     } else {
         std::erase_if(cloud.all, [](const Point& point) { return std::isnan(point.z); });
     }
+    return cloud;
+}
+
+PointCloud Lens::pointsOf(const Frame& frame, CloudOptions options) const {
+    const StreamInfo& info = frame.info();
+    const std::span<const std::uint16_t> depth = frame.depth(); // of a depth frame only
+    if (info.depthAlong != impl->depth)
+        throw Failure(Failure::Usage, "cannot make a point cloud of " + info.camera.label(),
+                      "its depth runs along the " + word(info.depthAlong) + ", that of the lens of " +
+                          impl->owner + " along the " + word(impl->depth),
+                      "Take the frame's own lens.");
+    options.millimetresPerUnit = info.millimetresPerUnit;
+    PointCloud cloud = pointsOf(depth, frame.width(), frame.height(), options, frame.confidence());
+    std::vector<std::string> about{"camera " + info.camera.label() + ", mode " + info.mode.text() +
+                                   ", frame " + std::to_string(frame.number())};
+    for (const std::string& missing : frame.uncorrected())
+        about.push_back("not corrected: " + missing);
+    cloud.describe(std::move(about));
     return cloud;
 }
 

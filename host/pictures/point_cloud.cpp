@@ -5,7 +5,9 @@
 #include <bit>
 #include <charconv>
 #include <cmath>
+#include <exception>
 #include <limits>
+#include <streambuf>
 
 #include <zentara/host/failure.h>
 #include <zentara/host/lens.h>
@@ -127,6 +129,38 @@ private:
     std::string text;
 };
 
+/// Hands a stream's bytes to a file. A stream keeps no failure, only that there was one, so this does.
+class PartBytes final : public std::streambuf {
+public:
+    explicit PartBytes(OutputFile& target) : file(target) {}
+
+    void check() const {
+        if (failure)
+            std::rethrow_exception(failure);
+    }
+
+protected:
+    std::streamsize xsputn(const char* bytes, std::streamsize size) override {
+        if (failure)
+            return 0;
+        try {
+            file.append(bytes, static_cast<std::size_t>(size));
+        } catch (...) {
+            failure = std::current_exception();
+            return 0;
+        }
+        return size;
+    }
+    int_type overflow(int_type letter) override {
+        const char byte = traits_type::to_char_type(letter);
+        return xsputn(&byte, 1) == 1 ? letter : traits_type::eof();
+    }
+
+private:
+    OutputFile& file;
+    std::exception_ptr failure;
+};
+
 } // namespace
 
 PointCloud::PointCloud() = default;
@@ -206,6 +240,15 @@ void PointCloud::writePly(std::ostream& out, PlyFormat format) const {
         const Color color = painted.empty() ? Color{} : painted[i].value_or(Color{});
         body.add(all[i], painted.empty() ? nullptr : &color, format);
     }
+}
+
+void PointCloud::writePly(const std::string& path, PlyFormat format, const OutputFile::Rules& rules) const {
+    OutputFile file(path, rules);
+    PartBytes bytes(file);
+    std::ostream out(&bytes);
+    writePly(out, format);
+    bytes.check();
+    file.commit();
 }
 
 } // namespace Zentara::Host

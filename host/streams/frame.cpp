@@ -1,6 +1,7 @@
 #include <zentara/host/frame.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <limits>
 #include <utility>
@@ -22,6 +23,7 @@ using Utils::Format;
 namespace {
 
 constexpr float metresOfMillimetre = 0.001F;
+constexpr float missing = std::numeric_limits<float>::quiet_NaN();
 
 std::string frameText(const FrameData& frame) {
     return Format("frame % of %") % frame.number % frame.context->info.camera.label();
@@ -72,6 +74,19 @@ bool anyPhase(std::span<const std::uint16_t> phase) {
 
 DepthCorrection correctionOf(const FrameData& frame) {
     return {*frame.context, {frame.temperatures.data(), frame.temperatureCount}, anyPhase(planeOf(frame, 2))};
+}
+
+/// Depth along the axis for all pixels. \param unit of a value as delivered \param nothing where there is none
+void fillAxial(const FrameData& frame, std::span<float> places, float unit, float nothing) {
+    const auto plane = planeOf(frame, 0);
+    requirePlaces(frame, places.size(), plane.size());
+    for (std::size_t i = 0; i < plane.size(); ++i)
+        places[i] = plane[i] == 0 ? nothing : static_cast<float>(plane[i]) * unit;
+    if (frame.context->info.depthAlong == DepthAlong::Axis)
+        return;
+    const std::vector<float>& shares = frame.context->axisShares();
+    for (std::size_t i = 0; i < plane.size(); ++i)
+        places[i] = plane[i] == 0 || std::isnan(shares[i]) ? nothing : places[i] * shares[i];
 }
 
 } // namespace
@@ -133,7 +148,7 @@ float Frame::metres(std::uint32_t x, std::uint32_t y) const {
     const auto plane = planeOf(*data, 0);
     const std::size_t pixel = pixelAt(*data, x, y);
     if (plane[pixel] == 0)
-        return std::numeric_limits<float>::quiet_NaN();
+        return missing;
     const float along = static_cast<float>(plane[pixel]) * (info().millimetresPerUnit * metresOfMillimetre);
     return info().depthAlong == DepthAlong::Axis ? along : along * data->context->axisShares()[pixel];
 }
@@ -155,17 +170,17 @@ std::vector<float> Frame::metres() const {
 }
 
 void Frame::metres(std::span<float> places) const {
-    const auto plane = planeOf(*data, 0);
-    requirePlaces(*data, places.size(), plane.size());
-    const float unit = info().millimetresPerUnit * metresOfMillimetre;
-    for (std::size_t i = 0; i < plane.size(); ++i)
-        places[i] =
-            plane[i] == 0 ? std::numeric_limits<float>::quiet_NaN() : static_cast<float>(plane[i]) * unit;
-    if (info().depthAlong == DepthAlong::Axis)
-        return;
-    const std::vector<float>& shares = data->context->axisShares();
-    for (std::size_t i = 0; i < plane.size(); ++i)
-        places[i] *= shares[i];
+    fillAxial(*data, places, info().millimetresPerUnit * metresOfMillimetre, missing);
+}
+
+std::vector<float> Frame::millimetres() const {
+    std::vector<float> values(planeOf(*data, 0).size());
+    millimetres(values);
+    return values;
+}
+
+void Frame::millimetres(std::span<float> places) const {
+    fillAxial(*data, places, info().millimetresPerUnit, 0);
 }
 
 const Lens& Frame::lens() const& { return data->context->lens(); }

@@ -120,6 +120,10 @@ public:
     [[nodiscard]] std::vector<float> metres() const;
     void metres(std::span<float> places) const;
 
+    /// The same in millimetres; 0 in place of NaN.
+    [[nodiscard]] std::vector<float> millimetres() const;
+    void millimetres(std::span<float> places) const;
+
     /// The lens that the picture was taken with; frames of one stream share one, and its table of rays.
     /// \throws Failure (Failed) when no lens model of the picture's size is known, or it is none
     [[nodiscard]] const Lens& lens() const&;

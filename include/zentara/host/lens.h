@@ -13,6 +13,8 @@
 
 namespace Zentara::Host {
 
+class Frame;
+
 /// What a depth value measures.
 enum class DepthAlong {
     Axis, ///< the distance from the camera's plane, along its optical axis: a wall in front has one value
@@ -64,13 +66,18 @@ public:
     [[nodiscard]] std::array<double, 5> distortionCoefficients() const noexcept;
 
     /// The points of a depth picture, in metres.
-    /// \param depth width x height values in millimetres, row by row from the top; 0: no depth
+    /// \param depth width x height values in the unit of the options, row by row from the top; 0: no depth
     /// \param confidence as many values, any unit; or empty for none
     /// \throws Failure (Failed) when the size is not the model's, or more than half of the pixels have no ray;
     ///         (Usage) when a least confidence is asked for and there is no confidence
     [[nodiscard]] PointCloud pointsOf(std::span<const std::uint16_t> depth, std::uint32_t width,
                                       std::uint32_t height, const CloudOptions& options = {},
                                       std::span<const std::uint16_t> confidence = {}) const;
+
+    /// The points of a depth frame, in metres: its own unit holds, and its own confidence. The cloud's file will say
+    /// whose it is, and what was not corrected.
+    /// \throws Failure as above; (Usage) for a frame of another kind, or one that measures depth otherwise than the lens
+    [[nodiscard]] PointCloud pointsOf(const Frame& frame, CloudOptions options = {}) const;
 
 private:
     struct Impl;

@@ -12,6 +12,7 @@
 #include <zentara/extrinsic_parameters_internal.h>
 #include <zentara/host/color.h>
 #include <zentara/host/export.h>
+#include <zentara/host/output_file.h>
 
 namespace Zentara::Host {
 
@@ -33,6 +34,8 @@ struct CloudOptions {
     bool keepGrid = false;
     /// Pixels of less confidence have no point. In the unit of the confidence; 0: all have one.
     std::uint16_t leastConfidence = 0;
+    /// What a depth value of 1 stands for.
+    float millimetresPerUnit = 1;
 };
 
 /// The points of one depth picture. A plain value that owns its points. Separate.
@@ -86,6 +89,9 @@ public:
     /// point without a colour is black there. NaN is written as it is.
     /// The stream's state tells whether all was written; it is to be binary.
     void writePly(std::ostream& out, PlyFormat format = PlyFormat::Binary) const;
+    /// Writes a PLY file, whole or not at all. \throws Failure as OutputFile does
+    void writePly(const std::string& path, PlyFormat format = PlyFormat::Binary,
+                  const OutputFile::Rules& rules = {}) const;
 
 private:
     friend class Lens;

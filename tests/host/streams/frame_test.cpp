@@ -75,6 +75,13 @@ TEST(Frame, MeasuresAlongTheAxisWhateverTheCameraMeasures) {
     EXPECT_NEAR(frame.metres()[0], 1, 1e-3);
     EXPECT_NEAR(frame.millimetres(1, 0), 1000, 1e-3);
     EXPECT_TRUE(std::isnan(frame.metres()[2]));
+    EXPECT_EQ(frame.millimetres()[1], 1000);
+    EXPECT_EQ(frame.millimetres()[2], 0);
+    info.millimetresPerUnit = 0.5F;
+    const PointCloud cloud = frame.lens().pointsOf(frameOf(info, values));
+    EXPECT_NEAR(cloud.points()[0].z, 0.5, 1e-3) << "in the frame's own unit";
+    const Lens other(*info.lens, DepthAlong::Axis, "other");
+    EXPECT_THAT(messageOf<Failure>([&] { (void)other.pointsOf(frame); }), HasSubstr("runs along the ray"));
 }
 
 TEST(Frame, IsCorrectedByWhatIsKnownAndNamesTheRest) {
