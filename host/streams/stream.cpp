@@ -34,8 +34,12 @@ Stream::~Stream() {
 
 void Stream::start() { core->start(); }
 
-std::optional<Frame> Stream::next(std::chrono::milliseconds limit) { return core->take(limit, false); }
-std::optional<Frame> Stream::latest(std::chrono::milliseconds limit) { return core->take(limit, true); }
+std::optional<Frame> Stream::next(std::chrono::milliseconds limit, const GoOn& goOn) {
+    return core->take(limit, false, goOn);
+}
+std::optional<Frame> Stream::latest(std::chrono::milliseconds limit, const GoOn& goOn) {
+    return core->take(limit, true, goOn);
+}
 
 void Stream::stop() { core->stop(); }
 

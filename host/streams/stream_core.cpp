@@ -25,6 +25,7 @@ namespace {
 constexpr milliseconds openLimit = 30s;
 constexpr milliseconds startLimit = 10s;
 constexpr milliseconds stopLimit = 2s;
+constexpr milliseconds askEvery{100};
 constexpr milliseconds longestLimit = std::chrono::hours(24 * 365); // what is longer is for ever
 constexpr milliseconds returnPause = 300ms; // longer than an enumerator takes to see a removal
 constexpr milliseconds memoryPause = 10ms;
@@ -216,24 +217,31 @@ void Stream::Core::end(std::shared_ptr<Core> core) noexcept {
 
 // Fetching ----------------------------------------------------------------------------------------------------------
 
-std::optional<Frame> Stream::Core::take(Milliseconds limit, bool newest) {
+std::optional<Frame> Stream::Core::take(Milliseconds limit, bool newest, const GoOn& goOn) {
     const Moment end = steady_clock::now() + std::min(limit, longestLimit);
-    AutoLock hold(lock);
     for (;;) {
-        if (condition == State::Stopped)
-            return std::nullopt;
-        if (!queue.empty()) {
-            ++numbers.fetched;
-            return queue.pop(newest, numbers.droppedByQueue);
+        {
+            const Moment until = goOn ? std::min(end, steady_clock::now() + askEvery) : end;
+            AutoLock hold(lock);
+            do {
+                if (condition == State::Stopped)
+                    return std::nullopt;
+                if (!queue.empty()) {
+                    ++numbers.fetched;
+                    return queue.pop(newest, numbers.droppedByQueue);
+                }
+                if (condition == State::Ended)
+                    return std::nullopt;
+                if (condition == State::Failed || condition == State::Unplugged)
+                    throw Failure(*trouble);
+                if (isStarved)
+                    throw FrameMemory::instance().shortage("take a frame of " + name, unitBytes);
+            } while (wait(arrived, until));
+            if (until == end)
+                throw silence(limit);
         }
-        if (condition == State::Ended)
-            return std::nullopt;
-        if (condition == State::Failed || condition == State::Unplugged)
-            throw Failure(*trouble);
-        if (isStarved)
-            throw FrameMemory::instance().shortage("take a frame of " + name, unitBytes);
-        if (!wait(arrived, end))
-            throw silence(limit);
+        if (!goOn())
+            throw Failure(Failure::Interrupted, "the wait for a frame of " + name + " was interrupted");
     }
 }
 

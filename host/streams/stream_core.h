@@ -35,7 +35,7 @@ public:
 
     // The operations of the stream.
     void start();
-    [[nodiscard]] std::optional<Frame> take(Milliseconds limit, bool newest);
+    [[nodiscard]] std::optional<Frame> take(Milliseconds limit, bool newest, const GoOn& goOn);
     void stop();
     [[nodiscard]] const StreamInfo& info() const noexcept { return context->info; }
     [[nodiscard]] const std::string& label() const noexcept { return name; }

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -14,6 +15,10 @@
 namespace Zentara::Host {
 
 struct StreamSetup;
+
+/// Is asked whether to go on waiting, on the thread that waits, about ten times a second, and holding no lock. False ends
+/// the wait; so does what it throws, which passes through.
+using GoOn = std::function<bool()>;
 
 /// How a stream is asked for.
 struct StreamOptions {
@@ -90,10 +95,11 @@ public:
     ///         limit
     /// \throws Failure (Failed) while the frames of the process take all the memory they may
     /// \throws Failure with the code of what the device failed with; again at every call
-    [[nodiscard]] std::optional<Frame> next(std::chrono::milliseconds limit);
+    /// \param goOn may end the wait: Failure (Interrupted)
+    [[nodiscard]] std::optional<Frame> next(std::chrono::milliseconds limit, const GoOn& goOn = {});
 
     /// The frame that came last, and drops those before it. Otherwise as `next`: it waits when there is none.
-    [[nodiscard]] std::optional<Frame> latest(std::chrono::milliseconds limit);
+    [[nodiscard]] std::optional<Frame> latest(std::chrono::milliseconds limit, const GoOn& goOn = {});
 
     /// Ends the stream and drops what is queued. Whoever waits in `next` is woken at once; the call itself takes as long
     /// as the device needs to end, 2 s at most. Does nothing when it was called before.

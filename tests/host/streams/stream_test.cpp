@@ -152,6 +152,8 @@ TEST_F(StreamTest, TellsWhyItCannotBegin) {
 
 TEST_F(StreamTest, WakesWhoeverWaitsWhenItIsStopped) {
     Stream stream = camera->stream();
+    int asked = 0;
+    EXPECT_EQ(codeOf([&] { (void)stream.next(forEver, [&] { return ++asked < 2; }); }), Failure::Interrupted);
     std::atomic<bool> waits{false};
     std::optional<Frame> frame;
     steady_clock::time_point woken;
