@@ -26,29 +26,9 @@ constexpr std::array<std::int32_t, 4> wantedSDKVersion = {
     ZENTARA_SDK_VERSION_MAJOR, ZENTARA_SDK_VERSION_MINOR, ZENTARA_SDK_VERSION_PATCH,
     ZENTARA_SDK_VERSION_BUILD};
 
-// The kinds that are accepted.
-constexpr struct {
-    ImplType type;
-    const char* name;
-} kinds[] = {
-    {ImplType_DEPTH_NODE, "depth node"},
-    {ImplType_COLOR_NODE, "colour node"},
-    {ImplType_AUDIO_NODE, "audio node"},
-    {ImplType_AUDIO_DEVICE, "audio device"},
-    {ImplType_VIDEO_DEVICE, "video device"},
-    {ImplType_ENUMERATOR, "enumerator"},
-    {ImplType_DESCRIPTOR_STORE, "descriptor store"},
-    {ImplType_PARAMETER_INTERPRETER, "parameter interpreter"},
-};
-
-/// Null for a number that is no kind.
-const char* findKind(std::int32_t type) noexcept {
-    for (const auto& kind : kinds) {
-        if (kind.type == type)
-            return kind.name;
-    }
-    return nullptr;
-}
+constexpr std::int32_t acceptedTypes[] = {
+    ImplType_DEPTH_NODE,   ImplType_COLOR_NODE, ImplType_AUDIO_NODE,       ImplType_AUDIO_DEVICE,
+    ImplType_VIDEO_DEVICE, ImplType_ENUMERATOR, ImplType_DESCRIPTOR_STORE, ImplType_PARAMETER_INTERPRETER};
 
 std::string versionText(const std::array<std::int32_t, 4>& version) {
     return Format("%.%.%.%") % version[0] % version[1] % version[2] % version[3];
@@ -142,12 +122,10 @@ private:
         begin(PluginScanStep::ImplType);
         if (!ask<GetImplTypeFunction>("getImplType", [this](auto function) { probe.type = function(); }))
             return false;
-        if (findKind(probe.type) != nullptr)
+        if (std::find(std::begin(acceptedTypes), std::end(acceptedTypes), probe.type) !=
+            std::end(acceptedTypes))
             return true;
-        std::string wanted = "one of ";
-        for (const auto& kind : kinds)
-            wanted += (&kind == kinds ? "" : ", ") + std::to_string(kind.type);
-        return refuseValue("getImplType", std::to_string(probe.type), wanted);
+        return refuseValue("getImplType", std::to_string(probe.type), "one of 1, 2, 3, 4, 5, 6, 8, 9");
     }
 
     /// Asked for and reported, but any value will do.
@@ -218,11 +196,6 @@ const char* pluginScanStepName(PluginScanStep step) noexcept {
                                             "sdkVersion", "accepted", "unload"};
     const auto index = static_cast<std::size_t>(step);
     return index < std::size(names) ? names[index] : "unknown";
-}
-
-const char* pluginKindName(std::int32_t type) noexcept {
-    const char* const name = findKind(type);
-    return name ? name : "unknown";
 }
 
 const char* pluginFileExtension() noexcept { return Utils::Platform::libraryExtension(); }

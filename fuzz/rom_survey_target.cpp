@@ -1,13 +1,14 @@
-// Any bytes as a flash image for the tool: what it finds wrong, draws, salvages, and what it says of an image with
+// Any bytes as a flash image for the host library: what it finds wrong, draws, salvages, and what it says of an image with
 // which nothing is wrong. The first byte says where the header stands and where the area begins, as for the
 // storage's own target, whose inputs serve for both.
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 
-#include "host/flash/flash_map.h"
-#include "host/flash/flash_survey.h"
-#include "host/flash/rehearsal.h"
+#include <zentara/host/flash_map.h>
+#include <zentara/host/flash_survey.h>
+
+#include "host/flash/storage.h"
 
 namespace {
 
@@ -18,44 +19,31 @@ void require(bool holds) {
         std::abort();
 }
 
-FlashContent contentOf(const FlashSurvey& survey) {
-    FlashContent content;
-    for (const SurveyedBlock& block : survey.blocks())
-        if (block.section)
-            content[block.section->uid] = block.section->content;
-    return content;
-}
-
 /// The library, whose code is another, reads the same.
 void checkAgreement(const FlashImage& image, const FlashSurvey& survey) {
     FlashImage copy = image;
     Storage storage(copy, copy.area());
     storage.container.initialize();
     require(storage.container.romInitialized());
-    require(Zentara::Host::contentOf(storage.container) == contentOf(survey));
+    require(contentOf(storage.container) == survey.linkedContent());
     require(copy.writes().empty());
 }
 
 void checkPlaces(const FlashImage& image, const FlashSurvey& survey) {
     const FlashArea& area = image.area();
-    for (const Finding& finding : survey.findings())
+    for (const Finding& finding : survey.findings)
         require(area.holds(finding.address, 0));
-    for (const SurveyedSection& section : survey.unreachable())
+    for (const SurveyedSection& section : survey.unreachable)
         require(area.holds(section.address, section.content.data.size() + 13));
-    const FlashMap map(image, survey);
-    for (const Region& region : map.regions())
+    const FlashMap map(survey);
+    for (const FlashRegion& region : map.regions())
         require(region.length > 0 && area.holds(region.address, region.length));
 }
 
-/// What was salvaged can be written to a new image of the size, or the reason why not is told.
-void salvage(const FlashImage& image, const FlashSurvey& survey) {
-    FlashContent content;
-    for (const SurveyedSection& section : survey.unreachable())
-        if (section.uid != 0)
-            content.emplace(section.uid, section.content);
-    const Rehearsal fresh = rebuild(image, content);
-    require(fresh.isGood() ? !FlashSurvey(fresh.image).structuralFault()
-                           : fresh.refusal || !fresh.losses.empty());
+/// What was salvaged stands in a new image of the size, or the reason why not is told.
+void checkSalvage(const FlashImage& image) {
+    const FlashSalvage salvage = salvageOf(image);
+    require(salvage.image ? contentOf(*salvage.image) == salvage.content : !salvage.whyNot.empty());
 }
 
 } // namespace
@@ -67,12 +55,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const FlashArea area{static_cast<std::uint32_t>(start), static_cast<std::uint32_t>(size - 1 - start), 64,
                          (data[0] & 1) != 0};
     const FlashImage image(area, Bytes(data + 1 + start, data + size));
-    const FlashSurvey survey(image);
+    const FlashSurvey survey = surveyOf(image);
     if (!survey.structuralFault())
         checkAgreement(image, survey);
     checkPlaces(image, survey);
     if (area.size > 0)
-        static_cast<void>(FlashMap(image, survey).text());
-    salvage(image, survey);
+        static_cast<void>(FlashMap(survey).text());
+    checkSalvage(image);
     return 0;
 }

@@ -1,4 +1,4 @@
-#include "host/hex_bytes.h"
+#include <zentara/host/hex_bytes.h>
 
 #include <charconv>
 

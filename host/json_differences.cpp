@@ -19,12 +19,14 @@ Json differencesBetween(const Json& before, const Json& after) {
     return list;
 }
 
+std::string cutJson(const std::string& value) {
+    constexpr std::size_t shown = 60;
+    return value == "null" ? "nothing" : value.size() > shown ? value.substr(0, shown) + "..." : value;
+}
+
 std::string differencesText(const Json& differences) {
-    const auto text = [](const Json& value) {
-        constexpr std::size_t shown = 60;
-        const std::string whole =
-            value.dump(-1, ' ', true, Json::error_handler_t::replace); // ASCII: any byte ends it
-        return value.is_null() ? "nothing" : whole.size() > shown ? whole.substr(0, shown) + "..." : whole;
+    const auto text = [](const Json& value) { // ASCII: any byte ends it
+        return cutJson(value.dump(-1, ' ', true, Json::error_handler_t::replace));
     };
     std::string lines;
     for (const Json& change : differences)

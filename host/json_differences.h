@@ -13,4 +13,7 @@ namespace Zentara::Host {
 /// A line for each: "records/0/fx: 224.5 -> 230.5"; cut where a value is long.
 [[nodiscard]] std::string differencesText(const Json& differences);
 
+/// A value's JSON, in ASCII, as such a line has it: "nothing" for null, cut where it is long.
+[[nodiscard]] std::string cutJson(const std::string& value);
+
 } // namespace Zentara::Host

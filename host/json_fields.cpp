@@ -7,6 +7,7 @@
 #include <zentara/utils/format.h>
 
 #include "host/files/file_failure.h"
+#include "host/json_place.h"
 #include <zentara/host/failure.h>
 
 namespace Zentara::Host {
@@ -16,19 +17,7 @@ using Utils::Format;
 namespace {
 
 constexpr std::size_t mostBytes = 1 << 24;
-constexpr int mostDepth = 64; // what looks at a value calls itself for each level
 constexpr std::size_t mostShown = 40;
-
-[[noreturn]] void refuse(const std::string& path, const std::string& what) {
-    throw Failure(Failure::Failed, Format("'%' is no JSON: %") % path % what);
-}
-
-/// Without the library's name for it, in brackets.
-std::string reasonOf(const Json::exception& failure) {
-    const std::string text = failure.what();
-    const std::size_t end = text.find("] ");
-    return end == std::string::npos ? text : text.substr(end + 2);
-}
 
 /// Standard input, as far as it may be; one byte more tells that it is longer.
 std::string readInput() {
@@ -43,22 +32,10 @@ std::string readInput() {
 } // namespace
 
 Json readJsonFile(const std::string& path) {
-    std::vector<std::set<std::string>> keys;
-    const auto watch = [&](int depth, Json::parse_event_t event, Json& value) {
-        if (depth > mostDepth)
-            refuse(path, Format("more than % values stand one in the other") % mostDepth);
-        if (event == Json::parse_event_t::object_start)
-            keys.emplace_back();
-        else if (event == Json::parse_event_t::object_end)
-            keys.pop_back();
-        else if (event == Json::parse_event_t::key && !keys.back().insert(value.get<std::string>()).second)
-            refuse(path, Format("the field % stands twice in one object") % shortText(value));
-        return true;
-    };
     try {
-        return Json::parse(path == "-" ? readInput() : readFileBytes(path, mostBytes), watch);
-    } catch (const Json::exception& failure) {
-        refuse(path, reasonOf(failure));
+        return parseJson(path == "-" ? readInput() : readFileBytes(path, mostBytes));
+    } catch (const JsonError& failure) {
+        throw Failure(Failure::Failed, Format("'%' is no JSON: %") % path % failure.what());
     }
 }
 

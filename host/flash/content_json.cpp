@@ -1,13 +1,17 @@
 #include "host/flash/content_json.h"
 
-#include <set>
 #include <vector>
+
+#include <zentara/host/failure.h>
+#include <zentara/utils/format.h>
 
 #include "host/flash/records.h"
 
 namespace Zentara::Host {
 namespace {
 
+/// Raised when a document of before can no longer be read.
+constexpr int contentSchema = 1;
 constexpr const char* kindOfDocument = "rom content";
 
 bool isPrintable(const Json& fields) {
@@ -29,7 +33,7 @@ std::optional<Json> wholeFields(const RecordLayout& layout, const RawRecord& rec
     try {
         if (encodeFields(layout, JsonPlace(*fields)) == record.data)
             return fields;
-    } catch (const JsonPlaceError&) { // a number that JSON does not have
+    } catch (const JsonError&) { // a number that JSON does not have
     }
     return std::nullopt;
 }
@@ -62,7 +66,7 @@ RawRecord recordFromJson(std::uint8_t sectionType, const JsonPlace& place) {
     for (const RecordField& field : layout->fields)
         keys.emplace_back(field.name);
     place.allow(keys);
-    return {layout->marker, RECORD_VERSION, encodeFields(*layout, place)};
+    return {static_cast<std::uint8_t>(layout->marker), RECORD_VERSION, encodeFields(*layout, place)};
 }
 
 std::uint8_t typeFromJson(const JsonPlace& place) {
@@ -91,51 +95,30 @@ Bytes dataFromJson(std::uint8_t type, const JsonPlace& place) {
     return data;
 }
 
-/// Finds a key that stands twice in one object: the parser keeps the last one and says nothing.
-class KeyWatch {
-public:
-    void see(Json::parse_event_t event, const Json& value) {
-        using Event = Json::parse_event_t;
-        if (event == Event::object_start || event == Event::array_start)
-            open.push_back({event == Event::array_start, 0, {}, {}});
-        else if (event == Event::key)
-            seeKey(value.get<std::string>());
-        else
-            seeEnd(event != Event::value);
-    }
+std::pair<std::uint16_t, FlashSection> sectionAt(const JsonPlace& place) {
+    const auto uid = static_cast<std::uint16_t>(place.at("uid").number(1, 0xFFFF));
+    FlashSection section;
+    section.type = typeFromJson(place.at("type"));
+    section.flags = static_cast<std::uint8_t>(place.at("flags").number(0, 0xFF));
+    section.data = dataFromJson(section.type, place);
+    return {uid, std::move(section)};
+}
 
-private:
-    struct Level {
-        bool isArray;
-        std::size_t index; ///< of the item that comes next
-        std::string key;   ///< the last one
-        std::set<std::string> keys;
-    };
+/// What is wrong with the text leaves as a Failure that names where it comes from.
+template<typename Reading>
+auto readingFrom(const std::string& source, Reading reading) try {
+    return reading();
+} catch (const JsonError& failure) {
+    throw Failure(Failure::Failed, "'" + source + "': " + failure.what());
+}
 
-    void seeKey(const std::string& key) {
-        open.back().key = key;
-        if (!open.back().keys.insert(key).second)
-            throw JsonPlaceError(path() + ": the key stands twice in one object");
-    }
-    void seeEnd(bool isLevel) {
-        if (isLevel)
-            open.pop_back();
-        if (!open.empty())
-            ++open.back().index;
-    }
-    [[nodiscard]] std::string path() const {
-        std::string text;
-        for (const Level& level : open)
-            text += '/' + (level.isArray ? std::to_string(level.index) : level.key);
-        return text;
-    }
-
-    std::vector<Level> open;
-};
+std::string printed(const Json& json) {
+    return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
 
 } // namespace
 
-Json sectionToJson(std::uint16_t uid, const FlashSection& section) {
+Json sectionJson(std::uint16_t uid, const FlashSection& section) {
     Json json{{"uid", uid}};
     const char* typeName = sectionTypeName(section.type);
     if (!typeName) {
@@ -153,46 +136,43 @@ Json sectionToJson(std::uint16_t uid, const FlashSection& section) {
     return json;
 }
 
-Json contentToJson(const FlashContent& content) {
+std::string toJson(const FlashContent& content) {
     Json json{{"schema", contentSchema}, {"kind", kindOfDocument}, {"sections", Json::array()}};
     for (const auto& [uid, section] : content)
-        json["sections"].push_back(sectionToJson(uid, section));
-    return json;
+        json["sections"].push_back(sectionJson(uid, section));
+    return printed(json);
 }
 
-Json parseJson(const std::string& text) {
-    KeyWatch keys;
-    const auto watch = [&](int, Json::parse_event_t event, const Json& value) {
-        keys.see(event, value);
-        return true;
-    };
-    try {
-        return Json::parse(text, watch);
-    } catch (const Json::exception& failure) {
-        throw JsonPlaceError(failure.what());
-    }
+std::string toJson(std::uint16_t uid, const FlashSection& section) {
+    return printed(sectionJson(uid, section));
 }
 
-std::pair<std::uint16_t, FlashSection> sectionFromJson(const JsonPlace& place) {
-    const auto uid = static_cast<std::uint16_t>(place.at("uid").number(1, 0xFFFF));
-    FlashSection section;
-    section.type = typeFromJson(place.at("type"));
-    section.flags = static_cast<std::uint8_t>(place.at("flags").number(0, 0xFF));
-    section.data = dataFromJson(section.type, place);
-    return {uid, std::move(section)};
+FlashContent contentFromJson(const std::string& text, const std::string& source) {
+    return readingFrom(source, [&text] {
+        const Json document = parseJson(text);
+        const JsonPlace root(document);
+        root.allow({"schema", "kind", "sections"});
+        static_cast<void>(root.at("schema").number(contentSchema, contentSchema));
+        if (root.at("kind").text() != kindOfDocument)
+            root.at("kind").fail(std::string("expected \"") + kindOfDocument + "\"");
+        FlashContent content;
+        for (const JsonPlace& place : root.at("sections").items())
+            if (!content.insert(sectionAt(place)).second)
+                place.at("uid").fail("the uid stands twice");
+        return content;
+    });
 }
 
-FlashContent contentFromJson(const Json& document) {
-    const JsonPlace root(document);
-    root.allow({"schema", "kind", "sections"});
-    static_cast<void>(root.at("schema").number(contentSchema, contentSchema));
-    if (root.at("kind").text() != kindOfDocument)
-        root.at("kind").fail(std::string("expected \"") + kindOfDocument + "\"");
-    FlashContent content;
-    for (const JsonPlace& place : root.at("sections").items())
-        if (!content.insert(sectionFromJson(place)).second)
-            place.at("uid").fail("the uid stands twice");
-    return content;
+FlashSection sectionFromJson(const std::string& text, const std::string& source, std::uint16_t uid) {
+    return readingFrom(source, [&text, uid] {
+        const Json document = parseJson(text);
+        const JsonPlace root(document);
+        const JsonPlace place = root.has("section") ? root.at("section") : root;
+        auto [found, section] = sectionAt(place);
+        if (found != uid)
+            place.at("uid").fail(Utils::Format("it is section %, not %") % found % uid);
+        return section;
+    });
 }
 
 } // namespace Zentara::Host

@@ -1,23 +1,18 @@
-#include "host/flash/correction_tables.h"
+#include <zentara/host/correction_tables.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <memory>
 
 #include <zentara/rom/gradient_distortion_correction.h>
 #include <zentara/rom/rom.h>
-#include <zentara/utils/format.h>
 
-#include "host/flash/flash_image.h"
-#include "host/float_text.h"
-#include "utils/visible_text.h"
+#include "host/flash/storage.h"
 
 namespace Zentara::Host {
 namespace {
 
 using ROM::GradientDistortionCorrection;
-using Utils::Format;
 
 constexpr std::uint8_t correctionType =
     static_cast<std::uint8_t>(ROM::ContainerSectionType::GradientDistortionCorrection);
@@ -38,29 +33,17 @@ std::unique_ptr<ROM::Object> objectOf(const FlashSection& section) {
     return std::unique_ptr<ROM::Object>(rom.get(1));
 }
 
-CorrectionFile correctionOf(std::uint16_t uid, const GradientDistortionCorrection& object) {
+CorrectionSection correctionOf(std::uint16_t uid, const GradientDistortionCorrection& object) {
     const ROM::GradientDistortionCorrectionHeader header = object.getGradientDistortionCorrectionHeader();
-    CorrectionFile file{uid,
-                        header.getVersionNumber(),
-                        header.getTimeofLastWrite(),
-                        header.getNumberOfSets(),
-                        header.getSerialId(),
-                        {}};
+    CorrectionSection file{uid,
+                           header.getVersionNumber(),
+                           header.getTimeofLastWrite(),
+                           header.getNumberOfSets(),
+                           header.getSerialId(),
+                           {}};
     for (const auto& data : object.getGradientDistortionCorrectionData())
         file.tables.push_back({data.getModulationFrequency(), data.getValues()});
     return file;
-}
-
-/// "2026-11-21 09:15:00 UTC (1795252500)", of seconds since 1970.
-std::string dateText(std::uint32_t time) {
-    using namespace std::chrono;
-    const sys_seconds when{seconds(time)};
-    const auto day = floor<days>(when);
-    const year_month_day date(day);
-    const hh_mm_ss clock(when - day);
-    return Format("%-%{:02}-%{:02} %{:02}:%{:02}:%{:02} UTC (%)") % int{date.year()} %
-           unsigned{date.month()} % unsigned{date.day()} % static_cast<int>(clock.hours().count()) %
-           static_cast<int>(clock.minutes().count()) % static_cast<int>(clock.seconds().count()) % time;
 }
 
 } // namespace
@@ -84,16 +67,8 @@ CorrectionTable::Statistics CorrectionTable::statistics() const {
     return result;
 }
 
-FlashContent loadedSections(const FlashSurvey& survey) {
-    FlashContent content;
-    for (const SurveyedBlock& block : survey.blocks())
-        if (block.section)
-            content[block.section->uid] = block.section->content; // of two with one uid the later one counts
-    return content;
-}
-
-std::vector<CorrectionFile> correctionsOf(const FlashContent& content) {
-    std::vector<CorrectionFile> corrections;
+std::vector<CorrectionSection> correctionsOf(const FlashContent& content) {
+    std::vector<CorrectionSection> corrections;
     for (const auto& [uid, section] : content) {
         if (section.type != correctionType)
             continue;
@@ -102,45 +77,6 @@ std::vector<CorrectionFile> correctionsOf(const FlashContent& content) {
             corrections.push_back(correctionOf(uid, *correction));
     }
     return corrections;
-}
-
-Json correctionsJson(const std::vector<CorrectionFile>& corrections) {
-    Json json = Json::array();
-    for (const CorrectionFile& file : corrections) {
-        Json tables = Json::array();
-        for (const CorrectionTable& table : file.tables) {
-            const auto statistics = table.statistics();
-            tables.push_back({{"modulationFrequency", table.frequency},
-                              {"values", table.values.size()},
-                              {"least", statistics.least},
-                              {"greatest", statistics.greatest},
-                              {"mean", statistics.mean},
-                              {"deviation", statistics.deviation}});
-        }
-        json.push_back({{"uid", file.uid},
-                        {"version", file.version},
-                        {"timeOfLastWrite", file.timeOfLastWrite},
-                        {"numberOfSets", file.numberOfSets},
-                        {"serialId", file.serialId},
-                        {"tables", std::move(tables)}});
-    }
-    return json;
-}
-
-std::string correctionText(const CorrectionFile& correction) {
-    std::string text =
-        Format("section %: distortion correction, version %, written %, % sets, serial id \"%\"\n") %
-        correction.uid % correction.version % dateText(correction.timeOfLastWrite) % correction.numberOfSets %
-        Utils::visibleText(correction.serialId);
-    for (std::size_t i = 0; i < correction.tables.size(); ++i) {
-        const CorrectionTable& table = correction.tables[i];
-        const auto statistics = table.statistics();
-        text += Format("  table %: frequency % MHz, % values of 8 bits from % to %, mean %, deviation %\n") %
-                static_cast<unsigned>(i) % table.frequency %
-                static_cast<unsigned long long>(table.values.size()) % statistics.least %
-                statistics.greatest % decimalText(statistics.mean) % decimalText(statistics.deviation);
-    }
-    return text;
 }
 
 } // namespace Zentara::Host

@@ -1,9 +1,11 @@
-#include "host/flash/flash_content.h"
+#include <zentara/host/flash_content.h>
 
 #include <array>
 
 #include <zentara/rom/section.h>
 #include <zentara/utils/format.h>
+
+#include "host/flash/storage.h"
 
 namespace Zentara::Host {
 namespace {
@@ -13,6 +15,13 @@ constexpr std::array<const char*, 6> typeNames{nullptr,         "systemInfo", "s
 
 } // namespace
 
+bool FlashSection::isWritable() const noexcept { return (flags & ROM::Section::FLAG_WRITABLE) != 0; }
+
+void FlashSection::setWritable(bool writable) noexcept {
+    flags = static_cast<std::uint8_t>(writable ? flags | ROM::Section::FLAG_WRITABLE
+                                               : flags & ~ROM::Section::FLAG_WRITABLE);
+}
+
 FlashContent contentOf(ROM::Container& container) {
     FlashContent content;
     for (const std::uint16_t uid : container.getSectionUIDs()) {
@@ -21,6 +30,31 @@ FlashContent contentOf(ROM::Container& container) {
                         section.getSerializedData()};
     }
     return content;
+}
+
+FlashContent contentOf(const FlashImage& image) {
+    FlashImage copy = image;
+    Storage storage(copy, copy.area());
+    storage.container.initialize();
+    return contentOf(storage.container);
+}
+
+bool holdsStorage(const FlashImage& image) {
+    FlashImage copy = image;
+    Storage storage(copy, copy.area());
+    storage.container.initialize();
+    return storage.container.romInitialized();
+}
+
+std::vector<std::uint16_t> readOnlyConflicts(const FlashContent& before, const FlashContent& wanted) {
+    std::vector<std::uint16_t> uids;
+    for (const auto& [uid, section] : before) {
+        const auto place = wanted.find(uid);
+        const bool stays = place != wanted.end() && place->second == section;
+        if (!stays && !section.isWritable())
+            uids.push_back(uid);
+    }
+    return uids;
 }
 
 const char* sectionTypeName(std::uint8_t type) noexcept {

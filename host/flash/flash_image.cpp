@@ -1,8 +1,9 @@
-#include "host/flash/flash_image.h"
+#include <zentara/host/flash_image.h>
 
 #include <algorithm>
 #include <utility>
 
+#include <zentara/host/failure.h>
 #include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/rom/chunked_memory_management_header.h>
 #include <zentara/utils/format.h>
@@ -39,7 +40,18 @@ std::uint32_t FlashArea::headerAddress() const {
 }
 
 FlashImage::FlashImage(const FlashArea& where) : FlashImage(where, Bytes(where.size, ERASED)) {}
-FlashImage::FlashImage(const FlashArea& where, Bytes initial) : place(where), content(std::move(initial)) {}
+
+FlashImage::FlashImage(const FlashArea& where, Bytes initial) : place(where), content(std::move(initial)) {
+    if (content.size() != place.size)
+        throw Failure(Failure::Usage, Utils::Format("% bytes are no image of an area of % bytes") %
+                                          static_cast<unsigned long long>(content.size()) % place.size);
+}
+
+FlashImage::FlashImage(const FlashImage&) = default;
+FlashImage::FlashImage(FlashImage&&) noexcept = default;
+FlashImage& FlashImage::operator=(const FlashImage&) = default;
+FlashImage& FlashImage::operator=(FlashImage&&) noexcept = default;
+FlashImage::~FlashImage() = default;
 
 void FlashImage::check(const char* verb, std::uint32_t address, std::size_t length) const {
     if (!place.holds(address, length))

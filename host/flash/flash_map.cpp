@@ -1,4 +1,4 @@
-#include "host/flash/flash_map.h"
+#include <zentara/host/flash_map.h>
 
 #include <algorithm>
 #include <set>
@@ -69,7 +69,7 @@ std::string xmlText(const std::string& text) {
     return safe;
 }
 
-char characterOf(const Region* region) {
+char characterOf(const FlashRegion* region) {
     if (!region)
         return '.';
     constexpr char signs[] = {'.', '-', '~', 'H', 'C', '?', '!'};
@@ -78,16 +78,21 @@ char characterOf(const Region* region) {
 
 } // namespace
 
-FlashMap::FlashMap(const FlashImage& image, const FlashSurvey& survey) : area(image.area()) {
+const char* regionKindName(RegionKind kind) noexcept {
+    constexpr const char* names[] = {"free", "slack", "remains", "header", "container", "section", "damaged"};
+    return names[static_cast<std::size_t>(kind)];
+}
+
+FlashMap::FlashMap(const FlashSurvey& survey) : area(survey.area) {
     if (area.size >= ROM::ChunkedMemoryManagementHeader::SIZE)
-        add(survey.header() ? RegionKind::Header : RegionKind::Damaged, area.headerAddress(),
+        add(survey.header ? RegionKind::Header : RegionKind::Damaged, area.headerAddress(),
             ROM::ChunkedMemoryManagementHeader::SIZE,
-            survey.header() ? "management header" : "no management header that can be read", 'H');
+            survey.header ? "management header" : "no management header that can be read", 'H');
     std::set<std::uint64_t> places;
-    for (const SurveyedBlock& block : survey.blocks())
+    for (const SurveyedBlock& block : survey.blocks)
         places.insert(block.address);
     std::size_t number = 0;
-    for (const SurveyedBlock& block : survey.blocks()) {
+    for (const SurveyedBlock& block : survey.blocks) {
         if (block.isOutside) {
             add(RegionKind::Damaged, block.address, ROM::MemoryBlockHeader::SIZE,
                 "a block that reaches past the end of the area", '!');
@@ -108,14 +113,15 @@ FlashMap::FlashMap(const FlashImage& image, const FlashSurvey& survey) : area(im
             add(RegionKind::Damaged, block.address, block.allocatedSize, "a block without a readable section",
                 '!');
     }
-    for (const SurveyedSection& section : survey.unreachable())
+    for (const SurveyedSection& section : survey.unreachable)
         add(RegionKind::Remains, section.address, section.content.data.size() + ROM::Section::MIN_SIZE,
             "unlinked " + sectionText(section.uid, section.content), '~');
-    for (const Finding& finding : survey.findings())
+    for (const Finding& finding : survey.findings)
         if (finding.isFault && finding.kind == FindingKind::BlockHeader)
             add(RegionKind::Damaged, finding.address, ROM::MemoryBlockHeader::SIZE, finding.text, '!');
-    std::stable_sort(all.begin(), all.end(),
-                     [](const Region& left, const Region& right) { return left.address < right.address; });
+    std::stable_sort(all.begin(), all.end(), [](const FlashRegion& left, const FlashRegion& right) {
+        return left.address < right.address;
+    });
 }
 
 void FlashMap::add(RegionKind kind, std::uint64_t address, std::uint64_t length, std::string label,
@@ -126,9 +132,9 @@ void FlashMap::add(RegionKind kind, std::uint64_t address, std::uint64_t length,
                        std::move(label), letter});
 }
 
-std::vector<const Region*> FlashMap::cells(std::size_t count) const {
-    std::vector<const Region*> shown(count, nullptr);
-    for (const Region& region : all) {
+std::vector<const FlashRegion*> FlashMap::cells(std::size_t count) const {
+    std::vector<const FlashRegion*> shown(count, nullptr);
+    for (const FlashRegion& region : all) {
         const std::uint64_t from = region.address - area.start;
         const std::size_t first = from * count / area.size;
         const std::size_t last = (from + region.length - 1) * count / area.size;
@@ -141,7 +147,7 @@ std::vector<const Region*> FlashMap::cells(std::size_t count) const {
 
 std::string FlashMap::text() const {
     const std::size_t rows = std::clamp<std::size_t>(area.size / (COLUMNS * 16), 1, MOST_ROWS);
-    const std::vector<const Region*> shown = cells(rows * COLUMNS);
+    const std::vector<const FlashRegion*> shown = cells(rows * COLUMNS);
     std::string text =
         Format("each character % bytes\n") % static_cast<unsigned long long>(area.size / (rows * COLUMNS));
     std::string last;
@@ -164,7 +170,7 @@ std::string FlashMap::text() const {
                     static_cast<std::uint32_t>(area.start + std::uint64_t{area.size} * row / rows) % line;
     }
     text += "\n.  free    -  rest of a chunk\n";
-    for (const Region& region : all)
+    for (const FlashRegion& region : all)
         if (region.kind != RegionKind::Slack)
             text += Format("%  0x%{:x8}  %\n") % std::string(1, characterOf(&region)) % region.address %
                     region.label;
@@ -208,7 +214,7 @@ std::string FlashMap::svg(const std::string& title) const {
                decimalText(5 + ROW * static_cast<double>(row) + 14) %
                static_cast<std::uint32_t>(area.start + row * rowBytes);
     std::uint64_t end = 0;
-    for (const Region& region : all) {
+    for (const FlashRegion& region : all) {
         const std::uint64_t begin = region.address - area.start;
         if (begin > end)
             draw(end, begin, colorOf(RegionKind::Free, '.'), "free");
@@ -217,7 +223,7 @@ std::string FlashMap::svg(const std::string& title) const {
     draw(end, area.size, colorOf(RegionKind::Free, '.'), "free");
     for (RegionKind kind = RegionKind::Slack; kind <= RegionKind::Damaged;
          kind = static_cast<RegionKind>(static_cast<int>(kind) + 1))
-        for (const Region& region : all)
+        for (const FlashRegion& region : all)
             if (region.kind == kind)
                 draw(region.address - area.start, std::uint64_t{region.address} - area.start + region.length,
                      colorOf(kind, region.letter), region.label);
@@ -235,9 +241,9 @@ std::string FlashMap::svg(const std::string& title) const {
     return svg + "</g>\n</svg>\n";
 }
 
-std::string FlashMap::png(const std::string& title) const {
+Picture FlashMap::picture(const std::string& title) const {
     const std::size_t rows = std::clamp<std::size_t>(area.size / (COLUMNS * 16), 1, MOST_ROWS);
-    const std::vector<const Region*> shown = cells(rows * COLUMNS);
+    const std::vector<const FlashRegion*> shown = cells(rows * COLUMNS);
     constexpr int line = Canvas::textHeight + 6;
     constexpr int margin = 12;
     const int left = margin + Canvas::textWidth("0x00000000") + margin;
@@ -246,7 +252,7 @@ std::string FlashMap::png(const std::string& title) const {
     for (const Meaning& meaning : meanings)
         if (meaning.kind != RegionKind::Section)
             legend.emplace_back(colorOf(meaning.kind, '.'), meaning.text);
-    for (const Region& region : all)
+    for (const FlashRegion& region : all)
         if (region.kind == RegionKind::Section && legend.size() < MOST_ROWS)
             legend.emplace_back(colorOf(region.kind, region.letter), region.label);
     const int below = top + static_cast<int>(rows) * CELL + margin;
@@ -262,7 +268,7 @@ std::string FlashMap::png(const std::string& title) const {
                             static_cast<std::uint32_t>(area.start + std::uint64_t{area.size} * row / rows),
                         black);
         for (std::size_t column = 0; column < COLUMNS; ++column) { // a line between the pieces
-            const Region* region = shown[row * COLUMNS + column];
+            const FlashRegion* region = shown[row * COLUMNS + column];
             canvas.box(left + static_cast<int>(column) * CELL, y, CELL - 1, CELL - 1,
                        region ? colorOf(region->kind, region->letter) : colorOf(RegionKind::Free, '.'));
         }
@@ -275,7 +281,7 @@ std::string FlashMap::png(const std::string& title) const {
         canvas.box(margin, y, Canvas::textHeight, Canvas::textHeight - 4, legend[entry].first);
         canvas.text(margin + 2 * Canvas::textHeight, y, legend[entry].second, black);
     }
-    return canvas.picture().png();
+    return canvas.picture();
 }
 
 } // namespace Zentara::Host

@@ -1,4 +1,4 @@
-#include "host/flash/flash_survey.h"
+#include <zentara/host/flash_survey.h>
 
 #include <algorithm>
 #include <array>
@@ -6,12 +6,15 @@
 #include <set>
 
 #include <zentara/rom/chunked_memory_management_header.h>
+#include <zentara/rom/chunked_memory_manager.h>
+#include <zentara/rom/container.h>
 #include <zentara/rom/container_header.h>
 #include <zentara/rom/memory_block_header.h>
 #include <zentara/rom/section.h>
 #include <zentara/utils/format.h>
 
 #include "host/flash/records.h"
+#include "host/flash/stretch_checksums.h"
 #include "rom/big_endian_reader.h"
 
 namespace Zentara::Host {
@@ -61,55 +64,75 @@ SectionHeader sectionHeader(View bytes) {
 /// How often all blocks together may claim the area: the library loads no more of the chain.
 constexpr std::uint64_t MOST_CLAIMS = 16;
 
-} // namespace
-
-bool isStructural(FindingKind kind) noexcept { return kind < FindingKind::ZeroUid; }
-
-const char* findingKindName(FindingKind kind) noexcept {
-    constexpr std::array<const char*, 19> names{
-        "areaTooSmall",  "notFormatted",  "managementHeader", "containerHeader",
-        "linkOutside",   "blockHeader",   "blockOutside",     "cycle",
-        "chainOrder",    "overlap",       "sectionHeader",    "sectionData",
-        "unreachable",   "zeroUid",       "duplicateUid",     "unknownType",
-        "unknownRecord", "damagedRecord", "otherVersion"};
-    return names[static_cast<std::size_t>(kind)];
-}
-
-FlashSurvey::FlashSurvey(const FlashImage& surveyed) : image(surveyed), checksums(surveyed.bytes()) {
-    readHeader();
-    if (managementHeader) {
-        walkChain();
-        checkUids();
-        checkOverlaps();
-        measureFreeSpace();
+/// The walk over one image, and what it has found so far.
+class Surveyor {
+public:
+    explicit Surveyor(const FlashImage& surveyed)
+        : image(surveyed), checksums(surveyed.bytes()), chain(result.blocks) {
+        result.area = surveyed.area();
+        readHeader();
+        if (result.header) {
+            walkChain();
+            checkUids();
+            checkOverlaps();
+            measureFreeSpace();
+        }
+        findUnreachable();
     }
-    findUnreachable();
-}
 
-bool FlashSurvey::isFaulty() const {
-    return std::any_of(found.begin(), found.end(), [](const Finding& finding) { return finding.isFault; });
-}
+    [[nodiscard]] FlashSurvey take() { return std::move(result); }
 
-const Finding* FlashSurvey::structuralFault() const {
-    const auto first = std::find_if(found.begin(), found.end(), [](const Finding& finding) {
-        return finding.isFault && isStructural(finding.kind);
-    });
-    return first == found.end() ? nullptr : &*first;
-}
+private:
+    struct SectionFault {
+        FindingKind kind;
+        std::string text;
+    };
 
-View FlashSurvey::at(std::uint64_t address, std::uint64_t length) const {
+    [[nodiscard]] View at(std::uint64_t address, std::uint64_t length) const;
+    [[nodiscard]] std::uint16_t crcOf(std::uint64_t address, std::uint64_t length) const;
+    void note(FindingKind kind, std::uint32_t address, std::string text) {
+        add(kind, address, false, std::move(text));
+    }
+    void fault(FindingKind kind, std::uint32_t address, std::string text) {
+        add(kind, address, true, std::move(text));
+    }
+    void add(FindingKind kind, std::uint32_t address, bool isFault, std::string text);
+
+    void readHeader();
+    [[nodiscard]] bool checkHeader(const SurveyedHeader& read, std::uint16_t computed);
+    void walkChain();
+    [[nodiscard]] std::optional<SurveyedBlock> readBlock(std::uint32_t address);
+    void readContainerHeader(SurveyedBlock& block);
+    [[nodiscard]] std::optional<SectionFault> sectionFault(std::uint64_t address, std::uint64_t length) const;
+    [[nodiscard]] SurveyedSection wholeSection(std::uint64_t address) const;
+    void readSection(SurveyedBlock& block);
+    void checkRecords(const SurveyedSection& section);
+    void checkUids();
+    void checkOverlaps();
+    void measureFreeSpace();
+    [[nodiscard]] bool isWholeSection(std::uint64_t address) const;
+    void noteOrphan(std::uint64_t address, bool isCut);
+    void findUnreachable();
+
+    const FlashImage& image;
+    const StretchChecksums checksums;
+    FlashSurvey result;
+    std::vector<SurveyedBlock>& chain; ///< of the result
+};
+
+View Surveyor::at(std::uint64_t address, std::uint64_t length) const {
     return View(image.bytes()).subspan(address - image.area().start, length);
 }
 
-std::uint16_t FlashSurvey::crcOf(std::uint64_t address, std::uint64_t length) const {
+std::uint16_t Surveyor::crcOf(std::uint64_t address, std::uint64_t length) const {
     return checksums.of(address - image.area().start, length);
 }
 
-void FlashSurvey::add(FindingKind kind, std::uint32_t address, bool isFault, std::string text) {
-    found.push_back({kind, address, isFault, std::move(text)});
+void Surveyor::add(FindingKind kind, std::uint32_t address, bool isFault, std::string text) {
+    result.findings.push_back({kind, address, isFault, std::move(text)});
 }
 
-void FlashSurvey::readHeader() {
+void Surveyor::readHeader() {
     const FlashArea& area = image.area();
     if (area.size < HEADER_SIZE)
         return fault(FindingKind::AreaTooSmall, area.start,
@@ -127,10 +150,10 @@ void FlashSurvey::readHeader() {
     read.firstBlock = reader.readU32();
     read.crc = reader.readU16();
     if (checkHeader(read, crcOf(area.headerAddress(), HEADER_SIZE - CRC_SIZE)))
-        managementHeader = read;
+        result.header = read;
 }
 
-bool FlashSurvey::checkHeader(const SurveyedHeader& read, std::uint16_t computed) {
+bool Surveyor::checkHeader(const SurveyedHeader& read, std::uint16_t computed) {
     std::string reason;
     if (read.strategy != ROM::ChunkedMemoryManagementHeader::STRATEGY)
         reason = Format("the management header has strategy %, not 1") % unsigned{read.strategy};
@@ -154,15 +177,15 @@ bool FlashSurvey::checkHeader(const SurveyedHeader& read, std::uint16_t computed
     return true;
 }
 
-void FlashSurvey::walkChain() {
+void Surveyor::walkChain() {
     std::set<std::uint32_t> seen;
     std::uint64_t claimed = 0;
     bool isLost = false; // what stands in a block, though the links lead past it
-    std::uint32_t address = managementHeader->firstBlock;
+    std::uint32_t address = result.header->firstBlock;
     if (address == 0)
         fault(FindingKind::ContainerHeader, image.area().headerAddress(),
               "there is no container: the chain is empty");
-    isChainBroken = true; // until its end has been seen
+    result.isChainBroken = true; // until its end has been seen
     while (address != 0) {
         if (!seen.insert(address).second)
             return fault(FindingKind::Cycle, chain.back().address,
@@ -184,10 +207,10 @@ void FlashSurvey::walkChain() {
         address = block->next;
         chain.push_back(*std::move(block));
     }
-    isChainBroken = isLost;
+    result.isChainBroken = isLost;
 }
 
-std::optional<SurveyedBlock> FlashSurvey::readBlock(std::uint32_t address) {
+std::optional<SurveyedBlock> Surveyor::readBlock(std::uint32_t address) {
     const std::uint32_t linkedFrom = chain.empty() ? image.area().headerAddress() : chain.back().address;
     if (!image.area().holds(address, BLOCK_HEADER_SIZE)) {
         fault(FindingKind::LinkOutside, linkedFrom, "the link to " + hex(address) + " leaves the area");
@@ -207,7 +230,7 @@ std::optional<SurveyedBlock> FlashSurvey::readBlock(std::uint32_t address) {
         fault(FindingKind::BlockHeader, address,
               Format("a block of % bytes is smaller than its header") % block.allocatedSize);
     else {
-        const std::uint64_t chunk = managementHeader->chunkSize;
+        const std::uint64_t chunk = result.header->chunkSize;
         block.chunkBytes = (block.allocatedSize + chunk - 1) / chunk * chunk;
         block.isOutside = !image.area().holds(address, block.allocatedSize);
         if (block.isOutside)
@@ -222,7 +245,7 @@ std::optional<SurveyedBlock> FlashSurvey::readBlock(std::uint32_t address) {
     return std::nullopt;
 }
 
-void FlashSurvey::readContainerHeader(SurveyedBlock& block) {
+void Surveyor::readContainerHeader(SurveyedBlock& block) {
     if (block.isOutside)
         return;
     const View bytes = at(block.address, block.allocatedSize).subspan(BLOCK_HEADER_SIZE);
@@ -244,8 +267,8 @@ void FlashSurvey::readContainerHeader(SurveyedBlock& block) {
 }
 
 /// Why the bytes are no whole section, and whether it is the data that is wrong; nothing when they are one.
-std::optional<FlashSurvey::SectionFault> FlashSurvey::sectionFault(std::uint64_t address,
-                                                                   std::uint64_t length) const {
+std::optional<Surveyor::SectionFault> Surveyor::sectionFault(std::uint64_t address,
+                                                             std::uint64_t length) const {
     if (length < ROM::Section::MIN_SIZE)
         return SectionFault{FindingKind::SectionHeader, Format("% bytes are too few for a section") %
                                                             static_cast<unsigned long long>(length)};
@@ -271,7 +294,7 @@ std::optional<FlashSurvey::SectionFault> FlashSurvey::sectionFault(std::uint64_t
 }
 
 /// Only where there is no fault.
-SurveyedSection FlashSurvey::wholeSection(std::uint64_t address) const {
+SurveyedSection Surveyor::wholeSection(std::uint64_t address) const {
     const SectionHeader header = sectionHeader(at(address, DATA_OFFSET));
     const View data = at(address + DATA_OFFSET, header.length - ROM::Section::MIN_SIZE);
     return {static_cast<std::uint32_t>(address),
@@ -281,7 +304,7 @@ SurveyedSection FlashSurvey::wholeSection(std::uint64_t address) const {
             bigEndian16(at(address + header.length - CRC_SIZE, CRC_SIZE))};
 }
 
-void FlashSurvey::readSection(SurveyedBlock& block) {
+void Surveyor::readSection(SurveyedBlock& block) {
     if (block.isOutside)
         return;
     const std::uint32_t address = block.address + BLOCK_HEADER_SIZE;
@@ -291,7 +314,7 @@ void FlashSurvey::readSection(SurveyedBlock& block) {
     checkRecords(*block.section);
 }
 
-void FlashSurvey::checkRecords(const SurveyedSection& section) {
+void Surveyor::checkRecords(const SurveyedSection& section) {
     const std::string name = "section " + std::to_string(section.uid);
     if (section.uid == 0)
         fault(FindingKind::ZeroUid, section.address, "a section has the uid 0, which cannot be written");
@@ -320,7 +343,7 @@ void FlashSurvey::checkRecords(const SurveyedSection& section) {
                   static_cast<unsigned long long>(split.trailing.size()));
 }
 
-void FlashSurvey::checkUids() {
+void Surveyor::checkUids() {
     std::map<std::uint16_t, std::uint32_t> places;
     for (const SurveyedBlock& block : chain) {
         if (!block.section)
@@ -333,7 +356,7 @@ void FlashSurvey::checkUids() {
     }
 }
 
-void FlashSurvey::checkOverlaps() {
+void Surveyor::checkOverlaps() {
     struct Range {
         std::uint64_t begin, end, chunksEnd;
         const char* name;
@@ -363,36 +386,37 @@ void FlashSurvey::checkOverlaps() {
     }
 }
 
-void FlashSurvey::measureFreeSpace() {
+void Surveyor::measureFreeSpace() {
     const FlashArea& area = image.area();
     std::vector<std::pair<std::uint64_t, std::uint64_t>> taken;
     for (const SurveyedBlock& block : chain)
         taken.emplace_back(block.address, block.address + block.chunkBytes);
     std::sort(taken.begin(), taken.end());
     // With the header at the start the size is taken for the address where the last gap ends.
-    const std::uint64_t end = area.headerAtStart ? managementHeader->availableSize : area.headerAddress();
+    const std::uint64_t end = area.headerAtStart ? result.header->availableSize : area.headerAddress();
     taken.emplace_back(end, end);
     std::uint64_t begin = area.start + (area.headerAtStart ? HEADER_SIZE : 0);
     for (const auto& [from, to] : taken) {
         const std::uint64_t gap =
-            from > begin ? (from - begin) / managementHeader->chunkSize * managementHeader->chunkSize : 0;
+            from > begin ? (from - begin) / result.header->chunkSize * result.header->chunkSize : 0;
         if (gap > 0) {
-            room.gaps.emplace_back(static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(gap));
-            room.bytes += gap;
-            room.largestGap = std::max(room.largestGap, gap);
+            result.freeSpace.gaps.emplace_back(static_cast<std::uint32_t>(begin),
+                                               static_cast<std::uint32_t>(gap));
+            result.freeSpace.bytes += gap;
+            result.freeSpace.largestGap = std::max(result.freeSpace.largestGap, gap);
         }
         begin = std::max(begin, to);
     }
 }
 
-bool FlashSurvey::isWholeSection(std::uint64_t address) const {
+bool Surveyor::isWholeSection(std::uint64_t address) const {
     const std::uint64_t end = image.area().end();
     return address < end && at(address, 1)[0] == ROM::Section::SECTION_MARKER &&
            !sectionFault(address, end - address);
 }
 
 /// A block header where no link leads. One in front of a whole section goes without saying.
-void FlashSurvey::noteOrphan(std::uint64_t address, bool isCut) {
+void Surveyor::noteOrphan(std::uint64_t address, bool isCut) {
     if (!image.area().holds(address, BLOCK_HEADER_SIZE) || isWholeSection(address + BLOCK_HEADER_SIZE))
         return;
     BigEndianReader reader(at(address, BLOCK_HEADER_SIZE));
@@ -405,7 +429,7 @@ void FlashSurvey::noteOrphan(std::uint64_t address, bool isCut) {
         Format("no link leads to the block of % bytes, and it holds no whole section") % size);
 }
 
-void FlashSurvey::findUnreachable() {
+void Surveyor::findUnreachable() {
     std::map<std::uint64_t, std::uint64_t> reached; // first byte and end of each section that a link leads to
     std::set<std::uint64_t> linked;
     for (const SurveyedBlock& block : chain) {
@@ -413,7 +437,7 @@ void FlashSurvey::findUnreachable() {
         if (block.section)
             reached[block.address] = std::uint64_t{block.address} + block.allocatedSize;
     }
-    const bool cutOff = isCutOff();
+    const bool cutOff = result.isCutOff();
     for (std::uint64_t address = image.area().start; address < image.area().end(); ++address) {
         const auto known = reached.find(address);
         if (known != reached.end()) {
@@ -424,13 +448,49 @@ void FlashSurvey::findUnreachable() {
             noteOrphan(address, cutOff);
         if (!isWholeSection(address))
             continue;
-        lost.push_back(wholeSection(address));
-        const SurveyedSection& section = lost.back();
+        result.unreachable.push_back(wholeSection(address));
+        const SurveyedSection& section = result.unreachable.back();
         add(FindingKind::Unreachable, section.address, cutOff,
             sectionText(section.uid, section.content) +
                 (cutOff ? " is whole, but no link leads to it" : " was erased; its bytes are still there"));
         address += ROM::Section::MIN_SIZE + section.content.data.size() - 1;
     }
 }
+
+} // namespace
+
+bool isStructural(FindingKind kind) noexcept { return kind < FindingKind::ZeroUid; }
+
+const char* findingKindName(FindingKind kind) noexcept {
+    constexpr std::array<const char*, 19> names{
+        "areaTooSmall",  "notFormatted",  "managementHeader", "containerHeader",
+        "linkOutside",   "blockHeader",   "blockOutside",     "cycle",
+        "chainOrder",    "overlap",       "sectionHeader",    "sectionData",
+        "unreachable",   "zeroUid",       "duplicateUid",     "unknownType",
+        "unknownRecord", "damagedRecord", "otherVersion"};
+    return names[static_cast<std::size_t>(kind)];
+}
+
+bool FlashSurvey::isFaulty() const {
+    return std::any_of(findings.begin(), findings.end(),
+                       [](const Finding& finding) { return finding.isFault; });
+}
+
+const Finding* FlashSurvey::structuralFault() const {
+    const auto first = std::find_if(findings.begin(), findings.end(), [](const Finding& finding) {
+        return finding.isFault && isStructural(finding.kind);
+    });
+    return first == findings.end() ? nullptr : &*first;
+}
+
+FlashContent FlashSurvey::linkedContent() const {
+    FlashContent content;
+    for (const SurveyedBlock& block : blocks)
+        if (block.section)
+            content[block.section->uid] = block.section->content; // of two with one uid the later one counts
+    return content;
+}
+
+FlashSurvey surveyOf(const FlashImage& image) { return Surveyor(image).take(); }
 
 } // namespace Zentara::Host

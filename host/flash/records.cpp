@@ -4,6 +4,8 @@
 #include <cmath>
 #include <string>
 
+#include <zentara/rom/serialized_data_block.h>
+
 #include "host/float_text.h"
 #include "rom/big_endian_reader.h"
 #include "rom/big_endian_writer.h"
@@ -12,10 +14,12 @@ namespace Zentara::Host {
 namespace {
 
 using Kind = RecordFieldKind;
+using Marker = ROM::TypeMarker;
+using Section = ROM::ContainerSectionType;
 using ROM::BigEndianReader;
 using ROM::BigEndianWriter;
 
-constexpr std::size_t RECORD_HEADER_SIZE = 1 + 1 + 4;
+constexpr std::size_t RECORD_HEADER_SIZE = ROM::SerializedDataBlock::MIN_SIZE;
 constexpr std::size_t MAX_COUNT = 255;
 constexpr const char* guidHint = "expected a GUID such as 1024966D-1634-4756-9ABC-999791591F45";
 
@@ -26,26 +30,44 @@ const std::vector<RecordLayout>& layouts() {
         {"p1", Kind::Float},  {"p2", Kind::Float},   {"k3", Kind::Float}};
     static const std::vector<RecordField> algorithm{{"algorithm", Kind::U8}, {"values", Kind::CountedFloats}};
     static const std::vector<RecordLayout> all{
-        {1, 1, "systemInfo", {{"guid", Kind::Guid}}},
-        {128, 1, "hardwareInfo", {{"qvgaDepthType", Kind::U8}, {"lensType", Kind::U8}}},
-        {16, 2, "depthIntrinsics", lens},
-        {17, 2, "colorIntrinsics", lens},
-        {18, 2, "extrinsics", {{"rotation", Kind::Floats9}, {"translation", Kind::Floats3}}},
-        {33, 2, "accelerometer", {{"x", Kind::Float}, {"y", Kind::Float}, {"z", Kind::Float}}},
-        {34, 3, "temperatureCalibration", {{"values", Kind::CountedFloats}}},
-        {64, 3, "phaseOffset", {{"offset", Kind::I16}}},
-        {65, 3, "phaseOffset2", {{"offset", Kind::I16}}},
-        {66, 3, "temperatureCompensation", algorithm},
-        {67, 3, "cyclicErrorCorrection", algorithm},
-        {32, 4, "overheating", {{"softCounter", Kind::U8}, {"hardCounter", Kind::U8}}},
-        {68,
-         5,
+        {Marker::SystemInfoData, Section::SystemInfo, "systemInfo", {{"guid", Kind::Guid}}},
+        {Marker::ZT536HardwareInfoData,
+         Section::SystemInfo,
+         "hardwareInfo",
+         {{"qvgaDepthType", Kind::U8}, {"lensType", Kind::U8}}},
+        {Marker::DepthIntrinsicsData, Section::SystemCalibration, "depthIntrinsics", lens},
+        {Marker::ColorIntrinsicsData, Section::SystemCalibration, "colorIntrinsics", lens},
+        {Marker::ExtrinsicsData,
+         Section::SystemCalibration,
+         "extrinsics",
+         {{"rotation", Kind::Floats9}, {"translation", Kind::Floats3}}},
+        {Marker::AccelerometerCalibrationData,
+         Section::SystemCalibration,
+         "accelerometer",
+         {{"x", Kind::Float}, {"y", Kind::Float}, {"z", Kind::Float}}},
+        {Marker::TemperatureCalibrationData,
+         Section::Configuration,
+         "temperatureCalibration",
+         {{"values", Kind::CountedFloats}}},
+        {Marker::PhaseOffset, Section::Configuration, "phaseOffset", {{"offset", Kind::I16}}},
+        {Marker::PhaseOffset2, Section::Configuration, "phaseOffset2", {{"offset", Kind::I16}}},
+        {Marker::TemperatureCompensationData, Section::Configuration, "temperatureCompensation", algorithm},
+        {Marker::CyclicErrorCorrectionData, Section::Configuration, "cyclicErrorCorrection", algorithm},
+        {Marker::OverheatingDiagnosticData,
+         Section::Diagnostic,
+         "overheating",
+         {{"softCounter", Kind::U8}, {"hardCounter", Kind::U8}}},
+        {Marker::GradientDistortionCorrectionHeader,
+         Section::GradientDistortionCorrection,
          "correctionHeader",
          {{"versionNumber", Kind::U16},
           {"timeOfLastWrite", Kind::U32},
           {"numberOfSets", Kind::U8},
           {"serialId", Kind::Text}}},
-        {69, 5, "correctionTable", {{"modulationFrequency", Kind::U16}, {"values", Kind::CountedBytes}}},
+        {Marker::GradientDistortionCorrectionData,
+         Section::GradientDistortionCorrection,
+         "correctionTable",
+         {{"modulationFrequency", Kind::U16}, {"values", Kind::CountedBytes}}},
     };
     return all;
 }
@@ -167,14 +189,14 @@ void writeField(BigEndianWriter& writer, Kind kind, const JsonPlace& place) {
 
 const RecordLayout* recordLayout(std::uint8_t sectionType, std::uint8_t marker) {
     const auto found = std::find_if(layouts().begin(), layouts().end(), [&](const RecordLayout& layout) {
-        return layout.sectionType == sectionType && layout.marker == marker;
+        return layout.isIn(sectionType) && static_cast<std::uint8_t>(layout.marker) == marker;
     });
     return found == layouts().end() ? nullptr : &*found;
 }
 
 const RecordLayout* recordLayout(std::uint8_t sectionType, const std::string& name) {
     const auto found = std::find_if(layouts().begin(), layouts().end(), [&](const RecordLayout& layout) {
-        return layout.sectionType == sectionType && layout.name == name;
+        return layout.isIn(sectionType) && layout.name == name;
     });
     return found == layouts().end() ? nullptr : &*found;
 }

@@ -5,9 +5,12 @@
 #include <span>
 #include <vector>
 
-#include "host/flash/json_place.h"
-#include "host/hex_bytes.h"
 #include "host/json.h"
+#include "host/json_place.h"
+#include <zentara/host/hex_bytes.h>
+#include <zentara/rom/section.h>
+#include <zentara/rom/system_info_data.h>
+#include <zentara/rom/type_marker.h>
 
 namespace Zentara::Host {
 
@@ -33,10 +36,14 @@ struct RecordField {
 
 /// What a record of one marker holds.
 struct RecordLayout {
-    std::uint8_t marker;
-    std::uint8_t sectionType; ///< where it belongs
+    ROM::TypeMarker marker;
+    ROM::ContainerSectionType sectionType; ///< where it belongs
     const char* name;
     std::vector<RecordField> fields;
+
+    [[nodiscard]] bool isIn(std::uint8_t type) const {
+        return static_cast<std::uint8_t>(sectionType) == type;
+    }
 };
 
 /// Null for a record that sections of that type do not have.
@@ -44,7 +51,7 @@ struct RecordLayout {
 [[nodiscard]] const RecordLayout* recordLayout(std::uint8_t sectionType, const std::string& name);
 
 /// The version of every record that has a layout.
-inline constexpr std::uint8_t RECORD_VERSION = 1;
+inline constexpr std::uint8_t RECORD_VERSION = ROM::SystemInfoData::VERSION;
 
 /// A record as it lies in a section's data.
 struct RawRecord {
@@ -63,7 +70,7 @@ void appendRecord(Bytes& data, const RawRecord& record);
 
 /// The fields of a record; nothing when the data is too short for them. Surplus data is left out.
 [[nodiscard]] std::optional<Json> decodeFields(const RecordLayout& layout, const Bytes& data);
-/// The data of a record. \throws JsonPlaceError naming the field that is missing, surplus or wrong.
+/// The data of a record. \throws JsonError naming the field that is missing, surplus or wrong.
 [[nodiscard]] Bytes encodeFields(const RecordLayout& layout, const JsonPlace& fields);
 
 } // namespace Zentara::Host

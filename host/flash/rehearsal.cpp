@@ -1,14 +1,12 @@
 #include "host/flash/rehearsal.h"
 
 #include <algorithm>
-#include <sstream>
 
+#include <zentara/host/flash_survey.h>
 #include <zentara/rom/section.h>
 #include <zentara/utils/format.h>
 
-#include "host/flash/content_json.h"
-#include "host/flash/flash_survey.h"
-#include "host/json_differences.h"
+#include "host/flash/storage.h"
 
 namespace Zentara::Host {
 namespace {
@@ -45,7 +43,7 @@ std::vector<std::string> lossesOf(FlashImage& image, const FlashContent& wanted)
     for (const auto& [uid, section] : found)
         if (wanted.count(uid) == 0)
             losses.push_back(sectionText(uid, section) + " would appear");
-    const FlashSurvey survey(image);
+    const FlashSurvey survey = surveyOf(image);
     if (const Finding* fault = survey.structuralFault(); fault && losses.empty())
         losses.push_back(fault->text);
     return losses;
@@ -86,51 +84,14 @@ void fill(Rehearsal& rehearsal, const FlashContent& wanted) try {
     rehearsal.refusal = {failure.type(), failure.message()};
 }
 
-constexpr const char* kindNames[] = {"added", "replaced", "erased"};
-
 } // namespace
-
-std::vector<std::string> ContentChange::lines() const {
-    std::vector<std::string> all{text};
-    std::istringstream list(differencesText(values));
-    for (std::string line; std::getline(list, line);)
-        all.push_back("  " + line);
-    return all;
-}
-
-Json ContentChange::json() const {
-    return {{"uid", uid}, {"kind", kindNames[static_cast<int>(kind)]}, {"text", text}, {"values", values}};
-}
-
-std::vector<ContentChange> changesBetween(const FlashContent& before, const FlashContent& after) {
-    std::vector<ContentChange> changes;
-    for (const auto& [uid, section] : before)
-        if (after.count(uid) == 0)
-            changes.push_back(
-                {ContentChange::Kind::Erased, uid, sectionText(uid, section) + " is erased", Json::array()});
-    for (const auto& [uid, section] : after) {
-        const auto found = before.find(uid);
-        if (found == before.end())
-            changes.push_back(
-                {ContentChange::Kind::Added, uid, sectionText(uid, section) + " is added", Json::array()});
-        else if (!(found->second == section))
-            changes.push_back(
-                {ContentChange::Kind::Replaced, uid,
-                 sectionText(uid, found->second) +
-                     (sectionText(uid, found->second) == sectionText(uid, section)
-                          ? " changes"
-                          : " is replaced by " + sectionText(uid, section)),
-                 differencesBetween(sectionToJson(uid, found->second), sectionToJson(uid, section))});
-    }
-    return changes;
-}
 
 Rehearsal rehearse(const FlashImage& before, const FlashContent& wanted, bool formats) {
     Rehearsal rehearsal{before, {}, {}, {}};
-    const FlashSurvey survey(before);
+    const FlashSurvey survey = surveyOf(before);
     const Finding* fault = survey.structuralFault();
     const bool isEmpty =
-        fault && survey.unreachable().empty() &&
+        fault && survey.unreachable.empty() &&
         (fault->kind == FindingKind::NotFormatted || fault->kind == FindingKind::ContainerHeader);
     if (fault && !(formats && isEmpty)) {
         rehearsal.losses.push_back(
@@ -148,10 +109,10 @@ Rehearsal rehearse(const FlashImage& before, const FlashContent& wanted, bool fo
 }
 
 Rehearsal rebuild(const FlashImage& before, const FlashContent& wanted) {
-    const FlashSurvey survey(before);
+    const FlashSurvey survey = surveyOf(before);
     FlashArea area = before.area();
-    if (survey.header())
-        area.chunkSize = survey.header()->chunkSize;
+    if (survey.header)
+        area.chunkSize = survey.header->chunkSize;
     while (true) {
         Rehearsal rehearsal{FlashImage(area), {}, {}, {}};
         fill(rehearsal, wanted);

@@ -4,28 +4,10 @@
 #include <string>
 #include <vector>
 
+#include <zentara/host/flash_content.h>
 #include <zentara/plugin/plugin_exceptions.h>
 
-#include "host/flash/flash_content.h"
-#include "host/flash/flash_image.h"
-#include "host/json.h"
-
 namespace Zentara::Host {
-
-/// One section that a change adds, replaces or erases.
-struct ContentChange {
-    enum class Kind { Added, Replaced, Erased };
-    Kind kind;
-    std::uint16_t uid;
-    std::string text;            ///< "section 3 (configuration, 39 bytes) is added"
-    Json values = Json::array(); ///< of one that is replaced, as differencesBetween() has them
-
-    /// The text, and below it a line for each value.
-    [[nodiscard]] std::vector<std::string> lines() const;
-    [[nodiscard]] Json json() const;
-};
-[[nodiscard]] std::vector<ContentChange> changesBetween(const FlashContent& before,
-                                                        const FlashContent& after);
 
 /// What came of a change that was tried on a copy in memory.
 struct Rehearsal {

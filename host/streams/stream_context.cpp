@@ -11,7 +11,7 @@ namespace Zentara::Host {
 namespace {
 
 constexpr double twoPi = 6.283185307179586;
-constexpr std::size_t phaseWheel = 65536;
+constexpr std::size_t phaseSteps = 65536;
 
 } // namespace
 
@@ -55,12 +55,12 @@ const std::vector<float>& StreamContext::harmonics() const {
     std::call_once(harmonicsMade, [this] {
         const ModeCorrections* const mode = correctionsOf(info);
         const std::vector<float>& parameters = mode->cyclicParameters;
-        std::vector<float> made(phaseWheel);
-        for (std::size_t step = 0; step < phaseWheel; ++step) {
+        std::vector<float> made(phaseSteps);
+        for (std::size_t step = 0; step < phaseSteps; ++step) {
             double sum = parameters.empty() ? 0 : parameters[0];
             for (std::size_t i = 1; i < parameters.size(); ++i) {
                 const double angle =
-                    twoPi * static_cast<double>(((i + 1) / 2 * step) % phaseWheel) / phaseWheel;
+                    twoPi * static_cast<double>(((i + 1) / 2 * step) % phaseSteps) / phaseSteps;
                 sum += parameters[i] * (i % 2 == 1 ? std::cos(angle) : std::sin(angle));
             }
             made[step] = static_cast<float>(sum);

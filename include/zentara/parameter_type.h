@@ -26,7 +26,4 @@ enum ParameterType : std::int32_t {
     ParameterType_INT_15 = 15,
 };
 
-/// The numbers run from 0 to this one.
-inline constexpr ParameterType lastParameterType = ParameterType_INT_15;
-
 } // namespace Zentara

@@ -22,6 +22,7 @@ using Utils::Format;
 constexpr NodeType nodeTypes[] = {NodeType_DEPTH, NodeType_COLOR, NodeType_AUDIO};
 constexpr std::uint64_t lastCapability = 0x7FFFFFFF;
 constexpr std::uint64_t lastProfile = 0x7FFFFFFF;
+constexpr std::uint64_t lastParameter = ParameterType_INT_15;
 
 ModuleIdInternal readModule(const JsonValue& value) {
     JsonFields fields(value);
@@ -94,13 +95,13 @@ NodeType readNodeType(const JsonValue& value) {
 
 /// A number alone, or an object that names it as well.
 void readParameters(const JsonValue& list, NodeDescription& node) {
-    for (const JsonValue& value : list.list(lastParameterType + 1)) {
+    for (const JsonValue& value : list.list(lastParameter + 1)) {
         std::string name;
         const auto numberOf = [&] {
             if (!value.isObject())
-                return value.whole(0, lastParameterType);
+                return value.whole(0, lastParameter);
             JsonFields fields(value);
-            const std::uint64_t number = fields.need("number").whole(0, lastParameterType);
+            const std::uint64_t number = fields.need("number").whole(0, lastParameter);
             name = fields.need("name").name();
             fields.finish();
             return number;

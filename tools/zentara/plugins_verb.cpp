@@ -46,6 +46,29 @@ struct Inventory {
     std::vector<RefusedFile> refused;
 };
 
+const char* kindOf(std::int32_t type) noexcept {
+    switch (type) {
+    case Core::ImplType_DEPTH_NODE:
+        return "depth node";
+    case Core::ImplType_COLOR_NODE:
+        return "colour node";
+    case Core::ImplType_AUDIO_NODE:
+        return "audio node";
+    case Core::ImplType_AUDIO_DEVICE:
+        return "audio device";
+    case Core::ImplType_VIDEO_DEVICE:
+        return "video device";
+    case Core::ImplType_ENUMERATOR:
+        return "enumerator";
+    case Core::ImplType_DESCRIPTOR_STORE:
+        return "descriptor store";
+    case Core::ImplType_PARAMETER_INTERPRETER:
+        return "parameter interpreter";
+    default:
+        return "unknown";
+    }
+}
+
 std::string remedyFor(const PluginProbe& probe) {
     switch (probe.step) {
     case PluginScanStep::Name:
@@ -170,7 +193,7 @@ Json toJson(const PluginProbe& probe) {
     return {{"name", orNull(guidName(probe.guid))},
             {"guid", guidText(probe.guid)},
             {"type", probe.type},
-            {"kind", Core::pluginKindName(probe.type)},
+            {"kind", kindOf(probe.type)},
             {"version", dotted(probe.pluginVersion)},
             {"sdkVersion", dotted(probe.sdkVersion)},
             {"path", probe.path}};
@@ -212,8 +235,8 @@ void printRegistered(std::ostream& out, const std::vector<PluginProbe>& plugins)
     };
     row("NAME", "GUID", "KIND", "VERSION", "SDK", "PATH");
     for (const PluginProbe& probe : plugins)
-        row(nameOrDash(probe.guid), guidText(probe.guid), Core::pluginKindName(probe.type),
-            dotted(probe.pluginVersion), dotted(probe.sdkVersion), Utils::visibleText(probe.path));
+        row(nameOrDash(probe.guid), guidText(probe.guid), kindOf(probe.type), dotted(probe.pluginVersion),
+            dotted(probe.sdkVersion), Utils::visibleText(probe.path));
 }
 
 void printRefused(std::ostream& out, const std::vector<RefusedFile>& files) {

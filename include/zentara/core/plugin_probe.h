@@ -45,9 +45,6 @@ struct PluginProbe {
 /// "pluginVersion", "sdkVersion", "accepted"; "unknown" for any other value. Safe.
 [[nodiscard]] ZENTARA_API const char* pluginScanStepName(PluginScanStep step) noexcept;
 
-/// What people call a kind, "enumerator"; "unknown" for any number that is not one of 1 to 6, 8 and 9. Safe.
-[[nodiscard]] ZENTARA_API const char* pluginKindName(std::int32_t type) noexcept;
-
 /// The ending of plug-in files, without the dot: "dll" on Windows, "so" elsewhere. Safe.
 [[nodiscard]] ZENTARA_API const char* pluginFileExtension() noexcept;
 

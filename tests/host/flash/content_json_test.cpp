@@ -1,14 +1,16 @@
 #include <random>
 
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
 
+#include <zentara/host/failure.h>
+#include <zentara/host/flash_content.h>
 #include <zentara/rom/configuration.h>
 #include <zentara/rom/gradient_distortion_correction.h>
 #include <zentara/rom/section.h>
 #include <zentara/rom/system_calibration.h>
 #include <zentara/rom/system_info.h>
 
-#include "host/flash/content_json.h"
 #include "host/flash/records.h"
 
 namespace Zentara::Host {
@@ -21,9 +23,7 @@ FlashSection sectionOf(const ROM::Object& object) {
 }
 
 /// Through the text, as a file holds it.
-FlashContent passedOn(const FlashContent& content) {
-    return contentFromJson(parseJson(contentToJson(content).dump(2)));
-}
+FlashContent passedOn(const FlashContent& content) { return contentFromJson(toJson(content), "a text"); }
 
 TEST(RomJson, NamesTheFieldsThatTheLibraryWrites) {
     const ROM::SystemInfo info(ROM::SystemInfoData({0x12345678, 0x9ABC, 0xDEF0, {1, 2, 3, 4, 5, 6, 7, 8}}),
@@ -57,7 +57,8 @@ TEST(RomJson, NamesTheFieldsThatTheLibraryWrites) {
     };
     for (const auto& row : rows) {
         const FlashSection section = sectionOf(row.object);
-        EXPECT_EQ(sectionToJson(9, section)["records"].dump(), Json::parse(row.records).dump());
+        EXPECT_EQ(nlohmann::ordered_json::parse(toJson(9, section))["records"].dump(),
+                  nlohmann::ordered_json::parse(row.records).dump());
         EXPECT_EQ(passedOn({{9, section}}), (FlashContent{{9, section}}));
     }
 }
@@ -90,7 +91,7 @@ TEST(RomJson, KeepsWhatFieldsCannotSayAsHexadecimalDigits) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
         const FlashSection section{row.type, 0, fromHex(row.data).value()};
-        EXPECT_THAT(sectionToJson(1, section).dump(), HasSubstr(row.json));
+        EXPECT_THAT(nlohmann::ordered_json::parse(toJson(1, section)).dump(), HasSubstr(row.json));
         EXPECT_EQ(passedOn({{1, section}}), (FlashContent{{1, section}}));
     }
 }
@@ -113,7 +114,7 @@ TEST(RomJson, LosesNothingOfAnyBytes) {
         const FlashContent content{
             {static_cast<std::uint16_t>(random() % 65535 + 1),
              {static_cast<std::uint8_t>(random() % 7), static_cast<std::uint8_t>(random()), data}}};
-        ASSERT_EQ(passedOn(content), content) << contentToJson(content).dump(2);
+        ASSERT_EQ(passedOn(content), content) << toJson(content);
     }
 }
 
@@ -130,9 +131,10 @@ TEST(RomJson, NamesTheFieldThatIsWrong) {
          "/schema: expected a whole number from 1 to 1"},
         {R"({"schema":1,"kind":"soup","sections":[]})", "/kind: expected \"rom content\""},
         {R"({"schema":1,"kind":"rom content"})", "/sections: is missing"},
-        {R"({"schema":1,"schema":1,"kind":"rom content","sections":[]})", "/schema: the key stands twice"},
+        {R"({"schema":1,"schema":1,"kind":"rom content","sections":[]})",
+         "'a.json': /schema: the field \"schema\" stands twice"},
         {before + R"({"record":"overheating","softCounter":1},{"marker":1,"version":1,"marker":2}]}]})",
-         "/sections/0/records/1/marker: the key stands twice"},
+         "/sections/0/records/1/marker: the field \"marker\" stands twice"},
         {R"({"schema":1,"kind":"rom content","sections":[],"more":1})", "/more: no such field"},
         {R"({"schema":1,"kind":"rom content","sections":[{"uid":0}]})",
          "/sections/0/uid: expected a whole number from 1 to 65535"},
@@ -166,9 +168,9 @@ TEST(RomJson, NamesTheFieldThatIsWrong) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.text);
         try {
-            static_cast<void>(contentFromJson(parseJson(row.text)));
+            static_cast<void>(contentFromJson(row.text, "a.json"));
             ADD_FAILURE() << "accepted";
-        } catch (const JsonPlaceError& failure) {
+        } catch (const Failure& failure) {
             EXPECT_THAT(failure.what(), HasSubstr(row.message));
         }
     }

@@ -1,23 +1,14 @@
-#include <atomic>
-#include <cstdlib>
 #include <filesystem>
-#include <sstream>
 #include <string>
-#include <thread>
 #include <vector>
 
-#include <zentara/host/output_file.h>
-#include <zentara/utils/exceptions.h>
 #include <zentara/utils/files.h>
 
-#include "host/hex_bytes.h"
 #include "plugins/simulated/firmware/factory_flash.h"
 #include "plugins/simulated/simulated_bus.h"
-#include "support/program.h"
 #include "support/scoped_variable.h"
 #include "support/simulated_faults.h"
 #include "tools/tool_fixture.h"
-#include "tools/zentara/rom/rom_target.h"
 #include "tools/zentara/verb.h"
 
 namespace Zentara::Tool {
@@ -206,96 +197,6 @@ TEST_F(RomVerbs, ReplaceNoFileThatIsNeededStill) {
     EXPECT_EQ(Utils::readFile(other), "needed");
     EXPECT_EQ(Utils::readFile(image), before);
     done({"backup", file("same.bin", before), image});
-}
-
-TEST_F(RomVerbs, NoticeThatAnotherProgramChangedTheImage) {
-    std::ostringstream out;
-    Console console{out, out};
-    TargetOptions options;
-    options.image = image;
-    options.size = 64;
-    {
-        const auto created = RomTarget::create(options, false, console);
-        Utils::writeFile(image, "first");
-        EXPECT_THROW(created->store({{0, {1}}}), Failure);
-        EXPECT_EQ(Utils::readFile(image), "first");
-    }
-    options.size = 0;
-    {
-        const auto opened = RomTarget::openToWrite(options, false, console);
-        Utils::writeFile(image, "other");
-        EXPECT_THROW(opened->store({{0, {1}}}), Failure);
-        EXPECT_EQ(Utils::readFile(image), "other");
-    }
-    const auto stored = RomTarget::openToWrite(options, false, console);
-    refused({"set", "1", image, "--type", "4", "--hex", ""}, Failure::Busy, "is in use by another program");
-    stored->store({{0, {'O'}}});
-    Utils::writeFile(image, "rotten");
-    EXPECT_EQ(stored->load().bytes(), Bytes({'O', 't', 'h', 'e', 'r'}));
-}
-
-/// The second process of the tests below: the same program, with one of these tests.
-int runPeer(const std::string& test, const std::string& image) {
-    const TestSupport::ScopedVariable named("ZENTARA_TEST_IMAGE", image);
-    // Whichever share of the tests this process runs, the peer runs that one.
-    const TestSupport::ScopedVariable shares("GTEST_TOTAL_SHARDS", "1");
-    const TestSupport::ScopedVariable share("GTEST_SHARD_INDEX", "0");
-    return Tests::runProgram(
-        std::filesystem::path(testing::internal::GetArgvs().at(0)).filename(),
-        "--gtest_also_run_disabled_tests --gtest_brief=1 --gtest_filter=RomVerbs.DISABLED_" + test);
-}
-
-constexpr int savings = 300;
-
-/// Adds 1 to a byte of an image over and over, each time from what stands in the file.
-void saveOverAndOver(const std::string& image, std::uint32_t address) {
-    std::ostringstream out;
-    Console console{out, out};
-    TargetOptions options;
-    options.image = image;
-    for (int saved = 0; saved < savings;) {
-        try {
-            const auto target = RomTarget::openToWrite(options, false, console);
-            const auto before = target->load().bytes().at(address);
-            target->store({{address, {static_cast<std::uint8_t>(before + 1)}}});
-            ++saved;
-        } catch (const Failure& failure) {
-            ASSERT_EQ(failure.code(), Failure::Busy) << failure.what();
-        }
-    }
-}
-
-TEST_F(RomVerbs, DISABLED_SaveOverAndOver) {
-    saveOverAndOver(Utils::EnvironmentVariable("ZENTARA_TEST_IMAGE").getValue(), 1);
-}
-
-TEST_F(RomVerbs, DISABLED_DieInASaving) {
-    OutputFile file(Utils::EnvironmentVariable("ZENTARA_TEST_IMAGE").getValue());
-    file.write("half");
-    std::_Exit(9);
-}
-
-TEST_F(RomVerbs, LoseNothingToAnotherWriterNorShowAReaderHalf) {
-    const std::string whole = file("camera.bin", std::string(50000, 'w'));
-    EXPECT_EQ(runPeer("DieInASaving", whole), 9);
-    EXPECT_EQ(filesLeft().size(), 2U) << "the image, and what the dead writer left";
-    std::atomic<bool> isOver = false;
-    std::thread peer([&] { EXPECT_EQ(runPeer("SaveOverAndOver", whole), 0); });
-    std::thread here([&] { saveOverAndOver(whole, 0); });
-    std::thread reader([&] {
-        for (unsigned looks = 0; !isOver || looks < 10; ++looks)
-            try {
-                EXPECT_EQ(Utils::readFile(whole).size(), 50000U);
-            } catch (const Utils::UIOException&) { // Windows may refuse a file in the moment of its renaming
-            }
-    });
-    peer.join();
-    here.join();
-    isOver = true;
-    reader.join();
-    EXPECT_EQ(Utils::readFile(whole).substr(0, 3),
-              std::string(2, static_cast<char>(static_cast<std::uint8_t>('w' + savings))) + "w");
-    EXPECT_EQ(filesLeft(), std::vector<std::string>{whole});
 }
 
 TEST_F(RomVerbs, BackUpBesideTheImageAndRestore) {

@@ -2,12 +2,8 @@
 
 #include <CLI/CLI.hpp>
 
-#include <zentara/utils/format.h>
-
-#include "host/flash/rehearsal.h"
+#include "tools/zentara/rom/rom_target.h"
 #include "tools/zentara/rom/rom_verbs.h"
-#include "tools/zentara/rom/rom_write.h"
-#include "tools/zentara/rom/text_lines.h"
 
 namespace Zentara::Tool {
 namespace {
@@ -18,23 +14,37 @@ struct DiffOptions : TargetOptions {
 
 FlashContent contentOfImage(TargetOptions options, const std::string& image, Console& console) {
     options.image = image;
-    const auto target = RomTarget::open(options, console);
-    return loadContent(target->load(), *target);
+    Flash flash = openFlash(options, console);
+    return loadContent(flash, console);
+}
+
+Json changeJson(const SectionChange& change) {
+    constexpr const char* kinds[] = {"added", "replaced", "erased"};
+    Json values = Json::array();
+    for (const ValueChange& value : change.values)
+        values.push_back({{"path", value.path},
+                          {"before", Json::parse(value.before)},
+                          {"after", Json::parse(value.after)}});
+    return {{"uid", change.uid},
+            {"kind", kinds[static_cast<int>(change.kind)]},
+            {"text", change.text},
+            {"values", values}};
 }
 
 ExitCode runDiff(const DiffOptions& options, Console& console) {
     const FlashContent before = contentOfImage(options, options.image, console);
-    const FlashContent after = contentOfImage(options, options.other, console);
-    Json changes = Json::array();
-    for (const ContentChange& change : changesBetween(before, after)) {
-        changes.push_back(change.json());
-        for (const std::string& line : options.json ? std::vector<std::string>() : change.lines())
-            printLine(console.out, line);
-    }
+    const std::vector<SectionChange> changes =
+        changesBetween(before, contentOfImage(options, options.other, console));
     if (options.json) {
         Json json = beginJson(console);
-        json.update({{"equal", changes.empty()}, {"changes", changes}});
+        json.update({{"equal", changes.empty()}, {"changes", Json::array()}});
+        for (const SectionChange& change : changes)
+            json["changes"].push_back(changeJson(change));
         print(console.out, json);
+    } else {
+        for (const SectionChange& change : changes)
+            for (const std::string& line : change.lines())
+                printLine(console.out, line);
     }
     return changes.empty() ? Failure::None : Failure::Failed;
 }

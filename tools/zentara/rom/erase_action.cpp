@@ -2,7 +2,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include <zentara/rom/section.h>
 #include <zentara/utils/format.h>
 
 #include "tools/zentara/rom/rom_verbs.h"
@@ -16,14 +15,14 @@ struct EraseOptions : WriteOptions {
 };
 
 ExitCode runErase(const EraseOptions& options, Console& console) {
-    const auto target = RomTarget::openToWrite(options, options.dryRun, console);
-    const FlashImage before = target->load();
-    FlashContent wanted = loadContent(before, *target);
+    Flash flash = openFlashToWrite(options, options.dryRun, console);
+    const FlashImage before = loadFlash(flash, console);
+    FlashContent wanted = contentOfFlash(flash, before);
     if (wanted.erase(options.uid) == 0)
         throw Failure(Failure::Failed,
-                      Utils::Format("%: Cannot erase section - % is not a valid section uid") %
-                          target->name() % options.uid);
-    return RomWriter(options, *target, console).bringTo(before, wanted, false);
+                      Utils::Format("%: Cannot erase section - % is not a valid section uid") % flash.name() %
+                          options.uid);
+    return makeChange(flash, flash.plan(before, wanted, options.change), options, console);
 }
 
 } // namespace

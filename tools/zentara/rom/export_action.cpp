@@ -1,12 +1,10 @@
 #include <memory>
-#include <sstream>
 
 #include <CLI/CLI.hpp>
 
-#include "host/flash/content_json.h"
-#include "host/flash/flash_survey.h"
+#include "tools/zentara/arguments.h"
+#include "tools/zentara/rom/rom_target.h"
 #include "tools/zentara/rom/rom_verbs.h"
-#include "tools/zentara/rom/rom_write.h"
 
 namespace Zentara::Tool {
 namespace {
@@ -17,23 +15,21 @@ struct ExportOptions : TargetOptions {
 };
 
 ExitCode runExport(const ExportOptions& options, Console& console) {
-    const auto target = RomTarget::open(options, console);
-    const FlashImage image = target->load();
-    const Json json = contentToJson(loadContent(image, *target));
-    std::ostringstream text;
-    print(text, json);
+    Flash flash = openFlash(options, console);
+    const FlashImage image = loadFlash(flash, console);
+    const FlashContent content = contentOfFlash(flash, image);
     if (options.file.empty())
-        console.out << text.str();
+        console.out << toJson(content);
     else
-        saveFile(*target, options.file, text.str(), options.force);
+        flash.save(options.file, toJson(content), forced(options.force));
     if (options.json && !options.file.empty()) {
-        Json told = target->beginJson();
-        told.update({{"file", options.file}, {"sections", json["sections"].size()}});
+        Json told = beginJson(flash, console);
+        told.update({{"file", options.file}, {"sections", content.size()}});
         print(console.out, told);
     }
-    const FlashSurvey survey(image);
+    const FlashSurvey survey = surveyOf(image);
     if (const Finding* fault = survey.structuralFault())
-        note(console, target->name() + " is damaged, this is what can be read of it: " + fault->text);
+        note(console, flash.name() + " is damaged, this is what can be read of it: " + fault->text);
     return Failure::None;
 }
 

@@ -4,9 +4,9 @@
 
 #include <zentara/utils/format.h>
 
-#include "host/flash/content_json.h"
+#include "tools/zentara/arguments.h"
+#include "tools/zentara/rom/rom_target.h"
 #include "tools/zentara/rom/rom_verbs.h"
-#include "tools/zentara/rom/rom_write.h"
 
 namespace Zentara::Tool {
 namespace {
@@ -19,30 +19,26 @@ struct GetOptions : TargetOptions {
 };
 
 ExitCode runGet(const GetOptions& options, Console& console) {
-    const auto target = RomTarget::open(options, console);
-    const FlashContent content = loadContent(target->load(), *target);
+    Flash flash = openFlash(options, console);
+    const FlashContent content = loadContent(flash, console);
     const auto found = content.find(options.uid);
     if (found == content.end())
         throw Failure(Failure::Failed,
-                      Utils::Format("%: Section % is not defined") % target->name() % options.uid);
+                      Utils::Format("%: Section % is not defined") % flash.name() % options.uid);
     const Bytes& data = found->second.data;
-    Json section = sectionToJson(options.uid, found->second);
+    const std::string section = toJson(options.uid, found->second);
     if (!options.rawFile.empty())
-        saveFile(*target, options.rawFile, std::string(data.begin(), data.end()), options.force);
+        flash.save(options.rawFile, std::string(data.begin(), data.end()), forced(options.force));
     if (options.json) {
-        Json json = target->beginJson();
-        json["section"] = section;
+        Json json = beginJson(flash, console);
+        json["section"] = Json::parse(section);
         if (options.hex)
             json["hex"] = toHex(data);
         if (!options.rawFile.empty())
             json["file"] = options.rawFile;
         print(console.out, json);
-    } else if (!options.rawFile.empty()) {
-        return Failure::None;
-    } else if (options.hex) {
-        console.out << toHex(data) << '\n';
-    } else {
-        print(console.out, section);
+    } else if (options.rawFile.empty()) {
+        console.out << (options.hex ? toHex(data) + "\n" : section);
     }
     return Failure::None;
 }

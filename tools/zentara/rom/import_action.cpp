@@ -2,7 +2,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include "host/flash/content_json.h"
 #include "tools/zentara/rom/rom_verbs.h"
 #include "tools/zentara/rom/rom_write.h"
 
@@ -14,34 +13,21 @@ struct ImportOptions : WriteOptions {
     bool keepReadOnly = false;
 };
 
-FlashContent contentFromFile(const std::string& file) {
-    try {
-        return contentFromJson(parseJson(loadFile(file)));
-    } catch (const JsonPlaceError& failure) {
-        throw Failure(Failure::Failed, "'" + file + "': " + failure.what());
-    }
-}
-
 ExitCode runImport(const ImportOptions& options, Console& console) {
-    FlashContent wanted = contentFromFile(options.file);
-    const auto target = RomTarget::openToWrite(options, options.dryRun, console);
-    const FlashImage before = target->load();
-    const FlashContent old = loadContentIfAny(before);
-    for (const std::uint16_t uid :
-         options.keepReadOnly ? readOnlyConflicts(old, wanted) : std::vector<std::uint16_t>()) {
-        wanted[uid] = old.at(uid);
-        note(console, sectionText(uid, old.at(uid)) + " is read only and stays");
-    }
-    try {
-        return RomWriter(options, *target, console).bringTo(before, wanted, true);
-    } catch (const Failure& failure) {
-        if (readOnlyConflicts(old, wanted).empty())
-            throw;
-        throw Failure(failure.code(), failure.message(), failure.cause(),
+    FlashContent wanted = contentFromJson(readFlashFile(options.file), options.file);
+    Flash flash = openFlashToWrite(options, options.dryRun, console);
+    const FlashImage before = loadFlash(flash, console);
+    const FlashContent old = contentOf(before);
+    if (options.keepReadOnly)
+        for (const std::uint16_t uid : readOnlyConflicts(old, wanted)) {
+            wanted[uid] = old.at(uid);
+            note(console, sectionText(uid, old.at(uid)) + " is read only and stays");
+        }
+    ChangeOptions how = options.change;
+    how.formats = true;
+    return makeChange(flash, flash.plan(before, wanted, how), options, console,
                       "--keep-read-only leaves such sections as they are and imports the others; 'zentara "
-                      "rom create' empties the flash, read-only sections and all",
-                      failure.details());
-    }
+                      "rom create' empties the flash, read-only sections and all");
 }
 
 } // namespace

@@ -3,24 +3,17 @@
 
 #include <CLI/CLI.hpp>
 
-#include <zentara/rom/section.h>
 #include <zentara/utils/format.h>
 
-#include "host/flash/correction_tables.h"
-#include "host/flash/flash_survey.h"
+#include "tools/zentara/rom/correction_text.h"
 #include "tools/zentara/rom/rom_target.h"
 #include "tools/zentara/rom/rom_verbs.h"
-#include "tools/zentara/rom/text_lines.h"
 #include "tools/zentara/text_columns.h"
 
 namespace Zentara::Tool {
 namespace {
 
 using Utils::Format;
-
-const char* accessText(std::uint8_t flags) {
-    return (flags & ROM::Section::FLAG_WRITABLE) != 0 ? "writable" : "read-only";
-}
 
 /// 0 when all free bytes lie in one gap, towards 100 when they are in many small ones.
 unsigned fragmentation(const FreeSpace& room) {
@@ -50,26 +43,28 @@ Json sectionJson(const SurveyedBlock& block) {
             {"dataCrc", section.dataCrc}};
 }
 
-Json surveyJson(const FlashSurvey& survey, const FlashArea& area) {
+Json surveyJson(const FlashSurvey& survey) {
+    const FlashArea& area = survey.area;
     Json json{{"area", {{"start", area.start}, {"size", area.size}, {"headerAtStart", area.headerAtStart}}}};
-    if (survey.header())
-        json["header"] = headerJson(*survey.header(), area);
-    const FreeSpace& room = survey.freeSpace();
+    if (survey.header)
+        json["header"] = headerJson(*survey.header, area);
+    const FreeSpace& room = survey.freeSpace;
     json["free"] = {{"bytes", room.bytes},
                     {"gaps", room.gaps.size()},
                     {"largestGap", room.largestGap},
                     {"fragmentationPercent", fragmentation(room)}};
     json["sections"] = Json::array();
-    for (const SurveyedBlock& block : survey.blocks())
+    for (const SurveyedBlock& block : survey.blocks)
         if (block.section)
             json["sections"].push_back(sectionJson(block));
     json["faulty"] = survey.isFaulty();
     return json;
 }
 
-void printHeader(const FlashSurvey& survey, const FlashArea& area, std::ostream& out) {
-    const SurveyedHeader& header = *survey.header();
-    const FreeSpace& room = survey.freeSpace();
+void printHeader(const FlashSurvey& survey, std::ostream& out) {
+    const FlashArea& area = survey.area;
+    const SurveyedHeader& header = *survey.header;
+    const FreeSpace& room = survey.freeSpace;
     printLine(out, Format("management header  0x%{:x8}, version %, readers from %, CRC 0x%{:x4}") %
                        area.headerAddress() % unsigned{header.version} % unsigned{header.minReadoutVersion} %
                        header.crc);
@@ -87,43 +82,43 @@ void printHeader(const FlashSurvey& survey, const FlashArea& area, std::ostream&
 void printSection(const SurveyedBlock& block, std::ostream& out) {
     const SurveyedSection& section = *block.section;
     out << std::right << std::setw(5) << section.uid << "  "
-        << padded(sectionTypeText(section.content.type), 30) << padded(accessText(section.content.flags), 11)
-        << std::setw(7) << section.content.data.size() << "  "
+        << padded(sectionTypeText(section.content.type), 30)
+        << padded(section.content.isWritable() ? "writable" : "read-only", 11) << std::setw(7)
+        << section.content.data.size() << "  "
         << std::string(Format("0x%{:x8}  0x%{:x4}  0x%{:x4}") % block.address % section.headerCrc %
                        section.dataCrc)
         << '\n';
 }
 
-void printSurvey(const FlashSurvey& survey, const FlashArea& area, std::ostream& out) {
-    if (survey.header())
-        printHeader(survey, area, out);
+void printSurvey(const FlashSurvey& survey, std::ostream& out) {
+    if (survey.header)
+        printHeader(survey, out);
     else
         out << "management header  none that can be read\n";
     out << "\n  uid  type                          access       bytes  block       header  data\n";
-    for (const SurveyedBlock& block : survey.blocks())
+    for (const SurveyedBlock& block : survey.blocks)
         if (block.section)
             printSection(block, out);
 }
 
 ExitCode runInfo(const TargetOptions& options, Console& console) {
-    const auto target = RomTarget::open(options, console);
-    const FlashImage image = target->load();
-    const FlashSurvey survey(image);
-    const std::vector<CorrectionFile> corrections = correctionsOf(loadedSections(survey));
+    Flash flash = openFlash(options, console);
+    const FlashSurvey survey = surveyOf(loadFlash(flash, console));
+    const std::vector<CorrectionSection> corrections = correctionsOf(survey.linkedContent());
     if (options.json) {
-        Json json = target->beginJson();
-        json.update(surveyJson(survey, image.area()));
+        Json json = beginJson(flash, console);
+        json.update(surveyJson(survey));
         if (!corrections.empty())
             json["corrections"] = correctionsJson(corrections);
         print(console.out, json);
     } else {
-        printSurvey(survey, image.area(), console.out);
-        for (const CorrectionFile& correction : corrections)
+        printSurvey(survey, console.out);
+        for (const CorrectionSection& correction : corrections)
             console.out << '\n' << correctionText(correction);
     }
     if (survey.isFaulty())
-        note(console, "something is wrong with " + target->name() + "; 'zentara rom verify' tells what");
-    return survey.header() ? Failure::None : Failure::Verification;
+        note(console, "something is wrong with " + flash.name() + "; 'zentara rom verify' tells what");
+    return survey.header ? Failure::None : Failure::Verification;
 }
 
 } // namespace

@@ -3,41 +3,37 @@
 
 #include <CLI/CLI.hpp>
 
-#include <zentara/rom/section.h>
-
-#include "host/flash/correction_tables.h"
+#include "tools/zentara/rom/correction_text.h"
+#include "tools/zentara/rom/rom_target.h"
 #include "tools/zentara/rom/rom_verbs.h"
-#include "tools/zentara/rom/rom_write.h"
 #include "tools/zentara/text_columns.h"
 
 namespace Zentara::Tool {
 namespace {
 
-bool isWritable(const FlashSection& section) { return (section.flags & ROM::Section::FLAG_WRITABLE) != 0; }
-
 void printSection(std::uint16_t uid, const FlashSection& section, std::ostream& out) {
     out << std::right << std::setw(5) << uid << "  " << padded(sectionTypeText(section.type), 30)
-        << padded(isWritable(section) ? "writable" : "read-only", 11) << section.data.size() << '\n';
+        << padded(section.isWritable() ? "writable" : "read-only", 11) << section.data.size() << '\n';
 }
 
 ExitCode runList(const TargetOptions& options, Console& console) {
-    const auto target = RomTarget::open(options, console);
-    const FlashContent content = loadContent(target->load(), *target);
-    const std::vector<CorrectionFile> corrections = correctionsOf(content);
+    Flash flash = openFlash(options, console);
+    const FlashContent content = loadContent(flash, console);
+    const std::vector<CorrectionSection> corrections = correctionsOf(content);
     if (!options.json) {
         for (const auto& [uid, section] : content)
             printSection(uid, section, console.out);
-        for (const CorrectionFile& correction : corrections)
+        for (const CorrectionSection& correction : corrections)
             console.out << correctionText(correction);
         return Failure::None;
     }
-    Json json = target->beginJson();
+    Json json = beginJson(flash, console);
     json.update({{"sections", Json::array()}});
     for (const auto& [uid, section] : content)
         json["sections"].push_back({{"uid", uid},
                                     {"type", section.type},
                                     {"typeName", sectionTypeText(section.type)},
-                                    {"writable", isWritable(section)},
+                                    {"writable", section.isWritable()},
                                     {"size", section.data.size()}});
     if (!corrections.empty())
         json["corrections"] = correctionsJson(corrections);

@@ -4,9 +4,9 @@
 
 #include <zentara/utils/format.h>
 
-#include "host/flash/flash_map.h"
+#include "tools/zentara/arguments.h"
+#include "tools/zentara/rom/rom_target.h"
 #include "tools/zentara/rom/rom_verbs.h"
-#include "tools/zentara/rom/rom_write.h"
 
 namespace Zentara::Tool {
 namespace {
@@ -18,28 +18,26 @@ struct MapOptions : TargetOptions {
 };
 
 Json regionsJson(const FlashMap& map) {
-    constexpr const char* kinds[] = {"free", "slack", "remains", "header", "container", "section", "damaged"};
     Json json = Json::array();
-    for (const Region& region : map.regions())
+    for (const FlashRegion& region : map.regions())
         json.push_back({{"address", region.address},
                         {"length", region.length},
-                        {"kind", kinds[static_cast<int>(region.kind)]},
+                        {"kind", regionKindName(region.kind)},
                         {"label", region.label}});
     return json;
 }
 
 ExitCode runMap(const MapOptions& options, Console& console) {
-    const auto target = RomTarget::open(options, console);
-    const FlashImage image = target->load();
-    const FlashMap map(image, FlashSurvey(image));
-    const std::string title = Utils::Format("Flash of %: % bytes at 0x%{:x8}") % target->name() %
-                              image.area().size % image.area().start;
+    Flash flash = openFlash(options, console);
+    const FlashMap map(surveyOf(loadFlash(flash, console)));
+    const std::string title = Utils::Format("Flash of %: % bytes at 0x%{:x8}") % flash.name() %
+                              flash.area().size % flash.area().start;
     if (!options.svgFile.empty())
-        saveFile(*target, options.svgFile, map.svg(title), options.force);
+        flash.save(options.svgFile, map.svg(title), forced(options.force));
     if (!options.pngFile.empty())
-        saveFile(*target, options.pngFile, map.png(title), options.force);
+        flash.save(options.pngFile, map.picture(title).png(), forced(options.force));
     if (options.json) {
-        Json json = target->beginJson();
+        Json json = beginJson(flash, console);
         json.update({{"regions", regionsJson(map)}});
         print(console.out, json);
     } else if (options.svgFile.empty() && options.pngFile.empty()) {

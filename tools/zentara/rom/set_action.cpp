@@ -2,10 +2,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include <zentara/rom/section.h>
-#include <zentara/utils/format.h>
-
-#include "host/flash/content_json.h"
 #include "tools/zentara/rom/rom_verbs.h"
 #include "tools/zentara/rom/rom_write.h"
 
@@ -21,21 +17,6 @@ struct SetOptions : WriteOptions {
     bool readOnly = false;
 };
 
-FlashSection fromJsonFile(const SetOptions& options) {
-    try {
-        const Json document = parseJson(loadFile(options.jsonFile));
-        const JsonPlace root(document);
-        const JsonPlace place =
-            root.has("section") ? root.at("section") : root; // of 'get --json', or of 'get'
-        auto [uid, section] = sectionFromJson(place);
-        if (uid != options.uid)
-            place.at("uid").fail(Utils::Format("it is section %, not %") % uid % options.uid);
-        return section;
-    } catch (const JsonPlaceError& failure) {
-        throw Failure(Failure::Failed, "'" + options.jsonFile + "': " + failure.what());
-    }
-}
-
 std::uint8_t typeOf(const std::string& text) {
     if (const auto type = sectionTypeFromName(text))
         return *type;
@@ -48,7 +29,7 @@ std::uint8_t typeOf(const std::string& text) {
 
 Bytes rawBytes(const SetOptions& options) {
     if (!options.rawFile.empty()) {
-        const std::string bytes = loadFile(options.rawFile);
+        const std::string bytes = readFlashFile(options.rawFile);
         return {bytes.begin(), bytes.end()};
     }
     auto bytes = fromHex(options.hex);
@@ -60,26 +41,29 @@ Bytes rawBytes(const SetOptions& options) {
 /// The section of before gives what the options leave out.
 FlashSection sectionFrom(const SetOptions& options, const FlashContent& content) {
     if (!options.jsonFile.empty())
-        return fromJsonFile(options);
+        return sectionFromJson(readFlashFile(options.jsonFile), options.jsonFile, options.uid);
     FlashSection section;
     const auto old = content.find(options.uid);
     if (options.type.empty() && old == content.end())
         throw Failure(Failure::Usage, "a new section needs --type");
     section.type = options.type.empty() ? old->second.type : typeOf(options.type);
-    section.flags = old == content.end() ? ROM::Section::FLAG_WRITABLE : old->second.flags;
+    if (old != content.end())
+        section.flags = old->second.flags;
+    else
+        section.setWritable(true);
     if (options.readOnly)
-        section.flags &= static_cast<std::uint8_t>(~ROM::Section::FLAG_WRITABLE);
+        section.setWritable(false);
     section.data = rawBytes(options);
     return section;
 }
 
 ExitCode runSet(const SetOptions& options, Console& console) {
-    const auto target = RomTarget::openToWrite(options, options.dryRun, console);
-    const FlashImage before = target->load();
-    FlashContent wanted = loadContentIfAny(before);
+    Flash flash = openFlashToWrite(options, options.dryRun, console);
+    const FlashImage before = loadFlash(flash, console);
+    FlashContent wanted = contentOf(before);
     const FlashSection section = sectionFrom(options, wanted);
     wanted[options.uid] = section;
-    return RomWriter(options, *target, console).bringTo(before, wanted, false);
+    return makeChange(flash, flash.plan(before, wanted, options.change), options, console);
 }
 
 } // namespace

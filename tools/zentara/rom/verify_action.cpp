@@ -4,44 +4,41 @@
 
 #include <zentara/utils/format.h>
 
-#include "host/flash/flash_survey.h"
 #include "tools/zentara/rom/rom_target.h"
 #include "tools/zentara/rom/rom_verbs.h"
-#include "tools/zentara/rom/text_lines.h"
 
 namespace Zentara::Tool {
 namespace {
 
-void printJson(const FlashSurvey& survey, const RomTarget& target, std::ostream& out) {
-    Json json = target.beginJson();
+void printJson(const FlashSurvey& survey, const Flash& flash, Console& console) {
+    Json json = beginJson(flash, console);
     json.update({{"faulty", survey.isFaulty()}, {"findings", Json::array()}});
-    for (const Finding& finding : survey.findings())
+    for (const Finding& finding : survey.findings)
         json["findings"].push_back({{"address", finding.address},
                                     {"kind", findingKindName(finding.kind)},
                                     {"fault", finding.isFault},
                                     {"text", finding.text}});
-    print(out, json);
+    print(console.out, json);
 }
 
 void printText(const FlashSurvey& survey, std::ostream& out) {
-    for (const Finding& finding : survey.findings())
+    for (const Finding& finding : survey.findings)
         printLine(out, Utils::Format("0x%{:x8}  %  %: %") % finding.address %
                            (finding.isFault ? "WRONG" : "note ") % findingKindName(finding.kind) %
                            finding.text);
     std::size_t sections = 0;
-    for (const SurveyedBlock& block : survey.blocks())
+    for (const SurveyedBlock& block : survey.blocks)
         sections += block.section ? 1 : 0;
     printLine(out, Utils::Format("% sections in % blocks: %") % static_cast<unsigned long long>(sections) %
-                       static_cast<unsigned long long>(survey.blocks().size()) %
+                       static_cast<unsigned long long>(survey.blocks.size()) %
                        (survey.isFaulty() ? "something is wrong" : "all is right"));
 }
 
 ExitCode runVerify(const TargetOptions& options, Console& console) {
-    const auto target = RomTarget::open(options, console);
-    const FlashImage image = target->load();
-    const FlashSurvey survey(image);
+    Flash flash = openFlash(options, console);
+    const FlashSurvey survey = surveyOf(loadFlash(flash, console));
     if (options.json)
-        printJson(survey, *target, console.out);
+        printJson(survey, flash, console);
     else
         printText(survey, console.out);
     return survey.isFaulty() ? Failure::Verification : Failure::None;

@@ -1,15 +1,88 @@
-#include "host/flash/json_place.h"
+#include "host/json_place.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <set>
 
 #include <zentara/utils/format.h>
 
 namespace Zentara::Host {
+namespace {
+
+constexpr std::size_t mostDepth = 64; // what looks at a value calls itself for each level
+
+/// Finds a key that stands twice in one object: the parser keeps the last one and says nothing.
+class KeyWatch {
+public:
+    void see(Json::parse_event_t event, const Json& value) {
+        using Event = Json::parse_event_t;
+        if (event == Event::object_start || event == Event::array_start)
+            seeBegin(event == Event::array_start);
+        else if (event == Event::key)
+            seeKey(value.get<std::string>());
+        else
+            seeEnd(event != Event::value);
+    }
+
+private:
+    struct Level {
+        bool isArray;
+        std::size_t index; ///< of the item that comes next
+        std::string key;   ///< the last one
+        std::set<std::string> keys;
+    };
+
+    void seeBegin(bool isArray) {
+        if (open.size() >= mostDepth)
+            throw JsonError(Utils::Format("more than % values stand one in the other") % mostDepth);
+        open.push_back({isArray, 0, {}, {}});
+    }
+    void seeKey(const std::string& key) {
+        open.back().key = key;
+        if (!open.back().keys.insert(key).second)
+            throw JsonError(path() + ": the field \"" + key + "\" stands twice in one object");
+    }
+    void seeEnd(bool isLevel) {
+        if (isLevel)
+            open.pop_back();
+        if (!open.empty())
+            ++open.back().index;
+    }
+    [[nodiscard]] std::string path() const {
+        std::string text;
+        for (const Level& level : open)
+            text += '/' + (level.isArray ? std::to_string(level.index) : level.key);
+        return text;
+    }
+
+    std::vector<Level> open;
+};
+
+/// Without the library's name for it, in brackets.
+std::string reasonOf(const Json::exception& failure) {
+    const std::string text = failure.what();
+    const std::size_t end = text.find("] ");
+    return end == std::string::npos ? text : text.substr(end + 2);
+}
+
+} // namespace
+
+Json parseJson(const std::string& text) {
+    KeyWatch keys;
+    const auto watch = [&](int, Json::parse_event_t event, const Json& value) {
+        keys.see(event, value);
+        return true;
+    };
+    try {
+        return Json::parse(text, watch);
+    } catch (const Json::exception& failure) {
+        throw JsonError(reasonOf(failure));
+    }
+}
 
 void JsonPlace::fail(const std::string& reason) const {
-    throw JsonPlaceError((path.empty() ? "/" : path) + ": " + reason);
+    throw JsonError((path.empty() ? "/" : path) + ": " + reason);
 }
 
 void JsonPlace::checkObject() const {

@@ -7,18 +7,21 @@
 #include <utility>
 #include <vector>
 
-#include "host/hex_bytes.h"
 #include "host/json.h"
+#include <zentara/host/hex_bytes.h>
 
 namespace Zentara::Host {
 
 /// What is wrong with a JSON text, and where: "/sections/2/uid: expected a number from 1 to 65535".
-class JsonPlaceError : public std::runtime_error {
+class JsonError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+/// A JSON text. It takes a bounded depth, and no object may have a key twice. \throws JsonError
+[[nodiscard]] Json parseJson(const std::string& text);
+
 /// A value inside a JSON document together with the path to it. A view: the document must outlive it. Every
-/// question whose answer is not there throws JsonPlaceError with the path.
+/// question whose answer is not there throws JsonError with the path.
 class JsonPlace {
 public:
     explicit JsonPlace(const Json& document) : JsonPlace(document, "") {}

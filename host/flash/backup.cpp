@@ -1,0 +1,73 @@
+#include "host/flash/backup.h"
+
+#include <chrono>
+
+#include <zentara/utils/format.h>
+#include <zentara/version.h>
+
+#include "host/files/paths.h"
+#include "host/flash/flash_target.h"
+#include "host/json_place.h"
+
+namespace Zentara::Host {
+namespace {
+
+using Utils::Format;
+
+/// Raised when a key of the file beside a backup is renamed, removed or changes its meaning.
+constexpr int noteSchema = 3;
+
+/// "20261121-091500", in UTC.
+std::string timeText() {
+    using namespace std::chrono;
+    const auto now = floor<seconds>(system_clock::now());
+    const auto day = floor<days>(now);
+    const year_month_day date(day);
+    const hh_mm_ss time(now - day);
+    return Format("%{:04}%{:02}%{:02}-%{:02}%{:02}%{:02}") % int{date.year()} % unsigned{date.month()} %
+           unsigned{date.day()} % static_cast<int>(time.hours().count()) %
+           static_cast<int>(time.minutes().count()) % static_cast<int>(time.seconds().count());
+}
+
+} // namespace
+
+std::string sdkVersion() {
+    return Format("%.%.%") % ZENTARA_SDK_VERSION_MAJOR % ZENTARA_SDK_VERSION_MINOR %
+           ZENTARA_SDK_VERSION_PATCH;
+}
+
+std::string freeBackupName(const std::string& stem) {
+    const std::string base = stem + "." + timeText();
+    std::string name = base + ".bak";
+    for (int i = 2; isThere(name); ++i)
+        name = base + "-" + std::to_string(i) + ".bak";
+    return name;
+}
+
+std::string backupNote(const CameraInfo& owner, const FlashArea& area) {
+    const Json json{{"schema", noteSchema},
+                    {"kind", "flash backup"},
+                    {"camera",
+                     {{"serial", orNull(owner.serial)},
+                      {"name", orNull(owner.name)},
+                      {"path", orNull(owner.path)},
+                      {"controller", orNull(owner.controller)}}},
+                    {"sdk", sdkVersion()},
+                    {"start", area.start},
+                    {"size", area.size}};
+    return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+std::string serialOfBackup(const std::string& path) {
+    const std::string beside = backupNoteOf(path);
+    if (!isThere(beside))
+        return {};
+    try {
+        const Json json = parseJson(readFlashFile(beside));
+        return JsonPlace(json).at("camera").at("serial").text();
+    } catch (const JsonError& failure) {
+        throw Failure(Failure::Failed, "'" + beside + "' does not say whose backup it is: " + failure.what());
+    }
+}
+
+} // namespace Zentara::Host

@@ -1,0 +1,112 @@
+#include <algorithm>
+#include <cctype>
+#include <utility>
+
+#include <zentara/io/camera_chip.h>
+#include <zentara/plugin/plugin_exceptions.h>
+#include <zentara/utils/format.h>
+
+#include "host/flash/backup.h"
+#include "host/flash/flash_target.h"
+#include "utils/visible_text.h"
+
+namespace Zentara::Host {
+namespace {
+
+using Utils::Format;
+
+/// The controllers know 16-bit addresses; a greater one would come out somewhere else.
+void checkRange(std::uint32_t address, std::size_t length) {
+    constexpr std::size_t flashBytes = IO::CameraChip::memoryBytes;
+    if (address > flashBytes || length > flashBytes - address)
+        throw Plugin::IOPluginException(Format("% bytes at 0x%{:x4} reach past the flash's 64 KiB") %
+                                        static_cast<unsigned long long>(length) % address);
+}
+
+/// A camera's flash through its controller. Throws what the chip throws.
+class CameraFlash final : public ROM::Accessor {
+public:
+    explicit CameraFlash(IO::CameraChip& controller) : chip(controller) {}
+
+    std::vector<std::uint8_t> read(std::uint32_t address, std::uint32_t length) override {
+        checkRange(address, length);
+        return length == 0 ? std::vector<std::uint8_t>() : chip.readConfiguration(address, length);
+    }
+    void write(std::uint32_t address, const std::vector<std::uint8_t>& bytes) override {
+        checkRange(address, bytes.size());
+        if (!bytes.empty())
+            chip.writeConfiguration(address, bytes);
+    }
+
+private:
+    IO::CameraChip& chip;
+};
+
+/// A name in a file's name.
+std::string plainName(std::string text) {
+    std::replace_if(
+        text.begin(), text.end(),
+        [](unsigned char letter) { return std::isalnum(letter) == 0 && letter != '-'; }, '_');
+    return text;
+}
+
+class CameraTarget final : public Flash::Target {
+public:
+    CameraTarget(std::shared_ptr<IO::CameraChip> controller, const CameraInfo& who, const FlashArea& area,
+                 const FlashOptions& wanted)
+        : Target(area, wanted), chip(std::move(controller)), accessor(*chip) {
+        owner = who;
+        owner->controller = chip->name();
+        detect();
+    }
+
+    [[nodiscard]] std::string name() const override {
+        const std::string& serial = owner->serial;
+        return "the camera " + (serial.empty() ? "" : Utils::visibleText(serial) + " ") + "(" +
+               owner->controller + ")";
+    }
+    [[nodiscard]] std::string backupStem() const override {
+        std::string stem = "camera-" + plainName(owner->product.empty() ? owner->controller : owner->product);
+        if (!owner->serial.empty())
+            stem += "-" + plainName(owner->serial);
+        return stem + "-sdk" + sdkVersion();
+    }
+    [[nodiscard]] bool isWrittenInPlace() const override { return true; }
+    void checkWritable() const override {
+        if (!chip->canWriteConfiguration())
+            throw Failure(
+                Failure::Permission,
+                Format(
+                    "cannot write to %: its controller reads its flash by DMA and has no way to write it") %
+                    name());
+    }
+    [[nodiscard]] ROM::Accessor& flash() override { return accessor; }
+    [[nodiscard]] bool mayMisread() const override { return true; }
+
+private:
+    const std::shared_ptr<IO::CameraChip> chip;
+    CameraFlash accessor;
+};
+
+/// Where the description puts the storage, as far as the options do not say.
+FlashArea areaOnCamera(const FlashOptions& options, const std::optional<ROMElement>& described) {
+    if (options.size == 0 && !described)
+        throw Failure(Failure::Usage, "no description says where the camera's storage lies", {},
+                      "say its start and its size");
+    const std::uint64_t start = options.start.value_or(described ? described->address : 0);
+    const std::uint64_t end = described ? std::uint64_t{described->address} + described->size : 0;
+    return flashArea(options, start, options.size != 0 ? options.size : end > start ? end - start : 0);
+}
+
+} // namespace
+
+Flash Flash::camera(std::shared_ptr<IO::CameraChip> chip, const CameraInfo& who,
+                    const std::optional<ROMElement>& described, const FlashOptions& options, Access access) {
+    auto target =
+        std::make_unique<CameraTarget>(std::move(chip), who, areaOnCamera(options, described), options);
+    if (access == Access::Write)
+        target->checkWritable();
+    return Flash(std::move(target));
+}
+
+} // namespace Zentara::Host

@@ -1,0 +1,104 @@
+#include <algorithm>
+#include <utility>
+
+#include <zentara/utils/format.h>
+
+#include "host/files/paths.h"
+#include "host/flash/backup.h"
+#include "host/flash/flash_target.h"
+
+namespace Zentara::Host {
+namespace {
+
+void checkApart(const Flash::Target& source, const std::string& path) {
+    if (source.isAt(path))
+        throw Failure(Failure::Usage, "'" + path + "' is the image itself: name another file");
+}
+
+/// Erased flash holds nothing to keep.
+bool isErased(const FlashImage& image) { return image.bytes() == FlashImage(image.area()).bytes(); }
+
+} // namespace
+
+Flash::Flash(std::unique_ptr<Target> opened) : target(std::move(opened)) {}
+Flash::Flash(Flash&&) noexcept = default;
+Flash& Flash::operator=(Flash&&) noexcept = default;
+Flash::~Flash() = default;
+
+std::string Flash::name() const { return target->name(); }
+std::string Flash::file() const { return target->file(); }
+const std::optional<CameraInfo>& Flash::owner() const { return target->owner; }
+const FlashArea& Flash::area() const { return target->place; }
+
+FlashImage Flash::load(const Progress& progress) {
+    return target->load(progress, "interrupted; nothing was changed");
+}
+
+FlashContent Flash::content(const FlashImage& image) const {
+    if (!holdsStorage(image))
+        throw Failure(Failure::Verification, name() + " holds no storage that can be read", {},
+                      "a survey of it tells why");
+    return contentOf(image);
+}
+
+std::string Flash::apply(const FlashChange& change, const ApplyOptions& options, const Progress& progress) {
+    if (change.refusal)
+        throw Failure(*change.refusal);
+    if (change.writes.empty())
+        return {};
+    target->checkWritable();
+    const std::uint64_t written = change.bytes();
+    const std::uint64_t all = written + change.after.bytes().size();
+    if (progress && !progress(0, all))
+        throw Failure(Failure::Interrupted, "interrupted; nothing was changed");
+    std::string kept;
+    if (options.keeps && !isErased(change.before)) {
+        kept = options.backup.empty() ? freeBackupName(target->backupStem()) : options.backup;
+        backup(kept, change.before);
+        if (options.kept)
+            options.kept(kept);
+    }
+    bool isTouched = target->isWrittenInPlace(); // else the file is as it was until all is stored
+    try {
+        target->store(change.writes, progress, all);
+        isTouched = true;
+        target->place = change.after.area();
+        const FlashImage found =
+            target->load(progress, "interrupted before all of it was read once more", written);
+        if (found.bytes() != change.after.bytes())
+            throw Failure(Failure::Verification, name() + " holds other bytes than were written to it");
+    } catch (const Failure& failure) {
+        if (!isTouched || kept.empty())
+            throw;
+        throw Failure(failure.code(), failure.message(), failure.cause(), failure.remedy(),
+                      {"the bytes of before are in '" + kept + "'"});
+    }
+    return kept;
+}
+
+void Flash::save(const std::string& path, const std::string& bytes, const OutputFile::Rules& rules) const {
+    checkApart(*target, path);
+    OutputFile file(path, rules);
+    file.write(bytes);
+    file.commit();
+}
+
+void Flash::keep(const std::string& path, const Bytes& bytes) const {
+    checkApart(*target, path);
+    const std::string wanted(bytes.begin(), bytes.end());
+    if (isThere(path) && !isDirectory(path) && readFlashFile(path) == wanted)
+        return;
+    OutputFile file(path, {.ifThere = IfThere::Keep, .like = target->file()});
+    file.write(wanted);
+    file.commit();
+}
+
+void Flash::backup(const std::string& path, const FlashImage& image) const {
+    if (const auto& owner = target->owner; owner && !owner->serial.empty()) {
+        const std::string note = backupNote(*owner, image.area());
+        keep(backupNoteOf(path), Bytes(note.begin(), note.end()));
+    }
+    keep(path, image.bytes());
+}
+
+} // namespace Zentara::Host
