@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <mutex>
 #include <utility>
 #include <vector>
 
@@ -11,6 +10,8 @@
 #include <zentara/host/frame.h>
 #include <zentara/host/stream_info.h>
 #include <zentara/utils/format.h>
+
+#include "host/once.h"
 
 namespace Zentara::Host {
 namespace {
@@ -98,7 +99,7 @@ struct Lens::Impl {
 
     /// The step that one metre of depth makes at each pixel; NaN where there is no ray.
     const std::vector<Point>& table() {
-        std::call_once(made, [this] { make(); });
+        made.call([this] { make(); });
         return rays;
     }
     /// How many pixels have no ray. After table().
@@ -111,7 +112,7 @@ struct Lens::Impl {
 private:
     void make();
 
-    std::once_flag made;
+    Once made;
     std::vector<Point> rays; ///< this and the next never change once made
     std::size_t rayless = 0;
 };

@@ -5,13 +5,14 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include <zentara/host/lens.h>
 #include <zentara/host/stream_info.h>
+
+#include "host/once.h"
 
 namespace Zentara::Host {
 
@@ -34,11 +35,11 @@ public:
 
 private:
     // What stands below a flag never changes once it is set.
-    mutable std::once_flag lensMade;
+    mutable Once lensMade;
     mutable std::optional<Lens> ownLens;
-    mutable std::once_flag sharesMade;
+    mutable Once sharesMade;
     mutable std::vector<float> shares;
-    mutable std::once_flag harmonicsMade;
+    mutable Once harmonicsMade;
     mutable std::vector<float> waves;
 };
 

@@ -21,7 +21,7 @@ const ModeCorrections* correctionsOf(const StreamInfo& info) noexcept {
 }
 
 const Lens& StreamContext::lens() const {
-    std::call_once(lensMade, [this] {
+    lensMade.call([this] {
         const std::string owner = info.camera.label() + " in " + info.mode.text();
         if (!info.lens)
             throw Failure(Failure::Failed, "cannot use the lens model of " + owner, "none is known",
@@ -35,7 +35,7 @@ const Lens& StreamContext::lens() const {
 }
 
 const std::vector<float>& StreamContext::axisShares() const {
-    std::call_once(sharesMade, [this] {
+    sharesMade.call([this] {
         const Lens& own = lens();
         std::vector<float> made;
         made.reserve(std::size_t{info.mode.width} * info.mode.height);
@@ -52,7 +52,7 @@ const std::vector<float>& StreamContext::axisShares() const {
 }
 
 const std::vector<float>& StreamContext::harmonics() const {
-    std::call_once(harmonicsMade, [this] {
+    harmonicsMade.call([this] {
         const ModeCorrections* const mode = correctionsOf(info);
         const std::vector<float>& parameters = mode->cyclicParameters;
         std::vector<float> made(phaseSteps);
