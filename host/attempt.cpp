@@ -33,12 +33,20 @@ std::vector<std::string> permissionTexts() {
     return texts;
 }
 
-/// A failure of the library carries no number, only the system's words, at its end.
+/// The system's words at the end of a failure's text, as "WHAT: WORDS" or "WHAT (error 0xNUMBER: WORDS)". What stands
+/// before them may hold anything, such as a file that is called so.
+std::string reasonIn(const std::string& cause) {
+    const std::size_t colon = cause.rfind(": ");
+    std::string reason = colon == std::string::npos ? cause : cause.substr(colon + 2);
+    if (!reason.empty() && reason.back() == ')')
+        reason.pop_back();
+    return reason;
+}
+
+/// A failure of the library carries no number, only the system's words.
 Failure::Code refined(Failure::Code code, const std::string& cause) {
     static const std::vector<std::string>& texts = *new std::vector<std::string>(permissionTexts());
-    const bool isDenied = std::any_of(texts.begin(), texts.end(), [&cause](const std::string& text) {
-        return cause.find(text) != std::string::npos;
-    });
+    const bool isDenied = std::find(texts.begin(), texts.end(), reasonIn(cause)) != texts.end();
     return code == Failure::Failed && isDenied ? Failure::Permission : code;
 }
 
