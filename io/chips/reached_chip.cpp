@@ -27,6 +27,10 @@ public:
         inPresentOrder(
             [&](unsigned order) { tunnel.setI2CData1A2D(VC0258::tofWriteAddress, address, value, order); });
     }
+    /// Settings of the bridge that others remember have no part in it.
+    std::vector<unsigned char> readConfiguration(unsigned start, unsigned length) override {
+        return wire.getUSBBackendConfigurationLocked(start, length);
+    }
 
 private:
     /// Makes a transfer of two data bytes in the order in which the bridge stands: whoever else uses it remembers what he

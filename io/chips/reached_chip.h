@@ -47,6 +47,9 @@ public:
     void write(std::uint8_t address, std::uint16_t value) override {
         chip.setTOFControllerRegisterLocked(address, value);
     }
+    std::vector<unsigned char> readConfiguration(unsigned start, unsigned length) override {
+        return chip.getUSBBackendConfigurationLocked(start, length);
+    }
 
     ReachedChip<Chip> chip;
 };

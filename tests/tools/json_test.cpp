@@ -233,12 +233,15 @@ TEST_F(JsonOutput, OfACalibrationCanBeImported) {
     Utils::writeFile(path("c.json"), changed.dump());
     EXPECT_EQ(run({"calibration", "diff", path("c.json")}).exitCode, 1);
     EXPECT_THAT(run({"calibration", "import", path("c.json"), "--dry-run", "--camera", "SIM0570"}).out,
-                HasSubstr("phaseDelay: 1250 -> 7\n"));
+                HasSubstr("phaseDelay: 87 -> 7\n"));
     const ToolRun written = run({"calibration", "import", path("c.json"), "--yes", "--backup", path("b.json"),
                                  "--json", "--camera", "SIM0570"});
     EXPECT_EQ(written.exitCode, 0) << written.err;
     EXPECT_EQ(written.json().at("lasts"), false);
     EXPECT_THAT(written.err, HasSubstr("only while this program runs"));
+    const ToolRun piped = runBuilt("calibration import - --yes --camera SIM0570 <\"" + path("b.json") + '"');
+    EXPECT_THAT(piped.out, HasSubstr("has this calibration already")) << piped.err;
+    EXPECT_EQ(runBuilt("calibration export").out, exported) << "it ended with the program";
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 #include <zentara/export.h>
 #include <zentara/hardware_version_internal.h>
@@ -33,6 +34,9 @@ public:
     /// \param address 0 to 127
     [[nodiscard]] virtual std::uint16_t read(std::uint8_t address) = 0;
     virtual void write(std::uint8_t address, std::uint16_t value) = 0;
+
+    /// Bytes of the memory in which the camera's storage lies: what `CameraChip::readConfiguration` reads.
+    [[nodiscard]] virtual std::vector<unsigned char> readConfiguration(unsigned start, unsigned length) = 0;
 
 protected:
     TofRegisters() = default;

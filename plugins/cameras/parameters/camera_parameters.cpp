@@ -9,6 +9,11 @@
 #include <zentara/calibration_internal.h>
 #include <zentara/io/parameter_interpreter.h>
 #include <zentara/parameter_range.h>
+#include <zentara/rom/accessor.h>
+#include <zentara/rom/chunked_memory_manager.h>
+#include <zentara/rom/configuration.h>
+#include <zentara/rom/container.h>
+#include <zentara/rom/rom.h>
 #include <zentara/utils/format.h>
 
 #include "model/little_endian.h"
@@ -27,6 +32,8 @@ namespace {
 constexpr double speedOfLight = 299'792'458; // metres a second
 constexpr double phaseSteps = 65536;
 constexpr std::size_t wordBytes = 2;
+constexpr std::uint32_t storageBytes = 0x4000;
+constexpr std::uint32_t usualChunkBytes = 256; // a formatted storage knows its own
 
 [[noreturn]] void refuse(const Parameter& parameter, double value) {
     const std::string accepted =
@@ -145,10 +152,40 @@ Bytes regionRange() {
         upTo(0, frameWidth - 1), upTo(0, frameHeight - 1), upTo(1, frameWidth), upTo(1, frameHeight)));
 }
 
-Bytes startingCalibration() {
+/// The camera's flash, for reading.
+class Flash final : public ROM::Accessor {
+public:
+    explicit Flash(IO::TofRegisters& way) : registers(way) {}
+
+    Bytes read(std::uint32_t address, std::uint32_t length) override {
+        return length == 0 ? Bytes() : registers.readConfiguration(address, length);
+    }
+    void write(std::uint32_t, const Bytes&) override {
+        throw Failure(ErrorCode_NOT_SUPPORTED, "the parameter back-end does not write to the camera's flash");
+    }
+
+private:
+    IO::TofRegisters& registers;
+};
+
+/// What the camera's flash holds of a calibration; of several configurations the one with the lowest number.
+Bytes storedCalibration(IO::TofRegisters& registers) {
     CalibrationInternal calibration;
-    calibration.setPhaseDelay(1250);
-    calibration.setPhaseDelay2(-310);
+    Flash flash(registers);
+    ROM::ChunkedMemoryManager memory(&flash, 0, storageBytes, usualChunkBytes, true);
+    ROM::Container container(&memory);
+    ROM::ROM rom(&container);
+    rom.initialize();
+    if (rom.romInitialized()) {
+        for (const std::uint16_t uid : rom.getUIDs()) {
+            const std::unique_ptr<const ROM::Object> object(rom.get(uid));
+            if (const auto* stored = dynamic_cast<const ROM::Configuration*>(object.get())) {
+                calibration.setPhaseDelay(stored->getPhaseOffset().getPhaseOffset());
+                calibration.setPhaseDelay2(stored->getPhaseOffset2().getPhaseOffset());
+                break;
+            }
+        }
+    }
     unsigned int size = 0;
     calibration.marshal(nullptr, &size);
     Bytes bytes(size);
@@ -159,7 +196,7 @@ Bytes startingCalibration() {
 } // namespace
 
 CameraParameters::CameraParameters(const IO::BackEndWay& way, const HardwareVersionInternal& version)
-    : registers(IO::TofRegisters::find(version, way)), calibration(startingCalibration()) {
+    : registers(IO::TofRegisters::find(version, way)) {
     if (registers->read(signatureRegister) != signature)
         start();
 }
@@ -262,6 +299,12 @@ Bytes CameraParameters::range(const Parameter& known) {
     default:
         throw Failure(ErrorCode_NOT_SUPPORTED, std::string(known.name) + " has no range");
     }
+}
+
+const Bytes& CameraParameters::readCalibration() {
+    if (!calibration)
+        calibration = storedCalibration(*registers);
+    return *calibration;
 }
 
 void CameraParameters::writeCalibration(Bytes bytes) {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -50,8 +51,9 @@ public:
     /// What the parameter accepts, encoded.
     [[nodiscard]] static std::vector<std::uint8_t> range(const Parameter& parameter);
 
-    [[nodiscard]] const std::vector<std::uint8_t>& readCalibration() const { return calibration; }
-    /// Kept until the back-end ends. \throws Failure if the bytes are no calibration
+    /// What was written last, else what the camera's flash holds, where the described cameras keep it.
+    [[nodiscard]] const std::vector<std::uint8_t>& readCalibration();
+    /// Kept until the back-end ends; the flash stays as it is. \throws Failure if the bytes are no calibration
     void writeCalibration(std::vector<std::uint8_t> bytes);
 
     /// Millimetres for each step of a 16-bit phase.
@@ -62,7 +64,7 @@ private:
     [[nodiscard]] double unambiguousRange();
 
     std::unique_ptr<IO::TofRegisters> registers;
-    std::vector<std::uint8_t> calibration;
+    std::optional<std::vector<std::uint8_t>> calibration; ///< once it was read or written
 };
 
 } // namespace Zentara::Cameras

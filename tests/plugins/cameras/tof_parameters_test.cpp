@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <map>
+
 #include <zentara/calibration_internal.h>
 #include <zentara/io/camera_chip.h>
 #include <zentara/io/library_parameter_interpreter.h>
@@ -199,16 +201,23 @@ TEST_P(TofParameters, SystemStateIsWrittenWholeOrNotAtAll) {
     EXPECT_EQ(parameters->getRegionOfInterest(), (RegionOfInterestInternal{1, 2, 3, 4}));
 }
 
-TEST_P(TofParameters, CalibrationIsKept) {
+TEST_P(TofParameters, CalibrationBeginsWithTheFlashAndIsKept) {
     CalibrationInternal calibration;
+    camera.clearFaults();
+    camera.addFault(3, Fault::Kind::Fail);
+    EXPECT_THAT(failure([&] { parameters->readCalibration(&calibration); }), HasSubstr("of extension unit "));
+    EXPECT_EQ(calibration, CalibrationInternal());
+    camera.clearFaults();
     parameters->readCalibration(&calibration);
-    EXPECT_EQ(calibration.getPhaseDelay(), 1250);
+    const std::map<std::string, int> made{{"OV0570", 0x57}, {"VC0258", 0x82}, {"VC0345", 0x45}};
+    EXPECT_EQ(calibration.getPhaseDelay(), made.at(GetParam()));
+    EXPECT_EQ(calibration.getPhaseDelay2(), -24);
     calibration.setPhaseDelay(77);
     parameters->writeCalibration(&calibration);
     CalibrationInternal again;
     parameters->readCalibration(&again);
     EXPECT_EQ(again.getPhaseDelay(), 77);
-    EXPECT_EQ(again.getPhaseDelay2(), -310);
+    EXPECT_EQ(again.getPhaseDelay2(), -24);
 }
 
 TEST_P(TofParameters, TransferThatFailsIsNamed) {
