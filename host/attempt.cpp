@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <exception>
 #include <new>
+#include <string_view>
 #include <system_error>
 #include <vector>
 
@@ -33,20 +34,22 @@ std::vector<std::string> permissionTexts() {
     return texts;
 }
 
-/// The system's words at the end of a failure's text, as "WHAT: WORDS" or "WHAT (error 0xNUMBER: WORDS)". What stands
-/// before them may hold anything, such as a file that is called so.
-std::string reasonIn(const std::string& cause) {
-    const std::size_t colon = cause.rfind(": ");
-    std::string reason = colon == std::string::npos ? cause : cause.substr(colon + 2);
-    if (!reason.empty() && reason.back() == ')')
-        reason.pop_back();
-    return reason;
+/// Whether the text ends in these words of the system: "WHAT: WORDS", "WHAT (WORDS)" or "WHAT (error 0xNUMBER: WORDS)".
+/// What stands before them may hold anything, such as a file that is called so.
+bool endsIn(std::string_view text, std::string_view words) {
+    if (text.ends_with(')') && !words.ends_with(')'))
+        text.remove_suffix(1);
+    if (!text.ends_with(words))
+        return false;
+    text.remove_suffix(words.size());
+    return text.ends_with(": ") || text.ends_with(" (");
 }
 
 /// A failure of the library carries no number, only the system's words.
 Failure::Code refined(Failure::Code code, const std::string& cause) {
     static const std::vector<std::string>& texts = *new std::vector<std::string>(permissionTexts());
-    const bool isDenied = std::find(texts.begin(), texts.end(), reasonIn(cause)) != texts.end();
+    const bool isDenied = std::any_of(texts.begin(), texts.end(),
+                                      [&cause](const std::string& text) { return endsIn(cause, text); });
     return code == Failure::Failed && isDenied ? Failure::Permission : code;
 }
 
