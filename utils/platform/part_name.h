@@ -5,14 +5,34 @@
 #include <string>
 #include <string_view>
 
-/// What a file is called while it is being written: "NAME.0123456789abcdef.part".
+/// What a file is called while it is being written: "NAME.0123456789abcdef.part". Of a name that would grow longer than
+/// file systems take, as much as fits stands there.
 namespace Zentara::Utils::Platform::PartName {
 
 inline constexpr std::size_t digits = 16;
 inline constexpr std::string_view ending = ".part";
 
+inline constexpr std::size_t longestName = 255;
+inline constexpr std::size_t longestStem = longestName - 1 - digits - ending.size();
+
+inline std::size_t nameBegin(const std::string& path) {
+    const std::size_t separator = path.find_last_of("/\\");
+    return separator == std::string::npos ? 0 : separator + 1;
+}
+
+/// Whole characters of UTF-8.
+inline std::string_view stemOf(const std::string& path) {
+    const std::string_view name = std::string_view(path).substr(nameBegin(path));
+    if (name.size() <= longestStem)
+        return name;
+    std::size_t end = longestStem;
+    while (end > 0 && (static_cast<unsigned char>(name[end]) & 0xC0U) == 0x80U)
+        --end;
+    return name.substr(0, end);
+}
+
 inline std::string make(const std::string& path, unsigned high, unsigned low) {
-    std::string name = path + '.';
+    std::string name = path.substr(0, nameBegin(path)).append(stemOf(path)) + '.';
     for (const unsigned half : {high, low})
         for (int shift = 28; shift >= 0; shift -= 4)
             name += "0123456789abcdef"[half >> shift & 0xFU];
@@ -21,9 +41,7 @@ inline std::string make(const std::string& path, unsigned high, unsigned low) {
 
 /// Whether a name is one that make() gives a file at that path.
 inline bool isOf(const std::string& path, std::string_view name) {
-    const std::size_t separator = path.find_last_of("/\\");
-    const std::string_view own =
-        std::string_view(path).substr(separator == std::string::npos ? 0 : separator + 1);
+    const std::string_view own = stemOf(path);
     if (name.size() != own.size() + 1 + digits + ending.size() || !name.starts_with(own) ||
         !name.ends_with(ending) || name[own.size()] != '.')
         return false;

@@ -8,6 +8,7 @@
 
 #include "support/temporary_directory.h"
 #include "utils/platform/files.h"
+#include "utils/platform/part_name.h"
 
 namespace Zentara::Utils::Platform {
 namespace {
@@ -55,6 +56,16 @@ TEST_F(NewFileTest, TakesItsNameWholeOrNotAtAll) {
     EXPECT_NE(one->partPath(), another->partPath()) << "two savers do not meet";
     EXPECT_FALSE(NewFile::create(directory.path("no/such"), {}));
     EXPECT_FALSE(NewFile::create(std::string("a\0b", 3), {}));
+}
+
+TEST_F(NewFileTest, KeepsAPartsNameWithinWhatFileSystemsTake) {
+    std::string longest = "d/nn";
+    while (longest.size() < 2 + 254)
+        longest += "\xC3\xA4";
+    const std::string part = PartName::make(longest, 1, 2).substr(2);
+    EXPECT_EQ(part.size(), 254U) << "a character is not cut";
+    EXPECT_TRUE(PartName::isOf(longest, part));
+    EXPECT_FALSE(PartName::isOf(longest.substr(0, 100), part));
 }
 
 TEST_F(NewFileTest, TellsWhatLiesWhere) {
