@@ -85,8 +85,8 @@ bool Stream::Core::isHalted() const { return state() == State::Stopped; }
 
 void Stream::Core::setState(State next) {
     condition = next;
-    arrived.notifyAll();
     changed.notifyAll();
+    announce();
 }
 
 bool Stream::Core::wait(Utils::Threading::Condition& which, Moment end) {
@@ -224,18 +224,9 @@ std::optional<Frame> Stream::Core::take(Milliseconds limit, bool newest, const G
             const Moment until = goOn ? std::min(end, steady_clock::now() + askEvery) : end;
             AutoLock hold(lock);
             do {
-                if (condition == State::Stopped)
-                    return std::nullopt;
-                if (!queue.empty()) {
-                    ++numbers.fetched;
-                    return queue.pop(newest, numbers.droppedByQueue);
-                }
-                if (condition == State::Ended)
-                    return std::nullopt;
-                if (condition == State::Failed || condition == State::Unplugged)
-                    throw Failure(*trouble);
-                if (isStarved)
-                    throw FrameMemory::instance().shortage("take a frame of " + name, unitBytes);
+                std::optional<Frame> frame = fetch(newest);
+                if (frame || condition == State::Stopped || condition == State::Ended)
+                    return frame;
             } while (wait(arrived, until));
             if (until == end)
                 throw silence(limit);
@@ -243,6 +234,35 @@ std::optional<Frame> Stream::Core::take(Milliseconds limit, bool newest, const G
         if (!goOn())
             throw Failure(Failure::Interrupted, "the wait for a frame of " + name + " was interrupted");
     }
+}
+
+std::optional<Frame> Stream::Core::poll() {
+    AutoLock hold(lock);
+    return fetch(false);
+}
+
+/// What is there now: a frame, or the failure that comes in its place.
+std::optional<Frame> Stream::Core::fetch(bool newest) {
+    if (!queue.empty()) {
+        ++numbers.fetched;
+        return queue.pop(newest, numbers.droppedByQueue);
+    }
+    if (condition == State::Failed || condition == State::Unplugged)
+        throw Failure(*trouble);
+    if (isStarved && condition == State::Streaming)
+        throw FrameMemory::instance().shortage("take a frame of " + name, unitBytes);
+    return std::nullopt;
+}
+
+void Stream::Core::tellArrivals(std::shared_ptr<Utils::Threading::Signal> signal) {
+    AutoLock hold(lock);
+    listener = std::move(signal);
+}
+
+void Stream::Core::announce() {
+    arrived.notifyAll();
+    if (listener)
+        listener->set();
 }
 
 Failure Stream::Core::silence(Milliseconds limit) const {
@@ -339,7 +359,7 @@ bool Stream::Core::makeDraft() {
         AutoLock hold(lock);
         const bool lacks = !draft;
         if (std::exchange(isStarved, lacks) != lacks)
-            arrived.notifyAll();
+            announce();
         if (lacks)
             changed.timedWait(static_cast<unsigned long>(memoryPause.count()));
     }
@@ -375,6 +395,8 @@ void Stream::Core::deliver(int length, std::int64_t micros) {
     numbers.lostByDevice += fields.droppedBefore;
     numbers.droppedByQueue += queue.push(std::move(draft).finish(static_cast<std::size_t>(length)));
     arrived.notify(false);
+    if (listener)
+        listener->set();
 }
 
 /// Sensors that cannot be read are no reason to end a stream: its frames tell that they have no temperature.

@@ -13,6 +13,7 @@
 #include <zentara/host/stream.h>
 #include <zentara/utils/condition.h>
 #include <zentara/utils/mutex.h>
+#include <zentara/utils/signal.h>
 
 #include "host/streams/frame_draft.h"
 #include "host/streams/frame_gaps.h"
@@ -36,6 +37,10 @@ public:
     // The operations of the stream.
     void start();
     [[nodiscard]] std::optional<Frame> take(Milliseconds limit, bool newest, const GoOn& goOn);
+    /// The next frame if there is one, without waiting; nothing, too, when the stream has ended. \throws as take()
+    [[nodiscard]] std::optional<Frame> poll();
+    /// Who is told when a frame, or the end, has come: for waiting for several streams at once.
+    void tellArrivals(std::shared_ptr<Utils::Threading::Signal> signal);
     void stop();
     [[nodiscard]] const StreamInfo& info() const noexcept { return context->info; }
     [[nodiscard]] const std::string& label() const noexcept { return name; }
@@ -73,8 +78,10 @@ private:
 
     [[nodiscard]] Source launch();
     [[nodiscard]] bool wait(Utils::Threading::Condition& condition, Moment end) ZENTARA_REQUIRES(lock);
+    [[nodiscard]] std::optional<Frame> fetch(bool newest) ZENTARA_REQUIRES(lock);
     [[nodiscard]] Failure silence(Milliseconds limit) const ZENTARA_REQUIRES(lock);
     void setState(State next) ZENTARA_REQUIRES(lock);
+    void announce() ZENTARA_REQUIRES(lock);
     [[nodiscard]] bool waitForReader(Moment end);
     [[nodiscard]] Source takeSource() ZENTARA_REQUIRES(lock);
 
@@ -110,6 +117,7 @@ private:
     std::optional<Failure> trouble ZENTARA_GUARDED_BY(lock); ///< set in Away, Unplugged and Failed
     FrameQueue queue ZENTARA_GUARDED_BY(lock);               ///< empty in Stopped
     StreamCounts numbers ZENTARA_GUARDED_BY(lock);
+    std::shared_ptr<Utils::Threading::Signal> listener ZENTARA_GUARDED_BY(lock); ///< may be null
 };
 
 } // namespace Zentara::Host

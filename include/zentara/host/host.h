@@ -12,6 +12,7 @@
 #include <zentara/host/flash_map.h>
 #include <zentara/host/flash_survey.h>
 #include <zentara/host/frame.h>
+#include <zentara/host/frame_set.h>
 #include <zentara/host/hex_bytes.h>
 #include <zentara/host/lens.h>
 #include <zentara/host/mode.h>

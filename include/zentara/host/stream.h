@@ -14,6 +14,7 @@
 
 namespace Zentara::Host {
 
+class FrameSets;
 struct StreamSetup;
 
 /// Is asked whether to go on waiting, on the thread that waits, about ten times a second, and holding no lock. False ends
@@ -116,6 +117,7 @@ public:
     [[nodiscard]] StreamCounts counts() const noexcept;
 
 private:
+    friend class FrameSets;
     friend Stream openStream(StreamSetup setup, const StreamOptions& options);
     class Core;
     explicit Stream(std::shared_ptr<Core> made) noexcept;

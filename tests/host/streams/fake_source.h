@@ -31,13 +31,14 @@ public:
         changed.notify_all();
     }
 
-    /// The next read delivers a frame whose first value is the number.
-    void frame(std::uint16_t number, std::int64_t micros) {
+    /// The next read delivers a frame of that many values: the number, and 7.
+    void frame(std::uint16_t number, std::int64_t micros, std::size_t count = 2) {
         then([=](void* buffer, int, std::int64_t* when, int* length) {
-            const std::uint16_t values[]{number, 7};
-            std::memcpy(buffer, values, sizeof values);
+            std::vector<std::uint16_t> values(count, 7);
+            values[0] = number;
+            std::memcpy(buffer, values.data(), 2 * count);
             *when = micros;
-            *length = sizeof values;
+            *length = static_cast<int>(2 * count);
             return ReadBufferStatus_OK;
         });
     }
@@ -115,7 +116,7 @@ public:
 
     [[nodiscard]] const StreamInfo& info() const override { return about; }
     [[nodiscard]] std::string label() const override { return "LEFT"; }
-    [[nodiscard]] std::size_t usualBytes() const override { return 4; }
+    [[nodiscard]] std::size_t usualBytes() const override { return 64; }
     void start() override { camera->onStart(); }
     ReadBufferStatus read(void* buffer, int size, std::int64_t* micros, int* length) override {
         return camera->read(buffer, size, micros, length, ended);

@@ -6,7 +6,9 @@
 #include <gmock/gmock.h>
 
 #include <zentara/host/failure.h>
+#include <zentara/host/frame_set.h>
 #include <zentara/host/stream.h>
+#include <zentara/utils/clock.h>
 
 #include "host/streams/fake_source.h"
 #include "support/failing_allocation.h"
@@ -313,6 +315,128 @@ TEST_F(StreamTest, CopiesNothingAndNeedsNoMemoryOnceItRuns) {
     }
     EXPECT_FALSE(asks);
     EXPECT_EQ(frameMemoryTaken(), taken);
+}
+
+/// Depth at 100 frames a second, colour at 50, and sound in blocks of 10 ms; times in milliseconds.
+class FrameSetsTest : public testing::Test {
+protected:
+    FrameSetsTest() {
+        color->info.mode.kind = Kind::Color;
+        color->info.mode.rate = 50;
+        audio->info.mode = {
+            .kind = Kind::Audio, .name = "MONO", .rate = 1000, .channels = 1, .bitsPerSample = 16};
+    }
+
+    void depthAt(int time) { depth->frame(static_cast<std::uint16_t>(time), base + 1000 * time); }
+    void colorAt(int time) { color->frame(static_cast<std::uint16_t>(time), base + 1000 * time); }
+    void soundAt(int time) { audio->frame(static_cast<std::uint16_t>(time), base + 1000 * time, 10); }
+
+    FrameSets sets(bool withSound, std::chrono::milliseconds patience = 5s) {
+        std::vector<Stream> streams;
+        for (const auto& camera : {depth, color, audio}) {
+            if (camera != audio || withSound)
+                streams.push_back(camera->stream({.queue = 20, .started = false}));
+        }
+        return {std::move(streams), {patience}};
+    }
+
+    /// "DEPTH COLOUR: SOUND, what is missing".
+    static std::string text(const std::optional<FrameSet>& set) {
+        if (!set)
+            return "end";
+        const auto first = [](const Frame& frame) {
+            std::uint16_t value = 0;
+            std::memcpy(&value, frame.bytes().data(), sizeof value);
+            return std::to_string(value);
+        };
+        std::string words =
+            (set->depth ? first(*set->depth) : "-") + " " + (set->color ? first(*set->color) : "-") + ":";
+        for (const Frame& block : set->audio)
+            words += " " + first(block);
+        for (const std::string& one : set->missing)
+            words += ", " + one;
+        return words;
+    }
+
+    const std::shared_ptr<FakeCamera> depth = std::make_shared<FakeCamera>();
+    const std::shared_ptr<FakeCamera> color = std::make_shared<FakeCamera>();
+    const std::shared_ptr<FakeCamera> audio = std::make_shared<FakeCamera>();
+    const std::int64_t base = Utils::Clock::nowMicros() - 500'000; ///< a device whose clock is the host's
+};
+
+TEST_F(FrameSetsTest, PutsTogetherWhatWasTakenAtOneTime) {
+    for (int time = 0; time < 50; time += 10)
+        depthAt(time);
+    for (const int time : {1, 21, 41})
+        colorAt(time);
+    for (int time = 0; time < 70; time += 10)
+        soundAt(time);
+    for (const auto& one : {depth, color, audio})
+        one->status(ReadBufferStatus_NOT_STREAMING);
+    FrameSets together = sets(true);
+    const auto first = together.next(soon);
+    EXPECT_EQ(text(first), "0 1: 0 10 20");
+    EXPECT_EQ(first->endMicros - first->beginMicros, 20'000);
+    EXPECT_EQ(text(together.next(soon)), "20 21: 30 40");
+    EXPECT_EQ(text(together.next(soon)), "40 41: 50 60");
+    EXPECT_EQ(text(together.next(forEver)), "end");
+}
+
+TEST_F(FrameSetsTest, GivesWhatThereIsAndSaysWhatIsMissing) {
+    for (const int time : {0, 10, 20, 30, 40, 60, 70})
+        depthAt(time);
+    for (const int time : {1, 41, 81}) // 21 was lost, and so was the depth of 81
+        colorAt(time);
+    soundAt(0);
+    color->status(ReadBufferStatus_DISCONNECTED);
+    FrameSets together = sets(true, 100ms);
+    EXPECT_EQ(text(together.next(soon)), "0 1: 0, audio: it ends 11 ms early");
+    EXPECT_EQ(text(together.next(soon)), "20 -:, color: nothing within 10 ms, audio: there is none");
+    EXPECT_EQ(text(together.next(soon)), "40 41:, audio: there is none");
+    EXPECT_EQ(text(together.next(soon)), "60 -:, color: nothing within 10 ms, audio: there is none");
+    EXPECT_EQ(text(together.next(soon)), "- 81:, depth: nothing within 10 ms, audio: there is none");
+    EXPECT_THAT(messageOf<Failure>([&] { (void)together.next(soon); }), HasSubstr("LEFT was unplugged"));
+    depthAt(100);
+    EXPECT_EQ(text(together.next(soon)), "100 -:, color: its stream has ended, audio: there is none");
+    EXPECT_THAT(messageOf<Failure>([&] { (void)together.next(30ms); }),
+                HasSubstr("no set of frames came from LEFT"));
+    std::thread stopping([&] { together.stop(); });
+    EXPECT_EQ(text(together.next(forEver)), "end");
+    stopping.join();
+}
+
+TEST_F(FrameSetsTest, TakesDevicesOfAnyClockAndRefusesTwoOfOneKind) {
+    depth->info.mode.rate = color->info.mode.rate = 1; // half a second is near enough
+    color->frame(2, -5'000'000);
+    depthAt(300);
+    FrameSets together = sets(false, 20s);
+    color->frame(3, -4'000'000);
+    EXPECT_EQ(text(together.next(soon)), "300 2:");
+    color->info.mode.kind = Kind::Depth;
+    EXPECT_THAT(messageOf<Failure>([&] { (void)sets(false); }),
+                HasSubstr("there is another stream of its kind"));
+}
+
+TEST_F(FrameSetsTest, ShowsColourInTheGridOfDepth) {
+    depth->info.lens = color->info.lens =
+        CameraIntrinsics{.width = 2, .height = 1, .fx = 1, .fy = 1, .cx = 0.5F, .cy = 0};
+    depth->info.mode.rate = 50;
+    depth->frame(0, base);
+    color->frame(128 << 8 | 235, base); // white, and as white
+    FrameSets together = sets(false, 100ms);
+    auto set = together.next(soon);
+    ASSERT_TRUE(set && set->depth && set->color);
+    EXPECT_THAT(messageOf<Failure>([&] { (void)colourOf(*set); }),
+                HasSubstr("the pose of its colour camera"));
+    StreamInfo posed = set->depth->info();
+    posed.pose = ExtrinsicParametersInternal{1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0};
+    set->depth = Frame(std::make_shared<StreamInfo>(posed), set->depth->bytes());
+    const auto colors = colourOf(*set);
+    ASSERT_EQ(colors.size(), 2U);
+    EXPECT_FALSE(colors[0]) << "there is no depth";
+    EXPECT_TRUE(colors[1]);
+    set->color.reset();
+    EXPECT_EQ(codeOf([&] { (void)colourOf(*set); }), Failure::Usage);
 }
 
 } // namespace
