@@ -1,3 +1,4 @@
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -31,6 +32,14 @@ namespace {
     std::_Exit(1);
 }
 
+/// Ends the program in words where the library, or a plug-in, calls abort(): the library does when the system has no
+/// thread for it.
+extern "C" void endAborted(int) {
+    std::fputs("zentara: ended by abort(): the system had no memory or thread left, or a plug-in gave up\n",
+               stderr);
+    std::_Exit(1);
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -41,6 +50,7 @@ int main(int argc, char** argv) {
     if (Zentara::Tool::isPluginQuestion(arguments))
         return Zentara::Tool::answerPluginQuestion(arguments);
     std::set_terminate(endInWords);
+    std::signal(SIGABRT, endAborted);
     const Platform::ConsoleSetup setup;
     Zentara::Tool::Console console{std::cout, std::cerr, setup.takesEscapeSequences(stderr),
                                    Platform::executablePath()};
