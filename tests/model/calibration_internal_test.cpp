@@ -124,6 +124,7 @@ TEST(CalibrationInternalTest, LengthsAndCountsThatLieAreRefused) {
     CalibrationInternal calibration;
     EXPECT_EQ(-1, unmarshal(calibration, {0x40, 1, 3, 0, 9, 9})) << "a record shorter than its header";
     EXPECT_EQ(-1, unmarshal(calibration, {0x40, 1, 4, 0})) << "no room for the value";
+    EXPECT_EQ(0, unmarshal(calibration, {0x22, 1, 8, 0, 0, 0, 0, 0})) << "a set of none";
     EXPECT_EQ(-1, unmarshal(calibration, {0x22, 1, 12, 0, 2, 0, 0, 0, 1, 0, 0, 0}))
         << "two claimed, one there";
 }

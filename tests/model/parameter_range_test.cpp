@@ -34,6 +34,7 @@ Bytes encode(const ParameterRangeBaseInternal& range) {
     unsigned int needed = 0;
     EXPECT_EQ(range.marshal(nullptr, &needed), -6);
     Bytes bytes(needed + 1, 0xAA);
+    EXPECT_EQ(range.marshal(bytes.data(), nullptr), -6);
     unsigned int size = needed - 1;
     EXPECT_EQ(range.marshal(bytes.data(), &size), -6);
     EXPECT_EQ(size, needed);

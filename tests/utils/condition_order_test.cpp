@@ -1,4 +1,5 @@
 #include <zentara/utils/condition.h>
+#include <zentara/utils/queue.h>
 
 #include "utils/platform/event.h"
 #include "utils/platform/word.h"
@@ -8,7 +9,7 @@
 namespace Zentara::Utils::Threading {
 namespace {
 
-/// What happens at the moment when the mutex of the test is given back.
+/// What happens at the moment when the mutex of the test, or any if none is watched, is given back.
 std::function<void()> atRelease;
 const Mutex* watched = nullptr;
 
@@ -34,6 +35,27 @@ TEST(ConditionOrder, ANotificationAtTheLastMomentCounts) {
     EXPECT_EQ(condition.timedWait(1), -1);
 }
 
+// Two pushes before either of two waiters sleeps are one signal.
+TEST(QueueOrder, WhoTakesAnElementWakesTheNext) {
+    Collection::Queue<int> queue;
+    int first = 0;
+    int second = 0;
+    bool slept = false;
+    watched = nullptr;
+    atSleep = [&] { slept = true; };
+    atRelease = [&] {     // the first waits
+        atRelease = [&] { // so does the second
+            queue.push(1);
+            queue.push(2);
+        };
+        EXPECT_TRUE(queue.timedPop(second, 1000));
+    };
+    EXPECT_TRUE(queue.timedPop(first, 1000));
+    EXPECT_EQ(first + second, 3);
+    EXPECT_FALSE(slept);
+    atSleep = nullptr;
+}
+
 TEST(EventOrder, ATokenAtTheLastMomentIsTakenAndTheWaiterGone) {
     using Platform::Event;
     for (const auto kind : {Event::Reset::automatic, Event::Reset::manual}) {
@@ -54,7 +76,7 @@ TEST(EventOrder, ATokenAtTheLastMomentIsTakenAndTheWaiterGone) {
 Mutex::~Mutex() = default;
 void Mutex::acquire() noexcept ZENTARA_NO_THREAD_SAFETY_ANALYSIS {}
 void Mutex::release() noexcept ZENTARA_NO_THREAD_SAFETY_ANALYSIS {
-    if (const auto happens = this == watched ? std::exchange(atRelease, nullptr) : nullptr)
+    if (const auto happens = !watched || this == watched ? std::exchange(atRelease, nullptr) : nullptr)
         happens();
 }
 void RecursiveMutex::acquire() noexcept ZENTARA_NO_THREAD_SAFETY_ANALYSIS { mutex.acquire(); }

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <thread>
 
 namespace Zentara::Utils::Collection {
@@ -72,37 +71,6 @@ TEST(Queue, EveryValueArrivesOnce) {
     }
     EXPECT_EQ(seen.size(), std::size_t{producers} * each);
     EXPECT_TRUE(queue.empty());
-}
-
-/// Two pushes before either of two waiters sleeps set the signal once: who takes an element wakes the next.
-TEST(Queue, EveryWaiterGetsAnElement) {
-    constexpr int rounds = 3000;
-    Queue<int> queue;
-    std::atomic<int> coming{0};
-    std::atomic<int> had{0};
-    std::atomic<bool> lost{false};
-    std::vector<std::thread> waiters;
-    for (int i = 0; i < 2; ++i) {
-        waiters.emplace_back([&] {
-            for (int round = 1; round <= rounds && !lost; ++round) {
-                ++coming;
-                int value = 0;
-                if (!queue.timedPop(value, 5000))
-                    lost = true;
-                for (++had; had < 2 * round && !lost;)
-                    std::this_thread::yield();
-            }
-        });
-    }
-    for (int round = 1; round <= rounds && !lost; ++round) {
-        while (coming < 2 * round && !lost) {
-        }
-        queue.push(1);
-        queue.push(2);
-    }
-    for (auto& waiter : waiters)
-        waiter.join();
-    EXPECT_FALSE(lost);
 }
 
 TEST(Clock, SplitsAndRuns) {

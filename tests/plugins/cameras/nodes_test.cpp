@@ -293,6 +293,7 @@ TEST_P(DepthNodeTest, FindsTheStorageOfACameraFromTheFactory) {
     EXPECT_TRUE(camera->getTemperatureCompensation().comesFromRom());
     EXPECT_TRUE(camera->getCyclicErrorCorrection().comesFromRom());
     EXPECT_EQ(camera->getImageRegistrationCalibration().extrinsics.values.at(0).t1, 26.5F);
+    EXPECT_EQ(camera->getImageRegistrationCalibration().colorIntrinsics.values.at(0).fx, 915.5F);
     EXPECT_EQ(camera->getConfigurations()[1]->getCalibration().getPhaseDelay(), -24);
 }
 

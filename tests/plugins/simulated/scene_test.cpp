@@ -36,25 +36,6 @@ TEST(Scene, IsTheSameForTheSameSeedAndFrameAndNoOther) {
     EXPECT_FALSE(frameOf(5, 1) == frameOf(5, 2));
 }
 
-TEST(Scene, StaysWithinItsDepthsAndLosesFewPixels) {
-    for (const std::uint32_t number : {0U, 45U, 90U, 0xFFFFFFFFU}) {
-        const Frame frame = frameOf(number);
-        std::size_t blind = 0;
-        for (std::size_t index = 0; index < pixelCount; ++index) {
-            const std::uint16_t depth = frame.depth[index];
-            EXPECT_EQ(depth == 0, frame.confidence[index] == 0) << "pixel " << index;
-            EXPECT_LE(frame.confidence[index], fullConfidence);
-            blind += depth == 0;
-            if (depth != 0) {
-                ASSERT_GE(depth, Scene::ballNearest - 20) << "pixel " << index;
-                ASSERT_LE(depth, Scene::planeFar + 100) << "pixel " << index;
-            }
-        }
-        EXPECT_GT(blind, 0U);
-        EXPECT_LT(blind, pixelCount / 20);
-    }
-}
-
 TEST(Tone, HasTheTwoPitchesAndJoinsItsBlocks) {
     std::vector<std::int16_t> second(std::size_t{audioSampleRate} * audioChannels);
     Tone::fill(0, audioSampleRate, 1.0F, second.data());
