@@ -37,6 +37,9 @@ ResourceUse resourceUse();
 /// Whether a person reads what is written to the stream.
 bool isTerminal(std::FILE* stream) noexcept;
 
+/// Whether the stream is a pipe whose reader has gone. Nothing is written.
+bool hasLostReader(std::FILE* stream) noexcept;
+
 /// A word of a command line as a person pastes it into the system's command interpreter: in quotes where it needs them.
 std::string shellWord(const std::string& text);
 

@@ -1,3 +1,5 @@
+#include <cstdio>
+#include <iostream>
 #include <memory>
 
 #include <CLI/CLI.hpp>
@@ -12,6 +14,7 @@
 #include "tools/zentara/json_output.h"
 #include "tools/zentara/text_columns.h"
 #include "tools/zentara/verb.h"
+#include "utils/platform/program.h"
 
 namespace Zentara::Tool {
 namespace {
@@ -103,6 +106,8 @@ ExitCode watchDevices(const DevicesOptions& options, CameraBus& bus, Console& co
         ExternalEvent event;
         if (bus.next(event, lookMilliseconds))
             printEvent(console, event, bus);
+        else if (&console.out == &std::cout && Utils::Platform::hasLostReader(stdout))
+            console.out.setstate(std::ios::badbit); // as the next line would find
     }
     return interrupt.interrupted() ? Failure::Interrupted : Failure::None;
 }

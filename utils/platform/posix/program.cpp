@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <poll.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -61,6 +62,11 @@ ResourceUse resourceUse() {
 }
 
 bool isTerminal(std::FILE* stream) noexcept { return isatty(fileno(stream)) == 1; }
+
+bool hasLostReader(std::FILE* stream) noexcept {
+    pollfd state{fileno(stream), 0, 0};
+    return poll(&state, 1, 0) == 1 && (state.revents & POLLERR) != 0;
+}
 
 std::string shellWord(const std::string& text) {
     const bool isPlain = !text.empty() && text.find_first_not_of(

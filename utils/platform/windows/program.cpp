@@ -101,6 +101,14 @@ bool isTerminal(std::FILE* stream) noexcept {
     return GetConsoleMode(handleOf(stream), &mode) != 0;
 }
 
+// A write of nothing reaches no reader, and fails without one.
+bool hasLostReader(std::FILE* stream) noexcept {
+    DWORD written = 0;
+    return GetFileType(handleOf(stream)) == FILE_TYPE_PIPE &&
+           !WriteFile(handleOf(stream), "", 0, &written, nullptr) &&
+           (GetLastError() == ERROR_NO_DATA || GetLastError() == ERROR_BROKEN_PIPE);
+}
+
 // A Windows that does not know escape sequences refuses the mode, and they would be shown as they stand.
 ConsoleSetup::ConsoleSetup() noexcept {
     bool hasConsole = false;
