@@ -65,6 +65,8 @@ StepWatcher::~StepWatcher() = default;
 
 void watchSteps(StepWatcher* watcher) noexcept { watching = watcher; }
 
+StepWatcher* stepWatcher() noexcept { return watching; }
+
 Step::Step(const std::string& what) {
     if (watching != nullptr)
         watching->begins(what);
@@ -118,6 +120,8 @@ void rethrowAsFailure(const std::string& what) {
         throw;
     } catch (const Failure&) {
         throw;
+    } catch (const Plugin::NotSupportedPluginException& lack) {
+        throw Unsupported(message, failureText(lack.type()) + (": " + Utils::visibleText(lack.message())));
     } catch (const PluginException& failure) {
         const std::string timeout = hiddenTimeout(failure.type());
         const std::string cause =

@@ -14,4 +14,10 @@ Failure::Failure(const Failure&) = default;
 Failure& Failure::operator=(const Failure&) = default;
 Failure::~Failure() = default;
 
+Unsupported::Unsupported(std::string message, std::string cause)
+    : Failure(Failed, std::move(message), std::move(cause)) {}
+Unsupported::Unsupported(const Unsupported&) = default;
+Unsupported& Unsupported::operator=(const Unsupported&) = default;
+Unsupported::~Unsupported() = default;
+
 } // namespace Zentara::Host

@@ -25,47 +25,6 @@ namespace {
 
 constexpr unsigned long complaintMilliseconds = 500;
 
-/// The cause is a plug-in's text, and may be of any length.
-void tellLeftOut(const Note& note, const Failure& failure) {
-    tell(note,
-         failure.message() + "; it is left out" + (failure.cause().empty() ? "" : ": ") + failure.cause());
-}
-
-bool hasName(const CameraEntry& camera, const std::string& name) {
-    return camera.path == name || camera.serialNumber() == name;
-}
-
-bool contains(const std::string& text, const std::string& part) {
-    return Utils::toLower(text).find(Utils::toLower(part)) != std::string::npos;
-}
-
-bool resembles(const CameraEntry& camera, const std::string& name) {
-    return contains(camera.product, name) || contains(camera.controller, name) ||
-           std::any_of(camera.nodes.begin(), camera.nodes.end(),
-                       [&](const NodeEvent& node) { return contains(cameraLabel(node), name); });
-}
-
-std::string listOf(const std::vector<CameraEntry>& cameras) {
-    std::string text;
-    for (const CameraEntry& camera : cameras)
-        text += (text.empty() ? "" : ", ") + Utils::visibleText(camera.serialNumber());
-    return text;
-}
-
-std::vector<CameraEntry> camerasNamed(const std::vector<CameraEntry>& cameras, const std::string& name) {
-    if (name.empty())
-        throw Failure(Failure::Usage, "the name of the camera is empty");
-    std::vector<CameraEntry> found;
-    for (const auto& fits : {hasName, resembles}) {
-        std::copy_if(cameras.begin(), cameras.end(), std::back_inserter(found),
-                     [&](const CameraEntry& camera) { return fits(camera, name); });
-        if (!found.empty())
-            return found;
-    }
-    throw Failure(Failure::NoDevice,
-                  Format("no camera is called '%'; plugged in: %") % name % listOf(cameras));
-}
-
 /// What the description of a camera's first node says of the whole. A camera that no store describes is there all the
 /// same: what it is wanted for will say so.
 void describe(CameraEntry& camera, CameraStore& store) {
@@ -82,67 +41,7 @@ void describe(CameraEntry& camera, CameraStore& store) {
     });
 }
 
-/// What goes wrong while something is let go is logged: it keeps nobody from going on.
-template<typename Work>
-void close(const std::string& what, Work work) noexcept {
-    try {
-        attempt("close " + what, work);
-    } catch (const Failure& failure) {
-        tell({}, Utils::visibleText(failure.what()));
-    }
-}
-
 } // namespace
-
-CameraStore::CameraStore(const Note* leftOut) {
-    std::optional<Failure> first;
-    for (const GUID& guid : registeredPlugins(Core::ImplType_DESCRIPTOR_STORE, "descriptor store")) {
-        Utils::SmartPtr<Core::DescriptorStoreInterface> store; // outlives what its library throws
-        try {
-            attempt("read the descriptions of cameras through " + guidLabel(guid), [&] {
-                store = makePlugin<Core::DescriptorStoreInterface>(guid);
-                store->initialize();
-                if (store->getDescriptorStore() == nullptr)
-                    throw Failure(Failure::Failed, "the store " + guidLabel(guid) + " has no descriptions");
-                stores.push_back(store);
-            });
-        } catch (const Failure& failure) {
-            if (!first)
-                first.emplace(failure);
-            if (leftOut != nullptr)
-                tellLeftOut(*leftOut, failure);
-        }
-    }
-    if (stores.empty())
-        throw Failure(*first);
-    std::vector<Core::DescriptorStoreRO*> views;
-    for (const auto& store : stores)
-        views.push_back(store->getDescriptorStore());
-    joined = std::make_unique<JoinedDescriptions>(std::move(views));
-}
-
-CameraStore::~CameraStore() {
-    for (const auto& store : stores)
-        close("a descriptor store", [&] { store->dispose(); });
-    const Step watched("close the descriptor stores");
-    stores.clear();
-}
-
-void CameraStore::select(const NodeEvent& node) {
-    attempt("find the description of " + cameraLabel(node), [&] {
-        for (std::size_t index = 0; index < stores.size(); ++index) {
-            if (stores[index]->selectNodeDescriptor(node.hardwareIds(), node.profile)) {
-                selected = index;
-                return;
-            }
-        }
-        throw Failure(Failure::Failed, "no camera description belongs to " + cameraLabel(node));
-    });
-}
-
-Core::DescriptorStoreRO& CameraStore::view() const { return *stores[selected]->getDescriptorStore(); }
-
-Core::DescriptorStoreRO& CameraStore::all() const { return *joined; }
 
 const NodeEvent* CameraEntry::find(NodeType type) const {
     const auto found = std::find_if(nodes.begin(), nodes.end(),
@@ -156,7 +55,7 @@ std::string CameraEntry::serialNumber() const { return nodes.empty() ? "" : node
 struct CameraBus::Source {
     explicit Source(const GUID& guid) : name(guidLabel(guid)) {}
     ~Source() {
-        close("the enumerator " + name, [this] {
+        closeQuietly("the enumerator " + name, [this] {
             if (enumerator)
                 enumerator->dispose();
         });
@@ -171,7 +70,8 @@ struct CameraBus::Source {
     Utils::SmartPtr<IO::EnumeratorInterface> enumerator;
 };
 
-CameraBus::CameraBus(Note told) : note(std::move(told)), descriptions(&note) {
+CameraBus::CameraBus(Note told, std::shared_ptr<Events> arrivals)
+    : note(std::move(told)), descriptions(&note), events(std::move(arrivals)) {
     std::optional<Failure> first;
     for (const GUID& guid : registeredPlugins(Core::ImplType_ENUMERATOR, "enumerator")) {
         try {
@@ -195,7 +95,7 @@ void CameraBus::open(const GUID& guid) {
     auto source = std::make_unique<Source>(guid);
     attempt("look for cameras through " + source->name, [&] {
         source->enumerator = makePlugin<IO::EnumeratorInterface>(guid);
-        source->enumerator->initialize(&events, &source->store.all());
+        source->enumerator->initialize(events.get(), &source->store.all());
     });
     sources.push_back(std::move(source));
 }
@@ -274,7 +174,7 @@ void CameraBus::watch() {
 }
 
 bool CameraBus::next(ExternalEvent& event, unsigned long milliseconds) {
-    return events.timedPop(event, milliseconds);
+    return events->timedPop(event, milliseconds);
 }
 
 std::string CameraBus::backendName() {
@@ -284,50 +184,6 @@ std::string CameraBus::backendName() {
                 [&] { names += (names.empty() ? "" : ", ") + source->enumerator->getBackendName(); });
     }
     return names;
-}
-
-std::vector<CameraEntry> chooseCameras(const std::vector<CameraEntry>& cameras,
-                                       const std::vector<std::string>& names) {
-    if (cameras.empty())
-        throw Failure(Failure::NoDevice, "no camera is plugged in");
-    if (names.empty())
-        return {cameras.front()};
-    std::vector<CameraEntry> chosen;
-    for (const std::string& name : names) {
-        for (const CameraEntry& camera : camerasNamed(cameras, name)) {
-            const bool known = std::any_of(chosen.begin(), chosen.end(), [&](const CameraEntry& other) {
-                return other.path == camera.path;
-            });
-            if (!known)
-                chosen.push_back(camera);
-        }
-    }
-    return chosen;
-}
-
-CameraEntry chooseCamera(const std::vector<CameraEntry>& cameras, const std::string& name) {
-    const auto names = name.empty() ? std::vector<std::string>() : std::vector<std::string>{name};
-    const std::vector<CameraEntry> chosen = chooseCameras(cameras, names);
-    if (chosen.size() > 1)
-        throw Failure(Failure::Usage,
-                      Format("'%' may be any of %; name one by its serial number") % name % listOf(chosen));
-    return chosen.front();
-}
-
-CameraEntry chooseCameraToWrite(const std::vector<CameraEntry>& cameras, const std::string& name) {
-    if (name.empty() && cameras.size() > 1)
-        throw Failure(Failure::Usage,
-                      Format("several cameras are plugged in, and none is written to unnamed: %") %
-                          listOf(cameras),
-                      {}, "name one with --camera");
-    return chooseCamera(cameras, name);
-}
-
-std::string cameraLabel(const NodeEvent& node) {
-    const std::string label = Format("% %") %
-                              (node.name.empty() ? std::string(nodeTypeName(node.nodeType)) : node.name) %
-                              node.serialNumber;
-    return Utils::visibleText(label);
 }
 
 } // namespace Zentara::Host

@@ -41,7 +41,11 @@ void logFailure(const std::string& what, const std::exception_ptr& failure) {
 } // namespace
 
 /// Shared by the hand and its thread; lives as long as the one that goes last.
-struct Hand::State {
+struct Hand::State final : StepWatcher {
+    void begins(const std::string& what) noexcept override;
+    void ends() noexcept override;
+    [[nodiscard]] std::string timeout() override;
+
     void serve();
     [[nodiscard]] Job* begin();
     static void perform(Job& job);
@@ -51,7 +55,14 @@ struct Hand::State {
     bool waitUntil(steady_clock::time_point limit) ZENTARA_REQUIRES(lock);
     /// That a caller's limit has passed.
     [[nodiscard]] Failure giveUp(Job& job, milliseconds limit) ZENTARA_REQUIRES(lock);
-    /// What is under way, and for how long.
+    /// Who is told of the steps of what is under way; null for nobody.
+    [[nodiscard]] StepWatcher* listener() const ZENTARA_REQUIRES(lock);
+    /// Tells a watcher that comes, or goes, of the steps that are under way.
+    void join(StepWatcher* watcher) const ZENTARA_REQUIRES(lock);
+    void leave(StepWatcher* watcher) const ZENTARA_REQUIRES(lock);
+    /// What is under way: the innermost step. Empty when nothing is.
+    [[nodiscard]] std::string words() const ZENTARA_REQUIRES(lock);
+    /// The same, and for how long.
     [[nodiscard]] std::string doing() const ZENTARA_REQUIRES(lock);
 
     Utils::Threading::Mutex lock;
@@ -62,7 +73,10 @@ struct Hand::State {
     std::unique_ptr<Job> current ZENTARA_GUARDED_BY(lock);
     /// Done, and yet to be taken by their callers, all of which wait.
     std::vector<std::unique_ptr<Job>> done ZENTARA_GUARDED_BY(lock);
-    std::string words ZENTARA_GUARDED_BY(lock);              ///< of what is under way; empty when nothing is
+    /// The words of the job under way and of its steps, the outermost first; empty when nothing is under way.
+    std::vector<std::string> steps ZENTARA_GUARDED_BY(lock);
+    /// Of the destroying thread, while that one waits: is told of what nobody else waits for.
+    StepWatcher* last ZENTARA_GUARDED_BY(lock) = nullptr;
     steady_clock::time_point since ZENTARA_GUARDED_BY(lock); ///< when that began
     bool isHung ZENTARA_GUARDED_BY(lock) =
         false; ///< somebody has waited for it in vain; only while it is under way
@@ -70,11 +84,47 @@ struct Hand::State {
     bool isRunning ZENTARA_GUARDED_BY(lock) = true; ///< there is a thread
 };
 
+void Hand::State::begins(const std::string& what) noexcept {
+    AutoLock hold(lock);
+    steps.push_back(what);
+    if (StepWatcher* watcher = listener())
+        watcher->begins(what);
+}
+
+void Hand::State::ends() noexcept {
+    AutoLock hold(lock);
+    steps.pop_back();
+    if (StepWatcher* watcher = listener())
+        watcher->ends();
+}
+
+std::string Hand::State::timeout() {
+    AutoLock hold(lock);
+    StepWatcher* const watcher = listener();
+    return watcher == nullptr ? std::string() : watcher->timeout();
+}
+
+StepWatcher* Hand::State::listener() const { return current && current->isAwaited ? current->watcher : last; }
+
+void Hand::State::join(StepWatcher* watcher) const {
+    for (std::size_t index = 1; watcher != nullptr && index < steps.size(); ++index)
+        watcher->begins(steps[index]);
+}
+
+void Hand::State::leave(StepWatcher* watcher) const {
+    for (std::size_t index = 1; watcher != nullptr && index < steps.size(); ++index)
+        watcher->ends();
+}
+
+std::string Hand::State::words() const { return steps.empty() ? std::string() : steps.back(); }
+
 void Hand::State::serve() {
+    watchSteps(this);
     while (Job* job = begin()) {
         perform(*job);
         end();
     }
+    watchSteps(nullptr);
     AutoLock hold(lock);
     isRunning = false;
     changed.notifyAll();
@@ -90,7 +140,7 @@ Hand::Job* Hand::State::begin() {
     }
     current = std::move(queue.front());
     queue.pop_front();
-    words = current->what;
+    steps = {current->what};
     since = steady_clock::now();
     return current.get();
 }
@@ -124,7 +174,7 @@ void Hand::State::end() {
         logFailure(unwanted->what, unwanted->failure);
     unwanted.reset();
     AutoLock hold(lock);
-    words.clear();
+    steps.clear();
     isHung = false;
     changed.notifyAll();
 }
@@ -139,25 +189,28 @@ bool Hand::State::waitUntil(steady_clock::time_point limit) {
 }
 
 Failure Hand::State::giveUp(Job& job, milliseconds limit) {
-    const std::string message = "cannot " + job.what;
     job.isAwaited = false;
     if (current.get() == &job) {
+        leave(job.watcher);
         isHung = true;
-        return Failure(Failure::TimedOut, message, "it has not come back for " + secondsText(limit), remedy);
+        return Failure(Failure::TimedOut, "cannot " + words(),
+                       "it has not come back for " + secondsText(limit), remedy);
     }
     job.isDropped = true;
     isHung = isHung || (current && !current->isAwaited);
-    return Failure(Failure::TimedOut, message, doing(), remedy);
+    return Failure(Failure::TimedOut, "cannot " + job.what, doing(), remedy);
 }
 
 std::string Hand::State::doing() const {
     return Format("what came before has not come back for %: %") % secondsText(steady_clock::now() - since) %
-           words;
+           words();
 }
 
 Hand::Hand(std::string whose, Note told)
     : owner(std::move(whose)), note(std::move(told)), state(std::make_shared<State>()) {
-    std::thread([shared = state] { shared->serve(); }).detach();
+    std::thread served([shared = state] { shared->serve(); });
+    own = served.get_id();
+    served.detach();
 }
 
 Hand::~Hand() {
@@ -166,11 +219,15 @@ Hand::~Hand() {
     {
         AutoLock hold(state->lock);
         state->isEnding = true;
+        state->last = stepWatcher();
+        state->join(state->last);
         state->changed.notifyAll();
-        while (state->isRunning && state->waitUntil(limit)) {
+        while (state->isRunning && std::this_thread::get_id() != own && state->waitUntil(limit)) {
         }
-        if (state->isRunning)
-            late = state->words + ", for " + secondsText(steady_clock::now() - state->since);
+        state->leave(state->last);
+        state->last = nullptr;
+        if (state->isRunning && std::this_thread::get_id() != own)
+            late = state->words() + ", for " + secondsText(steady_clock::now() - state->since);
     }
     if (!late.empty())
         tell(note, owner + " is left behind with its thread: it is still to " + late);
@@ -183,6 +240,7 @@ std::unique_ptr<Hand::Job> Hand::finish(std::unique_ptr<Job> job, milliseconds l
     if (state->isHung)
         throw Failure(Failure::TimedOut, "cannot " + mine->what, state->doing(), remedy);
     mine->isAwaited = true;
+    mine->watcher = stepWatcher();
     state->queue.push_back(std::move(job));
     state->changed.notifyAll();
     auto found = state->done.end();
@@ -209,7 +267,7 @@ void Hand::enqueue(std::unique_ptr<Job> job) const {
 
 std::string Hand::hangsIn() const {
     AutoLock hold(state->lock);
-    return state->isHung ? state->words : std::string();
+    return state->isHung ? state->words() : std::string();
 }
 
 } // namespace Zentara::Host

@@ -5,10 +5,12 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <thread>
 #include <type_traits>
 #include <utility>
 
 #include <zentara/host/note.h>
+#include <zentara/host/step_watcher.h>
 
 #include "host/attempt.h"
 
@@ -26,6 +28,9 @@ namespace Zentara::Host {
 /// it touches, by shared pointers: one that never comes back is left behind with its objects and its thread, so the
 /// library must not be unloaded then.
 ///
+/// The steps of the work (`attempt`) are told to the watcher of the thread that waits for it, and the innermost one is what
+/// a call that does not come back is named by.
+///
 /// Safe, but for the destructor. Must not be called on its own thread.
 class Hand final {
 public:
@@ -35,7 +40,8 @@ public:
     /// \param whose for notes: "LEFT SIM0570" \param told is told what is left behind; called on the destroying thread
     Hand(std::string whose, Note told);
 
-    /// Waits until all is done, `patience` at most, and tells of what has not come back.
+    /// Waits until all is done, `patience` at most, and tells of what has not come back. On the hand's own thread it does
+    /// not wait.
     ~Hand();
     Hand(const Hand&) = delete;
     Hand& operator=(const Hand&) = delete;
@@ -91,8 +97,9 @@ private:
         const std::string what;
         std::exception_ptr failure; ///< what run() threw
         // Guarded by the state's lock.
-        bool isAwaited = false; ///< its caller waits
-        bool isDropped = false; ///< its caller has gone before it began: it is not run
+        bool isAwaited = false;         ///< its caller waits
+        StepWatcher* watcher = nullptr; ///< of the caller, while that one waits; may be null
+        bool isDropped = false;         ///< its caller has gone before it began: it is not run
     };
 
     template<typename Work, typename Result>
@@ -119,6 +126,7 @@ private:
     const std::string owner;
     const Note note;
     const std::shared_ptr<State> state; ///< the thread's as well
+    std::thread::id own;                ///< of that thread; set once
 };
 
 } // namespace Zentara::Host

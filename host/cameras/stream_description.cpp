@@ -107,6 +107,47 @@ std::vector<StreamDescription> modesOf(const NodeEvent& node, const Core::Descri
     return modes;
 }
 
+Mode modeOf(const StreamDescription& stream) {
+    Mode mode;
+    mode.kind = kindOf(stream.node.nodeType).value_or(Kind::Depth);
+    mode.name = stream.modeName();
+    mode.rate = static_cast<std::uint32_t>(stream.rate());
+    const auto& fields = stream.mode.fields;
+    if (mode.kind == Kind::Audio) {
+        mode.channels = fields[0];
+        mode.bitsPerSample = fields[1];
+        return mode;
+    }
+    const FrameSize size = stream.frameSize();
+    mode.width = static_cast<std::uint32_t>(size.width);
+    mode.height = static_cast<std::uint32_t>(size.height);
+    if (mode.kind == Kind::Depth) {
+        mode.cameraMode = fields[2];
+        mode.saturation = fields[3] != 0;
+    } else {
+        mode.powerLineFrequency = fields[2];
+        mode.compression = fields[3];
+    }
+    return mode;
+}
+
+std::optional<Kind> kindOf(NodeType type) noexcept {
+    switch (type) {
+    case NodeType_DEPTH:
+        return Kind::Depth;
+    case NodeType_COLOR:
+        return Kind::Color;
+    case NodeType_AUDIO:
+        return Kind::Audio;
+    default:
+        return {};
+    }
+}
+
+NodeType nodeTypeOf(Kind kind) noexcept {
+    return kind == Kind::Depth ? NodeType_DEPTH : kind == Kind::Color ? NodeType_COLOR : NodeType_AUDIO;
+}
+
 const char* nodeTypeName(NodeType type) noexcept {
     switch (type) {
     case NodeType_DEPTH:

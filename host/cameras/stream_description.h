@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -9,6 +10,7 @@
 #include <zentara/color_configuration.h>
 #include <zentara/depth_configuration.h>
 #include <zentara/frame_format.h>
+#include <zentara/host/mode.h>
 #include <zentara/node_event.h>
 #include <zentara/utils/smart_ptr.h>
 
@@ -63,6 +65,13 @@ struct StreamDescription {
 /// The modes that a description offers for the node that it has selected.
 [[nodiscard]] std::vector<StreamDescription> modesOf(const NodeEvent& node,
                                                      const Core::DescriptorStoreRO& store);
+
+/// The same mode for hosts.
+[[nodiscard]] Mode modeOf(const StreamDescription& stream);
+
+/// The kind of a node that has a stream; nothing for any other.
+[[nodiscard]] std::optional<Kind> kindOf(NodeType type) noexcept;
+[[nodiscard]] NodeType nodeTypeOf(Kind kind) noexcept;
 
 /// "depth", "color" or "audio"; "?" for anything else.
 [[nodiscard]] const char* nodeTypeName(NodeType type) noexcept;

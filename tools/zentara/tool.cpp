@@ -8,8 +8,8 @@
 #include <zentara/utils/format.h>
 #include <zentara/version.h>
 
+#include "host/nearest_word.h"
 #include "tools/zentara/arguments.h"
-#include "tools/zentara/nearest_word.h"
 #include "tools/zentara/program_root.h"
 #include "tools/zentara/supervisor.h"
 #include "tools/zentara/tool_log.h"

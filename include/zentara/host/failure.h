@@ -51,4 +51,13 @@ private:
     std::vector<std::string> more;
 };
 
+/// The camera has not what was asked for, and never will. Code Failed; cause() says what it lacks.
+class ZENTARA_HOST_API Unsupported final : public Failure {
+public:
+    Unsupported(std::string message, std::string cause);
+    Unsupported(const Unsupported&);
+    Unsupported& operator=(const Unsupported&);
+    ~Unsupported() override;
+};
+
 } // namespace Zentara::Host

@@ -1,6 +1,8 @@
 #pragma once
 
 /// Everything that the host library offers.
+#include <zentara/host/camera.h>
+#include <zentara/host/cameras.h>
 #include <zentara/host/color.h>
 #include <zentara/host/color_map.h>
 #include <zentara/host/correction_tables.h>
@@ -18,6 +20,7 @@
 #include <zentara/host/mode.h>
 #include <zentara/host/note.h>
 #include <zentara/host/output_file.h>
+#include <zentara/host/parameter.h>
 #include <zentara/host/picture.h>
 #include <zentara/host/plot.h>
 #include <zentara/host/point_cloud.h>

@@ -7,7 +7,8 @@
 namespace Zentara::Host {
 
 /// Is told of each step that may hang because it calls into a plug-in: who ends a process, or tells a person what it
-/// waits for, knows so what it is at. Called on the watched thread, so it must be quick and throw nothing.
+/// waits for, knows so what it is at. Called on the watched thread, or on another one while the watched one waits for it;
+/// it must be quick and throw nothing, and call nothing of this library.
 class ZENTARA_HOST_API StepWatcher {
 public:
     StepWatcher() = default;
@@ -26,5 +27,8 @@ public:
 
 /// Who watches the steps of the calling thread from now on; null for nobody. It is borrowed.
 ZENTARA_HOST_API void watchSteps(StepWatcher* watcher) noexcept;
+
+/// Who watches the calling thread; null for nobody.
+[[nodiscard]] ZENTARA_HOST_API StepWatcher* stepWatcher() noexcept;
 
 } // namespace Zentara::Host

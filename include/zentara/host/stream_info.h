@@ -8,22 +8,34 @@
 
 #include <zentara/camera_intrinsics.h>
 #include <zentara/extrinsic_parameters_internal.h>
+#include <zentara/hardware_ids.h>
 #include <zentara/host/lens.h>
 #include <zentara/host/mode.h>
 #include <zentara/sensor_value_array.h>
 
 namespace Zentara::Host {
 
+/// One of a camera's nodes: what delivers one stream.
+struct NodeInfo {
+    Kind kind = Kind::Depth;
+    std::string name; ///< for people
+    std::string path; ///< unique while it is plugged in
+    HardwareIDs ids;  ///< vendor, product, revision and interface number
+
+    friend bool operator==(const NodeInfo&, const NodeInfo&) = default;
+};
+
 /// Who a camera is. A plain value; a text that is not known is empty. Texts are as device and description give them:
 /// who shows them makes them fit for showing. Separate.
 struct CameraInfo {
-    std::string serial;      ///< "SIM0570"
-    std::string name;        ///< for people: the product's, else that of the camera's first node
-    std::string vendor;      ///< as the description says
-    std::string product;     ///< as the description says
-    std::string path;        ///< where it is plugged in; unique while it is
-    std::string controller;  ///< "OV0570", as the description says
-    std::vector<Kind> kinds; ///< what it streams, in its own order
+    std::string serial;          ///< "SIM0570"
+    std::string name;            ///< for people: the product's, else that of the camera's first node
+    std::string vendor;          ///< as the description says
+    std::string product;         ///< as the description says
+    std::string path;            ///< where it is plugged in; unique while it is
+    std::string controller;      ///< "OV0570", as the description says
+    std::vector<Kind> kinds;     ///< what it streams, in its own order
+    std::vector<NodeInfo> nodes; ///< what that comes from, in the enumerator's order
 
     /// What to call it in a message: "depth camera SIM0570".
     [[nodiscard]] ZENTARA_HOST_API std::string label() const;
@@ -66,6 +78,7 @@ struct ModeCorrections {
     };
 
     Temperature temperature = Temperature::None;
+    std::int32_t temperatureAlgorithm = 0; ///< as the camera has it
     std::vector<float> temperatureParameters;
     std::vector<std::int32_t> temperatureSensors; ///< whose readings they apply to, in the parameters' order
     SensorValueArray calibratedAt;    ///< what the sensors read when the camera was calibrated, degC

@@ -12,6 +12,7 @@
 #include <zentara/plugin/call_plugin.h>
 #include <zentara/utils/format.h>
 
+#include "host/cameras/camera_choice.h"
 #include "host/guid_text.h"
 #include "tools/zentara/arguments.h"
 

@@ -10,13 +10,13 @@
 #include <zentara/core/descriptor_store_ro.h>
 #include <zentara/utils/format.h>
 
+#include "host/nearest_word.h"
 #include "tools/zentara/arguments.h"
 #include "tools/zentara/cameras/camera_json.h"
 #include "tools/zentara/cameras/camera_session.h"
 #include "tools/zentara/cameras/node_names.h"
 #include "tools/zentara/cameras/parameter_text.h"
 #include "tools/zentara/cameras/stored_document.h"
-#include "tools/zentara/nearest_word.h"
 #include "tools/zentara/text_columns.h"
 
 namespace Zentara::Tool {

@@ -13,6 +13,7 @@
 #include <zentara/utils/format.h>
 #include <zentara/utils/text.h>
 
+#include "host/cameras/camera_choice.h"
 #include "host/cameras/device_choice.h"
 #include "host/guid_text.h"
 #include "tools/zentara/arguments.h"

@@ -1,4 +1,5 @@
 #include "tools/zentara/streams/stream_session.h"
+#include "host/cameras/camera_choice.h"
 #include "tools/zentara/cameras/camera_json.h"
 
 #include <algorithm>

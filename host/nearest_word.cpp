@@ -1,10 +1,10 @@
-#include "tools/zentara/nearest_word.h"
+#include "host/nearest_word.h"
 
 #include <algorithm>
 #include <numeric>
 #include <utility>
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 namespace {
 
 std::size_t distance(const std::string& left, const std::string& right) {
@@ -36,4 +36,4 @@ std::string nearestWord(const std::string& word, const std::vector<std::string>&
     return nearest;
 }
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

@@ -1,0 +1,137 @@
+#include "host/cameras/bound_chip.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <zentara/core/descriptor_details.h>
+#include <zentara/core/descriptor_store_ro.h>
+#include <zentara/plugin/call_plugin.h>
+#include <zentara/utils/environment_variable.h>
+#include <zentara/utils/format.h>
+#include <zentara/utils/text.h>
+
+#include "host/attempt.h"
+#include "host/cameras/device_choice.h"
+#include "host/guid_text.h"
+#include "utils/visible_text.h"
+
+namespace Zentara::Host {
+
+namespace {
+
+/// Devices made while it lives have the controller that the user named.
+class ChosenController {
+public:
+    explicit ChosenController(const std::string& name) {
+        before = chip.isDefined() ? chip.getValue() : "";
+        if (!name.empty())
+            chip.setValue(name.c_str());
+    }
+    ~ChosenController() { chip.setValue(before.empty() ? nullptr : before.c_str()); }
+    ChosenController(const ChosenController&) = delete;
+    ChosenController& operator=(const ChosenController&) = delete;
+
+private:
+    Utils::EnvironmentVariable chip{IO::CameraChip::wantedVariable};
+    std::string before;
+};
+
+/// A camera's video device as its node holds it, without the node.
+class NodeDevice final : public IO::VideoDeviceProxy {
+public:
+    using VideoDeviceProxy::initialize;
+    using VideoDeviceProxy::VideoDeviceProxy;
+};
+
+const NodeEvent& videoNodeOf(const CameraEntry& camera) {
+    for (const NodeType type : {NodeType_DEPTH, NodeType_COLOR}) {
+        if (const NodeEvent* node = camera.find(type))
+            return *node;
+    }
+    throw Failure(Failure::NoDevice, "camera " + Utils::visibleText(camera.serialNumber()) +
+                                         " has no video device, through which its controller is reached");
+}
+
+void checkController(const std::string& name) {
+    const std::vector<std::string> known = IO::CameraChip::names();
+    if (!name.empty() && std::find(known.begin(), known.end(), Utils::toUpper(name)) == known.end())
+        throw Failure(Failure::Usage,
+                      "there is no controller '" + name + "'; known: " + Utils::join(known, ", "));
+}
+
+} // namespace
+
+void TransferWatch::set(IO::ChipListener newListener) {
+    Utils::Threading::AutoLock hold(lock);
+    listener = std::move(newListener);
+}
+
+void TransferWatch::operator()(const IO::ChipTransfer& transfer) {
+    Utils::Threading::AutoLock hold(lock);
+    if (listener)
+        listener(transfer);
+}
+
+BoundChip::~BoundChip() {
+    try {
+        close();
+    } catch (const Failure&) {
+        // Whoever wants to know calls close() himself.
+    }
+}
+
+void BoundChip::open(const CameraEntry& camera, const std::string& controller) {
+    if (bound)
+        return;
+    checkController(controller);
+    node = videoNodeOf(camera);
+    store = std::make_unique<CameraStore>();
+    store->select(node);
+    const GUID guid = Plugin::callPlugin([this] { return store->view().getDeviceImplGUID(); });
+    attempt(Utils::Format("open % through %") % cameraLabel(node) % guidLabel(guid), [&] {
+        auto device = std::make_unique<NodeDevice>(guid, true);
+        device->initialize(&node, &store->view());
+        proxy = std::move(device);
+        proxy->open();
+    });
+    const auto described = [this] { return Core::controllerNameOf(store->view()); };
+    bind(cameraLabel(node), controller.empty() ? Plugin::callPlugin(described) : controller);
+}
+
+void BoundChip::open(const GUID& guid, const std::string& wanted, const std::string& controller) {
+    if (bound)
+        return;
+    checkController(wanted);
+    checkController(controller);
+    const ChosenController chosen(wanted.empty() ? controller : wanted);
+    const std::string label = guidLabel(guid);
+    attempt("open " + label, [&] {
+        proxy = std::make_unique<IO::VideoDeviceProxy>(guid, false);
+        proxy->open();
+    });
+    bind(label, controller);
+}
+
+/// A camera whose description does not name its controller is asked.
+void BoundChip::bind(const std::string& label, const std::string& controller) {
+    attempt("reach the controller of " + label, [&] {
+        const IO::ChipListener listener = [watch = transfers](const IO::ChipTransfer& transfer) {
+            (*watch)(transfer);
+        };
+        bound = controller.empty() ? IO::CameraChip::detect(*proxy, listener)
+                                   : IO::CameraChip::create(controller, *proxy, listener);
+        if (!bound)
+            throw Failure(Failure::NoDevice, "the camera has no controller that is known");
+    });
+}
+
+void BoundChip::close() {
+    if (!proxy)
+        return;
+    const Step watched("close the camera");
+    bound.reset();
+    const std::unique_ptr<IO::VideoDeviceProxy> last = std::move(proxy); // closed or not, it goes
+    attempt("close the camera", [&] { last->close(); });
+}
+
+} // namespace Zentara::Host

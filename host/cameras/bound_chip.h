@@ -1,0 +1,59 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <utility>
+
+#include <zentara/io/camera_chip.h>
+#include <zentara/io/video_device_proxy.h>
+#include <zentara/utils/mutex.h>
+
+#include "host/cameras/camera_bus.h"
+
+namespace Zentara::Host {
+
+/// Who is told of a controller's transfers; may be exchanged while some are under way. Safe.
+class TransferWatch final {
+public:
+    void set(IO::ChipListener newListener);
+    void operator()(const IO::ChipTransfer& transfer);
+
+private:
+    Utils::Threading::Mutex lock;
+    IO::ChipListener listener ZENTARA_GUARDED_BY(lock);
+};
+
+/// A camera's controller over a video device of its own: that of the camera's depth or colour node, without the node, or
+/// a bare one. Bound, but for what it gives out.
+class BoundChip final {
+public:
+    explicit BoundChip(std::shared_ptr<TransferWatch> watch) : transfers(std::move(watch)) {}
+    ~BoundChip();
+    BoundChip(const BoundChip&) = delete;
+    BoundChip& operator=(const BoundChip&) = delete;
+
+    /// Opens the device and binds the chip; does nothing when that was done.
+    /// \param controller overrules what the description says; empty: that one or, where it says none, what is found out
+    /// \throws Failure
+    void open(const CameraEntry& camera, const std::string& controller);
+    /// The same with a bare device. \param wanted what the device is to have, where it can have several
+    void open(const GUID& device, const std::string& wanted, const std::string& controller);
+
+    /// Lets go of chip and device. \throws Failure
+    void close();
+
+    // Null before open() and after close().
+    [[nodiscard]] IO::CameraChip* chip() const noexcept { return bound.get(); }
+    [[nodiscard]] IO::VideoDeviceProxy* device() const noexcept { return proxy.get(); }
+
+private:
+    void bind(const std::string& label, const std::string& controller);
+
+    const std::shared_ptr<TransferWatch> transfers;
+    NodeEvent node;
+    std::unique_ptr<CameraStore> store; ///< the device may read it until its end
+    std::unique_ptr<IO::VideoDeviceProxy> proxy;
+    std::unique_ptr<IO::CameraChip> bound;
+};
+
+} // namespace Zentara::Host

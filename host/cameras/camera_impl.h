@@ -1,0 +1,38 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <zentara/host/camera.h>
+
+namespace Zentara::Host {
+
+class RealCamera;
+
+/// What stands behind a Camera: one that is plugged in, a bare device, or a recording that plays. Safe, but for the
+/// destructor.
+class CameraImpl {
+public:
+    CameraImpl() = default;
+    CameraImpl(const CameraImpl&) = delete;
+    CameraImpl& operator=(const CameraImpl&) = delete;
+    virtual ~CameraImpl() = default;
+
+    [[nodiscard]] virtual const CameraInfo& info() const noexcept = 0;
+    [[nodiscard]] virtual std::vector<Mode> modes(Kind kind) = 0;
+    [[nodiscard]] virtual Mode defaultMode(Kind kind) = 0;
+    [[nodiscard]] virtual StreamInfo streamInfo(Kind kind, const Mode& mode) = 0;
+    virtual void close() = 0;
+
+    // Unsupported unless overridden.
+    [[nodiscard]] virtual IO::CameraChip& chip(const std::string& controller);
+    [[nodiscard]] virtual IO::VideoDeviceProxy& device();
+    virtual void watchTransfers(IO::ChipListener listener);
+
+    /// Itself, for what only a camera has that is plugged in.
+    /// \param what is asked for, for the message \throws Unsupported where it is none
+    [[nodiscard]] virtual RealCamera& real(const std::string& what);
+};
+
+} // namespace Zentara::Host
