@@ -10,10 +10,6 @@
 #include <zentara/utils/format.h>
 
 #include "plugins/descriptions/wire.h"
-#include "plugins/simulated/faults.h"
-#include "plugins/simulated/plugged_camera.h"
-#include "plugins/simulated/settings.h"
-#include "plugins/simulated/stream_clock.h"
 #include "plugins/simulated/tone.h"
 
 namespace Zentara::Simulated {
@@ -26,7 +22,6 @@ using Utils::Format;
 using Utils::Threading::AutoLock;
 using Zentara::Plugin::ArgumentPluginException;
 using Zentara::Plugin::ConfigurationPluginException;
-using Zentara::Plugin::InvalidOperationPluginException;
 
 void checkLevel(Operation operation, float level) {
     if (!(level >= 0.0F && level <= 1.0F))
@@ -46,121 +41,46 @@ void checkMode(const AudioConfiguration* mode) {
 
 } // namespace
 
-struct SimulatedAudioDevice::Impl {
-    explicit Impl(const Settings& settings) : faults(settings, Device::Audio) {}
-
-    void requireOpen(Operation operation) ZENTARA_REQUIRES(lock) {
-        if (!opened)
-            throw InvalidOperationPluginException(Format("%: the device is closed; open it first") %
-                                                  operationName(operation));
-    }
-
-    /// Becomes the microphones of the node's camera: its settings on top of the environment's.
-    void plugIn(const NodeEvent& node) {
-        const std::string own = camera.attach(node);
-        if (own.empty())
-            return;
-        Settings settings = Settings::fromEnvironment();
-        settings.add(own, node.parentPath);
-        faults.rearm(settings);
-    }
-
-    void meet(Operation operation, IO::deviceRequest* request) {
-        faults.meet(operation, request);
-        camera.require(operationName(operation));
-    }
-
-    Faults faults;
-    PluggedCamera camera;
-    StreamClock clock{audioBlocksPerSecond, audioBlocksPerSecond};
-    Utils::Threading::Mutex lock; ///< never held while waiting for a block
-    bool opened ZENTARA_GUARDED_BY(lock) = false;
-    float level ZENTARA_GUARDED_BY(lock) = 0.5F;
-    bool muted ZENTARA_GUARDED_BY(lock) = false;
-};
-
 SimulatedAudioDevice::SimulatedAudioDevice()
-    : AudioDeviceInterface(Core::Guids::MOCKAUDIODEVICE_IMPL),
-      impl(std::make_unique<Impl>(Settings::fromEnvironment())) {
-    impl->faults.meet(Operation::Create);
-}
-
-SimulatedAudioDevice::~SimulatedAudioDevice() = default;
-
-void SimulatedAudioDevice::dispose() {
-    impl->clock.stop();
-    impl->faults.meet(Operation::Dispose);
-    AudioDeviceInterface::dispose();
+    : SimulatedDevice(Core::Guids::MOCKAUDIODEVICE_IMPL,
+                      std::make_shared<Faults>(Settings::fromEnvironment(), Device::Audio),
+                      audioBlocksPerSecond, audioBlocksPerSecond) {
+    faults->meet(Operation::Create);
 }
 
 void SimulatedAudioDevice::initialize(NodeEvent* event, Core::DescriptorStoreRO* store) {
-    impl->faults.meet(Operation::Initialize);
+    faults->meet(Operation::Initialize);
     AudioDeviceInterface::initialize(event, store);
-    impl->plugIn(*event);
-}
-
-void SimulatedAudioDevice::threadInitialize() { impl->faults.meet(Operation::ThreadInitialize); }
-
-void SimulatedAudioDevice::threadUninitialize() { impl->faults.meet(Operation::ThreadUninitialize); }
-
-bool SimulatedAudioDevice::cancelIO() {
-    return !impl->faults.refusesCancel() && (impl->faults.cancel() || impl->clock.cancel());
+    if (const auto settings = settingsOf(*event, false))
+        faults->rearm(*settings);
 }
 
 ReadBufferStatus SimulatedAudioDevice::readBuffer(void* buffer, int size, std::int64_t* timestamp,
                                                   int* length) {
-    if (buffer == nullptr || timestamp == nullptr || length == nullptr)
-        throw ArgumentPluginException("readBuffer: a pointer is null");
-    impl->faults.meet(Operation::ReadBuffer);
     std::uint64_t number = 0;
     std::int64_t due = 0;
-    const StreamClock::Turn turn = impl->clock.waitForNext(number, due);
-    if (impl->camera.isGone())
-        return ReadBufferStatus_DISCONNECTED;
-    if (turn != StreamClock::Turn::Due)
-        return statusOf(turn);
+    const ReadBufferStatus status = waitForNext(buffer, timestamp, length, number, due);
+    if (status != ReadBufferStatus_OK)
+        return status;
     *length = static_cast<int>(audioBlockBytes);
     if (size < *length)
         return ReadBufferStatus_TOO_SMALL;
 
-    float level = 0.0F;
+    float amplitude = 0.0F;
     {
-        AutoLock hold(impl->lock);
-        level = impl->muted ? 0.0F : impl->level;
+        AutoLock hold(lock);
+        amplitude = muted ? 0.0F : level;
     }
     std::array<std::int16_t, std::size_t{audioBlockFrames} * audioChannels>
         samples; // `buffer` may be unaligned
-    Tone::fill(number * audioBlockFrames, audioBlockFrames, level, samples.data());
+    Tone::fill(number * audioBlockFrames, audioBlockFrames, amplitude, samples.data());
     std::memcpy(buffer, samples.data(), audioBlockBytes);
     *timestamp = due;
     return ReadBufferStatus_OK;
 }
 
-void SimulatedAudioDevice::open(IO::deviceRequest* request) {
-    impl->meet(Operation::Open, request);
-    AutoLock hold(impl->lock);
-    if (impl->opened)
-        throw InvalidOperationPluginException("open: the device is open already");
-    impl->opened = true;
-}
-
-void SimulatedAudioDevice::close(IO::deviceRequest* request) {
-    impl->faults.meet(Operation::Close, request);
-    AutoLock hold(impl->lock);
-    impl->requireOpen(Operation::Close);
-    impl->clock.stop();
-    impl->opened = false;
-}
-
-void SimulatedAudioDevice::disableStreaming(IO::disableRequest* request) {
-    impl->faults.meet(Operation::Disable, request);
-    AutoLock hold(impl->lock);
-    impl->requireOpen(Operation::Disable);
-    impl->clock.stop();
-}
-
 void SimulatedAudioDevice::getDefaultConfiguration(IO::getAudioDefaultConfigurationsRequest* request) {
-    impl->meet(Operation::GetDefault, request);
+    meet(Operation::GetDefault, request);
     const auto& mode = request->getConfiguration();
     if (!mode)
         throw ArgumentPluginException("getDefault: the configuration is null");
@@ -170,29 +90,28 @@ void SimulatedAudioDevice::getDefaultConfiguration(IO::getAudioDefaultConfigurat
 }
 
 void SimulatedAudioDevice::enableStreaming(IO::enableAudioRequest* request) {
-    impl->meet(Operation::EnableAudio, request);
+    meet(Operation::EnableAudio, request);
     checkMode(request->getConfiguration().get());
     checkLevel(Operation::EnableAudio, request->getLevel());
-    AutoLock hold(impl->lock);
-    impl->requireOpen(Operation::EnableAudio);
-    if (impl->clock.running())
-        throw InvalidOperationPluginException("enableAudio: the device is streaming; disable it first");
-    impl->level = request->getLevel();
-    impl->muted = request->getMute();
-    impl->clock.start();
+    AutoLock hold(lock);
+    requireOpen(Operation::EnableAudio);
+    requireIdle(Operation::EnableAudio);
+    level = request->getLevel();
+    muted = request->getMute();
+    clock.start();
 }
 
 void SimulatedAudioDevice::setInputMixerLevel(IO::setAudioLevelRequest* request) {
-    impl->meet(Operation::SetLevel, request);
+    meet(Operation::SetLevel, request);
     checkLevel(Operation::SetLevel, request->getLevel());
-    AutoLock hold(impl->lock);
-    impl->level = request->getLevel();
+    AutoLock hold(lock);
+    level = request->getLevel();
 }
 
 void SimulatedAudioDevice::setMute(IO::setAudioMuteRequest* request) {
-    impl->meet(Operation::SetMute, request);
-    AutoLock hold(impl->lock);
-    impl->muted = request->getMute();
+    meet(Operation::SetMute, request);
+    AutoLock hold(lock);
+    muted = request->getMute();
 }
 
 } // namespace Zentara::Simulated

@@ -2,8 +2,17 @@
 
 #include <cstdint>
 #include <memory>
+#include <vector>
 
+#include <zentara/camera_controls.h>
+#include <zentara/io/streaming_requests.h>
 #include <zentara/io/video_device_interface.h>
+#include <zentara/region_of_interest_internal.h>
+
+#include "plugins/simulated/port.h"
+#include "plugins/simulated/scene.h"
+#include "plugins/simulated/sensor_output.h"
+#include "plugins/simulated/simulated_device.h"
 
 namespace Zentara::Simulated {
 
@@ -17,20 +26,13 @@ namespace Zentara::Simulated {
 /// wire.h.
 ///
 /// Order of calls: open, enable a stream, readBuffer, disableStreaming, close. Closing ends the stream.
-class SimulatedVideoDevice final : public IO::VideoDeviceInterface {
+class SimulatedVideoDevice final : public SimulatedDevice<IO::VideoDeviceInterface> {
 public:
     /// With the settings of the environment, and the controller that they name.
     /// \throws Plugin::ConfigurationPluginException when the settings are wrong.
     SimulatedVideoDevice();
-    ~SimulatedVideoDevice() override;
 
-    void dispose() override;
     void initialize(NodeEvent* event, Core::DescriptorStoreRO* store) override;
-    void threadInitialize() override;
-    void threadUninitialize() override;
-
-    /// Ends a hang, else the wait for a frame; false when there is neither, or when cancels are refused.
-    bool cancelIO() override;
 
     /// Waits for the next frame, at most a second. `length` receives the bytes of a frame also when the buffer is
     /// too small. \return OK, TOO_SMALL, NOT_STREAMING, TIMEOUT (the stream is paused), FAILED (cancelled)
@@ -38,9 +40,6 @@ public:
     /// \throws Plugin::ArgumentPluginException if a pointer is null
     ReadBufferStatus readBuffer(void* buffer, int size, std::int64_t* timestamp, int* length) override;
 
-    void open(IO::deviceRequest* request) override;
-    void close(IO::deviceRequest* request) override;
-    void disableStreaming(IO::disableRequest* request) override;
     void getCameraControlRanges(IO::getCameraControlRangesRequest* request) override;
     void getConfigurations(IO::getColorConfigurationsRequest* request) override;
     void enableColorStreaming(IO::enableColorRequest* request) override;
@@ -63,8 +62,26 @@ public:
     void setOutputFormat(IO::setOutputFormatRequest* request) override;
 
 private:
-    struct Impl;
-    std::unique_ptr<Impl> impl;
+    using OutputFormat = IO::setOutputFormatRequest::OutputFormat;
+    enum class Stream : std::uint8_t { Depth, Color };
+
+    explicit SimulatedVideoDevice(const Settings& settings);
+
+    [[nodiscard]] std::shared_ptr<Port> plugged();
+    [[nodiscard]] std::shared_ptr<Port> requirePort(Operation operation);
+    [[nodiscard]] std::size_t frameSize(const SensorOutput& output) const ZENTARA_REQUIRES(lock);
+    void start(Operation operation, Stream wanted) ZENTARA_REQUIRES(lock);
+    void render(SensorOutput output, std::uint64_t frame, std::uint8_t* buffer) ZENTARA_REQUIRES(lock);
+
+    Scene scene ZENTARA_GUARDED_BY(lock);
+    std::shared_ptr<Port> port ZENTARA_GUARDED_BY(lock);    ///< null for a camera without a controller
+    Stream stream ZENTARA_GUARDED_BY(lock) = Stream::Depth; ///< the one that runs, or ran last
+    OutputFormat format ZENTARA_GUARDED_BY(lock) = OutputFormat::OutputFormat_DEPTH_CONFIDENCE;
+    RegionOfInterestInternal region ZENTARA_GUARDED_BY(lock);
+    CameraControls controls ZENTARA_GUARDED_BY(lock);
+    /// The planes of a frame: the caller's buffer may lie at an odd address.
+    std::vector<std::uint16_t> depth ZENTARA_GUARDED_BY(lock);
+    std::vector<std::uint16_t> confidence ZENTARA_GUARDED_BY(lock);
 };
 
 } // namespace Zentara::Simulated
