@@ -85,6 +85,11 @@ struct FreeSpace {
     std::uint64_t bytes = 0;
     std::uint64_t largestGap = 0;
     std::vector<std::pair<std::uint32_t, std::uint32_t>> gaps; ///< address and length
+
+    /// 0 when all free bytes lie in one gap, towards 100 when they are in many small ones.
+    [[nodiscard]] unsigned fragmentationPercent() const {
+        return bytes == 0 ? 0 : static_cast<unsigned>(100 - 100 * largestGap / bytes);
+    }
 };
 
 /// Everything that can be told of a flash image. A copyable value that needs the image no more. Separate.

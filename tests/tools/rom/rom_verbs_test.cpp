@@ -83,17 +83,6 @@ TEST_F(RomVerbs, ExportAndImportWithoutLoss) {
     }
 }
 
-TEST_F(RomVerbs, ImportTheExampleThatIsShipped) {
-    // A path that begins with '/' would be an option on Windows.
-    const std::string example = file("example.json", Utils::readFile(ZENTARA_EXAMPLES "/camera_rom.json"));
-    done({"create", image, "--backup", fresh()});
-    EXPECT_THAT(done({"import", example, image, "--backup", fresh()}), HasSubstr("read back and verified"));
-    EXPECT_EQ(done({"export", image}), Utils::readFile(example));
-    EXPECT_THAT(done({"verify", image}), HasSubstr("all is right"));
-    EXPECT_THAT(done({"info", image}),
-                AllOf(HasSubstr("systemCalibration"), HasSubstr("table 0: frequency")));
-}
-
 TEST_F(RomVerbs, SetGetAndEraseOneSection) {
     done({"create", image, "--size", "4096", "--backup", fresh()});
     done({"set", "7", image, "--type", "diagnostic", "--hex", "2001080000000102", "--backup", fresh()});
@@ -110,65 +99,15 @@ TEST_F(RomVerbs, SetGetAndEraseOneSection) {
     EXPECT_EQ(done({"get", "7", image}), json) << "neither wrote";
     done({"set", "7", image, "--file", input, "--yes", "--backup", fresh()});
     EXPECT_EQ(done({"get", "7", image}), changed);
-    refused({"diff", backup, image}, Failure::Failed, "");
-    EXPECT_THAT(rom({"diff", backup, image}).out, HasSubstr("records/0/softCounter: 1 -> 9"));
+    const ToolRun compared = rom({"diff", backup, image});
+    EXPECT_EQ(compared.exitCode, Failure::Failed);
+    EXPECT_THAT(compared.out, HasSubstr("records/0/softCounter: 1 -> 9"));
     refused({"erase", "7", image}, Failure::Usage, "--yes does it");
     done({"erase", "7", image, "--yes", "--backup", fresh()});
     refused({"get", "7", image}, Failure::Failed, "Section 7 is not defined");
     refused({"erase", "7", image, "--yes"}, Failure::Failed,
             "Cannot erase section - 7 is not a valid section uid");
     refused({"set", "0", image, "--type", "4", "--hex", ""}, Failure::Failed, "0 is not a valid section uid");
-}
-
-TEST_F(RomVerbs, KeepReadOnlySectionsAndWhatDoesNotFit) {
-    done({"create", image, "--size", "1024", "--backup", fresh()});
-    done({"set", "1", image, "--type", "77", "--hex", "01", "--read-only", "--backup", fresh()});
-    const std::string before = Utils::readFile(image);
-    const char* const why = "section 1 (type 77, 1 bytes) is read only";
-    refused({"set", "1", image, "--hex", "02", "--yes"}, Failure::Permission, why);
-    refused({"erase", "1", image, "--yes"}, Failure::Permission, why);
-    refused({"erase", "1", image, "--yes", "--rebuild"}, Failure::Permission, why);
-    refused({"set", "2", image, "--type", "77", "--hex", std::string(2000, '0')}, Failure::Failed,
-            "failed to allocate space on the device");
-    EXPECT_EQ(Utils::readFile(image), before);
-}
-
-TEST_F(RomVerbs, RefuseAWriteThatCostsANeighbourAndOfferToRebuild) {
-    done({"create", image, "--size", "8192", "--header", "end", "--backup", fresh()});
-    done({"set", "1", image, "--type", "77", "--hex", std::string(1200, '1'), "--backup", fresh()});
-    const std::string before = Utils::readFile(image);
-    const std::vector<std::string> second{"set", "2", image, "--type", "77", "--hex", std::string(600, '2')};
-    const ToolRun run = rom(second);
-    EXPECT_EQ(run.exitCode, Failure::Verification);
-    EXPECT_THAT(run.err,
-                AllOf(HasSubstr("section 1 (type 77, 600 bytes) would be lost"), HasSubstr("--rebuild")));
-    EXPECT_EQ(Utils::readFile(image), before);
-
-    std::vector<std::string> rebuilt = second;
-    rebuilt.insert(rebuilt.end(), {"--rebuild", "--yes", "--backup", fresh()});
-    done(rebuilt);
-    EXPECT_EQ(Utils::readFile(backup), before);
-    EXPECT_EQ(done({"get", "1", image, "--hex"}), std::string(1200, '1') + "\n");
-    EXPECT_EQ(done({"get", "2", image, "--hex"}), std::string(600, '2') + "\n");
-    done({"verify", image});
-}
-
-TEST_F(RomVerbs, GiveUpNothingOfADamagedImageUnasked) {
-    done({"create", image, "--size", "4096"});
-    done({"import", file("content.json", contentWith(R"({"uid":1,"type":77,"flags":1,"data":"01"},
-        {"uid":2,"type":77,"flags":1,"data":"02"})")),
-          image, "--backup", fresh()});
-    damage(0); // the management header: nothing leads to the sections any more
-    const std::vector<std::string> set{"set", "9", image, "--type", "77", "--hex", "09", "--rebuild"};
-    refused(set, Failure::Usage, "section 2 (type 77, 1 bytes), which no link leads to, is given up");
-    std::vector<std::string> agreed = set;
-    agreed.insert(agreed.end(), {"--yes", "--backup", fresh()});
-    const std::string damaged = backup;
-    done(agreed);
-    EXPECT_THAT(done({"list", image}), StartsWith("    9  type 77"));
-    done({"salvage", path("saved.bin"), damaged});
-    EXPECT_THAT(done({"list", path("saved.bin")}),
-                AllOf(StartsWith("    1  type 77"), HasSubstr("    2  type 77")));
 }
 
 TEST_F(RomVerbs, ReplaceNoFileThatIsNeededStill) {
@@ -179,8 +118,6 @@ TEST_F(RomVerbs, ReplaceNoFileThatIsNeededStill) {
         {"backup", image, image, "--size", "100"},
         {"salvage", image, image},
         {"export", image, "--output", image},
-        {"get", "1", image, "--raw", image},
-        {"map", image, "--svg", image},
         {"map", image, "--png", image},
         {"set", "2", image, "--type", "77", "--hex", "02", "--backup", image}};
     for (const std::vector<std::string>& output : outputs)
@@ -230,7 +167,9 @@ TEST_F(RomVerbs, VerifyNamesTheDamageAndSalvageSavesWhatIsWhole) {
     EXPECT_THAT(verified.out, AllOf(HasSubstr("\"blockHeader\""), HasSubstr("\"unreachable\"")));
     EXPECT_THAT(rom({"list", image}).out, StartsWith("    1  type 77"));
     refused({"set", "9", image, "--type", "77", "--hex", "09"}, Failure::Verification,
-            "it is damaged at 0x00000211");
+            "a change could cost more of it\n--rebuild writes");
+    refused({"set", "9", image, "--type", "77", "--hex", "09", "--rebuild"}, Failure::Usage,
+            "section 3 (type 77, 1 bytes), which no link leads to, is given up");
 
     EXPECT_THAT(done({"salvage", path("saved.bin"), image}), StartsWith("3 sections"));
     EXPECT_EQ(done({"export", path("saved.bin")}), exported);
@@ -239,6 +178,7 @@ TEST_F(RomVerbs, VerifyNamesTheDamageAndSalvageSavesWhatIsWhole) {
 
 TEST_F(RomVerbs, AnswerBadInputAndLeaveTheImageAlone) {
     done({"create", image, "--size", "4096", "--backup", fresh()});
+    done({"set", "9", image, "--type", "77", "--hex", "01", "--read-only", "--backup", fresh()});
     const std::string before = Utils::readFile(image);
     const std::string none = file("none.bin", "");
     const std::string shortFile = file("short.bin", "abc");
@@ -258,7 +198,6 @@ TEST_F(RomVerbs, AnswerBadInputAndLeaveTheImageAlone) {
         {{"verify", path("missing.bin")}, Failure::Failed, "missing.bin"},
         {{"verify", path()}, Failure::Failed, "no file"},
         {{"info", huge}, Failure::Failed, "too large for a flash image: 67108865 bytes"},
-        {{"restore", huge, image}, Failure::Failed, "too large"},
         {{"create", path("new.bin"), "--size", "0xFFFFFFFF"}, Failure::Failed, "too large"},
         {{"set", "1", guarded, "--type", "4", "--hex", ""}, Failure::Permission, "write-protected"},
         {{"set", "1", image, "--type", "4", "--hex", "", "--size", "8192"}, Failure::Usage, "not inside"},
@@ -270,11 +209,16 @@ TEST_F(RomVerbs, AnswerBadInputAndLeaveTheImageAlone) {
          "bad.json': /sections/0/uid: expected"},
         {{"import", file("broken.json", "{\"schema\":"), image}, Failure::Failed, "broken.json"},
         {{"set", "1", image, "--hex", "01"}, Failure::Usage, "needs --type"},
+        {{"erase", "9", image, "--yes", "--rebuild"},
+         Failure::Permission,
+         "section 9 (type 77, 1 bytes) is read only"},
+        {{"set", "1", image, "--type", "4", "--hex", std::string(8000, '0')},
+         Failure::Failed,
+         "failed to allocate"},
         {{"set", "1", image, "--type", "256", "--hex", "01"}, Failure::Usage, "256"},
         {{"set", "1", image, "--type", "4", "--hex", "0g"}, Failure::Usage, "pairs"},
         {{"info", image, "--start", "4096"}, Failure::Usage, "not inside"},
         {{"create", path("new.bin"), "--size", "20"}, Failure::Usage, "no room"},
-        {{"create", path("new.bin"), "--size", "100", "--header", "end"}, Failure::Usage, "no room"},
         {{"verify", "camera:OV9999"}, Failure::NoDevice, "OV9999"},
     };
     for (const auto& row : rows) {
@@ -299,7 +243,7 @@ TEST_F(RomVerbs, WorkOnTheFlashOfEachCamera) {
             Simulated::SimulatedBus::variable,
             file("bus.json", std::string(R"({"format": 1, "cameras": [{"model": ")") + row.model + "\"}]}"));
         EXPECT_THAT(done({"info"}), AllOf(HasSubstr("16384 bytes at 0x00000000, chunks of 256"),
-                                          HasSubstr("gradientDistortionCorrection")));
+                                          HasSubstr("table 0: frequency")));
         EXPECT_THAT(done({"verify", "--direct", "--size", "0x4000"}),
                     HasSubstr("5 sections in 6 blocks: all is right"));
         const std::string before = Utils::readFile(kept);

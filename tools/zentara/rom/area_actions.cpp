@@ -10,6 +10,18 @@
 namespace Zentara::Tool {
 namespace {
 
+using Utils::Format;
+
+ExitCode runCreate(WriteOptions options, Console& console) {
+    if (options.area.header == FlashOptions::Header::Auto)
+        options.area.header = FlashOptions::Header::Start;
+    const auto access = options.dryRun ? Flash::Access::Read : Flash::Access::Write;
+    Flash flash = isCamera(options) ? openFlashToWrite(options, options.dryRun, console)
+                                    : Flash::create(options.image, options.area, access);
+    const FlashImage before = loadFlash(flash, console);
+    return makeChange(flash, flash.planFormat(before), options, console);
+}
+
 struct BackupOptions : TargetOptions {
     std::string file;
 };
@@ -30,7 +42,7 @@ ExitCode runBackup(const BackupOptions& options, Console& console) {
         json.update({{"file", options.file}, {"bytes", image.bytes().size()}, {"faulty", isFaulty}});
         print(console.out, json);
     } else {
-        printLine(console.out, Utils::Format("% bytes of % are in '%'") %
+        printLine(console.out, Format("% bytes of % are in '%'") %
                                    static_cast<unsigned long long>(image.bytes().size()) % flash.name() %
                                    options.file);
     }
@@ -44,6 +56,14 @@ ExitCode runRestore(const RestoreOptions& options, Console& console) {
 }
 
 } // namespace
+
+Verb addRomCreate(CLI::App& rom) {
+    auto options = std::make_shared<WriteOptions>();
+    CLI::App* command = rom.add_subcommand(
+        "create", "Formats a new image file (64 KiB unless --size says), or a camera's flash");
+    addWriteOptions(*command, *options);
+    return {command, [options](Console& console) { return runCreate(*options, console); }};
+}
 
 Verb addRomBackup(CLI::App& rom) {
     auto options = std::make_shared<BackupOptions>();

@@ -15,11 +15,6 @@ namespace {
 
 using Utils::Format;
 
-/// 0 when all free bytes lie in one gap, towards 100 when they are in many small ones.
-unsigned fragmentation(const FreeSpace& room) {
-    return room.bytes == 0 ? 0 : static_cast<unsigned>(100 - 100 * room.largestGap / room.bytes);
-}
-
 Json headerJson(const SurveyedHeader& header, const FlashArea& area) {
     return {{"address", area.headerAddress()},
             {"version", header.version},
@@ -52,7 +47,7 @@ Json surveyJson(const FlashSurvey& survey) {
     json["free"] = {{"bytes", room.bytes},
                     {"gaps", room.gaps.size()},
                     {"largestGap", room.largestGap},
-                    {"fragmentationPercent", fragmentation(room)}};
+                    {"fragmentationPercent", room.fragmentationPercent()}};
     json["sections"] = Json::array();
     for (const SurveyedBlock& block : survey.blocks)
         if (block.section)
@@ -76,7 +71,7 @@ void printHeader(const FlashSurvey& survey, std::ostream& out) {
     printLine(out, Format("free               % bytes in % gaps, the largest % bytes, fragmentation % %%") %
                        static_cast<unsigned long long>(room.bytes) %
                        static_cast<unsigned long long>(room.gaps.size()) %
-                       static_cast<unsigned long long>(room.largestGap) % fragmentation(room));
+                       static_cast<unsigned long long>(room.largestGap) % room.fragmentationPercent());
 }
 
 void printSection(const SurveyedBlock& block, std::ostream& out) {
@@ -121,6 +116,36 @@ ExitCode runInfo(const TargetOptions& options, Console& console) {
     return survey.header ? Failure::None : Failure::Verification;
 }
 
+void printSection(std::uint16_t uid, const FlashSection& section, std::ostream& out) {
+    out << std::right << std::setw(5) << uid << "  " << padded(sectionTypeText(section.type), 30)
+        << padded(section.isWritable() ? "writable" : "read-only", 11) << section.data.size() << '\n';
+}
+
+ExitCode runList(const TargetOptions& options, Console& console) {
+    Flash flash = openFlash(options, console);
+    const FlashContent content = loadContent(flash, console);
+    const std::vector<CorrectionSection> corrections = correctionsOf(content);
+    if (!options.json) {
+        for (const auto& [uid, section] : content)
+            printSection(uid, section, console.out);
+        for (const CorrectionSection& correction : corrections)
+            console.out << correctionText(correction);
+        return Failure::None;
+    }
+    Json json = beginJson(flash, console);
+    json.update({{"sections", Json::array()}});
+    for (const auto& [uid, section] : content)
+        json["sections"].push_back({{"uid", uid},
+                                    {"type", section.type},
+                                    {"typeName", sectionTypeText(section.type)},
+                                    {"writable", section.isWritable()},
+                                    {"size", section.data.size()}});
+    if (!corrections.empty())
+        json["corrections"] = correctionsJson(corrections);
+    print(console.out, json);
+    return Failure::None;
+}
+
 } // namespace
 
 Verb addRomInfo(CLI::App& rom) {
@@ -129,6 +154,14 @@ Verb addRomInfo(CLI::App& rom) {
         rom.add_subcommand("info", "Headers, free space, and each section with its place and checksums");
     addTargetOptions(*command, *options);
     return {command, [options](Console& console) { return runInfo(*options, console); }};
+}
+
+Verb addRomList(CLI::App& rom) {
+    auto options = std::make_shared<TargetOptions>();
+    CLI::App* command = rom.add_subcommand(
+        "list", "The sections: uid, type, access, bytes; and the tables of a correction file");
+    addTargetOptions(*command, *options);
+    return {command, [options](Console& console) { return runList(*options, console); }};
 }
 
 } // namespace Zentara::Tool
