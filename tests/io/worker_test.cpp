@@ -179,6 +179,7 @@ TEST_F(WorkerTest, ATimedOutRequestLeavesItsHuskWhenItEnds) {
             gate.pass();
         };
         EXPECT_THAT(outcome(call), testing::StartsWith("processRequest: I/O timeout: RequestType_"));
+        gate.awaitArrival();
         EXPECT_TRUE(isKept());
         gate.open();
         tuning.set(2000, 60000, 10);
