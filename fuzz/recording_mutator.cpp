@@ -5,13 +5,13 @@
 #include <cstring>
 #include <vector>
 
-#include "tools/zentara/streams/recording_format.h"
+#include "host/recordings/recording_format.h"
 
 extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t most);
 
 namespace {
 
-using namespace Zentara::Tool::RecordingFormat;
+using namespace Zentara::Host::RecordingFormat;
 
 template<typename Number>
 Number load(const std::uint8_t* at) {

@@ -3,6 +3,7 @@
 /// Everything that the host library offers.
 #include <zentara/host/camera.h>
 #include <zentara/host/cameras.h>
+#include <zentara/host/cloud_view.h>
 #include <zentara/host/color.h>
 #include <zentara/host/color_map.h>
 #include <zentara/host/correction_tables.h>
@@ -24,5 +25,6 @@
 #include <zentara/host/picture.h>
 #include <zentara/host/plot.h>
 #include <zentara/host/point_cloud.h>
+#include <zentara/host/recording.h>
 #include <zentara/host/stream.h>
 #include <zentara/host/stream_info.h>

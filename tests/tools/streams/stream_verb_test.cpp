@@ -1,6 +1,7 @@
 #include <atomic>
 #include <csignal>
 #include <cstdint>
+#include <cstdlib>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -8,6 +9,7 @@
 
 #include <stb/stb_image.h>
 
+#include <zentara/host/recording.h>
 #include <zentara/utils/files.h>
 
 #include "plugins/descriptions/wire.h"
@@ -108,6 +110,37 @@ TEST_F(StreamVerb, KeepsWhatACutRecordingHolds) {
     EXPECT_EQ(Utils::readFile(path("c.raw")).size(), 5 * Zentara::Cameras::frameBytes);
     Utils::writeFile(path("other"), "no recording");
     EXPECT_THAT(ToolTest::run({"stream", "--play", path("other")}).err, HasSubstr("it is no recording"));
+}
+
+/// A limit for the size of files is to a writer what a full disk is. Only the shell of POSIX systems sets one.
+TEST_F(StreamVerb, KeepsWhatIsWholeWhenTheDiskIsFull) {
+    if (Utils::nativePath("a/b") != "a/b")
+        GTEST_SKIP();
+    const auto streamInto = [this](const std::string& blocks, const std::string& files) {
+        const std::string command = "ulimit -f " + blocks + "; '" +
+                                    (Tests::programDirectory() / "zentara").string() + "' stream " + files +
+                                    " > '" + path("out") + "' 2> '" + path("err") + "'";
+        EXPECT_NE(std::system(command.c_str()), 0);
+        EXPECT_THAT(
+            Utils::readFile(path("err")),
+            testing::AllOf(HasSubstr("cannot write '"), HasSubstr("what came whole before it is kept")));
+    };
+    streamInto("1000", "--record '" + path("full") + "' --raw '" + path("raw") + "'");
+    Host::Recording recording(path("full"));
+    std::size_t bytes = 0;
+    while (const auto next = recording.next())
+        bytes = next->frame.bytes().size();
+    ASSERT_GT(bytes, 0U);
+    EXPECT_EQ(Utils::readFile(path("raw")).size() % bytes, 0U) << "whole frames";
+    streamInto("50", "--wav '" + path("wav") + "'");
+    const std::string wav = Utils::readFile(path("wav"));
+    ASSERT_GT(wav.size(), 20000U);
+    const auto sizeAt = [&wav](std::size_t place) {
+        return static_cast<unsigned char>(wav[place]) + 256U * static_cast<unsigned char>(wav[place + 1]);
+    };
+    EXPECT_EQ(sizeAt(4), wav.size() - 8);
+    EXPECT_EQ(sizeAt(40), wav.size() - 44);
+    EXPECT_EQ(filesLeft().size(), 5U) << "no parts";
 }
 
 TEST_F(StreamVerb, RunsAsAProgram) {

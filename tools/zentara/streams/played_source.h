@@ -1,10 +1,9 @@
 #pragma once
 
-#include <atomic>
+#include <string>
 
-#include <zentara/utils/signal.h>
-
-#include "tools/zentara/streams/recording_reader.h"
+#include "host/recordings/played_source.h"
+#include "tools/zentara/streams/recorded_stream.h"
 #include "tools/zentara/streams/stream_source.h"
 
 namespace Zentara::Tool {
@@ -12,28 +11,22 @@ namespace Zentara::Tool {
 /// A recorded stream, delivered at the pace at which it was recorded.
 class PlayedSource final : public StreamSource {
 public:
-    /// \throws what RecordingReader throws
-    PlayedSource(const std::string& path, std::uint16_t stream);
+    /// \throws Failure as for a recording that cannot be read
+    PlayedSource(const std::string& path, std::size_t stream)
+        : played(path, stream, 1), about(playedStream(played.info())) {}
 
-    [[nodiscard]] const StreamDescription& description() const override;
-    [[nodiscard]] std::string label() const override { return name; }
-    void start() override;
-    ReadBufferStatus read(void* buffer, int size, std::int64_t* micros, int* length) override;
-    void stop() override;
-    void close() override { stop(); }
+    [[nodiscard]] const Host::StreamDescription& description() const override { return about; }
+    [[nodiscard]] std::string label() const override { return played.label(); }
+    void start() override { played.start(); }
+    ReadBufferStatus read(void* buffer, int size, std::int64_t* micros, int* length) override {
+        return played.read(buffer, size, micros, length);
+    }
+    void stop() override { played.stop(); }
+    void close() override { played.close(); }
 
 private:
-    [[nodiscard]] bool waitUntilDue(std::int64_t micros);
-
-    RecordingReader reader;
-    const std::uint16_t index;
-    const std::string name;
-    RecordedFrame frame;
-    bool waiting = false; ///< `frame` has been read and not delivered
-    bool begun = false;
-    std::uint64_t offset = 0; ///< from the recording's clock to this one
-    std::atomic<bool> stopped{false};
-    Utils::Threading::Signal wake;
+    Host::PlayedSource played;
+    const Host::StreamDescription about;
 };
 
 } // namespace Zentara::Tool

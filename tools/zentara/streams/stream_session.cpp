@@ -6,6 +6,7 @@
 #include <cctype>
 #include <set>
 
+#include <zentara/host/recording.h>
 #include <zentara/utils/files.h>
 #include <zentara/utils/format.h>
 #include <zentara/utils/signal.h>
@@ -62,7 +63,7 @@ struct StreamSession::Parts {
     InterruptWatch interrupt; ///< to the end, so that no part of a file is left behind
     Utils::Threading::Signal wake;
     std::unique_ptr<CameraBus> bus; ///< null unless the cameras come through nodes
-    std::unique_ptr<RecordingWriter> recording;
+    std::unique_ptr<Recorder> recording;
     std::vector<StreamDescription> streams; ///< of all cameras, in order
     std::set<NodeType> kinds;               ///< of all nodes that were to be opened
     std::set<std::string> files;
@@ -107,14 +108,16 @@ void StreamSession::openDevices() {
 }
 
 void StreamSession::openRecording() {
-    const RecordingReader reader(options.play);
-    const auto open = [this, streams = reader.streams()](const NodeEvent& node) {
-        const auto found = std::find_if(streams.begin(), streams.end(),
-                                        [&](const StreamDescription& stream) { return stream.node == node; });
-        return std::make_unique<PlayedSource>(options.play,
-                                              static_cast<std::uint16_t>(found - streams.begin()));
+    std::vector<StreamDescription> streams;
+    const Recording recording(options.play);
+    for (const StreamInfo& info : recording.streams()) {
+        streams.push_back(playedStream(info));
+        streams.back().node.nodeIndex = static_cast<std::uint32_t>(streams.size() - 1); // tells them apart
+    }
+    const auto open = [this](const NodeEvent& node) {
+        return std::make_unique<PlayedSource>(options.play, node.nodeIndex);
     };
-    std::vector<CameraEntry> cameras = camerasOf(reader.streams());
+    std::vector<CameraEntry> cameras = camerasOf(streams);
     if (!options.cameras.empty())
         cameras = chooseCameras(cameras, options.cameras);
     several = cameras.size() > 1;
@@ -239,7 +242,10 @@ std::string StreamSession::fileFor(const StreamDescription& stream, const std::s
 void StreamSession::startRecording() {
     if (options.record.empty() || parts->streams.empty())
         return;
-    parts->recording = std::make_unique<RecordingWriter>(options.record, parts->streams);
+    std::vector<StreamInfo> infos;
+    for (const StreamDescription& stream : parts->streams)
+        infos.push_back(recordedStream(stream));
+    parts->recording = std::make_unique<Recorder>(options.record, infos);
     std::size_t first = 0;
     for (const auto& camera : parts->cameras) {
         camera->record(parts->recording.get(), static_cast<std::uint16_t>(first));

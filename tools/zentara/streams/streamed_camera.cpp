@@ -9,6 +9,7 @@
 
 #include "host/cameras/camera_bus.h"
 #include "host/files/file_failure.h"
+#include "tools/zentara/streams/recorded_stream.h"
 #include "tools/zentara/streams/stream_reader.h"
 
 namespace Zentara::Tool {
@@ -35,6 +36,7 @@ bool sameNode(const NodeEvent& left, const NodeEvent& right) {
 /// In an order that takes it apart safely: the reader's thread ends before the source that it reads goes.
 struct StreamedCamera::Stream {
     StreamDescription description;
+    std::shared_ptr<const StreamInfo> info; ///< of the frames that are recorded
     std::unique_ptr<StreamSink> sink;
     std::unique_ptr<StreamSource> source;
     std::unique_ptr<StreamReader> reader;
@@ -57,6 +59,7 @@ const StreamDescription& StreamedCamera::open(const NodeEvent& node) {
     auto stream = std::make_unique<Stream>();
     stream->source = opener(node);
     stream->description = stream->source->description();
+    stream->info = std::make_shared<StreamInfo>(recordedStream(stream->description));
     if (streams.empty())
         name = stream->source->label();
     streams.push_back(std::move(stream));
@@ -65,7 +68,7 @@ const StreamDescription& StreamedCamera::open(const NodeEvent& node) {
 
 void StreamedCamera::deliverTo(std::unique_ptr<StreamSink> sink) { streams.back()->sink = std::move(sink); }
 
-void StreamedCamera::record(RecordingWriter* writer, std::uint16_t firstStream) {
+void StreamedCamera::record(Recorder* writer, std::uint16_t firstStream) {
     recorder = writer;
     firstIndex = firstStream;
 }
@@ -87,7 +90,8 @@ void StreamedCamera::startStream(std::size_t index) {
                                               std::int64_t micros) {
         try {
             if (recorder != nullptr)
-                recorder->append(number, data, size, micros);
+                recorder->add(
+                    number, Frame(stream.info, {reinterpret_cast<const std::byte*>(data), size}, 0, micros));
             const auto gap = static_cast<std::int64_t>(static_cast<std::uint64_t>(micros) -
                                                        static_cast<std::uint64_t>(stream.taken));
             if (finite && gap > absenceMicros)

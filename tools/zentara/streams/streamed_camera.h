@@ -9,11 +9,11 @@
 #include <string>
 #include <vector>
 
+#include <zentara/host/recording.h>
 #include <zentara/utils/signal.h>
 
 #include "tools/zentara/exit_code.h"
 #include "tools/zentara/json_output.h"
-#include "tools/zentara/streams/recording_writer.h"
 #include "tools/zentara/streams/stream_sink.h"
 #include "tools/zentara/streams/stream_source.h"
 
@@ -46,7 +46,7 @@ public:
     void deliverTo(std::unique_ptr<StreamSink> sink);
 
     /// All streams of all cameras are numbered; this camera's from `firstStream` on.
-    void record(RecordingWriter* writer, std::uint16_t firstStream);
+    void record(Recorder* writer, std::uint16_t firstStream);
 
     /// Starts the streams. A failure shows in the state.
     void start();
@@ -110,7 +110,7 @@ private:
     const bool finite;
     std::string name;
     std::vector<std::unique_ptr<Stream>> streams;
-    RecordingWriter* recorder = nullptr;
+    Recorder* recorder = nullptr;
     std::uint16_t firstIndex = 0;
     State condition = State::Streaming;
     std::optional<Failure> trouble;

@@ -1,23 +1,22 @@
-#include "tools/zentara/streams/recording_reader.h"
+#include "host/recordings/recording_reader.h"
 
 #include <algorithm>
 #include <array>
 #include <filesystem>
 #include <fstream>
 #include <numeric>
-#include <system_error>
-#include <utility>
 
+#include <zentara/host/failure.h>
 #include <zentara/utils/binary_reader.h>
 #include <zentara/utils/exceptions.h>
 #include <zentara/utils/format.h>
 
 #include "host/files/paths.h"
-#include "tools/zentara/exit_code.h"
-#include "tools/zentara/streams/recording_format.h"
+#include "host/recordings/recording_format.h"
+#include "host/recordings/stream_chunk.h"
 #include "utils/visible_text.h"
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 using namespace RecordingFormat;
 using Utils::BinaryReader;
@@ -26,6 +25,7 @@ using Utils::Format;
 struct RecordingReader::Chunk {
     std::uint32_t tag = 0;
     std::uint16_t stream = 0;
+    std::uint16_t flags = 0;
     std::int64_t micros = 0;
     std::uint32_t length = 0;
 };
@@ -59,29 +59,72 @@ RecordingReader::RecordingReader(std::unique_ptr<std::istream> bytes, const std:
     readHeader();
     for (std::uint16_t index = 0; index < descriptions.size(); ++index)
         readStream(index);
+    if (written == 1)
+        shareNodes();
+    firstPlace = position;
 }
 
-void RecordingReader::select(std::uint16_t stream) { selected = stream; }
-
-bool RecordingReader::next(RecordedFrame& frame) {
+std::optional<FrameHead> RecordingReader::next() {
     while (!ended) {
-        const Chunk chunk = readChunk();
-        if (chunk.tag == Tag_END) {
-            checkEnd(chunk);
-            break;
+        if (waits)
+            moveTo(position + pending + checksumBytes);
+        waits = false;
+        const std::uint64_t before = position;
+        try {
+            const Chunk chunk = readChunk();
+            switch (chunk.tag) {
+            case Tag_END:
+                checkEnd(chunk);
+                break;
+            case Tag_TEMPERATURES:
+                readTemperatures(chunk);
+                break;
+            case Tag_FRAME:
+                checkRoom(chunk.length);
+                if (written > 1 && (chunk.flags & ~Flag_AFTER_RETURN) != 0)
+                    fail(Format("a frame has the flags 0x%{:x4}") % unsigned{chunk.flags});
+                pending = chunk.length;
+                pendingStream = chunk.stream;
+                waits = true;
+                ++counts[chunk.stream];
+                return FrameHead{chunk.stream, static_cast<std::uint16_t>(written > 1 ? chunk.flags : 0),
+                                 chunk.micros, chunk.length, start};
+            default:
+                fail("no frame begins here");
+            }
+        } catch (const Failure&) {
+            moveTo(before); // to fail there again
+            throw;
         }
-        if (chunk.tag != Tag_FRAME)
-            fail("no frame begins here");
-        const bool wanted = selected < 0 || chunk.stream == selected;
-        if (wanted)
-            frame = {chunk.stream, chunk.micros, readPayload(chunk)};
-        else
-            skipPayload(chunk);
-        ++counts[chunk.stream];
-        if (wanted)
-            return true;
     }
-    return false;
+    return std::nullopt;
+}
+
+void RecordingReader::read(void* bytes) {
+    const std::uint64_t before = start;
+    waits = false;
+    --counts[pendingStream]; // for the failure: it is none of the whole ones
+    try {
+        readPayload(pending, bytes);
+    } catch (const Failure&) {
+        moveTo(before);
+        throw;
+    }
+    ++counts[pendingStream];
+}
+
+void RecordingReader::seek(std::uint64_t place) {
+    moveTo(place);
+    waits = false;
+    ended = false;
+    counting = false;
+}
+
+void RecordingReader::rewind() {
+    seek(firstPlace);
+    counting = true;
+    counts.assign(counts.size(), 0);
+    readings.assign(readings.size(), {});
 }
 
 std::uint64_t RecordingReader::frames() const noexcept {
@@ -91,6 +134,12 @@ std::uint64_t RecordingReader::frames() const noexcept {
 void RecordingReader::fail(const std::string& what) const {
     throw Failure(Failure::Failed, Format("recording '%', byte %: %; % whole frames come before") % path %
                                        start % what % frames());
+}
+
+void RecordingReader::moveTo(std::uint64_t place) {
+    in->clear();
+    in->seekg(static_cast<std::streamoff>(place));
+    position = place;
 }
 
 void RecordingReader::get(void* data, std::size_t count, const char* what) {
@@ -110,15 +159,17 @@ void RecordingReader::readHeader() {
     if (size < bytes.size())
         fail("it is cut short: it ends in the file header");
     BinaryReader reader(bytes.data() + magic.size(), static_cast<int>(bytes.size() - magic.size()));
-    const std::uint16_t written = reader.readUShort();
+    written = reader.readUShort();
     const std::uint16_t streams = reader.readUShort();
     if (reader.readUInt() != checksum(bytes.data(), bytes.size() - checksumBytes))
         fail("the file header is damaged");
-    if (written != version)
-        fail(Format("it is of version %; this program reads version %") % written % version);
+    if (written < oldestVersion || written > RecordingFormat::version)
+        fail(Format("it is of version %; this program reads versions % to %") % written % oldestVersion %
+             RecordingFormat::version);
     if (streams == 0 || streams > mostStreams)
         fail(Format("it has % streams; 1 to % are possible") % streams % mostStreams);
     descriptions.resize(streams);
+    readings.resize(streams);
     counts.resize(streams);
 }
 
@@ -130,7 +181,7 @@ RecordingReader::Chunk RecordingReader::readChunk() {
     Chunk chunk;
     chunk.tag = reader.readUInt();
     chunk.stream = reader.readUShort();
-    static_cast<void>(reader.readUShort());
+    chunk.flags = reader.readUShort();
     chunk.micros = reader.readLong();
     chunk.length = reader.readUInt();
     if (reader.readUInt() != checksum(bytes.data(), bytes.size() - checksumBytes))
@@ -142,26 +193,25 @@ RecordingReader::Chunk RecordingReader::readChunk() {
     return chunk;
 }
 
-std::vector<std::uint8_t> RecordingReader::readPayload(const Chunk& chunk) {
-    if (chunk.length + checksumBytes > size - position)
-        fail(Format("it is cut short: a chunk of % bytes begins here, % are left") % chunk.length %
+void RecordingReader::checkRoom(std::uint32_t length) const {
+    if (std::uint64_t{length} + checksumBytes > size - position)
+        fail(Format("it is cut short: a chunk of % bytes begins here, % are left") % length %
              (size - position));
+}
+
+std::vector<std::uint8_t> RecordingReader::readPayload(const Chunk& chunk) {
+    checkRoom(chunk.length);
     std::vector<std::uint8_t> bytes(chunk.length);
-    get(bytes.data(), bytes.size(), "a payload");
-    std::array<std::uint8_t, checksumBytes> stored{};
-    get(stored.data(), stored.size(), "a checksum");
-    if (BinaryReader(stored.data(), checksumBytes).readUInt() != checksum(bytes.data(), bytes.size()))
-        fail(Format("the % bytes of a chunk are damaged") % bytes.size());
+    readPayload(chunk.length, bytes.data());
     return bytes;
 }
 
-void RecordingReader::skipPayload(const Chunk& chunk) {
-    const std::uint64_t bytes = chunk.length + checksumBytes;
-    if (bytes > size - position)
-        fail(Format("it is cut short: a chunk of % bytes begins here, % are left") % chunk.length %
-             (size - position));
-    in->seekg(static_cast<std::streamoff>(bytes), std::ios::cur);
-    position += bytes;
+void RecordingReader::readPayload(std::uint32_t length, void* bytes) {
+    get(bytes, length, "a payload");
+    std::array<std::uint8_t, checksumBytes> stored{};
+    get(stored.data(), stored.size(), "a checksum");
+    if (BinaryReader(stored.data(), checksumBytes).readUInt() != checksum(bytes, length))
+        fail(Format("the % bytes of a chunk are damaged") % length);
 }
 
 void RecordingReader::readStream(std::uint16_t index) {
@@ -169,28 +219,40 @@ void RecordingReader::readStream(std::uint16_t index) {
     if (chunk.tag != Tag_STREAM || chunk.stream != index)
         fail(Format("the description of stream % is missing") % index);
     const std::vector<std::uint8_t> bytes = readPayload(chunk);
-    StreamDescription& description = descriptions[index];
-    NodeEvent& node = description.node;
     try {
-        BinaryReader reader(bytes.data(), static_cast<int>(bytes.size()));
-        node.nodeType = static_cast<NodeType>(reader.readInt());
-        for (std::int32_t& field : description.mode.fields)
-            field = reader.readInt();
-        for (std::uint32_t* id : {&node.vendorId, &node.productId, &node.revision, &node.interfaceNumber})
-            *id = reader.readUInt();
-        node.nodeIndex = reader.readUInt();
-        for (std::string* text : {&node.path, &node.parentPath, &node.name, &node.serialNumber})
-            *text = reader.readString();
-    } catch (const Utils::UIOException&) {
-        fail(Format("the description of stream % is too short") % index);
+        descriptions[index] = readStreamChunk(bytes, written);
+    } catch (const Failure& failure) {
+        fail(Format("the description of stream % %") % index % failure.what());
     }
-    for (std::uint16_t earlier = 0; earlier < index; ++earlier) {
-        if (descriptions[earlier].node == node)
-            fail(Format("streams % and % are of the same node") % earlier % index);
+}
+
+/// Version 1 told of each stream alone.
+void RecordingReader::shareNodes() {
+    const std::vector<StreamInfo> alone = descriptions;
+    for (StreamInfo& info : descriptions) {
+        info.camera.kinds.clear();
+        info.camera.nodes.clear();
+        for (const StreamInfo& other : alone) {
+            if (other.camera.path != info.camera.path)
+                continue;
+            info.camera.kinds.push_back(other.mode.kind);
+            info.camera.nodes.push_back(other.camera.nodes.front());
+        }
     }
-    if (!description.plausible())
-        fail(Format("stream % is of kind % and in a mode that does not exist") % index %
-             static_cast<int>(node.nodeType));
+}
+
+void RecordingReader::readTemperatures(const Chunk& chunk) {
+    const std::vector<std::uint8_t> bytes = readPayload(chunk);
+    constexpr std::size_t readingBytes = sizeof(std::int32_t) + sizeof(float);
+    if (bytes.size() % readingBytes != 0)
+        fail(Format("% bytes are no temperatures") % bytes.size());
+    BinaryReader reader(bytes.data(), static_cast<int>(bytes.size()));
+    SensorValueArray& now = readings[chunk.stream];
+    now.values.resize(bytes.size() / readingBytes);
+    for (SensorValue& value : now.values) {
+        value.sensorId = reader.readInt();
+        value.value = reader.readFloat();
+    }
 }
 
 /// The end tells how many frames each stream has: whole frames that were cut out show here.
@@ -201,7 +263,7 @@ void RecordingReader::checkEnd(const Chunk& chunk) {
     BinaryReader reader(bytes.data(), static_cast<int>(bytes.size()));
     for (std::size_t stream = 0; stream < counts.size(); ++stream) {
         const std::uint64_t recorded = reader.readULong();
-        if (recorded != counts[stream])
+        if (counting && recorded != counts[stream])
             fail(Format("stream % was recorded with % frames and has %") % stream % recorded %
                  counts[stream]);
     }
@@ -210,4 +272,4 @@ void RecordingReader::checkEnd(const Chunk& chunk) {
     ended = true;
 }
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host
