@@ -2,10 +2,13 @@
 #include <cctype>
 #include <utility>
 
+#include <zentara/core/descriptor_store_ro.h>
 #include <zentara/io/camera_chip.h>
+#include <zentara/plugin/call_plugin.h>
 #include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/utils/format.h>
 
+#include "host/cameras/real_camera.h"
 #include "host/flash/backup.h"
 #include "host/flash/flash_target.h"
 #include "utils/visible_text.h"
@@ -53,8 +56,8 @@ std::string plainName(std::string text) {
 class CameraTarget final : public Flash::Target {
 public:
     CameraTarget(std::shared_ptr<IO::CameraChip> controller, const CameraInfo& who, const FlashArea& area,
-                 const FlashOptions& wanted)
-        : Target(area, wanted), chip(std::move(controller)), accessor(*chip) {
+                 const FlashOptions& wanted, Flash::Access purpose)
+        : Target(area, wanted, purpose), chip(std::move(controller)), accessor(*chip) {
         owner = who;
         owner->controller = chip->name();
         detect();
@@ -98,12 +101,35 @@ FlashArea areaOnCamera(const FlashOptions& options, const std::optional<ROMEleme
     return flashArea(options, start, options.size != 0 ? options.size : end > start ? end - start : 0);
 }
 
+/// Nothing for a bare device, and where the description does not say.
+std::optional<ROMElement> storageOf(const Camera& camera) {
+    auto* real = dynamic_cast<RealCamera*>(camera.held().get());
+    if (real == nullptr)
+        return std::nullopt;
+    const std::string what = "find where the storage of " + camera.info().label() + " lies";
+    return real->ask(what, [](CameraParts& parts) -> std::optional<ROMElement> {
+        const Core::DescriptorStoreRO& store = parts.store();
+        try {
+            return Plugin::callPlugin([&store] { return store.getROMElement(storageROMElement); });
+        } catch (const Plugin::NotSupportedPluginException&) {
+            return std::nullopt;
+        }
+    });
+}
+
 } // namespace
+
+Flash Flash::camera(const Camera& camera, const FlashOptions& options, Access access) {
+    std::shared_ptr<IO::CameraChip> chip(camera.held(), &camera.chip());
+    return Flash::camera(std::move(chip), camera.info(), storageOf(camera), options, access);
+}
+
+Flash Camera::flash() const { return Flash::camera(*this); }
 
 Flash Flash::camera(std::shared_ptr<IO::CameraChip> chip, const CameraInfo& who,
                     const std::optional<ROMElement>& described, const FlashOptions& options, Access access) {
-    auto target =
-        std::make_unique<CameraTarget>(std::move(chip), who, areaOnCamera(options, described), options);
+    auto target = std::make_unique<CameraTarget>(std::move(chip), who, areaOnCamera(options, described),
+                                                 options, access);
     if (access == Access::Write)
         target->checkWritable();
     return Flash(std::move(target));

@@ -46,6 +46,8 @@ std::string Flash::apply(const FlashChange& change, const ApplyOptions& options,
         throw Failure(*change.refusal);
     if (change.writes.empty())
         return {};
+    if (target->access == Access::Read)
+        throw Failure(Failure::Usage, name() + " was opened to be read only");
     target->checkWritable();
     const std::uint64_t written = change.bytes();
     const std::uint64_t all = written + change.after.bytes().size();

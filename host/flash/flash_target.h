@@ -7,7 +7,8 @@ namespace Zentara::Host {
 
 /// What a Flash works on: an image file, or a camera.
 struct Flash::Target {
-    Target(const FlashArea& area, const FlashOptions& wanted) : place(area), options(wanted) {}
+    Target(const FlashArea& area, const FlashOptions& wanted, Access purpose)
+        : place(area), options(wanted), access(purpose) {}
     virtual ~Target() = default;
     Target(const Target&) = delete;
     Target& operator=(const Target&) = delete;
@@ -42,6 +43,7 @@ struct Flash::Target {
 
     FlashArea place;
     const FlashOptions options;
+    const Access access;
     std::optional<CameraInfo> owner;
 
 private:

@@ -26,9 +26,10 @@ public:
     /// \param onDisk  what the file holds; nothing when there is no file yet. \param right  to save it; null for a target
     /// that is only read.
     ImageTarget(std::unique_ptr<ROM::FileAccessor> image, std::optional<Bytes> onDisk,
-                std::unique_ptr<OutputFile> right, const FlashArea& area, const FlashOptions& wanted)
-        : Target(area, wanted), accessor(std::move(image)), before(std::move(onDisk)),
-          pending(std::move(right)), isWritable(pending != nullptr) {
+                std::unique_ptr<OutputFile> right, const FlashArea& area, const FlashOptions& wanted,
+                Flash::Access purpose)
+        : Target(area, wanted, purpose), accessor(std::move(image)), before(std::move(onDisk)),
+          pending(std::move(right)) {
         detect();
     }
 
@@ -46,8 +47,6 @@ public:
     [[nodiscard]] ROM::Accessor& flash() override { return *accessor; }
 
     void checkWritable() const override {
-        if (!isWritable)
-            throw Failure(Failure::Usage, name() + " was opened to be read only");
         if (before && before->size() < accessor->getImage().size())
             throw Failure(Failure::Usage,
                           Format("cannot write to %: it has % bytes, the area is not inside") % name() %
@@ -88,7 +87,6 @@ private:
     std::optional<Bytes> before;
     std::unique_ptr<OutputFile> pending; ///< holds the right to write from before the reading to the end
     bool isUsedUp = false;               ///< it has become the file; the right is held nevertheless
-    const bool isWritable;
 };
 
 void checkProtection(const std::string& path) {
@@ -148,8 +146,8 @@ Flash Flash::image(const std::string& path, const FlashOptions& options, Access 
     const FlashArea area =
         flashArea(options, start, options.size == 0 ? onDisk.size() - start : options.size);
     auto image = continued(path, onDisk, std::max<std::uint64_t>(area.end(), onDisk.size()));
-    auto target =
-        std::make_unique<ImageTarget>(std::move(image), std::move(onDisk), std::move(right), area, options);
+    auto target = std::make_unique<ImageTarget>(std::move(image), std::move(onDisk), std::move(right), area,
+                                                options, access);
     if (access == Access::Write)
         target->checkWritable();
     return Flash(std::move(target));
@@ -165,8 +163,8 @@ Flash Flash::create(const std::string& path, const FlashOptions& options, Access
                      ? nullptr
                      : std::make_unique<OutputFile>(path, OutputFile::Rules{.ifThere = IfThere::Keep});
     auto image = std::make_unique<ROM::FileAccessor>(path, static_cast<std::uint32_t>(area.end()));
-    return Flash(
-        std::make_unique<ImageTarget>(std::move(image), std::nullopt, std::move(right), area, options));
+    return Flash(std::make_unique<ImageTarget>(std::move(image), std::nullopt, std::move(right), area,
+                                               options, access));
 }
 
 } // namespace Zentara::Host

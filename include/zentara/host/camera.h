@@ -30,6 +30,7 @@ class DepthNodeInterface;
 namespace Zentara::Host {
 
 class CameraImpl;
+class Flash;
 
 /// A plug-in: its well-known name, empty where it has none, and its GUID.
 struct PluginName {
@@ -185,6 +186,9 @@ public:
 
     /// The video device that chip() talks through.
     [[nodiscard]] IO::VideoDeviceProxy& device() const;
+
+    /// Its flash, to be read; <zentara/host/flash.h>, where Flash::camera() opens it to write as well.
+    [[nodiscard]] Flash flash() const;
 
     /// Who is told of the controller's transfers from now on, also of those with which it is found out; empty for nobody.
     /// Called on the thread that calls the chip, or on the camera's own.

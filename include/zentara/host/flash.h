@@ -25,6 +25,8 @@ class CameraChip;
 
 namespace Zentara::Host {
 
+class Camera;
+
 /// Which part of a flash the storage has, and how it is to be formatted.
 struct FlashOptions {
     enum class Header {
@@ -127,7 +129,14 @@ public:
     [[nodiscard]] static Flash create(const std::string& path, const FlashOptions& options = {},
                                       Access access = Access::Write);
 
-    /// A camera's flash. \param chip  shared until the end of this; whoever uses it meanwhile waits for single transfers
+    /// A camera's flash, where its description puts the storage unless the options say. It keeps the camera, which must
+    /// not be closed meanwhile; the controller is reached at once.
+    /// \throws Failure as Camera::chip(), (Usage) where neither the description nor the options say where the storage
+    /// lies, (Permission) to write through a controller that cannot
+    [[nodiscard]] static Flash camera(const Camera& camera, const FlashOptions& options = {},
+                                      Access access = Access::Read);
+
+    /// The same through a controller that was reached otherwise. \param chip  shared until the end of this; whoever uses it meanwhile waits for single transfers
     /// \param described  where the description puts the storage; nothing where it does not say, then the options must
     /// \throws Failure (Permission) to write through a controller that cannot
     [[nodiscard]] static Flash camera(std::shared_ptr<IO::CameraChip> chip, const CameraInfo& who,

@@ -154,12 +154,6 @@ TEST_F(FlashSurveyTest, NamesEachDamageWithItsPlace) {
         {"no container", header(11, Bytes(4, 0)), {{Kind::ContainerHeader, 100}}},
         {"first link outside", header(11, Bytes(4, 0xFF)), {{Kind::LinkOutside, 100}}},
         {"container header", [&] { put(section(0), {9}); }, {{Kind::ContainerHeader, block(0)}}},
-        {"container version 0",
-         [&] {
-             put(section(0), {0});
-             seal(section(0), 2);
-         },
-         {{Kind::ContainerHeader, block(0)}}},
         {"block header",
          [&] { put(block(2), {1}); },
          {{Kind::BlockHeader, block(2)}, {Kind::Unreachable, section(2)}, {Kind::Unreachable, section(3)}}},

@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 
+#include <zentara/host/cameras.h>
 #include <zentara/host/flash.h>
 #include <zentara/utils/environment_variable.h>
 #include <zentara/utils/exceptions.h>
@@ -123,6 +124,15 @@ TEST_F(FlashTest, NoticesThatAnotherProgramChangedTheFile) {
     Utils::writeFile(image, "rotten");
     EXPECT_EQ(stored.load().bytes(), Bytes({'O', 't', 'h', 'e', 'r'}));
     EXPECT_EQ(endOf([&] { stored.apply(byteChange(stored.load(), 0, 'o'), noBackup); }), Failure::Busy);
+}
+
+TEST_F(FlashTest, LiesOnACameraWhereItsDescriptionSays) {
+    Flash flash = Cameras().open("SIM0345").flash();
+    EXPECT_EQ(flash.name(), "the camera SIM0345 (VC0345)");
+    const FlashImage before = flash.load();
+    EXPECT_EQ(before.area().size, 0x4000U);
+    EXPECT_EQ(correctionsOf(contentOf(before)).at(0).tables.size(), 2U);
+    EXPECT_EQ(endOf([&] { flash.apply(byteChange(before, 9000, 1), noBackup); }), Failure::Usage);
 }
 
 /// The second process of the tests below: the same program, with one of these tests.

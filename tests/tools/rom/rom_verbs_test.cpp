@@ -138,19 +138,12 @@ TEST_F(RomVerbs, ReplaceNoFileThatIsNeededStill) {
 
 TEST_F(RomVerbs, BackUpBesideTheImageAndRestore) {
     done({"create", image, "--size", "4096", "--backup", fresh()});
-    const std::string empty = Utils::readFile(image);
     done({"set", "1", image, "--type", "4", "--hex", "2001080000000102"});
     EXPECT_EQ(filesLeft().size(), 2U) << "the image, and a backup named after the time";
     done({"backup", path("copy.bin"), image});
     EXPECT_EQ(Utils::readFile(path("copy.bin")), Utils::readFile(image));
     done({"erase", "1", image, "--yes", "--backup", fresh()});
     done({"restore", path("copy.bin"), image, "--backup", fresh()});
-    EXPECT_EQ(Utils::readFile(path("copy.bin")), Utils::readFile(image));
-
-    refused({"restore", file("small.bin", "x"), image}, Failure::Failed,
-            "has 1 bytes, the flash area has 4096");
-    refused({"restore", file("zeros.bin", std::string(4096, '\0')), image}, Failure::Verification,
-            "is damaged");
     EXPECT_EQ(Utils::readFile(path("copy.bin")), Utils::readFile(image));
 }
 
@@ -217,6 +210,8 @@ TEST_F(RomVerbs, AnswerBadInputAndLeaveTheImageAlone) {
          "failed to allocate"},
         {{"set", "1", image, "--type", "256", "--hex", "01"}, Failure::Usage, "256"},
         {{"set", "1", image, "--type", "4", "--hex", "0g"}, Failure::Usage, "pairs"},
+        {{"restore", shortFile, image}, Failure::Failed, "has 3 bytes, the flash area has 4096"},
+        {{"restore", zeros, image}, Failure::Verification, "is damaged"},
         {{"info", image, "--start", "4096"}, Failure::Usage, "not inside"},
         {{"create", path("new.bin"), "--size", "20"}, Failure::Usage, "no room"},
         {{"verify", "camera:OV9999"}, Failure::NoDevice, "OV9999"},
@@ -383,7 +378,6 @@ TEST_F(RomVerbs, DrawTheMapAndTheTables) {
     EXPECT_THAT(Utils::readFile(path("table.png")), StartsWith("\x89PNG"));
     refused({"draw", "camera:VC0345", "--table", "2", "--png", path("none.png")}, Failure::Failed,
             "there are 2 tables");
-    EXPECT_FALSE(exists("none.png"));
 }
 
 } // namespace
