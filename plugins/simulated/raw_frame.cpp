@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "model/little_endian.h"
 #include "plugins/descriptions/wire.h"
 
 namespace Zentara::Simulated {
@@ -14,10 +15,7 @@ namespace {
 
 constexpr float twoPi = 6.28318531F;
 
-void storeWord(std::uint8_t* bytes, std::uint32_t value) {
-    for (int i = 0; i < 4; ++i)
-        bytes[i] = static_cast<std::uint8_t>(value >> (8 * i));
-}
+constexpr auto storeWord = Model::storeLittleEndian<std::uint32_t>;
 
 /// Values at any address, plane after plane.
 void storeValue(std::uint8_t* planes, std::size_t plane, std::size_t pixel, std::uint16_t value) {

@@ -5,15 +5,14 @@
 #include <cstring>
 #include <vector>
 
+#include "model/little_endian.h"
+
 namespace Zentara::Cameras {
 namespace {
 
 constexpr float twoPi = 6.28318531F;
 
-std::uint32_t loadWord(const std::uint8_t* bytes) {
-    return bytes[0] | std::uint32_t{bytes[1]} << 8 | std::uint32_t{bytes[2]} << 16 |
-           std::uint32_t{bytes[3]} << 24;
-}
+constexpr auto loadWord = Model::loadLittleEndian<std::uint32_t>;
 
 std::uint16_t loadValue(const std::uint8_t* planes, std::size_t plane, std::size_t pixel) {
     std::uint16_t value = 0;

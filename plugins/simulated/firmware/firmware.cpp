@@ -1,8 +1,7 @@
 #include "plugins/simulated/firmware/firmware.h"
 
-#include <cstdio>
-
 #include <zentara/plugin/plugin_exceptions.h>
+#include <zentara/utils/format.h>
 
 namespace Zentara::Simulated {
 
@@ -15,11 +14,7 @@ void stall(const Firmware& model, const std::string& reason) {
     throw Plugin::IOPluginException(std::string(model.name()) + " stalled: " + reason);
 }
 
-std::string hexText(std::uint32_t value) {
-    char text[16];
-    std::snprintf(text, sizeof text, "0x%02X", static_cast<unsigned>(value));
-    return text;
-}
+std::string hexText(std::uint32_t value) { return Utils::Format("0x%{:X2}") % value; }
 
 Bytes patternFlash(std::uint8_t seed) {
     Bytes image(0x10000);
