@@ -21,6 +21,7 @@
 #include <zentara/host/mode.h>
 #include <zentara/host/note.h>
 #include <zentara/host/output_file.h>
+#include <zentara/host/own_root.h>
 #include <zentara/host/parameter.h>
 #include <zentara/host/picture.h>
 #include <zentara/host/plot.h>

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+
+#include <zentara/host/export.h>
+
+namespace Zentara::Host {
+
+/// Lets a build tree and an unpacked archive work without installation: when no install root is set or configured, and
+/// plug-ins lie in ROOT/bin/Plugins, ROOT becomes the install root of this process, and of those that it starts.
+/// Otherwise nothing changes. For a program or module that knows where it lies; before cameras are used first.
+/// \param root UTF-8 \return whether it is the install root now
+ZENTARA_HOST_API bool useRootIfNone(const std::string& root);
+
+} // namespace Zentara::Host
