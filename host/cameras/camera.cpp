@@ -146,6 +146,18 @@ CameraDescription Camera::description() const {
     return impl->real(what).ask(what, describeCamera);
 }
 
+std::optional<ROMElement> Camera::storage() const {
+    const std::string what = "find where the storage of " + info().label() + " lies";
+    return impl->real(what).ask(what, [](CameraParts& parts) {
+        const Core::DescriptorStoreRO& store = parts.store();
+        try {
+            return std::optional(Plugin::callPlugin([&] { return store.getROMElement(storageROMElement); }));
+        } catch (const Plugin::NotSupportedPluginException&) {
+            return std::optional<ROMElement>();
+        }
+    });
+}
+
 FirmwareVersion Camera::firmware() const {
     return askDepth(*impl, "ask for the firmware's version", [](Core::DepthNodeInterface& depth) {
         FirmwareVersion version;

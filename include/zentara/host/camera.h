@@ -19,6 +19,7 @@
 #include <zentara/host/parameter.h>
 #include <zentara/host/stream_info.h>
 #include <zentara/io/camera_chip.h>
+#include <zentara/rom_element.h>
 #include <zentara/stereo_camera_parameters_array.h>
 
 namespace Zentara::Core {
@@ -113,6 +114,10 @@ public:
 
     /// What its description says. Asks the stores, and no device.
     [[nodiscard]] CameraDescription description() const;
+
+    /// Where its description says that the storage of its calibration lies, in the memory that
+    /// `chip().readConfiguration` reads; nothing where it does not say.
+    [[nodiscard]] std::optional<ROMElement> storage() const;
 
     // What a depth camera knows of itself --------------------------------------------------------------------------
 

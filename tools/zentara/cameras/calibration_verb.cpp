@@ -3,10 +3,8 @@
 
 #include <CLI/CLI.hpp>
 
-#include <zentara/depth_base_configuration.h>
 #include <zentara/utils/format.h>
 
-#include "host/cameras/calibration_origin.h"
 #include "host/files/paths.h"
 #include "tools/zentara/arguments.h"
 #include "tools/zentara/cameras/calibration_json.h"
@@ -30,31 +28,20 @@ struct CalibrationOptions : CameraOptions {
     bool force = false;
 };
 
-CalibrationInternal readCamera(CameraSession& session) {
-    CalibrationInternal calibration;
-    attempt("read the camera's calibration", [&] { session.parameters().readCalibration(&calibration); });
-    return calibration;
-}
-
 /// A calibration file: whose calibration it is, and the calibration.
 Json documentOf(const CameraSession& session, const CalibrationInternal& calibration) {
     Json json = beginJson(calibrationVerb);
-    json["camera"] = cameraJson(session.camera());
+    json["camera"] = cameraJson(session.camera().info());
     json["calibration"] = toJson(calibration);
     return json;
 }
 
 /// What the node applies comes from the camera's flash, and need not be what its parameter back-end holds.
-Json appliedJson(CameraSession& session) {
-    Json json;
-    attempt("ask for the calibration that is applied", [&] {
-        const auto modes = session.depth().getConfigurations();
-        if (modes.empty())
-            return;
-        const CalibrationInternal applied = modes.front()->getCalibration();
-        json = {{"phaseDelay", applied.getPhaseDelay()}, {"phaseDelay2", applied.getPhaseDelay2()}};
-    });
-    return json;
+Json appliedJson(const CameraSession& session) {
+    const auto applied = session.camera().appliedCalibration();
+    return applied
+               ? Json{{"phaseDelay", applied->getPhaseDelay()}, {"phaseDelay2", applied->getPhaseDelay2()}}
+               : Json();
 }
 
 void tellApplied(const Json& applied, const CalibrationInternal& held, Console& console) {
@@ -85,7 +72,7 @@ StoredCalibration readFile(const std::string& path) {
 
 ExitCode runExport(const CalibrationOptions& options, Console& console) {
     return withCamera(options, console, [&](CameraSession& session) {
-        const CalibrationInternal calibration = readCamera(session);
+        const CalibrationInternal calibration = session.camera().readCalibration();
         const Json document = documentOf(session, calibration);
         const Json applied = appliedJson(session);
         tellApplied(applied, calibration, console);
@@ -98,7 +85,7 @@ ExitCode runExport(const CalibrationOptions& options, Console& console) {
             writeJsonFile(options.file, document, forced(options.force));
         session.finish({{"calibration", toJson(calibration)},
                         {"applied", applied},
-                        {"source", toJson(sourcesOf(session.depth()))}},
+                        {"source", toJson(session.camera().sources())}},
                        text.str());
         return Failure::None;
     });
@@ -119,20 +106,18 @@ void replaceCalibration(CameraSession& session, const CalibrationInternal& befor
     if (isThere(backup))
         throw Failure(Failure::Usage, "'" + backup + "' is there already; name another file with --backup");
     writeJsonFile(backup, documentOf(session, before), {.ifThere = IfThere::Keep});
-    CalibrationInternal sent = wanted;
-    attempt("write the camera's calibration ('" + backup + "' has the one before)",
-            [&] { session.parameters().writeCalibration(&sent); });
-    if (readCamera(session) != wanted)
-        throw Failure(
-            Failure::Verification,
-            Format("the camera does not give back the calibration that was written; '%' has the one before") %
-                backup);
+    try {
+        session.camera().writeCalibration(wanted);
+    } catch (const Failure& failure) {
+        throw Failure(failure.code(), failure.message(),
+                      failure.cause() + "; '" + backup + "' has the one before", failure.remedy());
+    }
 }
 
 ExitCode importInto(CameraSession& session, const StoredCalibration& stored,
                     const CalibrationOptions& options, Console& console) {
     const CalibrationInternal& wanted = stored.calibration;
-    const CalibrationInternal before = readCamera(session);
+    const CalibrationInternal before = session.camera().readCalibration();
     noteOtherCamera(stored.serialNumber, session, console);
     const Json changes = differencesBetween(toJson(before), toJson(wanted));
     Json result{{"diff", changes}, {"calibration", toJson(wanted)}, {"written", false}, {"lasts", Json()}};
@@ -147,8 +132,8 @@ ExitCode importInto(CameraSession& session, const StoredCalibration& stored,
                       "this replaces the camera's calibration; say --yes, or --dry-run to see");
     const std::string backup = options.backup.empty() ? freeBackupName() : options.backup;
     replaceCalibration(session, before, wanted, backup);
-    session.reconnect(); // what another program would find
-    const bool lasts = readCamera(session) == wanted;
+    session.camera().reconnectParameters(); // what another program would find
+    const bool lasts = session.camera().readCalibration() == wanted;
     result["written"] = true;
     result["lasts"] = lasts;
     result["backup"] = backup;
@@ -176,12 +161,12 @@ ExitCode runDiff(const CalibrationOptions& options, Console& console) {
         right = readFile(options.other).calibration;
     else
         static_cast<void>(withCamera(options, console, [&](CameraSession& session) {
-            right = readCamera(session);
+            right = session.camera().readCalibration();
             const Json applied = appliedJson(session);
             tellApplied(applied, right, console);
-            camera = {{"camera", cameraJson(session.camera())},
+            camera = {{"camera", cameraJson(session.camera().info())},
                       {"applied", applied},
-                      {"source", toJson(sourcesOf(session.depth()))}};
+                      {"source", toJson(session.camera().sources())}};
             return Failure::None;
         }));
     const Json list = differencesBetween(toJson(left), toJson(right));

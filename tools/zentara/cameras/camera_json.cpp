@@ -1,14 +1,23 @@
 #include "tools/zentara/cameras/camera_json.h"
 
+#include "host/cameras/camera_register.h"
+
 namespace Zentara::Tool {
 
-Json cameraJson(const CameraEntry& camera) {
-    const std::string& name =
-        camera.product.empty() && !camera.nodes.empty() ? camera.nodes.front().name : camera.product;
-    return {{"serial", orNull(camera.serialNumber())},
-            {"name", orNull(name)},
+Json cameraJson(const Host::CameraInfo& camera) {
+    return {{"serial", orNull(camera.serial)},
+            {"name", orNull(camera.name)},
             {"path", orNull(camera.path)},
             {"controller", orNull(camera.controller)}};
+}
+
+Json cameraJson(const Host::CameraEntry& camera) { return cameraJson(Host::infoOf(camera)); }
+
+Json nodeJson(const Host::NodeInfo& node) {
+    return {{"kind", kindName(node.kind)},
+            {"name", node.name},
+            {"path", node.path},
+            {"ids", {node.ids.vendorId, node.ids.productId, node.ids.revision, node.ids.interfaceNumber}}};
 }
 
 Json toJson(const Host::Sources& sources) {

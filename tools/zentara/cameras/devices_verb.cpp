@@ -6,10 +6,9 @@
 
 #include <zentara/utils/clock.h>
 
-#include "host/cameras/camera_bus.h"
-#include "host/cameras/stream_description.h"
 #include "tools/zentara/arguments.h"
 #include "tools/zentara/cameras/camera_json.h"
+#include "tools/zentara/cameras/camera_session.h"
 #include "tools/zentara/interrupt.h"
 #include "tools/zentara/json_output.h"
 #include "tools/zentara/text_columns.h"
@@ -19,7 +18,7 @@
 namespace Zentara::Tool {
 namespace {
 
-constexpr unsigned long lookMilliseconds = 100;
+constexpr std::chrono::milliseconds glance{100};
 
 struct DevicesOptions {
     bool watch = false;
@@ -27,23 +26,16 @@ struct DevicesOptions {
     bool json = false;
 };
 
-Json toJson(const NodeEvent& node) {
-    return {{"kind", nodeTypeName(node.nodeType)},
-            {"name", node.name},
-            {"path", node.path},
-            {"ids", {node.vendorId, node.productId, node.revision, node.interfaceNumber}}};
-}
-
-Json toJson(const CameraEntry& camera) {
+Json toJson(const CameraInfo& camera) {
     Json json = cameraJson(camera);
     json["vendor"] = orNull(camera.vendor);
     json["nodes"] = Json::array();
-    for (const NodeEvent& node : camera.nodes)
-        json["nodes"].push_back(toJson(node));
+    for (const NodeInfo& node : camera.nodes)
+        json["nodes"].push_back(nodeJson(node));
     return json;
 }
 
-void printCameras(std::ostream& out, const std::vector<CameraEntry>& cameras) {
+void printCameras(std::ostream& out, const std::vector<CameraInfo>& cameras) {
     const auto row = [&out](const std::string& serial, const std::string& product,
                             const std::string& controller, const std::string& nodes,
                             const std::string& path) {
@@ -51,61 +43,63 @@ void printCameras(std::ostream& out, const std::vector<CameraEntry>& cameras) {
             << path << '\n';
     };
     row("SERIAL", "PRODUCT", "CONTROLLER", "NODES", "PATH");
-    for (const CameraEntry& camera : cameras) {
+    for (const CameraInfo& camera : cameras) {
         std::string kinds;
-        for (const NodeEvent& node : camera.nodes)
-            kinds += std::string(kinds.empty() ? "" : " ") + nodeTypeName(node.nodeType);
-        row(printable(camera.serialNumber()), printable(camera.product),
+        for (const NodeInfo& node : camera.nodes)
+            kinds += std::string(kinds.empty() ? "" : " ") + kindName(node.kind);
+        row(printable(camera.serial), printable(camera.product),
             camera.controller.empty() ? "-" : camera.controller, kinds, printable(camera.path));
     }
 }
 
-const char* eventName(ExternalEventType type) {
+const char* eventName(CameraEvent::Type type) {
     switch (type) {
-    case ExternalEventType_NODE_ARRIVED:
+    case CameraEvent::Type::Arrived:
         return "arrived";
-    case ExternalEventType_NODE_REMOVED:
+    case CameraEvent::Type::Removed:
         return "removed";
-    default:
-        return "error";
+    case CameraEvent::Type::Trouble:
+        break;
     }
+    return "error";
 }
 
 /// With --json one object a line, so that a reader can follow.
-void printEvent(Console& console, const ExternalEvent& event, CameraBus& bus) {
-    const NodeEvent& node = event.node;
-    const bool isError = event.type == ExternalEventType_ERROR;
+void printEvent(Console& console, const CameraEvent& event) {
+    const bool hasNode = !event.camera.nodes.empty();
     if (console.json) {
         Json line = beginJson(console);
         line["event"] = eventName(event.type);
         line["timeMicros"] = event.timeMicros;
-        line["camera"] = isError ? Json() : cameraJson(bus.describe(node));
-        line["node"] = isError ? Json() : toJson(node);
-        line["message"] = isError ? Json(printable(node.name)) : Json();
+        line["camera"] = hasNode ? cameraJson(event.camera) : Json();
+        line["node"] = hasNode ? nodeJson(event.camera.nodes.front()) : Json();
+        line["message"] = hasNode ? Json() : Json(printable(event.message));
         printOnOneLine(console.out, line);
         return;
     }
     std::ostream& out = console.out;
     out << padded(eventName(event.type), 9);
-    if (isError)
-        out << printable(node.name) << std::endl;
-    else
-        out << padded(nodeTypeName(node.nodeType), 7) << cameraLabel(node) << ' ' << printable(node.path)
-            << std::endl;
+    if (!hasNode) {
+        out << printable(event.message) << std::endl;
+        return;
+    }
+    const NodeInfo& node = event.camera.nodes.front();
+    out << padded(kindName(node.kind), 7)
+        << printable((node.name.empty() ? kindName(node.kind) : node.name) + " " + event.camera.serial) << ' '
+        << printable(node.path) << std::endl;
 }
 
-ExitCode watchDevices(const DevicesOptions& options, CameraBus& bus, Console& console) {
+ExitCode watchDevices(const DevicesOptions& options, Cameras& cameras, Console& console) {
     InterruptWatch interrupt;
     const std::int64_t start = Utils::Clock::nowMicros();
     console.lines = true;
-    bus.watch();
+    cameras.watch();
     while (!interrupt.interrupted() && console.out) {
         const std::int64_t elapsed = Utils::Clock::nowMicros() - start;
         if (options.seconds > 0 && static_cast<double>(elapsed) / 1e6 >= options.seconds)
             return Failure::None;
-        ExternalEvent event;
-        if (bus.next(event, lookMilliseconds))
-            printEvent(console, event, bus);
+        if (const auto event = cameras.next(glance))
+            printEvent(console, *event);
         else if (&console.out == &std::cout && Utils::Platform::hasLostReader(stdout))
             console.out.setstate(std::ios::badbit); // as the next line would find
     }
@@ -113,22 +107,23 @@ ExitCode watchDevices(const DevicesOptions& options, CameraBus& bus, Console& co
 }
 
 ExitCode runDevices(const DevicesOptions& options, Console& console) {
-    CameraBus bus(notesTo(console.err));
+    Cameras cameras(patiently(console));
     if (options.watch)
-        return watchDevices(options, bus, console);
-    const std::vector<CameraEntry> cameras = bus.cameras();
+        return watchDevices(options, cameras, console);
+    const std::vector<CameraInfo> all = cameras.list();
     if (options.json) {
         Json json = beginJson(console);
-        json["enumerator"] = bus.backendName();
+        json["enumerator"] = cameras.backEnds();
         json["cameras"] = Json::array();
-        for (const CameraEntry& camera : cameras)
+        for (const CameraInfo& camera : all)
             json["cameras"].push_back(toJson(camera));
         print(console.out, json);
-    } else if (!cameras.empty()) {
-        printCameras(console.out, cameras);
+    } else if (!all.empty()) {
+        printCameras(console.out, all);
     }
-    if (cameras.empty())
-        bus.failForNone();
+    if (all.empty())
+        static_cast<void>(cameras.choose({})); // which says why there is none
+    cameras.close();
     return Failure::None;
 }
 

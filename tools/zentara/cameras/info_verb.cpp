@@ -2,19 +2,13 @@
 
 #include <CLI/CLI.hpp>
 
-#include <zentara/core/descriptor_store_ro.h>
-#include <zentara/core/guids.h>
-
-#include "host/cameras/calibration_origin.h"
-#include "host/cameras/stream_description.h"
+#include "host/float_text.h"
 #include "host/guid_text.h"
 #include "tools/zentara/arguments.h"
 #include "tools/zentara/cameras/calibration_json.h"
 #include "tools/zentara/cameras/camera_json.h"
 #include "tools/zentara/cameras/camera_session.h"
 #include "tools/zentara/cameras/info_page.h"
-#include "tools/zentara/cameras/node_names.h"
-#include "tools/zentara/cameras/parameter_text.h"
 
 namespace Zentara::Tool {
 namespace {
@@ -26,20 +20,15 @@ constexpr const char* infoVerb = "info";
 /// Adds what one question to the camera brings. A camera that cannot answer it is told of in its place.
 template<typename Ask>
 void section(Json& json, const char* name, ExitCode& worst, Ask ask) {
-    const auto fail = [&](const std::string& what, ExitCode code) {
-        json[name] = {{"failure", what}};
-        worst = worst == Failure::None ? code : worst;
-    };
     try {
         json[name] = ask();
-    } catch (const Plugin::NotSupportedPluginException& failure) {
-        json[name] = {{"notSupported", failure.message()}};
-    } catch (const Plugin::PluginException& failure) {
-        fail(failure.message(), codeOf(failure.type()));
+    } catch (const Unsupported& lack) {
+        const std::string cause = lack.cause(); // what the plug-in says stands behind the kind
+        const std::string kind = "not supported: ";
+        json[name] = {{"notSupported", cause.rfind(kind, 0) == 0 ? cause.substr(kind.size()) : cause}};
     } catch (const Failure& failure) {
-        fail(failure.what(), failure.code());
-    } catch (const std::exception& failure) {
-        fail(failure.what(), Failure::Failed);
+        json[name] = {{"failure", failure.cause().empty() ? failure.message() : failure.cause()}};
+        worst = worst == Failure::None ? failure.code() : worst;
     }
 }
 
@@ -102,102 +91,90 @@ Json toJson(const AccelerationInternal& acceleration) {
         {"x", floatJson(acceleration.x)}, {"y", floatJson(acceleration.y)}, {"z", floatJson(acceleration.z)}};
 }
 
-Json pluginJson(const GUID& guid) { return {{"name", orNull(guidName(guid))}, {"guid", guidText(guid)}}; }
+Json toJson(const PluginName& plugin) {
+    return {{"name", orNull(plugin.name)}, {"guid", guidText(plugin.guid)}};
+}
 
 /// What the descriptions say of a node.
-Json describeNode(const NodeEvent& node, CameraStore& store) {
-    store.select(node);
-    const Core::DescriptorStoreRO& view = store.view();
-    Json json{{"kind", nodeTypeName(node.nodeType)},
-              {"name", node.name},
-              {"path", node.path},
-              {"ids", {node.vendorId, node.productId, node.revision, node.interfaceNumber}},
-              {"node", pluginJson(view.getNodeImplGUID())},
-              {"device", pluginJson(view.getDeviceImplGUID())}};
+Json toJson(const NodeDescription& described) {
+    Json json = nodeJson(described.node);
+    json["node"] = toJson(described.nodePlugin);
+    json["device"] = toJson(described.devicePlugin);
     json["modes"] = Json::array();
     json["modeSizes"] = Json::array();
-    for (const StreamDescription& mode : modesOf(node, view)) {
-        json["modes"].push_back(mode.modeName());
-        json["modeSizes"].push_back(mode.modeSize());
+    for (const Mode& mode : described.modes) {
+        json["modes"].push_back(mode.name);
+        json["modeSizes"].push_back(mode.text());
     }
     return json;
 }
 
-Json correctionsOf(Core::DepthNodeInterface& depth) {
-    TemperatureCompensation temperature = depth.getTemperatureCompensation();
-    CyclicErrorCorrection cyclic = depth.getCyclicErrorCorrection();
+Json numbersJson(const std::vector<float>& numbers) {
     Json json = Json::array();
-    for (const auto mode : {DepthNode::CameraMode_0, DepthNode::CameraMode_1}) {
-        Json entry{{"cameraMode", static_cast<int>(mode)},
-                   {"calibratedAt", toJson(depth.getTemperatureCalibration(mode))}};
-        if (temperature.setCurrentMode(mode)) {
-            Json parameters = Json::array();
-            for (unsigned index = 0; index < temperature.getParameterCount(); ++index)
-                parameters.push_back(floatJson(temperature.getParameter(index)));
-            entry["temperatureCompensation"] = {{"algorithm", static_cast<int>(temperature.getAlgorithm())},
-                                                {"parameters", parameters}};
-        }
-        if (cyclic.setCurrentMode(mode)) {
-            Json parameters = Json::array();
-            for (unsigned index = 0; index < cyclic.getParameterCount(); ++index)
-                parameters.push_back(floatJson(cyclic.getParameter(index)));
-            entry["cyclicErrorCorrection"] = {{"algorithm", static_cast<int>(cyclic.getAlgorithm())},
-                                              {"parameters", parameters}};
-        }
+    for (const float number : numbers)
+        json.push_back(floatJson(number));
+    return json;
+}
+
+Json toJson(const Corrections& corrections) {
+    Json json = Json::array();
+    for (std::size_t mode = 0; mode < corrections.modes.size(); ++mode) {
+        const ModeCorrections& one = corrections.modes[mode];
+        Json entry{{"cameraMode", mode}, {"calibratedAt", toJson(one.calibratedAt)}};
+        if (one.temperature != ModeCorrections::Temperature::None)
+            entry["temperatureCompensation"] = {{"algorithm", one.temperatureAlgorithm},
+                                                {"parameters", numbersJson(one.temperatureParameters)}};
+        entry["cyclicErrorCorrection"] = {{"algorithm", one.cyclicAlgorithm},
+                                          {"parameters", numbersJson(one.cyclicParameters)}};
         json.push_back(entry);
     }
     return json;
 }
 
 /// What the descriptions say of the whole camera.
-Json describeCamera(const CameraSession& session) {
-    return {{"vendor", orNull(session.camera().vendor)},
-            {"hardware", toJson(session.store().getHardwareVersion())},
-            {"deviceFlags", session.store().getDeviceFlags()},
-            {"deviceCapabilities", session.store().getDeviceCapabilities()}};
+Json describeCamera(const Camera& camera) {
+    const CameraDescription described = camera.description();
+    Json json{{"nodes", Json::array()}};
+    for (const NodeDescription& node : described.nodes)
+        json["nodes"].push_back(toJson(node));
+    json.update({{"vendor", orNull(camera.info().vendor)},
+                 {"hardware", toJson(described.hardware)},
+                 {"deviceFlags", described.deviceFlags},
+                 {"deviceCapabilities", described.deviceCapabilities}});
+    return json;
 }
 
-/// The same where there is a back-end for it; a camera without is no failure.
-Json calibrationOf(CameraSession& session) {
-    if (guidEquals(session.store().getParameterInterpreterGUID(), Core::Guids::NULL_IMPL))
-        return {{"notSupported", "the description names no parameter back-end"}};
-    CalibrationInternal calibration;
-    session.parameters().readCalibration(&calibration);
-    return toJson(calibration);
+Json temperaturesJson(const Camera& camera) {
+    Json json = Json::array();
+    for (const Temperature& value : camera.temperatures())
+        json.push_back(
+            {{"sensor", value.sensor}, {"celsius", floatJson(value.celsius)}, {"name", orNull(value.name)}});
+    return json;
 }
 
 /// What only the camera knows.
-Json askCamera(CameraSession& session, ExitCode& worst) {
-    Core::DepthNodeInterface& depth = session.depth();
+Json askCamera(const Camera& camera, ExitCode& worst) {
     Json json;
     section(json, "firmware", worst, [&] {
-        int major = 0;
-        int minor = 0;
-        depth.getVersions(major, minor);
-        return Json{{"major", major}, {"minor", minor}};
+        const FirmwareVersion version = camera.firmware();
+        return Json{{"major", version.major}, {"minor", version.minor}};
     });
-    json["source"] = toJson(sourcesOf(depth));
+    json["source"] = toJson(camera.sources());
     section(json, "lens", worst, [&] {
-        const StereoCameraParametersArray lenses = depth.getImageRegistrationCalibration();
+        const StereoCameraParametersArray lenses = camera.lensModels();
         return Json{{"depth", toJson(lenses.depthIntrinsics.values)},
                     {"color", toJson(lenses.colorIntrinsics.values)}};
     });
-    section(json, "extrinsics", worst,
-            [&] { return toJson(depth.getImageRegistrationCalibration().extrinsics.values); });
-    section(json, "storedSerialNumber", worst, [&] { return Json(depth.getSerialNumber()); });
-    section(json, "calibration", worst, [&] { return calibrationOf(session); });
-    section(json, "corrections", worst, [&] { return correctionsOf(depth); });
-    section(json, "rangeMeters", worst, [&] { return floatJson(depth.getRange()); });
-    section(json, "temperatures", worst, [&] {
-        Json readings = toJson(depth.readTemperatures());
-        for (Json& reading : readings)
-            reading["name"] = orNull(sensorName(session.store(), reading["sensor"].get<std::int32_t>()));
-        return readings;
-    });
+    section(json, "extrinsics", worst, [&] { return toJson(camera.lensModels().extrinsics.values); });
+    section(json, "storedSerialNumber", worst, [&] { return Json(camera.storedSerialNumber()); });
+    section(json, "calibration", worst, [&] { return toJson(camera.readCalibration()); });
+    section(json, "corrections", worst, [&] { return toJson(camera.corrections()); });
+    section(json, "rangeMeters", worst, [&] { return floatJson(camera.rangeMetres()); });
+    section(json, "temperatures", worst, [&] { return temperaturesJson(camera); });
     section(json, "accelerometerCalibration", worst,
-            [&] { return toJson(depth.getAccelerometerCalibration()); });
+            [&] { return toJson(camera.accelerometerCalibration()); });
     section(json, "overheatings", worst, [&] {
-        const DiagnosticData counters = depth.getDiagnosticData();
+        const DiagnosticData counters = camera.diagnostics();
         return Json{{"soft", counters.softOverheatingCounter}, {"hard", counters.hardOverheatingCounter}};
     });
     return json;
@@ -205,16 +182,13 @@ Json askCamera(CameraSession& session, ExitCode& worst) {
 
 ExitCode runInfo(const CameraOptions& options, Console& console) {
     return withCamera(options, console, [&](CameraSession& session) {
-        Json json{{"nodes", Json::array()}};
-        CameraStore store;
-        for (const NodeEvent& node : session.camera().nodes)
-            json["nodes"].push_back(describeNode(node, store));
-        json.update(describeCamera(session));
+        const Camera& camera = session.camera();
+        Json json = describeCamera(camera);
         ExitCode worst = Failure::None;
         if (session.hasDepth())
-            json.update(askCamera(session, worst));
+            json.update(askCamera(camera, worst));
         Json page = json;
-        page["camera"] = cameraJson(session.camera());
+        page["camera"] = cameraJson(camera.info());
         session.finish(json, options.json ? std::string() : infoPage(page));
         return worst;
     });

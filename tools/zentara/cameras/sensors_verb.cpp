@@ -5,18 +5,16 @@
 
 #include <CLI/CLI.hpp>
 
-#include <zentara/core/periodic_operation.h>
 #include <zentara/host/output_file.h>
 #include <zentara/host/plot.h>
 #include <zentara/utils/clock.h>
 #include <zentara/utils/format.h>
 #include <zentara/utils/signal.h>
 
+#include "host/float_text.h"
 #include "tools/zentara/arguments.h"
 #include "tools/zentara/cameras/camera_json.h"
 #include "tools/zentara/cameras/camera_session.h"
-#include "tools/zentara/cameras/node_names.h"
-#include "tools/zentara/cameras/parameter_text.h"
 #include "tools/zentara/interrupt.h"
 #include "tools/zentara/streams/frame_counter.h"
 #include "tools/zentara/supervisor.h"
@@ -39,8 +37,8 @@ struct SensorsOptions : CameraOptions {
 /// What the sensors said at one time.
 struct Reading {
     double seconds = 0;
-    SensorValueArray temperatures;
-    AccelerationInternal acceleration;
+    std::vector<Temperature> temperatures;
+    std::optional<Acceleration> acceleration;
 };
 
 double secondsSince(std::int64_t start) {
@@ -51,22 +49,14 @@ class SensorWatch {
 public:
     SensorWatch(const SensorsOptions& wanted, CameraSession& camera, Console& target)
         : options(wanted), session(camera), console(target) {
-        auto place = describedAccelerometer(session.store());
         if (options.accelerometer >= 0)
-            place = {static_cast<std::uint32_t>(options.accelerometer), ""};
-        if (!place)
-            return;
-        accelerometerName = place->name;
-        accelerometer = Utils::makeRefcounted<Core::AccelerometerPeriodicOperation>(place->registerAddress,
-                                                                                    std::int64_t{0}, true);
+            accelerometer = static_cast<std::uint32_t>(options.accelerometer);
     }
 
     Reading read() {
         Reading reading;
-        attempt("read the temperatures", [&] { reading.temperatures = session.depth().readTemperatures(); });
-        if (accelerometer)
-            attempt("read the accelerometer",
-                    [&] { reading.acceleration = session.depth().readAccelerometer(accelerometer.get()); });
+        reading.temperatures = session.camera().temperatures();
+        reading.acceleration = session.camera().accelerometer(accelerometer);
         reading.seconds = secondsSince(start);
         return reading;
     }
@@ -89,11 +79,11 @@ public:
     void writePlot(OutputFile& file) const {
         if (history.empty())
             return;
-        const std::string& camera = session.camera().serialNumber();
+        const std::string& camera = session.camera().info().serial;
         std::vector<PlotPanel> panels{{"Temperatures of " + camera, "degC", {}}};
         for (const auto& [sensor, points] : history)
-            panels.front().lines.push_back({shortLabelOf(sensor), points});
-        if (accelerometer)
+            panels.front().lines.push_back({shortLabels.at(sensor), points});
+        if (!accelerations[0].empty())
             panels.push_back({"Acceleration of " + camera,
                               "g",
                               {{"x", accelerations[0]}, {"y", accelerations[1]}, {"z", accelerations[2]}}});
@@ -103,58 +93,53 @@ public:
 
     [[nodiscard]] Json toJson(const Reading& reading) const {
         Json json{{"seconds", reading.seconds}, {"temperatures", Json::array()}};
-        for (const SensorValue& value : reading.temperatures.values)
-            json["temperatures"].push_back({{"sensor", value.sensorId},
-                                            {"name", orNull(sensorName(session.store(), value.sensorId))},
-                                            {"celsius", floatJson(value.value)}});
+        for (const Temperature& value : reading.temperatures)
+            json["temperatures"].push_back({{"sensor", value.sensor},
+                                            {"name", orNull(value.name)},
+                                            {"celsius", floatJson(value.celsius)}});
         json["acceleration"] = Json();
-        if (accelerometer)
-            json["acceleration"] = {{"name", orNull(accelerometerName)},
-                                    {"register", accelerometer->getRegAddress()},
-                                    {"x", floatJson(reading.acceleration.x)},
-                                    {"y", floatJson(reading.acceleration.y)},
-                                    {"z", floatJson(reading.acceleration.z)}};
+        if (const auto& measured = reading.acceleration)
+            json["acceleration"] = {{"name", orNull(measured->name)},
+                                    {"register", measured->registerAddress},
+                                    {"x", floatJson(measured->value.x)},
+                                    {"y", floatJson(measured->value.y)},
+                                    {"z", floatJson(measured->value.z)}};
         return json;
     }
 
     [[nodiscard]] std::string toText(const Reading& reading) const {
         std::string text = fixed(reading.seconds, 1) + " s";
-        for (const SensorValue& value : reading.temperatures.values)
-            text += Format("  % % degC") % labelOf(value.sensorId) % floatText(value.value);
-        if (accelerometer)
-            text += "  acceleration " +
-                    (accelerometerName.empty() ? "" : printable(accelerometerName) + " ") +
-                    floatText(reading.acceleration.x) + " " + floatText(reading.acceleration.y) + " " +
-                    floatText(reading.acceleration.z) + " g";
+        for (const Temperature& value : reading.temperatures)
+            text += Format("  % % degC") % labelOf(value) % floatText(value.celsius);
+        if (const auto& measured = reading.acceleration)
+            text += "  acceleration " + (measured->name.empty() ? "" : printable(measured->name) + " ") +
+                    floatText(measured->value.x) + " " + floatText(measured->value.y) + " " +
+                    floatText(measured->value.z) + " g";
         return text;
     }
 
 private:
     /// "sensor 1 (illumination)"
-    [[nodiscard]] std::string labelOf(std::int32_t sensor) const {
-        const std::string name = printable(sensorName(session.store(), sensor));
-        return "sensor " + std::to_string(sensor) + (name.empty() ? "" : " (" + name + ")");
-    }
-
-    /// For a plot, whose names stand in one line: "illumination"
-    [[nodiscard]] std::string shortLabelOf(std::int32_t sensor) const {
-        const std::string name = sensorName(session.store(), sensor);
-        return name.empty() ? labelOf(sensor) : name;
+    [[nodiscard]] static std::string labelOf(const Temperature& value) {
+        const std::string name = printable(value.name);
+        return "sensor " + std::to_string(value.sensor) + (name.empty() ? "" : " (" + name + ")");
     }
 
     void note(const Reading& reading) {
-        for (const SensorValue& value : reading.temperatures.values) {
-            if (!options.png.empty())
-                history[value.sensorId].emplace_back(reading.seconds, value.value);
+        for (const Temperature& value : reading.temperatures) {
+            if (options.png.empty())
+                continue;
+            history[value.sensor].emplace_back(reading.seconds, value.celsius);
+            shortLabels[value.sensor] = value.name.empty() ? labelOf(value) : value.name;
         }
-        if (accelerometer && !options.png.empty()) {
-            accelerations[0].emplace_back(reading.seconds, reading.acceleration.x);
-            accelerations[1].emplace_back(reading.seconds, reading.acceleration.y);
-            accelerations[2].emplace_back(reading.seconds, reading.acceleration.z);
+        if (reading.acceleration && !options.png.empty()) {
+            accelerations[0].emplace_back(reading.seconds, reading.acceleration->value.x);
+            accelerations[1].emplace_back(reading.seconds, reading.acceleration->value.y);
+            accelerations[2].emplace_back(reading.seconds, reading.acceleration->value.z);
         }
         if (options.json) {
             Json json = beginJson(console);
-            json["camera"] = cameraJson(session.camera());
+            json["camera"] = cameraJson(session.camera().info());
             json.update(toJson(reading));
             printOnOneLine(console.out, json);
         } else {
@@ -166,8 +151,9 @@ private:
     CameraSession& session;
     Console& console;
     const std::int64_t start = Utils::Clock::nowMicros();
-    Utils::SmartPtr<Core::AccelerometerPeriodicOperation> accelerometer;
-    std::string accelerometerName;
+    std::optional<std::uint32_t> accelerometer; ///< where to read it, if not where the description says
+    std::map<std::int32_t, std::string>
+        shortLabels; ///< for a plot, whose names stand in one line: "illumination"
     std::map<std::int32_t, std::vector<std::pair<double, double>>> history;
     std::array<std::vector<std::pair<double, double>>, 3> accelerations; ///< x, y, z
 };

@@ -24,7 +24,7 @@ std::string serialNumberIn(const Json& document) {
 }
 
 void noteOtherCamera(const std::string& serialNumber, const CameraSession& session, Console& console) {
-    const std::string present = session.camera().serialNumber();
+    const std::string& present = session.camera().info().serial;
     if (!serialNumber.empty() && serialNumber != present)
         note(console, "the file is of camera " + serialNumber + ", this one is " + present);
 }

@@ -6,11 +6,12 @@
 #include <string>
 #include <vector>
 
+#include <zentara/host/cameras.h>
 #include <zentara/io/camera_chip.h>
 #include <zentara/io/video_device_proxy.h>
 #include <zentara/rom_element.h>
 
-#include "host/cameras/camera_bus.h"
+#include "host/attempt.h"
 #include "tools/zentara/cameras/camera_json.h"
 #include "tools/zentara/json_output.h"
 #include "tools/zentara/supervisor.h"
@@ -41,12 +42,13 @@ public:
     ChipSession(const ChipSession&) = delete;
     ChipSession& operator=(const ChipSession&) = delete;
 
-    [[nodiscard]] IO::CameraChip& chip() noexcept { return *camera; }
-    [[nodiscard]] IO::VideoDeviceProxy& device() noexcept { return *proxy; }
+    [[nodiscard]] IO::CameraChip& chip() noexcept { return *controller; }
+    [[nodiscard]] IO::VideoDeviceProxy& device() { return camera->device(); }
+    /// Which camera it is; of a bare device just its name.
+    [[nodiscard]] const Host::CameraInfo& info() const noexcept { return camera->info(); }
+
     /// Where its description says that the storage lies; nothing where it does not say.
     [[nodiscard]] std::optional<ROMElement> storage() const;
-    /// Which camera it is; empty for a bare device.
-    [[nodiscard]] const CameraEntry& cameraEntry() const noexcept { return entry; }
 
     /// Who the camera is, as cameraJson() has it; of a bare device the plug-in's name and the controller.
     [[nodiscard]] Json identity() const;
@@ -55,9 +57,6 @@ public:
     void finish(Json result, const std::string& text);
 
 private:
-    void openDevice();
-    void openCamera();
-    void bindChip(const std::string& label, const std::string& described);
     void note(const IO::ChipTransfer& transfer);
     void show(const IO::ChipTransfer& transfer);
 
@@ -66,12 +65,9 @@ private:
     /// With JSON the trace waits for the end: it goes into the result, or to the errors when there is none.
     std::vector<IO::ChipTransfer> transfers;
     std::optional<Step> underWay; ///< the transfer that has begun
-    CameraEntry entry;            ///< empty for a bare device, as the two below
-    NodeEvent node;
-    std::unique_ptr<CameraStore> store; ///< the device may read it until its end
-    std::unique_ptr<IO::VideoDeviceProxy> proxy;
-    std::string deviceName; ///< of a bare device
-    std::unique_ptr<IO::CameraChip> camera;
+    Host::Cameras cameras;
+    std::optional<Host::Camera> camera;
+    IO::CameraChip* controller = nullptr; ///< the camera's
 };
 
 /// Does one step on a chip: what the chip has not is no failure of the camera, and told as it is.

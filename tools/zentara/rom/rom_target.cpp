@@ -34,10 +34,10 @@ Flash openCamera(ChipOptions wanted, const TargetOptions& options, Flash::Access
     const auto session = std::make_shared<ChipSession>(wanted, console);
     const Json identity = session->identity();
     CameraInfo who;
-    who.serial = session->cameraEntry().serialNumber();
+    who.serial = session->info().serial;
     who.name = textOf(identity["name"]);
-    who.product = session->cameraEntry().product;
-    who.path = session->cameraEntry().path;
+    who.product = session->info().product;
+    who.path = session->info().path;
     if (options.area.size == 0 && !session->storage())
         throw Failure(Failure::Usage, "no description says where the camera's storage lies", {},
                       "--start and --size say it");
