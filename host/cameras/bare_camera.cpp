@@ -6,6 +6,7 @@
 #include "host/cameras/device_choice.h"
 #include "host/cameras/stream_description.h"
 #include "host/guid_text.h"
+#include "host/streams/camera_source.h"
 
 namespace Zentara::Host {
 
@@ -88,6 +89,10 @@ IO::CameraChip& BareCamera::chip(const std::string& controller) {
 IO::VideoDeviceProxy& BareCamera::device() {
     static_cast<void>(chip({}));
     return *errands.run("reach the device of " + identity.label(), [own = bound] { return own->device(); });
+}
+
+StreamSetup BareCamera::streamSetup(Kind kind, const Mode& mode) {
+    return streamOf(std::static_pointer_cast<BareCamera>(shared_from_this()), kind, mode);
 }
 
 void BareCamera::close() {

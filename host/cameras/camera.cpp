@@ -132,6 +132,12 @@ StreamInfo Camera::streamInfo(Kind kind, const std::string& word) const {
     return impl->streamInfo(kind, mode(kind, word));
 }
 
+Stream Camera::stream(Kind kind, const StreamOptions& options) const {
+    Stream made = openStream(impl->streamSetup(kind, mode(kind, options.mode)), options);
+    impl->streams().add(made);
+    return made;
+}
+
 Lens Camera::lens(Kind kind, const std::string& word) const {
     const StreamInfo told = streamInfo(kind, word);
     const std::string owner = told.camera.label() + " in " + told.mode.text();
@@ -321,6 +327,16 @@ void Camera::withDepthNode(const std::string& what,
     });
 }
 
-void Camera::close() const { impl->close(); }
+void Camera::close() const {
+    std::optional<Failure> first;
+    try {
+        impl->streams().stop();
+    } catch (const Failure& failure) {
+        first = failure;
+    }
+    impl->close();
+    if (first)
+        throw Failure(*first);
+}
 
 } // namespace Zentara::Host

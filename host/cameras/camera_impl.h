@@ -6,13 +6,16 @@
 
 #include <zentara/host/camera.h>
 
+#include "host/streams/stream_list.h"
+#include "host/streams/stream_source.h"
+
 namespace Zentara::Host {
 
 class RealCamera;
 
 /// What stands behind a Camera: one that is plugged in, a bare device, or a recording that plays. Safe, but for the
 /// destructor.
-class CameraImpl {
+class CameraImpl : public std::enable_shared_from_this<CameraImpl> {
 public:
     CameraImpl() = default;
     CameraImpl(const CameraImpl&) = delete;
@@ -23,7 +26,12 @@ public:
     [[nodiscard]] virtual std::vector<Mode> modes(Kind kind) = 0;
     [[nodiscard]] virtual Mode defaultMode(Kind kind) = 0;
     [[nodiscard]] virtual StreamInfo streamInfo(Kind kind, const Mode& mode) = 0;
+    /// How a stream comes about, which keeps the camera open.
+    [[nodiscard]] virtual StreamSetup streamSetup(Kind kind, const Mode& mode) = 0;
     virtual void close() = 0;
+
+    /// Those that were made of its setups; they are to be stopped before close().
+    [[nodiscard]] StreamList& streams() noexcept { return running; }
 
     // Unsupported unless overridden.
     [[nodiscard]] virtual IO::CameraChip& chip(const std::string& controller);
@@ -33,6 +41,9 @@ public:
     /// Itself, for what only a camera has that is plugged in.
     /// \param what is asked for, for the message \throws Unsupported where it is none
     [[nodiscard]] virtual RealCamera& real(const std::string& what);
+
+private:
+    StreamList running;
 };
 
 } // namespace Zentara::Host

@@ -89,6 +89,19 @@ std::optional<Record> ofSize(const std::vector<Record>& records, const Mode& mod
     return {};
 }
 
+/// What the description says where the camera itself holds models of other sizes only.
+std::optional<CameraIntrinsics> describedLens(Core::DescriptorStoreRO& store, Kind kind, const Mode& mode) {
+    try {
+        return Zentara::Plugin::callPlugin([&] {
+            return ofSize(kind == Kind::Depth ? store.getDefaultDepthIntrinsicsArray()
+                                              : store.getDefaultColorIntrinsicsArray(),
+                          mode);
+        });
+    } catch (const Zentara::Plugin::NotSupportedPluginException&) {
+        return {};
+    }
+}
+
 } // namespace
 
 CameraParts::CameraParts(CameraEntry found, std::shared_ptr<TransferWatch> watch, Note told)
@@ -210,11 +223,17 @@ StreamInfo CameraParts::streamInfo(Kind kind, const Mode& mode, CameraInfo info)
             told.pose = models.extrinsics.values.front();
     });
     told.lensSource = told.lens ? sources.lens : Source::None;
+    if (!told.lens) {
+        told.lens = describedLens(node->store(), kind, mode);
+        told.lensSource = told.lens ? Source::Description : Source::None;
+    }
     told.poseSource = told.pose ? sources.extrinsics : Source::None;
     told.sourceFailure = sources.failure;
     if (kind == Kind::Depth) {
         told.corrections = corrections();
         told.correctionsSource = sources.corrections;
+        attempt("ask for the phase scaling of " + cameraLabel(node->event()),
+                [&] { told.millimetresPerPhaseStep = (*node)->getPhaseScaling(); });
         told.depthAlong =
             Core::depthAlongOf(node->store()) == Core::DepthAlong::Ray ? DepthAlong::Ray : DepthAlong::Axis;
     }

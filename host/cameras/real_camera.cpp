@@ -2,6 +2,7 @@
 
 #include <zentara/utils/format.h>
 
+#include "host/streams/camera_source.h"
 #include "utils/visible_text.h"
 
 namespace Zentara::Host {
@@ -43,6 +44,11 @@ Mode RealCamera::defaultMode(Kind kind) {
 StreamInfo RealCamera::streamInfo(Kind kind, const Mode& mode) {
     return ask("ask " + identity.label() + " for what belongs to its frames",
                [kind, mode, who = identity](CameraParts& own) { return own.streamInfo(kind, mode, who); });
+}
+
+StreamSetup RealCamera::streamSetup(Kind kind, const Mode& mode) {
+    checkOpen("stream");
+    return streamOf(std::static_pointer_cast<RealCamera>(shared_from_this()), kind, mode);
 }
 
 IO::CameraChip& RealCamera::chip(const std::string& controller) {

@@ -24,6 +24,7 @@ public:
     [[nodiscard]] std::vector<Mode> modes(Kind kind) override;
     [[nodiscard]] Mode defaultMode(Kind kind) override;
     [[nodiscard]] StreamInfo streamInfo(Kind kind, const Mode& mode) override;
+    [[nodiscard]] StreamSetup streamSetup(Kind kind, const Mode& mode) override;
     void close() override;
     [[nodiscard]] RealCamera& real(const std::string&) override { return *this; }
 

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include <zentara/cyclic_error_correction.h>
+#include <zentara/depth_node.h>
 #include <zentara/utils/format.h>
 
 namespace Zentara::Host {
@@ -129,15 +130,15 @@ void DepthCorrection::addCyclicError(bool hasPhase) {
 
 void DepthCorrection::addPhaseDelay() {
     const Corrections& corrections = info.corrections;
-    if (corrections.phaseDelay == 0 && corrections.phaseDelay2 == 0)
+    const std::int16_t delay =
+        info.mode.cameraMode == DepthNode::CameraMode_1 ? corrections.phaseDelay2 : corrections.phaseDelay;
+    if (delay == 0)
         return;
     Part& part = wanted.emplace_back(Part{Correction_PHASE_DELAY, "phase delay", {}});
-    if (corrections.phaseDelay2 != 0)
-        part.trouble = "how much of the depth belongs to the second modulation frequency is not known";
-    else if (!(info.millimetresPerPhaseStep > 0) || !std::isfinite(info.millimetresPerPhaseStep))
+    if (!(info.millimetresPerPhaseStep > 0) || !std::isfinite(info.millimetresPerPhaseStep))
         part.trouble = "how many millimetres a step of phase is, is not known";
     else
-        offset -= double{info.millimetresPerPhaseStep} * corrections.phaseDelay;
+        offset -= double{info.millimetresPerPhaseStep} * delay;
 }
 
 /// Light that came back never has the phase 0: that stands for a camera that sends depth in its place.

@@ -17,6 +17,7 @@
 #include <zentara/host/lens.h>
 #include <zentara/host/mode.h>
 #include <zentara/host/parameter.h>
+#include <zentara/host/stream.h>
 #include <zentara/host/stream_info.h>
 #include <zentara/io/camera_chip.h>
 #include <zentara/rom_element.h>
@@ -108,6 +109,10 @@ public:
 
     /// What belongs to every frame of a stream in that mode.
     [[nodiscard]] StreamInfo streamInfo(Kind kind, const std::string& mode = {}) const;
+
+    /// Opens a stream, and starts it unless the options say otherwise. It keeps the camera open, and ends with close().
+    /// \throws Failure as mode() does; what the device says; (Usage) for a queue of 0
+    [[nodiscard]] Stream stream(Kind kind, const StreamOptions& options = {}) const;
 
     /// The lens of a stream in that mode. \throws Failure (Failed) when the camera has no model of the mode's size
     [[nodiscard]] Lens lens(Kind kind = Kind::Depth, const std::string& mode = {}) const;

@@ -15,6 +15,7 @@
 namespace Zentara::Host {
 
 class FrameSets;
+class StreamList;
 struct StreamSetup;
 
 /// Is asked whether to go on waiting, on the thread that waits, about ten times a second, and holding no lock. False ends
@@ -118,6 +119,7 @@ public:
 
 private:
     friend class FrameSets;
+    friend class StreamList;
     friend Stream openStream(StreamSetup setup, const StreamOptions& options);
     class Core;
     explicit Stream(std::shared_ptr<Core> made) noexcept;

@@ -110,14 +110,19 @@ TEST(Frame, IsCorrectedByWhatIsKnownAndNamesTheRest) {
     EXPECT_THAT(warm.corrected().uncorrected(), IsEmpty());
     EXPECT_THAT(correctedDepth(warm.corrected()), ElementsAre(0, 4101, 6)) << "once is enough";
 
+    StreamInfo far = info;
+    far.mode.cameraMode = 1;
+    far.corrections.phaseDelay2 = -8;
+    EXPECT_THAT(correctedDepth(frameOf(far, depth)), ElementsAre(0, 4098, 7)) << "its other mode";
+
     mode.temperature = ModeCorrections::Temperature::Polynomial;
     mode.temperatureParameters = {-1, 0.5F, 0.01F}; // -1 + 10 + 4 at 20 degrees
     mode.cyclicAlgorithm = 3;
-    info.corrections.phaseDelay2 = 1;
+    info.millimetresPerPhaseStep = 0;
     EXPECT_THAT(correctedDepth(frameOf(info, depth, 50.0F)), ElementsAre(0, 4109, 18));
     EXPECT_THAT(frameOf(info, depth, 50.0F).corrected().uncorrected(),
                 ElementsAre("cyclic error: algorithm 3 is not known",
-                            HasSubstr("phase delay: how much of the depth")));
+                            HasSubstr("phase delay: how many millimetres")));
 
     mode.cyclicAlgorithm = CorrectionAlgorithm_HARMONIC;
     info.millimetresPerPhaseStep = 0;

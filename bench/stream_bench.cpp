@@ -1,0 +1,153 @@
+#include "ratio_reporter.h"
+
+#include <benchmark/benchmark.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstring>
+#include <memory>
+#include <thread>
+#include <vector>
+
+#include <zentara/core/depth_node_interface.h>
+#include <zentara/depth_base_configuration.h>
+#include <zentara/host/host.h>
+#include <zentara/utils/clock.h>
+
+#include "host/cameras/camera_bus.h"
+#include "host/cameras/open_node.h"
+#include "host/streams/stream_source.h"
+
+namespace {
+
+using namespace Zentara;
+using namespace Zentara::Host;
+using namespace std::chrono_literals;
+
+const Bench::Aim frameAim{"frame_to_host", "read_buffer", 1.1};
+const Bench::Aim nextAim{"stream_next", "read_and_10_us", 1.0};
+const Bench::Aim openAim{"open_first_camera", "plugin_calls", 1.2};
+
+constexpr int framesTimed = 60; // one second of the camera's
+
+double secondsSince(std::int64_t micros) {
+    return static_cast<double>(Utils::Clock::nowMicros() - micros) / 1e6;
+}
+
+// From when a frame fell due in the simulated device until the host has it. Both sides copy the same: the node makes its
+// frame of the device's, the stream has it do so in the memory of the frame.
+
+void frameToHost(benchmark::State& state) {
+    Cameras cameras;
+    Stream stream = cameras.open().stream(Kind::Depth, {.queue = 1});
+    for (auto _ : state) {
+        const auto frame = stream.next(2s);
+        state.SetIterationTime(secondsSince(frame->deviceMicros()));
+    }
+}
+BENCHMARK(frameToHost)->Name("frame_to_host/ours")->UseManualTime()->Iterations(framesTimed);
+
+void frameToNode(benchmark::State& state) {
+    Cameras cameras;
+    const auto times = std::make_shared<std::vector<double>>();
+    cameras.open().withDepthNode("read", [times](Core::DepthNodeInterface& node) {
+        node.enableStreaming(node.getConfigurations().front());
+        std::vector<char> buffer(std::size_t{1} << 20);
+        while (times->size() < framesTimed) {
+            std::int64_t micros = 0;
+            int length = 0;
+            if (node.readBuffer(buffer.data(), static_cast<int>(buffer.size()), &micros, &length) ==
+                ReadBufferStatus_OK)
+                times->push_back(secondsSince(micros));
+        }
+        node.disableStreaming();
+    });
+    auto time = times->begin();
+    for (auto _ : state)
+        state.SetIterationTime(*time++);
+}
+BENCHMARK(frameToNode)->Name("frame_to_host/read_buffer")->UseManualTime()->Iterations(framesTimed);
+
+/// A node with a frame at any time, but never more of them than a stream's queue has places.
+class ReadySource final : public StreamSource {
+public:
+    static constexpr std::uint64_t places = 4;
+
+    ReadySource() {
+        about.mode = {.kind = Kind::Depth, .name = "READY", .width = 320, .height = 240, .rate = 60};
+    }
+
+    [[nodiscard]] const StreamInfo& info() const override { return about; }
+    [[nodiscard]] std::string label() const override { return "ready"; }
+    [[nodiscard]] std::size_t usualBytes() const override { return frame.size(); }
+    void start() override {}
+    ReadBufferStatus read(void* buffer, int, std::int64_t* micros, int* length) override {
+        while (given - fetched >= places && !ended)
+            std::this_thread::yield();
+        std::memcpy(buffer, frame.data(), frame.size());
+        *micros = static_cast<std::int64_t>(16'667 * given++);
+        *length = static_cast<int>(frame.size());
+        return ended ? ReadBufferStatus_NOT_STREAMING : ReadBufferStatus_OK;
+    }
+    void stop() override { ended = true; }
+    void close() override {}
+
+    std::atomic<std::uint64_t> fetched{0};
+
+private:
+    StreamInfo about;
+    const std::vector<char> frame = std::vector<char>(std::size_t{3} * 2 * 320 * 240);
+    std::atomic<bool> ended{false};
+    std::uint64_t given = 0;
+};
+
+void streamNext(benchmark::State& state) {
+    const auto source = std::make_shared<ReadySource>();
+    Stream stream = openStream({[source] { return source; }, "open a ready source", nullptr, {}}, {});
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(stream.next(2s));
+        ++source->fetched;
+    }
+}
+BENCHMARK(streamNext)->Name("stream_next/ours")->UseRealTime();
+
+/// What a frame may cost: the node's own copy and 10 microseconds.
+void readAndTen(benchmark::State& state) {
+    ReadySource source;
+    std::vector<char> buffer(source.usualBytes());
+    for (auto _ : state) {
+        std::int64_t micros = 0;
+        int length = 0;
+        source.read(buffer.data(), static_cast<int>(buffer.size()), &micros, &length);
+        benchmark::DoNotOptimize(buffer.data());
+        ++source.fetched;
+        const auto end = std::chrono::steady_clock::now() + 10us;
+        while (std::chrono::steady_clock::now() < end) {
+        }
+    }
+}
+BENCHMARK(readAndTen)->Name("stream_next/read_and_10_us")->UseRealTime();
+
+void openFirst(benchmark::State& state) {
+    for (auto _ : state) {
+        Cameras cameras;
+        const Camera camera = cameras.open();
+        camera.withDepthNode("open", [](Core::DepthNodeInterface&) {});
+        camera.close();
+        cameras.close();
+    }
+}
+BENCHMARK(openFirst)->Name("open_first_camera/ours")->UseRealTime()->Unit(benchmark::kMillisecond);
+
+/// The enumerators, the stores and the node, called one after the other.
+void callPlugins(benchmark::State& state) {
+    for (auto _ : state) {
+        CameraBus bus({});
+        const CameraEntry camera = bus.someCameras().front();
+        OpenNode<Core::DepthNodeInterface> node(*camera.find(NodeType_DEPTH), {});
+        node.dispose();
+    }
+}
+BENCHMARK(callPlugins)->Name("open_first_camera/plugin_calls")->UseRealTime()->Unit(benchmark::kMillisecond);
+
+} // namespace

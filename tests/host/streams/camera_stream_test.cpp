@@ -1,0 +1,151 @@
+#include <filesystem>
+#include <thread>
+
+#include <gmock/gmock.h>
+
+#include <zentara/host/host.h>
+#include <zentara/utils/files.h>
+
+#include "support/failure.h"
+#include "support/scoped_variable.h"
+#include "support/simulated_faults.h"
+#include "support/stride.h"
+#include "support/temporary_directory.h"
+
+namespace Zentara::Host {
+namespace {
+
+using namespace std::chrono_literals;
+using std::chrono::steady_clock;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using TestSupport::messageOf;
+using TestSupport::SimulatedFaults;
+
+constexpr auto inTime = 20s;
+
+/// The streams of a simulated camera.
+class CameraStream : public testing::Test {
+protected:
+    void plug(const std::string& list) {
+        Utils::writeFile(directory.path("new.json"), R"({"format": 1, "cameras": [)" + list + "]}");
+        std::error_code busy; // on Windows while somebody reads the file
+        do {
+            std::filesystem::rename(directory.path("new.json"), directory.path("cameras.json"), busy);
+        } while (busy);
+    }
+
+    static constexpr const char* left = R"({"model": "ZS570", "serialNumber": "LEFT"})";
+    TestSupport::TemporaryDirectory directory;
+    TestSupport::ScopedVariable variable{"ZENTARA_SIMULATED_CAMERAS", directory.path("cameras.json")};
+    std::vector<std::string> notes;
+    Cameras cameras{Cameras::Options{10s, [this](const std::string& text) { notes.push_back(text); }}};
+};
+
+TEST_F(CameraStream, DeliversWhatBelongsTogetherAndOutlivesItsCamera) {
+    plug(left);
+    std::optional<Camera> camera = cameras.open("LEFT");
+    std::vector<Stream> streams;
+    for (const Kind kind : {Kind::Depth, Kind::Color, Kind::Audio})
+        streams.push_back(camera->stream(kind, {.queue = 30, .started = false}));
+    EXPECT_EQ(streams[0].label(), "ZS570 depth LEFT");
+    camera.reset(); // the streams keep it open
+    std::optional<FrameSets> sets(std::in_place, std::move(streams));
+    std::optional<FrameSet> set;
+    for (int number = 0; number < 5; ++number) {
+        set = sets->next(inTime);
+        ASSERT_TRUE(set);
+        EXPECT_THAT(set->missing, IsEmpty()) << number;
+    }
+    sets.reset();
+    EXPECT_EQ(set->depth->width(), 320U);
+    EXPECT_EQ(set->depth->phase().size(), 320U * 240);
+    EXPECT_GT(set->depth->info().millimetresPerPhaseStep, 0);
+    EXPECT_FALSE(set->depth->temperatures().empty());
+    const auto colors = colourOf(*set);
+    EXPECT_GT(
+        std::count_if(colors.begin(), colors.end(), [](const auto& color) { return color.has_value(); }),
+        320 * 240 / 2);
+    const Frame corrected = set->depth->corrected();
+    EXPECT_THAT(set->depth->uncorrected(), testing::Not(IsEmpty()));
+    EXPECT_THAT(corrected.uncorrected(), IsEmpty());
+    ASSERT_FALSE(set->audio.empty());
+    EXPECT_FALSE(set->audio.front().samples().empty());
+}
+
+TEST_F(CameraStream, EndsAtOnceWithItsCamera) {
+    plug(left);
+    for (std::size_t round = 0; round < 500; round += TestSupport::stride) {
+        const Camera camera = cameras.open("LEFT");
+        Stream stream = camera.stream(Kind::Depth);
+        if (round % 10 == 0) {
+            ASSERT_TRUE(stream.next(inTime));
+        }
+        if (round % 3 == 0) {
+            camera.close();
+            EXPECT_FALSE(stream.next(inTime));
+        }
+    }
+    EXPECT_THAT(notes, testing::Each(HasSubstr("its flash does not hold")));
+}
+
+TEST_F(CameraStream, GoesOnWhenItsCameraIsBackInAnotherSocket) {
+    plug(left);
+    const Camera camera = cameras.open("LEFT");
+    Stream depth = camera.stream(Kind::Depth, {.awaitReturn = true});
+    Stream color = camera.stream(Kind::Color, {.awaitReturn = true});
+    Stream once = camera.stream(Kind::Audio);
+    ASSERT_TRUE(depth.next(inTime) && color.next(inTime) && once.next(inTime));
+    plug("");
+    const auto drain = [](Stream& stream) {
+        while (stream.next(2s)) {
+        }
+    };
+    EXPECT_THAT(messageOf<Failure>([&] { drain(depth); }), HasSubstr("and did not come back"));
+    EXPECT_THAT(messageOf<Failure>([&] { drain(once); }), HasSubstr("was unplugged after"));
+    plug(std::string(R"({"model": "ZS345", "serialNumber": "RIGHT"}, )") + left);
+    for (Stream* stream : {&depth, &color}) {
+        std::optional<Frame> frame;
+        do {
+            frame = stream->next(inTime);
+        } while (frame && !frame->isFirstAfterReturn());
+        EXPECT_TRUE(frame);
+        EXPECT_EQ(stream->counts().absences, 1U);
+    }
+    EXPECT_EQ(once.state(), Stream::State::Unplugged);
+}
+
+TEST_F(CameraStream, EndsInTwoSecondsWhenTheDeviceHangs) {
+    plug(left);
+    const SimulatedFaults faults("hang 4000 at video.readBuffer after 2;refuse cancel");
+    {
+        Camera camera = cameras.open("LEFT");
+        Stream stream = camera.stream(Kind::Depth);
+        EXPECT_TRUE(stream.next(inTime));
+        EXPECT_TRUE(stream.next(inTime));
+        EXPECT_THAT(messageOf<Failure>([&] { (void)stream.next(100ms); }),
+                    HasSubstr("nothing came from ZS570 depth"));
+        const auto begin = steady_clock::now();
+        EXPECT_THAT(messageOf<Failure>([&] { stream.stop(); }),
+                    HasSubstr("ZS570 depth LEFT does not return from reading; 2 frames had come"));
+        EXPECT_LT(steady_clock::now() - begin, 2500ms);
+    }
+    for (int tries = 0; tries < 2000 && frameMemoryTaken() != 0; ++tries)
+        std::this_thread::sleep_for(10ms);
+    EXPECT_EQ(frameMemoryTaken(), 0U) << "what comes back after all lets go";
+}
+
+TEST_F(CameraStream, ComesFromABareDeviceAsWell) {
+    const Camera device = cameras.openDevice({});
+    Stream depth = device.stream(Kind::Depth);
+    Stream sound = device.stream(Kind::Audio);
+    EXPECT_EQ(depth.label(), "MOCKVIDEODEVICE_IMPL");
+    const auto frame = depth.next(inTime);
+    EXPECT_EQ(frame->depth().size(), 320U * 240);
+    const auto block = sound.next(inTime);
+    EXPECT_EQ(block->samples().size(), 960U);
+    EXPECT_EQ(sound.info().mode.channels, 2);
+}
+
+} // namespace
+} // namespace Zentara::Host
