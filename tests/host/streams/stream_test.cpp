@@ -11,7 +11,6 @@
 #include <zentara/utils/clock.h>
 
 #include "host/streams/fake_source.h"
-#include "support/failing_allocation.h"
 #include "support/failure.h"
 
 namespace Zentara::Host {
@@ -278,43 +277,6 @@ TEST_F(StreamTest, FailsWhileTheHostHoldsAllTheMemoryThereMayBe) {
     }
     EXPECT_THAT(third->depth(), ElementsAre(3, 7));
     setFrameMemoryLimit(limit);
-}
-
-// The bytes that the source writes are those of the frame, and neither thread asks for memory once the stream runs.
-TEST_F(StreamTest, CopiesNothingAndNeedsNoMemoryOnceItRuns) {
-    constexpr int begun = 20;
-    constexpr int frames = 100;
-    Stream stream = camera->stream();
-    std::optional<TestSupport::FailingAllocation> there; // the reading thread's
-    bool asks = false;
-    const void* written = nullptr;
-    std::size_t taken = 0;
-    for (int number = 0; number < frames; ++number) {
-        camera->then([&, number](void* buffer, int, std::int64_t* micros, int* length) {
-            if (number == begun)
-                there.emplace(0);
-            if (number == frames - 1) {
-                asks = asks || there->hit();
-                there.reset();
-            }
-            *micros = 10'000 * number;
-            *length = 4;
-            written = buffer;
-            return ReadBufferStatus_OK;
-        });
-        std::optional<Frame> frame;
-        {
-            const TestSupport::FailingAllocation here(0);
-            frame = stream.next(soon);
-            asks = asks || here.hit();
-        }
-        ASSERT_TRUE(frame);
-        EXPECT_EQ(frame->bytes().data(), written);
-        if (number == begun)
-            taken = frameMemoryTaken();
-    }
-    EXPECT_FALSE(asks);
-    EXPECT_EQ(frameMemoryTaken(), taken);
 }
 
 /// Depth at 100 frames a second, colour at 50, and sound in blocks of 10 ms; times in milliseconds.
