@@ -4,7 +4,7 @@ JOBS ?= $(shell nproc)
 
 .PHONY: demo test test-linux test-windows test-asan test-tsan format lint tidy bench clean
 
-## Builds everything and drives two simulated cameras; leaves pictures, sound, a recording and a plot in build/demo/.
+## Builds everything and drives two simulated cameras; leaves pictures, a point cloud, sound, a recording and a plot in build/demo/.
 demo:
 	@.ci/setup demo
 	@cmake --preset gcc -Wno-dev >/dev/null

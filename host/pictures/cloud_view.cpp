@@ -18,8 +18,8 @@ using Utils::Format;
 constexpr std::uint32_t mostSide = 8192;
 constexpr double trim = 0.005; ///< share of the points left out at either end, so that wild ones do not count
 constexpr double awayOfRadius = 3;     ///< the viewer's distance from the middle, in the cloud's own radius
-constexpr double filled = 0.94;        ///< of the picture, by the cloud
-constexpr double splatOfSpacing = 1.6; ///< a point's size, of the distance between points: no gaps in a plane
+constexpr double filled = 0.92;        ///< of the picture, by the cloud
+constexpr double splatOfSpacing = 2.2; ///< a point's size, of the distance between points: no gaps in a plane
 constexpr Color background{34, 36, 42};
 constexpr Color withoutColor{128, 128, 128};
 
@@ -56,19 +56,21 @@ public:
           zs(rangeAlong(points, &Point::z)), yaw(view.right * degree), pitch(view.up * degree) {
         const double radius = std::hypot(xs.high - xs.low, ys.high - ys.low, zs.high - zs.low) / 2;
         away = std::max(awayOfRadius * radius, 1e-6);
-        double widest = 1e-9;
-        double highest = 1e-9;
-        for (const double x : {xs.low, xs.high})
-            for (const double y : {ys.low, ys.high})
-                for (const double z : {zs.low, zs.high}) {
-                    const Place corner =
-                        turned({static_cast<float>(x), static_cast<float>(y), static_cast<float>(z)});
-                    widest = std::max(widest, std::abs(corner.x) / corner.z);
-                    highest = std::max(highest, std::abs(corner.y) / corner.z);
-                }
-        scale = filled / 2 * std::min(view.width / widest, view.height / highest);
-        middleX = view.width / 2.0;
-        middleY = view.height / 2.0;
+        std::vector<float> across;
+        std::vector<float> down;
+        for (const Point& point : points) {
+            const Place place = turned(point);
+            if (place.z <= 0)
+                continue;
+            across.push_back(static_cast<float>(place.x / place.z));
+            down.push_back(static_cast<float>(place.y / place.z));
+        }
+        const ValueRange us = across.empty() ? ValueRange{} : rangeOf(across);
+        const ValueRange vs = down.empty() ? ValueRange{} : rangeOf(down);
+        scale = filled * std::min(view.width / std::max(us.high - us.low, 1e-9),
+                                  view.height / std::max(vs.high - vs.low, 1e-9));
+        middleX = view.width / 2.0 - scale * (us.low + us.high) / 2;
+        middleY = view.height / 2.0 - scale * (vs.low + vs.high) / 2;
     }
 
     /// In the picture, in pixels; z is the distance from the viewer, not above 0 behind him.

@@ -83,6 +83,34 @@ TEST(ColorMap, FindsTheRangeWithoutZerosAndWildPixels) {
     EXPECT_EQ(ColorMap::rangeOf(depth, 0.02), (ValueRange{1003, 1196}));
 }
 
+// Two spots, the near one to the left: from far right it is seen left of the other still, from far left right of it.
+TEST(CloudView, TurnsAboutTheMiddleAndHidesWhatIsBehind) {
+    const Lens lens({40, 2, 20, 20, 20, 1}, DepthAlong::Axis, "camera");
+    std::vector<std::uint16_t> depth(80);
+    depth[18] = depth[58] = 1000;
+    depth[22] = depth[62] = 3000;
+    const PointCloud cloud = lens.pointsOf(depth, 40, 2);
+    const auto middleOf = [&](double right, bool near) {
+        const Picture picture = CloudView{.right = right, .up = 0}.draw(cloud, "two spots");
+        double sum = 0;
+        double found = 0;
+        for (std::uint32_t y = 40; y < 500; ++y)
+            for (std::uint32_t x = 12; x < 640; ++x) {
+                const Color color = picture.at(x, y);
+                const bool isNear = color.red > 2 * color.blue;
+                if (std::max({color.red, color.green, color.blue}) < 100 || isNear != near)
+                    continue;
+                sum += x;
+                ++found;
+            }
+        return sum / found;
+    };
+    EXPECT_LT(middleOf(60, true), middleOf(60, false));
+    EXPECT_GT(middleOf(-60, true), middleOf(-60, false));
+    EXPECT_THROW(static_cast<void>(CloudView{}.draw(PointCloud(), "none")), Failure);
+    EXPECT_THROW(static_cast<void>(CloudView{.width = 0}.draw(cloud, "no pixel")), Failure);
+}
+
 TEST(Plot, DrawsEachLineInItsColour) {
     const double gap = std::nan("");
     const Picture picture = plot(

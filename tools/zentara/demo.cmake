@@ -1,5 +1,5 @@
-# What `make demo` runs: two simulated cameras, one pulled out and put back while both stream. Leaves pictures, sound,
-# a recording and a plot in OUTPUT. Started with -DSTEP=hotplug it is the hand that pulls and plugs.
+# What `make demo` runs: two simulated cameras, one pulled out and put back while both stream. Leaves pictures, a point
+# cloud, sound, a recording and a plot in OUTPUT. Started with -DSTEP=hotplug it is the hand that pulls and plugs.
 function(plug)
     set(cameras "")
     foreach(camera ${ARGN})
@@ -45,6 +45,7 @@ if(NOT code EQUAL 0)
     message(FATAL_ERROR "zentara ${text}: exit code ${code}")
 endif()
 
+zentara(stream --camera SIM0570 --frames 30 --ply cloud.ply --cloud-png cloud.png)
 zentara(stream --camera SIM0345 --frames 30 --audio --record camera.ztrec)
 zentara(stream --play camera.ztrec)
 zentara(params get 0 2 13)

@@ -24,7 +24,7 @@ struct ZENTARA_HOST_API CloudView {
     /// camera along its axis, with a scale in metres.
     bool ownColors = false;
     /// The distances of the scale's ends, metres; those of the cloud when there is none.
-    std::optional<ValueRange> range;
+    std::optional<ValueRange> range = {};
 
     /// The picture. \param title over it, in ASCII
     /// \throws Failure (Usage) for a size or an angle that makes no sense; (Failed) when the cloud has no point

@@ -95,6 +95,18 @@ TEST_F(StreamVerb, PlaysWhatItRecorded) {
     EXPECT_EQ(played.json().at("streams").at(0).at("name"), "MOCKVIDEODEVICE_IMPL");
     EXPECT_GE(played.json().at("streams").at(1).at("audio").at("samples"), 9600);
 
+    // A recording of a camera becomes the same cloud without it; a bare device has no lens model.
+    ASSERT_EQ(run({"stream", "--frames", "2", "--record", path("n"), "--ply", path("a.ply")}).exitCode, 0);
+    ASSERT_EQ(
+        run({"stream", "--play", path("n"), "--ply", path("b.ply"), "--cloud-png", path("b.png")}).exitCode,
+        0);
+    EXPECT_TRUE(Utils::readFile(path("a.ply")) == Utils::readFile(path("b.ply")));
+    EXPECT_THAT(Utils::readFile(path("a.ply")),
+                HasSubstr("comment not corrected: temperature: not applied\n"));
+    EXPECT_GT(decode(Utils::readFile(path("b.png"))).colored, 50'000U);
+    EXPECT_THAT(run({"stream", "--play", path("r"), "--ply", path("c.ply")}).err,
+                HasSubstr("no lens model is known"));
+
     EXPECT_EQ(run({"stream", "--play", path("r"), "--frames", "5", "--raw", path("c.raw")}).exitCode, 0);
     EXPECT_EQ(Utils::readFile(path("c.raw")).size(), 5 * Zentara::Cameras::frameBytes);
 }

@@ -1,10 +1,13 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include <zentara/host/frame.h>
 #include <zentara/host/output_file.h>
+#include <zentara/host/stream_info.h>
 
 #include "host/cameras/stream_description.h"
 #include "tools/zentara/exit_code.h"
@@ -13,14 +16,22 @@
 
 namespace Zentara::Tool {
 
-/// Takes the frames of a depth stream: counts and measures them, makes a picture of the last one and writes all to a
-/// file if asked. A frame is a plane of 16-bit depth in millimetres, then whatever the camera adds.
+/// Where the frames of a depth stream go; empty for what is not wanted.
+struct DepthFiles {
+    std::string png;      ///< the last one, in colours
+    std::string raw;      ///< all of them, as they came
+    std::string ply;      ///< the last one's points
+    std::string cloudPng; ///< and how they look
+};
+
+/// Takes the frames of a depth stream: counts and measures them, makes pictures and points of the last one and writes
+/// all to a file if asked. A frame is a plane of 16-bit depth in millimetres, then whatever the camera adds.
 class DepthRecorder final : public StreamSink {
 public:
-    /// \param count frames to take. \param pngPath, rawPath for the picture and for the frames as they came; empty
-    /// for none. \throws Failure when the mode has no size, or a file cannot be opened.
-    DepthRecorder(const StreamDescription& stream, std::uint64_t count, const std::string& pngPath,
-                  const std::string& rawPath);
+    /// \param about what belongs to the frames, for the points \param count frames to take
+    /// \throws Failure when the mode has no size, there is to be a cloud and no lens model, or a file cannot be opened
+    DepthRecorder(const StreamDescription& stream, const StreamInfo& about, std::uint64_t count,
+                  const DepthFiles& files);
 
     bool take(const std::uint8_t* data, std::size_t size, std::int64_t micros) override;
     void resume() override { counter.resume(); }
@@ -43,11 +54,16 @@ private:
     [[nodiscard]] double blind() const noexcept;
     void measure() noexcept;
     void writePicture();
+    void writeCloud();
 
     const std::string camera; ///< for the picture's title
     const FrameSize size;
+    const std::shared_ptr<const StreamInfo> info;
+    std::optional<Frame> last; ///< while a cloud is wanted
     FrameCounter counter;
     std::unique_ptr<OutputFile> picture;
+    std::unique_ptr<OutputFile> cloud;
+    std::unique_ptr<OutputFile> cloudPicture;
     std::unique_ptr<OutputFile> file;
     std::uint64_t rawBytes = 0;       ///< of the whole frames in the file
     std::vector<std::uint16_t> depth; ///< the last frame's; empty before the first

@@ -6,6 +6,7 @@
 #include <cctype>
 #include <set>
 
+#include <zentara/host/cameras.h>
 #include <zentara/host/recording.h>
 #include <zentara/utils/files.h>
 #include <zentara/utils/format.h>
@@ -64,8 +65,9 @@ struct StreamSession::Parts {
     Utils::Threading::Signal wake;
     std::unique_ptr<CameraBus> bus; ///< null unless the cameras come through nodes
     std::unique_ptr<Recorder> recording;
-    std::vector<StreamDescription> streams; ///< of all cameras, in order
-    std::set<NodeType> kinds;               ///< of all nodes that were to be opened
+    std::vector<StreamInfo> known; ///< what belongs to the streams that there can be, where it was asked for
+    std::vector<StreamInfo> streams; ///< of all cameras, in order
+    std::set<NodeType> kinds;        ///< of all nodes that were to be opened
     std::set<std::string> files;
     std::vector<std::unique_ptr<StreamedCamera>> cameras;
 };
@@ -110,7 +112,8 @@ void StreamSession::openDevices() {
 void StreamSession::openRecording() {
     std::vector<StreamDescription> streams;
     const Recording recording(options.play);
-    for (const StreamInfo& info : recording.streams()) {
+    parts->known = recording.streams();
+    for (const StreamInfo& info : parts->known) {
         streams.push_back(playedStream(info));
         streams.back().node.nodeIndex = static_cast<std::uint32_t>(streams.size() - 1); // tells them apart
     }
@@ -156,7 +159,8 @@ void StreamSession::missKind(NodeType type, const CameraEntry& camera) const {
 
 /// A stream that was asked for, be it by a file, and that nobody has is a failure.
 void StreamSession::checkKinds() const {
-    const bool depthFile = !options.png.empty() || !options.raw.empty();
+    const bool depthFile =
+        !options.png.empty() || !options.raw.empty() || !options.ply.empty() || !options.cloudPng.empty();
     for (const NodeType type : {NodeType_DEPTH, NodeType_COLOR, NodeType_AUDIO}) {
         const bool wanted = type == NodeType_DEPTH ? depthFile : wants(type);
         if (wanted && parts->kinds.count(type) == 0)
@@ -182,6 +186,8 @@ void StreamSession::openCamera(const CameraEntry& entry, const StreamedCamera::O
     auto& camera = *parts->cameras.emplace_back(
         std::make_unique<StreamedCamera>(cameraJson(entry), open, parts->wake, finite));
     try {
+        if (parts->bus)
+            askForInfos(entry);
         openStreams(camera, entry.nodes);
     } catch (const Failure& failure) {
         if (!several)
@@ -199,8 +205,8 @@ void StreamSession::openStreams(StreamedCamera& camera, const std::vector<NodeEv
         const StreamDescription stream = camera.open(node);
         if (stream.node.nodeType != NodeType_AUDIO)
             framesPerSecond = stream.rate();
-        parts->streams.push_back(stream);
-        camera.deliverTo(makeSink(stream, framesPerSecond));
+        parts->streams.push_back(infoOf(stream));
+        camera.deliverTo(makeSink(stream, parts->streams.back(), framesPerSecond));
     }
     camera.record(nullptr, first);
 }
@@ -216,11 +222,41 @@ std::uint64_t StreamSession::samplesWanted(int samplesPerSecond, int framesPerSe
     return framesWanted() == 0 ? 0 : std::max<std::uint64_t>(samples, 1);
 }
 
-std::unique_ptr<StreamSink> StreamSession::makeSink(const StreamDescription& stream, int framesPerSecond) {
+/// Before its nodes are opened, so that the camera has one owner at a time.
+void StreamSession::askForInfos(const CameraEntry& entry) {
+    if (options.ply.empty() && options.cloudPng.empty() && options.record.empty())
+        return;
+    CameraInfo identity;
+    identity.path = entry.path;
+    Cameras cameras;
+    const Camera camera = cameras.open(identity);
+    for (const Kind kind : {Kind::Depth, Kind::Color, Kind::Audio}) {
+        if (!wants(nodeTypeOf(kind)))
+            continue;
+        for (const Mode& mode : camera.modes(kind))
+            parts->known.push_back(camera.streamInfo(kind, mode.name));
+    }
+    camera.close();
+}
+
+StreamInfo StreamSession::infoOf(const StreamDescription& stream) const {
+    if (!options.play.empty())
+        return parts->known.at(stream.node.nodeIndex);
+    const StreamInfo plain = recordedStream(stream);
+    const auto found = std::find_if(parts->known.begin(), parts->known.end(), [&](const StreamInfo& info) {
+        return info.camera.path == plain.camera.path && info.mode.name == plain.mode.name;
+    });
+    return found == parts->known.end() ? plain : *found;
+}
+
+std::unique_ptr<StreamSink> StreamSession::makeSink(const StreamDescription& stream, const StreamInfo& info,
+                                                    int framesPerSecond) {
     switch (stream.node.nodeType) {
     case NodeType_DEPTH:
-        return std::make_unique<DepthRecorder>(stream, framesWanted(), fileFor(stream, options.png),
-                                               fileFor(stream, options.raw));
+        return std::make_unique<DepthRecorder>(
+            stream, info, framesWanted(),
+            DepthFiles{fileFor(stream, options.png), fileFor(stream, options.raw),
+                       fileFor(stream, options.ply), fileFor(stream, options.cloudPng)});
     case NodeType_COLOR:
         return std::make_unique<ColorRecorder>(stream, framesWanted(), fileFor(stream, options.colorPng));
     default:
@@ -242,10 +278,7 @@ std::string StreamSession::fileFor(const StreamDescription& stream, const std::s
 void StreamSession::startRecording() {
     if (options.record.empty() || parts->streams.empty())
         return;
-    std::vector<StreamInfo> infos;
-    for (const StreamDescription& stream : parts->streams)
-        infos.push_back(recordedStream(stream));
-    parts->recording = std::make_unique<Recorder>(options.record, infos);
+    parts->recording = std::make_unique<Recorder>(options.record, parts->streams);
     std::size_t first = 0;
     for (const auto& camera : parts->cameras) {
         camera->record(parts->recording.get(), static_cast<std::uint16_t>(first));

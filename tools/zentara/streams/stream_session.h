@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include <zentara/host/stream_info.h>
 #include <zentara/node_event.h>
 
 #include "host/cameras/camera_bus.h"
@@ -25,6 +26,8 @@ struct StreamOptions {
     bool audio = false;
     std::string png;
     std::string raw;
+    std::string ply;
+    std::string cloudPng;
     std::string colorPng;
     std::string wav;
     std::string record;
@@ -71,7 +74,10 @@ private:
     void openStreams(StreamedCamera& camera, const std::vector<NodeEvent>& nodes);
     void missKind(NodeType type, const CameraEntry& camera) const;
     void checkKinds() const;
-    [[nodiscard]] std::unique_ptr<StreamSink> makeSink(const StreamDescription& stream, int framesPerSecond);
+    [[nodiscard]] std::unique_ptr<StreamSink> makeSink(const StreamDescription& stream,
+                                                       const StreamInfo& info, int framesPerSecond);
+    void askForInfos(const CameraEntry& entry);
+    [[nodiscard]] StreamInfo infoOf(const StreamDescription& stream) const;
     [[nodiscard]] std::uint64_t framesWanted() const;
     [[nodiscard]] std::uint64_t samplesWanted(int samplesPerSecond, int framesPerSecond) const;
     [[nodiscard]] bool wants(NodeType type) const;

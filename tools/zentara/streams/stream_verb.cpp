@@ -25,8 +25,8 @@ constexpr double longestWait = 86'400;
 /// Two files of one name would overwrite each other.
 void checkPaths(const StreamOptions& options) {
     std::set<std::string> paths;
-    for (const std::string* path :
-         {&options.png, &options.raw, &options.colorPng, &options.wav, &options.record, &options.play}) {
+    for (const std::string* path : {&options.png, &options.raw, &options.ply, &options.cloudPng,
+                                    &options.colorPng, &options.wav, &options.record, &options.play}) {
         if (!path->empty() && !paths.insert(Utils::canonicalPath(*path)).second)
             throw Failure(Failure::Usage, Format("'%' is named for two files") % *path);
     }
@@ -120,6 +120,12 @@ Verb addStreamVerb(CLI::App& program) {
     command->add_option("--png", options->png, "Write the last depth frame as a picture in colours")
         ->type_name("FILE");
     command->add_option("--raw", options->raw, "Write all depth frames as they came")->type_name("FILE");
+    command
+        ->add_option("--ply", options->ply,
+                     "Write the last depth frame as a point cloud in metres, x right, y down, z forward")
+        ->type_name("FILE");
+    command->add_option("--cloud-png", options->cloudPng, "Draw that cloud, seen from the right and above")
+        ->type_name("FILE");
     CLI::Option* colorPng =
         command->add_option("--color-png", options->colorPng, "Write the last colour frame; implies --color")
             ->type_name("FILE");
