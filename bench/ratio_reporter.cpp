@@ -49,7 +49,8 @@ private:
         if (slash == std::string::npos)
             return;
         auto& times = groups[name.substr(0, slash)];
-        bool acrossThreads = run.run_name.time_type == "real_time";
+        const std::string& kind = run.run_name.time_type;
+        bool acrossThreads = kind == "real_time" || kind == "manual_time";
         double time = acrossThreads ? run.GetAdjustedRealTime() : run.GetAdjustedCPUTime();
         auto [entry, isNew] = times.try_emplace(name.substr(slash + 1), time);
         if (!isNew)

@@ -68,13 +68,14 @@ void frameToNode(benchmark::State& state) {
 }
 BENCHMARK(frameToNode)->Name("frame_to_host/read_buffer")->UseManualTime()->Iterations(framesTimed);
 
-/// A node with a frame at any time, but never more of them than a stream's queue has places.
+/// A node with a small frame at any time, but never more of them than a stream's queue has places: what is left of the
+/// time is what the stream adds to it.
 class ReadySource final : public StreamSource {
 public:
     static constexpr std::uint64_t places = 4;
 
     ReadySource() {
-        about.mode = {.kind = Kind::Depth, .name = "READY", .width = 320, .height = 240, .rate = 60};
+        about.mode = {.kind = Kind::Depth, .name = "READY", .width = 8, .height = 4, .rate = 60};
     }
 
     [[nodiscard]] const StreamInfo& info() const override { return about; }
@@ -96,7 +97,7 @@ public:
 
 private:
     StreamInfo about;
-    const std::vector<char> frame = std::vector<char>(std::size_t{3} * 2 * 320 * 240);
+    const std::vector<char> frame = std::vector<char>(std::size_t{3} * 2 * 8 * 4);
     std::atomic<bool> ended{false};
     std::uint64_t given = 0;
 };
