@@ -1,0 +1,263 @@
+#include "bindings/python/cameras.h"
+
+#include <array>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include <pybind11/stl.h>
+#include <zentara/host/cameras.h>
+#include <zentara/host/own_root.h>
+
+#include "bindings/python/streams.h"
+#include "bindings/python/values.h"
+
+namespace Zentara::Python {
+namespace {
+
+using namespace pybind11::literals;
+using Host::Camera;
+using Host::Kind;
+using Host::Parameter;
+
+using Word = std::variant<int, std::string>; ///< a parameter's number or name
+using Number = std::variant<bool, std::int64_t, double, std::array<std::uint32_t, 4>>;
+
+std::shared_ptr<Host::Cameras> newCameras() {
+    Host::Cameras::Options options;
+    options.note = notes();
+    return std::make_shared<Host::Cameras>(std::move(options));
+}
+
+std::unique_ptr<CameraObject> open(const std::string& name) {
+    return std::make_unique<CameraObject>(interruptible([name] { return newCameras()->open(name); }));
+}
+
+// Streams ------------------------------------------------------------------------------------------------------------
+
+std::unique_ptr<StreamObject> streamOf(const CameraObject& self, Kind kind,
+                                       const Host::StreamOptions& options,
+                                       std::optional<std::uint64_t> frames, double limit) {
+    const std::chrono::milliseconds patience = millisecondsOf(limit);
+    return std::make_unique<StreamObject>(
+        self.ask([options, kind](const Camera& camera) { return camera.stream(kind, options); }), frames,
+        patience);
+}
+
+// Parameters ---------------------------------------------------------------------------------------------------------
+
+py::object pythonOf(const Host::ParameterValue& value) {
+    return std::visit(
+        [](const auto& one) -> py::object {
+            if constexpr (std::is_same_v<std::decay_t<decltype(one)>, RegionOfInterestInternal>)
+                return py::make_tuple(one.x, one.y, one.width, one.height);
+            else
+                return py::cast(one);
+        },
+        value);
+}
+
+py::dict dictionaryOf(const Parameter& parameter) {
+    py::list ranges;
+    for (const Host::NumberRange& range : parameter.ranges)
+        ranges.append(range.isList
+                          ? py::object(py::dict("values"_a = range.values))
+                          : py::object(py::dict("least"_a = range.least, "greatest"_a = range.greatest,
+                                                "step"_a = range.step)));
+    return py::dict("number"_a = parameter.number, "name"_a = text(parameter.name),
+                    "kind"_a = Host::kindName(parameter.kind), "is_readable"_a = parameter.isReadable,
+                    "is_writable"_a = parameter.isWritable, "unit"_a = Host::unitName(parameter.unit),
+                    "value"_a = parameter.value ? pythonOf(*parameter.value) : py::none(),
+                    "ranges"_a = ranges);
+}
+
+int numberOf(const Camera& camera, const Word& word) {
+    const int* const number = std::get_if<int>(&word);
+    return number != nullptr ? *number : camera.parameterNumber(std::get<std::string>(word));
+}
+
+py::dict parametersOf(const CameraObject& self) {
+    py::dict all;
+    for (const Parameter& one : self.ask([](const Camera& camera) { return camera.parameters(); })) {
+        if (one.isSupported)
+            all[one.name.empty() ? py::object(py::int_(one.number)) : py::object(text(one.name))] =
+                dictionaryOf(one);
+    }
+    return all;
+}
+
+/// The value as the parameter's own kind; what does not fit it goes as it is, and is refused by the library.
+Host::ParameterValue valueFor(int number, const Number& value) {
+    const std::optional<Host::ParameterKind> kind = Host::parameterKind(number);
+    const auto* const whole = std::get_if<std::int64_t>(&value);
+    if (const auto* const region = std::get_if<std::array<std::uint32_t, 4>>(&value))
+        return RegionOfInterestInternal{(*region)[0], (*region)[1], (*region)[2], (*region)[3]};
+    if (const bool* const isOn = std::get_if<bool>(&value))
+        return *isOn;
+    if (whole == nullptr)
+        return static_cast<float>(std::get<double>(value));
+    if (kind == Host::ParameterKind::Float)
+        return static_cast<float>(*whole);
+    if (!std::in_range<std::int32_t>(*whole))
+        throw py::value_error("a parameter's whole number has 32 bits, which " + std::to_string(*whole) +
+                              " has not");
+    return static_cast<std::int32_t>(*whole);
+}
+
+void setParameter(const CameraObject& self, const Word& word, const Number& value) {
+    const int number = self.ask([word](const Camera& camera) { return numberOf(camera, word); });
+    self.ask([number, wanted = valueFor(number, value)](const Camera& camera) {
+        camera.setParameter(number, wanted);
+    });
+}
+
+// Sensors and calibration --------------------------------------------------------------------------------------------
+
+py::dict temperaturesOf(const CameraObject& self) {
+    py::dict all;
+    for (const Host::Temperature& one : self.ask([](const Camera& camera) { return camera.temperatures(); }))
+        all[one.name.empty() ? py::object(py::int_(one.sensor)) : py::object(text(one.name))] = one.celsius;
+    return all;
+}
+
+py::dict dictionaryOf(const AccelerationInternal& value) {
+    return py::dict("x"_a = value.x, "y"_a = value.y, "z"_a = value.z);
+}
+
+py::object accelerometerOf(const CameraObject& self) {
+    const std::optional<Host::Acceleration> read =
+        self.ask([](const Camera& camera) { return camera.accelerometer(); });
+    return read ? py::object(dictionaryOf(read->value)) : py::none();
+}
+
+py::dict dictionaryOf(const StereoCameraParametersArray& models) {
+    py::list depth;
+    py::list color;
+    for (const CameraIntrinsics& model : models.depthIntrinsics.values)
+        depth.append(Python::dictionaryOf(model));
+    for (const CameraIntrinsics& model : models.colorIntrinsics.values)
+        color.append(Python::dictionaryOf(model));
+    const auto& poses = models.extrinsics.values;
+    return py::dict("depth"_a = depth, "color"_a = color,
+                    "pose"_a = poses.empty() ? py::object(py::none()) : Python::dictionaryOf(poses.front()));
+}
+py::dict dictionaryOf(const Host::Corrections& corrections) { return Python::dictionaryOf(corrections); }
+py::dict dictionaryOf(const Host::Sources& sources) {
+    return py::dict(
+        "lens"_a = Host::sourceName(sources.lens), "pose"_a = Host::sourceName(sources.extrinsics),
+        "corrections"_a = Host::sourceName(sources.corrections),
+        "accelerometer"_a = Host::sourceName(sources.accelerometer),
+        "serial_number"_a = Host::sourceName(sources.serialNumber), "failure"_a = text(sources.failure));
+}
+
+/// What the camera gives, or None where it has no such thing.
+template<typename Read>
+py::object partOf(const CameraObject& self, Read read) {
+    using Value = std::invoke_result_t<Read, const Camera&>;
+    const auto value = self.ask([read](const Camera& camera) -> std::optional<Value> {
+        try {
+            return read(camera);
+        } catch (const Host::Unsupported&) {
+            return {};
+        }
+    });
+    if (!value)
+        return py::none();
+    if constexpr (std::is_same_v<Value, std::string>)
+        return text(*value);
+    else if constexpr (std::is_arithmetic_v<Value>)
+        return py::cast(*value);
+    else
+        return dictionaryOf(*value);
+}
+
+py::dict calibrationOf(const CameraObject& self) {
+    return py::dict(
+        "lens_models"_a = partOf(self, [](const Camera& camera) { return camera.lensModels(); }),
+        "corrections"_a = partOf(self, [](const Camera& camera) { return camera.corrections(); }),
+        "accelerometer"_a =
+            partOf(self, [](const Camera& camera) { return camera.accelerometerCalibration(); }),
+        "serial_number"_a = partOf(self, [](const Camera& camera) { return camera.storedSerialNumber(); }),
+        "range_metres"_a = partOf(self, [](const Camera& camera) { return camera.rangeMetres(); }),
+        "sources"_a = partOf(self, [](const Camera& camera) { return camera.sources(); }));
+}
+
+} // namespace
+
+CameraObject::CameraObject(Camera camera) : held(std::move(camera)) {
+    endAtExit<Camera>(held.share(), [](Camera& still) { still.close(); });
+}
+
+void bindCamera(CameraClass& bound) {
+    for (const Kind kind : {Kind::Depth, Kind::Color, Kind::Audio})
+        bound.def(
+            Host::kindName(kind),
+            [kind](const CameraObject& self, const std::string& mode, std::optional<std::uint64_t> frames,
+                   double limit, std::size_t queue, bool awaitReturn, bool started) {
+                return streamOf(self, kind, {mode, queue, awaitReturn, started}, frames, limit);
+            },
+            py::kw_only(), "mode"_a = "", "frames"_a = py::none(), "limit"_a = 2.0, "queue"_a = 4,
+            "await_return"_a = false, "started"_a = true,
+            "A stream of the camera. frames: after how many it ends; limit: how many seconds `for` waits for "
+            "one;\n"
+            "queue: how many are kept, the oldest is dropped; await_return: goes on when the camera is "
+            "back.");
+    bound.def_property_readonly("info", [](const CameraObject& self) { return self.camera().info(); })
+        .def(
+            "modes",
+            [](const CameraObject& self, const std::string& kind) {
+                return self.ask([kind = kindOf(kind)](const Camera& camera) { return camera.modes(kind); });
+            },
+            "kind"_a = "depth", "The modes in which it streams, the default one first.")
+        .def(
+            "stream_info",
+            [](const CameraObject& self, const std::string& kind, const std::string& mode) {
+                return self.ask([kind = kindOf(kind), mode](const Camera& camera) {
+                    return camera.streamInfo(kind, mode);
+                });
+            },
+            "kind"_a = "depth", "mode"_a = "", "What belongs to every frame of a stream in that mode.")
+        .def(
+            "lens",
+            [](const CameraObject& self, const std::string& kind, const std::string& mode) {
+                return self.ask(
+                    [kind = kindOf(kind), mode](const Camera& camera) { return camera.lens(kind, mode); });
+            },
+            "kind"_a = "depth", "mode"_a = "", "The lens of a stream in that mode.")
+        .def("parameters", &parametersOf, "All parameters by name, or by number where one has no name.")
+        .def(
+            "parameter",
+            [](const CameraObject& self, const Word& word) {
+                return dictionaryOf(self.ask(
+                    [word](const Camera& camera) { return camera.parameter(numberOf(camera, word)); }));
+            },
+            "name"_a, "One of them, by name or number.")
+        .def("set_parameter", &setParameter, "name"_a, "value"_a,
+             "Sets one, by name or number; the camera may round. A region is (x, y, width, height).")
+        .def("temperatures", &temperaturesOf, "Degrees Celsius by the sensor's name, or its number.")
+        .def("accelerometer", &accelerometerOf, "x, y and z in g; None for a camera without one.")
+        .def("calibration", &calibrationOf,
+             "What it knows of its lenses and corrections, and where that comes from.")
+        .def(
+            "close", [](const CameraObject& self) { self.ask([](const Camera& camera) { camera.close(); }); },
+            "Closes the camera; its streams end.")
+        .def("__enter__", [](const py::object& self) { return self; })
+        .def("__exit__", [](const CameraObject& self,
+                            const py::args&) { self.ask([](const Camera& camera) { camera.close(); }); })
+        .def("__repr__", [](const CameraObject& self) {
+            return text("<zentara.Camera " + self.camera().info().label() + ">");
+        });
+}
+
+void bindCameras(py::module_& module) {
+    module.def("_use_root", &Host::useRootIfNone);
+    module.def(
+        "cameras", [] { return interruptible([] { return newCameras()->list(); }); },
+        "The cameras that are plugged in.");
+    module.def("open", &open, "name"_a = "",
+               "Opens the camera of that serial number or path, or with that in its name; the first one "
+               "without a name.");
+}
+
+} // namespace Zentara::Python

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <pybind11/pybind11.h>
+#include <zentara/host/camera.h>
+
+#include "bindings/python/interpreter.h"
+
+namespace Zentara::Python {
+
+/// A camera that Python holds.
+class CameraObject final {
+public:
+    explicit CameraObject(Host::Camera camera);
+
+    /// Asks the camera something, on a thread that Ctrl-C leaves behind. \param work takes the camera
+    template<typename Work>
+    auto ask(Work work) const {
+        return interruptible([camera = held.share(), work = std::move(work)] { return work(*camera); });
+    }
+    [[nodiscard]] const Host::Camera& camera() const noexcept { return held.get(); }
+
+private:
+    Held<Host::Camera> held;
+};
+
+using CameraClass = py::class_<CameraObject>;
+
+void bindCamera(CameraClass& bound);
+
+/// What finds and opens cameras.
+void bindCameras(py::module_& module);
+
+} // namespace Zentara::Python

@@ -1,0 +1,38 @@
+#include "bindings/python/failures.h"
+
+#include <exception>
+
+#include <zentara/host/failure.h>
+
+#include "bindings/python/values.h"
+
+namespace Zentara::Python {
+namespace {
+
+namespace py = pybind11;
+
+void raise(const Host::Failure& failure) {
+    py::list details;
+    for (const std::string& line : failure.details())
+        details.append(text(line));
+    const py::object exception =
+        py::module_::import("zentara._failures")
+            .attr("failure_of")(static_cast<int>(failure.code()), text(failure.message()),
+                                text(failure.cause()), text(failure.remedy()), details);
+    PyErr_SetObject(py::type::handle_of(exception).ptr(), exception.ptr());
+}
+
+} // namespace
+
+void bindFailures() {
+    py::register_local_exception_translator([](std::exception_ptr thrown) {
+        try {
+            if (thrown)
+                std::rethrow_exception(thrown);
+        } catch (const Host::Failure& failure) {
+            raise(failure);
+        }
+    });
+}
+
+} // namespace Zentara::Python

@@ -1,0 +1,188 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+#include <type_traits>
+#include <utility>
+
+#include <pybind11/pybind11.h>
+#include <zentara/host/failure.h>
+#include <zentara/host/note.h>
+
+/// What stands between the interpreter and the host library: who holds the interpreter's lock, Ctrl-C, fork, and the end
+/// of the interpreter. The thread that Python calls on is the only one that ever takes the lock.
+///
+///              first use            fork                                  atexit
+///     unused -------------> used -----------> forked (a child)      used ---------> ending ---------> gone
+///                                                                         2 s at most
+///
+/// While forked, ending or gone, operations throw. Once gone, no thread comes back to the interpreter: it would be ended
+/// in the middle of C++ that does not expect it.
+namespace Zentara::Python {
+
+namespace py = pybind11;
+
+/// How long a wait goes on before it looks for Ctrl-C.
+inline constexpr std::chrono::milliseconds slice{100};
+
+/// To be called first in every operation that cameras or their threads take part in.
+/// \throws Host::Failure (Usage) in a child of fork, and when the interpreter ends
+void requireUsable();
+
+/// Whether objects are to be left behind instead of being destroyed: their threads are not in this process, or the
+/// interpreter has gone.
+[[nodiscard]] bool isLeftBehind() noexcept;
+
+/// For the host library: keeps what it notes until a thread of Python's comes by, which gives it to the logger "zentara".
+[[nodiscard]] Host::Note notes();
+void tellNotes();
+
+/// Has the thing ended when the interpreter ends, if it is still there: `end` is called on a thread of its own, without
+/// the interpreter's lock.
+template<typename T>
+void endAtExit(const std::shared_ptr<T>& thing, void (*end)(T&));
+
+/// Adds to the module what Python calls at fork and at its end.
+void bindInterpreter(py::module_& module);
+
+namespace Detail {
+void endAtExit(std::weak_ptr<void> thing, std::function<void(void*)> end);
+/// Gives the interpreter's lock away, and takes it back; the latter does not return once the interpreter has gone. Null
+/// when there is nobody to give it to.
+[[nodiscard]] PyThreadState* leave();
+void comeBack(PyThreadState* state);
+} // namespace Detail
+
+template<typename T>
+void endAtExit(const std::shared_ptr<T>& thing, void (*end)(T&)) {
+    Detail::endAtExit(thing, [end](void* still) { end(*static_cast<T*>(still)); });
+}
+
+namespace Detail {
+/// Does the work and comes back, whatever it throws.
+template<typename Work>
+std::invoke_result_t<Work&> workOutside(PyThreadState*& state, Work& work) {
+    using Result = std::invoke_result_t<Work&>;
+    std::conditional_t<std::is_void_v<Result>, std::nullptr_t, std::optional<Result>> result{};
+    std::exception_ptr failure;
+    try {
+        if constexpr (std::is_void_v<Result>)
+            work();
+        else
+            result.emplace(work());
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    comeBack(state);
+    if (failure)
+        std::rethrow_exception(failure);
+    if constexpr (!std::is_void_v<Result>)
+        return std::move(*result);
+}
+} // namespace Detail
+
+/// Does the work without the interpreter's lock. The work touches nothing of Python.
+template<typename Work>
+std::invoke_result_t<Work&> released(Work work) {
+    PyThreadState* state = Detail::leave();
+    return Detail::workOutside(state, work);
+}
+
+/// The same for work that asks now and then whether to go on: not after Ctrl-C, nor when the interpreter ends.
+template<typename Work>
+std::invoke_result_t<Work&, const std::function<bool()>&> waiting(Work work) {
+    requireUsable();
+    PyThreadState* state = Detail::leave();
+    bool isRaised = false;
+    const std::function<bool()> goOn = [&state, &isRaised] {
+        Detail::comeBack(state);
+        isRaised = PyErr_CheckSignals() != 0;
+        state = Detail::leave();
+        return !isRaised && state != nullptr;
+    };
+    const auto asked = [&work, &goOn] { return work(goOn); };
+    try {
+        return Detail::workOutside(state, asked);
+    } catch (const Host::Failure&) {
+        if (isRaised)
+            throw py::error_already_set();
+        throw;
+    }
+}
+
+/// Does long work that cannot be asked to end: on a thread of its own, while the caller waits for Ctrl-C as well. What is
+/// interrupted goes on alone, up to its own limit, and its result is dropped; so the work owns all that it touches.
+template<typename Work>
+std::invoke_result_t<Work&> interruptible(Work work) {
+    using Result = std::invoke_result_t<Work&>;
+    struct Job {
+        explicit Job(Work todo) : work(std::move(todo)) {}
+        std::optional<Work> work;
+        std::conditional_t<std::is_void_v<Result>, std::nullptr_t, std::optional<Result>> result{};
+        std::exception_ptr failure;
+        std::mutex lock;
+        std::condition_variable ended;
+        bool isDone = false; // guarded by `lock`; after it the rest is the caller's
+    };
+    requireUsable();
+    const auto job = std::make_shared<Job>(std::move(work));
+    std::thread([job] {
+        try {
+            if constexpr (std::is_void_v<Result>)
+                (*job->work)();
+            else
+                job->result.emplace((*job->work)());
+        } catch (...) {
+            job->failure = std::current_exception();
+        }
+        job->work.reset();
+        const std::lock_guard hold(job->lock);
+        job->isDone = true;
+        job->ended.notify_all();
+    }).detach();
+    waiting([&job](const std::function<bool()>& goOn) {
+        std::unique_lock hold(job->lock);
+        while (!job->ended.wait_for(hold, slice, [&job] { return job->isDone; })) {
+            hold.unlock();
+            if (!goOn())
+                throw Host::Failure(Host::Failure::Interrupted, "interrupted");
+            hold.lock();
+        }
+    });
+    tellNotes();
+    if (job->failure)
+        std::rethrow_exception(job->failure);
+    if constexpr (!std::is_void_v<Result>)
+        return std::move(*job->result);
+}
+
+/// An object of the host library that Python holds: it is destroyed without the interpreter's lock.
+template<typename T>
+class Held final {
+public:
+    explicit Held(T value) : object(std::make_shared<T>(std::move(value))) {}
+    Held(const Held&) = delete;
+    Held& operator=(const Held&) = delete;
+    ~Held() {
+        if (isLeftBehind())
+            new std::shared_ptr<T>(std::move(object));
+        else
+            released([this] { object.reset(); });
+    }
+
+    [[nodiscard]] const T& get() const noexcept { return *object; }
+    /// For the length of a call: whoever closes or forgets the object meanwhile does not take it from the call.
+    [[nodiscard]] std::shared_ptr<T> share() const { return object; }
+
+private:
+    std::shared_ptr<T> object;
+};
+
+} // namespace Zentara::Python

@@ -1,0 +1,76 @@
+#include "bindings/python/pictures.h"
+
+#include <string>
+
+#include <pybind11/stl.h>
+#include <zentara/host/color_map.h>
+#include <zentara/host/picture.h>
+
+#include "bindings/python/arrays.h"
+#include "bindings/python/interpreter.h"
+#include "bindings/python/values.h"
+
+namespace Zentara::Python {
+namespace {
+
+using namespace pybind11::literals;
+using Host::ColorMap;
+using Host::Picture;
+using Depths = Rows<std::uint16_t>;
+
+Picture pictureOf(const Rows<std::uint8_t>& rgb) {
+    const std::span<const std::uint8_t> pixels = spanOf(rgb, 3, 3, "rgb");
+    return Picture::fromRgb(static_cast<std::uint32_t>(rgb.shape(1)),
+                            static_cast<std::uint32_t>(rgb.shape(0)), {pixels.begin(), pixels.end()});
+}
+
+py::array_t<std::uint8_t> arrayOf(const Picture& picture) {
+    return py::array_t<std::uint8_t>(
+        {py::ssize_t{picture.height()}, py::ssize_t{picture.width()}, py::ssize_t{3}}, picture.rgb().data());
+}
+
+} // namespace
+
+void bindPictures(py::module_& module) {
+    py::class_<ColorMap>(
+        module, "ColorMap",
+        "From values to colours: red for the low end, over yellow and green, to blue for the high one;\n"
+        "0 in a picture of depths is black.")
+        .def(py::init([](double low, double high, std::string unit, std::string nothing) {
+                 return ColorMap({low, high}, std::move(unit), std::move(nothing));
+             }),
+             "low"_a, "high"_a, "unit"_a = "mm", "nothing"_a = "no depth")
+        .def_static(
+            "of_depths",
+            [](const Depths& depths, const std::string& unit) {
+                return ColorMap::ofDepths(spanOf(depths, 2, 0, "depths"), unit);
+            },
+            "depths"_a, "unit"_a = "mm", "In the range of the depths that are there.")
+        .def_property_readonly("low", [](const ColorMap& map) { return map.range().low; })
+        .def_property_readonly("high", [](const ColorMap& map) { return map.range().high; })
+        .def_property_readonly("unit", [](const ColorMap& map) { return text(map.unit()); })
+        .def(
+            "paint",
+            [](const ColorMap& map, const Depths& depths) {
+                const std::span<const std::uint16_t> values = spanOf(depths, 2, 0, "depths");
+                const auto width = static_cast<std::uint32_t>(depths.shape(1));
+                const auto height = static_cast<std::uint32_t>(depths.shape(0));
+                return arrayOf(released([&] { return map.paint(values, width, height); }));
+            },
+            "depths"_a, "A picture in these colours: (height, width, 3) bytes.")
+        .def(
+            "explain",
+            [](const ColorMap& map, const Rows<std::uint8_t>& rgb, const std::string& title) {
+                return arrayOf(map.explain(pictureOf(rgb), title));
+            },
+            "rgb"_a, "title"_a, "The picture with a title, the scale, and what black stands for.");
+    module.def(
+        "write_png",
+        [](const std::string& path, const Rows<std::uint8_t>& rgb) {
+            const Picture picture = pictureOf(rgb);
+            released([&] { picture.writePng(path); });
+        },
+        "path"_a, "rgb"_a, "Writes a picture of (height, width, 3) bytes as PNG, whole or not at all.");
+}
+
+} // namespace Zentara::Python

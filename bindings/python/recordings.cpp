@@ -1,0 +1,104 @@
+#include "bindings/python/recordings.h"
+
+#include <memory>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <pybind11/stl.h>
+#include <zentara/host/recording.h>
+
+#include "bindings/python/frames.h"
+#include "bindings/python/interpreter.h"
+#include "bindings/python/values.h"
+
+namespace Zentara::Python {
+namespace {
+
+using namespace pybind11::literals;
+using Host::Recorder;
+using Host::Recording;
+
+/// A reader for several threads: one after the other.
+struct Reader {
+    explicit Reader(const std::string& path) : recording(path) {}
+
+    /// Reads without the interpreter's lock.
+    template<typename Work>
+    auto read(Work work) {
+        return released([this, &work] {
+            const std::lock_guard hold(lock);
+            return work(recording);
+        });
+    }
+
+    std::mutex lock;
+    Recording recording; ///< guarded by `lock`, but for what never changes
+};
+
+py::object numbered(std::optional<Host::RecordedFrame> read) {
+    if (!read)
+        throw py::stop_iteration();
+    return py::make_tuple(read->stream, frameObject(std::move(read->frame)));
+}
+
+} // namespace
+
+void bindRecordings(py::module_& module) {
+    py::class_<Recorder>(
+        module, "Recorder",
+        "Writes streams into one recording, which takes its name at the end of a `with` block; an exception\n"
+        "there removes it.")
+        .def(py::init([](const std::string& path, const std::vector<Host::StreamInfo>& streams) {
+                 return std::make_unique<Recorder>(path, streams);
+             }),
+             "path"_a, "streams"_a)
+        .def(
+            "add",
+            [](Recorder& self, const FrameObject& frame, std::size_t stream) {
+                released([&] { self.add(stream, frame.frame()); });
+            },
+            "frame"_a, "stream"_a = 0, "Adds a frame of that stream.")
+        .def("commit", [](Recorder& self) { released([&] { self.commit(); }); })
+        .def("__enter__", [](const py::object& self) { return self; })
+        .def("__exit__", [](Recorder& self, const py::object& kind, const py::object&, const py::object&) {
+            const bool isWhole = kind.is_none();
+            released([&] { isWhole ? self.commit() : self.discard(); });
+        });
+
+    py::class_<Reader>(module, "Recording",
+                       "What a Recorder wrote; `for` gives the stream's index and the frame, in order.")
+        .def(py::init([](const std::string& path) {
+                 return released([&] { return std::make_unique<Reader>(path); });
+             }),
+             "path"_a)
+        .def_property_readonly("streams", [](const Reader& self) { return self.recording.streams(); })
+        .def_property_readonly("version", [](const Reader& self) { return self.recording.version(); })
+        .def("__iter__", [](const py::object& self) { return self; })
+        .def("__next__",
+             [](Reader& self) { return numbered(self.read([](Recording& one) { return one.next(); })); })
+        .def(
+            "rewind", [](Reader& self) { self.read([](Recording& one) { one.rewind(); }); },
+            "`for` begins again with the first frame.")
+        .def(
+            "count",
+            [](Reader& self, std::size_t stream) {
+                return self.read([&](Recording& one) { return one.count(stream); });
+            },
+            "stream"_a = 0, "How many frames a stream has.")
+        .def(
+            "at",
+            [](Reader& self, std::uint64_t number, std::size_t stream) {
+                return frameObject(self.read([&](Recording& one) { return one.at(stream, number); }));
+            },
+            "number"_a, "stream"_a = 0, "A frame by its number, from 0.")
+        .def(
+            "at_time",
+            [](Reader& self, std::int64_t micros, std::size_t stream) {
+                return frameObject(self.read([&](Recording& one) { return one.atTime(stream, micros); }));
+            },
+            "micros"_a, "stream"_a = 0, "The frame whose time is nearest, on the device's clock.");
+}
+
+} // namespace Zentara::Python

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include <pybind11/pybind11.h>
+#include <zentara/camera_intrinsics.h>
+#include <zentara/extrinsic_parameters_internal.h>
+#include <zentara/host/stream_info.h>
+
+/// The host library's plain values as Python's.
+namespace Zentara::Python {
+
+/// A text of a device may hold any bytes; what is no UTF-8 shows as U+FFFD.
+[[nodiscard]] pybind11::str text(std::string_view bytes);
+
+/// As a dictionary of its numbers by their names.
+[[nodiscard]] pybind11::dict dictionaryOf(const CameraIntrinsics& model);
+
+/// "rotation": 3 x 3 numbers, "translation": three in millimetres; and back.
+[[nodiscard]] pybind11::dict dictionaryOf(const ExtrinsicParametersInternal& pose);
+[[nodiscard]] ExtrinsicParametersInternal poseOf(const pybind11::dict& pose);
+
+[[nodiscard]] pybind11::dict dictionaryOf(const Host::Corrections& corrections);
+
+/// "axis" or "ray"; and back. \throws Host::Failure (Usage) for other words
+[[nodiscard]] std::string nameOf(Host::DepthAlong along);
+[[nodiscard]] Host::DepthAlong depthAlong(const std::string& name);
+
+/// "depth", "color" or "audio". \throws Host::Failure (Usage) for other words
+[[nodiscard]] Host::Kind kindOf(const std::string& name);
+
+/// Mode, CameraInfo and StreamInfo.
+void bindValues(pybind11::module_& module);
+
+} // namespace Zentara::Python

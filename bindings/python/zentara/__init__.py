@@ -1,0 +1,67 @@
+"""Depth cameras: their frames, parameters and calibration, recordings and point clouds."""
+import atexit as _atexit
+import os as _os
+import pathlib as _pathlib
+
+from . import _zentara
+from ._failures import (
+    Busy,
+    Code,
+    Failure,
+    Interrupted,
+    NoDevice,
+    NoPlugin,
+    NotPermitted,
+    TimedOut,
+    UsageFailure,
+    VerificationFailed,
+)
+from ._zentara import (
+    Camera,
+    CameraInfo,
+    ColorMap,
+    Frame,
+    Lens,
+    Mode,
+    PointCloud,
+    Recorder,
+    Recording,
+    Stream,
+    StreamInfo,
+    cameras,
+    open,
+    write_png,
+)
+
+__all__ = [
+    "Busy",
+    "Camera",
+    "CameraInfo",
+    "Code",
+    "ColorMap",
+    "Failure",
+    "Frame",
+    "Interrupted",
+    "Lens",
+    "Mode",
+    "NoDevice",
+    "NoPlugin",
+    "NotPermitted",
+    "PointCloud",
+    "Recorder",
+    "Recording",
+    "Stream",
+    "StreamInfo",
+    "TimedOut",
+    "UsageFailure",
+    "VerificationFailed",
+    "cameras",
+    "open",
+    "write_png",
+]
+
+# In a build tree, and below a prefix that nothing tells of, the plug-ins lie at a known place.
+for _level in (2, 4):
+    _zentara._use_root(str(_pathlib.Path(__file__).resolve().parents[_level]))
+_os.register_at_fork(after_in_child=_zentara._forked)
+_atexit.register(_zentara._end)

@@ -1,0 +1,105 @@
+"""How a process ends that streams, and what Ctrl-C and fork do."""
+import os
+import signal
+import subprocess
+import sys
+import time
+from typing import Callable, List, Tuple
+
+import pytest
+import zentara
+
+BEGIN = """
+import os, signal, sys, threading, time, zentara
+camera = zentara.open("SIM0570")
+stream = camera.depth()
+next(stream)
+print("streams", flush=True)
+"""
+WAIT = "camera.depth(started=False).next(3600)"
+DAEMON = "threading.Thread(target=lambda: {}, daemon=True).start(); time.sleep(0.2)"
+
+
+def run(code: str, send: int = 0) -> Tuple[int, str, float]:
+    """Runs code in a process that streams: its exit code, what it says, and how many seconds it took to end."""
+    with subprocess.Popen([sys.executable, "-c", BEGIN + code], stdout=subprocess.PIPE, stderr=subprocess.PIPE) as process:
+        assert process.stdout and process.stderr and process.stdout.readline() == b"streams\n"
+        if send:
+            time.sleep(0.3)
+            process.send_signal(send)
+        began = time.monotonic()
+        try:
+            process.wait(10)
+        finally:
+            process.kill()
+        return process.returncode, process.stderr.read().decode(), time.monotonic() - began
+
+
+@pytest.mark.parametrize(
+    "code, send, exit_code, says",
+    [
+        ("", 0, 0, ""),
+        ("for _ in stream: sys.exit(3)", 0, 3, ""),
+        ("raise RuntimeError('mine')", 0, 1, "RuntimeError: mine"),
+        ("for _ in stream: pass", signal.SIGINT, -signal.SIGINT, "KeyboardInterrupt"),
+        (WAIT, signal.SIGINT, -signal.SIGINT, "KeyboardInterrupt"),
+        ("for _ in stream: pass", signal.SIGTERM, -signal.SIGTERM, ""),
+        ("os._exit(4)", 0, 4, ""),
+        (DAEMON.format("[0 for _ in stream]"), 0, 0, ""),
+        (DAEMON.format(WAIT), 0, 0, ""),
+    ],
+    ids=["end", "exit", "exception", "ctrl-c", "ctrl-c while waiting", "term", "_exit", "daemon", "waiting daemon"],
+)
+def test_a_process_that_streams_ends_at_once(code: str, send: int, exit_code: int, says: str) -> None:
+    ended, errors, seconds = run(code, send)
+    assert ended == exit_code and says in errors and (says or not errors), errors
+    assert seconds < 2.5
+
+
+def test_ctrl_c_comes_through_within_200_ms() -> None:
+    code = """
+def send():
+    global sent
+    time.sleep(0.3)
+    sent = time.monotonic()
+    os.kill(os.getpid(), signal.SIGINT)
+threading.Thread(target=send).start()
+try:
+    camera.depth(started=False).next(3600)
+except KeyboardInterrupt:
+    assert time.monotonic() - sent < 0.2, time.monotonic() - sent
+    assert next(stream).depth.any()
+"""
+    assert run(code)[:2] == (0, "")
+
+
+def test_a_child_of_fork_gets_an_exception_and_keeps_its_frames() -> None:
+    with zentara.open("SIM0570") as camera, camera.depth() as stream:
+        frame = next(stream)
+        total = frame.depth.sum()
+        pid = os.fork()
+        if pid == 0:
+            try:
+                calls: List[Callable[[], object]] = [zentara.cameras, stream.next, camera.parameters, camera.close]
+                for call in calls:
+                    with pytest.raises(zentara.UsageFailure, match="fork"):
+                        call()
+                same = frame.depth.sum() == total
+                del frame, stream, camera
+                os._exit(0 if same else 1)
+            except BaseException:
+                os._exit(2)
+        assert os.waitpid(pid, 0)[1] == 0
+        assert next(stream).depth.any()
+
+
+def test_a_child_may_use_cameras_that_its_parent_never_did() -> None:
+    code = """
+import os, zentara
+pid = os.fork()
+if pid == 0:
+    next(zentara.open("SIM0570").depth())
+else:
+    os._exit(os.waitpid(pid, 0)[1])
+"""
+    subprocess.run([sys.executable, "-c", code], check=True, timeout=20)
