@@ -17,8 +17,6 @@ namespace {
 
 using Utils::Format;
 
-constexpr const char* calibrationVerb = "calibration";
-
 struct CalibrationOptions : CameraOptions {
     std::string file;
     std::string other;
@@ -27,14 +25,6 @@ struct CalibrationOptions : CameraOptions {
     bool yes = false;
     bool force = false;
 };
-
-/// A calibration file: whose calibration it is, and the calibration.
-Json documentOf(const CameraSession& session, const CalibrationInternal& calibration) {
-    Json json = beginJson(calibrationVerb);
-    json["camera"] = cameraJson(session.camera().info());
-    json["calibration"] = toJson(calibration);
-    return json;
-}
 
 /// What the node applies comes from the camera's flash, and need not be what its parameter back-end holds.
 Json appliedJson(const CameraSession& session) {
@@ -53,27 +43,10 @@ void tellApplied(const Json& applied, const CalibrationInternal& held, Console& 
                  " of the camera's flash, which 'zentara rom export' shows");
 }
 
-/// A calibration from a file, and the serial number of the camera that it is of; empty when it says none.
-struct StoredCalibration {
-    CalibrationInternal calibration;
-    std::string serialNumber;
-};
-
-StoredCalibration readFile(const std::string& path) {
-    const Json json = readJsonFile(path);
-    JsonFields fields(json, path);
-    checkDocument(fields);
-    StoredCalibration stored;
-    stored.calibration = asMarshalled(calibrationFromJson(fields.object("calibration")));
-    stored.serialNumber = serialNumberIn(json);
-    fields.refuseOthers({"verb", "action", "camera", "applied", "source"});
-    return stored;
-}
-
 ExitCode runExport(const CalibrationOptions& options, Console& console) {
     return withCamera(options, console, [&](CameraSession& session) {
         const CalibrationInternal calibration = session.camera().readCalibration();
-        const Json document = documentOf(session, calibration);
+        const Json document = calibrationDocument(session.camera().info(), calibration);
         const Json applied = appliedJson(session);
         tellApplied(applied, calibration, console);
         std::ostringstream text;
@@ -91,21 +64,12 @@ ExitCode runExport(const CalibrationOptions& options, Console& console) {
     });
 }
 
-/// The first of FILE.json, FILE-2.json and so on that is not there yet: no backup replaces another.
-std::string freeBackupName() {
-    const std::string stem = "calibration-before";
-    std::string path = stem + ".json";
-    for (int number = 2; isThere(path); ++number)
-        path = Format("%-%.json") % stem % number;
-    return path;
-}
-
 /// Saves what the camera has, writes the new calibration and reads it back.
 void replaceCalibration(CameraSession& session, const CalibrationInternal& before,
                         const CalibrationInternal& wanted, const std::string& backup) {
     if (isThere(backup))
         throw Failure(Failure::Usage, "'" + backup + "' is there already; name another file with --backup");
-    writeJsonFile(backup, documentOf(session, before), {.ifThere = IfThere::Keep});
+    writeJsonFile(backup, calibrationDocument(session.camera().info(), before), {.ifThere = IfThere::Keep});
     try {
         session.camera().writeCalibration(wanted);
     } catch (const Failure& failure) {
@@ -148,17 +112,17 @@ ExitCode importInto(CameraSession& session, const StoredCalibration& stored,
 
 ExitCode runImport(CalibrationOptions options, Console& console) {
     options.writes = true;
-    const StoredCalibration stored = readFile(options.file);
+    const StoredCalibration stored = readCalibrationFile(options.file);
     return withCamera(options, console,
                       [&](CameraSession& session) { return importInto(session, stored, options, console); });
 }
 
 ExitCode runDiff(const CalibrationOptions& options, Console& console) {
-    const CalibrationInternal left = readFile(options.file).calibration;
+    const CalibrationInternal left = readCalibrationFile(options.file).calibration;
     CalibrationInternal right;
     Json camera; // what only a camera has
     if (!options.other.empty())
-        right = readFile(options.other).calibration;
+        right = readCalibrationFile(options.other).calibration;
     else
         static_cast<void>(withCamera(options, console, [&](CameraSession& session) {
             right = session.camera().readCalibration();
@@ -187,7 +151,7 @@ ExitCode runDiff(const CalibrationOptions& options, Console& console) {
 Verb addCalibrationVerb(CLI::App& program) {
     auto options = std::make_shared<CalibrationOptions>();
     CLI::App* command =
-        program.add_subcommand(calibrationVerb, "Moves a depth camera's calibration between camera and file")
+        program.add_subcommand("calibration", "Moves a depth camera's calibration between camera and file")
             ->group("Verbs");
     command->require_subcommand(1);
     command->footer(

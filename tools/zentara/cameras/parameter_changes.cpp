@@ -1,8 +1,12 @@
 #include "tools/zentara/cameras/parameter_changes.h"
 
+#include <charconv>
+
 #include <zentara/utils/format.h>
 
+#include "host/json_fields.h"
 #include "tools/zentara/cameras/parameter_text.h"
+#include "tools/zentara/cameras/stored_document.h"
 
 namespace Zentara::Tool {
 
@@ -46,6 +50,29 @@ void checkFrom(const Camera& camera, int number, const ParameterValue& value, co
 }
 
 } // namespace
+
+StoredValues readValues(const std::string& path) {
+    const Json json = readJsonFile(path);
+    JsonFields fields(json, path);
+    checkDocument(fields);
+    StoredValues stored;
+    stored.serialNumber = serialNumberIn(json);
+    JsonFields values = fields.object("values");
+    for (const auto& [name, value] : fields.need("values").items()) {
+        try {
+            int number = -1;
+            std::from_chars(name.data(), name.data() + name.size(), number);
+            if (name != std::to_string(number) || !parameterKind(number))
+                throw Failure(Failure::Usage,
+                              Format("'%' is no parameter; they are numbered from 0 to 15") % name);
+            stored.values[number] = valueFromJson(number, value, "it");
+        } catch (const Failure& failure) {
+            values.fail(name, failure.what()); // not the command line is wrong
+        }
+    }
+    fields.refuseOthers({"verb", "camera"});
+    return stored;
+}
 
 void setOneByOne(const Camera& camera, const std::vector<std::pair<int, ParameterValue>>& settings) {
     for (const auto& [number, value] : settings)

@@ -10,6 +10,15 @@
 
 namespace Zentara::Tool {
 
+/// The values of a file, and the serial number of the camera that they are of; empty when it says none.
+struct StoredValues {
+    Host::ParameterValues values;
+    std::string serialNumber;
+};
+
+/// \throws Failure naming the field that is wrong
+[[nodiscard]] StoredValues readValues(const std::string& path);
+
 /// Sets them one by one, when all have been found fit, so that a failure says which ones have been set before it.
 void setOneByOne(const Host::Camera& camera,
                  const std::vector<std::pair<int, Host::ParameterValue>>& settings);

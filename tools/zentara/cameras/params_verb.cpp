@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <charconv>
 #include <memory>
 #include <sstream>
 
@@ -126,38 +125,9 @@ ExitCode runSave(const ParamsOptions& options, Console& console) {
     });
 }
 
-/// The values of a file, and the serial number of the camera that they are of; empty when it says none.
-struct StoredValues {
-    ParameterValues values;
-    std::string serialNumber;
-};
-
-StoredValues readStateFile(const std::string& path) {
-    const Json json = readJsonFile(path);
-    JsonFields fields(json, path);
-    checkDocument(fields);
-    StoredValues stored;
-    stored.serialNumber = serialNumberIn(json);
-    JsonFields values = fields.object("values");
-    for (const auto& [name, value] : fields.need("values").items()) {
-        try {
-            int number = -1;
-            std::from_chars(name.data(), name.data() + name.size(), number);
-            if (name != std::to_string(number) || !parameterKind(number))
-                throw Failure(Failure::Usage,
-                              Format("'%' is no parameter; they are numbered from 0 to 15") % name);
-            stored.values[number] = valueFromJson(number, value, "it");
-        } catch (const Failure& failure) {
-            values.fail(name, failure.what()); // not the command line is wrong
-        }
-    }
-    fields.refuseOthers({"verb", "camera"});
-    return stored;
-}
-
 ExitCode runLoad(ParamsOptions options, Console& console) {
     options.writes = true;
-    const StoredValues stored = readStateFile(options.file);
+    const StoredValues stored = readValues(options.file);
     return withCamera(options, console, [&](CameraSession& session) {
         noteOtherCamera(stored.serialNumber, session, console);
         const Json changes =

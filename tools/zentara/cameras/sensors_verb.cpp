@@ -8,13 +8,12 @@
 #include <zentara/host/output_file.h>
 #include <zentara/host/plot.h>
 #include <zentara/utils/clock.h>
-#include <zentara/utils/format.h>
 #include <zentara/utils/signal.h>
 
-#include "host/float_text.h"
 #include "tools/zentara/arguments.h"
 #include "tools/zentara/cameras/camera_json.h"
 #include "tools/zentara/cameras/camera_session.h"
+#include "tools/zentara/cameras/sensor_reading.h"
 #include "tools/zentara/interrupt.h"
 #include "tools/zentara/streams/frame_counter.h"
 #include "tools/zentara/supervisor.h"
@@ -22,7 +21,7 @@
 namespace Zentara::Tool {
 namespace {
 
-using Utils::Format;
+using Tool::toJson; // that of readings
 
 constexpr unsigned long sliceMilliseconds = 50;
 
@@ -32,13 +31,6 @@ struct SensorsOptions : CameraOptions {
     unsigned interval = 500;
     int accelerometer = -1;
     std::string png;
-};
-
-/// What the sensors said at one time.
-struct Reading {
-    double seconds = 0;
-    std::vector<Temperature> temperatures;
-    std::optional<Acceleration> acceleration;
 };
 
 double secondsSince(std::int64_t start) {
@@ -91,40 +83,7 @@ public:
         file.commit();
     }
 
-    [[nodiscard]] Json toJson(const Reading& reading) const {
-        Json json{{"seconds", reading.seconds}, {"temperatures", Json::array()}};
-        for (const Temperature& value : reading.temperatures)
-            json["temperatures"].push_back({{"sensor", value.sensor},
-                                            {"name", orNull(value.name)},
-                                            {"celsius", floatJson(value.celsius)}});
-        json["acceleration"] = Json();
-        if (const auto& measured = reading.acceleration)
-            json["acceleration"] = {{"name", orNull(measured->name)},
-                                    {"register", measured->registerAddress},
-                                    {"x", floatJson(measured->value.x)},
-                                    {"y", floatJson(measured->value.y)},
-                                    {"z", floatJson(measured->value.z)}};
-        return json;
-    }
-
-    [[nodiscard]] std::string toText(const Reading& reading) const {
-        std::string text = fixed(reading.seconds, 1) + " s";
-        for (const Temperature& value : reading.temperatures)
-            text += Format("  % % degC") % labelOf(value) % floatText(value.celsius);
-        if (const auto& measured = reading.acceleration)
-            text += "  acceleration " + (measured->name.empty() ? "" : printable(measured->name) + " ") +
-                    floatText(measured->value.x) + " " + floatText(measured->value.y) + " " +
-                    floatText(measured->value.z) + " g";
-        return text;
-    }
-
 private:
-    /// "sensor 1 (illumination)"
-    [[nodiscard]] static std::string labelOf(const Temperature& value) {
-        const std::string name = printable(value.name);
-        return "sensor " + std::to_string(value.sensor) + (name.empty() ? "" : " (" + name + ")");
-    }
-
     void note(const Reading& reading) {
         for (const Temperature& value : reading.temperatures) {
             if (options.png.empty())
@@ -187,7 +146,7 @@ ExitCode runSensors(const SensorsOptions& options, Console& console) {
         if (options.watch)
             return watchSensors(sensors, options, console);
         const Reading reading = sensors.read();
-        session.finish(sensors.toJson(reading), sensors.toText(reading) + '\n');
+        session.finish(toJson(reading), toText(reading) + '\n');
         return Failure::None;
     });
 }

@@ -2,7 +2,13 @@
 
 #include <zentara/utils/format.h>
 
+#include "host/files/paths.h"
+#include "tools/zentara/cameras/calibration_json.h"
+#include "tools/zentara/cameras/camera_json.h"
+
 namespace Zentara::Tool {
+
+using Utils::Format;
 
 void checkDocument(JsonFields& fields) {
     const Json& schema = fields.need("schema");
@@ -27,6 +33,32 @@ void noteOtherCamera(const std::string& serialNumber, const CameraSession& sessi
     const std::string& present = session.camera().info().serial;
     if (!serialNumber.empty() && serialNumber != present)
         note(console, "the file is of camera " + serialNumber + ", this one is " + present);
+}
+
+Json calibrationDocument(const Host::CameraInfo& camera, const CalibrationInternal& calibration) {
+    Json json = beginJson("calibration");
+    json["camera"] = cameraJson(camera);
+    json["calibration"] = toJson(calibration);
+    return json;
+}
+
+StoredCalibration readCalibrationFile(const std::string& path) {
+    const Json json = readJsonFile(path);
+    JsonFields fields(json, path);
+    checkDocument(fields);
+    StoredCalibration stored;
+    stored.calibration = asMarshalled(calibrationFromJson(fields.object("calibration")));
+    stored.serialNumber = serialNumberIn(json);
+    fields.refuseOthers({"verb", "action", "camera", "applied", "source"});
+    return stored;
+}
+
+std::string freeBackupName() {
+    const std::string stem = "calibration-before";
+    std::string path = stem + ".json";
+    for (int number = 2; isThere(path); ++number)
+        path = Format("%-%.json") % stem % number;
+    return path;
 }
 
 } // namespace Zentara::Tool
