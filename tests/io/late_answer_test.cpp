@@ -100,21 +100,8 @@ TEST_F(LateAnswerTest, Answers) {
         });
 }
 
-// Nor are the inputs the caller's any more, which it may change as soon as it has its own thread back.
-TEST_F(LateAnswerTest, EnabledMode) {
-    struct ChangedAtTheEnd {
-        Utils::SmartPtr<ColorConfiguration> mode = Utils::makeRefcounted<ColorConfiguration>();
-        ~ChangedAtTheEnd() { mode->setFramerate(99); }
-    };
-    answerLate<enableColorRequest, ChangedAtTheEnd>(
-        std::make_unique<ChangedAtTheEnd>(),
-        [](VideoProxy& proxy, ChangedAtTheEnd& memory) {
-            proxy.enableStreaming(memory.mode, CameraControls{});
-        },
-        [](enableColorRequest& request) { EXPECT_EQ(0, request.getConfiguration()->getFramerate()); });
-}
-
-// A depth mode's commands are part of it.
+// Nor are the inputs the caller's any more, which it may change as soon as it has its own thread back. A depth mode's
+// commands are part of it.
 TEST_F(LateAnswerTest, EnabledDepthMode) {
     struct ChangedAtTheEnd {
         Utils::SmartPtr<setIntParameterRequest> command =

@@ -30,7 +30,8 @@ const std::string done = "nothing was thrown";
 /// A request that tells when it has gone.
 class TracedRequest : public deviceRequest {
 public:
-    TracedRequest(RequestType type, Signal& end) : deviceRequest(nullptr, type), gone(end) {}
+    TracedRequest(RequestType type, Signal& end, AVDeviceInterface* device = nullptr)
+        : deviceRequest(device, type), gone(end) {}
 
     void drop() { static_cast<Utils::Refcounted*>(this)->decref(); }
 
@@ -62,6 +63,15 @@ protected:
         };
     }
 
+    /// Opens the device and tells which it is.
+    AVDeviceInterface* openedDevice() {
+        AVDeviceInterface* device = nullptr;
+        script.onCall = [&](int, deviceRequest* request) { device = request->device(); };
+        proxy->open();
+        script.onCall = [](int, deviceRequest*) {};
+        return device;
+    }
+
     template<typename Operation>
     static std::string outcome(Operation operation) {
         return TestSupport::messageOf<Plugin::PluginException>(operation);
@@ -70,7 +80,6 @@ protected:
     std::optional<VideoProxy> proxy;
     static constexpr int open = 10;
     static constexpr int close = 11;
-    static constexpr int disable = 12;
 };
 
 // Fresh, handed over, at the worker: 1, 2, 3. After success the creator's reference is the last; after an exception it
@@ -103,9 +112,7 @@ TEST_F(WorkerTest, ReferencesAreCountedExactly) {
 }
 
 TEST_F(WorkerTest, ARequestCanBeSubmittedAgain) {
-    AVDeviceInterface* device = nullptr;
-    script.onCall = [&](int, deviceRequest* request) { device = request->device(); };
-    proxy->open();
+    AVDeviceInterface* const device = openedDevice();
     script.takeCalls();
     Worker worker;
     const auto request = Utils::SmartPtr<deviceRequest>::adopt(new deviceRequest(device, RequestType_CLOSE));
@@ -214,29 +221,17 @@ TEST_F(WorkerTest, ATimedOutCallKeepsTheWorkersReference) {
     tuning.set(2000, 60000, 10);
     Gate gate;
     Signal gone;
-    class HeldRequest : public disableRequest {
-    public:
-        HeldRequest(AVDeviceInterface* device, Signal& end) : disableRequest(device, false), gone(end) {}
-
-    protected:
-        ~HeldRequest() override { gone.set(); }
-
-    private:
-        Signal& gone;
-    };
-    AVDeviceInterface* device = nullptr;
-    script.onCall = [&](int, deviceRequest* request) { device = request->device(); };
-    proxy->open();
-    hold(disable, gate);
+    AVDeviceInterface* const device = openedDevice();
+    hold(close, gate);
 
     Worker worker;
-    auto* const request = new HeldRequest(device, gone);
-    EXPECT_EQ("processRequest: I/O timeout: RequestType_DISABLE",
+    auto* const request = new TracedRequest(RequestType_CLOSE, gone, device);
+    EXPECT_EQ("processRequest: I/O timeout: RequestType_CLOSE",
               outcome([&] { worker->processRequest(request, 20); }));
     gate.awaitArrival();
     EXPECT_TRUE(request->getCancelled());
     EXPECT_FALSE(request->decrefIfLastRef());
-    static_cast<Utils::Refcounted*>(request)->decref();
+    request->drop();
     gate.open();
     EXPECT_EQ(0, gone.timedWait(patience));
 }
@@ -279,9 +274,7 @@ TEST_F(WorkerTest, WaitingInTheQueueIsNoTimeout) {
 }
 
 TEST_F(WorkerTest, SignalsThatWereLeftSetShortenNoWait) {
-    AVDeviceInterface* device = nullptr;
-    script.onCall = [&](int, deviceRequest* request) { device = request->device(); };
-    proxy->open();
+    AVDeviceInterface* const device = openedDevice();
     Gate gate;
     script.onCall = [&](int, deviceRequest*) { gate.pass(); };
     std::thread slow([&] { proxy->open(); });
@@ -538,14 +531,8 @@ TEST_F(WorkerTest, ItsOwnThreadCannotSubmit) {
 
 TEST_F(WorkerTest, ItsOwnThreadCanGiveBackTheLastReference) {
     // The proxy's own reference goes first, so that one is left, which the device gives back.
-    struct Releaser : deviceRequest {
-        explicit Releaser(AVDeviceInterface* device) : deviceRequest(device, RequestType_CLOSE) {}
-    };
-    AVDeviceInterface* device = nullptr;
-    script.onCall = [&](int, deviceRequest* request) { device = request->device(); };
-    proxy->open();
-    auto* const request = new Releaser(device);
-    script.onCall = [](int, deviceRequest*) {};
+    AVDeviceInterface* const device = openedDevice();
+    const auto request = Utils::SmartPtr<deviceRequest>::adopt(new deviceRequest(device, RequestType_CLOSE));
     Worker worker;
     AVDeviceProxyThread* const last = worker.detach();
     proxy.reset();
@@ -553,8 +540,7 @@ TEST_F(WorkerTest, ItsOwnThreadCanGiveBackTheLastReference) {
         if (slot == close)
             last->release();
     };
-    EXPECT_EQ(done, outcome([&] { last->processRequest(request, patience); }));
-    static_cast<Utils::Refcounted*>(request)->decref();
+    EXPECT_EQ(done, outcome([&] { last->processRequest(request.get(), patience); }));
     script.onCall = [](int, deviceRequest*) {};
     VideoProxy next(VIDEO_DEVICE, proxified);
     EXPECT_NO_THROW(next.open());
@@ -563,11 +549,8 @@ TEST_F(WorkerTest, ItsOwnThreadCanGiveBackTheLastReference) {
 // The last release takes no lock: while it waits for a device, another worker can come.
 TEST_F(WorkerTest, TheNextWorkerDoesNotWaitForTheLast) {
     tuning.set(2000, 20000, 10);
-    AVDeviceInterface* device = nullptr;
-    script.onCall = [&](int, deviceRequest* request) { device = request->device(); };
-    proxy->open();
+    AVDeviceInterface* const device = openedDevice();
     const auto request = Utils::SmartPtr<deviceRequest>::adopt(new deviceRequest(device, RequestType_CLOSE));
-    script.onCall = [](int, deviceRequest*) {};
     Worker worker;
     AVDeviceProxyThread* const last = worker.detach();
     proxy.reset();

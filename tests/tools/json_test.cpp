@@ -224,25 +224,5 @@ TEST_F(JsonOutput, SaysWhereNumbersComeFrom) {
     }
 }
 
-TEST_F(JsonOutput, OfACalibrationCanBeImported) {
-    const std::string exported = runBuilt("calibration export").out;
-    Utils::writeFile(path("c.json"), exported);
-    EXPECT_EQ(run({"calibration", "diff", path("c.json")}).exitCode, 0);
-    json changed = json::parse(exported);
-    changed["calibration"]["phaseDelay"] = 7;
-    Utils::writeFile(path("c.json"), changed.dump());
-    EXPECT_EQ(run({"calibration", "diff", path("c.json")}).exitCode, 1);
-    EXPECT_THAT(run({"calibration", "import", path("c.json"), "--dry-run", "--camera", "SIM0570"}).out,
-                HasSubstr("phaseDelay: 87 -> 7\n"));
-    const ToolRun written = run({"calibration", "import", path("c.json"), "--yes", "--backup", path("b.json"),
-                                 "--json", "--camera", "SIM0570"});
-    EXPECT_EQ(written.exitCode, 0) << written.err;
-    EXPECT_EQ(written.json().at("lasts"), false);
-    EXPECT_THAT(written.err, HasSubstr("only while this program runs"));
-    const ToolRun piped = runBuilt("calibration import - --yes --camera SIM0570 <\"" + path("b.json") + '"');
-    EXPECT_THAT(piped.out, HasSubstr("has this calibration already")) << piped.err;
-    EXPECT_EQ(runBuilt("calibration export").out, exported) << "it ended with the program";
-}
-
 } // namespace
 } // namespace Zentara::Tool

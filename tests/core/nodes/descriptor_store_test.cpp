@@ -36,18 +36,15 @@ TEST(DescriptorStore, WithoutRecordsReadsAsEmpty) {
     for (const RequestList* list : {store.getPreCommonSettings(), store.getSpecificSettings(),
                                     store.getPostCommonSettings(), store.getStopCommonSettings()})
         EXPECT_EQ(list, nullptr);
-    EXPECT_EQ(TestSupport::messageOf<Plugin::NotSupportedPluginException>(
-                  [&] { static_cast<void>(store.getROMElement(0x1122334455)); }),
-              "undefined ROMElement id 73588229205");
-    EXPECT_EQ(TestSupport::messageOf<Plugin::NotSupportedPluginException>(
-                  [&] { static_cast<void>(store.getDefaultExtrinsics()); }),
-              "Extrinsics are not defined");
-    EXPECT_EQ(TestSupport::messageOf<Plugin::NotSupportedPluginException>(
-                  [&] { static_cast<void>(store.getDefaultDepthIntrinsicsArray()); }),
-              "Depth Intrinsics are not defined");
-    EXPECT_EQ(TestSupport::messageOf<Plugin::NotSupportedPluginException>(
-                  [&] { static_cast<void>(store.getDefaultColorIntrinsicsArray()); }),
-              "Color Intrinsics are not defined");
+    using TestSupport::failure;
+    EXPECT_EQ(failure([&] { static_cast<void>(store.getROMElement(0x1122334455)); }),
+              "5: undefined ROMElement id 73588229205");
+    EXPECT_EQ(failure([&] { static_cast<void>(store.getDefaultExtrinsics()); }),
+              "5: Extrinsics are not defined");
+    EXPECT_EQ(failure([&] { static_cast<void>(store.getDefaultDepthIntrinsicsArray()); }),
+              "5: Depth Intrinsics are not defined");
+    EXPECT_EQ(failure([&] { static_cast<void>(store.getDefaultColorIntrinsicsArray()); }),
+              "5: Color Intrinsics are not defined");
 }
 
 TEST(DescriptorStore, AnswersFromItsRecords) {

@@ -27,47 +27,37 @@ namespace {
 using Zentara::TestSupport::failure;
 
 /// Nodes that have only what a node must have.
-class BareDepthNode : public Core::DepthNodeInterface {
+template<typename Interface, typename Configuration>
+class BareNode : public Interface {
 public:
-    explicit BareDepthNode(GUID guid) : DepthNodeInterface(guid) {}
+    explicit BareNode(GUID guid) : Interface(guid) {}
 
-    void enableStreaming(Utils::SmartPtr<DepthBaseConfiguration> configuration) override {
-        getAVDeviceProxy()->enableStreaming(configuration);
-    }
-    void disableStreaming() override { getAVDeviceProxy()->disableStreaming(true); }
-    TemperatureCompensation getTemperatureCompensation() override { return {}; }
-    std::vector<Utils::SmartPtr<DepthBaseConfiguration>> getConfigurations() override { return {}; }
+    void enableStreaming(Utils::SmartPtr<Configuration>) override {}
+    void disableStreaming() override {}
+    std::vector<Utils::SmartPtr<Configuration>> getConfigurations() override { return {}; }
     ReadBufferStatus readBuffer(void* buffer, int size, std::int64_t* timestamp, int* length) override {
-        return getAVDeviceProxy()->readBuffer(buffer, size, timestamp, length);
+        return this->getAVDeviceProxy()->readBuffer(buffer, size, timestamp, length);
     }
 };
 
-class BareColorNode : public Core::ColorNodeInterface {
+class BareDepthNode : public BareNode<Core::DepthNodeInterface, DepthBaseConfiguration> {
 public:
-    explicit BareColorNode(GUID guid) : ColorNodeInterface(guid) {}
+    using BareNode::BareNode;
+    TemperatureCompensation getTemperatureCompensation() override { return {}; }
+};
 
-    void enableStreaming(Utils::SmartPtr<ColorConfiguration>) override {}
-    void disableStreaming() override {}
-    std::vector<Utils::SmartPtr<ColorConfiguration>> getConfigurations() override { return {}; }
+class BareColorNode : public BareNode<Core::ColorNodeInterface, ColorConfiguration> {
+public:
+    using BareNode::BareNode;
     CameraControlRanges getCameraControlRanges() override { return {}; }
     void setCameraControl(CameraControlsEnum, CameraControlValue) override {}
     CameraControls getCameraControls() override { return {}; }
-    ReadBufferStatus readBuffer(void* buffer, int size, std::int64_t* timestamp, int* length) override {
-        return getAVDeviceProxy()->readBuffer(buffer, size, timestamp, length);
-    }
 };
 
-class BareAudioNode : public Core::AudioNodeInterface {
+class BareAudioNode : public BareNode<Core::AudioNodeInterface, AudioConfiguration> {
 public:
-    explicit BareAudioNode(GUID guid) : AudioNodeInterface(guid) {}
-
-    void enableStreaming(Utils::SmartPtr<AudioConfiguration>) override {}
-    void disableStreaming() override {}
-    std::vector<Utils::SmartPtr<AudioConfiguration>> getConfigurations() override { return {}; }
+    using BareNode::BareNode;
     Utils::SmartPtr<AudioConfiguration> getDefaultConfiguration() override { return {}; }
-    ReadBufferStatus readBuffer(void* buffer, int size, std::int64_t* timestamp, int* length) override {
-        return getAVDeviceProxy()->readBuffer(buffer, size, timestamp, length);
-    }
 };
 
 constexpr GUID someGuid = {1, 2, 3, {4}};

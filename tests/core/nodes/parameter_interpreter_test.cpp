@@ -273,49 +273,21 @@ TEST_F(ParameterInterpreterTest, OperationsNeedAnInstance) {
     EXPECT_THAT(failure([&] { parameters->read(state); }), StartsWith("7: "));
 }
 
-TEST_F(ParameterInterpreterTest, PassesValuesThrough) {
+// The other values pass through in the tests of the cameras' own back-end.
+TEST_F(ParameterInterpreterTest, PassesUnitsModesAndAnyTruthThrough) {
     EXPECT_CALL(backEnd, getUnitType(ParameterType_FLOAT_1, _))
         .WillOnce(DoAll(SetArgPointee<1>(UnitType_CELSIUS), Return(success)));
     EXPECT_EQ(parameters->getUnitType(ParameterType_FLOAT_1), UnitType_CELSIUS);
-    access(AccessMode_READ);
-    EXPECT_EQ(parameters->getAccessMode(ParameterType_FLOAT_1), AccessMode_READ);
-
-    EXPECT_CALL(backEnd, readFloat(ParameterType_FLOAT_1, _))
-        .WillOnce(DoAll(SetArgPointee<1>(2.5F), Return(success)));
-    EXPECT_CALL(backEnd, readFloat(ParameterType_RANGE, _))
-        .WillOnce(DoAll(SetArgPointee<1>(7.5F), Return(success)));
-    EXPECT_CALL(backEnd, readInt(ParameterType_INT_4, _))
-        .WillOnce(DoAll(SetArgPointee<1>(-3), Return(success)));
     EXPECT_CALL(backEnd, readInt(ParameterType_RAW_OUTPUT_MODE, _))
         .WillOnce(DoAll(SetArgPointee<1>(2), Return(success)));
-    EXPECT_CALL(backEnd, getPhaseScaling).WillOnce(DoAll(SetArgPointee<0>(0.5F), Return(success)));
-    EXPECT_CALL(backEnd, getRegionOfInterest)
-        .WillOnce(DoAll(SetArgPointee<0>(RegionOfInterestInternal{1, 2, 3, 4}), Return(success)));
     EXPECT_CALL(backEnd, readBool(ParameterType_BOOL_7, _)).WillOnce([](ParameterType, bool* value) {
         std::memset(value, 0x40, 1); // a C back-end's idea of true
         return success;
     });
     aBool = false;
-    parameters->read(ParameterType_FLOAT_1, &aFloat);
-    parameters->read(ParameterType_INT_4, &anInt);
     parameters->read(ParameterType_BOOL_7, &aBool);
-    EXPECT_EQ(aFloat, 2.5F);
-    EXPECT_EQ(anInt, -3);
     EXPECT_TRUE(aBool);
-    EXPECT_EQ(parameters->getRange(), 7.5F);
     EXPECT_EQ(parameters->getRawOutputMode(), RawOutputMode_TAPS);
-    EXPECT_EQ(parameters->getPhaseScaling(), 0.5F);
-    EXPECT_EQ(parameters->getRegionOfInterest(), (RegionOfInterestInternal{1, 2, 3, 4}));
-
-    EXPECT_CALL(backEnd, writeFloat(ParameterType_FLOAT_1, 2.5F)).WillOnce(Return(success));
-    EXPECT_CALL(backEnd, writeInt(ParameterType_INT_4, -3)).WillOnce(Return(success));
-    EXPECT_CALL(backEnd, writeBool(ParameterType_BOOL_7, true)).WillOnce(Return(success));
-    EXPECT_CALL(backEnd, setRegionOfInterest(testing::Pointee(RegionOfInterestInternal{1, 2, 3, 4})))
-        .WillOnce(Return(success));
-    parameters->write(ParameterType_FLOAT_1, 2.5F);
-    parameters->write(ParameterType_INT_4, -3);
-    parameters->write(ParameterType_BOOL_7, true);
-    parameters->setRegionOfInterest({1, 2, 3, 4});
 }
 
 TEST_F(ParameterInterpreterTest, ErrorCodesBecomeTheStatedExceptions) {
@@ -661,36 +633,22 @@ TEST_F(ParameterInterpreterTest, CalibrationFailuresAreOfTheNotSupportedKind) {
     EXPECT_EQ(calibration, CalibrationInternal());
 }
 
-TEST_F(ParameterInterpreterTest, ReachesTheExtensionUnitThroughAProxy) {
-    // Unit 3 keeps what is sent to it, with the selector behind it; any other fails.
+// What goes well is shown by the nodes of the simulated cameras.
+TEST_F(ParameterInterpreterTest, TransfersThatAProxyRefusesFailWithACode) {
     Script script;
-    Bytes kept;
-    const auto check = [](unsigned unit) {
-        if (unit != 3)
-            throw Plugin::IOPluginException("stall");
-    };
     script.onCall = [&](int, deviceRequest* request) {
-        if (const auto* const send = dynamic_cast<xuSendRequest*>(request)) {
-            check(send->getUnit());
-            const auto* const bytes = static_cast<const unsigned char*>(send->getData());
-            kept.assign(bytes, bytes + send->getLength());
-            kept.push_back(static_cast<unsigned char>(send->getControl()));
-        } else if (const auto* const receive = dynamic_cast<xuRecvRequest*>(request)) {
-            check(receive->getUnit());
-            std::memcpy(receive->getData(), kept.data(), receive->getLength());
-        }
+        const auto* const transfer = dynamic_cast<xuProxyRequest*>(request);
+        if (transfer && transfer->getUnit() == 4)
+            throw Plugin::IOPluginException("stall");
     };
     VideoDeviceProxy device(VIDEO_DEVICE, true);
     EXPECT_CALL(backEnd, initialize)
         .WillOnce([](int, void* context, Transfer* set, Transfer* get, const HardwareIDs* ids, auto) {
             EXPECT_EQ(ids->vendorId, 1U);
             unsigned char sent[] = {10, 20};
-            unsigned char received[3] = {};
             EXPECT_EQ(set(context, 3, 77, sent, 2), success);
-            EXPECT_EQ(get(context, 3, 77, received, 3), success);
-            EXPECT_THAT(received, ElementsAre(10, 20, 77));
             EXPECT_EQ(set(context, 4, 77, sent, 2), ErrorCode_IO);
-            EXPECT_EQ(get(context, 4, 77, received, 3), ErrorCode_IO);
+            EXPECT_EQ(get(context, 4, 77, sent, 2), ErrorCode_IO);
             EXPECT_EQ(set(context, 3, 77, nullptr, 2), ErrorCode_IO);
             EXPECT_EQ(get(context, 3, 77, nullptr, 2), ErrorCode_IO);
             return success;

@@ -76,16 +76,10 @@ TEST_F(DescriptorStore, TellsAllOfADepthNode) {
     EXPECT_TRUE(guidEquals(view().getParameterInterpreterGUID(), Cameras::parameterBackEndGuid));
     EXPECT_EQ(view().getDeviceCapabilities(), 7);
     EXPECT_EQ(view().getFourCC(), (FourCC{fourCCCode('Y', '1', '6', ' '), 16, 640}));
-    EXPECT_EQ(view().getDefaultExtrinsics().t1, 25.0F);
     EXPECT_EQ(view().getDefaultDepthIntrinsicsArray()[0].k1, -0.12F);
     EXPECT_EQ(view().getHardwareVersion().modules[1].productId, 0x570U) << "the controller";
     SensorValueArray temperatures;
-    EXPECT_TRUE(view().getTemperatureCalibration(DepthNode::CameraMode_1, temperatures));
-    EXPECT_EQ(temperatures.values.at(1), (SensorValue{1, 44}));
     EXPECT_FALSE(view().getTemperatureCalibration(DepthNode::CameraMode_NONE, temperatures));
-    CyclicErrorRecord record;
-    EXPECT_TRUE(view().getCyclicErrorRecord(DepthNode::CameraMode_0, record));
-    EXPECT_THAT(record.parameters, ElementsAre(0, 1.5F, -0.25F, 0.0625F));
     float coefficient = 0;
     int sensor = -1;
     EXPECT_TRUE(view().getTemperatureCompensation(coefficient, sensor));

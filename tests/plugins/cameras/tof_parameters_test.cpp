@@ -233,27 +233,6 @@ TEST_P(TofParameters, TransferThatFailsIsNamed) {
     EXPECT_EQ(read<float>(ParameterType_FLOAT_0), 80.0F);
 }
 
-TEST_P(TofParameters, InterruptedStartBeginsAnew) {
-    Port fresh{makeKind(GetParam())};
-    fresh.select(fresh.model().guid());
-    // Walks the failure through the whole start; at some transfer it has become long enough to succeed.
-    std::uint32_t nth = 1;
-    for (bool started = false; !started; ++nth) {
-        fresh.clearFaults();
-        fresh.addFault(nth, Fault::Kind::Fail);
-        try {
-            parameters->initialize(&fresh, set, get, {}, withController(GetParam()));
-            started = true;
-        } catch (const Plugin::InitializationPluginException&) {
-            ASSERT_LT(nth, 1000U);
-        }
-    }
-    EXPECT_GT(nth, 20U);
-    fresh.clearFaults();
-    EXPECT_EQ(read<float>(ParameterType_FLOAT_0), 80.0F);
-    EXPECT_EQ(parameters->getRegionOfInterest(), (RegionOfInterestInternal{0, 0, 320, 240}));
-}
-
 /// A bridge whose byte order somebody else turns over, right after it was asked for.
 struct RestlessBridge {
     Port& camera;

@@ -104,28 +104,6 @@ TEST_F(SimulatedEnumerator, CanBeAskedWhileItEnds) {
     EXPECT_THAT(listed(), SizeIs(0)) << "without a bus there is nothing";
 }
 
-TEST_F(SimulatedEnumerator, AsksTheStoreWhatItFound) {
-    const auto store = TestSupport::makePlugin<Core::DescriptorStoreInterface>(Cameras::descriptorStoreGuid);
-    store->initialize();
-    enumerator->initialize(&events, store->getDescriptorStore());
-    const std::vector<NodeEvent> nodes = listed();
-    ASSERT_EQ(nodes.size(), allNodes);
-    for (const NodeEvent& node : nodes)
-        EXPECT_TRUE(store->selectNodeDescriptor(node.hardwareIds(), node.profile)) << node.path;
-    EXPECT_EQ(nodes[4].name, "ZS258 color") << "files in the order of their names";
-    enumerator->dispose();
-
-    // A store that knows no camera: none is found.
-    const TestSupport::TemporaryDirectory empty;
-    {
-        const TestSupport::ScopedVariable root("ZENTARASDK_ROOT", empty.path());
-        store->initialize();
-    }
-    enumerator->initialize(&events, store->getDescriptorStore());
-    EXPECT_THAT(listed(), SizeIs(0));
-    enumerator->dispose();
-}
-
 /// The same with a file that says which cameras are plugged in.
 class PluggedCameras : public SimulatedEnumerator {
 protected:

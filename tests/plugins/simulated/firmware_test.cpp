@@ -6,9 +6,7 @@
 
 #include "plugins/simulated/firmware/ov0570_firmware.h"
 #include "plugins/simulated/firmware/vc0258_firmware.h"
-#include "plugins/simulated/firmware/vc0345_firmware.h"
 #include "plugins/simulated/port.h"
-#include "support/failure.h"
 
 namespace Zentara::Simulated {
 
@@ -16,8 +14,6 @@ namespace {
 
 using Plugin::IOPluginException;
 using Plugin::NotSupportedPluginException;
-using testing::ElementsAre;
-using testing::HasSubstr;
 
 template<typename Model>
 class Wire {
@@ -51,23 +47,6 @@ TEST(OV0570FirmwareTest, RefusesWidthsThatAreNotTheDevices) {
     }
     EXPECT_THROW(wire.get(2, {0x11, 5}), IOPluginException);
     EXPECT_THROW(wire.set(1, {}), IOPluginException);
-}
-
-TEST(OV0570FirmwareTest, TheEepromWantsItsStatesInOrder) {
-    Wire<OV0570Firmware> wire;
-    EXPECT_THROW(wire.set(3, {2}), IOPluginException);
-    wire.set(3, {1, 0x10, 0x00, 0x2F, 0x00});
-    EXPECT_THROW(wire.set(3, {3}), IOPluginException);
-    wire.set(3, {2});
-    EXPECT_THROW(wire.get(3, {3}), IOPluginException);
-    wire.set(3, {3});
-    const Bytes& flash = wire.port.model().flash();
-    const Bytes reply = wire.get(3, {3});
-    EXPECT_EQ(Bytes(reply.begin() + 1, reply.end()), Bytes(flash.begin() + 0x10, flash.begin() + 0x30));
-    EXPECT_THROW(wire.get(3, {3}), IOPluginException) << "the range is inclusive, and over";
-    wire.set(3, {5});
-    EXPECT_THROW(wire.get(3, {3}), IOPluginException);
-    EXPECT_THROW(wire.set(3, {4}), IOPluginException);
 }
 
 TEST(VC0258FirmwareTest, AWrongOrderExchangesBytesAndAWrongSizeLosesThem) {
@@ -107,29 +86,6 @@ TEST(PortTest, ChecksUnitControlAndLengthAndWantsASelection) {
     port.select(port.model().guid());
     for (const auto& [unit, control, length] : {std::tuple{5U, 2U, 7U}, {6U, 4U, 7U}, {6U, 2U, 6U}})
         EXPECT_THROW(port.set(unit, control, packet.data(), length), IOPluginException) << unit << control;
-}
-
-TEST(PortTest, FaultsHitTheirTransferAndLeaveTheBufferAlone) {
-    Wire<VC0345Firmware> wire;
-    const struct {
-        Fault::Kind kind;
-        const char* text;
-    } rows[] = {{Fault::Kind::Fail, "failed"},
-                {Fault::Kind::Late, "too late"},
-                {Fault::Kind::Short, "3 bytes came back, 4 were asked"},
-                {Fault::Kind::Long, "5 bytes came back, 4 were asked"},
-                {Fault::Kind::Hang, "did not answer"}};
-    for (const auto& row : rows) {
-        wire.port.clearFaults();
-        wire.port.addFault(2, row.kind, 1);
-        Bytes buffer{0xA0, 0, 0, 0};
-        EXPECT_NO_THROW(wire.port.get(4, 5, buffer.data(), 4));
-        const Bytes before = buffer;
-        EXPECT_THAT(TestSupport::failure([&] { wire.port.get(4, 5, buffer.data(), 4); }),
-                    HasSubstr(row.text));
-        EXPECT_EQ(buffer, before);
-        EXPECT_NO_THROW(wire.port.get(4, 5, buffer.data(), 4));
-    }
 }
 
 } // namespace

@@ -141,21 +141,5 @@ TEST(DirectVideoDevice, CropsAndLeavesConfidenceAway) {
     EXPECT_GT(inside, 150U);
 }
 
-/// A device that hangs longer than a caller of the worker waits.
-TEST(HangingVideoDevice, LetsGoWhenItIsCancelled) {
-    const SimulatedFaults faults("hang 600000 at open times 1");
-    IO::VideoDeviceProxy camera(Core::Guids::MOCKVIDEODEVICE_IMPL, true);
-    EXPECT_EQ(failure([&] { camera.open(); }), "2: processRequest: I/O timeout: RequestType_OPEN");
-    EXPECT_EQ(failure([&] { camera.open(); }), "nothing was thrown") << "the worker goes on at once";
-}
-
-TEST(HangingVideoDevice, RefusesToBeCancelledWhenToldTo) {
-    const SimulatedFaults faults("refuse cancel\nhang 3000 at open times 1");
-    IO::VideoDeviceProxy camera(Core::Guids::MOCKVIDEODEVICE_IMPL, true);
-    EXPECT_EQ(failure([&] { camera.open(); }), "2: processRequest: I/O timeout: RequestType_OPEN");
-    // The hanging open was not cancelled, so it still succeeds before the next one's turn.
-    EXPECT_EQ(failure([&] { camera.open(); }), "7: open: the device is open already");
-}
-
 } // namespace
 } // namespace Zentara::Simulated

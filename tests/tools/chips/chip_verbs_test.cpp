@@ -136,8 +136,6 @@ TEST_F(ChipVerbs, NameTheRangeOfAValueThatIsOutOfIt) {
         {{"xu", "set", "2", "0102030405060708", "--camera", "OV0570"}, Failure::Usage, "0 to 7"},
         {{"xu", "len", "9"}, Failure::Failed, "no control 9"},
         {{"firmware", "dump", "x", "--start", "2", "--length", "65535"}, Failure::Usage, "1 to 65534"},
-        {{"reg", "read", "tof", "1", "--camera", "OV9999"}, Failure::NoDevice, "plugged in: SIM0570"},
-        {{"reg", "read", "tof", "1", "--camera", "SIM"}, Failure::Usage, "may be any of SIM0570"},
         {{"reg", "read", "tof", "1", "--camera", ""}, Failure::Usage, "name of the camera is empty"},
         {{"reg", "read", "tof", "1", "--direct", "--camera", "SIM0570"}, Failure::Usage, "no controller"},
     };
@@ -152,18 +150,11 @@ TEST_F(ChipVerbs, NameTheRangeOfAValueThatIsOutOfIt) {
 TEST_F(ChipVerbs, TellOfATransferThatFailsAndLeaveNoFile) {
     const SimulatedFaults faults("chip VC0258;transfer 4 short");
     const ToolRun run =
-        ToolTest::run({"firmware", "dump", path("dump.bin"), "--trace", "--camera", "VC0258"});
+        ToolTest::run({"firmware", "dump", path("dump.bin"), "--trace", "--json", "--camera", "VC0258"});
     EXPECT_EQ(run.exitCode, Failure::Failed);
+    EXPECT_TRUE(run.json().contains("error")) << "the trace stands beside it";
     EXPECT_THAT(run.err, HasSubstr("FAILED: control 24 of unit 4: 35 bytes came back, 36 were asked"));
     EXPECT_THAT(filesLeft(), testing::IsEmpty());
-}
-
-TEST_F(ChipVerbs, TraceAFailureBesideItsJson) {
-    const SimulatedFaults faults("transfer 2 fail");
-    const ToolRun run = ToolTest::run({"reg", "read", "tof", "1", "--trace", "--json"});
-    EXPECT_EQ(run.exitCode, Failure::Failed);
-    EXPECT_EQ(run.json().at("error").at("message"), "cannot read tof register 0x01");
-    EXPECT_THAT(run.err, HasSubstr("GET 6/2  91 01 00 00 00 00 00  read device 1 register 0x01  FAILED: "));
 }
 
 TEST_F(ChipVerbs, ReadNothingForAFileThatCannotBeWritten) {
@@ -173,15 +164,6 @@ TEST_F(ChipVerbs, ReadNothingForAFileThatCannotBeWritten) {
         EXPECT_THAT(run.err, testing::Not(HasSubstr("GET"))) << file;
     }
     EXPECT_THAT(filesLeft(), testing::IsEmpty());
-}
-
-TEST_F(ChipVerbs, TheCameraKeepsALogOfItsOwn) {
-    const std::string log = path("transfers.txt");
-    const SimulatedFaults settings("chip VC0345;transferLog " + log);
-    ASSERT_EQ(ToolTest::run({"reg", "write", "tof", "5", "0x1234", "--direct"}).exitCode, 0);
-    EXPECT_EQ(Utils::readFile(log),
-              "SET 4/4  20 02 81 04  write bridge register 0x8102 := 0x04 (sensor control size)\n"
-              "SET 4/16  41 05 34 12  write time-of-flight register 0x05 := 0x1234\n");
 }
 
 } // namespace

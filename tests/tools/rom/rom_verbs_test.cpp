@@ -70,19 +70,6 @@ protected:
     int backups = 0;
 };
 
-TEST_F(RomVerbs, ExportAndImportWithoutLoss) {
-    const std::string exported = done({"export", "camera:OV0570"});
-    for (const char* header : {"start", "end"}) {
-        SCOPED_TRACE(header);
-        const std::string copy = path(std::string(header) + ".bin");
-        done({"create", copy, "--size", "65536", "--chunk", "4096", "--header", header, "--backup", fresh()});
-        done({"import", file("content.json", exported), copy, "--backup", fresh()});
-        EXPECT_EQ(done({"export", copy}), exported);
-        done({"verify", copy});
-        done({"diff", copy, "camera:OV0570"});
-    }
-}
-
 TEST_F(RomVerbs, SetGetAndEraseOneSection) {
     done({"create", image, "--size", "4096", "--backup", fresh()});
     done({"set", "7", image, "--type", "diagnostic", "--hex", "2001080000000102", "--backup", fresh()});
