@@ -1,15 +1,13 @@
 #include <cmath>
-#include <filesystem>
 #include <functional>
 #include <thread>
 
 #include <gmock/gmock.h>
 
 #include <zentara/host/host.h>
-#include <zentara/utils/files.h>
 
+#include "support/camera_bus.h"
 #include "support/scoped_variable.h"
-#include "support/temporary_directory.h"
 
 namespace Zentara::Host {
 namespace {
@@ -24,16 +22,8 @@ constexpr const char* left = R"({"model": "ZS570", "serialNumber": "LEFT"})";
 constexpr const char* right = R"({"model": "ZS345", "serialNumber": "RIGHT"})";
 
 /// Cameras of the test's own on the simulated bus.
-class SomeCameras : public testing::Test {
+class SomeCameras : public testing::Test, protected TestSupport::CameraBus {
 protected:
-    void plug(const std::string& list) {
-        Utils::writeFile(directory.path("new.json"), R"({"format": 1, "cameras": [)" + list + "]}");
-        std::error_code busy; // on Windows while somebody reads the file
-        do {
-            std::filesystem::rename(directory.path("new.json"), directory.path("cameras.json"), busy);
-        } while (busy);
-    }
-
     static Failure failureOf(const std::function<void()>& work) {
         try {
             work();
@@ -43,8 +33,6 @@ protected:
         return {Failure::None, "nothing was thrown"};
     }
 
-    TestSupport::TemporaryDirectory directory;
-    TestSupport::ScopedVariable variable{"ZENTARA_SIMULATED_CAMERAS", directory.path("cameras.json")};
     std::vector<std::string> notes;
     Cameras::Options options{10s, [this](const std::string& text) { notes.push_back(text); }};
 };

@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <cstring>
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -10,15 +9,13 @@
 #include <zentara/core/descriptor_store_ro.h>
 #include <zentara/io/enumerator_interface.h>
 #include <zentara/read_buffer_status.h>
-#include <zentara/utils/files.h>
 
 #include "plugins/cameras/plugin_guids.h"
 #include "plugins/descriptions/wire.h"
 #include "plugins/simulated/plugin_guids.h"
 #include "plugins/simulated/simulated_bus.h"
+#include "support/camera_bus.h"
 #include "support/failure.h"
-#include "support/scoped_variable.h"
-#include "support/temporary_directory.h"
 #include "tests/plugins/plugin_object.h"
 
 namespace Zentara::TestSupport {
@@ -47,26 +44,8 @@ Frame read(Source& source, std::size_t size = 1 << 20) {
 }
 
 /// A host with cameras of its own on the bus, and all it does with the real plug-ins.
-class CameraHost {
+class CameraHost : public CameraBus {
 public:
-    CameraHost() = default;
-
-    /// Says which cameras are plugged in: the elements of the file's list.
-    void plug(const std::string& cameras) { write(R"({"format": 1, "cameras": [)" + cameras + "]}"); }
-
-    /// As the documentation tells users to: nobody sees half a file.
-    void write(const std::string& text) {
-        Utils::writeFile(path("new.json"), text);
-        std::error_code busy; // on Windows while somebody reads the file
-        do {
-            std::filesystem::rename(TemporaryDirectory::fromUtf8(path("new.json")),
-                                    TemporaryDirectory::fromUtf8(file()), busy);
-        } while (busy);
-    }
-
-    /// The file that says which cameras are plugged in.
-    [[nodiscard]] std::string file() const { return path("cameras.json"); }
-
     /// The first node of that type; all 0 if there is none.
     NodeEvent find(NodeType type, const std::string& serialNumber = {}) {
         const auto enumerator = makePlugin<IO::EnumeratorInterface>(Simulated::enumeratorGuid);
@@ -80,13 +59,6 @@ public:
         }
         return {};
     }
-
-    /// A file of the test's own.
-    [[nodiscard]] std::string path(const std::string& name = {}) const { return directory.path(name); }
-
-private:
-    TemporaryDirectory directory;
-    ScopedVariable variable{Simulated::SimulatedBus::variable, file()};
 };
 
 /// A node of that kind with the store that describes it.

@@ -1,16 +1,13 @@
-#include <filesystem>
 #include <thread>
 
 #include <gmock/gmock.h>
 
 #include <zentara/host/host.h>
-#include <zentara/utils/files.h>
 
+#include "support/camera_bus.h"
 #include "support/failure.h"
-#include "support/scoped_variable.h"
 #include "support/simulated_faults.h"
 #include "support/stride.h"
-#include "support/temporary_directory.h"
 
 namespace Zentara::Host {
 namespace {
@@ -25,19 +22,9 @@ using TestSupport::SimulatedFaults;
 constexpr auto inTime = 20s;
 
 /// The streams of a simulated camera.
-class CameraStream : public testing::Test {
+class CameraStream : public testing::Test, protected TestSupport::CameraBus {
 protected:
-    void plug(const std::string& list) {
-        Utils::writeFile(directory.path("new.json"), R"({"format": 1, "cameras": [)" + list + "]}");
-        std::error_code busy; // on Windows while somebody reads the file
-        do {
-            std::filesystem::rename(directory.path("new.json"), directory.path("cameras.json"), busy);
-        } while (busy);
-    }
-
     static constexpr const char* left = R"({"model": "ZS570", "serialNumber": "LEFT"})";
-    TestSupport::TemporaryDirectory directory;
-    TestSupport::ScopedVariable variable{"ZENTARA_SIMULATED_CAMERAS", directory.path("cameras.json")};
     std::vector<std::string> notes;
     Cameras cameras{Cameras::Options{10s, [this](const std::string& text) { notes.push_back(text); }}};
 };
