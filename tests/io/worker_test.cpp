@@ -255,14 +255,9 @@ TEST_F(WorkerTest, WaitingInTheQueueIsNoTimeout) {
     hold(open, gate);
     std::thread slow([&] { EXPECT_NE(done, outcome([&] { proxy->open(); })); });
     gate.awaitArrival();
-    // Nor does a start that was signalled before count for this wait.
-    Worker worker;
-    const auto request = Utils::makeRefcounted<deviceRequest>(nullptr, RequestType(99));
-    request->ackStartOfIO();
     Signal submitted;
     std::thread behind([&] {
         submitted.set();
-        EXPECT_EQ(done, outcome([&] { worker->processRequest(request.get(), 30); }));
         EXPECT_EQ(done, outcome([&] { proxy->close(); }));
     });
     ASSERT_EQ(0, submitted.timedWait(patience));

@@ -637,8 +637,9 @@ TEST_F(ParameterInterpreterTest, CalibrationFailuresAreOfTheNotSupportedKind) {
 TEST_F(ParameterInterpreterTest, TransfersThatAProxyRefusesFailWithACode) {
     Script script;
     script.onCall = [&](int, deviceRequest* request) {
-        const auto* const transfer = dynamic_cast<xuProxyRequest*>(request);
-        if (transfer && transfer->getUnit() == 4)
+        const auto* const send = dynamic_cast<xuSendRequest*>(request);
+        const auto* const receive = dynamic_cast<xuRecvRequest*>(request);
+        if ((send && send->getUnit() == 4) || (receive && receive->getUnit() == 4))
             throw Plugin::IOPluginException("stall");
     };
     VideoDeviceProxy device(VIDEO_DEVICE, true);

@@ -92,17 +92,7 @@ TEST_F(DescriptorStore, TellsAllOfADepthNode) {
     EXPECT_THAT(view().getDepthConfigurations()[1]->getCommands(), SizeIs(1)) << "callers get copies";
 }
 
-TEST_F(DescriptorStore, AProfileReplacesWhatItNames) {
-    store->initialize();
-    ASSERT_TRUE(select(0x0570, 0, longRange));
-    EXPECT_EQ(view().getProfile(), longRange);
-    EXPECT_EQ(view().getDepthCapabilities(), 1U);
-    EXPECT_EQ(view().getDepthFlags(), 1U) << "not named, so the node's";
-    EXPECT_EQ(view().getDepthConfigurations().at(0)->getName(), "DEFF2FR60CM0S1");
-    EXPECT_FALSE(select(0x0570, 1, longRange)) << "the colour node has no such profile";
-}
-
-TEST_F(DescriptorStore, ADeviceWithoutAControllerHasAnUnitOfDepth) {
+TEST_F(DescriptorStore, AProfileReplacesWhatItNamesAndLeavesTheUnitOfDepth) {
     std::string text = changed(shipped("ov0570"), "\"controller\": \"OV0570\",", "");
     text = changed(text, "\"flags\": 1,\n            \"reg",
                    "\"flags\": 5, \"depthUnit\": 250, \"depthAlong\": \"ray\",\n            \"reg");
@@ -115,9 +105,13 @@ TEST_F(DescriptorStore, ADeviceWithoutAControllerHasAnUnitOfDepth) {
     EXPECT_EQ(Core::depthUnitOf(view()), 250U);
     EXPECT_EQ(Core::depthAlongOf(view()), Core::DepthAlong::Ray);
     ASSERT_TRUE(select(0x0570, 0, longRange));
+    EXPECT_EQ(view().getProfile(), longRange);
+    EXPECT_EQ(view().getDepthCapabilities(), 1U);
+    EXPECT_EQ(view().getDepthConfigurations().at(0)->getName(), "DEFF2FR60CM0S1");
     EXPECT_EQ(view().getDepthFlags(), 6U);
     EXPECT_EQ(Core::depthUnitOf(view()), 250U) << "the node's";
     EXPECT_EQ(Core::depthAlongOf(view()), Core::DepthAlong::Axis);
+    EXPECT_FALSE(select(0x0570, 1, longRange)) << "the colour node has no such profile";
 }
 
 TEST_F(DescriptorStore, HasAViewOnlyBetweenInitializeAndDispose) {

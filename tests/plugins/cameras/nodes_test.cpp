@@ -459,43 +459,6 @@ TEST_F(NodeFailureTest, WrongModesAndRequestsAreRefused) {
     EXPECT_THAT(writes(), ElementsAre(Write{77, 5}, Write{0x50, 80}));
 }
 
-TEST_F(NodeFailureTest, APulledCameraIsDisconnectedAndComesBackAsANewOne) {
-    host.plug(R"({"model": "ZS570", "serialNumber": "A"}, {"model": "ZS258", "serialNumber": "B"})");
-    DepthHost a(host.find(NodeType_DEPTH, "A"));
-    ColorHost color(host.find(NodeType_COLOR, "A"));
-    AudioHost audio(host.find(NodeType_AUDIO, "A"));
-    DepthHost b(host.find(NodeType_DEPTH, "B"));
-    const auto start = [](auto& camera) {
-        camera.initialize();
-        camera->enableStreaming(camera->getConfigurations().front());
-        EXPECT_EQ(read(camera).status, ReadBufferStatus_OK);
-    };
-    start(a);
-    start(color);
-    start(audio);
-    start(b);
-
-    host.plug(R"({"model": "ZS258", "serialNumber": "B"})");
-    const auto lastStatus = [](auto& camera) {
-        Frame frame = read(camera);
-        while (frame.status == ReadBufferStatus_OK)
-            frame = read(camera);
-        return frame.status;
-    };
-    EXPECT_EQ(lastStatus(a), ReadBufferStatus_DISCONNECTED);
-    EXPECT_EQ(lastStatus(color), ReadBufferStatus_DISCONNECTED);
-    EXPECT_EQ(lastStatus(audio), ReadBufferStatus_DISCONNECTED);
-    EXPECT_EQ(read(b).status, ReadBufferStatus_OK) << "the other one streams on";
-    EXPECT_THAT(failure([&] { static_cast<void>(a->readTemperatures()); }), HasSubstr("unplugged"));
-    a->dispose();
-    EXPECT_THAT(failure([&] { a.initialize(); }), HasSubstr("no camera is plugged in"));
-
-    host.plug(R"({"model": "ZS570", "serialNumber": "A"}, {"model": "ZS258", "serialNumber": "B"})");
-    EXPECT_EQ(read(color).status, ReadBufferStatus_DISCONNECTED) << "the old node stays as it was";
-    start(a);
-    EXPECT_EQ(read(b).status, ReadBufferStatus_OK);
-}
-
 TEST_F(NodeTest, AColorNodeStreamsWithTheSettingsOfTheHost) {
     for (const char* model : {"ZS570", "ZS258", "ZS345"}) {
         plugOne(model);

@@ -220,19 +220,6 @@ TEST_P(TofParameters, CalibrationBeginsWithTheFlashAndIsKept) {
     EXPECT_EQ(again.getPhaseDelay2(), -24);
 }
 
-TEST_P(TofParameters, TransferThatFailsIsNamed) {
-    for (std::uint32_t nth = 1; nth <= 4; ++nth) {
-        camera.clearFaults();
-        camera.addFault(nth, Fault::Kind::Fail);
-        ParameterRequestMap state = stateOf(0, 0, true, {});
-        EXPECT_THAT(failure([&] { parameters->read(state); }),
-                    testing::AllOf(testing::StartsWith("4: "), HasSubstr("of extension unit ")))
-            << "transfer " << nth;
-    }
-    camera.clearFaults();
-    EXPECT_EQ(read<float>(ParameterType_FLOAT_0), 80.0F);
-}
-
 /// A bridge whose byte order somebody else turns over, right after it was asked for.
 struct RestlessBridge {
     Port& camera;

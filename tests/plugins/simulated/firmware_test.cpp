@@ -68,16 +68,6 @@ TEST(VC0258FirmwareTest, AWrongOrderExchangesBytesAndAWrongSizeLosesThem) {
     EXPECT_THROW(wire.set(16, write), IOPluginException);
 }
 
-TEST(VC0258FirmwareTest, MemoryNeedsTheDmaSizeAndTheArea) {
-    Wire<VC0258Firmware> wire;
-    EXPECT_THROW(wire.get(24, {0x50, 0, 0, 32}), IOPluginException);
-    wire.set(4, {0x20, 0x0F, 0x81, 0x24});
-    EXPECT_EQ(wire.get(24, {0x50, 2, 0, 1})[4], wire.port.model().flash()[2]);
-    wire.set(4, {0x20, 0x12, 0x81, 1});
-    EXPECT_EQ(wire.get(24, {0x50, 2, 0, 1})[4], wire.port.model().configuration()[2]);
-    EXPECT_THROW(wire.get(24, {0x50, 2, 0, 33}), IOPluginException);
-}
-
 TEST(PortTest, ChecksUnitControlAndLengthAndWantsASelection) {
     Port port(std::make_unique<OV0570Firmware>(OV0570Firmware::Settings{}));
     Bytes packet(7);

@@ -8,7 +8,7 @@
 
 #include <zentara/utils/files.h>
 
-#include "plugins/simulated/simulated_bus.h"
+#include "support/camera_bus.h"
 #include "support/scoped_variable.h"
 #include "tools/tool_fixture.h"
 #include "tools/zentara/verb.h"
@@ -28,19 +28,12 @@ constexpr const char* right = R"({"model": "ZS345", "serialNumber": "RIGHT"})";
 class Cameras : public ToolTest {
 protected:
     /// Says which cameras are plugged in: the elements of the list.
-    void plug(const std::string& cameras) {
-        Utils::writeFile(path("new.json"), R"({"format": 1, "cameras": [)" + cameras + "]}");
-        std::error_code busy; // on Windows while somebody reads the file
-        do {
-            std::filesystem::rename(TestSupport::TemporaryDirectory::fromUtf8(path("new.json")),
-                                    TestSupport::TemporaryDirectory::fromUtf8(path("cameras.json")), busy);
-        } while (busy);
-    }
+    void plug(const std::string& cameras) { bus.plug(cameras); }
 
     static std::string both() { return std::string(left) + "," + right; }
 
 private:
-    TestSupport::ScopedVariable variable{Simulated::SimulatedBus::variable, path("cameras.json")};
+    TestSupport::CameraBus bus;
 };
 
 /// What the tool shows of its progress; does things, each once and in order, when that says so.
@@ -375,8 +368,8 @@ TEST_F(Cameras, EndWithAWordWhateverComesFromOutside) {
         {"ulimit -f 8; " + changeImage, "1", "File too large"},
         {R"(chmod 777 "$D/image"; chmod 755 "$D"; )" + std::string(asNobody) + changeImage, "5",
          "Permission denied"},
-        {R"(cp "$D/cameras.json" "$D/secret"; chmod 0 "$D/secret"; )" + std::string(asNobody) + tool +
-             "rom list \"$D/secret\"",
+        {R"(cp "$ZENTARA_SIMULATED_CAMERAS" "$D/secret"; chmod 0 "$D/secret"; )" + std::string(asNobody) +
+             tool + "rom list \"$D/secret\"",
          "5", "Permission denied"},
         {hang + "timeout --preserve-status --foreground -s TERM 1 " + tool + "--patience 60 stream --direct",
          "130", "interrupted while it was to open MOCKVIDEODEVICE_IMPL"},
