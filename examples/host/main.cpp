@@ -1,26 +1,24 @@
-#include <zentara/zentara.h>
+#include <zentara/host/host.h>
 
 #include <iostream>
-#include <vector>
 
-using namespace Zentara;
+using namespace Zentara::Host;
 
-// Reads one frame of depth from the first video device that is installed.
+// Tells how far away the middle of the picture is, in ten frames of the first camera that is plugged in.
 int main() {
-    Core::PluginManager* manager = Core::PluginManager::instance();
-    for (const GUID& guid : manager->getGUIDs(Core::ImplType_VIDEO_DEVICE)) {
-        IO::VideoDeviceProxy camera(guid, true);
-        camera.open();
-        camera.enableStreaming(Utils::makeRefcounted<DepthConfiguration>(FrameFormat_QVGA, 60,
-                                                                         DepthNode::CameraMode_0, false, 0));
-        std::vector<std::uint16_t> frame(2 * 320 * 240);
-        std::int64_t micros = 0;
-        int bytes = 0;
-        camera.readBuffer(frame.data(), static_cast<int>(frame.size() * sizeof frame[0]), &micros, &bytes);
-        std::cout << Core::GUID_toString(guid) << ": " << bytes << " bytes at " << micros << " us\n";
-        camera.disableStreaming(false);
-        camera.close();
-        break;
+    try {
+        Cameras cameras;
+        Camera camera = cameras.open(); // or of a name: cameras.open("SIM0570")
+        Stream depth = camera.stream(Kind::Depth);
+        for (int count = 0; count < 10; ++count) {
+            const auto frame = depth.next(std::chrono::seconds(2)).value();
+            std::cout << frame.number() << ": " << frame.bytes().size() << " bytes at "
+                      << frame.deviceMicros() << " us, "
+                      << frame.metres(frame.width() / 2, frame.height() / 2) << " m in the middle\n";
+        }
+        return 0;
+    } catch (const Failure& failure) { // says what is missing where there is no camera, or no plug-in
+        std::cerr << failure.what() << '\n' << failure.remedy() << '\n';
+        return failure.code();
     }
-    manager->release();
 }

@@ -24,13 +24,15 @@ run("configuring the client" ${CMAKE_COMMAND} -G Ninja -S ${SOURCE_DIR}/examples
 run("building the client" ${CMAKE_COMMAND} --build ${work}/client)
 
 # Beside the library, so that Windows finds the DLLs.
-file(COPY ${work}/client/host${suffix} DESTINATION ${prefix}/bin)
-run("running the client" ${CMAKE_COMMAND} -E env ZENTARASDK_ROOT=${prefix}/ LD_LIBRARY_PATH=${prefix}/${LIBDIR}
-    ${EMULATOR} ${prefix}/bin/host${suffix})
-if(NOT output MATCHES "[1-9][0-9]* bytes")
-    message(FATAL_ERROR "the client read no frame:\n${output}")
-endif()
-message(STATUS "the client: ${output}")
+foreach(client host contract)
+    file(COPY ${work}/client/${client}${suffix} DESTINATION ${prefix}/bin)
+    run("running the client" ${CMAKE_COMMAND} -E env ZENTARASDK_ROOT=${prefix}/ LD_LIBRARY_PATH=${prefix}/${LIBDIR}
+        ${EMULATOR} ${prefix}/bin/${client}${suffix})
+    if(NOT output MATCHES "[1-9][0-9]* bytes")
+        message(FATAL_ERROR "the client read no frame:\n${output}")
+    endif()
+    message(STATUS "the client: ${output}")
+endforeach()
 
 # A plug-in from nothing passes the scan.
 run("configuring the plug-in" ${CMAKE_COMMAND} -G Ninja -S ${SOURCE_DIR}/examples/minimal_plugin -B ${work}/plugin
@@ -63,7 +65,7 @@ if(NOT TOOLCHAIN)
 
     find_program(PKG_CONFIG pkg-config REQUIRED)
     run("asking pkg-config" ${CMAKE_COMMAND} -E env PKG_CONFIG_PATH=${prefix}/${LIBDIR}/pkgconfig
-        ${PKG_CONFIG} --cflags --libs zentara-plugins)
+        ${PKG_CONFIG} --cflags --libs zentara-host)
     separate_arguments(flags UNIX_COMMAND "${output}")
     run("building the client with pkg-config's flags" ${CXX_COMPILER} ${SOURCE_DIR}/examples/host/main.cpp
         ${flags} -o ${work}/host-by-pkg-config)
