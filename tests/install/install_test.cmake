@@ -34,6 +34,18 @@ foreach(client host contract)
     message(STATUS "the client: ${output}")
 endforeach()
 
+# Another one makes a point cloud through the host library.
+run("configuring the cloud's client" ${CMAKE_COMMAND} -G Ninja -S ${SOURCE_DIR}/examples/point_cloud -B ${work}/cloud
+    ${options})
+run("building the cloud's client" ${CMAKE_COMMAND} --build ${work}/cloud)
+file(COPY ${work}/cloud/point_cloud${suffix} DESTINATION ${prefix}/bin)
+run("making a cloud" ${CMAKE_COMMAND} -E env ZENTARASDK_ROOT=${prefix}/ LD_LIBRARY_PATH=${prefix}/${LIBDIR}
+    ${EMULATOR} ${prefix}/bin/point_cloud${suffix} ${work}/cloud.ply)
+file(SIZE ${work}/cloud.ply cloud_bytes)
+if(NOT output MATCHES "[1-9][0-9]* points" OR cloud_bytes LESS 100000)
+    message(FATAL_ERROR "the client made no cloud:\n${output}")
+endif()
+
 # A plug-in from nothing passes the scan.
 run("configuring the plug-in" ${CMAKE_COMMAND} -G Ninja -S ${SOURCE_DIR}/examples/minimal_plugin -B ${work}/plugin
     ${options})
