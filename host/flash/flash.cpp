@@ -53,6 +53,9 @@ std::string Flash::apply(const FlashChange& change, const ApplyOptions& options,
     const std::uint64_t all = written + change.after.bytes().size();
     if (progress && !progress(0, all))
         throw Failure(Failure::Interrupted, "interrupted; nothing was changed");
+    if (!target->isWrittenInPlace() && target->load({}, "").bytes() != change.before.bytes())
+        throw Failure(Failure::Busy,
+                      name() + " is not as it was when the change was planned; nothing was written");
     std::string kept;
     if (options.keeps && !isErased(change.before)) {
         kept = options.backup.empty() ? freeBackupName(target->backupStem()) : options.backup;

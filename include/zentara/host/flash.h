@@ -45,13 +45,15 @@ struct FlashOptions {
 
 /// How far a change may go; all that it does not ask for is refused.
 struct ChangeOptions {
-    bool formats = false; ///< a flash that holds no storage is formatted first
-    bool rebuild =
-        false; ///< write the whole content into a freshly formatted image; what cannot be read is given up
-    bool otherCamera =
-        false; ///< even where only another camera can have it: another GUID, of a restore another serial
-               ///< number or other read-only sections
-    bool damaged = false; ///< of a restore: even if something is wrong with the backup
+    /// A flash that holds no storage is formatted first.
+    bool formats = false;
+    /// Write the whole content into a freshly formatted image; what cannot be read is given up.
+    bool rebuild = false;
+    /// Even where only another camera can have it: another GUID, of a restore another serial number or other read-only
+    /// sections.
+    bool otherCamera = false;
+    /// Of a restore: even if something is wrong with the backup.
+    bool damaged = false;
 };
 
 /// All bytes of a file that is to go into a flash, or is one. \param mayBePipe  whether a pipe will do
@@ -175,8 +177,8 @@ public:
                                           const ChangeOptions& options = {}) const;
 
     /// Makes a planned change: keeps the bytes of before in a file, makes the writes in their order, each read back and
-    /// compared, and reads everything once more. A file gets the change in one step, after it was seen that nobody has
-    /// changed it meanwhile.
+    /// compared, and reads everything once more. A file gets the change in one step, after it was seen that it is
+    /// still as it was when the change was planned.
     /// \param progress  in bytes, those that are written and those that are read once more. False before the first byte
     /// leaves everything as it was; later it is heeded when all is written, before all is read once more
     /// \return the file with the bytes of before; empty where the flash was erased, or the change has no writes

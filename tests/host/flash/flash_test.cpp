@@ -78,6 +78,8 @@ TEST_F(FlashTest, PlansAChangeAndRefusesWhatWouldCostANeighbour) {
     const std::string kept = flash.apply(
         rebuilt, {.backup = directory.path("b"), .kept = [&](const std::string& file) { told = file; }});
     EXPECT_EQ(told, kept);
+    EXPECT_EQ(endOf([&] { flash.apply(rebuilt, noBackup); }), Failure::Busy)
+        << "it was planned from other bytes";
     EXPECT_EQ(contentOf(flash.load()), wanted);
 
     wanted[2].setWritable(false);
@@ -91,11 +93,10 @@ TEST_F(FlashTest, PlansAChangeAndRefusesWhatWouldCostANeighbour) {
 
 TEST_F(FlashTest, EndsWhereTheProgressSays) {
     Flash flash = imageWithASection();
-    const FlashImage before = flash.load();
-    const FlashChange change = byteChange(before, 5000, 7);
     for (const std::uint64_t end : {std::uint64_t{0}, std::uint64_t{1}, std::uint64_t{4000}}) {
         SCOPED_TRACE(end);
         const auto until = [end](std::uint64_t done, std::uint64_t all) { return done < end && done <= all; };
+        const FlashChange change = byteChange(flash.load(), 5000, 7);
         EXPECT_EQ(endOf([&] { flash.apply(change, noBackup, until); }), Failure::Interrupted);
         EXPECT_EQ(Utils::readFile(image)[5000], end == 0 ? '\xFF' : '\x07') << "all of a change or nothing";
         EXPECT_EQ(endOf([&] { static_cast<void>(flash.load(until)); }), Failure::Interrupted);
