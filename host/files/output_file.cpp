@@ -77,7 +77,9 @@ OutputFile::OutputFile(std::string path, const Rules& rules)
     impl->right.reset(FileLock::create(impl->target, waitMilliseconds));
     if (!impl->right)
         failFile("write", name);
-    Utils::Platform::removeLeftParts(impl->target);
+    // Where no file is yet there may be no right to hold: what another program has written so far shows it.
+    if (Utils::Platform::removeLeftParts(impl->target) && !impl->right->found())
+        throw Failure(Failure::Busy, Format("cannot write '%': another program is writing it") % name);
     impl->part.reset(NewFile::create(impl->target, rules.like.empty() ? impl->target : rules.like));
     if (!impl->part)
         failFile("write", name);

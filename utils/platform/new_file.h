@@ -86,6 +86,7 @@ protected:
 };
 
 /// Removes what programs that were killed left beside a file. What is still being written stays.
-void removeLeftParts(const std::string& path);
+/// \return whether anything does.
+bool removeLeftParts(const std::string& path);
 
 } // namespace Zentara::Utils::Platform

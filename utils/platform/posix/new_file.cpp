@@ -275,7 +275,8 @@ bool NewFile::take(const std::string& path, bool replaces, unsigned long) {
     return true;
 }
 
-void removeLeftParts(const std::string& path) {
+bool removeLeftParts(const std::string& path) {
+    bool isWritten = false;
     const std::string directory = directoryOf(path);
     const std::unique_ptr<DIR, int (*)(DIR*)> list(opendir(directory.c_str()), closedir);
     while (const dirent* entry = list ? readdir(list.get()) : nullptr) {
@@ -284,10 +285,14 @@ void removeLeftParts(const std::string& path) {
         const std::string left = directory == "." ? entry->d_name : directory + entry->d_name;
         const Descriptor file(open(left.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
         struct stat there {};
-        if (file.isOpen() && fstat(file.get(), &there) == 0 && S_ISREG(there.st_mode) &&
-            flock(file.get(), LOCK_EX | LOCK_NB) == 0)
+        if (!file.isOpen() || fstat(file.get(), &there) != 0 || !S_ISREG(there.st_mode))
+            continue;
+        if (flock(file.get(), LOCK_EX | LOCK_NB) == 0)
             unlink(left.c_str());
+        else if (errno == EWOULDBLOCK && isAt(left, file.get()))
+            isWritten = true;
     }
+    return isWritten;
 }
 
 } // namespace Zentara::Utils::Platform

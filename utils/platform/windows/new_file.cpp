@@ -259,7 +259,7 @@ bool NewFile::take(const std::string& path, bool replaces, unsigned long millise
     }
 }
 
-void removeLeftParts(const std::string& path) {
+bool removeLeftParts(const std::string& path) {
     const std::size_t separator = path.find_last_of("/\\");
     const std::wstring directory =
         utf8ToWideOrWidened(separator == std::string::npos ? "" : path.substr(0, separator + 1));
@@ -267,13 +267,16 @@ void removeLeftParts(const std::string& path) {
     WIN32_FIND_DATAW entry{};
     HANDLE search = FindFirstFileW(pattern.c_str(), &entry);
     if (search == INVALID_HANDLE_VALUE)
-        return;
+        return false;
+    bool isWritten = false;
     do {
         if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0 &&
-            PartName::isOf(path, wideToUtf8OrNarrowed(entry.cFileName)))
-            DeleteFileW((directory + entry.cFileName).c_str()); // one that is being written cannot be
+            PartName::isOf(path, wideToUtf8OrNarrowed(entry.cFileName)) &&
+            DeleteFileW((directory + entry.cFileName).c_str()) == 0) // one that is being written cannot be
+            isWritten = isWritten || GetLastError() == ERROR_SHARING_VIOLATION;
     } while (FindNextFileW(search, &entry) != 0);
     FindClose(search);
+    return isWritten;
 }
 
 } // namespace Zentara::Utils::Platform
