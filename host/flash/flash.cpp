@@ -1,11 +1,12 @@
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 #include <zentara/utils/format.h>
 
-#include "host/files/paths.h"
 #include "host/flash/backup.h"
 #include "host/flash/flash_target.h"
+#include "utils/platform/new_file.h"
 
 namespace Zentara::Host {
 namespace {
@@ -13,6 +14,20 @@ namespace {
 void checkApart(const Flash::Target& source, const std::string& path) {
     if (source.isAt(path))
         throw Failure(Failure::Usage, "'" + path + "' is the image itself: name another file");
+}
+
+/// A file that lacks its name only; null where one with these bytes is there already.
+std::unique_ptr<OutputFile> written(const Flash::Target& source, const std::string& path,
+                                    const Bytes& bytes) {
+    checkApart(source, path);
+    const std::string wanted(bytes.begin(), bytes.end());
+    if (Utils::Platform::fileKind(path) == Utils::Platform::FileKind::Regular &&
+        readFlashFile(path) == wanted)
+        return nullptr;
+    const OutputFile::Rules rules{.ifThere = IfThere::Keep, .like = source.file()};
+    auto file = std::make_unique<OutputFile>(path, rules);
+    file->write(wanted);
+    return file;
 }
 
 /// Erased flash holds nothing to keep.
@@ -89,21 +104,19 @@ void Flash::save(const std::string& path, const std::string& bytes, const Output
 }
 
 void Flash::keep(const std::string& path, const Bytes& bytes) const {
-    checkApart(*target, path);
-    const std::string wanted(bytes.begin(), bytes.end());
-    if (isThere(path) && !isDirectory(path) && readFlashFile(path) == wanted)
-        return;
-    OutputFile file(path, {.ifThere = IfThere::Keep, .like = target->file()});
-    file.write(wanted);
-    file.commit();
+    if (const auto file = written(*target, path, bytes))
+        file->commit();
 }
 
 void Flash::backup(const std::string& path, const FlashImage& image) const {
+    std::unique_ptr<OutputFile> note; // of a backup that cannot be made it would tell of another one
     if (const auto& owner = target->owner; owner && !owner->serial.empty()) {
-        const std::string note = backupNote(*owner, image.area());
-        keep(backupNoteOf(path), Bytes(note.begin(), note.end()));
+        const std::string text = backupNote(*owner, image.area());
+        note = written(*target, backupNoteOf(path), Bytes(text.begin(), text.end()));
     }
     keep(path, image.bytes());
+    if (note)
+        note->commit();
 }
 
 } // namespace Zentara::Host

@@ -129,11 +129,12 @@ TEST_F(FlashTest, NoticesThatAnotherProgramChangedTheFile) {
 
 TEST_F(FlashTest, LiesOnACameraWhereItsDescriptionSays) {
     Flash flash = Cameras().open("SIM0345").flash();
-    EXPECT_EQ(flash.name(), "the camera SIM0345 (VC0345)");
     const FlashImage before = flash.load();
     EXPECT_EQ(before.area().size, 0x4000U);
-    EXPECT_EQ(correctionsOf(contentOf(before)).at(0).tables.size(), 2U);
     EXPECT_EQ(endOf([&] { flash.apply(byteChange(before, 9000, 1), noBackup); }), Failure::Usage);
+    Utils::writeFile(image, "another camera's");
+    EXPECT_EQ(endOf([&] { flash.backup(image, before); }), Failure::Failed);
+    EXPECT_FALSE(std::filesystem::exists(image + ".json")) << "it would say whose the other one is";
 }
 
 /// The second process of the tests below: the same program, with one of these tests.
