@@ -126,11 +126,20 @@ bool asksForJson(const std::vector<std::string>& arguments) {
     });
 }
 
+/// A program that did all is not done while nobody has its output.
+ExitCode endOfOutput(ExitCode code, Console& console) {
+    console.out.flush();
+    if (code != Failure::None || console.out)
+        return code;
+    tellLine(console.err, "zentara: cannot write to standard output");
+    return Failure::Failed;
+}
+
 /// Help and version end the parse as well; they are no errors and go to standard output.
 ExitCode endOfParse(const CLI::App& program, const CLI::ParseError& reason, Console& console) {
     if (reason.get_exit_code() == 0) {
         static_cast<void>(program.exit(reason, console.out, console.err));
-        return Failure::None;
+        return endOfOutput(Failure::None, console);
     }
     const std::string what = reason.what();
     const bool verbMissing = what == "A subcommand is required";
@@ -183,13 +192,7 @@ int runTool(std::vector<std::string> arguments, Console& console) {
     useProgramRoot();
     const auto chosen =
         std::find_if(verbs.begin(), verbs.end(), [](const Verb& verb) { return verb.command->parsed(); });
-    const ExitCode code = runVerb(*chosen, console);
-    console.out.flush();
-    if (code == Failure::None && !console.out) {
-        tellLine(console.err, "zentara: cannot write to standard output");
-        return Failure::Failed;
-    }
-    return code;
+    return endOfOutput(runVerb(*chosen, console), console);
 }
 
 } // namespace Zentara::Tool

@@ -395,7 +395,8 @@ TEST_F(Cameras, EndWithAWordWhateverComesFromOutside) {
 
 TEST_F(Cameras, StopWatchingWhenNobodyReads) {
     plug(left);
-    for (const auto& arguments : {std::vector<std::string>{"devices", "--watch"}, {"sensors", "--watch"}}) {
+    for (const auto& arguments :
+         {std::vector<std::string>{"--help"}, {"devices", "--watch"}, {"sensors", "--watch"}}) {
         std::ostringstream out;
         std::ostringstream err;
         out.setstate(std::ios::badbit);
