@@ -4,7 +4,6 @@
 
 #include <zentara/utils/files.h>
 
-#include "plugins/simulated/faults.h"
 #include "support/failure.h"
 #include "support/simulated_faults.h"
 #include "support/temporary_directory.h"
@@ -17,34 +16,6 @@ using testing::HasSubstr;
 std::string complaint(const std::string& text) {
     return TestSupport::messageOf<Plugin::ConfigurationPluginException>(
         [&] { (void)Settings::parse(text, "faults.txt"); });
-}
-
-TEST(Settings, FaultsHappenAtTheirCallAndNoOther) {
-    Faults faults(Settings::parse("# a camera that is tired\r\n\n"
-                                  "seed 7   # lucky\n"
-                                  "throw timeout at video.readBuffer after 1 times 2 saying no light here\n"
-                                  "\tthrow foreign at open\n"
-                                  "hang 250 at audio.close\n"
-                                  "transfer 2 hang 90\n"
-                                  "transfer 3 late",
-                                  "faults.txt"),
-                  Device::Video);
-    const auto happens = [&](Operation operation) {
-        const auto fault = faults.due(operation);
-        return fault ? std::to_string(static_cast<int>(fault->kind)) + " " +
-                           std::to_string(fault->milliseconds) + " " + fault->message
-                     : "no";
-    };
-    EXPECT_EQ(happens(Operation::ReadBuffer), "no");
-    EXPECT_EQ(happens(Operation::ReadBuffer), "0 0 no light here");
-    EXPECT_EQ(happens(Operation::ReadBuffer), "0 0 no light here");
-    EXPECT_EQ(happens(Operation::ReadBuffer), "no");
-    EXPECT_EQ(happens(Operation::Open), "1 0 ");
-    EXPECT_EQ(happens(Operation::Close), "no") << "it is the audio device's";
-    EXPECT_EQ(happens(Operation::Transfer), "no");
-    EXPECT_EQ(happens(Operation::Transfer), "2 90 ");
-    EXPECT_EQ(happens(Operation::Transfer), "4 10000 ");
-    EXPECT_EQ(happens(Operation::Transfer), "no");
 }
 
 TEST(Settings, SaysWhatIsWrongAndInWhichLine) {
@@ -74,14 +45,14 @@ TEST(Settings, ComeFromTheEnvironmentOrTheFileItNames) {
     }
     const TestSupport::TemporaryDirectory directory;
     const std::string path = directory.path("faults.txt");
-    Utils::writeFile(path, "seed 9\nhang 1 at open; throw\n");
+    Utils::writeFile(path, "# tired\r\n\nseed 9 # lucky\n\thang 1 at open; throw\n");
     const auto complains = [](const std::string& text) {
         return testing::Throws<Plugin::ConfigurationPluginException>(
             testing::Property(&Plugin::PluginException::message, HasSubstr(text)));
     };
     const TestSupport::SimulatedFaults set("@" + path);
     EXPECT_THAT([] { (void)Settings::fromEnvironment(); },
-                complains(path + ", line 2: unknown operation 'open;'"));
+                complains(path + ", line 4: unknown operation 'open;'"));
     const TestSupport::SimulatedFaults missing("@" + directory.path("nowhere.txt"));
     EXPECT_THAT([] { (void)Settings::fromEnvironment(); }, complains("nowhere.txt"));
 }

@@ -1,7 +1,5 @@
 #include <cstdlib>
-#include <deque>
 #include <filesystem>
-#include <functional>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -10,6 +8,7 @@
 
 #include "support/camera_bus.h"
 #include "support/scoped_variable.h"
+#include "tools/progress_buffer.h"
 #include "tools/tool_fixture.h"
 #include "tools/zentara/verb.h"
 
@@ -19,7 +18,6 @@ namespace {
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
-using testing::UnorderedElementsAre;
 
 constexpr const char* left = R"({"model": "ZS570", "serialNumber": "LEFT"})";
 constexpr const char* right = R"({"model": "ZS345", "serialNumber": "RIGHT"})";
@@ -34,43 +32,6 @@ protected:
 
 private:
     TestSupport::CameraBus bus;
-};
-
-/// What the tool shows of its progress; does things, each once and in order, when that says so.
-class ProgressBuffer final : public std::stringbuf {
-public:
-    /// When the first camera has delivered so many frames.
-    void atFrame(unsigned frames, std::function<void()> action) {
-        steps.push_back({[frames](const std::string& shown) { return framesIn(shown) >= frames; }, action});
-    }
-    /// When these words have been shown.
-    void after(const std::string& words, std::function<void()> action) {
-        steps.push_back(
-            {[words](const std::string& shown) { return shown.find(words) != std::string::npos; }, action});
-    }
-
-protected:
-    int sync() override {
-        while (!steps.empty() && steps.front().due(str())) {
-            steps.front().action();
-            steps.pop_front();
-        }
-        return std::stringbuf::sync();
-    }
-
-private:
-    struct Step {
-        std::function<bool(const std::string&)> due;
-        std::function<void()> action;
-    };
-
-    static unsigned long framesIn(const std::string& shown) {
-        const std::size_t digit = shown.find_first_of("0123456789", shown.rfind('\r'));
-        const bool counts = digit != std::string::npos && digit > 0 && shown[digit - 1] == '\r';
-        return counts ? std::stoul(shown.substr(digit)) : 0;
-    }
-
-    std::deque<Step> steps;
 };
 
 TEST_F(Cameras, AreListed) {

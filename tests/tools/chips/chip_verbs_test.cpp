@@ -16,7 +16,6 @@ namespace {
 using Simulated::Bytes;
 using Simulated::factoryFlash;
 using Simulated::patternFlash;
-using testing::ElementsAre;
 using testing::HasSubstr;
 using TestSupport::SimulatedFaults;
 

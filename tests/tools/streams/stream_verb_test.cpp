@@ -13,6 +13,7 @@
 #include "plugins/descriptions/wire.h"
 #include "support/program.h"
 #include "support/simulated_faults.h"
+#include "tools/progress_buffer.h"
 #include "tools/tool_fixture.h"
 #include "tools/zentara/verb.h"
 
@@ -237,24 +238,10 @@ TEST_F(StreamVerb, WantsTheStreamsThatFilesAreNamedFor) {
     }
 }
 
-/// Presses Ctrl-C once, when the first frames are reported.
-class InterruptingBuffer final : public std::stringbuf {
-protected:
-    int sync() override {
-        if (!pressed && str().find("\r5 ") != std::string::npos) {
-            pressed = true;
-            std::raise(SIGINT);
-        }
-        return std::stringbuf::sync();
-    }
-
-private:
-    bool pressed = false;
-};
-
 TEST_F(StreamVerb, EndsInOrderWhenInterrupted) {
     const SimulatedFaults slow("hang 100 at video.readBuffer"); // every count of frames is reported then
-    InterruptingBuffer buffer;
+    ProgressBuffer buffer;
+    buffer.atFrame(5, [] { std::raise(SIGINT); });
     std::ostringstream out;
     std::ostream err(&buffer);
     Console console{out, err, true};
