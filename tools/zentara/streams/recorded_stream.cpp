@@ -34,6 +34,10 @@ StreamDescription playedStream(const StreamInfo& info) {
     stream.node.name = info.camera.name;
     stream.node.serialNumber = info.camera.serial;
     stream.node.parentPath = info.camera.path;
+    for (const auto& node : info.camera.nodes) {
+        if (node.kind == mode.kind)
+            stream.node.name = node.name;
+    }
     switch (mode.kind) {
     case Kind::Depth:
         stream.node.nodeType = NodeType_DEPTH;
