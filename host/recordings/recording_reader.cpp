@@ -11,6 +11,7 @@
 #include <zentara/utils/exceptions.h>
 #include <zentara/utils/format.h>
 
+#include "host/files/file_failure.h"
 #include "host/files/paths.h"
 #include "host/recordings/recording_format.h"
 #include "host/recordings/stream_chunk.h"
@@ -53,7 +54,7 @@ RecordingReader::RecordingReader(std::unique_ptr<std::istream> bytes, const std:
     in->seekg(0, std::ios::end);
     const auto end = *in ? static_cast<std::streamoff>(in->tellg()) : std::streamoff{-1};
     if (end < 0)
-        throw Failure(Failure::Failed, Utils::formatLastError(Format("cannot read recording '%'") % path));
+        failFile("read recording", path);
     size = static_cast<std::uint64_t>(end);
     in->seekg(0);
     readHeader();

@@ -68,7 +68,7 @@ class ZENTARA_HOST_API Recording final {
 public:
     /// Reads the descriptions of the streams. \param path UTF-8
     /// \throws Failure (Failed) when the file cannot be read, is no recording, is of a version that is not known, or
-    ///         damaged
+    ///         damaged; (Permission) or (Busy) when that is why it cannot be read
     explicit Recording(const std::string& path);
     Recording(Recording&&) noexcept;
     Recording& operator=(Recording&&) noexcept;

@@ -330,7 +330,8 @@ TEST_F(Cameras, EndWithAWordWhateverComesFromOutside) {
         {R"(chmod 777 "$D/image"; chmod 755 "$D"; )" + std::string(asNobody) + changeImage, "5",
          "Permission denied"},
         {R"(cp "$ZENTARA_SIMULATED_CAMERAS" "$D/secret"; chmod 0 "$D/secret"; )" + std::string(asNobody) +
-             tool + "rom list \"$D/secret\"",
+             tool + "rom list \"$D/secret\"; [ $? = 5 ] && " + asNobody + tool +
+             "stream --play \"$D/secret\"",
          "5", "Permission denied"},
         {hang + "timeout --preserve-status --foreground -s TERM 1 " + tool + "--patience 60 stream --direct",
          "130", "interrupted while it was to open MOCKVIDEODEVICE_IMPL"},
