@@ -11,6 +11,7 @@
 
 #include "host/files/paths.h"
 #include "tools/zentara/exit_code.h"
+#include "utils/platform/new_file.h"
 #include "utils/visible_text.h"
 
 namespace Zentara::Tool {
@@ -89,7 +90,8 @@ bool isRefused(const fs::path& entry, const std::string& path, RefusedFile& refu
         refused = refusedKind(path, status.type());
     else if (!hasPluginEnding(entry))
         refused = refusedEnding(path, entry);
-    else if (!std::ifstream(entry))
+    else if (!std::ifstream(entry) &&
+             Utils::Platform::lastFileTrouble() == Utils::Platform::FileTrouble::Permission)
         refused = {path,
                    "open",
                    "may not be read",
