@@ -37,19 +37,21 @@ void ToolTest::copyMisbehaving(const std::string& behaviour, const std::string& 
     Utils::writeFile(path("bin/Plugins/" + file), bytes);
 }
 
-ToolRun ToolTest::runBuilt(const std::string& arguments) const {
+ToolRun ToolTest::runBuilt(const std::string& arguments, const std::string& input) const {
     const std::string name = testing::UnitTest::GetInstance()->current_test_info()->name();
     const std::string base = (Tests::programDirectory() / ("tools_tests_" + name)).string();
     ToolRun result;
+    Utils::writeFile(base + ".in", input);
     // Windows is handed commands in a code page that lacks most letters; from the environment it takes all of them.
     const TestSupport::ScopedVariable words("ZENTARA_TEST_WORDS", arguments + ' ');
     const bool isHanded = std::filesystem::path::preferred_separator != '\\';
-    result.exitCode = Tests::runProgram("zentara", (isHanded ? arguments : "%ZENTARA_TEST_WORDS%") + " > \"" +
-                                                       base + ".out\" 2> \"" + base + ".err\"");
+    result.exitCode =
+        Tests::runProgram("zentara", (isHanded ? arguments : "%ZENTARA_TEST_WORDS%") + " < \"" + base +
+                                         ".in\" > \"" + base + ".out\" 2> \"" + base + ".err\"");
     result.out = Utils::readFile(base + ".out");
     result.err = Utils::readFile(base + ".err");
-    std::filesystem::remove(base + ".out");
-    std::filesystem::remove(base + ".err");
+    for (const char* ending : {".in", ".out", ".err"})
+        std::filesystem::remove(base + ending);
     return result;
 }
 

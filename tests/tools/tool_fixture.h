@@ -27,8 +27,8 @@ protected:
     /// In this process.
     static ToolRun run(const std::vector<std::string>& arguments);
 
-    /// The built program. \param arguments plain words between blanks.
-    ToolRun runBuilt(const std::string& arguments) const;
+    /// The built program. \param arguments plain words between blanks. \param input its standard input
+    ToolRun runBuilt(const std::string& arguments, const std::string& input = {}) const;
 
     [[nodiscard]] static std::filesystem::path builtTool();
 
