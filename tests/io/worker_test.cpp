@@ -313,6 +313,7 @@ TEST_F(WorkerTest, AnAcceptedCancelIsWaitedFor) {
 
 // Kept so: the device is asked with the request locked.
 TEST_F(WorkerTest, TheRequestIsLockedWhileItsDeviceIsAskedToCancel) {
+    tuning.set(patience, 60000, 10);
     Gate gate;
     deviceRequest* held = nullptr;
     script.onCall = [&](int, deviceRequest* request) {
@@ -320,21 +321,15 @@ TEST_F(WorkerTest, TheRequestIsLockedWhileItsDeviceIsAskedToCancel) {
         request->setIOPending(true);
         gate.pass();
     };
-    std::atomic<bool> asking = false;
+    Signal locked;
     std::thread locker;
     script.onCancel = [&] {
-        asking = true;
-        Signal trying;
         locker = std::thread([&] {
-            trying.set();
             held->lock();
-            EXPECT_FALSE(asking);
+            locked.set();
             held->unlock();
         });
-        trying.wait();
-        for (int i = 0; i < 1000; ++i)
-            std::this_thread::yield();
-        asking = false;
+        EXPECT_EQ(-1, locked.timedWait(20));
         return true;
     };
     std::thread caller([&] { EXPECT_EQ(done, outcome([&] { proxy->open(); })); });
