@@ -1,6 +1,7 @@
 #include "host/flash/backup.h"
 
 #include <chrono>
+#include <string_view>
 
 #include <zentara/utils/format.h>
 #include <zentara/version.h>
@@ -8,6 +9,7 @@
 #include "host/files/paths.h"
 #include "host/flash/flash_target.h"
 #include "host/json_place.h"
+#include "utils/platform/part_name.h"
 
 namespace Zentara::Host {
 namespace {
@@ -16,6 +18,9 @@ using Utils::Format;
 
 /// Raised when a key of the file beside a backup is renamed, removed or changes its meaning.
 constexpr int noteSchema = 3;
+
+/// What is added to a name, at most; the last is that of the file beside it.
+constexpr std::string_view longestEnding = ".20261121-091500-9999.bak.json";
 
 /// "20261121-091500", in UTC.
 std::string timeText() {
@@ -37,11 +42,13 @@ std::string sdkVersion() {
 }
 
 std::string freeBackupName(const std::string& stem) {
-    const std::string base = stem + "." + timeText();
-    std::string name = base + ".bak";
-    for (int i = 2; isThere(name); ++i)
-        name = base + "-" + std::to_string(i) + ".bak";
-    return name;
+    namespace Name = Utils::Platform::PartName;
+    const std::string_view name = Name::stemOf(stem, Name::longestName - longestEnding.size());
+    const std::string base = stem.substr(0, Name::nameBegin(stem)).append(name) + "." + timeText();
+    std::string free = base + ".bak";
+    for (int i = 2; isThere(free); ++i)
+        free = base + "-" + std::to_string(i) + ".bak";
+    return free;
 }
 
 std::string backupNote(const CameraInfo& owner, const FlashArea& area) {

@@ -9,7 +9,7 @@ namespace Zentara::Host {
 /// "1.4.5": what wrote a backup.
 [[nodiscard]] std::string sdkVersion();
 
-/// A name for a backup that nothing has yet, with the time; who comes first keeps it.
+/// A name for a backup that nothing has yet, with the time; who comes first keeps it. A stem too long for it is cut.
 [[nodiscard]] std::string freeBackupName(const std::string& stem);
 
 /// What the file beside a backup says: whose it is, and which SDK read it.

@@ -20,12 +20,12 @@ inline std::size_t nameBegin(const std::string& path) {
     return separator == std::string::npos ? 0 : separator + 1;
 }
 
-/// Whole characters of UTF-8.
-inline std::string_view stemOf(const std::string& path) {
+/// As much of a file's name as fits: whole characters of UTF-8.
+inline std::string_view stemOf(const std::string& path, std::size_t longest = longestStem) {
     const std::string_view name = std::string_view(path).substr(nameBegin(path));
-    if (name.size() <= longestStem)
+    if (name.size() <= longest)
         return name;
-    std::size_t end = longestStem;
+    std::size_t end = longest;
     while (end > 0 && (static_cast<unsigned char>(name[end]) & 0xC0U) == 0x80U)
         --end;
     return name.substr(0, end);

@@ -11,6 +11,7 @@
 #include <zentara/utils/exceptions.h>
 #include <zentara/utils/files.h>
 
+#include "host/flash/backup.h"
 #include "support/program.h"
 #include "support/scoped_variable.h"
 #include "support/temporary_directory.h"
@@ -80,6 +81,7 @@ TEST_F(FlashTest, PlansAChangeAndRefusesWhatWouldCostANeighbour) {
     EXPECT_EQ(told, kept);
     EXPECT_EQ(endOf([&] { flash.apply(rebuilt, noBackup); }), Failure::Busy)
         << "it was planned from other bytes";
+    EXPECT_LE(backupNoteOf(freeBackupName("d/" + std::string(255, 'n'))).size(), 2U + 255U);
     EXPECT_EQ(contentOf(flash.load()), wanted);
 
     wanted[2].setWritable(false);
