@@ -103,12 +103,14 @@ void Supervisor::endProcess(const Host::Failure& why) {
     }
     if (ToolLog* log = ToolLog::current())
         log->show();
-    if (steps.empty())
-        say(why.what()); // the console may be in use
-    else
-        tellFailure(console, why);
-    if (!steps.empty())
+    if (steps.empty()) { // the console may be in use
+        say(why.what());
+        for (const std::string& line : halfDone)
+            say("  " + line);
+    } else {
+        tellFailure(console, {why.code(), why.message(), why.cause(), why.remedy(), halfDone});
         console.out.flush();
+    }
     std::fflush(nullptr);
     std::_Exit(why.code());
 }
@@ -158,6 +160,20 @@ Rescue::~Rescue() {
         return;
     AutoLock hold(supervisor->lock);
     supervisor->rescue = nullptr;
+}
+
+HalfDone::HalfDone(std::vector<std::string> lines) : supervisor(own) {
+    if (supervisor == nullptr)
+        return;
+    AutoLock hold(supervisor->lock);
+    supervisor->halfDone = std::move(lines);
+}
+
+HalfDone::~HalfDone() {
+    if (supervisor == nullptr)
+        return;
+    AutoLock hold(supervisor->lock);
+    supervisor->halfDone.clear();
 }
 
 } // namespace Zentara::Tool

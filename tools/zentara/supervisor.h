@@ -19,8 +19,9 @@ struct Console;
 
 /// Ends the process when the thread that made it does not come back: a call into a plug-in may hang, and nobody else
 /// could end it then. It does so when one step has taken longer than it may, when Ctrl-C is pressed for the second time,
-/// and some time after the system's polite request to end. What hangs is said, what is whole is finished first, and the
-/// exit code is 7 or, if somebody asked for the end, 130. A first Ctrl-C that the work does not heed at once is shown.
+/// and some time after the system's polite request to end. What hangs is said, and what stands half done; what is whole
+/// is finished first, and the exit code is 7 or, if somebody asked for the end, 130. A first Ctrl-C that the work does
+/// not heed at once is shown.
 /// One at a time.
 class Supervisor final : public Host::StepWatcher, private Utils::Threading::Runnable {
 public:
@@ -38,6 +39,7 @@ public:
 
 private:
     friend class Rescue;
+    friend class HalfDone;
 
     /// A step that may hang, and where the log stood when it began.
     struct Begun {
@@ -59,6 +61,7 @@ private:
     std::vector<Begun> steps ZENTARA_GUARDED_BY(lock); ///< the outermost first
     std::int64_t since ZENTARA_GUARDED_BY(lock) = 0;   ///< when a step began or ended last
     std::function<void()> rescue ZENTARA_GUARDED_BY(lock);
+    std::vector<std::string> halfDone ZENTARA_GUARDED_BY(lock);
     std::int64_t interruptedAt ZENTARA_GUARDED_BY(lock) = 0;
     bool shown ZENTARA_GUARDED_BY(lock) = false;
     Utils::Threading::Thread thread;
@@ -72,6 +75,19 @@ public:
     ~Rescue();
     Rescue(const Rescue&) = delete;
     Rescue& operator=(const Rescue&) = delete;
+
+private:
+    Supervisor* const supervisor;
+};
+
+/// What is said when the process is ended within one scope: what stands half done where, and the way back. One at a
+/// time.
+class HalfDone final {
+public:
+    explicit HalfDone(std::vector<std::string> lines);
+    ~HalfDone();
+    HalfDone(const HalfDone&) = delete;
+    HalfDone& operator=(const HalfDone&) = delete;
 
 private:
     Supervisor* const supervisor;

@@ -1,5 +1,7 @@
 #include <memory>
 #include <sstream>
+#include <string>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
@@ -11,6 +13,9 @@
 #include "tools/zentara/cameras/camera_json.h"
 #include "tools/zentara/cameras/camera_session.h"
 #include "tools/zentara/cameras/stored_document.h"
+#include "tools/zentara/interrupt.h"
+#include "tools/zentara/supervisor.h"
+#include "utils/platform/program.h"
 
 namespace Zentara::Tool {
 namespace {
@@ -64,17 +69,30 @@ ExitCode runExport(const CalibrationOptions& options, Console& console) {
     });
 }
 
+/// Where the calibration of before is, and in a line of its own the command that brings it back.
+std::vector<std::string> wayBack(const CameraSession& session, const std::string& backup) {
+    const auto word = [](const std::string& text) {
+        return Utils::Platform::shellWord(text.front() == '-' ? "./" + text : text);
+    };
+    const std::string serial = session.camera().info().serial;
+    return {"the calibration of before is in '" + backup + "'; this puts it back:",
+            "zentara calibration import " + word(backup) +
+                (serial.empty() ? "" : " --camera " + Utils::Platform::shellWord(serial)) + " --yes"};
+}
+
 /// Saves what the camera has, writes the new calibration and reads it back.
 void replaceCalibration(CameraSession& session, const CalibrationInternal& before,
                         const CalibrationInternal& wanted, const std::string& backup) {
     if (isThere(backup))
         throw Failure(Failure::Usage, "'" + backup + "' is there already; name another file with --backup");
     writeJsonFile(backup, calibrationDocument(session.camera().info(), before), {.ifThere = IfThere::Keep});
+    const std::vector<std::string> back = wayBack(session, backup);
+    const InterruptWatch untilItIsWritten; // half of a change is worse than a late end
+    const HalfDone halfDone(back);
     try {
         session.camera().writeCalibration(wanted);
     } catch (const Failure& failure) {
-        throw Failure(failure.code(), failure.message(),
-                      failure.cause() + "; '" + backup + "' has the one before", failure.remedy());
+        throw Failure(failure.code(), failure.message(), failure.cause(), failure.remedy(), back);
     }
 }
 

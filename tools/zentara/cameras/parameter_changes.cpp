@@ -1,12 +1,14 @@
 #include "tools/zentara/cameras/parameter_changes.h"
 
 #include <charconv>
+#include <optional>
 
 #include <zentara/utils/format.h>
 
 #include "host/json_fields.h"
 #include "tools/zentara/cameras/parameter_text.h"
 #include "tools/zentara/cameras/stored_document.h"
+#include "tools/zentara/supervisor.h"
 
 namespace Zentara::Tool {
 
@@ -78,6 +80,7 @@ void setOneByOne(const Camera& camera, const std::vector<std::pair<int, Paramete
     for (const auto& [number, value] : settings)
         camera.checkParameter(number, value);
     std::string done;
+    std::optional<HalfDone> halfDone;
     for (const auto& [number, value] : settings) {
         try {
             camera.setParameter(number, value);
@@ -86,6 +89,7 @@ void setOneByOne(const Camera& camera, const std::vector<std::pair<int, Paramete
                           failure.what() + (done.empty() ? "; nothing was set" : "; set before it: " + done));
         }
         done += (done.empty() ? "" : ", ") + std::to_string(number);
+        halfDone.emplace(std::vector<std::string>{"set before it: " + done});
     }
 }
 

@@ -11,6 +11,7 @@
 #include "tools/zentara/arguments.h"
 #include "tools/zentara/chips/chip_session.h"
 #include "tools/zentara/interrupt.h"
+#include "tools/zentara/supervisor.h"
 
 namespace Zentara::Tool {
 namespace {
@@ -77,6 +78,7 @@ ExitCode runDump(FirmwareOptions options, Console& console) {
     const InterruptWatch watch;
     // Reading takes minutes on a real camera: what cannot be written is told before.
     OutputFile file(options.file, forced(options.force));
+    const Rescue nothingLeft([&file] { file.discard(); });
     ChipSession session(options, console);
     Dump dump(session, options, console);
     if (!dump.read(watch))

@@ -1,9 +1,13 @@
 #include "tools/zentara/rom/rom_write.h"
 
+#include <optional>
+#include <utility>
+
 #include <CLI/CLI.hpp>
 
 #include <zentara/utils/format.h>
 
+#include "tools/zentara/supervisor.h"
 #include "utils/platform/program.h"
 
 namespace Zentara::Tool {
@@ -141,12 +145,16 @@ ExitCode makeChange(Flash& flash, const FlashChange& change, const WriteOptions&
     ApplyOptions how;
     how.backup = options.backup;
     std::vector<std::string> back;
+    std::optional<HalfDone> untilAllIsWritten;
     how.kept = [&](const std::string& file) {
         back = wayBack(flash, change, options, file);
         if (!flash.owner())
             return; // a file is as it was until all is written
         note(console, back.front());
         tellLine(console.err, "  " + back.back());
+        std::vector<std::string> lines{flash.name() + " may have a part of the change"};
+        lines.insert(lines.end(), back.begin(), back.end());
+        untilAllIsWritten.emplace(std::move(lines));
     };
     std::string kept;
     try {
@@ -155,6 +163,7 @@ ExitCode makeChange(Flash& flash, const FlashChange& change, const WriteOptions&
         throw Failure(failure.code(), failure.message(), failure.cause(), failure.remedy(),
                       failure.details().empty() ? failure.details() : back);
     }
+    untilAllIsWritten.reset();
     report(flash, change, options, kept, console);
     return Failure::None;
 }
