@@ -8,6 +8,7 @@
 #include "host/json_fields.h"
 #include "tools/zentara/cameras/parameter_text.h"
 #include "tools/zentara/cameras/stored_document.h"
+#include "tools/zentara/interrupt.h"
 #include "tools/zentara/supervisor.h"
 
 namespace Zentara::Tool {
@@ -80,6 +81,7 @@ void setOneByOne(const Camera& camera, const std::vector<std::pair<int, Paramete
     for (const auto& [number, value] : settings)
         camera.checkParameter(number, value);
     std::string done;
+    const InterruptWatch untilAllAreSet;
     std::optional<HalfDone> halfDone;
     for (const auto& [number, value] : settings) {
         try {
