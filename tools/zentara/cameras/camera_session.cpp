@@ -13,7 +13,7 @@ void addCameraName(CLI::App& command, std::string& name) {
     command
         .add_option("--camera", name,
                     "Which camera: its serial number, or a part of its name, its product's or its "
-                    "controller's; the first one unless given")
+                    "controller's; unless given the first one, or, to write to it, the only one")
         ->type_name("NAME")
         ->check(anyName("camera"));
 }

@@ -172,7 +172,7 @@ Verb addParamsVerb(CLI::App& program) {
     save->add_flag("--force", options->force, "Replace a file that is there already");
     addCameraOptions(*save, *options);
     CLI::App* load = command->add_subcommand("load", "Sets all parameters of such a file at once");
-    load->add_option("FILE", options->file, "The file")->required();
+    load->add_option("FILE", options->file, "The file; - for standard input")->required();
     load->add_flag("--dry-run", options->dryRun, "Only say what would change");
     addCameraOptions(*load, *options);
 

@@ -160,9 +160,9 @@ Verb addSensorsVerb(CLI::App& program) {
             ->group("Verbs");
     command->footer(
         "With --watch each reading is a line, or with --json an object on a line of its own; the plot is\n"
-        "written when the watching ends, be it by Ctrl-C or a failure. Sensors have the names of the "
-        "camera's\n"
-        "description, and the accelerometer is read where the description says that it is.");
+        "written when the watching ends, be it by Ctrl-C or a failure, and replaces a file that is there.\n"
+        "Sensors have the names of the camera's description, and the accelerometer is read where the\n"
+        "description says that it is.");
     addCameraOptions(*command, *options);
     CLI::Option* watch = command->add_flag("--watch", options->watch, "Read again and again, until Ctrl-C");
     command->add_option("--seconds", options->seconds, "Watch so long")

@@ -135,8 +135,9 @@ Verb addRomDiff(CLI::App& rom) {
     auto options = std::make_shared<DiffOptions>();
     CLI::App* command = rom.add_subcommand("diff", "Says what B holds other than A, value by value");
     addTargetOptions(*command, *options);
-    command->get_option("IMAGE")->required();
-    command->add_option("OTHER", options->other, "B: a file, or camera:CHIP")->required();
+    command->get_option("IMAGE")->required()->description(
+        "A: an image file, or camera:NAME with a name as --camera takes it");
+    command->add_option("OTHER", options->other, "B, named in the same way")->required();
     command->footer(
         "Exit code 0 when they hold the same, 1 when they differ, any other for a failure; 1 is one, too,\n"
         "where the reason stands on standard error.");

@@ -10,7 +10,7 @@ namespace Zentara::Tool {
 namespace {
 
 constexpr const char* footer =
-    R"(IMAGE is a file with the flash's bytes, or camera:CHIP; without it the camera is meant.
+    R"(IMAGE is a file with the flash's bytes, or camera:NAME; without it the camera is meant.
 
 Nothing is written before it was tried on a copy in memory and the copy was verified whole. A change
 that the format would let damage something else is refused with exit code 8; --rebuild writes the whole

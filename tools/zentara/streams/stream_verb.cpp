@@ -90,7 +90,8 @@ Verb addStreamVerb(CLI::App& program) {
         "serial number put before the ending: depth.SERIAL.png.\n"
         "\n"
         "A camera that fails does not stop the others. One that is pulled out goes on when it is back while\n"
-        "others stream, or within --wait. Ctrl-C ends the streams; the files then hold what had come.");
+        "others stream, or within --wait. Ctrl-C ends the streams; the files then hold what had come.\n"
+        "A file that is there already is replaced.");
     command
         ->add_option("--frames", options->frames,
                      "How many frames to take: 60 unless given, of a recording all")
