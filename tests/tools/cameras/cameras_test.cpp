@@ -392,8 +392,7 @@ TEST_F(Cameras, TakeTheirCalibrationFromAFile) {
     EXPECT_EQ(written.json().at("written"), true);
     EXPECT_EQ(written.json().at("lasts"), false);
     EXPECT_THAT(written.err, HasSubstr("only while this program runs"));
-    const ToolRun piped =
-        runBuilt("calibration import - --yes --camera LEFT", Utils::readFile(path("a.json")));
+    const ToolRun piped = runBuilt("calibration import - --camera LEFT", Utils::readFile(path("a.json")));
     EXPECT_THAT(piped.out, HasSubstr("has this calibration already")) << piped.err;
     EXPECT_EQ(run({"calibration", "diff", path("a.json"), path("c.json")}).exitCode, 0)
         << "what it was before";

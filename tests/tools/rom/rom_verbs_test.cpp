@@ -283,7 +283,6 @@ TEST_F(RomVerbs, TellHowToBringBackACameraThatFailedInAWrite) {
     // Loading takes some 1200 transfers; this one falls into the writes.
     for (const auto& [fault, exitCode, said] : {std::tuple{"corrupt", 1, "other bytes were read back"},
                                                 std::tuple{"hang 60000", 7, "has not come back for 1 s"}}) {
-        SCOPED_TRACE(said);
         ToolRun failed;
         {
             const SimulatedFaults camera("keepFlash " + kept + ";transfer 1290 " + fault);
@@ -291,10 +290,9 @@ TEST_F(RomVerbs, TellHowToBringBackACameraThatFailedInAWrite) {
                 runBuilt("--patience 1 rom set 9 camera:OV0570 --type 77 --hex " + std::string(3000, '7') +
                          " --start 0 --size 0x4000 --backup \"" + fresh() + '"');
         }
-        EXPECT_EQ(failed.exitCode, exitCode);
+        EXPECT_EQ(failed.exitCode, exitCode) << failed.err;
         const std::size_t failure = failed.err.find(said);
-        ASSERT_LT(failed.err.find("the bytes of before are in '" + backup + "'"), failure)
-            << "told before the first write, in case nothing can be told later";
+        ASSERT_LT(failed.err.find("the bytes of before are in '" + backup + "'"), failure) << "told first";
         const std::size_t command = failed.err.find("zentara rom restore", failure);
         ASSERT_NE(command, std::string::npos) << failed.err;
         const std::string words =
@@ -302,7 +300,7 @@ TEST_F(RomVerbs, TellHowToBringBackACameraThatFailedInAWrite) {
         const SimulatedFaults camera("keepFlash " + kept);
         EXPECT_FALSE(Utils::readFile(kept) == before);
         const ToolRun back =
-            runBuilt(words + " --backup \"" + fresh() + "\""); // as pasted into a command line
+            runBuilt(words + " --backup \"" + fresh() + '"'); // as pasted into a command line
         EXPECT_EQ(back.exitCode, Failure::None) << words << back.err;
         EXPECT_TRUE(Utils::readFile(kept) == before);
     }
