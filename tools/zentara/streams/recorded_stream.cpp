@@ -32,6 +32,10 @@ StreamDescription playedStream(const StreamInfo& info) {
     const auto rate = static_cast<std::int32_t>(mode.rate);
     StreamDescription stream;
     stream.node.name = info.camera.name;
+    for (const auto& node : info.camera.nodes) {
+        if (node.kind == mode.kind)
+            stream.node.name = node.name; // as the stream was called when it was recorded
+    }
     stream.node.serialNumber = info.camera.serial;
     stream.node.parentPath = info.camera.path;
     for (const auto& node : info.camera.nodes) {
