@@ -296,7 +296,7 @@ TEST_F(RomVerbs, TellHowToBringBackACameraThatFailedInAWrite) {
         const std::size_t command = failed.err.find("zentara rom restore", failure);
         ASSERT_NE(command, std::string::npos) << failed.err;
         const std::string words =
-            failed.err.substr(command + 8, failed.err.find('\n', command) - command - 8);
+            failed.err.substr(command + 8, failed.err.find_first_of("\r\n", command) - command - 8);
         const SimulatedFaults camera("keepFlash " + kept);
         EXPECT_FALSE(Utils::readFile(kept) == before);
         const ToolRun back =
