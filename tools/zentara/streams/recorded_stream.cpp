@@ -38,10 +38,6 @@ StreamDescription playedStream(const StreamInfo& info) {
     }
     stream.node.serialNumber = info.camera.serial;
     stream.node.parentPath = info.camera.path;
-    for (const auto& node : info.camera.nodes) {
-        if (node.kind == mode.kind)
-            stream.node.name = node.name;
-    }
     switch (mode.kind) {
     case Kind::Depth:
         stream.node.nodeType = NodeType_DEPTH;
