@@ -35,7 +35,7 @@ struct Recorder::Impl {
     Impl(const std::string& path, const std::vector<StreamInfo>& streams, const OutputFile::Rules& rules)
         : file(path, rules), counts(streams.size()), readings(streams.size()) {}
 
-    void writeHeader();
+    void writeHeader() ZENTARA_REQUIRES(lock);
     void writeTemperatures(std::uint16_t stream, const FrameData& frame) ZENTARA_REQUIRES(lock);
     void writeChunk(std::uint32_t tag, std::uint16_t stream, std::uint16_t flags, std::int64_t micros,
                     const void* payload, std::size_t size);
