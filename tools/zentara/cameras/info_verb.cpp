@@ -13,8 +13,6 @@
 namespace Zentara::Tool {
 namespace {
 
-using Tool::toJson; // those of calibrations
-
 constexpr const char* infoVerb = "info";
 
 /// Adds what one question to the camera brings. A camera that cannot answer it is told of in its place.
@@ -37,9 +35,9 @@ Json describeCamera(const Camera& camera) {
     const CameraDescription described = camera.description();
     Json json{{"nodes", Json::array()}};
     for (const NodeDescription& node : described.nodes)
-        json["nodes"].push_back(toJson(node));
+        json["nodes"].push_back(Tool::toJson(node));
     json.update({{"vendor", orNull(camera.info().vendor)},
-                 {"hardware", toJson(described.hardware)},
+                 {"hardware", Tool::toJson(described.hardware)},
                  {"deviceFlags", described.deviceFlags},
                  {"deviceCapabilities", described.deviceCapabilities}});
     return json;
@@ -60,20 +58,20 @@ Json askCamera(const Camera& camera, ExitCode& worst) {
         const FirmwareVersion version = camera.firmware();
         return Json{{"major", version.major}, {"minor", version.minor}};
     });
-    json["source"] = toJson(camera.sources());
+    json["source"] = Tool::toJson(camera.sources());
     section(json, "lens", worst, [&] {
         const StereoCameraParametersArray lenses = camera.lensModels();
-        return Json{{"depth", toJson(lenses.depthIntrinsics.values)},
-                    {"color", toJson(lenses.colorIntrinsics.values)}};
+        return Json{{"depth", Tool::toJson(lenses.depthIntrinsics.values)},
+                    {"color", Tool::toJson(lenses.colorIntrinsics.values)}};
     });
-    section(json, "extrinsics", worst, [&] { return toJson(camera.lensModels().extrinsics.values); });
+    section(json, "extrinsics", worst, [&] { return Tool::toJson(camera.lensModels().extrinsics.values); });
     section(json, "storedSerialNumber", worst, [&] { return Json(camera.storedSerialNumber()); });
-    section(json, "calibration", worst, [&] { return toJson(camera.readCalibration()); });
-    section(json, "corrections", worst, [&] { return toJson(camera.corrections()); });
+    section(json, "calibration", worst, [&] { return Tool::toJson(camera.readCalibration()); });
+    section(json, "corrections", worst, [&] { return Tool::toJson(camera.corrections()); });
     section(json, "rangeMeters", worst, [&] { return floatJson(camera.rangeMetres()); });
     section(json, "temperatures", worst, [&] { return temperaturesJson(camera); });
     section(json, "accelerometerCalibration", worst,
-            [&] { return toJson(camera.accelerometerCalibration()); });
+            [&] { return Tool::toJson(camera.accelerometerCalibration()); });
     section(json, "overheatings", worst, [&] {
         const DiagnosticData counters = camera.diagnostics();
         return Json{{"soft", counters.softOverheatingCounter}, {"hard", counters.hardOverheatingCounter}};

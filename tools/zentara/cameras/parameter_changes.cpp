@@ -17,8 +17,6 @@ using Utils::Format;
 
 namespace {
 
-using Tool::toJson; // those of values
-
 Json changesBetween(const Json& before, const Json& after) {
     Json changes = Json::array();
     for (const auto& [name, value] : after.items()) {
@@ -36,7 +34,7 @@ Json changesBetween(const Json& before, const Json& after) {
 std::string takenText(const Camera& camera, const Json& before) {
     std::string taken;
     try {
-        for (const Json& change : changesBetween(before, toJson(camera.parameterValues())))
+        for (const Json& change : changesBetween(before, Tool::toJson(camera.parameterValues())))
             taken += (taken.empty() ? "" : ", ") + change["parameter"].dump();
     } catch (const Failure&) {
         return "what it has taken of them cannot be read";
@@ -106,9 +104,9 @@ Json loadValues(const Camera& camera, const ParameterValues& values, const std::
                 Console& console) {
     for (const auto& [number, value] : values)
         checkFrom(camera, number, value, Format("'%', /values/%: ") % file % number);
-    const Json before = toJson(camera.parameterValues());
+    const Json before = Tool::toJson(camera.parameterValues());
     if (dryRun)
-        return changesBetween(before, toJson(values));
+        return changesBetween(before, Tool::toJson(values));
     try {
         camera.setParameters(values);
     } catch (const Failure& failure) {
@@ -116,7 +114,7 @@ Json loadValues(const Camera& camera, const ParameterValues& values, const std::
     }
     for (const auto& [number, value] : values)
         tellRounded(camera, number, value, console);
-    return changesBetween(before, toJson(camera.parameterValues()));
+    return changesBetween(before, Tool::toJson(camera.parameterValues()));
 }
 
 } // namespace Zentara::Tool

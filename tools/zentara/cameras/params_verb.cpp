@@ -18,7 +18,6 @@
 namespace Zentara::Tool {
 namespace {
 
-using Tool::toJson; // those of values and parameters
 using Utils::Format;
 
 constexpr const char* paramsVerb = "params";
@@ -54,7 +53,7 @@ void finishRows(CameraSession& session, const std::vector<int>& numbers) {
     text << columns("NO", "NAME", "KIND", "ACCESS", "VALUE", "UNIT") << "RANGE\n";
     for (const int number : numbers) {
         const Parameter row = session.camera().parameter(number);
-        list.push_back(toJson(row));
+        list.push_back(Tool::toJson(row));
         print(text, row);
     }
     session.finish({{"parameters", list}}, text.str());
@@ -114,7 +113,7 @@ ExitCode runParamsSet(ParamsOptions options, Console& console) {
 
 ExitCode runSave(const ParamsOptions& options, Console& console) {
     return withCamera(options, console, [&](CameraSession& session) {
-        const Json values = toJson(session.camera().parameterValues());
+        const Json values = Tool::toJson(session.camera().parameterValues());
         Json json = beginJson(paramsVerb);
         json["camera"] = cameraJson(session.camera().info());
         json["values"] = values;

@@ -21,8 +21,6 @@
 namespace Zentara::Tool {
 namespace {
 
-using Tool::toJson; // that of readings
-
 constexpr unsigned long sliceMilliseconds = 50;
 
 struct SensorsOptions : CameraOptions {
@@ -99,7 +97,7 @@ private:
         if (options.json) {
             Json json = beginJson(console);
             json["camera"] = cameraJson(session.camera().info());
-            json.update(toJson(reading));
+            json.update(Tool::toJson(reading));
             printOnOneLine(console.out, json);
         } else {
             console.out << toText(reading) << std::endl;
@@ -146,7 +144,7 @@ ExitCode runSensors(const SensorsOptions& options, Console& console) {
         if (options.watch)
             return watchSensors(sensors, options, console);
         const Reading reading = sensors.read();
-        session.finish(toJson(reading), toText(reading) + '\n');
+        session.finish(Tool::toJson(reading), toText(reading) + '\n');
         return Failure::None;
     });
 }
