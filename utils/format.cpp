@@ -28,7 +28,7 @@ class Output {
 public:
     void append(const char* characters, std::size_t count) {
         reserve(count);
-        std::memcpy(bytes + length, characters, count);
+        std::copy_n(characters, count, bytes + length);
         length += count;
     }
     void append(std::string_view text) { append(text.data(), text.size()); }

@@ -95,7 +95,8 @@ Frame::Frame(std::shared_ptr<const StreamInfo> about, std::span<const std::byte>
              std::int64_t micros)
     : data(nullptr) {
     FrameDraft draft(std::make_shared<const StreamContext>(*about), content.size(), "make a frame");
-    std::memcpy(draft.bytes(), content.data(), content.size());
+    if (!content.empty())
+        std::memcpy(draft.bytes(), content.data(), content.size());
     draft.fields().number = place;
     draft.fields().deviceMicros = micros;
     *this = std::move(draft).finish(content.size());
