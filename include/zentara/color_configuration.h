@@ -7,7 +7,9 @@
 
 namespace Zentara {
 
-/// A colour mode, named for example "COFF2FR30PLF1COMP0". Separate.
+/// A colour mode, named "COFF", frame format, "FR", frame rate, "PLF", power-line frequency, "COMP", compression, the
+/// enumerations by their numbers: for example "COFF2FR30PLF1COMP0". Every setter derives the name anew, and none
+/// checks its value: which modes there are, the device knows. Separate.
 class ZENTARA_API ColorConfiguration : public Configuration {
 public:
     /// All fields 0.
@@ -21,6 +23,7 @@ public:
 
     [[nodiscard]] FrameFormat getFrameFormat() const;
     void setFrameFormat(FrameFormat newFormat);
+    /// Frames a second.
     [[nodiscard]] int getFramerate() const;
     void setFramerate(int newFrameRate);
     [[nodiscard]] PowerLineFrequency getPowerLineFrequency() const;
@@ -28,7 +31,7 @@ public:
     [[nodiscard]] CompressionType getCompression() const;
     void setCompression(CompressionType newCompression);
 
-    /// True when the four fields are equal; false for null.
+    /// True when the four fields are equal, whatever the names; false for null.
     [[nodiscard]] bool isEqual(const ColorConfiguration* other) const;
 
 protected:
@@ -38,7 +41,7 @@ private:
     void rename();
 
     FrameFormat format = FrameFormat_NONE;
-    int frameRate = 0;
+    int frameRate = 0; ///< frames a second
     PowerLineFrequency frequency = PowerLineFrequency_DISABLED;
     CompressionType compression = CompressionType_NONE;
 };

@@ -44,13 +44,17 @@ public:
     /// store that throws for either.
     explicit CyclicErrorCorrection(Core::DescriptorStoreRO* store);
 
+    /// Chooses whose settings the accessors read and write; -1: nobody's.
     /// \return false, with the current mode as it was, for a mode other than -1, 0 and 1
     bool setCurrentMode(DepthNode::CameraMode mode);
+    /// -1, 0 or 1; -1 until one was chosen.
     [[nodiscard]] DepthNode::CameraMode getCurrentMode() const;
 
+    /// Of the current mode: `CorrectionAlgorithm_NONE` where it has none.
     [[nodiscard]] CorrectionAlgorithm getAlgorithm() const;
     void setAlgorithm(CorrectionAlgorithm newAlgorithm);
 
+    /// The parameters of the current mode, in the unit that its algorithm gives them. \param index from 0
     [[nodiscard]] unsigned int getParameterCount() const;
     [[nodiscard]] float getParameter(unsigned int index) const;
 
@@ -62,17 +66,19 @@ public:
 
 private:
     struct Mode {
-        CorrectionAlgorithm algorithm = CorrectionAlgorithm_NONE;
-        std::vector<float> parameters;
+        CorrectionAlgorithm algorithm = CorrectionAlgorithm_NONE; ///< as stored, also one that nobody knows
+        std::vector<float> parameters;                            ///< in the algorithm's unit
     };
 
     bool fromRom = false;
-    std::int32_t currentMode = -1;
-    std::array<Mode, MODE_COUNT> modes;
+    std::int32_t currentMode = -1;      ///< -1, or an index of the modes
+    std::array<Mode, MODE_COUNT> modes; ///< the camera mode is the index
 };
 
 /// The two-mode block with the values of one stored record for both modes. The record is the algorithm in
-/// one byte, the number of parameters in one, and the parameters as big-endian floats.
+/// one byte, the number of parameters in one, and the parameters as big-endian floats: as the flash of a camera has
+/// it, which keeps one for both modes, while the block wants little-endian floats and a set for each.
+/// \param size of the record in bytes; surplus ones are not looked at
 /// \return empty when the record is null or cut short. Safe.
 [[nodiscard]] ZENTARA_API std::vector<unsigned char> cyclicErrorBlock(unsigned int size, const void* record);
 

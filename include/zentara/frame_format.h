@@ -4,9 +4,9 @@
 
 namespace Zentara {
 
-/// The size of a frame, by its usual name.
+/// The size of a frame, by its usual name. The number is part of a mode's name, so it stays.
 enum FrameFormat : std::int32_t {
-    FrameFormat_NONE = 0,
+    FrameFormat_NONE = 0,    ///< not told
     FrameFormat_QQVGA = 1,   ///< 160 x 120
     FrameFormat_QVGA = 2,    ///< 320 x 240
     FrameFormat_VGA = 3,     ///< 640 x 480
@@ -15,10 +15,10 @@ enum FrameFormat : std::int32_t {
     FrameFormat_DEFAULT = 6, ///< whatever size the node itself delivers
 };
 
-/// A size in pixels.
+/// A size in pixels. A copyable value. Separate.
 struct FrameSize {
-    std::uint32_t width = 0;
-    std::uint32_t height = 0;
+    std::uint32_t width = 0;  ///< columns
+    std::uint32_t height = 0; ///< rows
 
     friend bool operator==(const FrameSize&, const FrameSize&) = default;
 };

@@ -6,7 +6,8 @@
 #if defined(_WIN32)
 #include <guiddef.h>
 #else
-/// The platform's 16-byte identifier. A plain aggregate, so that it crosses C functions by value.
+/// The platform's 16-byte identifier, in the registry form Data1-Data2-Data3-Data4[0..1]-Data4[2..7]; the three
+/// numbers in the machine's byte order. A plain aggregate, so that it crosses C functions by value.
 struct GUID {
     std::uint32_t Data1;
     std::uint16_t Data2;

@@ -14,19 +14,27 @@ namespace Zentara {
 
 /// The form of a parameter range; also the first byte of its encoding.
 enum ParameterRangeTypeInternal : std::int32_t {
-    ParameterRangeType_RANGE = 0,
-    ParameterRangeType_DISCRETE_SET = 1,
-    ParameterRangeType_REGION_OF_INTEREST = 2,
+    ParameterRangeType_RANGE = 0,              ///< `ParameterRangeInternal`
+    ParameterRangeType_DISCRETE_SET = 1,       ///< `ParameterDiscreteSetInternal`
+    ParameterRangeType_REGION_OF_INTEREST = 2, ///< `RegionOfInterestRangeInternal`
 };
 
 /// Which values a camera parameter accepts, in one of the three forms below. Parameter back-ends produce
 /// ranges as bytes; they are handed out as `Utils::SmartPtr<ParameterRangeBaseInternal>`. Ranges never
-/// change. Safe.
+/// change. Their numbers are in the parameter's unit (`ParameterInterpreter::getUnitType`), a region's in pixels of
+/// the sensor. Safe.
+///
+/// Encoded, a range is its type in one byte and then, little-endian and 32 bits each unless said otherwise:
+///
+///     range                min, max, step                                            13 bytes
+///     discrete set         the number of values in 16 bits, the values                3 bytes + 4 a value
+///     region of interest   four ranges with their type bytes: x, y, width, height    53 bytes
 class ZENTARA_API ParameterRangeBaseInternal : public Utils::Refcounted {
 public:
     ParameterRangeBaseInternal(const ParameterRangeBaseInternal&) = delete;
     ParameterRangeBaseInternal& operator=(const ParameterRangeBaseInternal&) = delete;
 
+    /// Which of the three it is, and so what it may be cast to.
     [[nodiscard]] ParameterRangeTypeInternal getType() const { return type; }
 
     /// Writes the encoding that a back-end would have produced.
@@ -52,6 +60,7 @@ private:
 template<typename T>
 class ZENTARA_API ParameterRangeInternal : public ParameterRangeBaseInternal {
 public:
+    /// Keeps what it is given, also a `min` above `max` or a NaN: a back-end's word is not judged here.
     ParameterRangeInternal(T min, T max, T step);
 
     [[nodiscard]] virtual T getMin() const;
@@ -68,9 +77,9 @@ protected:
     ~ParameterRangeInternal() override;
 
 private:
-    T min;
-    T max;
-    T step;
+    T min;  ///< the least value
+    T max;  ///< the greatest value
+    T step; ///< from one value to the next; 0: any between
 };
 
 /// Just these values. For float and int.
@@ -94,7 +103,7 @@ protected:
     ~ParameterDiscreteSetInternal() override;
 
 private:
-    std::vector<T> values;
+    std::vector<T> values; ///< at most 65,535, in the back-end's order
 };
 
 /// One integer range for each number of a region of interest.
@@ -123,7 +132,7 @@ protected:
     ~RegionOfInterestRangeInternal() override;
 
 private:
-    std::array<Utils::SmartPtr<Range>, 4> ranges;
+    std::array<Utils::SmartPtr<Range>, 4> ranges; ///< x, y, width, height; none is null
 };
 
 extern template class ParameterRangeInternal<float>;

@@ -4,9 +4,9 @@
 
 namespace Zentara {
 
-/// Where one piece of calibration lies in a camera's ROM. A copyable value.
+/// Where one piece of calibration lies in a camera's ROM. A copyable value. Separate.
 struct ROMElement {
-    std::uint32_t address = 0; ///< of its first byte
+    std::uint32_t address = 0; ///< of its first byte, counted from the start of that memory
     std::uint32_t size = 0;    ///< bytes
 
     friend bool operator==(const ROMElement&, const ROMElement&) = default;

@@ -9,11 +9,11 @@ namespace Zentara {
 
 /// At which temperatures a depth camera was calibrated: for each camera mode what its sensors read then, in
 /// degrees Celsius.
-/// A copyable value; starts empty.
+/// A copyable value; starts empty. Separate.
 struct TemperatureCalibration {
     std::array<SensorValueArray, 2> modes; ///< the mode is the index
 
-    /// The set of one mode; an empty one for a mode other than 0 and 1.
+    /// The set of one mode, as a copy; an empty one for a mode other than 0 and 1.
     [[nodiscard]] SensorValueArray get(DepthNode::CameraMode mode) const {
         return mode == DepthNode::CameraMode_0 || mode == DepthNode::CameraMode_1 ? modes[mode]
                                                                                   : SensorValueArray();

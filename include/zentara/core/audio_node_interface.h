@@ -31,6 +31,14 @@ class DescriptorStoreRO;
 /// Used in this order: `initialize`, any other operation, `dispose`. Separate, but `readBuffer` may run
 /// beside the operations between these two; it must have returned before `dispose`.
 ///
+///              initialize             enableStreaming
+///     Made -----------------> Ready ------------------> Streaming
+///      ^                        |  ^                        |
+///      +------- dispose --------+  +--- disableStreaming ---+
+///
+/// This class itself knows Made and Ready alone; that a stream runs, and what is refused meanwhile, is the node's
+/// affair. A camera that is pulled out changes nothing of it: `readBuffer` says so, and the host goes back the same way.
+///
 /// The order of the virtual operations is the boundary to nodes that are built separately.
 class ZENTARA_API AudioNodeInterface : public Plugin {
 public:
@@ -57,8 +65,9 @@ public:
     /// Deletes the device and forgets store and data. Twice is harmless. Overriders call it last.
     virtual void dispose();
 
+    /// Starts the stream in the mode.
     virtual void enableStreaming(Utils::SmartPtr<AudioConfiguration> configuration) = 0;
-    virtual void disableStreaming() = 0;
+    virtual void disableStreaming() = 0; ///< a `readBuffer` that waits returns at once
 
     /// \throws Zentara::Plugin::NotSupportedPluginException by default
     virtual void resetDevice();

@@ -32,6 +32,14 @@ class DescriptorStoreRO;
 /// Used in this order: `initialize`, any other operation, `dispose`. Separate, but `readBuffer` may run
 /// beside the operations between these two; it must have returned before `dispose`.
 ///
+///              initialize             enableStreaming
+///     Made -----------------> Ready ------------------> Streaming
+///      ^                        |  ^                        |
+///      +------- dispose --------+  +--- disableStreaming ---+
+///
+/// This class itself knows Made and Ready alone; that a stream runs, and what is refused meanwhile, is the node's
+/// affair. A camera that is pulled out changes nothing of it: `readBuffer` says so, and the host goes back the same way.
+///
 /// The order of the virtual operations is the boundary to nodes that are built separately.
 class ZENTARA_API ColorNodeInterface : public Plugin {
 public:
@@ -58,16 +66,17 @@ public:
     /// Deletes the device and forgets store and data. Twice is harmless. Overriders call it last.
     virtual void dispose();
 
+    /// Puts the camera into the mode and starts its stream.
     virtual void enableStreaming(Utils::SmartPtr<ColorConfiguration> configuration) = 0;
-    virtual void disableStreaming() = 0;
+    virtual void disableStreaming() = 0; ///< a `readBuffer` that waits returns at once
 
     /// \throws Zentara::Plugin::NotSupportedPluginException by default
     virtual void resetDevice();
 
-    /// The modes in which the node can stream.
+    /// The modes in which the node can stream, the one to start with first.
     [[nodiscard]] virtual std::vector<Utils::SmartPtr<ColorConfiguration>> getConfigurations() = 0;
 
-    /// What the camera's settings accept, how one is set, and what they are now.
+    /// What the camera's settings accept, how one is set, and what they are now; units stand at `CameraControlsEnum`.
     [[nodiscard]] virtual CameraControlRanges getCameraControlRanges() = 0;
     virtual void setCameraControl(CameraControlsEnum control, CameraControlValue value) = 0;
     [[nodiscard]] virtual CameraControls getCameraControls() = 0;

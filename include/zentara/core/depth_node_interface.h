@@ -47,6 +47,14 @@ class TemperaturePeriodicOperation;
 /// Used in this order: `initialize`, any other operation, `dispose`. Separate, but `readBuffer` may run
 /// beside the operations between these two; it must have returned before `dispose`.
 ///
+///              initialize             enableStreaming
+///     Made -----------------> Ready ------------------> Streaming
+///      ^                        |  ^                        |
+///      +------- dispose --------+  +--- disableStreaming ---+
+///
+/// This class itself knows Made and Ready alone; that a stream runs, and what is refused meanwhile, is the node's
+/// affair. A camera that is pulled out changes nothing of it: `readBuffer` says so, and the host goes back the same way.
+///
 /// The order of the virtual operations is the boundary to nodes that are built separately.
 class ZENTARA_API DepthNodeInterface : public Plugin {
 public:
@@ -79,8 +87,9 @@ public:
     /// The readings that the node is to make while it streams; by default none is made.
     virtual void configurePeriodicOperations(std::vector<Utils::SmartPtr<PeriodicOperation>> operations);
 
+    /// Puts the camera into the mode and starts its stream, with the requests around the mode's own.
     virtual void enableStreaming(Utils::SmartPtr<DepthBaseConfiguration> configuration) = 0;
-    virtual void disableStreaming() = 0;
+    virtual void disableStreaming() = 0; ///< a `readBuffer` that waits returns at once
 
     /// \throws Zentara::Plugin::NotSupportedPluginException by default
     virtual void resetDevice();
@@ -94,22 +103,23 @@ public:
     /// \param calibration stays the caller's; does nothing by default
     virtual void setCalibration(CalibrationInternal* calibration);
 
-    /// 8 by default.
+    /// How large a raw frame may be, for who makes room for one; 8 by default.
     [[nodiscard]] virtual unsigned int getMaximumRawBytesPerPixel();
 
-    /// What a raw phase value is multiplied with; 1.0 by default.
+    /// What a raw phase value is multiplied with to be a distance in millimetres; 1.0 by default.
     [[nodiscard]] virtual float getPhaseScaling();
 
-    /// Executes one request. \throws Zentara::Plugin::NotSupportedPluginException by default
+    /// Executes one request on the camera. \throws Zentara::Plugin::NotSupportedPluginException by default
     virtual void process(Utils::SmartPtr<IO::xuRequest> request);
 
-    /// Does nothing by default.
+    /// What `getDiagnosticData` answers from now on. Does nothing by default.
     virtual void setDiagnosticData(DiagnosticData data);
 
-    /// The present temperatures; none by default.
+    /// The present temperatures, degrees Celsius; none by default.
     [[nodiscard]] virtual SensorValueArray readTemperatures();
 
-    /// The readings of a periodic operation; all 0 and none by default.
+    /// The readings of a periodic operation, in g and degrees Celsius; all 0 and none by default.
+    /// \param operation stays the caller's
     [[nodiscard]] virtual AccelerationInternal readAccelerometer(AccelerometerPeriodicOperation* operation);
     [[nodiscard]] virtual SensorValueArray readTemperature(TemperaturePeriodicOperation* operation);
 
@@ -119,7 +129,8 @@ public:
     /// The size of the frames on the sensor's port; `FrameFormat_DEFAULT` by default.
     [[nodiscard]] virtual FrameFormat getDVPFrameMode();
 
-    // The camera's calibration; empty by default.
+    // The camera's calibration, as copies; empty by default. Whose numbers they are, the camera's own or its model's,
+    // `CalibrationSources` tells where the node has it.
     [[nodiscard]] virtual StereoCameraParametersArray getImageRegistrationCalibration();
     [[nodiscard]] virtual SensorValueArray getTemperatureCalibration(DepthNode::CameraMode mode);
     [[nodiscard]] virtual TemperatureCalibration getTemperatureCalibration();
@@ -129,10 +140,10 @@ public:
     /// Both counters 0 by default.
     [[nodiscard]] virtual DiagnosticData getDiagnosticData();
 
-    /// Empty by default.
+    /// The camera's; empty by default.
     [[nodiscard]] virtual std::string getSerialNumber();
 
-    /// All 0 by default.
+    /// The accelerometer's offsets, in g; all 0 by default.
     [[nodiscard]] virtual AccelerationInternal getAccelerometerCalibration();
 
     /// Reads the camera's ROM again, from the camera when `force` is true; does nothing by default.
@@ -144,7 +155,7 @@ public:
     /// False by default.
     [[nodiscard]] virtual bool getEnableVideoSync() const;
 
-    /// The modes in which the node can stream.
+    /// The modes in which the node can stream, the one to start with first.
     [[nodiscard]] virtual std::vector<Utils::SmartPtr<DepthBaseConfiguration>> getConfigurations() = 0;
 
     /// Waits for the next frame and copies it. `ReadBufferStatus` says what comes as a status and what as an

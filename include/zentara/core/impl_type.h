@@ -8,15 +8,15 @@ namespace Zentara::Core {
 /// host names when it asks the PluginManager for an object. A plug-in states its kind as a plain 32-bit
 /// integer, so any value may turn up; the manager accepts the kinds 1 to 6, 8 and 9.
 enum ImplType : std::int32_t {
-    ImplType_NONE = 0, ///< no implementation
-    ImplType_DEPTH_NODE = 1,
-    ImplType_COLOR_NODE = 2,
-    ImplType_AUDIO_NODE = 3,
-    ImplType_AUDIO_DEVICE = 4,
-    ImplType_VIDEO_DEVICE = 5,
-    ImplType_ENUMERATOR = 6,
-    ImplType_CAMERA_MODEL = 7, ///< names a camera model; never a plug-in
-    ImplType_DESCRIPTOR_STORE = 8,
+    ImplType_NONE = 0,                  ///< no implementation
+    ImplType_DEPTH_NODE = 1,            ///< `Core::DepthNodeInterface`: a stream of depth, for the host
+    ImplType_COLOR_NODE = 2,            ///< `Core::ColorNodeInterface`: a stream of pictures
+    ImplType_AUDIO_NODE = 3,            ///< `Core::AudioNodeInterface`: a stream of sound
+    ImplType_AUDIO_DEVICE = 4,          ///< `IO::AudioDeviceInterface`: moves a node's bytes
+    ImplType_VIDEO_DEVICE = 5,          ///< `IO::VideoDeviceInterface`: the same, for depth and colour
+    ImplType_ENUMERATOR = 6,            ///< `IO::EnumeratorInterface`: finds nodes on a bus
+    ImplType_CAMERA_MODEL = 7,          ///< names a camera model; never a plug-in
+    ImplType_DESCRIPTOR_STORE = 8,      ///< `Core::DescriptorStoreInterface`: says what a camera is
     ImplType_PARAMETER_INTERPRETER = 9, ///< reached through its own exports; its factory is never called
 };
 

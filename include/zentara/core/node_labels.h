@@ -8,10 +8,10 @@
 
 namespace Zentara::Core {
 
-/// Where an accelerometer's values begin, and what people call it.
+/// Where an accelerometer's values begin, and what people call it. A copyable value. Separate.
 struct AccelerometerLabel {
-    std::uint32_t registerAddress = 0; ///< of the time-of-flight controller
-    std::string name;
+    std::uint32_t registerAddress = 0; ///< of x, in the time-of-flight controller; y and z follow it
+    std::string name;                  ///< for people; empty where the description has none
 };
 
 /// What people call the things of a node. A descriptor store that has names derives its view from this as well as from

@@ -14,14 +14,21 @@ enum PeriodicOperationType : std::int32_t {
     PeriodicOperationType_TEMPERATURE = 1,
 };
 
-/// A sensor reading that a depth node makes at a fixed interval, at most one at a time: `timeToPoll` says
-/// when one is due and marks it pending until `setDone`. Shared as `Utils::SmartPtr<PeriodicOperation>`.
+/// A sensor reading that a depth node makes at a fixed interval, at most one at a time. The host makes it and hands it
+/// to the node; both hold it. Shared as `Utils::SmartPtr<PeriodicOperation>`.
+///
+///              timeToPoll() is true: the interval has passed
+///     Idle ---------------------------------------------------> Pending
+///       ^                                                         |
+///       +----------- setDone(): the reading was made -------------+
+///
+/// Pending, and while disabled, timeToPoll() is false.
 ///
 /// Separate. A node that polls on one thread and completes on another calls `enable`, `timeToPoll` and
-/// `setDone` between `lock` and `unlock`.
+/// `setDone` between `lock` and `unlock`; nothing takes that mutex by itself.
 class ZENTARA_API PeriodicOperation : public Utils::Refcounted {
 public:
-    /// \param interval microseconds
+    /// \param interval microseconds; more than these must have passed since the last reading
     /// \param syncToFrame only bit 0 counts
     PeriodicOperation(PeriodicOperationType type, std::int64_t interval, bool enabled,
                       std::uint32_t syncToFrame);
@@ -29,6 +36,8 @@ public:
     PeriodicOperation& operator=(const PeriodicOperation&) = delete;
 
     [[nodiscard]] PeriodicOperationType getType() const;
+
+    /// A pending reading stays pending.
     void enable(bool newEnabled);
 
     /// Whether the reading is to be made between two frames.
@@ -63,14 +72,14 @@ public:
     /// \param interval microseconds
     TemperaturePeriodicOperation(std::uint32_t registerAddress, std::int64_t interval, bool enabled);
 
-    /// Where the camera shows the readings.
+    /// Where the camera shows the readings: a register of its time-of-flight controller.
     [[nodiscard]] std::uint32_t getRegAddress() const;
 
 protected:
     ~TemperaturePeriodicOperation() override;
 
 private:
-    std::uint32_t registerAddress;
+    std::uint32_t registerAddress; ///< as the host gave it
 };
 
 /// Reads the accelerometer, between two frames.
@@ -79,14 +88,14 @@ public:
     /// \param interval microseconds
     AccelerometerPeriodicOperation(std::uint32_t registerAddress, std::int64_t interval, bool enabled);
 
-    /// Where the camera shows the reading.
+    /// Where the camera shows the reading: its first register in the time-of-flight controller.
     [[nodiscard]] std::uint32_t getRegAddress() const;
 
 protected:
     ~AccelerometerPeriodicOperation() override;
 
 private:
-    std::uint32_t registerAddress;
+    std::uint32_t registerAddress; ///< as the host gave it
 };
 
 } // namespace Zentara::Core

@@ -20,6 +20,11 @@ class SharedLibrary;
 /// does not change for the life of the manager; the next scan is that of the next manager. A plug-in is
 /// loaded again when an object of it is asked for, and stays loaded while one of its objects lives.
 ///
+///           first instance()              last reference goes
+///     None ------------------> Living ------------------------> Ended, an empty shell
+///                                ^                                |
+///                                +------- next instance() --------+   another one, which scans anew
+///
 /// instance() and release() are paired. Every plug-in object holds a reference of its own, so the last object
 /// may go after the host's last release(). The operations on the registry need a reference, and are safe.
 ///

@@ -18,6 +18,11 @@ namespace Zentara::Core {
 /// the step from 1 to 0 frees the library, so that its code is gone from the process, and drops that
 /// reference.
 ///
+///                    createInstance()
+///     Not loaded -----------------------------> Loaded
+///         ^                                       |
+///         +--- the last use goes, or the end -----+
+///
 /// incref() and decref() move the use count; release() moves the object count. For this reason no SmartPtr
 /// ever holds a SharedLibrary: it would count uses.
 ///
@@ -30,7 +35,7 @@ class ZENTARA_API SharedLibrary : public Utils::Refcounted {
 public:
     using Factory = void* (*)();
 
-    /// A library in a file, loaded by the first createInstance().
+    /// A library in a file, loaded by the first createInstance(). \param path UTF-8
     SharedLibrary(const std::string& path, ImplType type, GUID guid);
     /// A factory of the host's own: there is no file, so nothing is loaded or freed.
     SharedLibrary(Factory factory, ImplType type, GUID guid);

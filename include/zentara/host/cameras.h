@@ -14,7 +14,7 @@
 
 namespace Zentara::Host {
 
-/// Something that happened on the buses.
+/// Something that happened on the buses. A plain value. Separate.
 struct CameraEvent {
     enum class Type {
         Arrived, ///< a node was plugged in
@@ -28,7 +28,7 @@ struct CameraEvent {
     std::int64_t timeMicros = 0; ///< when it happened, on the host's monotonic clock
 };
 
-/// A bare device plug-in, for its authors: without enumerator, descriptions and worker thread.
+/// A bare device plug-in, for its authors: without enumerator, descriptions and worker thread. A plain value. Separate.
 struct DeviceOptions {
     /// Which one is meant: GUIDs, well-known names and files, each of any kind of device; the first by GUID unless given.
     std::vector<std::string> plugins;

@@ -10,10 +10,11 @@
 
 namespace Zentara::Host {
 
-/// A range of values; `low` is not above `high`.
+/// A range of values, in the unit of whoever uses it; `low` is not above `high`, and both belong to it. A plain value.
+/// Separate.
 struct ValueRange {
-    double low = 0;
-    double high = 0;
+    double low = 0;  ///< the least value
+    double high = 0; ///< the greatest
 
     friend bool operator==(const ValueRange&, const ValueRange&) = default;
 };
@@ -43,6 +44,7 @@ public:
     /// What black stands for; empty when there is no black.
     [[nodiscard]] const std::string& nothing() const noexcept { return absence; }
 
+    /// The colour of one value; black for NaN.
     [[nodiscard]] Color operator()(double value) const noexcept;
 
     /// A picture in these colours; 0 is no value. \param values width x height of them, row by row from the top
@@ -55,9 +57,9 @@ public:
     [[nodiscard]] Picture explain(const Picture& picture, const std::string& title) const;
 
 private:
-    ValueRange ends;
-    std::string measure;
-    std::string absence;
+    ValueRange ends;     ///< finite, low not above high
+    std::string measure; ///< the unit, for the scale
+    std::string absence; ///< what black stands for; empty when there is no black
 };
 
 } // namespace Zentara::Host

@@ -45,10 +45,10 @@ public:
 
 private:
     Code kind;
-    std::string attempt;
-    std::string reason;
-    std::string help;
-    std::vector<std::string> more;
+    std::string attempt;           ///< what was attempted, on what
+    std::string reason;            ///< what came back
+    std::string help;              ///< what helps
+    std::vector<std::string> more; ///< a line each
 };
 
 /// The camera has not what was asked for, and never will. Code Failed; cause() says what it lacks.

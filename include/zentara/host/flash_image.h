@@ -13,9 +13,9 @@ namespace Zentara::Host {
 /// Where a storage lies on a flash. Addresses are those of the flash, sizes are bytes; the end is at most 2^32. A plain
 /// value. Separate.
 struct FlashArea {
-    std::uint32_t start = 0;
-    std::uint32_t size = 0;
-    std::uint32_t chunkSize = 256; ///< to format with, 1 or more
+    std::uint32_t start = 0;       ///< the address of its first byte
+    std::uint32_t size = 0;        ///< bytes, the management header included
+    std::uint32_t chunkSize = 256; ///< bytes, to format with, 1 or more
     bool headerAtStart = true;     ///< the management header; else it ends the area
 
     /// Of an area that has room for a header.
@@ -29,9 +29,9 @@ struct FlashArea {
     [[nodiscard]] FlashArea mirrored() const { return {start, size, chunkSize, !headerAtStart}; }
 };
 
-/// Bytes to be written to a place.
+/// Bytes to be written to a place. A plain value. Separate.
 struct FlashWrite {
-    std::uint32_t address;
+    std::uint32_t address; ///< absolute, of the first one
     Bytes bytes;
 };
 
@@ -62,8 +62,8 @@ private:
     void check(const char* verb, std::uint32_t address, std::size_t length) const;
 
     FlashArea place;
-    Bytes content;
-    std::vector<FlashWrite> history;
+    Bytes content;                   ///< always as many as the area has
+    std::vector<FlashWrite> history; ///< what was written since the image was made
 };
 
 /// What turns one image into another of the same size: the changed ranges in ascending order, but the management

@@ -11,19 +11,21 @@
 
 namespace Zentara::Host {
 
-/// What a stretch of flash is used for. Of two that share bytes the one named later is drawn.
+/// What a stretch of flash is used for. Of two that share bytes the one named later is drawn: free room, room that a
+/// block's chunks have behind its content, a whole section that no link leads to, the management header, the block with
+/// the container header, a section, and what cannot be read.
 enum class RegionKind { Free, Slack, Remains, Header, Container, Section, Damaged };
 
 /// "free", "slack", "remains", "header", "container", "section" or "damaged". Safe.
 [[nodiscard]] ZENTARA_HOST_API const char* regionKindName(RegionKind kind) noexcept;
 
-/// A stretch of flash.
+/// A stretch of flash. A plain value. Separate.
 struct FlashRegion {
     RegionKind kind;
-    std::uint32_t address;
-    std::uint32_t length; ///< bytes, 1 or more
-    std::string label;    ///< "section 3 (configuration, 39 bytes)"
-    char letter;          ///< of a section, the same in the picture and in the list under it
+    std::uint32_t address; ///< absolute, of its first byte
+    std::uint32_t length;  ///< bytes, 1 or more
+    std::string label;     ///< "section 3 (configuration, 39 bytes)"
+    char letter;           ///< of a section, the same in the picture and in the list under it
 };
 
 /// A flash area as a picture: rows of equal pieces of flash, from the top, each piece as what stands in it. A copyable

@@ -20,7 +20,7 @@ enum class Kind {
 /// One of the ways in which a camera can stream. A plain value, which the camera makes; the fields that its kind has
 /// not are 0. Separate.
 struct ZENTARA_HOST_API Mode {
-    Kind kind = Kind::Depth;
+    Kind kind = Kind::Depth;  ///< what it delivers
     std::string name;         ///< the camera's own, unique among its modes: "DEFF2FR60CM0S0"
     std::uint32_t width = 0;  ///< of a picture, in pixels
     std::uint32_t height = 0; ///< of a picture, in pixels

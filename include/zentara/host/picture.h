@@ -43,8 +43,8 @@ public:
     void writePng(const std::string& path, const OutputFile::Rules& rules = {}) const;
 
 private:
-    std::uint32_t columns = 0;
-    std::uint32_t rows = 0;
+    std::uint32_t columns = 0;        ///< pixels
+    std::uint32_t rows = 0;           ///< pixels
     std::vector<std::uint8_t> pixels; ///< 3 x columns x rows
 };
 

@@ -9,17 +9,17 @@
 
 namespace Zentara::Host {
 
-/// One line of a plot.
+/// One line of a plot. A plain value. Separate.
 struct PlotLine {
     std::string name;                              ///< for the legend
     std::vector<std::pair<double, double>> points; ///< x, y; a NaN leaves a gap
 };
 
-/// Lines over axes of their own.
+/// Lines over axes of their own. A plain value. Separate.
 struct PlotPanel {
-    std::string title; ///< what is measured: "Temperatures of SIM0570"
-    std::string unit;  ///< of all its lines: "degC"
-    std::vector<PlotLine> lines;
+    std::string title;           ///< what is measured: "Temperatures of SIM0570"
+    std::string unit;            ///< of all its lines: "degC"
+    std::vector<PlotLine> lines; ///< each in a colour of its own
 };
 
 /// A picture of panels, one below the other, each with title and unit above it. Each line has a colour of its own, and

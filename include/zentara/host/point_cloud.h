@@ -18,16 +18,17 @@ namespace Zentara::Host {
 
 class Lens;
 
-/// A point in a camera's own coordinates, metres: x to the right, y down, z forward, from the camera's centre.
+/// A point in a camera's own coordinates, metres: x to the right, y down, z forward, from the camera's centre. A plain
+/// value. Separate.
 struct Point {
-    float x = 0;
-    float y = 0;
-    float z = 0;
+    float x = 0; ///< metres to the right
+    float y = 0; ///< metres down
+    float z = 0; ///< metres forward; NaN, as all three, for a pixel without a point
 
     friend bool operator==(const Point&, const Point&) = default;
 };
 
-/// What to make of a depth picture.
+/// What to make of a depth picture. A plain value. Separate.
 struct CloudOptions {
     /// Keep the grid: one point a pixel, row by row, all three numbers NaN where there is none. Otherwise pixels
     /// without a point are left out, in the same order.
@@ -96,15 +97,15 @@ public:
 private:
     friend class Lens;
 
-    std::vector<Point> all;
-    std::vector<std::optional<Color>> painted;
-    std::vector<std::string> about;
-    std::uint32_t columns = 0;
-    std::uint32_t rows = 0;
-    std::uint32_t sourceColumns = 0; ///< of the depth picture, also when the grid was not kept
-    std::size_t depthless = 0;
-    std::size_t doubtful = 0;
-    std::size_t rayless = 0;
+    std::vector<Point> all;                    ///< metres
+    std::vector<std::optional<Color>> painted; ///< as many as points, or none
+    std::vector<std::string> about;            ///< a line each, without line ends in the file
+    std::uint32_t columns = 0;                 ///< 0 unless the grid was kept
+    std::uint32_t rows = 0;                    ///< the same
+    std::uint32_t sourceColumns = 0;           ///< of the depth picture, also when the grid was not kept
+    std::size_t depthless = 0;                 ///< pixels without depth
+    std::size_t doubtful = 0;                  ///< pixels with depth, but too little confidence
+    std::size_t rayless = 0;                   ///< pixels with both, but no ray
 };
 
 } // namespace Zentara::Host

@@ -17,7 +17,7 @@ public:
     getAudioDefaultConfigurationsRequest(AVDeviceInterface* device,
                                          Utils::SmartPtr<AudioConfiguration> configuration);
 
-    /// What the device fills.
+    /// What the device fills; shared with the caller in a direct call, a copy on the worker.
     [[nodiscard]] const Utils::SmartPtr<AudioConfiguration>& getConfiguration() const;
 
 protected:
@@ -25,7 +25,7 @@ protected:
 
 private:
     friend struct RequestHusk;
-    Utils::SmartPtr<AudioConfiguration> configuration;
+    Utils::SmartPtr<AudioConfiguration> configuration; ///< null in a husk
 };
 
 /// Sets the input mixer's level.
@@ -40,7 +40,7 @@ protected:
     ~setAudioLevelRequest() override;
 
 private:
-    float level;
+    float level; ///< 0 (silent) to 1 (full)
 };
 
 /// Mutes the input or opens it again.

@@ -30,6 +30,17 @@ class disableRequest;
 /// its caller's patience, so it touches the caller's memory only through the request, and the request only
 /// until it returns.
 ///
+/// A proxy takes a device through these states, and back in the end; what a device refuses in which of them, it says
+/// itself. Only `initialize`, `open` and a stream are the host's or the node's to ask for.
+///
+///     Made --threadInitialize--> Prepared --initialize--> Described --open--> Open --enable...--> Streaming
+///      |                                                     ^                 |  ^                   |
+///      |                                                     +------ close ----+  +- disableStreaming-+
+///      +---- gone <--dispose-- <--threadUninitialize--------------- from each of the others
+///
+/// So a device may be disposed of while it is open, or streams, and ends both then, with its destruction at the latest.
+/// One whose camera was pulled out is taken the same way.
+///
 /// The order of the virtual operations is the boundary to back-ends that are built separately.
 class ZENTARA_API AVDeviceInterface : public Core::Plugin {
 public:
@@ -49,7 +60,7 @@ public:
     /// \throws Zentara::Plugin::ArgumentPluginException if `event` is null
     virtual void initialize(NodeEvent* event, Core::DescriptorStoreRO* store);
 
-    /// Prepares the calling thread for the platform's services.
+    /// Prepares the calling thread for the platform's services. The first call that a proxy makes, before `initialize`.
     virtual void threadInitialize() = 0;
 
     /// Takes that back, on the same thread.
@@ -67,7 +78,7 @@ public:
     /// \param length receives the frame's bytes
     virtual ReadBufferStatus readBuffer(void* buffer, int size, std::int64_t* timestamp, int* length) = 0;
 
-    /// Takes the hardware into use, and gives it back.
+    /// Takes the hardware into use, and gives it back. The request has no arguments.
     virtual void open(deviceRequest* request) = 0;
     virtual void close(deviceRequest* request) = 0;
 
@@ -80,7 +91,7 @@ public:
 protected:
     AVDeviceInterface(Core::ImplType type, GUID guid);
 
-    /// What `initialize` was given.
+    /// What `initialize` was given; all empty and 0 before.
     [[nodiscard]] const NodeEvent& getDescription() const;
 
     /// Null before `initialize` and after `dispose`.

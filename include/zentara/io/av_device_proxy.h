@@ -40,7 +40,8 @@ public:
     /// Gives back the worker thread.
     virtual ~AVDeviceProxy();
 
-    /// Prepares, and below unprepares, the calling thread: neither goes through the worker.
+    /// Prepares, and below unprepares, the calling thread: neither goes through the worker, whose thread the constructor
+    /// and `dispose` take care of.
     virtual void threadInitialize() = 0;
     virtual void threadUninitialize() = 0;
 
@@ -57,7 +58,7 @@ public:
 
     [[nodiscard]] bool isProxified() const;
 
-    /// The worker; null in direct mode and after `dispose`.
+    /// The worker; null in direct mode and after `dispose`. Lent: the proxy's reference holds it.
     [[nodiscard]] AVDeviceProxyThread* getProxy() const;
 
     /// Throws the plug-in exception that belongs to the type; returns for a type that has none. Safe.

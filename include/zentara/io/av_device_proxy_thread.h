@@ -16,6 +16,17 @@ class deviceRequest;
 /// time and in the order of submission. Back-ends need not be thread-safe for it, and a platform service that
 /// wants its calls from one prepared thread gets them so.
 ///
+///           first instance()            last release()             the thread has ended
+///     None ------------------> Running ----------------> Stopping --------------------> None
+///                                                           |
+///                                                           |  a device call holds the thread for 10 s, or it is the
+///                                                           |  thread itself that gives back the last reference
+///                                                           +--> left to its thread, and gone once that has ended
+///                                                                and another worker is made
+///
+/// Stopping, it rejects what is submitted and fails what is queued. The next instance() may make another worker beside
+/// one that is left.
+///
 /// One per process, counted: each `instance` is paired with one `release`, the last of which stops the
 /// thread. To a child of fork the thread does not come along: there the worker rejects what it is asked, and its last
 /// `release` leaves it as it is. `instance`, `release` and `processRequest` are safe; who calls `processRequest` holds

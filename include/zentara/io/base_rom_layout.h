@@ -40,7 +40,8 @@ public:
     /// Does nothing in this class.
     virtual void setDiagnosticData(DiagnosticData data);
 
-    // Whether the camera has it. From a descriptor store only the last can be true.
+    // Whether the camera has it: what a getter answers without it is empty or 0, and says nothing. From a descriptor
+    // store only the last can be true.
     [[nodiscard]] bool hasPhaseDelay() const;
     [[nodiscard]] bool hasAccelerometerCalibration() const;
     [[nodiscard]] bool hasImageRegistrationCalibration() const;
@@ -48,10 +49,12 @@ public:
     [[nodiscard]] bool hasProductionID() const;
     [[nodiscard]] bool hasTemperatureCalibration() const;
 
-    /// See `CalibrationData::getPhaseDelay`; 0 for every configuration unless a subclass knows better.
+    /// Steps of phase, 65,536 to a turn: see `CalibrationData::getPhaseDelay`; 0 for every configuration unless a subclass knows better.
     [[nodiscard]] short getPhaseDelay(Utils::SmartPtr<DepthBaseConfiguration> configuration) const;
-    [[nodiscard]] AccelerationInternal getAccelerometerCalibration() const;
+    [[nodiscard]] AccelerationInternal getAccelerometerCalibration() const; ///< offsets, in g
+    /// Lens models in pixels, the transform from the depth to the colour camera in millimetres.
     [[nodiscard]] StereoCameraParametersArray getImageRegistrationCalibration() const;
+    /// What the sensors read at calibration, degrees Celsius, for each camera mode.
     [[nodiscard]] TemperatureCalibration getTemperatureCalibration() const;
 
     /// Empty for a mode other than 0 and 1.
@@ -73,6 +76,7 @@ protected:
     void setTemperatureCompensation(const TemperatureCompensation& compensation);
     void storeDiagnosticData(DiagnosticData data);
 
+    /// What the constructor was given; not owned.
     [[nodiscard]] Core::DescriptorStoreRO* getDescriptorStore() const;
 
 private:

@@ -13,11 +13,11 @@ class DepthBaseConfiguration;
 
 namespace Zentara::IO {
 
-/// The phase delay of one depth mode.
+/// The phase delay of one depth mode. A copyable value. Separate.
 struct CalibrationElement {
     std::uint32_t frameRate = 0;  ///< frames per second
     std::uint32_t cameraMode = 0; ///< a `DepthNode::CameraMode`
-    std::int16_t phaseDelay = 0;
+    std::int16_t phaseDelay = 0;  ///< steps of phase, 65,536 to a turn
 
     friend bool operator==(const CalibrationElement&, const CalibrationElement&) = default;
 };
@@ -26,7 +26,7 @@ struct CalibrationElement {
 /// mode 1. A copyable value. Separate.
 class ZENTARA_API CalibrationData {
 public:
-    /// One phase delay for each camera mode.
+    /// One phase delay for each camera mode, in steps of phase.
     CalibrationData(short mode0, short mode1);
 
     /// One for each element: eight values in the order above. With any other number the first four serve both
@@ -38,7 +38,7 @@ public:
     [[nodiscard]] short getPhaseDelay(Utils::SmartPtr<DepthBaseConfiguration> configuration) const;
 
 private:
-    std::vector<CalibrationElement> elements;
+    std::vector<CalibrationElement> elements; ///< always eight, in the order above
 };
 
 } // namespace Zentara::IO

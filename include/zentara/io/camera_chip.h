@@ -16,11 +16,11 @@ namespace Zentara::IO {
 
 class VideoDeviceProxy;
 
-/// One SET or GET of an extension unit, as it passed over the wire.
+/// One SET or GET of an extension unit, as it passed over the wire. A copyable value. Separate.
 struct ChipTransfer {
-    bool isGet = false;
-    std::uint32_t unit = 0;
-    std::uint32_t control = 0;
+    bool isGet = false;              ///< a GET, which brings bytes; else a SET
+    std::uint32_t unit = 0;          ///< the unit's number on the camera
+    std::uint32_t control = 0;       ///< the selector of the control in that unit
     std::vector<std::uint8_t> sent;  ///< the packet of a SET, the request bytes of a GET
     std::vector<std::uint8_t> reply; ///< what a GET brought back; empty when it failed
     std::string failure;             ///< why the transfer failed; empty when it did not
@@ -31,7 +31,7 @@ struct ChipTransfer {
 /// not call the chip.
 using ChipListener = std::function<void(const ChipTransfer&)>;
 
-/// "11 1D 00"
+/// "11 1D 00". Safe.
 [[nodiscard]] ZENTARA_API std::string bytesText(const std::vector<std::uint8_t>& bytes);
 
 /// A camera's controller, whichever it is: what the known controllers have in common, and by name and limits what
@@ -44,7 +44,7 @@ public:
     /// Whose registers: the USB bridge's, the time-of-flight controller's or the colour sensor's.
     enum class Target { Bridge, Tof, Color };
 
-    /// The greatest register and value that a target takes.
+    /// The greatest register and value that a target takes; the least ones are 0.
     struct RegisterLimits {
         std::uint32_t reg;
         std::uint32_t value;
@@ -52,8 +52,8 @@ public:
 
     /// The greatest device address, register and value that a transfer on the camera's bus takes.
     struct BusLimits {
-        std::uint32_t device;
-        RegisterLimits of;
+        std::uint32_t device; ///< the greatest address of a device
+        RegisterLimits of;    ///< the one that was asked about
     };
 
     /// Meta codes, which take the place of a register in a raw command, begin here.
@@ -99,6 +99,7 @@ public:
     CameraChip(const CameraChip&) = delete;
     CameraChip& operator=(const CameraChip&) = delete;
 
+    /// As in names(). Lives as long as the library.
     [[nodiscard]] const char* name() const noexcept;
     /// The extension unit, and its number on the camera.
     [[nodiscard]] const ::GUID& unitGuid() const noexcept;
@@ -107,11 +108,13 @@ public:
     /// The chip itself, for raw transfers and requests of any kind.
     [[nodiscard]] virtual XUInterface& wire() noexcept = 0;
 
+    /// What write() and read() take there; asks the camera at most once.
     [[nodiscard]] virtual RegisterLimits limits(Target target) = 0;
+    /// One register. Numbers beyond the limits are not refused here: each chip cuts or refuses them in its own way.
     virtual void write(Target target, unsigned reg, unsigned value) = 0;
     [[nodiscard]] virtual unsigned read(Target target, unsigned reg) = 0;
 
-    /// Registers of devices on the camera's bus, of 1 or 2 bytes.
+    /// Registers of devices on the camera's bus, of 1 or 2 bytes. \param device its bus address
     [[nodiscard]] virtual BusLimits i2cLimits(std::uint8_t device, std::uint8_t dataBytes) = 0;
     virtual void writeI2c(std::uint8_t device, unsigned reg, unsigned value, std::uint8_t dataBytes) = 0;
     [[nodiscard]] virtual unsigned readI2c(std::uint8_t device, unsigned reg, std::uint8_t dataBytes) = 0;
@@ -121,6 +124,7 @@ public:
     [[nodiscard]] virtual std::vector<unsigned char> readConfiguration(unsigned start, unsigned length) = 0;
 
     [[nodiscard]] virtual bool canWriteConfiguration() const noexcept = 0;
+    /// Nothing is read back: who has to be sure does it. A failure in between leaves a part written.
     virtual void writeConfiguration(unsigned start, const std::vector<std::uint8_t>& bytes) = 0;
 
     /// The firmware versions of bridge (0 where it tells none) and time-of-flight controller.
@@ -136,7 +140,7 @@ public:
     /// \throws ArgumentPluginException for a frequency that is not among them
     void setModulationFrequency(unsigned megahertz);
 
-    /// Runs one raw command.
+    /// Runs one raw command: what `a` and `b` are depends on the prefix, see `UVCPrefix`.
     void command(UVCPrefix prefix, unsigned a, unsigned b);
 
     struct Row; ///< what the library knows of a controller

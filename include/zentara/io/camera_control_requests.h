@@ -12,7 +12,7 @@ class ColorConfiguration;
 
 namespace Zentara::IO {
 
-/// Changes one setting of a colour camera.
+/// Changes one setting of a colour camera; its unit stands at `CameraControlsEnum`.
 class ZENTARA_API setCameraControlRequest : public deviceRequest {
 public:
     setCameraControlRequest(AVDeviceInterface* device, CameraControlsEnum control, CameraControlValue value);
@@ -24,8 +24,8 @@ protected:
     ~setCameraControlRequest() override;
 
 private:
-    CameraControlsEnum control;
-    CameraControlValue value;
+    CameraControlsEnum control; ///< which
+    CameraControlValue value;   ///< to what
 };
 
 /// Asks what the settings of a colour camera accept.
@@ -41,7 +41,7 @@ protected:
     ~getCameraControlRangesRequest() override;
 
 private:
-    CameraControlRanges& ranges;
+    CameraControlRanges& ranges; ///< not owned
 };
 
 /// Asks for the colour modes.
@@ -58,7 +58,7 @@ protected:
     ~getColorConfigurationsRequest() override;
 
 private:
-    std::vector<Utils::SmartPtr<ColorConfiguration>>& configurations;
+    std::vector<Utils::SmartPtr<ColorConfiguration>>& configurations; ///< not owned
 };
 
 } // namespace Zentara::IO

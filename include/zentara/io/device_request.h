@@ -22,6 +22,20 @@ struct RequestHusk;
 /// reference on its device, and with it the device's plug-in, as long as it lives; one that was left behind gives that
 /// and all else that it holds back once the worker is done with it and nobody else has a reference, and then answers
 /// only for its type and its failure: `device` is null.
+/// Between a caller and the worker a request has these states. Each step is one atomic change, so that exactly one of the
+/// two wins where the worker takes a request up at the moment when its caller gives up:
+///
+///             processRequest            the worker takes it up              the device is done
+///     Idle -------------------> Queued -----------------------> Started ----------------------> Done
+///      ^                          |                                                              |
+///      |                          |  nobody comes: one device call has held the worker for 10 s  |
+///      |                          +--> Withdrawn: acknowledged, never executed                   |
+///      |                                                                                         |
+///      +------------------- the caller has met the end, and it did not fail ---------------------+
+///
+/// A caller that leaves while it is Started takes nothing with it: the request runs on to Done. One that got an exception
+/// may submit the request again only where it never came into the queue.
+///
 /// The signals, `cancelIO`, `lock`, `unlock` and the pending and cancelled flags are safe; the rest is handed
 /// from caller to worker and back by the signals.
 class ZENTARA_API deviceRequest : public Utils::Refcounted {
@@ -46,7 +60,7 @@ public:
     /// \return 0 when the request is done, -1 when the time has passed
     std::int32_t waitAck(std::uint32_t timeoutMilliseconds);
 
-    /// Waits for the end without limit.
+    /// Waits for the end without limit, whether it has started or not.
     void waitAck();
 
     /// A device says so while it has a transfer in flight that its `cancelIO` can cancel. It sets this flag

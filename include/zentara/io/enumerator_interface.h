@@ -27,6 +27,14 @@ namespace Zentara::IO {
 ///
 /// Used in this order: `initialize`, `execute`, `dispose`. The back-end's `run` is the body of the thread; it
 /// returns soon after `exitRequested` turns true. `execute`, `exit` and `dispose` are safe.
+///
+///              initialize              execute                 exit
+///     Made -----------------> Ready -------------> Running -----------> Ending
+///      ^                      |   ^                   |                   |
+///      +------- dispose ------+   +---- run returns --+-------------------+
+///
+/// `dispose` takes it back from each of them, and waits until the thread has ended. `enumerate` and `isPresent` answer
+/// from Ready on: a host that only wants to know what is there never calls `execute`.
 class ZENTARA_API EnumeratorInterface : public Core::Plugin, public Utils::Threading::Runnable {
 public:
     explicit EnumeratorInterface(GUID guid);
@@ -54,7 +62,7 @@ public:
     /// replaced.
     virtual void execute();
 
-    /// Replaces the list's content by the nodes that are there now. A snapshot: never blocks.
+    /// Replaces the list's content by the nodes that are there now. A snapshot, which the caller owns: never blocks.
     virtual void enumerate(std::vector<NodeEvent>& nodes) = 0;
 
     /// Whether the node is there now.

@@ -12,6 +12,7 @@ namespace Zentara::IO {
 /// Stores the identifiers of a camera's modules in the camera. Separate.
 class ZENTARA_API setHardwareVersionRequest : public xuRequest {
 public:
+    /// Five modules that are all 0.
     setHardwareVersionRequest();
     setHardwareVersionRequest(const ModuleIdInternal& first, const ModuleIdInternal& second,
                               const ModuleIdInternal& third, const ModuleIdInternal& fourth,
@@ -33,12 +34,15 @@ private:
 /// Stores the lens models of a camera in the camera. Separate.
 class ZENTARA_API setSystemCalibrationRequest : public xuRequest {
 public:
+    /// No lens model.
     setSystemCalibrationRequest();
+    /// \param intrinsics one for each image size, in pixels of that
     explicit setSystemCalibrationRequest(std::vector<IntrinsicParametersInternal> intrinsics);
     setSystemCalibrationRequest(const setSystemCalibrationRequest&);
 
     [[nodiscard]] Utils::SmartPtr<xuRequest> clone() const override;
 
+    /// The request's own; lent as long as it lives.
     [[nodiscard]] std::vector<IntrinsicParametersInternal>& getIntrinsics() { return intrinsics; }
     [[nodiscard]] const std::vector<IntrinsicParametersInternal>& getIntrinsics() const { return intrinsics; }
 

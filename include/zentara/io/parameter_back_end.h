@@ -21,6 +21,8 @@
 namespace Zentara::IO::BackEnd {
 
 /// An extension-unit SET or GET on the camera that `context` stands for. Returns once the transfer has ended.
+/// \param unit the unit's number on the camera \param selector of the control in it
+/// \param data `length` bytes, the caller's; a GET's are part of the question, and are overwritten by the answer
 using Transfer = ErrorCode(void* context, unsigned short unit, unsigned int selector, unsigned char* data,
                            unsigned int length);
 
@@ -34,6 +36,8 @@ using Initialize = ErrorCode(void* instance, void* context, Transfer* set, Trans
                              const HardwareIDs* ids, const HardwareVersionInternal* version);
 using Dispose = ErrorCode(void* instance);
 
+/// What is asked of a parameter that the camera does not have is answered with `ErrorCode_NOT_SUPPORTED`, a value beyond
+/// the range with `ErrorCode_OUT_OF_RANGE`. Values are in the unit that GetUnitType tells.
 using GetUnitType = ErrorCode(void* instance, ParameterType parameter, UnitType* unit);
 using GetAccessMode = ErrorCode(void* instance, ParameterType parameter, AccessMode* mode);
 using ReadFloat = ErrorCode(void* instance, ParameterType parameter, float* value);
@@ -42,6 +46,7 @@ using ReadInt = ErrorCode(void* instance, ParameterType parameter, int* value);
 using WriteInt = ErrorCode(void* instance, ParameterType parameter, int value);
 using ReadBool = ErrorCode(void* instance, ParameterType parameter, bool* value);
 using WriteBool = ErrorCode(void* instance, ParameterType parameter, bool value);
+/// In pixels of the sensor.
 using SetRegionOfInterest = ErrorCode(void* instance, const RegionOfInterestInternal* region);
 using GetRegionOfInterest = ErrorCode(void* instance, RegionOfInterestInternal* region);
 
@@ -62,7 +67,7 @@ using GetParameterRange = ErrorCode(void* instance, ParameterType parameter, uns
 using WriteCalibration = ErrorCode(void* instance, const unsigned char* buffer, unsigned int length);
 using ReadCalibration = ErrorCode(void* instance, unsigned char* buffer, unsigned int* length);
 
-/// What a raw phase value is multiplied with.
+/// What a raw phase value is multiplied with to be a distance in millimetres.
 using GetPhaseScaling = ErrorCode(void* instance, float* scaling);
 
 } // namespace Zentara::IO::BackEnd

@@ -29,6 +29,11 @@ namespace Zentara::IO {
 /// `Zentara::Plugin::InvalidOperationPluginException`. A call blocks as long as the back-end's transfers take.
 /// Separate.
 ///
+///                initialize: an instance of the back-end
+///     Made -------------------------------------------------> Ready
+///      ^                                                        |
+///      +---- dispose, or an initialize that fails: no instance -+
+///
 /// Every operation throws `Zentara::Plugin::NotSupportedPluginException`, naming the function, if the back-end does
 /// not export the function that it needs, and `Zentara::Plugin::ArgumentPluginException` for a null pointer. Where a
 /// result is stored through a pointer, a call that throws leaves it unchanged.
@@ -62,12 +67,16 @@ public:
     /// Disposes and destroys the back-end instance. Without one it does nothing.
     virtual void dispose();
 
+    /// The unit of its value, and of its range.
     /// \throws Zentara::Plugin::NotSupportedPluginException "Failed to get unit type from plugin for PARAMETER"
     [[nodiscard]] virtual UnitType getUnitType(ParameterType parameter);
 
+    /// Whether it can be read, and written.
     /// \throws Zentara::Plugin::NotSupportedPluginException "Parameter PARAMETER is not supported"
     [[nodiscard]] virtual AccessMode getAccessMode(ParameterType parameter);
 
+    /// Writes a value in the parameter's unit. Which of the three fits, getParameterValueType tells; the back-end is
+    /// asked either way.
     /// \throws Zentara::Plugin::ArgumentPluginException "value out of range"
     /// \throws Zentara::Plugin::IOPluginException "Failed to write parameter"
     virtual void write(ParameterType parameter, bool value);
@@ -81,6 +90,7 @@ public:
     ///         number does not fit one byte; nothing is written then
     virtual void write(const ParameterRequestMap& state);
 
+    /// Reads a value in the parameter's unit.
     /// \throws Zentara::Plugin::IOPluginException "Failed to read parameter"
     virtual void read(ParameterType parameter, bool* value);
     virtual void read(ParameterType parameter, int* value);
@@ -92,6 +102,7 @@ public:
     ///         request is changed then
     virtual void read(ParameterRequestMap& state);
 
+    /// Parameter 13, in pixels of the sensor.
     /// \throws Zentara::Plugin::ArgumentPluginException "value out of range"
     /// \throws Zentara::Plugin::IOPluginException "Failed to set region of interest"
     virtual void setRegionOfInterest(RegionOfInterestInternal region);
@@ -120,6 +131,7 @@ public:
     ///         unmarshal calibration"
     virtual void readCalibration(CalibrationInternal* calibration);
 
+    /// What a raw phase value is multiplied with to be a distance in millimetres.
     /// \throws Zentara::Plugin::IOPluginException "Failed to get phase scaling"
     [[nodiscard]] virtual float getPhaseScaling();
 

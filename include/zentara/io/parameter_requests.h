@@ -27,6 +27,7 @@ private:
     ParameterType parameter = ParameterType_NONE;
 };
 
+/// Writes a float, in the parameter's unit. Type 26. Separate.
 class ZENTARA_API setFloatParameterRequest : public setParameterRequest {
 public:
     setFloatParameterRequest();
@@ -45,6 +46,7 @@ private:
     float value = 0;
 };
 
+/// Writes a switch. Type 28. Separate.
 class ZENTARA_API setBoolParameterRequest : public setParameterRequest {
 public:
     setBoolParameterRequest();
@@ -63,6 +65,7 @@ private:
     bool value = false;
 };
 
+/// Writes an integer, in the parameter's unit. Type 30. Separate.
 class ZENTARA_API setIntParameterRequest : public setParameterRequest {
 public:
     setIntParameterRequest();
@@ -81,7 +84,7 @@ private:
     std::int32_t value = 0;
 };
 
-/// Writes the region of interest, parameter 13.
+/// Writes the region of interest, parameter 13, in pixels of the sensor. Type 36. Separate.
 class ZENTARA_API setRegionOfInterestRequest : public setParameterRequest {
 public:
     /// An empty region.
@@ -101,10 +104,11 @@ private:
     RegionOfInterestInternal region;
 };
 
-/// A system state: for each parameter the request that sets it.
+/// A system state: for each parameter the request that sets it. The map shares the requests with whoever else has them:
+/// reading a state changes their values in place.
 using ParameterRequestMap = std::unordered_map<ParameterType, Utils::SmartPtr<xuRequest>>;
 
-/// Sets many parameters at once.
+/// Sets many parameters at once. Type 39. Separate.
 class ZENTARA_API setSystemStateRequest : public xuRequest {
 public:
     /// An empty state.
@@ -125,7 +129,7 @@ protected:
     ~setSystemStateRequest() override;
 
 private:
-    ParameterRequestMap state;
+    ParameterRequestMap state; ///< a null request counts as none
 };
 
 } // namespace Zentara::IO

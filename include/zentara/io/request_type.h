@@ -6,8 +6,9 @@
 
 namespace Zentara::IO {
 
-/// The operations on a device that travel as requests. The mixed case of the names is part of the vocabulary:
-/// the library prints them.
+/// The operations on a device that travel as requests, each for the operation of the same name of `AVDeviceInterface`,
+/// `VideoDeviceInterface` or `AudioDeviceInterface`. The mixed case of the names is part of the vocabulary: the library
+/// prints them.
 enum RequestType : std::int32_t {
     RequestType_NONE = 0, ///< asks the worker to stop
     RequestType_THREAD_INITIALIZE = 1,

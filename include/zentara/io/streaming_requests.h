@@ -29,7 +29,7 @@ protected:
 
 private:
     friend struct RequestHusk;
-    Utils::SmartPtr<DepthBaseConfiguration> configuration;
+    Utils::SmartPtr<DepthBaseConfiguration> configuration; ///< null in a husk
 };
 
 /// Starts a colour stream with the given settings.
@@ -46,7 +46,7 @@ protected:
 
 private:
     friend struct RequestHusk;
-    Utils::SmartPtr<ColorConfiguration> configuration;
+    Utils::SmartPtr<ColorConfiguration> configuration; ///< null in a husk
     CameraControls controls;
 };
 
@@ -65,8 +65,8 @@ protected:
 
 private:
     friend struct RequestHusk;
-    Utils::SmartPtr<AudioConfiguration> configuration;
-    float level;
+    Utils::SmartPtr<AudioConfiguration> configuration; ///< null in a husk
+    float level;                                       ///< 0 (silent) to 1 (full)
     bool mute;
 };
 
@@ -102,7 +102,7 @@ protected:
     ~resumeStreamingRequest() override;
 };
 
-/// Chooses the part of the sensor that is delivered.
+/// Chooses the part of the sensor that is delivered, in pixels.
 class ZENTARA_API setDeviceRegionOfInterestRequest : public deviceRequest {
 public:
     setDeviceRegionOfInterestRequest(AVDeviceInterface* device, const RegionOfInterestInternal& region);

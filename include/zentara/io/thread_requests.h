@@ -4,7 +4,7 @@
 
 namespace Zentara::IO {
 
-/// Prepares the executing thread for the device.
+/// Prepares the executing thread for the device. Without arguments or results, as the next one.
 class ZENTARA_API threadInitializeRequest : public deviceRequest {
 public:
     explicit threadInitializeRequest(AVDeviceInterface* device);

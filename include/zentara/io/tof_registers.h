@@ -10,11 +10,12 @@
 
 namespace Zentara::IO {
 
-/// What a parameter back-end is handed as its way to the camera. Belongs to the interpreter.
+/// What a parameter back-end is handed as its way to the camera. Belongs to the interpreter, and holds until the
+/// back-end's Dispose. A copyable value. Separate.
 struct BackEndWay {
-    void* context; ///< goes back unchanged into both
-    BackEnd::Transfer* set;
-    BackEnd::Transfer* get;
+    void* context;          ///< goes back unchanged into both
+    BackEnd::Transfer* set; ///< sends bytes
+    BackEnd::Transfer* get; ///< asks for bytes
 };
 
 /// The registers of a camera's time-of-flight controller, as a parameter back-end reaches them, whichever controller the

@@ -6,7 +6,8 @@
 
 namespace Zentara::IO {
 
-/// A control transfer from the device.
+/// A control transfer from the device: request code, value and index are those of the USB setup packet, in the
+/// machine's byte order.
 class ZENTARA_API readControlTransferRequest : public deviceRequest {
 public:
     /// \param buffer the caller's, of `length` bytes; must live until the request is done
@@ -26,11 +27,11 @@ private:
     std::uint8_t requestCode;
     std::uint16_t value;
     std::uint16_t index;
-    std::uint8_t* buffer;
-    std::uint16_t length;
+    std::uint8_t* buffer; ///< not owned
+    std::uint16_t length; ///< bytes of it
 };
 
-/// A control transfer to the device.
+/// A control transfer to the device, with the same arguments.
 class ZENTARA_API writeControlTransferRequest : public deviceRequest {
 public:
     /// \param buffer the caller's, of `length` bytes; must live until the request is done
@@ -50,11 +51,11 @@ private:
     std::uint8_t requestCode;
     std::uint16_t value;
     std::uint16_t index;
-    const std::uint8_t* buffer;
-    std::uint16_t length;
+    const std::uint8_t* buffer; ///< not owned
+    std::uint16_t length;       ///< bytes of it
 };
 
-/// A bulk transfer to the device.
+/// A bulk transfer to one of the device's endpoints.
 class ZENTARA_API writeBulkTransferRequest : public deviceRequest {
 public:
     /// \param data the caller's, of `length` bytes; must live until the request is done
@@ -70,8 +71,8 @@ protected:
 
 private:
     std::uint8_t endpoint;
-    const std::uint8_t* data;
-    std::int32_t length;
+    const std::uint8_t* data; ///< not owned
+    std::int32_t length;      ///< bytes of it
 };
 
 } // namespace Zentara::IO

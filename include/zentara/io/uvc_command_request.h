@@ -5,16 +5,17 @@
 namespace Zentara::IO {
 
 /// The sub-command of a raw chip command. Each chip gives it its own meaning and ignores what it does not
-/// know.
+/// know; what is said here is what it usually means.
 enum UVCPrefix : std::int32_t {
-    UVC_USB_BACKEND_REGISTER = 0,
-    UVC_TOF_CONTROLLER_REGISTER = 1,
-    UVC_CONFIGURE_DAC = 2,
-    UVC_ADC_VALUE = 3,
-    UVC_SET_STROBE = 4,
-    UVC_RESET_STROBE = 5,
-    UVC_RESET_FPGA = 6,
-    UVC_SYNC_FPGA = 7,
+    UVC_USB_BACKEND_REGISTER = 0, ///< write b to register a of the bridge
+    UVC_TOF_CONTROLLER_REGISTER =
+        1,                 ///< write b to register a of the time-of-flight controller; from 1000 a meta code
+    UVC_CONFIGURE_DAC = 2, ///< set the digital-to-analogue converter to b
+    UVC_ADC_VALUE = 3,     ///< set the analogue-to-digital converter: its value to b, its control to a
+    UVC_SET_STROBE = 4,    ///< set bits b in strobe register a
+    UVC_RESET_STROBE = 5,  ///< clear bits b in strobe register a
+    UVC_RESET_FPGA = 6,    ///< wait until the FPGA is out of reset
+    UVC_SYNC_FPGA = 7,     ///< wait until the FPGA says that it is in step
 };
 
 /// A raw chip command: most often "write b to register a". Separate.

@@ -21,7 +21,8 @@ class xuRecvRequest;
 class xuSendRequest;
 class xuSetupRequest;
 
-/// What a video back-end, for depth or colour, implements.
+/// What a video back-end, for depth or colour, implements. What its frames look like, the description says to which the
+/// node belongs.
 class ZENTARA_API VideoDeviceInterface : public AVDeviceInterface {
 public:
     explicit VideoDeviceInterface(GUID guid);
@@ -41,7 +42,7 @@ public:
     virtual void enableColorStreaming(enableColorRequest* request) = 0;
     virtual void enableDepthStreaming(enableDepthRequest* request) = 0;
 
-    /// Changes the request's one setting.
+    /// Changes the request's one setting, also of a running stream.
     virtual void setCameraControl(setCameraControlRequest* request) = 0;
 
     /// Transfers to and from a control of an extension unit, the number of bytes that the control has, and the choice

@@ -25,10 +25,10 @@ protected:
     ~xuSendRequest() override;
 
 private:
-    std::uint32_t unit;
-    std::int32_t control;
-    std::uint32_t length;
-    const void* data;
+    std::uint32_t unit;   ///< the unit's number on the camera
+    std::int32_t control; ///< the selector of the control in it
+    std::uint32_t length; ///< bytes
+    const void* data;     ///< not owned
 };
 
 /// A carrier for extension-unit traffic whose type the caller gives. A device takes it as what it is, a send of the
@@ -61,10 +61,10 @@ protected:
     ~xuRecvRequest() override;
 
 private:
-    std::uint32_t unit;
-    std::int32_t control;
-    std::uint32_t length;
-    void* data;
+    std::uint32_t unit;   ///< the unit's number on the camera
+    std::int32_t control; ///< the selector of the control in it
+    std::uint32_t length; ///< bytes
+    void* data;           ///< not owned
     bool flag;
 };
 
@@ -86,7 +86,7 @@ protected:
 private:
     std::uint32_t unit;
     std::uint32_t control;
-    std::int32_t* result;
+    std::int32_t* result; ///< not owned; bytes
 };
 
 /// Tells the device which extension unit is meant from now on.
@@ -101,7 +101,7 @@ protected:
     ~xuSetupRequest() override;
 
 private:
-    const GUID& guid;
+    const GUID& guid; ///< not owned
 };
 
 } // namespace Zentara::IO

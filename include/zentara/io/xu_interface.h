@@ -15,6 +15,11 @@ class xuRequest;
 /// Video Class extension unit. All that a chip does to its camera goes through `send` and `recv`, which a
 /// test may override to put a chip on something else.
 ///
+///                  initialize(proxy)
+///     Unbound ------------------------> Bound
+///        ^                                |
+///        +---------- dispose() -----------+
+///
 /// Order of calls: construct the chip, `initialize(proxy)`, any number of commands, `dispose()` before the
 /// proxy goes away. A copy shares the binding of the object it was made from and must not outlive that
 /// object, in whose destructor the binding goes. An object that is assigned to keeps its own binding for
@@ -27,7 +32,7 @@ public:
     XUInterface& operator=(const XUInterface& other) noexcept;
     virtual ~XUInterface();
 
-    /// Selects the extension unit on the proxy. Does nothing while no proxy is bound.
+    /// Selects the extension unit on the proxy: from now on `send` and `recv` go to it. Does nothing while no proxy is bound.
     virtual void setup(const ::GUID& unit);
 
     /// Selects the chip's own extension unit.

@@ -10,7 +10,7 @@ namespace Zentara::IO {
 
 /// The kind of an extension-unit request. The numbers are fixed: chips and system states select by them.
 enum XURequestType : std::int32_t {
-    XU_UVC_COMMAND = 1,
+    XU_UVC_COMMAND = 1, ///< a raw chip command; the others are named after their classes
     XU_SET_FLOAT_PARAMETER = 26,
     XU_SET_BOOL_PARAMETER = 28,
     XU_SET_INT_PARAMETER = 30,
@@ -49,7 +49,7 @@ protected:
     ~xuRequest() override;
 
 private:
-    XURequestType requestType{};
+    XURequestType requestType{}; ///< 0 for one that has no kind yet
 };
 
 } // namespace Zentara::IO

@@ -8,7 +8,8 @@
 
 namespace Zentara::ROM {
 
-/// The accelerometer's calibration: three floats, in the units of whoever wrote them.
+/// The accelerometer's calibration: three floats, offsets along the camera's axes, in the units of whoever wrote them.
+/// The SDK's nodes take them for g. A copyable value. Separate.
 class ZENTARA_API AccelerometerCalibrationData {
 public:
     static constexpr TypeMarker MARKER = TypeMarker::AccelerometerCalibrationData;
@@ -40,9 +41,9 @@ protected:
 private:
     void swap(AccelerometerCalibrationData& other) noexcept;
 
-    float x = 0;
-    float y = 0;
-    float z = 0;
+    float x = 0; ///< to the right
+    float y = 0; ///< down
+    float z = 0; ///< into the scene
 };
 
 } // namespace Zentara::ROM

@@ -15,6 +15,7 @@ public:
 
     /// Reads exactly `length` bytes at `address`. A shorter or longer answer counts as unreadable data, and
     /// after a write as a failed write. May throw; the exception passes through the layers above.
+    /// \param address of the flash, in bytes \param length bytes; may be 0
     virtual std::vector<std::uint8_t> read(std::uint32_t address, std::uint32_t length) = 0;
 
     /// Writes all bytes at `address`. They must be readable when this returns: every write is read back at

@@ -24,6 +24,14 @@ class ChunkedMemoryManagementHeader;
 /// Life: initialize(), then any number of operations, then dispose(). initializeRom() may be called at any
 /// time. Used from one thread at a time. An accessor's exceptions pass through.
 ///
+///                initialize(): a header that can be read
+///     Empty -----------------------------------------------> Loaded
+///       ^     initializeRom(): a new one was written           |
+///       |                                                      |
+///       +------ dispose(); an initialize() without one --------+
+///
+/// Empty, romInitialized() is false and there are no blocks.
+///
 /// Lack of memory throws `std::bad_alloc` and is never taken for the end of the chain. What a change needs is
 /// got before its first write, the room for what is read back among it; so table and chain stay as they were.
 ///

@@ -12,7 +12,8 @@
 
 namespace Zentara::ROM {
 
-/// Section type 3: what the depth processing of this one camera is to be set to.
+/// Section type 3: what the depth processing of this one camera is to be set to. Of each correction there is one, for
+/// both camera modes, but two phase offsets. A copyable value. Separate.
 class ZENTARA_API Configuration : public Object {
 public:
     /// Give the second offset the second marker; both are written with the markers that they carry.

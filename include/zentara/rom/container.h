@@ -36,7 +36,7 @@ public:
     virtual void initialize();
     /// Forgets header and sections. The manager is left as it is.
     virtual void dispose();
-    /// Ascending.
+    /// Of the sections in memory, ascending.
     virtual std::vector<std::uint16_t> getSectionUIDs();
     /// A copy of the section's data.
     /// \throws ArgumentPluginException for an unknown uid.
@@ -57,6 +57,7 @@ public:
     virtual void set(std::uint16_t uid, ContainerSectionType type, std::uint8_t flags,
                      const std::vector<std::uint8_t>& data);
 
+    /// Takes the section out of the chain; its bytes stay on flash.
     /// \throws ArgumentPluginException for an unknown uid.
     /// \throws UnauthorizedAccessPluginException if the section is read-only.
     /// \throws InvalidOperationPluginException if the container is not version 1.
@@ -70,8 +71,9 @@ public:
     /// be sure, format the memory itself before.
     /// \throws IOPluginException "failed to allocate space on the device".
     virtual void initializeRom();
+    /// Whether a header and its blocks are loaded.
     virtual bool romInitialized();
-    /// \throws ArgumentPluginException for an unknown uid.
+    /// Whether set() and erase() may touch it. \throws ArgumentPluginException for an unknown uid.
     virtual bool sectionIsWritable(std::uint16_t uid);
     /// Lent until the next change; null while not initialized.
     virtual const ContainerHeader* getContainerHeader();

@@ -7,7 +7,8 @@
 
 namespace Zentara::ROM {
 
-/// The four bytes in the first block of a container: version, minimum readout version and the CRC-16 of both.
+/// The four bytes in the first block of a container: version, minimum readout version and the CRC-16 of both. A reader
+/// of version N may read what asks for a minimum readout version of N or less. A copyable value. Separate.
 class ZENTARA_API ContainerHeader {
 public:
     static constexpr std::uint32_t SIZE = 1 + 1 + 2;
@@ -22,6 +23,7 @@ public:
     virtual std::uint8_t getVersion() const;
     virtual std::uint8_t getMinReadoutVersion() const;
 
+    /// The four bytes, with a CRC made anew.
     std::vector<std::uint8_t> serialize() const;
 
     /// A new header owned by the caller; null for fewer than four bytes, a wrong CRC or version 0. Surplus

@@ -9,7 +9,8 @@
 
 namespace Zentara::ROM {
 
-/// The cyclic error correction: an algorithm byte, a count byte, then that many coefficients as floats.
+/// The cyclic error correction: an algorithm byte, a count byte, then that many coefficients as floats, whose unit is
+/// the algorithm's. There is one, for both camera modes. A copyable value. Separate.
 class ZENTARA_API CyclicErrorCorrectionData {
 public:
     static constexpr TypeMarker MARKER = TypeMarker::CyclicErrorCorrectionData;
@@ -42,7 +43,7 @@ private:
     void swap(CyclicErrorCorrectionData& other) noexcept;
 
     CyclicErrorAlgorithmID algorithm = CyclicErrorAlgorithmID::None;
-    std::vector<float> values;
+    std::vector<float> values; ///< at most 255 can be written
 };
 
 } // namespace Zentara::ROM

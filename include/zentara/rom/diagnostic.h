@@ -9,7 +9,7 @@
 
 namespace Zentara::ROM {
 
-/// Section type 4: what happened to this camera.
+/// Section type 4: what happened to this camera. A copyable value. Separate.
 class ZENTARA_API Diagnostic : public Object {
 public:
     explicit Diagnostic(const OverheatingDiagnosticData& overheating);

@@ -10,7 +10,8 @@
 namespace Zentara::ROM {
 
 /// The rigid transform between depth and colour camera: a rotation matrix, row by row, then a translation.
-/// Twelve floats, the translation in the units of whoever wrote it.
+/// Twelve floats, the translation in the units of whoever wrote it; the SDK's nodes take it for millimetres, from the
+/// depth to the colour camera. A copyable value. Separate.
 class ZENTARA_API ExtrinsicsData {
 public:
     static constexpr TypeMarker MARKER = TypeMarker::ExtrinsicsData;
@@ -52,7 +53,7 @@ protected:
 private:
     void swap(ExtrinsicsData& other) noexcept;
 
-    std::array<float, 12> values{};
+    std::array<float, 12> values{}; ///< r11 to r33, t1 to t3: as on flash
 };
 
 } // namespace Zentara::ROM

@@ -9,7 +9,7 @@
 namespace Zentara::ROM {
 
 /// The correction table of one modulation frequency: the frequency as 16 bits, a 32-bit count, then that many
-/// bytes.
+/// bytes. How they are laid out in rows the record does not say. A copyable value. Separate.
 class ZENTARA_API GradientDistortionCorrectionData {
 public:
     static constexpr TypeMarker MARKER = TypeMarker::GradientDistortionCorrectionData;
@@ -38,8 +38,8 @@ protected:
     virtual void swap(GradientDistortionCorrectionData& other) noexcept;
 
 private:
-    std::uint16_t modulationFrequency;
-    std::vector<std::uint8_t> values;
+    std::uint16_t modulationFrequency; ///< as stored; the host library takes it for MHz
+    std::vector<std::uint8_t> values;  ///< row by row
 };
 
 } // namespace Zentara::ROM

@@ -17,6 +17,8 @@ namespace Zentara::ROM {
 ///     6       1     number of sets
 ///     7       1     length of the serial id, its zero byte included
 ///     8       ...   serial id and one zero byte
+///
+/// A copyable value. Separate.
 class ZENTARA_API GradientDistortionCorrectionHeader {
 public:
     static constexpr TypeMarker MARKER = TypeMarker::GradientDistortionCorrectionHeader;
@@ -51,9 +53,9 @@ protected:
 
 private:
     std::uint16_t versionNumber = 0;
-    std::uint32_t timeOfLastWrite = 0;
-    std::uint8_t numberOfSets = 0;
-    std::string serialId;
+    std::uint32_t timeOfLastWrite = 0; ///< as stored; the host library takes it for seconds since 1970, UTC
+    std::uint8_t numberOfSets = 0;     ///< what the file says; how many tables there are is seen by reading
+    std::string serialId;              ///< of the camera that the tables were measured on
 };
 
 } // namespace Zentara::ROM

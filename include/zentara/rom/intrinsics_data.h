@@ -10,7 +10,8 @@
 namespace Zentara::ROM {
 
 /// A lens model of the depth or the colour camera: two 16-bit sizes in pixels, then nine floats in the order
-/// fx, fy, cx, cy, k1, k2, p1, p2, k3, here as on flash.
+/// fx, fy, cx, cy, k1, k2, p1, p2, k3, here as on flash. What they mean, `CameraIntrinsics` says, which counts k3 before
+/// p1. A copyable value. Separate.
 class ZENTARA_API IntrinsicsData {
 public:
     /// Which camera the lens model is for; the marker on flash follows from it.
@@ -56,7 +57,7 @@ private:
     void swap(IntrinsicsData& other) noexcept;
 
     Type type;
-    CameraIntrinsics intrinsics;
+    CameraIntrinsics intrinsics; ///< focal lengths and principal point in pixels
 };
 
 } // namespace Zentara::ROM

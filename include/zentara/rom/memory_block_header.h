@@ -42,9 +42,9 @@ protected:
     virtual void setBlockOffset(std::uint32_t address);
 
 private:
-    std::uint32_t allocatedSize;
-    std::uint32_t nextBlockOffset;
-    std::uint32_t blockOffset = 0;
+    std::uint32_t allocatedSize;   ///< bytes, this header included, not rounded to chunks
+    std::uint32_t nextBlockOffset; ///< absolute, in spite of the name; 0 at the end of the chain
+    std::uint32_t blockOffset = 0; ///< absolute; where this header stands
 };
 
 } // namespace Zentara::ROM

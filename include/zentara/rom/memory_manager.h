@@ -33,6 +33,7 @@ public:
     virtual std::uint32_t getMaximumUsableSize(const MemoryBlockHeader* block) = 0;
     /// Reserves room for `size` content bytes: a block to be given to write(), or null when nothing fits.
     virtual const MemoryBlockHeader* allocate(std::uint32_t size) = 0;
+    /// Whether formatted memory is loaded.
     virtual bool romInitialized() = 0;
     /// Formats the memory: an empty chain.
     virtual void initializeRom() = 0;

@@ -8,7 +8,7 @@
 
 namespace Zentara::ROM {
 
-/// How often the camera overheated: a soft and a hard counter, one byte each.
+/// How often the camera overheated: a soft and a hard counter, one byte each. A copyable value. Separate.
 class ZENTARA_API OverheatingDiagnosticData {
 public:
     static constexpr TypeMarker MARKER = TypeMarker::OverheatingDiagnosticData;
@@ -39,8 +39,8 @@ protected:
 private:
     void swap(OverheatingDiagnosticData& other) noexcept;
 
-    std::uint8_t softCounter = 0;
-    std::uint8_t hardCounter = 0;
+    std::uint8_t softCounter = 0; ///< it dimmed its illumination, so often
+    std::uint8_t hardCounter = 0; ///< it switched its illumination off, so often
 };
 
 } // namespace Zentara::ROM

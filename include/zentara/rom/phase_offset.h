@@ -8,8 +8,9 @@
 
 namespace Zentara::ROM {
 
-/// A phase offset: a signed 16-bit number. A camera has two, told apart by their markers; each keeps the one
-/// that it was built or read with.
+/// A phase offset: a signed 16-bit number, in steps of the raw phase, of which 65,536 are one turn. A camera has two,
+/// the first for camera mode 0 and the second for mode 1, told apart by their markers; each keeps the one that it was
+/// built or read with. A copyable value. Separate.
 class ZENTARA_API PhaseOffset {
 public:
     static constexpr TypeMarker MARKER = TypeMarker::PhaseOffset;

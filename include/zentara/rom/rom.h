@@ -15,7 +15,18 @@ class Object;
 ///
 /// Built bottom-up by a device plug-in: an Accessor over the flash, a ChunkedMemoryManager over the area, a
 /// Container, then this; then initialize(). The layers beneath are not owned, must outlive this object and
-/// are reached only through it.
+/// are reached only through it. Over an image file:
+///
+///     FileAccessor flash("camera.bin");
+///     ChunkedMemoryManager memory(&flash, 0, 65536, 256, true); // start, size, chunk size, header at start
+///     Container container(&memory);
+///     ROM rom(&container);
+///     rom.initialize();
+///
+///               initialize(): a formatted storage
+///     Empty ---------------------------------------> Loaded
+///       ^     initializeRom(), which formats it        |
+///       +------------------ dispose() -----------------+
 ///
 /// *Safe*: one mutex serialises all operations. It is held while the flash is accessed, for as long as the
 /// accessor takes; an accessor must not call back into the same object.
@@ -30,9 +41,11 @@ public:
 
     /// Loads the storage. Nothing is written, and a storage that was never formatted is no error.
     virtual void initialize();
+    /// Forgets what was loaded. The layers beneath stay, and can be initialized again.
     virtual void dispose();
+    /// Whether there is a formatted storage to read from and write to.
     virtual bool romInitialized();
-    /// Ascending.
+    /// The numbers of the sections, ascending.
     virtual std::vector<std::uint16_t> getUIDs();
     /// A new object owned by the caller; null if the section's type is unknown.
     /// \throws ArgumentPluginException for an unknown uid.

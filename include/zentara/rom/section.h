@@ -19,6 +19,8 @@ namespace Zentara::ROM {
 ///     9           2     CRC-16 of bytes 0 to 8
 ///     11          ...   data
 ///     length - 2  2     CRC-16 of the data
+///
+/// A copyable value that owns its data. Separate.
 class ZENTARA_API Section {
 public:
     static constexpr std::uint32_t HEADER_SIZE = 1 + 4 + 1 + 1 + 2;
@@ -40,6 +42,7 @@ public:
     virtual const std::vector<std::uint8_t>& getSerializedData() const;
     virtual void setFlags(std::uint8_t flags);
 
+    /// All its bytes, with both CRCs made anew.
     std::vector<std::uint8_t> serialize() const;
 
     /// A new section owned by the caller; null if the marker, a CRC or the length is wrong: below 13 or more

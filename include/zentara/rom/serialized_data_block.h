@@ -14,6 +14,8 @@ namespace Zentara::ROM {
 ///     1       1     version
 ///     2       4     length of the whole record, little-endian unlike every other number of the storage
 ///     6       ...   data
+///
+/// A copyable value that owns its data. Separate.
 class ZENTARA_API SerializedDataBlock {
 public:
     static constexpr std::uint32_t MIN_SIZE = 1 + 1 + 4;
@@ -30,6 +32,7 @@ public:
     /// Data size plus the six bytes before it.
     virtual std::uint32_t getLength() const;
 
+    /// The whole record: the six bytes, then the data.
     std::vector<std::uint8_t> serialize() const;
 
 protected:

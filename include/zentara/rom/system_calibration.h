@@ -11,8 +11,8 @@
 
 namespace Zentara::ROM {
 
-/// Section type 2: any number of lens models per camera, the transform between the cameras, and the
-/// accelerometer.
+/// Section type 2: any number of lens models per camera, one for each image size, the transform between the cameras,
+/// and the accelerometer. A copyable value. Separate.
 class ZENTARA_API SystemCalibration : public Object {
 public:
     SystemCalibration(const AccelerometerCalibrationData& accelerometer, const ExtrinsicsData& extrinsics,

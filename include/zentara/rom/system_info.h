@@ -10,7 +10,7 @@
 
 namespace Zentara::ROM {
 
-/// Section type 1: the camera's identity and hardware variant.
+/// Section type 1: the camera's identity and hardware variant. A copyable value. Separate.
 class ZENTARA_API SystemInfo : public Object {
 public:
     SystemInfo(const SystemInfoData& systemInfo, const ZT536HardwareInfoData& hardwareInfo);

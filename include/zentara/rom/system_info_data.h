@@ -9,7 +9,7 @@
 
 namespace Zentara::ROM {
 
-/// The camera's identity: 16 bytes, a GUID with its numbers big-endian.
+/// The camera's identity: 16 bytes, a GUID with its numbers big-endian. A copyable value. Separate.
 class ZENTARA_API SystemInfoData {
 public:
     static constexpr TypeMarker MARKER = TypeMarker::SystemInfoData;
@@ -39,7 +39,7 @@ protected:
 private:
     void swap(SystemInfoData& other) noexcept;
 
-    GUID guid;
+    GUID guid; ///< numbers in the machine's byte order, whatever the flash has
 };
 
 } // namespace Zentara::ROM

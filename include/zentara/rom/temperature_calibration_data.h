@@ -8,7 +8,9 @@
 
 namespace Zentara::ROM {
 
-/// The coefficients of the temperature calibration: a count byte, then that many floats.
+/// The coefficients of the temperature calibration: a count byte, then that many floats. The SDK's nodes take them for
+/// what the sensors 0, 1 and so on read when the camera was calibrated, in degrees Celsius, the same for both camera
+/// modes. A copyable value. Separate.
 class ZENTARA_API TemperatureCalibrationData {
 public:
     static constexpr TypeMarker MARKER = TypeMarker::TemperatureCalibrationData;
@@ -39,7 +41,7 @@ protected:
 private:
     void swap(TemperatureCalibrationData& other) noexcept;
 
-    std::vector<float> values;
+    std::vector<float> values; ///< at most 255 can be written
 };
 
 } // namespace Zentara::ROM

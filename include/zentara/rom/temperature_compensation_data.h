@@ -9,7 +9,9 @@
 
 namespace Zentara::ROM {
 
-/// The temperature compensation: an algorithm byte, a count byte, then that many coefficients as floats.
+/// The temperature compensation: an algorithm byte, a count byte, then that many coefficients as floats, whose unit is
+/// the algorithm's: see `Zentara::TemperatureCompensation`. There is one, for both camera modes. A copyable value.
+/// Separate.
 class ZENTARA_API TemperatureCompensationData {
 public:
     static constexpr TypeMarker MARKER = TypeMarker::TemperatureCompensationData;
@@ -42,7 +44,7 @@ private:
     void swap(TemperatureCompensationData& other) noexcept;
 
     TemperatureAlgorithmID algorithm = TemperatureAlgorithmID::None;
-    std::vector<float> values;
+    std::vector<float> values; ///< at most 255 can be written
 };
 
 } // namespace Zentara::ROM

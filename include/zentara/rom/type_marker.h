@@ -4,7 +4,8 @@
 
 namespace Zentara::ROM {
 
-/// The one-byte tag in front of each record inside a section.
+/// The one-byte tag in front of each record inside a section. The markers 34 and 64 to 66 are also tags of the form in
+/// which a calibration travels to parameter back-ends, with contents of another layout (`CalibrationInternal`).
 enum class TypeMarker : std::uint8_t {
     SystemInfoData = 1,
     DepthIntrinsicsData = 16,

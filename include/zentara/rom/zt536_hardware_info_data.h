@@ -8,7 +8,7 @@
 
 namespace Zentara::ROM {
 
-/// The hardware variant of a ZT536 camera: two bytes whose values the camera's plug-in knows.
+/// The hardware variant of a ZT536 camera: two bytes whose values the camera's plug-in knows. A copyable value. Separate.
 class ZENTARA_API ZT536HardwareInfoData {
 public:
     static constexpr TypeMarker MARKER = TypeMarker::ZT536HardwareInfoData;

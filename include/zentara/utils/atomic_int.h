@@ -7,7 +7,8 @@
 
 namespace Zentara::Utils {
 
-/// A 32-bit signed counter, changed only by atomic operations; it wraps around silently. Safe.
+/// A 32-bit signed counter, changed only by atomic operations; it wraps around silently. Each operation is sequentially
+/// consistent, so what a thread did before it counted down is seen by the one that finds 0. Safe.
 class ZENTARA_API AtomicInt final {
 public:
     explicit constexpr AtomicInt(int initial) noexcept : value(initial) {}
@@ -17,6 +18,7 @@ public:
     [[nodiscard]] int get() const noexcept { return value.load(); }
     operator int() const noexcept { return get(); }
 
+    /// Tells nothing: see incrementAndTest().
     void increment() noexcept { value.fetch_add(1); }
 
     /// Increments; true when the new value is 1, that is on the step from 0, and not at 0.

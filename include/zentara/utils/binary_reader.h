@@ -54,9 +54,9 @@ private:
     template<typename T>
     std::vector<T> readArray(T (BinaryReader::*readElement)());
 
-    const unsigned char* data;
-    std::int32_t position;
-    std::int32_t size;
+    const unsigned char* data; ///< not owned
+    std::int32_t position;     ///< 0 to size
+    std::int32_t size;         ///< bytes; never negative
 };
 
 } // namespace Zentara::Utils

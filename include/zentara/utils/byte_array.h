@@ -18,7 +18,9 @@ public:
     ByteArray& operator=(const ByteArray& other);
     ~ByteArray();
 
+    /// The shared bytes, lent as long as one of the arrays holds them; null without any.
     unsigned char* data() const;
+    /// Bytes, as the constructor was told.
     int size() const;
 
 private:
@@ -26,7 +28,7 @@ private:
 
     static bool drop(Block* block);
 
-    Block* block;
+    Block* block; ///< bytes and count, shared; null without any
 };
 
 } // namespace Zentara::Utils

@@ -6,12 +6,13 @@
 
 namespace Zentara::Utils {
 
-/// The monotonic clock: microseconds since a fixed but unspecified moment of this boot. Safe.
+/// The monotonic clock: microseconds since a fixed but unspecified moment of this boot, the same for all processes. It
+/// never goes back. Safe.
 class ZENTARA_API Clock final {
 public:
-    /// A time in two fields.
+    /// A time in two fields. A copyable value.
     struct Time {
-        std::int64_t seconds = 0;
+        std::int64_t seconds = 0;      ///< whole ones
         std::int64_t microseconds = 0; ///< 0 to 999999
 
         bool operator==(const Time&) const = default;
@@ -19,6 +20,7 @@ public:
 
     Clock() = delete;
 
+    /// The time now, in microseconds.
     /// \return always 0.
     static int getTime(std::int64_t& microseconds) noexcept;
     /// \return always 0.

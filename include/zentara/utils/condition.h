@@ -43,7 +43,7 @@ public:
 
 private:
     struct Impl;
-    std::unique_ptr<Impl> impl;
+    std::unique_ptr<Impl> impl; ///< the waiters, and which mutex it borrows
 };
 
 } // namespace Zentara::Utils::Threading

@@ -12,6 +12,7 @@ namespace Zentara::Utils {
 /// Reflected CRC-32, polynomial 0xEDB88320.
 class ZENTARA_API Crc32 {
 public:
+    /// \param length bytes of `data` \param crc the register before
     static unsigned int compute(const unsigned char* data, unsigned int length, unsigned int crc);
 };
 

@@ -21,6 +21,7 @@ public:
         ~ConversionException() override;
     };
 
+    /// Reads nothing yet. \param name UTF-8
     explicit EnvironmentVariable(std::string name);
     ~EnvironmentVariable();
     EnvironmentVariable(const EnvironmentVariable&) = delete;

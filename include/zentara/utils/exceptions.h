@@ -35,16 +35,18 @@ private:
     std::string text;
 };
 
+/// A call of the operating system failed, other than input and output.
 class ZENTARA_API USystemException : public UException {
 public:
     explicit USystemException(std::string message);
-    /// The message is formatError(error, message).
+    /// The message is formatError(error, message). \param error the system's number
     USystemException(long error, std::string message);
     USystemException(const USystemException& other);
     USystemException& operator=(const USystemException& other);
     ~USystemException() override;
 };
 
+/// Reading or writing a file, a pipe, a device or a byte stream failed.
 class ZENTARA_API UIOException : public UException {
 public:
     explicit UIOException(std::string message);
@@ -56,6 +58,7 @@ public:
     static UIOException fromLastError(std::string message);
 };
 
+/// The operation is not allowed in the present state.
 class ZENTARA_API UInvalidOperationException : public UException {
 public:
     explicit UInvalidOperationException(std::string message);
@@ -64,6 +67,7 @@ public:
     ~UInvalidOperationException() override;
 };
 
+/// An empty message arrived where one was required.
 class ZENTARA_API UNullMessageException : public UException {
 public:
     /// The message is "NULL message received".
@@ -73,6 +77,7 @@ public:
     ~UNullMessageException() override;
 };
 
+/// A format string, or a number in a text, could not be parsed.
 class ZENTARA_API UFormatException : public UException {
 public:
     explicit UFormatException(std::string message);

@@ -13,12 +13,12 @@ class Mutex;
 
 /// Severity of a log message; the smaller, the more severe.
 enum KVLogLevel : std::int32_t {
-    KVLogLevel_OFF = 0,
-    KVLogLevel_CRITICAL = 1,
-    KVLogLevel_ERROR = 2,
-    KVLogLevel_WARNING = 3,
-    KVLogLevel_INFO = 4,
-    KVLogLevel_DEBUG = 5,
+    KVLogLevel_OFF = 0,      ///< as a logger's level: nothing; no message has it
+    KVLogLevel_CRITICAL = 1, ///< the process cannot go on as it should
+    KVLogLevel_ERROR = 2,    ///< something was not done
+    KVLogLevel_WARNING = 3,  ///< done, but not as it should be; every plug-in exception logs one
+    KVLogLevel_INFO = 4,     ///< what a reader of the log may want to know
+    KVLogLevel_DEBUG = 5,    ///< never written, as the next one
     KVLogLevel_VERBOSE = 6
 };
 
@@ -47,6 +47,7 @@ public:
     KVLogger(const KVLogger&) = delete;
     KVLogger& operator=(const KVLogger&) = delete;
 
+    /// One line. \param message UTF-8
     void log(KVLogLevel level, std::string message) noexcept;
     void critical(std::string message) noexcept;
     void error(std::string message) noexcept;
@@ -64,10 +65,10 @@ private:
 
     KVLogger(KVLogLevel level, const char* name, const char* target);
 
-    static KVLogger* m_instance;
-    static Threading::Mutex& m_instanceMutex;
+    static KVLogger* m_instance;              ///< null, or counted; looked at with the mutex held
+    static Threading::Mutex& m_instanceMutex; ///< never destroyed, for logging goes on at process exit
 
-    Impl* impl;
+    Impl* impl; ///< owned
 };
 
 } // namespace Zentara::Utils

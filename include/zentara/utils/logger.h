@@ -45,10 +45,10 @@ protected:
 private:
     struct Impl;
 
-    static Logger* _instance;
-    static Threading::Mutex& _instanceMutex;
+    static Logger* _instance;                ///< null without a logger; looked at with the mutex held
+    static Threading::Mutex& _instanceMutex; ///< never destroyed
 
-    Impl* impl;
+    Impl* impl; ///< owned
 };
 
 } // namespace Zentara::Utils

@@ -31,7 +31,7 @@ public:
     void release() noexcept ZENTARA_RELEASE();
 
 private:
-    std::atomic<std::uint64_t> word{0};
+    std::atomic<std::uint64_t> word{0}; ///< who holds it, how often, and whether somebody waits; 0: free
 };
 
 /// The same lock under its own name, for places where re-entry is intended. Safe.

@@ -12,7 +12,8 @@
 namespace Zentara::Utils::Collection {
 
 /// A FIFO between threads, without a bound. Safe; must outlive every call on it.
-/// A push costs one lock, and one wake-up only when somebody waits.
+/// A push costs one lock, and one wake-up only when somebody waits. Elements go to the threads that wait in no promised
+/// order; each goes to one.
 template<typename T>
 class Queue final {
 public:
@@ -70,6 +71,7 @@ public:
         }
     }
 
+    /// Of this moment: with other threads about it may be another one already.
     [[nodiscard]] std::size_t size() const {
         Threading::AutoLock hold(lock);
         return elements.size();
@@ -96,9 +98,11 @@ private:
     }
 
     mutable Threading::Mutex lock;
-    std::deque<T> elements ZENTARA_GUARDED_BY(lock);
+    std::deque<T> elements ZENTARA_GUARDED_BY(lock); ///< the oldest in front
+    /// How many threads wait for `available`, or are about to. With 0 nobody is woken, so each counts himself before he
+    /// lets go of the lock, and out again once he has it back.
     std::size_t waiting ZENTARA_GUARDED_BY(lock) = 0;
-    Threading::Signal available;
+    Threading::Signal available; ///< wakes one; it may do so for nothing, so whoever wakes looks again
 };
 
 } // namespace Zentara::Utils::Collection

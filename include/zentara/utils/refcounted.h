@@ -47,7 +47,7 @@ protected:
     bool decrefUnlessSecondLast();
 
 private:
-    std::atomic<std::int32_t> references{1};
+    std::atomic<std::int32_t> references{1}; ///< 1 or more while the object lives
     /// Null until the first weak reference: objects without any never take the lock of the weak references.
     std::atomic<std::vector<WeakReference*>*> weakReferences{nullptr};
 };
@@ -92,7 +92,8 @@ private:
     void watch(Refcounted* target);
     void unwatch(Refcounted* target) noexcept;
 
-    Refcounted* object = nullptr;
+    Refcounted* object =
+        nullptr; ///< null once it has gone; changed with the lock of the weak references held
 };
 
 } // namespace Zentara::Utils

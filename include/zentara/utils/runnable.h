@@ -10,6 +10,11 @@ class Thread;
 
 /// The work that a Thread runs. Derive from it, put the work into run(), and look at exitRequested() between
 /// steps. It must outlive the thread that runs it. Safe, save for what run() itself does.
+///
+///           Thread::start()           exit()                      run() returns
+///     Idle -----------------> Running -------> asked to end ----------------------> Idle
+///                                |                                                   ^
+///                                +------------------- run() returns -----------------+
 class ZENTARA_API Runnable {
 public:
     virtual ~Runnable();

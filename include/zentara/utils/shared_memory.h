@@ -30,17 +30,18 @@ public:
     SharedMemory& operator=(const SharedMemory&) = delete;
 
     /// Maps the memory, or returns where it is mapped already: then size and access are those of the first
-    /// call. \param name not empty, no slash or backslash in it. \param index 0 to 127. \param size bytes, 1
-    /// or more; at most the size the memory was created with. \param writable false for read access only.
+    /// call.
+    /// \param name not empty, no slash or backslash in it
+    /// \param index 0 to 127
+    /// \param size bytes, 1 or more; at most the size the memory was created with
+    /// \param writable false for read access only
     /// \return the address, owned by the table and valid until its releasePtr().
     /// \throws std::bad_alloc on every failure.
     void* getPtr(std::string name, unsigned int index, unsigned int size, bool writable);
 
     /// Unmaps one mapping; does nothing when it is not mapped.
-    /// \param unlink true to make the system forget the name as well, so that the next getPtr() of any
-    /// process starts
-    ///        with new memory while present users keep theirs. On Windows a name goes with its last user
-    ///        only.
+    /// \param unlink true to make the system forget the name as well, so that the next getPtr() of any process starts
+    ///        with new memory while present users keep theirs. On Windows a name goes with its last user only.
     void releasePtr(std::string name, unsigned int index, bool unlink);
 
     /// Unmaps every index of a name. \param unlink as for releasePtr().

@@ -31,6 +31,7 @@ public:
     /// \throws std::bad_alloc on every failure.
     [[nodiscard]] static void* get(std::string name, unsigned int index, unsigned int size);
 
+    /// Counts a user of the process's mappings; decref() takes him back.
     static void incref();
 
     /// Drops what incref() or initialize(true) took; at 0 all mappings of the process are released.
@@ -46,10 +47,10 @@ private:
     static void obtain() ZENTARA_REQUIRES(_lock);
     static void releaseMappings() ZENTARA_REQUIRES(_lock);
 
-    static Threading::Mutex& _lock;
-    static AtomicInt _refCount;
-    static std::uint64_t _shmID ZENTARA_GUARDED_BY(_lock);
-    static SharedMemory* _sharedMemory ZENTARA_GUARDED_BY(_lock);
+    static Threading::Mutex& _lock;                        ///< never destroyed
+    static AtomicInt _refCount;                            ///< users; 0 releases the mappings
+    static std::uint64_t _shmID ZENTARA_GUARDED_BY(_lock); ///< the next to give out; 0 before the first
+    static SharedMemory* _sharedMemory ZENTARA_GUARDED_BY(_lock); ///< as it was last asked for
 };
 
 } // namespace Zentara::Utils

@@ -8,6 +8,12 @@ class Event;
 
 namespace Zentara::Utils::Threading {
 
+///             set()
+///     Unset ---------> Set         set() of one that is set: nothing changes
+///       ^               |
+///       +---------------+
+///         a wait passes, or isSet() looks
+///
 /// An event that one wait consumes: set() lets exactly one wait pass, now or later, and further sets before
 /// that wait add nothing. The set that a sleeping thread is being woken by is that thread's: one more stays for the
 /// next wait. Created unset. Safe; a failure of the system underneath ends the process by
@@ -35,7 +41,7 @@ public:
     bool isSet() noexcept;
 
 private:
-    Platform::Event* event;
+    Platform::Event* event; ///< owned
 };
 
 } // namespace Zentara::Utils::Threading

@@ -79,9 +79,10 @@ private:
             counted(*object).decref();
     }
 
-    T* object = nullptr;
+    T* object = nullptr; ///< one reference is the handle's, unless null
 };
 
+// Handles compare as their pointers do.
 template<typename T, typename U>
 bool operator==(const SmartPtr<T>& left, const SmartPtr<U>& right) noexcept {
     return left.get() == right.get();

@@ -11,6 +11,11 @@ class Runnable;
 /// Runs a Runnable on a named thread of its own. Borrows the runnable, which must outlive the running thread.
 /// Order of calls: start(), then stop() or exit() and wait(); a finished thread may be started again. Safe,
 /// save for the destructor.
+///
+///             start()                run() returns, or throws, which is logged
+///     None ------------> Running -------------------------------------------------> Finished
+///                           ^                                                           |
+///                           +------------------------- start() ------------------------+
 class ZENTARA_API Thread {
 public:
     /// \param runnable the work; null gives a thread that ends at once.

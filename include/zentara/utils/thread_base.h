@@ -14,6 +14,11 @@ enum ThreadState : std::int32_t {
     ThreadState_FINISHED = 2,  ///< its function has returned
 };
 
+///      startSuspended      resume()
+///     ----------------> Suspended -------> Running --------------------> Finished
+///                           ^                |      the function returns
+///                           +-- suspend() ---+
+///
 /// A system thread that runs one function. Safe, save for the destructor.
 ///
 /// A failure to create the thread or to wait for it ends the process by abort().

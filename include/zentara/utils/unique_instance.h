@@ -13,6 +13,7 @@ namespace Zentara::Utils {
 /// which holds nothing and which the first object of the next process removes.
 class ZENTARA_API UniqueInstance final {
 public:
+    /// Takes the name, or finds it taken; never waits. \param name UTF-8
     explicit UniqueInstance(const char* name) noexcept;
     ~UniqueInstance();
     UniqueInstance(const UniqueInstance&) = delete;

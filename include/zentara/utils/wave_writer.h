@@ -33,6 +33,8 @@ public:
 
     bool isOpen() const;
 
+    // The format counts when the file is opened, and again when it is closed: leave it alone in between.
+
     int getNumChannels() const;
     /// 1 to 65535.
     void setNumChannels(int channels);

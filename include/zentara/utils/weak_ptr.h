@@ -26,7 +26,7 @@ public:
     }
 
 private:
-    T* typed = nullptr;
+    T* typed = nullptr; ///< the object as its own class; never looked at once it has gone
 };
 
 } // namespace Zentara::Utils
