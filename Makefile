@@ -2,7 +2,7 @@
 SOURCES = $(shell git ls-files '*.h' '*.cpp' '*.c')
 JOBS ?= $(shell nproc)
 
-.PHONY: demo test test-linux test-windows test-asan test-tsan format lint tidy bench clean
+.PHONY: demo test test-linux test-windows test-asan test-tsan test-kernel format lint tidy bench clean
 
 ## Builds everything and drives two simulated cameras; leaves pictures, a point cloud, sound, a recording and a plot in build/demo/.
 demo:
@@ -17,6 +17,13 @@ test:
 
 test-linux test-windows test-asan test-tsan: test-%:
 	@.ci/build-and-test $*
+
+## Tries real drivers of the kernel in virtual machines. Where these cannot be had, nothing has been tried, and that is a failure.
+test-kernel:
+	@.ci/setup kernel || { echo "test-kernel: NOTHING WAS TRIED: the packages marked 'kernel' in .ci/packages.txt are missing" >&2; exit 1; }
+	@cmake --preset gcc -Wno-dev >/dev/null
+	@cmake --build --preset gcc -j $(JOBS) --target zentara camera_plugins
+	@tests/kernel/all
 
 ## Puts every source into the house format.
 format:
