@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <set>
 #include <utility>
 
 #include <zentara/rom/chunked_memory_management_header.h>
@@ -87,6 +88,19 @@ std::vector<std::string> givenUp(const FlashImage& before, const FlashContent& w
     return texts;
 }
 
+/// What a survey will call wrong once the change has been made, and did not before: a section whose data are no
+/// records of its type, say. It can be written, so it is told, not refused.
+std::vector<std::string> freshFaults(const FlashImage& before, const FlashImage& after) {
+    std::set<std::string> known;
+    for (const Finding& finding : surveyOf(before).findings)
+        known.insert(finding.text);
+    std::vector<std::string> lines;
+    for (const Finding& finding : surveyOf(after).findings)
+        if (finding.isFault && known.count(finding.text) == 0)
+            lines.push_back("wrong afterwards: " + finding.text);
+    return lines;
+}
+
 /// Of a rehearsal that did not come out as wanted.
 FlashChange refusedBy(FlashChange change, const std::string& name, const FlashContent& wanted,
                       const Rehearsal& rehearsal, bool isRebuild) {
@@ -163,6 +177,10 @@ FlashChange Flash::plan(const FlashImage& before, const FlashContent& wanted,
     change.after = std::move(rehearsal.image);
     change.lines = change.foreign;
     addSections(change, old, wanted);
+    for (std::string& line : freshFaults(before, change.after)) {
+        change.takesAway = true;
+        change.lines.push_back(std::move(line));
+    }
     if (options.rebuild) {
         change.takesAway = true;
         for (std::string& text : givenUp(before, wanted))

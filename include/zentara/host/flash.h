@@ -77,7 +77,7 @@ struct FlashChange {
     std::vector<FlashWrite> writes; ///< in their order
     std::vector<SectionChange> sections;
     std::vector<std::string> lines;   ///< all that becomes of it, for people; below a section its values
-    bool takesAway = false;           ///< something of before is gone afterwards
+    bool takesAway = false;           ///< afterwards something is gone, or wrong, that was not
     std::vector<std::string> foreign; ///< what only another camera can have, a line each
 
     Obstacle obstacle = Obstacle::None;

@@ -7,6 +7,7 @@
 
 #include <zentara/host/cameras.h>
 #include <zentara/host/flash.h>
+#include <zentara/rom/container_section_type.h>
 #include <zentara/utils/environment_variable.h>
 #include <zentara/utils/exceptions.h>
 #include <zentara/utils/files.h>
@@ -84,9 +85,14 @@ TEST_F(FlashTest, PlansAChangeAndRefusesWhatWouldCostANeighbour) {
     EXPECT_LE(backupNoteOf(freeBackupName("d/" + std::string(255, 'n'))).size(), 2U + 255U);
     EXPECT_EQ(contentOf(flash.load()), wanted);
 
+    FlashContent other = wanted;
+    other[3] = {static_cast<std::uint8_t>(ROM::ContainerSectionType::SystemInfo), 1, Bytes(9, 9)};
+    const FlashChange unread = flash.plan(flash.load(), other, {.rebuild = true});
+    EXPECT_TRUE(unread.takesAway && !unread.refusal);
+    EXPECT_THAT(unread.lines, testing::Contains(testing::HasSubstr("wrong afterwards: ")));
     wanted[2].setWritable(false);
     flash.apply(flash.plan(flash.load(), wanted), noBackup);
-    FlashContent other = wanted;
+    other = wanted;
     other.erase(2);
     EXPECT_EQ(flash.plan(flash.load(), other).obstacle, Obstacle::ReadOnly);
     flash.apply(flash.planRestore(flash.load(), kept, {.otherCamera = true}), noBackup);
