@@ -49,6 +49,19 @@ bool checkPlace(const std::string& path) {
     }
 }
 
+/// "scan.2.zrec" for "scan.zrec".
+std::string freeNameBeside(const std::string& path) {
+    const std::filesystem::path taken = pathOf(path);
+    for (int number = 2;; ++number) {
+        std::filesystem::path name = taken;
+        name.replace_extension(std::to_string(number));
+        name += taken.extension();
+        const std::u8string free = name.u8string();
+        if (std::string text(free.begin(), free.end()); !isThere(text))
+            return text;
+    }
+}
+
 } // namespace
 
 struct OutputFile::Impl {
@@ -72,7 +85,7 @@ OutputFile::OutputFile(std::string path, const Rules& rules)
         throw Failure(Failure::Usage,
                       Format("'%' is there already%") % name % (rules.hint.empty() ? "" : "; " + rules.hint));
     if (isThere && impl->rule == IfThere::Keep)
-        throw Failure(Failure::Failed,
+        throw Failure(Failure::Usage,
                       Format("'%' is there already and is not replaced: name another file") % name);
     impl->right.reset(FileLock::create(impl->target, waitMilliseconds));
     if (!impl->right)
@@ -117,10 +130,15 @@ void OutputFile::commit() {
     if (impl->part->take(impl->target, impl->rule == IfThere::Replace && impl->right->found(),
                          waitMilliseconds))
         return;
-    if (Utils::Platform::lastFileTrouble() == FileTrouble::Exists)
-        throw Failure(Failure::Busy,
-                      Format("cannot write '%': another program has made it meanwhile") % impl->finalPath);
-    failFile("write", impl->finalPath);
+    if (Utils::Platform::lastFileTrouble() != FileTrouble::Exists)
+        failFile("write", impl->finalPath);
+    const std::string taken =
+        Format("cannot write '%': another program has made it meanwhile") % impl->finalPath;
+    const std::string other = freeNameBeside(impl->target);
+    if (impl->part->take(other, false, waitMilliseconds))
+        throw Failure(Failure::Busy, taken,
+                      std::string(Format("what was to stand in it is kept in '%'") % other));
+    throw Failure(Failure::Busy, taken);
 }
 
 void OutputFile::discard() noexcept { impl->part.reset(); }

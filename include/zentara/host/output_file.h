@@ -14,7 +14,7 @@ namespace Zentara::Host {
 enum class IfThere {
     Replace, ///< by the new one, once that is whole
     Refuse,  ///< it stays: Failure (Usage), for somebody may say that he means it
-    Keep,    ///< it stays: Failure (Failed), whatever anybody says
+    Keep,    ///< it stays: Failure (Usage), whatever anybody says
 };
 
 /// A file that takes its name only once it is whole. It is filled beside its place, as NAME.<16 digits>.part, a name
@@ -34,8 +34,8 @@ public:
     /// Makes the part, empty: a place that cannot be written is told before any work is done for it. Waits at most a
     /// second for another writer.
     /// \param path UTF-8; where a link leads, the file there is replaced, not the link
-    /// \throws Failure (Usage) when `path` is empty or there already; (Failed) when it names something that a file must
-    ///         not replace: a directory, a device, a link that leads nowhere, a file that is to be kept; (Busy) when
+    /// \throws Failure (Usage) when `path` is empty, or there already and not to be replaced; (Failed) when it names
+    ///         something that a file must not replace: a directory, a device, a link that leads nowhere; (Busy) when
     ///         another program is writing the file; (Permission) or (Failed) when the part cannot be made
     explicit OutputFile(std::string path) : OutputFile(std::move(path), Rules{}) {}
     OutputFile(std::string path, const Rules& rules);
@@ -59,8 +59,9 @@ public:
     void cut(std::uint64_t size);
     [[nodiscard]] std::uint64_t size() const noexcept;
 
-    /// Gives the file its name. \throws Failure; nothing has changed then, and it may be tried again. (Busy) also when
-    /// another program has made the file meanwhile that was not to be replaced.
+    /// Gives the file its name. \throws Failure; nothing has changed then, and it may be tried again. (Busy) when another
+    /// program has made the file meanwhile that was not to be replaced: the bytes are kept under a free name beside it,
+    /// which the cause tells, and nothing is left to commit.
     void commit();
     /// Removes the part; nothing is left to commit, and nothing else may be called.
     void discard() noexcept;

@@ -118,6 +118,11 @@ TEST_F(FlashTest, NoticesThatAnotherProgramChangedTheFile) {
         Utils::writeFile(image, "first");
         EXPECT_EQ(endOf([&] { created.apply(byteChange(empty, 0, 1)); }), Failure::Busy);
         EXPECT_EQ(Utils::readFile(image), "first");
+        OutputFile late(directory.path("late.bin"), {.ifThere = IfThere::Refuse});
+        late.write("late");
+        Utils::writeFile(late.path(), "first");
+        EXPECT_EQ(endOf([&] { late.commit(); }), Failure::Busy);
+        EXPECT_EQ(Utils::readFile(directory.path("late.2.bin")), "late") << "nothing is lost";
     }
     {
         Flash opened = Flash::image(image, {}, Access::Write);
@@ -141,7 +146,7 @@ TEST_F(FlashTest, LiesOnACameraWhereItsDescriptionSays) {
     EXPECT_EQ(before.area().size, 0x4000U);
     EXPECT_EQ(endOf([&] { flash.apply(byteChange(before, 9000, 1), noBackup); }), Failure::Usage);
     Utils::writeFile(image, "another camera's");
-    EXPECT_EQ(endOf([&] { flash.backup(image, before); }), Failure::Failed);
+    EXPECT_EQ(endOf([&] { flash.backup(image, before); }), Failure::Usage);
     EXPECT_FALSE(std::filesystem::exists(image + ".json")) << "it would say whose the other one is";
 }
 

@@ -118,7 +118,7 @@ TEST_F(RomVerbs, ReplaceNoFileThatIsNeededStill) {
         {"salvage", other, image},
         {"set", "2", image, "--type", "77", "--hex", "02", "--backup", other}};
     for (const std::vector<std::string>& keeper : keepers)
-        refused(keeper, Failure::Failed, "is there already");
+        refused(keeper, Failure::Usage, "is there already");
     EXPECT_EQ(Utils::readFile(other), "needed");
     EXPECT_EQ(Utils::readFile(image), before);
     done({"backup", file("same.bin", before), image});
