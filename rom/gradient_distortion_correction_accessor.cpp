@@ -28,7 +28,6 @@ std::string readWhole(const std::string& fileName) try {
 } // namespace
 
 struct GradientDistortionCorrectionAccessor::Impl {
-    std::string fileName;
     std::vector<std::uint8_t> image;
 
     /// What lies at an address, after growing the image so that it is there.
@@ -59,8 +58,6 @@ void GradientDistortionCorrectionAccessor::write(std::uint32_t address,
 }
 
 void GradientDistortionCorrectionAccessor::read(const std::string& fileName) {
-    if (impl->fileName.empty())
-        impl->fileName = fileName;
     const std::string contents = readWhole(fileName);
     impl->image.assign(contents.begin(), contents.end());
 }

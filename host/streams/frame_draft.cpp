@@ -12,7 +12,6 @@ FrameDraft FrameDraft::tryTake(std::shared_ptr<const StreamContext> stream, std:
     FrameData* const block = FrameMemory::instance().take(bytes);
     if (block == nullptr)
         return {};
-    block->length = 0;
     block->context = std::move(stream);
     block->number = 0;
     block->droppedBefore = 0;
