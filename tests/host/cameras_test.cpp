@@ -1,5 +1,4 @@
 #include <cmath>
-#include <functional>
 #include <thread>
 
 #include <gmock/gmock.h>
@@ -7,6 +6,7 @@
 #include <zentara/host/host.h>
 
 #include "support/camera_bus.h"
+#include "support/failure.h"
 #include "support/scoped_variable.h"
 
 namespace Zentara::Host {
@@ -17,6 +17,7 @@ using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using TestSupport::failureOf;
 
 constexpr const char* left = R"({"model": "ZS570", "serialNumber": "LEFT"})";
 constexpr const char* right = R"({"model": "ZS345", "serialNumber": "RIGHT"})";
@@ -24,15 +25,6 @@ constexpr const char* right = R"({"model": "ZS345", "serialNumber": "RIGHT"})";
 /// Cameras of the test's own on the simulated bus.
 class SomeCameras : public testing::Test, protected TestSupport::CameraBus {
 protected:
-    static Failure failureOf(const std::function<void()>& work) {
-        try {
-            work();
-        } catch (const Failure& failure) {
-            return failure;
-        }
-        return {Failure::None, "nothing was thrown"};
-    }
-
     std::vector<std::string> notes;
     Cameras::Options options{10s, [this](const std::string& text) { notes.push_back(text); }};
 };

@@ -6,6 +6,7 @@
 #include <zentara/plugin/plugin_exceptions.h>
 
 #include "host/cameras/hand.h"
+#include "support/failure.h"
 
 namespace Zentara::Host {
 namespace {
@@ -15,6 +16,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::MatchesRegex;
+using TestSupport::failureOf;
 
 constexpr auto longEnough = 10s; ///< for what is to come back
 
@@ -41,15 +43,6 @@ struct Gate {
     std::shared_future<void> opened{open.get_future()};
 };
 
-Failure caught(const std::function<void()>& work) {
-    try {
-        work();
-    } catch (const Failure& failure) {
-        return failure;
-    }
-    return Failure(Failure::None, "nothing was thrown");
-}
-
 TEST(Hand, GivesBackWhatWorkReturnsAndThrowsWithoutPlugins) {
     const Hand hand("LEFT", {});
     const auto elsewhere = hand.call(longEnough, "ask", [] { return std::this_thread::get_id(); });
@@ -57,20 +50,20 @@ TEST(Hand, GivesBackWhatWorkReturnsAndThrowsWithoutPlugins) {
     EXPECT_EQ(*hand.call(longEnough, "make", [] { return std::make_unique<int>(7); }), 7);
 
     const Failure lost(Failure::NoDevice, "cannot see LEFT", "it went", "plug it in", {"port 3"});
-    const Failure told = caught([&] { hand.call(longEnough, "look", [&] { throw lost; }); });
+    const Failure told = failureOf([&] { hand.call(longEnough, "look", [&] { throw lost; }); });
     EXPECT_EQ(told.code(), Failure::NoDevice);
     EXPECT_THAT(told.details(), ElementsAre("port 3"));
     const auto refuse = [] { throw Plugin::IOPluginException("no answer"); };
     EXPECT_THROW(hand.call(longEnough, "ask", refuse), Plugin::IOPluginException);
-    EXPECT_STREQ(caught([&] { hand.step(longEnough, "ask LEFT", refuse); }).what(),
+    EXPECT_STREQ(failureOf([&] { hand.step(longEnough, "ask LEFT", refuse); }).what(),
                  "cannot ask LEFT: I/O failure: no answer");
 }
 
 /// Hangs in the gate. However slow the machine is, the work has begun when it is given up.
 Failure hangIn(const Hand& hand, const std::string& what, Gate& gate) {
-    Failure late = caught([&] { static_cast<void>(hand.call(20ms, what, gate.work())); });
+    Failure late = failureOf([&] { static_cast<void>(hand.call(20ms, what, gate.work())); });
     while (hand.hangsIn().empty())
-        late = caught([&] { static_cast<void>(hand.call(20ms, what, gate.work())); });
+        late = failureOf([&] { static_cast<void>(hand.call(20ms, what, gate.work())); });
     EXPECT_EQ(hand.hangsIn(), what);
     return late;
 }
@@ -84,7 +77,7 @@ TEST(Hand, NamesWhatHangsAndDropsWhatComesLate) {
 
     bool wasRun = false;
     const auto start = std::chrono::steady_clock::now();
-    const Failure next = caught([&] { hand.call(1h, "start LEFT", [&] { wasRun = true; }); });
+    const Failure next = failureOf([&] { hand.call(1h, "start LEFT", [&] { wasRun = true; }); });
     EXPECT_LT(std::chrono::steady_clock::now() - start, longEnough);
     EXPECT_EQ(next.code(), Failure::TimedOut);
     EXPECT_THAT(next.what(),
@@ -105,7 +98,7 @@ TEST(Hand, WaitsInLineWithinItsOwnLimitAndNeverRunsWhatItGaveUp) {
     std::thread first([&] { static_cast<void>(hand.call(1h, "start LEFT", gate.work())); });
     gate.begun.get_future().wait();
     bool wasRun = false;
-    const Failure given = caught([&] { hand.call(20ms, "ask LEFT", [&] { wasRun = true; }); });
+    const Failure given = failureOf([&] { hand.call(20ms, "ask LEFT", [&] { wasRun = true; }); });
     EXPECT_EQ(given.code(), Failure::TimedOut);
     EXPECT_THAT(given.what(), HasSubstr(": start LEFT"));
     EXPECT_EQ(hand.hangsIn(), ""); // its own caller has not given it up

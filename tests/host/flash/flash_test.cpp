@@ -13,6 +13,7 @@
 #include <zentara/utils/files.h>
 
 #include "host/flash/backup.h"
+#include "support/failure.h"
 #include "support/program.h"
 #include "support/scoped_variable.h"
 #include "support/temporary_directory.h"
@@ -22,21 +23,13 @@ namespace {
 
 using Access = Flash::Access;
 using Obstacle = FlashChange::Obstacle;
+using TestSupport::codeOf;
 
 /// What puts one byte into an image, planned by hand.
 FlashChange byteChange(const FlashImage& before, std::uint32_t address, std::uint8_t byte) {
     FlashImage after = before;
     after.write(address, {byte});
     return {before, after, after.writes(), {}, {}, false, {}, Obstacle::None, {}, false, false};
-}
-
-Failure::Code endOf(const std::function<void()>& step) {
-    try {
-        step();
-    } catch (const Failure& failure) {
-        return failure.code();
-    }
-    return Failure::None;
 }
 
 class FlashTest : public testing::Test {
@@ -70,7 +63,7 @@ TEST_F(FlashTest, PlansAChangeAndRefusesWhatWouldCostANeighbour) {
     EXPECT_THAT(costly.refusal->details(),
                 testing::IsSupersetOf({testing::HasSubstr("the container header would be lost"),
                                        testing::HasSubstr("section 1 (type 77, 600 bytes) would be lost")}));
-    EXPECT_EQ(endOf([&] { flash.apply(costly); }), Failure::Verification);
+    EXPECT_EQ(codeOf([&] { flash.apply(costly); }), Failure::Verification);
     EXPECT_EQ(flash.load().bytes(), before.bytes());
 
     const FlashChange rebuilt = flash.plan(before, wanted, {.rebuild = true});
@@ -80,7 +73,7 @@ TEST_F(FlashTest, PlansAChangeAndRefusesWhatWouldCostANeighbour) {
     const std::string kept = flash.apply(
         rebuilt, {.backup = directory.path("b"), .kept = [&](const std::string& file) { told = file; }});
     EXPECT_EQ(told, kept);
-    EXPECT_EQ(endOf([&] { flash.apply(rebuilt, noBackup); }), Failure::Busy)
+    EXPECT_EQ(codeOf([&] { flash.apply(rebuilt, noBackup); }), Failure::Busy)
         << "it was planned from other bytes";
     EXPECT_LE(backupNoteOf(freeBackupName("d/" + std::string(255, 'n'))).size(), 2U + 255U);
     EXPECT_EQ(contentOf(flash.load()), wanted);
@@ -105,9 +98,9 @@ TEST_F(FlashTest, EndsWhereTheProgressSays) {
         SCOPED_TRACE(end);
         const auto until = [end](std::uint64_t done, std::uint64_t all) { return done < end && done <= all; };
         const FlashChange change = byteChange(flash.load(), 5000, 7);
-        EXPECT_EQ(endOf([&] { flash.apply(change, noBackup, until); }), Failure::Interrupted);
+        EXPECT_EQ(codeOf([&] { flash.apply(change, noBackup, until); }), Failure::Interrupted);
         EXPECT_EQ(Utils::readFile(image)[5000], end == 0 ? '\xFF' : '\x07') << "all of a change or nothing";
-        EXPECT_EQ(endOf([&] { static_cast<void>(flash.load(until)); }), Failure::Interrupted);
+        EXPECT_EQ(codeOf([&] { static_cast<void>(flash.load(until)); }), Failure::Interrupted);
     }
 }
 
@@ -116,37 +109,37 @@ TEST_F(FlashTest, NoticesThatAnotherProgramChangedTheFile) {
         Flash created = Flash::create(image);
         const FlashImage empty = created.load();
         Utils::writeFile(image, "first");
-        EXPECT_EQ(endOf([&] { created.apply(byteChange(empty, 0, 1)); }), Failure::Busy);
+        EXPECT_EQ(codeOf([&] { created.apply(byteChange(empty, 0, 1)); }), Failure::Busy);
         EXPECT_EQ(Utils::readFile(image), "first");
         OutputFile late(directory.path("late.bin"), {.ifThere = IfThere::Refuse});
         late.write("late");
         Utils::writeFile(late.path(), "first");
-        EXPECT_EQ(endOf([&] { late.commit(); }), Failure::Busy);
+        EXPECT_EQ(codeOf([&] { late.commit(); }), Failure::Busy);
         EXPECT_EQ(Utils::readFile(directory.path("late.2.bin")), "late") << "nothing is lost";
     }
     {
         Flash opened = Flash::image(image, {}, Access::Write);
         const FlashImage first = opened.load();
         Utils::writeFile(image, "other");
-        EXPECT_EQ(endOf([&] { opened.apply(byteChange(first, 0, 1), noBackup); }), Failure::Busy);
+        EXPECT_EQ(codeOf([&] { opened.apply(byteChange(first, 0, 1), noBackup); }), Failure::Busy);
         EXPECT_EQ(Utils::readFile(image), "other");
     }
     Flash stored = Flash::image(image, {}, Access::Write);
-    EXPECT_EQ(endOf([&] { static_cast<void>(Flash::image(image, {}, Access::Write)); }), Failure::Busy);
-    EXPECT_EQ(endOf([&] { Flash::image(image).apply(byteChange(stored.load(), 0, 'O')); }), Failure::Usage);
+    EXPECT_EQ(codeOf([&] { static_cast<void>(Flash::image(image, {}, Access::Write)); }), Failure::Busy);
+    EXPECT_EQ(codeOf([&] { Flash::image(image).apply(byteChange(stored.load(), 0, 'O')); }), Failure::Usage);
     stored.apply(byteChange(stored.load(), 0, 'O'), noBackup);
     Utils::writeFile(image, "rotten");
     EXPECT_EQ(stored.load().bytes(), Bytes({'O', 't', 'h', 'e', 'r'}));
-    EXPECT_EQ(endOf([&] { stored.apply(byteChange(stored.load(), 0, 'o'), noBackup); }), Failure::Busy);
+    EXPECT_EQ(codeOf([&] { stored.apply(byteChange(stored.load(), 0, 'o'), noBackup); }), Failure::Busy);
 }
 
 TEST_F(FlashTest, LiesOnACameraWhereItsDescriptionSays) {
     Flash flash = Cameras().open("SIM0345").flash();
     const FlashImage before = flash.load();
     EXPECT_EQ(before.area().size, 0x4000U);
-    EXPECT_EQ(endOf([&] { flash.apply(byteChange(before, 9000, 1), noBackup); }), Failure::Usage);
+    EXPECT_EQ(codeOf([&] { flash.apply(byteChange(before, 9000, 1), noBackup); }), Failure::Usage);
     Utils::writeFile(image, "another camera's");
-    EXPECT_EQ(endOf([&] { flash.backup(image, before); }), Failure::Usage);
+    EXPECT_EQ(codeOf([&] { flash.backup(image, before); }), Failure::Usage);
     EXPECT_FALSE(std::filesystem::exists(image + ".json")) << "it would say whose the other one is";
 }
 
@@ -163,7 +156,7 @@ constexpr int savings = 300;
 /// Adds 1 to a byte of an image over and over, each time from what stands in the file.
 void saveOverAndOver(const std::string& image, std::uint32_t address) {
     for (int saved = 0; saved < savings;) {
-        const Failure::Code code = endOf([&] {
+        const Failure::Code code = codeOf([&] {
             Flash flash = Flash::image(image, {}, Access::Write);
             const FlashImage before = flash.load();
             const int byte = before.bytes().at(address);

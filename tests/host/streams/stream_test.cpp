@@ -21,19 +21,11 @@ using std::chrono::steady_clock;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using TestSupport::codeOf;
 using TestSupport::messageOf;
 
 constexpr auto forEver = 1h;
 constexpr auto soon = 20s; ///< for what is to come
-
-Failure::Code codeOf(const std::function<void()>& work) {
-    try {
-        work();
-    } catch (const Failure& failure) {
-        return failure.code();
-    }
-    return Failure::None;
-}
 
 class StreamTest : public testing::Test {
 protected:
