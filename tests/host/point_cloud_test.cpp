@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <limits>
@@ -161,7 +162,21 @@ TEST(PointCloud, TakesNoColorForWhatTheOtherCameraDoesNotSee) {
     // The post moves by 3 pixels, the wall by 1.5: the post is seen at column 2, before what lies behind it.
     EXPECT_EQ(colors[8 * 2 + 5], (Color{18, 118, 7}));
     EXPECT_FALSE(colors[8 * 2 + 4] && colors[8 * 2 + 4]->red == 18);
-    EXPECT_EQ(colors[8 * 5 + 7].has_value(), true);
+    EXPECT_TRUE(colors[8 * 5 + 7]);
+    // Moved to any side a wall reaches out of the picture by one column or row.
+    const struct {
+        float right;
+        float down;
+        std::ptrdiff_t unseen;
+    } sides[]{{-400, 0, 6}, {400, 0, 6}, {0, -500, 8}, {0, 500, 8}};
+    for (const auto& side : sides) {
+        PointCloud moved = smallLens().pointsOf(wall(2000), 8, 6);
+        pose.t1 = side.right;
+        pose.t2 = side.down;
+        moved.colorFrom(picture, smallLens(), pose);
+        const auto seen = moved.colors();
+        EXPECT_EQ(std::count(seen.begin(), seen.end(), std::nullopt), side.unseen) << side.right << side.down;
+    }
 }
 
 TEST(PointCloud, WritesPlyByteForByte) {
