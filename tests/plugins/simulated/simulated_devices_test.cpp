@@ -9,7 +9,6 @@
 #include <zentara/io/video_device_proxy.h>
 #include <zentara/io/xu_device_requests.h>
 
-#include "plugins/simulated/scene.h"
 #include "plugins/simulated/simulated_video_device.h"
 #include "support/simulated_faults.h"
 #include "tests/plugins/camera_host.h"
@@ -25,59 +24,18 @@ using TestSupport::read;
 using TestSupport::SimulatedFaults;
 using OutputFormat = IO::setOutputFormatRequest::OutputFormat;
 
-/// The devices of the real plug-in libraries, behind proxies of both kinds.
-class SimulatedDevices : public testing::TestWithParam<bool> {
-protected:
-    std::unique_ptr<IO::VideoDeviceProxy> video() const {
-        return std::make_unique<IO::VideoDeviceProxy>(Core::Guids::MOCKVIDEODEVICE_IMPL, GetParam());
-    }
-
-    std::unique_ptr<IO::VideoDeviceProxy> streamingVideo() const {
-        auto camera = video();
-        camera->open();
-        camera->enableStreaming(depthMode());
-        return camera;
-    }
-
-    static Utils::SmartPtr<DepthBaseConfiguration> depthMode(FrameFormat format = FrameFormat_QVGA,
-                                                             int rate = framesPerSecond) {
-        return Utils::makeRefcounted<DepthConfiguration>(format, rate, DepthNode::CameraMode_0, false,
-                                                         std::int16_t{0});
-    }
-};
-
-INSTANTIATE_TEST_SUITE_P(Both, SimulatedDevices, testing::Bool(),
-                         [](const auto& mode) { return mode.param ? "Proxified" : "Direct"; });
-
-TEST_P(SimulatedDevices, StreamTheSceneAtItsPace) {
-    const auto camera = streamingVideo();
-    const auto first = read(camera);
-    ASSERT_EQ(first.status, ReadBufferStatus_OK);
-    EXPECT_EQ(first.length, static_cast<int>(frameBytes));
-
-    std::vector<std::uint16_t> depth(pixelCount);
-    std::vector<std::uint16_t> confidence(pixelCount);
-    bool found = false; // a slow machine may have missed the first frames
-    for (std::uint32_t number = 0; number < 600 && !found; ++number) {
-        Scene(1).render(number, depth.data(), confidence.data());
-        found = depth == first.plane(depthOffset) && confidence == first.plane(confidenceOffset);
-    }
-    EXPECT_TRUE(found);
-
-    std::int64_t before = first.micros;
-    for (int count = 0; count < 10; ++count) {
-        const auto next = read(camera);
-        ASSERT_EQ(next.status, ReadBufferStatus_OK);
-        const std::int64_t period = 1'000'000 / framesPerSecond;
-        EXPECT_GE(next.micros - before, period);
-        EXPECT_LE((next.micros - before) % period, 60) << "whole periods, whatever was dropped";
-        before = next.micros;
-    }
+Utils::SmartPtr<DepthBaseConfiguration> depthMode(FrameFormat format = FrameFormat_QVGA) {
+    return Utils::makeRefcounted<DepthConfiguration>(format, framesPerSecond, DepthNode::CameraMode_0, false,
+                                                     std::int16_t{0});
 }
 
-TEST_P(SimulatedDevices, AnswerEveryOperationInItsState) {
+class SimulatedDevice : public testing::TestWithParam<bool> {};
+INSTANTIATE_TEST_SUITE_P(Both, SimulatedDevice, testing::Bool(),
+                         [](const auto& mode) { return mode.param ? "Proxified" : "Direct"; });
+
+TEST_P(SimulatedDevice, AnswersEveryOperationInItsState) {
     const SimulatedFaults withoutController("chip none");
-    const auto camera = video();
+    const auto camera = std::make_unique<IO::VideoDeviceProxy>(Core::Guids::MOCKVIDEODEVICE_IMPL, GetParam());
     const auto expect = [](const char* kind, const char* text, const std::function<void()>& step) {
         EXPECT_THAT(failure(step), testing::AllOf(testing::StartsWith(kind), HasSubstr(text)));
     };
@@ -120,8 +78,7 @@ TEST(DirectVideoDevice, CropsAndLeavesConfidenceAway) {
     camera.setRegionOfInterest({100, 50, 20, 10});
     camera.setOutputFormat(OutputFormat::OutputFormat_DEPTH);
     camera.open();
-    camera.enableStreaming(Utils::makeRefcounted<DepthConfiguration>(
-        FrameFormat_QVGA, framesPerSecond, DepthNode::CameraMode_0, false, std::int16_t{0}));
+    camera.enableStreaming(depthMode());
     std::vector<std::uint16_t> depth(pixelCount, 1);
     std::int64_t micros = 0;
     int length = 0;
