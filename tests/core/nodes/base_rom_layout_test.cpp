@@ -64,41 +64,30 @@ TEST(CalibrationData, WhatHasNoElementHasNoDelay) {
     EXPECT_EQ(data.getPhaseDelay(Utils::makeRefcounted<OtherConfiguration>()), 0);
 }
 
+/// Begins every answer; whether it has one is told by the result or an exception.
 class TemperatureStore final : public RecordStore {
 public:
+    enum Answer { Yes, No, Throws };
+    explicit TemperatureStore(Answer given) : answer(given) {}
+
     bool getTemperatureCalibration(DepthNode::CameraMode mode, SensorValueArray& values) const override {
         values = {{{mode, 20.0F + static_cast<float>(mode)}}};
-        return true;
+        return tell();
     }
     bool getTemperatureCompensation(float& coefficient, int& sensorId) const override {
         coefficient = 1.5F;
         sensorId = 7;
-        return true;
-    }
-};
-
-/// Begins every answer and then has none, by its result or by an exception.
-class RefusingStore final : public RecordStore {
-public:
-    explicit RefusingStore(bool byException) : throws(byException) {}
-
-    bool getTemperatureCalibration(DepthNode::CameraMode, SensorValueArray& values) const override {
-        values = {{{1, 99.0F}}};
-        return refuse("no calibration");
-    }
-    bool getTemperatureCompensation(float& coefficient, int&) const override {
-        coefficient = 99;
-        return refuse("no compensation");
+        return tell();
     }
 
 private:
-    bool refuse(const char* message) const {
-        if (throws)
-            throw Plugin::NotSupportedPluginException(message);
-        return false;
+    bool tell() const {
+        if (answer == Throws)
+            throw Plugin::NotSupportedPluginException("no answer");
+        return answer == Yes;
     }
 
-    bool throws;
+    const Answer answer;
 };
 
 std::vector<bool> flags(const BaseROMLayout& layout) {
@@ -112,8 +101,8 @@ std::vector<bool> flags(const BaseROMLayout& layout) {
 
 TEST(BaseROMLayout, WithoutAnAnswerOfTheStoreKeepsItsDefaults) {
     RecordStore silent;
-    RefusingStore negative(false);
-    RefusingStore throwing(true);
+    TemperatureStore negative(TemperatureStore::No);
+    TemperatureStore throwing(TemperatureStore::Throws);
     for (Core::DescriptorStoreRO* store :
          std::initializer_list<Core::DescriptorStoreRO*>{nullptr, &silent, &negative, &throwing}) {
         const BaseROMLayout layout(store);
@@ -134,7 +123,7 @@ TEST(BaseROMLayout, WithoutAnAnswerOfTheStoreKeepsItsDefaults) {
 }
 
 TEST(BaseROMLayout, ReadsTheTemperaturesOfTheStore) {
-    TemperatureStore store;
+    TemperatureStore store(TemperatureStore::Yes);
     BaseROMLayout layout(&store);
     layout.setDiagnosticData({1, 2});
     EXPECT_THAT(flags(layout), ElementsAre(false, false, false, false, false, true));

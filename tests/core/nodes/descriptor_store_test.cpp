@@ -19,7 +19,6 @@ namespace {
 
 using namespace Zentara::IO;
 using Core::RequestList;
-using testing::IsEmpty;
 using Utils::makeRefcounted;
 
 RequestList write(std::uint32_t id, std::uint32_t value, UVCPrefix prefix = UVC_TOF_CONTROLLER_REGISTER) {
@@ -30,12 +29,9 @@ TEST(DescriptorStore, WithoutRecordsReadsAsEmpty) {
     const RecordStore store;
     EXPECT_EQ(store.getNodeHardwareIDs(), HardwareIDs());
     EXPECT_EQ(store.getDeviceHardwareIDs(), HardwareIDs());
-    EXPECT_EQ(store.getFourCC(), FourCC());
-    EXPECT_EQ(store.getDepthCapabilities() + store.getDepthFlags() + store.getDeviceFlags(), 0U);
+    EXPECT_EQ(store.getDeviceFlags() + store.getCameraControlsFlags(), 0U);
     EXPECT_EQ(store.getDeviceCapabilities(), 0);
-    for (const RequestList* list : {store.getPreCommonSettings(), store.getSpecificSettings(),
-                                    store.getPostCommonSettings(), store.getStopCommonSettings()})
-        EXPECT_EQ(list, nullptr);
+    EXPECT_EQ(store.getStopCommonSettings(), nullptr);
     using TestSupport::failure;
     EXPECT_EQ(failure([&] { static_cast<void>(store.getROMElement(0x1122334455)); }),
               "5: undefined ROMElement id 73588229205");
@@ -45,26 +41,6 @@ TEST(DescriptorStore, WithoutRecordsReadsAsEmpty) {
               "5: Depth Intrinsics are not defined");
     EXPECT_EQ(failure([&] { static_cast<void>(store.getDefaultColorIntrinsicsArray()); }),
               "5: Color Intrinsics are not defined");
-}
-
-TEST(DescriptorStore, AnswersFromItsRecords) {
-    RecordStore store;
-    Core::NodeDescriptor& node = store.node.emplace();
-    node.firstFlags = 0x100000001;
-    node.secondFlags = 0x200000002;
-    node.romElements[5] = {0x100, 32};
-    node.defaultColorIntrinsics = {{640, 480}};
-    node.stopCommonSettings.emplace();
-    store.device = Core::DeviceDescriptor{{9, 8, 7, 6}, 0x300000003, -4};
-
-    EXPECT_EQ(store.getDeviceHardwareIDs(), (HardwareIDs{9, 8, 7, 6}));
-    // Depth and colour nodes share the two words.
-    EXPECT_EQ(store.getColorFlags(), 0x100000001U);
-    EXPECT_EQ(store.getCameraControlsFlags(), 0x200000002U);
-    EXPECT_EQ(store.getDeviceFlags(), 0x300000003U);
-    EXPECT_EQ(store.getROMElement(5), (ROMElement{0x100, 32}));
-    EXPECT_EQ(store.getDefaultColorIntrinsicsArray().at(0).width, 640);
-    EXPECT_THAT(*store.getStopCommonSettings(), IsEmpty());
 }
 
 /// The value of register 40, or -1 when nothing writes it.

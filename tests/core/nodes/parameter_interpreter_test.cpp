@@ -293,17 +293,9 @@ TEST_F(ParameterInterpreterTest, PassesUnitsModesAndAnyTruthThrough) {
 TEST_F(ParameterInterpreterTest, ErrorCodesBecomeTheStatedExceptions) {
     ErrorCode code = success;
     const auto fails = [&](auto...) { return code; };
-    EXPECT_CALL(backEnd, writeFloat).WillRepeatedly(fails);
-    EXPECT_CALL(backEnd, writeInt).WillRepeatedly(fails);
-    EXPECT_CALL(backEnd, writeBool).WillRepeatedly(fails);
-    EXPECT_CALL(backEnd, setRegionOfInterest).WillRepeatedly(fails);
-    EXPECT_CALL(backEnd, readFloat).WillRepeatedly(fails);
-    EXPECT_CALL(backEnd, readInt).WillRepeatedly(fails);
-    EXPECT_CALL(backEnd, readBool).WillRepeatedly(fails);
-    EXPECT_CALL(backEnd, getRegionOfInterest).WillRepeatedly(fails);
-    EXPECT_CALL(backEnd, getPhaseScaling).WillRepeatedly(fails);
-    EXPECT_CALL(backEnd, getUnitType).WillRepeatedly(fails);
-    EXPECT_CALL(backEnd, getAccessMode).WillRepeatedly(fails);
+#define FAILS(function, ...) EXPECT_CALL(backEnd, function).Times(AnyNumber()).WillRepeatedly(fails);
+    BACK_END_OPERATIONS(FAILS)
+#undef FAILS
     for (const Operation& operation : operationsOf(parameters)) {
         if (!operation.failure)
             continue;
@@ -379,40 +371,28 @@ ParameterRequestMap stateOf(ParameterType parameter, Utils::SmartPtr<xuRequest> 
 }
 
 TEST_F(ParameterInterpreterTest, SystemStateIsWrittenEntryByEntry) {
-    using Utils::makeRefcounted;
+    const auto aFloat = Utils::makeRefcounted<setFloatParameterRequest>(ParameterType(9), -2.5F);
+    const auto anInt = Utils::makeRefcounted<setIntParameterRequest>(ParameterType(4), -2);
+    const auto on = Utils::makeRefcounted<setBoolParameterRequest>(ParameterType(7), true);
+    const auto off = Utils::makeRefcounted<setBoolParameterRequest>(ParameterType(14), false);
+    // Its words are cut and it goes under its own number.
+    const auto region = Utils::makeRefcounted<setRegionOfInterestRequest>(
+        RegionOfInterestInternal{1, 0x12345, 0xFFFF, 0x10000});
+    const auto command = Utils::makeRefcounted<UVCCommandRequest>(UVC_ADC_VALUE, 1U, 2U);
+    const auto byTypeAlone =
+        Utils::makeRefcounted<setParameterRequest>(XU_SET_FLOAT_PARAMETER, ParameterType(0));
     const struct {
-        const char* kind;
         ParameterType key;
         Utils::SmartPtr<xuRequest> request;
         Bytes bytes;
-    } rows[] = {
-        {"float",
-         ParameterType(2),
-         makeRefcounted<setFloatParameterRequest>(ParameterType(9), -2.5F),
-         {2, 0, 0, 0x20, 0xC0}},
-        {"int",
-         ParameterType(4),
-         makeRefcounted<setIntParameterRequest>(ParameterType(4), -2),
-         {4, 0xFE, 0xFF, 0xFF, 0xFF}},
-        {"true",
-         ParameterType(7),
-         makeRefcounted<setBoolParameterRequest>(ParameterType(7), true),
-         {7, 0xFF}},
-        {"false",
-         ParameterType(14),
-         makeRefcounted<setBoolParameterRequest>(ParameterType(14), false),
-         {14, 0}},
-        {"region, its words cut and under its own number",
-         ParameterType(1),
-         makeRefcounted<setRegionOfInterestRequest>(RegionOfInterestInternal{1, 0x12345, 0xFFFF, 0x10000}),
-         {13, 1, 0, 0x45, 0x23, 0xFF, 0xFF, 0, 0}},
-        {"raw command", ParameterType(0), makeRefcounted<UVCCommandRequest>(UVC_ADC_VALUE, 1U, 2U), {}},
-        {"float by its type code alone",
-         ParameterType(0),
-         makeRefcounted<setParameterRequest>(XU_SET_FLOAT_PARAMETER, ParameterType(0)),
-         {}},
-        {"null", ParameterType(0), nullptr, {}},
-    };
+    } rows[] = {{ParameterType(2), aFloat, {2, 0, 0, 0x20, 0xC0}},
+                {ParameterType(4), anInt, {4, 0xFE, 0xFF, 0xFF, 0xFF}},
+                {ParameterType(7), on, {7, 0xFF}},
+                {ParameterType(14), off, {14, 0}},
+                {ParameterType(1), region, {13, 1, 0, 0x45, 0x23, 0xFF, 0xFF, 0, 0}},
+                {ParameterType(0), command, {}},
+                {ParameterType(0), byTypeAlone, {}},
+                {ParameterType(0), nullptr, {}}};
     for (const auto& row : rows) {
         Bytes written = {0xEE};
         EXPECT_CALL(backEnd, writeSystemState)
@@ -421,7 +401,7 @@ TEST_F(ParameterInterpreterTest, SystemStateIsWrittenEntryByEntry) {
                 return success;
             });
         parameters->write(stateOf(row.key, row.request));
-        EXPECT_EQ(written, row.bytes) << row.kind;
+        EXPECT_EQ(written, row.bytes) << row.key;
     }
     EXPECT_CALL(backEnd, writeSystemState(testing::NotNull(), 0)).WillOnce(Return(success));
     parameters->write(ParameterRequestMap());
