@@ -112,23 +112,19 @@ TEST_F(PluginManagerTest, SaysWhatItCannotMake) {
     const auto device = ImplType_VIDEO_DEVICE;
     const std::string unknown = "couldn't find GUID {63,0,0,{0,0,0,0,0,0,0,0}}";
 
-    EXPECT_EQ(unknown, messageOf<InitializationPluginException>(
-                           [&] { (void)manager->createInstance(fixtureGuid(99), device); }));
-    EXPECT_EQ(unknown, messageOf<InitializationPluginException>([&] { manager->incref(fixtureGuid(99)); }));
-    EXPECT_EQ(unknown, messageOf<InitializationPluginException>([&] { manager->decref(fixtureGuid(99)); }));
-    EXPECT_EQ(
-        "couldn't find GUID NULL_IMPL", messageOf<InitializationPluginException>([&] {
-            const GUID null = {0x1024966D, 0x1634, 0x4756, {0x9A, 0xBC, 0x99, 0x97, 0x91, 0x59, 0x1F, 0x45}};
-            (void)manager->createInstance(null, device);
-        }));
-    EXPECT_EQ("ImplType mismatch", messageOf<InitializationPluginException>(
-                                       [&] { (void)manager->createInstance(good, ImplType_AUDIO_DEVICE); }));
-    EXPECT_EQ("couldn't find function: createInstance", messageOf<InitializationPluginException>([&] {
-                  (void)manager->createInstance(withoutFactory, device);
-              }));
+    const auto refusal = [](auto operation) { return messageOf<InitializationPluginException>(operation); };
+    const auto make = [&](const GUID& guid, ImplType type) {
+        return refusal([&] { (void)manager->createInstance(guid, type); });
+    };
+    EXPECT_EQ(unknown, make(fixtureGuid(99), device));
+    EXPECT_EQ(unknown, refusal([&] { manager->incref(fixtureGuid(99)); }));
+    EXPECT_EQ(unknown, refusal([&] { manager->decref(fixtureGuid(99)); }));
+    const GUID null = {0x1024966D, 0x1634, 0x4756, {0x9A, 0xBC, 0x99, 0x97, 0x91, 0x59, 0x1F, 0x45}};
+    EXPECT_EQ("couldn't find GUID NULL_IMPL", make(null, device));
+    EXPECT_EQ("ImplType mismatch", make(good, ImplType_AUDIO_DEVICE));
+    EXPECT_EQ("couldn't find function: createInstance", make(withoutFactory, device));
     EXPECT_FALSE(isLibraryLoaded(root.path("no_factory")));
-    EXPECT_EQ("couldn't open: " + gone, messageOf<InitializationPluginException>(
-                                            [&] { (void)manager->createInstance(other, device); }));
+    EXPECT_EQ("couldn't open: " + gone, make(other, device));
 }
 
 TEST_F(PluginManagerTest, APlainNullStillCountsAsUse) {
