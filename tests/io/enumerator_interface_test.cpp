@@ -1,9 +1,9 @@
 #include <gmock/gmock.h>
 
-#include <zentara/core/descriptor_store_ro.h>
 #include <zentara/io/enumerator_interface.h>
 #include <zentara/utils/signal.h>
 
+#include "core/nodes/record_store.h"
 #include "io/script.h"
 
 namespace Testing {
@@ -80,42 +80,36 @@ TEST_F(EnumeratorTest, AFinishedThreadIsReplaced) {
 }
 
 /// Knows one node, whose product is 5.
-class OneNode : public Core::DescriptorStoreRO {
+class OneNode : public RecordStore {
 public:
     bool selectNode(const HardwareIDs& ids, Core::Profile) override { return ids.productId == 5; }
     NodeType getNodeType() const override { return type; }
-    std::string getNodeName() const override { return "node"; }
-    HardwareIDs getNodeHardwareIDs() const override { return {1, 2, 3, 4}; }
-    std::uint64_t getDepthFlags() const override { return 0x100000000; }
-    std::uint64_t getColorFlags() const override { return 0x200000000; }
-    std::uint32_t getNodeIndex() const override { return 6; }
-    const Core::DeviceDescriptor* getDeviceDescriptor() const override { return nullptr; }
-    const Core::NodeDescriptor* getNodeDescriptor() const override { return nullptr; }
 
-    NodeType type = NodeType_DEPTH;
+    NodeType type = NodeType_NONE;
 };
 
 TEST_F(EnumeratorTest, DescribesTheSelectedNode) {
     OneNode store;
+    Core::NodeDescriptor& node = store.node.emplace();
+    node.hardwareIds = {1, 5, 3, 4};
+    node.firstFlags = 0x100000000;
+    node.secondFlags = 0x200000000;
     enumerator.initialize(&events, &store);
     NodeEvent event;
-    event.path = "kept";
+    EXPECT_FALSE(enumerator.selectNodeDescriptor(&event, Core::Profile_DEFAULT));
+    const std::pair<NodeType, std::uint64_t> rows[]{
+        {NodeType_DEPTH, 0x200000000}, {NodeType_COLOR, 0x100000000}, {NodeType_AUDIO, 0}};
+    for (const auto& [type, flags] : rows) {
+        store.type = type;
+        EXPECT_EQ(flags, enumerator.getNodeFlags());
+    }
     event.profile = Core::Profile(7);
-    event.productId = 5;
-    EXPECT_TRUE(enumerator.selectNodeDescriptor(&event, Core::Profile_DEFAULT));
-    EXPECT_EQ(0x100000000U, enumerator.getNodeFlags());
-    store.type = NodeType_COLOR;
-    EXPECT_EQ(0x200000000U, enumerator.getNodeFlags());
-    store.type = NodeType_AUDIO;
-    EXPECT_EQ(0U, enumerator.getNodeFlags());
     enumerator.fillEvent(&event);
     EXPECT_EQ(NodeType_AUDIO, event.nodeType);
     EXPECT_EQ(Core::Profile_DEFAULT, event.profile);
-    EXPECT_EQ((HardwareIDs{1, 2, 3, 4}), event.hardwareIds());
-    EXPECT_EQ("kept node 6", event.path + " " + event.name + " " + std::to_string(event.nodeIndex));
-    EXPECT_FALSE(enumerator.selectNodeDescriptor(&event, Core::Profile_DEFAULT));
+    EXPECT_EQ((HardwareIDs{1, 5, 3, 4}), event.hardwareIds());
+    EXPECT_TRUE(enumerator.selectNodeDescriptor(&event, Core::Profile_DEFAULT));
     EXPECT_THROW(enumerator.fillEvent(nullptr), Plugin::ArgumentPluginException);
-
     enumerator.dispose();
     EXPECT_EQ(NodeType_NONE, enumerator.getNodeType());
     EXPECT_EQ(0U, enumerator.getNodeFlags());

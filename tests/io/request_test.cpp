@@ -114,17 +114,10 @@ TEST(DeviceRequestTest, TheTimeoutRunsFromTheStart) {
 
 TEST(DeviceRequestTest, CancellingWithoutATransferOnlyMarks) {
     const auto request = makeRefcounted<deviceRequest>(nullptr, RequestType_NONE);
-    EXPECT_FALSE(request->getCancelled());
-    EXPECT_FALSE(request->cancelIO());
-    EXPECT_TRUE(request->getCancelled());
-    request->setCancelled(false);
+    EXPECT_FALSE(request->cancelIO() || !request->getCancelled());
     request->setIOPending(true);
-    EXPECT_TRUE(request->getIOPending());
+    request->lock(); // as devices do around their own updates
     EXPECT_FALSE(request->cancelIO()) << "without a device";
-    EXPECT_TRUE(request->getCancelled());
-    // Devices lock it around their own updates.
-    request->lock();
-    EXPECT_FALSE(request->cancelIO());
     request->unlock();
 }
 

@@ -213,6 +213,14 @@ TEST_F(WorkerTest, ATimedOutRequestLeavesItsHuskWhenItEnds) {
     std::uint8_t bytes[100];
     leavesHusk([&] { proxy->recv(1, 2, sizeof bytes, bytes, false); },
                [&] { return dynamic_cast<RequestBytes&>(*held).stored.capacity() != 0; });
+    // Nor does one that the worker refuses keep anything.
+    Worker().exit();
+    color = Utils::makeRefcounted<OwnColor>();
+    const Utils::WeakPtr<OwnColor> refused(color);
+    EXPECT_THROW(
+        proxy->enableStreaming(Utils::SmartPtr<ColorConfiguration>(std::exchange(color, nullptr)), {}),
+        Plugin::IOPluginException);
+    EXPECT_TRUE(refused.expired());
     proxy.reset();
     EXPECT_EQ(0, script.livingDevices());
 }
