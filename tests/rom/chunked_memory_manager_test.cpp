@@ -1,7 +1,5 @@
 #include <zentara/rom/chunked_memory_manager.h>
 
-#include <zentara/plugin/plugin_exceptions.h>
-
 #include "rom/rom_fixture.h"
 #include "support/log_capture.h"
 

@@ -1,6 +1,5 @@
 #include <zentara/rom/container.h>
 
-#include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/rom/container_header.h>
 #include <zentara/rom/section.h>
 

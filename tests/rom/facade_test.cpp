@@ -1,6 +1,5 @@
 #include <filesystem>
 
-#include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/rom/diagnostic.h>
 #include <zentara/rom/file_accessor.h>
 #include <zentara/rom/gradient_distortion_correction.h>

@@ -1,5 +1,4 @@
 // The bytes of headers, records, strings and objects.
-#include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/rom/chunked_memory_management_header.h>
 #include <zentara/rom/configuration.h>
 #include <zentara/rom/container_header.h>

@@ -18,21 +18,13 @@ class LackOfMemory : public testing::TestWithParam<bool> {
 protected:
     /// A storage with five sections on bytes of its own, chunk size 64.
     struct Camera {
-        explicit Camera(bool atStart) : area{0, 4096, 64, atStart} {
-            storage.container.initialize();
-            storage.container.initializeRom();
-            for (std::uint16_t uid = 1; uid <= 5; ++uid) {
-                const Change change{uid, false, pattern(10u + uid, uid)};
-                apply(storage.container, change);
-                apply(model, change);
-            }
-        }
+        explicit Camera(bool atStart) : area{0, 4096, 64, atStart} {}
 
         Area area;
         Bytes image = Bytes(4096, 0xFF);
         ImageFlash flash{image};
         Storage storage{flash, area};
-        Model model;
+        Model model = fill(storage, 5, 10, 1);
     };
 };
 

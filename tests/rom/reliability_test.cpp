@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <random>
 
-#include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/rom/section.h>
 #include <zentara/utils/environment_variable.h>
 
@@ -271,14 +270,7 @@ TEST_P(FaultWalk, AnyTransferMayFail) {
 TEST_P(FaultWalk, AnyReadOfAMountMayFail) {
     SimulatedFlash flash(area.size);
     Storage storage(flash, area);
-    storage.container.initialize();
-    storage.container.initializeRom();
-    Model model;
-    for (std::uint16_t uid = 1; uid < 6; ++uid) {
-        const Change change{uid, false, pattern(40, uid)};
-        apply(storage.container, change);
-        apply(model, change);
-    }
+    const Model model = fill(storage, 5, 40, 0);
     flash.readCount = 0;
     storage.container.initialize();
     const std::size_t reads = flash.readCount;
@@ -315,13 +307,7 @@ class DamagedImage : public testing::Test {
 protected:
     DamagedImage() {
         Storage storage(flash, area);
-        storage.container.initialize();
-        storage.container.initializeRom();
-        for (std::uint16_t uid = 1; uid <= 24; ++uid) {
-            const Change change{uid, false, pattern(uid * 20u, uid)};
-            apply(storage.container, change);
-            apply(model, change);
-        }
+        model = fill(storage, 24, 0, 20);
     }
 
     /// How many sections the storage still has; all of them must be right.

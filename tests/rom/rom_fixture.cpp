@@ -27,6 +27,18 @@ Bytes pattern(std::size_t length, unsigned seed) {
     return bytes;
 }
 
+Model fill(Storage& storage, std::uint16_t count, std::size_t least, std::size_t more) {
+    storage.container.initialize();
+    storage.container.initializeRom();
+    Model model;
+    for (std::uint16_t uid = 1; uid <= count; ++uid) {
+        const Change change{uid, false, pattern(least + more * uid, uid)};
+        apply(storage.container, change);
+        apply(model, change);
+    }
+    return model;
+}
+
 void RomTest::use(const Area& newArea) {
     area = newArea;
     container.reset();

@@ -31,6 +31,9 @@ Bytes hex(const std::string& text);
 /// `length` bytes that differ from seed to seed.
 Bytes pattern(std::size_t length, unsigned seed = 1);
 
+/// Formats the storage and gives it sections 1 to `count`, of `least` bytes and `more` for each number.
+Model fill(Storage& storage, std::uint16_t count, std::size_t least, std::size_t more);
+
 /// Opens the operations of block headers that are the manager's alone.
 struct BlockProbe : ROM::MemoryBlockHeader {
     explicit BlockProbe(const ROM::MemoryBlockHeader& block) : MemoryBlockHeader(block) {}
