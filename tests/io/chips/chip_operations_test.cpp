@@ -5,7 +5,6 @@
 #include <gmock/gmock.h>
 
 #include <zentara/io/i2c_requests.h>
-#include <zentara/plugin/plugin_exceptions.h>
 
 #include "io/chips/wired_camera.h"
 #include "support/stride.h"

@@ -5,7 +5,6 @@
 #include <zentara/io/hardware_requests.h>
 #include <zentara/io/i2c_requests.h>
 #include <zentara/io/parameter_requests.h>
-#include <zentara/plugin/plugin_exceptions.h>
 
 #include "io/chips/wired_camera.h"
 

@@ -5,8 +5,6 @@
 
 #include <gmock/gmock.h>
 
-#include <zentara/plugin/plugin_exceptions.h>
-
 #include "io/chips/wired_camera.h"
 #include "support/log_capture.h"
 

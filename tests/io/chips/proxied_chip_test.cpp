@@ -4,7 +4,6 @@
 #include <zentara/core/guids.h>
 #include <zentara/io/camera_chip.h>
 #include <zentara/io/video_device_proxy.h>
-#include <zentara/plugin/plugin_exceptions.h>
 
 #include "io/chips/wired_camera.h"
 #include "support/simulated_faults.h"

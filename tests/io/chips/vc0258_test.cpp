@@ -2,8 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <zentara/plugin/plugin_exceptions.h>
-
 #include "io/chips/wired_camera.h"
 
 namespace Zentara::Test {

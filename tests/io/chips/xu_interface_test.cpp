@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 
 #include <zentara/io/uvc_command_request.h>
-#include <zentara/plugin/plugin_exceptions.h>
 
 #include "io/chips/wired_camera.h"
 
