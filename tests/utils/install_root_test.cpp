@@ -58,6 +58,12 @@ TEST_F(InstallRootTest, ReadsThePlainKeyInThe64BitView) {
     installPlain(KeyView::Bits64, "d\xC3\xA9pth camera/");
     EXPECT_EQ(found(), "d\xC3\xA9pth camera/");
     EXPECT_EQ(findNativeInstallRoot(store, fallback).root, "d\xC3\xA9pth camera/");
+    ASSERT_TRUE(Platform::removeKey(store, plainKey, KeyView::Bits64));
+    EXPECT_EQ(found(), "fallback/");
+    EXPECT_TRUE(Platform::removeKey(store, plainKey, KeyView::Bits64)) << "it has gone already";
+    const std::string odd = "= with ; signs" + std::string(5000, 'x') + "/";
+    set(plainKey, KeyView::Bits64, "iNSTALLdIR", odd);
+    EXPECT_EQ(found(), odd);
 }
 
 TEST_F(InstallRootTest, ChoosesTheDevelopmentKitByItsVersion) {
