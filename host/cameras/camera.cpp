@@ -10,7 +10,6 @@
 #include <zentara/utils/format.h>
 
 #include "host/attempt.h"
-#include "host/cameras/calibration_origin.h"
 #include "host/cameras/camera_parameters.h"
 #include "host/cameras/real_camera.h"
 #include "host/cameras/stream_description.h"
@@ -90,15 +89,9 @@ std::optional<Acceleration> readAccelerometer(CameraParts& parts, std::optional<
     return told;
 }
 
-/// Asks the depth node one question.
 template<typename Ask>
 auto askDepth(CameraImpl& camera, const std::string& what, Ask question) {
-    return camera.real(what).ask(what, [what, question](CameraParts& parts) {
-        const auto node = parts.depth();
-        std::invoke_result_t<Ask&, Core::DepthNodeInterface&> answer{};
-        attempt(what, [&] { answer = question(**node); });
-        return answer;
-    });
+    return camera.real(what).askDepth(what, std::move(question));
 }
 
 } // namespace
@@ -172,15 +165,11 @@ FirmwareVersion Camera::firmware() const {
     });
 }
 
-StereoCameraParametersArray Camera::lensModels() const {
-    return askDepth(*impl, "ask for the lens models",
-                    [](Core::DepthNodeInterface& depth) { return depth.getImageRegistrationCalibration(); });
-}
+StereoCameraParametersArray Camera::lensModels() const { return impl->lensModels(); }
 
-Corrections Camera::corrections() const {
-    const std::string what = "ask for the corrections";
-    return impl->real(what).ask(what, [](CameraParts& parts) { return parts.corrections(); });
-}
+Corrections Camera::corrections() const { return impl->corrections(); }
+
+Sources Camera::sources() const { return impl->sources(); }
 
 AccelerationInternal Camera::accelerometerCalibration() const {
     return askDepth(*impl, "ask for the accelerometer's calibration",
@@ -200,11 +189,6 @@ DiagnosticData Camera::diagnostics() const {
 float Camera::rangeMetres() const {
     return askDepth(*impl, "ask for the range",
                     [](Core::DepthNodeInterface& depth) { return depth.getRange(); });
-}
-
-Sources Camera::sources() const {
-    return askDepth(*impl, "ask where the calibration comes from",
-                    [](Core::DepthNodeInterface& depth) { return sourcesOf(depth); });
 }
 
 std::vector<int> Camera::parameterNumbers() const {

@@ -4,20 +4,22 @@
 
 namespace Zentara::Host {
 
-namespace {
+std::string CameraImpl::whatItLacks() const { return info().label() + " is no camera that is plugged in"; }
 
-[[noreturn]] void refuse(const CameraImpl& camera, const std::string& what) {
-    throw Unsupported("cannot " + what, camera.info().label() + " is no camera that is plugged in");
-}
+void CameraImpl::refuse(const std::string& what) const { throw Unsupported("cannot " + what, whatItLacks()); }
 
-} // namespace
+Corrections CameraImpl::corrections() { refuse("ask for the corrections"); }
 
-IO::CameraChip& CameraImpl::chip(const std::string&) { refuse(*this, "reach the controller"); }
+Sources CameraImpl::sources() { refuse("ask where the calibration comes from"); }
 
-IO::VideoDeviceProxy& CameraImpl::device() { refuse(*this, "reach the device"); }
+StereoCameraParametersArray CameraImpl::lensModels() { refuse("ask for the lens models"); }
 
-void CameraImpl::watchTransfers(IO::ChipListener) { refuse(*this, "watch the controller's transfers"); }
+IO::CameraChip& CameraImpl::chip(const std::string&) { refuse("reach the controller"); }
 
-RealCamera& CameraImpl::real(const std::string& what) { refuse(*this, what); }
+IO::VideoDeviceProxy& CameraImpl::device() { refuse("reach the device"); }
+
+void CameraImpl::watchTransfers(IO::ChipListener) { refuse("watch the controller's transfers"); }
+
+RealCamera& CameraImpl::real(const std::string& what) { refuse(what); }
 
 } // namespace Zentara::Host

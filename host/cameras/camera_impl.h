@@ -34,6 +34,9 @@ public:
     [[nodiscard]] StreamList& streams() noexcept { return running; }
 
     // Unsupported unless overridden.
+    [[nodiscard]] virtual Corrections corrections();
+    [[nodiscard]] virtual Sources sources();
+    [[nodiscard]] virtual StereoCameraParametersArray lensModels();
     [[nodiscard]] virtual IO::CameraChip& chip(const std::string& controller);
     [[nodiscard]] virtual IO::VideoDeviceProxy& device();
     virtual void watchTransfers(IO::ChipListener listener);
@@ -43,6 +46,10 @@ public:
     [[nodiscard]] virtual RealCamera& real(const std::string& what);
 
 private:
+    /// Why it has not what only a camera has that is plugged in.
+    [[nodiscard]] virtual std::string whatItLacks() const;
+    [[noreturn]] void refuse(const std::string& what) const;
+
     StreamList running;
 };
 

@@ -2,6 +2,7 @@
 
 #include <zentara/utils/format.h>
 
+#include "host/cameras/calibration_origin.h"
 #include "host/streams/camera_source.h"
 #include "utils/visible_text.h"
 
@@ -49,6 +50,20 @@ StreamInfo RealCamera::streamInfo(Kind kind, const Mode& mode) {
 StreamSetup RealCamera::streamSetup(Kind kind, const Mode& mode) {
     checkOpen("stream");
     return streamOf(std::static_pointer_cast<RealCamera>(shared_from_this()), kind, mode);
+}
+
+Corrections RealCamera::corrections() {
+    return ask("ask for the corrections", [](CameraParts& own) { return own.corrections(); });
+}
+
+Sources RealCamera::sources() {
+    return askDepth("ask where the calibration comes from",
+                    [](Core::DepthNodeInterface& depth) { return sourcesOf(depth); });
+}
+
+StereoCameraParametersArray RealCamera::lensModels() {
+    return askDepth("ask for the lens models",
+                    [](Core::DepthNodeInterface& depth) { return depth.getImageRegistrationCalibration(); });
 }
 
 IO::CameraChip& RealCamera::chip(const std::string& controller) {

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "host/attempt.h"
 #include "host/cameras/camera_impl.h"
 #include "host/cameras/camera_parts.h"
 #include "host/cameras/camera_register.h"
@@ -40,6 +41,20 @@ public:
         }
     }
 
+    /// Asks the depth node one question. \param question takes the node
+    template<typename Ask>
+    auto askDepth(const std::string& what, Ask question) {
+        return ask(what, [what, question = std::move(question)](CameraParts& own) {
+            const auto node = own.depth();
+            std::invoke_result_t<const Ask&, Core::DepthNodeInterface&> answer{};
+            attempt(what, [&] { answer = question(**node); });
+            return answer;
+        });
+    }
+
+    [[nodiscard]] Corrections corrections() override;
+    [[nodiscard]] Sources sources() override;
+    [[nodiscard]] StereoCameraParametersArray lensModels() override;
     [[nodiscard]] IO::CameraChip& chip(const std::string& controller) override;
     [[nodiscard]] IO::VideoDeviceProxy& device() override;
     void watchTransfers(IO::ChipListener listener) override { transfers->set(std::move(listener)); }

@@ -6,7 +6,8 @@
 #include <zentara/host/failure.h>
 #include <zentara/utils/format.h>
 
-#include "host/recordings/played_source.h"
+#include "host/cameras/camera_choice.h"
+#include "host/recordings/played_camera.h"
 #include "host/recordings/recording_format.h"
 #include "host/recordings/recording_reader.h"
 #include "host/streams/frame_draft.h"
@@ -117,17 +118,27 @@ const std::vector<StreamInfo>& Recording::streams() const& noexcept { return imp
 
 int Recording::version() const noexcept { return impl->reader.version(); }
 
-Stream Recording::play(std::size_t stream, const StreamOptions& options, double speed) const {
-    impl->requireStream(stream);
-    if (!(speed > 0) || !std::isfinite(speed))
-        throw Failure(Failure::Usage,
-                      Format("cannot play recording '%' at % times its speed") % impl->reader.name() % speed);
-    StreamSetup setup;
-    setup.what = "play recording '" + impl->reader.name() + "'";
-    setup.open = [path = impl->reader.name(), stream, speed] {
-        return std::make_shared<PlayedSource>(path, stream, speed);
-    };
-    return openStream(std::move(setup), options);
+std::vector<CameraInfo> Recording::cameras() const { return recordedCameras(streams()); }
+
+std::vector<CameraInfo> Recording::choose(const std::vector<std::string>& names) const {
+    return chooseCameras(cameras(), names, "recorded");
+}
+
+Camera Recording::camera(const std::string& name, const PlayOptions& options) const {
+    return camera(chooseCamera(cameras(), name, "recorded"), options);
+}
+
+Camera Recording::camera(const CameraInfo& camera, const PlayOptions& options) const {
+    if (!(options.speed > 0) || !std::isfinite(options.speed))
+        throw Failure(Failure::Usage, Format("cannot play recording '%' at % times its speed") %
+                                          impl->reader.name() % options.speed);
+    for (CameraInfo& one : cameras()) {
+        if (one.path == camera.path)
+            return Camera(
+                std::make_shared<PlayedCamera>(impl->reader.name(), streams(), std::move(one), options));
+    }
+    throw Failure(Failure::NoDevice,
+                  Format("recording '%' has no camera at '%'") % impl->reader.name() % camera.path);
 }
 
 std::optional<RecordedFrame> Recording::next() {

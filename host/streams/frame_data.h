@@ -74,6 +74,8 @@ struct alignas(64) FrameData {
     std::uint64_t droppedBefore = 0;
     std::int64_t deviceMicros = 0;
     std::int64_t hostMicros = 0;
+    std::int64_t takenMicros =
+        0; ///< on the host's clock, where a recording says it; 0 where that is not known
     bool isFirstAfterReturn = false;
     std::uint8_t corrections = 0; ///< those that were applied, as a set of `Correction`
     std::array<SensorValue, mostTemperatures> temperatures{};

@@ -17,6 +17,7 @@ FrameDraft FrameDraft::tryTake(std::shared_ptr<const StreamContext> stream, std:
     block->droppedBefore = 0;
     block->deviceMicros = 0;
     block->hostMicros = 0;
+    block->takenMicros = 0;
     block->isFirstAfterReturn = false;
     block->corrections = 0;
     block->temperatureCount = 0;
@@ -37,6 +38,7 @@ FrameDraft::FrameDraft(const Frame& like, const std::string& what)
     data->droppedBefore = source.droppedBefore;
     data->deviceMicros = source.deviceMicros;
     data->hostMicros = source.hostMicros;
+    data->takenMicros = source.takenMicros;
     data->isFirstAfterReturn = source.isFirstAfterReturn;
     data->corrections = source.corrections;
     data->temperatures = source.temperatures;

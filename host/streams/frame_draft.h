@@ -29,6 +29,9 @@ public:
     /// A copy of all but the bytes, for a changed frame of the same size.
     FrameDraft(const Frame& like, const std::string& what);
 
+    /// What a frame holds that it does not tell everybody.
+    [[nodiscard]] static const FrameData& dataOf(const Frame& frame) noexcept { return *frame.data; }
+
     FrameDraft(FrameDraft&& other) noexcept;
     FrameDraft& operator=(FrameDraft&& other) noexcept;
     ~FrameDraft();

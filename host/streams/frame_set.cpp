@@ -14,6 +14,7 @@
 #include <zentara/utils/format.h>
 #include <zentara/utils/signal.h>
 
+#include "host/streams/frame_draft.h"
 #include "host/streams/stream_core.h"
 
 namespace Zentara::Host {
@@ -33,11 +34,13 @@ std::string milliseconds1(std::int64_t micros) {
     return Format("% ms") % (std::round(static_cast<double>(micros) / 100) / 10);
 }
 
-/// From a device's clock to the host's. Separate.
+/// From a device's clock to the host's; a frame of a recording says itself when it was taken. Separate.
 class HostClock {
 public:
     /// When the frame was taken.
     [[nodiscard]] std::int64_t timeOf(const Frame& frame) noexcept {
+        if (const std::int64_t known = FrameDraft::dataOf(frame).takenMicros; known != 0)
+            return known;
         const std::int64_t delay = frame.hostMicros() - frame.deviceMicros();
         if (isFirst || frame.isFirstAfterReturn()) {
             isForeign = delay < 0 || delay > believedDelay;

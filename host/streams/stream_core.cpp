@@ -324,6 +324,7 @@ void Stream::Core::readFrom(StreamSource& from) {
             from.read(draft.bytes(), static_cast<int>(draft.capacity()), &micros, &length);
         switch (status) {
         case ReadBufferStatus_OK:
+            tellRecorded(from.recorded());
             deliver(length, micros);
             break;
         case ReadBufferStatus_TIMEOUT:
@@ -374,6 +375,20 @@ void Stream::Core::makeRoom(int length) {
     unitBytes = wanted;
 }
 
+/// What a recording tells of a unit takes the place of what is asked of a camera.
+void Stream::Core::tellRecorded(const StreamSource::Recorded* told) {
+    if (told == nullptr)
+        return;
+    isFirstAfterReturn = told->isFirstAfterReturn;
+    draft.fields().takenMicros = told->takenMicros;
+    setTemperatures(told->temperatures);
+}
+
+void Stream::Core::setTemperatures(const SensorValueArray& readings) {
+    temperatureCount = std::min(readings.size(), temperatures.size());
+    std::copy_n(readings.values.begin(), temperatureCount, temperatures.begin());
+}
+
 void Stream::Core::deliver(int length, std::int64_t micros) {
     if (length < 0 || static_cast<std::size_t>(length) > draft.capacity())
         throw Failure(Failure::Failed,
@@ -407,9 +422,7 @@ void Stream::Core::readTemperatures(StreamSource& from) {
     temperaturesAt = now;
     temperatureCount = 0;
     try {
-        const SensorValueArray readings = from.temperatures();
-        temperatureCount = std::min(readings.size(), temperatures.size());
-        std::copy_n(readings.values.begin(), temperatureCount, temperatures.begin());
+        setTemperatures(from.temperatures());
     } catch (...) {
         temperatureCount = 0;
     }

@@ -70,6 +70,8 @@ private:
     void makeRoom(int length);
     void deliver(int length, std::int64_t micros);
     void readTemperatures(StreamSource& from);
+    void setTemperatures(const SensorValueArray& readings);
+    void tellRecorded(const StreamSource::Recorded* told);
     [[nodiscard]] bool awaitReturn(const Failure& why);
     [[nodiscard]] bool comeBack();
     [[nodiscard]] bool giveBack(Source gone);

@@ -44,6 +44,16 @@ public:
     /// What the camera's sensors read now, for the correction of depth; none where there are none.
     [[nodiscard]] virtual SensorValueArray temperatures() { return {}; }
 
+    /// What a recording tells of a unit beside its time.
+    struct Recorded {
+        bool isFirstAfterReturn = false;
+        /// When it was taken, on the host's clock, as if it played at the pace at which was recorded.
+        std::int64_t takenMicros = 0;
+        SensorValueArray temperatures;
+    };
+    /// Of the unit that read() gave last, on the thread that reads; null for what comes from a device.
+    [[nodiscard]] virtual const Recorded* recorded() const { return nullptr; }
+
     /// Ends the stream, which wakes the reader.
     virtual void stop() = 0;
 

@@ -85,9 +85,10 @@ struct Acceleration {
 /// `Cameras::Options::limit`; then Failure (TimedOut) names the call that hangs, and so do later ones at once. Its
 /// destruction takes at most 2 s, whatever the device does, and tells as a note what is left behind.
 ///
-/// All operations throw Failure: NoDevice once the camera is not plugged in any more, Usage after close() and for what a
-/// recording has not, Unsupported where the camera has not what is asked for, TimedOut, and Failed with what the device
-/// said. Safe, but for chip().
+/// All operations throw Failure: NoDevice once the camera is not plugged in any more, Usage after close(),
+/// Unsupported where the camera has not what is asked for, TimedOut, and Failed with what the device said. A recording
+/// has info, modes, streams and what belongs to their frames: streamInfo(), lens(), lensModels(), corrections() and
+/// sources(); everything else of it is Unsupported. Safe, but for chip().
 class ZENTARA_HOST_API Camera {
 public:
     explicit Camera(std::shared_ptr<CameraImpl> held) noexcept;

@@ -8,8 +8,10 @@
 #include <string>
 #include <vector>
 
+#include <zentara/host/camera.h>
 #include <zentara/host/export.h>
 #include <zentara/host/frame.h>
+#include <zentara/host/note.h>
 #include <zentara/host/output_file.h>
 #include <zentara/host/stream.h>
 #include <zentara/host/stream_info.h>
@@ -51,13 +53,22 @@ private:
     std::unique_ptr<Impl> impl;
 };
 
+/// How a camera of a recording plays.
+struct PlayOptions {
+    /// Of the pace at which it was recorded: 2 for twice as fast. Above 0. Who does not fetch fast enough loses frames,
+    /// as with a camera.
+    double speed = 1;
+    /// Is told what its streams leave behind; the library's log unless set.
+    Note note{};
+};
+
 /// A frame of a recording, and the index of its stream.
 struct RecordedFrame {
     std::size_t stream = 0;
     Frame frame;
 };
 
-/// Reads what a Recorder wrote, unpaced: one frame after the other, or by number or time. Nothing that the file says is
+/// Reads what a Recorder wrote, unpaced: one frame after the other, or by number or time; camera() plays it. Nothing that the file says is
 /// believed before its checksum was right, and no memory is taken for bytes that the file does not have. Frames are as
 /// those of a camera, but for their number, which is their place among those recorded of their stream, and outlive the
 /// recording. Separate.
@@ -103,12 +114,25 @@ public:
     /// \param micros of the device's clock \throws Failure (Usage) when the stream has no frame
     [[nodiscard]] Frame atTime(std::size_t stream, std::int64_t micros);
 
-    /// Plays a stream as a camera delivers it, on a thread of its own: with the same waits, queue and counts. A gap of
-    /// more than a second, as when a camera was pulled out, is cut short. It reads the file for itself, and outlives the
-    /// recording. Who wants every frame, as fast as can be, takes next().
-    /// \param speed of the pace at which it was recorded: 2 for twice as fast
-    /// \throws Failure (Usage) when there is no such stream, or the speed is not above 0; as the constructor does
-    [[nodiscard]] Stream play(std::size_t stream, const StreamOptions& options = {}, double speed = 1) const;
+    /// The cameras whose streams it holds, in the order of their first streams. What was recorded of one `path` is one
+    /// camera, which has the kinds and modes that were recorded; of two streams in one mode it has the first.
+    [[nodiscard]] std::vector<CameraInfo> cameras() const;
+
+    /// Those of these names, as Cameras::choose() does among what is plugged in; the first one for no names.
+    [[nodiscard]] std::vector<CameraInfo> choose(const std::vector<std::string>& names) const;
+
+    /// One of them, which plays: the same object as for a camera that is plugged in, with the same waits, queues and
+    /// counts, whose streams deliver at the pace at which was recorded, and end. A stream begins with its first frame;
+    /// all streams of the camera share a clock, which begins with the first of them, so one that is begun later hurries
+    /// until it has caught up. A gap of more than a second, as when a camera was pulled out, is cut short. Each stream
+    /// reads the file for itself; camera and streams outlive the recording. Who wants every frame, as fast as can be,
+    /// takes next().
+    /// \param name as in Cameras::open(); the first camera unless given
+    /// \throws Failure (NoDevice) when there is no such camera, (Usage) when the name fits several, or for a speed that
+    ///         is not above 0
+    [[nodiscard]] Camera camera(const std::string& name = {}, const PlayOptions& options = {}) const;
+    /// \param camera one of cameras()
+    [[nodiscard]] Camera camera(const CameraInfo& camera, const PlayOptions& options = {}) const;
 
 private:
     struct Impl;

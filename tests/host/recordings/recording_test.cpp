@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <chrono>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -6,11 +7,14 @@
 #include <gmock/gmock.h>
 
 #include <zentara/host/failure.h>
+#include <zentara/host/flash.h>
+#include <zentara/host/frame_set.h>
 #include <zentara/host/point_cloud.h>
 #include <zentara/host/recording.h>
 #include <zentara/temperature_compensation.h>
 #include <zentara/utils/files.h>
 
+#include "host/recordings/play_clock.h"
 #include "host/streams/frame_draft.h"
 #include "support/failure.h"
 #include "support/temporary_directory.h"
@@ -18,6 +22,7 @@
 namespace Zentara::Host {
 namespace {
 
+using namespace std::chrono_literals;
 using testing::AllOf;
 using testing::HasSubstr;
 using TestSupport::messageOf;
@@ -214,6 +219,7 @@ TEST_F(RecordingTest, BecomesACloudWithoutItsCamera) {
     std::copy_n(reinterpret_cast<const std::byte*>(planes.data()), 32, draft.bytes());
     draft.fields().temperatures[0] = {3, 26};
     draft.fields().temperatureCount = 1;
+    draft.fields().isFirstAfterReturn = true;
     const Frame taken = std::move(draft).finish(32);
     {
         Recorder recorder(path("r"), streams);
@@ -237,9 +243,95 @@ TEST_F(RecordingTest, BecomesACloudWithoutItsCamera) {
     cloud.writePly(ply);
     EXPECT_THAT(ply.str(), AllOf(HasSubstr("comment camera Camera S-7, mode 4x2@60, frame 0"),
                                  HasSubstr("comment not corrected: temperature: not applied")));
+    const Frame played = *recording.camera().stream(Kind::Depth).next(10s);
+    const Frame correctedLater = played.corrected();
+    EXPECT_EQ(correctedLater.depth()[1], corrected.depth()[1]);
+    EXPECT_TRUE(played.isFirstAfterReturn());
     const Lens other(*streams[0].lens, DepthAlong::Axis, "camera");
     EXPECT_THAT(messageOf<Failure>([&] { (void)other.pointsOf(raw); }),
                 HasSubstr("its depth runs along the ray"));
+}
+
+TEST_F(RecordingTest, PlaysAsACameraAndHasNothingElseOfOne) {
+    Recording recording(path("r"));
+    const Camera camera = recording.camera("ov0570");
+    EXPECT_EQ(camera.info(), recording.cameras().at(0));
+    EXPECT_THAT(camera.info().kinds, testing::ElementsAre(Kind::Depth, Kind::Audio));
+    EXPECT_EQ(camera.modes(Kind::Depth), std::vector{streams[0].mode});
+    EXPECT_EQ(camera.streamInfo(Kind::Depth, "4x2"), recording.streams()[0]);
+    EXPECT_EQ(camera.lens().depthAlong(), DepthAlong::Ray);
+    EXPECT_EQ(camera.corrections(), streams[0].corrections);
+    EXPECT_EQ(camera.sources().failure, "no answer");
+    EXPECT_EQ(camera.lensModels().extrinsics.values.at(0).t1, 25);
+    Stream depth = camera.stream(Kind::Depth);
+    for (const char* const expected : {"0:1000:3", "0:2000:0", "0:-3000:2"})
+        EXPECT_EQ(text(0, *depth.next(10s)), expected);
+    EXPECT_FALSE(depth.next(10s)) << "the end";
+
+    const auto refusal = [](const auto& ask) { return messageOf<Unsupported>(ask); };
+    EXPECT_THAT(refusal([&] { (void)camera.parameters(); }), HasSubstr("is played from recording '"));
+    EXPECT_THAT(refusal([&] { (void)camera.chip(); }), HasSubstr("cannot reach the controller"));
+    EXPECT_THAT(refusal([&] { camera.writeCalibration({}); }), HasSubstr("cannot write the camera's calib"));
+    EXPECT_THAT(refusal([&] { (void)camera.flash(); }), HasSubstr("S-7 is played from"));
+    EXPECT_THAT(messageOf<Failure>([&] { (void)camera.stream(Kind::Color); }),
+                HasSubstr("has no color stream"));
+    EXPECT_THAT(messageOf<Failure>([&] { (void)camera.mode(Kind::Depth, "9x9"); }),
+                HasSubstr("it has DEFF1"));
+    EXPECT_THAT(messageOf<Failure>([&] { (void)recording.camera("x"); }), HasSubstr("recorded: S-7"));
+    EXPECT_THROW((void)recording.camera("S-7", {.speed = 0}), Failure);
+    Stream waiting = camera.stream(Kind::Audio, {.started = false});
+    camera.close();
+    EXPECT_EQ(waiting.state(), Stream::State::Stopped);
+    EXPECT_THAT(messageOf<Failure>([&] { (void)camera.stream(Kind::Depth); }), HasSubstr("is closed"));
+}
+
+TEST_F(RecordingTest, PlaysWhatWasOneMomentAsOneMomentAtItsPace) {
+    std::vector<StreamInfo> pictures{streams[0], streams[0]};
+    pictures[1].mode = {.kind = Kind::Color, .name = "CO", .width = 4, .height = 2, .rate = 20};
+    pictures[0].mode.rate = 20;
+    Recorder recorder(path("p"), pictures);
+    for (int i = 0; i < 6; ++i) { // each has a clock of its own; it was away before the fourth
+        const std::int64_t time = i * 50'000 + (i > 2 ? 1'000'000'000 : 0);
+        recorder.add(0, {std::make_shared<StreamInfo>(pictures[0]), {}, 0, time});
+        recorder.add(1, {std::make_shared<StreamInfo>(pictures[1]), {}, 0, time + 7'000'000'000});
+    }
+    recorder.commit();
+    const Camera camera = Recording(path("p")).camera("", {.speed = 2});
+    std::vector<Stream> both;
+    for (const Kind kind : {Kind::Color, Kind::Depth})
+        both.push_back(camera.stream(kind, {.queue = 9, .started = false}));
+    const auto began = std::chrono::steady_clock::now();
+    FrameSets sets(std::move(both), {.patience = 10s});
+    for (std::uint64_t i = 0; i < 6; ++i) {
+        const std::optional<FrameSet> set = sets.next(10s);
+        ASSERT_TRUE(set && set->complete()) << i;
+        EXPECT_EQ(set->depth->number() + set->color->number(), 2 * i);
+    }
+    EXPECT_FALSE(sets.next(10s));
+    const auto took = std::chrono::steady_clock::now() - began;
+    EXPECT_GE(took, 95ms) << "four times 50 ms, at twice the speed";
+    EXPECT_LT(took, 10s) << "without the time that it was away";
+}
+
+TEST(RecordedTimesTest, AreThoseOfOneClockThatNeverStandsStillForLong) {
+    RecordedTimes times({10'000, 0, 10'000}, 1'000'000);
+    const std::int64_t rows[][3]{
+        {0, 5'000'000, 0},
+        {1, 4'990'000, -10'000}, // the same clock; sound begins before it is there
+        {0, 5'020'000, 20'000},
+        {2, -1, 20'000}, // a clock of its own
+        {2, 999'999, 1'020'000},
+        {0, 5'990'000, 990'000},
+        {1, INT64_MIN, 1'020'000}, // begins anew
+        {1, INT64_MIN + 1, 1'020'001},
+        {0, 90'000'000, 1'020'001}, // a gap, after which both are a frame time later
+        {0, 90'100'000, 1'120'001},
+        {2, 90'000'000, 1'020'001},
+        {2, 300'000'000, 1'120'001},
+        {2, 600'000'000, 1'130'001},
+    };
+    for (const auto& [stream, micros, due] : rows)
+        EXPECT_EQ(times.dueAt(static_cast<std::size_t>(stream), micros), due) << stream << " " << micros;
 }
 
 } // namespace
