@@ -1,4 +1,4 @@
-#include "tools/zentara/plugins/refused_file.h"
+#include "host/plugins/besides_plugins.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -6,15 +6,15 @@
 #include <system_error>
 
 #include <zentara/core/plugin_probe.h>
+#include <zentara/host/failure.h>
 #include <zentara/utils/format.h>
 #include <zentara/utils/text.h>
 
 #include "host/files/paths.h"
-#include "tools/zentara/exit_code.h"
 #include "utils/platform/new_file.h"
 #include "utils/visible_text.h"
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 namespace {
 
 namespace fs = std::filesystem;
@@ -121,4 +121,4 @@ std::vector<RefusedFile> entriesBesidesPlugins(const std::string& directory) {
     return refused;
 }
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

@@ -1,4 +1,4 @@
-#include "tools/zentara/plugins/library_machine.h"
+#include "host/plugins/library_machine.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -10,7 +10,7 @@
 
 #include "host/files/paths.h"
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 namespace {
 
 constexpr std::size_t headBytes = 4096;
@@ -38,7 +38,7 @@ std::string nameOf(const char* system, const Machine (&machines)[count], std::ui
 class Head {
 public:
     explicit Head(const std::string& path) : bytes(headBytes) {
-        std::ifstream file(Host::pathOf(path), std::ios::binary);
+        std::ifstream file(pathOf(path), std::ios::binary);
         file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
         bytes.resize(static_cast<std::size_t>(std::max<std::streamsize>(file.gcount(), 0)));
     }
@@ -81,4 +81,4 @@ std::string machineOf(const std::string& path) {
     return {};
 }
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

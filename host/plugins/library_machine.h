@@ -2,10 +2,10 @@
 
 #include <string>
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 /// For which machine a library or program was made: "Windows on x86-64". Empty for a file that is neither, or cannot
 /// be read.
 [[nodiscard]] std::string machineOf(const std::string& path);
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host

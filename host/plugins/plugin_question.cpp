@@ -1,4 +1,4 @@
-#include "tools/zentara/plugins/plugin_question.h"
+#include "host/plugins/plugin_question.h"
 
 #include <algorithm>
 #include <array>
@@ -8,14 +8,14 @@
 #include <cstdlib>
 #include <future>
 
+#include <zentara/host/failure.h>
 #include <zentara/utils/format.h>
 #include <zentara/utils/text.h>
 
-#include "tools/zentara/exit_code.h"
-#include "tools/zentara/json_output.h"
+#include "host/json.h"
 #include "utils/platform/child_process.h"
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 namespace {
 
 using Core::PluginProbe;
@@ -26,7 +26,6 @@ using namespace std::chrono_literals;
 
 constexpr const char* question = "--ask-plugin"; // FILE CHANNEL
 constexpr auto startLimit = 60s;
-constexpr auto answerLimit = 5s;
 constexpr std::size_t atATime = 4;
 
 // A report has a line for each step that begins, "step NUMBER", and when the file is closed again one with what was
@@ -84,10 +83,10 @@ std::string placeOf(PluginScanStep step) {
     }
 }
 
-void blame(PluginAnswer& answer, const ChildEnd& end) {
+void blame(PluginAnswer& answer, const ChildEnd& end, std::chrono::milliseconds limit) {
     PluginProbe& probe = answer.probe;
     answer.isFatal = true;
-    probe.wanted = "an answer within " + std::to_string(answerLimit.count()) + " s";
+    probe.wanted = Format("an answer within % s") % (static_cast<double>(limit.count()) / 1000);
     switch (end.kind) {
     case ChildEnd::Kind::TimedOut:
         probe.found = "no answer";
@@ -103,10 +102,13 @@ void blame(PluginAnswer& answer, const ChildEnd& end) {
     }
 }
 
-PluginAnswer ask(const std::string& program, const std::string& path) {
+PluginAnswer ask(const PluginQuestions& questions, const std::string& path) {
+    const std::string& program = questions.program;
+    if (program.empty())
+        return {Core::probePluginFile(path, {}), false};
     std::string report;
     const ChildEnd end =
-        Utils::Platform::runChild(program, {question, path}, startLimit, answerLimit, report);
+        Utils::Platform::runChild(program, {question, path}, startLimit, questions.limit, report);
     if (end.kind == ChildEnd::Kind::NotStarted)
         throw Failure(Failure::Failed,
                       Format("cannot start '%' to ask the plug-ins: %") % program % end.text);
@@ -120,19 +122,24 @@ PluginAnswer ask(const std::string& program, const std::string& path) {
                  readReport(line.substr(std::string(probeMark).size()), answer.probe))
             return answer;
     }
-    blame(answer, end);
+    blame(answer, end, questions.limit);
     return answer;
 }
 
 } // namespace
 
-std::vector<PluginAnswer> askPlugins(const std::string& program, const std::vector<std::string>& paths) {
+std::vector<PluginAnswer> askPlugins(const PluginQuestions& questions,
+                                     const std::vector<std::string>& paths) {
     std::vector<PluginAnswer> answers(paths.size());
     std::atomic<std::size_t> next = 0;
     const auto work = [&] {
         for (std::size_t index = next++; index < paths.size(); index = next++)
-            answers[index] = ask(program, paths[index]);
+            answers[index] = ask(questions, paths[index]);
     };
+    if (questions.program.empty()) {
+        work(); // on the caller's thread, as the plug-in manager does
+        return answers;
+    }
     std::vector<std::future<void>> workers;
     for (std::size_t count = std::min(atATime, paths.size()); count > 0; --count)
         workers.push_back(std::async(std::launch::async, work));
@@ -141,20 +148,18 @@ std::vector<PluginAnswer> askPlugins(const std::string& program, const std::vect
     return answers;
 }
 
-bool isPluginQuestion(const std::vector<std::string>& arguments) {
-    return arguments.size() == 3 && arguments.front() == question;
-}
-
-int answerPluginQuestion(const std::vector<std::string>& arguments) {
+std::optional<int> answerPluginQuestion(const std::vector<std::string>& arguments) {
+    if (arguments.size() != 3 || arguments.front() != question)
+        return std::nullopt;
     std::FILE* report = Utils::Platform::openReport(arguments[2]);
     if (report == nullptr)
         return Failure::Usage;
-    const auto tell = [report](PluginScanStep step) {
+    const auto tellStep = [report](PluginScanStep step) {
         std::fprintf(report, "%s%d\n", stepMark, static_cast<int>(step));
     };
-    const PluginProbe probe = Core::probePluginFile(arguments[1], tell);
+    const PluginProbe probe = Core::probePluginFile(arguments[1], tellStep);
     std::fprintf(report, "%s%s\n", probeMark, toReport(probe).c_str());
     std::_Exit(Failure::None); // what a file has left behind for the end of a process is not asked
 }
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host
