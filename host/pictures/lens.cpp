@@ -146,6 +146,8 @@ Lens& Lens::operator=(const Lens&) = default;
 Lens::~Lens() = default;
 
 const CameraIntrinsics& Lens::model() const noexcept { return impl->model; }
+const char* depthAlongName(DepthAlong along) noexcept { return along == DepthAlong::Axis ? "axis" : "ray"; }
+
 DepthAlong Lens::depthAlong() const noexcept { return impl->depth; }
 const std::string& Lens::owner() const noexcept { return impl->owner; }
 

@@ -1,5 +1,6 @@
 #include "tools/zentara/streams/stream_session.h"
 #include "host/cameras/camera_choice.h"
+#include "host/cameras/camera_register.h"
 #include "tools/zentara/cameras/camera_json.h"
 
 #include <algorithm>
@@ -184,7 +185,7 @@ void StreamSession::openCamera(const CameraEntry& entry, const StreamedCamera::O
     for (const NodeEvent& node : entry.nodes)
         parts->kinds.insert(node.nodeType);
     auto& camera = *parts->cameras.emplace_back(
-        std::make_unique<StreamedCamera>(cameraJson(entry), open, parts->wake, finite));
+        std::make_unique<StreamedCamera>(cameraJson(Host::infoOf(entry)), open, parts->wake, finite));
     try {
         if (parts->bus)
             askForInfos(entry);

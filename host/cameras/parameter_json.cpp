@@ -1,25 +1,25 @@
-#include "tools/zentara/cameras/parameter_text.h"
+#include "host/cameras/parameter_json.h"
 
 #include <array>
 #include <cmath>
 #include <limits>
 
+#include <zentara/host/failure.h>
 #include <zentara/utils/format.h>
 
 #include "host/float_text.h"
-#include "host/json_fields.h"
-#include "tools/zentara/exit_code.h"
+#include "host/json_file.h"
 
-namespace Zentara::Tool {
+namespace Zentara::Host {
 
 using Utils::Format;
 
 namespace {
 
-constexpr std::array<const char*, 4> regionFields{"x", "y", "width", "height"};
+constexpr std::array<const char*, 4> regionKeys{"x", "y", "width", "height"};
 
-[[noreturn]] void refuse(int parameter, const std::string& what, const char* wanted) {
-    throw Failure(Failure::Usage, Format("parameter % takes %, not %") % parameter % wanted % what);
+[[noreturn]] void refuseValue(int number, const Json& json, const char* wanted) {
+    throw Failure(Failure::Usage, Format("parameter % takes %, not %") % number % wanted % shortText(json));
 }
 
 Json numberJson(double number, ParameterKind kind) {
@@ -45,17 +45,17 @@ Json rangesJson(const Parameter& parameter) {
     if (parameter.kind != ParameterKind::Region)
         return rangeJson(parameter.ranges.front(), parameter.kind);
     Json json;
-    for (std::size_t index = 0; index < parameter.ranges.size() && index < regionFields.size(); ++index)
-        json[regionFields[index]] = rangeJson(parameter.ranges[index], parameter.kind);
+    for (std::size_t index = 0; index < parameter.ranges.size() && index < regionKeys.size(); ++index)
+        json[regionKeys[index]] = rangeJson(parameter.ranges[index], parameter.kind);
     return json;
 }
 
-RegionOfInterestInternal regionFrom(int parameter, const Json& json, const std::string& found) {
+RegionOfInterestInternal regionFrom(int number, const Json& json) {
     std::array<std::uint32_t, 4> words{};
     for (std::size_t index = 0; index < words.size(); ++index) {
-        const Json word = json.is_object() ? json.value(regionFields[index], Json()) : Json();
+        const Json word = json.is_object() ? json.value(regionKeys[index], Json()) : Json();
         if (!word.is_number_unsigned() || word.get<std::uint64_t>() > 0xFFFF || json.size() != words.size())
-            refuse(parameter, found, "x, y, width and height, 0 to 65535 each");
+            refuseValue(number, json, "x, y, width and height, 0 to 65535 each");
         words[index] = word.get<std::uint32_t>();
     }
     return {words[0], words[1], words[2], words[3]};
@@ -63,7 +63,7 @@ RegionOfInterestInternal regionFrom(int parameter, const Json& json, const std::
 
 } // namespace
 
-Json toJson(const Host::ParameterValue& value) {
+Json parameterJson(const ParameterValue& value) {
     if (const auto* number = std::get_if<float>(&value))
         return floatJson(*number);
     if (const auto* number = std::get_if<std::int32_t>(&value))
@@ -74,70 +74,63 @@ Json toJson(const Host::ParameterValue& value) {
     return {{"x", region.x}, {"y", region.y}, {"width", region.width}, {"height", region.height}};
 }
 
-Host::ParameterValue valueFromJson(int parameter, const Json& json, const std::string& source) {
-    const std::string found = shortText(json) + " in " + source;
-    const auto kind = parameterKind(parameter);
+ParameterValue parameterFromJson(int number, const Json& json) {
+    const auto kind = parameterKind(number);
     if (!kind)
-        throw Failure(Failure::Usage, Format("there is no parameter %") % parameter);
+        throw Failure(Failure::Usage, Format("there is no parameter %") % number);
     switch (*kind) {
     case ParameterKind::Float:
         if (!json.is_number() || !std::isfinite(json.get<float>()))
-            refuse(parameter, found, "a number");
+            refuseValue(number, json, "a number");
         return json.get<float>();
     case ParameterKind::Int:
         if (!json.is_number_integer() || json.get<double>() < std::numeric_limits<int>::min() ||
             json.get<double>() > std::numeric_limits<int>::max())
-            refuse(parameter, found, "a whole number of 32 bits");
+            refuseValue(number, json, "a whole number of 32 bits");
         return json.get<std::int32_t>();
     case ParameterKind::Bool:
         if (!json.is_boolean())
-            refuse(parameter, found, "true or false");
+            refuseValue(number, json, "true or false");
         return json.get<bool>();
     case ParameterKind::Region:
         break;
     }
-    return regionFrom(parameter, json, found);
+    return regionFrom(number, json);
 }
 
-Host::ParameterValue valueFromText(int parameter, const std::string& text) {
-    const std::string source = "the command line";
+ParameterValue parameterValue(int number, const std::string& text) {
     if (text == "on" || text == "off")
-        return valueFromJson(parameter, Json(text == "on"), source);
+        return parameterFromJson(number, Json(text == "on"));
     Json json =
         text.find_first_of("[{") == std::string::npos ? Json::parse(text, nullptr, false) : Json(text);
     if (json.is_discarded() && text.find(',') != std::string::npos) {
         const Json list = Json::parse("[" + text + "]", nullptr, false);
         json = Json::object();
-        for (std::size_t index = 0; index < list.size() && list.size() == regionFields.size(); ++index)
-            json[regionFields[index]] = list[index];
+        for (std::size_t index = 0; index < list.size() && list.size() == regionKeys.size(); ++index)
+            json[regionKeys[index]] = list[index];
     }
     if (json.is_discarded())
         json = text;
-    return valueFromJson(parameter, json, source);
+    return parameterFromJson(number, json);
 }
 
-Json toJson(const Host::ParameterValues& values) {
-    Json json = Json::object();
-    for (const auto& [number, value] : values)
-        json[std::to_string(number)] = toJson(value);
-    return json;
-}
-
-const char* accessName(const Host::Parameter& parameter) noexcept {
+const char* accessName(const Parameter& parameter) noexcept {
     if (parameter.isReadable)
         return parameter.isWritable ? "read-write" : "read";
     return parameter.isWritable ? "write" : "-";
 }
 
-Json toJson(const Host::Parameter& parameter) {
-    return {{"parameter", parameter.number},
-            {"name", orNull(parameter.name)},
-            {"supported", parameter.isSupported},
-            {"kind", kindName(parameter.kind)},
-            {"unit", unitName(parameter.unit)},
-            {"access", accessName(parameter)},
-            {"value", parameter.value ? toJson(*parameter.value) : Json()},
-            {"range", rangesJson(parameter)}};
+std::string toJson(const ParameterValue& value) { return printed(parameterJson(value)); }
+
+std::string toJson(const Parameter& parameter) {
+    return printed({{"parameter", parameter.number},
+                    {"name", orNull(parameter.name)},
+                    {"supported", parameter.isSupported},
+                    {"kind", kindName(parameter.kind)},
+                    {"unit", unitName(parameter.unit)},
+                    {"access", accessName(parameter)},
+                    {"value", parameter.value ? parameterJson(*parameter.value) : Json()},
+                    {"range", rangesJson(parameter)}});
 }
 
-} // namespace Zentara::Tool
+} // namespace Zentara::Host
