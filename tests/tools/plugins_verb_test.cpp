@@ -112,18 +112,18 @@ TEST_F(PluginsVerb, TellsWhatOnlySomeMayRead) {
     addFile("secret" + ending(), "");
     const std::string plugins = path("bin/Plugins");
     const InstallRoot root(path());
-    // The superuser may read everything, so somebody else has to ask.
+    // The superuser may read everything unless it gives that up.
     const std::string output = path("said");
-    const auto askAsNobody = [&](const std::string& before) {
-        const int status = std::system((before + "; " + asNobody + "'" + builtTool().string() +
+    const auto askUnprivileged = [&](const std::string& before) {
+        const int status = std::system((before + "; " + unprivileged + "'" + builtTool().string() +
                                         "' plugins --all > '" + output + "' 2>&1")
                                            .c_str());
         return std::pair(status >> 8, Utils::readFile(output));
     };
-    const auto [code, said] = askAsNobody("chmod 0 '" + plugins + "'/*; chmod 777 '" + plugins + "'");
+    const auto [code, said] = askUnprivileged("chmod 0 '" + plugins + "'/*; chmod 777 '" + plugins + "'");
     EXPECT_THAT(said, testing::AllOf(HasSubstr("refused: "), HasSubstr("may not be read"),
                                      HasSubstr("everybody may write to")));
-    const auto [unreadable, why] = askAsNobody("chmod 0 '" + plugins + "'");
+    const auto [unreadable, why] = askUnprivileged("chmod 0 '" + plugins + "'");
     EXPECT_EQ(unreadable, 5) << why;
     EXPECT_THAT(why, HasSubstr("cannot read the plug-in directory"));
     std::filesystem::permissions(TemporaryDirectory::fromUtf8(plugins), std::filesystem::perms::owner_all);

@@ -319,10 +319,11 @@ TEST_F(Cameras, EndWithAWordWhateverComesFromOutside) {
              "\"$D/code\"))",
          "1", "cannot write to standard output"},
         {"ulimit -f 8; " + changeImage, "1", "File too large"},
-        {R"(chmod 777 "$D/image"; chmod 755 "$D"; )" + std::string(asNobody) + changeImage, "5",
-         "Permission denied"},
-        {R"(cp "$ZENTARA_SIMULATED_CAMERAS" "$D/secret"; chmod 0 "$D/secret"; )" + std::string(asNobody) +
-             tool + "rom list \"$D/secret\"; [ $? = 5 ] && " + asNobody + tool +
+        {R"(chmod 555 "$D"; )" + std::string(unprivileged) + changeImage +
+             R"(; code=$?; chmod 755 "$D"; exit $code)",
+         "5", "Permission denied"},
+        {R"(cp "$ZENTARA_SIMULATED_CAMERAS" "$D/secret"; chmod 0 "$D/secret"; )" + std::string(unprivileged) +
+             tool + "rom list \"$D/secret\"; [ $? = 5 ] && " + unprivileged + tool +
              "stream --play \"$D/secret\"",
          "5", "Permission denied"},
         {hang + "timeout --preserve-status --foreground -s TERM 1 " + tool + "--patience 60 stream --direct",
