@@ -130,8 +130,8 @@ Mode Camera::mode(Kind kind, const std::string& word) const {
     }
     if (all.empty())
         return impl->defaultMode(kind); // which says that there is none
-    throw Failure(Failure::Usage, Format("% % has no mode %; it has %") % info().label() % kindName(kind) %
-                                      word % listOf(all));
+    throw Failure(Failure::Usage,
+                  Format("% has no mode %; it has %") % info().label(kind) % word % listOf(all));
 }
 
 StreamInfo Camera::streamInfo(Kind kind, const std::string& word) const {
