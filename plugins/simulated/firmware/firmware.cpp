@@ -10,6 +10,13 @@ std::optional<std::size_t> Firmware::length(std::uint32_t selector) const {
     return found == controls.end() ? std::nullopt : std::optional(found->second.bytes);
 }
 
+std::vector<std::uint32_t> Firmware::selectors() const {
+    std::vector<std::uint32_t> all;
+    for (const auto& [selector, control] : controls)
+        all.push_back(selector);
+    return all;
+}
+
 void stall(const Firmware& model, const std::string& reason) {
     throw Plugin::IOPluginException(std::string(model.name()) + " stalled: " + reason);
 }

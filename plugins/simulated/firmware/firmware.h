@@ -33,6 +33,16 @@ public:
     [[nodiscard]] std::uint32_t unit() const noexcept { return unitNumber; }
     /// Bytes of a control; nothing for a control that the unit does not have.
     [[nodiscard]] std::optional<std::size_t> length(std::uint32_t selector) const;
+    /// The controls that there are.
+    [[nodiscard]] std::vector<std::uint32_t> selectors() const;
+    /// False for a control that can only be read.
+    [[nodiscard]] bool canBeSent(std::uint32_t selector) const { return !controls.at(selector).readOnly; }
+    /// Whether a packet in a SET is the question of the GET that follows: on a wire where a GET carries nothing to the
+    /// camera, it has to come before.
+    [[nodiscard]] bool asks(std::uint32_t selector, const Bytes& packet) const {
+        const auto& isQuestion = controls.at(selector).isQuestion;
+        return isQuestion && isQuestion(packet);
+    }
     /// A SET; `packet` has the control's length.
     void set(std::uint32_t selector, const Bytes& packet) { controls.at(selector).set(packet); }
     /// A GET; `request` is what the host left in its buffer, of the control's length. Returns the reply.
@@ -51,6 +61,8 @@ protected:
         std::size_t bytes;
         std::function<void(const Bytes& packet)> set;
         std::function<Bytes(const Bytes& request)> get;
+        bool (*isQuestion)(const Bytes& packet) = nullptr; ///< null where no packet is one
+        bool readOnly = false;
     };
     using Controls = std::map<std::uint32_t, Control>; ///< by selector
 

@@ -43,10 +43,11 @@ OV0570Firmware::OV0570Firmware(Settings initial)
           "OV0570", unitGuid, 6,
           {{informationControl,
             {informationBytes, [this](const Bytes&) { stall(*this, "the control information is read-only"); },
-             [this](const Bytes&) { return controlInformation(); }}},
+             [this](const Bytes&) { return controlInformation(); }, nullptr, true}},
            {registerControl,
             {registerBytes, [this](const Bytes& packet) { writeRegister(packet); },
-             [this](const Bytes& request) { return readRegister(request); }}},
+             [this](const Bytes& request) { return readRegister(request); },
+             [](const Bytes& packet) { return (packet[0] & 0x80) != 0; }}},
            {eepromControl,
             {1 + pieceBytes, [this](const Bytes& packet) { setEeprom(packet); },
              [this](const Bytes& request) { return getEeprom(request); }}}}),
@@ -162,13 +163,15 @@ void OV0570Firmware::setEeprom(const Bytes& packet) {
 }
 
 Bytes OV0570Firmware::getEeprom(const Bytes& request) {
-    if (request[0] == 1) {
+    // A host that cannot ask gets what its last SET has prepared.
+    const std::uint8_t code = request[0] != 0 ? request[0] : state == EepromState::Reading ? 3 : 1;
+    if (code == 1) {
         Bytes reply(1 + pieceBytes);
         putLittleEndian(reply, 0, settings.writableSize);
         putLittleEndian(reply, 2, settings.readableSize);
         return reply;
     }
-    if (request[0] != 3 || state != EepromState::Reading)
+    if (code != 3 || state != EepromState::Reading)
         stall(*this, "EEPROM read outside a read sequence");
     return readFlash();
 }

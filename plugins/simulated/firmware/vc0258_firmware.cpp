@@ -22,15 +22,18 @@ VC0258Firmware::VC0258Firmware(Settings initial)
                {{VCBridgeRegisters::control,
                  {VCBridgeRegisters::packetBytes,
                   [this](const Bytes& packet) { bridgeRegisters.set(*this, packet); },
-                  [this](const Bytes& request) { return bridgeRegisters.get(*this, request); }}},
+                  [this](const Bytes& request) { return bridgeRegisters.get(*this, request); },
+                  VCBridgeRegisters::isQuestion}},
                 {tunnelControl,
                  {tunnelBytes, [this](const Bytes& packet) { writeTunnel(carried(packet)); },
-                  [this](const Bytes& request) { return readTunnel(carried(request)); }}},
+                  [this](const Bytes& request) { return readTunnel(carried(request)); },
+                  [](const Bytes& packet) { return (packet[0] & 1) == 0; }}},
                 {memoryControl,
                  {memoryBytes, [this](const Bytes&) { stall(*this, "memory is read-only"); },
                   [this](const Bytes& request) {
                       return readMemory(bridgeRegisters.carried(VCBridgeRegisters::dmaControlSize, request));
-                  }}}}),
+                  },
+                  [](const Bytes&) { return true; }}}}),
       settings(std::move(initial)), kept(settings.flashFile, settings.configuration) {
     for (const auto& [address, dataBytes] : settings.devices)
         files.emplace(address, RegisterFile(1, dataBytes));

@@ -25,13 +25,16 @@ VC0345Firmware::VC0345Firmware(const Settings& initial)
                {{VCBridgeRegisters::control,
                  {VCBridgeRegisters::packetBytes,
                   [this](const Bytes& packet) { bridgeRegisters.set(*this, packet); },
-                  [this](const Bytes& request) { return bridgeRegisters.get(*this, request); }}},
+                  [this](const Bytes& request) { return bridgeRegisters.get(*this, request); },
+                  VCBridgeRegisters::isQuestion}},
                 {romControl,
                  {packetBytes, [this](const Bytes& packet) { writeRom(packet); },
-                  [this](const Bytes& request) { return readRom(request); }}},
+                  [this](const Bytes& request) { return readRom(request); },
+                  [](const Bytes& packet) { return packet[0] == 0xA0; }}},
                 {tofControl,
                  {packetBytes, [this](const Bytes& packet) { writeTof(carried(packet)); },
-                  [this](const Bytes& request) { return readTof(carried(request)); }}}}),
+                  [this](const Bytes& request) { return readTof(carried(request)); },
+                  [](const Bytes& packet) { return packet[0] == 0x46; }}}}),
       memory(initial.flashFile, wholeMemory(initial.flash)) {
     tofFile.write(0x21, 0x2035);
 }

@@ -18,6 +18,7 @@ public:
     static constexpr std::uint16_t memoryArea = 0x8112;
     static constexpr std::uint16_t lastByteOrder = 0xB439;
 
+    [[nodiscard]] static bool isQuestion(const Bytes& packet) { return packet[0] == 0x00; }
     void set(const Firmware& model, const Bytes& packet);
     [[nodiscard]] Bytes get(const Firmware& model, const Bytes& request) const;
 

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "plugins/simulated/port.h"
+#include "plugins/simulated/scene.h"
+#include "plugins/simulated/usb/camera_shape.h"
+
+namespace Zentara::Simulated {
+
+/// What the camera sees, as its streams send it: picture N of a coding is always the same, and like no other. Bound.
+class Pictures final {
+public:
+    /// \param port whose registers change the depth picture; null for none
+    /// \param huffmanTables whether a JPEG picture holds them; many cameras leave them out, for they are always the same
+    Pictures(std::uint32_t seed, const Port* port, bool huffmanTables)
+        : scene(seed), registers(port), withTables(huffmanTables) {}
+
+    /// \param brightness of a colour picture
+    [[nodiscard]] Bytes draw(Coding coding, const PictureSize& size, std::uint32_t number,
+                             int brightness) const;
+
+private:
+    [[nodiscard]] Bytes drawDepth(const PictureSize& size, std::uint32_t number) const;
+    [[nodiscard]] Bytes drawColor(std::uint32_t number, int brightness) const;
+    [[nodiscard]] Bytes compress(const Bytes& color) const;
+
+    Scene scene;
+    const Port* registers;
+    bool withTables;
+};
+
+} // namespace Zentara::Simulated
