@@ -22,7 +22,7 @@ test-linux test-windows test-asan test-tsan: test-%:
 test-kernel:
 	@.ci/setup kernel || { echo "test-kernel: NOTHING WAS TRIED: the packages marked 'kernel' in .ci/packages.txt are missing" >&2; exit 1; }
 	@cmake --preset gcc -Wno-dev >/dev/null
-	@cmake --build --preset gcc -j $(JOBS) --target zentara camera_plugins
+	@cmake --build --preset gcc -j $(JOBS) --target zentara camera_plugins simulated_usb_camera
 	@tests/kernel/all
 
 ## Puts every source into the house format.

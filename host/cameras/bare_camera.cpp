@@ -71,11 +71,9 @@ Mode BareCamera::defaultMode(Kind kind) {
     return mode;
 }
 
-StreamInfo BareCamera::streamInfo(Kind kind, const Mode& mode) {
-    const std::string name = guidLabel(plugin(kind));
+StreamInfo BareCamera::streamInfo(Kind, const Mode& mode) {
     StreamInfo info;
     info.camera = identity;
-    info.camera.nodes = {{kind, name, name, {}}};
     info.mode = mode;
     return info;
 }

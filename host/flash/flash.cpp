@@ -98,7 +98,9 @@ std::string Flash::apply(const FlashChange& change, const ApplyOptions& options,
 
 void Flash::save(const std::string& path, const std::string& bytes, const OutputFile::Rules& rules) const {
     checkApart(*target, path);
-    writeOutputFile(path, bytes, rules);
+    OutputFile file(path, rules);
+    file.write(bytes);
+    file.commit();
 }
 
 void Flash::keep(const std::string& path, const Bytes& bytes) const {

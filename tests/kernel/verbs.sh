@@ -30,4 +30,74 @@ eventually() {
 
 expect_kernel_warning() { echo "$1" >>"$TMPDIR/expected-warnings"; }
 
-unplug_all() { :; }
+# Cameras at USB level: each is a process, and gone with it.
+camera=$ZENTARA_TREE/build/gcc/bin/simulated_usb_camera
+declare -A plugged=()
+
+# plug SERIAL STREAMS OPTION...: plugs a camera in and waits until the kernel has made its nodes, two for each stream.
+plug() {
+    local serial=$1 streams=$2
+    shift 2
+    "$camera" --serial "$serial" "$@" >"$TMPDIR/camera-$serial" 2>&1 &
+    plugged[$serial]=$!
+    eventually 20 node_of "$serial" $((2 * streams - 1)) || { cat "$TMPDIR/camera-$serial" >&2 && return 1; }
+    [[ " $* " = *" --no-microphone "* ]] || eventually 20 card_of "$serial"
+}
+
+# unplug SERIAL: and waits until the kernel has noticed. The nodes may stay as long as somebody has them open.
+unplug() {
+    kill "${plugged[$1]}" 2>/dev/null || true
+    wait "${plugged[$1]}" 2>/dev/null || true
+    unset "plugged[$1]"
+    eventually 20 is_gone "$1"
+}
+
+unplug_all() {
+    local serial
+    for serial in "${!plugged[@]}"; do unplug "$serial"; done
+}
+
+# holds FILE TEXT: without starting a process, which takes long here.
+holds() {
+    local line
+    read -r line 2>/dev/null <"$1" && [ "$line" = "$2" ]
+}
+
+is_gone() {
+    local serial
+    for serial in /sys/bus/usb/devices/*/serial; do ! holds "$serial" "$1" || return 1; done
+}
+
+# node_of SERIAL INDEX: the path of a video node; of stream N the pictures are number 2 N, what is said of them is the next.
+node_of() {
+    local node
+    for node in /sys/class/video4linux/video*; do
+        holds "$node/device/../serial" "$1" && holds "$node/index" "$2" && [ -e "/dev/${node##*/}" ] || continue
+        echo "/dev/${node##*/}" && return
+    done
+    return 1
+}
+
+# card_of SERIAL: the name of its microphone for ALSA.
+card_of() {
+    local card
+    for card in /sys/class/sound/card*; do
+        holds "$card/device/../serial" "$1" && [ -e "/dev/snd/pcmC${card##*card}D0c" ] || continue
+        echo "hw:${card##*card}" && return
+    done
+    return 1
+}
+
+# take NODE COUNT FILE [OPTION...]: pictures as the driver delivers them. That it succeeds proves nothing: the bytes are compared.
+take() {
+    local node=$1 count=$2 file=$3
+    shift 3
+    v4l2-ctl -d "$node" "$@" --stream-mmap --stream-count="$count" --stream-to="$file" >"$TMPDIR/taken" 2>&1 || { cat "$TMPDIR/taken" >&2 && return 1; }
+}
+
+# same_pictures FILE COUNT OPTION...: the file holds the first pictures that such a camera sends, byte for byte, and nothing else.
+same_pictures() {
+    local file=$1 count=$2
+    shift 2
+    "$camera" --pictures "$count" "$@" | cmp - "$file"
+}

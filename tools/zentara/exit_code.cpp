@@ -8,9 +8,7 @@ namespace {
 const char* remedyFor(ExitCode code) noexcept {
     switch (code) {
     case Failure::NoDevice:
-        return "'zentara --log devices' lists the cameras that are plugged in, and tells of descriptions "
-               "that "
-               "were refused";
+        return "'zentara devices' lists the cameras that are plugged in";
     case Failure::NoPlugin:
         return "'zentara plugins --all' tells what each file of the plug-in directory is refused for";
     case Failure::Busy:

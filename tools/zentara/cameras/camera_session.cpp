@@ -1,5 +1,7 @@
 #include "tools/zentara/cameras/camera_session.h"
 
+#include <algorithm>
+
 #include <CLI/CLI.hpp>
 
 #include "tools/zentara/arguments.h"
@@ -21,28 +23,15 @@ void addCameraOptions(CLI::App& command, CameraOptions& options) {
     command.add_flag("--json", options.json, "Print JSON");
 }
 
-Cameras::Options patiently(Console& console) { return {std::chrono::hours(24), notesTo(console.err)}; }
-
-Camera openCamera(Cameras& cameras, const std::string& name, bool writes) {
-    if (!writes)
-        return cameras.open(name);
-    try {
-        return cameras.openToWrite(name);
-    } catch (const Failure& failure) {
-        if (!name.empty() || failure.code() != Failure::Usage)
-            throw;
-        throw Failure(failure.code(), failure.message(), failure.cause(), "name one with --camera");
-    }
-}
+Host::Cameras::Options patiently(Console& console) { return {std::chrono::hours(24), notesTo(console.err)}; }
 
 CameraSession::CameraSession(const CameraOptions& wanted, Console& target)
     : options(wanted), console(target), cameras(patiently(target)),
-      opened(openCamera(cameras, wanted.camera, wanted.writes)) {}
+      opened(wanted.writes ? cameras.openToWrite(wanted.camera) : cameras.open(wanted.camera)) {}
 
-void CameraSession::noteOtherCamera(const std::string& serialNumber) const {
-    const std::string& present = opened.info().serial;
-    if (!serialNumber.empty() && serialNumber != present)
-        note(console, "the file is of camera " + serialNumber + ", this one is " + present);
+bool CameraSession::hasDepth() const {
+    const auto& kinds = opened.info().kinds;
+    return std::find(kinds.begin(), kinds.end(), Host::Kind::Depth) != kinds.end();
 }
 
 void CameraSession::finish(const Json& result, const std::string& text) const {

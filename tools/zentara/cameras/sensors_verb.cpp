@@ -15,6 +15,7 @@
 #include "tools/zentara/cameras/camera_session.h"
 #include "tools/zentara/cameras/sensor_reading.h"
 #include "tools/zentara/interrupt.h"
+#include "tools/zentara/streams/frame_counter.h"
 #include "tools/zentara/supervisor.h"
 
 namespace Zentara::Tool {
@@ -96,10 +97,10 @@ private:
         if (options.json) {
             Json json = beginJson(console);
             json["camera"] = cameraJson(session.camera().info());
-            json.update(readingJson(reading));
+            json.update(Tool::toJson(reading));
             printOnOneLine(console.out, json);
         } else {
-            console.out << readingText(reading) << std::endl;
+            console.out << toText(reading) << std::endl;
         }
     }
 
@@ -143,7 +144,7 @@ ExitCode runSensors(const SensorsOptions& options, Console& console) {
         if (options.watch)
             return watchSensors(sensors, options, console);
         const Reading reading = sensors.read();
-        session.finish(readingJson(reading), readingText(reading) + '\n');
+        session.finish(Tool::toJson(reading), toText(reading) + '\n');
         return Failure::None;
     });
 }

@@ -5,6 +5,7 @@
 
 #include <zentara/utils/format.h>
 
+#include "tools/zentara/rom/correction_text.h"
 #include "tools/zentara/rom/rom_target.h"
 #include "tools/zentara/rom/rom_verbs.h"
 #include "tools/zentara/text_columns.h"
@@ -103,7 +104,7 @@ ExitCode runInfo(const TargetOptions& options, Console& console) {
         Json json = beginJson(flash, console);
         json.update(surveyJson(survey));
         if (!corrections.empty())
-            json["corrections"] = Json::parse(toJson(corrections));
+            json["corrections"] = correctionsJson(corrections);
         print(console.out, json);
     } else {
         printSurvey(survey, console.out);
@@ -140,7 +141,7 @@ ExitCode runList(const TargetOptions& options, Console& console) {
                                     {"writable", section.isWritable()},
                                     {"size", section.data.size()}});
     if (!corrections.empty())
-        json["corrections"] = Json::parse(toJson(corrections));
+        json["corrections"] = correctionsJson(corrections);
     print(console.out, json);
     return Failure::None;
 }
