@@ -81,6 +81,16 @@ Json parseJson(const std::string& text) {
     }
 }
 
+std::string shortText(const Json& value) {
+    constexpr std::size_t mostShown = 40;
+    if (value.is_structured())
+        return value.is_object() ? "an object" : "a list";
+    std::string text = value.dump(-1, ' ', true, Json::error_handler_t::replace);
+    if (text.size() > mostShown)
+        text.replace(mostShown - 3, std::string::npos, "...");
+    return text;
+}
+
 void JsonPlace::fail(const std::string& reason) const {
     throw JsonError((path.empty() ? "/" : path) + ": " + reason);
 }
@@ -123,6 +133,14 @@ std::vector<JsonPlace> JsonPlace::items() const {
     return places;
 }
 
+std::vector<std::pair<std::string, JsonPlace>> JsonPlace::fields() const {
+    checkObject();
+    std::vector<std::pair<std::string, JsonPlace>> places;
+    for (const auto& [key, field] : value->items())
+        places.emplace_back(key, JsonPlace(field, path + "/" + key));
+    return places;
+}
+
 std::string JsonPlace::text() const {
     if (!isText())
         fail("expected a text");
@@ -135,8 +153,8 @@ std::int64_t JsonPlace::number(std::int64_t least, std::int64_t most) const {
         value->get<std::uint64_t>() > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
     if (!value->is_number_integer() || tooGreat || value->get<std::int64_t>() < least ||
         value->get<std::int64_t>() > most)
-        fail(Utils::Format("expected a whole number from % to %") % static_cast<long long>(least) %
-             static_cast<long long>(most));
+        fail(Utils::Format("expected a whole number from % to %, not %") % static_cast<long long>(least) %
+             static_cast<long long>(most) % shortText(*value));
     return value->get<std::int64_t>();
 }
 

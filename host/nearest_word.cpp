@@ -1,4 +1,4 @@
-#include "host/nearest_word.h"
+#include <zentara/host/nearest_word.h>
 
 #include <algorithm>
 #include <numeric>

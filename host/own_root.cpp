@@ -5,6 +5,7 @@
 #include <zentara/utils/install_root.h>
 
 #include "host/files/paths.h"
+#include "utils/platform/program.h"
 
 namespace Zentara::Host {
 namespace {
@@ -25,6 +26,12 @@ bool useRootIfNone(const std::string& root) {
         return false;
     variable.setValue(directory.c_str());
     return true;
+}
+
+bool useProgramRootIfNone() {
+    const std::string bin = Utils::getDirectory(Utils::canonicalPath(Utils::Platform::executablePath()));
+    const std::string root = Utils::getDirectory(bin.substr(0, bin.size() - 1));
+    return bin == root + "bin/" && useRootIfNone(root);
 }
 
 } // namespace Zentara::Host

@@ -49,7 +49,8 @@ void bindLens(LensClass& bound) {
         .def_property_readonly(
             "model", [](const Lens& lens) { return dictionaryOf(lens.model()); },
             "The numbers of the lens by name, focal lengths and centre in pixels.")
-        .def_property_readonly("depth_along", [](const Lens& lens) { return nameOf(lens.depthAlong()); })
+        .def_property_readonly("depth_along",
+                               [](const Lens& lens) { return Host::depthAlongName(lens.depthAlong()); })
         .def_property_readonly("owner", [](const Lens& lens) { return text(lens.owner()); })
         .def(
             "ray",

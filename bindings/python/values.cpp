@@ -38,8 +38,6 @@ py::object correctionsOf(const Host::ModeCorrections& mode) {
 
 } // namespace
 
-std::string nameOf(Host::DepthAlong along) { return along == Host::DepthAlong::Axis ? "axis" : "ray"; }
-
 Host::DepthAlong depthAlong(const std::string& name) {
     if (name == "axis" || name == "ray")
         return name == "axis" ? Host::DepthAlong::Axis : Host::DepthAlong::Ray;
@@ -135,7 +133,8 @@ void bindValues(py::module_& module) {
         .def_readonly("camera", &StreamInfo::camera)
         .def_readonly("mode", &StreamInfo::mode)
         .def_readonly("millimetres_per_unit", &StreamInfo::millimetresPerUnit)
-        .def_property_readonly("depth_along", [](const StreamInfo& info) { return nameOf(info.depthAlong); })
+        .def_property_readonly("depth_along",
+                               [](const StreamInfo& info) { return Host::depthAlongName(info.depthAlong); })
         .def_property_readonly("lens_model",
                                [](const StreamInfo& info) -> py::object {
                                    return info.lens ? py::object(dictionaryOf(*info.lens)) : py::none();

@@ -23,8 +23,7 @@ namespace Zentara::Python {
 
 [[nodiscard]] pybind11::dict dictionaryOf(const Host::Corrections& corrections);
 
-/// "axis" or "ray"; and back. \throws Host::Failure (Usage) for other words
-[[nodiscard]] std::string nameOf(Host::DepthAlong along);
+/// Of "axis" and "ray". \throws Host::Failure (Usage) for other words
 [[nodiscard]] Host::DepthAlong depthAlong(const std::string& name);
 
 /// "depth", "color" or "audio". \throws Host::Failure (Usage) for other words

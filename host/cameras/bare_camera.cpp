@@ -71,9 +71,11 @@ Mode BareCamera::defaultMode(Kind kind) {
     return mode;
 }
 
-StreamInfo BareCamera::streamInfo(Kind, const Mode& mode) {
+StreamInfo BareCamera::streamInfo(Kind kind, const Mode& mode) {
+    const std::string name = guidLabel(plugin(kind));
     StreamInfo info;
     info.camera = identity;
+    info.camera.nodes = {{kind, name, name, {}}};
     info.mode = mode;
     return info;
 }

@@ -34,6 +34,7 @@ public:
     [[nodiscard]] GUID plugin(Kind kind);
     [[nodiscard]] const std::shared_ptr<Hand>& hand() const noexcept { return errands.hand; }
     [[nodiscard]] const Note& note() const noexcept { return errands.note; }
+    [[nodiscard]] std::chrono::milliseconds limit() const noexcept { return errands.limit; }
 
 private:
     [[nodiscard]] GUID choose(Kind kind) const;

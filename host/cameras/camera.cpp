@@ -6,6 +6,7 @@
 #include <zentara/core/node_labels.h>
 #include <zentara/core/periodic_operation.h>
 #include <zentara/depth_base_configuration.h>
+#include <zentara/host/camera_files.h>
 #include <zentara/plugin/call_plugin.h>
 #include <zentara/utils/format.h>
 
@@ -89,6 +90,18 @@ std::optional<Acceleration> readAccelerometer(CameraParts& parts, std::optional<
     return told;
 }
 
+/// What a camera that refused some values has taken of them all the same.
+std::string takenText(const Camera& camera, const ParameterValues& before) {
+    std::string taken;
+    try {
+        for (const ParameterChange& change : changesBetween(before, camera.parameterValues()))
+            taken += (taken.empty() ? "" : ", ") + std::to_string(change.number);
+    } catch (const Failure&) {
+        return "what it has taken of them cannot be read";
+    }
+    return taken.empty() ? "nothing was changed" : "it has changed all the same: " + taken;
+}
+
 template<typename Ask>
 auto askDepth(CameraImpl& camera, const std::string& what, Ask question) {
     return camera.real(what).askDepth(what, std::move(question));
@@ -117,8 +130,8 @@ Mode Camera::mode(Kind kind, const std::string& word) const {
     }
     if (all.empty())
         return impl->defaultMode(kind); // which says that there is none
-    throw Failure(Failure::Usage, Format("% % has no mode %; it has %") % info().label() % kindName(kind) %
-                                      word % listOf(all));
+    throw Failure(Failure::Usage,
+                  Format("% has no mode %; it has %") % info().label(kind) % word % listOf(all));
 }
 
 StreamInfo Camera::streamInfo(Kind kind, const std::string& word) const {
@@ -158,11 +171,15 @@ std::optional<ROMElement> Camera::storage() const {
 }
 
 FirmwareVersion Camera::firmware() const {
-    return askDepth(*impl, "ask for the firmware's version", [](Core::DepthNodeInterface& depth) {
-        FirmwareVersion version;
-        depth.getVersions(version.major, version.minor);
-        return version;
+    const std::string what = "ask for the firmware's version";
+    const auto version = askDepth(*impl, what, [](Core::DepthNodeInterface& depth) {
+        FirmwareVersion told;
+        depth.getVersions(told.major, told.minor);
+        return told;
     });
+    if (version.major == 0 && version.minor == 0) // what a node says that has none
+        throw Unsupported("cannot " + what, "the camera tells none");
+    return version;
 }
 
 StereoCameraParametersArray Camera::lensModels() const { return impl->lensModels(); }
@@ -187,8 +204,12 @@ DiagnosticData Camera::diagnostics() const {
 }
 
 float Camera::rangeMetres() const {
-    return askDepth(*impl, "ask for the range",
-                    [](Core::DepthNodeInterface& depth) { return depth.getRange(); });
+    const std::string what = "ask for the range";
+    const float metres =
+        askDepth(*impl, what, [](Core::DepthNodeInterface& depth) { return depth.getRange(); });
+    if (metres == 0) // what a node says that has none
+        throw Unsupported("cannot " + what, "the camera tells none");
+    return metres;
 }
 
 std::vector<int> Camera::parameterNumbers() const {
@@ -243,7 +264,14 @@ void Camera::setParameters(const ParameterValues& values) const {
     for (const auto& [number, value] : values)
         checkParameter(number, value);
     const std::string what = "set the camera's parameters";
-    impl->real(what).ask(what, [values](CameraParts& parts) { writeValues(parts, values); });
+    const ParameterValues before = parameterValues();
+    try {
+        impl->real(what).ask(what, [values](CameraParts& parts) { writeValues(parts, values); });
+    } catch (const Failure& failure) {
+        throw Failure(failure.code(), failure.message(),
+                      failure.cause() + (failure.cause().empty() ? "" : "; ") + takenText(*this, before),
+                      failure.remedy());
+    }
 }
 
 std::vector<Temperature> Camera::temperatures() const {

@@ -150,11 +150,7 @@ std::vector<CameraEntry> CameraBus::someCameras() {
 
 void CameraBus::failForNone() {
     const std::string reported = complaint();
-    throw Failure(
-        Failure::NoDevice,
-        reported.empty()
-            ? "no camera is plugged in; 'zentara --log devices' shows whether a description was refused"
-            : "no camera is plugged in: " + reported);
+    throw Failure(Failure::NoDevice, "no camera is plugged in", reported);
 }
 
 /// An enumerator tells what is wrong with its bus through the queue, some time after it has begun.

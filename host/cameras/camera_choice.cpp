@@ -115,7 +115,7 @@ CameraEntry chooseCameraToWrite(const std::vector<CameraEntry>& cameras, const s
         throw Failure(Failure::Usage,
                       Format("several cameras are plugged in, and none is written to unnamed: %") %
                           listOf(infosOf(cameras)),
-                      {}, "name one with --camera");
+                      {}, "name one by its serial number");
     return chooseCamera(cameras, name);
 }
 

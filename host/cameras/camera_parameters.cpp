@@ -7,11 +7,11 @@
 #include <zentara/access_mode.h>
 #include <zentara/core/descriptor_store_ro.h>
 #include <zentara/core/node_labels.h>
+#include <zentara/host/nearest_word.h>
 #include <zentara/plugin/call_plugin.h>
 #include <zentara/utils/format.h>
 
 #include "host/attempt.h"
-#include "host/nearest_word.h"
 
 namespace Zentara::Host {
 

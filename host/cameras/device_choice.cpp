@@ -68,8 +68,7 @@ std::vector<GUID> registeredPlugins(Core::ImplType type, const char* what) {
     });
     if (guids.empty())
         throw Failure(Failure::NoPlugin,
-                      Format("no % plug-in is registered in '%'; 'zentara plugins --all' tells why") % what %
-                          Core::getPluginDirectory());
+                      Format("no % plug-in is registered in '%'") % what % Core::getPluginDirectory());
     std::sort(guids.begin(), guids.end(),
               [](const GUID& left, const GUID& right) { return guidText(left) < guidText(right); });
     return guids;
@@ -82,7 +81,7 @@ GUID chooseDevice(Core::ImplType type, const char* what, const std::vector<std::
         return namedDevice(type, what, names);
     if (guids.size() > 1)
         tell(note, std::to_string(guids.size()) + " " + what + " plug-ins are registered; taking " +
-                       guidLabel(guids.front()) + "; --plugin chooses");
+                       guidLabel(guids.front()));
     return guids.front();
 }
 

@@ -64,6 +64,7 @@ public:
     [[nodiscard]] const std::shared_ptr<CameraParts>& heldParts() const noexcept { return parts; }
     [[nodiscard]] const std::shared_ptr<CameraRegister>& origin() const noexcept { return whereFrom; }
     [[nodiscard]] const Note& note() const noexcept { return errands.note; }
+    [[nodiscard]] std::chrono::milliseconds limit() const noexcept { return errands.limit; }
 
 private:
     void checkOpen(const std::string& what) const;

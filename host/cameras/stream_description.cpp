@@ -148,17 +148,4 @@ NodeType nodeTypeOf(Kind kind) noexcept {
     return kind == Kind::Depth ? NodeType_DEPTH : kind == Kind::Color ? NodeType_COLOR : NodeType_AUDIO;
 }
 
-const char* nodeTypeName(NodeType type) noexcept {
-    switch (type) {
-    case NodeType_DEPTH:
-        return "depth";
-    case NodeType_COLOR:
-        return "color";
-    case NodeType_AUDIO:
-        return "audio";
-    default:
-        return "?";
-    }
-}
-
 } // namespace Zentara::Host

@@ -73,7 +73,4 @@ struct StreamDescription {
 [[nodiscard]] std::optional<Kind> kindOf(NodeType type) noexcept;
 [[nodiscard]] NodeType nodeTypeOf(Kind kind) noexcept;
 
-/// "depth", "color" or "audio"; "?" for anything else.
-[[nodiscard]] const char* nodeTypeName(NodeType type) noexcept;
-
 } // namespace Zentara::Host

@@ -7,6 +7,21 @@ std::string CameraInfo::label() const {
            (name.empty() && serial.empty() ? path : serial);
 }
 
+const NodeInfo* CameraInfo::node(Kind kind) const noexcept {
+    for (const NodeInfo& one : nodes) {
+        if (one.kind == kind)
+            return &one;
+    }
+    return nullptr;
+}
+
+std::string CameraInfo::label(Kind kind) const {
+    const NodeInfo* const delivers = node(kind);
+    if (delivers == nullptr || delivers->name.empty())
+        return label();
+    return delivers->name + (serial.empty() ? "" : " ") + serial;
+}
+
 const char* sourceName(Source source) noexcept {
     switch (source) {
     case Source::None:

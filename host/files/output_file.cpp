@@ -143,4 +143,17 @@ void OutputFile::commit() {
 
 void OutputFile::discard() noexcept { impl->part.reset(); }
 
+std::string unusedPath(const std::string& stem, const std::string& ending) {
+    std::string path = stem + "." + ending;
+    for (int number = 2; isThere(path); ++number)
+        path = Format("%-%.%") % stem % number % ending;
+    return path;
+}
+
+void writeOutputFile(const std::string& path, std::string_view bytes, const OutputFile::Rules& rules) {
+    OutputFile file(path, rules);
+    file.write(bytes);
+    file.commit();
+}
+
 } // namespace Zentara::Host

@@ -3,12 +3,14 @@
 #include <chrono>
 #include <string_view>
 
+#include <zentara/host/output_file.h>
 #include <zentara/utils/format.h>
 #include <zentara/version.h>
 
+#include "host/cameras/camera_json.h"
 #include "host/files/paths.h"
 #include "host/flash/flash_target.h"
-#include "host/json_place.h"
+#include "host/json_file.h"
 #include "utils/platform/part_name.h"
 
 namespace Zentara::Host {
@@ -45,24 +47,13 @@ std::string freeBackupName(const std::string& stem) {
     namespace Name = Utils::Platform::PartName;
     const std::string_view name = Name::stemOf(stem, Name::longestName - longestEnding.size());
     const std::string base = stem.substr(0, Name::nameBegin(stem)).append(name) + "." + timeText();
-    std::string free = base + ".bak";
-    for (int i = 2; isThere(free); ++i)
-        free = base + "-" + std::to_string(i) + ".bak";
-    return free;
+    return unusedPath(base, "bak");
 }
 
 std::string backupNote(const CameraInfo& owner, const FlashArea& area) {
-    const Json json{{"schema", noteSchema},
-                    {"kind", "flash backup"},
-                    {"camera",
-                     {{"serial", orNull(owner.serial)},
-                      {"name", orNull(owner.name)},
-                      {"path", orNull(owner.path)},
-                      {"controller", orNull(owner.controller)}}},
-                    {"sdk", sdkVersion()},
-                    {"start", area.start},
-                    {"size", area.size}};
-    return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+    const Json json{{"schema", noteSchema}, {"kind", "flash backup"}, {"camera", cameraJson(owner)},
+                    {"sdk", sdkVersion()},  {"start", area.start},    {"size", area.size}};
+    return printed(json);
 }
 
 std::string serialOfBackup(const std::string& path) {

@@ -2,10 +2,10 @@
 #include <cctype>
 #include <utility>
 
-#include <zentara/core/descriptor_store_ro.h>
+#include <zentara/host/camera.h>
 #include <zentara/io/camera_chip.h>
-#include <zentara/plugin/call_plugin.h>
 #include <zentara/plugin/plugin_exceptions.h>
+#include <zentara/rom_element.h>
 #include <zentara/utils/format.h>
 
 #include "host/cameras/real_camera.h"
@@ -103,36 +103,20 @@ FlashArea areaOnCamera(const FlashOptions& options, const std::optional<ROMEleme
 
 /// Nothing for a bare device, and where the description does not say.
 std::optional<ROMElement> storageOf(const Camera& camera) {
-    auto* real = dynamic_cast<RealCamera*>(camera.held().get());
-    if (real == nullptr)
-        return std::nullopt;
-    const std::string what = "find where the storage of " + camera.info().label() + " lies";
-    return real->ask(what, [](CameraParts& parts) -> std::optional<ROMElement> {
-        const Core::DescriptorStoreRO& store = parts.store();
-        try {
-            return Plugin::callPlugin([&store] { return store.getROMElement(storageROMElement); });
-        } catch (const Plugin::NotSupportedPluginException&) {
-            return std::nullopt;
-        }
-    });
+    return dynamic_cast<RealCamera*>(camera.held().get()) == nullptr ? std::nullopt : camera.storage();
 }
 
 } // namespace
 
 Flash Flash::camera(const Camera& camera, const FlashOptions& options, Access access) {
     std::shared_ptr<IO::CameraChip> chip(camera.held(), &camera.chip());
-    return Flash::camera(std::move(chip), camera.info(), storageOf(camera), options, access);
-}
-
-Flash Camera::flash() const { return Flash::camera(*this); }
-
-Flash Flash::camera(std::shared_ptr<IO::CameraChip> chip, const CameraInfo& who,
-                    const std::optional<ROMElement>& described, const FlashOptions& options, Access access) {
-    auto target = std::make_unique<CameraTarget>(std::move(chip), who, areaOnCamera(options, described),
-                                                 options, access);
+    auto target = std::make_unique<CameraTarget>(std::move(chip), camera.info(),
+                                                 areaOnCamera(options, storageOf(camera)), options, access);
     if (access == Access::Write)
         target->checkWritable();
     return Flash(std::move(target));
 }
+
+Flash Camera::flash() const { return Flash::camera(*this); }
 
 } // namespace Zentara::Host

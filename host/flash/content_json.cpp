@@ -6,6 +6,7 @@
 #include <zentara/utils/format.h>
 
 #include "host/flash/records.h"
+#include "host/json_file.h"
 
 namespace Zentara::Host {
 namespace {
@@ -102,18 +103,6 @@ std::pair<std::uint16_t, FlashSection> sectionAt(const JsonPlace& place) {
     section.flags = static_cast<std::uint8_t>(place.at("flags").number(0, 0xFF));
     section.data = dataFromJson(section.type, place);
     return {uid, std::move(section)};
-}
-
-/// What is wrong with the text leaves as a Failure that names where it comes from.
-template<typename Reading>
-auto readingFrom(const std::string& source, Reading reading) try {
-    return reading();
-} catch (const JsonError& failure) {
-    throw Failure(Failure::Failed, "'" + source + "': " + failure.what());
-}
-
-std::string printed(const Json& json) {
-    return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
 } // namespace

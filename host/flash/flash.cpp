@@ -98,9 +98,7 @@ std::string Flash::apply(const FlashChange& change, const ApplyOptions& options,
 
 void Flash::save(const std::string& path, const std::string& bytes, const OutputFile::Rules& rules) const {
     checkApart(*target, path);
-    OutputFile file(path, rules);
-    file.write(bytes);
-    file.commit();
+    writeOutputFile(path, bytes, rules);
 }
 
 void Flash::keep(const std::string& path, const Bytes& bytes) const {

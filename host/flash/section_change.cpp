@@ -4,26 +4,11 @@
 #include "host/json_differences.h"
 
 namespace Zentara::Host {
-namespace {
-
-/// In ASCII: it may be cut anywhere.
-std::string jsonText(const Json& value) { return value.dump(-1, ' ', true, Json::error_handler_t::replace); }
-
-std::vector<ValueChange> valuesBetween(std::uint16_t uid, const FlashSection& before,
-                                       const FlashSection& after) {
-    std::vector<ValueChange> values;
-    for (const Json& value : differencesBetween(sectionJson(uid, before), sectionJson(uid, after)))
-        values.push_back(
-            {value["path"].get<std::string>(), jsonText(value["before"]), jsonText(value["after"])});
-    return values;
-}
-
-} // namespace
 
 std::vector<std::string> SectionChange::lines() const {
     std::vector<std::string> all{text};
     for (const ValueChange& value : values)
-        all.push_back("  " + value.path + ": " + cutJson(value.before) + " -> " + cutJson(value.after));
+        all.push_back("  " + value.text());
     return all;
 }
 
@@ -40,9 +25,9 @@ std::vector<SectionChange> changesBetween(const FlashContent& before, const Flas
             changes.push_back({Kind::Added, uid, text + " is added", {}});
         } else if (!(found->second == section)) {
             const std::string old = sectionText(uid, found->second);
-            changes.push_back({Kind::Replaced, uid,
-                               old + (old == text ? " changes" : " is replaced by " + text),
-                               valuesBetween(uid, found->second, section)});
+            changes.push_back(
+                {Kind::Replaced, uid, old + (old == text ? " changes" : " is replaced by " + text),
+                 differencesBetween(sectionJson(uid, found->second), sectionJson(uid, section))});
         }
     }
     return changes;

@@ -91,6 +91,24 @@ std::string numbers(const CameraIntrinsics& lens) {
 
 std::string word(DepthAlong along) { return along == DepthAlong::Axis ? "axis" : "ray"; }
 
+/// Where the model that a frame's points are made with comes from.
+std::string originOf(const StreamInfo& info, const CameraIntrinsics& model) {
+    if (!info.lens || *info.lens != model)
+        return "the program";
+    switch (info.lensSource) {
+    case Source::Camera:
+        return "the camera";
+    case Source::Description:
+        return "the description";
+    case Source::Failure:
+        return "the description, because the camera could not be read: " + info.sourceFailure;
+    case Source::None:
+    case Source::Unknown:
+        break;
+    }
+    return "a place that is not known";
+}
+
 } // namespace
 
 struct Lens::Impl {
@@ -146,6 +164,8 @@ Lens& Lens::operator=(const Lens&) = default;
 Lens::~Lens() = default;
 
 const CameraIntrinsics& Lens::model() const noexcept { return impl->model; }
+const char* depthAlongName(DepthAlong along) noexcept { return along == DepthAlong::Axis ? "axis" : "ray"; }
+
 DepthAlong Lens::depthAlong() const noexcept { return impl->depth; }
 const std::string& Lens::owner() const noexcept { return impl->owner; }
 
@@ -241,7 +261,11 @@ PointCloud Lens::pointsOf(const Frame& frame, CloudOptions options) const {
     options.millimetresPerUnit = info.millimetresPerUnit;
     PointCloud cloud = pointsOf(depth, frame.width(), frame.height(), options, frame.confidence());
     std::vector<std::string> about{"camera " + info.camera.label() + ", mode " + info.mode.text() +
-                                   ", frame " + std::to_string(frame.number())};
+                                       ", frame " + std::to_string(frame.number()),
+                                   std::string("depth along the ") + word(info.depthAlong),
+                                   "lens model from " + originOf(info, impl->model)};
+    for (const std::string& correction : frame.corrections())
+        about.push_back("corrected: " + correction);
     for (const std::string& missing : frame.uncorrected())
         about.push_back("not corrected: " + missing);
     cloud.describe(std::move(about));

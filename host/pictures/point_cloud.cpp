@@ -218,7 +218,10 @@ void PointCloud::colorFrom(std::span<const std::uint8_t> rgb, const Lens& lens,
 void PointCloud::writePly(std::ostream& out, PlyFormat format) const {
     out << "ply\nformat " << (format == PlyFormat::Text ? "ascii" : "binary_little_endian") << " 1.0\n"
         << "comment unit metre, x right, y down, z forward\n";
-    for (std::string line : about) {
+    std::vector<std::string> lines = about;
+    if (!colorless.empty())
+        lines.push_back("no colour: " + colorless);
+    for (std::string& line : lines) {
         std::replace_if(
             line.begin(), line.end(), [](char letter) { return letter == '\n' || letter == '\r'; }, ' ');
         out << "comment " << line << '\n';

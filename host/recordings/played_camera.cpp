@@ -26,8 +26,9 @@ std::vector<CameraInfo> recordedCameras(const std::vector<StreamInfo>& streams) 
         const auto known = std::find_if(cameras.begin(), cameras.end(), [&](const CameraInfo& camera) {
             return camera.path == stream.camera.path;
         });
-        CameraInfo& camera = known == cameras.end() ? cameras.emplace_back(stream.camera) : *known;
-        if (known == cameras.end())
+        const bool isNew = known == cameras.end(); // which adding one changes
+        CameraInfo& camera = isNew ? cameras.emplace_back(stream.camera) : *known;
+        if (isNew)
             camera.kinds.clear();
         if (std::find(camera.kinds.begin(), camera.kinds.end(), stream.mode.kind) == camera.kinds.end())
             camera.kinds.push_back(stream.mode.kind);

@@ -133,7 +133,7 @@ StreamSetup nodeStream(const std::shared_ptr<RealCamera>& camera, const Mode& mo
     const auto opener = std::make_shared<NodeOpener<Node, Configuration>>(camera, mode, find);
     return {[opener] { return (*opener)(); },
             Format("open the % stream of %") % kindName(mode.kind) % camera->info().label(), camera->hand(),
-            camera->note()};
+            camera->note(), camera->limit()};
 }
 
 // Bare devices ------------------------------------------------------------------------------------------------------
@@ -229,7 +229,7 @@ StreamSetup streamOf(std::shared_ptr<BareCamera> camera, Kind kind, const Mode& 
                     return std::make_shared<AudioSource>(plugin, info);
                 return std::make_shared<VideoSource>(plugin, info);
             },
-            "open " + guidLabel(plugin), camera->hand(), camera->note()};
+            "open " + guidLabel(plugin), camera->hand(), camera->note(), camera->limit()};
 }
 
 } // namespace Zentara::Host

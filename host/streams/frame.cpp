@@ -205,6 +205,18 @@ Frame Frame::corrected() const {
     return std::move(draft).finish(data->length);
 }
 
+std::vector<std::string> Frame::corrections() const {
+    std::vector<std::string> words;
+    if ((data->corrections & Correction_TRIED) == 0)
+        return words;
+    const DepthCorrection correction = correctionOf(*data);
+    for (const DepthCorrection::Part& part : correction.parts()) {
+        if ((data->corrections & part.bit) != 0)
+            words.emplace_back(part.name);
+    }
+    return words;
+}
+
 std::vector<std::string> Frame::uncorrected() const {
     std::vector<std::string> words;
     if (kind() != Kind::Depth)

@@ -7,12 +7,12 @@
 namespace Zentara::Host {
 
 std::size_t FrameQueue::push(Frame frame) noexcept {
-    const bool full = count == frames.size();
-    if (full)
+    const bool drops = full();
+    if (drops)
         dropOldest();
     frames[(first + count) % frames.size()].emplace(std::move(frame));
     ++count;
-    return full ? 1 : 0;
+    return drops ? 1 : 0;
 }
 
 Frame FrameQueue::pop(bool newest, std::uint64_t& dropped) noexcept {

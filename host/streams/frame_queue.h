@@ -17,6 +17,7 @@ public:
     explicit FrameQueue(std::size_t places) : frames(places) {}
 
     [[nodiscard]] bool empty() const noexcept { return count == 0; }
+    [[nodiscard]] bool full() const noexcept { return count == frames.size(); }
 
     /// Puts a frame at the end, after dropping the oldest where there is no place.
     /// \return how many were dropped

@@ -15,7 +15,6 @@
 #include <zentara/utils/signal.h>
 
 #include "host/streams/frame_draft.h"
-#include "host/streams/stream_core.h"
 
 namespace Zentara::Host {
 
@@ -147,7 +146,7 @@ FrameSets::Impl::Impl(std::vector<Stream> streams, Options wanted) : options(wan
     leader = colorLeads ? color : depth;
     other = colorLeads ? depth : color;
     for (Lane& lane : lanes)
-        lane.stream.core->tellArrivals(arrivals);
+        lane.stream.wake(arrivals);
     for (Lane& lane : lanes)
         lane.stream.start();
 }
@@ -164,12 +163,12 @@ void FrameSets::Impl::gather() {
         if (lane.hasEnded)
             continue;
         try {
-            while (std::optional<Frame> frame = lane.stream.core->poll())
+            while (std::optional<Frame> frame = lane.stream.poll())
                 lane.take(std::move(*frame));
             const Stream::State state = lane.stream.state();
             if (state != Stream::State::Ended && state != Stream::State::Stopped)
                 continue;
-            while (std::optional<Frame> frame = lane.stream.core->poll()) // came before the end was told
+            while (std::optional<Frame> frame = lane.stream.poll()) // came before the end was told
                 lane.take(std::move(*frame));
             lane.hasEnded = true;
         } catch (const Failure& failure) {
@@ -345,24 +344,89 @@ const Stream& FrameSets::stream(Kind kind) const {
     return lane->stream;
 }
 
-std::vector<std::optional<Color>> colourOf(const FrameSet& set) {
-    if (!set.depth || !set.color)
-        throw Failure(Failure::Usage, "cannot colour the depth of a set of frames",
-                      set.depth ? "it has no picture of colour" : "it has no picture of depth");
+void LastSet::add(const Frame& frame) {
+    if (frame.kind() == Kind::Color)
+        newest = frame;
+    else if (frame.kind() == Kind::Depth)
+        depth = frame;
+    else
+        return;
+    const auto isNearer = [this] { return distance(*newest) <= distance(*color); };
+    if (newest && (!color || !depth || isNearer()))
+        color = newest;
+}
+
+/// From when the depth was taken, without a sign; times may be anything.
+std::uint64_t LastSet::distance(const Frame& picture) const {
+    const std::int64_t own = depth->deviceMicros();
+    const std::int64_t other = picture.deviceMicros();
+    return own > other ? static_cast<std::uint64_t>(own) - static_cast<std::uint64_t>(other)
+                       : static_cast<std::uint64_t>(other) - static_cast<std::uint64_t>(own);
+}
+
+FrameSet LastSet::set() const {
+    FrameSet made;
+    made.depth = depth;
+    if (!depth || !color) {
+        for (const auto& [picture, kind] : {std::pair(&depth, Kind::Depth), std::pair(&color, Kind::Color)}) {
+            if (!*picture)
+                made.missing.push_back(std::string(kindName(kind)) + ": there is none");
+        }
+        return made;
+    }
+    const std::uint32_t rate = std::max(1U, std::min(depth->info().mode.rate, color->info().mode.rate));
+    const std::int64_t period = microsOfSecond / rate;
+    made.beginMicros = depth->hostMicros();
+    made.endMicros = made.beginMicros + period;
+    if (distance(*color) <= static_cast<std::uint64_t>(period / 2))
+        made.color = color;
+    else
+        made.missing.push_back("color: nothing within " + milliseconds1(period / 2));
+    return made;
+}
+
+namespace {
+
+void paint(PointCloud& cloud, const FrameSet& set) {
     const StreamInfo& info = set.depth->info();
     if (!info.pose)
         throw Failure(Failure::Failed, "cannot colour the depth of " + info.camera.label(),
                       "the pose of its colour camera is not known",
                       "Calibrate the camera, or mend its description.");
-    std::vector<std::uint16_t> millimetres(set.depth->depth().begin(), set.depth->depth().end());
-    if (info.millimetresPerUnit != 1) {
-        for (std::uint16_t& value : millimetres)
-            value = static_cast<std::uint16_t>(
-                std::min(65535.0F, std::round(static_cast<float>(value) * info.millimetresPerUnit)));
-    }
-    PointCloud cloud =
-        set.depth->lens().pointsOf(millimetres, set.depth->width(), set.depth->height(), {.keepGrid = true});
     cloud.colorFrom(set.color->rgb(), set.color->lens(), *info.pose);
+}
+
+std::string lackOfColor(const FrameSet& set) {
+    const auto found = std::find_if(set.missing.begin(), set.missing.end(), [](const std::string& lack) {
+        return lack.rfind(kindName(Kind::Color), 0) == 0;
+    });
+    return found == set.missing.end() ? "color: there is none" : *found;
+}
+
+} // namespace
+
+PointCloud cloudOf(const FrameSet& set, const CloudOptions& options) {
+    if (!set.depth)
+        throw Failure(Failure::Usage, "cannot make a point cloud of a set of frames",
+                      "it has no picture of depth");
+    PointCloud cloud = set.depth->lens().pointsOf(*set.depth, options);
+    try {
+        if (set.color)
+            paint(cloud, set);
+        else
+            cloud.leaveUncolored(lackOfColor(set));
+    } catch (const Failure& failure) {
+        cloud.leaveUncolored(failure.what());
+    }
+    return cloud;
+}
+
+std::vector<std::optional<Color>> colourOf(const FrameSet& set) {
+    if (!set.depth || !set.color)
+        throw Failure(Failure::Usage, "cannot colour the depth of a set of frames",
+                      set.depth ? "it has no picture of colour" : "it has no picture of depth");
+    PointCloud cloud = set.depth->lens().pointsOf(*set.depth, {.keepGrid = true});
+    paint(cloud, set);
     return {cloud.colors().begin(), cloud.colors().end()};
 }
 

@@ -41,11 +41,16 @@ std::optional<Frame> Stream::latest(std::chrono::milliseconds limit, const GoOn&
     return core->take(limit, true, goOn);
 }
 
+std::optional<Frame> Stream::poll() { return core->poll(); }
+void Stream::wake(std::shared_ptr<Utils::Threading::Signal> signal) { core->wake(std::move(signal)); }
+
 void Stream::stop() { core->stop(); }
 
 const StreamInfo& Stream::info() const noexcept { return core->info(); }
 const std::string& Stream::label() const noexcept { return core->label(); }
 Stream::State Stream::state() const noexcept { return core->state(); }
 StreamCounts Stream::counts() const noexcept { return core->counts(); }
+std::optional<Failure> Stream::trouble() const { return core->failure(); }
+std::string Stream::hangsIn() const { return core->hangsIn(); }
 
 } // namespace Zentara::Host

@@ -22,8 +22,6 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr milliseconds openLimit = 30s;
-constexpr milliseconds startLimit = 10s;
 constexpr milliseconds stopLimit = 2s;
 constexpr milliseconds askEvery{100};
 constexpr milliseconds longestLimit = std::chrono::hours(24 * 365); // what is longer is for ever
@@ -59,11 +57,11 @@ bool needsTemperatures(const StreamInfo& info) {
 
 Stream::Core::Core(StreamSetup setup, const StreamOptions& wanted)
     : options(wanted), open(std::move(setup.open)), opening(std::move(setup.what)), note(setup.note),
-      hand(setup.hand ? std::move(setup.hand) : std::make_shared<Hand>(opening, note)), gaps(1),
-      queue(std::max<std::size_t>(1, wanted.queue)) {
+      mostTime(setup.limit), hand(setup.hand ? std::move(setup.hand) : std::make_shared<Hand>(opening, note)),
+      gaps(1), queue(std::max<std::size_t>(1, wanted.queue)) {
     if (wanted.queue == 0)
         throw Failure(Failure::Usage, "cannot " + opening, "a queue of 0 frames keeps none");
-    source = hand->step(openLimit, opening, [way = open] { return way(); });
+    source = hand->step(mostTime, opening, [way = open] { return way(); });
     name = source->label();
     context = std::make_shared<const StreamContext>(source->info());
     gaps = FrameGaps(context->info.mode.rate);
@@ -79,6 +77,22 @@ Stream::State Stream::Core::state() const noexcept {
 StreamCounts Stream::Core::counts() const noexcept {
     AutoLock hold(lock);
     return numbers;
+}
+
+std::optional<Failure> Stream::Core::failure() const {
+    AutoLock hold(lock);
+    const bool isTold =
+        condition == State::Away || condition == State::Unplugged || condition == State::Failed;
+    return isTold ? trouble : std::nullopt;
+}
+
+std::string Stream::Core::hangsIn() const {
+    {
+        AutoLock hold(lock);
+        if (isAbandoned && isReading)
+            return "read from " + name;
+    }
+    return hand->hangsIn();
 }
 
 bool Stream::Core::isHalted() const { return state() == State::Stopped; }
@@ -106,7 +120,7 @@ void Stream::Core::start() {
         return;
     const std::string what = Format("stream % from %") % context->info.mode.name % name;
     try {
-        hand->step(startLimit, what, [own] { own->start(); });
+        hand->step(mostTime, what, [own] { own->start(); });
         AutoLock hold(lock);
         if (condition == State::Stopped)
             return;
@@ -245,6 +259,8 @@ std::optional<Frame> Stream::Core::poll() {
 std::optional<Frame> Stream::Core::fetch(bool newest) {
     if (!queue.empty()) {
         ++numbers.fetched;
+        if (options.keepsAll)
+            changed.notifyAll(); // there is room again
         return queue.pop(newest, numbers.droppedByQueue);
     }
     if (condition == State::Failed || condition == State::Unplugged)
@@ -254,7 +270,7 @@ std::optional<Frame> Stream::Core::fetch(bool newest) {
     return std::nullopt;
 }
 
-void Stream::Core::tellArrivals(std::shared_ptr<Utils::Threading::Signal> signal) {
+void Stream::Core::wake(std::shared_ptr<Utils::Threading::Signal> signal) {
     AutoLock hold(lock);
     listener = std::move(signal);
 }
@@ -404,6 +420,8 @@ void Stream::Core::deliver(int length, std::int64_t micros) {
     fields.temperatures = temperatures;
     fields.temperatureCount = temperatureCount;
     AutoLock hold(lock);
+    while (options.keepsAll && queue.full() && condition == State::Streaming)
+        changed.wait();
     if (condition == State::Stopped)
         return;
     fields.number = numbers.received++;
@@ -466,11 +484,11 @@ bool Stream::Core::awaitReturn(const Failure& why) {
 
 /// \return false when the stream was stopped meanwhile; throws while the camera is away
 bool Stream::Core::comeBack() {
-    Source back = hand->call(openLimit, opening, [way = open] { return way(); });
+    Source back = hand->call(mostTime, opening, [way = open] { return way(); });
     try {
         if (back->info().mode != context->info.mode)
             throw Failure(Failure::Failed, name + " came back in another mode");
-        hand->call(startLimit, "start " + name + " again", [back] { back->start(); });
+        hand->call(mostTime, "start " + name + " again", [back] { back->start(); });
     } catch (...) {
         static_cast<void>(giveBack(std::move(back)));
         throw;

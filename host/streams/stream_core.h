@@ -37,15 +37,15 @@ public:
     // The operations of the stream.
     void start();
     [[nodiscard]] std::optional<Frame> take(Milliseconds limit, bool newest, const GoOn& goOn);
-    /// The next frame if there is one, without waiting; nothing, too, when the stream has ended. \throws as take()
     [[nodiscard]] std::optional<Frame> poll();
-    /// Who is told when a frame, or the end, has come: for waiting for several streams at once.
-    void tellArrivals(std::shared_ptr<Utils::Threading::Signal> signal);
+    void wake(std::shared_ptr<Utils::Threading::Signal> signal);
     void stop();
     [[nodiscard]] const StreamInfo& info() const noexcept { return context->info; }
     [[nodiscard]] const std::string& label() const noexcept { return name; }
     [[nodiscard]] State state() const noexcept;
     [[nodiscard]] StreamCounts counts() const noexcept;
+    [[nodiscard]] std::optional<Failure> failure() const;
+    [[nodiscard]] std::string hangsIn() const;
 
     /// Stops, tells what did not come back, and lets go of it all.
     static void end(std::shared_ptr<Core> core) noexcept;
@@ -92,6 +92,7 @@ private:
     const std::function<Source()> open;
     const std::string opening; ///< what open() does, for messages
     const Note note;
+    const Milliseconds mostTime; ///< for opening, and for starting
     const std::shared_ptr<Hand> hand;
     std::string name;                             ///< this and the next never change once it is open
     std::shared_ptr<const StreamContext> context; ///< not null

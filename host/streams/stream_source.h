@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -69,11 +70,12 @@ struct StreamSetup {
     std::string what;           ///< open() is about to do, for messages: "open LEFT SIM0570"
     std::shared_ptr<Hand> hand; ///< the camera's; may be null: the stream makes one of its own then
     Note note;                  ///< is told what is left behind
+    /// How long opening may take, and starting.
+    std::chrono::milliseconds limit{15'000};
 };
 
 /// Opens the source and, unless the options say otherwise, starts it.
-/// \throws Failure as source and device have it; (Usage) for a queue of 0; (TimedOut) when one hangs: opening has 30 s,
-/// starting 10 s
+/// \throws Failure as source and device have it; (Usage) for a queue of 0; (TimedOut) when one hangs
 [[nodiscard]] Stream openStream(StreamSetup setup, const StreamOptions& options);
 
 } // namespace Zentara::Host

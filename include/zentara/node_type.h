@@ -12,4 +12,18 @@ enum NodeType : std::int32_t {
     NodeType_AUDIO = 3, ///< sound
 };
 
+/// "depth", "color" or "audio"; "?" for anything else. Safe.
+[[nodiscard]] constexpr const char* nodeTypeName(NodeType type) noexcept {
+    switch (type) {
+    case NodeType_DEPTH:
+        return "depth";
+    case NodeType_COLOR:
+        return "color";
+    case NodeType_AUDIO:
+        return "audio";
+    default:
+        return "?";
+    }
+}
+
 } // namespace Zentara

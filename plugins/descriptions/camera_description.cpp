@@ -228,19 +228,6 @@ const ProfileDescription* NodeDescription::find(Core::Profile wanted) const {
     return nullptr;
 }
 
-const char* nodeTypeName(NodeType type) noexcept {
-    switch (type) {
-    case NodeType_DEPTH:
-        return "depth";
-    case NodeType_COLOR:
-        return "color";
-    case NodeType_AUDIO:
-        return "audio";
-    default:
-        return "";
-    }
-}
-
 CameraDescription readDescription(const std::string& text, const std::string& source) {
     const LocatedJson json = parseLocatedJson(text, source);
     JsonFields fields(JsonValue(json, source, {}));

@@ -74,9 +74,6 @@ struct CameraDescription {
     std::vector<NodeDescription> nodes;
 };
 
-/// The word for a node's type in descriptions and paths: "depth", "color" or "audio".
-[[nodiscard]] const char* nodeTypeName(NodeType type) noexcept;
-
 /// \param source names the text in messages
 /// \throws Plugin::ConfigurationPluginException with source, line and field of what is wrong
 [[nodiscard]] CameraDescription readDescription(const std::string& text, const std::string& source);

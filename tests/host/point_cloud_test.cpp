@@ -137,10 +137,8 @@ TEST(PointCloud, IsNotMadeOfNonsense) {
     const std::vector<std::uint8_t> picture(std::size_t{3} * 8 * 6);
     EXPECT_THAT(messageOf<Failure>([&] { cloud.colorFrom(picture, smallLens(), {}); }),
                 HasSubstr("no rotation"));
-    EXPECT_THAT(messageOf<Failure>([&] {
-                    cloud.colorFrom({picture.data(), 5}, smallLens(), {});
-                }),
-                HasSubstr("5 bytes"));
+    const std::vector<std::uint8_t> five(5);
+    EXPECT_THAT(messageOf<Failure>([&] { cloud.colorFrom(five, smallLens(), {}); }), HasSubstr("5 bytes"));
 }
 
 // A post of one pixel at half the distance, seen by a camera 50 cm to the right: it hides another part of the wall

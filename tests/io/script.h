@@ -189,10 +189,12 @@ private:
 class DeviceTest : public testing::Test {
 protected:
     void TearDown() override {
+        const int retired = Seams::retiredWorkers();
         {
             Worker last;
             EXPECT_NO_THROW(last.exit());
         }
+        EXPECT_LE(Seams::retiredWorkers(), retired) << "it has ended, and is not left to its thread";
         Worker fresh;
         EXPECT_NO_THROW(fresh.settle());
     }

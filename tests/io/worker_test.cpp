@@ -263,13 +263,13 @@ TEST_F(WorkerTest, WaitingInTheQueueIsNoTimeout) {
     hold(open, gate);
     std::thread slow([&] { EXPECT_NE(done, outcome([&] { proxy->open(); })); });
     gate.awaitArrival();
-    Signal submitted;
+    tuning.set(500, 60000, 10); // enough for what starts, whatever else the machine does
+    Signal closed;
     std::thread behind([&] {
-        submitted.set();
         EXPECT_EQ(done, outcome([&] { proxy->close(); }));
+        closed.set();
     });
-    ASSERT_EQ(0, submitted.timedWait(patience));
-    // The first caller's time has passed long before the second one's request starts.
+    EXPECT_EQ(-1, closed.timedWait(800)) << "its time has not begun";
     slow.join();
     gate.open();
     behind.join();
@@ -288,10 +288,10 @@ TEST_F(WorkerTest, SignalsThatWereLeftSetShortenNoWait) {
     request->ack();
     Signal back;
     std::thread waiting([&] {
-        EXPECT_EQ(done, outcome([&] { worker->processRequest(request.get(), 600); }));
+        EXPECT_EQ(done, outcome([&] { worker->processRequest(request.get(), 1500); }));
         back.set();
     });
-    EXPECT_EQ(-1, back.timedWait(900)) << "the time ran before the start";
+    EXPECT_EQ(-1, back.timedWait(1800)) << "the time ran before the start";
     gate.open();
     gate.awaitArrival();
     EXPECT_EQ(-1, back.timedWait(50)) << "not done yet";

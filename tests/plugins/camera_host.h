@@ -7,8 +7,10 @@
 
 #include <zentara/core/descriptor_store_interface.h>
 #include <zentara/core/descriptor_store_ro.h>
+#include <zentara/core/plugin_manager.h>
 #include <zentara/io/enumerator_interface.h>
 #include <zentara/read_buffer_status.h>
+#include <zentara/utils/smart_ptr.h>
 
 #include "plugins/cameras/plugin_guids.h"
 #include "plugins/descriptions/wire.h"
@@ -16,9 +18,17 @@
 #include "plugins/simulated/simulated_bus.h"
 #include "support/camera_bus.h"
 #include "support/failure.h"
-#include "tests/plugins/plugin_object.h"
 
 namespace Zentara::TestSupport {
+
+/// A new object of a plug-in of that kind; null if it is of another class.
+template<typename Interface>
+Utils::SmartPtr<Interface> makePlugin(GUID guid) {
+    Core::PluginManager* manager = Core::PluginManager::instance();
+    auto* object = static_cast<Core::Plugin*>(manager->createInstance(guid, Interface::getImplType()));
+    manager->release();
+    return Utils::SmartPtr<Interface>::adopt(dynamic_cast<Interface*>(object));
+}
 
 /// What readBuffer of a node or device gave.
 struct Frame {

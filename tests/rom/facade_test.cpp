@@ -164,6 +164,7 @@ TEST_F(StoreTest, RefusalsInOrder) {
 
 TEST_F(ImageFileTest, KeepsTheOldFileUntilSaved) {
     Utils::writeFile(fileName, "0123456789");
+    Utils::writeFile(fileName + ".0123456789abcdef.part", "left");
     ROM::FileAccessor file(fileName);
     file.write(8, {'8', '9'});
     EXPECT_FALSE(file.isModified()) << "the bytes that stand there already";
@@ -174,6 +175,7 @@ TEST_F(ImageFileTest, KeepsTheOldFileUntilSaved) {
     EXPECT_FALSE(file.isModified());
     EXPECT_EQ("01234567xy", Utils::readFile(fileName));
     EXPECT_EQ((Bytes{'y'}), file.read(9, 1));
+    EXPECT_EQ(1u, Utils::getFileList(directory.path(), "").size()) << "what a killed writer left has gone";
 }
 
 TEST_F(ImageFileTest, KeepsTheLink) {

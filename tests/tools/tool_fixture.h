@@ -32,9 +32,9 @@ protected:
 
     [[nodiscard]] static std::filesystem::path builtTool();
 
-    /// For the system's command interpreter, off Windows: runs what follows as a user who may not read everything.
-    static constexpr const char* asNobody =
-        "$([ $(id -u) = 0 ] && echo setpriv --reuid=65534 --regid=65534 --clear-groups) ";
+    /// For the system's command interpreter, off Windows: runs what follows without the right to read everything. As
+    /// the same user, who may be the only one that gets as far as to the program.
+    static constexpr const char* unprivileged = "$([ $(id -u) = 0 ] && echo setpriv --bounding-set -all) ";
 
     /// Puts a plug-in of fixtures/misbehaving.cpp into "bin/Plugins/" of the test's directory.
     /// \param behaviour "WHERE HOW"

@@ -1,7 +1,8 @@
 #include "tools/zentara/console.h"
 
+#include <zentara/host/visible_text.h>
+
 #include "tools/zentara/json_output.h"
-#include "utils/visible_text.h"
 
 namespace Zentara::Tool {
 
@@ -9,9 +10,9 @@ std::string Console::words() const {
     return "zentara" + (verb.empty() ? "" : " " + verb) + (action.empty() ? "" : " " + action);
 }
 
-void tellLine(std::ostream& err, const std::string& text) { err << Utils::visibleText(text) << std::endl; }
+void tellLine(std::ostream& err, const std::string& text) { err << visibleText(text) << std::endl; }
 
-std::string printable(const std::string& text) { return Utils::visibleText(text); }
+std::string printable(const std::string& text) { return visibleText(text); }
 
 Host::Note notesTo(std::ostream& err) {
     return [&err](const std::string& text) { tellLine(err, "zentara: " + text); };
@@ -20,13 +21,13 @@ Host::Note notesTo(std::ostream& err) {
 void note(Console& console, const std::string& text) { tellLine(console.err, console.words() + ": " + text); }
 
 void tellFailure(Console& console, const Failure& failure) {
-    const std::string message = Utils::visibleText(failure.message());
-    const std::string cause = Utils::visibleText(failure.cause());
+    const std::string message = visibleText(failure.message());
+    const std::string cause = visibleText(failure.cause());
     // A long message leaves the cause its room.
     console.err << console.words() << ": " << message << (cause.empty() ? "" : ": ") << cause << '\n';
     for (const std::string& detail : failure.details())
         tellLine(console.err, "  " + detail);
-    const std::string remedy = Utils::visibleText(remedyOf(failure));
+    const std::string remedy = visibleText(remedyOf(failure));
     if (!remedy.empty())
         tellLine(console.err, remedy);
     if (!console.json)

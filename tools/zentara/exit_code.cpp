@@ -8,7 +8,9 @@ namespace {
 const char* remedyFor(ExitCode code) noexcept {
     switch (code) {
     case Failure::NoDevice:
-        return "'zentara devices' lists the cameras that are plugged in";
+        return "'zentara --log devices' lists the cameras that are plugged in, and tells of descriptions "
+               "that "
+               "were refused";
     case Failure::NoPlugin:
         return "'zentara plugins --all' tells what each file of the plug-in directory is refused for";
     case Failure::Busy:

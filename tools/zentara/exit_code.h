@@ -2,9 +2,8 @@
 
 #include <string>
 
+#include <zentara/host/attempt.h>
 #include <zentara/host/failure.h>
-
-#include "host/attempt.h"
 
 namespace Zentara::Tool {
 

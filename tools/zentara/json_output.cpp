@@ -1,9 +1,6 @@
 #include "tools/zentara/json_output.h"
 
-#include <algorithm>
-
-#include "utils/platform/utf8.h"
-#include "utils/visible_text.h"
+#include <zentara/host/visible_text.h>
 
 namespace Zentara::Tool {
 
@@ -14,6 +11,15 @@ Json beginJson(const Console& console) {
     return json;
 }
 
+Json changesJson(const std::vector<ValueChange>& changes) {
+    Json json = Json::array();
+    for (const ValueChange& change : changes)
+        json.push_back({{"path", change.path},
+                        {"before", Json::parse(change.before)},
+                        {"after", Json::parse(change.after)}});
+    return json;
+}
+
 namespace {
 
 /// The text of the object, on a terminal, too: what could act there stands as its number, which JSON reads as the same.
@@ -21,16 +27,18 @@ std::string textOf(const Json& json, int indent) {
     const std::string plain = json.dump(indent, ' ', false, Json::error_handler_t::replace);
     std::string text;
     for (std::size_t at = 0; at < plain.size();) {
-        const std::size_t start = at;
-        std::uint32_t character = 0;
-        if (!Utils::Platform::decodeUtf8(plain, at, character) || plain[start] == '\n' ||
-            !Utils::isTreacherous(character)) {
-            at = std::max(at, start + 1);
-            text.append(plain, start, at - start);
-            continue;
+        std::size_t end = at + 1;
+        while (end < plain.size() && (static_cast<unsigned char>(plain[end]) & 0xC0U) == 0x80U)
+            ++end; // the rest of a character
+        const std::string character = plain.substr(at, end - at);
+        const bool isPlain = end == at + 1 && (character == "\n" || (character >= " " && character < "\x7F"));
+        if (isPlain || visibleText(character) == character)
+            text += character;
+        else {
+            const std::string escaped = Json(character).dump(-1, ' ', true);
+            text.append(escaped, 1, escaped.size() - 2);
         }
-        const std::string escaped = Json(plain.substr(start, at - start)).dump(-1, ' ', true);
-        text.append(escaped, 1, escaped.size() - 2);
+        at = end;
     }
     return text;
 }

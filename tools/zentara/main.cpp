@@ -4,11 +4,13 @@
 #include <exception>
 #include <iostream>
 #include <new>
+#include <optional>
 
-#include "tools/zentara/plugins/plugin_question.h"
+#include <zentara/host/plugins.h>
+#include <zentara/host/visible_text.h>
+
 #include "tools/zentara/verb.h"
 #include "utils/platform/program.h"
-#include "utils/visible_text.h"
 
 namespace {
 
@@ -24,7 +26,7 @@ namespace {
         std::fprintf(stderr,
                      "zentara: ended by an exception where none may be thrown, perhaps in a plug-in: %s\n"
                      "'zentara plugins --all' names a plug-in that does so\n",
-                     Zentara::Utils::visibleText(failure.what()).c_str());
+                     Zentara::Host::visibleText(failure.what()).c_str());
         std::_Exit(1);
     } catch (...) {
     }
@@ -47,8 +49,8 @@ int main(int argc, char** argv) {
     Platform::reserveStandardStreams();
     Platform::failInsteadOfDying();
     const std::vector<std::string> arguments = Platform::programArguments(argc, argv);
-    if (Zentara::Tool::isPluginQuestion(arguments))
-        return Zentara::Tool::answerPluginQuestion(arguments);
+    if (const std::optional<int> code = Zentara::Host::answerPluginQuestion(arguments))
+        return *code;
     std::set_terminate(endInWords);
     std::signal(SIGABRT, endAborted);
     const Platform::ConsoleSetup setup;

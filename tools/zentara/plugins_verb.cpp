@@ -1,185 +1,25 @@
 #include <algorithm>
-#include <filesystem>
-#include <map>
-#include <set>
+#include <memory>
 #include <string>
-#include <vector>
 
 #include <CLI/CLI.hpp>
 
-#include <zentara/core/guids.h>
-#include <zentara/core/impl_type.h>
-#include <zentara/core/plugin_probe.h>
-#include <zentara/utils/files.h>
+#include <zentara/host/plugins.h>
 #include <zentara/utils/format.h>
-#include <zentara/utils/text.h>
-#include <zentara/version.h>
 
-#include "host/files/paths.h"
-#include "host/guid_text.h"
 #include "tools/zentara/json_output.h"
-#include "tools/zentara/plugins/library_machine.h"
-#include "tools/zentara/plugins/plugin_question.h"
-#include "tools/zentara/plugins/refused_file.h"
 #include "tools/zentara/text_columns.h"
 #include "tools/zentara/verb.h"
-#include "utils/platform/directory_access.h"
-#include "utils/visible_text.h"
 
 namespace Zentara::Tool {
 namespace {
 
-using Core::PluginProbe;
-using Core::PluginScanStep;
 using Utils::Format;
 
 struct PluginsOptions {
     bool all = false;
     bool json = false;
 };
-
-/// What lies in the plug-in directory.
-struct Inventory {
-    std::string directory;
-    bool exists = false;
-    std::vector<PluginProbe> registered;
-    std::vector<RefusedFile> refused;
-};
-
-const char* kindOf(std::int32_t type) noexcept {
-    switch (type) {
-    case Core::ImplType_DEPTH_NODE:
-        return "depth node";
-    case Core::ImplType_COLOR_NODE:
-        return "colour node";
-    case Core::ImplType_AUDIO_NODE:
-        return "audio node";
-    case Core::ImplType_AUDIO_DEVICE:
-        return "audio device";
-    case Core::ImplType_VIDEO_DEVICE:
-        return "video device";
-    case Core::ImplType_ENUMERATOR:
-        return "enumerator";
-    case Core::ImplType_DESCRIPTOR_STORE:
-        return "descriptor store";
-    case Core::ImplType_PARAMETER_INTERPRETER:
-        return "parameter interpreter";
-    default:
-        return "unknown";
-    }
-}
-
-std::string remedyFor(const PluginProbe& probe) {
-    switch (probe.step) {
-    case PluginScanStep::Name:
-        return "debug builds are never loaded: install the release build of the plug-in, under a name "
-               "without the "
-               "mark";
-    case PluginScanStep::Open:
-        return "install a build for this system and processor, together with every library it needs; copy it "
-               "again "
-               "if it is damaged";
-    case PluginScanStep::ImplGUID:
-        return "it is no plug-in: move it out of the directory, or export \"getImplGUID\"";
-    case PluginScanStep::Duplicate:
-        return "remove one of the two files, or give one another GUID; the first in the list wins";
-    case PluginScanStep::ImplType:
-        return "export \"getImplType\" with one of the kinds 1 to 6, 8 and 9";
-    case PluginScanStep::PluginVersion:
-        return "export \"getPluginVersion\"";
-    case PluginScanStep::SDKVersion:
-        return Format("build the plug-in against SDK %, or install the one that was built for it") %
-               ZENTARA_SDK_VERSION_STRING;
-    case PluginScanStep::Accepted:
-        break;
-    }
-    return {};
-}
-
-/// What is wrong in a file that has not answered.
-RefusedFile refusedByItsEnd(const PluginProbe& probe) {
-    return {probe.path,   probe.accepted() ? "unload" : Core::pluginScanStepName(probe.step),
-            probe.text,   probe.found,
-            probe.wanted, "take it out of the directory: it does so to every program that looks for plug-ins",
-            true};
-}
-
-/// A library for another machine is told as that, whatever the loader says.
-RefusedFile refusedByScan(const PluginProbe& probe, const std::string& ownMachine) {
-    const std::string machine = probe.step == PluginScanStep::Open ? machineOf(probe.path) : std::string();
-    if (!machine.empty() && machine != ownMachine)
-        return {probe.path,
-                Core::pluginScanStepName(probe.step),
-                "is a library for " + machine,
-                machine,
-                ownMachine,
-                "install the build of the plug-in for " + ownMachine,
-                false};
-    return {probe.path,   probe.accepted() ? "unload" : Core::pluginScanStepName(probe.step),
-            probe.text,   probe.found,
-            probe.wanted, remedyFor(probe),
-            false};
-}
-
-/// The first file in the list has the GUID, as in the scan.
-void refuseDuplicates(std::vector<PluginAnswer>& answers) {
-    std::map<std::string, std::string> registered;
-    for (PluginAnswer& answer : answers) {
-        PluginProbe& probe = answer.probe;
-        if (answer.isFatal || probe.step < PluginScanStep::Duplicate)
-            continue;
-        const auto first = registered.find(guidText(probe.guid));
-        if (first != registered.end()) {
-            probe.step = PluginScanStep::Duplicate;
-            probe.found = Core::GUID_toString(probe.guid);
-            probe.wanted = "a GUID of its own";
-            probe.text = Format("has the GUID %, which was registered by %") % probe.found % first->second;
-        } else if (probe.accepted()) {
-            registered.emplace(guidText(probe.guid), probe.path);
-        }
-    }
-}
-
-/// What a file throws may hold anything.
-void clean(PluginProbe& probe) {
-    for (std::string* text : {&probe.found, &probe.wanted, &probe.text})
-        *text = Utils::visibleText(*text);
-}
-
-void sortAnswers(const std::vector<PluginAnswer>& answers, const std::string& program, Inventory& inventory) {
-    const std::string ownMachine = machineOf(program);
-    for (const PluginAnswer& answer : answers) {
-        if (answer.isFatal)
-            inventory.refused.push_back(refusedByItsEnd(answer.probe));
-        else if (answer.probe.accepted())
-            inventory.registered.push_back(answer.probe);
-        else
-            inventory.refused.push_back(refusedByScan(answer.probe, ownMachine));
-    }
-}
-
-Inventory takeInventory(const std::string& program) {
-    Inventory inventory;
-    attempt("find the plug-in directory", [&] { inventory.directory = Core::getPluginDirectory(); });
-    std::error_code error;
-    inventory.exists = std::filesystem::exists(pathOf(inventory.directory), error) || error;
-    if (!inventory.exists)
-        return inventory;
-    inventory.refused = entriesBesidesPlugins(inventory.directory);
-    std::set<std::string> others;
-    for (const RefusedFile& file : inventory.refused)
-        others.insert(file.path);
-    std::vector<std::string> files = Utils::getFileList(inventory.directory, Core::pluginFileExtension());
-    std::erase_if(files, [&others](const std::string& path) { return others.count(path) != 0; });
-    std::vector<PluginAnswer> answers = askPlugins(program, files);
-    refuseDuplicates(answers);
-    for (PluginAnswer& answer : answers)
-        clean(answer.probe);
-    sortAnswers(answers, program, inventory);
-    std::sort(inventory.refused.begin(), inventory.refused.end(),
-              [](const RefusedFile& left, const RefusedFile& right) { return left.path < right.path; });
-    return inventory;
-}
 
 template<std::size_t count>
 std::string dotted(const std::array<std::int32_t, count>& numbers) {
@@ -189,44 +29,41 @@ std::string dotted(const std::array<std::int32_t, count>& numbers) {
     return text;
 }
 
-Json toJson(const PluginProbe& probe) {
-    return {{"name", orNull(guidName(probe.guid))},
-            {"guid", guidText(probe.guid)},
-            {"type", probe.type},
-            {"kind", kindOf(probe.type)},
-            {"version", dotted(probe.pluginVersion)},
-            {"sdkVersion", dotted(probe.sdkVersion)},
-            {"path", probe.path}};
+Json toJson(const RegisteredPlugin& plugin) {
+    return {{"name", orNull(plugin.name.name)},
+            {"guid", plugin.name.guidText()},
+            {"type", plugin.type},
+            {"kind", plugin.kind},
+            {"version", dotted(plugin.version)},
+            {"sdkVersion", dotted(plugin.sdkVersion)},
+            {"path", plugin.path}};
 }
 
 Json toJson(const RefusedFile& file) {
-    return {{"path", file.path},     {"step", file.step},     {"reason", file.text},  {"found", file.found},
+    return {{"path", file.path},     {"step", file.step},     {"reason", file.reason}, {"found", file.found},
             {"wanted", file.wanted}, {"remedy", file.remedy}, {"fatal", file.isFatal}};
 }
 
-void printJson(std::ostream& out, const Inventory& inventory, bool all) {
-    Json json = beginJson("plugins");
-    json["directory"] = inventory.directory;
+void printJson(const PluginDirectory& directory, bool all, Console& console) {
+    Json json = beginJson(console);
+    json["directory"] = directory.path;
     json["plugins"] = Json::array();
-    for (const PluginProbe& probe : inventory.registered)
-        json["plugins"].push_back(toJson(probe));
+    for (const RegisteredPlugin& plugin : directory.registered)
+        json["plugins"].push_back(toJson(plugin));
     if (all) {
         json["refused"] = Json::array();
-        for (const RefusedFile& file : inventory.refused)
+        for (const RefusedFile& file : directory.refused)
             json["refused"].push_back(toJson(file));
     }
-    print(out, json);
+    print(console.out, json);
 }
 
-std::string nameOrDash(const GUID& guid) {
-    const std::string name = guidName(guid);
-    return name.empty() ? "-" : name;
-}
-
-void printRegistered(std::ostream& out, const std::vector<PluginProbe>& plugins) {
+void printRegistered(std::ostream& out, const std::vector<RegisteredPlugin>& plugins) {
+    if (plugins.empty())
+        return;
     std::size_t nameWidth = 4;
-    for (const PluginProbe& probe : plugins)
-        nameWidth = std::max(nameWidth, lettersOf(guidName(probe.guid)));
+    for (const RegisteredPlugin& plugin : plugins)
+        nameWidth = std::max(nameWidth, lettersOf(plugin.name.name));
     const auto row = [&out, width = nameWidth + 2](const std::string& name, const std::string& guid,
                                                    const std::string& kind, const std::string& version,
                                                    const std::string& sdk, const std::string& path) {
@@ -234,15 +71,15 @@ void printRegistered(std::ostream& out, const std::vector<PluginProbe>& plugins)
             << padded(sdk, 12) << path << '\n';
     };
     row("NAME", "GUID", "KIND", "VERSION", "SDK", "PATH");
-    for (const PluginProbe& probe : plugins)
-        row(nameOrDash(probe.guid), guidText(probe.guid), kindOf(probe.type), dotted(probe.pluginVersion),
-            dotted(probe.sdkVersion), Utils::visibleText(probe.path));
+    for (const RegisteredPlugin& plugin : plugins)
+        row(plugin.name.name.empty() ? "-" : plugin.name.name, plugin.name.guidText(), plugin.kind,
+            dotted(plugin.version), dotted(plugin.sdkVersion), printable(plugin.path));
 }
 
 void printRefused(std::ostream& out, const std::vector<RefusedFile>& files) {
     for (const RefusedFile& file : files) {
-        out << "\nrefused: " << Utils::visibleText(file.path) << '\n' << "  step     " << file.step << '\n';
-        out << "  reason   " << file.text << '\n';
+        out << "\nrefused: " << printable(file.path) << '\n' << "  step     " << file.step << '\n';
+        out << "  reason   " << file.reason << '\n';
         if (!file.found.empty())
             out << "  found    " << file.found << '\n';
         if (!file.wanted.empty())
@@ -251,61 +88,44 @@ void printRefused(std::ostream& out, const std::vector<RefusedFile>& files) {
     }
 }
 
-/// Files with another ending are no plug-ins that were refused.
-std::size_t refusedPlugins(const Inventory& inventory) {
-    return static_cast<std::size_t>(
-        std::count_if(inventory.refused.begin(), inventory.refused.end(),
-                      [](const RefusedFile& file) { return file.step != "ending"; }));
-}
-
-void remark(std::ostream& err, const std::string& text) { tellLine(err, "zentara plugins: " + text); }
-
 /// Says on standard error what the list leaves open.
-void remarkOn(const Inventory& inventory, bool all, std::ostream& err) {
-    const std::size_t count = refusedPlugins(inventory);
+void remarkOn(const PluginDirectory& directory, bool all, Console& console) {
+    const auto& refused = directory.refused;
+    const auto count = std::count_if(refused.begin(), refused.end(), [](const RefusedFile& file) {
+        return file.step != "ending"; // with another one they are no plug-ins that were refused
+    });
     if (count != 0 && !all)
-        remark(err, Format(count == 1 ? "% plug-in was refused; --all tells why"
-                                      : "% plug-ins were refused; --all tells why") %
-                        count);
-    for (const RefusedFile& file : inventory.refused) {
+        note(console, Format(count == 1 ? "% plug-in was refused; --all tells why"
+                                        : "% plug-ins were refused; --all tells why") %
+                          static_cast<long long>(count));
+    for (const RefusedFile& file : refused) {
         if (file.isFatal)
-            remark(err, Format("'%' %: take it out, or no program finds a camera") %
-                            Utils::visibleText(file.path) % file.text);
+            note(console, Format("'%' %: take it out, or no program finds a camera") % printable(file.path) %
+                              file.reason);
     }
-    if (Utils::Platform::everybodyMayWrite(inventory.directory))
-        remark(err,
-               Format("everybody may write to '%', and what lies there runs in every program that looks for "
-                      "cameras: let administrators alone write there") %
-                   inventory.directory);
-}
-
-/// Says on standard error why nothing is registered.
-void explainNothing(std::ostream& err, const Inventory& inventory) {
-    if (!inventory.exists)
-        remark(
-            err,
-            Format(
-                "there is no directory '%'; set ZENTARASDK_ROOT to the directory that holds bin/Plugins/") %
-                inventory.directory);
-    else
-        remark(err, Format("no usable plug-in in '%'") % inventory.directory);
+    if (directory.everybodyMayWrite)
+        note(console, Format("everybody may write to '%', and what lies there runs in every program that "
+                             "looks for cameras: let administrators alone write there") %
+                          directory.path);
+    if (!directory.isThere)
+        note(console, Format("there is no directory '%'; set ZENTARASDK_ROOT to the directory that holds "
+                             "bin/Plugins/") %
+                          directory.path);
+    else if (directory.registered.empty())
+        note(console, Format("no usable plug-in in '%'") % directory.path);
 }
 
 ExitCode runPlugins(const PluginsOptions& options, Console& console) {
-    const Inventory inventory = takeInventory(console.program);
+    const PluginDirectory directory = surveyPlugins({.program = console.program});
     if (options.json) {
-        printJson(console.out, inventory, options.all);
+        printJson(directory, options.all, console);
     } else {
-        if (!inventory.registered.empty())
-            printRegistered(console.out, inventory.registered);
+        printRegistered(console.out, directory.registered);
         if (options.all)
-            printRefused(console.out, inventory.refused);
+            printRefused(console.out, directory.refused);
     }
-    remarkOn(inventory, options.all, console.err);
-    if (!inventory.registered.empty())
-        return Failure::None;
-    explainNothing(console.err, inventory);
-    return Failure::NoPlugin;
+    remarkOn(directory, options.all, console);
+    return directory.registered.empty() ? Failure::NoPlugin : Failure::None;
 }
 
 } // namespace

@@ -124,7 +124,7 @@ std::string Supervisor::doing() const {
 
 void Supervisor::begins(const std::string& what) noexcept {
     ToolLog* log = ToolLog::current();
-    const std::size_t logged = log == nullptr ? 0 : log->end();
+    const std::size_t logged = log == nullptr ? 0 : log->log().end();
     AutoLock hold(lock);
     steps.push_back({what, logged});
     since = Utils::Clock::nowMicros();
@@ -145,7 +145,7 @@ std::string Supervisor::timeout() {
             return {};
         logged = steps.back().logged;
     }
-    return log->timeoutSince(logged);
+    return log->log().timeoutSince(logged);
 }
 
 Rescue::Rescue(std::function<void()> action) : supervisor(own) {

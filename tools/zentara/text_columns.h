@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <iomanip>
+#include <sstream>
 #include <string>
 
 namespace Zentara::Tool {
@@ -17,6 +19,13 @@ namespace Zentara::Tool {
 [[nodiscard]] inline std::string padded(std::string text, std::size_t width) {
     const std::size_t letters = lettersOf(text);
     return text.append(letters < width ? width - letters : 1, ' ');
+}
+
+/// A number with so many digits after the point.
+[[nodiscard]] inline std::string fixed(double value, int digits) {
+    std::ostringstream text;
+    text << std::fixed << std::setprecision(digits) << value;
+    return text.str();
 }
 
 } // namespace Zentara::Tool

@@ -5,16 +5,15 @@
 
 #include <CLI/CLI.hpp>
 
+#include <zentara/host/nearest_word.h>
+#include <zentara/host/own_root.h>
 #include <zentara/utils/format.h>
 #include <zentara/version.h>
 
-#include "host/nearest_word.h"
 #include "tools/zentara/arguments.h"
-#include "tools/zentara/program_root.h"
 #include "tools/zentara/supervisor.h"
 #include "tools/zentara/tool_log.h"
 #include "tools/zentara/verb.h"
-#include "utils/visible_text.h"
 
 namespace Zentara::Tool {
 namespace {
@@ -59,7 +58,7 @@ ExitCode runVerb(const Verb& verb, Console& console) {
         return Failure::Failed;
     } catch (const std::exception& failure) {
         showLog();
-        tellFailure(console, {Failure::Failed, "unexpected failure", Utils::visibleText(failure.what())});
+        tellFailure(console, {Failure::Failed, "unexpected failure", printable(failure.what())});
         return Failure::Failed;
     }
 }
@@ -189,7 +188,7 @@ int runTool(std::vector<std::string> arguments, Console& console) {
     noteVerb(program, console);
     const ToolLog logged(log);
     const Supervisor supervisor(console, patience);
-    useProgramRoot();
+    useProgramRootIfNone();
     const auto chosen =
         std::find_if(verbs.begin(), verbs.end(), [](const Verb& verb) { return verb.command->parsed(); });
     return endOfOutput(runVerb(*chosen, console), console);

@@ -11,12 +11,12 @@
 #include <zentara/acceleration_internal.h>
 #include <zentara/calibration_internal.h>
 #include <zentara/diagnostic_data.h>
-#include <zentara/guid.h>
 #include <zentara/hardware_version_internal.h>
 #include <zentara/host/export.h>
 #include <zentara/host/lens.h>
 #include <zentara/host/mode.h>
 #include <zentara/host/parameter.h>
+#include <zentara/host/plugin_name.h>
 #include <zentara/host/stream.h>
 #include <zentara/host/stream_info.h>
 #include <zentara/io/camera_chip.h>
@@ -33,12 +33,6 @@ namespace Zentara::Host {
 
 class CameraImpl;
 class Flash;
-
-/// A plug-in: its well-known name, empty where it has none, and its GUID.
-struct PluginName {
-    std::string name;
-    GUID guid{};
-};
 
 /// What serves one node of a camera, and the modes that its description gives it.
 struct NodeDescription {
@@ -127,14 +121,15 @@ public:
 
     // What a depth camera knows of itself --------------------------------------------------------------------------
 
-    [[nodiscard]] FirmwareVersion firmware() const;
+    [[nodiscard]] FirmwareVersion firmware() const; ///< \throws Unsupported where the camera tells none
     /// All lens models, and the transform from the depth to the colour camera in millimetres.
     [[nodiscard]] StereoCameraParametersArray lensModels() const;
     [[nodiscard]] Corrections corrections() const;
     [[nodiscard]] AccelerationInternal accelerometerCalibration() const; ///< in g
     [[nodiscard]] std::string storedSerialNumber() const;
     [[nodiscard]] DiagnosticData diagnostics() const;
-    [[nodiscard]] float rangeMetres() const; ///< the unambiguous range
+    [[nodiscard]] float
+    rangeMetres() const; ///< the unambiguous range \throws Unsupported where it tells none
     /// Where lens models, extrinsics, corrections and so on come from.
     [[nodiscard]] Sources sources() const;
 
@@ -162,7 +157,7 @@ public:
     void checkParameter(int number, const ParameterValue& value) const;
     /// All that can be read and written, at once.
     [[nodiscard]] ParameterValues parameterValues() const;
-    /// Sets several at once. A camera that refuses some may have taken others: parameterValues() tells.
+    /// Sets several at once. A camera that refuses some may have taken others: the cause says which.
     void setParameters(const ParameterValues& values) const;
 
     // Sensors ------------------------------------------------------------------------------------------------------

@@ -41,6 +41,12 @@ struct CorrectionSection {
 /// The sections of distortion correction, read by the library; one that it cannot read is left out.
 [[nodiscard]] ZENTARA_HOST_API std::vector<CorrectionSection> correctionsOf(const FlashContent& content);
 
+/// As a JSON list: uid, version, timeOfLastWrite, numberOfSets, serialId and tables, each with modulationFrequency,
+/// values (how many), least, greatest, mean and deviation.
+[[nodiscard]] ZENTARA_HOST_API std::string toJson(const std::vector<CorrectionSection>& corrections);
+/// The same of one for people, a line for it and one for each table.
+[[nodiscard]] ZENTARA_HOST_API std::string correctionText(const CorrectionSection& correction);
+
 /// A table in colours, each value a square.
 struct CorrectionPicture {
     Picture picture;

@@ -17,11 +17,6 @@
 #include <zentara/host/output_file.h>
 #include <zentara/host/progress.h>
 #include <zentara/host/stream_info.h>
-#include <zentara/rom_element.h>
-
-namespace Zentara::IO {
-class CameraChip;
-}
 
 namespace Zentara::Host {
 
@@ -137,13 +132,6 @@ public:
     /// lies, (Permission) to write through a controller that cannot
     [[nodiscard]] static Flash camera(const Camera& camera, const FlashOptions& options = {},
                                       Access access = Access::Read);
-
-    /// The same through a controller that was reached otherwise. \param chip  shared until the end of this; whoever uses it meanwhile waits for single transfers
-    /// \param described  where the description puts the storage; nothing where it does not say, then the options must
-    /// \throws Failure (Permission) to write through a controller that cannot
-    [[nodiscard]] static Flash camera(std::shared_ptr<IO::CameraChip> chip, const CameraInfo& who,
-                                      const std::optional<ROMElement>& described,
-                                      const FlashOptions& options = {}, Access access = Access::Read);
 
     Flash(Flash&&) noexcept;
     Flash& operator=(Flash&&) noexcept;

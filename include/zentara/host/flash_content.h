@@ -9,6 +9,7 @@
 
 #include <zentara/host/export.h>
 #include <zentara/host/flash_image.h>
+#include <zentara/host/value_change.h>
 
 namespace Zentara::Host {
 
@@ -58,13 +59,6 @@ using FlashContent = std::map<std::uint16_t, FlashSection>;
 /// A section alone, or the field `section` of an object. \param uid  that it must have
 [[nodiscard]] ZENTARA_HOST_API FlashSection sectionFromJson(const std::string& text,
                                                             const std::string& source, std::uint16_t uid);
-
-/// A value of a section that a change makes another.
-struct ValueChange {
-    std::string path;   ///< in the section's JSON: "records/0/fx"
-    std::string before; ///< as JSON; "null" where there was none
-    std::string after;  ///< as JSON; "null" where there is none any more
-};
 
 /// One section that a change adds, replaces or erases.
 struct SectionChange {

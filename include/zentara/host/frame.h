@@ -148,6 +148,9 @@ public:
     /// \throws Failure (Failed) when the process would hold more than `frameMemoryLimit()`
     [[nodiscard]] Frame corrected() const;
 
+    /// What its depth has been corrected for: "temperature", "cyclic error", "phase delay".
+    [[nodiscard]] std::vector<std::string> corrections() const;
+
     /// What its depth is not corrected for, and why: "temperature: not applied", "cyclic error: algorithm 3 is not
     /// known". Empty when nothing is left to correct.
     [[nodiscard]] std::vector<std::string> uncorrected() const;

@@ -82,6 +82,30 @@ private:
     std::unique_ptr<Impl> impl;
 };
 
+/// Keeps of the pictures that come by the last one of depth, and the one of colour that was taken nearest to it: a set
+/// for a program that takes every frame itself. Times are those of the devices, which must have one clock. Separate.
+class ZENTARA_HOST_API LastSet {
+public:
+    /// A frame of one camera's depth or colour; sound is no matter.
+    void add(const Frame& frame);
+
+    /// What there is now. It has no colour, and says why, when none was taken within half a frame time of the slower
+    /// stream. Its span of time begins with the arrival of the depth.
+    [[nodiscard]] FrameSet set() const;
+
+private:
+    [[nodiscard]] std::uint64_t distance(const Frame& picture) const;
+
+    std::optional<Frame> depth;
+    std::optional<Frame> color;  ///< the nearest one
+    std::optional<Frame> newest; ///< of colour
+};
+
+/// The points of the set's depth, in the colours of its colour picture. They have none where that is missing, or lens
+/// or pose do not allow it: PointCloud::uncolored() and the cloud's file say why.
+/// \param options as Lens::pointsOf() takes them \throws Failure (Usage) without depth; as Lens::pointsOf() does
+[[nodiscard]] ZENTARA_HOST_API PointCloud cloudOf(const FrameSet& set, const CloudOptions& options = {});
+
 /// The set's colours in the grid of its depth: one for each depth pixel, row by row; none where there is no depth, and
 /// where the colour camera does not see the point because it lies outside its picture or behind another one.
 /// \throws Failure (Usage) when the set lacks depth or colour; (Failed) as Frame::lens(), Frame::rgb() and

@@ -1,8 +1,12 @@
 #pragma once
 
 /// Everything that the host library offers.
+#include <zentara/host/attempt.h>
 #include <zentara/host/camera.h>
+#include <zentara/host/camera_files.h>
+#include <zentara/host/camera_report.h>
 #include <zentara/host/cameras.h>
+#include <zentara/host/chip_memory.h>
 #include <zentara/host/cloud_view.h>
 #include <zentara/host/color.h>
 #include <zentara/host/color_map.h>
@@ -18,14 +22,23 @@
 #include <zentara/host/frame_set.h>
 #include <zentara/host/hex_bytes.h>
 #include <zentara/host/lens.h>
+#include <zentara/host/library_log.h>
 #include <zentara/host/mode.h>
+#include <zentara/host/nearest_word.h>
 #include <zentara/host/note.h>
 #include <zentara/host/output_file.h>
 #include <zentara/host/own_root.h>
 #include <zentara/host/parameter.h>
 #include <zentara/host/picture.h>
 #include <zentara/host/plot.h>
+#include <zentara/host/plugin_name.h>
+#include <zentara/host/plugins.h>
 #include <zentara/host/point_cloud.h>
+#include <zentara/host/progress.h>
 #include <zentara/host/recording.h>
+#include <zentara/host/sound_file.h>
+#include <zentara/host/step_watcher.h>
 #include <zentara/host/stream.h>
 #include <zentara/host/stream_info.h>
+#include <zentara/host/value_change.h>
+#include <zentara/host/visible_text.h>

@@ -21,6 +21,9 @@ enum class DepthAlong {
     Ray,  ///< the distance from the camera's centre, along the pixel's ray: a sphere around it has one value
 };
 
+/// "axis" or "ray".
+[[nodiscard]] ZENTARA_HOST_API const char* depthAlongName(DepthAlong along) noexcept;
+
 /// A place in a picture, in pixels; (0, 0) is the centre of the upper left pixel.
 struct PixelPlace {
     float x = 0;

@@ -17,6 +17,10 @@ enum class IfThere {
     Keep,    ///< it stays: Failure (Usage), whatever anybody says
 };
 
+/// STEM.ENDING or, where that is there, STEM-2.ENDING, STEM-3.ENDING and so on: the first that is not. Whoever writes it
+/// asks for `IfThere::Keep`, for another program may have made it meanwhile. Safe.
+[[nodiscard]] ZENTARA_HOST_API std::string unusedPath(const std::string& stem, const std::string& ending);
+
 /// A file that takes its name only once it is whole. It is filled beside its place, as NAME.<16 digits>.part, a name
 /// that nobody else has; commit() flushes it to the disk and gives it its name, replacing what was there. Without a
 /// commit the destructor removes it; what a killed program left, the next one removes. While this lives, no other
@@ -70,5 +74,9 @@ private:
     struct Impl;
     std::unique_ptr<Impl> impl;
 };
+
+/// Writes a file whole or not at all. \throws Failure as OutputFile does. Safe.
+ZENTARA_HOST_API void writeOutputFile(const std::string& path, std::string_view bytes,
+                                      const OutputFile::Rules& rules = {});
 
 } // namespace Zentara::Host

@@ -12,4 +12,8 @@ namespace Zentara::Host {
 /// \param root UTF-8 \return whether it is the install root now
 ZENTARA_HOST_API bool useRootIfNone(const std::string& root);
 
+/// The same for the program that runs, with ROOT where its own file lies in ROOT/bin; nothing changes where it lies
+/// elsewhere.
+ZENTARA_HOST_API bool useProgramRootIfNone();
+
 } // namespace Zentara::Host

@@ -29,6 +29,14 @@ using ParameterValue = std::variant<float, std::int32_t, bool, RegionOfInterestI
 /// For people and messages: "12.5", "3", "true", of a region "0,0,320,240".
 [[nodiscard]] ZENTARA_HOST_API std::string valueText(const ParameterValue& value);
 
+/// The value that a person means who writes "12.5", "3", "on", "off" or, for a region, "X,Y,WIDTH,HEIGHT".
+/// \throws Failure (Usage) when the parameter of that number takes no such value, or there is none
+[[nodiscard]] ZENTARA_HOST_API ParameterValue parameterValue(int number, const std::string& text);
+
+/// As JSON: a number, true or false, of a region an object with x, y, width and height. What JSON has no number for is a
+/// text.
+[[nodiscard]] ZENTARA_HOST_API std::string toJson(const ParameterValue& value);
+
 /// Values by the parameters' numbers.
 using ParameterValues = std::map<int, ParameterValue>;
 
@@ -66,6 +74,13 @@ struct ZENTARA_HOST_API Parameter {
     /// Whether the camera is known to take that value.
     [[nodiscard]] bool accepts(const ParameterValue& wanted) const;
 };
+
+/// "read-write", "read" or "write"; "-" for neither.
+[[nodiscard]] ZENTARA_HOST_API const char* accessName(const Parameter& parameter) noexcept;
+
+/// All there is to say of it, as a JSON object: parameter (its number), name, supported, kind, unit, access, value and
+/// range; null where there is none.
+[[nodiscard]] ZENTARA_HOST_API std::string toJson(const Parameter& parameter);
 
 /// What it takes, for people: "0 to 100, step 1", "1, 2, 4", of a region one for each of its numbers; "-" where it does
 /// not say.

@@ -11,6 +11,8 @@
 
 namespace Zentara::Host {
 
+class Frame;
+
 /// Rows of coloured pixels, from the top. A plain value that owns its pixels. Separate.
 class ZENTARA_HOST_API Picture {
 public:
@@ -47,5 +49,10 @@ private:
     std::uint32_t rows = 0;           ///< pixels
     std::vector<std::uint8_t> pixels; ///< 3 x columns x rows
 };
+
+/// What a frame shows: of depth the values in colours, with their scale, whose frame it is and whether its depth is
+/// corrected; of colour the picture itself.
+/// \throws Failure (Usage) for sound; as Frame::depth() and Frame::rgb() do
+[[nodiscard]] ZENTARA_HOST_API Picture pictureOf(const Frame& frame);
 
 } // namespace Zentara::Host

@@ -82,6 +82,11 @@ public:
     void colorFrom(std::span<const std::uint8_t> rgb, const Lens& lens,
                    const ExtrinsicParametersInternal& pose);
 
+    /// That it is to have no colours, and why, for its file. \param why "color: nothing within 8.3 ms"
+    void leaveUncolored(std::string why) { colorless = std::move(why); }
+    /// Why it has no colours; empty when it has, or nobody asked for them.
+    [[nodiscard]] const std::string& uncolored() const noexcept { return colorless; }
+
     /// Lines for the header of the file, after unit and axes: where the points come from, and what was not corrected.
     /// Line ends in them become blanks.
     void describe(std::vector<std::string> lines) { about = std::move(lines); }
@@ -100,6 +105,7 @@ private:
     std::vector<Point> all;                    ///< metres
     std::vector<std::optional<Color>> painted; ///< as many as points, or none
     std::vector<std::string> about;            ///< a line each, without line ends in the file
+    std::string colorless;                     ///< why it has no colours; empty for no reason
     std::uint32_t columns = 0;                 ///< 0 unless the grid was kept
     std::uint32_t rows = 0;                    ///< the same
     std::uint32_t sourceColumns = 0;           ///< of the depth picture, also when the grid was not kept

@@ -9,12 +9,16 @@
 #include <string>
 
 #include <zentara/host/export.h>
+#include <zentara/host/failure.h>
 #include <zentara/host/frame.h>
 #include <zentara/host/stream_info.h>
 
+namespace Zentara::Utils::Threading {
+class Signal;
+}
+
 namespace Zentara::Host {
 
-class FrameSets;
 class StreamList;
 struct StreamSetup;
 
@@ -33,6 +37,9 @@ struct StreamOptions {
     bool awaitReturn = false;
     /// False: the device begins to stream with `start()`, so that several streams can begin together.
     bool started = true;
+    /// Whether nothing is dropped: the device is not read while the queue is full. What a camera loses meanwhile counts
+    /// as lost by it; a recording waits. For whoever writes all of it down.
+    bool keepsAll = false;
 };
 
 /// What has come and what has not, since the stream began.
@@ -85,7 +92,7 @@ public:
     /// behind with its thread and told: to the cameras' note, or to the log. The frames that were given out stay.
     ~Stream();
 
-    /// Begins the stream; does nothing when it has begun. 10 s at most.
+    /// Begins the stream; does nothing when it has begun. Takes `Cameras::Options::limit` at most, as opening it does.
     /// \throws Failure as the device has it; (TimedOut) when it hangs. The stream is Failed then
     void start();
 
@@ -103,6 +110,16 @@ public:
     /// The frame that came last, and drops those before it. Otherwise as `next`: it waits when there is none.
     [[nodiscard]] std::optional<Frame> latest(std::chrono::milliseconds limit, const GoOn& goOn = {});
 
+    /// The next frame if there is one; waits for nothing.
+    /// \return nothing when none has come, and at the end, which state() tells apart; asked for before, for a last frame may come
+    /// between the two
+    /// \throws Failure as next() does, but for silence and absence
+    [[nodiscard]] std::optional<Frame> poll();
+
+    /// Whom to wake when a frame has come, or the end, by setting it: who waits for several streams at once polls them
+    /// then. One at a time; null for nobody.
+    void wake(std::shared_ptr<Utils::Threading::Signal> signal);
+
     /// Ends the stream and drops what is queued. Whoever waits in `next` is woken at once; the call itself takes as long
     /// as the device needs to end, 2 s at most. Does nothing when it was called before.
     /// \throws Failure as the device has it; (TimedOut) when it hangs. The stream is Stopped nevertheless
@@ -117,8 +134,14 @@ public:
     [[nodiscard]] State state() const noexcept;
     [[nodiscard]] StreamCounts counts() const noexcept;
 
+    /// Why it is Away, Unplugged or Failed; nothing in the other states.
+    [[nodiscard]] std::optional<Failure> trouble() const;
+
+    /// What has not come back within its limit, and is left behind: "read from ZS570 depth SIM0570"; empty when nothing
+    /// hangs. A program that ends meanwhile had better leave by std::_Exit: what is left behind may outlive its objects.
+    [[nodiscard]] std::string hangsIn() const;
+
 private:
-    friend class FrameSets;
     friend class StreamList;
     friend Stream openStream(StreamSetup setup, const StreamOptions& options);
     class Core;

@@ -39,6 +39,10 @@ struct CameraInfo {
 
     /// What to call it in a message: "depth camera SIM0570".
     [[nodiscard]] ZENTARA_HOST_API std::string label() const;
+    /// The same of what delivers one of its streams: "ZS570 depth SIM0570"; as above where that has no name.
+    [[nodiscard]] ZENTARA_HOST_API std::string label(Kind kind) const;
+    /// What delivers that kind; null when the camera has none, or does not say. Ends with the value.
+    [[nodiscard]] ZENTARA_HOST_API const NodeInfo* node(Kind kind) const noexcept;
 
     friend bool operator==(const CameraInfo&, const CameraInfo&) = default;
 };

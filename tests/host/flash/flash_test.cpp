@@ -73,6 +73,7 @@ TEST_F(FlashTest, PlansAChangeAndRefusesWhatWouldCostANeighbour) {
     const std::string kept = flash.apply(
         rebuilt, {.backup = directory.path("b"), .kept = [&](const std::string& file) { told = file; }});
     EXPECT_EQ(told, kept);
+    EXPECT_EQ(flash.area().chunkSize, 512U);
     EXPECT_EQ(codeOf([&] { flash.apply(rebuilt, noBackup); }), Failure::Busy)
         << "it was planned from other bytes";
     EXPECT_LE(backupNoteOf(freeBackupName("d/" + std::string(255, 'n'))).size(), 2U + 255U);
@@ -84,7 +85,13 @@ TEST_F(FlashTest, PlansAChangeAndRefusesWhatWouldCostANeighbour) {
     EXPECT_TRUE(unread.takesAway && !unread.refusal);
     EXPECT_THAT(unread.lines, testing::Contains(testing::HasSubstr("wrong afterwards: ")));
     wanted[2].setWritable(false);
+    const std::string held = Utils::readFile(image);
+    std::error_code noLinks;
+    std::filesystem::create_hard_link(TestSupport::TemporaryDirectory::fromUtf8(image),
+                                      TestSupport::TemporaryDirectory::fromUtf8(directory.path("held")),
+                                      noLinks);
     flash.apply(flash.plan(flash.load(), wanted), noBackup);
+    EXPECT_TRUE(noLinks || Utils::readFile(directory.path("held")) == held) << "a new file took its place";
     other = wanted;
     other.erase(2);
     EXPECT_EQ(flash.plan(flash.load(), other).obstacle, Obstacle::ReadOnly);
@@ -116,6 +123,8 @@ TEST_F(FlashTest, NoticesThatAnotherProgramChangedTheFile) {
         Utils::writeFile(late.path(), "first");
         EXPECT_EQ(codeOf([&] { late.commit(); }), Failure::Busy);
         EXPECT_EQ(Utils::readFile(directory.path("late.2.bin")), "late") << "nothing is lost";
+        const OutputFile first(directory.path("new"));
+        EXPECT_EQ(codeOf([&] { const OutputFile second(first.path()); }), Failure::Busy);
     }
     {
         Flash opened = Flash::image(image, {}, Access::Write);

@@ -241,7 +241,8 @@ TEST_F(RecordingTest, BecomesACloudWithoutItsCamera) {
     EXPECT_NEAR(std::hypot(point.x, point.y, point.z), 2, 1e-6) << "8000 units of 0.25 mm along the ray";
     std::ostringstream ply;
     cloud.writePly(ply);
-    EXPECT_THAT(ply.str(), AllOf(HasSubstr("comment camera Camera S-7, mode 4x2@60, frame 0"),
+    EXPECT_THAT(ply.str(), AllOf(HasSubstr("comment camera Camera S-7, mode 4x2@60, frame 0\n"
+                                           "comment depth along the ray\ncomment lens model from "),
                                  HasSubstr("comment not corrected: temperature: not applied")));
     const Frame played = *recording.camera().stream(Kind::Depth).next(10s);
     const Frame correctedLater = played.corrected();

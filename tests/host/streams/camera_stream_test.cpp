@@ -53,9 +53,19 @@ TEST_F(CameraStream, DeliversWhatBelongsTogetherAndOutlivesItsCamera) {
     EXPECT_GT(
         std::count_if(colors.begin(), colors.end(), [](const auto& color) { return color.has_value(); }),
         320 * 240 / 2);
+    LastSet last;
+    last.add(*set->depth);
+    EXPECT_EQ(cloudOf(last.set()).uncolored(), "color: there is none");
+    last.add(*set->color);
+    const PointCloud cloud = cloudOf(last.set(), {.keepGrid = true});
+    EXPECT_EQ(cloud.colors().size(), colors.size());
+    last.add(Frame(std::make_shared<StreamInfo>(set->depth->info()), set->depth->bytes(), 9,
+                   set->depth->deviceMicros() + 20'000));
+    EXPECT_THAT(last.set().missing, testing::ElementsAre("color: nothing within 8.3 ms"));
     const Frame corrected = set->depth->corrected();
     EXPECT_THAT(set->depth->uncorrected(), testing::Not(IsEmpty()));
     EXPECT_THAT(corrected.uncorrected(), IsEmpty());
+    EXPECT_EQ(corrected.corrections().size(), set->depth->uncorrected().size());
     ASSERT_FALSE(set->audio.empty());
     EXPECT_FALSE(set->audio.front().samples().empty());
 }
@@ -115,6 +125,7 @@ TEST_F(CameraStream, EndsInTwoSecondsWhenTheDeviceHangs) {
         const auto begin = steady_clock::now();
         EXPECT_THAT(messageOf<Failure>([&] { stream.stop(); }),
                     HasSubstr("ZS570 depth LEFT does not return from reading; 2 frames had come"));
+        EXPECT_EQ(stream.hangsIn(), "read from ZS570 depth LEFT");
         EXPECT_LT(steady_clock::now() - begin, 2500ms);
     }
     for (int tries = 0; tries < 2000 && frameMemoryTaken() != 0; ++tries)

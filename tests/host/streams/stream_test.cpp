@@ -61,6 +61,19 @@ TEST_F(StreamTest, GivesFramesOutInOrderAndCountsWhatIsMissing) {
     EXPECT_EQ(stream.counts(), (StreamCounts{6, 3, 2, 3, 0}));
 }
 
+TEST_F(StreamTest, DropsNothingForWhoeverWantsAll) {
+    Stream stream = camera->stream({.queue = 1, .keepsAll = true});
+    EXPECT_FALSE(stream.poll());
+    for (const std::uint16_t number : {1, 2, 3, 4})
+        camera->frame(number, 1'000'000 + 10'000 * number);
+    camera->status(ReadBufferStatus_NOT_STREAMING);
+    ASSERT_TRUE(camera->waitForReads(2));
+    for (const std::uint16_t number : {1, 2, 3, 4})
+        EXPECT_THAT(stream.next(soon)->depth(), ElementsAre(number, 7));
+    EXPECT_FALSE(stream.next(soon));
+    EXPECT_EQ(stream.counts(), (StreamCounts{4, 4, 0, 0, 0}));
+}
+
 TEST_F(StreamTest, TellsTheEndSilenceUnpluggingAndFailureApart) {
     const struct {
         FakeStep step;
@@ -224,10 +237,12 @@ TEST_F(StreamTest, GoesOnWhenTheCameraIsBack) {
                 HasSubstr("LEFT was unplugged after 1 units and did not come back"));
     EXPECT_EQ(codeOf([&] { (void)stream.next(0ms); }), Failure::NoDevice);
     EXPECT_EQ(stream.state(), Stream::State::Away);
+    EXPECT_STREQ(stream.trouble().value().what(), "LEFT was unplugged after 1 units");
     camera->frame(2, 1'000); // its clock began anew
     missing = 0;
     const auto back = stream.next(soon);
     ASSERT_TRUE(back);
+    EXPECT_FALSE(stream.trouble());
     EXPECT_TRUE(back->isFirstAfterReturn());
     EXPECT_EQ(back->droppedBefore(), 0U);
     EXPECT_EQ(back->number(), 1U);

@@ -11,8 +11,8 @@
 #include "plugins/cameras/plugin_guids.h"
 #include "support/log_capture.h"
 #include "support/scoped_variable.h"
+#include "tests/plugins/camera_host.h"
 #include "tests/plugins/descriptions/shipped.h"
-#include "tests/plugins/plugin_object.h"
 
 namespace Zentara {
 namespace {

@@ -139,19 +139,13 @@ TEST_P(TofParameters, ValuesOutsideTheRangeAreRefused) {
         [&] { parameters->write(ParameterType_INT_4, 3); },
         [&] { parameters->write(ParameterType_INT_15, 65536); },
         [&] { parameters->write(ParameterType_INT_15, -1); },
-        [&] {
-            parameters->setRegionOfInterest({200, 0, 121, 240});
-        },
-        [&] {
-            parameters->setRegionOfInterest({0, 0, 0, 240});
-        },
-        [&] {
-            parameters->setRegionOfInterest({0xFFFFFFFF, 0, 2, 2});
-        },
     };
     int row = 0;
     for (const auto& write : writes)
         EXPECT_EQ(failure(write), "3: value out of range") << "row " << row++;
+    const RegionOfInterestInternal regions[]{{200, 0, 121, 240}, {0, 0, 0, 240}, {0xFFFFFFFF, 0, 2, 2}};
+    for (const auto& region : regions)
+        EXPECT_EQ(failure([&] { parameters->setRegionOfInterest(region); }), "3: value out of range");
     EXPECT_EQ(read<float>(ParameterType_FLOAT_0), 80.0F);
     // The ends of the ranges, which no float meets exactly, are inside.
     for (const float end : {0.1F, 10.0F}) {
@@ -184,9 +178,8 @@ TEST_P(TofParameters, SystemStateIsWrittenWholeOrNotAtAll) {
     EXPECT_NEAR(dynamic_cast<const setFloatParameterRequest&>(*state[ParameterType_RANGE]).getValue(),
                 7.4948F, 0.001F);
 
-    EXPECT_EQ(failure([&] {
-                  parameters->write(stateOf(90, 8, true, {5, 5, 5, 5}));
-              }),
+    const ParameterRequestMap wrong = stateOf(90, 8, true, {5, 5, 5, 5});
+    EXPECT_EQ(failure([&] { parameters->write(wrong); }),
               "4: Failed to set system state: spatial filter takes 0 to 7, not 8");
     EXPECT_EQ(read<float>(ParameterType_FLOAT_0), 10.0F);
     EXPECT_FALSE(read<bool>(ParameterType_BOOL_7));

@@ -211,27 +211,15 @@ TEST_F(Cameras, SaveAndLoadParameters) {
     ASSERT_EQ(load.exitCode, 0) << load.err;
     EXPECT_EQ(load.json().at("changes").at(0).at("after"), 12.5);
 
-    const std::string deep(100'000, '[');
     const struct {
-        std::string text;
+        const char* text;
         const char* message;
     } wrong[]{
-        {"", "is no JSON: parse error at line 1, column 1"},
-        {"[]", ", /: is no object"},
-        {"{}", ", /schema: is missing"},
-        {R"({"schema":1,"values":[]})", ", /values: is no object"},
-        {R"({"schema":9,"values":{}})", ", /schema: this program reads schemas 1 to 3, not 9"},
-        {R"({"schema":1,"values":{},"more":0})", ", /more: is no field that is known here"},
-        {R"({"schema":1,"values":{"0":1,"0":2}})", "the field \"0\" stands twice"},
-        {R"({"schema":1,"values":{"0":"x"}})", ", /values/0: parameter 0 takes a number, not \"x\""},
-        {R"({"schema":1,"values":{"99":1}})", ", /values/99: '99' is no parameter"},
-        {R"({"schema":1,"values":{"13":{"x":1}}})",
-         ", /values/13: parameter 13 takes x, y, width and height"},
-        {R"({"schema":1,"values":{"0":50,"4":3}})", ", /values/4: cannot set parameter 4 to 3: value out of"},
+        {R"({"schema":1,"values":{},"more":0})", "': /more: no such field is known here"},
+        {R"({"schema":1,"values":{"0":50,"4":3}})",
+         "': /values/4: cannot set parameter 4 to 3: value out of"},
         {R"({"schema":1,"values":{"12":3}})",
-         ", /values/12: cannot set parameter 12 to 3: it can only be read"},
-        {R"({"schema":1,"values":{"0":)" + deep, "more than 64 values stand one in the other"},
-        {std::string(20'000'000, ' '), "it has more than 16777216 bytes"},
+         "': /values/12: cannot set parameter 12 to 3: it can only be read"},
     };
     for (const auto& row : wrong) {
         Utils::writeFile(path("w.json"), row.text);
@@ -331,10 +319,11 @@ TEST_F(Cameras, EndWithAWordWhateverComesFromOutside) {
              "\"$D/code\"))",
          "1", "cannot write to standard output"},
         {"ulimit -f 8; " + changeImage, "1", "File too large"},
-        {R"(chmod 777 "$D/image"; chmod 755 "$D"; )" + std::string(asNobody) + changeImage, "5",
-         "Permission denied"},
-        {R"(cp "$ZENTARA_SIMULATED_CAMERAS" "$D/secret"; chmod 0 "$D/secret"; )" + std::string(asNobody) +
-             tool + "rom list \"$D/secret\"; [ $? = 5 ] && " + asNobody + tool +
+        {R"(chmod 555 "$D"; )" + std::string(unprivileged) + changeImage +
+             R"(; code=$?; chmod 755 "$D"; exit $code)",
+         "5", "Permission denied"},
+        {R"(cp "$ZENTARA_SIMULATED_CAMERAS" "$D/secret"; chmod 0 "$D/secret"; )" + std::string(unprivileged) +
+             tool + "rom list \"$D/secret\"; [ $? = 5 ] && " + unprivileged + tool +
              "stream --play \"$D/secret\"",
          "5", "Permission denied"},
         {hang + "timeout --preserve-status --foreground -s TERM 1 " + tool + "--patience 60 stream --direct",
@@ -409,34 +398,6 @@ TEST_F(Cameras, TakeTheirCalibrationFromAFile) {
     plug(right);
     EXPECT_THAT(run({"calibration", "import", path("b.json"), "--dry-run"}).err,
                 HasSubstr("the file is of camera LEFT, this one is RIGHT"));
-}
-
-TEST_F(Cameras, RefuseWrongCalibrationFiles) {
-    const auto file = [](const char* delays, const char* kind, const char* first, const char* second) {
-        return std::string(R"({"schema":1,"calibration":{)") + delays +
-               R"(,"temperatureCompensation":{"kind":)" + kind + R"(,"firstCoefficients":[)" + first +
-               R"(],"secondCoefficients":[)" + second + "]}}}";
-    };
-    const char* delays = R"("phaseDelay":1,"phaseDelay2":0)";
-    const struct {
-        std::string text;
-        const char* message;
-    } cases[]{
-        {file(R"("phaseDelay":40000,"phaseDelay2":0)", "0", "", ""),
-         ", /calibration/phaseDelay: takes a whole number from -32768 to 32767, not 40000"},
-        {file(R"("phaseDelay":1.5,"phaseDelay2":0)", "0", "", ""), "phaseDelay: takes a whole number"},
-        {file(R"("phaseDelay":1)", "0", "", ""), ", /calibration/phaseDelay2: is missing"},
-        {file(delays, "300", "", ""), "Compensation/kind: takes a whole number from 0 to 255"},
-        {file(delays, "1", "1", ""), "secondCoefficients: has 0 numbers and firstCoefficients 1"},
-        {file(delays, "0", "1", "1"), ", /calibration/temperatureCompensation/kind: is 0"},
-        {file(R"("phaseDelay":1,"extra":1,"phaseDelay2":0)", "0", "", ""), "/extra: is no field"},
-    };
-    for (const auto& row : cases) {
-        Utils::writeFile(path("w.json"), row.text);
-        const ToolRun run = ToolTest::run({"calibration", "diff", path("w.json"), path("w.json")});
-        EXPECT_EQ(run.exitCode, 1) << row.text;
-        EXPECT_THAT(run.err, HasSubstr(row.message)) << row.text;
-    }
 }
 
 } // namespace

@@ -72,12 +72,21 @@ TEST_F(StreamVerb, PlaysWhatItRecorded) {
     EXPECT_GE(played.json().at("streams").at(1).at("audio").at("samples"), 9600);
 
     // A recording of a camera becomes the same cloud without it; a bare device has no lens model.
-    ASSERT_EQ(run({"stream", "--frames", "2", "--record", path("n"), "--ply", path("a.ply")}).exitCode, 0);
-    ASSERT_EQ(
-        run({"stream", "--play", path("n"), "--ply", path("b.ply"), "--cloud-png", path("b.png")}).exitCode,
-        0);
+    ASSERT_EQ(run({"stream", "--frames", "2", "--color", "--corrected", "--record", path("n"), "--ply",
+                   path("a.ply")})
+                  .exitCode,
+              0);
+    const ToolRun cloud = run({"stream", "--play", path("n"), "--corrected", "--ply", path("b.ply"),
+                               "--cloud-png", path("b.png"), "--json"});
+    ASSERT_EQ(cloud.exitCode, 0) << cloud.err;
     EXPECT_TRUE(Utils::readFile(path("a.ply")) == Utils::readFile(path("b.ply")));
     EXPECT_THAT(Utils::readFile(path("a.ply")),
+                testing::AllOf(HasSubstr("comment corrected: temperature\n"), HasSubstr("uchar red")));
+    const auto depth = cloud.json().at("streams").at(0);
+    EXPECT_GT(depth.at("cloud").at("colored"), 1000);
+    EXPECT_EQ(depth.at("depth").at("uncorrected").size(), 0U);
+    ASSERT_EQ(run({"stream", "--play", path("n"), "--frames", "1", "--ply", path("c.ply")}).exitCode, 0);
+    EXPECT_THAT(Utils::readFile(path("c.ply")),
                 HasSubstr("comment not corrected: temperature: not applied\n"));
     EXPECT_GT(Utils::readFile(path("b.png")).size(), 10'000U) << "it is no even surface";
     EXPECT_THAT(run({"stream", "--play", path("r"), "--ply", path("c.ply")}).err,

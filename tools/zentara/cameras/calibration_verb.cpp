@@ -5,22 +5,19 @@
 
 #include <CLI/CLI.hpp>
 
-#include <zentara/utils/format.h>
+#include <zentara/host/camera_files.h>
+#include <zentara/host/camera_report.h>
+#include <zentara/host/output_file.h>
 
-#include "host/files/paths.h"
 #include "tools/zentara/arguments.h"
-#include "tools/zentara/cameras/calibration_json.h"
 #include "tools/zentara/cameras/camera_json.h"
 #include "tools/zentara/cameras/camera_session.h"
-#include "tools/zentara/cameras/stored_document.h"
 #include "tools/zentara/interrupt.h"
 #include "tools/zentara/supervisor.h"
 #include "utils/platform/program.h"
 
 namespace Zentara::Tool {
 namespace {
-
-using Utils::Format;
 
 struct CalibrationOptions : CameraOptions {
     std::string file;
@@ -30,6 +27,13 @@ struct CalibrationOptions : CameraOptions {
     bool yes = false;
     bool force = false;
 };
+
+std::string textOf(const std::vector<ValueChange>& changes) {
+    std::string lines;
+    for (const ValueChange& change : changes)
+        lines += change.text() + '\n';
+    return lines;
+}
 
 /// What the node applies comes from the camera's flash, and need not be what its parameter back-end holds.
 Json appliedJson(const CameraSession& session) {
@@ -51,19 +55,19 @@ void tellApplied(const Json& applied, const CalibrationInternal& held, Console& 
 ExitCode runExport(const CalibrationOptions& options, Console& console) {
     return withCamera(options, console, [&](CameraSession& session) {
         const CalibrationInternal calibration = session.camera().readCalibration();
-        const Json document = calibrationDocument(session.camera().info(), calibration);
+        const std::string document = calibrationDocument(session.camera().info(), calibration);
         const Json applied = appliedJson(session);
         tellApplied(applied, calibration, console);
         std::ostringstream text;
-        if (options.file.empty())
-            print(text, document);
-        else
+        if (options.file.empty()) {
+            print(text, Json::parse(document));
+        } else {
+            writeOutputFile(options.file, document, forced(options.force));
             text << "written: " << printable(options.file) << '\n';
-        if (!options.file.empty())
-            writeJsonFile(options.file, document, forced(options.force));
-        session.finish({{"calibration", toJson(calibration)},
+        }
+        session.finish({{"calibration", Json::parse(toJson(calibration))},
                         {"applied", applied},
-                        {"source", toJson(session.camera().sources())}},
+                        {"source", Json::parse(toJson(session.camera().sources()))}},
                        text.str());
         return Failure::None;
     });
@@ -83,9 +87,8 @@ std::vector<std::string> wayBack(const CameraSession& session, const std::string
 /// Saves what the camera has, writes the new calibration and reads it back.
 void replaceCalibration(CameraSession& session, const CalibrationInternal& before,
                         const CalibrationInternal& wanted, const std::string& backup) {
-    if (isThere(backup))
-        throw Failure(Failure::Usage, "'" + backup + "' is there already; name another file with --backup");
-    writeJsonFile(backup, calibrationDocument(session.camera().info(), before), {.ifThere = IfThere::Keep});
+    writeOutputFile(backup, calibrationDocument(session.camera().info(), before),
+                    {.ifThere = IfThere::Refuse, .hint = "name another file with --backup"});
     const std::vector<std::string> back = wayBack(session, backup);
     const InterruptWatch untilItIsWritten; // half of a change is worse than a late end
     const HalfDone halfDone(back);
@@ -100,19 +103,23 @@ ExitCode importInto(CameraSession& session, const StoredCalibration& stored,
                     const CalibrationOptions& options, Console& console) {
     const CalibrationInternal& wanted = stored.calibration;
     const CalibrationInternal before = session.camera().readCalibration();
-    noteOtherCamera(stored.serialNumber, session, console);
-    const Json changes = differencesBetween(toJson(before), toJson(wanted));
-    Json result{{"diff", changes}, {"calibration", toJson(wanted)}, {"written", false}, {"lasts", Json()}};
+    session.noteOtherCamera(stored.serialNumber);
+    const std::vector<ValueChange> changes = changesBetween(before, wanted);
+    Json result{{"diff", changesJson(changes)},
+                {"calibration", Json::parse(toJson(wanted))},
+                {"written", false},
+                {"lasts", Json()}};
     if (options.dryRun || before == wanted) {
         session.finish(result, before == wanted
                                    ? "the camera has this calibration already\n"
-                                   : "the camera's calibration would change:\n" + differencesText(changes));
+                                   : "the camera's calibration would change:\n" + textOf(changes));
         return Failure::None;
     }
     if (!options.yes)
         throw Failure(Failure::Usage,
                       "this replaces the camera's calibration; say --yes, or --dry-run to see");
-    const std::string backup = options.backup.empty() ? freeBackupName() : options.backup;
+    const std::string backup =
+        options.backup.empty() ? unusedPath("calibration-before", "json") : options.backup;
     replaceCalibration(session, before, wanted, backup);
     session.camera().reconnectParameters(); // what another program would find
     const bool lasts = session.camera().readCalibration() == wanted;
@@ -122,9 +129,8 @@ ExitCode importInto(CameraSession& session, const StoredCalibration& stored,
     if (!lasts)
         note(console, "the camera keeps this calibration only while this program runs; it is not written to "
                       "its flash, which 'zentara rom set' changes");
-    session.finish(result, differencesText(changes) +
-                               "the camera's calibration was replaced and read back; " + printable(backup) +
-                               " has the one before\n");
+    session.finish(result, textOf(changes) + "the camera's calibration was replaced and read back; " +
+                               printable(backup) + " has the one before\n");
     return Failure::None;
 }
 
@@ -148,18 +154,18 @@ ExitCode runDiff(const CalibrationOptions& options, Console& console) {
             tellApplied(applied, right, console);
             camera = {{"camera", cameraJson(session.camera().info())},
                       {"applied", applied},
-                      {"source", toJson(session.camera().sources())}};
+                      {"source", Json::parse(toJson(session.camera().sources()))}};
             return Failure::None;
         }));
-    const Json list = differencesBetween(toJson(left), toJson(right));
+    const std::vector<ValueChange> list = changesBetween(left, right);
     if (options.json) {
         Json json = beginJson(console);
-        json.update({{"equal", list.empty()}, {"diff", list}});
+        json.update({{"equal", list.empty()}, {"diff", changesJson(list)}});
         if (!camera.is_null())
             json.update(camera);
         print(console.out, json);
     } else {
-        console.out << differencesText(list);
+        console.out << textOf(list);
     }
     return list.empty() ? Failure::None : Failure::Failed;
 }

@@ -1,7 +1,5 @@
 #include "tools/zentara/cameras/camera_session.h"
 
-#include <algorithm>
-
 #include <CLI/CLI.hpp>
 
 #include "tools/zentara/arguments.h"
@@ -23,15 +21,28 @@ void addCameraOptions(CLI::App& command, CameraOptions& options) {
     command.add_flag("--json", options.json, "Print JSON");
 }
 
-Host::Cameras::Options patiently(Console& console) { return {std::chrono::hours(24), notesTo(console.err)}; }
+Cameras::Options patiently(Console& console) { return {std::chrono::hours(24), notesTo(console.err)}; }
+
+Camera openCamera(Cameras& cameras, const std::string& name, bool writes) {
+    if (!writes)
+        return cameras.open(name);
+    try {
+        return cameras.openToWrite(name);
+    } catch (const Failure& failure) {
+        if (!name.empty() || failure.code() != Failure::Usage)
+            throw;
+        throw Failure(failure.code(), failure.message(), failure.cause(), "name one with --camera");
+    }
+}
 
 CameraSession::CameraSession(const CameraOptions& wanted, Console& target)
     : options(wanted), console(target), cameras(patiently(target)),
-      opened(wanted.writes ? cameras.openToWrite(wanted.camera) : cameras.open(wanted.camera)) {}
+      opened(openCamera(cameras, wanted.camera, wanted.writes)) {}
 
-bool CameraSession::hasDepth() const {
-    const auto& kinds = opened.info().kinds;
-    return std::find(kinds.begin(), kinds.end(), Host::Kind::Depth) != kinds.end();
+void CameraSession::noteOtherCamera(const std::string& serialNumber) const {
+    const std::string& present = opened.info().serial;
+    if (!serialNumber.empty() && serialNumber != present)
+        note(console, "the file is of camera " + serialNumber + ", this one is " + present);
 }
 
 void CameraSession::finish(const Json& result, const std::string& text) const {

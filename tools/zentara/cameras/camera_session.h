@@ -22,7 +22,10 @@ void addCameraName(CLI::App& command, std::string& name);
 void addCameraOptions(CLI::App& command, CameraOptions& options);
 
 /// How the tool asks for cameras: what it does not get ends the process when --patience is over, and not before.
-[[nodiscard]] Host::Cameras::Options patiently(Console& console);
+[[nodiscard]] Cameras::Options patiently(Console& console);
+
+/// Opens the camera of that name, or the first one; to write to it, of several one must be named. \throws Failure
+[[nodiscard]] Camera openCamera(Cameras& cameras, const std::string& name, bool writes);
 
 /// One camera. Bound.
 class CameraSession final {
@@ -32,8 +35,10 @@ public:
     CameraSession(const CameraSession&) = delete;
     CameraSession& operator=(const CameraSession&) = delete;
 
-    [[nodiscard]] const Host::Camera& camera() const noexcept { return opened; }
-    [[nodiscard]] bool hasDepth() const;
+    [[nodiscard]] const Camera& camera() const noexcept { return opened; }
+
+    /// Says so on the console when a file is of another camera than this one. \param serialNumber empty: nobody knows
+    void noteOtherCamera(const std::string& serialNumber) const;
 
     /// Ends the verb: prints the result as JSON, with the camera added, or the text.
     void finish(const Json& result, const std::string& text) const;
@@ -44,8 +49,8 @@ public:
 private:
     const CameraOptions options;
     Console& console;
-    Host::Cameras cameras;
-    Host::Camera opened;
+    Cameras cameras;
+    Camera opened;
 };
 
 /// Does a verb's work with one camera. \param work takes the CameraSession and returns the exit code

@@ -26,12 +26,12 @@ struct DevicesOptions {
     bool json = false;
 };
 
-Json toJson(const CameraInfo& camera) {
+Json listedJson(const CameraInfo& camera) {
     Json json = cameraJson(camera);
     json["vendor"] = orNull(camera.vendor);
     json["nodes"] = Json::array();
     for (const NodeInfo& node : camera.nodes)
-        json["nodes"].push_back(nodeJson(node));
+        json["nodes"].push_back(Json::parse(toJson(node)));
     return json;
 }
 
@@ -72,7 +72,7 @@ void printEvent(Console& console, const CameraEvent& event) {
         line["event"] = eventName(event.type);
         line["timeMicros"] = event.timeMicros;
         line["camera"] = hasNode ? cameraJson(event.camera) : Json();
-        line["node"] = hasNode ? nodeJson(event.camera.nodes.front()) : Json();
+        line["node"] = hasNode ? Json::parse(toJson(event.camera.nodes.front())) : Json();
         line["message"] = hasNode ? Json() : Json(printable(event.message));
         printOnOneLine(console.out, line);
         return;
@@ -116,7 +116,7 @@ ExitCode runDevices(const DevicesOptions& options, Console& console) {
         json["enumerator"] = cameras.backEnds();
         json["cameras"] = Json::array();
         for (const CameraInfo& camera : all)
-            json["cameras"].push_back(toJson(camera));
+            json["cameras"].push_back(listedJson(camera));
         print(console.out, json);
     } else if (!all.empty()) {
         printCameras(console.out, all);

@@ -1,6 +1,5 @@
 #include "tools/zentara/cameras/info_page.h"
 
-#include "host/cameras/camera_bus.h"
 #include "tools/zentara/text_columns.h"
 
 namespace Zentara::Tool {
@@ -24,7 +23,7 @@ std::string wordOf(const Json& value) {
 
 class Page {
 public:
-    explicit Page(const Json& told) : info(told) {}
+    Page(const CameraInfo& whose, const Json& told) : camera(whose), info(told) {}
 
     void line(const std::string& name, const std::string& text) {
         lines += padded(name, nameWidth) + text + '\n';
@@ -54,11 +53,11 @@ public:
     }
 
     void identity() {
-        const Json& camera = info["camera"];
-        line("camera", wordOf(camera["name"]) + ", by " + wordOf(info["vendor"]));
-        line("serial number", wordOf(camera["serial"]) + from("serialNumber"));
-        line("path", wordOf(camera["path"]));
-        line("controller", wordOf(camera["controller"]));
+        const auto word = [](const std::string& text) { return wordOf(orNull(text)); };
+        line("camera", word(camera.name) + ", by " + word(camera.vendor));
+        line("serial number", word(camera.serial) + from("serialNumber"));
+        line("path", word(camera.path));
+        line("controller", word(camera.controller));
         answer("firmware", "firmware", [this](const Json& version) {
             line("firmware", wordOf(version["major"]) + "." + wordOf(version["minor"]));
         });
@@ -72,6 +71,10 @@ public:
     }
 
     void state() {
+        answer("depth", "depth values", [this](const Json& depth) {
+            line("depth values", "units of " + wordOf(depth["millimetresPerUnit"]) + " mm, along the " +
+                                     (depth["along"] == "ray" ? "pixel's ray" : "optical axis"));
+        });
         answer("rangeMeters", "range", [this](const Json& range) { line("range", wordOf(range) + " m"); });
         answer("temperatures", "temperatures", [this](const Json& values) {
             for (const Json& value : values)
@@ -140,13 +143,14 @@ private:
         return words;
     }
 
+    const CameraInfo& camera;
     const Json& info;
 };
 
 } // namespace
 
-std::string infoPage(const Json& info) {
-    Page page(info);
+std::string infoPage(const CameraInfo& camera, const Json& info) {
+    Page page(camera, info);
     page.identity();
     page.state();
     page.lenses();

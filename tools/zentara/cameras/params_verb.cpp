@@ -4,15 +4,13 @@
 
 #include <CLI/CLI.hpp>
 
+#include <zentara/host/camera_files.h>
+#include <zentara/host/output_file.h>
 #include <zentara/utils/format.h>
 
-#include "host/json_fields.h"
 #include "tools/zentara/arguments.h"
-#include "tools/zentara/cameras/camera_json.h"
 #include "tools/zentara/cameras/camera_session.h"
 #include "tools/zentara/cameras/parameter_changes.h"
-#include "tools/zentara/cameras/parameter_text.h"
-#include "tools/zentara/cameras/stored_document.h"
 #include "tools/zentara/text_columns.h"
 
 namespace Zentara::Tool {
@@ -53,7 +51,7 @@ void finishRows(CameraSession& session, const std::vector<int>& numbers) {
     text << columns("NO", "NAME", "KIND", "ACCESS", "VALUE", "UNIT") << "RANGE\n";
     for (const int number : numbers) {
         const Parameter row = session.camera().parameter(number);
-        list.push_back(Tool::toJson(row));
+        list.push_back(Json::parse(toJson(row)));
         print(text, row);
     }
     session.finish({{"parameters", list}}, text.str());
@@ -101,11 +99,9 @@ ExitCode runParamsSet(ParamsOptions options, Console& console) {
             if (std::find(numbers.begin(), numbers.end(), number) != numbers.end())
                 throw Failure(Failure::Usage, Format("parameter % is named twice") % number);
             numbers.push_back(number);
-            settings.emplace_back(number, valueFromText(number, word.substr(sign + 1)));
+            settings.emplace_back(number, parameterValue(number, word.substr(sign + 1)));
         }
-        setOneByOne(session.camera(), settings);
-        for (const auto& [number, value] : settings)
-            tellRounded(session.camera(), number, value, console);
+        setOneByOne(session.camera(), settings, console);
         finishRows(session, numbers);
         return Failure::None;
     });
@@ -113,11 +109,10 @@ ExitCode runParamsSet(ParamsOptions options, Console& console) {
 
 ExitCode runSave(const ParamsOptions& options, Console& console) {
     return withCamera(options, console, [&](CameraSession& session) {
-        const Json values = Tool::toJson(session.camera().parameterValues());
-        Json json = beginJson(paramsVerb);
-        json["camera"] = cameraJson(session.camera().info());
-        json["values"] = values;
-        writeJsonFile(options.file, json, forced(options.force));
+        const std::string document =
+            parameterDocument(session.camera().info(), session.camera().parameterValues());
+        writeOutputFile(options.file, document, forced(options.force));
+        const Json values = Json::parse(document)["values"];
         session.finish({{"values", values}, {"file", options.file}},
                        Format("% parameters written: %\n") % values.size() % printable(options.file));
         return Failure::None;
@@ -126,18 +121,25 @@ ExitCode runSave(const ParamsOptions& options, Console& console) {
 
 ExitCode runLoad(ParamsOptions options, Console& console) {
     options.writes = true;
-    const StoredValues stored = readValues(options.file);
+    const StoredParameters stored = readParameterFile(options.file);
     return withCamera(options, console, [&](CameraSession& session) {
-        noteOtherCamera(stored.serialNumber, session, console);
-        const Json changes =
-            loadValues(session.camera(), stored.values, options.file, options.dryRun, console);
-        std::ostringstream text;
-        for (const Json& change : changes)
-            text << change["parameter"] << ": " << change["before"].dump() << " -> " << change["after"].dump()
-                 << '\n';
-        if (changes.empty())
-            text << "the camera has these values already\n";
-        session.finish({{"changes", changes}, {"written", !options.dryRun}}, text.str());
+        session.noteOtherCamera(stored.serialNumber);
+        Json list = Json::array();
+        std::string text;
+        for (const ParameterChange& change :
+             loadValues(session.camera(), stored.values, options.file, options.dryRun, console)) {
+            const Json before = change.before ? Json::parse(toJson(*change.before)) : Json();
+            const Json after = Json::parse(toJson(change.after));
+            const std::string number = std::to_string(change.number);
+            list.push_back({{"parameter", change.number},
+                            {"path", "values/" + number},
+                            {"before", before},
+                            {"after", after}});
+            text += number + ": " + before.dump() + " -> " + after.dump() + '\n';
+        }
+        if (list.empty())
+            text = "the camera has these values already\n";
+        session.finish({{"changes", list}, {"written", !options.dryRun}}, text);
         return Failure::None;
     });
 }

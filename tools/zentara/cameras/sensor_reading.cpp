@@ -1,37 +1,29 @@
 #include "tools/zentara/cameras/sensor_reading.h"
 
-#include <zentara/utils/format.h>
+#include <cmath>
 
-#include "host/float_text.h"
-#include "tools/zentara/streams/frame_counter.h"
+#include <zentara/host/camera_report.h>
+#include <zentara/utils/format.h>
 
 namespace Zentara::Tool {
 
 using Utils::Format;
 
-Json toJson(const Reading& reading) {
-    Json json{{"seconds", reading.seconds}, {"temperatures", Json::array()}};
-    for (const Temperature& value : reading.temperatures)
-        json["temperatures"].push_back(
-            {{"sensor", value.sensor}, {"name", orNull(value.name)}, {"celsius", floatJson(value.celsius)}});
-    json["acceleration"] = Json();
-    if (const auto& measured = reading.acceleration)
-        json["acceleration"] = {{"name", orNull(measured->name)},
-                                {"register", measured->registerAddress},
-                                {"x", floatJson(measured->value.x)},
-                                {"y", floatJson(measured->value.y)},
-                                {"z", floatJson(measured->value.z)}};
-    return json;
+Json readingJson(const Reading& reading) {
+    return {{"seconds", reading.seconds},
+            {"temperatures", Json::parse(toJson(reading.temperatures))},
+            {"acceleration", Json::parse(toJson(reading.acceleration))}};
 }
 
-std::string toText(const Reading& reading) {
-    std::string text = fixed(reading.seconds, 1) + " s";
+std::string readingText(const Reading& reading) {
+    const auto tenths = std::lround(reading.seconds * 10);
+    std::string text = Format("%.% s") % (tenths / 10) % (tenths % 10);
     for (const Temperature& value : reading.temperatures)
-        text += Format("  % % degC") % labelOf(value) % floatText(value.celsius);
+        text += Format("  % % degC") % labelOf(value) % valueText(value.celsius);
     if (const auto& measured = reading.acceleration)
         text += "  acceleration " + (measured->name.empty() ? "" : printable(measured->name) + " ") +
-                floatText(measured->value.x) + " " + floatText(measured->value.y) + " " +
-                floatText(measured->value.z) + " g";
+                valueText(measured->value.x) + " " + valueText(measured->value.y) + " " +
+                valueText(measured->value.z) + " g";
     return text;
 }
 

@@ -13,15 +13,15 @@ namespace Zentara::Tool {
 /// What the sensors said at one time.
 struct Reading {
     double seconds = 0; ///< since the first one was asked for
-    std::vector<Host::Temperature> temperatures;
-    std::optional<Host::Acceleration> acceleration;
+    std::vector<Temperature> temperatures;
+    std::optional<Acceleration> acceleration;
 };
 
-[[nodiscard]] Json toJson(const Reading& reading);
+[[nodiscard]] Json readingJson(const Reading& reading);
 /// On one line, with units.
-[[nodiscard]] std::string toText(const Reading& reading);
+[[nodiscard]] std::string readingText(const Reading& reading);
 
 /// "sensor 1 (illumination)"
-[[nodiscard]] std::string labelOf(const Host::Temperature& value);
+[[nodiscard]] std::string labelOf(const Temperature& value);
 
 } // namespace Zentara::Tool

@@ -15,7 +15,6 @@
 #include "tools/zentara/cameras/camera_session.h"
 #include "tools/zentara/cameras/sensor_reading.h"
 #include "tools/zentara/interrupt.h"
-#include "tools/zentara/streams/frame_counter.h"
 #include "tools/zentara/supervisor.h"
 
 namespace Zentara::Tool {
@@ -97,10 +96,10 @@ private:
         if (options.json) {
             Json json = beginJson(console);
             json["camera"] = cameraJson(session.camera().info());
-            json.update(Tool::toJson(reading));
+            json.update(readingJson(reading));
             printOnOneLine(console.out, json);
         } else {
-            console.out << toText(reading) << std::endl;
+            console.out << readingText(reading) << std::endl;
         }
     }
 
@@ -144,7 +143,7 @@ ExitCode runSensors(const SensorsOptions& options, Console& console) {
         if (options.watch)
             return watchSensors(sensors, options, console);
         const Reading reading = sensors.read();
-        session.finish(Tool::toJson(reading), toText(reading) + '\n');
+        session.finish(readingJson(reading), readingText(reading) + '\n');
         return Failure::None;
     });
 }

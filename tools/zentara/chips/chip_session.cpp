@@ -1,21 +1,21 @@
 #include "tools/zentara/chips/chip_session.h"
-#include "tools/zentara/cameras/camera_json.h"
 
+#include <memory>
 #include <utility>
 
 #include <CLI/CLI.hpp>
 
-#include <zentara/io/video_device_proxy.h>
 #include <zentara/utils/format.h>
 
 #include "tools/zentara/arguments.h"
+#include "tools/zentara/cameras/camera_json.h"
 #include "tools/zentara/cameras/camera_session.h"
 #include "tools/zentara/tool_log.h"
 
 namespace Zentara::Tool {
 namespace {
 
-Json toJson(const char* chip, const IO::ChipTransfer& transfer) {
+Json transferJson(const char* chip, const IO::ChipTransfer& transfer) {
     Json json{{"direction", transfer.isGet ? "GET" : "SET"},
               {"unit", transfer.unit},
               {"control", transfer.control},
@@ -45,80 +45,81 @@ void addChipOptions(CLI::App& command, ChipOptions& options) {
     command.add_flag("--json", options.json, "Print JSON");
 }
 
+Trace shownTrace(bool isWanted, Console& console) {
+    if (!isWanted)
+        return {};
+    return [&console](const std::string& chip, const IO::ChipTransfer& transfer) {
+        tellLine(console.err, IO::CameraChip::lineOf(chip, transfer));
+    };
+}
+
+Camera openChip(const ChipOptions& options, Cameras& cameras, Trace trace) {
+    struct Watch {
+        Trace trace;
+        std::string chip;
+        std::optional<Step> underWay;
+    };
+    const auto watch = std::make_shared<Watch>();
+    watch->trace = std::move(trace);
+    const std::string& wanted = options.controller.empty() ? options.camera : options.controller;
+    const Camera camera = options.direct ? cameras.openDevice({options.plugins, wanted})
+                                         : openCamera(cameras, options.camera, options.writes);
+    camera.watchTransfers([watch](const IO::ChipTransfer& transfer) {
+        if (!transfer.isOver) {
+            watch->underWay.emplace(Utils::Format("% unit %, control %") % (transfer.isGet ? "GET" : "SET") %
+                                    transfer.unit % transfer.control);
+            return;
+        }
+        watch->underWay.reset();
+        if (watch->trace)
+            watch->trace(watch->chip, transfer);
+    });
+    std::optional<ToolLog::Silence> trying; // a controller that is not there is no fault
+    if (options.controller.empty() && (options.direct || camera.info().controller.empty()))
+        trying.emplace();
+    watch->chip = camera.chip(options.controller).name();
+    return camera;
+}
+
 ChipSession::ChipSession(const ChipOptions& wanted, Console& target)
     : options(wanted), console(target), cameras(patiently(target)) {
-    std::string known = options.controller;
-    if (options.direct)
-        camera = cameras.openDevice({options.plugins, known.empty() ? options.camera : known});
-    else
-        camera = options.writes ? cameras.openToWrite(options.camera) : cameras.open(options.camera);
-    camera->watchTransfers([this](const IO::ChipTransfer& transfer) { note(transfer); });
-    if (known.empty())
-        known = options.direct ? std::string() : camera->info().controller;
-    std::optional<ToolLog::Silence> trying; // a controller that is not there is no fault
-    if (known.empty())
-        trying.emplace();
-    controller = &camera->chip(options.controller);
+    const Trace kept = [this](const std::string&, const IO::ChipTransfer& transfer) {
+        transfers.push_back(transfer);
+    };
+    opened =
+        openChip(options, cameras, options.json && options.trace ? kept : shownTrace(options.trace, console));
 }
 
 ChipSession::~ChipSession() {
+    const Trace show = shownTrace(true, console);
     for (const IO::ChipTransfer& transfer : transfers)
-        show(transfer);
-    if (!camera)
+        show(opened ? chip().name() : "", transfer);
+    if (!opened)
         return;
-    camera->watchTransfers({});
+    opened->watchTransfers({});
     try {
-        camera->close();
-        camera.reset();
+        opened->close();
+        opened.reset();
         cameras.close();
     } catch (const std::exception& failure) {
-        Tool::note(console, failure.what());
+        note(console, failure.what());
     }
 }
 
-/// A transfer that hangs is named by what it began with.
-void ChipSession::note(const IO::ChipTransfer& transfer) {
-    if (!transfer.isOver) {
-        underWay.emplace(Utils::Format("% unit %, control %") % (transfer.isGet ? "GET" : "SET") %
-                         transfer.unit % transfer.control);
-        return;
-    }
-    underWay.reset();
-    if (!options.trace)
-        return;
-    if (options.json)
-        transfers.push_back(transfer);
-    else
-        show(transfer);
-}
-
-void ChipSession::show(const IO::ChipTransfer& transfer) {
-    tellLine(console.err, IO::CameraChip::lineOf(controller == nullptr ? "" : controller->name(), transfer));
-}
-
-std::optional<ROMElement> ChipSession::storage() const {
-    return options.direct ? std::nullopt : camera->storage();
-}
-
-Json ChipSession::identity() const {
-    Json json = cameraJson(camera->info());
-    json["controller"] = controller->name();
-    return json;
-}
-
-void ChipSession::finish(Json result, const std::string& text) {
+void ChipSession::finish(const Json& result, const std::string& text) {
     if (!options.json) {
         console.out << text << '\n';
         return;
     }
     Json json = beginJson(console);
-    json["camera"] = identity();
+    json["camera"] = cameraJson(opened->info());
+    json["camera"]["controller"] = chip().name();
     json["proxified"] = !options.direct;
     json.update(result);
     if (options.trace) {
         json["transfers"] = Json::array();
         for (const IO::ChipTransfer& transfer : transfers)
-            json["transfers"].push_back(toJson(controller->name(), transfer));
+            json["transfers"].push_back(transferJson(chip().name(), transfer));
         transfers.clear();
     }
     print(console.out, json);

@@ -1,20 +1,15 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include <zentara/host/cameras.h>
 #include <zentara/io/camera_chip.h>
-#include <zentara/io/video_device_proxy.h>
-#include <zentara/rom_element.h>
 
-#include "host/attempt.h"
-#include "tools/zentara/cameras/camera_json.h"
 #include "tools/zentara/json_output.h"
-#include "tools/zentara/supervisor.h"
 #include "tools/zentara/verb.h"
 
 namespace Zentara::Tool {
@@ -32,8 +27,17 @@ struct ChipOptions {
 
 void addChipOptions(CLI::App& command, ChipOptions& options);
 
-/// One camera of the bus, or a bare video device, open, with its chip bound. A failure of a step leaves it as a
-/// Failure.
+/// Is told of each transfer that is over. \param chip the controller's name; empty while that is not known
+using Trace = std::function<void(const std::string& chip, const IO::ChipTransfer& transfer)>;
+
+/// Shows each on standard error, if that is wanted.
+[[nodiscard]] Trace shownTrace(bool isWanted, Console& console);
+
+/// Opens one camera of the bus, or a bare video device, and reaches its controller. A transfer that hangs is named by what
+/// it began with. \param trace may be empty \throws Failure
+[[nodiscard]] Camera openChip(const ChipOptions& options, Cameras& cameras, Trace trace);
+
+/// One camera of the bus, or a bare video device, open, with its chip bound.
 class ChipSession final {
 public:
     /// Finds the camera, or makes the device, and opens it. \throws Failure
@@ -42,45 +46,21 @@ public:
     ChipSession(const ChipSession&) = delete;
     ChipSession& operator=(const ChipSession&) = delete;
 
-    [[nodiscard]] IO::CameraChip& chip() noexcept { return *controller; }
-    [[nodiscard]] IO::VideoDeviceProxy& device() { return camera->device(); }
-    /// Which camera it is; of a bare device just its name.
-    [[nodiscard]] const Host::CameraInfo& info() const noexcept { return camera->info(); }
-
-    /// Where its description says that the storage lies; nothing where it does not say.
-    [[nodiscard]] std::optional<ROMElement> storage() const;
-
-    /// Who the camera is, as cameraJson() has it; of a bare device the plug-in's name and the controller.
-    [[nodiscard]] Json identity() const;
+    [[nodiscard]] const Camera& camera() const { return *opened; }
+    [[nodiscard]] IO::CameraChip& chip() const { return opened->chip(); }
+    [[nodiscard]] IO::VideoDeviceProxy& device() const { return opened->device(); }
 
     /// Ends the verb: prints the result as JSON, with the camera and the trace added, or the text.
-    void finish(Json result, const std::string& text);
+    void finish(const Json& result, const std::string& text);
 
 private:
-    void note(const IO::ChipTransfer& transfer);
-    void show(const IO::ChipTransfer& transfer);
-
     const ChipOptions options;
     Console& console;
     /// With JSON the trace waits for the end: it goes into the result, or to the errors when there is none.
     std::vector<IO::ChipTransfer> transfers;
-    std::optional<Step> underWay; ///< the transfer that has begun
-    Host::Cameras cameras;
-    std::optional<Host::Camera> camera;
-    IO::CameraChip* controller = nullptr; ///< the camera's
+    Cameras cameras;
+    std::optional<Camera> opened;
 };
-
-/// Does one step on a chip: what the chip has not is no failure of the camera, and told as it is.
-template<typename Step>
-void attemptOnChip(const std::string& what, Step step) {
-    attempt(what, [&] {
-        try {
-            step();
-        } catch (const Plugin::NotSupportedPluginException& lack) {
-            throw Failure(Failure::Failed, lack.what());
-        }
-    });
-}
 
 /// "0x1D"
 [[nodiscard]] std::string hexText(std::uint32_t value);

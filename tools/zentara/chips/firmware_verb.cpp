@@ -1,16 +1,16 @@
-#include <algorithm>
 #include <memory>
 #include <string>
 
 #include <CLI/CLI.hpp>
 
+#include <zentara/host/chip_memory.h>
 #include <zentara/host/output_file.h>
 #include <zentara/utils/crc.h>
 #include <zentara/utils/format.h>
 
 #include "tools/zentara/arguments.h"
 #include "tools/zentara/chips/chip_session.h"
-#include "tools/zentara/interrupt.h"
+#include "tools/zentara/progress.h"
 #include "tools/zentara/supervisor.h"
 
 namespace Zentara::Tool {
@@ -19,7 +19,6 @@ namespace {
 using Utils::Format;
 
 constexpr unsigned memoryBytes = IO::CameraChip::memoryBytes;
-constexpr unsigned pieceBytes = 0x1000; ///< pieces end at multiples of it
 
 struct FirmwareOptions : ChipOptions {
     bool force = false;
@@ -29,66 +28,23 @@ struct FirmwareOptions : ChipOptions {
     unsigned length = 0; ///< 0: to the end of the memory
 };
 
-/// Reads piece by piece, so that progress shows and Ctrl-C is heard.
-class Dump {
-public:
-    Dump(ChipSession& source, const FirmwareOptions& wanted, Console& target)
-        : session(source), options(wanted), console(target) {}
-
-    /// False when it was interrupted.
-    bool read(const InterruptWatch& watch) {
-        while (bytes.size() < options.length && !watch.interrupted()) {
-            const unsigned done = static_cast<unsigned>(bytes.size());
-            const unsigned start = options.start + done;
-            appendPiece(start, std::min(options.length - done, pieceBytes - start % pieceBytes));
-            showProgress();
-        }
-        if (console.showProgress)
-            console.err << '\n';
-        return bytes.size() == options.length;
-    }
-
-    std::string bytes;
-
-private:
-    void appendPiece(unsigned start, unsigned length) {
-        attempt(Format("read % bytes of % at %") % length % options.area % hexText(start), [&] {
-            const auto piece = options.area == "firmware" ? session.chip().readFirmware(start, length)
-                                                          : session.chip().readConfiguration(start, length);
-            bytes.append(piece.begin(), piece.end());
-        });
-    }
-
-    void showProgress() {
-        if (console.showProgress)
-            console.err << "\r" << bytes.size() << " of " << options.length << " bytes" << std::flush;
-    }
-
-    ChipSession& session;
-    const FirmwareOptions& options;
-    Console& console;
-};
-
 ExitCode runDump(FirmwareOptions options, Console& console) {
     if (options.length == 0)
         options.length = memoryBytes - options.start;
     if (options.length > memoryBytes - options.start)
         throw Failure(Failure::Usage, Format("--length % is out of range from %: 1 to %") % options.length %
                                           hexText(options.start) % (memoryBytes - options.start));
-    const InterruptWatch watch;
+    const Progress progress = shownProgress("read", console);
     // Reading takes minutes on a real camera: what cannot be written is told before.
     OutputFile file(options.file, forced(options.force));
     const Rescue nothingLeft([&file] { file.discard(); });
     ChipSession session(options, console);
-    Dump dump(session, options, console);
-    if (!dump.read(watch))
-        throw Failure(Failure::Interrupted, Utils::Format("interrupted after % of % bytes; nothing is kept") %
-                                                static_cast<unsigned long long>(dump.bytes.size()) %
-                                                options.length);
-    file.write(dump.bytes);
+    const Bytes bytes = readMemory(
+        session.camera(), options.area == "firmware" ? ChipMemory::Firmware : ChipMemory::Configuration,
+        options.start, options.length, progress);
+    file.write({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
     file.commit();
-    const unsigned crc =
-        Utils::Crc32::compute(reinterpret_cast<const unsigned char*>(dump.bytes.data()), options.length, 0);
+    const unsigned crc = Utils::Crc32::compute(bytes.data(), options.length, 0);
     session.finish({{"area", options.area},
                     {"start", options.start},
                     {"length", options.length},

@@ -30,7 +30,7 @@ Json resultOf(const I2cOptions& options, unsigned value) {
 
 IO::CameraChip::BusLimits limitsOf(ChipSession& session, const I2cOptions& options) {
     IO::CameraChip::BusLimits limits{};
-    attemptOnChip("ask for the widths of the device", [&] {
+    attempt("ask for the widths of the device", [&] {
         limits = session.chip().i2cLimits(static_cast<std::uint8_t>(options.device),
                                           static_cast<std::uint8_t>(options.bytes));
     });
@@ -43,7 +43,7 @@ ExitCode runI2cRead(const I2cOptions& options, Console& console) {
     ChipSession session(options, console);
     static_cast<void>(limitsOf(session, options));
     unsigned value = 0;
-    attemptOnChip("read " + placeOf(options), [&] {
+    attempt("read " + placeOf(options), [&] {
         value = session.chip().readI2c(static_cast<std::uint8_t>(options.device), options.reg,
                                        static_cast<std::uint8_t>(options.bytes));
     });
@@ -55,7 +55,7 @@ ExitCode runI2cWrite(I2cOptions options, Console& console) {
     options.writes = true;
     ChipSession session(options, console);
     checkRange("value", options.value, limitsOf(session, options).of.value, session.chip());
-    attemptOnChip("write " + placeOf(options), [&] {
+    attempt("write " + placeOf(options), [&] {
         session.chip().writeI2c(static_cast<std::uint8_t>(options.device), options.reg, options.value,
                                 static_cast<std::uint8_t>(options.bytes));
     });

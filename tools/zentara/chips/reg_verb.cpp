@@ -29,8 +29,8 @@ IO::CameraChip::Target targetOf(const std::string& name) {
 
 IO::CameraChip::RegisterLimits limitsOf(ChipSession& session, const RegOptions& options) {
     IO::CameraChip::RegisterLimits limits{};
-    attemptOnChip("ask for the widths of the target",
-                  [&] { limits = session.chip().limits(targetOf(options.target)); });
+    attempt("ask for the widths of the target",
+            [&] { limits = session.chip().limits(targetOf(options.target)); });
     checkRange("register", options.reg, limits.reg, session.chip());
     return limits;
 }
@@ -39,8 +39,8 @@ ExitCode runRegRead(const RegOptions& options, Console& console) {
     ChipSession session(options, console);
     static_cast<void>(limitsOf(session, options));
     unsigned value = 0;
-    attemptOnChip(Format("read % register %") % options.target % hexText(options.reg),
-                  [&] { value = session.chip().read(targetOf(options.target), options.reg); });
+    attempt(Format("read % register %") % options.target % hexText(options.reg),
+            [&] { value = session.chip().read(targetOf(options.target), options.reg); });
     session.finish({{"target", options.target}, {"register", options.reg}, {"value", value}}, hexText(value));
     return Failure::None;
 }
@@ -50,8 +50,8 @@ ExitCode runRegWrite(RegOptions options, Console& console) {
     ChipSession session(options, console);
     checkRange("value", options.value, limitsOf(session, options).value, session.chip());
     for (unsigned i = 0; i < options.times; ++i)
-        attemptOnChip(Format("write % register %") % options.target % hexText(options.reg),
-                      [&] { session.chip().write(targetOf(options.target), options.reg, options.value); });
+        attempt(Format("write % register %") % options.target % hexText(options.reg),
+                [&] { session.chip().write(targetOf(options.target), options.reg, options.value); });
     session.finish({{"target", options.target},
                     {"register", options.reg},
                     {"value", options.value},

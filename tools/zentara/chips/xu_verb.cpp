@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <zentara/host/hex_bytes.h>
 #include <zentara/io/video_device_proxy.h>
 #include <zentara/utils/format.h>
 
@@ -10,7 +11,6 @@
 namespace Zentara::Tool {
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
 using Utils::Format;
 
 constexpr int maxControlBytes = 0xFFFF; ///< the length field of a control transfer has 16 bits
@@ -28,13 +28,10 @@ Bytes parseBytes(const std::string& text) {
         if (letter != ' ' && letter != ':' && letter != '-')
             digits += letter;
     }
-    if (digits.size() % 2 != 0 || digits.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos)
-        throw Failure(Failure::Usage,
-                      Format("'%' is no list of bytes; want pairs of digits from 00 to FF") % text);
-    Bytes bytes;
-    for (std::size_t i = 0; i < digits.size(); i += 2)
-        bytes.push_back(static_cast<std::uint8_t>(std::stoul(digits.substr(i, 2), nullptr, 16)));
-    return bytes;
+    if (auto bytes = fromHex(digits))
+        return *std::move(bytes);
+    throw Failure(Failure::Usage,
+                  Format("'%' is no list of bytes; want pairs of digits from 00 to FF") % text);
 }
 
 unsigned lengthOf(ChipSession& session, const XuOptions& options) {

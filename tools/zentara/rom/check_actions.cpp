@@ -81,15 +81,10 @@ FlashContent contentOfImage(TargetOptions options, const std::string& image, Con
 
 Json changeJson(const SectionChange& change) {
     constexpr const char* kinds[] = {"added", "replaced", "erased"};
-    Json values = Json::array();
-    for (const ValueChange& value : change.values)
-        values.push_back({{"path", value.path},
-                          {"before", Json::parse(value.before)},
-                          {"after", Json::parse(value.after)}});
     return {{"uid", change.uid},
             {"kind", kinds[static_cast<int>(change.kind)]},
             {"text", change.text},
-            {"values", values}};
+            {"values", changesJson(change.values)}};
 }
 
 ExitCode runDiff(const DiffOptions& options, Console& console) {

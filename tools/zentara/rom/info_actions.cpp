@@ -5,7 +5,6 @@
 
 #include <zentara/utils/format.h>
 
-#include "tools/zentara/rom/correction_text.h"
 #include "tools/zentara/rom/rom_target.h"
 #include "tools/zentara/rom/rom_verbs.h"
 #include "tools/zentara/text_columns.h"
@@ -104,7 +103,7 @@ ExitCode runInfo(const TargetOptions& options, Console& console) {
         Json json = beginJson(flash, console);
         json.update(surveyJson(survey));
         if (!corrections.empty())
-            json["corrections"] = correctionsJson(corrections);
+            json["corrections"] = Json::parse(toJson(corrections));
         print(console.out, json);
     } else {
         printSurvey(survey, console.out);
@@ -141,7 +140,7 @@ ExitCode runList(const TargetOptions& options, Console& console) {
                                     {"writable", section.isWritable()},
                                     {"size", section.data.size()}});
     if (!corrections.empty())
-        json["corrections"] = correctionsJson(corrections);
+        json["corrections"] = Json::parse(toJson(corrections));
     print(console.out, json);
     return Failure::None;
 }

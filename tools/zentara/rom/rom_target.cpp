@@ -8,8 +8,9 @@
 
 #include <zentara/utils/format.h>
 
-#include "tools/zentara/interrupt.h"
-#include "utils/visible_text.h"
+#include "tools/zentara/cameras/camera_json.h"
+#include "tools/zentara/cameras/camera_session.h"
+#include "tools/zentara/progress.h"
 
 namespace Zentara::Tool {
 namespace {
@@ -17,8 +18,6 @@ namespace {
 using Utils::Format;
 
 constexpr const char* cameraPrefix = "camera:";
-
-std::string textOf(const Json& json) { return json.is_string() ? json.get<std::string>() : std::string(); }
 
 Flash openCamera(ChipOptions wanted, const TargetOptions& options, Flash::Access access, Console& console) {
     if (!options.image.empty()) {
@@ -30,27 +29,17 @@ Flash openCamera(ChipOptions wanted, const TargetOptions& options, Flash::Access
                                               options.camera % options.image);
         wanted.camera = named;
     }
-    wanted.json = false; // a trace goes to the error stream, beside whatever is printed
-    const auto session = std::make_shared<ChipSession>(wanted, console);
-    const Json identity = session->identity();
-    CameraInfo who;
-    who.serial = session->info().serial;
-    who.name = textOf(identity["name"]);
-    who.product = session->info().product;
-    who.path = session->info().path;
-    if (options.area.size == 0 && !session->storage())
-        throw Failure(Failure::Usage, "no description says where the camera's storage lies", {},
-                      "--start and --size say it");
-    return Flash::camera({session, &session->chip()}, who, session->storage(), options.area, access);
+    Cameras cameras(patiently(console));
+    // A trace goes to the error stream, beside whatever is printed.
+    return Flash::camera(openChip(wanted, cameras, shownTrace(options.trace, console)), options.area, access);
 }
 
 Flash open(const TargetOptions& options, bool toWrite, Flash::Access access, Console& console) {
-    if (isCamera(options)) {
-        ChipOptions wanted = options;
-        wanted.writes = toWrite;
-        return openCamera(wanted, options, access, console);
-    }
-    return Flash::image(options.image, options.area, access);
+    if (!isCamera(options))
+        return Flash::image(options.image, options.area, access);
+    ChipOptions wanted = options;
+    wanted.writes = toWrite;
+    return openCamera(wanted, options, access, console);
 }
 
 } // namespace
@@ -98,17 +87,6 @@ Flash openFlashToWrite(const TargetOptions& options, bool dryRun, Console& conso
     return open(options, true, dryRun ? Flash::Access::Read : Flash::Access::Write, console);
 }
 
-Progress shownProgress(const char* verb, Console& console) {
-    constexpr std::uint64_t briefly = 0x400; ///< bytes that nobody waits for
-    return
-        [watch = std::make_shared<InterruptWatch>(), verb, &console](std::uint64_t done, std::uint64_t all) {
-            if (console.showProgress && all > briefly && done > 0)
-                console.err << '\r' << verb << ' ' << done << " of " << all << " bytes"
-                            << (done == all ? "\n" : "") << std::flush;
-            return !watch->interrupted();
-        };
-}
-
 FlashImage loadFlash(Flash& flash, Console& console) { return flash.load(shownProgress("read", console)); }
 
 FlashContent contentOfFlash(const Flash& flash, const FlashImage& image) try {
@@ -124,15 +102,10 @@ FlashContent loadContent(Flash& flash, Console& console) {
 Json beginJson(const Flash& flash, const Console& console) {
     Json json = Tool::beginJson(console);
     json["target"] = flash.name();
-    json["camera"] = Json();
-    if (const std::optional<CameraInfo>& who = flash.owner())
-        json["camera"] = {{"serial", orNull(who->serial)},
-                          {"name", orNull(who->name)},
-                          {"path", orNull(who->path)},
-                          {"controller", orNull(who->controller)}};
+    json["camera"] = flash.owner() ? cameraJson(*flash.owner()) : Json();
     return json;
 }
 
-void printLine(std::ostream& out, const std::string& text) { out << Utils::visibleText(text) << '\n'; }
+void printLine(std::ostream& out, const std::string& text) { out << printable(text) << '\n'; }
 
 } // namespace Zentara::Tool

@@ -33,9 +33,6 @@ void addForceOption(CLI::App& command, bool& force);
 [[nodiscard]] FlashContent loadContent(Flash& flash, Console& console);
 [[nodiscard]] FlashContent contentOfFlash(const Flash& flash, const FlashImage& image);
 
-/// Shows on a terminal how far long work is. What it answers ends the work once Ctrl-C was pressed in its time.
-[[nodiscard]] Progress shownProgress(const char* verb, Console& console);
-
 /// Begins what a verb prints with --json: the target, and of a camera who it is.
 [[nodiscard]] Json beginJson(const Flash& flash, const Console& console);
 

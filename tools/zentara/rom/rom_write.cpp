@@ -7,6 +7,7 @@
 
 #include <zentara/utils/format.h>
 
+#include "tools/zentara/progress.h"
 #include "tools/zentara/supervisor.h"
 #include "utils/platform/program.h"
 

@@ -3,47 +3,27 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
+#include <ostream>
+#include <set>
 #include <string>
 #include <vector>
 
-#include <zentara/host/stream_info.h>
-#include <zentara/node_event.h>
+#include <zentara/host/cameras.h>
+#include <zentara/host/recording.h>
+#include <zentara/utils/signal.h>
 
-#include "host/cameras/camera_bus.h"
-#include "host/cameras/mode_choice.h"
+#include "tools/zentara/interrupt.h"
+#include "tools/zentara/streams/stream_wishes.h"
 #include "tools/zentara/streams/streamed_camera.h"
-#include "tools/zentara/verb.h"
 
 namespace Zentara::Tool {
 
-/// What the user wants of a stream. Empty paths are for files that are not wanted.
-struct StreamOptions {
-    std::uint64_t frames = 0; ///< 0: not said
-    std::vector<std::string> cameras;
-    ModeChoice modes;
-    bool all = false;
-    bool color = false;
-    bool audio = false;
-    std::string png;
-    std::string raw;
-    std::string ply;
-    std::string cloudPng;
-    std::string colorPng;
-    std::string wav;
-    std::string record;
-    std::string play;
-    double waitSeconds = 0;
-    bool direct = false;
-    std::vector<std::string> plugins; ///< the bare devices that are meant
-    bool json = false;
-};
-
 /// One run of `zentara stream`: opens the cameras, streams until enough has come from each, and completes the files.
-/// Of a camera that fails no file is left; after Ctrl-C the files hold what had come.
+/// Of a camera that fails no file is left; after Ctrl-C the files hold what had come. Bound.
 class StreamSession final {
 public:
-    StreamSession(const StreamOptions& wanted, Console& target);
-    ~StreamSession();
+    StreamSession(const StreamWishes& wanted, Console& target) : wishes(wanted), console(target) {}
     StreamSession(const StreamSession&) = delete;
     StreamSession& operator=(const StreamSession&) = delete;
 
@@ -53,50 +33,47 @@ public:
 
     /// Done, the code of the first camera that failed, or interrupted.
     [[nodiscard]] ExitCode result() const;
-
-    /// Whether a thread sits inside a device and cannot be ended: the process must end without taking the session
-    /// apart.
-    [[nodiscard]] bool stuck() const;
-
+    /// Whether a call sits inside a device and cannot be ended: the process must end without taking the session apart.
+    [[nodiscard]] bool isStuck() const;
     /// How many frames the first camera has delivered.
     [[nodiscard]] std::uint64_t progress() const;
-
     void print(std::ostream& out) const;
     [[nodiscard]] Json json() const;
 
 private:
-    struct Parts;
+    using Opener = std::function<Camera(const CameraInfo& who)>;
 
-    void openDevices();
-    void openRecording();
-    void openCameras();
-    void openCamera(const CameraEntry& entry, const StreamedCamera::Open& open, bool finite);
-    void openStreams(StreamedCamera& camera, const std::vector<NodeEvent>& nodes);
-    void missKind(NodeType type, const CameraEntry& camera) const;
+    void openAll();
+    void openCameras(const std::vector<CameraInfo>& chosen, const Opener& open);
+    void openCamera(const CameraInfo& who, const Opener& open);
+    [[nodiscard]] StreamOptions howToStream(Kind kind) const;
+    void addStream(StreamedCamera& camera, Stream opened);
+    void addFiles(StreamTask& task, std::uint64_t most);
+    void addClouds(StreamTask& task);
+    [[nodiscard]] std::string fileFor(const CameraInfo& camera, const std::string& path);
     void checkKinds() const;
-    [[nodiscard]] std::unique_ptr<StreamSink> makeSink(const StreamDescription& stream,
-                                                       const StreamInfo& info, int framesPerSecond);
-    void askForInfos(const CameraEntry& entry);
-    [[nodiscard]] StreamInfo infoOf(const StreamDescription& stream) const;
-    [[nodiscard]] std::uint64_t framesWanted() const;
-    [[nodiscard]] std::uint64_t samplesWanted(int samplesPerSecond, int framesPerSecond) const;
-    [[nodiscard]] bool wants(NodeType type) const;
-    [[nodiscard]] std::string fileFor(const StreamDescription& stream, const std::string& path);
     void checkInterrupt() const;
     void startRecording();
     void supervise();
-    void seeToEvents();
-    void observe(const StreamedCamera& camera, const std::function<void()>& step);
+    void look(StreamedCamera& camera);
     [[nodiscard]] bool anythingToWaitFor() const;
     void finish();
     void rescue();
     void showProgress(bool last);
+    [[nodiscard]] std::uint64_t framesWanted() const;
 
-    const StreamOptions options;
+    const StreamWishes wishes;
     Console& console;
-    bool stopped = false;
-    bool several = false;
-    std::unique_ptr<Parts> parts;
+    InterruptWatch interrupt; ///< to the end, so that no part of a file is left behind
+    const std::shared_ptr<Utils::Threading::Signal> wake = std::make_shared<Utils::Threading::Signal>();
+    bool isStopped = false;
+    bool several = false;                ///< cameras
+    std::set<Kind> kinds;                ///< of all streams that were to be opened
+    std::set<std::string> places;        ///< of all files
+    std::optional<Cameras> bus;          ///< none for a recording
+    std::shared_ptr<CloudMaker> cloud;   ///< of the camera that is being opened; may be null
+    std::unique_ptr<Recorder> recording; ///< the cameras write into it
+    std::vector<std::unique_ptr<StreamedCamera>> cameras;
 };
 
 } // namespace Zentara::Tool

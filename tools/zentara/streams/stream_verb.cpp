@@ -1,3 +1,4 @@
+#include <cctype>
 #include <cstdlib>
 #include <memory>
 #include <set>
@@ -7,8 +8,8 @@
 
 #include <zentara/utils/files.h>
 #include <zentara/utils/format.h>
+#include <zentara/utils/text.h>
 
-#include "host/cameras/device_choice.h"
 #include "tools/zentara/arguments.h"
 #include "tools/zentara/json_output.h"
 #include "tools/zentara/streams/stream_session.h"
@@ -23,21 +24,38 @@ constexpr std::uint64_t mostFrames = 100'000'000; // 19 days
 constexpr double longestWait = 86'400;
 
 /// Two files of one name would overwrite each other.
-void checkPaths(const StreamOptions& options) {
+void checkPaths(const StreamWishes& wishes) {
     std::set<std::string> paths;
-    for (const std::string* path : {&options.png, &options.raw, &options.ply, &options.cloudPng,
-                                    &options.colorPng, &options.wav, &options.record, &options.play}) {
+    for (const std::string* path : {&wishes.png, &wishes.raw, &wishes.ply, &wishes.cloudPng, &wishes.colorPng,
+                                    &wishes.wav, &wishes.record, &wishes.play}) {
         if (!path->empty() && !paths.insert(Utils::canonicalPath(*path)).second)
             throw Failure(Failure::Usage, Format("'%' is named for two files") % *path);
     }
 }
 
-/// A mode that is named is for a stream that is wanted.
-void checkModes(const StreamOptions& options) {
-    for (const NodeType type : {NodeType_COLOR, NodeType_AUDIO}) {
-        if (options.modes.names(type) && !(type == NodeType_COLOR ? options.color : options.audio))
+/// Each word is a mode's name, which says by its beginning for which kind it is, or one size for depth and colour alike.
+/// For a kind that has both the name counts.
+void readModes(const std::vector<std::string>& words, StreamWishes& wishes) {
+    std::string size;
+    for (const std::string& given : words) {
+        const std::string word = Utils::toLower(given);
+        const bool isSize = std::isdigit(static_cast<unsigned char>(word.front())) != 0;
+        const Kind kind = word.rfind("co", 0) == 0   ? Kind::Color
+                          : word.rfind("au", 0) == 0 ? Kind::Audio
+                                                     : Kind::Depth;
+        std::string& wish = isSize ? size : wishes.modes[kind];
+        if (!wish.empty())
+            throw Failure(Failure::Usage, Format("--mode: % and % are for the same streams") % wish % word);
+        wish = word;
+    }
+    for (const auto& [kind, word] : wishes.modes) {
+        if (!wishes.wants(kind))
             throw Failure(Failure::Usage, Format("--mode names one for %, which is not streamed: say --%") %
-                                              nodeTypeName(type) % nodeTypeName(type));
+                                              kindName(kind) % kindName(kind));
+    }
+    if (!size.empty()) {
+        wishes.modes.try_emplace(Kind::Depth, size);
+        wishes.modes.try_emplace(Kind::Color, size);
     }
 }
 
@@ -48,26 +66,25 @@ void checkModes(const StreamOptions& options) {
     std::_Exit(code);
 }
 
-ExitCode runStream(StreamOptions options, const std::vector<std::string>& modes, Console& console) {
-    options.modes = ModeChoice(modes);
-    checkPaths(options);
-    options.color = options.color || !options.colorPng.empty();
-    options.audio = options.audio || !options.wav.empty();
-    checkModes(options);
-    StreamSession session(options, console);
+ExitCode runStream(StreamWishes wishes, const std::vector<std::string>& modes, Console& console) {
+    checkPaths(wishes);
+    wishes.color = wishes.color || !wishes.colorPng.empty();
+    wishes.audio = wishes.audio || !wishes.wav.empty();
+    readModes(modes, wishes);
+    StreamSession session(wishes, console);
     try {
         session.run();
     } catch (const Failure& failure) {
-        if (!session.stuck())
+        if (!session.isStuck())
             throw;
         tellFailure(console, failure);
         endProcess(console, failure.code());
     }
-    if (options.json)
+    if (wishes.json)
         print(console.out, session.json());
     else
         session.print(console.out);
-    if (session.stuck())
+    if (session.isStuck())
         endProcess(console, session.result());
     if (session.result() == Failure::Interrupted)
         note(console, "interrupted after " + std::to_string(session.progress()) + " frames");
@@ -77,7 +94,7 @@ ExitCode runStream(StreamOptions options, const std::vector<std::string>& modes,
 } // namespace
 
 Verb addStreamVerb(CLI::App& program) {
-    auto options = std::make_shared<StreamOptions>();
+    auto options = std::make_shared<StreamWishes>();
     auto modes = std::make_shared<std::vector<std::string>>();
     CLI::App* command =
         program.add_subcommand("stream", "Streams depth, colour and sound from one camera or several")
@@ -118,12 +135,17 @@ Verb addStreamVerb(CLI::App& program) {
                 "given")
             ->type_name("MODE")
             ->delimiter(',');
+    command->add_flag(
+        "--corrected", options->corrected,
+        "Correct depth for temperature, cyclic error and phase delay, in all but --raw and --record, "
+        "which hold the frames as they came");
     command->add_option("--png", options->png, "Write the last depth frame as a picture in colours")
         ->type_name("FILE");
     command->add_option("--raw", options->raw, "Write all depth frames as they came")->type_name("FILE");
     command
         ->add_option("--ply", options->ply,
-                     "Write the last depth frame as a point cloud in metres, x right, y down, z forward")
+                     "Write the last depth frame as a point cloud in metres, x right, y down, z forward; "
+                     "with colour, where a frame of it was taken at the same time")
         ->type_name("FILE");
     command->add_option("--cloud-png", options->cloudPng, "Draw that cloud, seen from the right and above")
         ->type_name("FILE");
