@@ -127,6 +127,15 @@ TEST(Hand, GoesWithinItsPatienceAndTellsWhatItLeavesBehind) {
     disposed.get_future().wait();
 
     notes.clear();
+    Gate second;
+    {
+        const Hand hand("LEFT", note);
+        hand.leave("close LEFT", second.work());
+        second.begun.get_future().wait();
+        EXPECT_EQ(failureOf([&] { hand.call(20ms, "ask", [] {}); }).code(), Failure::TimedOut);
+        EXPECT_EQ(hand.hangsIn(), "close LEFT") << "nobody waited for it before";
+        second.open.set_value();
+    }
     bool closed = false;
     {
         const Hand hand("LEFT", note);

@@ -10,6 +10,7 @@
 #include <zentara/host/stream_info.h>
 
 #include "host/streams/frame_draft.h"
+#include "host/streams/frame_memory.h"
 #include "support/failure.h"
 
 namespace Zentara::Host {
@@ -173,6 +174,11 @@ TEST(Frame, SharesItsMemoryAndKeepsToTheLimit) {
         setFrameMemoryLimit(before + 2 * one - 1);
         EXPECT_THAT(messageOf<Failure>([&] { (void)Frame(info, bytes); }),
                     HasSubstr("the limit of " + std::to_string(before + 2 * one - 1)));
+        FrameMemory::instance().streamOpens();
+        { const Frame kept(info, std::span(bytes).first(one / 4)); }
+        setFrameMemoryLimit(before + 2 * one + 5000);
+        EXPECT_NO_THROW(Frame(info, bytes)) << "what is kept of another size makes room";
+        FrameMemory::instance().streamEnds();
         setFrameMemoryLimit(limit);
     }
     EXPECT_EQ(frameMemoryTaken(), before);

@@ -59,6 +59,10 @@ TEST_F(StreamTest, GivesFramesOutInOrderAndCountsWhatIsMissing) {
     EXPECT_EQ(last->number(), 5U);
     EXPECT_EQ(last->droppedBefore(), 1U);
     EXPECT_EQ(stream.counts(), (StreamCounts{6, 3, 2, 3, 0}));
+    camera->frame(7, 1'080'000);
+    ASSERT_TRUE(camera->waitForReads(8));
+    stream.stop();
+    EXPECT_FALSE(stream.next(soon)) << "what was queued goes";
 }
 
 TEST_F(StreamTest, DropsNothingForWhoeverWantsAll) {
@@ -75,6 +79,12 @@ TEST_F(StreamTest, DropsNothingForWhoeverWantsAll) {
 }
 
 TEST_F(StreamTest, TellsTheEndSilenceUnpluggingAndFailureApart) {
+    const auto wants = [](int bytes) { // 0 for as many as there are
+        return [bytes](void*, int size, std::int64_t*, int* length) {
+            *length = bytes == 0 ? size : bytes;
+            return ReadBufferStatus_TOO_SMALL;
+        };
+    };
     const struct {
         FakeStep step;
         Failure::Code code;
@@ -99,11 +109,8 @@ TEST_F(StreamTest, TellsTheEndSilenceUnpluggingAndFailureApart) {
              return ReadBufferStatus_OK;
          },
          Failure::Failed, "bytes into a buffer of", Stream::State::Failed},
-        {[](void*, int size, std::int64_t*, int* length) {
-             *length = size;
-             return ReadBufferStatus_TOO_SMALL;
-         },
-         Failure::Failed, "does not take one of", Stream::State::Failed}};
+        {wants(0), Failure::Failed, "does not take one of", Stream::State::Failed},
+        {wants(1 << 30), Failure::Failed, "does not take one of", Stream::State::Failed}};
     for (const auto& row : cases) {
         const auto left = std::make_shared<FakeCamera>();
         Stream stream = left->stream();
@@ -248,6 +255,8 @@ TEST_F(StreamTest, GoesOnWhenTheCameraIsBack) {
     EXPECT_EQ(back->number(), 1U);
     EXPECT_EQ(stream.counts().absences, 1U);
 
+    std::atomic<int> closed{0};
+    camera->onClose = [&] { ++closed; };
     camera->info.mode.name = "OTHER";
     camera->status(ReadBufferStatus_DISCONNECTED);
     const int before = camera->tried;
@@ -257,6 +266,7 @@ TEST_F(StreamTest, GoesOnWhenTheCameraIsBack) {
                 HasSubstr("LEFT came back in another mode"));
     stream.stop();
     EXPECT_EQ(camera->gone, camera->opened) << "none is kept";
+    EXPECT_EQ(closed, camera->opened - 1) << "the first one before";
 }
 
 TEST_F(StreamTest, FailsWhileTheHostHoldsAllTheMemoryThereMayBe) {
