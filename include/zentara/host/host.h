@@ -40,5 +40,6 @@
 #include <zentara/host/step_watcher.h>
 #include <zentara/host/stream.h>
 #include <zentara/host/stream_info.h>
+#include <zentara/host/stream_statistics.h>
 #include <zentara/host/value_change.h>
 #include <zentara/host/visible_text.h>
