@@ -322,6 +322,15 @@ void StreamSession::print(std::ostream& out) const {
         out << "record   " << printable(recording->path()) << '\n';
 }
 
+void StreamSession::close() {
+    try {
+        if (bus)
+            bus->close();
+    } catch (const Failure& failure) {
+        note(console, failure.what());
+    }
+}
+
 Json StreamSession::json() const {
     Json json = beginJson(console);
     json["proxified"] = !wishes.direct;

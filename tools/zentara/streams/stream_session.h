@@ -38,6 +38,8 @@ public:
     /// How many frames the first camera has delivered.
     [[nodiscard]] std::uint64_t progress() const;
     void print(std::ostream& out) const;
+    /// Lets go of what finds cameras, which may hang. A failure is told and ends nothing.
+    void close();
     [[nodiscard]] Json json() const;
 
 private:

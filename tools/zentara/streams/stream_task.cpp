@@ -1,5 +1,6 @@
 #include "tools/zentara/streams/stream_task.h"
 
+#include <algorithm>
 #include <utility>
 
 #include <zentara/utils/clock.h>
@@ -16,10 +17,21 @@ namespace {
 constexpr std::int64_t longestSilence = 5'000'000; ///< microseconds
 constexpr int mostAtOnce = 120;                    ///< frames, then it is another stream's turn
 
+/// "temperature, cyclic error: algorithm 3 is not known"
+void printList(std::ostream& out, const char* what, const std::vector<std::string>& corrections) {
+    const char* before = what;
+    for (const std::string& one : corrections) {
+        out << (before == what ? "         " : "") << before
+            << printable(one.substr(0, one.find(": not applied")));
+        before = ", ";
+    }
+    out << (corrections.empty() ? "" : "\n");
+}
+
 } // namespace
 
 StreamTask::StreamTask(Stream opened, const Rules& wanted)
-    : rules(wanted), source(std::move(opened)), tally(source.info(), wanted.most) {}
+    : rules(wanted), source(std::move(opened)), came(source.info()) {}
 
 void StreamTask::recordTo(Recorder* recording, std::size_t number) {
     recorder = recording;
@@ -53,7 +65,8 @@ void StreamTask::take() {
 void StreamTask::put(const Frame& frame) {
     heardAt = Utils::Clock::nowMicros();
     const Frame seen = rules.corrects && frame.kind() == Kind::Depth ? frame.corrected() : frame;
-    tally.count(seen);
+    came.add(seen);
+    last = seen;
     if (cloud)
         cloud->take(seen);
     try {
@@ -65,7 +78,7 @@ void StreamTask::put(const Frame& frame) {
         unwritable = true;
         throw;
     }
-    over = tally.full();
+    over = rules.most != 0 && taken() >= rules.most;
 }
 
 void StreamTask::commit() {
@@ -78,23 +91,54 @@ void StreamTask::discard() noexcept {
         file->discard();
 }
 
+std::uint64_t StreamTask::taken() const noexcept {
+    const std::uint64_t all = kind() == Kind::Audio ? came.samples() : came.frames();
+    return rules.most == 0 ? all : std::min(all, rules.most);
+}
+
 void StreamTask::print(std::ostream& out) const {
-    tally.print(out);
+    if (kind() == Kind::Audio)
+        out << "sound    " << taken() << " samples of " << info().mode.channels << " channels at "
+            << info().mode.rate << " Hz\n";
+    else
+        out << "frames   " << taken() << (rules.most == 0 ? "" : " of " + std::to_string(rules.most)) << ", "
+            << came.dropped() << " dropped, " << fixed(came.framesPerSecond(), 1) << " frames/s\n";
+    if (kind() == Kind::Depth && last) {
+        out << "depth    " << came.nearestMillimetres() << " to " << came.farthestMillimetres() << " mm, "
+            << fixed(100.0 * came.withoutDepth(), 1) << " % of the pixels without\n";
+        printList(out, "corrected: ", last->corrections());
+        printList(out, "not corrected: ", last->uncorrected());
+    }
     for (const auto& file : files) {
         if (file->isThere())
             out << padded(file->label, 9) << printable(file->path()) << '\n';
     }
-    if (cloud && info().mode.kind == Kind::Depth)
+    if (cloud && kind() == Kind::Depth)
         cloud->print(out);
 }
 
 void StreamTask::fill(Json& json) const {
-    tally.fill(json);
+    if (kind() == Kind::Audio) {
+        json["audio"] = {
+            {"samples", taken()}, {"sampleRate", info().mode.rate}, {"channels", info().mode.channels}};
+    } else {
+        json["frames"] = {{"received", taken()}, {"dropped", came.dropped()}};
+        if (rules.most != 0)
+            json["frames"]["wanted"] = rules.most;
+        json["seconds"] = came.seconds();
+        json["framesPerSecond"] = came.framesPerSecond();
+    }
+    if (kind() == Kind::Depth)
+        json["depth"] = {{"nearestMillimetres", came.nearestMillimetres()},
+                         {"farthestMillimetres", came.farthestMillimetres()},
+                         {"withoutDepth", came.withoutDepth()},
+                         {"corrected", last ? Json(last->corrections()) : Json::array()},
+                         {"uncorrected", last ? Json(last->uncorrected()) : Json::array()}};
     for (const auto& file : files) {
         if (file->isThere())
             json["files"][file->key] = file->path();
     }
-    if (cloud && info().mode.kind == Kind::Depth)
+    if (cloud && kind() == Kind::Depth)
         cloud->fill(json);
 }
 

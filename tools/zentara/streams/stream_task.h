@@ -2,15 +2,16 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <vector>
 
 #include <zentara/host/recording.h>
 #include <zentara/host/stream.h>
+#include <zentara/host/stream_statistics.h>
 
 #include "tools/zentara/streams/cloud_maker.h"
 #include "tools/zentara/streams/stream_file.h"
-#include "tools/zentara/streams/stream_tally.h"
 
 namespace Zentara::Tool {
 
@@ -53,6 +54,9 @@ public:
 
 private:
     void put(const Frame& frame);
+    [[nodiscard]] Kind kind() const noexcept { return info().mode.kind; }
+    /// Frames, or samples a channel, of those that are wanted.
+    [[nodiscard]] std::uint64_t taken() const noexcept;
 
     const Rules rules;
     Stream source;
@@ -60,8 +64,9 @@ private:
     std::shared_ptr<CloudMaker> cloud; ///< of the camera; may be null
     Recorder* recorder = nullptr;      ///< may be null
     std::size_t index = 0;             ///< among the recorder's streams
-    StreamTally tally;
-    std::int64_t heardAt = 0; ///< when it last was not silent
+    StreamStatistics came;
+    std::optional<Frame> last; ///< as it is shown
+    std::int64_t heardAt = 0;  ///< when it last was not silent
     bool over = false;
     bool unwritable = false;
 };

@@ -86,6 +86,7 @@ ExitCode runStream(StreamWishes wishes, const std::vector<std::string>& modes, C
         session.print(console.out);
     if (session.isStuck())
         endProcess(console, session.result());
+    session.close();
     if (session.result() == Failure::Interrupted)
         note(console, "interrupted after " + std::to_string(session.progress()) + " frames");
     return session.result();
@@ -139,29 +140,25 @@ Verb addStreamVerb(CLI::App& program) {
         "--corrected", options->corrected,
         "Correct depth for temperature, cyclic error and phase delay, in all but --raw and --record, "
         "which hold the frames as they came");
-    command->add_option("--png", options->png, "Write the last depth frame as a picture in colours")
-        ->type_name("FILE");
-    command->add_option("--raw", options->raw, "Write all depth frames as they came")->type_name("FILE");
-    command
-        ->add_option("--ply", options->ply,
-                     "Write the last depth frame as a point cloud in metres, x right, y down, z forward; "
-                     "with colour, where a frame of it was taken at the same time")
-        ->type_name("FILE");
-    command->add_option("--cloud-png", options->cloudPng, "Draw that cloud, seen from the right and above")
-        ->type_name("FILE");
+    const auto addFile = [command](const char* name, std::string& path, const char* what) {
+        return command->add_option(name, path, what)->type_name("FILE");
+    };
+    addFile("--png", options->png, "Write the last depth frame as a picture in colours");
+    addFile("--raw", options->raw, "Write all depth frames as they came");
+    addFile("--ply", options->ply,
+            "Write the last depth frame as a point cloud in metres, x right, y down, z forward; with colour, "
+            "where a frame of it was taken at the same time");
+    addFile("--cloud-png", options->cloudPng, "Draw that cloud, seen from the right and above");
     CLI::Option* colorPng =
-        command->add_option("--color-png", options->colorPng, "Write the last colour frame; implies --color")
-            ->type_name("FILE");
-    command->add_option("--wav", options->wav, "Write the sound; implies --audio")->type_name("FILE");
-    command->add_option("--record", options->record, "Record all streams into one file")->type_name("FILE");
-    CLI::Option* play = command
-                            ->add_option("--play", options->play,
-                                         "Stream from a recording, at its own pace, in place of cameras")
-                            ->type_name("FILE")
-                            ->excludes(all)
-                            ->excludes(color)
-                            ->excludes(audio)
-                            ->excludes(mode);
+        addFile("--color-png", options->colorPng, "Write the last colour frame; implies --color");
+    addFile("--wav", options->wav, "Write the sound; implies --audio");
+    addFile("--record", options->record, "Record all streams into one file");
+    CLI::Option* play =
+        addFile("--play", options->play, "Stream from a recording, at its own pace, in place of cameras")
+            ->excludes(all)
+            ->excludes(color)
+            ->excludes(audio)
+            ->excludes(mode);
     command
         ->add_option("--wait", options->waitSeconds,
                      "Wait so long for a camera that was pulled out, also when no other one streams")
