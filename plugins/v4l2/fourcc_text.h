@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace Zentara::V4l2 {
+
+/// A pixel format's four characters, in quotes: "'YUYV'"; those that cannot be shown as dots.
+[[nodiscard]] inline std::string fourCCText(std::uint32_t code) {
+    std::string text = "'";
+    for (int shift = 0; shift < 32; shift += 8) {
+        const char letter = static_cast<char>(code >> shift & 0x7F);
+        text += letter >= ' ' && letter <= '~' ? letter : '.';
+    }
+    return text + "'";
+}
+
+} // namespace Zentara::V4l2

@@ -1,0 +1,375 @@
+#include "plugins/v4l2/v4l2_device.h"
+
+#include <algorithm>
+#include <cstring>
+#include <linux/usb/video.h>
+#include <linux/videodev2.h>
+#include <utility>
+
+#include <zentara/color_configuration.h>
+#include <zentara/core/descriptor_store_ro.h>
+#include <zentara/core/guids.h>
+#include <zentara/depth_base_configuration.h>
+#include <zentara/io/camera_control_requests.h>
+#include <zentara/io/streaming_requests.h>
+#include <zentara/io/transfer_requests.h>
+#include <zentara/io/xu_device_requests.h>
+#include <zentara/utils/format.h>
+#include <zentara/utils/kv_logger.h>
+
+#include "plugins/linux/pending_request.h"
+#include "plugins/linux/sysfs.h"
+#include "plugins/v4l2/camera_settings.h"
+
+namespace Zentara::V4l2 {
+
+// Inside the device's own operations "Plugin" is the base class, so the exceptions are named here.
+using Utils::Format;
+using Utils::Threading::AutoLock;
+using Zentara::Plugin::ArgumentPluginException;
+using Zentara::Plugin::InvalidOperationPluginException;
+using Zentara::Plugin::NotSupportedPluginException;
+
+namespace {
+
+/// \throws Plugin::NotSupportedPluginException for a node that delivers no pictures, such as one of metadata
+void requirePictures(const DeviceFile& file) {
+    v4l2_capability told{};
+    file.require(VIDIOC_QUERYCAP, told, "ask what the node can do");
+    const std::uint32_t can =
+        (told.capabilities & V4L2_CAP_DEVICE_CAPS) != 0 ? told.device_caps : told.capabilities;
+    if ((can & V4L2_CAP_VIDEO_CAPTURE) == 0 || (can & V4L2_CAP_STREAMING) == 0)
+        throw NotSupportedPluginException(Format("%: it delivers no pictures in one plane of memory") %
+                                          file.path());
+}
+
+/// The modes that the host's configurations can name, each once.
+std::vector<Utils::SmartPtr<ColorConfiguration>> configurationsOf(const DeviceFile& file, bool depth) {
+    const PowerLineFrequency mains = depth ? PowerLineFrequency_DISABLED : usualPowerLine(file);
+    std::vector<Utils::SmartPtr<ColorConfiguration>> list;
+    const auto add = [&](const DriverMode& mode, CompressionType compression) {
+        for (const FrameFormat format :
+             {FrameFormat_QQVGA, FrameFormat_QVGA, FrameFormat_VGA, FrameFormat_HD720, FrameFormat_HD1080}) {
+            if (frameSize(format) != mode.size || mode.rate() == 0)
+                continue;
+            auto one = Utils::makeRefcounted<ColorConfiguration>(format, mode.rate(), mains, compression);
+            if (std::none_of(list.begin(), list.end(),
+                             [&](const auto& known) { return known->isEqual(one.get()); }))
+                list.push_back(std::move(one));
+        }
+    };
+    const std::vector<DriverMode> modes = modesOf(file);
+    for (const DriverMode& mode : modes) {
+        if (canDeliver(mode.fourCC, depth ? Delivery::Depth : Delivery::Color))
+            add(mode, CompressionType_NONE);
+    }
+    for (const DriverMode& mode : modes) {
+        if (!depth && canDeliver(mode.fourCC, Delivery::Compressed))
+            add(mode, mode.fourCC == V4L2_PIX_FMT_H264 ? CompressionType_H264 : CompressionType_MJPEG);
+    }
+    return list;
+}
+
+void tellBroken(const std::string& path, std::uint64_t count) {
+    if (count == 0)
+        return;
+    if (Utils::KVLogger* log = Utils::KVLogger::instance()) {
+        log->warning(Format("%: % frames were left out, for they were broken or cut short") % path % count);
+        Utils::KVLogger::release();
+    }
+}
+
+} // namespace
+
+V4l2Device::V4l2Device() : V4l2Device(Linux::systemKernel()) {}
+
+V4l2Device::V4l2Device(std::shared_ptr<Linux::Kernel> system)
+    : VideoDeviceInterface(Core::Guids::V4L2VIDEO_IMPL), kernel(std::move(system)), path(defaultPath) {}
+
+V4l2Device::~V4l2Device() { letGo(); }
+
+void V4l2Device::initialize(NodeEvent* event, Core::DescriptorStoreRO* store) {
+    VideoDeviceInterface::initialize(event, store);
+    letGo();
+    path = event->path;
+    const AutoLock hold(lock);
+    ownThread = std::make_shared<Linux::CallThread>(event->parentPath, path);
+}
+
+void V4l2Device::dispose() {
+    letGo();
+    VideoDeviceInterface::dispose();
+}
+
+void V4l2Device::threadInitialize() {}
+void V4l2Device::threadUninitialize() {}
+
+std::shared_ptr<Linux::CallThread> V4l2Device::caller() {
+    const AutoLock hold(lock);
+    return ownThread;
+}
+
+bool V4l2Device::cancelIO() {
+    const auto thread = caller();
+    return thread && thread->cancel();
+}
+
+/// Waits until the reader of a stream that has ended has gone, which is at once.
+void V4l2Device::awaitReader() { const AutoLock reader(reading); }
+
+/// The stream and the node go on the device's own thread, which is not waited for.
+void V4l2Device::letGo() noexcept {
+    std::shared_ptr<Linux::CallThread> thread;
+    std::shared_ptr<Capture> stream;
+    std::shared_ptr<Node> last;
+    {
+        const AutoLock hold(lock);
+        thread = std::move(ownThread);
+        stream = std::move(capture);
+        last = std::move(node);
+    }
+    if (!thread)
+        return;
+    if (stream) {
+        stream->end();
+        awaitReader();
+    }
+    thread->leave("close", [ended = std::move(stream), own = std::move(last)]() mutable {
+        ended.reset();
+        own.reset();
+    });
+}
+
+template<typename Work>
+auto V4l2Device::call(IO::deviceRequest* request, const std::string& what, Work work) {
+    const auto thread = caller();
+    if (!thread)
+        throw InvalidOperationPluginException(Format("%: cannot %: the device is closed; open it first") %
+                                              path % what);
+    const Linux::PendingRequest pending(request);
+    return thread->call(what, std::move(work));
+}
+
+std::shared_ptr<V4l2Device::Node> V4l2Device::requireNode(const char* operation) {
+    const AutoLock hold(lock);
+    if (!node)
+        throw InvalidOperationPluginException(Format("%: cannot %: the device is closed; open it first") %
+                                              path % operation);
+    return node;
+}
+
+std::shared_ptr<Capture> V4l2Device::present() {
+    const AutoLock hold(lock);
+    return capture;
+}
+
+void V4l2Device::open(IO::deviceRequest* request) {
+    {
+        const AutoLock hold(lock);
+        if (node)
+            throw InvalidOperationPluginException(Format("%: cannot open: the device is open already") %
+                                                  path);
+        if (!ownThread)
+            ownThread = std::make_shared<Linux::CallThread>(path, path);
+    }
+    auto opened = call(request, "open the camera", [system = kernel, place = path] {
+        auto made = std::make_shared<Node>();
+        made->file = std::make_shared<DeviceFile>(system, place);
+        requirePictures(*made->file);
+        const Linux::Sysfs sysfs;
+        const auto hardware = sysfs.hardwareOfVideo(place);
+        const bool usb = Linux::Sysfs::isUsb(hardware);
+        made->units = std::make_unique<ExtensionUnits>(
+            made->file, usb ? sysfs.videoNodesOf(hardware) : std::vector<std::string>(),
+            Linux::Sysfs::descriptors(hardware));
+        return made;
+    });
+    const AutoLock hold(lock);
+    node = std::move(opened);
+}
+
+void V4l2Device::close(IO::deviceRequest* request) {
+    disableStreaming(nullptr);
+    std::shared_ptr<Node> last = requireNode("close");
+    {
+        const AutoLock hold(lock);
+        node.reset();
+    }
+    call(request, "close the camera", [own = std::move(last)]() mutable { own.reset(); });
+}
+
+void V4l2Device::disableStreaming(IO::disableRequest* request) {
+    static_cast<void>(requireNode("stop the stream"));
+    std::shared_ptr<Capture> last;
+    {
+        const AutoLock hold(lock);
+        last = std::move(capture);
+    }
+    if (!last)
+        return;
+    last->end();
+    awaitReader();
+    tellBroken(path, last->broken());
+    call(request, "stop the stream", [ended = std::move(last)]() mutable { ended.reset(); });
+}
+
+ReadBufferStatus V4l2Device::readBuffer(void* buffer, int size, std::int64_t* timestamp, int* length) {
+    if (buffer == nullptr || timestamp == nullptr || length == nullptr)
+        throw ArgumentPluginException("readBuffer: a pointer is null");
+    const AutoLock reader(reading);
+    const std::shared_ptr<Capture> stream = present();
+    return stream ? stream->read(buffer, size, timestamp, length) : ReadBufferStatus_NOT_STREAMING;
+}
+
+// Settings and modes ---------------------------------------------------------------------------------------------------
+
+void V4l2Device::getCameraControlRanges(IO::getCameraControlRangesRequest* request) {
+    request->getRanges() = call(request, "ask for the ranges of the settings",
+                                [own = requireNode("ask for settings")] { return readRanges(*own->file); });
+}
+
+void V4l2Device::setCameraControl(IO::setCameraControlRequest* request) {
+    call(request, "change a setting",
+         [own = requireNode("change a setting"), control = request->getControl(),
+          value = request->getValue()] { writeSetting(*own->file, control, value); });
+}
+
+void V4l2Device::getConfigurations(IO::getColorConfigurationsRequest* request) {
+    const bool depth = getDescription().nodeType == NodeType_DEPTH;
+    const auto modes = call(request, "ask for the modes", [own = requireNode("ask for modes"), depth] {
+        return configurationsOf(*own->file, depth);
+    });
+    auto& list = request->getConfigurations();
+    list.insert(list.end(), modes.begin(), modes.end());
+}
+
+// Streams --------------------------------------------------------------------------------------------------------------
+
+/// What the node's description says that it delivers; 0 when it does not say.
+std::uint32_t V4l2Device::describedFourCC() const {
+    return getDescriptorStore() == nullptr ? 0 : getDescriptorStore()->getFourCC().code;
+}
+
+/// \param prepare is done with the node before it is set, on the device's own thread
+template<typename Prepare>
+void V4l2Device::start(IO::deviceRequest* request, const WantedStream& wanted, Prepare prepare) {
+    std::optional<RegionOfInterestInternal> crop;
+    {
+        const AutoLock hold(lock);
+        if (capture)
+            throw InvalidOperationPluginException(
+                Format("%: cannot start a stream: the device streams already; disable it first") % path);
+        crop = region;
+    }
+    auto started =
+        call(request, "start the stream", [own = requireNode("start a stream"), wanted, crop, prepare] {
+            const DriverMode chosen = chooseMode(*own->file, modesOf(*own->file), wanted);
+            prepare(*own->file);
+            return std::make_shared<Capture>(own->file, chosen, wanted.delivery, crop);
+        });
+    const AutoLock hold(lock);
+    capture = std::move(started);
+}
+
+void V4l2Device::enableColorStreaming(IO::enableColorRequest* request) {
+    const auto& mode = request->getConfiguration();
+    if (!mode)
+        throw ArgumentPluginException("enableColor: the configuration is null");
+    const CompressionType compression = mode->getCompression();
+    start(request,
+          {compression == CompressionType_NONE ? Delivery::Color : Delivery::Compressed, describedFourCC(),
+           compression, frameSize(mode->getFrameFormat()), mode->getFramerate(), mode->getName()},
+          [mains = mode->getPowerLineFrequency(), controls = request->getControls()](const DeviceFile& file) {
+              writePowerLine(file, mains);
+              writeSettings(file, controls);
+          });
+}
+
+void V4l2Device::enableDepthStreaming(IO::enableDepthRequest* request) {
+    const auto& mode = request->getConfiguration();
+    if (!mode)
+        throw ArgumentPluginException("enableDepth: the configuration is null");
+    start(request,
+          {Delivery::Depth, describedFourCC(), CompressionType_NONE, frameSize(mode->getFrameFormat()),
+           mode->getFramerate(), mode->getName()},
+          [](const DeviceFile&) {});
+}
+
+void V4l2Device::pauseStreaming(IO::pauseStreamingRequest* request) {
+    if (auto stream = present())
+        call(request, "pause the stream", [own = std::move(stream)] { own->pause(); });
+}
+
+void V4l2Device::resumeStreaming(IO::resumeStreamingRequest* request) {
+    if (auto stream = present())
+        call(request, "go on with the stream", [own = std::move(stream)] { own->resume(); });
+}
+
+void V4l2Device::setRegionOfInterest(IO::setDeviceRegionOfInterestRequest* request) {
+    const RegionOfInterestInternal& wanted = request->getRegion();
+    if (present())
+        throw InvalidOperationPluginException(
+            Format("%: cannot set the region of interest while the device streams; disable it first") % path);
+    call(request, "set the region of interest",
+         [own = requireNode("set the region of interest"), wanted] { cropTo(*own->file, wanted); });
+    const AutoLock hold(lock);
+    region = wanted;
+}
+
+// Extension units ------------------------------------------------------------------------------------------------------
+
+void V4l2Device::xuSetup(IO::xuSetupRequest* request) {
+    call(request, "choose an extension unit",
+         [own = requireNode("choose an extension unit"), guid = request->getGUID()] {
+             own->units->select(guid);
+         });
+}
+
+void V4l2Device::len(IO::xuLenRequest* request) {
+    *request->getResult() =
+        call(request, "ask for the length of a control",
+             [own = requireNode("ask for the length of a control"), unit = request->getUnit(),
+              control = request->getControl()] { return own->units->length(unit, control); });
+}
+
+void V4l2Device::send(IO::xuSendRequest* request) {
+    const auto* const first = static_cast<const std::uint8_t*>(request->getData());
+    call(request, Format("set control % of unit %") % request->getControl() % request->getUnit(),
+         [own = requireNode("set a control"), unit = request->getUnit(),
+          control = static_cast<std::uint32_t>(request->getControl()),
+          bytes = ExtensionUnits::Bytes(first, first + request->getLength())] {
+             own->units->set(unit, control, bytes);
+         });
+}
+
+void V4l2Device::recv(IO::xuRecvRequest* request) {
+    auto* const first = static_cast<std::uint8_t*>(request->getData());
+    const std::uint32_t length = request->getLength();
+    const auto answer =
+        call(request, Format("get control % of unit %") % request->getControl() % request->getUnit(),
+             [own = requireNode("get a control"), unit = request->getUnit(), plain = request->getFlag(),
+              control = static_cast<std::uint32_t>(request->getControl()),
+              question = ExtensionUnits::Bytes(first, first + length)] {
+                 if (!plain)
+                     own->units->set(unit, control, question);
+                 return own->units->get(unit, control, question.size(), UVC_GET_CUR);
+             });
+    std::copy(answer.begin(), answer.end(), first);
+}
+
+void V4l2Device::read(IO::readControlTransferRequest*) {
+    throw NotSupportedPluginException(Format("%: this kernel's video interface has no control transfers") %
+                                      path);
+}
+
+void V4l2Device::write(IO::writeBulkTransferRequest*) {
+    throw NotSupportedPluginException(Format("%: this kernel's video interface has no bulk transfers") %
+                                      path);
+}
+
+void V4l2Device::write(IO::writeControlTransferRequest*) {
+    throw NotSupportedPluginException(Format("%: this kernel's video interface has no control transfers") %
+                                      path);
+}
+
+} // namespace Zentara::V4l2

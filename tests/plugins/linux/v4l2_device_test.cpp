@@ -1,0 +1,194 @@
+#include <array>
+#include <thread>
+
+#include <gmock/gmock.h>
+#include <turbojpeg.h>
+
+#include <zentara/color_configuration.h>
+#include <zentara/io/streaming_requests.h>
+#include <zentara/utils/clock.h>
+
+#include "plugins/v4l2/v4l2_device.h"
+#include "support/failure.h"
+#include "tests/plugins/linux/fake_kernel.h"
+
+namespace Zentara::V4l2 {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::StartsWith;
+using TestSupport::Bytes;
+using TestSupport::failure;
+using Utils::makeRefcounted;
+using Utils::SmartPtr;
+
+/// A host of one device on a kernel of its own.
+class V4l2DeviceTest : public testing::Test {
+protected:
+    V4l2DeviceTest() {
+        node.path = "/dev/video7";
+        node.parentPath = "camera";
+        node.nodeType = NodeType_COLOR;
+        device->initialize(&node, nullptr);
+    }
+    ~V4l2DeviceTest() override { device->dispose(); }
+
+    template<typename Request, typename... Arguments>
+    SmartPtr<Request> request(Arguments&&... arguments) {
+        return makeRefcounted<Request>(device.get(), std::forward<Arguments>(arguments)...);
+    }
+    void open() { device->open(request<IO::deviceRequest>(IO::RequestType_OPEN).get()); }
+    void close() { device->close(request<IO::deviceRequest>(IO::RequestType_CLOSE).get()); }
+    void stop() { device->disableStreaming(request<IO::disableRequest>(false).get()); }
+    void start(CompressionType compression = CompressionType_NONE, FrameFormat size = FrameFormat_VGA) {
+        const auto mode =
+            makeRefcounted<ColorConfiguration>(size, 30, PowerLineFrequency_DISABLED, compression);
+        device->enableColorStreaming(request<IO::enableColorRequest>(mode, CameraControls()).get());
+    }
+    ReadBufferStatus read() {
+        frame.assign(1 << 20, 0);
+        const ReadBufferStatus status = device->readBuffer(frame.data(), 1 << 20, &micros, &length);
+        if (status == ReadBufferStatus_OK)
+            frame.resize(static_cast<std::size_t>(length));
+        return status;
+    }
+
+    std::shared_ptr<TestSupport::FakeKernel> kernel = std::make_shared<TestSupport::FakeKernel>();
+    NodeEvent node;
+    SmartPtr<V4l2Device> device = makeRefcounted<V4l2Device>(kernel);
+    Bytes frame;
+    std::int64_t micros = 0;
+    int length = 0;
+};
+
+TEST_F(V4l2DeviceTest, DeliversWholeFramesWithTheKernelsTime) {
+    open();
+    start();
+    kernel->frames.push_back(Bytes(614400, 9));
+    kernel->frames.push_back(Bytes(614399, 8));
+    EXPECT_EQ(read(), ReadBufferStatus_OK);
+    EXPECT_EQ(frame, Bytes(614400, 9));
+    EXPECT_EQ(micros, 12'345'678);
+    EXPECT_EQ(read(), ReadBufferStatus_FAILED) << "cut short";
+    kernel->flags |= V4L2_BUF_FLAG_ERROR;
+    kernel->frames.push_back(Bytes(614400, 7));
+    EXPECT_EQ(read(), ReadBufferStatus_FAILED) << "marked by the driver";
+    kernel->flags = V4L2_BUF_FLAG_TIMESTAMP_MONOTONIC;
+    kernel->frames.push_back(Bytes(614400, 6));
+    char small = 0;
+    EXPECT_EQ(device->readBuffer(&small, 1, &micros, &length), ReadBufferStatus_TOO_SMALL);
+    EXPECT_EQ(length, 614400);
+    EXPECT_EQ(read(), ReadBufferStatus_OK) << "it waits for a larger buffer";
+    stop();
+    EXPECT_FALSE(kernel->streams);
+    EXPECT_EQ(read(), ReadBufferStatus_NOT_STREAMING);
+    close();
+    EXPECT_EQ(kernel->openFiles, 0);
+}
+
+TEST_F(V4l2DeviceTest, EndsAReadersWaitAndNeverSpins) {
+    open();
+    start();
+    std::thread ending([this] { stop(); });
+    EXPECT_EQ(read(), ReadBufferStatus_NOT_STREAMING);
+    ending.join();
+    start();
+    device->pauseStreaming(request<IO::pauseStreamingRequest>().get());
+    EXPECT_FALSE(kernel->streams);
+    kernel->frames.push_back(Bytes(614400, 1));
+    const std::int64_t began = Utils::Clock::nowMicros();
+    EXPECT_EQ(read(), ReadBufferStatus_TIMEOUT);
+    EXPECT_GT(Utils::Clock::nowMicros() - began, 500'000);
+    device->resumeStreaming(request<IO::resumeStreamingRequest>().get());
+    EXPECT_EQ(read(), ReadBufferStatus_OK);
+    kernel->gone = true;
+    EXPECT_EQ(read(), ReadBufferStatus_DISCONNECTED);
+    EXPECT_EQ(read(), ReadBufferStatus_DISCONNECTED) << "for good";
+    device->dispose();
+    EXPECT_EQ(kernel->openFiles, 0);
+}
+
+TEST_F(V4l2DeviceTest, SaysWhatAnErrorMeans) {
+    kernel->openErrors["/dev/video7"] = EACCES;
+    EXPECT_THAT(failure([&] { open(); }), testing::AllOf(StartsWith("8: /dev/video7: cannot open the camera"),
+                                                         HasSubstr("Permission denied")));
+    kernel->openErrors.clear();
+    open();
+    kernel->callErrors[VIDIOC_REQBUFS] = EBUSY;
+    EXPECT_THAT(failure([&] { start(); }),
+                testing::AllOf(StartsWith("7: /dev/video7: "), HasSubstr("it is in use")));
+    kernel->callErrors = {{VIDIOC_STREAMON, ENOSPC}};
+    EXPECT_THAT(failure([&] { start(); }),
+                testing::AllOf(StartsWith("4: "), HasSubstr("the bus has no room")));
+    kernel->callErrors.clear();
+    EXPECT_THAT(
+        failure([&] { start(CompressionType_NONE, FrameFormat_QVGA); }),
+        StartsWith("1: /dev/video7: the camera has no mode COFF2FR30PLF0COMP0; it offers 'YUYV' 640x480@30"));
+    for (const auto& [width, height, bytes] :
+         {std::array{0U, 480U, 614400U}, std::array{65535U, 480U, 614400U}, std::array{640U, 480U, 614399U},
+          std::array{640U, 480U, 1U << 31}}) {
+        kernel->onCall = [this, w = width, h = height, b = bytes](unsigned long call) {
+            if (call == VIDIOC_REQBUFS) // the format changes as memory is asked for
+                kernel->made.width = w, kernel->made.height = h, kernel->made.sizeimage = b;
+        };
+        kernel->made.width = 640, kernel->made.height = 480, kernel->made.sizeimage = 614400;
+        EXPECT_THAT(failure([&] { start(); }),
+                    StartsWith(bytes > 1U << 30 ? "" : "1: the driver's frames are none"));
+        EXPECT_FALSE(kernel->streams);
+    }
+}
+
+TEST(Picture, MakesYuy2OfWhatCamerasSend) {
+    const auto made = [](std::uint32_t fourCC, std::uint32_t line, const Bytes& bytes) {
+        Bytes place(16, 0xEE);
+        const Picture picture({fourCC, 4, 2, line, static_cast<std::uint32_t>(bytes.size())},
+                              Delivery::Color);
+        EXPECT_TRUE(
+            picture.make(std::as_bytes(std::span(bytes)), reinterpret_cast<std::byte*>(place.data())));
+        return place;
+    };
+    const Bytes wanted{1, 50, 2, 60, 3, 51, 4, 61, 5, 50, 6, 60, 7, 51, 8, 61};
+    EXPECT_EQ(made(V4L2_PIX_FMT_NV12, 5, {1, 2, 3, 4, 0, 5, 6, 7, 8, 0, 50, 60, 51, 61, 0}), wanted);
+    EXPECT_EQ(made(V4L2_PIX_FMT_NV21, 4, {1, 2, 3, 4, 5, 6, 7, 8, 60, 50, 61, 51}), wanted);
+    EXPECT_EQ(made(V4L2_PIX_FMT_YUV420, 4, {1, 2, 3, 4, 5, 6, 7, 8, 50, 51, 60, 61}), wanted);
+    EXPECT_EQ(made(V4L2_PIX_FMT_YVU420, 4, {1, 2, 3, 4, 5, 6, 7, 8, 60, 61, 50, 51}), wanted);
+    EXPECT_EQ(made(V4L2_PIX_FMT_UYVY, 8, {50, 1, 60, 2, 51, 3, 61, 4, 50, 5, 60, 6, 51, 7, 61, 8}), wanted);
+    EXPECT_EQ(made(V4L2_PIX_FMT_GREY, 4, {1, 2, 3, 4, 5, 6, 7, 8}),
+              Bytes({1, 128, 2, 128, 3, 128, 4, 128, 5, 128, 6, 128, 7, 128, 8, 128}));
+}
+
+TEST(Picture, DecodesJpegAlsoWithoutHuffmanTablesAndDropsWhatIsCutShort) {
+    const Bytes pixels(3 * 16 * 16, 255);
+    unsigned char* jpeg = nullptr;
+    unsigned long bytes = 0;
+    void* const coder = tjInitCompress();
+    ASSERT_EQ(tjCompress2(coder, pixels.data(), 16, 0, 16, TJPF_RGB, &jpeg, &bytes, TJSAMP_422, 90, 0), 0);
+    Bytes whole(jpeg, jpeg + bytes);
+    tjFree(jpeg);
+    tjDestroy(coder);
+    Bytes bare = whole;
+    const Bytes tableMark{0xFF, 0xC4};
+    for (auto at = bare.begin();
+         (at = std::search(bare.begin(), bare.end(), tableMark.begin(), tableMark.end())) != bare.end();)
+        bare.erase(at, at + 2 + (at[2] << 8 | at[3]));
+    ASSERT_LT(bare.size(), whole.size());
+    const Picture picture({V4L2_PIX_FMT_MJPEG, 16, 16, 0, 4096}, Delivery::Color);
+    Bytes place(512);
+    const auto make = [&](const Bytes& frame) {
+        return picture.make(std::as_bytes(std::span(frame)), reinterpret_cast<std::byte*>(place.data()));
+    };
+    for (const Bytes& frame : {whole, bare}) {
+        EXPECT_TRUE(make(frame));
+        EXPECT_THAT(Bytes(place.begin(), place.begin() + 4), ElementsAre(235, 128, 235, 128)) << "white";
+    }
+    whole.resize(whole.size() - 8);
+    EXPECT_FALSE(make(whole));
+    EXPECT_FALSE(make({1, 2, 3}));
+    EXPECT_FALSE(Picture({V4L2_PIX_FMT_MJPEG, 32, 16, 0, 4096}, Delivery::Color)
+                     .make(std::as_bytes(std::span(bare)), reinterpret_cast<std::byte*>(Bytes(1024).data())))
+        << "a picture of another size";
+}
+
+} // namespace
+} // namespace Zentara::V4l2
