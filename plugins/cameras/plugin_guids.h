@@ -14,6 +14,8 @@ constexpr GUID z16DepthNodeGuid = {
 // For devices that no description names.
 constexpr GUID genericColorNodeGuid = Core::Guids::GENERICCOLOR_IMPL;
 constexpr GUID genericAudioNodeGuid = Core::Guids::GENERICAUDIO_IMPL;
+constexpr GUID genericDepthNodeGuid = {
+    0x6A0F2D58, 0x93E1, 0x4B7C, {0x8D, 0x24, 0xC1, 0x5E, 0x70, 0xB9, 0x3A, 0xF6}};
 /// The parameter back-end; a description names it.
 constexpr GUID parameterBackEndGuid = {
     0x5AB2C0E4, 0x7C1D, 0x4F0B, {0x9B, 0x3E, 0x52, 0x61, 0xD8, 0x0A, 0x34, 0xF7}};

@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <cstring>
 
+#include <zentara/color_configuration.h>
 #include <zentara/core/descriptor_details.h>
 #include <zentara/depth_configuration.h>
 #include <zentara/io/video_device_proxy.h>
 #include <zentara/node_event.h>
 #include <zentara/utils/format.h>
+#include <zentara/utils/kv_logger.h>
 
 #include "plugins/cameras/nodes/attempt.h"
 #include "plugins/cameras/nodes/stored_calibration.h"
@@ -30,14 +32,24 @@ std::size_t pixelsOf(const Mode& mode) {
     return std::size_t{size.width} * size.height;
 }
 
-std::vector<Mode> modesOf(const Core::DescriptorStoreRO& store) {
-    std::vector<Mode> modes = store.getDepthConfigurations();
+/// The modes of a device that no description names; it tells them in the words for colour.
+std::vector<Mode> reportedModes(IO::VideoDeviceProxy& device) {
+    std::vector<Utils::SmartPtr<ColorConfiguration>> reported;
+    device.getConfigurations(reported);
+    std::vector<Mode> modes;
+    for (const auto& one : reported)
+        modes.push_back(Mode(Utils::makeRefcounted<DepthConfiguration>(
+            one->getFrameFormat(), one->getFramerate(), DepthNode::CameraMode_0, false, std::int16_t{0})));
+    return modes;
+}
+
+std::vector<Mode> sizedModes(std::vector<Mode> modes) {
     std::erase_if(modes, [](const Mode& mode) {
         return pixelsOf(mode) == 0 || dynamic_cast<const DepthConfiguration*>(mode.get()) == nullptr;
     });
     if (modes.empty())
         throw InitializationPluginException(
-            "cannot initialize a depth node: the description has no mode of a known size");
+            "cannot initialize a depth node: there is no mode of a known size");
     return modes;
 }
 
@@ -47,6 +59,18 @@ std::uint32_t unitOf(const Core::DescriptorStoreRO& store) {
         throw InitializationPluginException(
             "cannot initialize a depth node: the description has no depthUnit");
     return micrometres;
+}
+
+constexpr std::uint32_t usualUnit = 1000;
+
+std::uint32_t assumedUnit(const NodeEvent& event) {
+    if (Utils::KVLogger* log = Utils::KVLogger::instance()) {
+        log->warning(
+            Format("%: no description tells the unit of its depth; a step is taken for a millimetre") %
+            event.path);
+        Utils::KVLogger::release();
+    }
+    return usualUnit;
 }
 
 std::uint16_t millimetres(std::uint16_t steps, std::uint32_t micrometres) {
@@ -75,8 +99,9 @@ void convert(std::uint8_t* frame, std::size_t pixels, bool confident, std::uint3
 } // namespace
 
 struct Z16DepthNode::Camera {
-    Camera(const NodeEvent& event, Core::DescriptorStoreRO& store, IO::VideoDeviceProxy& video)
-        : device(video), micrometres(unitOf(store)), modes(modesOf(store)),
+    Camera(const NodeEvent& event, Core::DescriptorStoreRO& store, IO::VideoDeviceProxy& video, bool generic)
+        : device(video), micrometres(generic ? assumedUnit(event) : unitOf(store)),
+          modes(sizedModes(generic ? reportedModes(video) : store.getDepthConfigurations())),
           calibration(&store, event.serialNumber, StoredObjects()) {}
 
     IO::VideoDeviceProxy& device;
@@ -87,7 +112,11 @@ struct Z16DepthNode::Camera {
     std::size_t pixels = pixelsOf(modes.front()); ///< of the mode that streams, or streamed last
 };
 
-Z16DepthNode::Z16DepthNode() : DepthNodeInterface(z16DepthNodeGuid) {}
+Z16DepthNode::Z16DepthNode() : Z16DepthNode(z16DepthNodeGuid, false) {}
+
+Z16DepthNode::Z16DepthNode(GUID guid, bool asReported) : DepthNodeInterface(guid), generic(asReported) {}
+
+GenericDepthNode::GenericDepthNode() : Z16DepthNode(genericDepthNodeGuid, true) {}
 
 Z16DepthNode::~Z16DepthNode() { dispose(); }
 
@@ -95,7 +124,7 @@ void Z16DepthNode::initialize(NodeEvent* event, Core::DescriptorStoreRO* store, 
     dispose();
     DepthNodeInterface::initialize(event, store, data);
     getAVDeviceProxy()->open();
-    camera = std::make_unique<Camera>(*event, *store, *getAVDeviceProxy());
+    camera = std::make_unique<Camera>(*event, *store, *getAVDeviceProxy(), generic);
 }
 
 void Z16DepthNode::dispose() {

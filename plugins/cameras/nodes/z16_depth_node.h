@@ -13,7 +13,7 @@ namespace Zentara::Cameras {
 /// the description's too. Each frame is three planes of the mode's size, as depth_frame.h has them: millimetres,
 /// rounded, 0 where there is no depth or it is beyond 65,535 mm; confidence (the device's second plane if it sends one,
 /// else 1000 where there is depth); and a phase of 0.
-class Z16DepthNode final : public Core::DepthNodeInterface {
+class Z16DepthNode : public Core::DepthNodeInterface {
 public:
     Z16DepthNode();
     ~Z16DepthNode() override;
@@ -38,13 +38,26 @@ public:
     /// \throws Plugin::IOPluginException when what the device delivers is neither one nor two planes of the mode's size
     ReadBufferStatus readBuffer(void* buffer, int size, std::int64_t* timestamp, int* length) override;
 
+protected:
+    /// \param generic the device alone says which modes there are, and a step is a millimetre
+    Z16DepthNode(GUID guid, bool generic);
+
 private:
     struct Camera;
 
     Camera& require(const char* operation);
     void stop() noexcept;
 
+    const bool generic;
     std::unique_ptr<Camera> camera; ///< null unless initialised
+};
+
+/// The depth stream of a device that no description names: the modes are those that the device reports for a node of
+/// depth, and a step of its values is taken for a millimetre, which the log says. There is no lens model. Of its store it
+/// needs the device's implementation alone.
+class GenericDepthNode final : public Z16DepthNode {
+public:
+    GenericDepthNode();
 };
 
 } // namespace Zentara::Cameras

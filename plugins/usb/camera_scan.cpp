@@ -1,0 +1,212 @@
+#include "plugins/usb/camera_scan.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <linux/videodev2.h>
+#include <utility>
+
+#include <zentara/plugin/plugin_exceptions.h>
+#include <zentara/utils/format.h>
+
+#include "plugins/linux/usb_descriptors.h"
+
+namespace Zentara::Usb {
+
+namespace fs = std::filesystem;
+using Linux::Sysfs;
+using Utils::Format;
+
+namespace {
+
+constexpr std::uint32_t mostFormats = 64;
+constexpr std::uint32_t settledMilliseconds = 2000; // by then the kernel has made its nodes
+
+struct Answer {
+    std::vector<std::uint32_t> formats;
+    int error = 0;
+};
+
+/// Asks a node what it delivers. Opening one may wait for its camera.
+Answer askNode(Linux::Kernel& kernel, const std::string& path) {
+    Answer answer;
+    const int file = kernel.open(path);
+    if (file < 0)
+        return {{}, -file};
+    v4l2_capability told{};
+    answer.error = -std::min(0, kernel.control(file, VIDIOC_QUERYCAP, &told));
+    const std::uint32_t can =
+        (told.capabilities & V4L2_CAP_DEVICE_CAPS) != 0 ? told.device_caps : told.capabilities;
+    if ((can & V4L2_CAP_VIDEO_CAPTURE) != 0 && (can & V4L2_CAP_STREAMING) != 0) {
+        for (std::uint32_t index = 0; index < mostFormats; ++index) {
+            v4l2_fmtdesc format{};
+            format.index = index;
+            format.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
+            if (kernel.control(file, VIDIOC_ENUM_FMT, &format) < 0)
+                break;
+            answer.formats.push_back(format.pixelformat);
+        }
+    }
+    kernel.close(file);
+    return answer;
+}
+
+/// What USB calls YUY2 the kernel calls YUYV; most others have one name.
+std::uint32_t kernelName(std::uint32_t usb) {
+    return usb == v4l2_fourcc('Y', 'U', 'Y', '2') ? static_cast<std::uint32_t>(V4L2_PIX_FMT_YUYV) : usb;
+}
+
+/// The formats of a node that may not be opened: every second node of a camera is one of metadata. One of which nothing
+/// can be known passes for colour, so that it is there, and says why it is of no use when it is opened.
+std::vector<std::uint32_t> describedFormats(const fs::path& hardware, const fs::path& node) {
+    const std::uint32_t index = Sysfs::number(node, "index", 10);
+    const std::vector<std::uint8_t> bytes = Sysfs::descriptors(hardware);
+    const Linux::UsbCamera camera = Linux::readUsbDescriptors(bytes);
+    std::vector<std::uint32_t> formats;
+    if (bytes.empty() && index == 0)
+        return {V4L2_PIX_FMT_YUYV};
+    if (index % 2 != 0 || index / 2 >= camera.streams.size())
+        return formats;
+    for (const Linux::UsbFormat& format : camera.streams[index / 2].formats)
+        formats.push_back(kernelName(format.fourCC()));
+    return formats;
+}
+
+/// Whether one of a USB device's interfaces is that of a camera; the names of interfaces begin with the device's.
+bool isCamera(const fs::path& device) {
+    std::error_code error;
+    for (fs::directory_iterator entry(device, error), end; !error && entry != end; entry.increment(error)) {
+        if (Sysfs::attribute(entry->path(), "bInterfaceClass") == "0e" &&
+            Sysfs::attribute(entry->path(), "bInterfaceSubClass") == "01")
+            return true;
+    }
+    return false;
+}
+
+std::string refusalOf(const fs::path& device) {
+    const std::vector<std::uint8_t> bytes = Sysfs::descriptors(device);
+    const Linux::UsbCamera camera = Linux::readUsbDescriptors(bytes);
+    std::string text = "the kernel made no video node of it";
+    for (const Linux::UsbFault& fault : camera.faults)
+        text += "; its descriptors, " + faultText(fault);
+    return camera.faults.empty() ? text + "; its log ('dmesg') may say why, or 'modprobe uvcvideo' helps"
+                                 : text;
+}
+
+FoundCamera* find(std::vector<FoundCamera>& cameras, const fs::path& hardware) {
+    const auto found = std::find_if(cameras.begin(), cameras.end(),
+                                    [&](const FoundCamera& camera) { return camera.path == hardware; });
+    return found == cameras.end() ? nullptr : &*found;
+}
+
+/// The last number of "1-4.2".
+std::uint32_t portOf(const fs::path& device) {
+    const std::string path = Sysfs::attribute(device, "devpath");
+    return static_cast<std::uint32_t>(std::strtoul(path.substr(path.rfind('.') + 1).c_str(), nullptr, 10));
+}
+
+} // namespace
+
+CameraScan::CameraScan(std::shared_ptr<Linux::Kernel> system, Sysfs place)
+    : kernel(std::move(system)), sysfs(std::move(place)) {}
+
+std::vector<FoundCamera> CameraScan::look() {
+    std::vector<FoundCamera> cameras;
+    for (const std::string& name : sysfs.devicesOf("video4linux")) {
+        if (name.rfind("video", 0) != 0)
+            continue;
+        const fs::path hardware = Sysfs::hardwareOf(sysfs.place("video4linux", name));
+        if (hardware.empty())
+            continue; // it has gone
+        FoundCamera* known = find(cameras, hardware);
+        FoundCamera camera = known == nullptr ? describe(hardware) : std::move(*known);
+        addVideo(name, hardware, camera);
+        if (known != nullptr)
+            *known = std::move(camera);
+        else
+            cameras.push_back(std::move(camera));
+    }
+    std::erase_if(cameras, [](const FoundCamera& camera) { return camera.videos.empty(); });
+    addMicrophones(cameras);
+    addRefused(cameras);
+    return cameras;
+}
+
+FoundCamera CameraScan::describe(const fs::path& hardware) const {
+    FoundCamera camera;
+    camera.path = hardware.string();
+    camera.name = hardware.filename().string();
+    if (!Sysfs::isUsb(hardware))
+        return camera;
+    const std::string product = Sysfs::attribute(hardware, "product");
+    if (!product.empty())
+        camera.name = product;
+    camera.serialNumber = Sysfs::attribute(hardware, "serial");
+    camera.vendorId = Sysfs::number(hardware, "idVendor");
+    camera.productId = Sysfs::number(hardware, "idProduct");
+    camera.revision = Sysfs::number(hardware, "bcdDevice");
+    camera.busNumber = Sysfs::number(hardware, "busnum", 10);
+    camera.deviceAddress = Sysfs::number(hardware, "devnum", 10);
+    camera.portNumber = portOf(hardware);
+    return camera;
+}
+
+void CameraScan::addVideo(const std::string& name, const fs::path& hardware, FoundCamera& camera) {
+    const std::string key = name + "@" + camera.path + "@" + std::to_string(camera.deviceAddress);
+    FoundVideo video;
+    video.path = "/dev/" + name;
+    const auto known = asked.find(key);
+    if (known != asked.end()) {
+        video.formats = known->second;
+    } else {
+        video.formats = ask(video.path, video.closed);
+        if (video.closed)
+            video.formats = describedFormats(hardware, sysfs.place("video4linux", name));
+        else if (!video.formats.empty())
+            asked[key] = video.formats; // what told nothing is asked again
+    }
+    if (!video.formats.empty())
+        camera.videos.push_back(std::move(video));
+}
+
+CameraScan::Formats CameraScan::ask(const std::string& path, bool& closed) {
+    try {
+        if (!thread)
+            thread = std::make_unique<Linux::CallThread>("scan", "the video nodes");
+        const Answer answer = thread->call("ask " + path + " what it delivers",
+                                           [system = kernel, path] { return askNode(*system, path); });
+        closed = answer.error == EACCES || answer.error == EPERM;
+        return answer.formats;
+    } catch (const Plugin::PluginException&) {
+        return {}; // it was logged; the others wait until that one answers
+    }
+}
+
+void CameraScan::addMicrophones(std::vector<FoundCamera>& cameras) const {
+    for (const std::string& name : sysfs.devicesOf("sound")) {
+        unsigned card = 0;
+        unsigned device = 0;
+        char direction = 0;
+        if (std::sscanf(name.c_str(), "pcmC%uD%u%c", &card, &device, &direction) != 3 || direction != 'c')
+            continue;
+        const fs::path place = sysfs.place("sound", "card" + std::to_string(card));
+        if (FoundCamera* const camera = find(cameras, Sysfs::hardwareOf(place)))
+            camera->microphones.push_back(Format("hw:%,%") % card % device);
+    }
+}
+
+/// Cameras on USB without a node, once the kernel has had its time.
+void CameraScan::addRefused(std::vector<FoundCamera>& cameras) const {
+    for (const fs::path& device : sysfs.usbDevices()) {
+        if (find(cameras, device) != nullptr || !isCamera(device))
+            continue;
+        const std::string since = Sysfs::attribute(device / "power", "connected_duration");
+        if (!since.empty() && std::strtoul(since.c_str(), nullptr, 10) < settledMilliseconds)
+            continue;
+        FoundCamera camera = describe(device);
+        camera.refusal = refusalOf(device);
+        cameras.push_back(std::move(camera));
+    }
+}
+
+} // namespace Zentara::Usb

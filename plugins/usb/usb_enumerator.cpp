@@ -1,0 +1,278 @@
+#include "plugins/usb/usb_enumerator.h"
+
+#include <algorithm>
+#include <linux/videodev2.h>
+#include <utility>
+
+#include <zentara/core/descriptor_store_ro.h>
+#include <zentara/core/guids.h>
+#include <zentara/utils/clock.h>
+#include <zentara/utils/format.h>
+
+#include "plugins/usb/generic_nodes.h"
+
+namespace Zentara::Usb {
+
+using Utils::Threading::AutoLock;
+
+namespace {
+
+constexpr int lookMilliseconds = 1000;
+
+bool isSamePlace(const NodeEvent& left, const NodeEvent& right) {
+    return left.path == right.path && left.nodeType == right.nodeType &&
+           left.deviceAddress == right.deviceAddress;
+}
+
+const NodeEvent* findNode(const std::vector<NodeEvent>& nodes, const NodeEvent& wanted) {
+    const auto found = std::find_if(nodes.begin(), nodes.end(),
+                                    [&](const NodeEvent& node) { return isSamePlace(node, wanted); });
+    return found == nodes.end() ? nullptr : &*found;
+}
+
+ExternalEvent makeEvent(ExternalEventType type, const NodeEvent& node) {
+    ExternalEvent event;
+    event.type = type;
+    event.node = node;
+    event.timeMicros = Utils::Clock::nowMicros();
+    return event;
+}
+
+bool isDepth(std::uint32_t format) { return format == V4L2_PIX_FMT_Z16; }
+/// Pictures that a generic node can show, the better kinds only.
+bool isColor(std::uint32_t format) {
+    switch (format) {
+    case V4L2_PIX_FMT_YUYV:
+    case V4L2_PIX_FMT_UYVY:
+    case V4L2_PIX_FMT_NV12:
+    case V4L2_PIX_FMT_NV21:
+    case V4L2_PIX_FMT_YUV420:
+    case V4L2_PIX_FMT_YVU420:
+    case V4L2_PIX_FMT_MJPEG:
+    case V4L2_PIX_FMT_JPEG:
+        return true;
+    default:
+        return false;
+    }
+}
+bool isGrey(std::uint32_t format) { return format == V4L2_PIX_FMT_GREY; }
+
+template<typename Fits>
+const FoundVideo* findVideo(const FoundCamera& camera, Fits fits) {
+    const auto found = std::find_if(camera.videos.begin(), camera.videos.end(), [&](const FoundVideo& video) {
+        return std::any_of(video.formats.begin(), video.formats.end(), fits);
+    });
+    return found == camera.videos.end() ? nullptr : &*found;
+}
+
+/// The video node that delivers what a description says; without a format in it what its type means.
+const FoundVideo* findDescribed(const FoundCamera& camera, NodeType type, std::uint32_t described) {
+    if (described == 0)
+        return type == NodeType_DEPTH ? findVideo(camera, isDepth) : findVideo(camera, isColor);
+    const std::uint32_t format = described == v4l2_fourcc('Y', 'U', 'Y', '2')
+                                     ? static_cast<std::uint32_t>(V4L2_PIX_FMT_YUYV)
+                                     : described;
+    return findVideo(camera, [=](std::uint32_t offered) { return offered == format; });
+}
+
+/// What the camera itself says of a node.
+NodeEvent describe(const FoundCamera& camera) {
+    NodeEvent node;
+    node.serialNumber = camera.serialNumber;
+    node.vendorId = camera.vendorId;
+    node.productId = camera.productId;
+    node.revision = camera.revision;
+    node.busNumber = camera.busNumber;
+    node.deviceAddress = camera.deviceAddress;
+    node.portNumber = camera.portNumber;
+    node.parentPath = camera.path;
+    return node;
+}
+
+bool isServedHere(const GUID& device) {
+    return guidEquals(device, Core::Guids::V4L2VIDEO_IMPL) || guidEquals(device, Core::Guids::ALSAAUDIO_IMPL);
+}
+
+/// Counts the nodes that have the same identifying values; those that stay keep their number.
+void number(std::vector<NodeEvent>& nodes, const std::vector<NodeEvent>& before) {
+    std::vector<NodeEvent> numbered;
+    const auto isTaken = [&numbered](const NodeEvent& node) {
+        return std::any_of(numbered.begin(), numbered.end(), [&](const NodeEvent& other) {
+            return other.hardwareIds() == node.hardwareIds() && other.deviceIndex == node.deviceIndex;
+        });
+    };
+    for (NodeEvent& node : nodes) {
+        if (const NodeEvent* const old = findNode(before, node)) {
+            node.deviceIndex = old->deviceIndex;
+            numbered.push_back(node);
+        }
+    }
+    for (NodeEvent& node : nodes) {
+        if (findNode(numbered, node) != nullptr)
+            continue;
+        while (isTaken(node))
+            ++node.deviceIndex;
+        numbered.push_back(node);
+    }
+}
+
+} // namespace
+
+UsbEnumerator::UsbEnumerator() : UsbEnumerator(CameraScan()) {}
+
+UsbEnumerator::UsbEnumerator(CameraScan found)
+    : EnumeratorInterface(Core::Guids::DEFAULT_ENUMERATOR_IMPL), scan(std::move(found)) {}
+
+UsbEnumerator::~UsbEnumerator() { dispose(); }
+
+void UsbEnumerator::initialize(Utils::Collection::Queue<ExternalEvent>* events,
+                               Core::DescriptorStoreRO* store) {
+    dispose();
+    const AutoLock hold(lock);
+    EnumeratorInterface::initialize(events, store);
+}
+
+void UsbEnumerator::dispose() {
+    EnumeratorInterface::dispose();
+    const AutoLock hold(lock); // whoever is looking has done with the store then
+    present.clear();
+    announced.clear();
+}
+
+void UsbEnumerator::enumerate(std::vector<NodeEvent>& nodes) {
+    const AutoLock hold(lock);
+    look();
+    nodes = present;
+}
+
+bool UsbEnumerator::isPresent(const NodeEvent& node) {
+    const AutoLock hold(lock);
+    look();
+    return findNode(present, node) != nullptr;
+}
+
+std::string UsbEnumerator::getBackendName() { return "video devices of the system"; }
+
+void UsbEnumerator::exit() {
+    EnumeratorInterface::exit();
+    news.wake();
+}
+
+void* UsbEnumerator::run(void*) {
+    {
+        const AutoLock hold(lock);
+        announced.clear(); // a thread that is started anew tells everything
+    }
+    while (!exitRequested()) {
+        std::vector<ExternalEvent> events;
+        {
+            const AutoLock hold(lock);
+            look();
+            events = changes();
+        }
+        if (auto* queue = getEventQueue()) {
+            for (const ExternalEvent& event : events)
+                queue->push(event);
+        }
+        news.wait(lookMilliseconds);
+    }
+    return nullptr;
+}
+
+void UsbEnumerator::look() {
+    std::vector<NodeEvent> found;
+    if (getDescriptorStore() != nullptr) {
+        for (const FoundCamera& camera : scan.look())
+            addCamera(camera, found);
+    }
+    number(found, present);
+    present = std::move(found);
+}
+
+void UsbEnumerator::addCamera(const FoundCamera& camera, std::vector<NodeEvent>& nodes) {
+    if (!camera.refusal.empty()) {
+        NodeEvent node = describe(camera);
+        node.path = camera.path;
+        node.name = camera.name + ": " + camera.refusal;
+        nodes.push_back(std::move(node));
+        return;
+    }
+    std::vector<Described> described = describedNodes(camera);
+    if (described.empty())
+        addGeneric(camera, nodes);
+    else
+        addDescribed(camera, std::move(described), nodes);
+}
+
+/// The nodes that descriptions have for a camera, whatever their interface is called: at the kernel all are alike.
+std::vector<UsbEnumerator::Described> UsbEnumerator::describedNodes(const FoundCamera& camera) {
+    std::vector<Described> nodes;
+    NodeEvent event = describe(camera);
+    for (event.interfaceNumber = 0; event.interfaceNumber < firstGenericNumber; ++event.interfaceNumber) {
+        NodeEvent filled = event;
+        if (!selectNodeDescriptor(&filled, Core::Profile_DEFAULT) ||
+            !isServedHere(getDescriptorStore()->getDeviceImplGUID()))
+            continue;
+        fillEvent(&filled);
+        nodes.push_back({std::move(filled), getDescriptorStore()->getFourCC().code});
+    }
+    return nodes;
+}
+
+void UsbEnumerator::addDescribed(const FoundCamera& camera, std::vector<Described> described,
+                                 std::vector<NodeEvent>& nodes) {
+    for (Described& node : described) {
+        if (node.event.nodeType == NodeType_AUDIO) {
+            if (camera.microphones.empty())
+                continue;
+            node.event.path = camera.microphones.front();
+        } else {
+            const FoundVideo* const video = findDescribed(camera, node.event.nodeType, node.fourCC);
+            if (video == nullptr)
+                continue;
+            node.event.path = video->path;
+        }
+        nodes.push_back(std::move(node.event));
+    }
+}
+
+void UsbEnumerator::addGeneric(const FoundCamera& camera, std::vector<NodeEvent>& nodes) {
+    const auto add = [&](NodeType type, const std::string& path) {
+        NodeEvent node = describe(camera);
+        node.interfaceNumber = genericNumber(type);
+        if (!selectNodeDescriptor(&node, Core::Profile_DEFAULT))
+            return;
+        fillEvent(&node);
+        node.name = camera.name + " " + node.name;
+        node.path = path;
+        nodes.push_back(std::move(node));
+    };
+    if (const FoundVideo* const depth = findVideo(camera, isDepth))
+        add(NodeType_DEPTH, depth->path);
+    const FoundVideo* color = findVideo(camera, isColor);
+    if (color == nullptr)
+        color = findVideo(camera, isGrey);
+    if (color != nullptr)
+        add(NodeType_COLOR, color->path);
+    if (!camera.microphones.empty())
+        add(NodeType_AUDIO, camera.microphones.front());
+}
+
+/// What went and what came since the host was told last.
+std::vector<ExternalEvent> UsbEnumerator::changes() {
+    std::vector<ExternalEvent> events;
+    for (const NodeEvent& node : announced) {
+        const NodeEvent* now = findNode(present, node);
+        if (now == nullptr || !(*now == node))
+            events.push_back(makeEvent(ExternalEventType_NODE_REMOVED, node));
+    }
+    for (const NodeEvent& node : present) {
+        const NodeEvent* before = findNode(announced, node);
+        if (before == nullptr || !(*before == node))
+            events.push_back(makeEvent(ExternalEventType_NODE_ARRIVED, node));
+    }
+    announced = present;
+    return events;
+}
+
+} // namespace Zentara::Usb

@@ -1,0 +1,96 @@
+#include <gmock/gmock.h>
+
+#include <zentara/core/descriptor_store_ro.h>
+
+#include "plugins/usb/generic_nodes.h"
+#include "plugins/usb/usb_enumerator.h"
+#include "tests/plugins/linux/fake_kernel.h"
+#include "tests/plugins/linux/system_tree.h"
+
+namespace Zentara::Usb {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using TestSupport::Descriptors;
+
+/// Describes a camera 1234:5678, depth as interface 3 and colour as interface 5; and generic nodes.
+class Store final : public Core::DescriptorStoreRO {
+public:
+    bool selectNode(const HardwareIDs& wanted, Core::Profile) override {
+        const bool described = wanted.vendorId == 0x1234 && wanted.productId == 0x5678 &&
+                               wanted.revision == 0x102 &&
+                               (wanted.interfaceNumber == 3 || wanted.interfaceNumber == 5);
+        if (!described && genericType(wanted.interfaceNumber) == NodeType_NONE)
+            return false;
+        ids = wanted;
+        return true;
+    }
+    [[nodiscard]] NodeType getNodeType() const override {
+        return ids.interfaceNumber == 3   ? NodeType_DEPTH
+               : ids.interfaceNumber == 5 ? NodeType_COLOR
+                                          : genericType(ids.interfaceNumber);
+    }
+    [[nodiscard]] FourCC getFourCC() const override {
+        return {ids.interfaceNumber == 3 ? V4L2_PIX_FMT_Y16 : fourCCCode('Y', 'U', 'Y', '2'), 16, 0};
+    }
+    [[nodiscard]] GUID getDeviceImplGUID() const override { return Core::Guids::V4L2VIDEO_IMPL; }
+    [[nodiscard]] HardwareIDs getNodeHardwareIDs() const override { return ids; }
+    [[nodiscard]] const Core::DeviceDescriptor* getDeviceDescriptor() const override { return nullptr; }
+    [[nodiscard]] const Core::NodeDescriptor* getNodeDescriptor() const override { return nullptr; }
+
+private:
+    HardwareIDs ids;
+};
+
+/// A node for a comparison: "TYPE INTERFACE PATH".
+std::vector<std::string> textsOf(const std::vector<NodeEvent>& nodes) {
+    std::vector<std::string> texts;
+    for (const NodeEvent& node : nodes)
+        texts.push_back(std::string(typeName(node.nodeType)) + " " + std::to_string(node.interfaceNumber) +
+                        " " + node.path);
+    return texts;
+}
+
+TEST(UsbEnumerator, TellsNodesApartByWhatTheyDeliver) {
+    TestSupport::SystemTree tree;
+    const auto kernel = std::make_shared<TestSupport::FakeKernel>();
+    kernel->formats = {V4L2_PIX_FMT_YUYV, V4L2_PIX_FMT_Y16, V4L2_PIX_FMT_Z16};
+    kernel->openErrors["/dev/video4"] = EACCES;
+    kernel->openErrors["/dev/video5"] = EACCES;
+    const auto z16 = Descriptors().interface(1, 2).format("Z16 ").frame(640, 480).bytes();
+    tree.plug("1-1", "1234", "5678", {});
+    tree.plug("1-2", "1234", "9999", {});
+    tree.plug("1-3", "1234", "9999", z16);
+    tree.plug("1-4", "4321", "0001", Descriptors().interface(0, 1).bytes());
+    tree.addVideo(0, "devices/usb1/1-1/1-1:1.0");
+    tree.addVideo(2, "devices/usb1/1-2/1-2:1.0");
+    tree.addVideo(4, "devices/usb1/1-3/1-3:1.0");
+    tree.addVideo(5, "devices/usb1/1-3/1-3:1.0", 1);
+    tree.addMicrophone(3, "devices/usb1/1-2/1-2:1.2");
+    UsbEnumerator enumerator(CameraScan(kernel, Linux::Sysfs(tree.path())));
+    Store store;
+    std::vector<NodeEvent> nodes;
+    enumerator.initialize(nullptr, &store);
+    enumerator.enumerate(nodes);
+    EXPECT_THAT(textsOf(nodes),
+                ElementsAre("depth 3 /dev/video0", "color 5 /dev/video0", "depth 257 /dev/video2",
+                            "color 258 /dev/video2", "audio 259 hw:3,0", "depth 257 /dev/video4",
+                            "audio 0 " + tree.real("devices/usb1/1-4")));
+    EXPECT_EQ(nodes[0].serialNumber, "S1-1");
+    EXPECT_EQ(nodes[0].parentPath, tree.real("devices/usb1/1-1"));
+    EXPECT_EQ(nodes[0].portNumber, 2U);
+    EXPECT_EQ(nodes[2].deviceIndex, 0U);
+    EXPECT_EQ(nodes[5].deviceIndex, 1U) << "the second one of its kind; this user may not open it";
+    EXPECT_THAT(nodes[6].name, HasSubstr("the kernel made no video node of it"));
+    EXPECT_THAT(nodes[6].name, HasSubstr("without an input terminal"));
+    EXPECT_EQ(nodes[6].nodeType, NodeType_NONE);
+    EXPECT_EQ(kernel->openFiles, 0);
+    tree.remove("class/video4linux/video2");
+    EXPECT_FALSE(enumerator.isPresent(nodes[2]));
+    EXPECT_TRUE(enumerator.isPresent(nodes[5]));
+    enumerator.dispose();
+}
+
+} // namespace
+} // namespace Zentara::Usb
