@@ -1,8 +1,10 @@
 #include "host/cameras/device_choice.h"
 
 #include <algorithm>
+#include <iterator>
 #include <vector>
 
+#include <zentara/core/guids.h>
 #include <zentara/core/plugin_manager.h>
 #include <zentara/core/plugin_probe.h>
 #include <zentara/utils/files.h>
@@ -29,6 +31,14 @@ bool isCalled(const Core::PluginProbe& plugin, const std::string& name) {
            Utils::toLower(guidLabel(plugin.guid)) == plain || file == name ||
            Utils::removeExtension(file) == name ||
            Utils::canonicalPath(plugin.path) == Utils::canonicalPath(name);
+}
+
+/// Serves the system's own devices: without a node it does not know which.
+bool isOfTheSystem(const GUID& device) {
+    using namespace Core::Guids;
+    const GUID all[] = {V4L2VIDEO_IMPL, ALSAAUDIO_IMPL, WMFVIDEO_IMPL, WMFAUDIO_IMPL};
+    return std::any_of(std::begin(all), std::end(all),
+                       [&](const GUID& one) { return guidEquals(one, device); });
 }
 
 std::string listOf(const std::vector<Core::PluginProbe>& plugins, Core::ImplType type) {
@@ -79,10 +89,12 @@ GUID chooseDevice(Core::ImplType type, const char* what, const std::vector<std::
     const std::vector<GUID> guids = registeredPlugins(type, what);
     if (!names.empty())
         return namedDevice(type, what, names);
+    const auto other = std::find_if_not(guids.begin(), guids.end(), isOfTheSystem);
+    const GUID chosen = other == guids.end() ? guids.front() : *other;
     if (guids.size() > 1)
         tell(note, std::to_string(guids.size()) + " " + what + " plug-ins are registered; taking " +
-                       guidLabel(guids.front()));
-    return guids.front();
+                       guidLabel(chosen));
+    return chosen;
 }
 
 } // namespace Zentara::Host

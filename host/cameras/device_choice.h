@@ -15,7 +15,7 @@ namespace Zentara::Host {
 [[nodiscard]] std::vector<GUID> registeredPlugins(Core::ImplType type, const char* what);
 
 /// Picks the registered device plug-in of a kind: one that is named or, with several, the first by GUID, which is then
-/// told as a note.
+/// told as a note; those of the system's own devices come last.
 /// \param names GUIDs, well-known names and files; each names a plug-in of one of the kinds that are wanted
 /// \throws Failure as above, and (Usage) when none of the kind is named although names are given
 [[nodiscard]] GUID chooseDevice(Core::ImplType type, const char* what, const std::vector<std::string>& names,

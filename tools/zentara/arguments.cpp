@@ -28,8 +28,8 @@ CLI::Option* addPluginName(CLI::App& command, std::vector<std::string>& names) {
     return command
         .add_option(
             "--plugin", names,
-            "With --direct: which device plug-in, by its GUID, its name or its file; the first one by GUID "
-            "unless given")
+            "With --direct: which device plug-in, by its GUID, its name or its file; the first one by "
+            "GUID, those of the system last, unless given")
         ->type_name("GUID|FILE")
         ->delimiter(',')
         ->check(anyName("plug-in"));

@@ -30,7 +30,8 @@ struct CameraEvent {
 
 /// A bare device plug-in, for its authors: without enumerator, descriptions and worker thread. A plain value. Separate.
 struct DeviceOptions {
-    /// Which one is meant: GUIDs, well-known names and files, each of any kind of device; the first by GUID unless given.
+    /// Which one is meant: GUIDs, well-known names and files, each of any kind of device; the first by GUID, those
+    /// of the system last, unless given.
     std::vector<std::string> plugins;
     /// Which controller it is to have, where it can have several: "VC0258".
     std::string controller;

@@ -1,0 +1,188 @@
+#include "plugins/alsa/alsa_device.h"
+
+#include <utility>
+
+#include <zentara/audio_configuration.h>
+#include <zentara/core/guids.h>
+#include <zentara/io/audio_requests.h>
+#include <zentara/io/streaming_requests.h>
+#include <zentara/utils/format.h>
+#include <zentara/utils/kv_logger.h>
+
+#include "plugins/linux/pending_request.h"
+
+namespace Zentara::Alsa {
+
+// Inside the device's own operations "Plugin" is the base class, so the exceptions are named here.
+using Utils::Format;
+using Utils::Threading::AutoLock;
+using Zentara::Plugin::ArgumentPluginException;
+using Zentara::Plugin::InvalidOperationPluginException;
+using Zentara::Plugin::NotSupportedPluginException;
+
+namespace {
+
+void tell(const std::string& text) {
+    if (Utils::KVLogger* log = Utils::KVLogger::instance()) {
+        log->warning(text);
+        Utils::KVLogger::release();
+    }
+}
+
+void requireLevel(float level) {
+    if (!(level >= 0 && level <= 1))
+        throw ArgumentPluginException(Format("the level of a microphone is from 0 to 1, not %") % level);
+}
+
+} // namespace
+
+AlsaDevice::AlsaDevice() : AudioDeviceInterface(Core::Guids::ALSAAUDIO_IMPL), path(defaultPath) {}
+
+AlsaDevice::~AlsaDevice() { letGo(); }
+
+void AlsaDevice::initialize(NodeEvent* event, Core::DescriptorStoreRO* store) {
+    AudioDeviceInterface::initialize(event, store);
+    letGo();
+    path = event->path;
+}
+
+void AlsaDevice::dispose() {
+    letGo();
+    AudioDeviceInterface::dispose();
+}
+
+void AlsaDevice::threadInitialize() {}
+void AlsaDevice::threadUninitialize() {}
+
+std::shared_ptr<Linux::CallThread> AlsaDevice::caller() {
+    const AutoLock hold(lock);
+    return ownThread;
+}
+
+bool AlsaDevice::cancelIO() {
+    const auto thread = caller();
+    return thread && thread->cancel();
+}
+
+void AlsaDevice::letGo() noexcept {
+    std::shared_ptr<Linux::CallThread> thread;
+    std::shared_ptr<Microphone> last;
+    {
+        const AutoLock hold(lock);
+        thread = std::move(ownThread);
+        last = std::move(microphone);
+    }
+    if (!last)
+        return;
+    last->end();
+    { const AutoLock reader(reading); }
+    thread->leave("close the microphone", [own = std::move(last)]() mutable { own.reset(); });
+}
+
+template<typename Work>
+auto AlsaDevice::call(IO::deviceRequest* request, const std::string& what, Work work) {
+    const auto thread = caller();
+    const Linux::PendingRequest pending(request);
+    return thread->call(what, std::move(work));
+}
+
+std::shared_ptr<Microphone> AlsaDevice::require(const char* operation) {
+    const AutoLock hold(lock);
+    if (!microphone)
+        throw InvalidOperationPluginException(Format("%: cannot %: the device is closed; open it first") %
+                                              path % operation);
+    return microphone;
+}
+
+void AlsaDevice::open(IO::deviceRequest* request) {
+    {
+        const AutoLock hold(lock);
+        if (microphone)
+            throw InvalidOperationPluginException(Format("%: cannot open: the device is open already") %
+                                                  path);
+        if (!ownThread)
+            ownThread = std::make_shared<Linux::CallThread>(path, path); // a card is silent for itself
+    }
+    auto opened =
+        call(request, "open the microphone", [place = path] { return std::make_shared<Microphone>(place); });
+    const AutoLock hold(lock);
+    microphone = std::move(opened);
+}
+
+void AlsaDevice::close(IO::deviceRequest* request) {
+    auto last = require("close");
+    last->end();
+    const AutoLock reader(reading);
+    {
+        const AutoLock hold(lock);
+        microphone.reset();
+    }
+    call(request, "close the microphone", [own = std::move(last)]() mutable { own.reset(); });
+}
+
+void AlsaDevice::disableStreaming(IO::disableRequest* request) {
+    const auto present = require("stop the stream");
+    present->end();
+    call(request, "stop the stream", [own = present] { own->stop(); });
+    if (present->overruns() != 0)
+        tell(Format("%: samples were lost % times, for they were not fetched in time") % path %
+             present->overruns());
+}
+
+ReadBufferStatus AlsaDevice::readBuffer(void* buffer, int size, std::int64_t* timestamp, int* length) {
+    if (buffer == nullptr || timestamp == nullptr || length == nullptr)
+        throw ArgumentPluginException("readBuffer: a pointer is null");
+    const AutoLock reader(reading);
+    std::shared_ptr<Microphone> present;
+    {
+        const AutoLock hold(lock);
+        present = microphone;
+    }
+    return present ? present->read(buffer, size, timestamp, length) : ReadBufferStatus_NOT_STREAMING;
+}
+
+void AlsaDevice::getDefaultConfiguration(IO::getAudioDefaultConfigurationsRequest* request) {
+    const SoundMode usual =
+        call(request, "ask for the mode", [own = require("ask for the mode")] { return own->usualMode(); });
+    const auto& mode = request->getConfiguration();
+    mode->setChannels(static_cast<int>(usual.channels));
+    mode->setBitsPerSample(static_cast<int>(usual.bits));
+    mode->setSampleRate(static_cast<int>(usual.rate));
+}
+
+void AlsaDevice::enableStreaming(IO::enableAudioRequest* request) {
+    const auto& wanted = request->getConfiguration();
+    if (!wanted)
+        throw ArgumentPluginException("enableAudio: the configuration is null");
+    requireLevel(request->getLevel());
+    const auto present = require("start the stream");
+    if (present->runs())
+        throw InvalidOperationPluginException(
+            Format("%: cannot start a stream: the device streams already; disable it first") % path);
+    const SoundMode mode{static_cast<unsigned>(wanted->getChannels()),
+                         static_cast<unsigned>(wanted->getBitsPerSample()),
+                         static_cast<unsigned>(wanted->getSampleRate())};
+    call(request, "start the stream",
+         [own = present, mode, level = request->getLevel(), mute = request->getMute(), place = path] {
+             const bool leveled = own->setLevel(level);
+             const bool muted = own->setMute(mute);
+             if (!leveled || (mute && !muted))
+                 tell(Format("%: the card has no control of its input's level, or none to mute it") % place);
+             own->start(mode);
+         });
+}
+
+void AlsaDevice::setInputMixerLevel(IO::setAudioLevelRequest* request) {
+    requireLevel(request->getLevel());
+    if (!call(request, "set the level",
+              [own = require("set the level"), level = request->getLevel()] { return own->setLevel(level); }))
+        throw NotSupportedPluginException(Format("%: the card has no control of its input's level") % path);
+}
+
+void AlsaDevice::setMute(IO::setAudioMuteRequest* request) {
+    if (!call(request, "mute",
+              [own = require("mute"), mute = request->getMute()] { return own->setMute(mute); }))
+        throw NotSupportedPluginException(Format("%: the card has no control that mutes its input") % path);
+}
+
+} // namespace Zentara::Alsa
