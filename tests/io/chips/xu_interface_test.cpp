@@ -115,33 +115,6 @@ TEST(XUInterfaceTest, CopiesAreViews) {
         EXPECT_THROW(chip->send(1, 1, 1, &byte), InvalidOperationPluginException);
 }
 
-/// Takes down which units a chip selects.
-template<typename Chip>
-class SelectingChip final : public Chip {
-public:
-    using Chip::setup;
-    void setup(const ::GUID& unit) override { selected.push_back(unit); }
-    std::vector<::GUID> selected;
-};
-
-template<typename Chip>
-void expectOneSelection(const ::GUID& unit) {
-    SelectingChip<Chip> chip;
-    chip.initialize(nullptr);
-    ASSERT_EQ(chip.selected.size(), 1U);
-    EXPECT_TRUE(guidEquals(chip.selected[0], unit));
-    chip.dispose();
-    EXPECT_EQ(chip.selected.size(), 1U) << "nothing is sent on the way out";
-}
-
-TEST(XUInterfaceTest, InitializeSelectsTheChipsOwnUnitOnce) {
-    expectOneSelection<IO::OV0570Impl>(
-        {0xdd880f8a, 0x1cba, 0x4954, {0x8a, 0x25, 0xf7, 0x87, 0x59, 0x67, 0xf0, 0xf7}});
-    const ::GUID vcUnit{0xa917c75d, 0x4119, 0x11da, {0xae, 0x0e, 0x00, 0x0d, 0x56, 0xac, 0x7b, 0x4c}};
-    expectOneSelection<IO::VC0258Impl>(vcUnit);
-    expectOneSelection<IO::VC0345Impl>(vcUnit);
-}
-
 } // namespace
 
 } // namespace Zentara::Test

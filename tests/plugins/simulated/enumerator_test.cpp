@@ -54,22 +54,6 @@ protected:
         TestSupport::makePlugin<IO::EnumeratorInterface>(Simulated::enumeratorGuid);
 };
 
-TEST_F(SimulatedEnumerator, AnnouncesTheCamerasNodesAndListsTheSame) {
-    enumerator->initialize(&events, nullptr);
-    enumerator->execute();
-    const std::vector<NodeEvent> arrived = arrivals(allNodes);
-    ASSERT_EQ(arrived.size(), allNodes);
-    EXPECT_EQ(arrived[0].nodeType, NodeType_DEPTH);
-    EXPECT_EQ(arrived[0].parentPath, arrived[2].parentPath);
-    EXPECT_NE(arrived[0].parentPath, arrived[3].parentPath);
-
-    EXPECT_EQ(listed(), arrived);
-    EXPECT_TRUE(enumerator->isPresent(arrived[1]));
-    NodeEvent stranger = arrived[1];
-    stranger.path = "simulated:7/audio";
-    EXPECT_FALSE(enumerator->isPresent(stranger));
-}
-
 TEST_F(SimulatedEnumerator, ASecondInitializeReplacesTheFirstWhileItRuns) {
     Utils::Collection::Queue<ExternalEvent> before;
     enumerator->initialize(&before, nullptr);

@@ -9,7 +9,8 @@
 #include <zentara/io/video_device_proxy.h>
 #include <zentara/io/xu_device_requests.h>
 
-#include "plugins/simulated/simulated_video_device.h"
+#include "plugins/simulated/firmware/ov0570_firmware.h"
+#include "plugins/simulated/port.h"
 #include "support/simulated_faults.h"
 #include "tests/plugins/camera_host.h"
 
@@ -96,6 +97,17 @@ TEST(DirectVideoDevice, CropsAndLeavesConfidenceAway) {
             ASSERT_EQ(depth[index], 0) << x << ',' << y;
     }
     EXPECT_GT(inside, 150U);
+}
+
+TEST(PortTest, ChecksUnitControlAndLengthAndWantsASelection) {
+    Port port(std::make_unique<OV0570Firmware>(OV0570Firmware::Settings{}));
+    Bytes packet(7);
+    EXPECT_THROW(port.set(6, 2, packet.data(), 7), Plugin::IOPluginException);
+    EXPECT_THROW(port.select(::GUID{}), Plugin::NotSupportedPluginException);
+    port.select(port.model().guid());
+    for (const auto& [unit, control, length] : {std::tuple{5U, 2U, 7U}, {6U, 4U, 7U}, {6U, 2U, 6U}})
+        EXPECT_THROW(port.set(unit, control, packet.data(), length), Plugin::IOPluginException)
+            << unit << control;
 }
 
 } // namespace
