@@ -44,7 +44,7 @@ protected:
 
     static std::vector<StreamInfo> describe() {
         StreamInfo depth;
-        depth.camera = {"S-7", "Camera", "V", "P", "bus:7", "OV0570", {Kind::Depth}, {}};
+        depth.camera = {"S-7", "Camera", "V", "P", "bus:7", "OV0570", {Kind::Color, Kind::Depth}, {}};
         depth.camera.nodes = {{Kind::Depth, "LEFT", "bus:7/depth", {1, 2, 3, 4}}};
         depth.mode = {.kind = Kind::Depth, .name = "DEFF1FR60CM1S1", .width = 4, .height = 2, .rate = 60};
         depth.mode.cameraMode = 1;
