@@ -28,6 +28,7 @@ constexpr std::int64_t microsOfSecond = 1'000'000;
 constexpr std::int64_t believedDelay = microsOfSecond; ///< from a frame's time to its arrival, on one clock
 constexpr std::size_t mostPending = 512; ///< of one stream; beyond it the oldest belong to no set
 constexpr milliseconds lookPause = std::chrono::milliseconds(20);
+constexpr milliseconds askPause = std::chrono::milliseconds(100);
 
 std::string milliseconds1(std::int64_t micros) {
     return Format("% ms") % (std::round(static_cast<double>(micros) / 100) / 10);
@@ -300,9 +301,16 @@ FrameSets::FrameSets(FrameSets&& other) noexcept = default;
 FrameSets& FrameSets::operator=(FrameSets&& other) noexcept = default;
 FrameSets::~FrameSets() = default;
 
-std::optional<FrameSet> FrameSets::next(milliseconds limit) {
+std::optional<FrameSet> FrameSets::next(milliseconds limit, const GoOn& goOn) {
     const auto end = steady_clock::now() + std::min(limit, milliseconds(std::chrono::hours(24 * 365)));
+    auto asked = steady_clock::now();
     for (;;) {
+        if (goOn && steady_clock::now() - asked >= askPause) {
+            asked = steady_clock::now();
+            if (!goOn())
+                throw Failure(Failure::Interrupted, "the wait for a set of frames of " +
+                                                        impl->leader->stream.label() + " was interrupted");
+        }
         if (impl->isStopped)
             return std::nullopt;
         impl->gather();

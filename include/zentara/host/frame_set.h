@@ -65,11 +65,11 @@ public:
     /// Ends the streams, which takes 2 s at most for each.
     ~FrameSets();
 
-    /// The next set, in order.
+    /// The next set, in order. \param goOn may end the wait: Failure (Interrupted)
     /// \return nothing at the end: all streams have ended, or stop() was called
     /// \throws Failure (TimedOut) when none came within the limit; what any of the streams failed with, once what came
     ///         before has been given out
-    [[nodiscard]] std::optional<FrameSet> next(std::chrono::milliseconds limit);
+    [[nodiscard]] std::optional<FrameSet> next(std::chrono::milliseconds limit, const GoOn& goOn = {});
 
     /// Ends all streams, and wakes whoever waits in next(). \throws Failure of the first that could not be ended in order
     void stop();
