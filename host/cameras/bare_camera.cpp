@@ -80,12 +80,12 @@ StreamInfo BareCamera::streamInfo(Kind kind, const Mode& mode) {
     return info;
 }
 
-IO::CameraChip& BareCamera::chip(const std::string& controller) {
-    return *errands.run("reach the controller of " + identity.label(),
-                        [own = bound, device = plugin(Kind::Depth), wanted = options.controller, controller] {
-                            own->open(device, wanted, controller);
-                            return own->chip();
-                        });
+std::shared_ptr<IO::CameraChip> BareCamera::chip(const std::string& controller) {
+    return errands.run("reach the controller of " + identity.label(),
+                       [own = bound, device = plugin(Kind::Depth), wanted = options.controller, controller] {
+                           own->open(device, wanted, controller);
+                           return own->chip();
+                       });
 }
 
 IO::VideoDeviceProxy& BareCamera::device() {

@@ -26,7 +26,7 @@ public:
     [[nodiscard]] StreamInfo streamInfo(Kind kind, const Mode& mode) override;
     [[nodiscard]] StreamSetup streamSetup(Kind kind, const Mode& mode) override;
     void close() override;
-    [[nodiscard]] IO::CameraChip& chip(const std::string& controller) override;
+    [[nodiscard]] std::shared_ptr<IO::CameraChip> chip(const std::string& controller) override;
     [[nodiscard]] IO::VideoDeviceProxy& device() override;
     void watchTransfers(IO::ChipListener listener) override { transfers->set(std::move(listener)); }
 

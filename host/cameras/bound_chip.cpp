@@ -81,33 +81,37 @@ BoundChip::~BoundChip() {
 }
 
 void BoundChip::open(const CameraEntry& camera, const std::string& controller) {
-    if (bound)
+    if (chip())
         return;
     checkController(controller);
+    binding = std::make_shared<Binding>();
+    NodeEvent& node = binding->node;
     node = videoNodeOf(camera);
-    store = std::make_unique<CameraStore>();
-    store->select(node);
-    const GUID guid = Plugin::callPlugin([this] { return store->view().getDeviceImplGUID(); });
+    binding->store = std::make_unique<CameraStore>();
+    binding->store->select(node);
+    Core::DescriptorStoreRO& store = binding->store->view();
+    const GUID guid = Plugin::callPlugin([&store] { return store.getDeviceImplGUID(); });
     attempt(Utils::Format("open % through %") % cameraLabel(node) % guidLabel(guid), [&] {
         auto device = std::make_unique<NodeDevice>(guid, true);
-        device->initialize(&node, &store->view());
-        proxy = std::move(device);
-        proxy->open();
+        device->initialize(&node, &store);
+        binding->proxy = std::move(device);
+        binding->proxy->open();
     });
-    const auto described = [this] { return Core::controllerNameOf(store->view()); };
+    const auto described = [&store] { return Core::controllerNameOf(store); };
     bind(cameraLabel(node), controller.empty() ? Plugin::callPlugin(described) : controller);
 }
 
 void BoundChip::open(const GUID& guid, const std::string& wanted, const std::string& controller) {
-    if (bound)
+    if (chip())
         return;
     checkController(wanted);
     checkController(controller);
+    binding = std::make_shared<Binding>();
     const ChosenController chosen(wanted.empty() ? controller : wanted);
     const std::string label = guidLabel(guid);
     attempt("open " + label, [&] {
-        proxy = std::make_unique<IO::VideoDeviceProxy>(guid, false);
-        proxy->open();
+        binding->proxy = std::make_unique<IO::VideoDeviceProxy>(guid, false);
+        binding->proxy->open();
     });
     bind(label, controller);
 }
@@ -118,20 +122,21 @@ void BoundChip::bind(const std::string& label, const std::string& controller) {
         const IO::ChipListener listener = [watch = transfers](const IO::ChipTransfer& transfer) {
             (*watch)(transfer);
         };
-        bound = controller.empty() ? IO::CameraChip::detect(*proxy, listener)
-                                   : IO::CameraChip::create(controller, *proxy, listener);
-        if (!bound)
+        binding->chip = controller.empty() ? IO::CameraChip::detect(*binding->proxy, listener)
+                                           : IO::CameraChip::create(controller, *binding->proxy, listener);
+        if (!binding->chip)
             throw Failure(Failure::NoDevice, "the camera has no controller that is known");
     });
 }
 
 void BoundChip::close() {
-    if (!proxy)
+    const std::shared_ptr<Binding> last = std::move(binding); // closed or not, it goes
+    if (!last || !last->proxy)
         return;
     const Step watched("close the camera");
-    bound.reset();
-    const std::unique_ptr<IO::VideoDeviceProxy> last = std::move(proxy); // closed or not, it goes
-    attempt("close the camera", [&] { last->close(); });
+    if (last.use_count() == 1)
+        last->chip.reset(); // as long as it has a device
+    attempt("close the camera", [&] { last->proxy->close(); });
 }
 
 } // namespace Zentara::Host

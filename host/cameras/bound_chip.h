@@ -42,18 +42,26 @@ public:
     /// Lets go of chip and device. \throws Failure
     void close();
 
-    // Null before open() and after close().
-    [[nodiscard]] IO::CameraChip* chip() const noexcept { return bound.get(); }
-    [[nodiscard]] IO::VideoDeviceProxy* device() const noexcept { return proxy.get(); }
+    // Null before open() and after close(). Who still has the chip when it is closed finds its device closed.
+    [[nodiscard]] std::shared_ptr<IO::CameraChip> chip() const noexcept {
+        return binding ? std::shared_ptr<IO::CameraChip>(binding, binding->chip.get()) : nullptr;
+    }
+    [[nodiscard]] IO::VideoDeviceProxy* device() const noexcept {
+        return binding ? binding->proxy.get() : nullptr;
+    }
 
 private:
+    /// What ends together, with the last who has the chip.
+    struct Binding {
+        NodeEvent node;
+        std::unique_ptr<CameraStore> store; ///< the device may read it until its end
+        std::unique_ptr<IO::VideoDeviceProxy> proxy;
+        std::unique_ptr<IO::CameraChip> chip;
+    };
     void bind(const std::string& label, const std::string& controller);
 
     const std::shared_ptr<TransferWatch> transfers;
-    NodeEvent node;
-    std::unique_ptr<CameraStore> store; ///< the device may read it until its end
-    std::unique_ptr<IO::VideoDeviceProxy> proxy;
-    std::unique_ptr<IO::CameraChip> bound;
+    std::shared_ptr<Binding> binding;
 };
 
 } // namespace Zentara::Host

@@ -325,7 +325,7 @@ void Camera::reconnectParameters() const {
     impl->real(what).ask(what, [](CameraParts& parts) { parts.disconnectParameters(); });
 }
 
-IO::CameraChip& Camera::chip(const std::string& controller) const { return impl->chip(controller); }
+IO::CameraChip& Camera::chip(const std::string& controller) const { return *impl->chip(controller); }
 
 IO::VideoDeviceProxy& Camera::device() const { return impl->device(); }
 

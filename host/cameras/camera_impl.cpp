@@ -14,7 +14,7 @@ Sources CameraImpl::sources() { refuse("ask where the calibration comes from"); 
 
 StereoCameraParametersArray CameraImpl::lensModels() { refuse("ask for the lens models"); }
 
-IO::CameraChip& CameraImpl::chip(const std::string&) { refuse("reach the controller"); }
+std::shared_ptr<IO::CameraChip> CameraImpl::chip(const std::string&) { refuse("reach the controller"); }
 
 IO::VideoDeviceProxy& CameraImpl::device() { refuse("reach the device"); }
 

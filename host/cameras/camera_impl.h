@@ -29,6 +29,8 @@ public:
     /// How a stream comes about, which keeps the camera open.
     [[nodiscard]] virtual StreamSetup streamSetup(Kind kind, const Mode& mode) = 0;
     virtual void close() = 0;
+    /// \param what is attempted, for the message \throws Failure (Usage) after close(); a bare device opens again
+    virtual void checkOpen(const std::string& /*what*/) const {}
 
     /// Those that were made of its setups; they are to be stopped before close().
     [[nodiscard]] StreamList& streams() noexcept { return running; }
@@ -37,7 +39,7 @@ public:
     [[nodiscard]] virtual Corrections corrections();
     [[nodiscard]] virtual Sources sources();
     [[nodiscard]] virtual StereoCameraParametersArray lensModels();
-    [[nodiscard]] virtual IO::CameraChip& chip(const std::string& controller);
+    [[nodiscard]] virtual std::shared_ptr<IO::CameraChip> chip(const std::string& controller);
     [[nodiscard]] virtual IO::VideoDeviceProxy& device();
     virtual void watchTransfers(IO::ChipListener listener);
 

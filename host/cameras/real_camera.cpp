@@ -66,8 +66,8 @@ StereoCameraParametersArray RealCamera::lensModels() {
                     [](Core::DepthNodeInterface& depth) { return depth.getImageRegistrationCalibration(); });
 }
 
-IO::CameraChip& RealCamera::chip(const std::string& controller) {
-    return *ask("reach the controller of " + identity.label(), [controller](CameraParts& own) {
+std::shared_ptr<IO::CameraChip> RealCamera::chip(const std::string& controller) {
+    return ask("reach the controller of " + identity.label(), [controller](CameraParts& own) {
         own.chip().open(own.entry(), controller);
         return own.chip().chip();
     });

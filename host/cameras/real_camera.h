@@ -27,6 +27,7 @@ public:
     [[nodiscard]] StreamInfo streamInfo(Kind kind, const Mode& mode) override;
     [[nodiscard]] StreamSetup streamSetup(Kind kind, const Mode& mode) override;
     void close() override;
+    void checkOpen(const std::string& what) const override;
     [[nodiscard]] RealCamera& real(const std::string&) override { return *this; }
 
     /// Does work with the parts. A failure is NoDevice when the camera is not plugged in any more.
@@ -55,7 +56,7 @@ public:
     [[nodiscard]] Corrections corrections() override;
     [[nodiscard]] Sources sources() override;
     [[nodiscard]] StereoCameraParametersArray lensModels() override;
-    [[nodiscard]] IO::CameraChip& chip(const std::string& controller) override;
+    [[nodiscard]] std::shared_ptr<IO::CameraChip> chip(const std::string& controller) override;
     [[nodiscard]] IO::VideoDeviceProxy& device() override;
     void watchTransfers(IO::ChipListener listener) override { transfers->set(std::move(listener)); }
 
@@ -67,7 +68,6 @@ public:
     [[nodiscard]] std::chrono::milliseconds limit() const noexcept { return errands.limit; }
 
 private:
-    void checkOpen(const std::string& what) const;
     [[noreturn]] void passOn(const Failure& failure);
 
     const std::shared_ptr<CameraRegister> whereFrom;

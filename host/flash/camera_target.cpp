@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cctype>
+#include <functional>
 #include <utility>
 
 #include <zentara/host/camera.h>
@@ -26,23 +27,32 @@ void checkRange(std::uint32_t address, std::size_t length) {
                                         static_cast<unsigned long long>(length) % address);
 }
 
-/// A camera's flash through its controller. Throws what the chip throws.
+/// Throws when the camera is closed, whose device must not be used then.
+using Guard = std::function<void()>;
+
+/// A camera's flash through its controller. Throws what the chip and the guard throw.
 class CameraFlash final : public ROM::Accessor {
 public:
-    explicit CameraFlash(IO::CameraChip& controller) : chip(controller) {}
+    CameraFlash(IO::CameraChip& controller, const Guard& guard) : chip(controller), checkOpen(guard) {}
 
     std::vector<std::uint8_t> read(std::uint32_t address, std::uint32_t length) override {
-        checkRange(address, length);
+        check(address, length);
         return length == 0 ? std::vector<std::uint8_t>() : chip.readConfiguration(address, length);
     }
     void write(std::uint32_t address, const std::vector<std::uint8_t>& bytes) override {
-        checkRange(address, bytes.size());
+        check(address, bytes.size());
         if (!bytes.empty())
             chip.writeConfiguration(address, bytes);
     }
 
 private:
+    void check(std::uint32_t address, std::size_t length) const {
+        checkRange(address, length);
+        checkOpen();
+    }
+
     IO::CameraChip& chip;
+    const Guard& checkOpen;
 };
 
 /// A name in a file's name.
@@ -55,9 +65,10 @@ std::string plainName(std::string text) {
 
 class CameraTarget final : public Flash::Target {
 public:
-    CameraTarget(std::shared_ptr<IO::CameraChip> controller, const CameraInfo& who, const FlashArea& area,
-                 const FlashOptions& wanted, Flash::Access purpose)
-        : Target(area, wanted, purpose), chip(std::move(controller)), accessor(*chip) {
+    CameraTarget(std::shared_ptr<IO::CameraChip> controller, Guard usable, const CameraInfo& who,
+                 const FlashArea& area, const FlashOptions& wanted, Flash::Access purpose)
+        : Target(area, wanted, purpose), guard(std::move(usable)), chip(std::move(controller)),
+          accessor(*chip, guard) {
         owner = who;
         owner->controller = chip->name();
         detect();
@@ -87,6 +98,7 @@ public:
     [[nodiscard]] bool mayMisread() const override { return true; }
 
 private:
+    const Guard guard; ///< it may keep the camera, and goes last
     const std::shared_ptr<IO::CameraChip> chip;
     CameraFlash accessor;
 };
@@ -109,8 +121,9 @@ std::optional<ROMElement> storageOf(const Camera& camera) {
 } // namespace
 
 Flash Flash::camera(const Camera& camera, const FlashOptions& options, Access access) {
-    std::shared_ptr<IO::CameraChip> chip(camera.held(), &camera.chip());
-    auto target = std::make_unique<CameraTarget>(std::move(chip), camera.info(),
+    std::shared_ptr<IO::CameraChip> chip = camera.held()->chip({});
+    auto usable = [held = camera.held()] { held->checkOpen("use the flash"); };
+    auto target = std::make_unique<CameraTarget>(std::move(chip), std::move(usable), camera.info(),
                                                  areaOnCamera(options, storageOf(camera)), options, access);
     if (access == Access::Write)
         target->checkWritable();

@@ -28,6 +28,7 @@ public:
     [[nodiscard]] StreamInfo streamInfo(Kind kind, const Mode& mode) override;
     [[nodiscard]] StreamSetup streamSetup(Kind kind, const Mode& mode) override;
     void close() override { isClosed = true; }
+    void checkOpen(const std::string& what) const override;
 
     [[nodiscard]] Corrections corrections() override;
     [[nodiscard]] Sources sources() override;
@@ -35,7 +36,6 @@ public:
 
 private:
     [[nodiscard]] std::string whatItLacks() const override;
-    void checkOpen(const std::string& what) const;
     [[nodiscard]] std::size_t indexOf(Kind kind, const Mode& mode) const;
     [[nodiscard]] const StreamInfo& depth(const std::string& what) const;
 

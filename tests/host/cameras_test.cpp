@@ -124,8 +124,10 @@ TEST_F(SomeCameras, HaveParametersSensorsAndAChip) {
     static_cast<void>(camera.chip().read(IO::CameraChip::Target::Tof, 0x21));
     EXPECT_FALSE(transfers.empty());
 
+    Flash flash = camera.flash();
     camera.close();
     camera.close();
+    EXPECT_THROW(static_cast<void>(flash.load()), Failure) << "its device is closed";
     EXPECT_EQ(failureOf([&] { static_cast<void>(camera.temperatures()); }).code(), Failure::Usage);
     EXPECT_THAT(notes, IsEmpty());
 }

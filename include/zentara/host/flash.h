@@ -126,8 +126,8 @@ public:
     [[nodiscard]] static Flash create(const std::string& path, const FlashOptions& options = {},
                                       Access access = Access::Write);
 
-    /// A camera's flash, where its description puts the storage unless the options say. It keeps the camera, which must
-    /// not be closed meanwhile; the controller is reached at once.
+    /// A camera's flash, where its description puts the storage unless the options say. It keeps the camera; once
+    /// that is closed, it throws. The controller is reached at once.
     /// \throws Failure as Camera::chip(), (Usage) where neither the description nor the options say where the storage
     /// lies, (Permission) to write through a controller that cannot
     [[nodiscard]] static Flash camera(const Camera& camera, const FlashOptions& options = {},
