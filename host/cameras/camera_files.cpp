@@ -91,6 +91,13 @@ std::string calibrationDocument(const CameraInfo& camera, const CalibrationInter
 
 std::string toJson(const CalibrationInternal& calibration) { return printed(calibrationJson(calibration)); }
 
+CalibrationInternal calibrationFromJson(const std::string& text, const std::string& source) {
+    return readingFrom(source, [&text] {
+        const Json document = parseJson(text);
+        return asMarshalled(calibrationFromJson(JsonPlace(document)));
+    });
+}
+
 std::vector<ValueChange> changesBetween(const CalibrationInternal& before, const CalibrationInternal& after) {
     return differencesBetween(calibrationJson(before), calibrationJson(after));
 }

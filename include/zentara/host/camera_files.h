@@ -36,6 +36,9 @@ struct StoredCalibration {
                                                                const CalibrationInternal& calibration);
 /// Its field `calibration` alone.
 [[nodiscard]] ZENTARA_HOST_API std::string toJson(const CalibrationInternal& calibration);
+/// The reverse. \param source of the text, for messages
+[[nodiscard]] ZENTARA_HOST_API CalibrationInternal calibrationFromJson(const std::string& text,
+                                                                       const std::string& source);
 /// What one says other than the other, of what travels.
 [[nodiscard]] ZENTARA_HOST_API std::vector<ValueChange> changesBetween(const CalibrationInternal& before,
                                                                        const CalibrationInternal& after);
