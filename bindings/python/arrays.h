@@ -25,9 +25,9 @@ template<typename T>
 using Rows = pybind11::array_t<T, pybind11::array::c_style>;
 
 /// \throws pybind11::value_error when there are not as many dimensions, or the last is not `last` (0: any)
-template<typename T>
-std::span<const T> spanOf(const Rows<T>& array, pybind11::ssize_t dimensions, pybind11::ssize_t last,
-                          const char* what) {
+template<typename T, int Flags>
+std::span<const T> spanOf(const pybind11::array_t<T, Flags>& array, pybind11::ssize_t dimensions,
+                          pybind11::ssize_t last, const char* what) {
     if (array.ndim() != dimensions || (last != 0 && array.shape(dimensions - 1) != last))
         throw pybind11::value_error(std::string(what) + " has " + std::to_string(array.ndim()) +
                                     " dimensions, not " + std::to_string(dimensions) +

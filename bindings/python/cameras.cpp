@@ -10,6 +10,8 @@
 #include <zentara/host/cameras.h>
 #include <zentara/host/own_root.h>
 
+#include "bindings/python/flash.h"
+#include "bindings/python/frame_sets.h"
 #include "bindings/python/streams.h"
 #include "bindings/python/values.h"
 
@@ -20,15 +22,10 @@ using namespace pybind11::literals;
 using Host::Camera;
 using Host::Kind;
 using Host::Parameter;
+using Python::dictionaryOf;
 
 using Word = std::variant<int, std::string>; ///< a parameter's number or name
 using Number = std::variant<bool, std::int64_t, double, std::array<std::uint32_t, 4>>;
-
-std::shared_ptr<Host::Cameras> newCameras() {
-    Host::Cameras::Options options;
-    options.note = notes();
-    return std::make_shared<Host::Cameras>(std::move(options));
-}
 
 std::unique_ptr<CameraObject> open(const std::string& name) {
     return std::make_unique<CameraObject>(interruptible([name] { return newCameras()->open(name); }));
@@ -43,6 +40,24 @@ std::unique_ptr<StreamObject> streamOf(const CameraObject& self, Kind kind,
     return std::make_unique<StreamObject>(
         self.ask([options, kind](const Camera& camera) { return camera.stream(kind, options); }), frames,
         patience);
+}
+
+FrameSetsObject* setsOf(const CameraObject& self, const std::optional<std::string>& depth,
+                        const std::optional<std::string>& color, const std::optional<std::string>& audio,
+                        double patience, double limit, std::size_t queue) {
+    const std::chrono::milliseconds each = millisecondsOf(limit);
+    const Host::FrameSets::Options options{millisecondsOf(patience)};
+    const std::array wanted{std::pair(Kind::Depth, depth), std::pair(Kind::Color, color),
+                            std::pair(Kind::Audio, audio)};
+    return new FrameSetsObject(self.ask([wanted, options, queue](const Camera& camera) {
+        std::vector<Host::Stream> streams;
+        for (const auto& [kind, mode] : wanted) {
+            if (mode)
+                streams.push_back(camera.stream(kind, {.mode = *mode, .queue = queue, .started = false}));
+        }
+        return Host::FrameSets(std::move(streams), options);
+    }),
+                               each);
 }
 
 // Parameters ---------------------------------------------------------------------------------------------------------
@@ -112,7 +127,7 @@ void setParameter(const CameraObject& self, const Word& word, const Number& valu
     });
 }
 
-// Sensors and calibration --------------------------------------------------------------------------------------------
+// Sensors --------------------------------------------------------------------------------------------
 
 py::dict temperaturesOf(const CameraObject& self) {
     py::dict all;
@@ -121,69 +136,19 @@ py::dict temperaturesOf(const CameraObject& self) {
     return all;
 }
 
-py::dict dictionaryOf(const AccelerationInternal& value) {
-    return py::dict("x"_a = value.x, "y"_a = value.y, "z"_a = value.z);
-}
-
 py::object accelerometerOf(const CameraObject& self) {
     const std::optional<Host::Acceleration> read =
         self.ask([](const Camera& camera) { return camera.accelerometer(); });
     return read ? py::object(dictionaryOf(read->value)) : py::none();
 }
 
-py::dict dictionaryOf(const StereoCameraParametersArray& models) {
-    py::list depth;
-    py::list color;
-    for (const CameraIntrinsics& model : models.depthIntrinsics.values)
-        depth.append(Python::dictionaryOf(model));
-    for (const CameraIntrinsics& model : models.colorIntrinsics.values)
-        color.append(Python::dictionaryOf(model));
-    const auto& poses = models.extrinsics.values;
-    return py::dict("depth"_a = depth, "color"_a = color,
-                    "pose"_a = poses.empty() ? py::object(py::none()) : Python::dictionaryOf(poses.front()));
-}
-py::dict dictionaryOf(const Host::Corrections& corrections) { return Python::dictionaryOf(corrections); }
-py::dict dictionaryOf(const Host::Sources& sources) {
-    return py::dict(
-        "lens"_a = Host::sourceName(sources.lens), "pose"_a = Host::sourceName(sources.extrinsics),
-        "corrections"_a = Host::sourceName(sources.corrections),
-        "accelerometer"_a = Host::sourceName(sources.accelerometer),
-        "serial_number"_a = Host::sourceName(sources.serialNumber), "failure"_a = text(sources.failure));
-}
-
-/// What the camera gives, or None where it has no such thing.
-template<typename Read>
-py::object partOf(const CameraObject& self, Read read) {
-    using Value = std::invoke_result_t<Read, const Camera&>;
-    const auto value = self.ask([read](const Camera& camera) -> std::optional<Value> {
-        try {
-            return read(camera);
-        } catch (const Host::Unsupported&) {
-            return {};
-        }
-    });
-    if (!value)
-        return py::none();
-    if constexpr (std::is_same_v<Value, std::string>)
-        return text(*value);
-    else if constexpr (std::is_arithmetic_v<Value>)
-        return py::cast(*value);
-    else
-        return dictionaryOf(*value);
-}
-
-py::dict calibrationOf(const CameraObject& self) {
-    return py::dict(
-        "lens_models"_a = partOf(self, [](const Camera& camera) { return camera.lensModels(); }),
-        "corrections"_a = partOf(self, [](const Camera& camera) { return camera.corrections(); }),
-        "accelerometer"_a =
-            partOf(self, [](const Camera& camera) { return camera.accelerometerCalibration(); }),
-        "serial_number"_a = partOf(self, [](const Camera& camera) { return camera.storedSerialNumber(); }),
-        "range_metres"_a = partOf(self, [](const Camera& camera) { return camera.rangeMetres(); }),
-        "sources"_a = partOf(self, [](const Camera& camera) { return camera.sources(); }));
-}
-
 } // namespace
+
+std::shared_ptr<Host::Cameras> newCameras() {
+    Host::Cameras::Options options;
+    options.note = notes();
+    return std::make_shared<Host::Cameras>(std::move(options));
+}
 
 CameraObject::CameraObject(Camera camera) : held(std::move(camera)) {
     endAtExit<Camera>(held.share(), [](Camera& still) { still.close(); });
@@ -203,6 +168,14 @@ void bindCamera(CameraClass& bound) {
             "one;\n"
             "queue: how many are kept, the oldest is dropped; await_return: goes on when the camera is "
             "back.");
+    bound
+        .def("frame_sets", &setsOf, py::kw_only(), "depth"_a = "", "color"_a = "", "audio"_a = py::none(),
+             "patience"_a = 0.2, "limit"_a = 2.0, "queue"_a = 8,
+             "What its streams deliver at one time, for `for`. depth, color, audio: a mode, \"\" for the "
+             "first one, None\n"
+             "for none; patience: how many seconds a set waits for what is missing.")
+        .def("flash", &flashOf, py::kw_only(), "write"_a = false, "start"_a = py::none(), "size"_a = 0,
+             "Its flash, where the description says that the calibration lies, or start and size say.");
     bound.def_property_readonly("info", [](const CameraObject& self) { return self.camera().info(); })
         .def(
             "modes",
@@ -237,8 +210,6 @@ void bindCamera(CameraClass& bound) {
              "Sets one, by name or number; the camera may round. A region is (x, y, width, height).")
         .def("temperatures", &temperaturesOf, "Degrees Celsius by the sensor's name, or its number.")
         .def("accelerometer", &accelerometerOf, "x, y and z in g; None for a camera without one.")
-        .def("calibration", &calibrationOf,
-             "What it knows of its lenses and corrections, and where that comes from.")
         .def(
             "close", [](const CameraObject& self) { self.ask([](const Camera& camera) { camera.close(); }); },
             "Closes the camera; its streams end.")

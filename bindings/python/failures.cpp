@@ -7,22 +7,23 @@
 #include "bindings/python/values.h"
 
 namespace Zentara::Python {
-namespace {
 
 namespace py = pybind11;
 
+namespace {
+
 void raise(const Host::Failure& failure) {
-    py::list details;
-    for (const std::string& line : failure.details())
-        details.append(text(line));
-    const py::object exception =
-        py::module_::import("zentara._failures")
-            .attr("failure_of")(static_cast<int>(failure.code()), text(failure.message()),
-                                text(failure.cause()), text(failure.remedy()), details);
+    const py::object exception = exceptionOf(failure);
     PyErr_SetObject(py::type::handle_of(exception).ptr(), exception.ptr());
 }
 
 } // namespace
+
+py::object exceptionOf(const Host::Failure& failure) {
+    return py::module_::import("zentara._failures")
+        .attr("failure_of")(static_cast<int>(failure.code()), text(failure.message()), text(failure.cause()),
+                            text(failure.remedy()), textsOf(failure.details()));
+}
 
 void bindFailures() {
     py::register_local_exception_translator([](std::exception_ptr thrown) {

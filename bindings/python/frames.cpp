@@ -143,13 +143,7 @@ void bindFrame(FrameClass& frame) {
             },
             "The frame with its depth corrected as far as the camera's calibration tells how.")
         .def_property_readonly(
-            "uncorrected",
-            [](const FrameObject& self) {
-                py::list lines;
-                for (const std::string& line : self.frame().uncorrected())
-                    lines.append(text(line));
-                return py::tuple(lines);
-            },
+            "uncorrected", [](const FrameObject& self) { return textsOf(self.frame().uncorrected()); },
             "What its depth is not corrected for, and why.")
         .def_property_readonly("rgb", &rgbOf, "(height, width, 3) bytes of a colour frame.")
         .def_property_readonly("samples", &samplesOf, "(number, channels) of a block of sound.")

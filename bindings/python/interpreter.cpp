@@ -108,6 +108,12 @@ Host::Note notes() {
     };
 }
 
+void checkSignals() {
+    if (PyErr_CheckSignals() != 0)
+        throw py::error_already_set();
+}
+
+/// A logger that fails is no failure of what was asked for; Ctrl-C in it is one.
 void tellNotes() {
     std::vector<std::string> all;
     {
@@ -116,9 +122,28 @@ void tellNotes() {
     }
     if (all.empty())
         return;
-    const py::object warn = py::module_::import("logging").attr("getLogger")("zentara").attr("warning");
-    for (const std::string& note : all)
-        warn("%s", text(note));
+    try {
+        const py::object warn = py::module_::import("logging").attr("getLogger")("zentara").attr("warning");
+        for (const std::string& note : all)
+            warn("%s", text(note));
+    } catch (py::error_already_set& failure) {
+        if (!failure.matches(PyExc_Exception))
+            throw;
+        failure.discard_as_unraisable("zentara's logger");
+    }
+}
+
+Host::Progress Errand::progress() {
+    return [this](std::uint64_t done, std::uint64_t all) {
+        const std::lock_guard hold(lock);
+        state = {done, all};
+        return !isUnwanted;
+    };
+}
+
+std::pair<std::uint64_t, std::uint64_t> Errand::howFar() const {
+    const std::lock_guard hold(lock);
+    return state;
 }
 
 void Detail::endAtExit(std::weak_ptr<void> thing, std::function<void(void*)> end) {

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <cstdint>
 #include <exception>
 #include <functional>
 #include <memory>
@@ -15,6 +17,7 @@
 #include <pybind11/pybind11.h>
 #include <zentara/host/failure.h>
 #include <zentara/host/note.h>
+#include <zentara/host/progress.h>
 
 /// What stands between the interpreter and the host library: who holds the interpreter's lock, Ctrl-C, fork, and the end
 /// of the interpreter. The thread that Python calls on is the only one that ever takes the lock.
@@ -43,6 +46,9 @@ void requireUsable();
 /// For the host library: keeps what it notes until a thread of Python's comes by, which gives it to the logger "zentara".
 [[nodiscard]] Host::Note notes();
 void tellNotes();
+
+/// \throws py::error_already_set after Ctrl-C, on Python's main thread
+void checkSignals();
 
 /// Has the thing ended when the interpreter ends, if it is still there: `end` is called on a thread of its own, without
 /// the interpreter's lock.
@@ -117,50 +123,131 @@ std::invoke_result_t<Work&, const std::function<bool()>&> waiting(Work work) {
     }
 }
 
+namespace Detail {
+/// Work on a thread of its own. The work owns all that it touches, for its caller may leave it behind.
+template<typename Work>
+class Job final {
+public:
+    using Result = std::invoke_result_t<Work&>;
+
+    [[nodiscard]] static std::shared_ptr<Job> start(Work todo) {
+        const auto job = std::make_shared<Job>();
+        std::thread([job, work = std::optional<Work>(std::move(todo))]() mutable {
+            try {
+                if constexpr (std::is_void_v<Result>)
+                    (*work)();
+                else
+                    job->result.emplace((*work)());
+            } catch (...) {
+                job->failure = std::current_exception();
+            }
+            work.reset();
+            const std::lock_guard hold(job->lock);
+            job->isDone = true;
+            job->ended.notify_all();
+        }).detach();
+        return job;
+    }
+
+    /// Whether it has ended; waits a slice for that.
+    [[nodiscard]] bool hasEnded() {
+        std::unique_lock hold(lock);
+        return ended.wait_for(hold, slice, [this] { return isDone; });
+    }
+
+    /// Once it has ended: what came of it.
+    Result take() {
+        if (failure)
+            std::rethrow_exception(failure);
+        if constexpr (!std::is_void_v<Result>)
+            return std::move(*result);
+    }
+
+private:
+    std::conditional_t<std::is_void_v<Result>, std::nullptr_t, std::optional<Result>> result{};
+    std::exception_ptr failure;
+    std::mutex lock;
+    std::condition_variable ended;
+    bool isDone = false; // guarded by `lock`; after it the rest is the caller's
+};
+
+/// Waits for a job without the interpreter's lock. \param look is called now and then with the lock, and may throw:
+/// then the job is left behind
+template<typename Work, typename Look>
+void await(Job<Work>& job, Look look) {
+    for (;;) {
+        PyThreadState* const state = leave();
+        if (state == nullptr)
+            throw Host::Failure(Host::Failure::Interrupted, "interrupted", "the interpreter has ended");
+        const bool hasEnded = job.hasEnded();
+        comeBack(state);
+        if (hasEnded)
+            return;
+        look();
+    }
+}
+} // namespace Detail
+
 /// Does long work that cannot be asked to end: on a thread of its own, while the caller waits for Ctrl-C as well. What is
 /// interrupted goes on alone, up to its own limit, and its result is dropped; so the work owns all that it touches.
 template<typename Work>
 std::invoke_result_t<Work&> interruptible(Work work) {
-    using Result = std::invoke_result_t<Work&>;
-    struct Job {
-        explicit Job(Work todo) : work(std::move(todo)) {}
-        std::optional<Work> work;
-        std::conditional_t<std::is_void_v<Result>, std::nullptr_t, std::optional<Result>> result{};
-        std::exception_ptr failure;
-        std::mutex lock;
-        std::condition_variable ended;
-        bool isDone = false; // guarded by `lock`; after it the rest is the caller's
-    };
     requireUsable();
-    const auto job = std::make_shared<Job>(std::move(work));
-    std::thread([job] {
+    const auto job = Detail::Job<Work>::start(std::move(work));
+    Detail::await(*job, checkSignals);
+    tellNotes();
+    return job->take();
+}
+
+/// What long work and the caller who waits for it tell each other. Safe.
+class Errand final {
+public:
+    /// For the host library: keeps how far it is, and asks for the end once nobody wants it any more.
+    [[nodiscard]] Host::Progress progress();
+
+    [[nodiscard]] std::pair<std::uint64_t, std::uint64_t> howFar() const;
+    void end() noexcept { isUnwanted = true; }
+    [[nodiscard]] bool isWanted() const noexcept { return !isUnwanted; }
+
+private:
+    std::atomic<bool> isUnwanted{false};
+    mutable std::mutex lock;
+    std::pair<std::uint64_t, std::uint64_t> state{0, 0}; // guarded by `lock`
+};
+
+/// Does long work on a thread of its own, and tells the caller's `progress` (done, all) meanwhile; may be None. When that
+/// returns False or raises, and after Ctrl-C, the work is asked to end.
+/// \param work takes the errand, and owns all else that it touches
+/// \param finishes whether half of it must not be left behind: Ctrl-C then waits until it has ended, a second one does
+///        not. Otherwise it is left behind at once, and ends alone
+template<typename Work>
+auto reporting(const py::object& progress, bool finishes, Work work) {
+    requireUsable();
+    const auto errand = std::make_shared<Errand>();
+    auto whole = [errand, work = std::move(work)]() mutable { return work(*errand); };
+    const auto job = Detail::Job<decltype(whole)>::start(std::move(whole));
+    std::optional<py::error_already_set> raised;
+    std::pair<std::uint64_t, std::uint64_t> told{0, 0};
+    Detail::await(*job, [&] {
         try {
-            if constexpr (std::is_void_v<Result>)
-                (*job->work)();
-            else
-                job->result.emplace((*job->work)());
-        } catch (...) {
-            job->failure = std::current_exception();
-        }
-        job->work.reset();
-        const std::lock_guard hold(job->lock);
-        job->isDone = true;
-        job->ended.notify_all();
-    }).detach();
-    waiting([&job](const std::function<bool()>& goOn) {
-        std::unique_lock hold(job->lock);
-        while (!job->ended.wait_for(hold, slice, [&job] { return job->isDone; })) {
-            hold.unlock();
-            if (!goOn())
-                throw Host::Failure(Host::Failure::Interrupted, "interrupted");
-            hold.lock();
+            checkSignals();
+            tellNotes();
+            if (const auto now = errand->howFar(); !raised && !progress.is_none() && now != told) {
+                told = now;
+                if (progress(now.first, now.second).is(py::bool_(false)))
+                    errand->end();
+            }
+        } catch (const py::error_already_set& failure) {
+            errand->end();
+            if (!finishes || raised)
+                throw;
+            raised = failure;
         }
     });
+    if (raised)
+        throw py::error_already_set(*raised);
     tellNotes();
-    if (job->failure)
-        std::rethrow_exception(job->failure);
-    if constexpr (!std::is_void_v<Result>)
-        return std::move(*job->result);
+    return job->take();
 }
 
 /// An object of the host library that Python holds: it is destroyed without the interpreter's lock.
@@ -168,6 +255,7 @@ template<typename T>
 class Held final {
 public:
     explicit Held(T value) : object(std::make_shared<T>(std::move(value))) {}
+    explicit Held(std::shared_ptr<T> made) : object(std::move(made)) {}
     Held(const Held&) = delete;
     Held& operator=(const Held&) = delete;
     ~Held() {

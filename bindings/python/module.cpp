@@ -1,11 +1,15 @@
+#include "bindings/python/calibration.h"
 #include "bindings/python/cameras.h"
 #include "bindings/python/failures.h"
+#include "bindings/python/flash.h"
+#include "bindings/python/frame_sets.h"
 #include "bindings/python/frames.h"
 #include "bindings/python/interpreter.h"
 #include "bindings/python/pictures.h"
 #include "bindings/python/recordings.h"
 #include "bindings/python/streams.h"
 #include "bindings/python/values.h"
+#include "bindings/python/watch.h"
 
 PYBIND11_MODULE(_zentara, module) {
     using namespace Zentara::Python;
@@ -21,6 +25,9 @@ PYBIND11_MODULE(_zentara, module) {
     StreamClass stream(module, "Stream",
                        "The frames of a camera, as they come; go through them with `for`.\n\n"
                        "Several threads may wait for frames while another one stops the stream.");
+    FrameSetsClass sets(
+        module, "FrameSets",
+        "What several streams of one camera deliver at one time; go through them with `for`.");
     FrameClass frame(
         module, "Frame",
         "One picture of depth or colour, or one block of sound.\n\n"
@@ -33,7 +40,11 @@ PYBIND11_MODULE(_zentara, module) {
     bindFrame(frame);
     bindStream(stream);
     bindCamera(camera);
+    bindCalibration(camera);
+    bindFrameSets(module, sets);
+    bindFlash(module);
     bindCameras(module);
+    bindWatch(module);
     bindRecordings(module);
     bindPictures(module);
     module.attr("__name__") = ownName;

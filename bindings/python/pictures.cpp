@@ -1,10 +1,13 @@
 #include "bindings/python/pictures.h"
 
+#include <algorithm>
 #include <string>
+#include <utility>
 
 #include <pybind11/stl.h>
 #include <zentara/host/color_map.h>
 #include <zentara/host/picture.h>
+#include <zentara/host/plot.h>
 
 #include "bindings/python/arrays.h"
 #include "bindings/python/interpreter.h"
@@ -24,12 +27,31 @@ Picture pictureOf(const Rows<std::uint8_t>& rgb) {
                             static_cast<std::uint32_t>(rgb.shape(0)), {pixels.begin(), pixels.end()});
 }
 
+using Numbers = py::array_t<double, py::array::c_style | py::array::forcecast>;
+
+/// {"title", "unit", "lines": {name: (x, y)}}
+Host::PlotPanel panelOf(const py::dict& given) {
+    Host::PlotPanel panel{given["title"].cast<std::string>(), given["unit"].cast<std::string>(), {}};
+    for (const auto& [name, points] : py::dict(given["lines"])) {
+        const auto [x, y] = points.cast<std::pair<Numbers, Numbers>>();
+        const std::span<const double> across = spanOf(x, 1, 0, "x");
+        const std::span<const double> up = spanOf(y, 1, 0, "y");
+        if (across.size() != up.size())
+            throw py::value_error("x has " + std::to_string(across.size()) + " numbers, and y " +
+                                  std::to_string(up.size()));
+        Host::PlotLine& line = panel.lines.emplace_back(Host::PlotLine{name.cast<std::string>(), {}});
+        for (std::size_t i = 0; i < up.size(); ++i)
+            line.points.emplace_back(across[i], up[i]);
+    }
+    return panel;
+}
+
+} // namespace
+
 py::array_t<std::uint8_t> arrayOf(const Picture& picture) {
     return py::array_t<std::uint8_t>(
         {py::ssize_t{picture.height()}, py::ssize_t{picture.width()}, py::ssize_t{3}}, picture.rgb().data());
 }
-
-} // namespace
 
 void bindPictures(py::module_& module) {
     py::class_<ColorMap>(
@@ -64,6 +86,15 @@ void bindPictures(py::module_& module) {
                 return arrayOf(map.explain(pictureOf(rgb), title));
             },
             "rgb"_a, "title"_a, "The picture with a title, the scale, and what black stands for.");
+    module.def(
+        "plot",
+        [](const std::string& xLabel, const std::vector<py::dict>& panels) {
+            std::vector<Host::PlotPanel> all;
+            std::transform(panels.begin(), panels.end(), std::back_inserter(all), panelOf);
+            return arrayOf(released([&] { return Host::plot(xLabel, all); }));
+        },
+        "x_label"_a, "panels"_a,
+        "A picture of lines, (height, width, 3) bytes: panels with axes of their own, below each other.");
     module.def(
         "write_png",
         [](const std::string& path, const Rows<std::uint8_t>& rgb) {

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
 #include <zentara/host/lens.h>
+#include <zentara/host/picture.h>
 #include <zentara/host/point_cloud.h>
 
 namespace Zentara::Python {
@@ -11,9 +13,12 @@ namespace py = pybind11;
 using LensClass = py::class_<Host::Lens>;
 using PointCloudClass = py::class_<Host::PointCloud>;
 
+/// (height, width, 3) bytes.
+[[nodiscard]] py::array_t<std::uint8_t> arrayOf(const Host::Picture& picture);
+
 void bindLens(LensClass& lens);
 void bindPointCloud(PointCloudClass& cloud);
-/// ColorMap, and pictures to files.
+/// ColorMap, plots, and pictures to files.
 void bindPictures(py::module_& module);
 
 } // namespace Zentara::Python

@@ -1,4 +1,5 @@
 #include <pybind11/stl.h>
+#include <zentara/host/cloud_view.h>
 #include <zentara/host/lens.h>
 #include <zentara/host/output_file.h>
 #include <zentara/host/point_cloud.h>
@@ -76,6 +77,21 @@ void bindPointCloud(PointCloudClass& bound) {
             },
             "rgb"_a, "lens"_a, "pose"_a,
             "The same points with the colours of another camera's picture; the pose leads to that camera.")
+        .def(
+            "draw",
+            [](const PointCloud& cloud, const std::string& title, double right, double up,
+               std::uint32_t width, std::uint32_t height, bool ownColors,
+               std::optional<std::pair<double, double>> range) {
+                Host::CloudView view{right, up, width, height, ownColors, {}};
+                if (range)
+                    view.range = Host::ValueRange{range->first, range->second};
+                return arrayOf(released([&] { return view.draw(cloud, title); }));
+            },
+            "title"_a, py::kw_only(), "right"_a = 30.0, "up"_a = 20.0, "width"_a = 640, "height"_a = 480,
+            "own_colors"_a = false, "range"_a = py::none(),
+            "A picture of it, (height, width, 3) bytes, from so many degrees to the right of the camera and "
+            "above it:\n"
+            "in its own colours, or in those of the distance, with a scale in metres.")
         .def(
             "write_ply",
             [](const PointCloud& cloud, const std::string& path, bool binary) {

@@ -9,6 +9,7 @@
 #include <pybind11/stl.h>
 #include <zentara/host/recording.h>
 
+#include "bindings/python/cameras.h"
 #include "bindings/python/frames.h"
 #include "bindings/python/interpreter.h"
 #include "bindings/python/values.h"
@@ -74,6 +75,16 @@ void bindRecordings(py::module_& module) {
              }),
              "path"_a)
         .def_property_readonly("streams", [](const Reader& self) { return self.recording.streams(); })
+        .def_property_readonly(
+            "cameras", [](const Reader& self) { return self.recording.cameras(); },
+            "The cameras whose streams it holds.")
+        .def(
+            "camera",
+            [](const Reader& self, const std::string& name, double speed) {
+                return std::make_unique<CameraObject>(self.recording.camera(name, {speed, notes()}));
+            },
+            "name"_a = "", py::kw_only(), "speed"_a = 1.0,
+            "One of them, which plays at that multiple of the pace at which was recorded, and ends.")
         .def_property_readonly("version", [](const Reader& self) { return self.recording.version(); })
         .def("__iter__", [](const py::object& self) { return self; })
         .def("__next__",

@@ -53,6 +53,19 @@ py::str text(std::string_view bytes) {
     return py::reinterpret_steal<py::str>(made);
 }
 
+py::tuple textsOf(const std::vector<std::string>& lines) {
+    py::tuple texts(lines.size());
+    for (std::size_t i = 0; i < lines.size(); ++i)
+        texts[i] = text(lines[i]);
+    return texts;
+}
+
+py::object fromJson(const std::string& json) { return py::module_::import("json").attr("loads")(json); }
+
+std::string toJson(const py::object& value) {
+    return py::module_::import("json").attr("dumps")(value).cast<std::string>();
+}
+
 py::dict dictionaryOf(const CameraIntrinsics& model) {
     return py::dict("width"_a = model.width, "height"_a = model.height, "fx"_a = model.fx, "fy"_a = model.fy,
                     "cx"_a = model.cx, "cy"_a = model.cy, "k1"_a = model.k1, "k2"_a = model.k2,
@@ -78,6 +91,10 @@ py::dict dictionaryOf(const Host::Corrections& corrections) {
     return py::dict(
         "phase_delay"_a = corrections.phaseDelay, "phase_delay2"_a = corrections.phaseDelay2,
         "modes"_a = py::make_tuple(correctionsOf(corrections.modes[0]), correctionsOf(corrections.modes[1])));
+}
+
+py::dict dictionaryOf(const AccelerationInternal& value) {
+    return py::dict("x"_a = value.x, "y"_a = value.y, "z"_a = value.z);
 }
 
 Host::Kind kindOf(const std::string& name) {

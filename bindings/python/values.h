@@ -2,8 +2,10 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <pybind11/pybind11.h>
+#include <zentara/acceleration_internal.h>
 #include <zentara/camera_intrinsics.h>
 #include <zentara/extrinsic_parameters_internal.h>
 #include <zentara/host/stream_info.h>
@@ -14,6 +16,13 @@ namespace Zentara::Python {
 /// A text of a device may hold any bytes; what is no UTF-8 shows as U+FFFD.
 [[nodiscard]] pybind11::str text(std::string_view bytes);
 
+/// A tuple of texts.
+[[nodiscard]] pybind11::tuple textsOf(const std::vector<std::string>& lines);
+
+/// What a JSON text says, as dictionaries, lists, numbers and texts; and back.
+[[nodiscard]] pybind11::object fromJson(const std::string& json);
+[[nodiscard]] std::string toJson(const pybind11::object& value);
+
 /// As a dictionary of its numbers by their names.
 [[nodiscard]] pybind11::dict dictionaryOf(const CameraIntrinsics& model);
 
@@ -22,6 +31,7 @@ namespace Zentara::Python {
 [[nodiscard]] ExtrinsicParametersInternal poseOf(const pybind11::dict& pose);
 
 [[nodiscard]] pybind11::dict dictionaryOf(const Host::Corrections& corrections);
+[[nodiscard]] pybind11::dict dictionaryOf(const AccelerationInternal& value);
 
 /// Of "axis" and "ray". \throws Host::Failure (Usage) for other words
 [[nodiscard]] Host::DepthAlong depthAlong(const std::string& name);

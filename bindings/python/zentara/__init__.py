@@ -1,9 +1,10 @@
-"""Depth cameras: their frames, parameters and calibration, recordings and point clouds."""
+"""Depth cameras: their frames, parameters, calibration and flash, recordings and point clouds."""
 import atexit as _atexit
 import os as _os
 import pathlib as _pathlib
 
-from . import _zentara
+from . import _zentara, types
+from ._differences import differences
 from ._failures import (
     Busy,
     Code,
@@ -18,9 +19,15 @@ from ._failures import (
 )
 from ._zentara import (
     Camera,
+    CameraEvent,
     CameraInfo,
     ColorMap,
+    Flash,
+    FlashChange,
+    FlashImage,
     Frame,
+    FrameSet,
+    FrameSets,
     Lens,
     Mode,
     PointCloud,
@@ -28,19 +35,29 @@ from ._zentara import (
     Recording,
     Stream,
     StreamInfo,
+    Watch,
     cameras,
+    colour_of,
+    draw_correction,
     open,
+    plot,
     write_png,
 )
 
 __all__ = [
     "Busy",
     "Camera",
+    "CameraEvent",
     "CameraInfo",
     "Code",
     "ColorMap",
     "Failure",
+    "Flash",
+    "FlashChange",
+    "FlashImage",
     "Frame",
+    "FrameSet",
+    "FrameSets",
     "Interrupted",
     "Lens",
     "Mode",
@@ -55,8 +72,14 @@ __all__ = [
     "TimedOut",
     "UsageFailure",
     "VerificationFailed",
+    "Watch",
     "cameras",
+    "colour_of",
+    "differences",
+    "draw_correction",
     "open",
+    "plot",
+    "types",
     "write_png",
 ]
 

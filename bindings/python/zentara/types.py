@@ -1,5 +1,8 @@
 """The dictionaries that cameras give and take."""
-from typing import Any, Dict, List, Literal, Optional, Sequence, Tuple, TypedDict, Union
+from typing import Any, Dict, List, Literal, Mapping, Optional, Sequence, Tuple, TypedDict, Union
+
+import numpy
+from numpy.typing import ArrayLike, NDArray
 
 Kind = Literal["depth", "color", "audio"]
 Source = Literal["none", "camera", "description", "failure", "unknown"]
@@ -80,6 +83,25 @@ class Acceleration(TypedDict):
     z: float
 
 
+class TemperatureCompensation(TypedDict):
+    """As the camera's parameters have it; both lists are of one length."""
+
+    kind: int
+    firstCoefficients: List[int]
+    secondCoefficients: List[int]
+
+
+class ParameterCalibration(TypedDict):
+    """The calibration that the camera's parameters are made with, as calibration files have it.
+
+    Phase delays are in steps of the phase.
+    """
+
+    phaseDelay: int
+    phaseDelay2: int
+    temperatureCompensation: TemperatureCompensation
+
+
 class Calibration(TypedDict):
     """What a camera knows of itself; None for what it has not."""
 
@@ -112,3 +134,89 @@ class Counts(TypedDict):
     lost_by_device: int
     dropped_by_queue: int
     absences: int
+
+
+class PlotPanel(TypedDict):
+    """Lines over axes of their own: x and y by the line's name; a NaN leaves a gap."""
+
+    title: str
+    unit: str
+    lines: Mapping[str, Tuple[ArrayLike, ArrayLike]]
+
+
+class FlashArea(TypedDict):
+    """Where a storage lies on a flash; addresses and sizes in bytes."""
+
+    start: int
+    size: int
+    chunk_size: int
+    header_at_start: bool
+
+
+class FlashHeader(TypedDict):
+    """The management header as it was read."""
+
+    strategy: int
+    version: int
+    available_size: int
+    chunk_size: int
+    first_block: int
+
+
+class FlashSection(TypedDict):
+    """A whole section, and where it lies."""
+
+    uid: int
+    type: str
+    address: int
+    length: int
+    is_writable: bool
+
+
+class FlashFinding(TypedDict):
+    """Something worth telling about a place on the flash; what is no fault is only unusual."""
+
+    kind: str
+    address: int
+    is_fault: bool
+    text: str
+
+
+class FlashSurvey(TypedDict):
+    """Everything that can be told of a flash image. header: None where no storage can be loaded."""
+
+    header: Optional[FlashHeader]
+    sections: List[FlashSection]
+    unreachable: List[FlashSection]
+    findings: List[FlashFinding]
+    free_bytes: int
+    largest_gap: int
+    is_faulty: bool
+    is_chain_broken: bool
+
+
+class SectionChange(TypedDict):
+    """One section that a change adds, replaces or erases; values: (path, before, after)."""
+
+    kind: Literal["added", "replaced", "erased"]
+    uid: int
+    text: str
+    values: List[Tuple[str, Any, Any]]
+
+
+class CorrectionTable(TypedDict):
+    """The correction table of one modulation frequency, row by row; how long a row is nobody says."""
+
+    megahertz: int
+    values: NDArray[numpy.uint8]
+
+
+class CorrectionSection(TypedDict):
+    """What a section of distortion correction holds. time_of_last_write: seconds since 1970, UTC."""
+
+    uid: int
+    version: int
+    time_of_last_write: int
+    number_of_sets: int
+    serial_id: str
+    tables: List[CorrectionTable]
