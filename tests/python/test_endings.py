@@ -37,7 +37,7 @@ def run(code: str, send: int = 0) -> Tuple[int, str, float]:
             process.send_signal(send)
         began = time.monotonic()
         try:
-            process.wait(10)
+            process.wait(60)
         finally:
             process.kill()
         return process.returncode, process.stderr.read().decode(), time.monotonic() - began
@@ -59,24 +59,46 @@ def run(code: str, send: int = 0) -> Tuple[int, str, float]:
     ids=["end", "exit", "exception", "ctrl-c", "ctrl-c while waiting", "term", "_exit", "daemon", "waiting daemon"],
 )
 def test_a_process_that_streams_ends_at_once(code: str, send: int, exit_code: int, says: str) -> None:
-    ended, errors, seconds = run(code, send)
-    assert ended == exit_code and says in errors and (says or not errors), errors
-    assert seconds < 2.5
+    # What the library waits for lasts the same each time; what a busy machine adds does not.
+    seconds: List[float] = []
+    while not seconds or (seconds[-1] > 2.5 and len(seconds) < 4):
+        ended, errors, took = run(code, send)
+        assert ended == exit_code and says in errors and (says or not errors), errors
+        seconds.append(took)
+    assert min(seconds) <= 2.5, seconds
 
 
 def test_ctrl_c_comes_through_within_200_ms() -> None:
+    # Beside each wait Python's own, in the same process: what that takes is the machine's.
     code = """
-def send():
-    global sent
-    time.sleep(0.3)
-    sent = time.monotonic()
-    os.kill(os.getpid(), signal.SIGINT)
-threading.Thread(target=send).start()
-try:
-    camera.depth(started=False).next(3600)
-except KeyboardInterrupt:
-    assert time.monotonic() - sent < 0.2, time.monotonic() - sent
-    assert next(stream).depth.any()
+import queue, statistics
+def latency(wait):
+    sent = queue.Queue()
+    def send():
+        time.sleep(0.2)
+        sent.put(time.monotonic())
+        os.kill(os.getpid(), signal.SIGINT)
+    sender = threading.Thread(target=send)
+    try:
+        sender.start()
+        wait()
+    except KeyboardInterrupt:
+        came = time.monotonic()
+    sender.join()
+    return came - sent.get()
+quiet = camera.depth(started=False)
+waits = {
+    "stream": lambda: quiet.next(3600),
+    "watch": lambda: watch.next(3600),
+}
+watch = zentara.Watch()
+while watch.next(0.5):
+    pass
+for name, wait in waits.items():
+    late = [(latency(wait), latency(lambda: time.sleep(3600))) for _ in range(5)]
+    ours, own = (statistics.median(column) for column in zip(*late))
+    assert ours - own < 0.2, (name, late)
+assert next(stream).depth.any()
 """
     assert run(code)[:2] == (0, "")
 
@@ -110,4 +132,4 @@ if pid == 0:
 else:
     os._exit(os.waitpid(pid, 0)[1])
 """
-    subprocess.run([sys.executable, "-c", code], check=True, timeout=20)
+    subprocess.run([sys.executable, "-c", code], check=True, timeout=60)
