@@ -30,11 +30,6 @@ std::vector<Mode> modesOf(const Core::DescriptorStoreRO& store, IO::VideoDeviceP
     return modes;
 }
 
-/// Each control has a bit of its own, but a device may have more controls than there are bits.
-bool isNamed(std::uint64_t flags, CameraControlsEnum control) {
-    return control >= 0 && control < 64 && (flags >> control & 1) != 0;
-}
-
 CameraControlRanges rangesOf(const Core::DescriptorStoreRO& store, IO::VideoDeviceProxy& device, bool all) {
     CameraControlRanges ranges;
     device.getCameraControlRanges(ranges);
@@ -53,6 +48,10 @@ CameraControls defaultsOf(const CameraControlRanges& ranges) {
 }
 
 } // namespace
+
+bool isNamed(std::uint64_t flags, CameraControlsEnum control) noexcept {
+    return control >= 0 && control < 64 && (flags >> control & 1) != 0;
+}
 
 /// Everything that lives from `initialize` to `dispose`, in an order in which it can be taken apart.
 struct ColorNode::Camera {

@@ -1,11 +1,16 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <vector>
 
 #include <zentara/core/color_node_interface.h>
 
 namespace Zentara::Cameras {
+
+/// Whether the flags of a description name the control. Each has a bit of its own, but a device may have more controls
+/// than there are bits, and those are not named.
+[[nodiscard]] bool isNamed(std::uint64_t flags, CameraControlsEnum control) noexcept;
 
 /// The colour stream of a described camera: frames as its device delivers them. Starting and stopping send the node's
 /// commands as a depth node's do. Settings of the camera that are made while nothing streams count from the next

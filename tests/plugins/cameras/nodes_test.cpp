@@ -30,6 +30,7 @@
 #include <zentara/rom/system_info.h>
 #include <zentara/utils/files.h>
 
+#include "plugins/cameras/nodes/color_node.h"
 #include "plugins/cameras/nodes/depth_frame.h"
 #include "plugins/simulated/sensors.h"
 #include "support/log_capture.h"
@@ -477,6 +478,12 @@ TEST_F(NodeTest, AColorNodeStreamsWithTheSettingsOfTheHost) {
         camera->dispose();
         EXPECT_GT(transfers(), again) << model << ": disposing stops";
     }
+}
+
+TEST(ColorNode, HasNoControlBeyondTheBits) {
+    for (const int control : {-1, 1, 64, 65})
+        EXPECT_FALSE(Cameras::isNamed(1, CameraControlsEnum(control))) << control;
+    EXPECT_TRUE(Cameras::isNamed(1, CameraControlsEnum(0)));
 }
 
 TEST_F(NodeTest, AnAudioNodeStreamsItsDefaultModeAsItsDeviceIsSet) {
