@@ -1,6 +1,7 @@
 // Each allocation of each operation fails once: the operation throws, and object and flash stay as they were; or it goes
 // through, and both have the change.
 #include <zentara/rom/configuration.h>
+#include <zentara/rom/container_header.h>
 #include <zentara/rom/file_accessor.h>
 #include <zentara/rom/gradient_distortion_correction.h>
 #include <zentara/rom/gradient_distortion_correction_accessor.h>
@@ -10,6 +11,7 @@
 
 #include "rom/rom_fixture.h"
 #include "support/failing_allocation.h"
+#include "support/temporary_directory.h"
 
 namespace Zentara::TestSupport {
 namespace {

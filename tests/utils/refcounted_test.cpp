@@ -6,43 +6,12 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <climits>
 #include <condition_variable>
 #include <mutex>
 #include <thread>
 
 namespace Zentara::Utils {
 namespace {
-
-TEST(AtomicInt, StepsTestTheNewValue) {
-    AtomicInt counter(-1);
-    EXPECT_FALSE(counter.incrementAndTest());
-    EXPECT_TRUE(counter.incrementAndTest()) << "true at 1, not at 0";
-    EXPECT_FALSE(counter.incrementAndTest());
-    EXPECT_FALSE(counter.decrementAndTest());
-    EXPECT_TRUE(counter.decrementAndTest());
-    EXPECT_EQ(counter, 0);
-}
-
-TEST(AtomicInt, ConditionalSteps) {
-    struct Row {
-        int before;
-        bool incremented;
-        bool decremented;
-    };
-    for (const Row& row :
-         {Row{0, false, false}, Row{1, true, true}, Row{2, true, false}, Row{-1, true, false}}) {
-        AtomicInt up(row.before);
-        EXPECT_EQ(up.incrementIfNotZero(), row.incremented) << row.before;
-        EXPECT_EQ(up.get(), row.before + (row.incremented ? 1 : 0));
-        AtomicInt down(row.before);
-        EXPECT_EQ(down.decrementIfOne(), row.decremented) << row.before;
-        EXPECT_EQ(down.get(), row.before - (row.decremented ? 1 : 0));
-    }
-    AtomicInt highest(INT_MAX);
-    EXPECT_TRUE(highest.incrementIfNotZero());
-    EXPECT_EQ(highest.get(), INT_MIN);
-}
 
 class Counted : public Refcounted {
 public:

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <zentara/host/flash_survey.h>
+#include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/rom/section.h>
 #include <zentara/utils/crc.h>
 

@@ -4,7 +4,6 @@
 #include "utils/platform/single_instance.h"
 #include "utils/platform/text_encoding.h"
 #include "utils/platform/thread.h"
-#include "utils/platform/thread_local_slot.h"
 
 #include <gtest/gtest.h>
 
@@ -99,19 +98,6 @@ TEST(PlatformEvent, NoSetIsLostBetweenTwoThreads) {
         EXPECT_TRUE(pong->wait(30000));
     }
     other.join();
-}
-
-TEST(PlatformThreadLocalSlot, EveryThreadHasItsOwn) {
-    Owned<ThreadLocalSlot> slot(ThreadLocalSlot::create());
-    int mine = 0;
-    slot->set(&mine);
-    std::thread([&] {
-        EXPECT_EQ(slot->get(), nullptr);
-        int own = 0;
-        slot->set(&own);
-        EXPECT_EQ(slot->get(), &own);
-    }).join();
-    EXPECT_EQ(slot->get(), &mine);
 }
 
 TEST(TextEncoding, RejectsInvalidUtf8) {
