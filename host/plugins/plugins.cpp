@@ -30,29 +30,6 @@ using Core::PluginProbe;
 using Core::PluginScanStep;
 using Utils::Format;
 
-const char* pluginKind(std::int32_t type) noexcept {
-    switch (type) {
-    case Core::ImplType_DEPTH_NODE:
-        return "depth node";
-    case Core::ImplType_COLOR_NODE:
-        return "colour node";
-    case Core::ImplType_AUDIO_NODE:
-        return "audio node";
-    case Core::ImplType_AUDIO_DEVICE:
-        return "audio device";
-    case Core::ImplType_VIDEO_DEVICE:
-        return "video device";
-    case Core::ImplType_ENUMERATOR:
-        return "enumerator";
-    case Core::ImplType_DESCRIPTOR_STORE:
-        return "descriptor store";
-    case Core::ImplType_PARAMETER_INTERPRETER:
-        return "parameter interpreter";
-    default:
-        return "unknown";
-    }
-}
-
 std::string remedyFor(PluginScanStep step) {
     switch (step) {
     case PluginScanStep::Name:
@@ -131,7 +108,7 @@ void sortAnswers(std::vector<PluginAnswer> answers, PluginDirectory& directory) 
             directory.registered.push_back({probe.path,
                                             {guidName(probe.guid), probe.guid},
                                             probe.type,
-                                            pluginKind(probe.type),
+                                            Core::implTypeName(probe.type),
                                             probe.pluginVersion,
                                             probe.sdkVersion});
     }

@@ -20,4 +20,28 @@ enum ImplType : std::int32_t {
     ImplType_PARAMETER_INTERPRETER = 9, ///< reached through its own exports; its factory is never called
 };
 
+/// What a plug-in of that kind is, for people: "depth node"; "unknown" for a number that is none of the eight. Safe.
+[[nodiscard]] constexpr const char* implTypeName(std::int32_t type) noexcept {
+    switch (type) {
+    case ImplType_DEPTH_NODE:
+        return "depth node";
+    case ImplType_COLOR_NODE:
+        return "colour node";
+    case ImplType_AUDIO_NODE:
+        return "audio node";
+    case ImplType_AUDIO_DEVICE:
+        return "audio device";
+    case ImplType_VIDEO_DEVICE:
+        return "video device";
+    case ImplType_ENUMERATOR:
+        return "enumerator";
+    case ImplType_DESCRIPTOR_STORE:
+        return "descriptor store";
+    case ImplType_PARAMETER_INTERPRETER:
+        return "parameter interpreter";
+    default:
+        return "unknown";
+    }
+}
+
 } // namespace Zentara::Core
