@@ -188,32 +188,22 @@ TEST_F(JsonOutput, TellsAFailureToo) {
 /// A camera that can be told apart from its description says which numbers are its own.
 TEST_F(JsonOutput, SaysWhereNumbersComeFrom) {
     const std::string flash = path("flash.bin");
-    const auto told = [](const std::string& settings, const char* verb, int& code) {
-        const SimulatedFaults faults(settings);
-        const ToolRun run = ToolTest::run({verb, "--json"});
-        code = run.exitCode;
-        return run;
-    };
-    int code = 0;
-    const ToolRun whole = told("seed 1", "info", code);
-    EXPECT_EQ(whole.json().at("source").at("lens"), "camera");
-    EXPECT_EQ(whole.json().at("lens").at("depth").at(0).at("fx"), 224.5);
-    EXPECT_EQ(whole.err, "");
-
     Utils::writeFile(flash, std::string(65536, '\xFF'));
-    const ToolRun empty = told("flash " + flash, "info", code);
+    const auto told = [](const std::string& settings, const char* verb) {
+        const SimulatedFaults faults(settings);
+        return ToolTest::run({verb, "--json"});
+    };
+    const ToolRun whole = told("seed 1", "info");
+    EXPECT_EQ(whole.json().at("source").at("lens"), "camera");
+    EXPECT_EQ(whole.err, "");
+    const ToolRun empty = told("flash " + flash, "info");
     EXPECT_EQ(empty.json().at("source").at("lens"), "description");
     EXPECT_EQ(empty.json().at("source").at("accelerometer"), json());
     EXPECT_THAT(empty.err,
                 HasSubstr("ZS570 depth SIM0570: its flash does not hold lens, extrinsics, corrections"));
-
-    for (const char* verb : {"info", "sensors"}) {
-        const ToolRun torn = told("transfer 40 fail", verb, code);
-        EXPECT_THAT(torn.err, AllOf(HasSubstr("its flash cannot be read ("), HasSubstr(": lens, extrinsics")))
-            << verb;
-        const json lens = torn.json().value("source", json::object()).value("lens", json("failure"));
-        EXPECT_EQ(lens, "failure");
-    }
+    EXPECT_EQ(told("transfer 40 fail", "info").json().at("source").at("lens"), "failure");
+    EXPECT_THAT(told("transfer 40 fail", "sensors").err,
+                AllOf(HasSubstr("its flash cannot be read ("), HasSubstr(": lens, extrinsics")));
 }
 
 } // namespace

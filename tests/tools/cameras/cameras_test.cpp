@@ -204,12 +204,8 @@ TEST_F(Cameras, SaveAndLoadParameters) {
     EXPECT_FALSE(saved.at("values").contains("12")) << "it cannot be written";
     saved["values"]["0"] = 12.5;
     Utils::writeFile(path("q.json"), saved.dump());
-    const ToolRun dry = run({"params", "load", path("q.json"), "--dry-run", "--json"});
-    ASSERT_EQ(dry.exitCode, 0) << dry.err;
-    EXPECT_EQ(dry.json().at("changes").size(), 1U);
-    const ToolRun load = run({"params", "load", path("q.json"), "--json"});
-    ASSERT_EQ(load.exitCode, 0) << load.err;
-    EXPECT_EQ(load.json().at("changes").at(0).at("after"), 12.5);
+    EXPECT_EQ(run({"params", "load", path("q.json"), "--dry-run"}).out, "0: 80 -> 12.5\n");
+    EXPECT_EQ(run({"params", "load", path("q.json")}).out, "0: 80 -> 12.5\n") << "the first only tried";
 
     const struct {
         const char* text;
@@ -223,12 +219,9 @@ TEST_F(Cameras, SaveAndLoadParameters) {
     };
     for (const auto& row : wrong) {
         Utils::writeFile(path("w.json"), row.text);
-        for (const char* mode : {"--dry-run", "--json"}) {
-            const ToolRun run = ToolTest::run({"params", "load", path("w.json"), mode});
-            EXPECT_EQ(run.exitCode, 1) << row.message;
-            EXPECT_THAT(run.err, AllOf(HasSubstr("w.json'"), HasSubstr(row.message)));
-            EXPECT_EQ(run.out.empty(), mode == std::string("--dry-run")) << row.message;
-        }
+        const ToolRun run = ToolTest::run({"params", "load", path("w.json"), "--dry-run"});
+        EXPECT_EQ(run.exitCode, 1) << row.message;
+        EXPECT_THAT(run.err, AllOf(HasSubstr("w.json'"), HasSubstr(row.message)));
     }
 }
 
