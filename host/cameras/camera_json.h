@@ -1,17 +1,21 @@
 #pragma once
 
-#include <zentara/host/stream_info.h>
+#include <vector>
+
+#include <zentara/acceleration_internal.h>
+#include <zentara/host/camera.h>
 
 #include "host/json.h"
 
 namespace Zentara::Host {
 
 /// Who a camera is: serial, name, path and controller; null where that is not known.
-[[nodiscard]] inline Json cameraJson(const CameraInfo& camera) {
-    return {{"serial", orNull(camera.serial)},
-            {"name", orNull(camera.name)},
-            {"path", orNull(camera.path)},
-            {"controller", orNull(camera.controller)}};
-}
+[[nodiscard]] Json cameraJson(const CameraInfo& camera);
+
+/// x, y and z.
+[[nodiscard]] Json vectorJson(const AccelerationInternal& acceleration);
+
+/// Sensor, name and celsius of each.
+[[nodiscard]] Json temperaturesJson(const std::vector<Temperature>& temperatures);
 
 } // namespace Zentara::Host

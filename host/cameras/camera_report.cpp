@@ -77,11 +77,6 @@ Json extrinsicsJson(const std::vector<ExtrinsicParametersInternal>& list) {
     return json;
 }
 
-Json vectorJson(const AccelerationInternal& acceleration) {
-    return {
-        {"x", floatJson(acceleration.x)}, {"y", floatJson(acceleration.y)}, {"z", floatJson(acceleration.z)}};
-}
-
 Json nodeJson(const NodeInfo& node) {
     return {{"kind", kindName(node.kind)},
             {"name", node.name},
@@ -114,14 +109,6 @@ Json correctionsJson(const Corrections& corrections) {
                                           {"parameters", numbersJson(one.cyclicParameters)}};
         json.push_back(entry);
     }
-    return json;
-}
-
-Json temperaturesJson(const std::vector<Temperature>& temperatures) {
-    Json json = Json::array();
-    for (const Temperature& value : temperatures)
-        json.push_back(
-            {{"sensor", value.sensor}, {"name", orNull(value.name)}, {"celsius", floatJson(value.celsius)}});
     return json;
 }
 
@@ -213,19 +200,6 @@ std::string toJson(const CameraInfo& camera) { return printed(cameraJson(camera)
 std::string toJson(const NodeInfo& node) { return printed(nodeJson(node)); }
 
 std::string toJson(const Sources& sources) { return printed(sourcesJson(sources)); }
-
-std::string toJson(const std::vector<Temperature>& temperatures) {
-    return printed(temperaturesJson(temperatures));
-}
-
-std::string toJson(const std::optional<Acceleration>& acceleration) {
-    Json json;
-    if (acceleration) {
-        json = {{"name", orNull(acceleration->name)}, {"register", acceleration->registerAddress}};
-        json.update(vectorJson(acceleration->value));
-    }
-    return printed(json);
-}
 
 CameraReport reportOf(const Camera& camera) {
     Questions questions(camera);

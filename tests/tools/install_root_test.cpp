@@ -87,11 +87,13 @@ TEST_F(OwnRoot, TellsOfCamerasThatLackSomething) {
     EXPECT_THAT(other({"params", "set", "1=1"}).err, HasSubstr("the camera has no such parameter"));
 
     camera["nodes"][0].erase("parameterInterpreter");
+    camera["nodes"][0]["depthAlong"] = "ray";
     describe(camera);
     const ToolRun plain = other({"info", "--json"});
     EXPECT_EQ(plain.exitCode, 0) << plain.err;
     EXPECT_TRUE(plain.json().at("calibration").contains("notSupported"));
-    EXPECT_EQ(plain.json().at("temperatures").size(), 2U);
+    EXPECT_TRUE(plain.json().at("rangeMeters").contains("notSupported")) << "the back-end tells it";
+    EXPECT_THAT(other({"info"}).out, HasSubstr("depth values    units of 1 mm, along the pixel's ray\n"));
     EXPECT_THAT(other({"params", "list"}).err, HasSubstr("camera OTHER has no parameters"));
 
     camera["nodes"].erase(0);

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <optional>
 #include <string>
-#include <vector>
 
 #include <zentara/host/camera.h>
 #include <zentara/host/export.h>
@@ -20,10 +18,6 @@ namespace Zentara::Host {
 /// Where what its depth node applies comes from: lens, extrinsics, corrections, accelerometer and serialNumber, each
 /// "camera", "description" or "failure"; null where the node has none, or does not say. Safe.
 [[nodiscard]] ZENTARA_HOST_API std::string toJson(const Sources& sources);
-/// A list of sensor, name and celsius. Safe.
-[[nodiscard]] ZENTARA_HOST_API std::string toJson(const std::vector<Temperature>& temperatures);
-/// Name, register, x, y and z, in g; null for nothing. Safe.
-[[nodiscard]] ZENTARA_HOST_API std::string toJson(const std::optional<Acceleration>& acceleration);
 
 /// All that a camera and its description tell of it.
 struct CameraReport {

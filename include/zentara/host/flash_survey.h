@@ -119,6 +119,10 @@ struct FlashSurvey {
 /// wrong with it. Reads nothing outside the image, and ends soon on every image: 8 MiB take less than a second. Safe.
 [[nodiscard]] ZENTARA_HOST_API FlashSurvey surveyOf(const FlashImage& image);
 
+/// As a JSON object: area, header (not there when none can be read), free, sections, findings and faulty; addresses are
+/// those of the flash, sizes are bytes. Safe.
+[[nodiscard]] ZENTARA_HOST_API std::string toJson(const FlashSurvey& survey);
+
 /// Every whole section that an image holds, put into a freshly formatted image of the same area. A plain value. Separate.
 struct FlashSalvage {
     FlashContent content; ///< one section of each uid: the linked one, else the one of the least address

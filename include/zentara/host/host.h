@@ -36,6 +36,7 @@
 #include <zentara/host/point_cloud.h>
 #include <zentara/host/progress.h>
 #include <zentara/host/recording.h>
+#include <zentara/host/sensor_reading.h>
 #include <zentara/host/sound_file.h>
 #include <zentara/host/step_watcher.h>
 #include <zentara/host/stream.h>

@@ -1,19 +1,18 @@
-#include <array>
-#include <map>
+#include <cmath>
 #include <memory>
 #include <optional>
 
 #include <CLI/CLI.hpp>
 
 #include <zentara/host/output_file.h>
-#include <zentara/host/plot.h>
+#include <zentara/host/sensor_reading.h>
 #include <zentara/utils/clock.h>
+#include <zentara/utils/format.h>
 #include <zentara/utils/signal.h>
 
 #include "tools/zentara/arguments.h"
 #include "tools/zentara/cameras/camera_json.h"
 #include "tools/zentara/cameras/camera_session.h"
-#include "tools/zentara/cameras/sensor_reading.h"
 #include "tools/zentara/interrupt.h"
 #include "tools/zentara/supervisor.h"
 
@@ -34,6 +33,19 @@ double secondsSince(std::int64_t start) {
     return static_cast<double>(Utils::Clock::nowMicros() - start) / 1e6;
 }
 
+/// On one line, with units.
+std::string readingText(const SensorReading& reading) {
+    const auto tenths = std::lround(reading.seconds * 10);
+    std::string text = Utils::Format("%.% s") % (tenths / 10) % (tenths % 10);
+    for (const Temperature& value : reading.temperatures)
+        text += Utils::Format("  % % degC") % printable(labelOf(value)) % valueText(value.celsius);
+    if (const auto& measured = reading.acceleration)
+        text += "  acceleration " + (measured->name.empty() ? "" : printable(measured->name) + " ") +
+                valueText(measured->value.x) + " " + valueText(measured->value.y) + " " +
+                valueText(measured->value.z) + " g";
+    return text;
+}
+
 class SensorWatch {
 public:
     SensorWatch(const SensorsOptions& wanted, CameraSession& camera, Console& target)
@@ -42,8 +54,8 @@ public:
             accelerometer = static_cast<std::uint32_t>(options.accelerometer);
     }
 
-    Reading read() {
-        Reading reading;
+    SensorReading read() {
+        SensorReading reading;
         reading.temperatures = session.camera().temperatures();
         reading.acceleration = session.camera().accelerometer(accelerometer);
         reading.seconds = secondsSince(start);
@@ -68,35 +80,18 @@ public:
     void writePlot(OutputFile& file) const {
         if (history.empty())
             return;
-        const std::string& camera = session.camera().info().serial;
-        std::vector<PlotPanel> panels{{"Temperatures of " + camera, "degC", {}}};
-        for (const auto& [sensor, points] : history)
-            panels.front().lines.push_back({shortLabels.at(sensor), points});
-        if (!accelerations[0].empty())
-            panels.push_back({"Acceleration of " + camera,
-                              "g",
-                              {{"x", accelerations[0]}, {"y", accelerations[1]}, {"z", accelerations[2]}}});
-        file.write(plot("seconds", panels).png());
+        file.write(plotOf(session.camera().info().serial, history).png());
         file.commit();
     }
 
 private:
-    void note(const Reading& reading) {
-        for (const Temperature& value : reading.temperatures) {
-            if (options.png.empty())
-                continue;
-            history[value.sensor].emplace_back(reading.seconds, value.celsius);
-            shortLabels[value.sensor] = value.name.empty() ? labelOf(value) : value.name;
-        }
-        if (reading.acceleration && !options.png.empty()) {
-            accelerations[0].emplace_back(reading.seconds, reading.acceleration->value.x);
-            accelerations[1].emplace_back(reading.seconds, reading.acceleration->value.y);
-            accelerations[2].emplace_back(reading.seconds, reading.acceleration->value.z);
-        }
+    void note(const SensorReading& reading) {
+        if (!options.png.empty())
+            history.push_back(reading);
         if (options.json) {
             Json json = beginJson(console);
             json["camera"] = cameraJson(session.camera().info());
-            json.update(readingJson(reading));
+            json.update(Json::parse(toJson(reading)));
             printOnOneLine(console.out, json);
         } else {
             console.out << readingText(reading) << std::endl;
@@ -108,10 +103,7 @@ private:
     Console& console;
     const std::int64_t start = Utils::Clock::nowMicros();
     std::optional<std::uint32_t> accelerometer; ///< where to read it, if not where the description says
-    std::map<std::int32_t, std::string>
-        shortLabels; ///< for a plot, whose names stand in one line: "illumination"
-    std::map<std::int32_t, std::vector<std::pair<double, double>>> history;
-    std::array<std::vector<std::pair<double, double>>, 3> accelerations; ///< x, y, z
+    std::vector<SensorReading> history;         ///< for the plot
 };
 
 /// Whatever ends it, the plot shows what came before.
@@ -142,8 +134,8 @@ ExitCode runSensors(const SensorsOptions& options, Console& console) {
         SensorWatch sensors(options, session, console);
         if (options.watch)
             return watchSensors(sensors, options, console);
-        const Reading reading = sensors.read();
-        session.finish(readingJson(reading), readingText(reading) + '\n');
+        const SensorReading reading = sensors.read();
+        session.finish(Json::parse(toJson(reading)), readingText(reading) + '\n');
         return Failure::None;
     });
 }

@@ -13,13 +13,9 @@ namespace {
 using Utils::Format;
 
 void printJson(const FlashSurvey& survey, const Flash& flash, Console& console) {
+    const Json told = Json::parse(toJson(survey));
     Json json = beginJson(flash, console);
-    json.update({{"faulty", survey.isFaulty()}, {"findings", Json::array()}});
-    for (const Finding& finding : survey.findings)
-        json["findings"].push_back({{"address", finding.address},
-                                    {"kind", findingKindName(finding.kind)},
-                                    {"fault", finding.isFault},
-                                    {"text", finding.text}});
+    json.update({{"faulty", told["faulty"]}, {"findings", told["findings"]}});
     print(console.out, json);
 }
 

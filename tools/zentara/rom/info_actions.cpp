@@ -14,47 +14,6 @@ namespace {
 
 using Utils::Format;
 
-Json headerJson(const SurveyedHeader& header, const FlashArea& area) {
-    return {{"address", area.headerAddress()},
-            {"version", header.version},
-            {"minReadoutVersion", header.minReadoutVersion},
-            {"availableSize", header.availableSize},
-            {"chunkSize", header.chunkSize},
-            {"firstBlock", header.firstBlock},
-            {"crc", header.crc}};
-}
-
-Json sectionJson(const SurveyedBlock& block) {
-    const SurveyedSection& section = *block.section;
-    return {{"uid", section.uid},
-            {"type", section.content.type},
-            {"typeName", sectionTypeText(section.content.type)},
-            {"flags", section.content.flags},
-            {"size", section.content.data.size()},
-            {"address", block.address},
-            {"allocatedSize", block.allocatedSize},
-            {"headerCrc", section.headerCrc},
-            {"dataCrc", section.dataCrc}};
-}
-
-Json surveyJson(const FlashSurvey& survey) {
-    const FlashArea& area = survey.area;
-    Json json{{"area", {{"start", area.start}, {"size", area.size}, {"headerAtStart", area.headerAtStart}}}};
-    if (survey.header)
-        json["header"] = headerJson(*survey.header, area);
-    const FreeSpace& room = survey.freeSpace;
-    json["free"] = {{"bytes", room.bytes},
-                    {"gaps", room.gaps.size()},
-                    {"largestGap", room.largestGap},
-                    {"fragmentationPercent", room.fragmentationPercent()}};
-    json["sections"] = Json::array();
-    for (const SurveyedBlock& block : survey.blocks)
-        if (block.section)
-            json["sections"].push_back(sectionJson(block));
-    json["faulty"] = survey.isFaulty();
-    return json;
-}
-
 void printHeader(const FlashSurvey& survey, std::ostream& out) {
     const FlashArea& area = survey.area;
     const SurveyedHeader& header = *survey.header;
@@ -101,7 +60,7 @@ ExitCode runInfo(const TargetOptions& options, Console& console) {
     const std::vector<CorrectionSection> corrections = correctionsOf(survey.linkedContent());
     if (options.json) {
         Json json = beginJson(flash, console);
-        json.update(surveyJson(survey));
+        json.update(Json::parse(toJson(survey)));
         if (!corrections.empty())
             json["corrections"] = Json::parse(toJson(corrections));
         print(console.out, json);
