@@ -89,8 +89,6 @@ std::string numbers(const CameraIntrinsics& lens) {
            lens.p2;
 }
 
-std::string word(DepthAlong along) { return along == DepthAlong::Axis ? "axis" : "ray"; }
-
 /// Where the model that a frame's points are made with comes from.
 std::string originOf(const StreamInfo& info, const CameraIntrinsics& model) {
     if (!info.lens || *info.lens != model)
@@ -255,14 +253,15 @@ PointCloud Lens::pointsOf(const Frame& frame, CloudOptions options) const {
     const std::span<const std::uint16_t> depth = frame.depth(); // of a depth frame only
     if (info.depthAlong != impl->depth)
         throw Failure(Failure::Usage, "cannot make a point cloud of " + info.camera.label(),
-                      "its depth runs along the " + word(info.depthAlong) + ", that of the lens of " +
-                          impl->owner + " along the " + word(impl->depth),
+                      std::string("its depth runs along the ") + depthAlongName(info.depthAlong) +
+                          ", that of the lens of " + impl->owner + " along the " +
+                          depthAlongName(impl->depth),
                       "Take the frame's own lens.");
     options.millimetresPerUnit = info.millimetresPerUnit;
     PointCloud cloud = pointsOf(depth, frame.width(), frame.height(), options, frame.confidence());
     std::vector<std::string> about{"camera " + info.camera.label() + ", mode " + info.mode.text() +
                                        ", frame " + std::to_string(frame.number()),
-                                   std::string("depth along the ") + word(info.depthAlong),
+                                   std::string("depth along the ") + depthAlongName(info.depthAlong),
                                    "lens model from " + originOf(info, impl->model)};
     for (const std::string& correction : frame.corrections())
         about.push_back("corrected: " + correction);
