@@ -32,14 +32,16 @@ void throwTextAs(const std::exception& thrown) {
         throwTextAs<Others...>(thrown);
 }
 
+/// An error category is an object that may lie in the plug-in: only those of the standard library outlive it.
 bool hasStandardCode(const std::system_error& thrown) {
     const std::error_category& category = thrown.code().category();
     return typeid(thrown) == typeid(std::system_error) &&
            (category == std::system_category() || category == std::generic_category());
 }
 
+/// From the most derived classes to their bases, since the first one that fits is taken.
 [[noreturn]] void throwStandard(const std::exception& thrown) {
-    throwCopyAs<std::bad_alloc>(thrown);
+    throwCopyAs<std::bad_alloc>(thrown); // first: nothing on this way takes memory
     const auto* const withCode = dynamic_cast<const std::system_error*>(&thrown);
     if (withCode && hasStandardCode(*withCode))
         throw std::system_error(*withCode);
@@ -59,7 +61,7 @@ void rethrowAnew() {
                     ArgumentPluginException, IOPluginException, NotSupportedPluginException,
                     InitializationPluginException, InvalidOperationPluginException,
                     UnauthorizedAccessPluginException, PluginException>(thrown);
-        throw;
+        throw; // never reached: the last class is the one that was caught
     } catch (const Utils::UException& thrown) {
         throwCopyAs<Utils::USystemException, Utils::UIOException, Utils::UInvalidOperationException,
                     Utils::UNullMessageException, Utils::UFormatException, Utils::UException>(thrown);

@@ -8,6 +8,7 @@ namespace Zentara::Core {
 
 namespace {
 
+/// Searched from the top.
 constexpr WellKnownGuid table[] = {
     {"ZT325V2AUDIO_IMPL", Guids::ZT325V2AUDIO_IMPL, ImplType_AUDIO_NODE},
     {"ZT311", Guids::ZT311, ImplType_CAMERA_MODEL},

@@ -30,6 +30,7 @@ Plugin::~Plugin() = default;
 
 GUID Plugin::getGUID() const noexcept { return impl->guid; }
 
+// First the library, which may refuse: an object must never be counted without it.
 void Plugin::incref() {
     if (impl->manager)
         impl->manager->incref(impl->guid);

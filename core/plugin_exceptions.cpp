@@ -15,6 +15,7 @@ void logWarning(const char* format, const std::string& message) noexcept {
     if (!logger)
         return;
     try {
+        // A message may hold what a device sent: a line end in it would make a line of its own in the log.
         logger->warning(Utils::Format(format) % Utils::visibleText(message));
     } catch (...) {
     }
@@ -59,6 +60,7 @@ ZENTARA_PLUGIN_EXCEPTION(UnauthorizedAccessPluginException, UNAUTHORIZED_ACCESS,
 #undef ZENTARA_PLUGIN_EXCEPTION
 
 void throwPluginException(PluginExceptionType type, const std::string& message) {
+    // Without a default, so that the compiler names a kind that is missing. A number that is no kind throws nothing.
     switch (type) {
     case PluginExceptionType_STREAMING:
         throw StreamingPluginException(message);

@@ -19,10 +19,12 @@ constexpr int loadMode = 2;
 } // namespace
 
 void* openPluginFile(const std::string& path, std::string& problem) {
+    // Before the loader sees it: one that was cut short may crash the process as it is mapped.
     if (Utils::Platform::isDamagedLibrary(path, problem))
         return nullptr;
     void* library = Utils::loadSharedLibrary(path, loadMode);
     if (!library) {
+        // The number first: the text's own way to the system may change it.
         const std::uint32_t number = Utils::Platform::lastError();
         problem = Utils::getLastError();
         // Some texts of the system are made for the name of a program and do not come without one.

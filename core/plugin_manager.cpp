@@ -18,6 +18,7 @@ using Utils::Threading::AutoLock;
 
 namespace {
 
+/// Never destroyed: a plug-in object may be the last to go, after the static objects of this library.
 constinit Utils::Immortal<Utils::Threading::Mutex> lockStorage;
 
 } // namespace
@@ -53,6 +54,7 @@ PluginManager* PluginManager::instance() {
 }
 
 PluginManager* PluginManager::acquire() {
+    // The lock is re-entrant. It is held over both steps, else the manager could end between them.
     const AutoLock hold(_lock);
     PluginManager* manager = instance();
     return manager && manager->impl ? manager : nullptr;
@@ -60,6 +62,7 @@ PluginManager* PluginManager::acquire() {
 
 void PluginManager::releaseReference() {
     const AutoLock hold(_lock);
+    // The shell stays: plug-in objects that outlive the host's references still call into it.
     if (_refcount.decrementAndTest() && _instance)
         _instance->impl.reset();
 }
@@ -79,6 +82,8 @@ std::vector<GUID> PluginManager::getGUIDs(ImplType type) {
     return guids;
 }
 
+// Without the manager's lock: the factory runs under its library's, which comes first in the order of locks, and the
+// object's constructor calls back. What is registered does not change while the caller's reference holds the manager.
 void* PluginManager::createInstance(GUID guid, ImplType type) {
     SharedLibrary* library = getSharedLibrary(guid);
     if (library->getImplType() != type)

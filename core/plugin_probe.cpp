@@ -71,6 +71,7 @@ public:
     }
 
     PluginProbe run() {
+        // The cheap steps first, and none that runs the file's code before its name was seen.
         const bool passed = checkName() && open() && readGUID() && checkDuplicate() && readType() &&
                             readPluginVersion() && readSDKVersion();
         if (passed)
@@ -87,6 +88,7 @@ private:
             begins(step);
     }
 
+    /// Anywhere in the path, so that a folder can be marked as a whole.
     bool checkName() {
         begin(PluginScanStep::Name);
         const std::string mark = debugMark();
@@ -212,6 +214,7 @@ std::vector<PluginProbe> probePluginDirectory(const std::string& directory) {
     std::vector<PluginProbe> probes;
     for (const std::string& path : Utils::getFileList(directory, pluginFileExtension())) {
         probes.push_back(Scanner(path, registered, {}).run());
+        // A refused file does not take its GUID away from a later one.
         if (probes.back().accepted())
             registered.emplace(probes.back().guid, path);
     }

@@ -51,7 +51,7 @@ struct SharedLibrary::Impl {
 void SharedLibrary::Impl::load() {
     if (factory)
         return;
-    std::string problem;
+    std::string problem; // the scan told it; here the path is enough
     void* library = openPluginFile(path, problem);
     if (!library)
         throw Zentara::Plugin::InitializationPluginException(Format("couldn't open: %") % path);
@@ -70,6 +70,7 @@ SharedLibrary::SharedLibrary(const std::string& path, ImplType type, GUID guid)
 SharedLibrary::SharedLibrary(Factory factory, ImplType type, GUID guid)
     : impl(std::make_unique<Impl>(std::string(), factory, type, guid)) {}
 
+// Still loaded only after a factory threw: its library waits for another attempt.
 SharedLibrary::~SharedLibrary() {
     if (impl->handle)
         Utils::freeSharedLibrary(impl->handle);
@@ -85,6 +86,7 @@ void SharedLibrary::decref() {
     const AutoLock hold(impl->lock);
     if (!impl->useCount.decrementAndTest())
         return;
+    // The host's own factory stays: there is nothing to load again.
     if (impl->handle) {
         Utils::freeSharedLibrary(impl->handle);
         impl->handle = nullptr;
@@ -121,6 +123,7 @@ void* SharedLibrary::getHandle() const {
 }
 
 void SharedLibrary::incref_noLock() {
+    // All uses together hold one reference on this record, so that it outlives the manager with its objects.
     if (impl->useCount.incrementAndTest())
         Refcounted::incref();
 }

@@ -7,8 +7,8 @@
 namespace Zentara::IO {
 
 struct AVDeviceInterface::Impl {
-    NodeEvent description;
-    Core::DescriptorStoreRO* store = nullptr;
+    NodeEvent description;                    ///< a copy: the host's may go
+    Core::DescriptorStoreRO* store = nullptr; ///< not owned
 };
 
 AVDeviceInterface::AVDeviceInterface(Core::ImplType type, GUID guid)

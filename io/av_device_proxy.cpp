@@ -8,7 +8,7 @@ namespace Zentara::IO {
 
 struct AVDeviceProxy::Impl {
     bool proxified;
-    AVDeviceProxyThread* thread;
+    AVDeviceProxyThread* thread; ///< one reference is this one's; null in direct mode and once given back
 };
 
 AVDeviceProxy::AVDeviceProxy(bool proxified)

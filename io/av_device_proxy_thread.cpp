@@ -31,6 +31,7 @@ using Utils::Threading::Signal;
 
 namespace {
 
+/// Guards the making of a worker, on the count's step from 0 to 1.
 Utils::Immortal<Mutex> classLock;
 
 /// Workers that were left to their threads, linked through their records.
@@ -69,8 +70,8 @@ private:
         return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
     }
 
-    std::atomic<std::int64_t> startedAt{idle};
-    std::atomic<const deviceRequest*> held{nullptr};
+    std::atomic<std::int64_t> startedAt{idle};       ///< milliseconds of the steady clock, or idle
+    std::atomic<const deviceRequest*> held{nullptr}; ///< compared only, never followed
 };
 
 /// Waits for the signal; false when the worker is stuck instead of coming to set it.
@@ -152,6 +153,7 @@ struct AVDeviceProxyThread::Impl {
     static void reapRetired() noexcept;
 
     AVDeviceProxyThread& worker;
+    /// The process that made the worker; the thread is in no other one.
     const unsigned long process = Utils::Platform::currentProcessId();
     const std::shared_ptr<DeviceCall> call = std::make_shared<DeviceCall>();
     std::atomic<std::thread::id> threadId{};
@@ -160,11 +162,12 @@ struct AVDeviceProxyThread::Impl {
     Signal end;
     /// The stop request of a worker that gives back its own last reference; nobody waits for it.
     SmartPtr<deviceRequest> ownStop;
-    AVDeviceProxyThread* nextRetired = nullptr;
+    AVDeviceProxyThread* nextRetired = nullptr; ///< guarded by retiredLock
 
+    /// Each request in it is held by its caller, who waits, or has left his reference behind.
     Utils::Collection::Queue<deviceRequest*> queue;
     Mutex lock;
-    bool rejecting ZENTARA_GUARDED_BY(lock) = false;
+    bool rejecting ZENTARA_GUARDED_BY(lock) = false; ///< true from the stop request on; never false again
 
     Utils::Threading::Thread thread;
 };
@@ -232,6 +235,7 @@ void AVDeviceProxyThread::processRequest(deviceRequest* request, std::uint32_t t
     try {
         impl->submitAndWait(request, timeoutMilliseconds);
     } catch (...) {
+        // The worker may still come to it: from here on the caller's reference is the worker's.
         request->impl->forsake();
         throw;
     }
@@ -268,6 +272,7 @@ void AVDeviceProxyThread::executeRequest(deviceRequest* request) {
 }
 
 void AVDeviceProxyThread::exit() {
+    // First: the thread then fails what is queued before the stop request in place of executing it.
     Runnable::exit();
     auto* const request = createQueuedRequest<deviceRequest>(nullptr, RequestType_NONE);
     processRequest(request, Detail::proxyTuning().timeoutMilliseconds);
@@ -287,6 +292,7 @@ void AVDeviceProxyThread::Impl::submitAndWait(deviceRequest* request, std::uint3
             "the device proxy thread runs in the parent of this process, and devices are called there only");
     if (isCurrentThread())
         refuse("a request from the device proxy thread itself would never be executed");
+    // Shared, for the worker may be deleted by its last owner as soon as the request is acknowledged.
     const std::shared_ptr<const DeviceCall> current = call;
     bool isSubmitted = false;
     try {
@@ -301,9 +307,11 @@ void AVDeviceProxyThread::Impl::submitAndWait(deviceRequest* request, std::uint3
     }
 
     // From here on the worker may be gone, once it has acknowledged the request.
+    // Who loses the withdrawal has been taken up meanwhile, and waits for the end like everybody.
     if (!awaitUnlessStuck(state.meeting->startOfIO, *current) && state.withdraw())
         throwTimeout(type);
     if (state.meeting->acknowledged.timedWait(timeoutMilliseconds) != 0) {
+        // A device that says yes ends soon: waited for, so that the caller's next call does not find it busy.
         if (cancelQuietly(state, *current))
             awaitUnlessStuck(state.meeting->acknowledged, *current);
         throwTimeout(type);
@@ -319,6 +327,7 @@ void AVDeviceProxyThread::Impl::submitAndWait(deviceRequest* request, std::uint3
 void AVDeviceProxyThread::Impl::work(deviceRequest* request) {
     const Turn turn(*call, request);
     const bool wanted = request->impl->begin();
+    // The clock runs before the caller hears of the start, else he could take the worker for idle.
     if (wanted)
         call->begin();
     request->ackStartOfIO();

@@ -35,7 +35,7 @@ public:
     }
 
 private:
-    const char* name;
+    const char* name; ///< of the export
     Result (*function)(Arguments...) = nullptr;
 };
 

@@ -152,9 +152,9 @@ private:
         }
     }
 
-    const unsigned long process = Utils::Platform::currentProcessId();
+    const unsigned long process = Utils::Platform::currentProcessId(); ///< that made the device
     PluginHandle handle;
-    Device* linked;
+    Device* linked; ///< the handle's object; null once it was let go
 };
 
 } // namespace Zentara::IO

@@ -11,6 +11,8 @@ deviceRequest::deviceRequest(AVDeviceInterface* device, RequestType type)
 deviceRequest::~deviceRequest() = default;
 
 void deviceRequest::decref() {
+    // One other reference is left. Where that is the one of a caller who got an exception, and never gives it back, what
+    // the request holds must go now, or it never would.
     if (decrefUnlessSecondLast())
         return;
     if (impl->isOver())

@@ -79,22 +79,23 @@ struct deviceRequest::Impl {
         return cancel();
     }
 
+    // What follows up to the meeting is handed over by the signals: written by one side while the other waits.
     const RequestType type;
     bool failed = false;
     bool isOurs = false; ///< made by the library, which never uses a reference that it left behind
     ProxyFailure failure;
     std::optional<Meeting> meeting{std::in_place}; ///< a husk of the library's own has none
     Utils::SmartPtr<AVDeviceInterface> device;     ///< a husk has none
-    std::atomic<bool> ioPending{false};
-    std::atomic<bool> cancelled{false};
+    std::atomic<bool> ioPending{false};            ///< the device says so: a cancel would reach something
+    std::atomic<bool> cancelled{false};            ///< the caller has given up
 
 private:
     enum class Stage { IDLE, QUEUED, STARTED, WITHDRAWN, DONE };
 
     bool advance(Stage from, Stage to) noexcept { return stage.compare_exchange_strong(from, to); }
 
-    std::atomic<Stage> stage{Stage::IDLE};
-    std::atomic<bool> forsaken{false};
+    std::atomic<Stage> stage{Stage::IDLE}; ///< see deviceRequest
+    std::atomic<bool> forsaken{false};     ///< the caller has left his reference behind; never false again
 };
 
 } // namespace Zentara::IO

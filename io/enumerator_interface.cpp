@@ -36,6 +36,7 @@ void EnumeratorInterface::initialize(Utils::Collection::Queue<ExternalEvent>* ev
 }
 
 void EnumeratorInterface::dispose() {
+    // The thread first: until it has ended it may push into the queue and ask the store.
     Zentara::Plugin::callPlugin([this] { impl->thread.stop(true); });
     impl->events = nullptr;
     impl->store = nullptr;

@@ -77,9 +77,11 @@ Utils::SmartPtr<LibraryParameterInterpreter> LibraryParameterInterpreter::create
 
 LibraryParameterInterpreter::LibraryParameterInterpreter(GUID backEnd)
     : ParameterInterpreter(backEnd, nullptr) {
+    // Only a made object can ask for its library.
     setLibrary(getSharedLibrary()->getHandle());
 }
 
+// While the back-end is still loaded: the use that holds it goes after this, with the last reference.
 LibraryParameterInterpreter::~LibraryParameterInterpreter() {
     try {
         dispose();

@@ -48,9 +48,9 @@ void checkPointer(const void* pointer, const char* what) {
 } // namespace
 
 struct ParameterInterpreter::Impl {
-    BackEndFunctions functions;
-    void* library = nullptr;
-    void* instance = nullptr; ///< null unless initialised
+    BackEndFunctions functions; ///< looked up anew with each initialize
+    void* library = nullptr;    ///< not owned
+    void* instance = nullptr;   ///< null unless initialised
 
     /// Calls a function with the instance and these arguments.
     template<typename... Parameters, typename... Arguments>
@@ -166,11 +166,13 @@ void ParameterInterpreter::initialize(void* context, BackEnd::Transfer* set, Bac
     constexpr const char* failure = "Failed to initialize plugin";
     if (!impl->library)
         throw InitializationPluginException("Invalid shared library handle");
+    // Not virtual: an override of dispose takes down more than the instance.
     ParameterInterpreter::dispose();
     impl->functions.lookUp(impl->library);
     impl->instance = impl->functions.createInstance();
     if (!impl->instance)
         throw InitializationPluginException(failure);
+    // One that refuses was never initialised, so it is destroyed and not disposed.
     try {
         if (impl->call(impl->functions.initialize, context, set, get, &ids, &version) != ErrorCode_SUCCESS)
             throw InitializationPluginException(failure);
@@ -260,6 +262,7 @@ void ParameterInterpreter::read(ParameterRequestMap& state) {
     const auto length = static_cast<unsigned int>(bytes.size());
     if (impl->call(impl->functions.readSystemState, bytes.data(), length) != ErrorCode_SUCCESS)
         throw IOPluginException(Format(failure) % impl->lastError());
+    // The bytes went out with the present values as a question, and came back with the camera's.
     reason = unmarshalSystemState(bytes, state);
     if (!reason.empty())
         throw IOPluginException(Format(failure) % reason);
@@ -306,7 +309,8 @@ void ParameterInterpreter::writeCalibration(CalibrationInternal* calibration) {
     constexpr const char* failure = "failed to write calibration: %";
     checkPointer(calibration, "the calibration to write");
     unsigned int length = 0;
-    // Tells the length by failing; a calibration that has nothing to say has length 0.
+    // Encoded twice: the first time into nothing, which tells the length by failing; a calibration that has nothing to
+    // say has length 0. One byte more, so that the bytes have an address then as well.
     calibration->marshal(nullptr, &length);
     std::vector<unsigned char> bytes(std::size_t{length} + 1);
     if (calibration->marshal(bytes.data(), &length) != 0)
@@ -320,6 +324,7 @@ void ParameterInterpreter::readCalibration(CalibrationInternal* calibration) {
     checkPointer(calibration, "the calibration to read into");
     const auto& function = impl->functions.readCalibration;
     unsigned int length = 0;
+    // A back-end says no length with success: it is asked for by a buffer that cannot suffice.
     if (impl->call(function, nullptr, &length) != ErrorCode_BUFFER_TOO_SMALL)
         throw NotSupportedPluginException(Format(failure) % impl->lastError());
     std::string reason;

@@ -39,6 +39,7 @@ AVDeviceInterface& plainDevice(deviceRequest& request) {
 } // namespace
 
 void dispatch(deviceRequest& request) {
+    // Without a default: a type that is added and forgotten here is a warning. Numbers that are no type do nothing.
     switch (request.type()) {
     case RequestType_THREAD_INITIALIZE:
         return plainDevice(request).threadInitialize();

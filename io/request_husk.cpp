@@ -15,6 +15,8 @@ void RequestHusk::mark(deviceRequest& request) noexcept { request.impl->isOurs =
 void RequestHusk::forsake(deviceRequest& request) noexcept { request.impl->forsake(); }
 
 void RequestHusk::make(deviceRequest& request) noexcept {
+    // The device comes last: objects of its own classes, such as a configuration that it made, need its library to be
+    // destroyed.
     if (auto* const owned = dynamic_cast<OwnedMemory*>(&request))
         owned->giveBack();
     if (auto* const depth = dynamic_cast<enableDepthRequest*>(&request))
@@ -27,6 +29,7 @@ void RequestHusk::make(deviceRequest& request) noexcept {
         audio->configuration = nullptr;
     if (auto* const audio = dynamic_cast<getAudioDefaultConfigurationsRequest*>(&request))
         audio->configuration = nullptr;
+    // Another author's request may be asked for its signals by whoever holds it.
     if (request.impl->isOurs)
         request.impl->meeting.reset();
     request.impl->device = nullptr;

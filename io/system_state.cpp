@@ -16,6 +16,8 @@ using Utils::Format;
 
 namespace {
 
+// An entry is the parameter's number in one byte and its value, low byte first; nothing stands before, between or after
+// the entries, so a reader has to know every parameter to find the next one.
 constexpr unsigned char trueByte = 0xFF;
 constexpr std::size_t numberBytes = 4;
 constexpr std::size_t boolBytes = 1;

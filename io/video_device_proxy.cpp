@@ -128,6 +128,8 @@ void VideoDeviceProxy::initialize(NodeEvent* event, Core::DescriptorStoreRO* sto
     impl->ask(&VideoDeviceInterface::initialize, event, store);
 }
 
+// First the device takes its preparation of the worker's thread back, while there is a worker; it is let go last, because
+// with it its library may leave the process.
 void VideoDeviceProxy::dispose() {
     impl->uninitializeThread(*this, "Failed to call threadUninitialize");
     AVDeviceProxy::dispose();

@@ -29,13 +29,14 @@ Narrow narrowed(unsigned long value, const char* what) {
 } // namespace
 
 struct XUInterface::XUInterfacePrivate {
-    VideoDeviceProxy* proxy = nullptr;
+    VideoDeviceProxy* proxy = nullptr; ///< not owned; null while nothing is bound
 };
 
 XUInterface::XUInterface() : binding(new XUInterfacePrivate), owned(binding) {}
 
 XUInterface::XUInterface(const XUInterface& other) noexcept : binding(other.binding), owned(nullptr) {}
 
+// What it owned stays: copies may still share it.
 XUInterface& XUInterface::operator=(const XUInterface& other) noexcept {
     binding = other.binding;
     return *this;

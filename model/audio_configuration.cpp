@@ -42,6 +42,7 @@ bool AudioConfiguration::isEqual(const AudioConfiguration* other) const {
            sampleRate == other->sampleRate;
 }
 
+// Hosts keep the names in files and command lines: the pattern never changes.
 void AudioConfiguration::rename() {
     setName(Utils::Format("AUCH%BPS%SR%") % channels % bitsPerSample % sampleRate);
 }

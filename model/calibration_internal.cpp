@@ -13,12 +13,15 @@ namespace {
 
 constexpr std::size_t maximumCoefficients = 255;
 
-// A record: tag, version, and a 16-bit length that counts this header.
+// A record: tag, version, and a 16-bit length that counts this header. By the length a reader passes over what it does
+// not know, so that back-ends may send more than this library asks for.
 constexpr unsigned int headerSize = 1 + 1 + 2;
 constexpr unsigned char recordVersion = 1;
 constexpr unsigned int phaseDelaySize = headerSize + 2;
 constexpr unsigned int coefficientsOffset = headerSize + 4;
 
+/// The markers that records with the same content have in a camera's flash. The records themselves differ: there numbers
+/// are big-endian and coefficients floats.
 enum Tag : unsigned char {
     Tag_FIRST_COEFFICIENTS = 0x22, // count, three bytes 0xFF, the coefficients
     Tag_PHASE_DELAY = 0x40,
@@ -137,10 +140,12 @@ void CalibrationInternal::setTemperatureCompensation(TemperatureCompensationData
 int CalibrationInternal::marshal(unsigned char* buffer, unsigned int* size) const {
     if (!size)
         return -1;
+    // What is zero has no record: a reader keeps what it had, so zero cannot be told.
     const unsigned int coefficientsSize =
         compensationKind != 0 ? coefficientsRecordSize(compensationCount) : 0;
     const unsigned int required = (phaseDelay != 0 ? phaseDelaySize : 0) +
                                   (phaseDelay2 != 0 ? phaseDelaySize : 0) + 2 * coefficientsSize;
+    // All or nothing: a buffer that holds a part would pass for a calibration that says less.
     if (!buffer || *size < required) {
         *size = required;
         return -1;
@@ -173,6 +178,7 @@ int CalibrationInternal::marshal(unsigned char* buffer, unsigned int* size) cons
 int CalibrationInternal::unmarshal(const unsigned char* buffer, unsigned int size) {
     if (!buffer)
         return -1;
+    // Into a copy: bytes that end in the middle of a record leave the object as it was.
     CalibrationInternal read(*this);
     for (unsigned int position = 0; position < size;) {
         if (headerSize > size - position)
@@ -181,6 +187,7 @@ int CalibrationInternal::unmarshal(const unsigned char* buffer, unsigned int siz
         if (record.length < headerSize || record.length > size - position)
             return -1;
         position += record.length;
+        // Of another version even a known tag may mean something else.
         if (record.bytes[1] != recordVersion)
             continue;
         bool fits = true;
@@ -197,6 +204,7 @@ int CalibrationInternal::unmarshal(const unsigned char* buffer, unsigned int siz
         case Tag_SECOND_COEFFICIENTS:
             fits = record.coefficients(1, read.secondCoefficients);
             read.compensationKind = fits ? record.bytes[headerSize] : 0;
+            // The second set's number counts; the first one is brought to it when it is written or handed out.
             read.compensationCount = static_cast<std::uint16_t>(read.secondCoefficients.size());
             break;
         default:

@@ -51,6 +51,7 @@ bool ColorConfiguration::isEqual(const ColorConfiguration* other) const {
            frequency == other->frequency && compression == other->compression;
 }
 
+// Enumerations print as their numbers. Hosts keep the names in files and command lines: the pattern never changes.
 void ColorConfiguration::rename() {
     setName(Utils::Format("COFF%FR%PLF%COMP%") % format % frameRate % frequency % compression);
 }

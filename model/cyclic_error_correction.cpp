@@ -41,6 +41,8 @@ CyclicErrorCorrection::CyclicErrorCorrection() = default;
 CyclicErrorCorrection::CyclicErrorCorrection(const void* rom) {
     if (!rom)
         return;
+    // The block's length is nowhere told, so its counts are believed: who makes one from bytes of a camera checks them,
+    // as cyclicErrorBlock does.
     fromRom = true;
     Model::logInfo("Loading Cyclic Error Correction from the ROM:");
     const auto* block = static_cast<const unsigned char*>(rom);
@@ -123,6 +125,7 @@ std::vector<unsigned char> cyclicErrorBlock(unsigned int size, const void* recor
         Model::parseRomRange(static_cast<const unsigned char*>(record), size);
     if (!range)
         return {};
+    // The same parameters for both modes: the flash keeps one record. From big-endian to little-endian on the way.
     const std::size_t count = range->parameters.size();
     std::vector<unsigned char> block(parameterOffset +
                                      CyclicErrorCorrection::MODE_COUNT * count * parameterBytes);

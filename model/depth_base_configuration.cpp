@@ -16,6 +16,7 @@ DepthBaseConfiguration::DepthBaseConfiguration(const DepthBaseConfiguration&) = 
 DepthBaseConfiguration& DepthBaseConfiguration::operator=(const DepthBaseConfiguration&) = default;
 DepthBaseConfiguration::~DepthBaseConfiguration() = default;
 
+// A name says all that makes a mode; what a mode is calibrated with may differ from camera to camera.
 bool DepthBaseConfiguration::isEqual(const DepthBaseConfiguration* other) const {
     return other && getName() == other->getName();
 }

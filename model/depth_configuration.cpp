@@ -42,7 +42,8 @@ void DepthConfiguration::setSaturation(bool newSaturation) {
 }
 
 void DepthConfiguration::rename() {
-    // The saturation is a number in the name; as a bool it would print as a word.
+    // The saturation is a number in the name; as a bool it would print as a word. Hosts keep the names in files and
+    // command lines: the pattern never changes.
     setName(Utils::Format("DEFF%FR%CM%S%") % getFrameFormat() % getFramerate() % mode % (saturation ? 1 : 0));
 }
 

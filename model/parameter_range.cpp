@@ -17,6 +17,8 @@ using Utils::SmartPtr;
 
 namespace {
 
+// The type first, then values of 32 bits, low byte first. A region's ranges keep their type bytes, so that each is a whole
+// encoding in itself.
 constexpr unsigned int typeBytes = 1;
 constexpr unsigned int countBytes = 2;
 constexpr unsigned int valueBytes = 4;
@@ -164,6 +166,7 @@ ParameterDiscreteSetInternal<T>* ParameterDiscreteSetInternal<T>::unmarshal(cons
     if (!buffer || size < setHeaderBytes)
         return nullptr;
     const auto count = loadLittleEndian<std::uint16_t>(buffer + typeBytes);
+    // A back-end may announce more values than it sends.
     if (size - setHeaderBytes < valueBytes * count)
         return nullptr;
     return orNull([=] {

@@ -24,6 +24,7 @@ TemperatureCompensation::TemperatureCompensation() = default;
 
 TemperatureCompensation::TemperatureCompensation(const void* data) {
     if (data) {
+        // The range itself says how long it is.
         const unsigned int count = static_cast<const unsigned char*>(data)[1];
         init(Model::RomRange::headerBytes + Model::RomRange::parameterBytes * count, data);
     }
@@ -47,6 +48,7 @@ void TemperatureCompensation::init(unsigned int size, const void* data) {
         }
         bytes += range->size();
         size -= range->size();
+        // The sensors are not in the ROM; setSensorIDs names them.
         records.push_back(
             {static_cast<CompensationAlgorithm>(range->algorithm), std::move(range->parameters), {}});
     }
@@ -65,6 +67,7 @@ void TemperatureCompensation::logRecords() const {
 }
 
 bool TemperatureCompensation::setCurrentMode(DepthNode::CameraMode mode) {
+    // Compared signed: -1, no mode, lies below every number of records.
     const bool known = mode >= DepthNode::CameraMode_NONE && mode <= DepthNode::CameraMode_1;
     if (!known || mode >= static_cast<std::int32_t>(records.size())) {
         warn("cannot set current mode: unsupported camera mode");

@@ -39,6 +39,7 @@ float AccelerometerCalibrationData::getZ() const { return z; }
 
 AccelerometerCalibrationData*
 AccelerometerCalibrationData::deserialize(const std::vector<std::uint8_t>& bytes) {
+    // Read whole and asked once: what is missing reads as 0. Surplus bytes are ignored.
     BigEndianReader in = openRecord(bytes, MARKER, VERSION);
     const float x = in.readFloat();
     const float y = in.readFloat();

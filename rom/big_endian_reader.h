@@ -32,6 +32,7 @@ public:
     float readFloat() { return std::bit_cast<float>(readU32()); }
 
     std::span<const std::uint8_t> readBytes(std::size_t length) {
+        // Compared with what is left: a length that a camera stored may be any number, and a sum would wrap.
         if (!complete || length > bytes.size() - position) {
             complete = false;
             return {};
@@ -62,9 +63,9 @@ private:
         return value;
     }
 
-    std::span<const std::uint8_t> bytes;
-    std::size_t position = 0;
-    bool complete = true;
+    std::span<const std::uint8_t> bytes; ///< not owned
+    std::size_t position = 0;            ///< never past the end
+    bool complete = true;                ///< false once a field was missing, and from then on
 };
 
 } // namespace Zentara::ROM

@@ -33,7 +33,7 @@ public:
     std::vector<std::uint8_t> take() { return std::move(bytes); }
 
 private:
-    std::vector<std::uint8_t> bytes;
+    std::vector<std::uint8_t> bytes; ///< what was written; empty once taken
 };
 
 } // namespace Zentara::ROM

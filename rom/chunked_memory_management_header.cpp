@@ -7,7 +7,7 @@
 namespace Zentara::ROM {
 
 namespace {
-constexpr std::size_t CHECKED_SIZE = ChunkedMemoryManagementHeader::SIZE - 2;
+constexpr std::size_t CHECKED_SIZE = ChunkedMemoryManagementHeader::SIZE - 2; // all but the CRC itself
 }
 
 ChunkedMemoryManagementHeader::ChunkedMemoryManagementHeader(std::uint8_t formatVersion,
@@ -50,6 +50,8 @@ ChunkedMemoryManagementHeader::deserialize(const std::vector<std::uint8_t>& byte
     const std::uint32_t chunkSize = in.readU32();
     const std::uint32_t firstBlock = in.readU32();
     const std::uint16_t crc = in.readU16();
+    // The checksum before the meaning: erased flash has neither strategy nor CRC. What the numbers say is the manager's
+    // to judge.
     if (!in.ok() || strategy != STRATEGY || crc != checksum({bytes.data(), CHECKED_SIZE}))
         return nullptr;
     return new ChunkedMemoryManagementHeader(version, minReadoutVersion, chunkSize, available, firstBlock);

@@ -48,10 +48,10 @@ struct ChunkedMemoryManager::Impl {
         Handles::node_type handle;
     };
 
-    Accessor* accessor;
-    const std::uint32_t start;
-    const std::uint32_t size;
-    const std::uint32_t configuredChunkSize;
+    Accessor* accessor;                      ///< not owned
+    const std::uint32_t start;               ///< the area's first address
+    const std::uint32_t size;                ///< the area's bytes, header included
+    const std::uint32_t configuredChunkSize; ///< to format with; the header's counts otherwise
     const bool headerAtStart;
 
     std::unique_ptr<Header> header; ///< null while not initialized
@@ -132,6 +132,7 @@ bool ChunkedMemoryManager::Impl::inArea(std::uint32_t address, std::uint64_t len
     return address >= start && address - start <= size && length <= size - (address - start);
 }
 
+/// Rewritten where it stands: the format has no second copy, so the chain hangs on this one write.
 void ChunkedMemoryManager::Impl::writeHeader(std::uint32_t firstBlock) {
     auto changed =
         std::make_unique<Header>(HEADER_VERSION, HEADER_MIN_READOUT_VERSION, header->getChunkSize(),
@@ -140,6 +141,7 @@ void ChunkedMemoryManager::Impl::writeHeader(std::uint32_t firstBlock) {
     header = std::move(changed);
 }
 
+/// The object follows the flash, never the other way round: after a write that failed it still says what is linked.
 void ChunkedMemoryManager::Impl::writeLink(Block& block, std::uint32_t next) const {
     Block changed(block);
     changed.setNextBlockOffset(next);
@@ -159,6 +161,7 @@ void ChunkedMemoryManager::Impl::load() {
     clear();
     if (size < Header::SIZE)
         return;
+    // A header that manages more than the area has would lead the reader outside it.
     std::unique_ptr<Header> loaded(Header::deserialize(flash().read(headerAddress(), Header::SIZE)));
     if (!loaded || loaded->getMinReadoutVersion() >= UNREADABLE_VERSION || loaded->getChunkSize() == 0 ||
         loaded->getAvailableMemorySize() > size)
@@ -184,6 +187,7 @@ void ChunkedMemoryManager::Impl::loadChain() {
             Utils::logWarning("cyclic references detected");
             return;
         }
+        // A block that reaches outside counts as none: read() gives nothing of it, so it costs nothing.
         if (inArea(address, block->getAllocatedSize()))
             claimed += block->getAllocatedSize();
         if (claimed > MOST_CLAIMS * size) {
@@ -378,6 +382,7 @@ const MemoryBlockHeader* ChunkedMemoryManager::allocate(std::uint32_t size) {
     const std::uint64_t total = std::uint64_t{size} + Block::SIZE;
     const std::uint64_t room = divideUp(total, impl->header->getChunkSize()) * impl->header->getChunkSize();
     const auto place = room > MAX_SIZE ? std::nullopt : impl->place(static_cast<std::uint32_t>(room));
+    // Where nothing fits, an earlier allocation that was not written is gone all the same.
     std::unique_ptr<Block> fresh;
     if (place) {
         fresh = std::make_unique<Block>(static_cast<std::uint32_t>(total), place->next);
@@ -399,6 +404,7 @@ void ChunkedMemoryManager::write(const MemoryBlockHeader* block, const std::vect
     Bytes stored = written.serialize();
     stored.insert(stored.end(), bytes.begin(), bytes.end());
     Impl::Entry entry = fresh ? impl->entryForPending() : Impl::Entry{};
+    // First the block, then the link to it: cut off in between, the chain is as it was.
     impl->writeAndCheck(written.getBlockOffset(), stored);
     if (fresh) {
         impl->link(written.getBlockOffset());
@@ -412,7 +418,7 @@ const MemoryBlockHeader* ChunkedMemoryManager::erase(const MemoryBlockHeader* bl
     impl->check(block);
     impl->checkVersion("Cannot erase section - Rom version is not %");
     impl->pending.reset();
-    impl->unlink(*block);
+    impl->unlink(*block); // the bytes stay: erasing is a matter of links
     const std::uint32_t next = block->getNextBlockOffset();
     impl->known.erase(block);
     impl->blocks.erase(block->getBlockOffset());

@@ -12,6 +12,7 @@ constexpr std::size_t MAX_COUNT = std::numeric_limits<std::uint8_t>::max();
 }
 
 std::vector<float> readCoefficients(BigEndianReader& in) {
+    // The count stands first, so the list takes memory only for floats that are there.
     BigEndianReader floats(in.readBytes(std::size_t{in.readU8()} * sizeof(float)));
     std::vector<float> values(floats.remaining() / sizeof(float));
     for (float& value : values)

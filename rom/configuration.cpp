@@ -22,6 +22,7 @@ TemperatureCompensationData Configuration::getTemperatureCompensation() const {
 }
 CyclicErrorCorrectionData Configuration::getCyclicErrorCorrection() const { return cyclicErrorCorrection; }
 
+// In the order of the format, each offset with the marker that it carries.
 std::vector<std::uint8_t> Configuration::serialize() const {
     std::vector<std::uint8_t> bytes = temperatureCalibration.serialize();
     append(bytes, phaseOffset.serialize());

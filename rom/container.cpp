@@ -37,9 +37,9 @@ struct Container::Impl {
     };
     using Sections = std::map<std::uint16_t, Entry>;
 
-    MemoryManager* const definedManager;
+    MemoryManager* const definedManager;     ///< not owned; may be null
     std::unique_ptr<ContainerHeader> header; ///< null while not initialized
-    Sections sections;
+    Sections sections;                       ///< as verified on flash, by uid
 
     explicit Impl(MemoryManager* memory) : definedManager(memory) {}
 
@@ -63,7 +63,7 @@ struct Container::Impl {
         if (!loaded || loaded->getMinReadoutVersion() >= UNREADABLE_VERSION)
             return;
         sections = readSections(memory, block);
-        header = std::move(loaded);
+        header = std::move(loaded); // last: by it everybody sees that the sections are there
     }
 
     /// The chain may lead back into itself; it ends at the first block seen before.
@@ -127,6 +127,8 @@ const MemoryBlockHeader* Container::Impl::store(std::uint16_t uid, const std::ve
     }
     std::vector<std::uint8_t> room(2 * bytes.size() + SPARE_ROOM);
     const std::string loss = about("section % was erased to be replaced and is gone", uid);
+    // The format's own order, which gives the old block's room to the new one. A write that fails from here on has cost
+    // the section.
     manager().erase(own);
     sections.erase(found);
     try {
@@ -156,6 +158,7 @@ const MemoryBlockHeader* Container::Impl::allocate(std::size_t size) const {
     return block;
 }
 
+// One by one, each forgotten as soon as it is unlinked: a failure leaves those that are still there.
 void Container::Impl::eraseAllSections() {
     while (!sections.empty()) {
         manager().erase(sections.begin()->second.block);
@@ -164,6 +167,7 @@ void Container::Impl::eraseAllSections() {
 }
 
 const MemoryBlockHeader* Container::Impl::blockForHeader() {
+    // Of another version: its block stays the first one, with another header in it.
     if (header) {
         eraseAllSections();
         return manager().getNext(nullptr);
@@ -219,7 +223,7 @@ void Container::set(std::uint16_t uid, ContainerSectionType type, std::uint8_t f
     entry.section = std::make_unique<Section>(type, uid, flags, data);
     entry.block = impl->store(uid, entry.section->serialize());
     impl->sections.erase(uid);
-    impl->sections.merge(fresh);
+    impl->sections.merge(fresh); // moves the entry over: nothing here can fail
 }
 
 void Container::erase(std::uint16_t uid) {

@@ -7,7 +7,7 @@
 namespace Zentara::ROM {
 
 namespace {
-constexpr std::size_t CHECKED_SIZE = ContainerHeader::SIZE - 2;
+constexpr std::size_t CHECKED_SIZE = ContainerHeader::SIZE - 2; // all but the CRC itself
 }
 
 ContainerHeader::ContainerHeader(std::uint8_t formatVersion, std::uint8_t readoutVersion)

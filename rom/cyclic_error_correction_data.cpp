@@ -37,6 +37,7 @@ const std::vector<float>& CyclicErrorCorrectionData::getValues() const { return 
 
 CyclicErrorCorrectionData* CyclicErrorCorrectionData::deserialize(const std::vector<std::uint8_t>& bytes) {
     BigEndianReader in = openRecord(bytes, MARKER, VERSION);
+    // Any byte is kept: what it means is the depth processing's affair.
     const auto algorithm = static_cast<CyclicErrorAlgorithmID>(in.readU8());
     const std::vector<float> values = readCoefficients(in);
     return in.ok() ? new CyclicErrorCorrectionData(algorithm, values) : nullptr;

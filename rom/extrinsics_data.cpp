@@ -19,6 +19,7 @@ ExtrinsicsData& ExtrinsicsData::operator=(const ExtrinsicsData& other) {
 }
 ExtrinsicsData::~ExtrinsicsData() = default;
 
+// Number by number: a NaN makes a record differ from itself.
 bool ExtrinsicsData::operator==(const ExtrinsicsData& other) const { return values == other.values; }
 bool ExtrinsicsData::operator!=(const ExtrinsicsData& other) const { return !(*this == other); }
 

@@ -44,9 +44,9 @@ Bytes readImage(const std::string& fileName) try {
 } // namespace
 
 struct FileAccessor::Impl {
-    std::string fileName;
-    Bytes image;
-    bool modified = false;
+    std::string fileName;  ///< UTF-8, as it was given: a link is followed when it is saved
+    Bytes image;           ///< never changes its size
+    bool modified = false; ///< the image differs from what was opened or last saved
 
     /// What lies at an address, all of it inside the image.
     Bytes::iterator at(const char* verb, std::uint32_t address, std::size_t length) {
@@ -86,6 +86,8 @@ void FileAccessor::save() {
         throw Plugin::IOPluginException(
             Utils::formatMessage("cannot save flash image %: %", impl->fileName, reason));
     };
+    // The lock for the length of the saving alone: who changes what others change too must look before. The part is
+    // flushed and takes the name in one step, so a reader finds the old image or the new one.
     const Owned<FileLock> right(FileLock::create(path, WAIT_MILLISECONDS));
     if (!right)
         fail();

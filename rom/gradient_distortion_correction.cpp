@@ -26,6 +26,7 @@ GradientDistortionCorrection::getGradientDistortionCorrectionData() const {
     return data;
 }
 
+// The header's number of sets is written as it is, whatever the number of tables.
 std::vector<std::uint8_t> GradientDistortionCorrection::serialize() const {
     std::vector<std::uint8_t> bytes = header.serialize();
     for (const GradientDistortionCorrectionData& table : data)

@@ -28,11 +28,12 @@ std::string readWhole(const std::string& fileName) try {
 } // namespace
 
 struct GradientDistortionCorrectionAccessor::Impl {
-    std::vector<std::uint8_t> image;
+    std::vector<std::uint8_t> image; ///< grows with what is asked of it
 
     /// What lies at an address, after growing the image so that it is there.
     std::vector<std::uint8_t>::iterator reach(std::uint32_t address, std::size_t length,
                                               std::uint8_t filler) {
+        // With erased flash behind its end a short file reads as one that was not formatted so far.
         image.resize(std::max(image.size(), address + length), filler);
         return image.begin() + static_cast<std::ptrdiff_t>(address);
     }

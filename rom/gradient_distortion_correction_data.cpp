@@ -36,7 +36,7 @@ GradientDistortionCorrectionData*
 GradientDistortionCorrectionData::deserialize(const std::vector<std::uint8_t>& bytes) {
     BigEndianReader in = openRecord(bytes, MARKER, VERSION);
     const std::uint16_t frequency = in.readU16();
-    const auto table = in.readBytes(in.readU32());
+    const auto table = in.readBytes(in.readU32()); // a view: a count that lies takes no memory
     return in.ok() ? new GradientDistortionCorrectionData(frequency, {table.begin(), table.end()}) : nullptr;
 }
 

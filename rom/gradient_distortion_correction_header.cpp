@@ -13,7 +13,7 @@ namespace Zentara::ROM {
 
 namespace {
 
-constexpr std::size_t MAX_SERIAL_ID = 254;
+constexpr std::size_t MAX_SERIAL_ID = 254; // with its zero byte it must be told in one byte
 
 void checkSerialId(const std::string& serialId) {
     if (serialId.size() > MAX_SERIAL_ID)

@@ -62,6 +62,7 @@ float IntrinsicsData::getP1() const { return intrinsics.p1; }
 float IntrinsicsData::getP2() const { return intrinsics.p2; }
 
 IntrinsicsData* IntrinsicsData::deserialize(const std::vector<std::uint8_t>& bytes) {
+    // The marker says whose lens it is; any other than the depth camera's must be the colour camera's.
     const auto record = viewRecord(bytes);
     const bool depth = record && record->type == static_cast<std::uint8_t>(DEPTH_MARKER);
     BigEndianReader in = openRecord(bytes, depth ? DEPTH_MARKER : COLOR_MARKER, VERSION);

@@ -10,7 +10,7 @@
 namespace Zentara::ROM {
 
 namespace {
-constexpr std::size_t CHECKED_SIZE = MemoryBlockHeader::SIZE - 2;
+constexpr std::size_t CHECKED_SIZE = MemoryBlockHeader::SIZE - 2; // all but the CRC itself
 }
 
 MemoryBlockHeader::MemoryBlockHeader(std::uint32_t size, std::uint32_t next)
@@ -19,6 +19,7 @@ MemoryBlockHeader::MemoryBlockHeader(const MemoryBlockHeader& other) = default;
 MemoryBlockHeader& MemoryBlockHeader::operator=(const MemoryBlockHeader& other) = default;
 MemoryBlockHeader::~MemoryBlockHeader() = default;
 
+// Apart from the class, so that a reader can tell a damaged header from a lack of memory, which must not end a chain.
 std::optional<BlockHeaderFields> readBlockHeader(std::span<const std::uint8_t> bytes) noexcept {
     BigEndianReader in(bytes);
     const std::uint32_t allocatedSize = in.readU32();

@@ -14,6 +14,7 @@ Object& Object::operator=(const Object& other) = default;
 Object::~Object() = default;
 
 Object* Object::deserialize(ContainerSectionType type, const std::vector<std::uint8_t>& bytes) {
+    // Without a default, so that the compiler names a type that is missing here. A section may hold any other byte.
     switch (type) {
     case ContainerSectionType::SystemInfo:
         return SystemInfo::deserialize(bytes);

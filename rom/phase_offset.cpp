@@ -31,6 +31,7 @@ short PhaseOffset::getPhaseOffset() const { return phaseOffset; }
 TypeMarker PhaseOffset::getMarker() const { return marker; }
 
 PhaseOffset* PhaseOffset::deserialize(const std::vector<std::uint8_t>& bytes) {
+    // Either marker will do: which of the two offsets it is, the record itself says.
     for (const TypeMarker marker : {MARKER, MARKER2}) {
         BigEndianReader in = openRecord(bytes, marker, VERSION);
         const auto offset = static_cast<std::int16_t>(in.readU16());

@@ -59,6 +59,7 @@ std::vector<std::uint8_t> makeRecord(TypeMarker marker, std::uint8_t version,
 }
 
 void readRecords(std::span<const std::uint8_t> bytes, std::initializer_list<RecordRule> rules) {
+    // What is no whole record ends the walk: where the next one would begin is not known then.
     while (const auto record = viewRecord(bytes)) {
         const std::size_t length = record->data.size() + SerializedDataBlock::MIN_SIZE;
         readRecord(*record, bytes.first(length), rules);

@@ -48,6 +48,7 @@ std::vector<std::uint16_t> ROM::getUIDs() {
 }
 
 Object* ROM::get(std::uint16_t uid) {
+    // Under the lock, so that data and type are of one and the same section.
     AutoLock lock(impl->mutex);
     const std::vector<std::uint8_t> data = impl->defined().get(uid);
     return Object::deserialize(impl->defined().getType(uid), data);

@@ -40,6 +40,7 @@ Section* Section::deserialize(const std::vector<std::uint8_t>& bytes) {
     const std::uint8_t flags = in.readU8();
     const std::uint16_t uid = in.readU16();
     const std::uint16_t headerCrc = in.readU16();
+    // The header's checksum before its length: a length that was garbled would be believed otherwise.
     if (!in.ok() || marker != SECTION_MARKER || headerCrc != checksum({bytes.data(), HEADER_SIZE}) ||
         length < MIN_SIZE)
         return nullptr;

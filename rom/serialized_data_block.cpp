@@ -33,6 +33,7 @@ std::vector<std::uint8_t> SerializedDataBlock::serialize() const {
     return bytes;
 }
 
+// For lack of memory null as well: readers of stored bytes throw nothing.
 SerializedDataBlock* SerializedDataBlock::deserialize(const std::vector<std::uint8_t>& bytes) try {
     const auto record = viewRecord(bytes);
     if (!record)

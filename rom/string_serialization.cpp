@@ -12,6 +12,7 @@ std::uint8_t* serialize(std::uint8_t* out, const std::string& text) {
 
 std::size_t serializedLength(const std::string& text) { return text.size() + 1; }
 
+// Looks for the zero byte without a bound: the caller has seen it.
 const std::uint8_t* deserialize(const std::uint8_t* in, std::string* out) {
     *out = reinterpret_cast<const char*>(in);
     return in + serializedLength(*out);

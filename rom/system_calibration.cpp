@@ -21,6 +21,7 @@ const AccelerometerCalibrationData& SystemCalibration::getAccelerometerCalibrati
     return accelerometer;
 }
 
+// In the order of the format. Extrinsics and accelerometer are written also where there are none: all 0.
 std::vector<std::uint8_t> SystemCalibration::serialize() const {
     std::vector<std::uint8_t> bytes;
     for (const IntrinsicsData& lens : depthIntrinsics)

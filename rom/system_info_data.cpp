@@ -8,8 +8,9 @@
 namespace Zentara::ROM {
 
 namespace {
+// The well-known identifier of what has none, spelled out: the ROM knows no plug-ins.
 constexpr GUID DEFAULT_GUID = {0x1024966D, 0x1634, 0x4756, {0x9A, 0xBC, 0x99, 0x97, 0x91, 0x59, 0x1F, 0x45}};
-}
+} // namespace
 
 SystemInfoData::SystemInfoData() : guid(DEFAULT_GUID) {}
 SystemInfoData::SystemInfoData(const GUID& identity) : guid(identity) {}

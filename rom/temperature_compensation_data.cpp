@@ -39,6 +39,7 @@ const std::vector<float>& TemperatureCompensationData::getValues() const { retur
 TemperatureCompensationData*
 TemperatureCompensationData::deserialize(const std::vector<std::uint8_t>& bytes) {
     BigEndianReader in = openRecord(bytes, MARKER, VERSION);
+    // Any byte is kept: what it means is the depth processing's affair.
     const auto algorithm = static_cast<TemperatureAlgorithmID>(in.readU8());
     const std::vector<float> values = readCoefficients(in);
     return in.ok() ? new TemperatureCompensationData(algorithm, values) : nullptr;

@@ -17,7 +17,7 @@ void BinaryReader::read(void* destination, int count) {
     if (count < 0 || count > size - position)
         throw UIOException("unexpected end of stream");
     if (count == 0)
-        return;
+        return; // either pointer may be null then, which memcpy must not see
     std::memcpy(destination, data + position, static_cast<std::size_t>(count));
     position += count;
 }
@@ -44,6 +44,7 @@ std::string BinaryReader::readString() {
     const int length = readInt();
     if (length < 0 || length > size - position)
         throw UIOException("unexpected end of stream");
+    // Only now memory: the length was stored by somebody else.
     std::string text(static_cast<std::size_t>(length), '\0');
     read(text.data(), length);
     return text;

@@ -31,13 +31,14 @@ struct BinaryWriter::Impl {
         bytes.append(text);
     }
 
-    std::string bytes;
+    std::string bytes; ///< grows as a text does: its capacity doubles, and small contents need no heap
 };
 
 namespace {
 
 template<typename T>
 void writeElements(BinaryWriter& writer, const std::vector<T>& values) {
+    // A vector of bool hands out proxies, for which no write exists.
     for (const auto& value : values)
         writer.write(static_cast<T>(value));
 }

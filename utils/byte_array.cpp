@@ -9,14 +9,15 @@ struct ByteArray::Block {
     Block(std::unique_ptr<unsigned char[]> owned, int count)
         : bytes(std::move(owned)), size(bytes && count > 0 ? count : 0) {}
 
-    const std::unique_ptr<unsigned char[]> bytes;
+    const std::unique_ptr<unsigned char[]> bytes; ///< may be null, and then size is 0
     const int size;
-    std::atomic<int> holders{1};
+    std::atomic<int> holders{1}; ///< arrays that share it
 };
 
 ByteArray::ByteArray() : block(nullptr) {}
 
 ByteArray::ByteArray(unsigned char* data, int size) {
+    // Owned before anything can fail: the caller has given the bytes away.
     std::unique_ptr<unsigned char[]> owned(data);
     block = new Block(std::move(owned), size);
 }

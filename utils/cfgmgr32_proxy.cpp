@@ -9,6 +9,7 @@ namespace Zentara::Utils {
 
 namespace {
 
+/// Never destroyed, as all class-wide mutexes: threads may still run while the process ends.
 constinit Immortal<Threading::Mutex> lockStorage;
 
 } // namespace

@@ -58,7 +58,7 @@ struct Condition::Impl {
     Mutex* const mutex;
     RecursiveMutex* const recursiveMutex;
 
-    Mutex state;
+    Mutex state; ///< a leaf: nothing else is taken while it is held
     WaiterList waiting ZENTARA_GUARDED_BY(state);
 
     void enter(Waiter& waiter);
@@ -116,9 +116,11 @@ void Condition::wait() noexcept { timedWait(Platform::infiniteWait); }
 
 int Condition::timedWait(unsigned long milliseconds) noexcept {
     Waiter waiter;
+    // In the list before the mutex goes: who changes the predicate and notifies, finds this waiter from then on.
     impl->enter(waiter);
     unlock();
     sleepUntilNotified(waiter, milliseconds);
+    // The caller's mutex comes last: it is never asked for with `state` held.
     const bool notified = impl->leave(waiter);
     lock();
     return notified ? 0 : -1;

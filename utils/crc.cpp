@@ -40,6 +40,7 @@ constexpr Register step(const Table<Register>& table, Register crc, std::uint8_t
     return static_cast<Register>(table[(crc ^ byte) & 0xFF] ^ shifted);
 }
 
+/// Table 0 is the usual one; each further table takes an entry one zero byte onward.
 template<typename Register>
 constexpr Tables<Register> makeTables(Register (*entry)(Register, Register), Register polynomial) {
     Tables<Register> tables{};

@@ -12,7 +12,7 @@
 namespace Zentara::Utils {
 
 struct EnvironmentVariable::Impl {
-    const std::string name;
+    const std::string name;           ///< UTF-8
     std::optional<std::string> value; ///< nothing when the variable is not set
     bool loaded = false;
 };
@@ -30,7 +30,7 @@ EnvironmentVariable::~EnvironmentVariable() = default;
 
 void EnvironmentVariable::update() {
     std::string value;
-    impl->value.reset();
+    impl->value.reset(); // first: a text from getValue() holds until here
     if (Platform::readEnvironment(impl->name, value))
         impl->value = std::move(value);
     impl->loaded = true;
@@ -71,6 +71,7 @@ void EnvironmentVariable::setValue(const char* value) {
     if (!Platform::writeEnvironment(impl->name, text))
         throw USystemException(
             formatLastError(formatMessage("cannot set environment variable '%'", impl->name)));
+    // After the system took it: a name that it refuses leaves the cache as it was.
     impl->value = text.empty() ? std::nullopt : std::optional(text);
     impl->loaded = true;
 }

@@ -68,11 +68,13 @@ std::string canonicalPath(const std::string& path) {
     const std::string root = rootOf(absolute);
     std::vector<std::string> names;
     for (const std::string& name : split(absolute, '/')) {
+        // By the text alone: a ".." takes the name before it, be that a link or not, and at the root it is nothing.
         if (name == ".." && !names.empty())
             names.pop_back();
         else if (!name.empty() && name != "." && name != "..")
             names.push_back(name);
     }
+    // "C:" alone is the working directory on that drive; its root has a '/'.
     const bool isBareDrive = root.empty() && names.size() == 1;
     return root + join(names, "/") + (isBareDrive ? "/" : "");
 }
@@ -94,6 +96,7 @@ std::vector<std::string> getFileList(const std::string& directory, const std::st
     if (Platform::listFiles(directory, names) == Platform::DirectoryWalk::Failed)
         logWarning(formatLastError("FindNextFile error"));
     std::erase_if(names, [&pattern](const std::string& name) { return !hasExtension(name, pattern); });
+    // The system's own order changes from one file system to the next, and plug-ins are taken in this one.
     std::sort(names.begin(), names.end());
     const std::string prefix = addTrailingSeparator(directory);
     for (std::string& name : names)

@@ -299,7 +299,7 @@ struct Format::Impl {
     const std::string format;
     std::size_t position = 0; ///< of what has not been emitted yet, in `format`
     Output output;
-    std::unique_ptr<TextStream> streaming;
+    std::unique_ptr<TextStream> streaming; ///< null until a value needs it, and then for good
 };
 
 /// Room for the record of one message. Most threads have one message at a time, so that a place is nearly always free;

@@ -33,6 +33,7 @@ std::optional<int> kitPatch(const std::string& version) {
     int patch = 0;
     char rest[2];
     // The widths keep every number inside an int.
+    // A fourth field must be there, whatever it holds.
     if (std::sscanf(version.c_str(), "%9d.%9d.%9d.%1s", &major, &minor, &patch, rest) != 4)
         return unparsedVersion();
     if (major != kitMajor || minor != kitMinor)
@@ -75,6 +76,7 @@ std::optional<InstallRoot> rootFromEnvironment() {
 InstallRoot readRoot(const std::string& store, const char* key, KeyView view, const std::string& fallback) {
     InstallRoot found;
     std::string directory;
+    // A value that is no text is a broken installation, not a missing one: it must not be passed over in silence.
     const KeyRead result = Platform::readKeyValue(store, key, view, "InstallDir", directory);
     found.readable = result != KeyRead::Unreadable;
     if (found.readable)

@@ -16,6 +16,7 @@ namespace {
 
 constexpr const char* eventSourceName = "ZentaraSDK";
 
+/// Guards the instance and its count. Never destroyed, for threads log while the process ends.
 constinit Immortal<Threading::Mutex> instanceMutexStorage;
 
 /// False for a level that the system's log does not get.
@@ -50,6 +51,7 @@ struct KVLogger::Impl {
         : eventSource(Platform::openSystemLog(eventSourceName)),
           logger(Logger::instance(level, name, target)) {}
 
+    /// The file goes last, with its end banner.
     ~Impl() {
         eventSource.reset();
         Logger::release();
@@ -70,6 +72,7 @@ struct KVLogger::Impl {
 KVLogger* KVLogger::m_instance = nullptr;
 Threading::Mutex& KVLogger::m_instanceMutex = instanceMutexStorage.object;
 
+// Whoever logs a failure of the system reads its number afterwards: logging leaves it alone, here and below.
 KVLogger* KVLogger::createInstance(KVLogLevel level, const char* name, const char* target) {
     const Platform::LastErrorKeeper keeper;
     const Threading::AutoLock lock(m_instanceMutex);

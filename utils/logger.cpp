@@ -19,6 +19,7 @@ namespace {
 constexpr std::size_t bannerWidth = 65;
 constexpr std::size_t timeTextSize = 200;
 
+/// Guards the instance. Never destroyed, for threads log while the process ends.
 constinit Immortal<Threading::Mutex> instanceMutexStorage;
 
 /// The labels fill their ten columns; null for a level that is never written.
@@ -98,7 +99,7 @@ struct Logger::Impl {
     }
 
     void writeLine(const char* label, std::string_view message) {
-        const ThreadTag tag;
+        const ThreadTag tag; // before the lock, which only the line itself needs
         const Threading::AutoLock lock(mutex);
         const std::string_view time = timeText.now();
         if (time.empty())
@@ -107,6 +108,8 @@ struct Logger::Impl {
         flushLine();
     }
 
+    /// In one write, so that lines of several processes in one file do not mix, and flushed: the line before a crash is
+    /// the one that is wanted.
     void flushLine() {
         std::fwrite(line.data(), 1, line.size(), file);
         std::fflush(file);
@@ -115,10 +118,10 @@ struct Logger::Impl {
     const KVLogLevel level;
     const std::string name;
     std::FILE* file = nullptr; ///< null while logging is off
-    bool ownsFile = false;
-    Threading::Mutex mutex;
+    bool ownsFile = false;     ///< false for the standard streams
+    Threading::Mutex mutex;    ///< around each line
     TimeText timeText ZENTARA_GUARDED_BY(mutex);
-    std::string line; ///< kept for its memory
+    std::string line; ///< used with the mutex held; kept for its memory
 };
 
 Logger* Logger::_instance = nullptr;

@@ -16,7 +16,7 @@ namespace {
 // is set before they sleep, so whoever frees the word knows of them.
 using Word = std::atomic<std::uint64_t>;
 
-constexpr std::uint64_t contended = 1;
+constexpr std::uint64_t contended = 1; ///< who gives the word back must wake somebody
 constexpr std::uint64_t holderBits = ((std::uint64_t{1} << 48) - 1) & ~std::uint64_t{63};
 constexpr std::uint64_t onceMore = std::uint64_t{1} << 48;
 
@@ -30,6 +30,8 @@ void waitAndTake(Word& word, std::uint64_t self) noexcept {
                 return;
             continue;
         }
+        // The mark goes in before the sleep, and the sleep ends at once if the word is no longer as it was marked: a
+        // release in between is not missed.
         const std::uint64_t marked = seen | contended;
         if (seen != marked && !word.compare_exchange_weak(seen, marked, std::memory_order_relaxed))
             continue;

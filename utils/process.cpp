@@ -12,7 +12,7 @@ namespace Zentara::Utils {
 
 bool findProcess(const std::string& name) {
     std::vector<std::string> running;
-    Platform::listProcesses(running);
+    Platform::listProcesses(running); // none where they cannot be listed
     return std::any_of(running.begin(), running.end(), [&name](const std::string& candidate) {
         return Platform::fileNamesIgnoreCase() ? toLower(candidate) == toLower(name) : candidate == name;
     });

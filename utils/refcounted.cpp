@@ -17,6 +17,7 @@ Threading::Mutex& weakLock = weakLockStorage.object;
 
 } // namespace
 
+// Nothing is taken from the other one: a count says who holds this object.
 Refcounted::Refcounted(const Refcounted&) noexcept {}
 
 Refcounted& Refcounted::operator=(const Refcounted&) noexcept { return *this; }
@@ -33,6 +34,7 @@ Refcounted::~Refcounted() {
 
 void Refcounted::incref() { references.fetch_add(1, std::memory_order_relaxed); }
 
+// Released and acquired: what every owner did to the object is seen by the one that deletes it.
 void Refcounted::decref() {
     if (references.fetch_sub(1, std::memory_order_acq_rel) == 1)
         delete this;
@@ -80,7 +82,7 @@ Refcounted::WeakReference& Refcounted::WeakReference::operator=(const WeakRefere
     Threading::AutoLock hold(weakLock);
     if (object != other.object) {
         Refcounted* previous = object;
-        watch(other.object);
+        watch(other.object); // may fail for memory; this reference is as it was then
         unwatch(previous);
     }
     return *this;
@@ -123,6 +125,7 @@ void Refcounted::WeakReference::unwatch(Refcounted* target) noexcept {
     if (!target)
         return;
     List& list = *target->weakReferences.load(std::memory_order_relaxed);
+    // The order tells nothing: the last one takes the place.
     *std::find(list.begin(), list.end(), this) = list.back();
     list.pop_back();
 }

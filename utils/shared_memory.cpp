@@ -17,6 +17,8 @@ namespace {
 
 constexpr unsigned int maximumIndex = 127;
 
+// Order of locks: instanceLock, then a table's own.
+
 using Slot = Platform::Owned<Platform::SharedMapping>;
 using Slots = std::vector<Slot>;
 
@@ -48,7 +50,7 @@ void drop(Slots& slots, bool unlink) {
 } // namespace
 
 struct SharedMemory::Impl {
-    Threading::RecursiveMutex lock;
+    Threading::RecursiveMutex lock; ///< guards the table and what the system is asked for on its behalf
     std::string baseName = "/ZentaraSDK_";
     std::map<std::string, Slots> names ZENTARA_GUARDED_BY(lock);
     std::string sweptName ZENTARA_GUARDED_BY(lock); ///< the base name whose left-over memory was removed

@@ -42,7 +42,7 @@ int parseInt(const std::string& text) {
         throw UFormatException("string is empty");
     char* end = nullptr;
     const std::int64_t value = std::strtoll(text.c_str(), &end, 10);
-    // A zero byte inside the text ends the conversion before the end.
+    // A zero byte inside the text ends the conversion before the end. What is too great is cut, as the header says.
     if (end == text.c_str() || end != text.c_str() + text.size())
         throw UFormatException("invalid number");
     return static_cast<int>(value);
@@ -60,7 +60,7 @@ std::wstring stringToWString(const std::string& text) {
 std::string wstringToString(const std::wstring& wide) {
     std::string text;
     if (!Platform::wideToUtf8(wide, text)) {
-        const std::string reason = getLastError();
+        const std::string reason = getLastError(); // before the next call of the system
         text = Platform::wideToUtf8OrNarrowed(wide);
         warnOfFallback(text, reason);
     }

@@ -78,20 +78,22 @@ private:
 struct Thread::Impl {
     Impl(Runnable* work, void* workArgument) : runnable(work), argument(workArgument) {}
 
-    Runnable* const runnable;
-    void* const argument;
+    Runnable* const runnable; ///< not owned; may be null
+    void* const argument;     ///< not owned
     std::atomic<bool> exitRequested{false};
 
-    mutable Mutex lock;
+    mutable Mutex lock; ///< never held while a thread is waited for, nor around the runnable
     std::string name ZENTARA_GUARDED_BY(lock);
-    std::shared_ptr<ThreadBase> thread ZENTARA_GUARDED_BY(lock);
+    std::shared_ptr<ThreadBase>
+        thread ZENTARA_GUARDED_BY(lock); ///< the last one; null before the first start
 
     std::shared_ptr<ThreadBase> current() const {
         AutoLock hold(lock);
         return thread;
     }
     bool isAlive() const {
-        const auto present = current();
+        const auto present =
+            current(); // a reference of its own: another thread may start the next one meanwhile
         return present && present->getState() != ThreadState_FINISHED;
     }
     std::shared_ptr<Run> startAfter(const std::shared_ptr<ThreadBase>& former);

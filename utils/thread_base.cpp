@@ -28,17 +28,17 @@ struct ThreadBase::Impl {
         : function(entry), argument(entryArgument), started(!startSuspended),
           state(startSuspended ? ThreadState_SUSPENDED : ThreadState_RUNNING) {}
 
-    void (*const function)(void*);
-    void* const argument;
+    void (*const function)(void*); ///< lets no exception out
+    void* const argument;          ///< the caller's
     const Platform::Owned<Event> resumed{Event::create(Event::Reset::automatic)};
     const Platform::Owned<Event> joined{Event::create(Event::Reset::manual)};
     /// Set before the first caller can see this record; the new thread itself leaves it alone.
     Platform::Owned<Platform::Thread> thread;
 
     mutable Mutex lock;
-    bool started ZENTARA_GUARDED_BY(lock);
+    bool started ZENTARA_GUARDED_BY(lock);           ///< false: held back, and may yet end without running
     bool abandoned ZENTARA_GUARDED_BY(lock) = false; ///< nobody can resume the thread any more
-    bool joining ZENTARA_GUARDED_BY(lock) = false;
+    bool joining ZENTARA_GUARDED_BY(lock) = false;   ///< somebody has asked the system to wait for the thread
     ThreadState state ZENTARA_GUARDED_BY(lock);
 
     static void enter(void* holder);

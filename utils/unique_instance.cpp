@@ -7,7 +7,7 @@
 namespace Zentara::Utils {
 
 struct UniqueInstance::Impl {
-    bool existed = false;
+    bool existed = false; ///< as it was found at construction
     Platform::Owned<Platform::SingleInstance> held;
 };
 

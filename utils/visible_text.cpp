@@ -78,6 +78,7 @@ bool isTreacherous(std::uint32_t character) { return isControl(character) || isH
 
 std::string visibleText(std::string_view text) {
     std::string visible;
+    // Where the text would have to end for the mark to find room behind it: known only once it turns out too long.
     std::size_t endBeforeMark = 0;
     for (std::size_t position = 0; position < text.size();) {
         visible += nextPiece(text, position);

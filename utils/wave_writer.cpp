@@ -76,6 +76,7 @@ struct WaveWriter::Impl {
     bool writeHeader() const {
         unsigned char header[headerBytes];
         fillHeader(header);
+        // Piece by piece, as the format has them.
         return writeBytes(header, riffBytes) && writeBytes(header + riffBytes, formatBytes) &&
                writeBytes(header + riffBytes + formatBytes, dataBytes);
     }
@@ -96,7 +97,7 @@ struct WaveWriter::Impl {
             formerData + static_cast<std::uint32_t>(std::min<std::int64_t>(dataSize - formerData, present));
     }
 
-    std::FILE* file = nullptr;
+    std::FILE* file = nullptr; ///< null while nothing is open
     std::uint32_t riffSize = riffSizeWithoutData;
     std::uint16_t channels = 2;
     std::uint32_t samplesPerSecond = 48000;
@@ -126,6 +127,7 @@ int WaveWriter::write(const void* data, int size) {
     if (!data || size < 0)
         return CannotWrite;
     const auto count = static_cast<std::uint32_t>(size);
+    // Sizes have 32 bits in the format: what does not fit is refused whole, and what is there stays playable.
     if (count > mostData - impl->dataSize || !impl->writeBytes(data, count))
         return CannotWrite;
     impl->dataSize += count;

@@ -13,6 +13,7 @@ namespace Zentara {
 CyclicErrorCorrection::CyclicErrorCorrection(Core::DescriptorStoreRO* store) {
     if (!store)
         return;
+    // Both modes or none: a store that fails for the second must not leave the first alone corrected.
     auto read = modes;
     try {
         for (std::uint32_t mode = 0; mode < MODE_COUNT; ++mode) {

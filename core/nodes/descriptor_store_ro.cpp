@@ -76,7 +76,7 @@ const NodeDescriptor& node(const DescriptorStoreRO& store) {
 } // namespace
 
 struct DescriptorStoreRO::Impl {
-    const RequestList* configurationSettings = nullptr;
+    const RequestList* configurationSettings = nullptr; ///< not owned: the running mode's, as the node says
     Profile profile = Profile_DEFAULT;
 };
 
@@ -146,6 +146,7 @@ ROMElement DescriptorStoreRO::getROMElement(std::uint64_t id) const {
 }
 
 bool DescriptorStoreRO::getValue(std::uint32_t id, std::uint32_t& value) const {
+    // In the order of sending, so that the last write counts as it does on the camera.
     bool found = findValue(getPreCommonSettings(), id, value);
     found |= findValue(impl->configurationSettings, id, value);
     found |= findValue(getPostCommonSettings(), id, value);

@@ -20,7 +20,7 @@ std::uint64_t EnumeratorInterface::getNodeFlags() {
         switch (store ? store->getNodeType() : NodeType_NONE) {
         case NodeType_DEPTH:
             return store->getDepthFlags();
-        case NodeType_COLOR:
+        case NodeType_COLOR: // its flags are the first word, a depth node's the second
             return store->getColorFlags();
         default:
             return 0;

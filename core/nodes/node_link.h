@@ -13,9 +13,9 @@ namespace Zentara::Core {
 /// What every node keeps: its device behind a proxy, the store and the host's data.
 template<typename Proxy, typename ProcessorData>
 struct NodeLink {
-    std::unique_ptr<Proxy> proxy;
-    DescriptorStoreRO* store = nullptr;
-    ProcessorData* data = nullptr;
+    std::unique_ptr<Proxy> proxy;       ///< null unless connected
+    DescriptorStoreRO* store = nullptr; ///< not owned
+    ProcessorData* data = nullptr;      ///< the host's; not owned
 
     /// Replaces an earlier link. The proxy's own initialisation is left to the caller, who has access to it.
     Proxy& connect(NodeEvent* event, DescriptorStoreRO* newStore, ProcessorData* newData) {

@@ -24,6 +24,7 @@ bool ask(Question question) {
 
 } // namespace
 
+/// What is not there is empty or 0; whether it is there, the flags say.
 struct BaseROMLayout::Impl {
     Core::DescriptorStoreRO* store = nullptr; ///< not owned
     std::string productionId;

@@ -31,6 +31,7 @@ private:
         if (!listener)
             return step();
         const auto* bytes = static_cast<const std::uint8_t*>(data);
+        // Told before and after, so that one which hangs has been told, too.
         ChipTransfer transfer{isGet, unit, static_cast<std::uint32_t>(control), {bytes, bytes + length}, {},
                               {},    false};
         listener(transfer);
@@ -105,7 +106,7 @@ public:
     }
     void writeI2c(std::uint8_t device, unsigned reg, unsigned value, std::uint8_t dataBytes) final {
         if constexpr (requires { &Chip::setI2cLocked; })
-            chip.setI2cLocked(device, reg, value, 1, dataBytes, true);
+            chip.setI2cLocked(device, reg, value, 1, dataBytes, true); // the orders that requests have
         else
             refuse("way to its I2C bus");
     }

@@ -9,6 +9,7 @@ namespace Zentara::IO {
 
 namespace {
 
+// In the order in which the delays of one mode come.
 constexpr std::array<std::uint32_t, 4> frameRates = {25, 30, 50, 60};
 constexpr std::uint32_t modeCount = 2;
 
@@ -18,6 +19,7 @@ CalibrationData::CalibrationData(short mode0, short mode1)
     : CalibrationData({mode0, mode0, mode0, mode0, mode1, mode1, mode1, mode1}) {}
 
 CalibrationData::CalibrationData(std::vector<short> delays) {
+    // Exactly eight are two modes' worth; any other number is one mode's, which serves both.
     const bool eachModeHasItsOwn = delays.size() == modeCount * frameRates.size();
     delays.resize(modeCount * frameRates.size());
     for (std::uint32_t mode = 0; mode < modeCount; ++mode) {

@@ -45,6 +45,7 @@ public:
     void write(Target target, unsigned reg, unsigned value) override {
         if (target != Target::Color)
             return BoundChip::write(target, reg, value);
+        // Its registers and values have 8 bits: what is longer is cut.
         chip.setRGBSensorRegisterLocked(static_cast<unsigned char>(reg), static_cast<unsigned char>(value));
     }
     [[nodiscard]] unsigned read(Target target, unsigned reg) override {
@@ -144,7 +145,8 @@ const CameraChip::Row& requireRow(const std::string& name) {
     throw Plugin::NotSupportedPluginException(Utils::Format("no controller '%' is known") % name);
 }
 
-/// Null when the camera has not the chip's extension unit, or by a control of it another chip.
+/// Null when the camera has not the chip's extension unit, or by a control of it another chip. Asks the device which units
+/// it has and how long one control is: no register is touched.
 std::unique_ptr<CameraChip> tryChip(const CameraChip::Row& row, VideoDeviceProxy& proxy,
                                     const ChipListener& listener) {
     try {

@@ -55,6 +55,7 @@ Target& target(Target* place, const char* kind) {
     return *place;
 }
 
+/// Register addresses are cut: else the end of a long array could be written over its beginning.
 void checkArray(CommandExecutor& executor, unsigned device, std::size_t size) {
     const std::uint64_t count = executor.registerCount(device);
     if (size > count) {
@@ -74,6 +75,7 @@ void writeArray(CommandExecutor& executor, const setI2CArrayRequest& request) {
 void readArray(CommandExecutor& executor, const getI2CArrayRequest& request) {
     std::vector<unsigned char>& out = target(request.getData(), "an I2C array read");
     checkArray(executor, request.getAddress(), out.size());
+    // Into bytes of its own: a read that fails half way leaves the caller's as they were.
     std::vector<unsigned char> data(out.size());
     for (std::size_t i = 0; i < data.size(); ++i) {
         data[i] =
@@ -103,6 +105,7 @@ void refuse(const char* chip, const xuRequest& request) {
     throw Plugin::NotSupportedPluginException(Format(message) % chip % typeName(request.type()));
 }
 
+// By the class, for the type is only what the request says of itself.
 void executeCommand(CommandExecutor& executor, const char* chip, const xuRequest& request) {
     if (const auto* command = dynamic_cast<const UVCCommandRequest*>(&request)) {
         executor.execute(*command);

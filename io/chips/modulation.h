@@ -14,7 +14,8 @@ struct RegisterWrite {
 };
 
 /// The writes, in their order, that set a modulation frequency. `code` is the frequency in MHz in both bytes;
-/// `k` is eight times the frequency, the phase steps being its halves.
+/// `k` is eight times the frequency, the phase steps being its halves: registers 3 to 6 take four phases, a step
+/// apart.
 [[nodiscard]] constexpr std::array<RegisterWrite, 11> modulationWrites(unsigned code, unsigned k) {
     return {{{0, code},
              {1, code},

@@ -17,7 +17,7 @@ using Utils::Format;
 
 namespace {
 
-constexpr unsigned firstBadStart = 0xFFFF;
+constexpr unsigned firstBadStart = 0xFFFF; // the last byte of 64 KiB can be read, but not begun with
 constexpr unsigned addressSpace = 0x10000;
 
 } // namespace
@@ -49,7 +49,7 @@ void OV0570Flash::writeData(const std::uint8_t* data, unsigned length) {
 void OV0570Flash::checkRange(unsigned start, unsigned length) {
     if (start >= firstBadStart)
         throw Plugin::IOPluginException("startAddress must be less than 0xFFFF");
-    setRange(0, 0);
+    setRange(0, 0); // a part of the question: the bridge is asked for its sizes after a range
     const unsigned readable = sizes().readable;
     // Unsigned arithmetic that wraps: length 0 passes from start 1 on. The second test is for lengths so
     // great that the first wraps past them.
@@ -62,6 +62,7 @@ void OV0570Flash::read(unsigned start, std::uint8_t* out, unsigned length) {
     static_cast<void>(sizes()); // the bridge wants to be asked again before it reads
     enter(EEPROM_BEGIN_READ);
     enter(EEPROM_READ_DATA);
+    // The bridge counts on by itself; its last answer may hold more than was asked for.
     for (unsigned done = 0; done < length;) {
         const Packet reply = receive(EEPROM_READ_DATA);
         const unsigned count = std::min<unsigned>(length - done, eepromPieceBytes);

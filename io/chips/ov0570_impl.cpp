@@ -24,10 +24,11 @@ using Utils::Threading::AutoLock;
 
 namespace {
 
-constexpr int fpgaRounds = 4;
-constexpr int resetTries = 10;
-constexpr std::chrono::milliseconds resetWait{20};
+constexpr int fpgaRounds = 4;                      // of two reads each, after a first one
+constexpr int resetTries = 10;                     // so 200 ms in all
+constexpr std::chrono::milliseconds resetWait{20}; // before each look
 
+// 1005, the modulation frequency, takes more than two registers.
 constexpr MetaRegisters metaRegisters[] = {{1000, 11, 12}, {1001, 13, 14}, {1002, 15, 16},
                                            {1003, 20, 21}, {1004, 48, 49}, {1006, 51, 74}};
 
@@ -67,8 +68,8 @@ struct OV0570Impl::OV0570ImplPrivate final : CommandExecutor {
     std::vector<unsigned char> readFlash(unsigned start, unsigned length);
     void reset() noexcept;
 
-    ChipClock& clock;
-    Utils::Threading::Mutex mutex;
+    ChipClock& clock;              ///< not owned
+    Utils::Threading::Mutex mutex; ///< held by every call from its first transfer to its last
     OV0570Registers registers;
     OV0570Flash flash;
 
@@ -83,6 +84,7 @@ private:
     void writeStrobe(Strobe& strobe, unsigned bits);
     unsigned i2cDevice(unsigned device);
 
+    /// What was last written, so that single bits can be set and cleared in it.
     std::array<Strobe, 3> strobes{{{26, 0}, {27, 0}, {75, 0}}};
 };
 
@@ -117,6 +119,7 @@ void OV0570Impl::OV0570ImplPrivate::setTof(unsigned reg, unsigned value) {
     }
 }
 
+// The second register is the one with the toggle, which has bit 0: so `a` begins at bit 2.
 void OV0570Impl::OV0570ImplPrivate::writeADCValue(unsigned a, unsigned b) {
     registers.writeTof(adcValueRegister, b);
     registers.writeTof(toggleRegister, a << 2);
@@ -166,6 +169,7 @@ Strobe* OV0570Impl::OV0570ImplPrivate::strobeOf(unsigned reg) {
     return found == strobes.end() ? nullptr : &*found;
 }
 
+// Remembered after the write, so that one that failed leaves the bits that the camera has.
 void OV0570Impl::OV0570ImplPrivate::writeStrobe(Strobe& strobe, unsigned bits) {
     registers.writeTof(strobe.reg, bits);
     strobe.bits = bits;

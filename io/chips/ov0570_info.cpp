@@ -47,6 +47,7 @@ OV0570Info OV0570Info::fromReply(const std::array<std::uint8_t, replyBytes>& rep
             Utils::Format("control information claims % further devices, its % bytes hold at most %") %
             count % static_cast<unsigned>(replyBytes) % static_cast<unsigned>(maxFurtherDevices));
     }
+    // Copied as they came, also what has no meaning to the host.
     OV0570Info result;
     result.info = reply[infoByte];
     std::copy_n(reply.begin() + versionBytes, result.firmwareVersion.bytes.size(),

@@ -18,7 +18,8 @@ inline constexpr unsigned long informationControl = 1;
 inline constexpr unsigned long registerControl = 2;
 inline constexpr unsigned long eepromControl = 3;
 
-// Control information: the bridge, then four bytes for each further device.
+// Control information: the bridge, then four bytes for each further device: a descriptor, the bus address, one more. In a
+// descriptor bits 6 and 7 are the address width's code, bits 4 and 5 the data width's, bit 0 a flag.
 inline constexpr std::size_t infoByte = 0;
 inline constexpr std::size_t versionBytes = 1;
 inline constexpr std::size_t keptWords[] = {5, 8, 10};
@@ -35,7 +36,12 @@ inline constexpr unsigned bridgeIndex = 0;
 inline constexpr unsigned tofBusAddress = 0x0021;
 inline constexpr unsigned rgbBusAddress = 0x9711;
 
-// Register packet.
+// Register packet, numbers low byte first; a GET's value is in the answer:
+//
+//     byte 0     bit 7 read, bits 5 and 6 the address width's code, bit 4 two data bytes, bits 0 to 3 the device's index
+//     bytes 1-2  register, low half
+//     bytes 3-4  value
+//     bytes 5-6  register, high half: 0 for devices with 16-bit addresses and less
 inline constexpr std::size_t registerPacketBytes = 7;
 inline constexpr std::uint8_t readBit = 0x80;
 inline constexpr unsigned addressWidthShift = 5;
@@ -44,7 +50,8 @@ inline constexpr std::size_t registerLow = 1; // bits 0 to 15
 inline constexpr std::size_t registerValue = 3;
 inline constexpr std::size_t registerHigh = 5; // bits 16 to 31
 
-// EEPROM packet: a code, then up to 32 bytes.
+// EEPROM packet: a code, then up to 32 bytes. To read: range, sizes, begin, read data, one GET for each 32 bytes, end.
+// To write: range, then write data for each 32 bytes.
 inline constexpr std::size_t eepromPacketBytes = 33;
 inline constexpr std::size_t eepromPieceBytes = 32;
 inline constexpr std::size_t rangeStart = 1;
@@ -56,10 +63,10 @@ inline constexpr std::size_t eepromData = 1;
 /// First byte of an EEPROM packet.
 enum EEPROMControlCodes : std::uint8_t {
     EEPROM_ADDRESS_RANGE = 1, ///< SET: address range; GET: sizes
-    EEPROM_BEGIN_READ = 2,
-    EEPROM_READ_DATA = 3, ///< SET: go on to reading; GET: the next 32 bytes
-    EEPROM_END_READ = 5,
-    EEPROM_WRITE_DATA = 7,
+    EEPROM_BEGIN_READ = 2,    ///< SET
+    EEPROM_READ_DATA = 3,     ///< SET: go on to reading; GET: the next 32 bytes
+    EEPROM_END_READ = 5,      ///< SET
+    EEPROM_WRITE_DATA = 7,    ///< SET: always 32 bytes, of which the range takes what it wants
 };
 
 // Registers of the time-of-flight controller that mean something to the host.

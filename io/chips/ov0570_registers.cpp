@@ -40,6 +40,7 @@ unsigned lastDeviceAt(const OV0570Info& info, unsigned busAddress) {
 
 } // namespace
 
+// Looked at twice: once loaded it costs no lock, and two threads that come first ask the bridge once.
 const OV0570Info& OV0570Registers::info() {
     if (!loaded.load(std::memory_order_acquire)) {
         const Utils::Threading::AutoLock lock(infoMutex);
@@ -54,6 +55,7 @@ const OV0570Info& OV0570Registers::info() {
 void OV0570Registers::load() {
     std::array<std::uint8_t, OV0570Info::replyBytes> reply{};
     wire.recv(unit, informationControl, reply.size(), reply.data(), true);
+    // Throws for a reply that claims too much, before anything is taken over from it.
     known = OV0570Info::fromReply(reply);
     tofIndex = lastDeviceAt(known, tofBusAddress);
     rgbIndex = lastDeviceAt(known, rgbBusAddress);
@@ -66,6 +68,7 @@ void OV0570Registers::write(unsigned device, unsigned reg, unsigned value) {
     RegisterPacket packet = packetFor(description, device, reg);
     putPair(packet, registerValue, (toggled ? value | toggle : value) & description.dataMask());
     wire.send(unit, registerControl, packet.size(), packet.data());
+    // Only now: a write that failed must be repeated with the same toggle.
     if (toggled)
         toggle ^= 1;
 }

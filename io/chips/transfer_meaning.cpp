@@ -42,6 +42,8 @@ std::string valueText(const ChipTransfer& transfer, const std::string& value) {
     return transfer.reply.empty() ? std::string() : " -> " + value;
 }
 
+// Positions in what follows are those of the packets in the chips' protocols.
+
 std::string ov0570Register(const ChipTransfer& transfer) {
     const Fields sent(transfer.sent);
     const Fields value(transfer.isGet ? transfer.reply : transfer.sent);

@@ -24,12 +24,13 @@ using Utils::Threading::AutoLock;
 
 namespace {
 
-constexpr std::chrono::milliseconds tofWriteWait{5};
+constexpr std::chrono::milliseconds tofWriteWait{5}; // before each write of the time-of-flight controller
 constexpr std::chrono::milliseconds dacWait{50};
-constexpr unsigned code30MHz = 7710;
-constexpr unsigned code10MHz = 2570;
+constexpr unsigned code30MHz = 7710; // 30 x 0x101
+constexpr unsigned code10MHz = 2570; // 10 x 0x101
 constexpr std::uint64_t registersPerDevice = 256;
 
+// 1004 is the modulation frequency.
 constexpr MetaRegisters metaRegisters[] = {{1000, 11, 12}, {1001, 13, 14}, {1002, 15, 16}, {1003, 20, 21}};
 
 } // namespace
@@ -71,8 +72,8 @@ private:
     unsigned& strobeOf(unsigned reg) noexcept { return reg == strobeRegister26 ? strobe26 : strobe27; }
     void writeStrobe(unsigned reg, unsigned bits);
 
-    unsigned strobe26 = 0;
-    unsigned strobe27 = 0;
+    unsigned strobe26 = 0; ///< what the register was last written, by a write that succeeded
+    unsigned strobe27 = 0; ///< the same
     /// ORed into the next write of register 29, then turned over.
     unsigned toggle = 1;
 };
@@ -110,6 +111,7 @@ void VC0258Impl::VC0258ImplPrivate::setTof(unsigned reg, unsigned value) {
     clock.wait(tofWriteWait);
     const bool toggled = (reg & 0xFF) == toggleRegister;
     tunnel.setI2CData1A2D(tofWriteAddress, reg, toggled ? value | toggle : value, tofWriteOrder);
+    // Only now: a write that failed must be repeated with the same toggle.
     if (toggled)
         toggle ^= 1;
 }
@@ -146,6 +148,7 @@ void VC0258Impl::VC0258ImplPrivate::setUFrames(unsigned count) {
     strobe26 = bits;
 }
 
+// Twice the value, of which 12 bits go out, with a mark in the highest one. All four channels get the same.
 void VC0258Impl::VC0258ImplPrivate::configureDAC(unsigned value) {
     const unsigned doubled = 2 * value;
     const unsigned word = (doubled & 0xFF) | ((doubled >> 8 & dacHighMask) | dacHighMark) << 8;

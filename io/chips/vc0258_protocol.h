@@ -13,7 +13,13 @@ inline constexpr unsigned memoryArea = 0x8112;
 inline constexpr unsigned firmwareArea = 0;
 inline constexpr unsigned configurationArea = 1;
 
-// I2C tunnel packet.
+// I2C tunnel packet, 9 bytes; a GET brings its data in the same place:
+//
+//     byte 0     the device's address shifted left, bit 0 set to write
+//     byte 1     bytes of the register's address: 1
+//     byte 2     data bytes in bits 0 to 3, the byte order from bit 4
+//     byte 3     register
+//     bytes 6-7  data
 inline constexpr unsigned long tunnelControl = 16;
 inline constexpr std::size_t tunnelPacketBytes = 9; // also the value of the sensor control size
 inline constexpr std::size_t tunnelDevice = 0;      // 7-bit address shifted left by 1
@@ -47,7 +53,7 @@ inline constexpr unsigned dacRegisters[] = {0x58, 0x5A, 0x5C, 0x5E};
 inline constexpr unsigned dacHighMask = 0x0F;
 inline constexpr unsigned dacHighMark = 0x80;
 
-// DMA read packet.
+// DMA read packet, 36 bytes: code, address (2, low byte first), length, then the bytes of the answer.
 inline constexpr unsigned long dmaControl = 24;
 inline constexpr std::size_t dmaPacketBytes = 36; // also the value of the DMA control size
 inline constexpr std::uint8_t dmaRead = 0x50;

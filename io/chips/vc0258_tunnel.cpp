@@ -27,6 +27,7 @@ TunnelPacket packetFor(unsigned device, unsigned reg, unsigned dataBytes, unsign
     return packet;
 }
 
+// The bridge is told first how long the packets of the tunnel are; it is told again only after something else.
 void send(XUInterface& wire, VCBridge& bridge, TunnelPacket packet) {
     bridge.bring(VC::sensorControlSize, tunnelPacketBytes);
     packet[tunnelDevice] |= tunnelWrite;
@@ -51,6 +52,7 @@ unsigned VC0258Tunnel::getI2CData1A1D(unsigned device, unsigned reg) {
     return receive(wire, bridge, packetFor(device, reg, 1, 0))[tunnelData];
 }
 
+// The order stands in the packet and in a setting of the bridge: the two must agree.
 void VC0258Tunnel::setI2CData1A2D(unsigned device, unsigned reg, unsigned value, unsigned order) {
     bridge.bring(lastByteOrder, order);
     TunnelPacket packet = packetFor(device, reg, 2, order);

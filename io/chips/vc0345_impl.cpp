@@ -39,6 +39,7 @@ struct VC0345Impl::VC0345ImplPrivate {
     void execute(const UVCCommandRequest& command);
     void setTof(unsigned reg, unsigned value);
     [[nodiscard]] unsigned getTof(unsigned reg);
+    /// Nothing is remembered between the two.
     void setStrobe(unsigned mask) { setTof(strobeRegister, mask + 1); }
     void resetStrobe(unsigned mask) { setTof(strobeRegister, mask); }
     void setROMData8(unsigned address, unsigned value);
@@ -90,6 +91,7 @@ void VC0345Impl::VC0345ImplPrivate::processMeta(unsigned code, unsigned value) {
     throw Plugin::ConfigurationPluginException(Utils::Format("invalid meta value %{:x}") % code);
 }
 
+// Whether the count is odd has to be told in the strobe register as well.
 void VC0345Impl::VC0345ImplPrivate::setUFrames(unsigned count) {
     setTof(microFrameRegister, count);
     setTof(strobeRegister, count % 2 == 1 ? oddMicroFrames : evenMicroFrames);
@@ -102,6 +104,7 @@ void VC0345Impl::VC0345ImplPrivate::setTof(unsigned reg, unsigned value) {
     wire.send(VC::unit, tofControl, packet.size(), packet.data());
 }
 
+// One byte a transfer, the low one first; between the two the register may change.
 unsigned VC0345Impl::VC0345ImplPrivate::getTof(unsigned reg) {
     bridge.bring(VC::sensorControlSize, tofPacketBytes);
     const unsigned low = getTofByte(reg);

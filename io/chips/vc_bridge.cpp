@@ -34,6 +34,7 @@ void VCBridge::write(unsigned reg, unsigned value) {
         setting->value = static_cast<int>(value);
 }
 
+// Always asked for: what is remembered serves only to leave out writes.
 unsigned VCBridge::read(unsigned reg) {
     std::array<std::uint8_t, bridgePacketBytes> packet{bridgeRead};
     Chips::putPair(packet, bridgeAddress, reg);
@@ -64,6 +65,7 @@ VCBridge::Setting* VCBridge::settingAt(unsigned reg) noexcept {
 }
 
 void checkMemoryRange(unsigned start, unsigned length) {
+    // As a difference, for a sum of two 32-bit numbers may wrap.
     if (start > memoryBytes || length > memoryBytes - start) {
         throw Plugin::IOPluginException(
             Utils::Format("% bytes from 0x%{:X4} pass the end of the memory at 0x%{:X}") % length % start %

@@ -12,7 +12,7 @@ inline constexpr ::GUID unitGuid{
     0xA917C75D, 0x4119, 0x11DA, {0xAE, 0x0E, 0x00, 0x0D, 0x56, 0xAC, 0x7B, 0x4C}};
 inline constexpr unsigned unit = 4;
 
-// Bridge register packet.
+// Bridge register packet: code, register (2, low byte first), value.
 inline constexpr unsigned long bridgeControl = 4;
 inline constexpr std::size_t bridgePacketBytes = 4;
 inline constexpr std::uint8_t bridgeWrite = 0x20;

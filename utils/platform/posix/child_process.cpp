@@ -23,9 +23,9 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-constexpr int reportNumber = 3; ///< the first one after the standard streams
-constexpr milliseconds look{20};
-constexpr std::size_t mostReport = 64 * 1024;
+constexpr int reportNumber = 3;               ///< the first one after the standard streams
+constexpr milliseconds look{20};              ///< how often the child's end and its report are looked at
+constexpr std::size_t mostReport = 64 * 1024; ///< what comes beyond it is read and dropped
 
 /// Both ends of a pipe that no other child inherits.
 class Pipe {
@@ -76,6 +76,7 @@ public:
     posix_spawnattr_t attributes{};
 };
 
+/// Not by fork: this process has threads, and a copy of it would have their locks.
 int spawn(const std::string& program, std::vector<std::string> words, int report, pid_t& child) {
     const SpawnSettings settings(report);
     words.insert(words.begin(), program);
@@ -128,7 +129,7 @@ ChildEnd runChild(const std::string& program, const std::vector<std::string>& ar
     const int error = pipe.open ? spawn(program, arguments, pipe.ends[1], child) : errno;
     if (error != 0)
         return {ChildEnd::Kind::NotStarted, error, strerrordesc_np(error)};
-    pipe.closeEnd(1);
+    pipe.closeEnd(1); // else the report would never end for us
     auto end = Clock::now() + start;
     bool begun = false;
     bool more = true;
@@ -143,6 +144,7 @@ ChildEnd runChild(const std::string& program, const std::vector<std::string>& ar
             more = readSome(pipe.ends[0], report);
         else
             poll(nullptr, 0, static_cast<int>(look.count()));
+        // Loading the program's libraries does not count against what it has to do.
         if (!begun && !report.empty())
             end = Clock::now() + limit;
         begun = !report.empty();
@@ -152,7 +154,7 @@ ChildEnd runChild(const std::string& program, const std::vector<std::string>& ar
 }
 
 std::FILE* openReport(const std::string& channel) {
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    prctl(PR_SET_PDEATHSIG, SIGKILL); // a child that hangs must not outlive who would end it
     const int number = std::atoi(channel.c_str());
     if (number != reportNumber || fcntl(number, F_SETFD, FD_CLOEXEC) != 0)
         return nullptr;

@@ -17,6 +17,7 @@ struct DirectoryCloser {
     }
 };
 
+/// Not every file system tells the kind with the name, and a link tells only that it is one.
 bool isRegularFile(DIR* stream, const dirent& entry) noexcept {
     if (entry.d_type == DT_REG)
         return true;
@@ -35,7 +36,7 @@ DirectoryWalk listFiles(const std::string& directory, std::vector<std::string>& 
     if (!stream)
         return errno == ENOENT || errno == ENOTDIR ? DirectoryWalk::Missing : DirectoryWalk::Failed;
     for (;;) {
-        errno = 0;
+        errno = 0; // by it alone the end and a failure are told apart
         const dirent* entry = readdir(stream.get());
         if (!entry)
             return errno == 0 ? DirectoryWalk::Complete : DirectoryWalk::Failed;

@@ -14,6 +14,7 @@ bool readEnvironment(const std::string& name, std::string& value) {
 }
 
 bool writeEnvironment(const std::string& name, const std::string& value) {
+    // The C library would see a shorter text; names that are empty or hold a '=' it refuses itself.
     if (name.find('\0') != std::string::npos || value.find('\0') != std::string::npos) {
         errno = EINVAL;
         return false;

@@ -36,7 +36,7 @@ std::FILE* openFile(const std::string& path, FileMode mode) {
         return nullptr;
     }
     const OpenMode how = openMode(mode);
-    // Only the opening must not block; reads and writes go on as usual.
+    // Only the opening must not block, as that of a pipe without another end does; reads and writes go on as usual.
     const int descriptor = open(path.c_str(), how.flags | O_NONBLOCK | O_CLOEXEC, 0666);
     if (descriptor < 0)
         return nullptr;

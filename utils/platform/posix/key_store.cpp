@@ -54,7 +54,7 @@ const char* systemKeyStore() noexcept { return "/etc/zentara/sdk.ini"; }
 KeyRead readKeyValue(const std::string& store, const std::string& key, KeyView view, const std::string& name,
                      std::string& text) {
     const std::string wanted = iniSection(key, view);
-    std::ifstream file(store);
+    std::ifstream file(store); // one that cannot be opened has no lines, and so no value
     bool inside = false;
     for (std::string line; std::getline(file, line);) {
         const std::string_view content = trimmed(line);
@@ -63,6 +63,7 @@ KeyRead readKeyValue(const std::string& store, const std::string& key, KeyView v
         if (isSectionLine(content, section)) {
             inside = sameKeyName(section, wanted);
         } else if (inside && !content.empty() && isNamedValue(content, name, value)) {
+            // Converted for the check alone: bytes that are no text must not become a part of a path.
             std::wstring wide;
             if (!utf8ToWide(value, wide) || value.find('\0') != std::string_view::npos)
                 return KeyRead::Unreadable;

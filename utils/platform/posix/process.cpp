@@ -44,6 +44,7 @@ std::string shortName(const std::string& process) {
     return name;
 }
 
+/// The fullest name that may be seen: the program's file, else what it was started as, else the kernel's.
 std::string processName(const std::string& process) {
     std::string name = programName(process);
     if (name.empty())

@@ -39,6 +39,7 @@ void reserveStandardStreams() noexcept {
 }
 
 void failInsteadOfDying() noexcept {
+    // The call itself then fails, and says why, as on a full disk.
     std::signal(SIGXFSZ, SIG_IGN);
     std::signal(SIGPIPE, SIG_IGN);
 }

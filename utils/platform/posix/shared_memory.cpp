@@ -25,6 +25,7 @@ public:
     bool open(const std::string& name, std::size_t size, bool writable) {
         if (!object.open(name))
             return false;
+        // Behind the gate, so that of two who come at once one sizes the memory and the other finds it sized.
         const bool sized = ensureSize(size);
         object.openGate();
         if (!sized)

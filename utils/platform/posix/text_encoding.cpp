@@ -9,6 +9,8 @@ namespace Zentara::Utils::Platform {
 
 namespace {
 
+/// Of a number that is no surrogate and not above 0x10FFFF: six bits a byte from the second one on, the first one tells
+/// how many follow.
 void encode(std::uint32_t code, std::string& text) {
     const auto append = [&text](std::uint32_t byte) { text.push_back(static_cast<char>(byte)); };
     if (code < 0x80) {

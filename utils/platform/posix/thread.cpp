@@ -21,6 +21,7 @@ struct PosixThread final : Thread {
     bool joined = false;
 };
 
+/// What the new thread is to do, which it takes over: whoever made it may return before it begins.
 struct Entry {
     void (*function)(void*);
     void* argument;
@@ -65,6 +66,7 @@ unsigned long currentThreadId() noexcept { return static_cast<unsigned long>(sys
 unsigned long currentProcessId() noexcept { return static_cast<unsigned long>(getpid()); }
 
 void sleepMilliseconds(unsigned long milliseconds) noexcept {
+    // Up to a moment, not for a while: what signals interrupt does not grow longer by it.
     const Deadline deadline(milliseconds);
     if (!deadline.get()) {
         for (;;)

@@ -26,10 +26,11 @@ void wake(const void* word, int count) noexcept {
 } // namespace
 
 bool sleepOnWord(const void* word, std::uint32_t value, unsigned long milliseconds) noexcept {
-    const LastErrorKeeper keeper;
+    const LastErrorKeeper keeper; // waiting for a lock is no call that its caller asked the system for
     const Deadline deadline(milliseconds);
     const long result = syscall(SYS_futex, word, FUTEX_WAIT_BITSET | FUTEX_PRIVATE_FLAG, value,
                                 deadline.get(), nullptr, FUTEX_BITSET_MATCH_ANY);
+    // Woken, or the word was another already, or a signal came: in each case whoever waits looks again.
     if (result == 0 || errno == EAGAIN || errno == EINTR)
         return true;
     if (errno != ETIMEDOUT)

@@ -118,12 +118,14 @@ bool start(const std::string& program, const std::vector<std::string>& arguments
                         &startup.StartupInfo, &made))
         return false;
     process.reset(made.hProcess);
+    // Into the job before its first step, else it could start something that outlives us.
     const OwnedHandle thread(made.hThread);
     AssignProcessToJobObject(job, process.get());
     ResumeThread(thread.get());
     return true;
 }
 
+/// Asked before it is read: a process that the child left behind may hold the other end for ever.
 void readWhatIsThere(HANDLE pipe, std::string& report) {
     std::array<char, 4096> bytes{};
     DWORD there = 0;
@@ -151,6 +153,7 @@ ChildEnd endOf(HANDLE process) {
     return {ChildEnd::Kind::Exited, static_cast<int>(code), {}};
 }
 
+/// Ends with the exception's number for the exit code, by which the parent knows a crash, and without a dialogue.
 LONG WINAPI endProcess(EXCEPTION_POINTERS* exception) {
     TerminateProcess(GetCurrentProcess(), exception->ExceptionRecord->ExceptionCode | firstException);
     return EXCEPTION_EXECUTE_HANDLER;
@@ -184,6 +187,7 @@ ChildEnd runChild(const std::string& program, const std::vector<std::string>& ar
             return {ChildEnd::Kind::TimedOut, 0, {}};
         }
         readWhatIsThere(readEnd.get(), report);
+        // Loading the program's libraries does not count against what it has to do.
         if (!begun && !report.empty())
             end = Clock::now() + limit;
         begun = !report.empty();

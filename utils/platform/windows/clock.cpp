@@ -14,11 +14,12 @@ double counterFactor() noexcept {
                : 0;
 }
 
-constexpr double tickFactor = 1000.0;
+constexpr double tickFactor = 1000.0; // microseconds of a tick
 
 } // namespace
 
 std::int64_t monotonicMicroseconds() noexcept {
+    // As a floating-point product: the counter times a million would pass 64 bits within days on fast counters.
     static const double factor = counterFactor();
     LARGE_INTEGER counter;
     if (factor > 0 && QueryPerformanceCounter(&counter))

@@ -7,6 +7,7 @@
 namespace Zentara::Utils::Platform {
 
 bool keyWaiting() noexcept {
+    // Standard input may lead elsewhere: only a console has keys.
     DWORD mode = 0;
     return GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode) != 0 && _kbhit() != 0;
 }

@@ -23,6 +23,7 @@ public:
 
     bool isOpen() const noexcept { return handle != INVALID_HANDLE_VALUE; }
     bool next() noexcept { return FindNextFileW(handle, &entry) != 0; }
+    /// Links to files have neither mark, and count as files.
     bool isFile() const noexcept {
         return (entry.dwFileAttributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE)) == 0;
     }

@@ -9,7 +9,7 @@ namespace Zentara::Utils::Platform {
 
 namespace {
 
-constexpr DWORD defaultLanguage = 0x400;
+constexpr DWORD defaultLanguage = 0x400; // the user's
 
 } // namespace
 
@@ -23,7 +23,7 @@ std::string errorText(std::uint32_t number) {
     struct Freer {
         void operator()(wchar_t* text) const noexcept { LocalFree(text); }
     };
-    const LastErrorKeeper keeper;
+    const LastErrorKeeper keeper; // asking for the text of an error must not be one
     wchar_t* buffer = nullptr;
     const DWORD size =
         FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM, nullptr, number,

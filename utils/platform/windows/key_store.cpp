@@ -64,6 +64,7 @@ KeyRead readKeyValue(const std::string& store, const std::string& key, KeyView v
     characters.resize(std::min(characters.size(), characters.find(L'\0')));
     if (type == REG_EXPAND_SZ)
         characters = expanded(characters);
+    // A value of another type is there, but cannot be read: that is not the same as a missing one.
     const bool isText = type == REG_SZ || type == REG_EXPAND_SZ;
     return isText && wideToUtf8(characters, text) ? KeyRead::Found : KeyRead::Unreadable;
 }

@@ -157,7 +157,8 @@ FileTrouble lastFileTrouble() noexcept {
 FileLock* FileLock::create(const std::string& path, unsigned long milliseconds) {
     if (hasZero(path))
         return nullptr;
-    // Beside the file: one that is open itself could not be replaced.
+    // Beside the file: one that is open itself could not be replaced. The lock is a file that exists as long as it is held,
+    // and which the system deletes with its holder.
     const std::wstring wide = utf8ToWideOrWidened(path);
     const std::wstring name = wide + L".lock";
     auto lock = std::make_unique<HeldFile>();
