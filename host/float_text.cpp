@@ -13,11 +13,12 @@ std::string floatText(float value) {
 }
 
 Json floatJson(float value) {
+    // JSON has no number for what is not finite: it becomes a text.
     return std::isfinite(value) ? Json::parse(floatText(value)) : Json(floatText(value));
 }
 
 std::string decimalText(double value, int digits) {
-    std::array<char, 400> text{};
+    std::array<char, 400> text{}; // the greatest double has 309 digits before the point
     const auto end =
         std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed, digits).ptr;
     return {text.data(), end};

@@ -9,6 +9,7 @@ void tell(const Note& note, const std::string& text) noexcept {
         note(text);
         return;
     }
+    // Nobody listens: the library's log is the last place where somebody may look.
     if (Utils::KVLogger* log = Utils::KVLogger::instance()) {
         log->warning(text);
         Utils::KVLogger::release();

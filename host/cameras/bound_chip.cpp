@@ -19,7 +19,8 @@ namespace Zentara::Host {
 
 namespace {
 
-/// Devices made while it lives have the controller that the user named.
+/// Devices made while it lives have the controller that the user named: a bare device is made by its GUID alone, so that
+/// it looks for the rest in the environment. What stood in it before comes back.
 class ChosenController {
 public:
     explicit ChosenController(const std::string& name) {
@@ -87,14 +88,14 @@ void BoundChip::open(const CameraEntry& camera, const std::string& controller) {
     binding = std::make_shared<Binding>();
     NodeEvent& node = binding->node;
     node = videoNodeOf(camera);
-    binding->store = std::make_unique<CameraStore>();
+    binding->store = std::make_unique<CameraStore>(); // its own: nobody else may select another node in it
     binding->store->select(node);
     Core::DescriptorStoreRO& store = binding->store->view();
     const GUID guid = Plugin::callPlugin([&store] { return store.getDeviceImplGUID(); });
     attempt(Utils::Format("open % through %") % cameraLabel(node) % guidLabel(guid), [&] {
         auto device = std::make_unique<NodeDevice>(guid, true);
         device->initialize(&node, &store);
-        binding->proxy = std::move(device);
+        binding->proxy = std::move(device); // before it opens: close() lets go of it in any case
         binding->proxy->open();
     });
     const auto described = [&store] { return Core::controllerNameOf(store); };

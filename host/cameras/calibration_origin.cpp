@@ -51,6 +51,7 @@ std::string partsFrom(const Sources& sources, Source source) {
 
 } // namespace
 
+// A node need not tell.
 Sources sourcesOf(const Core::DepthNodeInterface& node) {
     const auto* told = dynamic_cast<const Core::CalibrationSources*>(&node);
     Sources sources;

@@ -43,6 +43,7 @@ template<typename Node>
 Mode defaultOfNode(const OpenNode<Node>& node) {
     Mode mode;
     attempt("choose a mode of " + cameraLabel(node.event()), [&] {
+        // A sound node alone names one; of another the first one is taken.
         if constexpr (requires { node->getDefaultConfiguration(); }) {
             mode = modeOfConfiguration(node, *node->getDefaultConfiguration());
         } else {
@@ -60,6 +61,7 @@ ModeCorrections correctionsOf(Core::DepthNodeInterface& depth, DepthNode::Camera
     using Kind = ModeCorrections::Temperature;
     ModeCorrections corrections;
     corrections.calibratedAt = depth.getTemperatureCalibration(mode);
+    // Both hold the parameters of every mode, and answer for the one that was set last.
     if (temperature.setCurrentMode(mode)) {
         const auto algorithm = temperature.getAlgorithm();
         corrections.temperatureAlgorithm = algorithm;
@@ -195,6 +197,7 @@ Corrections CameraParts::corrections() {
         CyclicErrorCorrection cyclic = (*node)->getCyclicErrorCorrection();
         for (const auto mode : {DepthNode::CameraMode_0, DepthNode::CameraMode_1})
             all.modes[static_cast<std::size_t>(mode)] = correctionsOf(**node, mode, temperature, cyclic);
+        // The node itself does not tell its phase delays; the calibration of its modes does.
         const auto configurations = (*node)->getConfigurations();
         if (!configurations.empty()) {
             const CalibrationInternal applied = configurations.front()->getCalibration();
@@ -218,6 +221,7 @@ StreamInfo CameraParts::streamInfo(Kind kind, const Mode& mode, CameraInfo info)
         const StereoCameraParametersArray models = (*node)->getImageRegistrationCalibration();
         told.lens =
             ofSize(kind == Kind::Depth ? models.depthIntrinsics.values : models.colorIntrinsics.values, mode);
+        // Twelve zeros are how a node says that it has none.
         if (!models.extrinsics.values.empty() &&
             models.extrinsics.values.front() != ExtrinsicParametersInternal())
             told.pose = models.extrinsics.values.front();
@@ -282,11 +286,12 @@ void CameraParts::close() {
                 first.emplace(failure);
         }
     };
+    // In this order: the interpreter uses the depth node's device.
     end([this] { disconnectParameters(); });
     interpreter.reset();
     end([this] { bound->close(); });
     const auto endNode = [&end](auto& node) {
-        if (node && node.use_count() == 1)
+        if (node && node.use_count() == 1) // else a stream goes on with it, and ends it
             end([&node] { node->dispose(); });
         node.reset();
     };

@@ -83,6 +83,7 @@ void CameraRegister::watch() {
 
 std::optional<CameraEvent> CameraRegister::next(milliseconds limit) {
     ExternalEvent event;
+    // Waited for on the caller's thread, not on that of the enumerators, where a long wait would count as hanging.
     const auto wait = std::clamp(limit, milliseconds(0), longestWait);
     if (!events->timedPop(event, static_cast<unsigned long>(wait.count())))
         return {};
@@ -90,7 +91,7 @@ std::optional<CameraEvent> CameraRegister::next(milliseconds limit) {
     told.type = typeOf(event.type);
     told.timeMicros = event.timeMicros;
     if (told.type == CameraEvent::Type::Trouble)
-        told.message = event.node.name;
+        told.message = event.node.name; // of an error the node is none: its name is the text
     else
         told.camera = infoOf(errands.run(
             "describe a camera", [own = seat, node = event.node] { return own->bus().describe(node); }));

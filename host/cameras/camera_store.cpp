@@ -37,6 +37,7 @@ CameraStore::CameraStore(const Note* leftOut) {
                 tellLeftOut(*leftOut, failure);
         }
     }
+    // registeredPlugins() has thrown if there was no plug-in at all, so that somebody has failed here.
     if (stores.empty())
         throw Failure(*first);
     std::vector<Core::DescriptorStoreRO*> views;

@@ -40,7 +40,7 @@ void logFailure(const std::string& what, const std::exception_ptr& failure) {
 
 } // namespace
 
-/// Shared by the hand and its thread; lives as long as the one that goes last.
+/// Shared by the hand and its thread, which may outlast it; lives as long as the one that goes last.
 struct Hand::State final : StepWatcher {
     void begins(const std::string& what) noexcept override;
     void ends() noexcept override;
@@ -57,7 +57,8 @@ struct Hand::State final : StepWatcher {
     [[nodiscard]] Failure giveUp(Job& job, milliseconds limit) ZENTARA_REQUIRES(lock);
     /// Who is told of the steps of what is under way; null for nobody.
     [[nodiscard]] StepWatcher* listener() const ZENTARA_REQUIRES(lock);
-    /// Tells a watcher that comes, or goes, of the steps that are under way.
+    /// Tells a watcher that comes, or goes, of the steps that are under way. Not of the first one: that is the job itself,
+    /// which the caller's own thread tells of, or nobody.
     void join(StepWatcher* watcher) const ZENTARA_REQUIRES(lock);
     void leave(StepWatcher* watcher) const ZENTARA_REQUIRES(lock);
     /// What is under way: the innermost step. Empty when nothing is.
@@ -84,6 +85,7 @@ struct Hand::State final : StepWatcher {
     bool isRunning ZENTARA_GUARDED_BY(lock) = true; ///< there is a thread
 };
 
+// The watcher is called with the lock held: else its caller might give up, and take it away, meanwhile.
 void Hand::State::begins(const std::string& what) noexcept {
     AutoLock hold(lock);
     steps.push_back(what);
@@ -148,6 +150,7 @@ Hand::Job* Hand::State::begin() {
 void Hand::State::perform(Job& job) {
     try {
         try {
+            // A dropped one comes this far nevertheless: its work is to end on this thread.
             if (!job.isDropped)
                 job.run();
         } catch (const Failure&) {
@@ -173,6 +176,7 @@ void Hand::State::end() {
     if (unwanted && unwanted->failure)
         logFailure(unwanted->what, unwanted->failure);
     unwanted.reset();
+    // Only now: until then it is the same job that hangs, if it hangs, and is named by these steps.
     AutoLock hold(lock);
     steps.clear();
     isHung = false;
@@ -197,6 +201,7 @@ Failure Hand::State::giveUp(Job& job, milliseconds limit) {
                        "it has not come back for " + secondsText(limit), remedy);
     }
     job.isDropped = true;
+    // What is under way may have a caller of its own, who waits longer: the hand is hung only without one.
     isHung = isHung || (current && !current->isAwaited);
     return Failure(Failure::TimedOut, "cannot " + job.what, doing(), remedy);
 }
@@ -208,6 +213,7 @@ std::string Hand::State::doing() const {
 
 Hand::Hand(std::string whose, Note told)
     : owner(std::move(whose)), note(std::move(told)), state(std::make_shared<State>()) {
+    // Detached: a thread that hangs in a plug-in can never be joined.
     std::thread served([shared = state] { shared->serve(); });
     own = served.get_id();
     served.detach();
@@ -218,7 +224,7 @@ Hand::~Hand() {
     std::string late;
     {
         AutoLock hold(state->lock);
-        state->isEnding = true;
+        state->isEnding = true; // after all that is in the queue
         state->last = stepWatcher();
         state->join(state->last);
         state->changed.notifyAll();
@@ -237,6 +243,7 @@ std::unique_ptr<Hand::Job> Hand::finish(std::unique_ptr<Job> job, milliseconds l
     const auto end = steady_clock::now() + limit;
     Job* const mine = job.get();
     AutoLock hold(state->lock);
+    // At once: whoever would wait for a hand that hangs, would wait in vain each time.
     if (state->isHung)
         throw Failure(Failure::TimedOut, "cannot " + mine->what, state->doing(), remedy);
     mine->isAwaited = true;

@@ -52,6 +52,7 @@ std::string valueText(const ParameterValue& value) {
 }
 
 const char* unitName(UnitType unit) noexcept {
+    // In the order of `UnitType`.
     constexpr std::array<const char*, 14> names{"-",   "%",    "mm",  "m",  "us", "ms",    "Hz",
                                                 "MHz", "degC", "deg", "dB", "mA", "pixel", "frames/s"};
     return unit >= 0 && static_cast<std::size_t>(unit) < names.size() ? names[static_cast<std::size_t>(unit)]
@@ -93,17 +94,19 @@ std::string rangesText(const Parameter& parameter) {
 }
 
 bool NumberRange::contains(double number) const noexcept {
+    // The bounds were floats: a number that a person types differs from the nearest float in the seventh digit or later.
     const auto tolerance = [](double bound) { return 1e-6 * std::max(1.0, std::abs(bound)); };
     if (isList)
         return std::any_of(values.begin(), values.end(),
                            [&](double one) { return std::abs(one - number) <= tolerance(one); });
+    // A bound that is infinite, or no number, binds nobody. The step is not looked at.
     const bool isAbove = !std::isfinite(least) || number >= least - tolerance(least);
     const bool isBelow = !std::isfinite(greatest) || number <= greatest + tolerance(greatest);
     return isAbove && isBelow;
 }
 
 bool Parameter::accepts(const ParameterValue& wanted) const {
-    if (wanted.index() != static_cast<std::size_t>(kind))
+    if (wanted.index() != static_cast<std::size_t>(kind)) // the alternatives stand in the order of the kinds
         return false;
     std::vector<double> numbers;
     if (const auto* real = std::get_if<float>(&wanted))

@@ -11,6 +11,8 @@ namespace {
 constexpr std::size_t comfortable = 320; ///< pixels
 constexpr std::size_t mostPixels = 64U << 20;
 
+/// A table does not hold its width. Where its number of values is that of a picture of 4 to 3, as QVGA is, it is drawn as
+/// one; else as near to a square as may be.
 std::size_t usualWidth(std::size_t count) {
     const auto fourths = static_cast<std::size_t>(std::lround(std::sqrt(static_cast<double>(count) / 12)));
     if (12 * fourths * fourths == count)
@@ -30,6 +32,7 @@ CorrectionPicture pictureOf(const CorrectionTable& table, const std::string& tit
     drawn.height = (values.size() + drawn.width - 1) / drawn.width;
     if (scale == 0)
         scale = std::max<std::size_t>(1, comfortable / std::max(drawn.width, drawn.height));
+    // Divided by the scale: a product with it might wrap.
     if (scale > mostPixels || drawn.width * drawn.height > mostPixels / scale / scale)
         throw Failure(Failure::Usage, "the picture would be larger than 64 million pixels");
     const auto statistics = table.statistics();

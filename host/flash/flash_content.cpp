@@ -10,6 +10,7 @@
 namespace Zentara::Host {
 namespace {
 
+/// By the number that stands on the flash, where 0 is no type.
 constexpr std::array<const char*, 6> typeNames{nullptr,         "systemInfo", "systemCalibration",
                                                "configuration", "diagnostic", "gradientDistortionCorrection"};
 
@@ -32,6 +33,7 @@ FlashContent contentOf(ROM::Container& container) {
     return content;
 }
 
+// A copy: the storage takes what it can write to, too.
 FlashContent contentOf(const FlashImage& image) {
     FlashImage copy = image;
     Storage storage(copy, copy.area());

@@ -80,6 +80,7 @@ std::vector<FlashWrite> differences(const FlashImage& before, const FlashImage& 
         appendDifferences(writes, before, after, area.start, area.end());
         return writes;
     }
+    // The header in a piece of its own, and last: it must not lead to what is not there yet.
     const std::uint32_t header = area.headerAddress();
     const std::uint32_t headerEnd = header + ROM::ChunkedMemoryManagementHeader::SIZE;
     if (area.headerAtStart)

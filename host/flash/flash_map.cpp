@@ -98,6 +98,7 @@ FlashMap::FlashMap(const FlashSurvey& survey) : area(survey.area) {
                 "a block that reaches past the end of the area", '!');
             continue;
         }
+        // At most to where another block begins, or the area ends.
         const auto above = places.upper_bound(block.address);
         const std::uint64_t end = std::uint64_t{block.address} + block.allocatedSize;
         const std::uint64_t rest =
@@ -138,6 +139,7 @@ std::vector<const FlashRegion*> FlashMap::cells(std::size_t count) const {
         const std::uint64_t from = region.address - area.start;
         const std::size_t first = from * count / area.size;
         const std::size_t last = (from + region.length - 1) * count / area.size;
+        // A piece that several regions share shows the one whose kind is named last.
         for (std::size_t i = first; i <= last; ++i)
             if (!shown[i] || shown[i]->kind < region.kind)
                 shown[i] = &region;
@@ -152,6 +154,7 @@ std::string FlashMap::text() const {
         Format("each character % bytes\n") % static_cast<unsigned long long>(area.size / (rows * COLUMNS));
     std::string last;
     std::size_t equal = 0; // rows that look like the last one
+    // An empty row at the end, which ends the equal ones before it.
     for (std::size_t row = 0; row <= rows; ++row) {
         std::string line;
         for (std::size_t column = 0; row < rows && column < COLUMNS; ++column)
@@ -205,7 +208,7 @@ std::string FlashMap::svg(const std::string& title) const {
                 svg += Format("<text x=\"%\" y=\"%\" fill=\"%\">%</text>\n") % decimalText(left + 4) %
                        decimalText(top + 14) %
                        (color.red + color.green + color.blue > 500 ? "#606060" : "#ffffff") %
-                       label.substr(0, static_cast<std::size_t>(width / 6.5));
+                       label.substr(0, static_cast<std::size_t>(width / 6.5)); // about as wide as a letter
             at = stop;
         }
     };
@@ -221,6 +224,7 @@ std::string FlashMap::svg(const std::string& title) const {
         end = std::max(end, begin + region.length);
     }
     draw(end, area.size, colorOf(RegionKind::Free, '.'), "free");
+    // One kind after the other, so that what is named later lies above.
     for (RegionKind kind = RegionKind::Slack; kind <= RegionKind::Damaged;
          kind = static_cast<RegionKind>(static_cast<int>(kind) + 1))
         for (const FlashRegion& region : all)

@@ -39,7 +39,9 @@ std::string crcText(const char* what, std::uint16_t stored, std::uint16_t comput
 
 std::uint16_t bigEndian16(View bytes) { return BigEndianReader(bytes).readU16(); }
 
-/// The fields before a section's data. `length` counts from the marker to the last byte.
+/// The fields before a section's data, in their order, big-endian: 1, 4, 1, 1, 2 and 2 bytes, of which the last two are
+/// the CRC of the nine before them. `length` counts from the marker to the last byte; the data, and two bytes with its CRC,
+/// follow.
 struct SectionHeader {
     std::uint8_t marker;
     std::uint32_t length;
@@ -140,6 +142,7 @@ void Surveyor::readHeader() {
     const View bytes = at(area.headerAddress(), HEADER_SIZE);
     if (std::all_of(bytes.begin(), bytes.end(), [](std::uint8_t byte) { return byte == ERASED_BYTE; }))
         return fault(FindingKind::NotFormatted, area.headerAddress(), "erased flash: it was never formatted");
+    // 17 bytes, big-endian, the CRC of the others last.
     BigEndianReader reader(bytes);
     SurveyedHeader read;
     read.strategy = reader.readU8();
@@ -171,6 +174,7 @@ bool Surveyor::checkHeader(const SurveyedHeader& read, std::uint16_t computed) {
         fault(FindingKind::ManagementHeader, image.area().headerAddress(), std::move(reason));
         return false;
     }
+    // A reader takes every version that says it may be read; a writer its own alone.
     if (read.version != ROM::ChunkedMemoryManager::HEADER_VERSION)
         note(FindingKind::OtherVersion, image.area().headerAddress(),
              Format("the management header has version %: it cannot be changed") % unsigned{read.version});
@@ -224,6 +228,7 @@ std::optional<SurveyedBlock> Surveyor::readBlock(std::uint32_t address) {
     block.next = reader.readU32();
     const std::uint16_t stored = reader.readU16();
     const std::uint16_t computed = crcOf(address, BLOCK_HEADER_SIZE - CRC_SIZE);
+    // Neither size nor link of a damaged header is believed: the walk ends there.
     if (stored != computed)
         fault(FindingKind::BlockHeader, address, crcText("the block header", stored, computed));
     else if (block.allocatedSize < BLOCK_HEADER_SIZE)
@@ -277,6 +282,7 @@ std::optional<Surveyor::SectionFault> Surveyor::sectionFault(std::uint64_t addre
         return SectionFault{FindingKind::SectionHeader,
                             Format("the section begins with 0x%{:x2}, not with 0xa5") %
                                 unsigned{header.marker}};
+    // The length is believed only once the header's CRC vouches for it: it says how many bytes the next CRC is of.
     const std::uint16_t computed = crcOf(address, ROM::Section::HEADER_SIZE);
     if (computed != header.crc)
         return SectionFault{FindingKind::SectionHeader, crcText("the section header", header.crc, computed)};
@@ -370,7 +376,8 @@ void Surveyor::checkOverlaps() {
                               block.address + block.chunkBytes, "block"});
     std::sort(ranges.begin(), ranges.end(),
               [](const Range& left, const Range& right) { return left.begin < right.begin; });
-    const Range* widest = nullptr; // the one before that reaches farthest
+    // One sweep upwards: what overlaps any of those before it overlaps the one that reaches farthest.
+    const Range* widest = nullptr;
     for (const Range& range : ranges) {
         if (widest && range.begin < widest->end)
             fault(FindingKind::Overlap, static_cast<std::uint32_t>(range.begin),
@@ -397,6 +404,7 @@ void Surveyor::measureFreeSpace() {
     taken.emplace_back(end, end);
     std::uint64_t begin = area.start + (area.headerAtStart ? HEADER_SIZE : 0);
     for (const auto& [from, to] : taken) {
+        // A block is given whole chunks: what a gap has beyond them is of no use.
         const std::uint64_t gap =
             from > begin ? (from - begin) / result.header->chunkSize * result.header->chunkSize : 0;
         if (gap > 0) {
@@ -437,6 +445,8 @@ void Surveyor::findUnreachable() {
         if (block.section)
             reached[block.address] = std::uint64_t{block.address} + block.allocatedSize;
     }
+    // Erasing takes a block out of the chain and leaves its bytes; a broken chain leaves whole blocks behind it. Where these
+    // began nobody knows any more, so every byte may be the first one of a section.
     const bool cutOff = result.isCutOff();
     for (std::uint64_t address = image.area().start; address < image.area().end(); ++address) {
         const auto known = reached.find(address);

@@ -45,6 +45,7 @@ void Flash::Target::detect() {
         place.chunkSize = chunkSize != 0 ? chunkSize : options.chunkSize;
         return true;
     };
+    // A header vouches for itself by its CRC, so that it is enough to look where it may be: at either end.
     attempt("read the management header", [&] {
         if (!standsThere(place) && options.header == FlashOptions::Header::Auto)
             static_cast<void>(standsThere(place.mirrored()));
@@ -95,6 +96,7 @@ void Flash::Target::storePiece(std::uint32_t address, const Bytes& bytes) {
     const auto length = static_cast<std::uint32_t>(bytes.size());
     attempt(Format("write % bytes at % of %") % length % hexText(address) % name(), [&] {
         flash().write(address, bytes);
+        // One reading that differs may be the wire's fault.
         if (readOnce(address, length) != bytes && readSurely(address, length) != bytes)
             throw Plugin::IOPluginException("other bytes were read back");
     });

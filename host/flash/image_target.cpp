@@ -63,7 +63,7 @@ public:
             pending = std::make_unique<OutputFile>(file());
             isUsedUp = false;
         }
-        checkUnchanged();
+        checkUnchanged(); // with the right in hand: nobody else who asks for it can write from here on
         const Bytes& image = accessor->getImage();
         pending->write(std::string(image.begin(), image.end()));
         pending->commit();
@@ -89,6 +89,7 @@ private:
     bool isUsedUp = false;               ///< it has become the file; the right is held nevertheless
 };
 
+/// A new file takes the old one's name, which the old one's own protection need not hinder; but it was meant to.
 void checkProtection(const std::string& path) {
     constexpr fs::perms anybody = fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
     std::error_code failure;
@@ -123,6 +124,7 @@ std::string readFlashFile(const std::string& file, bool mayBePipe) {
     if (isNoFile)
         throw Failure(Failure::Failed, "cannot read '" + file + "': it is there and no file");
     std::error_code failure;
+    // Before anything is read of it; what has no size is refused while it is read.
     const std::uint64_t size = kind == FileKind::Regular ? fs::file_size(pathOf(file), failure) : 0;
     if (!failure)
         checkFlashFileSize(file, size);
@@ -131,6 +133,7 @@ std::string readFlashFile(const std::string& file, bool mayBePipe) {
 
 Flash Flash::image(const std::string& path, const FlashOptions& options, Access access) {
     std::unique_ptr<OutputFile> right;
+    // The right first, then the bytes: whoever else writes the file comes before or after, never between.
     if (access == Access::Write && isThere(path)) {
         checkProtection(path);
         right = std::make_unique<OutputFile>(path);

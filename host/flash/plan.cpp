@@ -105,6 +105,7 @@ std::vector<std::string> freshFaults(const FlashImage& before, const FlashImage&
 FlashChange refusedBy(FlashChange change, const std::string& name, const FlashContent& wanted,
                       const Rehearsal& rehearsal, bool isRebuild) {
     if (rehearsal.refusal) {
+        // In memory a write fails for want of room, or of a place in the area, and then all may fit if it is placed anew.
         const auto& [type, message] = *rehearsal.refusal;
         change.rebuildHelps =
             type == Plugin::PluginExceptionType_IO && !isRebuild && rebuild(change.before, wanted).isGood();
@@ -199,6 +200,7 @@ FlashChange Flash::planFormat(const FlashImage& before) const {
     area.headerAtStart = target->options.header != FlashOptions::Header::End;
     if (area.size < ROM::ChunkedMemoryManagementHeader::SIZE)
         throw Failure(Failure::Usage, Format("an area of % bytes has no room for a storage") % area.size);
+    // On erased flash: whatever stands there now, also a storage with its header at the other end, is given up.
     Rehearsal rehearsal = rehearse(FlashImage(area), {}, true);
     if (!rehearsal.isGood())
         throw Failure(Failure::Usage,

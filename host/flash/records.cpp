@@ -23,6 +23,8 @@ constexpr std::size_t RECORD_HEADER_SIZE = ROM::SerializedDataBlock::MIN_SIZE;
 constexpr std::size_t MAX_COUNT = 255;
 constexpr const char* guidHint = "expected a GUID such as 1024966D-1634-4756-9ABC-999791591F45";
 
+/// The markers, and each record's fields in the order in which they lie there. The names are those of the documents that
+/// people edit. The lens has k3 last, after p1 and p2, as it is on cameras.
 const std::vector<RecordLayout>& layouts() {
     static const std::vector<RecordField> lens{
         {"width", Kind::U16}, {"height", Kind::U16}, {"fx", Kind::Float}, {"fy", Kind::Float},
@@ -115,7 +117,7 @@ Json readField(BigEndianReader& reader, Kind kind) {
     case Kind::CountedBytes:
         return toHex(reader.readBytes(reader.readU32()));
     case Kind::Text:
-        static_cast<void>(reader.readU8());
+        static_cast<void>(reader.readU8()); // the length; the zero byte says the same
         return reader.readText();
     }
     return nullptr;
@@ -126,7 +128,7 @@ void writeFloats(BigEndianWriter& writer, const JsonPlace& place, std::size_t le
     if (items.size() < least || items.size() > most)
         place.fail(least == most ? "expected " + std::to_string(most) + " numbers"
                                  : "expected at most " + std::to_string(most) + " numbers");
-    if (least != most)
+    if (least != most) // else the number is the format's, and not stored
         writer.writeU8(static_cast<std::uint8_t>(items.size()));
     for (const JsonPlace& item : items)
         writer.writeFloat(item.real());
@@ -136,7 +138,7 @@ void writeGuid(BigEndianWriter& writer, const JsonPlace& place) {
     std::string digits = place.text();
     if (digits.size() != 36)
         place.fail(guidHint);
-    for (const std::size_t dash : {23, 18, 13, 8}) {
+    for (const std::size_t dash : {23, 18, 13, 8}) { // from the back: the places before it stay
         if (digits[dash] != '-')
             place.fail(guidHint);
         digits.erase(dash, 1);

@@ -13,6 +13,8 @@ namespace {
 
 using ROM::ContainerSectionType;
 
+/// What goes leaves first, so that its room is there for what comes. What stays as it is is not written again: every write
+/// is one that may fail.
 void apply(ROM::Container& container, const FlashContent& wanted) {
     for (const auto& [uid, section] : contentOf(container))
         if (wanted.count(uid) == 0)
@@ -28,6 +30,7 @@ void apply(ROM::Container& container, const FlashContent& wanted) {
 /// What is missing or other than wanted once a copy is loaded afresh.
 std::vector<std::string> lossesOf(FlashImage& image, const FlashContent& wanted) {
     std::vector<std::string> losses;
+    // Not with the objects that wrote it: they say what they meant to write, the bytes what a camera will read.
     Storage storage(image, image.area());
     storage.container.initialize();
     if (!storage.container.romInitialized())
@@ -90,6 +93,7 @@ Rehearsal rehearse(const FlashImage& before, const FlashContent& wanted, bool fo
     Rehearsal rehearsal{before, {}, {}, {}};
     const FlashSurvey survey = surveyOf(before);
     const Finding* fault = survey.structuralFault();
+    // Nothing to lose: no storage that could be loaded, and no whole section that no link leads to.
     const bool isEmpty =
         fault && survey.unreachable.empty() &&
         (fault->kind == FindingKind::NotFormatted || fault->kind == FindingKind::ContainerHeader);
@@ -99,7 +103,7 @@ Rehearsal rehearse(const FlashImage& before, const FlashContent& wanted, bool fo
             fault->text);
         return rehearsal;
     }
-    const std::size_t old = before.writes().size();
+    const std::size_t old = before.writes().size(); // the copy has its original's writes, too
     attemptChange(rehearsal, wanted, formats);
     const auto& writes = rehearsal.image.writes();
     rehearsal.writes.assign(writes.begin() + static_cast<std::ptrdiff_t>(old), writes.end());

@@ -21,6 +21,8 @@ void add(FlashSalvage& salvage, const SurveyedSection& section, const char* how)
 FlashSalvage salvageOf(const FlashImage& image) {
     FlashSalvage salvage;
     const FlashSurvey survey = surveyOf(image);
+    // From the end of the chain, for the first one of a uid is kept: of two linked ones the later one counts. What no link
+    // leads to comes after them.
     for (auto block = survey.blocks.rbegin(); block != survey.blocks.rend(); ++block)
         if (block->section)
             add(salvage, *block->section, "linked");

@@ -16,6 +16,7 @@ StretchChecksums::StretchChecksums(std::span<const std::uint8_t> bytes) {
     constexpr std::uint8_t zero = 0;
     for (unsigned bit = 0; bit < passage.size(); ++bit)
         passage[bit] = Utils::Crc16::compute(&zero, 1, static_cast<std::uint16_t>(1U << bit));
+    // What twice as many zeros do is what so many do, done twice.
     for (std::size_t length = bytes.size(); length > 0; length /= 2) {
         passages.push_back(passage);
         for (std::uint16_t& bit : passage)

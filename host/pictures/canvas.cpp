@@ -42,6 +42,7 @@ void Canvas::dot(int x, int y, Color color) {
 }
 
 void Canvas::line(double x0, double y0, double x1, double y1, Color color, int thickness) {
+    // A dot for each pixel of the longer way; a thick line grows downwards.
     const int steps = std::max(1, static_cast<int>(std::max(std::abs(x1 - x0), std::abs(y1 - y0))));
     for (int step = 0; step <= steps; ++step) {
         const double share = static_cast<double>(step) / steps;
@@ -69,6 +70,7 @@ void Canvas::text(int x, int y, const std::string& label, Color color) {
     const int quads = stb_easy_font_print(0, 0, words.data(), nullptr, corners.data(),
                                           static_cast<int>(corners.size() * sizeof(Corner)));
     for (int quad = 0; quad < quads; ++quad) {
+        // The first and the third corner of each rectangle are opposite ones.
         const Corner& from = corners[static_cast<std::size_t>(quad) * 4];
         const Corner& to = corners[static_cast<std::size_t>(quad) * 4 + 2];
         box(x + pixelOf(from.x), y + pixelOf(from.y), pixelOf(to.x) - pixelOf(from.x),

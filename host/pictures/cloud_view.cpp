@@ -29,7 +29,7 @@ struct Place {
     double z = 0;
 };
 
-/// What lies between the trimmed ends.
+/// What lies between the trimmed ends. Found without sorting all: a cloud has many points.
 ValueRange rangeOf(std::vector<float>& values) {
     const auto skipped = static_cast<std::ptrdiff_t>(static_cast<double>(values.size() - 1) * trim);
     std::nth_element(values.begin(), values.begin() + skipped, values.end());
@@ -65,6 +65,7 @@ public:
             across.push_back(static_cast<float>(place.x / place.z));
             down.push_back(static_cast<float>(place.y / place.z));
         }
+        // What is seen, not the cloud itself, is to fill the picture: what is near takes more of it.
         const ValueRange us = across.empty() ? ValueRange{} : rangeOf(across);
         const ValueRange vs = down.empty() ? ValueRange{} : rangeOf(down);
         scale = filled * std::min(view.width / std::max(us.high - us.low, 1e-9),
@@ -85,6 +86,7 @@ public:
 private:
     static constexpr double degree = 3.14159265358979323846 / 180;
 
+    /// About the middle of the cloud, first to the side, then up; then moved away from the viewer.
     [[nodiscard]] Place turned(const Point& point) const {
         const double x = point.x - (xs.low + xs.high) / 2;
         const double y = point.y - (ys.low + ys.high) / 2;
@@ -121,6 +123,7 @@ public:
           nearest(std::size_t{width} * height, std::numeric_limits<double>::max()) {}
 
     void square(const Place& at, double side, Color color) {
+        // The pixels whose centre is not before the one edge and before the other: squares that touch share none.
         const auto end = [](double edge, std::uint32_t most) {
             return static_cast<std::uint32_t>(std::clamp(std::ceil(edge), 0.0, static_cast<double>(most)));
         };

@@ -72,6 +72,7 @@ Color ColorMap::operator()(double value) const noexcept {
         return black;
     const double span = ends.high - ends.low;
     const double share = span > 0 ? std::clamp((value - ends.low) / span, 0.0, 1.0) : 0.0;
+    // Turned round: the least value, of depths the nearest, is red.
     return turbo(mapEnd - (mapEnd - mapBegin) * static_cast<float>(share));
 }
 
@@ -116,6 +117,7 @@ Picture ColorMap::explain(const Picture& picture, const std::string& title) cons
     for (const double tick : ticks) {
         const int at = top + static_cast<int>((tick - ends.low) / span * (barHeight - 1));
         const int label = std::clamp(at - Canvas::textHeight / 2, top, end);
+        // The two ends are always written; what would touch one of them, or the label above, is not.
         const bool isLast = tick == ticks.back();
         if (label < lastText + Canvas::textHeight || (!isLast && label > end - Canvas::textHeight))
             continue;

@@ -7,7 +7,7 @@
 
 #define STB_IMAGE_WRITE_IMPLEMENTATION
 #define STB_IMAGE_WRITE_STATIC
-#define STBI_WRITE_NO_STDIO
+#define STBI_WRITE_NO_STDIO // OutputFile writes the files
 #include <stb/stb_image_write.h>
 
 namespace Zentara::Host {

@@ -50,6 +50,7 @@ std::pair<double, double> extent(const std::vector<PlotLine>& lines, Member memb
             found.second = std::max(found.second, point.*member);
         }
     }
+    // Without any value the one is still above the other.
     if (!(found.first <= found.second) || !std::isfinite(found.second - found.first))
         throw Failure(Failure::Failed, "there is nothing to plot");
     return found;
@@ -90,6 +91,7 @@ void drawPanel(Canvas& canvas, int offset, const std::string& title, const std::
     for (std::size_t index = 0; index < lines.size(); ++index) {
         const Color color = lineColors[index % lineColors.size()];
         const auto& points = lines[index].points;
+        // A point that is missing leaves a gap on both sides.
         for (std::size_t point = 1; point < points.size(); ++point) {
             if (isThere(points[point - 1]) && isThere(points[point]))
                 canvas.line(xScale(points[point - 1].first), yScale(points[point - 1].second),
