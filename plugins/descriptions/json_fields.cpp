@@ -137,6 +137,7 @@ JsonFields::JsonFields(JsonValue value) : object(std::move(value)) {
     object.require(LocatedJson::Kind::Object, "an object");
 }
 
+// Whoever asks for a field knows it: finish() refuses those that nobody asked for.
 std::optional<JsonValue> JsonFields::find(const char* name) {
     known.insert(name);
     for (const LocatedJson& located : object.value->items) {

@@ -136,7 +136,7 @@ CyclicErrorRecord readCyclicError(const JsonValue& value) {
 /// What stands there for camera mode 0, then 1.
 template<typename T, typename Read>
 void readByMode(const JsonValue& list, std::array<std::optional<T>, cameraModes>& modes, Read read) {
-    modes = {};
+    modes = {}; // a further profile begins as a copy of the first one
     std::size_t mode = 0;
     for (const JsonValue& value : list.list(cameraModes))
         modes[mode++] = read(value);

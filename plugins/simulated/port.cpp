@@ -23,6 +23,7 @@ namespace {
 constexpr std::size_t logLimit = 100000;
 constexpr std::int64_t quietMicros = 2000;
 
+/// All but the first byte, so that the packet is taken for what it was.
 void corrupt(Bytes& bytes) {
     for (std::size_t i = 1; i < bytes.size(); ++i)
         bytes[i] ^= 0xFF;
@@ -148,6 +149,7 @@ void Port::perform(Transfer& transfer) {
 void Port::record(Transfer transfer) {
     if (observe)
         observe(transfer);
+    // Half of the log at once, so that it is seldom done.
     if (transfers.size() == logLimit)
         transfers.erase(transfers.begin(), transfers.begin() + logLimit / 2);
     transfers.push_back(std::move(transfer));
@@ -173,6 +175,7 @@ void Port::run(Transfer& transfer) {
                 return record(transfer);
             }
         }
+        // Without the lock: a transfer that hangs is cancelled by another thread.
         runFaulty(transfer, *fault);
         const AutoLock lock(mutex);
         record(transfer);
@@ -191,7 +194,7 @@ void Port::runFaulty(Transfer& transfer, const Fault& fault) {
                                                                               : "the transfer was cancelled");
     const AutoLock lock(mutex);
     switch (fault.kind) {
-    case Fault::Kind::Late:
+    case Fault::Kind::Late: // the camera has done it, but nobody waits any more
         perform(transfer);
         throw Plugin::TimeoutPluginException("the answer came too late");
     case Fault::Kind::Short:

@@ -22,7 +22,7 @@ void storeValue(std::uint8_t* planes, std::size_t plane, std::size_t pixel, std:
     std::memcpy(planes + plane * planeBytes + pixel * sizeof value, &value, sizeof value);
 }
 
-/// A pixel with light never has the phase that stands for none.
+/// It wraps after a turn, as a real one does. A pixel with light never has the phase that stands for none.
 std::uint16_t phaseOf(std::uint16_t millimetres, double step) {
     if (millimetres == 0)
         return 0;

@@ -30,7 +30,7 @@ SensorOutput SensorOutput::read(const Port* port) {
     if (port == nullptr)
         return output;
     output.raw = (port->tofRegister(outputRegister) & 1) != 0;
-    if (port->tofRegister(signatureRegister) != signature)
+    if (port->tofRegister(signatureRegister) != signature) // the others have no values yet
         return output;
     const auto mode = port->tofRegister(registerOf(ParameterType_RAW_OUTPUT_MODE));
     if (rawFrameBytes(static_cast<RawOutputMode>(mode)) != 0)

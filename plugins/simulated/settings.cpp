@@ -309,7 +309,7 @@ void readStatements(const std::string& text, const std::string& source, Settings
     }
 }
 
-/// The text with a line for each statement.
+/// The text with a line for each statement, so that messages count statements as lines.
 std::string splitStatements(std::string text) {
     std::replace(text.begin(), text.end(), ';', '\n');
     return text;

@@ -74,7 +74,7 @@ void SimulatedBus::refresh() {
         std::string text = Utils::readFile(filePath);
         if (looked && text == lastText)
             return;
-        looked = true;
+        looked = true; // also if it is wrong: it is told once, and the cameras stay as they were
         lastText = std::move(text);
         plugged = parse(lastText);
         trouble.clear();

@@ -101,7 +101,7 @@ void SimulatedVideoDevice::initialize(NodeEvent* event, Core::DescriptorStoreRO*
     if (!chip.empty())
         settings->firmware.chip = chip;
     faults->rearm(*settings);
-    std::shared_ptr<Port> made = makePort(*settings, faults);
+    std::shared_ptr<Port> made = makePort(*settings, faults); // outside the lock: it may read files
     AutoLock hold(lock);
     scene = Scene(settings->seed);
     port = std::move(made);
@@ -165,6 +165,7 @@ ReadBufferStatus SimulatedVideoDevice::readBuffer(void* buffer, int size, std::i
     const ReadBufferStatus status = waitForNext(buffer, timestamp, length, number, due);
     if (status != ReadBufferStatus_OK)
         return status;
+    // Outside the lock: the port has one of its own. The stream may have been stopped meanwhile.
     const SensorOutput output = SensorOutput::read(plugged().get());
     AutoLock hold(lock);
     if (!clock.running())
@@ -198,6 +199,7 @@ void SimulatedVideoDevice::enableColorStreaming(IO::enableColorRequest* request)
         throw ConfigurationPluginException(
             Format("enableColor: the camera does not compress, so it has no mode %") % mode->getName());
     const CameraControls& settings = request->getControls();
+    // All are checked before the first is taken.
     for (const auto& [control, value] : settings.values)
         checkControl(control, value);
 

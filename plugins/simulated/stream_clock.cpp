@@ -46,6 +46,7 @@ void StreamClock::resume() {
     if (!started || !paused)
         return;
     paused = false;
+    // As if the pause had not been: the next unit falls due as long after it as it was to.
     origin += Utils::Clock::nowMicros() - pausedSince;
     wake.set();
 }
@@ -95,6 +96,7 @@ StreamClock::Turn StreamClock::waitForNext(std::uint64_t& number, std::int64_t& 
 bool StreamClock::takeDue(std::int64_t now, std::uint64_t& number, std::int64_t& dueMicros) {
     if (paused || now < dueAt(next))
         return false;
+    // A reader that is late finds the last few; those before them are skipped, and keep their numbers.
     const auto newest = static_cast<std::uint64_t>((now - origin) * rate / microsPerSecond);
     if (newest >= kept)
         next = std::max(next, newest - kept + 1);

@@ -57,10 +57,10 @@ private:
     Utils::Threading::Mutex lock;
     bool started ZENTARA_GUARDED_BY(lock) = false;
     bool paused ZENTARA_GUARDED_BY(lock) = false;
-    std::int64_t origin ZENTARA_GUARDED_BY(lock) = 0;
-    std::int64_t pausedSince ZENTARA_GUARDED_BY(lock) = 0;
-    std::uint64_t next ZENTARA_GUARDED_BY(lock) = 0;
-    std::uint32_t waiting ZENTARA_GUARDED_BY(lock) = 0;
+    std::int64_t origin ZENTARA_GUARDED_BY(lock) = 0; ///< when unit 0 fell due, pauses added; microseconds
+    std::int64_t pausedSince ZENTARA_GUARDED_BY(lock) = 0; ///< while it is paused
+    std::uint64_t next ZENTARA_GUARDED_BY(lock) = 0;       ///< no unit before it is given out any more
+    std::uint32_t waiting ZENTARA_GUARDED_BY(lock) = 0;    ///< threads that wait
     std::uint32_t interrupts ZENTARA_GUARDED_BY(lock) = 0; ///< a wait that began under another number is over
     Utils::Threading::Signal wake;
 };

@@ -26,7 +26,7 @@ std::vector<Mode> modesOf(const Core::DescriptorStoreRO& store, IO::VideoDeviceP
     std::vector<Mode> modes = store.getColorConfigurations();
     if (modes.empty())
         device.getConfigurations(modes);
-    std::erase(modes, Mode());
+    std::erase(modes, Mode()); // store and device are plug-ins: an entry may be empty
     return modes;
 }
 
@@ -107,7 +107,7 @@ void ColorNode::enableStreaming(Mode configuration) {
     if (!known)
         throw ConfigurationPluginException(Format("enableStreaming: the camera has no mode %") %
                                            configuration->getName());
-    present.streaming = true;
+    present.streaming = true; // before it does: a start that failed halfway is stopped
     try {
         present.commands.start(nullptr);
         present.device.enableStreaming(configuration, present.controls);
@@ -150,6 +150,7 @@ void ColorNode::setCameraControl(CameraControlsEnum control, CameraControlValue 
         throw ArgumentPluginException(Format("setCameraControl: the camera has no control %") %
                                       static_cast<int>(control));
     present.device.setCameraControl(control, value);
+    // Kept only if the device took it; the next stream starts with it.
     present.controls.values[control] = value;
 }
 

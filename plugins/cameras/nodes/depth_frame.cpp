@@ -25,6 +25,8 @@ struct Measurement {
     std::uint16_t confidence;
 };
 
+/// From four taps a quarter turn apart: opposite ones differ by twice the amplitude times cosine and sine of the phase, and
+/// what is not modulated falls out of the differences.
 Measurement fromTaps(const std::uint8_t* planes, std::size_t pixel) {
     const auto difference = [&](std::size_t first, std::size_t second) {
         return static_cast<float>(loadValue(planes, first, pixel)) -
@@ -33,10 +35,11 @@ Measurement fromTaps(const std::uint8_t* planes, std::size_t pixel) {
     const float across = difference(0, 2);
     const float along = difference(1, 3);
     const float confidence = std::hypot(across, along) / (2 * tapScale);
-    if (confidence < 0.5F)
+    if (confidence < 0.5F) // it would be rounded to none
         return {0, 0};
     const float angle = std::atan2(along, across);
     const float steps = (angle < 0 ? angle + twoPi : angle) * (static_cast<float>(phaseTurn) / twoPi);
+    // At least 1 below, for 0 stands for no light.
     const auto phase = static_cast<std::uint16_t>(std::min(65535L, std::lround(steps)));
     return {std::max<std::uint16_t>(1, phase),
             static_cast<std::uint16_t>(std::min<long>(fullConfidence, std::lround(confidence)))};

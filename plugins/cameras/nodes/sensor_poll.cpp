@@ -92,7 +92,7 @@ void SensorPoll::poll(IO::CameraChip& chip, std::int64_t frameMicros) {
     Operations due;
     {
         const AutoLock hold(lock);
-        due = operations;
+        due = operations; // a copy: others may be configured while the camera is asked
     }
     for (const auto& operation : due) {
         if (!isDue(*operation, frameMicros))
@@ -110,7 +110,7 @@ void SensorPoll::read(IO::CameraChip& chip, Core::PeriodicOperation& operation) 
     if (const auto* temperature = dynamic_cast<const Core::TemperaturePeriodicOperation*>(&operation)) {
         const SensorValueArray readings = readTemperatureSensor(chip, temperature->getRegAddress());
         const AutoLock hold(lock);
-        if (isConfigured(operation))
+        if (isConfigured(operation)) // still
             store(readings.values.front());
     } else if (const auto* accelerometer =
                    dynamic_cast<const Core::AccelerometerPeriodicOperation*>(&operation)) {

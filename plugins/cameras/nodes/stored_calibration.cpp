@@ -154,6 +154,7 @@ void StoredCalibration::readLenses(const ROM::SystemCalibration& stored) {
     fillLenses(stereo.depthIntrinsics, stored.getDepthIntrinsics());
     fillLenses(stereo.colorIntrinsics, stored.getColorIntrinsics());
     lensStored = !stored.getDepthIntrinsics().empty();
+    // What was never stored reads as the default.
     extrinsicsStored = stored.getExtrinsics() != ROM::ExtrinsicsData();
     if (extrinsicsStored)
         fill(stereo.extrinsics, std::vector{extrinsicsOf(stored.getExtrinsics())});
@@ -173,7 +174,7 @@ void StoredCalibration::readConfiguration(const ROM::Configuration& stored) {
         TemperatureCalibration calibration;
         for (SensorValueArray& mode : calibration.modes) {
             for (const float value : temperatures)
-                mode.values.push_back({static_cast<std::int32_t>(mode.size()), value});
+                mode.values.push_back({static_cast<std::int32_t>(mode.size()), value}); // sensors 0, 1 ...
         }
         setTemperatureCalibration(calibration);
     }
@@ -181,6 +182,7 @@ void StoredCalibration::readConfiguration(const ROM::Configuration& stored) {
     if (!temperature.getValues().empty()) {
         const std::vector<std::uint8_t> range =
             recordOf(static_cast<std::uint8_t>(temperature.getAlgorithmID()), temperature.getValues());
+        // The block has a record for each camera mode, one after the other.
         std::vector<std::uint8_t> ranges = range;
         ranges.insert(ranges.end(), range.begin(), range.end());
         setTemperatureCompensation(

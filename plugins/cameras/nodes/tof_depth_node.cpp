@@ -79,7 +79,7 @@ struct TofDepthNode::Camera {
         : serialNumber(event.serialNumber), store(description), device(video), commands(store, device),
           parameters(startParameters(store, device)), known(modesOf(store)),
           calibration(std::make_unique<StoredCalibration>(&store, serialNumber, StoredObjects())) {
-        static_cast<void>(commands.chip());
+        static_cast<void>(commands.chip()); // throws for a camera without a controller
     }
 
     /// The node's own mode of that name, for its commands.
@@ -152,6 +152,7 @@ TofDepthNode::Camera& TofDepthNode::require(const char* operation) const {
 
 void TofDepthNode::getVersions(int& majorVersion, int& minorVersion) {
     IO::CameraChip& chip = require("getVersions").commands.chip();
+    // A bridge that reports no version says 0; that of the time-of-flight controller stands in for it.
     const std::uint32_t bridge = chip.bridgeVersion();
     const std::uint32_t version = bridge != 0 ? bridge >> 16 : chip.tofVersion();
     majorVersion = static_cast<int>(version >> 8 & 0xFF);
@@ -168,6 +169,8 @@ void TofDepthNode::enableStreaming(Mode configuration) {
     if (present.running)
         throw InvalidOperationPluginException("enableStreaming: the node streams already; disable it first");
     const Mode mode = present.find(configuration, "enableStreaming");
+    // Chosen before the device starts, which may ask the store for it; and counted as running before that, so that a
+    // start that failed halfway is stopped.
     present.select(mode);
     try {
         present.commands.start(&mode->getCommands());
@@ -182,6 +185,7 @@ void TofDepthNode::disableStreaming() {
     Camera& present = require("disableStreaming");
     if (!present.running)
         return;
+    // A device that does not stop leaves the node streaming, so that it can be told again.
     present.device.disableStreaming(false);
     present.select({});
     present.commands.stop();
@@ -207,6 +211,7 @@ void TofDepthNode::setConfiguration(Mode configuration) {
     if (!present.running)
         throw InvalidOperationPluginException("setConfiguration: the node does not stream");
     const Mode mode = present.find(configuration, "setConfiguration");
+    // Commands alone change the mode: the device goes on with the frames that it was started with.
     if (mode->getFrameFormat() != present.running->getFrameFormat() ||
         mode->getFramerate() != present.running->getFramerate())
         throw ConfigurationPluginException(
@@ -351,7 +356,7 @@ void TofDepthNode::loadStorage() {
         trouble = Format("its flash cannot be read (%)") % failure.message();
     }
     present.calibration = std::make_unique<StoredCalibration>(&present.store, present.serialNumber, objects);
-    if (!trouble.empty() && trouble != present.lensTrouble)
+    if (!trouble.empty() && trouble != present.lensTrouble) // the same is told once
         warnOfLens(present.serialNumber, present.store, trouble);
     present.lensTrouble = std::move(trouble);
 }
@@ -364,7 +369,7 @@ std::vector<Mode> TofDepthNode::getConfigurations() {
         modes.push_back(mode);
         mode->setCalibrationHardwareVersion(present.store.getHardwareVersion());
         if (!present.calibration->hasPhaseDelay())
-            continue;
+            continue; // the description's stays
         CalibrationInternal calibration(present.calibration->getPhaseDelay(mode),
                                         mode->getCalibration().getDriftCompensation());
         calibration.setPhaseDelay2(present.calibration->phaseOffset(DepthNode::CameraMode_1));
@@ -390,6 +395,7 @@ ReadBufferStatus TofDepthNode::readBuffer(void* buffer, int size, std::int64_t* 
         !makeDepthFrame(present.delivered.data(), static_cast<std::size_t>(bytes),
                         static_cast<std::uint8_t*>(buffer)))
         throw IOPluginException(Format("readBuffer: % bytes from the camera are no frame") % bytes);
+    // On the reader's thread, between two frames.
     present.sensors.poll(present.commands.chip(), *timestamp);
     return ReadBufferStatus_OK;
 }

@@ -73,6 +73,7 @@ std::uint32_t assumedUnit(const NodeEvent& event) {
     return usualUnit;
 }
 
+/// Rounded. What does not fit is no depth: cut off it would be a wrong one.
 std::uint16_t millimetres(std::uint16_t steps, std::uint32_t micrometres) {
     const std::uint64_t rounded = (std::uint64_t{steps} * micrometres + 500) / 1000;
     return rounded > 0xFFFF ? std::uint16_t{0} : static_cast<std::uint16_t>(rounded);
@@ -93,7 +94,7 @@ void convert(std::uint8_t* frame, std::size_t pixels, bool confident, std::uint3
         std::memcpy(depthAt, &depth, sizeof depth);
         std::memcpy(confidenceAt, &confidence, sizeof confidence);
     }
-    std::memset(frame + 4 * pixels, 0, 2 * pixels);
+    std::memset(frame + 4 * pixels, 0, 2 * pixels); // the plane of the phase, which the device does not tell
 }
 
 } // namespace

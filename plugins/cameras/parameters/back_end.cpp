@@ -56,7 +56,7 @@ ErrorCode withCamera(void* handle, Operation operation) noexcept {
     });
 }
 
-/// Copies bytes out, or tells how many they are.
+/// Copies bytes out, or tells how many they are: a caller asks with no buffer first, and comes again.
 ErrorCode deliver(const void* bytes, std::size_t size, void* buffer, unsigned int* length) noexcept {
     const bool fits = buffer && *length >= size;
     *length = static_cast<unsigned int>(size);
@@ -168,7 +168,7 @@ ZENTARA_PLUGIN_EXPORT ErrorCode getLastError(void* handle, char* buffer, unsigne
 
 ZENTARA_PLUGIN_EXPORT ErrorCode readSystemState(void* handle, unsigned char* buffer, unsigned int length) {
     return withCamera(handle, [&](CameraParameters& camera) {
-        Bytes state(buffer, buffer + length);
+        Bytes state(buffer, buffer + length); // a copy: what fails halfway leaves the caller's bytes alone
         camera.readState(state);
         std::copy(state.begin(), state.end(), buffer);
     });

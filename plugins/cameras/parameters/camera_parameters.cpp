@@ -128,7 +128,7 @@ void visitState(Byte* state, std::size_t size, const std::function<void(const Pa
 
 Bytes marshal(const ParameterRangeBaseInternal& range) {
     unsigned int size = 0;
-    range.marshal(nullptr, &size);
+    range.marshal(nullptr, &size); // how many bytes it takes
     Bytes bytes(size);
     range.marshal(bytes.data(), &size);
     return bytes;
@@ -187,7 +187,7 @@ Bytes storedCalibration(IO::TofRegisters& registers) {
         }
     }
     unsigned int size = 0;
-    calibration.marshal(nullptr, &size);
+    calibration.marshal(nullptr, &size); // how many bytes it takes
     Bytes bytes(size);
     calibration.marshal(bytes.data(), &size);
     return bytes;
@@ -197,6 +197,7 @@ Bytes storedCalibration(IO::TofRegisters& registers) {
 
 CameraParameters::CameraParameters(const IO::BackEndWay& way, const HardwareVersionInternal& version)
     : registers(IO::TofRegisters::find(version, way)) {
+    // The signature stands in a register as the values do, and is gone when they are.
     if (registers->read(signatureRegister) != signature)
         start();
 }
@@ -235,6 +236,7 @@ double CameraParameters::unambiguousRange() {
     const double megahertz = read(parameter(ParameterType_FLOAT_2));
     if (megahertz == 0)
         throw Failure(ErrorCode_FAILED, "without a modulation frequency there is no range");
+    // Half a wavelength: the light goes there and back.
     return speedOfLight / (2e6 * megahertz);
 }
 
@@ -274,6 +276,7 @@ void CameraParameters::writeState(const Bytes& state) {
                                                action(known, value);
                                        });
     };
+    // All are checked before the first is written: a state that is refused changes nothing.
     visit([](const Parameter& known, const std::uint8_t* value) {
         if (known.type == ParameterValueType_REGION_OF_INTEREST)
             checkRegion(loadRegion(value));

@@ -18,6 +18,7 @@ bool copyMode(const std::array<std::optional<T>, 2>& modes, DepthNode::CameraMod
     return stored.has_value();
 }
 
+/// Modes can be changed by whoever has one; the description stays as it was read.
 template<typename Base, typename Mode>
 std::vector<Utils::SmartPtr<Base>> copies(const std::vector<Utils::SmartPtr<Mode>>& modes) {
     std::vector<Utils::SmartPtr<Base>> result;

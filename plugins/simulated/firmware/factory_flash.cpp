@@ -82,6 +82,7 @@ ROM::GradientDistortionCorrection correction(std::uint8_t seed) {
 } // namespace
 
 Bytes factoryFlash(std::uint8_t seed) {
+    // A pattern all around, by which a read in the wrong place is noticed; the storage's own place is erased, and formatted.
     Bytes bytes = patternFlash(seed);
     std::fill_n(bytes.begin() + romStart, romSize, std::uint8_t{0xFF});
     Memory memory(bytes);

@@ -52,6 +52,8 @@ OV0570Firmware::OV0570Firmware(Settings initial)
             {1 + pieceBytes, [this](const Bytes& packet) { setEeprom(packet); },
              [this](const Bytes& request) { return getEeprom(request); }}}}),
       settings(std::move(initial)), memory(settings.flashFile, settings.flash) {
+    // The controller says by bits of one register whether the FPGA is ready, the bridge by a pin whether it is out of reset.
+    // Values that are queued are read first, one by one, so that both take their time.
     files.push_back(fileOf(settings.bridge));
     for (const Device& device : settings.devices) {
         files.push_back(fileOf(device));
@@ -73,6 +75,8 @@ RegisterFile* OV0570Firmware::tofRegisters() noexcept {
     return found;
 }
 
+/// 64 bytes: 1 to 4 the version, 12 to 14 what the bridge itself is as a device, 15 how many further ones there are, and
+/// from 16 on four bytes for each of those.
 Bytes OV0570Firmware::controlInformation() const {
     Bytes reply(informationBytes);
     reply[0] = settings.infoByte;
@@ -101,6 +105,8 @@ const OV0570Firmware::Device& OV0570Firmware::device(std::size_t index) const {
     return index == 0 ? settings.bridge : settings.devices.at(index - 1);
 }
 
+/// The first byte of a register packet: bits 0 to 3 the device, 4 whether its data has more than one byte, 5 and 6 its
+/// address bytes less one, 7 set for a read. The bridge goes by its own list, and stalls where the packet says otherwise.
 RegisterFile& OV0570Firmware::addressed(const Bytes& packet) {
     const std::size_t index = packet[0] & 0x0F;
     if (index >= files.size())
@@ -114,6 +120,7 @@ RegisterFile& OV0570Firmware::addressed(const Bytes& packet) {
 
 namespace {
 
+/// Its low half stands before the value, its high half behind it.
 std::uint32_t registerAddress(const Bytes& packet) {
     return littleEndian(packet, 1) | (std::uint32_t{littleEndian(packet, 5)} << 16);
 }
@@ -134,6 +141,7 @@ Bytes OV0570Firmware::readRegister(const Bytes& request) {
     return reply;
 }
 
+/// A read: range (1), prepare (2), read (3), then pieces by GET, end (5). A write: range (1), then pieces (7).
 void OV0570Firmware::setEeprom(const Bytes& packet) {
     const bool ranged = state == EepromState::Ranged;
     switch (packet[0]) {

@@ -47,6 +47,8 @@ RegisterFile* VC0258Firmware::tofRegisters() noexcept {
     return found == files.end() ? nullptr : &found->second;
 }
 
+/// An I2C packet: bus address and, in bit 0, whether it is a write; address bytes; data bytes in the low half, byte order in
+/// the high one; register; from byte 6 on the value.
 RegisterFile& VC0258Firmware::addressed(const Bytes& packet) {
     const unsigned dataBytes = packet[2] & 0x0F;
     if (packet[1] != 1 || (dataBytes != 1 && dataBytes != 2))
@@ -88,6 +90,8 @@ Bytes VC0258Firmware::readTunnel(const Bytes& request) {
     return carried(std::move(reply));
 }
 
+/// A request: code, address (low byte first), count; the bytes follow in the reply. Which of the two memories it is, is a
+/// setting of the bridge.
 Bytes VC0258Firmware::readMemory(const Bytes& request) const {
     const std::size_t count = request[3];
     if (request[0] != 0x50 || count < 1 || count > memoryBytes - memoryData)

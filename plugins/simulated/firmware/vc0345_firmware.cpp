@@ -39,6 +39,8 @@ VC0345Firmware::VC0345Firmware(const Settings& initial)
     tofFile.write(0x21, 0x2035);
 }
 
+// A write takes the whole value, low byte first; a read brings one byte of it, the high one where bit 7 of the register's
+// number is set.
 void VC0345Firmware::writeTof(const Bytes& packet) {
     if (packet[0] != 0x41)
         stall(*this, "code " + hexText(packet[0]) + " in a SET of a time-of-flight register");
