@@ -84,16 +84,16 @@ struct Thread::Impl {
 
     mutable Mutex lock; ///< never held while a thread is waited for, nor around the runnable
     std::string name ZENTARA_GUARDED_BY(lock);
-    std::shared_ptr<ThreadBase>
-        thread ZENTARA_GUARDED_BY(lock); ///< the last one; null before the first start
+    /// The last one; null before the first start.
+    std::shared_ptr<ThreadBase> thread ZENTARA_GUARDED_BY(lock);
 
     std::shared_ptr<ThreadBase> current() const {
         AutoLock hold(lock);
         return thread;
     }
     bool isAlive() const {
-        const auto present =
-            current(); // a reference of its own: another thread may start the next one meanwhile
+        // A reference of its own: another thread may start the next one meanwhile.
+        const auto present = current();
         return present && present->getState() != ThreadState_FINISHED;
     }
     std::shared_ptr<Run> startAfter(const std::shared_ptr<ThreadBase>& former);

@@ -104,6 +104,7 @@ void Recorder::add(std::size_t stream, const Frame& frame) {
 
 void Recorder::commit() {
     AutoLock hold(impl->lock);
+    // A full disk may have no room for the end, either: frames are given up from the last one on until there is.
     for (;;) {
         try {
             impl->writeEnd();
@@ -158,7 +159,7 @@ void Recorder::Impl::writeTemperatures(std::uint16_t stream, const FrameData& fr
 }
 
 void Recorder::Impl::writeEnd() {
-    file.cut(end);
+    file.cut(end); // what an attempt before this one has written
     BinaryWriter bytes;
     for (const std::uint64_t count : counts)
         bytes.write(count);

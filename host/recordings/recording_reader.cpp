@@ -67,7 +67,7 @@ RecordingReader::RecordingReader(std::unique_ptr<std::istream> bytes, const std:
 
 std::optional<FrameHead> RecordingReader::next() {
     while (!ended) {
-        if (waits)
+        if (waits) // nobody wanted the frame's bytes
             moveTo(position + pending + checksumBytes);
         waits = false;
         const std::uint64_t before = position;
@@ -138,7 +138,7 @@ void RecordingReader::fail(const std::string& what) const {
 }
 
 void RecordingReader::moveTo(std::uint64_t place) {
-    in->clear();
+    in->clear(); // an end that was met would fail every seek
     in->seekg(static_cast<std::streamoff>(place));
     position = place;
 }
@@ -154,6 +154,7 @@ void RecordingReader::get(void* data, std::size_t count, const char* what) {
 
 void RecordingReader::readHeader() {
     std::array<std::uint8_t, fileHeaderBytes> bytes{};
+    // As far as it goes: a short file of another kind is no recording, rather than one that was cut short.
     get(bytes.data(), std::min<std::uint64_t>(bytes.size(), size), "the file header");
     if (!std::equal(magic.begin(), magic.end(), bytes.begin()))
         fail("it is no recording");
@@ -201,7 +202,7 @@ void RecordingReader::checkRoom(std::uint32_t length) const {
 }
 
 std::vector<std::uint8_t> RecordingReader::readPayload(const Chunk& chunk) {
-    checkRoom(chunk.length);
+    checkRoom(chunk.length); // before memory is taken for what is not there
     std::vector<std::uint8_t> bytes(chunk.length);
     readPayload(chunk.length, bytes.data());
     return bytes;
@@ -264,6 +265,7 @@ void RecordingReader::checkEnd(const Chunk& chunk) {
     BinaryReader reader(bytes.data(), static_cast<int>(bytes.size()));
     for (std::size_t stream = 0; stream < counts.size(); ++stream) {
         const std::uint64_t recorded = reader.readULong();
+        // Whoever has jumped has not seen every frame.
         if (counting && recorded != counts[stream])
             fail(Format("stream % was recorded with % frames and has %") % stream % recorded %
                  counts[stream]);

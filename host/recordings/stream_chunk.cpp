@@ -151,7 +151,7 @@ void walk(Walk& on, ExtrinsicParametersInternal& pose) {
 
 template<typename Walk, typename Value>
 void walk(Walk& on, std::optional<Value>& value) {
-    bool isThere = value.has_value();
+    bool isThere = value.has_value(); // of an empty one that is read: what the file says
     on.flag(isThere);
     if (isThere && !value)
         value.emplace();
@@ -243,6 +243,7 @@ StreamInfo readStreamChunk(std::span<const std::uint8_t> payload, std::uint16_t 
         StreamInfo info;
         walk(reading, info);
         check(info.mode);
+        // Written again it must take as many bytes: what is left over was not understood.
         if (static_cast<std::size_t>(streamChunk(info).size()) != payload.size())
             refuse("is too long");
         return info;

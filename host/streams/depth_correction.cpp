@@ -98,6 +98,7 @@ void DepthCorrection::addTemperature(std::span<const SensorValue> temperatures) 
         part.trouble = Format("its % parameters have % sensors") % parameters.size() % sensors.size();
     if (!part.trouble.empty())
         return;
+    // Linear: a coefficient for each sensor. Polynomial: coefficients of the first sensor's powers, from the constant on.
     double sum = 0;
     for (std::size_t i = 0; i < needed && part.trouble.empty(); ++i) {
         const Warming warming = warmingOf(sensors[i], temperatures, mode->calibratedAt);
@@ -157,6 +158,8 @@ void DepthCorrection::apply(std::span<const std::uint16_t> depth, std::span<cons
             corrected[i] = 0;
             continue;
         }
+        // The cyclic error goes by the phase as it was measured, before any correction. What comes out as 0, or too great for
+        // 16 bits, is no depth.
         double millimetres = depth[i] * unit;
         if (cyclic != nullptr)
             millimetres +=

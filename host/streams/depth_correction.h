@@ -30,7 +30,7 @@ public:
     /// The set of those that can be done.
     [[nodiscard]] std::uint8_t possible() const noexcept;
 
-    /// Corrects values of a plane. \param phase as many, or none \param unit millimetres of a value
+    /// Corrects values of a plane. \param phase as many, or none \param corrected room for as many
     void apply(std::span<const std::uint16_t> depth, std::span<const std::uint16_t> phase,
                std::uint16_t* corrected) const noexcept;
 

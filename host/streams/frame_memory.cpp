@@ -22,6 +22,7 @@ constexpr std::size_t rounded(std::size_t bytes) noexcept {
 } // namespace
 
 FrameMemory& FrameMemory::instance() noexcept {
+    // Never destroyed: a frame may be let go by another static object, when the process ends.
     static FrameMemory& memory = *new FrameMemory;
     return memory;
 }
@@ -31,6 +32,7 @@ FrameData* FrameMemory::take(std::size_t bytes) noexcept {
     AutoLock hold(lock);
     for (FrameData** place = &kept; *place != nullptr; place = &(*place)->next) {
         FrameData* const block = *place;
+        // A small frame in a large block would be a waste.
         if (block->capacity < bytes || block->capacity / 2 > capacity)
             continue;
         *place = block->next;
@@ -38,6 +40,7 @@ FrameData* FrameMemory::take(std::size_t bytes) noexcept {
         return block;
     }
     const std::size_t size = sizeof(FrameData) + capacity;
+    // As differences, which cannot wrap.
     if (size > most || total > most - size)
         freeKept(); // they are of other sizes
     if (size > most || total > most - size)
@@ -56,7 +59,7 @@ void FrameMemory::release(FrameData* block) noexcept {
         return;
     block->context.reset(); // before the lock: it may be the last of its stream
     AutoLock hold(lock);
-    if (streams == 0 || total > most) {
+    if (streams == 0 || total > most) { // the limit may have been lowered
         freeBlock(block);
         return;
     }

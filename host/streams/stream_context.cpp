@@ -35,6 +35,7 @@ const Lens& StreamContext::lens() const {
 }
 
 const std::vector<float>& StreamContext::axisShares() const {
+    // Of the way to a point the share along the axis: 1 to the length of the ray through (x, y, 1).
     sharesMade.call([this] {
         const Lens& own = lens();
         std::vector<float> made;
@@ -57,6 +58,7 @@ const std::vector<float>& StreamContext::harmonics() const {
         const std::vector<float>& parameters = mode->cyclicParameters;
         std::vector<float> made(phaseSteps);
         for (std::size_t step = 0; step < phaseSteps; ++step) {
+            // The mean, then cosine and sine of each harmonic. The angle is reduced in whole steps, which is exact.
             double sum = parameters.empty() ? 0 : parameters[0];
             for (std::size_t i = 1; i < parameters.size(); ++i) {
                 const double angle =

@@ -29,7 +29,7 @@ public:
     /// A gap between the end of the image and `address` is filled with 0.
     void write(std::uint32_t address, const std::vector<std::uint8_t>& bytes) override;
 
-    /// Replaces the image with the bytes of a file. The first name given is the one that is kept.
+    /// Replaces the image with the bytes of a file.
     /// \throws IOPluginException "gradient calibration parameter file can not be opened", with the file named
     ///         in the log; the image is then as before.
     virtual void read(const std::string& fileName);
