@@ -11,10 +11,10 @@ namespace Zentara::ROM {
 using Utils::Threading::AutoLock;
 
 struct GradientDistortionCorrectionStore::Impl {
-    GradientDistortionCorrectionAccessor* const accessor;
-    Container* const container;
-    Utils::Threading::Mutex mutex;
-    bool initialized ZENTARA_GUARDED_BY(mutex) = false;
+    GradientDistortionCorrectionAccessor* const accessor; ///< not owned; may be null
+    Container* const container;                           ///< not owned; may be null
+    Utils::Threading::Mutex mutex;                        ///< around every call of the two
+    bool initialized ZENTARA_GUARDED_BY(mutex) = false;   ///< initialize() was called; never false again
 
     Impl(Container* sections, GradientDistortionCorrectionAccessor* file)
         : accessor(file), container(sections) {}

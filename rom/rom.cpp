@@ -10,8 +10,8 @@ namespace Zentara::ROM {
 using Utils::Threading::AutoLock;
 
 struct ROM::Impl {
-    Container* const container;
-    Utils::Threading::Mutex mutex;
+    Container* const container;    ///< not owned; may be null
+    Utils::Threading::Mutex mutex; ///< around every call of it
 
     explicit Impl(Container* sections) : container(sections) {}
 

@@ -24,6 +24,7 @@ using Slots = std::vector<Slot>;
 
 constinit Immortal<Threading::Mutex> instanceLockStorage;
 Threading::Mutex& instanceLock = instanceLockStorage.object;
+/// Null until asked for, and once it was let go.
 SharedMemory* instance ZENTARA_GUARDED_BY(instanceLock) = nullptr;
 
 Slot map(const std::string& mappingName, unsigned int size, bool writable) {

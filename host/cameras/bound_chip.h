@@ -20,7 +20,7 @@ public:
 
 private:
     Utils::Threading::Mutex lock;
-    IO::ChipListener listener ZENTARA_GUARDED_BY(lock);
+    IO::ChipListener listener ZENTARA_GUARDED_BY(lock); ///< called with the lock held; empty for nobody
 };
 
 /// A camera's controller over a video device of its own: that of the camera's depth or colour node, without the node, or

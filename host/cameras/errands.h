@@ -58,6 +58,7 @@ public:
 private:
     struct Kept {
         Utils::Threading::Mutex lock;
+        /// In their order; taken when a work is over.
         std::vector<std::string> texts ZENTARA_GUARDED_BY(lock);
     };
 

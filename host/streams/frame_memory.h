@@ -48,9 +48,9 @@ private:
     void freeBlock(FrameData* block) noexcept ZENTARA_REQUIRES(lock);
 
     mutable Utils::Threading::Mutex lock;
-    std::size_t most ZENTARA_GUARDED_BY(lock) = usualLimit;
-    std::size_t total ZENTARA_GUARDED_BY(lock) = 0;   ///< bytes of all blocks, the kept ones among them
-    std::size_t streams ZENTARA_GUARDED_BY(lock) = 0; ///< that are open; while it is 0 nothing is kept
+    std::size_t most ZENTARA_GUARDED_BY(lock) = usualLimit; ///< bytes; below `total` once it was lowered
+    std::size_t total ZENTARA_GUARDED_BY(lock) = 0;         ///< bytes of all blocks, the kept ones among them
+    std::size_t streams ZENTARA_GUARDED_BY(lock) = 0;       ///< that are open; while it is 0 nothing is kept
     FrameData*
         kept ZENTARA_GUARDED_BY(lock) = nullptr; ///< a list through `next`, the last to come back first
 };

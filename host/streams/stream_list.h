@@ -19,7 +19,7 @@ public:
 
 private:
     Utils::Threading::Mutex lock;
-    std::vector<std::weak_ptr<Stream::Core>> streams ZENTARA_GUARDED_BY(lock);
+    std::vector<std::weak_ptr<Stream::Core>> streams ZENTARA_GUARDED_BY(lock); ///< some may have gone
 };
 
 } // namespace Zentara::Host

@@ -51,10 +51,11 @@ private:
     const Device kind = Device::Any;
     Utils::Threading::Mutex lock;
     bool refuseCancel ZENTARA_GUARDED_BY(lock) = false;
+    /// Those that have happened as well: counts tell them apart.
     std::vector<Fault> armed ZENTARA_GUARDED_BY(lock);
-    std::array<std::uint64_t, operationCount> calls ZENTARA_GUARDED_BY(lock){};
-    std::uint32_t hanging ZENTARA_GUARDED_BY(lock) = 0;
-    std::uint32_t cancels ZENTARA_GUARDED_BY(lock) = 0;
+    std::array<std::uint64_t, operationCount> calls ZENTARA_GUARDED_BY(lock){}; ///< so far, of each operation
+    std::uint32_t hanging ZENTARA_GUARDED_BY(lock) = 0;                         ///< threads in hang()
+    std::uint32_t cancels ZENTARA_GUARDED_BY(lock) = 0; ///< a hang that began under another number is over
     Utils::Threading::Signal wake;
 };
 

@@ -30,10 +30,11 @@ public:
 
 private:
     Utils::Threading::Mutex lock;
+    /// Null for a camera of no bus, which never goes.
     std::unique_ptr<SimulatedBus> bus ZENTARA_GUARDED_BY(lock);
-    std::string path ZENTARA_GUARDED_BY(lock);
-    bool gone ZENTARA_GUARDED_BY(lock) = false;
-    std::int64_t nextLook ZENTARA_GUARDED_BY(lock) = 0;
+    std::string path ZENTARA_GUARDED_BY(lock);          ///< of the camera on it
+    bool gone ZENTARA_GUARDED_BY(lock) = false;         ///< stays true until the next attach()
+    std::int64_t nextLook ZENTARA_GUARDED_BY(lock) = 0; ///< microseconds of the monotonic clock
 };
 
 } // namespace Zentara::Simulated

@@ -72,10 +72,10 @@ private:
     mutable Utils::Threading::Mutex
         mutex; ///< given up while a transfer hangs, so that the hang can be cancelled
     bool selected ZENTARA_GUARDED_BY(mutex) = false;
-    std::int64_t powerOn ZENTARA_GUARDED_BY(mutex) = 0; ///< of the sensors; 0 while they are off
-    std::int64_t lastGet ZENTARA_GUARDED_BY(mutex) = 0;
-    std::vector<Transfer> transfers ZENTARA_GUARDED_BY(mutex);
-    std::function<void(const Transfer&)> observe ZENTARA_GUARDED_BY(mutex);
+    std::int64_t powerOn ZENTARA_GUARDED_BY(mutex) = 0;        ///< of the sensors; 0 while they are off
+    std::int64_t lastGet ZENTARA_GUARDED_BY(mutex) = 0;        ///< microseconds of the monotonic clock
+    std::vector<Transfer> transfers ZENTARA_GUARDED_BY(mutex); ///< the log, oldest first
+    std::function<void(const Transfer&)> observe ZENTARA_GUARDED_BY(mutex); ///< empty for nobody
 };
 
 /// The port of a camera that is set so, with its sensors on; null for one without a controller.

@@ -77,8 +77,8 @@ private:
     std::shared_ptr<Port> port ZENTARA_GUARDED_BY(lock);    ///< null for a camera without a controller
     Stream stream ZENTARA_GUARDED_BY(lock) = Stream::Depth; ///< the one that runs, or ran last
     OutputFormat format ZENTARA_GUARDED_BY(lock) = OutputFormat::OutputFormat_DEPTH_CONFIDENCE;
-    RegionOfInterestInternal region ZENTARA_GUARDED_BY(lock);
-    CameraControls controls ZENTARA_GUARDED_BY(lock);
+    RegionOfInterestInternal region ZENTARA_GUARDED_BY(lock); ///< the device's; the sensor has one of its own
+    CameraControls controls ZENTARA_GUARDED_BY(lock);         ///< one of each control
     /// The planes of a frame: the caller's buffer may lie at an odd address.
     std::vector<std::uint16_t> depth ZENTARA_GUARDED_BY(lock);
     std::vector<std::uint16_t> confidence ZENTARA_GUARDED_BY(lock);

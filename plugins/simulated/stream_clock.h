@@ -55,7 +55,7 @@ private:
     const std::int64_t rate;
     const std::uint64_t kept;
     Utils::Threading::Mutex lock;
-    bool started ZENTARA_GUARDED_BY(lock) = false;
+    bool started ZENTARA_GUARDED_BY(lock) = false; ///< a stream runs, paused or not
     bool paused ZENTARA_GUARDED_BY(lock) = false;
     std::int64_t origin ZENTARA_GUARDED_BY(lock) = 0; ///< when unit 0 fell due, pauses added; microseconds
     std::int64_t pausedSince ZENTARA_GUARDED_BY(lock) = 0; ///< while it is paused

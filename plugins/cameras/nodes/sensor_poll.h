@@ -45,6 +45,7 @@ private:
 
     Utils::Threading::Mutex lock; ///< not held while the camera is asked
     Operations operations ZENTARA_GUARDED_BY(lock);
+    /// One a sensor, in the order of their first reading.
     SensorValueArray lastTemperatures ZENTARA_GUARDED_BY(lock);
     /// By operation; all of them are configured.
     std::map<const Core::PeriodicOperation*, AccelerationInternal> lastAccelerations ZENTARA_GUARDED_BY(lock);
