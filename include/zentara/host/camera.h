@@ -34,36 +34,36 @@ namespace Zentara::Host {
 class CameraImpl;
 class Flash;
 
-/// What serves one node of a camera, and the modes that its description gives it.
+/// What serves one node of a camera, and the modes that its description gives it. A plain value. Separate.
 struct NodeDescription {
-    NodeInfo node;
-    PluginName nodePlugin;
-    PluginName devicePlugin;
-    std::vector<Mode> modes;
+    NodeInfo node;           ///< which one
+    PluginName nodePlugin;   ///< makes frames of what the device delivers
+    PluginName devicePlugin; ///< moves the bytes
+    std::vector<Mode> modes; ///< the default one first; none where the device alone knows them
 };
 
-/// What the description says of a camera.
+/// What the description says of a camera: of its model, the same for each of that kind. A plain value. Separate.
 struct CameraDescription {
-    std::vector<NodeDescription> nodes; ///< in the order of CameraInfo::nodes
-    HardwareVersionInternal hardware;
+    std::vector<NodeDescription> nodes;  ///< in the order of CameraInfo::nodes
+    HardwareVersionInternal hardware;    ///< its modules, all 0 where the description has none
     std::uint64_t deviceFlags = 0;       ///< of its first node's device
     std::int32_t deviceCapabilities = 0; ///< the same
 };
 
-/// The version of a camera's firmware.
+/// The version of a camera's firmware. A plain value. Separate.
 struct FirmwareVersion {
-    int major = 0;
-    int minor = 0;
+    int major = 0; ///< of the bridge, or of the time-of-flight controller where the bridge tells none
+    int minor = 0; ///< of the same
 };
 
-/// What one temperature sensor reads.
+/// What one temperature sensor reads. A plain value. Separate.
 struct Temperature {
     std::int32_t sensor = -1; ///< the camera's number for it
     std::string name;         ///< what the description calls it; may be empty
-    float celsius = 0;
+    float celsius = 0;        ///< degrees, of this moment or a few seconds old
 };
 
-/// What an accelerometer reads.
+/// What an accelerometer reads. A plain value. Separate.
 struct Acceleration {
     std::string name;                  ///< what the description calls it; may be empty
     std::uint32_t registerAddress = 0; ///< where it was read: of the time-of-flight controller
@@ -124,12 +124,15 @@ public:
     [[nodiscard]] FirmwareVersion firmware() const; ///< \throws Unsupported where the camera tells none
     /// All lens models, and the transform from the depth to the colour camera in millimetres.
     [[nodiscard]] StereoCameraParametersArray lensModels() const;
+    /// What its depth is to be corrected by; `Frame::corrected()` does it.
     [[nodiscard]] Corrections corrections() const;
-    [[nodiscard]] AccelerationInternal accelerometerCalibration() const; ///< in g
+    [[nodiscard]] AccelerationInternal accelerometerCalibration() const; ///< offsets, in g
+    /// The one that the node has: of the bus, or of the camera's storage.
     [[nodiscard]] std::string storedSerialNumber() const;
+    /// How often it overheated.
     [[nodiscard]] DiagnosticData diagnostics() const;
-    [[nodiscard]] float
-    rangeMetres() const; ///< the unambiguous range \throws Unsupported where it tells none
+    /// The unambiguous range. \throws Unsupported where the camera tells none
+    [[nodiscard]] float rangeMetres() const;
     /// Where lens models, extrinsics, corrections and so on come from.
     [[nodiscard]] Sources sources() const;
 
@@ -162,6 +165,7 @@ public:
 
     // Sensors ------------------------------------------------------------------------------------------------------
 
+    /// Of all its sensors, in the camera's order; none for a camera that has none.
     [[nodiscard]] std::vector<Temperature> temperatures() const;
     /// \param registerAddress where to read it; where the description says unless given
     /// \return nothing for a camera without one

@@ -21,11 +21,11 @@ namespace Zentara::Host {
 /// The schema of the documents that are written; those from 1 to this one are read.
 inline constexpr int documentSchema = 3;
 
-/// A calibration, and whose it is.
+/// A calibration, and whose it is. A plain value. Separate.
 struct StoredCalibration {
     std::string serialNumber; ///< of the camera; empty when the document does not say
-    CalibrationInternal
-        calibration; ///< as a camera would give it back: phase delays and temperature compensation
+    /// As a camera would give it back: phase delays and temperature compensation.
+    CalibrationInternal calibration;
 };
 
 /// \param path UTF-8; "-" for standard input
@@ -43,11 +43,11 @@ struct StoredCalibration {
 [[nodiscard]] ZENTARA_HOST_API std::vector<ValueChange> changesBetween(const CalibrationInternal& before,
                                                                        const CalibrationInternal& after);
 
-/// Parameters, and whose they are.
+/// Parameters, and whose they are. A plain value. Separate.
 struct StoredParameters {
     std::string serialNumber; ///< of the camera; empty when the document does not say
-    ParameterValues
-        values; ///< each of its parameter's kind; whether the camera takes it is for the camera to say
+    /// Each of its parameter's kind; whether the camera takes it is for the camera to say.
+    ParameterValues values;
 };
 
 /// \param path UTF-8; "-" for standard input
@@ -55,7 +55,7 @@ struct StoredParameters {
 [[nodiscard]] ZENTARA_HOST_API std::string parameterDocument(const CameraInfo& camera,
                                                              const ParameterValues& values);
 
-/// A parameter that has another value afterwards.
+/// A parameter that has another value afterwards. A plain value. Separate.
 struct ParameterChange {
     int number = 0;
     std::optional<ParameterValue> before; ///< nothing where none was known

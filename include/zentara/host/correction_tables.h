@@ -13,11 +13,12 @@ namespace Zentara::Host {
 
 // The tables of distortion correction that a storage, or a correction file, holds. Values and functions of values: safe.
 
-/// The correction table of one modulation frequency.
+/// The correction table of one modulation frequency. A plain value that owns its bytes. Separate.
 struct CorrectionTable {
-    std::uint16_t megahertz = 0;
-    Bytes values; ///< row by row; the format does not say how long a row is
+    std::uint16_t megahertz = 0; ///< the number as stored, whose unit the format does not say
+    Bytes values;                ///< row by row; the format does not say how long a row is
 
+    /// What the values are like, in their own unit: 0 to 255.
     struct Statistics {
         unsigned least = 0;
         unsigned greatest = 0;
@@ -28,14 +29,14 @@ struct CorrectionTable {
     [[nodiscard]] ZENTARA_HOST_API Statistics statistics() const;
 };
 
-/// What a section of distortion correction holds.
+/// What a section of distortion correction holds. A plain value. Separate.
 struct CorrectionSection {
-    std::uint16_t uid = 0;
-    std::uint16_t version = 0;
-    std::uint32_t timeOfLastWrite = 0; ///< seconds since 1970, UTC
-    unsigned numberOfSets = 0;
-    std::string serialId;
-    std::vector<CorrectionTable> tables;
+    std::uint16_t uid = 0;               ///< the section's number
+    std::uint16_t version = 0;           ///< of the tables, as their author counts
+    std::uint32_t timeOfLastWrite = 0;   ///< seconds since 1970, UTC
+    unsigned numberOfSets = 0;           ///< as the header says; there may be more tables, or fewer
+    std::string serialId;                ///< of the camera that the tables were measured on
+    std::vector<CorrectionTable> tables; ///< in flash order
 };
 
 /// The sections of distortion correction, read by the library; one that it cannot read is left out.

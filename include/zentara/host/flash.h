@@ -22,23 +22,25 @@ namespace Zentara::Host {
 
 class Camera;
 
-/// Which part of a flash the storage has, and how it is to be formatted.
+/// Which part of a flash the storage has, and how it is to be formatted. A plain value. Separate.
 struct FlashOptions {
+    /// Where the management header stands.
     enum class Header {
-        Auto, ///< where one stands; at the start where none does, and for a new storage
-        Start,
-        End
+        Auto,  ///< where one stands; at the start where none does, and for a new storage
+        Start, ///< in the area's first bytes
+        End    ///< in its last ones
     };
 
     /// Its address; unset: what the camera's description says, of a file 0.
     std::optional<std::uint64_t> start;
     /// Its bytes; 0: what the camera's description says, of a file the rest, of a new file 65536.
     std::uint64_t size = 0;
-    std::uint32_t chunkSize = 256; ///< to format with, 1 or more
+    /// Bytes, to format with, 1 or more; a storage that is there keeps its own.
+    std::uint32_t chunkSize = 256;
     Header header = Header::Auto;
 };
 
-/// How far a change may go; all that it does not ask for is refused.
+/// How far a change may go; all that it does not ask for is refused. A plain value. Separate.
 struct ChangeOptions {
     /// A flash that holds no storage is formatted first.
     bool formats = false;
@@ -67,13 +69,13 @@ struct FlashChange {
         Impossible,  ///< the library refuses it: mostly for lack of room
     };
 
-    FlashImage before;
-    FlashImage after;
-    std::vector<FlashWrite> writes; ///< in their order
-    std::vector<SectionChange> sections;
-    std::vector<std::string> lines;   ///< all that becomes of it, for people; below a section its values
-    bool takesAway = false;           ///< afterwards something is gone, or wrong, that was not
-    std::vector<std::string> foreign; ///< what only another camera can have, a line each
+    FlashImage before;                   ///< what the flash held when the change was planned
+    FlashImage after;                    ///< what it is to hold
+    std::vector<FlashWrite> writes;      ///< in their order
+    std::vector<SectionChange> sections; ///< which sections come, go and become others
+    std::vector<std::string> lines;      ///< all that becomes of it, for people; below a section its values
+    bool takesAway = false;              ///< afterwards something is gone, or wrong, that was not
+    std::vector<std::string> foreign;    ///< what only another camera can have, a line each
 
     Obstacle obstacle = Obstacle::None;
     std::optional<Failure> refusal; ///< what apply() throws; none without an obstacle
@@ -84,7 +86,7 @@ struct FlashChange {
     [[nodiscard]] ZENTARA_HOST_API std::uint64_t bytes() const noexcept;
 };
 
-/// What to do around a change.
+/// What to do around a change. A plain value. Separate.
 struct ApplyOptions {
     bool keeps = true;  ///< the bytes of before are kept in a file; without it nothing brings them back
     std::string backup; ///< the file for the bytes of before; a name of its own, with the time, when empty
@@ -143,6 +145,7 @@ public:
     [[nodiscard]] std::string file() const;
     /// Whose flash it is, with the controller that was found; nothing for a file.
     [[nodiscard]] const std::optional<CameraInfo>& owner() const;
+    /// Where the storage lies.
     [[nodiscard]] const FlashArea& area() const;
 
     /// Reads the whole area. What may be garbled on its way is read until it comes twice the same, five times at most.

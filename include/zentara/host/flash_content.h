@@ -16,7 +16,7 @@ namespace Zentara::Host {
 // What a storage holds, without the places where it lies; as JSON and back without loss. Values and functions of
 // values: safe.
 
-/// One section.
+/// One section. A plain value that owns its bytes. Separate.
 struct FlashSection {
     std::uint8_t type = 0;  ///< 1 to 5 have names and records; any other is kept as it is
     std::uint8_t flags = 0; ///< bit 0: writable
@@ -60,11 +60,11 @@ using FlashContent = std::map<std::uint16_t, FlashSection>;
 [[nodiscard]] ZENTARA_HOST_API FlashSection sectionFromJson(const std::string& text,
                                                             const std::string& source, std::uint16_t uid);
 
-/// One section that a change adds, replaces or erases.
+/// One section that a change adds, replaces or erases. A plain value. Separate.
 struct SectionChange {
     enum class Kind { Added, Replaced, Erased };
-    Kind kind;
-    std::uint16_t uid;
+    Kind kind;                       ///< what becomes of it
+    std::uint16_t uid;               ///< which one
     std::string text;                ///< "section 3 (configuration, 39 bytes) is added"
     std::vector<ValueChange> values; ///< of one that is replaced
 

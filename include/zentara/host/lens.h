@@ -24,10 +24,11 @@ enum class DepthAlong {
 /// "axis" or "ray".
 [[nodiscard]] ZENTARA_HOST_API const char* depthAlongName(DepthAlong along) noexcept;
 
-/// A place in a picture, in pixels; (0, 0) is the centre of the upper left pixel.
+/// A place in a picture, in pixels; (0, 0) is the centre of the upper left pixel. It may lie between pixels, and outside
+/// the picture. A plain value. Separate.
 struct PixelPlace {
-    float x = 0;
-    float y = 0;
+    float x = 0; ///< to the right
+    float y = 0; ///< down
 
     friend bool operator==(const PixelPlace&, const PixelPlace&) = default;
 };
@@ -51,6 +52,7 @@ public:
     Lens& operator=(const Lens&);
     ~Lens();
 
+    /// What the constructor was given. Lent as long as a copy of the lens lives, as the owner's name is.
     [[nodiscard]] const CameraIntrinsics& model() const noexcept;
     [[nodiscard]] DepthAlong depthAlong() const noexcept;
     [[nodiscard]] const std::string& owner() const noexcept;

@@ -43,10 +43,10 @@ using ParameterValues = std::map<int, ParameterValue>;
 /// "mm", "us", "MHz"; "-" for none, "?" for one that is not known.
 [[nodiscard]] ZENTARA_HOST_API const char* unitName(UnitType unit) noexcept;
 
-/// Which numbers a parameter takes: from least to greatest, or just some.
+/// Which numbers a parameter takes, in its unit: from least to greatest, or just some. A plain value. Separate.
 struct ZENTARA_HOST_API NumberRange {
-    double least = 0;
-    double greatest = 0;
+    double least = 0;           ///< unless `isList`
+    double greatest = 0;        ///< the same
     double step = 0;            ///< 0: any number between
     std::vector<double> values; ///< just these, where `isList`
     bool isList = false;
@@ -61,12 +61,12 @@ struct ZENTARA_HOST_API NumberRange {
 /// What there is to say of one parameter of a camera. A plain value. Separate.
 struct ZENTARA_HOST_API Parameter {
     int number = 0;
-    std::string name; ///< what the description calls it; may be empty
-    ParameterKind kind = ParameterKind::Float;
+    std::string name;                          ///< what the description calls it; may be empty
+    ParameterKind kind = ParameterKind::Float; ///< which alternative its value is
     bool isSupported = false; ///< false: the camera has none of that number, and the rest says nothing
     bool isReadable = false;
     bool isWritable = false;
-    UnitType unit = UnitType_NONE;
+    UnitType unit = UnitType_NONE;       ///< of value and ranges
     std::optional<ParameterValue> value; ///< none where it cannot be read
     /// Of a number one; of a region four, for x, y, width and height. Empty: the camera does not say, or it is a switch.
     std::vector<NumberRange> ranges;

@@ -15,12 +15,12 @@
 
 namespace Zentara::Host {
 
-/// One of a camera's nodes: what delivers one stream.
+/// One of a camera's nodes: what delivers one stream. A plain value. Separate.
 struct NodeInfo {
-    Kind kind = Kind::Depth;
-    std::string name; ///< for people
-    std::string path; ///< unique while it is plugged in
-    HardwareIDs ids;  ///< vendor, product, revision and interface number
+    Kind kind = Kind::Depth; ///< what it delivers
+    std::string name;        ///< for people
+    std::string path;        ///< unique while it is plugged in
+    HardwareIDs ids;         ///< vendor, product, revision and interface number
 
     friend bool operator==(const NodeInfo&, const NodeInfo&) = default;
 };
@@ -59,19 +59,20 @@ enum class Source {
 /// "none", "camera", "description", "failure" or "unknown".
 [[nodiscard]] ZENTARA_HOST_API const char* sourceName(Source source) noexcept;
 
-/// Where the parts of a camera's calibration come from.
+/// Where the parts of a camera's calibration come from. A plain value. Separate.
 struct Sources {
-    Source lens = Source::None;       ///< the model of the depth pictures
-    Source extrinsics = Source::None; ///< from the depth to the colour camera
-    Source corrections = Source::None;
-    Source accelerometer = Source::None;
-    Source serialNumber = Source::None;
-    std::string failure; ///< why the camera's storage could not be read; empty if it could
+    Source lens = Source::None;          ///< the model of the depth pictures
+    Source extrinsics = Source::None;    ///< from the depth to the colour camera
+    Source corrections = Source::None;   ///< temperature and cyclic error
+    Source accelerometer = Source::None; ///< its calibration
+    Source serialNumber = Source::None;  ///< the one that the node tells
+    std::string failure;                 ///< why the camera's storage could not be read; empty if it could
 
     friend bool operator==(const Sources&, const Sources&) = default;
 };
 
-/// How depth is to be corrected in one camera mode, as the camera or its description gives it.
+/// How depth is to be corrected in one camera mode, as the camera or its description gives it. By which formulas,
+/// `Frame::corrected()` says. A plain value. Separate.
 struct ModeCorrections {
     /// What the temperature's parameters mean.
     enum class Temperature {
@@ -82,17 +83,17 @@ struct ModeCorrections {
     };
 
     Temperature temperature = Temperature::None;
-    std::int32_t temperatureAlgorithm = 0; ///< as the camera has it
-    std::vector<float> temperatureParameters;
+    std::int32_t temperatureAlgorithm = 0;        ///< as the camera has it
+    std::vector<float> temperatureParameters;     ///< in the unit that the kind says
     std::vector<std::int32_t> temperatureSensors; ///< whose readings they apply to, in the parameters' order
-    SensorValueArray calibratedAt;    ///< what the sensors read when the camera was calibrated, degC
-    std::int32_t cyclicAlgorithm = 0; ///< a `CorrectionAlgorithm`; 0: none
-    std::vector<float> cyclicParameters;
+    SensorValueArray calibratedAt;       ///< what the sensors read when the camera was calibrated, degC
+    std::int32_t cyclicAlgorithm = 0;    ///< a `CorrectionAlgorithm`; 0: none
+    std::vector<float> cyclicParameters; ///< of algorithm 1: millimetres
 
     friend bool operator==(const ModeCorrections&, const ModeCorrections&) = default;
 };
 
-/// What is to be corrected in a depth camera's values, as values: it needs no camera any more.
+/// What is to be corrected in a depth camera's values, as values: it needs no camera any more. A plain value. Separate.
 struct Corrections {
     std::array<ModeCorrections, 2> modes; ///< by the number of the camera mode
     std::int16_t phaseDelay = 0;          ///< steps of the camera's phase, in camera mode 0
@@ -104,19 +105,19 @@ struct Corrections {
 /// What belongs to every frame of a stream. Recordings carry it, so that a recorded frame becomes a cloud without its
 /// camera. A plain value. Separate.
 struct StreamInfo {
-    CameraInfo camera;
-    Mode mode;
+    CameraInfo camera;            ///< whose it is
+    Mode mode;                    ///< in which it streams
     float millimetresPerUnit = 1; ///< of a depth value as delivered
     /// Millimetres that a step of raw phase stands for, 65,536 of them to a turn; 0: not known, or none is measured.
     float millimetresPerPhaseStep = 0;
-    DepthAlong depthAlong = DepthAlong::Axis;
-    std::optional<CameraIntrinsics> lens; ///< of this stream's pictures, at the mode's size
+    DepthAlong depthAlong = DepthAlong::Axis; ///< what a depth value is the length of
+    std::optional<CameraIntrinsics> lens;     ///< of this stream's pictures, at the mode's size
     /// From the depth camera to the colour camera, translation in millimetres; the same for both streams.
     std::optional<ExtrinsicParametersInternal> pose;
-    Corrections corrections; ///< of depth; empty for other kinds
-    Source lensSource = Source::None;
-    Source poseSource = Source::None;
-    Source correctionsSource = Source::None;
+    Corrections corrections;                 ///< of depth; empty for other kinds
+    Source lensSource = Source::None;        ///< of the lens, above
+    Source poseSource = Source::None;        ///< of the pose
+    Source correctionsSource = Source::None; ///< of the corrections
     /// Why the camera's storage could not be read, where a source is `Failure`.
     std::string sourceFailure;
 
