@@ -36,17 +36,17 @@ std::string temporaryPath() {
 struct LibraryLog::Impl {
     const std::string path = temporaryPath();
     Utils::Threading::Mutex lock;
-    bool isLogging ZENTARA_GUARDED_BY(lock) = true;
-    std::ifstream file ZENTARA_GUARDED_BY(lock);
+    bool isLogging ZENTARA_GUARDED_BY(lock) = true;     ///< the logger is held; once false it stays so
+    std::ifstream file ZENTARA_GUARDED_BY(lock);        ///< not open where somebody logs already
     std::streamoff readTo ZENTARA_GUARDED_BY(lock) = 0; ///< up to which the file was read
-    std::string text ZENTARA_GUARDED_BY(lock);
+    std::string text ZENTARA_GUARDED_BY(lock);          ///< what was read and not forgotten
 
     void readOn() ZENTARA_REQUIRES(lock) {
         if (!file.is_open())
             return;
         file.clear();
-        file.seekg(
-            readTo); // on Windows a file that was read to its end stays at its end until somebody seeks
+        // On Windows a file that was read to its end stays at its end until somebody seeks.
+        file.seekg(readTo);
         std::array<char, 4096> bytes{};
         do {
             file.read(bytes.data(), bytes.size());
@@ -61,8 +61,8 @@ LibraryLog::LibraryLog(const std::string& program) : impl(std::make_unique<Impl>
         Utils::KVLogger::createInstance(Utils::KVLogLevel_WARNING, program.c_str(), impl->path.c_str()));
     AutoLock hold(impl->lock);
     impl->file.open(pathOf(impl->path), std::ios::binary);
-    std::error_code
-        open; // some systems remove an open file, and it leaves nothing behind if the process crashes
+    // Some systems remove an open file, and it leaves nothing behind if the process crashes.
+    std::error_code open;
     std::filesystem::remove(pathOf(impl->path), open);
 }
 
@@ -100,7 +100,7 @@ std::string LibraryLog::timeoutSince(std::size_t place) const {
         return {};
     const std::size_t from = found + mark.size();
     std::string cause = text.substr(from, text.find('\n', from) - from);
-    if (!cause.empty() && cause.back() == '\r')
+    if (!cause.empty() && cause.back() == '\r') // lines of a text file on Windows
         cause.pop_back();
     return cause;
 }

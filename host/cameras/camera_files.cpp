@@ -43,7 +43,7 @@ Json documentOf(const CameraInfo& camera) {
 /// What a camera gets to see of a calibration, and what comes back when it is read: the marshalled form, read again.
 CalibrationInternal asMarshalled(const CalibrationInternal& calibration) {
     unsigned int size = 0;
-    calibration.marshal(nullptr, &size);
+    calibration.marshal(nullptr, &size); // into nothing: tells how many bytes it takes
     std::vector<unsigned char> bytes(size + 1);
     CalibrationInternal copy;
     if (calibration.marshal(bytes.data(), &size) != 0 || copy.unmarshal(bytes.data(), size) != 0)

@@ -160,6 +160,7 @@ void checkListed(CameraParts& parts, int number) {
 
 } // namespace
 
+// A description that lists none says nothing of them: all that there can be are asked for, then.
 std::vector<int> parameterNumbers(CameraParts& parts) {
     std::vector<int> numbers;
     for (const ParameterType type : Plugin::callPlugin([&] { return parts.store().getParameters(); }))
@@ -173,6 +174,7 @@ std::vector<int> parameterNumbers(CameraParts& parts) {
 
 int parameterNumbered(CameraParts& parts, const std::string& word) {
     int number = -1;
+    // As a number in its plain form alone: "07" may be somebody's name.
     const auto result = std::from_chars(word.data(), word.data() + word.size(), number);
     if (result.ec == std::errc() && word == std::to_string(number) && parameterKind(number))
         return number;
@@ -226,6 +228,7 @@ void setParameter(CameraParts& parts, int number, const ParameterValue& value) {
 }
 
 ParameterValues readValues(CameraParts& parts) {
+    // All at once, as the back-end can: the request of each says by its class which type is wanted, and takes the value.
     IO::ParameterRequestMap state;
     for (const int number : parameterNumbers(parts)) {
         if (accessOf(parts, number) == AccessMode_READ_WRITE)

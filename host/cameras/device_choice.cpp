@@ -79,6 +79,7 @@ std::vector<GUID> registeredPlugins(Core::ImplType type, const char* what) {
     if (guids.empty())
         throw Failure(Failure::NoPlugin,
                       Format("no % plug-in is registered in '%'") % what % Core::getPluginDirectory());
+    // By what people read, so that the order is the same on every machine.
     std::sort(guids.begin(), guids.end(),
               [](const GUID& left, const GUID& right) { return guidText(left) < guidText(right); });
     return guids;

@@ -8,6 +8,7 @@
 namespace Zentara::Host {
 namespace {
 
+// Of what a file or a description says: far beyond any camera, and small enough for all that is worked out with it.
 constexpr int mostFramesPerSecond = 10'000;
 constexpr int mostChannels = 64;
 constexpr int mostSamplesPerSecond = 10'000'000;

@@ -43,6 +43,7 @@ std::string sdkVersion() {
            ZENTARA_SDK_VERSION_PATCH;
 }
 
+// The system limits the length of a name: the stem is cut, never the ending, by which the file is known.
 std::string freeBackupName(const std::string& stem) {
     namespace Name = Utils::Platform::PartName;
     const std::string_view name = Name::stemOf(stem, Name::longestName - longestEnding.size());

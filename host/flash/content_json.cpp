@@ -31,6 +31,7 @@ std::optional<Json> wholeFields(const RecordLayout& layout, const RawRecord& rec
     auto fields = decodeFields(layout, record.data);
     if (!fields || !isPrintable(*fields))
         return std::nullopt;
+    // Made anew and compared: what the fields do not say, such as surplus bytes, would be lost otherwise.
     try {
         if (encodeFields(layout, JsonPlace(*fields)) == record.data)
             return fields;

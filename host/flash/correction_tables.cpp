@@ -29,7 +29,7 @@ std::unique_ptr<ROM::Object> objectOf(const FlashSection& section) {
     constexpr std::size_t overhead = 1024; // headers of the area, the blocks and the section
     FlashArea area;
     area.size = static_cast<std::uint32_t>(section.data.size() + overhead);
-    area.chunkSize = 64;
+    area.chunkSize = 64; // small: the overhead has to do for what is rounded up to chunks
     FlashImage flash(area);
     Storage storage(flash, area);
     ROM::ROM rom(&storage.container);

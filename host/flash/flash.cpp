@@ -68,6 +68,8 @@ std::string Flash::apply(const FlashChange& change, const ApplyOptions& options,
     const std::uint64_t all = written + change.after.bytes().size();
     if (progress && !progress(0, all))
         throw Failure(Failure::Interrupted, "interrupted; nothing was changed");
+    // A file may have been changed by another program since the plan. A camera's flash, which takes long to read, is not asked
+    // for that once more.
     if (!target->isWrittenInPlace() && target->load({}, "").bytes() != change.before.bytes())
         throw Failure(Failure::Busy,
                       name() + " is not as it was when the change was planned; nothing was written");
@@ -82,7 +84,7 @@ std::string Flash::apply(const FlashChange& change, const ApplyOptions& options,
     try {
         target->store(change.writes, progress, all);
         isTouched = true;
-        target->place = change.after.area();
+        target->place = change.after.area(); // a format or a rebuild may have moved the header
         const FlashImage found =
             target->load(progress, "interrupted before all of it was read once more", written);
         if (found.bytes() != change.after.bytes())
@@ -112,6 +114,7 @@ void Flash::backup(const std::string& path, const FlashImage& image) const {
         const std::string text = backupNote(*owner, image.area());
         note = written(*target, backupNoteOf(path), Bytes(text.begin(), text.end()));
     }
+    // The note is whole by now but without its name: it takes that only once there is a backup to tell of.
     keep(path, image.bytes());
     if (note)
         note->commit();

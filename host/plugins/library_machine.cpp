@@ -13,12 +13,13 @@
 namespace Zentara::Host {
 namespace {
 
-constexpr std::size_t headBytes = 4096;
+constexpr std::size_t headBytes = 4096; ///< linkers place the headers well within
 
 struct Machine {
     std::uint32_t number;
     const char* name;
 };
+// By the three formats' own numbers: e_machine, Machine and cputype.
 constexpr Machine elfMachines[]{{3, "x86"},        {8, "MIPS"},    {20, "PowerPC"},  {21, "PowerPC, 64 bits"},
                                 {40, "ARM"},       {62, "x86-64"}, {183, "AArch64"}, {243, "RISC-V"},
                                 {258, "LoongArch"}};
@@ -71,6 +72,7 @@ std::string machineOf(const std::string& path) {
     if (head.begins("\x7F"
                     "ELF"sv))
         return nameOf("Linux", elfMachines, head.number(18, 2, head.number(5, 1) == 2));
+    // The old program in front says where the new header begins.
     if (head.begins("MZ"sv)) {
         const std::size_t start = head.number(0x3C, 4);
         if (head.begins("PE\0\0"sv, start))

@@ -25,8 +25,8 @@ using Utils::Platform::ChildEnd;
 using namespace std::chrono_literals;
 
 constexpr const char* question = "--ask-plugin"; // FILE CHANNEL
-constexpr auto startLimit = 60s;
-constexpr std::size_t atATime = 4;
+constexpr auto startLimit = 60s;   // for the program itself, which a busy machine may take long to load
+constexpr std::size_t atATime = 4; // programs
 
 // A report has a line for each step that begins, "step NUMBER", and when the file is closed again one with what was
 // found, "probe JSON".
@@ -114,6 +114,7 @@ PluginAnswer ask(const PluginQuestions& questions, const std::string& path) {
                       Format("cannot start '%' to ask the plug-ins: %") % program % end.text);
     PluginAnswer answer;
     answer.probe.path = path;
+    // Whoever answered is believed, whatever became of his process; of any other the last step tells where it was.
     for (const std::string& line : Utils::split(report, '\n')) {
         if (line.starts_with(stepMark))
             answer.probe.step =
@@ -154,6 +155,7 @@ std::optional<int> answerPluginQuestion(const std::vector<std::string>& argument
     std::FILE* report = Utils::Platform::openReport(arguments[2]);
     if (report == nullptr)
         return Failure::Usage;
+    // Each step before it is done: what comes of it may be the end of this process.
     const auto tellStep = [report](PluginScanStep step) {
         std::fprintf(report, "%s%d\n", stepMark, static_cast<int>(step));
     };
