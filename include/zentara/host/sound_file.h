@@ -11,7 +11,8 @@
 
 namespace Zentara::Host {
 
-/// Writes sound as a WAV file of PCM samples. The file takes its name with commit(); without one it is removed. Separate.
+/// Writes sound as a WAV file of PCM samples. The file takes its name with commit(); without one it is removed.
+/// Separate.
 class ZENTARA_HOST_API SoundFile final {
 public:
     /// \param mode of the sound: channels, bits and samples a second
@@ -21,7 +22,8 @@ public:
     SoundFile(const SoundFile&) = delete;
     SoundFile& operator=(const SoundFile&) = delete;
 
-    /// Adds the whole samples of a block of that mode. \param most samples a channel that are taken of it \return how many were
+    /// Adds the whole samples of a block of that mode. \param most samples a channel that are taken of it
+    /// \return how many were
     /// \throws Failure (Failed) when it cannot be written
     std::uint64_t add(const Frame& block, std::uint64_t most = UINT64_MAX);
 

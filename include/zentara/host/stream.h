@@ -111,8 +111,8 @@ public:
     [[nodiscard]] std::optional<Frame> latest(std::chrono::milliseconds limit, const GoOn& goOn = {});
 
     /// The next frame if there is one; waits for nothing.
-    /// \return nothing when none has come, and at the end, which state() tells apart; asked for before, for a last frame may come
-    /// between the two
+    /// \return nothing when none has come, and at the end: state() tells that apart, asked before this, for a last frame
+    ///         may come in between
     /// \throws Failure as next() does, but for silence and absence
     [[nodiscard]] std::optional<Frame> poll();
 
