@@ -273,10 +273,9 @@ void StreamSession::finish() {
 
 /// On another thread, while this session's own hangs in a device: what had come stays, as after Ctrl-C.
 void StreamSession::rescue() {
-    const bool any = progress() != 0;
     for (const auto& camera : cameras)
         camera->rescue();
-    if (recording && any)
+    if (recording && recording->frames() != 0)
         recording->commit();
     else if (recording)
         recording->discard();
