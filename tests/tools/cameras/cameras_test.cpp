@@ -87,9 +87,7 @@ TEST_F(Cameras, StreamInTheModeThatIsNamed) {
     } wrong[]{
         {"640x480",
          "LEFT has no mode 640x480; it has DEFF2FR60CM0S0 (320x240@60), DEFF2FR60CM1S0 (320x240@60)"},
-        {"320x240@30", "has no mode 320x240@30"},
         {"320x", "has no mode 320x;"},
-        {"DEFF9", "has no mode deff9"},
         {"COFF2FR60PLF0COMP0", "for color, which is not streamed: say --color"},
         {"320x240,160x120", "320x240 and 160x120 are for the same streams"},
         {"", "is empty"},
