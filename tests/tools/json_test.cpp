@@ -94,7 +94,7 @@ TEST_F(JsonOutput, IsWhatTheDocumentSays) {
     const std::vector<std::pair<const char*, std::vector<std::string>>> rows{
         {"plugins", {"plugins", "--all"}},
         {"devices", {"devices"}},
-        {"devices --watch", {"devices", "--watch", "--seconds", "0.1"}},
+        {"devices --watch", {"devices", "--watch", "--seconds", "1"}},
         {"info", {"info", "VC0258"}},
         {"params list", {"params", "list"}},
         {"params list", {"params", "set", "exposure time=3", "0=50", "--camera", "SIM0570"}},
