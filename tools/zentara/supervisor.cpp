@@ -1,7 +1,6 @@
 #include "tools/zentara/supervisor.h"
 
 #include <cstdio>
-#include <cstdlib>
 #include <exception>
 #include <utility>
 
@@ -11,6 +10,7 @@
 #include "tools/zentara/console.h"
 #include "tools/zentara/interrupt.h"
 #include "tools/zentara/tool_log.h"
+#include "utils/platform/program.h"
 
 namespace Zentara::Tool {
 
@@ -112,7 +112,7 @@ void Supervisor::endProcess(const Host::Failure& why) {
         console.out.flush();
     }
     std::fflush(nullptr);
-    std::_Exit(why.code());
+    Utils::Platform::endProcess(why.code());
 }
 
 std::string Supervisor::doing() const {

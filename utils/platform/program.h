@@ -23,6 +23,10 @@ void reserveStandardStreams() noexcept;
 /// process without a word.
 void failInsteadOfDying() noexcept;
 
+/// Ends the process where it stands, whatever its threads are at: nothing is flushed, no destructor and no library's end
+/// is run. On Windows std::_Exit waits for a thread that sits in the loading of a library; this does not.
+[[noreturn]] void endProcess(int code) noexcept;
+
 /// The system's error numbers that mean a lack of permission.
 std::vector<long> permissionErrors();
 

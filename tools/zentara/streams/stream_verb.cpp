@@ -1,5 +1,4 @@
 #include <cctype>
-#include <cstdlib>
 #include <memory>
 #include <set>
 #include <string>
@@ -14,6 +13,7 @@
 #include "tools/zentara/json_output.h"
 #include "tools/zentara/streams/stream_session.h"
 #include "tools/zentara/verb.h"
+#include "utils/platform/program.h"
 
 namespace Zentara::Tool {
 namespace {
@@ -63,7 +63,7 @@ void readModes(const std::vector<std::string>& words, StreamWishes& wishes) {
 [[noreturn]] void endProcess(Console& console, ExitCode code) {
     console.out.flush();
     console.err.flush();
-    std::_Exit(code);
+    Utils::Platform::endProcess(code);
 }
 
 ExitCode runStream(StreamWishes wishes, const std::vector<std::string>& modes, Console& console) {

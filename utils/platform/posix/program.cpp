@@ -44,6 +44,8 @@ void failInsteadOfDying() noexcept {
     std::signal(SIGPIPE, SIG_IGN);
 }
 
+[[noreturn]] void endProcess(int code) noexcept { std::_Exit(code); }
+
 std::vector<long> permissionErrors() { return {EACCES, EPERM}; }
 
 ResourceUse resourceUse() {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstdlib>
 
 #include <windows.h>
 
@@ -74,6 +75,11 @@ void reserveStandardStreams() noexcept {}
 
 /// Nothing ends a process for that here.
 void failInsteadOfDying() noexcept {}
+
+[[noreturn]] void endProcess(int code) noexcept {
+    TerminateProcess(GetCurrentProcess(), static_cast<UINT>(code));
+    std::abort(); // it does not come back
+}
 
 std::vector<long> permissionErrors() { return {ERROR_ACCESS_DENIED}; }
 
