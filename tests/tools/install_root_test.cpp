@@ -93,7 +93,7 @@ TEST_F(OwnRoot, TellsOfCamerasThatLackSomething) {
     EXPECT_EQ(plain.exitCode, 0) << plain.err;
     EXPECT_TRUE(plain.json().at("calibration").contains("notSupported"));
     EXPECT_TRUE(plain.json().at("rangeMeters").contains("notSupported")) << "the back-end tells it";
-    EXPECT_THAT(other({"info"}).out, HasSubstr("depth values    units of 1 mm, along the pixel's ray\n"));
+    EXPECT_THAT(other({"info"}).out, HasSubstr("depth values    units of 1 mm, along the pixel's ray"));
     EXPECT_THAT(other({"params", "list"}).err, HasSubstr("camera OTHER has no parameters"));
 
     camera["nodes"].erase(0);
