@@ -104,18 +104,19 @@ assert next(stream).depth.any()
 
 
 def test_a_child_of_fork_gets_an_exception_and_keeps_its_frames() -> None:
-    with zentara.open("SIM0570") as camera, camera.depth() as stream:
+    with zentara.open("SIM0570") as camera, camera.flash() as flash, camera.depth() as stream:
         frame = next(stream)
         total = frame.depth.sum()
         pid = os.fork()
         if pid == 0:
             try:
-                calls: List[Callable[[], object]] = [zentara.cameras, stream.next, camera.parameters, camera.close]
+                calls: List[Callable[[], object]] = [zentara.cameras, stream.next, camera.parameters, camera.close,
+                                                     zentara.Watch, camera.frame_sets, flash.load]
                 for call in calls:
                     with pytest.raises(zentara.UsageFailure, match="fork"):
                         call()
                 same = frame.depth.sum() == total
-                del frame, stream, camera
+                del frame, stream, flash, camera
                 os._exit(0 if same else 1)
             except BaseException:
                 os._exit(2)

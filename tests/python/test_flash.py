@@ -81,10 +81,12 @@ def test_images_are_made_surveyed_and_salvaged(tmp_path: pathlib.Path) -> None:
         assert flash.content(flash.load()) == content
 
 
-def test_long_work_ends_when_nobody_wants_it_any_more() -> None:
+def test_long_work_ends_when_nobody_wants_it_any_more(monkeypatch: pytest.MonkeyPatch) -> None:
+    monkeypatch.setenv("ZENTARA_SIMULATED", "hang 4 at send")
     with zentara.open("SIM0570") as camera, camera.flash(write=True) as flash:
-        before = flash.load()
-        change = flash.plan(before, without(flash.content(before), 4))
+        seen: List[Tuple[int, int]] = []
+        before = flash.load(lambda done, every: seen.append((done, every)))
+        assert len(seen) > 1 and seen == sorted(seen) and seen[-1] == (len(before.data),) * 2
 
         def refuse(done: int, every: int) -> bool:
             return False
@@ -99,10 +101,26 @@ def test_long_work_ends_when_nobody_wants_it_any_more() -> None:
             (refuse, zentara.Interrupted), (stumble, ZeroDivisionError), (interrupt, KeyboardInterrupt)]
         for progress, raised in ends:
             with pytest.raises(raised):
-                for _ in range(1000):  # one is often done before it is asked
-                    flash.load(progress)
-        assert numpy.array_equal(flash.load().data, before.data)
-        assert change
+                flash.load(progress)
+
+
+def test_ctrl_c_waits_for_what_is_being_written(tmp_path: pathlib.Path, monkeypatch: pytest.MonkeyPatch) -> None:
+    monkeypatch.setenv("ZENTARA_SIMULATED", "hang 4 at send")
+    with zentara.open("SIM0570") as camera, camera.flash(write=True) as flash:
+        before = flash.load()
+        change = flash.plan(before, without(flash.content(before), 4))
+        writing: List[int] = []
+
+        def interrupt(done: int, every: int) -> None:
+            if done > 0 and not writing:
+                writing.append(done)
+                os.kill(os.getpid(), signal.SIGINT)
+
+        with pytest.raises(KeyboardInterrupt):
+            flash.apply(change, backup=str(tmp_path / "before.bin"), progress=interrupt)
+        assert writing and writing[0] < len(change) + len(before.data)
+        assert numpy.array_equal(flash.load().data, change.after.data)
+        flash.apply(flash.plan_restore(change.after, str(tmp_path / "before.bin")), keeps=False)
 
 
 def test_a_flash_whose_camera_is_closed_raises() -> None:
