@@ -155,7 +155,8 @@ public:
         return ended.wait_for(hold, slice, [this] { return isDone; });
     }
 
-    /// Once it has ended: what came of it.
+    // Once it has ended: what came of it.
+    [[nodiscard]] bool hasFailed() const noexcept { return failure != nullptr; }
     Result take() {
         if (failure)
             std::rethrow_exception(failure);
@@ -228,15 +229,18 @@ auto reporting(const py::object& progress, bool finishes, Work work) {
     const auto job = Detail::Job<decltype(whole)>::start(std::move(whole));
     std::optional<py::error_already_set> raised;
     std::pair<std::uint64_t, std::uint64_t> told{0, 0};
+    const auto tell = [&] {
+        const auto now = errand->howFar();
+        if (raised || progress.is_none() || now == std::exchange(told, now))
+            return;
+        if (progress(now.first, now.second).is(py::bool_(false)))
+            errand->end();
+    };
     Detail::await(*job, [&] {
         try {
             checkSignals();
             tellNotes();
-            if (const auto now = errand->howFar(); !raised && !progress.is_none() && now != told) {
-                told = now;
-                if (progress(now.first, now.second).is(py::bool_(false)))
-                    errand->end();
-            }
+            tell();
         } catch (const py::error_already_set& failure) {
             errand->end();
             if (!finishes || raised)
@@ -247,6 +251,8 @@ auto reporting(const py::object& progress, bool finishes, Work work) {
     if (raised)
         throw py::error_already_set(*raised);
     tellNotes();
+    if (!job->hasFailed())
+        tell();
     return job->take();
 }
 
