@@ -90,8 +90,9 @@ public:
         answer("lens", "lens", [this](const Json& lens) {
             for (const char* kind : {"depth", "color"}) {
                 for (const Json& model : lens[kind]) {
-                    line(std::string(kind) + " lens", wordOf(model["width"]) + "x" + wordOf(model["height"]) +
-                                                          (kind == std::string("depth") ? from("lens") : ""));
+                    line(std::string(kind) + " lens",
+                         wordOf(model["width"]) + "x" + wordOf(model["height"]) +
+                             (kind == std::string("depth") ? from("lens") : ", from the description"));
                     for (const auto* keys : {"fx fy cx cy", "k1 k2 k3 p1 p2"})
                         line("", fields(model, keys) + (keys[0] == 'f' ? "  pixels" : ""));
                 }
