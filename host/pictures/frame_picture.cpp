@@ -19,8 +19,7 @@ Picture pictureOf(const Frame& frame) {
     const char* const mark = !frame.uncorrected().empty()   ? ", not corrected"
                              : !frame.corrections().empty() ? ", corrected"
                                                             : "";
-    const std::string title =
-        Format("Depth, %, frame %") % info.camera.label(Kind::Depth) % (frame.number() + 1);
+    const std::string title = Format("Depth, %, frame %") % info.camera.label(Kind::Depth) % frame.number();
     return colors.explain(colors.paint(frame.depth(), frame.width(), frame.height()), title + mark);
 }
 

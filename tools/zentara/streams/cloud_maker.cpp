@@ -36,7 +36,7 @@ std::string CloudMaker::png() {
     view.ownColors = !cloud.colors().empty();
     return view
         .draw(cloud, Utils::Format("% points of %, frame %") % points %
-                         depth.info().camera.label(Kind::Depth) % (depth.number() + 1))
+                         depth.info().camera.label(Kind::Depth) % depth.number())
         .png();
 }
 
