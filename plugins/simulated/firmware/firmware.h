@@ -35,13 +35,10 @@ public:
     [[nodiscard]] std::optional<std::size_t> length(std::uint32_t selector) const;
     /// The controls that there are.
     [[nodiscard]] std::vector<std::uint32_t> selectors() const;
-    /// False for a control that can only be read.
-    [[nodiscard]] bool canBeSent(std::uint32_t selector) const { return !controls.at(selector).readOnly; }
     /// Whether a packet in a SET is the question of the GET that follows: on a wire where a GET carries nothing to the
     /// camera, it has to come before.
     [[nodiscard]] bool asks(std::uint32_t selector, const Bytes& packet) const {
-        const auto& isQuestion = controls.at(selector).isQuestion;
-        return isQuestion && isQuestion(packet);
+        return controls.at(selector).isQuestion(packet);
     }
     /// A SET; `packet` has the control's length.
     void set(std::uint32_t selector, const Bytes& packet) { controls.at(selector).set(packet); }
@@ -61,8 +58,7 @@ protected:
         std::size_t bytes;
         std::function<void(const Bytes& packet)> set;
         std::function<Bytes(const Bytes& request)> get;
-        bool (*isQuestion)(const Bytes& packet) = nullptr; ///< null where no packet is one
-        bool readOnly = false;
+        std::function<bool(const Bytes& packet)> isQuestion;
     };
     using Controls = std::map<std::uint32_t, Control>; ///< by selector
 

@@ -43,14 +43,15 @@ OV0570Firmware::OV0570Firmware(Settings initial)
           "OV0570", unitGuid, 6,
           {{informationControl,
             {informationBytes, [this](const Bytes&) { stall(*this, "the control information is read-only"); },
-             [this](const Bytes&) { return controlInformation(); }, nullptr, true}},
+             [this](const Bytes&) { return controlInformation(); }, [](const Bytes&) { return true; }}},
            {registerControl,
             {registerBytes, [this](const Bytes& packet) { writeRegister(packet); },
              [this](const Bytes& request) { return readRegister(request); },
              [](const Bytes& packet) { return (packet[0] & 0x80) != 0; }}},
            {eepromControl,
             {1 + pieceBytes, [this](const Bytes& packet) { setEeprom(packet); },
-             [this](const Bytes& request) { return getEeprom(request); }}}}),
+             [this](const Bytes& request) { return getEeprom(request); },
+             [this](const Bytes& packet) { return asksEeprom(packet); }}}}),
       settings(std::move(initial)), memory(settings.flashFile, settings.flash) {
     // The controller says by bits of one register whether the FPGA is ready, the bridge by a pin whether it is out of reset.
     // Values that are queued are read first, one by one, so that both take their time.
@@ -168,6 +169,14 @@ void OV0570Firmware::setEeprom(const Bytes& packet) {
     default:
         stall(*this, "EEPROM code " + std::to_string(packet[0]));
     }
+}
+
+/// A question and a range of nothing look alike; where a range is set already, nobody sets that one.
+bool OV0570Firmware::asksEeprom(const Bytes& packet) const {
+    const bool rangeOfNothing =
+        std::all_of(packet.begin() + 1, packet.begin() + 5, [](std::uint8_t byte) { return byte == 0; });
+    return (packet[0] == 1 && state == EepromState::Ranged && rangeOfNothing) ||
+           (packet[0] == 3 && state == EepromState::Reading);
 }
 
 Bytes OV0570Firmware::getEeprom(const Bytes& request) {

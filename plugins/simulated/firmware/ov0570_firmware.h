@@ -65,6 +65,7 @@ private:
     void writeRegister(const Bytes& packet);
     [[nodiscard]] Bytes readRegister(const Bytes& request);
     void setEeprom(const Bytes& packet);
+    [[nodiscard]] bool asksEeprom(const Bytes& packet) const;
     [[nodiscard]] Bytes getEeprom(const Bytes& request);
     [[nodiscard]] Bytes readFlash();
     void writeFlash(const Bytes& packet);

@@ -7,8 +7,7 @@
 namespace Zentara::Simulated {
 namespace {
 
-constexpr std::uint8_t canBeRead = 1;
-constexpr std::uint8_t canBeSet = 2;
+constexpr std::uint8_t canBeReadAndSet = 3; // also what is only read is asked by a SET
 
 } // namespace
 
@@ -27,7 +26,7 @@ std::optional<Bytes> ExtensionUnit::answer(const Setup& setup, const Bytes& data
     case GetLen:
         return Bytes{static_cast<std::uint8_t>(*bytes), static_cast<std::uint8_t>(*bytes >> 8)};
     case GetInfo:
-        return Bytes{static_cast<std::uint8_t>(canBeRead | (firmware.canBeSent(selector) ? canBeSet : 0))};
+        return Bytes{canBeReadAndSet};
     case GetMin:
     case GetDef:
         return Bytes(*bytes, 0);

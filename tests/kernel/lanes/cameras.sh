@@ -77,7 +77,7 @@ test_units_answer_as_their_controllers_do() {
     local depth
     depth=$(node_of K1 0)
     [ "$($xu "$depth" 6 1 len)" = 4000 ]
-    [ "$($xu "$depth" 6 1 info)" = 01 ] && [ "$($xu "$depth" 6 2 info)" = 03 ]
+    [ "$($xu "$depth" 6 1 info)" = 03 ]
     $xu "$depth" 6 1 get 64 | grep -q '^5a01020304' # the control information, with its version
     # A register of the time-of-flight controller, device 1 on the bus: written, and asked for by a SET before the GET.
     $xu "$depth" 6 2 set 11550034120000
@@ -95,16 +95,6 @@ test_units_answer_as_their_controllers_do() {
     plug K3 2 --camera ZS345 --no-microphone
     $xu "$(node_of K3 0)" 4 5 set a1100077 && $xu "$(node_of K3 0)" 4 5 set a0100000
     [ "$($xu "$(node_of K3 0)" 4 5 get 4)" = a0100077 ]
-}
-
-test_twenty_cycles_of_plugging() {
-    local cycle
-    for cycle in {1..20}; do
-        plug K1 2 --camera plain --no-microphone
-        take "$(node_of K1 2)" 3 "$TMPDIR/z16"
-        same_pictures "$TMPDIR/z16" 3 --coding z16
-        unplug K1
-    done
 }
 
 # Each of the tool's tests is one more of the driver than of the camera; what fails on this driver whatever the camera is listed.
