@@ -101,3 +101,29 @@ same_pictures() {
     shift 2
     "$camera" --pictures "$count" "$@" | cmp - "$file"
 }
+
+# An installation whose descriptions are those of the simulated cameras, told to be reached through the kernel; nothing else is
+# plugged in. The tool is zentara.
+use_real_cameras() {
+    export ZENTARASDK_ROOT=$TMPDIR/root/ ZENTARA_SIMULATED_CAMERAS=$TMPDIR/bus.json
+    local built=$ZENTARA_TREE/build/gcc file
+    mkdir -p "$ZENTARASDK_ROOT/cameras"
+    ln -sfn "$built/bin" "$ZENTARASDK_ROOT/bin"
+    for file in "$built"/cameras/*.json; do
+        sed 's/MOCKVIDEODEVICE_IMPL/V4L2VIDEO_IMPL/; s/MOCKAUDIODEVICE_IMPL/ALSAAUDIO_IMPL/' "$file" >"$ZENTARASDK_ROOT/cameras/${file##*/}"
+    done
+    echo '{ "format": 1, "cameras": [] }' >"$ZENTARA_SIMULATED_CAMERAS"
+}
+zentara() { "$ZENTARASDK_ROOT/bin/zentara" "$@"; }
+
+# taken_pictures FILE BYTES COMPARED OPTION...: the file holds frames of BYTES, of each of which the first COMPARED are one of the
+# pictures of such a camera, whole, and a later one than before. Prints how many were left out.
+taken_pictures() {
+    local file=$1 bytes=$2 compared=$3 reference
+    shift 3
+    reference=$TMPDIR/pictures-${*//[^a-z0-9]/}
+    [ -e "$reference" ] || "$camera" --pictures 120 "$@" >"$reference"
+    python3 "$here/pictures.py" "$file" "$bytes" "$compared" 120 <"$reference"
+}
+
+as_user() { setpriv --reuid=nobody --regid=nogroup --groups="$1" "${@:2}"; }

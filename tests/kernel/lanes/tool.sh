@@ -1,0 +1,68 @@
+# The whole way: from a camera at USB level through the kernel's drivers and the plug-ins to what the tool says and writes.
+
+depth_frame=$((3 * 320 * 240 * 2)) # depth, confidence and phase
+
+test_each_controller_is_driven() {
+    use_real_cameras
+    local row serial model unit
+    for row in 'SIM0570 ZS570' 'SIM0258 ZS258' 'SIM0345 ZS345'; do
+        read -r serial model <<<"$row"
+        plug "$serial" 2 --camera "$model"
+        expect "^$serial .*depth color audio" zentara devices
+        expect "$serial" zentara info --camera "$serial"
+        zentara stream --camera "$serial" --frames 5 --raw "$TMPDIR/raw" --ply "$ZENTARA_JOB/$serial.ply" --png "$ZENTARA_JOB/$serial.png"
+        taken_pictures "$TMPDIR/raw" $depth_frame $((2 * 320 * 240 * 2)) --coding y16
+        [ -s "$ZENTARA_JOB/$serial.ply" ]
+        expect 'all is right' zentara rom verify --camera "$serial"
+        expect '0x2035' zentara reg read --camera "$serial" tof 0x21
+        unplug "$serial"
+    done
+}
+
+test_the_flash_is_read_whole() {
+    use_real_cameras
+    plug SIM0570 2 --camera ZS570 --settings "keepFlash $TMPDIR/kept"
+    zentara firmware dump --camera SIM0570 "$TMPDIR/dump"
+    cmp "$TMPDIR/kept" "$TMPDIR/dump"
+}
+
+test_two_cameras_and_their_sound() {
+    use_real_cameras
+    plug SIM0258 2 --camera ZS258
+    plug PLAIN 2 --camera plain
+    zentara stream --all --color --audio --frames 15 --raw "$TMPDIR/all.raw" --wav "$TMPDIR/all.wav" >"$TMPDIR/said"
+    taken_pictures "$TMPDIR/all.SIM0258.raw" $depth_frame $((2 * 320 * 240 * 2)) --coding y16
+    taken_pictures "$TMPDIR/all.PLAIN.raw" $depth_frame $((320 * 240 * 2)) --coding z16
+    [ "$(stat -c %s "$TMPDIR/all.SIM0258.wav")" -gt 20000 ] && [ "$(stat -c %s "$TMPDIR/all.PLAIN.wav")" -gt 20000 ]
+}
+
+test_twenty_cycles_of_plugging() {
+    use_real_cameras
+    local cycle
+    for cycle in {1..20}; do
+        plug PLAIN 2 --camera plain --no-microphone
+        zentara stream --camera PLAIN --frames 3 --raw "$TMPDIR/raw" >"$TMPDIR/said"
+        taken_pictures "$TMPDIR/raw" $depth_frame $((320 * 240 * 2)) --coding z16
+        unplug PLAIN
+    done
+    refuse 3 . zentara stream --camera PLAIN --frames 3
+}
+
+test_an_ordinary_user_needs_the_groups() {
+    use_real_cameras
+    chmod 755 "$TMPDIR" "$TMPDIR/root"
+    plug PLAIN 2 --camera plain
+    refuse 5 'Permission denied' as_user nogroup "$ZENTARASDK_ROOT/bin/zentara" stream --camera PLAIN --frames 3
+    chgrp video /dev/video* && chmod 660 /dev/video*
+    chgrp audio /dev/snd/* && chmod 660 /dev/snd/*
+    expect 'depth' as_user video,audio "$ZENTARASDK_ROOT/bin/zentara" stream --camera PLAIN --color --audio --frames 3
+}
+
+test_an_unplug_ends_the_stream_and_the_next_one_goes_on() {
+    use_real_cameras
+    plug PLAIN 2 --camera plain --fault 'frame unplug after 20'
+    refuse 3 'was unplugged after [0-9]+ units' zentara stream --camera PLAIN --frames 100
+    unplug PLAIN
+    plug PLAIN 2 --camera plain
+    expect '3 of 3' zentara stream --camera PLAIN --frames 3
+}
