@@ -29,9 +29,11 @@ class LateAnswerTest : public DeviceTest {
 protected:
     /// The operation times out while the device holds still; once the caller's memory is gone, the device does
     /// what it was asked to.
-    template<typename Request, typename Memory, typename Proxy>
-    void answerLate(Proxy& proxy, std::unique_ptr<Memory> memory,
-                    std::function<void(Proxy&, Memory&)> operation, std::function<void(Request&)> answer) {
+    template<typename Request, typename Memory, typename Proxy = VideoProxy>
+    void answerLate(std::unique_ptr<Memory> memory,
+                    std::type_identity_t<std::function<void(Proxy&, Memory&)>> operation,
+                    std::function<void(Request&)> answer, GUID guid = VIDEO_DEVICE) {
+        Proxy proxy(guid, true);
         Gate gate;
         script.onCall = [&](int, deviceRequest* request) {
             gate.pass();
@@ -44,14 +46,6 @@ protected:
         tuning.set(2000, 60000, 10);
         Worker().settle();
         script.onCall = [](int, deviceRequest*) {};
-    }
-
-    template<typename Request, typename Memory>
-    void answerLate(std::unique_ptr<Memory> memory, std::function<void(VideoProxy&, Memory&)> operation,
-                    std::function<void(Request&)> answer) {
-        VideoProxy video(VIDEO_DEVICE, true);
-        answerLate<Request, Memory, VideoProxy>(video, std::move(memory), std::move(operation),
-                                                std::move(answer));
     }
 };
 
@@ -98,6 +92,14 @@ TEST_F(LateAnswerTest, Answers) {
         [](getColorConfigurationsRequest& request) {
             request.getConfigurations().push_back(Utils::makeRefcounted<ColorConfiguration>());
         });
+    using Mode = Utils::SmartPtr<AudioConfiguration>;
+    const auto kept = Utils::makeRefcounted<AudioConfiguration>(1, 2, 3);
+    answerLate<getAudioDefaultConfigurationsRequest, Mode, AudioProxy>(
+        std::make_unique<Mode>(kept),
+        [](AudioProxy& proxy, Mode& mode) { proxy.getDefaultConfiguration(mode); },
+        [](getAudioDefaultConfigurationsRequest& request) { request.getConfiguration()->setChannels(9); },
+        AUDIO_DEVICE);
+    EXPECT_EQ("AUCH1BPS2SR3", kept->getName());
 }
 
 // Nor are the inputs the caller's any more, which it may change as soon as it has its own thread back. A depth mode's
@@ -124,17 +126,6 @@ TEST_F(LateAnswerTest, EnabledDepthMode) {
             EXPECT_EQ(1, dynamic_cast<setIntParameterRequest&>(*commands[0]).getValue());
             EXPECT_EQ(nullptr, commands[1]);
         });
-}
-
-TEST_F(LateAnswerTest, DefaultAudioConfiguration) {
-    using Mode = Utils::SmartPtr<AudioConfiguration>;
-    const auto kept = Utils::makeRefcounted<AudioConfiguration>(1, 2, 3);
-    AudioProxy audio(AUDIO_DEVICE, true);
-    answerLate<getAudioDefaultConfigurationsRequest, Mode, AudioProxy>(
-        audio, std::make_unique<Mode>(kept),
-        [](AudioProxy& proxy, Mode& mode) { proxy.getDefaultConfiguration(mode); },
-        [](getAudioDefaultConfigurationsRequest& request) { request.getConfiguration()->setChannels(9); });
-    EXPECT_EQ("AUCH1BPS2SR3", kept->getName());
 }
 
 // The other way to fail: the device has written half, and then throws.

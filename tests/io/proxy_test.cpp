@@ -15,6 +15,7 @@
 #include <zentara/node_event.h>
 
 #include "io/script.h"
+#include "support/failure.h"
 #include "support/log_capture.h"
 #include "support/own_exceptions.h"
 #include "utils/platform/library_file.h"
@@ -263,13 +264,8 @@ TEST_P(ProxyTest, ADeviceThatOverridesNothingOptionalSaysSo) {
     VideoProxy proxy(BARE_DEVICE, GetParam());
     proxy.pauseStreaming();
     proxy.resumeStreaming();
-    const auto refuses = [](const char* message, auto operation) {
-        try {
-            operation();
-            ADD_FAILURE() << "not thrown: " << message;
-        } catch (const Plugin::NotSupportedPluginException& refusal) {
-            EXPECT_STREQ(message, refusal.what());
-        }
+    const auto refuses = [](const std::string& message, auto operation) {
+        EXPECT_EQ(message, TestSupport::messageOf<Plugin::NotSupportedPluginException>(operation));
     };
     std::uint8_t byte = 0;
     refuses("not supported", [&] { proxy.read(0, 0, 0, &byte, 1); });
@@ -286,25 +282,17 @@ TEST_P(ProxyTest, FailuresKeepKindAndMessage) {
     VideoProxy proxy(VIDEO_DEVICE, GetParam());
     for (int kind = 0; kind <= 8; ++kind) {
         const auto type = Plugin::PluginExceptionType(kind);
-        const auto opened = [&] {
-            try {
-                proxy.open();
-                ADD_FAILURE() << "kind " << kind << " was lost";
-            } catch (const Plugin::PluginException& failure) {
-                EXPECT_EQ(type, failure.type());
-                EXPECT_STREQ("broken", failure.what());
-            }
-        };
-        onRequest([&](deviceRequest&) { Plugin::throwPluginException(type, "broken"); });
-        opened();
-        onRequest([&](deviceRequest& request) { request.setFailure(type, "broken"); });
-        opened();
-        // What is thrown wins.
-        onRequest([&](deviceRequest& request) {
-            request.setFailure(Plugin::PluginExceptionType_STREAMING, "earlier");
-            Plugin::throwPluginException(type, "broken");
-        });
-        opened();
+        const std::function<void(deviceRequest&)> ways[] = {
+            [&](deviceRequest&) { Plugin::throwPluginException(type, "broken"); },
+            [&](deviceRequest& request) { request.setFailure(type, "broken"); },
+            [&](deviceRequest& request) { // what is thrown wins
+                request.setFailure(Plugin::PluginExceptionType_STREAMING, "earlier");
+                Plugin::throwPluginException(type, "broken");
+            }};
+        for (const auto& way : ways) {
+            onRequest(way);
+            EXPECT_EQ(std::to_string(kind) + ": broken", TestSupport::failure([&] { proxy.open(); }));
+        }
     }
     // Kept so: a failure of an unknown kind throws nothing.
     onRequest([](deviceRequest& request) { request.setFailure(Plugin::PluginExceptionType(9), "odd"); });
@@ -315,27 +303,19 @@ TEST_P(ProxyTest, FailuresKeepKindAndMessage) {
 
 TEST_P(ProxyTest, ForeignExceptions) {
     VideoProxy proxy(VIDEO_DEVICE, GetParam());
-    const auto message = [&]() -> std::string {
-        try {
-            proxy.open();
-        } catch (const Plugin::IOPluginException& failure) {
-            return failure.message();
-        }
-        return "no failure";
+    const auto message = [&] {
+        return TestSupport::messageOf<Plugin::IOPluginException>([&] { proxy.open(); });
     };
-    const auto foreign = [](deviceRequest&) { throw std::runtime_error("out of luck"); };
-    const auto strange = [](deviceRequest&) { throw 5; };
-    if (GetParam() == direct) {
-        onRequest(foreign);
+    onRequest([](deviceRequest&) { throw std::runtime_error("out of luck"); });
+    if (GetParam() == direct)
         EXPECT_THROW(proxy.open(), std::runtime_error);
-        onRequest(strange);
-        EXPECT_THROW(proxy.open(), int);
-    } else {
-        onRequest(foreign);
+    else
         EXPECT_EQ("RequestType_OPEN: out of luck", message());
-        onRequest(strange);
+    onRequest([](deviceRequest&) { throw 5; });
+    if (GetParam() == direct)
+        EXPECT_THROW(proxy.open(), int);
+    else
         EXPECT_EQ("RequestType_OPEN: unknown exception", message());
-    }
     script.onCall = [](int, deviceRequest*) {};
     EXPECT_NO_THROW(proxy.open());
 }
@@ -417,19 +397,6 @@ TEST_P(ProxyTest, CallsRunWhereTheyShould) {
 }
 
 // A call of the streaming path must not wait behind a control call.
-TEST_P(ProxyTest, ReadBufferRunsBesideAnotherCall) {
-    VideoProxy proxy(VIDEO_DEVICE, GetParam());
-    Gate gate;
-    onRequest([&](deviceRequest&) { gate.pass(); });
-    std::thread other([&] { proxy.open(); });
-    gate.awaitArrival();
-    std::int64_t timestamp = 0;
-    int length = 0;
-    EXPECT_EQ(77, proxy.readBuffer(nullptr, 0, &timestamp, &length));
-    gate.open();
-    other.join();
-}
-
 // Kept so: preparing a thread takes the audio proxy's mutex and not the video proxy's.
 TEST_F(DeviceTest, ThreadsArePreparedBesideAVideoCallAndAfterAnAudioCall) {
     VideoProxy video(VIDEO_DEVICE, direct);
@@ -442,11 +409,14 @@ TEST_F(DeviceTest, ThreadsArePreparedBesideAVideoCallAndAfterAnAudioCall) {
     };
     std::thread opening([&] { video.open(); });
     gate.awaitArrival();
+    std::int64_t timestamp = 0;
+    int length = 0;
+    EXPECT_EQ(77, video.readBuffer(nullptr, 0, &timestamp, &length));
     video.threadInitialize();
     video.threadUninitialize();
     gate.open();
     opening.join();
-    EXPECT_THAT(script.takeSlots(), ElementsAre(10, 6, 7));
+    EXPECT_THAT(script.takeSlots(), ElementsAre(10, 9, 6, 7));
 
     opening = std::thread([&] { audio.open(); });
     gate.awaitArrival();
@@ -463,13 +433,8 @@ TEST_F(DeviceTest, ThreadsArePreparedBesideAVideoCallAndAfterAnAudioCall) {
 }
 
 TEST_P(ProxyTest, AFailedConstructionHoldsNothing) {
-    const auto construct = [&](GUID guid) -> std::string {
-        try {
-            VideoProxy proxy(guid, GetParam());
-        } catch (const Plugin::PluginException& failure) {
-            return failure.message();
-        }
-        return "constructed";
+    const auto construct = [&](GUID guid) {
+        return TestSupport::messageOf<Plugin::PluginException>([&] { VideoProxy(guid, GetParam()); });
     };
     EXPECT_THAT(construct({}), testing::StartsWith("couldn't find GUID {0,0,0,"));
     EXPECT_EQ("ImplType mismatch", construct(AUDIO_DEVICE));

@@ -50,11 +50,9 @@ private:
 
 /// A function that may be exchanged while a device still runs the former one.
 template<typename Signature>
-class Behaviour;
-template<typename Result, typename... Arguments>
-class Behaviour<Result(Arguments...)> {
+class Behaviour {
 public:
-    using Function = std::function<Result(Arguments...)>;
+    using Function = std::function<Signature>;
 
     explicit Behaviour(Function initial) { *this = std::move(initial); }
     Behaviour& operator=(Function next) {
@@ -62,12 +60,11 @@ public:
         present = std::make_shared<Function>(std::move(next));
         return *this;
     }
-    Result operator()(Arguments... arguments) {
-        std::shared_ptr<Function> called;
-        {
-            const Zentara::Utils::Threading::AutoLock hold(lock);
-            called = present;
-        }
+    template<typename... Arguments>
+    auto operator()(Arguments... arguments) {
+        lock.acquire();
+        const std::shared_ptr<Function> called = present;
+        lock.release();
         return (*called)(arguments...);
     }
 

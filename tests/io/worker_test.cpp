@@ -127,8 +127,11 @@ TEST_F(WorkerTest, ARequestCanBeSubmittedAgain) {
     };
     Gate gate;
     hold(close, gate);
-    auto* const slow = new deviceRequest(device, RequestType_CLOSE);
+    Signal gone;
+    auto* const slow = new TracedRequest(RequestType_CLOSE, gone, device);
     EXPECT_THROW(worker->processRequest(slow, 20), Plugin::TimeoutPluginException);
+    EXPECT_TRUE(slow->getCancelled());
+    EXPECT_FALSE(slow->decrefIfLastRef()) << "the worker has it";
     refused(slow);
     gate.open();
     worker.settle();
@@ -142,8 +145,9 @@ TEST_F(WorkerTest, ARequestCanBeSubmittedAgain) {
     for (int i = 0; i < 2; ++i)
         EXPECT_THROW(worker->processRequest(request.get(), patience), Plugin::IOPluginException);
     EXPECT_EQ(device, request->device());
-    for (deviceRequest* const husk : {slow, failing})
-        static_cast<Utils::Refcounted*>(husk)->decref();
+    static_cast<Utils::Refcounted*>(failing)->decref();
+    slow->drop();
+    EXPECT_TRUE(gone.isSet());
 }
 
 // The reference of a caller who got an exception stays; what the request holds does not.
@@ -225,25 +229,6 @@ TEST_F(WorkerTest, ATimedOutRequestLeavesItsHuskWhenItEnds) {
     EXPECT_EQ(0, script.livingDevices());
 }
 
-TEST_F(WorkerTest, ATimedOutCallKeepsTheWorkersReference) {
-    tuning.set(2000, 60000, 10);
-    Gate gate;
-    Signal gone;
-    AVDeviceInterface* const device = openedDevice();
-    hold(close, gate);
-
-    Worker worker;
-    auto* const request = new TracedRequest(RequestType_CLOSE, gone, device);
-    EXPECT_EQ("processRequest: I/O timeout: RequestType_CLOSE",
-              outcome([&] { worker->processRequest(request, 20); }));
-    gate.awaitArrival();
-    EXPECT_TRUE(request->getCancelled());
-    EXPECT_FALSE(request->decrefIfLastRef());
-    request->drop();
-    gate.open();
-    EXPECT_EQ(0, gone.timedWait(patience));
-}
-
 TEST_F(WorkerTest, TheRealTimeoutIsTwoSeconds) {
     Gate gate;
     hold(open, gate);
@@ -257,30 +242,13 @@ TEST_F(WorkerTest, TheRealTimeoutIsTwoSeconds) {
     EXPECT_NO_THROW(proxy->open());
 }
 
-TEST_F(WorkerTest, WaitingInTheQueueIsNoTimeout) {
-    tuning.set(30, 60000, 10);
-    Gate gate;
-    hold(open, gate);
-    std::thread slow([&] { EXPECT_NE(done, outcome([&] { proxy->open(); })); });
-    gate.awaitArrival();
-    tuning.set(500, 60000, 10); // enough for what starts, whatever else the machine does
-    Signal closed;
-    std::thread behind([&] {
-        EXPECT_EQ(done, outcome([&] { proxy->close(); }));
-        closed.set();
-    });
-    EXPECT_EQ(-1, closed.timedWait(800)) << "its time has not begun";
-    slow.join();
-    gate.open();
-    behind.join();
-    EXPECT_THAT(script.takeSlots(), ElementsAre(open, close));
-}
-
+// Nor does the time run in the queue, even behind a call that nobody waits for any more.
 TEST_F(WorkerTest, SignalsThatWereLeftSetShortenNoWait) {
+    tuning.set(30, 60000, 10);
     AVDeviceInterface* const device = openedDevice();
     Gate gate;
     script.onCall = [&](int, deviceRequest*) { gate.pass(); };
-    std::thread slow([&] { proxy->open(); });
+    std::thread slow([&] { EXPECT_NE(done, outcome([&] { proxy->open(); })); });
     gate.awaitArrival();
     Worker worker;
     const auto request = Utils::makeRefcounted<deviceRequest>(device, RequestType_CLOSE);
@@ -493,7 +461,8 @@ TEST_F(WorkerTest, RequestsBehindTheStopFail) {
     Gate gate;
     script.onCall = [&](int, deviceRequest*) {
         gate.pass();
-        // On its own thread the worker cannot wait for itself to stop, but it will.
+        // On its own thread the worker can wait for no request, nor for itself to stop; but it will stop.
+        EXPECT_THAT(outcome([&] { proxy->close(); }), testing::StartsWith("RequestType_CLOSE: "));
         EXPECT_THROW(worker.exit(), Plugin::InvalidOperationPluginException);
     };
     std::thread a([&] { EXPECT_EQ(done, outcome([&] { proxy->open(); })); });
@@ -512,18 +481,6 @@ TEST_F(WorkerTest, RequestsBehindTheStopFail) {
     // Until now the worker has taken requests only to fail them; the stop request ends that.
     EXPECT_NO_THROW(worker.exit());
     EXPECT_EQ("RequestType_CLOSE: I/O request rejected", outcome([&] { proxy->close(); }));
-    EXPECT_THAT(script.takeSlots(), ElementsAre(open));
-}
-
-TEST_F(WorkerTest, ItsOwnThreadCannotSubmit) {
-    Worker worker;
-    std::string inner;
-    script.onCall = [&](int slot, deviceRequest*) {
-        if (slot == open)
-            inner = outcome([&] { proxy->close(); });
-    };
-    proxy->open();
-    EXPECT_THAT(inner, testing::StartsWith("RequestType_CLOSE: "));
     EXPECT_THAT(script.takeSlots(), ElementsAre(open));
 }
 
