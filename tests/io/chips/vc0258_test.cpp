@@ -169,14 +169,8 @@ TEST_F(VC0258Test, StrobesAreTwoRegistersAndEveryOtherNumberIs27) {
 
 TEST_F(VC0258Test, MetaCodesWriteTheirPairsOrAreRefused) {
     warm();
-    const struct {
-        unsigned code;
-        const char* low;
-        const char* high;
-    } rows[] = {{1000, "0B", "0C"}, {1001, "0D", "0E"}, {1002, "0F", "10"}, {1003, "14", "15"}};
-    for (const auto& row : rows)
-        EXPECT_THAT(command(UVC_TOF_CONTROLLER_REGISTER, row.code, 0x12345678),
-                    ElementsAre(tofWrite(row.low, "78 56"), tofWrite(row.high, "34 12")));
+    expectPairs(camera, tofWrite,
+                {{1000, "0B", "0C"}, {1001, "0D", "0E"}, {1002, "0F", "10"}, {1003, "14", "15"}});
     EXPECT_THAT(command(UVC_TOF_CONTROLLER_REGISTER, 999, 1), ElementsAre(tofWrite("E7", "01 00")));
     camera.port.clearLog();
     const auto refused = [this](unsigned code, unsigned value) {

@@ -62,16 +62,15 @@ TEST_F(VC0345Test, CommandsWriteTheirRegisters) {
 
 TEST_F(VC0345Test, MetaCodesWriteTheirPairsOrAreRefused) {
     warm();
-    const struct {
-        unsigned code;
-        const char* low;
-        const char* high;
-    } rows[] = {{1000, "00", "12"}, {1001, "03", "13"}, {1002, "09", "28"}, {1003, "10", "14"},
-                {1004, "15", "16"}, {1005, "19", "1A"}, {1006, "1C", "1D"}};
-    for (const auto& row : rows)
-        EXPECT_THAT(command(UVC_TOF_CONTROLLER_REGISTER, row.code, 0x12345678),
-                    ElementsAre(std::string("SET 16  41 ") + row.low + " 78 56",
-                                std::string("SET 16  41 ") + row.high + " 34 12"));
+    const auto write = [](std::string reg, std::string value) { return "SET 16  41 " + reg + " " + value; };
+    expectPairs(camera, write,
+                {{1000, "00", "12"},
+                 {1001, "03", "13"},
+                 {1002, "09", "28"},
+                 {1003, "10", "14"},
+                 {1004, "15", "16"},
+                 {1005, "19", "1A"},
+                 {1006, "1C", "1D"}});
     camera.port.clearLog();
     EXPECT_EQ(
         messageOf<ConfigurationPluginException>([&] { camera.run(UVC_TOF_CONTROLLER_REGISTER, 1007, 0); }),

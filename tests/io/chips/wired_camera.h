@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -113,6 +114,16 @@ struct WiredCamera {
     Model& model;
     WiredChip<Chip> chip;
 };
+
+/// Each meta code writes the halves of its value to two registers.
+template<typename Camera, typename Write>
+void expectPairs(Camera& camera, Write write,
+                 const std::vector<std::tuple<unsigned, const char*, const char*>>& codes) {
+    for (const auto& [code, low, high] : codes)
+        EXPECT_THAT(camera.command(UVC_TOF_CONTROLLER_REGISTER, code, 0x12345678),
+                    ElementsAre(write(low, "78 56"), write(high, "34 12")))
+            << code;
+}
 
 using OV0570Camera = WiredCamera<IO::OV0570Impl, Simulated::OV0570Firmware>;
 using VC0258Camera = WiredCamera<IO::VC0258Impl, Simulated::VC0258Firmware>;
