@@ -57,14 +57,14 @@ Frame read(Source& source, std::size_t size = 1 << 20) {
 class CameraHost : public CameraBus {
 public:
     /// The first node of that type; all 0 if there is none.
-    NodeEvent find(NodeType type, const std::string& serialNumber = {}) {
+    NodeEvent find(NodeType type) {
         const auto enumerator = makePlugin<IO::EnumeratorInterface>(Simulated::enumeratorGuid);
         std::vector<NodeEvent> nodes;
         enumerator->initialize(nullptr, nullptr);
         enumerator->enumerate(nodes);
         enumerator->dispose();
         for (const NodeEvent& node : nodes) {
-            if (node.nodeType == type && (serialNumber.empty() || node.serialNumber == serialNumber))
+            if (node.nodeType == type)
                 return node;
         }
         return {};
@@ -76,8 +76,7 @@ template<typename Interface>
 struct HostedNode {
     explicit HostedNode(const NodeEvent& found) : event(found) {
         store->initialize();
-        selected = store->selectNodeDescriptor(event.hardwareIds(), event.profile);
-        if (selected)
+        if (store->selectNodeDescriptor(event.hardwareIds(), event.profile))
             node = makePlugin<Interface>(view().getNodeImplGUID());
     }
     ~HostedNode() {
@@ -95,7 +94,6 @@ struct HostedNode {
     Utils::SmartPtr<Core::DescriptorStoreInterface> store =
         makePlugin<Core::DescriptorStoreInterface>(Cameras::descriptorStoreGuid);
     Utils::SmartPtr<Interface> node;
-    bool selected = false;
 };
 
 } // namespace Zentara::TestSupport

@@ -28,12 +28,7 @@ using Utils::makeRefcounted;
 
 template<typename Operation>
 ErrorCode transfer(Operation operation) {
-    try {
-        operation();
-        return ErrorCode_SUCCESS;
-    } catch (const Plugin::PluginException&) {
-        return ErrorCode_IO;
-    }
+    return failure(operation) == "nothing was thrown" ? ErrorCode_SUCCESS : ErrorCode_IO;
 }
 
 ErrorCode set(void* port, unsigned short unit, unsigned int selector, unsigned char* data,

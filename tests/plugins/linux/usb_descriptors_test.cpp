@@ -67,15 +67,5 @@ TEST(UsbDescriptors, NameWhatIsWrongByItsOffset) {
                 ElementsAre("offset 26: an extension unit with its inputs of 22 bytes; it takes 278"));
 }
 
-TEST(UsbDescriptors, EndWhereverTheyAreCut) {
-    const auto whole =
-        Descriptors().interface(0, 1).input(1).unit(6, 1).output(2, 6).interface(1, 2).format("Z16 ");
-    for (std::size_t length = 0; length < whole.bytes().size(); ++length) {
-        const std::vector<std::uint8_t> part(whole.bytes().begin(),
-                                             whole.bytes().begin() + static_cast<std::ptrdiff_t>(length));
-        EXPECT_LE(readUsbDescriptors(part).units.size(), 1U) << length;
-    }
-}
-
 } // namespace
 } // namespace Zentara::Linux

@@ -46,15 +46,14 @@ TEST(Settings, ComeFromTheEnvironmentOrTheFileItNames) {
     const TestSupport::TemporaryDirectory directory;
     const std::string path = directory.path("faults.txt");
     Utils::writeFile(path, "# tired\r\n\nseed 9 # lucky\n\thang 1 at open; throw\n");
-    const auto complains = [](const std::string& text) {
-        return testing::Throws<Plugin::ConfigurationPluginException>(
-            testing::Property(&Plugin::PluginException::message, HasSubstr(text)));
+    const auto complains = [] {
+        return TestSupport::messageOf<Plugin::ConfigurationPluginException>(
+            [] { (void)Settings::fromEnvironment(); });
     };
     const TestSupport::SimulatedFaults set("@" + path);
-    EXPECT_THAT([] { (void)Settings::fromEnvironment(); },
-                complains(path + ", line 4: unknown operation 'open;'"));
+    EXPECT_THAT(complains(), HasSubstr(path + ", line 4: unknown operation 'open;'"));
     const TestSupport::SimulatedFaults missing("@" + directory.path("nowhere.txt"));
-    EXPECT_THAT([] { (void)Settings::fromEnvironment(); }, complains("nowhere.txt"));
+    EXPECT_THAT(complains(), HasSubstr("nowhere.txt"));
 }
 
 } // namespace

@@ -59,9 +59,6 @@ TEST_P(SimulatedDevice, AnswersEveryOperationInItsState) {
     expect("5: ", "recv:", [&] { camera->recv(1, 2, 1, &byte, false); });
     expect("5: ", "len:", [&] { (void)camera->len(1, 2); });
     expect("5: ", "setup:", [&] { camera->xuSetup(GUID{}); });
-    expect("5: ", "not supported", [&] { camera->read(1, 2, 3, &byte, 1); });
-    expect("5: ", "not supported", [&] { camera->write(1, 2, 3, &byte, 1); });
-    expect("5: ", "not supported", [&] { camera->write(1, &byte, 1); });
 
     camera->disableStreaming(false);
     EXPECT_EQ(read(camera).status, ReadBufferStatus_NOT_STREAMING);
@@ -87,16 +84,12 @@ TEST(DirectVideoDevice, CropsAndLeavesConfidenceAway) {
               ReadBufferStatus_OK);
     EXPECT_EQ(length, static_cast<int>(confidenceOffset));
     std::size_t inside = 0;
-    for (std::size_t index = 0; index < pixelCount; ++index) {
-        const std::size_t x = index % frameWidth;
-        const std::size_t y = index / frameWidth;
-        const bool within = x >= 100 && x < 120 && y >= 50 && y < 60;
-        if (within)
-            inside += depth[index] != 0;
-        else
-            ASSERT_EQ(depth[index], 0) << x << ',' << y;
+    for (std::size_t y = 50; y < 60; ++y) {
+        for (std::size_t x = 100; x < 120; ++x)
+            inside += depth[y * frameWidth + x] != 0;
     }
     EXPECT_GT(inside, 150U);
+    EXPECT_EQ(std::count(depth.begin(), depth.end(), 0), pixelCount - inside) << "nothing else is seen";
 }
 
 TEST(PortTest, ChecksUnitControlAndLengthAndWantsASelection) {
