@@ -1,5 +1,7 @@
 #include <zentara/io/library_parameter_interpreter.h>
 
+#include <algorithm>
+
 #include <zentara/core/plugin_manager.h>
 #include <zentara/core/shared_library.h>
 #include <zentara/io/video_device_proxy.h>
@@ -55,8 +57,9 @@ ErrorCode send(void* context, unsigned short unit, unsigned int selector, unsign
 ErrorCode receive(void* context, unsigned short unit, unsigned int selector, unsigned char* data,
                   unsigned int length) {
     return transfer(data, length, [&] {
+        const bool asks = std::any_of(data, data + length, [](unsigned char byte) { return byte != 0; });
         static_cast<VideoDeviceProxy*>(context)->recv(unit, static_cast<std::int32_t>(selector), length, data,
-                                                      false);
+                                                      !asks);
     });
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <memory>
 
 #include <zentara/io/tof_registers.h>
@@ -17,7 +18,10 @@ public:
     void send(unsigned unit, unsigned long control, unsigned long length, void* data) override {
         make("setting", way.set, unit, control, length, data);
     }
-    void recv(unsigned unit, unsigned long control, unsigned long length, void* data, bool) override {
+    /// A back-end has no flag: bytes that are all 0 ask nothing.
+    void recv(unsigned unit, unsigned long control, unsigned long length, void* data, bool plain) override {
+        if (plain)
+            std::fill_n(static_cast<unsigned char*>(data), length, static_cast<unsigned char>(0));
         make("reading", way.get, unit, control, length, data);
     }
 
