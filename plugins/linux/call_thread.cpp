@@ -104,6 +104,13 @@ struct CallThread::State {
         const AutoLock hold(lock);
         return call.dropped;
     }
+    /// What the call owns goes on the thread as well when it is not made.
+    void drop(const std::shared_ptr<Call>& call) {
+        const AutoLock hold(lock);
+        call->dropped = true;
+        queue.push_back(call);
+        changed.notifyAll();
+    }
     /// \return whether it has come back in time
     [[nodiscard]] bool await(const std::shared_ptr<Call>& call);
 
@@ -199,14 +206,16 @@ bool CallThread::State::await(const std::shared_ptr<Call>& call) {
 
 std::shared_ptr<void> CallThread::finish(const std::string& what, std::function<void()> work,
                                          std::shared_ptr<void> result) {
-    const std::string owed = state->camera->silence();
-    if (!owed.empty())
-        throw Plugin::IOPluginException(Format("%: cannot %: the camera isn't answering; %") % label % what %
-                                        owed);
     const auto call = std::make_shared<Call>();
     call->what = label + ": " + what;
     call->work = std::move(work);
     call->result = std::move(result);
+    const std::string owed = state->camera->silence();
+    if (!owed.empty()) {
+        state->drop(call);
+        throw Plugin::IOPluginException(Format("%: cannot %: the camera isn't answering; %") % label % what %
+                                        owed);
+    }
     call->awaited = true;
     if (!state->await(call))
         throw Plugin::TimeoutPluginException(
