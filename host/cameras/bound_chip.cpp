@@ -81,10 +81,9 @@ BoundChip::~BoundChip() {
     }
 }
 
-void BoundChip::open(const CameraEntry& camera, const std::string& controller) {
-    if (chip())
+void BoundChip::openDevice(const CameraEntry& camera) {
+    if (binding && binding->isOpen)
         return;
-    checkController(controller);
     binding = std::make_shared<Binding>();
     NodeEvent& node = binding->node;
     node = videoNodeOf(camera);
@@ -97,9 +96,17 @@ void BoundChip::open(const CameraEntry& camera, const std::string& controller) {
         device->initialize(&node, &store);
         binding->proxy = std::move(device); // before it opens: close() lets go of it in any case
         binding->proxy->open();
+        binding->isOpen = true;
     });
-    const auto described = [&store] { return Core::controllerNameOf(store); };
-    bind(cameraLabel(node), controller.empty() ? Plugin::callPlugin(described) : controller);
+}
+
+void BoundChip::open(const CameraEntry& camera, const std::string& controller) {
+    if (chip())
+        return;
+    checkController(controller);
+    openDevice(camera);
+    const auto described = [this] { return Core::controllerNameOf(binding->store->view()); };
+    bind(cameraLabel(binding->node), controller.empty() ? Plugin::callPlugin(described) : controller);
 }
 
 void BoundChip::open(const GUID& guid, const std::string& wanted, const std::string& controller) {

@@ -32,6 +32,8 @@ public:
     BoundChip(const BoundChip&) = delete;
     BoundChip& operator=(const BoundChip&) = delete;
 
+    /// Opens the device alone; does nothing when that was done. \throws Failure
+    void openDevice(const CameraEntry& camera);
     /// Opens the device and binds the chip; does nothing when that was done.
     /// \param controller overrules what the description says; empty: that one or, where it says none, what is found out
     /// \throws Failure
@@ -56,6 +58,7 @@ private:
         NodeEvent node;
         std::unique_ptr<CameraStore> store; ///< the device may read it until its end
         std::unique_ptr<IO::VideoDeviceProxy> proxy;
+        bool isOpen = false; ///< the camera's device is
         std::unique_ptr<IO::CameraChip> chip;
     };
     void bind(const std::string& label, const std::string& controller);

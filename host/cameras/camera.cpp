@@ -12,6 +12,7 @@
 
 #include "host/attempt.h"
 #include "host/cameras/camera_parameters.h"
+#include "host/cameras/extension_units.h"
 #include "host/cameras/real_camera.h"
 #include "host/cameras/stream_description.h"
 #include "host/guid_text.h"
@@ -328,6 +329,14 @@ void Camera::reconnectParameters() const {
 IO::CameraChip& Camera::chip(const std::string& controller) const { return *impl->chip(controller); }
 
 IO::VideoDeviceProxy& Camera::device() const { return impl->device(); }
+
+std::vector<ExtensionUnit> Camera::extensionUnits() const {
+    const std::string what = "list the extension units of " + info().label();
+    return impl->real(what).ask(what, [](CameraParts& parts) {
+        parts.chip().openDevice(parts.entry());
+        return readExtensionUnits(*parts.chip().device());
+    });
+}
 
 void Camera::watchTransfers(IO::ChipListener listener) const { impl->watchTransfers(std::move(listener)); }
 

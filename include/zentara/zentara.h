@@ -57,6 +57,7 @@
 #include <zentara/io/chip_clock.h>
 #include <zentara/io/device_request.h>
 #include <zentara/io/enumerator_interface.h>
+#include <zentara/io/extension_unit_query.h>
 #include <zentara/io/gpio_requests.h>
 #include <zentara/io/hardware_requests.h>
 #include <zentara/io/i2c_requests.h>

@@ -6,6 +6,7 @@
 #include <optional>
 #include <utility>
 
+#include <zentara/io/extension_unit_query.h>
 #include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/utils/clock.h>
 #include <zentara/utils/format.h>
@@ -78,6 +79,33 @@ void Port::get(std::uint32_t unit, std::uint32_t control, void* data, std::size_
 int Port::length(std::uint32_t unit, std::uint32_t control) {
     const AutoLock lock(mutex);
     return static_cast<int>(checkControl(unit, control));
+}
+
+std::optional<Bytes> Port::describe(std::uint32_t unit, std::uint32_t control) const {
+    const AutoLock lock(mutex);
+    if (unit == IO::extensionUnitList) {
+        IO::ExtensionUnitEntry own{static_cast<std::uint8_t>(firmware->unit()), firmware->guid(), {}};
+        for (const std::uint32_t selector : firmware->selectors())
+            own.selectors.push_back(static_cast<std::uint8_t>(selector));
+        Bytes list;
+        IO::appendExtensionUnit(list, own);
+        return list;
+    }
+    const std::uint32_t selector = control & 0xFF;
+    switch (static_cast<std::int32_t>(control - selector)) {
+    case IO::ExtensionUnitQuery_MINIMUM:
+    case IO::ExtensionUnitQuery_DEFAULT:
+        return Bytes(checkControl(unit, selector), 0);
+    case IO::ExtensionUnitQuery_MAXIMUM:
+        return Bytes(checkControl(unit, selector), 0xFF);
+    case IO::ExtensionUnitQuery_STEP:
+        return Bytes(checkControl(unit, selector), 1);
+    case IO::ExtensionUnitQuery_ABILITIES:
+        static_cast<void>(checkControl(unit, selector));
+        return Bytes{static_cast<std::uint8_t>(firmware->canBeSent(selector) ? 3 : 1)};
+    default:
+        return std::nullopt;
+    }
 }
 
 void Port::addFault(std::uint32_t transfer, Fault::Kind kind, std::uint32_t hangMillis) {

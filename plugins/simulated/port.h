@@ -34,6 +34,10 @@ public:
     void get(std::uint32_t unit, std::uint32_t control, void* data, std::size_t length);
     /// Bytes of the control. \throws IOPluginException for one that is not there.
     [[nodiscard]] int length(std::uint32_t unit, std::uint32_t control);
+
+    /// What the camera tells of its units and controls beside their values, as `IO::ExtensionUnitQuery` asks for it;
+    /// nothing for a value. \throws Plugin::IOPluginException for a control that isn't there
+    [[nodiscard]] std::optional<Bytes> describe(std::uint32_t unit, std::uint32_t control) const;
     /// Ends a transfer that hangs. False when none did.
     bool cancel() { return faults->cancel(); }
 

@@ -239,14 +239,25 @@ void SimulatedVideoDevice::send(IO::xuSendRequest* request) {
 void SimulatedVideoDevice::recv(IO::xuRecvRequest* request) {
     meet(Operation::Recv, request);
     const PendingRequest pending(request);
-    requirePort(Operation::Recv)
-        ->get(request->getUnit(), static_cast<std::uint32_t>(request->getControl()), request->getData(),
-              request->getLength());
+    const auto control = static_cast<std::uint32_t>(request->getControl());
+    const std::shared_ptr<Port> own = requirePort(Operation::Recv);
+    const std::optional<Bytes> told = own->describe(request->getUnit(), control);
+    if (!told) {
+        own->get(request->getUnit(), control, request->getData(), request->getLength());
+        return;
+    }
+    if (told->size() != request->getLength())
+        throw ArgumentPluginException(Format("recv: there are % bytes to get, not %") %
+                                      static_cast<unsigned>(told->size()) % request->getLength());
+    std::copy(told->begin(), told->end(), static_cast<std::uint8_t*>(request->getData()));
 }
 
 void SimulatedVideoDevice::len(IO::xuLenRequest* request) {
     meet(Operation::Len, request);
-    *request->getResult() = requirePort(Operation::Len)->length(request->getUnit(), request->getControl());
+    const std::shared_ptr<Port> own = requirePort(Operation::Len);
+    const std::optional<Bytes> told = own->describe(request->getUnit(), request->getControl());
+    *request->getResult() =
+        told ? static_cast<int>(told->size()) : own->length(request->getUnit(), request->getControl());
 }
 
 void SimulatedVideoDevice::xuSetup(IO::xuSetupRequest* request) {

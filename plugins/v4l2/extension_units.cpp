@@ -4,6 +4,7 @@
 #include <linux/usb/video.h>
 #include <linux/uvcvideo.h>
 
+#include <zentara/io/extension_unit_query.h>
 #include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/utils/format.h>
 
@@ -96,6 +97,14 @@ void ExtensionUnits::select(const GUID& guid) {
             Format("%: the camera has no extension unit with that identifier; it has %") % file->path() %
             static_cast<unsigned>(camera.units.size()));
     selected = found;
+}
+
+ExtensionUnits::Bytes ExtensionUnits::list() const {
+    requireUnits();
+    Bytes bytes;
+    for (const Linux::UsbExtensionUnit& unit : camera.units)
+        IO::appendExtensionUnit(bytes, {unit.unit, unit.guid, unit.selectors});
+    return bytes;
 }
 
 /// The unit that a host means: one that speaks of a controller's usual number means the unit that it chose.

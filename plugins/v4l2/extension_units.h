@@ -38,8 +38,8 @@ public:
     [[nodiscard]] Bytes get(std::uint32_t unit, std::uint32_t selector, std::size_t count,
                             std::uint8_t query);
 
-    /// What the camera says of itself; empty for one that is not on USB.
-    [[nodiscard]] const Bytes& descriptors() const noexcept { return described; }
+    /// All units, as a host receives them.
+    [[nodiscard]] Bytes list() const;
 
 private:
     using Control = std::pair<std::uint32_t, std::uint32_t>; ///< unit and selector

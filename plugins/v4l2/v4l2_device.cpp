@@ -11,6 +11,7 @@
 #include <zentara/core/guids.h>
 #include <zentara/depth_base_configuration.h>
 #include <zentara/io/camera_control_requests.h>
+#include <zentara/io/extension_unit_query.h>
 #include <zentara/io/streaming_requests.h>
 #include <zentara/io/transfer_requests.h>
 #include <zentara/io/xu_device_requests.h>
@@ -329,7 +330,10 @@ void V4l2Device::len(IO::xuLenRequest* request) {
     *request->getResult() =
         call(request, "ask for the length of a control",
              [own = requireNode("ask for the length of a control"), unit = request->getUnit(),
-              control = request->getControl()] { return own->units->length(unit, control); });
+              control = request->getControl()]() -> std::int32_t {
+                 return unit == IO::extensionUnitList ? static_cast<std::int32_t>(own->units->list().size())
+                                                      : own->units->length(unit, control);
+             });
 }
 
 void V4l2Device::send(IO::xuSendRequest* request) {
@@ -344,16 +348,22 @@ void V4l2Device::send(IO::xuSendRequest* request) {
 
 void V4l2Device::recv(IO::xuRecvRequest* request) {
     auto* const first = static_cast<std::uint8_t*>(request->getData());
-    const std::uint32_t length = request->getLength();
-    const auto answer =
-        call(request, Format("get control % of unit %") % request->getControl() % request->getUnit(),
-             [own = requireNode("get a control"), unit = request->getUnit(), plain = request->getFlag(),
-              control = static_cast<std::uint32_t>(request->getControl()),
-              question = ExtensionUnits::Bytes(first, first + length)] {
-                 if (!plain)
-                     own->units->set(unit, control, question);
-                 return own->units->get(unit, control, question.size(), UVC_GET_CUR);
-             });
+    const auto wanted = static_cast<std::uint32_t>(request->getControl());
+    const std::uint32_t control = wanted & 0xFF;
+    const auto query = static_cast<std::uint8_t>(wanted >> 8 == 0 ? UVC_GET_CUR : wanted >> 8);
+    const auto answer = call(request, Format("get control % of unit %") % control % request->getUnit(),
+                             [own = requireNode("get a control"), unit = request->getUnit(), control, query,
+                              plain = request->getFlag() || query != UVC_GET_CUR,
+                              question = ExtensionUnits::Bytes(first, first + request->getLength())] {
+                                 if (unit == IO::extensionUnitList)
+                                     return own->units->list();
+                                 if (!plain)
+                                     own->units->set(unit, control, question);
+                                 return own->units->get(unit, control, question.size(), query);
+                             });
+    if (answer.size() != request->getLength())
+        throw ArgumentPluginException(Format("%: there are % bytes to get, not %") % path %
+                                      static_cast<unsigned>(answer.size()) % request->getLength());
     std::copy(answer.begin(), answer.end(), first);
 }
 

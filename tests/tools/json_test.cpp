@@ -109,6 +109,7 @@ TEST_F(JsonOutput, IsWhatTheDocumentSays) {
         {"stream", {"stream", "--frames", "2", "--direct"}},
         {"reg read", {"reg", "read", "tof", "5", "--trace"}},
         {"i2c read", {"i2c", "read", "0x23", "0x21", "--camera", "VC0258"}},
+        {"xu list", {"xu", "list"}},
         {"xu get", {"xu", "len", "2", "--direct"}},
         {"meta", {"meta", "1000", "1", "--camera", "SIM0570"}},
         {"modfreq", {"modfreq", "20", "--camera", "SIM0570"}},

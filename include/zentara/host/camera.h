@@ -13,6 +13,7 @@
 #include <zentara/diagnostic_data.h>
 #include <zentara/hardware_version_internal.h>
 #include <zentara/host/export.h>
+#include <zentara/host/extension_unit.h>
 #include <zentara/host/lens.h>
 #include <zentara/host/mode.h>
 #include <zentara/host/parameter.h>
@@ -196,6 +197,11 @@ public:
 
     /// The video device that chip() talks through.
     [[nodiscard]] IO::VideoDeviceProxy& device() const;
+
+    /// The extension units that the camera's descriptors tell of, with what each control is and can; a camera need not
+    /// have a controller that is known. Asks the device about each control.
+    /// \throws Failure, Unsupported for a device that has no list of them
+    [[nodiscard]] std::vector<ExtensionUnit> extensionUnits() const;
 
     /// Its flash, to be read; <zentara/host/flash.h>, where Flash::camera() opens it to write as well.
     [[nodiscard]] Flash flash() const;

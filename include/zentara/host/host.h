@@ -12,6 +12,7 @@
 #include <zentara/host/color_map.h>
 #include <zentara/host/correction_tables.h>
 #include <zentara/host/export.h>
+#include <zentara/host/extension_unit.h>
 #include <zentara/host/failure.h>
 #include <zentara/host/flash.h>
 #include <zentara/host/flash_content.h>

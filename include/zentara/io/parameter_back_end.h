@@ -22,7 +22,8 @@ namespace Zentara::IO::BackEnd {
 
 /// An extension-unit SET or GET on the camera that `context` stands for. Returns once the transfer has ended.
 /// \param unit the unit's number on the camera \param selector of the control in it
-/// \param data `length` bytes, the caller's; a GET's are part of the question, and are overwritten by the answer
+/// \param data `length` bytes, the caller's; a GET's are part of the question unless all are 0, and are
+///        overwritten by the answer
 using Transfer = ErrorCode(void* context, unsigned short unit, unsigned int selector, unsigned char* data,
                            unsigned int length);
 

@@ -17,6 +17,7 @@ using Simulated::Bytes;
 using Simulated::factoryFlash;
 using Simulated::patternFlash;
 using testing::HasSubstr;
+using testing::StartsWith;
 using TestSupport::SimulatedFaults;
 
 class ChipVerbs : public ToolTest {
@@ -78,6 +79,9 @@ TEST_F(ChipVerbs, ReadAndWriteWhatTheyName) {
     EXPECT_EQ(out({"i2c", "read", "0x23", "0x21", "--camera", "VC0258"}), "0x2035\n");
     EXPECT_EQ(out({"i2c", "write", "0x30", "1", "7", "--bytes", "1", "--camera", "VC0258"}),
               "I2C device 0x30 register 0x01 := 0x07\n");
+    EXPECT_THAT(out({"xu", "list"}),
+                StartsWith("unit 6  DD880F8A-1CBA-4954-8A25-F7875967F0F7\n"
+                           "  control 1  64 bytes  get  minimum 00 ...  maximum FF ..."));
     EXPECT_EQ(out({"xu", "len", "16", "--camera", "VC0258"}), "9\n");
     EXPECT_EQ(out({"xu", "get", "2", "91 21"}), "91 21 00 35 20 00 00\n");
     EXPECT_EQ(out({"xu", "set", "4", "20:39:B4:01", "--camera", "VC0258"}), "control 4 := 20 39 B4 01\n");

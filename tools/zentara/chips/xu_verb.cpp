@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <memory>
 
 #include <CLI/CLI.hpp>
@@ -6,6 +7,7 @@
 #include <zentara/io/video_device_proxy.h>
 #include <zentara/utils/format.h>
 
+#include "tools/zentara/cameras/camera_session.h"
 #include "tools/zentara/chips/chip_session.h"
 
 namespace Zentara::Tool {
@@ -73,7 +75,8 @@ ExitCode runXuGet(const XuOptions& options, Console& console) {
     Bytes packet = packetOf(session, options);
     attempt(Format("get control %") % options.control, [&] {
         session.chip().wire().recv(session.chip().unit(), options.control,
-                                   static_cast<unsigned long>(packet.size()), packet.data(), options.flag);
+                                   static_cast<unsigned long>(packet.size()), packet.data(),
+                                   options.flag || options.bytes.empty());
     });
     Json result = resultOf(session, options);
     result["bytes"] = IO::bytesText(packet);
@@ -95,6 +98,65 @@ ExitCode runXuSet(XuOptions options, Console& console) {
     return Failure::None;
 }
 
+/// What a control may tell of its values, and by which name.
+std::vector<std::pair<const char*, const Bytes*>> limitsOf(const ExtensionControl& control) {
+    std::vector<std::pair<const char*, const Bytes*>> limits{{"minimum", &control.minimum},
+                                                             {"maximum", &control.maximum},
+                                                             {"step", &control.step},
+                                                             {"default", &control.standard}};
+    std::erase_if(limits, [](const auto& limit) { return limit.second->empty(); });
+    return limits;
+}
+
+/// Bytes that are all the same as one of them.
+std::string shortBytes(const Bytes& bytes) {
+    const auto same = std::count(bytes.begin(), bytes.end(), bytes.front());
+    return static_cast<std::size_t>(same) == bytes.size() && same > 4
+               ? IO::bytesText({bytes.front()}) + " ..."
+               : IO::bytesText(bytes);
+}
+
+std::string textOf(const ExtensionUnit& unit) {
+    std::string text = Format("unit %  %\n") % unit.number % unit.guidText();
+    for (const ExtensionControl& control : unit.controls) {
+        text += Format("  control %  % bytes ") % control.selector % control.length;
+        text += std::string(control.canGet ? " get" : "") + (control.canSet ? " set" : "");
+        for (const auto& [name, bytes] : limitsOf(control))
+            text += std::string("  ") + name + " " + shortBytes(*bytes);
+        text += (control.failure.empty() ? "" : "  " + control.failure) + "\n";
+    }
+    return text;
+}
+
+Json jsonOf(const ExtensionUnit& unit) {
+    Json json{{"unit", unit.number}, {"guid", unit.guidText()}, {"controls", Json::array()}};
+    for (const ExtensionControl& control : unit.controls) {
+        Json told{{"control", control.selector},
+                  {"length", control.length},
+                  {"get", control.canGet},
+                  {"set", control.canSet}};
+        for (const auto& [name, bytes] : limitsOf(control))
+            told[name] = IO::bytesText(*bytes);
+        if (!control.failure.empty())
+            told["failure"] = control.failure;
+        json["controls"].push_back(std::move(told));
+    }
+    return json;
+}
+
+ExitCode runXuList(const CameraOptions& options, Console& console) {
+    return withCamera(options, console, [](CameraSession& session) {
+        Json result{{"units", Json::array()}};
+        std::string text;
+        for (const ExtensionUnit& unit : session.camera().extensionUnits()) {
+            result["units"].push_back(jsonOf(unit));
+            text += textOf(unit);
+        }
+        session.finish(result, text.empty() ? "the camera has no extension units\n" : text);
+        return Failure::None;
+    });
+}
+
 CLI::App* addAction(CLI::App& command, const char* name, const char* text, XuOptions& options) {
     CLI::App* action = command.add_subcommand(name, text);
     action->add_option("CONTROL", options.control, "The control's selector")
@@ -113,11 +175,18 @@ Verb addXuVerb(CLI::App& program) {
     command->require_subcommand(1);
     CLI::App* get = addAction(*command, "get", "Prints a control's bytes", *options);
     get->add_option("BYTES", options->bytes, "What to ask with, as pairs of digits; the rest is zeros");
-    get->add_flag("--flag", options->flag, "Receive with the device's flag set");
+    get->add_flag("--flag", options->flag,
+                  "Receive with the device's flag set: BYTES ask nothing; so without BYTES");
     CLI::App* set = addAction(*command, "set", "Sets a control", *options);
     set->add_option("BYTES", options->bytes, "The packet, as pairs of digits; the rest is zeros")->required();
+    auto listed = std::make_shared<CameraOptions>();
+    CLI::App* list =
+        command->add_subcommand("list", "Prints the camera's extension units: controls, lengths, limits");
+    addCameraOptions(*list, *listed);
     CLI::App* len = addAction(*command, "len", "Prints how many bytes a control has", *options);
-    return {command, [options, get, len](Console& console) {
+    return {command, [options, listed, get, list, len](Console& console) {
+                if (list->parsed())
+                    return runXuList(*listed, console);
                 return len->parsed()
                            ? runLen(*options, console)
                            : (get->parsed() ? runXuGet(*options, console) : runXuSet(*options, console));
