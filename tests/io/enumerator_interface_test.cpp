@@ -1,24 +1,21 @@
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <zentara/io/enumerator_interface.h>
-#include <zentara/utils/signal.h>
 
 #include "core/nodes/record_store.h"
-#include "io/script.h"
 
 namespace Testing {
 namespace {
 
 using namespace Zentara;
 using Utils::Collection::Queue;
-using Utils::Threading::Signal;
 
 constexpr GUID ENUMERATOR = {0x10000007, 1, 2, {1, 2, 3, 4, 5, 6, 7, 8}};
 
-/// Puts one event into the queue and waits to be told to end.
-class OneEvent : public IO::EnumeratorInterface {
+/// Shows what back-ends are given.
+class OpenEnumerator : public IO::EnumeratorInterface {
 public:
-    OneEvent() : EnumeratorInterface(ENUMERATOR) {}
+    OpenEnumerator() : EnumeratorInterface(ENUMERATOR) {}
 
     using EnumeratorInterface::fillEvent;
     using EnumeratorInterface::getNodeFlags;
@@ -27,57 +24,9 @@ public:
 
     void enumerate(std::vector<NodeEvent>& nodes) override { nodes.clear(); }
     bool isPresent(const NodeEvent&) override { return false; }
-    std::string getBackendName() override { return "one event"; }
-
-    void* run(void*) override {
-        ++runs;
-        getEventQueue()->push({ExternalEventType_NODE_ARRIVED, {}, runs});
-        while (!exitRequested())
-            wake.wait();
-        return nullptr;
-    }
-    void exit() override {
-        EnumeratorInterface::exit();
-        wake.set();
-    }
-
-    std::int64_t runs = 0;
-
-private:
-    Signal wake;
+    std::string getBackendName() override { return "open"; }
+    void* run(void*) override { return nullptr; }
 };
-
-class EnumeratorTest : public testing::Test {
-protected:
-    std::int64_t nextEvent() {
-        ExternalEvent event;
-        EXPECT_TRUE(events.timedPop(event, patience));
-        return event.timeMicros;
-    }
-
-    Queue<ExternalEvent> events;
-    OneEvent enumerator;
-};
-
-TEST_F(EnumeratorTest, AFinishedThreadIsReplaced) {
-    for (int run = 1; run <= 3; ++run) {
-        enumerator.initialize(&events, nullptr);
-        enumerator.execute();
-        EXPECT_EQ(run, nextEvent());
-        enumerator.dispose();
-    }
-    // One that has ended by itself as well; as long as it has not, nothing happens.
-    enumerator.initialize(&events, nullptr);
-    enumerator.execute();
-    EXPECT_EQ(4, nextEvent());
-    enumerator.exit();
-    ExternalEvent event;
-    do
-        enumerator.execute();
-    while (!events.timedPop(event, 1));
-    EXPECT_EQ(5, event.timeMicros);
-    enumerator.dispose();
-}
 
 /// Knows one node, whose product is 5.
 class OneNode : public RecordStore {
@@ -88,7 +37,9 @@ public:
     NodeType type = NodeType_NONE;
 };
 
-TEST_F(EnumeratorTest, DescribesTheSelectedNode) {
+TEST(EnumeratorTest, DescribesTheSelectedNode) {
+    Queue<ExternalEvent> events;
+    OpenEnumerator enumerator;
     OneNode store;
     Core::NodeDescriptor& node = store.node.emplace();
     node.hardwareIds = {1, 5, 3, 4};

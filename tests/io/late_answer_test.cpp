@@ -21,6 +21,7 @@ namespace {
 using namespace Zentara;
 using namespace Zentara::IO;
 
+using Bytes = std::vector<std::uint8_t>;
 constexpr std::size_t size = 4096;
 
 /// Devices that answer when their callers have gone and the callers' memory with them. What they touch is found out
@@ -47,38 +48,37 @@ protected:
         Worker().settle();
         script.onCall = [](int, deviceRequest*) {};
     }
+
+    /// With bytes, all of which are 1.
+    template<typename Request>
+    void transferLate(std::function<void(VideoProxy&, Bytes&)> operation,
+                      std::function<void(Request&)> answer) {
+        answerLate<Request, Bytes>(std::make_unique<Bytes>(size, std::uint8_t{1}), std::move(operation),
+                                   std::move(answer));
+    }
 };
 
-using Bytes = std::vector<std::uint8_t>;
-
-std::unique_ptr<Bytes> bytes() { return std::make_unique<Bytes>(size, std::uint8_t{1}); }
-
 TEST_F(LateAnswerTest, Transfers) {
-    answerLate<xuRecvRequest, Bytes>(
-        bytes(), [](VideoProxy& proxy, Bytes& buffer) { proxy.recv(1, 2, size, buffer.data(), false); },
-        [](xuRecvRequest& request) { std::memset(request.getData(), 2, request.getLength()); });
-    answerLate<xuSendRequest, Bytes>(
-        bytes(), [](VideoProxy& proxy, Bytes& buffer) { proxy.send(1, 2, size, buffer.data()); },
-        [](xuSendRequest& request) {
-            EXPECT_EQ(1, static_cast<const std::uint8_t*>(request.getData())[size - 1]);
-        });
-    answerLate<xuLenRequest, Bytes>(
-        bytes(), [](VideoProxy& proxy, Bytes&) { static_cast<void>(proxy.len(1, 2)); },
-        [](xuLenRequest& request) { *request.getResult() = 5; });
-    answerLate<xuSetupRequest, GUID>(
-        std::make_unique<GUID>(AUDIO_DEVICE), [](VideoProxy& proxy, GUID& guid) { proxy.xuSetup(guid); },
-        [](xuSetupRequest& request) { EXPECT_TRUE(guidEquals(AUDIO_DEVICE, request.getGUID())); });
-    answerLate<readControlTransferRequest, Bytes>(
-        bytes(), [](VideoProxy& proxy, Bytes& buffer) { proxy.read(1, 2, 3, buffer.data(), size); },
-        [](readControlTransferRequest& request) {
-            std::memset(request.getBuffer(), 2, request.getLength());
-        });
-    answerLate<writeControlTransferRequest, Bytes>(
-        bytes(), [](VideoProxy& proxy, Bytes& buffer) { proxy.write(1, 2, 3, buffer.data(), size); },
-        [](writeControlTransferRequest& request) { EXPECT_EQ(1, request.getBuffer()[size - 1]); });
-    answerLate<writeBulkTransferRequest, Bytes>(
-        bytes(), [](VideoProxy& proxy, Bytes& buffer) { proxy.write(1, buffer.data(), size); },
-        [](writeBulkTransferRequest& request) { EXPECT_EQ(1, request.getData()[size - 1]); });
+    transferLate<xuRecvRequest>(
+        [](auto& proxy, auto& buffer) { proxy.recv(1, 2, size, buffer.data(), false); },
+        [](auto& request) { std::memset(request.getData(), 2, request.getLength()); });
+    transferLate<xuSendRequest>(
+        [](auto& proxy, auto& buffer) { proxy.send(1, 2, size, buffer.data()); },
+        [](auto& request) { EXPECT_EQ(1, static_cast<const std::uint8_t*>(request.getData())[size - 1]); });
+    transferLate<xuLenRequest>([](auto& proxy, auto&) { static_cast<void>(proxy.len(1, 2)); },
+                               [](auto& request) { *request.getResult() = 5; });
+    transferLate<readControlTransferRequest>(
+        [](auto& proxy, auto& buffer) { proxy.read(1, 2, 3, buffer.data(), size); },
+        [](auto& request) { std::memset(request.getBuffer(), 2, request.getLength()); });
+    transferLate<writeControlTransferRequest>(
+        [](auto& proxy, auto& buffer) { proxy.write(1, 2, 3, buffer.data(), size); },
+        [](auto& request) { EXPECT_EQ(1, request.getBuffer()[size - 1]); });
+    transferLate<writeBulkTransferRequest>(
+        [](auto& proxy, auto& buffer) { proxy.write(1, buffer.data(), size); },
+        [](auto& request) { EXPECT_EQ(1, request.getData()[size - 1]); });
+    answerLate<xuSetupRequest>(
+        std::make_unique<GUID>(AUDIO_DEVICE), [](auto& proxy, auto& guid) { proxy.xuSetup(guid); },
+        [](auto& request) { EXPECT_TRUE(guidEquals(AUDIO_DEVICE, request.getGUID())); });
 }
 
 TEST_F(LateAnswerTest, Answers) {

@@ -72,6 +72,17 @@ protected:
         return device;
     }
 
+    Utils::SmartPtr<deviceRequest> requestToClose() {
+        return Utils::makeRefcounted<deviceRequest>(openedDevice(), RequestType_CLOSE);
+    }
+
+    /// On the worker, whose other one, the proxy's, is gone with it.
+    AVDeviceProxyThread* lastReference() {
+        Worker worker;
+        proxy.reset();
+        return worker.detach();
+    }
+
     template<typename Operation>
     static std::string outcome(Operation operation) {
         return TestSupport::messageOf<Plugin::PluginException>(operation);
@@ -485,12 +496,8 @@ TEST_F(WorkerTest, RequestsBehindTheStopFail) {
 }
 
 TEST_F(WorkerTest, ItsOwnThreadCanGiveBackTheLastReference) {
-    // The proxy's own reference goes first, so that one is left, which the device gives back.
-    AVDeviceInterface* const device = openedDevice();
-    const auto request = Utils::SmartPtr<deviceRequest>::adopt(new deviceRequest(device, RequestType_CLOSE));
-    Worker worker;
-    AVDeviceProxyThread* const last = worker.detach();
-    proxy.reset();
+    const auto request = requestToClose();
+    AVDeviceProxyThread* const last = lastReference();
     script.onCall = [&](int slot, deviceRequest*) {
         if (slot == close)
             last->release();
@@ -504,11 +511,8 @@ TEST_F(WorkerTest, ItsOwnThreadCanGiveBackTheLastReference) {
 // The last release takes no lock: while it waits for a device, another worker can come.
 TEST_F(WorkerTest, TheNextWorkerDoesNotWaitForTheLast) {
     tuning.set(2000, 20000, 10);
-    AVDeviceInterface* const device = openedDevice();
-    const auto request = Utils::SmartPtr<deviceRequest>::adopt(new deviceRequest(device, RequestType_CLOSE));
-    Worker worker;
-    AVDeviceProxyThread* const last = worker.detach();
-    proxy.reset();
+    const auto request = requestToClose();
+    AVDeviceProxyThread* const last = lastReference();
     Gate gate;
     hold(close, gate);
     std::thread caller(

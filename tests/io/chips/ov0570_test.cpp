@@ -330,11 +330,9 @@ TEST_F(OV0570Test, FlashRangesAreCheckedByWrappingArithmetic) {
     settings.readableSize = 0x8000;
     use(settings);
     const char* tooLong = "length is out of range should be less than 32768";
-    EXPECT_EQ(flashFailure(0, 0), tooLong);
-    EXPECT_EQ(flashFailure(0, 0x8002), tooLong);
-    EXPECT_EQ(flashFailure(0, 0xFFFFFFFF), tooLong);
-    EXPECT_EQ(flashFailure(2, 0xFFFFFFFF), tooLong);
-    EXPECT_EQ(flashFailure(2, 0x10001), tooLong);
+    for (const auto& [start, length] :
+         {std::pair{0U, 0U}, {0U, 0x8002U}, {0U, 0xFFFFFFFFU}, {2U, 0xFFFFFFFFU}, {2U, 0x10001U}})
+        EXPECT_EQ(flashFailure(start, length), tooLong) << start << ", " << length;
     EXPECT_EQ(flashFailure(0xFFFF, 1), "startAddress must be less than 0xFFFF");
     EXPECT_EQ(flashFailure(0xFFFFFFFF, 0), "startAddress must be less than 0xFFFF");
     EXPECT_EQ(camera->chip.getUSBBackendFirmwareLocked(0, 0x8001).size(), 0x8001U);

@@ -67,6 +67,11 @@ TEST_F(SimulatedEnumerator, ASecondInitializeReplacesTheFirstWhileItRuns) {
     EXPECT_THAT(arrivals(allNodes), SizeIs(allNodes));
     EXPECT_TRUE(events.empty());
     EXPECT_EQ(before.size(), told) << "the thread of the first has ended";
+    enumerator->exit();
+    do
+        enumerator->execute(); // one that has ended is replaced, and tells everything again
+    while (events.empty());
+    EXPECT_THAT(arrivals(allNodes), SizeIs(allNodes));
 }
 
 TEST_F(SimulatedEnumerator, CanBeAskedWhileItEnds) {
