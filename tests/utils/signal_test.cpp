@@ -88,14 +88,5 @@ TEST(Mutex, IsReentrantAndExclusive) ZENTARA_NO_THREAD_SAFETY_ANALYSIS {
     EXPECT_EQ(count, 4 * 5000);
 }
 
-constinit Mutex staticMutex;
-/// Initialised before the tests run: a static initialiser can lock a static mutex wherever that stands.
-const bool lockedEarly = [] {
-    AutoLock hold(staticMutex);
-    return true;
-}();
-
-TEST(Mutex, WorksDuringStaticInitialisation) { EXPECT_TRUE(lockedEarly); }
-
 } // namespace
 } // namespace Zentara::Utils::Threading

@@ -4,8 +4,6 @@
 #include "utils/platform/library_pin.h"
 #include "utils/platform/word.h"
 
-ZENTARA_PLUGIN_EXPORT int answer() { return 42; }
-
 /// How often it was called since the library came into the process.
 ZENTARA_PLUGIN_EXPORT int count() {
     static int calls = 0;

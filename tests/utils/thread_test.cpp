@@ -22,6 +22,7 @@ struct Probe {
     Signal mayEnd;
     std::atomic<int> steps{0};
     unsigned long identifier = 0;
+    std::atomic<ThreadBase*> thread{nullptr};
 
     static void step(void* argument) {
         auto& self = *static_cast<Probe*>(argument);
@@ -37,6 +38,10 @@ struct Probe {
         step(argument);
         ThreadBase::suspend();
         step(argument);
+    }
+    static void joinItself(void* argument) {
+        waitForEnd(argument);
+        static_cast<Probe*>(argument)->thread.load()->join();
     }
     static void parkLate(void* argument) {
         waitForEnd(argument);
@@ -70,21 +75,12 @@ TEST(ThreadBase, RunsAndJoinsAnyNumberOfTimes) {
     EXPECT_NE(probe.identifier, ThreadBase::getCurrentThreadId());
 }
 
-TEST(ThreadBase, SuspendedStartWaitsForResume) {
-    Probe probe;
-    ThreadBase thread(&Probe::step, &probe, true);
-    EXPECT_EQ(thread.getState(), ThreadState_SUSPENDED);
-    EXPECT_EQ(probe.began.timedWait(5), -1);
-    thread.resume();
-    thread.resume();
-    thread.join();
-    EXPECT_EQ(probe.steps, 1);
-}
-
 TEST(ThreadBase, ParksUntilResumed) {
     ThreadBase::suspend(); // no thread of ours: nothing happens
     Probe probe;
     ThreadBase thread(&Probe::park, &probe, true);
+    EXPECT_EQ(thread.getState(), ThreadState_SUSPENDED);
+    EXPECT_EQ(probe.began.timedWait(5), -1) << "a suspended start";
     thread.resume();
     ASSERT_EQ(probe.began.timedWait(generous), 0);
     awaitState(thread, ThreadState_SUSPENDED);
@@ -119,22 +115,11 @@ TEST(ThreadBase, DestructorLetsGo) {
     EXPECT_EQ(never.began.timedWait(5), -1) << "a thread never resumed does not run its function";
 }
 
-struct SelfJoin {
-    std::atomic<ThreadBase*> thread{nullptr};
-    Signal told;
-
-    static void run(void* argument) {
-        auto& self = *static_cast<SelfJoin*>(argument);
-        self.told.wait();
-        self.thread.load()->join();
-    }
-};
-
 TEST(ThreadBase, JoinOnItselfReturns) {
-    SelfJoin self;
-    ThreadBase thread(&SelfJoin::run, &self, false);
-    self.thread = &thread;
-    self.told.set();
+    Probe probe;
+    ThreadBase thread(&Probe::joinItself, &probe, false);
+    probe.thread = &thread;
+    probe.mayEnd.set();
     thread.join();
     ThreadBase::setDebuggerThreadName("a name far longer than fifteen bytes");
     ThreadBase::setDebuggerThreadName(nullptr);

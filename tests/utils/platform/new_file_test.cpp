@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <zentara/utils/files.h>
+
 #include "support/temporary_directory.h"
 #include "utils/platform/files.h"
 #include "utils/platform/part_name.h"
@@ -17,13 +19,6 @@ namespace fs = std::filesystem;
 
 class NewFileTest : public testing::Test {
 protected:
-    void put(const std::string& path, const std::string& text) const {
-        std::ofstream(TestSupport::TemporaryDirectory::fromUtf8(path), std::ios::binary) << text;
-    }
-    [[nodiscard]] std::string at(const std::string& path) const {
-        std::ifstream file(TestSupport::TemporaryDirectory::fromUtf8(path), std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
     [[nodiscard]] std::ptrdiff_t filesThere() const {
         return std::distance(
             fs::directory_iterator(TestSupport::TemporaryDirectory::fromUtf8(directory.path())), {});
@@ -40,12 +35,12 @@ TEST_F(NewFileTest, TakesItsNameWholeOrNotAtAll) {
                 file->append("!", 1));
     EXPECT_EQ(file->size(), 7U);
     EXPECT_EQ(fileKind(name), FileKind::Missing);
-    put(name, "old");
+    writeFile(name, "old");
     EXPECT_FALSE(file->take(name, false, 0));
     EXPECT_EQ(lastFileTrouble(), FileTrouble::Exists);
-    EXPECT_EQ(at(name), "old");
+    EXPECT_EQ(readFile(name), "old");
     EXPECT_TRUE(file->take(name, true, 0));
-    EXPECT_EQ(at(name), "01xx45!");
+    EXPECT_EQ(readFile(name), "01xx45!");
     file.reset(NewFile::create(name, name));
     ASSERT_TRUE(file && file->append("half", 4));
     file.reset();
@@ -69,7 +64,7 @@ TEST_F(NewFileTest, KeepsAPartsNameWithinWhatFileSystemsTake) {
 }
 
 TEST_F(NewFileTest, TellsWhatLiesWhere) {
-    put(name, "x");
+    writeFile(name, "x");
     EXPECT_EQ(fileKind(name), FileKind::Regular);
     EXPECT_EQ(fileKind(directory.path()), FileKind::Directory);
     EXPECT_EQ(fileKind(isSeparator('\\') ? "NUL" : "/dev/null"), FileKind::Device);
@@ -81,21 +76,21 @@ TEST_F(NewFileTest, TellsWhatLiesWhere) {
 }
 
 TEST_F(NewFileTest, IsWrittenByOneAtATime) {
-    put(name, "old");
+    writeFile(name, "old");
     Owned<FileLock> right(FileLock::create(name, 0));
     ASSERT_TRUE(right && right->found());
     const auto isBusy = [this] {
         return !Owned<FileLock>(FileLock::create(name, 20)) && lastFileTrouble() == FileTrouble::InUse;
     };
     EXPECT_TRUE(isBusy());
-    EXPECT_EQ(at(name), "old") << "others may read";
+    EXPECT_EQ(readFile(name), "old") << "others may read";
     Owned<NewFile> file(NewFile::create(name, name));
     ASSERT_TRUE(file && file->append("new", 3) && file->take(name, right->found(), 0));
     EXPECT_TRUE(isBusy()) << "of the new file, too";
     file.reset();
     right.reset();
     EXPECT_TRUE(Owned<FileLock>(FileLock::create(name, 0)));
-    EXPECT_EQ(at(name), "new");
+    EXPECT_EQ(readFile(name), "new");
     EXPECT_EQ(filesThere(), 1);
 }
 
@@ -104,15 +99,15 @@ TEST_F(NewFileTest, LosesWhatAKilledProgramLeft) {
     const Owned<NewFile> living(NewFile::create(name, name));
     ASSERT_TRUE(living);
     const std::string left = name + ".0123456789abcdef.part";
-    put(left, "left");
-    put(name + ".0123456789abcdeX.part", "other");
+    writeFile(left, "left");
+    writeFile(name + ".0123456789abcdeX.part", "other");
     EXPECT_TRUE(removeLeftParts(name)) << "one is being written";
     EXPECT_EQ(fileKind(left), FileKind::Missing);
     EXPECT_EQ(filesThere(), 2) << "the living one and the other";
 }
 
 TEST_F(NewFileTest, LetsNobodyReadWhoCouldNotBefore) {
-    put(name, "secret");
+    writeFile(name, "secret");
     const fs::path file = TestSupport::TemporaryDirectory::fromUtf8(name);
     fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write);
     const fs::perms before = fs::status(file).permissions();
@@ -126,7 +121,7 @@ TEST_F(NewFileTest, LetsNobodyReadWhoCouldNotBefore) {
 
 /// A reader that keeps others from deleting the file, as virus scanners do, is waited for and then named as the cause.
 TEST_F(NewFileTest, WaitsForAReaderThatIsInTheWay) {
-    put(name, "old");
+    writeFile(name, "old");
     const Owned<NewFile> file(NewFile::create(name, name));
     ASSERT_TRUE(file && file->append("new", 3));
     auto reader = std::make_unique<std::ifstream>(TestSupport::TemporaryDirectory::fromUtf8(name));
@@ -135,7 +130,7 @@ TEST_F(NewFileTest, WaitsForAReaderThatIsInTheWay) {
         reader.reset();
         EXPECT_TRUE(file->take(name, true, 50));
     }
-    EXPECT_EQ(at(name), "new");
+    EXPECT_EQ(readFile(name), "new");
 }
 
 } // namespace

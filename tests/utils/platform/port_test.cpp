@@ -101,20 +101,10 @@ TEST(PlatformEvent, NoSetIsLostBetweenTwoThreads) {
 }
 
 TEST(TextEncoding, RejectsInvalidUtf8) {
-    const char* rows[] = {
-        "\x80",             // no lead byte
-        "\xC3",             // cut short
-        "\xE2\x82",         // cut short
-        "\xF0\x9F\x93",     // cut short
-        "\xC3(",            // no following byte
-        "\xC0\xAF",         // overlong '/'
-        "\xE0\x80\xAF",     // overlong '/'
-        "\xF0\x80\x80\xAF", // overlong '/'
-        "\xED\xA0\x80",     // encoded surrogate
-        "\xF4\x90\x80\x80", // beyond 0x10FFFF
-        "\xFF",
-    };
-    for (const char* text : rows) {
+    // No lead byte, cut short (three), no following byte, overlong '/' (three), an encoded surrogate, beyond
+    // 0x10FFFF, and what is no byte of a text.
+    for (const char* text : {"\x80", "\xC3", "\xE2\x82", "\xF0\x9F\x93", "\xC3(", "\xC0\xAF", "\xE0\x80\xAF",
+                             "\xF0\x80\x80\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xFF"}) {
         std::wstring wide = L"untouched";
         EXPECT_FALSE(utf8ToWide(text, wide)) << testing::PrintToString(std::string(text));
         EXPECT_EQ(wide, L"untouched");
