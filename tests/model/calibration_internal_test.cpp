@@ -105,7 +105,12 @@ TEST(CalibrationInternalTest, AShortSetIsPaddedWithZeros) {
     EXPECT_EQ(padded, calibration.getTemperatureCompensation());
 }
 
-TEST(CalibrationInternalTest, EveryTruncationIsRefusedAndChangesNothing) {
+TEST(CalibrationInternalTest, LiesAndEveryTruncationAreRefusedAndChangeNothing) {
+    CalibrationInternal lied;
+    EXPECT_EQ(-1, unmarshal(lied, {0x40, 1, 3, 0, 9, 9})) << "a record shorter than its header";
+    EXPECT_EQ(-1, unmarshal(lied, {0x40, 1, 4, 0})) << "no room for the value";
+    EXPECT_EQ(0, unmarshal(lied, {0x22, 1, 8, 0, 0, 0, 0, 0})) << "a set of none";
+    EXPECT_EQ(-1, unmarshal(lied, {0x22, 1, 12, 0, 2, 0, 0, 0, 1, 0, 0, 0})) << "two claimed, one there";
     // Cuts between records leave a shorter form that is whole.
     const std::size_t whole[] = {0, 6, 12, 28, golden.size()};
     for (std::size_t length = 0; length <= golden.size(); ++length) {
@@ -118,15 +123,6 @@ TEST(CalibrationInternalTest, EveryTruncationIsRefusedAndChangesNothing) {
             EXPECT_EQ(before, calibration) << length;
         }
     }
-}
-
-TEST(CalibrationInternalTest, LengthsAndCountsThatLieAreRefused) {
-    CalibrationInternal calibration;
-    EXPECT_EQ(-1, unmarshal(calibration, {0x40, 1, 3, 0, 9, 9})) << "a record shorter than its header";
-    EXPECT_EQ(-1, unmarshal(calibration, {0x40, 1, 4, 0})) << "no room for the value";
-    EXPECT_EQ(0, unmarshal(calibration, {0x22, 1, 8, 0, 0, 0, 0, 0})) << "a set of none";
-    EXPECT_EQ(-1, unmarshal(calibration, {0x22, 1, 12, 0, 2, 0, 0, 0, 1, 0, 0, 0}))
-        << "two claimed, one there";
 }
 
 TEST(CalibrationInternalTest, CoefficientSetsAreChecked) {

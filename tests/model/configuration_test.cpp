@@ -22,21 +22,18 @@ TEST(ConfigurationTest, NamesFollowEverySetter) {
     };
     using Audio = AudioConfiguration;
     EXPECT_EQ("AUCH2BPS16SR44100", audio->getName());
-    EXPECT_EQ(2, audio->getType());
     EXPECT_EQ("AUCH1BPS16SR44100", after(audio, &Audio::setChannels, 1));
     EXPECT_EQ("AUCH1BPS24SR44100", after(audio, &Audio::setBitsPerSample, 24));
     EXPECT_EQ("AUCH1BPS24SR8000", after(audio, &Audio::setSampleRate, 8000));
     EXPECT_EQ("mine", after(audio, &Audio::setName, "mine"));
     using Color = ColorConfiguration;
     EXPECT_EQ("COFF3FR30PLF2COMP1", color->getName());
-    EXPECT_EQ(1, color->getType());
     EXPECT_EQ("COFF2FR30PLF2COMP1", after(color, &Color::setFrameFormat, FrameFormat_QVGA));
     EXPECT_EQ("COFF2FR60PLF2COMP1", after(color, &Color::setFramerate, 60));
     EXPECT_EQ("COFF2FR60PLF0COMP1", after(color, &Color::setPowerLineFrequency, PowerLineFrequency_DISABLED));
     EXPECT_EQ("COFF2FR60PLF0COMP0", after(color, &Color::setCompression, CompressionType_NONE));
     using Depth = DepthConfiguration; // whose saturation is a number, not a word
     EXPECT_EQ("DEFF2FR60CM1S1", depth->getName());
-    EXPECT_EQ(4, depth->getType());
     EXPECT_EQ(7, depth->getCalibration().getPhaseOffset());
     EXPECT_EQ("DEFF1FR60CM1S1", after(depth, &Depth::setFrameFormat, FrameFormat_QQVGA));
     EXPECT_EQ("DEFF1FR30CM1S1", after(depth, &Depth::setFramerate, 30));

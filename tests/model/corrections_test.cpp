@@ -52,14 +52,12 @@ protected:
 
 TEST_F(Corrections, NewTemperatureCompensationAnswersNothing) {
     TemperatureCompensation object;
-    EXPECT_EQ(object.getCurrentMode(), none);
     EXPECT_EQ(object.getAlgorithm(), 0);
     EXPECT_EQ(object.getParameterCount(), 0U);
     EXPECT_EQ(object.getParameter(0), 0.0F);
     EXPECT_EQ(object.getSensorIDCount(), 0U);
     EXPECT_EQ(object.getSensorID(0), -1);
     EXPECT_FALSE(object.setCurrentMode(mode0));
-    EXPECT_FALSE(object.comesFromRom());
     EXPECT_THAT(log.warnings(),
                 ElementsAre("TemperatureCompensation: cannot get algorithm: current mode is not valid",
                             "TemperatureCompensation: cannot get parameter count: current mode is not valid",
@@ -93,15 +91,13 @@ TEST_F(Corrections, CutRangesOfTheRomAreDropped) {
         EXPECT_EQ(log.warnings().size() - warned, size % stored.size() == 0 ? 0U : 1U) << size << " bytes";
         EXPECT_EQ(modesOf(object), static_cast<int>(size / stored.size())) << size << " bytes";
         EXPECT_EQ(object.comesFromRom(), size >= stored.size()) << size << " bytes";
+        EXPECT_EQ(cyclicErrorBlock(static_cast<unsigned int>(size), cut.data()).empty(),
+                  size < stored.size());
     }
+    EXPECT_EQ(modesOf(TemperatureCompensation(static_cast<const void*>(two.data()))), 1) << "without a size";
     EXPECT_EQ(modesOf(TemperatureCompensation(5, nullptr)), 0);
     EXPECT_EQ(modesOf(TemperatureCompensation(static_cast<const void*>(nullptr))), 0);
-}
-
-TEST_F(Corrections, WithoutASizeExactlyOneRangeIsRead) {
-    const TemperatureCompensation object(static_cast<const void*>(stored.data()));
-    EXPECT_EQ(modesOf(object), 1);
-    EXPECT_TRUE(object.comesFromRom());
+    EXPECT_THAT(cyclicErrorBlock(10, nullptr), IsEmpty());
 }
 
 TEST_F(Corrections, ModesOutsideTheRecordsAreRefused) {
@@ -129,17 +125,6 @@ TEST_F(Corrections, ModesOutsideTheRecordsAreRefused) {
                             "TemperatureCompensation: sensor ID index out of range"));
 }
 
-TEST_F(Corrections, OneCoefficientServesBothModes) {
-    TemperatureCompensation object(1.5F, 4);
-    EXPECT_FALSE(object.comesFromRom());
-    for (const auto mode : {mode0, mode1}) {
-        EXPECT_THAT(parameters(object, mode), ElementsAre(1.5F));
-        EXPECT_EQ(object.getAlgorithm(), 0);
-        EXPECT_EQ(object.getSensorIDCount(), 1U);
-        EXPECT_EQ(object.getSensorID(0), 4);
-    }
-}
-
 TEST_F(Corrections, NewCyclicErrorCorrectionAnswersNothing) {
     CyclicErrorCorrection object;
     EXPECT_EQ(object.getAlgorithm(), 0);
@@ -148,8 +133,6 @@ TEST_F(Corrections, NewCyclicErrorCorrectionAnswersNothing) {
     EXPECT_EQ(object.getParameter(0), 0.0F);
     object.setParameter(0, 1);
     EXPECT_FALSE(object.setCurrentMode(unknownMode));
-    EXPECT_EQ(object.getCurrentMode(), none);
-    EXPECT_FALSE(object.comesFromRom());
     EXPECT_FALSE(CyclicErrorCorrection(static_cast<const void*>(nullptr)).comesFromRom());
     EXPECT_THAT(log.warnings(),
                 ElementsAre("CyclicErrorCorrection::getAlgorithm: current mode is not valid",
@@ -191,20 +174,6 @@ TEST_F(Corrections, ParametersOfACyclicErrorCorrectionAreReplacedNeverAdded) {
     EXPECT_THAT(log.warnings(),
                 ElementsAre("CyclicErrorCorrection::setParameter: parameter index out of range",
                             "CyclicErrorCorrection::getParameter: parameter index out of range"));
-}
-
-TEST_F(Corrections, ACutRecordHasNoBlock) {
-    for (unsigned int size = 0; size < stored.size(); ++size) {
-        const Bytes cut(stored.begin(), stored.begin() + size);
-        EXPECT_THAT(cyclicErrorBlock(size, cut.data()), IsEmpty()) << size << " bytes";
-    }
-    EXPECT_THAT(cyclicErrorBlock(10, nullptr), IsEmpty());
-}
-
-// A client that takes its address, or only a reference, links with the library on every system.
-TEST(CorrectionConstants, AreInTheLibrary) {
-    const std::uint32_t* volatile address = &CyclicErrorCorrection::MODE_COUNT;
-    EXPECT_EQ(*address, 2U);
 }
 
 } // namespace
