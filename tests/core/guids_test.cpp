@@ -23,14 +23,9 @@ TEST(Guids, TheTableIsTheOneGivenOut) {
     std::size_t count = 0;
     const WellKnownGuid* table = wellKnownGuids(count);
     std::string text;
-    std::set<std::string> distinct;
-    for (std::size_t row = 0; row < count; ++row) {
+    for (std::size_t row = 0; row < count; ++row)
         text += table[row].name + (" " + registryForm(table[row].guid)) + " " +
                 std::to_string(table[row].type) + "\n";
-        distinct.insert(registryForm(table[row].guid));
-    }
-    EXPECT_EQ(25u, count);
-    EXPECT_EQ(25u, distinct.size());
     // Over the published list, a line "NAME GUID KIND" each.
     const auto* bytes = reinterpret_cast<const unsigned char*>(text.data());
     EXPECT_EQ(0x6798F79Cu,

@@ -39,10 +39,8 @@ TEST(PluginExceptions, AreThrownByKindAndLogOneLine) {
             EXPECT_EQ(message, exception.message());
             EXPECT_TRUE(rows[type].second == typeid(exception)) << type;
         }
+        EXPECT_THAT(capture.text(), HasSubstr(rows[type].first + message));
     }
-    const std::string log = capture.text();
-    for (int type = 0; type <= 8; ++type)
-        EXPECT_THAT(log, HasSubstr(rows[type].first + "100% of kind " + std::to_string(type) + " %{:x}"));
 }
 
 TEST(PluginExceptions, CopiesAndTheBaseLogNothing) {

@@ -32,26 +32,12 @@ const GUID good = fixtureGuid(1);
 const GUID other = fixtureGuid(2);
 const GUID failing = fixtureGuid(3);
 const GUID nullMaking = fixtureGuid(4);
-const GUID interpreter = fixtureGuid(5);
 const GUID withoutFactory = fixtureGuid(6);
 
 class PluginManagerTest : public testing::Test {
 protected:
     TestRoot root{"manager"};
 };
-
-TEST_F(PluginManagerTest, ListsPluginsByKind) {
-    root.add("good");
-    root.add("other");
-    root.add("interpreter");
-    ManagerHold manager;
-
-    EXPECT_EQ(2u, manager->getGUIDs(ImplType_VIDEO_DEVICE).size());
-    ASSERT_EQ(1u, manager->getGUIDs(ImplType_PARAMETER_INTERPRETER).size());
-    EXPECT_TRUE(Zentara::guidEquals(interpreter, manager->getGUIDs(ImplType_PARAMETER_INTERPRETER).front()));
-    EXPECT_TRUE(manager->getGUIDs(ImplType_DEPTH_NODE).empty());
-    EXPECT_TRUE(manager->getGUIDs(static_cast<ImplType>(-1)).empty());
-}
 
 TEST_F(PluginManagerTest, ALibraryIsThereAsLongAsItsObjects) {
     const std::string path = root.add("good");
@@ -67,21 +53,12 @@ TEST_F(PluginManagerTest, ALibraryIsThereAsLongAsItsObjects) {
         first.reset();
         second.reset();
         EXPECT_TRUE(isLibraryLoaded(path));
+        manager->incref(good);
         copy.reset();
+        EXPECT_TRUE(isLibraryLoaded(path)) << "for the host's own use";
+        manager->decref(good);
         EXPECT_FALSE(isLibraryLoaded(path));
     }
-}
-
-TEST_F(PluginManagerTest, ExplicitUsesKeepALibraryLoaded) {
-    const std::string path = root.add("good");
-    ManagerHold manager;
-
-    SmartPtr<TestObject> object = manager.create(good);
-    manager->incref(good);
-    object.reset();
-    EXPECT_TRUE(isLibraryLoaded(path));
-    manager->decref(good);
-    EXPECT_FALSE(isLibraryLoaded(path));
 }
 
 TEST_F(PluginManagerTest, ObjectsOutliveTheHostsManager) {
@@ -127,22 +104,22 @@ TEST_F(PluginManagerTest, SaysWhatItCannotMake) {
     EXPECT_EQ("couldn't open: " + gone, make(other, device));
 }
 
-TEST_F(PluginManagerTest, APlainNullStillCountsAsUse) {
+TEST_F(PluginManagerTest, PluginsAreListedByKindAndAPlainNullCountsAsUse) {
+    root.add("good");
     root.add("null_making");
     root.add("interpreter");
     ManagerHold manager;
-    const struct {
-        const char* plugin;
-        GUID guid;
-        ImplType type;
-    } rows[] = {{"null_making", nullMaking, ImplType_VIDEO_DEVICE},
-                {"interpreter", interpreter, ImplType_PARAMETER_INTERPRETER}};
-
-    for (const auto& row : rows) {
-        EXPECT_EQ(nullptr, manager->createInstance(row.guid, row.type)) << row.plugin;
-        EXPECT_TRUE(isLibraryLoaded(root.path(row.plugin))) << row.plugin;
-        manager->decref(row.guid);
-        EXPECT_FALSE(isLibraryLoaded(root.path(row.plugin))) << row.plugin;
+    EXPECT_EQ(2u, manager->getGUIDs(ImplType_VIDEO_DEVICE).size());
+    EXPECT_TRUE(manager->getGUIDs(ImplType_DEPTH_NODE).empty());
+    EXPECT_TRUE(manager->getGUIDs(static_cast<ImplType>(-1)).empty());
+    ASSERT_EQ(1u, manager->getGUIDs(ImplType_PARAMETER_INTERPRETER).size());
+    const GUID interpreter = manager->getGUIDs(ImplType_PARAMETER_INTERPRETER).front();
+    for (const auto& [plugin, guid, type] : {std::tuple{"null_making", nullMaking, ImplType_VIDEO_DEVICE},
+                                             {"interpreter", interpreter, ImplType_PARAMETER_INTERPRETER}}) {
+        EXPECT_EQ(nullptr, manager->createInstance(guid, type)) << plugin;
+        EXPECT_TRUE(isLibraryLoaded(root.path(plugin))) << plugin;
+        manager->decref(guid);
+        EXPECT_FALSE(isLibraryLoaded(root.path(plugin))) << plugin;
     }
 }
 
@@ -162,6 +139,14 @@ TEST_F(PluginManagerTest, AThrowingFactoryLeavesTheLibraryForTheNextAttempt) {
 TEST_F(PluginManagerTest, ExceptionsOutliveThePluginThatMadeThem) {
     const std::string throwing = root.add("failing");
     const std::string path = root.add("good");
+    const auto thrownBy = [](auto operation) {
+        try {
+            operation();
+        } catch (...) {
+            return std::current_exception();
+        }
+        return std::exception_ptr();
+    };
     const std::vector<Caught> arrivals = Zentara::TestSupport::ownArrivals();
     for (int which = 1; which <= static_cast<int>(arrivals.size()); ++which) {
         const ScopedVariable chosen("ZENTARA_TEST_OWN_EXCEPTION", std::to_string(which).c_str());
@@ -170,17 +155,11 @@ TEST_F(PluginManagerTest, ExceptionsOutliveThePluginThatMadeThem) {
         std::exception_ptr fromObject;
         {
             ManagerHold manager;
-            try {
-                (void)manager.create(failing);
-            } catch (...) {
-                fromFactory = std::current_exception();
-            }
-            try {
+            fromFactory = thrownBy([&] { (void)manager.create(failing); });
+            fromObject = thrownBy([&] {
                 const SmartPtr<TestObject> object = manager.create(good);
                 Zentara::Plugin::callPlugin([&] { object->fail(which); });
-            } catch (...) {
-                fromObject = std::current_exception();
-            }
+            });
         }
         ASSERT_FALSE(isLibraryLoaded(throwing));
         ASSERT_FALSE(isLibraryLoaded(path));

@@ -4,7 +4,6 @@
 #include <zentara/core/audio_node_interface.h>
 #include <zentara/core/color_node_interface.h>
 #include <zentara/core/depth_node_interface.h>
-#include <zentara/core/guids.h>
 #include <zentara/io/audio_device_proxy.h>
 #include <zentara/io/video_device_proxy.h>
 #include <zentara/node_event.h>
@@ -137,23 +136,17 @@ TYPED_TEST(NodeTest, FailedInitializeLeavesANodeThatCanBeDisposedOrInitializedAg
     EXPECT_TRUE(this->isUnlinked());
 }
 
-TYPED_TEST(NodeTest, AnotherInitializeWithoutADeviceLeavesTheFirst) {
+TYPED_TEST(NodeTest, AnInitializeThatIsRefusedLeavesTheDeviceOfTheOneBefore) {
     this->initialize();
     const auto* const proxy = this->node.getAVDeviceProxy();
     RecordStore without;
+    EXPECT_THROW(this->node.initialize(nullptr, &this->store, nullptr), Plugin::ArgumentPluginException);
+    EXPECT_THROW(this->node.initialize(&this->event, nullptr, nullptr), Plugin::ArgumentPluginException);
     EXPECT_THROW(this->node.initialize(&this->event, &without, nullptr),
                  Plugin::InitializationPluginException);
     EXPECT_EQ(this->node.getAVDeviceProxy(), proxy);
     EXPECT_EQ(this->node.getDescriptorStore(), &this->store);
     EXPECT_EQ(dataOf(this->node), &this->data);
-}
-
-TYPED_TEST(NodeTest, InitializeNeedsEventAndStore) {
-    this->initialize();
-    EXPECT_THROW(this->node.initialize(nullptr, &this->store, nullptr), Plugin::ArgumentPluginException);
-    EXPECT_THROW(this->node.initialize(&this->event, nullptr, nullptr), Plugin::ArgumentPluginException);
-    EXPECT_FALSE(this->isUnlinked()) << "what was refused changes nothing";
-    this->node.initialize(&this->event, &this->store, nullptr);
 }
 
 TYPED_TEST(NodeTest, ResetIsNotSupportedByDefault) {
@@ -163,31 +156,14 @@ TYPED_TEST(NodeTest, ResetIsNotSupportedByDefault) {
                   names[TestFixture::number] + " node implementation");
 }
 
-TYPED_TEST(NodeTest, KnowsKindAndVersion) {
-    EXPECT_EQ(TypeParam::getImplType(), TestFixture::number);
-    int major = -1;
-    int minor = -1;
-    int patch = -1;
-    TypeParam::getPluginVersion(&major, &minor, &patch);
-    TypeParam::getPluginVersion(nullptr, nullptr, nullptr);
-    EXPECT_EQ(std::vector({major, minor, patch}), std::vector({0, 1, 0}));
-}
-
-TEST(AudioNode, MixerLevelAndMuteAreWrongConfigurations) {
-    BareAudioNode node(someGuid);
-    EXPECT_EQ(failure([&] { node.setInputMixerLevel(0.5F); }),
+TEST(Nodes, RefuseTheOptionalOperations) {
+    BareDepthNode depth(someGuid);
+    EXPECT_EQ(failure([&] { depth.setConfiguration(nullptr); }), "5: setConfiguration: Not supported");
+    EXPECT_EQ(failure([&] { depth.process(nullptr); }), "5: operation not supported");
+    BareAudioNode audio(someGuid);
+    EXPECT_EQ(failure([&] { audio.setInputMixerLevel(0.5F); }),
               "1: Setting mixer level is not supported by this device");
-    EXPECT_EQ(failure([&] { node.setMute(true); }), "1: Setting mute is not supported by this device");
-}
-
-TEST(DepthNode, DefaultsOfTheOptionalOperations) {
-    BareDepthNode node(someGuid);
-    EXPECT_EQ(failure([&] { node.setConfiguration(nullptr); }), "5: setConfiguration: Not supported");
-    EXPECT_EQ(failure([&] { node.process(nullptr); }), "5: operation not supported");
-    EXPECT_EQ(node.getMaximumRawBytesPerPixel(), 8U);
-    EXPECT_EQ(node.getPhaseScaling(), 1.0F);
-    EXPECT_EQ(node.getRange(), 0.0F);
-    EXPECT_EQ(node.getDVPFrameMode(), 6);
+    EXPECT_EQ(failure([&] { audio.setMute(true); }), "1: Setting mute is not supported by this device");
 }
 
 } // namespace
