@@ -8,7 +8,7 @@ namespace {
 
 class ManagerTest : public RomTest {};
 
-TEST_F(ManagerTest, BlankFlashIsNotInitialized) {
+TEST_F(ManagerTest, BlankFlashIsNotInitializedUntilFormatWritesTheHeader) {
     for (const bool atStart : {true, false})
         for (const int blank : {0x00, 0xFF}) {
             use({0, 4096, 256, atStart});
@@ -17,18 +17,12 @@ TEST_F(ManagerTest, BlankFlashIsNotInitialized) {
             EXPECT_FALSE(manager->romInitialized());
             EXPECT_EQ(nullptr, manager->getNext(nullptr));
             EXPECT_EQ(nullptr, manager->getHeader());
+            formatMemory();
+            EXPECT_TRUE(manager->romInitialized());
+            ASSERT_EQ(1u, flash->writes.size());
+            EXPECT_EQ(atStart ? 0u : 4079u, flash->writes[0].address);
+            EXPECT_EQ(hex("01 01 01 00001000 00000100 00000000 04C3"), flash->writes[0].after);
         }
-}
-
-TEST_F(ManagerTest, FormatWritesOnlyTheHeader) {
-    for (const bool atStart : {true, false}) {
-        use({0, 4096, 256, atStart});
-        formatMemory();
-        EXPECT_TRUE(manager->romInitialized());
-        ASSERT_EQ(1u, flash->writes.size());
-        EXPECT_EQ(atStart ? 0u : 4079u, flash->writes[0].address);
-        EXPECT_EQ(hex("01 01 01 00001000 00000100 00000000 04C3"), flash->writes[0].after);
-    }
 }
 
 TEST_F(ManagerTest, HeadersThatDoNotCount) {
@@ -50,16 +44,13 @@ TEST_F(ManagerTest, HeadersThatDoNotCount) {
         mountMemory();
         EXPECT_EQ(c.counts, manager->romInitialized()) << c.name;
     }
-    shrinkSize(0);
-    ROM::ChunkedMemoryManager tooSmall(flash.get(), 0, 16, 256, false);
-    tooSmall.initialize();
-    EXPECT_FALSE(tooSmall.romInitialized());
-}
-
-TEST_F(ManagerTest, ImpossibleFormatsAreRefusedBeforeAnyWrite) {
+    // Impossible formats are refused before any write.
+    flash->image.clear();
     ROM::ChunkedMemoryManager noChunks(flash.get(), 0, 4096, 0, true);
     EXPECT_THROW(noChunks.initializeRom(), ArgumentPluginException);
     ROM::ChunkedMemoryManager noRoom(flash.get(), 0, 16, 256, false);
+    noRoom.initialize();
+    EXPECT_FALSE(noRoom.romInitialized());
     EXPECT_THROW(noRoom.initializeRom(), ArgumentPluginException);
     EXPECT_THAT(flash->writes, IsEmpty());
 }
@@ -84,6 +75,9 @@ TEST_F(ManagerTest, ChainRunsAwayFromTheHeader) {
     formatMemory();
     EXPECT_EQ(17u, writeBlock(pattern(246)));       // one chunk
     EXPECT_EQ(17u + 256, writeBlock(pattern(247))); // two
+    ROM::ChunkedMemoryManager other(flash.get(), 0, 4096, 64, true);
+    other.initialize();
+    EXPECT_EQ(17u + 768, BlockProbe(*other.allocate(1)).getBlockOffset()) << "the stored chunk size rules";
     EXPECT_EQ(17u + 768, writeBlock(pattern(1)));
     EXPECT_THAT(chain(), ElementsAre(17, 273, 785));
     mountMemory();
@@ -152,7 +146,7 @@ TEST_F(ManagerTest, FullAreaAllocatesNothing) {
     EXPECT_EQ(nullptr, manager->allocate(0xFFFFFFF6)) << "one byte more than 32 bits count";
 }
 
-TEST_F(ManagerTest, PendingBlockIsForgottenByTheNextAllocation) {
+TEST_F(ManagerTest, UnknownAndForgottenBlocksAreRefused) {
     formatMemory();
     const auto* first = manager->allocate(600);
     EXPECT_EQ(17u, BlockProbe(*first).getBlockOffset());
@@ -162,6 +156,13 @@ TEST_F(ManagerTest, PendingBlockIsForgottenByTheNextAllocation) {
     EXPECT_EQ(1u, flash->writes.size()) << "allocating writes nothing";
     EXPECT_THAT(manager->getBlockMap(), IsEmpty());
     const auto address = writeBlock(pattern(1));
+    const BlockProbe foreign(11, 0);
+    const std::function<void()> refused[] = {
+        [&] { manager->getNext(&foreign); },  [&] { manager->read(&foreign); },
+        [&] { manager->erase(&foreign); },    [&] { manager->write(&foreign, {}); },
+        [&] { manager->write(nullptr, {}); }, [&] { manager->getMaximumUsableSize(nullptr); }};
+    for (const auto& operation : refused)
+        EXPECT_EQ("invalid block", messageOf<ArgumentPluginException>(operation));
     const std::function<void()> forgets[] = {[&] { manager->erase(block(address)); }, [&] { mountMemory(); },
                                              [&] { EXPECT_EQ(nullptr, manager->allocate(0xFFFFFFFF)); }};
     for (const auto& forget : forgets) {
@@ -169,19 +170,6 @@ TEST_F(ManagerTest, PendingBlockIsForgottenByTheNextAllocation) {
         forget();
         EXPECT_THROW(manager->write(pending, pattern(5)), ArgumentPluginException);
     }
-}
-
-TEST_F(ManagerTest, UnknownBlocksAreRefused) {
-    formatMemory();
-    writeBlock(pattern(1));
-    const BlockProbe foreign(11, 0);
-    const auto refusal = [](auto action) { return messageOf<ArgumentPluginException>(action); };
-    EXPECT_EQ("invalid block", refusal([&] { manager->getNext(&foreign); }));
-    EXPECT_EQ("invalid block", refusal([&] { manager->read(&foreign); }));
-    EXPECT_EQ("invalid block", refusal([&] { manager->erase(&foreign); }));
-    EXPECT_EQ("invalid block", refusal([&] { manager->write(&foreign, {}); }));
-    EXPECT_EQ("invalid block", refusal([&] { manager->write(nullptr, {}); }));
-    EXPECT_EQ("invalid block", refusal([&] { manager->getMaximumUsableSize(nullptr); }));
 }
 
 TEST_F(ManagerTest, DamagedChainsAreCut) {
@@ -257,6 +245,13 @@ TEST_F(ManagerTest, ErasingInACycleLeavesNoLinkToTheBlock) {
         EXPECT_EQ(1u, manager->getBlockMap().count(c.left));
     }
     use({});
+    putHeader(2000, 256, 4096);
+    putBlock(2000, 20, 1000); // descends, although the header is at the start
+    putBlock(1000, 20, 0);
+    mountMemory();
+    manager->erase(block(1000));
+    EXPECT_EQ(2000u, manager->getHeader()->getFirstBlockAddress());
+    use({});
     putHeader(1000, 256, 4096);
     putBlock(1000, 20, 1000);
     mountMemory();
@@ -264,25 +259,6 @@ TEST_F(ManagerTest, ErasingInACycleLeavesNoLinkToTheBlock) {
     EXPECT_EQ(1u, flash->writes.size()) << "the management header, and not the block itself";
     mountMemory();
     EXPECT_THAT(manager->getBlockMap(), IsEmpty());
-}
-
-TEST_F(ManagerTest, TheFirstBlockIsTheOneThatTheHeaderNames) {
-    putHeader(2000, 256, 4096);
-    putBlock(2000, 20, 1000); // descends, although the header is at the start
-    putBlock(1000, 20, 0);
-    mountMemory();
-    manager->erase(block(1000));
-    EXPECT_EQ(2000u, manager->getHeader()->getFirstBlockAddress());
-    manager->erase(block(2000));
-    EXPECT_EQ(0u, manager->getHeader()->getFirstBlockAddress());
-}
-
-TEST_F(ManagerTest, StoredChunkSizeRules) {
-    formatMemory();
-    writeBlock(pattern(1));
-    ROM::ChunkedMemoryManager other(flash.get(), 0, 4096, 64, true);
-    other.initialize();
-    EXPECT_EQ(17u + 256, BlockProbe(*other.allocate(1)).getBlockOffset());
 }
 
 TEST_F(ManagerTest, AWriteThatReadsBackWrongIsNotRemembered) {
@@ -321,15 +297,12 @@ TEST_F(ManagerTest, AWriteThatReadsBackWrongIsNotRemembered) {
 
 // What the format does and keeps doing, although it may cost a neighbour.
 
-TEST_F(ManagerTest, ExactMultipleIsCreditedOneChunkMore) {
+TEST_F(ManagerTest, ExactMultipleIsCreditedOneChunkMoreAndTheLowestBlockCountsAsTheFirst) {
     formatMemory();
     const auto address = writeBlock(pattern(246));
     EXPECT_EQ(256u, allocatedSize(address));
     EXPECT_EQ(502u, manager->getMaximumUsableSize(block(address)));
     EXPECT_EQ(246u, manager->getMaximumUsableSize(block(writeBlock(pattern(245)))));
-}
-
-TEST_F(ManagerTest, LowestBlockStandsForTheOneBesideTheHeader) {
     use({0, 4096, 256, false});
     formatMemory();
     const auto beside = writeBlock(pattern(1));
@@ -347,22 +320,16 @@ TEST_F(ManagerTest, LastGapEndsAtTheSizeTakenAsAnAddress) {
     formatMemory();
     writeBlock(pattern(1));
     EXPECT_EQ(0u, writeBlock(pattern(1)));
-}
-
-TEST_F(ManagerTest, FirstBlockIsPlacedWithoutAskingForRoom) {
-    use({0, 300, 256, true});
+    use({0, 300, 256, true}); // the first block is placed without asking for room
     formatMemory();
     EXPECT_EQ(17u, BlockProbe(*manager->allocate(1000)).getBlockOffset());
 }
 
-TEST_F(ManagerTest, ChunksAreCountedInSixteenBits) {
+TEST_F(ManagerTest, ChunksAreCountedInSixteenBitsAndAnOverwrittenBlockNeverComesToMeanAnother) {
     use({0, 200000, 1, true});
     formatMemory();
     writeBlock(pattern(65536 + 20 - 10)); // counts as 20 chunks
     EXPECT_EQ(17u + 20, BlockProbe(*manager->allocate(1)).getBlockOffset());
-}
-
-TEST_F(ManagerTest, AnOverwrittenBlockNeverComesToMeanAnother) {
     use({0, 200000, 1, true});
     formatMemory();
     const auto address = writeBlock(pattern(65536 - 10)); // counts as no chunks at all

@@ -65,24 +65,19 @@ TEST_F(ContainerTest, SectionsSurviveAMount) {
 
 TEST_F(ContainerTest, RefusalsInOrder) {
     const auto set = [&](std::uint16_t uid) { container->set(uid, ContainerSectionType::Diagnostic, 1, {}); };
-    EXPECT_EQ("Cannot write section - 0 is not a valid section uid",
-              messageOf<ArgumentPluginException>([&] { set(0); }));
-    EXPECT_EQ("Cannot write section - Rom is not initialized",
-              messageOf<InvalidOperationPluginException>([&] { set(1); }));
-    EXPECT_EQ("Cannot erase section - 1 is not a valid section uid",
-              messageOf<ArgumentPluginException>([&] { container->erase(1); }));
-    EXPECT_EQ("Section 9 is not defined", messageOf<ArgumentPluginException>([&] { container->get(9); }));
-    EXPECT_EQ("Section 9 is not defined", messageOf<ArgumentPluginException>([&] { container->getType(9); }));
-    EXPECT_EQ("invalid uid - 9 is not defined",
-              messageOf<ArgumentPluginException>([&] { container->sectionIsWritable(9); }));
+    const auto wrong = [](auto use) { return messageOf<ArgumentPluginException>(use); };
+    const auto untimely = [](auto use) { return messageOf<InvalidOperationPluginException>(use); };
+    EXPECT_EQ("Cannot write section - 0 is not a valid section uid", wrong([&] { set(0); }));
+    EXPECT_EQ("Cannot write section - Rom is not initialized", untimely([&] { set(1); }));
+    EXPECT_EQ("Cannot erase section - 1 is not a valid section uid", wrong([&] { container->erase(1); }));
+    EXPECT_EQ("Section 9 is not defined", wrong([&] { container->get(9); }));
+    EXPECT_EQ("Section 9 is not defined", wrong([&] { container->getType(9); }));
+    EXPECT_EQ("invalid uid - 9 is not defined", wrong([&] { container->sectionIsWritable(9); }));
     EXPECT_EQ(nullptr, container->getSection(9));
-
     putChain(ROM::ContainerHeader(3, 1).serialize(), {section(4, {})});
     mount();
-    EXPECT_EQ("Cannot write section - Rom version is not 1",
-              messageOf<InvalidOperationPluginException>([&] { set(4); }));
-    EXPECT_EQ("Cannot erase section - Rom version is not 1",
-              messageOf<InvalidOperationPluginException>([&] { container->erase(4); }));
+    EXPECT_EQ("Cannot write section - Rom version is not 1", untimely([&] { set(4); }));
+    EXPECT_EQ("Cannot erase section - Rom version is not 1", untimely([&] { container->erase(4); }));
 }
 
 TEST_F(ContainerTest, ReadOnlySectionsStay) {
@@ -148,9 +143,7 @@ TEST_F(ContainerTest, DamagedSectionsAreSkippedAndTheRestLoads) {
     EXPECT_THAT(container->getSectionUIDs(), ElementsAre(0, 1, 9)); // any uid and type is loaded
     EXPECT_EQ(77, static_cast<int>(container->getType(9)));
     EXPECT_EQ("Section 2 is not defined", messageOf<ArgumentPluginException>([&] { container->get(2); }));
-}
-
-TEST_F(ContainerTest, TheLaterOfTwoWithOneUidCounts) {
+    // Of two with one uid the later counts.
     putChain(hex("01 01 50C0"), {section(6, pattern(5)), section(6, pattern(7))});
     mount();
     EXPECT_EQ(pattern(7), container->get(6));
@@ -159,16 +152,13 @@ TEST_F(ContainerTest, TheLaterOfTwoWithOneUidCounts) {
     EXPECT_EQ(pattern(5), container->get(6));
 }
 
-TEST_F(ContainerTest, FormattingKeepsAVersionOneContainer) {
+TEST_F(ContainerTest, FormattingKeepsAVersionOneContainerAndErasesAnother) {
     format();
     write(5, pattern(20), 0);
     const auto writes = flash->writeCount;
     container->initializeRom();
     EXPECT_EQ(writes, flash->writeCount);
     EXPECT_EQ("5:20", readable());
-}
-
-TEST_F(ContainerTest, FormattingErasesAContainerOfAnotherVersion) {
     for (const auto& header : {ROM::ContainerHeader(2, 1), ROM::ContainerHeader(1, 0)}) {
         use({});
         putChain(header.serialize(), {section(1, pattern(5)), section(2, pattern(6), 4, 0)}); // read-only too
@@ -183,6 +173,12 @@ TEST_F(ContainerTest, FormattingErasesAContainerOfAnotherVersion) {
 }
 
 TEST_F(ContainerTest, AFullFlashKeepsWhatItHas) {
+    use({0, 100, 256, true});
+    putHeader(20, 256, 100); // a block, but no container header, and no gap
+    putBlock(20, 10, 0);
+    mount();
+    EXPECT_EQ("failed to allocate space on the device",
+              messageOf<IOPluginException>([&] { container->initializeRom(); }));
     use({0, 17 + 3 * 256, 256, true});
     format();
     write(1, pattern(200));
@@ -213,15 +209,6 @@ TEST_F(ContainerTest, FormattingBehindAForeignFirstBlockDoesNotLast) {
     format();
     mount();
     EXPECT_TRUE(container->romInitialized());
-}
-
-TEST_F(ContainerTest, NoRoomForTheContainerHeader) {
-    use({0, 100, 256, true});
-    putHeader(20, 256, 100); // a block, but no container header, and no gap
-    putBlock(20, 10, 0);
-    mount();
-    EXPECT_EQ("failed to allocate space on the device",
-              messageOf<IOPluginException>([&] { container->initializeRom(); }));
 }
 
 TEST_F(ContainerTest, FlashTransfersPerOperation) {

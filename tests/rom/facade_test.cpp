@@ -20,7 +20,9 @@ class FacadeTest : public RomTest {};
 
 TEST_F(FacadeTest, ObjectsGoInAndComeOut) {
     ROM::ROM rom(container.get());
-    rom.initialize();
+    flash->failRead(0, FlashFault::Throws);
+    EXPECT_THROW(rom.initialize(), IOPluginException);
+    rom.initialize(); // the lock was given back
     EXPECT_FALSE(rom.romInitialized());
     rom.initializeRom();
     EXPECT_TRUE(rom.romInitialized());
@@ -37,13 +39,8 @@ TEST_F(FacadeTest, ObjectsGoInAndComeOut) {
     EXPECT_EQ(2, diagnostic->getOverheatingDiagnosticData().getHardCounter());
     rom.erase(9);
     EXPECT_EQ("Section 9 is not defined", messageOf<ArgumentPluginException>([&] { rom.get(9); }));
-}
-
-TEST_F(FacadeTest, UnknownTypesHaveNoObject) {
-    format();
     container->set(3, static_cast<ROM::ContainerSectionType>(99), 1, pattern(10));
-    ROM::ROM rom(container.get());
-    EXPECT_EQ(nullptr, rom.get(3));
+    EXPECT_EQ(nullptr, rom.get(3)) << "there is no object of an unknown type";
 }
 
 TEST_F(FacadeTest, WithoutAContainer) {
@@ -60,14 +57,6 @@ TEST_F(FacadeTest, WithoutAContainer) {
               messageOf<ArgumentPluginException>([&] { rom.set(1, nullptr, 1); }));
 }
 
-TEST_F(FacadeTest, TheLockIsGivenBackAfterAFailure) {
-    ROM::ROM rom(container.get());
-    flash->failRead(0, FlashFault::Throws);
-    EXPECT_THROW(rom.initialize(), IOPluginException);
-    rom.initialize();
-    EXPECT_FALSE(rom.romInitialized());
-}
-
 std::string asText(const Bytes& bytes) { return {bytes.begin(), bytes.end()}; }
 
 class ImageFileTest : public RomTest {
@@ -77,6 +66,11 @@ protected:
 };
 
 TEST_F(ImageFileTest, CorrectionImageGrowsWithWhatIsAsked) {
+    LogCapture log;
+    const auto open = [] { ROM::GradientDistortionCorrectionAccessor("no/such/file"); };
+    EXPECT_EQ("gradient calibration parameter file can not be opened", messageOf<IOPluginException>(open));
+    EXPECT_THAT(log.text(), HasSubstr("Even cannot open/read file no/such/file containing phase distortion "
+                                      "correction values"));
     Utils::writeFile(fileName, std::string(50, 'x'));
     ROM::GradientDistortionCorrectionAccessor accessor(fileName);
     EXPECT_EQ(Bytes(4, 'x'), accessor.read(46, 4));
@@ -90,16 +84,6 @@ TEST_F(ImageFileTest, CorrectionImageGrowsWithWhatIsAsked) {
         expected.push_back(byte);
     EXPECT_EQ(expected, accessor.read(50, 15));
     EXPECT_EQ(std::string(50, 'x'), Utils::readFile(fileName)) << "nothing is written back";
-}
-
-TEST_F(ImageFileTest, MissingCorrectionFiles) {
-    LogCapture log;
-    const auto open = [] { ROM::GradientDistortionCorrectionAccessor("no/such/file"); };
-    EXPECT_EQ("gradient calibration parameter file can not be opened", messageOf<IOPluginException>(open));
-    EXPECT_THAT(log.text(), HasSubstr("Even cannot open/read file no/such/file containing phase distortion "
-                                      "correction values"));
-    ROM::GradientDistortionCorrectionAccessor empty("");
-    EXPECT_EQ(Bytes(1, 0xFF), empty.read(0, 1));
 }
 
 class StoreTest : public ImageFileTest {
@@ -132,19 +116,15 @@ TEST_F(StoreTest, ReadsACorrectionFile) {
     EXPECT_FALSE(store.sectionIsWritable(8));
 }
 
-TEST_F(StoreTest, OnceInitializedItStaysSo) {
-    ROM::GradientDistortionCorrectionStore store(nullptr);
-    EXPECT_FALSE(store.isInitialized());
-    store.dispose();
-    EXPECT_FALSE(store.isInitialized());
-    store.initialize();
-    EXPECT_TRUE(store.isInitialized());
-    store.dispose();
-    EXPECT_TRUE(store.isInitialized());
-}
-
 TEST_F(StoreTest, RefusalsInOrder) {
+    const auto wrong = [](auto use) { return messageOf<ArgumentPluginException>(use); };
+    const auto untimely = [](auto use) { return messageOf<InvalidOperationPluginException>(use); };
     ROM::GradientDistortionCorrectionStore none(nullptr);
+    none.dispose();
+    EXPECT_FALSE(none.isInitialized());
+    none.initialize();
+    none.dispose();
+    EXPECT_TRUE(none.isInitialized()) << "once initialized it stays so";
     const std::function<void()> refused[] = {[&] { none.get(4); },
                                              [&] { none.getUIDs(); },
                                              [&] { none.initializeRom(); },
@@ -152,14 +132,12 @@ TEST_F(StoreTest, RefusalsInOrder) {
                                              [&] { none.set(5, &DIAGNOSTIC, 1); },
                                              [&] { none.read(fileName); }};
     for (const auto& operation : refused)
-        EXPECT_EQ("Container is not defined", messageOf<InvalidOperationPluginException>(operation));
-    EXPECT_EQ("cannot set - invalid object",
-              messageOf<ArgumentPluginException>([&] { none.set(5, nullptr, 1); }));
+        EXPECT_EQ("Container is not defined", untimely(operation));
+    EXPECT_EQ("cannot set - invalid object", wrong([&] { none.set(5, nullptr, 1); }));
     ROM::GradientDistortionCorrectionStore store(container.get());
     store.initializeRom();
-    EXPECT_EQ("Accessor is not defined",
-              messageOf<InvalidOperationPluginException>([&] { store.read(fileName); }));
-    EXPECT_EQ("Section 5 is not defined", messageOf<ArgumentPluginException>([&] { store.get(5); }));
+    EXPECT_EQ("Accessor is not defined", untimely([&] { store.read(fileName); }));
+    EXPECT_EQ("Section 5 is not defined", wrong([&] { store.get(5); }));
 }
 
 TEST_F(ImageFileTest, KeepsTheOldFileUntilSaved) {

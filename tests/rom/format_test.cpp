@@ -1,7 +1,6 @@
 // The bytes of headers, records, strings and objects.
 #include <zentara/rom/chunked_memory_management_header.h>
 #include <zentara/rom/configuration.h>
-#include <zentara/rom/container_header.h>
 #include <zentara/rom/diagnostic.h>
 #include <zentara/rom/gradient_distortion_correction.h>
 #include <zentara/rom/section.h>
@@ -97,17 +96,11 @@ TEST(RomObjects, SystemInfoBytes) {
     const ROM::SystemInfo info(ROM::SystemInfoData(SOME_GUID), ROM::ZT536HardwareInfoData(3, 4));
     const char* bytes = "01 01 16000000 01020304 0506 0708 090A0B0C0D0E0F10  80 01 08000000 03 04";
     EXPECT_EQ(hex(bytes), info.serialize());
-    const auto back = read<ROM::SystemInfo>(bytes);
-    EXPECT_TRUE(guidEquals(SOME_GUID, back->getSystemInfoData().getGUID()));
-    EXPECT_EQ(3, back->getZT536HardwareInfoData().getQvgaDType());
-    EXPECT_EQ(4, back->getZT536HardwareInfoData().getLensType());
-}
-
-TEST(RomObjects, SystemInfoDefaults) {
+    EXPECT_EQ(hex(bytes), read<ROM::SystemInfo>(bytes)->serialize());
     constexpr GUID fallback = {0x1024966D, 0x1634, 0x4756, {0x9A, 0xBC, 0x99, 0x97, 0x91, 0x59, 0x1F, 0x45}};
-    const auto info = read<ROM::SystemInfo>("80 01 08000000 03 04");
-    EXPECT_TRUE(guidEquals(fallback, info->getSystemInfoData().getGUID()));
-    EXPECT_EQ(3, info->getZT536HardwareInfoData().getQvgaDType());
+    const auto half = read<ROM::SystemInfo>("80 01 08000000 03 04");
+    EXPECT_TRUE(guidEquals(fallback, half->getSystemInfoData().getGUID()));
+    EXPECT_EQ(3, half->getZT536HardwareInfoData().getQvgaDType());
     EXPECT_EQ(0, read<ROM::SystemInfo>("")->getZT536HardwareInfoData().getLensType());
 }
 
@@ -124,16 +117,8 @@ TEST(RomObjects, ConfigurationBytes) {
     const auto bytes = hex("22 01 0B000000 01 3F800000  40 01 08000000 FFFE  41 01 08000000 0103"
                            "42 01 10000000 03 02 3F800000 C0200000  43 01 08000000 C8 00");
     EXPECT_EQ(bytes, full.serialize());
-    const auto back = Reader<ROM::Configuration>::read(bytes);
-    EXPECT_THAT(back->getTemperatureCalibration().getValues(), ElementsAre(1.0f));
-    EXPECT_EQ(-2, back->getPhaseOffset().getPhaseOffset());
-    EXPECT_EQ(259, back->getPhaseOffset2().getPhaseOffset());
-    EXPECT_EQ(3, static_cast<int>(back->getTemperatureCompensation().getAlgorithmID()));
-    EXPECT_EQ(200, static_cast<int>(back->getCyclicErrorCorrection().getAlgorithmID()));
-    EXPECT_EQ(bytes, back->serialize());
-}
-
-TEST(RomObjects, AnAbsentSecondOffsetReplacesTheFirstWhenWritten) {
+    EXPECT_EQ(bytes, Reader<ROM::Configuration>::read(bytes)->serialize());
+    // An absent second offset replaces the first when it is written.
     const auto once = read<ROM::Configuration>("40 01 08000000 0005");
     EXPECT_EQ(5, once->getPhaseOffset().getPhaseOffset());
     EXPECT_EQ(ROM::PhaseOffset::MARKER, once->getPhaseOffset2().getMarker());
@@ -158,12 +143,8 @@ TEST(RomObjects, SystemCalibrationBytes) {
             "41200000 41A00000 41F00000" + "21 01 12000000 3F800000 40000000 40400000");
     EXPECT_EQ(bytes, calibration.serialize());
     const auto back = Reader<ROM::SystemCalibration>::read(bytes);
-    ASSERT_EQ(2u, back->getDepthIntrinsics().size());
-    EXPECT_TRUE(back->getDepthIntrinsics()[1] == depth);
     ASSERT_EQ(1u, back->getColorIntrinsics().size());
     EXPECT_EQ(ROM::IntrinsicsData::Type::Color, back->getColorIntrinsics()[0].getType());
-    EXPECT_EQ(20, back->getExtrinsics().getT2());
-    EXPECT_EQ(3, back->getAccelerometerCalibration().getZ());
     EXPECT_EQ(bytes, back->serialize());
 }
 
@@ -174,7 +155,6 @@ TEST(RomObjects, CorrectionBytes) {
                            "45 01 0C000000 003C 00000000");
     EXPECT_EQ(bytes, correction.serialize());
     const auto back = Reader<ROM::GradientDistortionCorrection>::read(bytes);
-    EXPECT_EQ("AB", back->getGradientDistortionCorrectionHeader().getSerialId());
     ASSERT_EQ(2u, back->getGradientDistortionCorrectionData().size());
     EXPECT_TRUE(back->getGradientDistortionCorrectionData()[1] ==
                 ROM::GradientDistortionCorrectionData(60, {}));
@@ -186,74 +166,51 @@ TEST(RomObjects, CorrectionBytes) {
     EXPECT_EQ("AB", odd->getGradientDistortionCorrectionHeader().getSerialId());
 }
 
-struct Damage {
-    const char* name;
-    ROM::ContainerSectionType type;
-    const char* bytes;
-    const char* warning;
-};
-
-class DamagedRecords : public testing::TestWithParam<Damage> {};
-
 // Each is refused with its warning, and the object that comes out is the one of no records at all.
-TEST_P(DamagedRecords, AreSkippedWithAWarning) {
-    LogCapture log;
-    const std::unique_ptr<ROM::Object> object(
-        ObjectReader::deserialize(GetParam().type, hex(GetParam().bytes)));
-    const std::unique_ptr<ROM::Object> empty(ObjectReader::deserialize(GetParam().type, {}));
-    ASSERT_TRUE(object);
-    EXPECT_EQ(empty->serialize(), object->serialize());
-    EXPECT_THAT(log.text(), HasSubstr(GetParam().warning));
+TEST(RomObjects, DamagedRecordsAreSkippedWithAWarning) {
+    using Type = ROM::ContainerSectionType;
+    const struct {
+        Type type;
+        const char* bytes;
+        const char* record; ///< that the warning names
+    } rows[] = {
+        {Type::SystemInfo, "01 01 15000000 01020304 0506 0708 090A0B0C0D0E0F", "SystemInfoData"},
+        {Type::SystemInfo, "80 01 07000000 03", "ZT536HardwareInfoData"},
+        {Type::Configuration, "40 00 08000000 0001", "PhaseOffset"}, // another version; a later one
+        {Type::Configuration, "40 02 08000000 0001", "PhaseOffset"},
+        {Type::Configuration, "41 01 07000000 00", "PhaseOffset"}, // cut
+        {Type::Configuration, "22 01 0B000000 02 3F800000", "TemperatureCalibrationData"},
+        {Type::Configuration, "42 01 07000000 03", "TemperatureCompensationData"}, // no count
+        {Type::Configuration, "43 01 08000000 03 FF", "CyclicErrorCorrectionData"},
+        {Type::Diagnostic, "20 01 07000000 05", "OverheatingDiagnosticData"},
+        {Type::SystemCalibration, "10 01 0A000000 0140 00F0", "IntrinsicsData"},
+        {Type::SystemCalibration, "12 02 06000000", "ExtrinsicsData"},
+        {Type::SystemCalibration, "21 01 06000000", "AccelerometerCalibrationData"},
+        {Type::GradientDistortionCorrection, "44 01 11000000 0102 01020304 02 03 414243", // no end of the id
+         "GradientDistortionCorrectionHeader"},
+        {Type::GradientDistortionCorrection, "45 01 0F000000 001E FFFFFFFF 010203",
+         "GradientDistortionCorrectionData"},
+        {Type::GradientDistortionCorrection, "45 01 0F000000 001E 00000004 010203", // one byte short
+         "GradientDistortionCorrectionData"},
+    };
+    for (const auto& row : rows) {
+        LogCapture log;
+        const std::unique_ptr<ROM::Object> object(ObjectReader::deserialize(row.type, hex(row.bytes)));
+        const std::unique_ptr<ROM::Object> empty(ObjectReader::deserialize(row.type, {}));
+        ASSERT_TRUE(object) << row.bytes;
+        EXPECT_EQ(empty->serialize(), object->serialize()) << row.bytes;
+        EXPECT_THAT(log.warnings(), ElementsAre(std::string("Failed to deserialized ") + row.record));
+    }
 }
 
-using Type = ROM::ContainerSectionType;
-INSTANTIATE_TEST_SUITE_P(
-    Rom, DamagedRecords,
-    testing::Values(
-        Damage{"SystemInfoShort", Type::SystemInfo, "01 01 15000000 01020304 0506 0708 090A0B0C0D0E0F",
-               "Failed to deserialized SystemInfoData"},
-        Damage{"HardwareShort", Type::SystemInfo, "80 01 07000000 03",
-               "Failed to deserialized ZT536HardwareInfoData"},
-        Damage{"OffsetVersion", Type::Configuration, "40 00 08000000 0001",
-               "Failed to deserialized PhaseOffset"},
-        Damage{"OffsetOfALaterVersion", Type::Configuration, "40 02 08000000 0001",
-               "Failed to deserialized PhaseOffset"},
-        Damage{"SecondOffsetShort", Type::Configuration, "41 01 07000000 00",
-               "Failed to deserialized PhaseOffset"},
-        Damage{"CountPastTheRecord", Type::Configuration, "22 01 0B000000 02 3F800000",
-               "Failed to deserialized TemperatureCalibrationData"},
-        Damage{"NoCount", Type::Configuration, "42 01 07000000 03",
-               "Failed to deserialized TemperatureCompensationData"},
-        Damage{"CountOf255", Type::Configuration, "43 01 08000000 03 FF",
-               "Failed to deserialized CyclicErrorCorrectionData"},
-        Damage{"CountersShort", Type::Diagnostic, "20 01 07000000 05",
-               "Failed to deserialized OverheatingDiagnosticData"},
-        Damage{"UnknownMarker", Type::Diagnostic, "63 01 07000000 05", "Failed to deserialize data for 99"},
-        Damage{"LensShort", Type::SystemCalibration, "10 01 0A000000 0140 00F0",
-               "Failed to deserialized IntrinsicsData"},
-        Damage{"TransformVersion", Type::SystemCalibration, "12 02 06000000",
-               "Failed to deserialized ExtrinsicsData"},
-        Damage{"AccelerometerEmpty", Type::SystemCalibration, "21 01 06000000",
-               "Failed to deserialized AccelerometerCalibrationData"},
-        Damage{"IdWithoutEnd", Type::GradientDistortionCorrection,
-               "44 01 11000000 0102 01020304 02 03 414243",
-               "Failed to deserialized GradientDistortionCorrectionHeader"},
-        Damage{"HugeTable", Type::GradientDistortionCorrection, "45 01 0F000000 001E FFFFFFFF 010203",
-               "Failed to deserialized GradientDistortionCorrectionData"},
-        Damage{"TableOneShort", Type::GradientDistortionCorrection, "45 01 0F000000 001E 00000004 010203",
-               "Failed to deserialized GradientDistortionCorrectionData"}),
-    [](const auto& parameter) { return parameter.param.name; });
-
-TEST(RomObjects, TheRestLoadsAroundDamage) {
-    const auto diagnostic = read<ROM::Diagnostic>(
-        "63 01 08000000 0102  20 02 08000000 0909  20 01 09000000 05 06 FF"); // longer is accepted
+// The rest loads around damage, a longer record is accepted, and the later of two counts.
+TEST(RomObjects, OtherRecordsLoadAroundDamage) {
+    LogCapture log;
+    const auto diagnostic = read<ROM::Diagnostic>("63 01 08000000 0102  20 02 08000000 0909"
+                                                  "20 01 08000000 0102  20 01 09000000 05 06 FF");
     EXPECT_EQ(5, diagnostic->getOverheatingDiagnosticData().getSoftCounter());
     EXPECT_EQ(6, diagnostic->getOverheatingDiagnosticData().getHardCounter());
-}
-
-TEST(RomObjects, TheLaterRecordCounts) {
-    const auto diagnostic = read<ROM::Diagnostic>("20 01 08000000 0102  20 01 08000000 0304");
-    EXPECT_EQ(3, diagnostic->getOverheatingDiagnosticData().getSoftCounter());
+    EXPECT_THAT(log.text(), HasSubstr("Failed to deserialize data for 99"));
 }
 
 TEST(RomObjects, ReadingStopsWhereNoWholeRecordIs) {

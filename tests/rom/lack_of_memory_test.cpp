@@ -71,8 +71,12 @@ TEST_P(LackOfMemory, AMountFindsEverythingOrThrows) {
     walkAllocations([&](const auto& under) { // the manager alone: all blocks or none
         Camera camera(GetParam());
         ROM::ChunkedMemoryManager& manager = camera.storage.manager;
+        const ROM::MemoryBlockHeader* pending = manager.allocate(5);
+        if (under([&] { manager.allocate(5); }))
+            manager.write(pending, pattern(5)); // it still is
+        const std::size_t blocks = manager.getBlockMap().size();
         const bool threw = under([&] { manager.initialize(); });
-        EXPECT_EQ(threw ? 0u : 6u, manager.getBlockMap().size());
+        EXPECT_EQ(threw ? 0u : blocks, manager.getBlockMap().size());
         EXPECT_EQ(!threw, manager.romInitialized());
     });
 }
@@ -100,16 +104,6 @@ TEST_P(LackOfMemory, AFormatLeavesMemoryAndFlashInAgreement) {
             again.container.initialize();
             EXPECT_TRUE(holds(again.container, {}));
         });
-}
-
-TEST_P(LackOfMemory, AnAllocationThatFailsLeavesThePendingBlock) {
-    walkAllocations([&](const auto& under) {
-        Camera camera(GetParam());
-        ROM::ChunkedMemoryManager& manager = camera.storage.manager;
-        const ROM::MemoryBlockHeader* pending = manager.allocate(5);
-        if (under([&] { manager.allocate(5); }))
-            manager.write(pending, pattern(5));
-    });
 }
 
 INSTANTIATE_TEST_SUITE_P(Rom, LackOfMemory, testing::Bool(),
@@ -143,19 +137,16 @@ TEST(LackOfMemoryTest, ACorrectionImageStaysAsItWas) {
     const TemporaryDirectory directory;
     const std::string fileName = directory.path("image.bin");
     Utils::writeFile(fileName, std::string(20000, 'x'));
-    for (const int operation : {0, 1, 2})
+    const Bytes bytes = pattern(4);
+    using Image = ROM::GradientDistortionCorrectionAccessor;
+    const std::function<void(Image&)> operations[] = {
+        [](Image& image) { static_cast<void>(image.read(100, 16)); },
+        [&](Image& image) { image.write(60, bytes); }, [&](Image& image) { image.read(fileName); }};
+    for (const auto& operation : operations)
         walkAllocations([&](const auto& under) {
-            ROM::GradientDistortionCorrectionAccessor accessor("");
+            Image accessor("");
             accessor.write(0, pattern(50));
-            const Bytes bytes = pattern(4);
-            const bool threw = under([&] {
-                if (operation == 0)
-                    static_cast<void>(accessor.read(100, 16));
-                else if (operation == 1)
-                    accessor.write(60, bytes);
-                else
-                    accessor.read(fileName);
-            });
+            const bool threw = under([&] { operation(accessor); });
             if (threw) {
                 accessor.write(52, {1}); // the gap tells how long the image was
                 Bytes wanted = pattern(50);

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cctype>
 
-#include <zentara/utils/crc.h>
-
 namespace Zentara::TestSupport {
 
 Bytes hex(const std::string& text) {
