@@ -200,7 +200,7 @@ TEST_F(ContainerTest, AFullFlashKeepsWhatItHas) {
 
 TEST_F(ContainerTest, FormattingBehindAForeignFirstBlockDoesNotLast) {
     format();
-    setByte(17 + 10, 9); // in the container header, so that its checksum is wrong
+    put(17 + 10, {9}); // in the container header, so that its checksum is wrong
     format();
     EXPECT_TRUE(container->romInitialized());
     mount();

@@ -41,7 +41,6 @@ struct BlockProbe : ROM::MemoryBlockHeader {
     using MemoryBlockHeader::deserialize;
     using MemoryBlockHeader::getAllocatedSize;
     using MemoryBlockHeader::getBlockOffset;
-    using MemoryBlockHeader::getNextBlockOffset;
     using MemoryBlockHeader::serialize;
 };
 
@@ -72,7 +71,6 @@ protected:
 
     // On the flash
     void put(std::uint32_t address, const Bytes& bytes);
-    void setByte(std::uint32_t address, std::uint8_t value) { put(address, {value}); }
     void putHeader(std::uint32_t firstBlock, std::uint32_t chunkSize, std::uint32_t available,
                    std::uint8_t version = 1, std::uint8_t minReadoutVersion = 1);
     void putBlock(std::uint32_t address, std::uint32_t size, std::uint32_t next, const Bytes& content = {});

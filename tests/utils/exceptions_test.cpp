@@ -10,7 +10,6 @@
 namespace Zentara::Utils {
 namespace {
 
-using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
@@ -27,9 +26,7 @@ TEST(UException, IsTheRootOfEveryKind) {
 
 TEST(ErrorText, NumbersErrorsInThirtyTwoBits) {
     const std::string text = formatError(2, "cannot open");
-    EXPECT_THAT(text, StartsWith("cannot open (error 0x2: "));
-    EXPECT_THAT(text, EndsWith(")"));
-    EXPECT_GT(text.size(), std::string("cannot open (error 0x2: )").size());
+    EXPECT_THAT(text, testing::MatchesRegex("cannot open \\(error 0x2: .+\\)"));
     EXPECT_THAT(text, Not(HasSubstr("\n")));
     EXPECT_EQ(USystemException(2, "cannot open").message(), text);
     EXPECT_EQ(formatError(0x3FFFFFF7, "x"), "x (error 0x3ffffff7)");

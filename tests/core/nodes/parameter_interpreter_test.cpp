@@ -223,13 +223,10 @@ TEST_F(ParameterInterpreterTest, AnInstanceThatFailsIsDestroyedAtOnce) {
     EXPECT_EQ(failure([&] { empty->initialize(nullptr, noTransfer, noTransfer, {}, {}); }), refused);
 }
 
-class NoLibrary final : public ParameterInterpreter {
-public:
-    NoLibrary() : ParameterInterpreter(BACK_END, nullptr) {}
-};
-
 TEST_F(ParameterInterpreterTest, NeedsALibraryThatIsAParameterBackEnd) {
-    NoLibrary interpreter;
+    struct NoLibrary final : ParameterInterpreter {
+        NoLibrary() : ParameterInterpreter(BACK_END, nullptr) {}
+    } interpreter;
     EXPECT_EQ(failure([&] { interpreter.initialize(nullptr, nullptr, nullptr, {}, {}); }),
               "6: Invalid shared library handle");
     EXPECT_EQ(failure([] { static_cast<void>(LibraryParameterInterpreter::create(VIDEO_DEVICE)); }),
