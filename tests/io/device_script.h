@@ -44,9 +44,8 @@ protected:
 
 constexpr GUID VIDEO_DEVICE = {0x10000001, 1, 2, {1, 2, 3, 4, 5, 6, 7, 8}};
 constexpr GUID AUDIO_DEVICE = {0x10000002, 1, 2, {1, 2, 3, 4, 5, 6, 7, 8}};
-/// Factories that make no device: null, an exception, another object, and one that goes by another's name.
+/// Factories that make no device: null, another object, and one that goes by another's name.
 constexpr GUID NULL_DEVICE = {0x10000003, 1, 2, {1, 2, 3, 4, 5, 6, 7, 8}};
-constexpr GUID THROWING_DEVICE = {0x10000004, 1, 2, {1, 2, 3, 4, 5, 6, 7, 8}};
 constexpr GUID OTHER_DEVICE = {0x10000005, 1, 2, {1, 2, 3, 4, 5, 6, 7, 8}};
 constexpr GUID MISNAMED_DEVICE = {0x10000008, 1, 2, {1, 2, 3, 4, 5, 6, 7, 8}};
 /// A video device of which no other test leaves a failed request behind.

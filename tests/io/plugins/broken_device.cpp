@@ -1,6 +1,5 @@
-// A plug-in whose factory does not make the device that it should: null, an exception, or another object.
+// A plug-in whose factory does not make the device that it should: null, or another object.
 #include <zentara/core/plugin.h>
-#include <zentara/plugin/plugin_exceptions.h>
 
 #include "io/device_script.h"
 #include "support/plain_versions.h"
@@ -32,10 +31,6 @@ class MisnamedObject : public OtherObject {
 public:
     MisnamedObject() : OtherObject(Testing::NULL_DEVICE) {}
 };
-
-[[maybe_unused]] Zentara::Core::Plugin* refuse() {
-    throw Zentara::Plugin::IOPluginException("no such hardware");
-}
 
 } // namespace
 
