@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <zentara/io/enumerator_interface.h>
+#include <zentara/plugin/plugin_exceptions.h>
 
 #include "core/nodes/record_store.h"
 
