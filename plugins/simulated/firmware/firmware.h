@@ -35,6 +35,8 @@ public:
     [[nodiscard]] std::optional<std::size_t> length(std::uint32_t selector) const;
     /// The controls that there are.
     [[nodiscard]] std::vector<std::uint32_t> selectors() const;
+    /// False for a control that can only be read.
+    [[nodiscard]] bool canBeSent(std::uint32_t selector) const { return !controls.at(selector).readOnly; }
     /// Whether a packet in a SET is the question of the GET that follows: on a wire where a GET carries nothing to the
     /// camera, it has to come before.
     [[nodiscard]] bool asks(std::uint32_t selector, const Bytes& packet) const {
@@ -59,6 +61,7 @@ protected:
         std::function<void(const Bytes& packet)> set;
         std::function<Bytes(const Bytes& request)> get;
         std::function<bool(const Bytes& packet)> isQuestion;
+        bool readOnly = false;
     };
     using Controls = std::map<std::uint32_t, Control>; ///< by selector
 

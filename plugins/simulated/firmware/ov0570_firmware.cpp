@@ -43,7 +43,7 @@ OV0570Firmware::OV0570Firmware(Settings initial)
           "OV0570", unitGuid, 6,
           {{informationControl,
             {informationBytes, [this](const Bytes&) { stall(*this, "the control information is read-only"); },
-             [this](const Bytes&) { return controlInformation(); }, [](const Bytes&) { return true; }}},
+             [this](const Bytes&) { return controlInformation(); }, [](const Bytes&) { return true; }, true}},
            {registerControl,
             {registerBytes, [this](const Bytes& packet) { writeRegister(packet); },
              [this](const Bytes& request) { return readRegister(request); },

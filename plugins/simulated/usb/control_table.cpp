@@ -17,7 +17,6 @@ constexpr std::uint8_t gainSelector = 4;
 constexpr std::uint8_t muteSelector = 1; // of a microphone's features
 constexpr std::uint8_t levelSelector = 2;
 constexpr std::int32_t stepsPerDecibel = 256;
-constexpr std::uint8_t canBeReadAndSet = 3;
 
 Bytes encode(std::int32_t value, std::size_t bytes) {
     Bytes encoded;

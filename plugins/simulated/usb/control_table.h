@@ -21,6 +21,9 @@ enum ClassRequest : std::uint8_t {
     GetDef = 0x87,
 };
 
+/// The answer of GetInfo: bit 0 that a control can be read, bit 1 that it can be set.
+constexpr std::uint8_t canBeReadAndSet = 3;
+
 /// What the units and terminals of a camera let a host set: exposure, brightness, contrast and gain of a colour chain, mute
 /// and level of the microphone. Bound.
 class ControlTable final {

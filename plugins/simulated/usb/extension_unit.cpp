@@ -5,11 +5,6 @@
 #include "plugins/simulated/usb/control_table.h"
 
 namespace Zentara::Simulated {
-namespace {
-
-constexpr std::uint8_t canBeReadAndSet = 3; // also what is only read is asked by a SET
-
-} // namespace
 
 std::optional<Bytes> ExtensionUnit::answer(const Setup& setup, const Bytes& data) try {
     const Firmware& firmware = port.model();
@@ -26,7 +21,7 @@ std::optional<Bytes> ExtensionUnit::answer(const Setup& setup, const Bytes& data
     case GetLen:
         return Bytes{static_cast<std::uint8_t>(*bytes), static_cast<std::uint8_t>(*bytes >> 8)};
     case GetInfo:
-        return Bytes{canBeReadAndSet};
+        return Bytes{canBeReadAndSet}; // also what is only read is asked by a SET
     case GetMin:
     case GetDef:
         return Bytes(*bytes, 0);
