@@ -32,10 +32,15 @@ constexpr std::uint16_t threeTimes1024 = 2U << 11 | 1024; // a microframe
 constexpr std::uint16_t audioPacket = audioSampleRate / 1000 * audioChannels * audioBitsPerSample / 8 +
                                       4; // a millisecond, with room for one sample
 
+void append(Bytes& all, const Bytes& more) { all.insert(all.end(), more.begin(), more.end()); }
+
 /// One descriptor; its first byte, the length, is known when it is done.
 class Descriptor {
 public:
-    explicit Descriptor(std::uint8_t type) : bytes{0, type} {}
+    explicit Descriptor(std::uint8_t type) {
+        bytes.reserve(255); // no descriptor is longer
+        bytes = {0, type};
+    }
 
     Descriptor& u8(std::initializer_list<unsigned> values) {
         for (const unsigned value : values)
@@ -45,7 +50,7 @@ public:
     Descriptor& u16(unsigned value) { return u8({value & 0xFF, value >> 8 & 0xFF}); }
     Descriptor& u32(std::uint32_t value) { return u16(value & 0xFFFF).u16(value >> 16); }
     Descriptor& raw(const Bytes& more) {
-        bytes.insert(bytes.end(), more.begin(), more.end());
+        append(bytes, more);
         return *this;
     }
 
@@ -57,8 +62,6 @@ public:
 private:
     Bytes bytes;
 };
-
-void append(Bytes& all, const Bytes& more) { all.insert(all.end(), more.begin(), more.end()); }
 
 Bytes associationOf(unsigned first, unsigned count, unsigned usbClass, unsigned subclass) {
     return Descriptor(associationType).u8({first, count, usbClass, subclass, 0, 0}).done();
