@@ -19,6 +19,8 @@ struct FoundVideo {
     std::vector<std::uint32_t> formats; ///< the kernel's four characters, the first one in the low byte
     bool closed =
         false; ///< this user may not open it: the formats are those that the camera's descriptors name
+
+    friend bool operator==(const FoundVideo&, const FoundVideo&) = default;
 };
 
 /// A camera as the system tells of it.
@@ -35,6 +37,8 @@ struct FoundCamera {
     std::vector<FoundVideo> videos;
     std::vector<std::string> microphones; ///< "hw:1,0"
     std::string refusal;                  ///< why there is no video node of it; empty unless that is so
+
+    friend bool operator==(const FoundCamera&, const FoundCamera&) = default;
 };
 
 /// Looks at what is plugged in. Nodes are told apart by what they can do: those of metadata are left out. A node is opened

@@ -135,6 +135,7 @@ void UsbEnumerator::initialize(Utils::Collection::Queue<ExternalEvent>* events,
 void UsbEnumerator::dispose() {
     EnumeratorInterface::dispose();
     const AutoLock hold(lock); // whoever is looking has done with the store then
+    known.clear();
     present.clear();
     announced.clear();
 }
@@ -181,27 +182,35 @@ void* UsbEnumerator::run(void*) {
 
 void UsbEnumerator::look() {
     std::vector<NodeEvent> found;
+    std::vector<Known> now;
     if (getDescriptorStore() != nullptr) {
-        for (const FoundCamera& camera : scan.look())
-            addCamera(camera, found);
+        for (FoundCamera& camera : scan.look()) {
+            const auto before = std::find_if(known.begin(), known.end(),
+                                             [&](const Known& one) { return one.camera == camera; });
+            std::vector<NodeEvent> nodes = before == known.end() ? nodesOf(camera) : before->nodes;
+            found.insert(found.end(), nodes.begin(), nodes.end());
+            now.push_back({std::move(camera), std::move(nodes)});
+        }
     }
+    known = std::move(now);
     number(found, present);
     present = std::move(found);
 }
 
-void UsbEnumerator::addCamera(const FoundCamera& camera, std::vector<NodeEvent>& nodes) {
+std::vector<NodeEvent> UsbEnumerator::nodesOf(const FoundCamera& camera) {
     if (!camera.refusal.empty()) {
         NodeEvent node = describe(camera);
         node.path = camera.path;
         node.name = camera.name + ": " + camera.refusal;
-        nodes.push_back(std::move(node));
-        return;
+        return {node};
     }
+    std::vector<NodeEvent> nodes;
     std::vector<Described> described = describedNodes(camera);
     if (described.empty())
         addGeneric(camera, nodes);
     else
         addDescribed(camera, std::move(described), nodes);
+    return nodes;
 }
 
 /// The nodes that descriptions have for a camera, whatever their interface is called: at the kernel all are alike.

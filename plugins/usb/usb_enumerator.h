@@ -36,6 +36,11 @@ public:
     void* run(void* argument) override;
 
 private:
+    /// A camera as it was found, and the nodes that it has.
+    struct Known {
+        FoundCamera camera;
+        std::vector<NodeEvent> nodes; ///< their numbers among cameras of one kind are not yet told
+    };
     /// A node that a description has.
     struct Described {
         NodeEvent event; ///< as the description fills it
@@ -43,7 +48,7 @@ private:
     };
 
     void look() ZENTARA_REQUIRES(lock);
-    void addCamera(const FoundCamera& camera, std::vector<NodeEvent>& nodes) ZENTARA_REQUIRES(lock);
+    [[nodiscard]] std::vector<NodeEvent> nodesOf(const FoundCamera& camera) ZENTARA_REQUIRES(lock);
     [[nodiscard]] std::vector<Described> describedNodes(const FoundCamera& camera) ZENTARA_REQUIRES(lock);
     void addDescribed(const FoundCamera& camera, std::vector<Described> described,
                       std::vector<NodeEvent>& nodes) ZENTARA_REQUIRES(lock);
@@ -52,6 +57,8 @@ private:
 
     Utils::Threading::Mutex lock; ///< never held while the queue is used
     CameraScan scan ZENTARA_GUARDED_BY(lock);
+    /// At the last look. A store is asked for hundreds of nodes a camera, so it is asked again for those alone that changed.
+    std::vector<Known> known ZENTARA_GUARDED_BY(lock);
     std::vector<NodeEvent> present ZENTARA_GUARDED_BY(lock);   ///< at the last look
     std::vector<NodeEvent> announced ZENTARA_GUARDED_BY(lock); ///< what the host was told
     DeviceNews news;

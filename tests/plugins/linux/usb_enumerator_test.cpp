@@ -18,6 +18,7 @@ using TestSupport::Descriptors;
 class Store final : public Core::DescriptorStoreRO {
 public:
     bool selectNode(const HardwareIDs& wanted, Core::Profile) override {
+        ++asked;
         const bool described = wanted.vendorId == 0x1234 && wanted.productId == 0x5678 &&
                                wanted.revision == 0x102 &&
                                (wanted.interfaceNumber == 3 || wanted.interfaceNumber == 5);
@@ -38,6 +39,8 @@ public:
     [[nodiscard]] HardwareIDs getNodeHardwareIDs() const override { return ids; }
     [[nodiscard]] const Core::DeviceDescriptor* getDeviceDescriptor() const override { return nullptr; }
     [[nodiscard]] const Core::NodeDescriptor* getNodeDescriptor() const override { return nullptr; }
+
+    int asked = 0;
 
 private:
     HardwareIDs ids;
@@ -86,6 +89,9 @@ TEST(UsbEnumerator, TellsNodesApartByWhatTheyDeliver) {
     EXPECT_THAT(nodes[6].name, HasSubstr("without an input terminal"));
     EXPECT_EQ(nodes[6].nodeType, NodeType_NONE);
     EXPECT_EQ(kernel->openFiles, 0);
+    store.asked = 0;
+    EXPECT_TRUE(enumerator.isPresent(nodes[2]));
+    EXPECT_EQ(store.asked, 0) << "nothing has changed";
     tree.remove("class/video4linux/video2");
     EXPECT_FALSE(enumerator.isPresent(nodes[2]));
     EXPECT_TRUE(enumerator.isPresent(nodes[5]));
