@@ -9,8 +9,6 @@
 #include <zentara/utils/format.h>
 #include <zentara/utils/kv_logger.h>
 
-#include "plugins/linux/pending_request.h"
-
 namespace Zentara::Alsa {
 
 // Inside the device's own operations "Plugin" is the base class, so the exceptions are named here.
@@ -36,88 +34,24 @@ void requireLevel(float level) {
 
 } // namespace
 
-AlsaDevice::AlsaDevice() : AudioDeviceInterface(Core::Guids::ALSAAUDIO_IMPL), path(defaultPath) {}
+AlsaDevice::AlsaDevice() : KernelDevice(Core::Guids::ALSAAUDIO_IMPL, defaultPath) {}
 
 AlsaDevice::~AlsaDevice() { letGo(); }
 
 void AlsaDevice::initialize(NodeEvent* event, Core::DescriptorStoreRO* store) {
     AudioDeviceInterface::initialize(event, store);
-    letGo();
-    path = event->path;
-}
-
-void AlsaDevice::dispose() {
-    letGo();
-    AudioDeviceInterface::dispose();
-}
-
-void AlsaDevice::threadInitialize() {}
-void AlsaDevice::threadUninitialize() {}
-
-std::shared_ptr<Linux::CallThread> AlsaDevice::caller() {
-    const AutoLock hold(lock);
-    return ownThread;
-}
-
-bool AlsaDevice::cancelIO() {
-    const auto thread = caller();
-    return thread && thread->cancel();
-}
-
-void AlsaDevice::letGo() noexcept {
-    std::shared_ptr<Linux::CallThread> thread;
-    std::shared_ptr<Microphone> last;
-    {
-        const AutoLock hold(lock);
-        thread = std::move(ownThread);
-        last = std::move(microphone);
-    }
-    if (!last)
-        return;
-    last->end();
-    { const AutoLock reader(reading); }
-    thread->leave("close the microphone", [own = std::move(last)]() mutable { own.reset(); });
-}
-
-template<typename Work>
-auto AlsaDevice::call(IO::deviceRequest* request, const std::string& what, Work work) {
-    const auto thread = caller();
-    const Linux::PendingRequest pending(request);
-    return thread->call(what, std::move(work));
-}
-
-std::shared_ptr<Microphone> AlsaDevice::require(const char* operation) {
-    const AutoLock hold(lock);
-    if (!microphone)
-        throw InvalidOperationPluginException(Format("%: cannot %: the device is closed; open it first") %
-                                              path % operation);
-    return microphone;
+    attach(event->path, event->path); // a card is silent for itself
 }
 
 void AlsaDevice::open(IO::deviceRequest* request) {
-    {
-        const AutoLock hold(lock);
-        if (microphone)
-            throw InvalidOperationPluginException(Format("%: cannot open: the device is open already") %
-                                                  path);
-        if (!ownThread)
-            ownThread = std::make_shared<Linux::CallThread>(path, path); // a card is silent for itself
-    }
-    auto opened =
-        call(request, "open the microphone", [place = path] { return std::make_shared<Microphone>(place); });
-    const AutoLock hold(lock);
-    microphone = std::move(opened);
+    openWith(request, "open the microphone", [place = path] { return std::make_shared<Microphone>(place); });
 }
 
-void AlsaDevice::close(IO::deviceRequest* request) {
-    auto last = require("close");
-    last->end();
-    const AutoLock reader(reading);
-    {
-        const AutoLock hold(lock);
-        microphone.reset();
-    }
-    call(request, "close the microphone", [own = std::move(last)]() mutable { own.reset(); });
+/// A microphone and its stream are one.
+std::shared_ptr<void> AlsaDevice::endStream() noexcept {
+    if (opened)
+        opened->end();
+    return nullptr;
 }
 
 void AlsaDevice::disableStreaming(IO::disableRequest* request) {
@@ -133,11 +67,7 @@ ReadBufferStatus AlsaDevice::readBuffer(void* buffer, int size, std::int64_t* ti
     if (buffer == nullptr || timestamp == nullptr || length == nullptr)
         throw ArgumentPluginException("readBuffer: a pointer is null");
     const AutoLock reader(reading);
-    std::shared_ptr<Microphone> present;
-    {
-        const AutoLock hold(lock);
-        present = microphone;
-    }
+    const auto present = openedOrNull();
     return present ? present->read(buffer, size, timestamp, length) : ReadBufferStatus_NOT_STREAMING;
 }
 

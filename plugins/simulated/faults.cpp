@@ -6,7 +6,7 @@
 #include <zentara/utils/clock.h>
 #include <zentara/utils/format.h>
 
-#include "plugins/simulated/pending_request.h"
+#include "plugins/devices/pending_request.h"
 
 namespace Zentara::Simulated {
 namespace {
@@ -55,7 +55,7 @@ void Faults::meet(Operation operation, IO::deviceRequest* request) {
         return;
     if (fault->kind != Fault::Kind::Hang)
         raise(*fault);
-    const PendingRequest pending(request);
+    const Devices::PendingRequest pending(request);
     if (pending.alreadyCancelled() || !hang(fault->milliseconds))
         throw Plugin::IOPluginException(Utils::Format("%: cancelled") % operationName(operation));
 }

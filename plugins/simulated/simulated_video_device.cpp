@@ -15,7 +15,7 @@
 #include <zentara/utils/format.h>
 
 #include "plugins/descriptions/wire.h"
-#include "plugins/simulated/pending_request.h"
+#include "plugins/devices/pending_request.h"
 
 namespace Zentara::Simulated {
 
@@ -230,7 +230,7 @@ void SimulatedVideoDevice::setCameraControl(IO::setCameraControlRequest* request
 
 void SimulatedVideoDevice::send(IO::xuSendRequest* request) {
     meet(Operation::Send, request);
-    const PendingRequest pending(request);
+    const Devices::PendingRequest pending(request);
     requirePort(Operation::Send)
         ->set(request->getUnit(), static_cast<std::uint32_t>(request->getControl()), request->getData(),
               request->getLength());
@@ -238,7 +238,7 @@ void SimulatedVideoDevice::send(IO::xuSendRequest* request) {
 
 void SimulatedVideoDevice::recv(IO::xuRecvRequest* request) {
     meet(Operation::Recv, request);
-    const PendingRequest pending(request);
+    const Devices::PendingRequest pending(request);
     const auto control = static_cast<std::uint32_t>(request->getControl());
     const std::shared_ptr<Port> own = requirePort(Operation::Recv);
     const std::optional<Bytes> told = own->describe(request->getUnit(), control);

@@ -18,7 +18,6 @@
 #include <zentara/utils/format.h>
 #include <zentara/utils/kv_logger.h>
 
-#include "plugins/linux/pending_request.h"
 #include "plugins/linux/sysfs.h"
 #include "plugins/v4l2/camera_settings.h"
 
@@ -85,78 +84,13 @@ void tellBroken(const std::string& path, std::uint64_t count) {
 V4l2Device::V4l2Device() : V4l2Device(Linux::systemKernel()) {}
 
 V4l2Device::V4l2Device(std::shared_ptr<Linux::Kernel> system)
-    : VideoDeviceInterface(Core::Guids::V4L2VIDEO_IMPL), kernel(std::move(system)), path(defaultPath) {}
+    : KernelDevice(Core::Guids::V4L2VIDEO_IMPL, defaultPath), kernel(std::move(system)) {}
 
 V4l2Device::~V4l2Device() { letGo(); }
 
 void V4l2Device::initialize(NodeEvent* event, Core::DescriptorStoreRO* store) {
     VideoDeviceInterface::initialize(event, store);
-    letGo();
-    path = event->path;
-    const AutoLock hold(lock);
-    ownThread = std::make_shared<Linux::CallThread>(event->parentPath, path);
-}
-
-void V4l2Device::dispose() {
-    letGo();
-    VideoDeviceInterface::dispose();
-}
-
-void V4l2Device::threadInitialize() {}
-void V4l2Device::threadUninitialize() {}
-
-std::shared_ptr<Linux::CallThread> V4l2Device::caller() {
-    const AutoLock hold(lock);
-    return ownThread;
-}
-
-bool V4l2Device::cancelIO() {
-    const auto thread = caller();
-    return thread && thread->cancel();
-}
-
-/// Waits until the reader of a stream that has ended has gone, which is at once.
-void V4l2Device::awaitReader() { const AutoLock reader(reading); }
-
-/// The stream and the node go on the device's own thread, which is not waited for.
-void V4l2Device::letGo() noexcept {
-    std::shared_ptr<Linux::CallThread> thread;
-    std::shared_ptr<Capture> stream;
-    std::shared_ptr<Node> last;
-    {
-        const AutoLock hold(lock);
-        thread = std::move(ownThread);
-        stream = std::move(capture);
-        last = std::move(node);
-    }
-    if (!thread)
-        return;
-    if (stream) {
-        stream->end();
-        awaitReader();
-    }
-    thread->leave("close", [ended = std::move(stream), own = std::move(last)]() mutable {
-        ended.reset();
-        own.reset();
-    });
-}
-
-template<typename Work>
-auto V4l2Device::call(IO::deviceRequest* request, const std::string& what, Work work) {
-    const auto thread = caller();
-    if (!thread)
-        throw InvalidOperationPluginException(Format("%: cannot %: the device is closed; open it first") %
-                                              path % what);
-    const Linux::PendingRequest pending(request);
-    return thread->call(what, std::move(work));
-}
-
-std::shared_ptr<V4l2Device::Node> V4l2Device::requireNode(const char* operation) {
-    const AutoLock hold(lock);
-    if (!node)
-        throw InvalidOperationPluginException(Format("%: cannot %: the device is closed; open it first") %
-                                              path % operation);
-    return node;
+    attach(event->path, event->parentPath); // a camera is silent with all its nodes
 }
 
 std::shared_ptr<Capture> V4l2Device::present() {
@@ -165,50 +99,42 @@ std::shared_ptr<Capture> V4l2Device::present() {
 }
 
 void V4l2Device::open(IO::deviceRequest* request) {
-    {
-        const AutoLock hold(lock);
-        if (node)
-            throw InvalidOperationPluginException(Format("%: cannot open: the device is open already") %
-                                                  path);
-        if (!ownThread)
-            ownThread = std::make_shared<Linux::CallThread>(path, path);
-    }
-    auto opened = call(request, "open the camera", [system = kernel, place = path] {
+    openWith(request, "open the camera", [system = kernel, place = path] {
         auto made = std::make_shared<Node>();
         made->file = std::make_shared<DeviceFile>(system, place);
         requirePictures(*made->file);
         const Linux::Sysfs sysfs;
-        const auto hardware = sysfs.hardwareOfVideo(place);
-        const bool usb = Linux::Sysfs::isUsb(hardware);
+        const auto camera = sysfs.hardwareOfVideo(place);
+        const bool usb = Linux::Sysfs::isUsb(camera);
         made->units = std::make_unique<ExtensionUnits>(
-            made->file, usb ? sysfs.videoNodesOf(hardware) : std::vector<std::string>(),
-            Linux::Sysfs::descriptors(hardware));
+            made->file, usb ? sysfs.videoNodesOf(camera) : std::vector<std::string>(),
+            Linux::Sysfs::descriptors(camera));
         return made;
     });
-    const AutoLock hold(lock);
-    node = std::move(opened);
+}
+
+std::shared_ptr<void> V4l2Device::endStream() noexcept {
+    if (capture)
+        capture->end();
+    return std::move(capture);
 }
 
 void V4l2Device::close(IO::deviceRequest* request) {
+    static_cast<void>(require("close"));
     disableStreaming(nullptr);
-    std::shared_ptr<Node> last = requireNode("close");
-    {
-        const AutoLock hold(lock);
-        node.reset();
-    }
-    call(request, "close the camera", [own = std::move(last)]() mutable { own.reset(); });
+    KernelDevice::close(request);
 }
 
 void V4l2Device::disableStreaming(IO::disableRequest* request) {
-    static_cast<void>(requireNode("stop the stream"));
+    static_cast<void>(require("stop the stream"));
     std::shared_ptr<Capture> last;
     {
         const AutoLock hold(lock);
-        last = std::move(capture);
+        last = capture;
+        static_cast<void>(endStream());
     }
     if (!last)
         return;
-    last->end();
     awaitReader();
     tellBroken(path, last->broken());
     call(request, "stop the stream", [ended = std::move(last)]() mutable { ended.reset(); });
@@ -226,18 +152,19 @@ ReadBufferStatus V4l2Device::readBuffer(void* buffer, int size, std::int64_t* ti
 
 void V4l2Device::getCameraControlRanges(IO::getCameraControlRangesRequest* request) {
     request->getRanges() = call(request, "ask for the ranges of the settings",
-                                [own = requireNode("ask for settings")] { return readRanges(*own->file); });
+                                [own = require("ask for settings")] { return readRanges(*own->file); });
 }
 
 void V4l2Device::setCameraControl(IO::setCameraControlRequest* request) {
     call(request, "change a setting",
-         [own = requireNode("change a setting"), control = request->getControl(),
-          value = request->getValue()] { writeSetting(*own->file, control, value); });
+         [own = require("change a setting"), control = request->getControl(), value = request->getValue()] {
+             writeSetting(*own->file, control, value);
+         });
 }
 
 void V4l2Device::getConfigurations(IO::getColorConfigurationsRequest* request) {
     const bool depth = getDescription().nodeType == NodeType_DEPTH;
-    const auto modes = call(request, "ask for the modes", [own = requireNode("ask for modes"), depth] {
+    const auto modes = call(request, "ask for the modes", [own = require("ask for modes"), depth] {
         return configurationsOf(*own->file, depth);
     });
     auto& list = request->getConfigurations();
@@ -263,7 +190,7 @@ void V4l2Device::start(IO::deviceRequest* request, const WantedStream& wanted, P
         crop = region;
     }
     auto started =
-        call(request, "start the stream", [own = requireNode("start a stream"), wanted, crop, prepare] {
+        call(request, "start the stream", [own = require("start a stream"), wanted, crop, prepare] {
             const DriverMode chosen = chooseMode(*own->file, modesOf(*own->file), wanted);
             prepare(*own->file);
             return std::make_shared<Capture>(own->file, chosen, wanted.delivery, crop);
@@ -312,7 +239,7 @@ void V4l2Device::setRegionOfInterest(IO::setDeviceRegionOfInterestRequest* reque
         throw InvalidOperationPluginException(
             Format("%: cannot set the region of interest while the device streams; disable it first") % path);
     call(request, "set the region of interest",
-         [own = requireNode("set the region of interest"), wanted] { cropTo(*own->file, wanted); });
+         [own = require("set the region of interest"), wanted] { cropTo(*own->file, wanted); });
     const AutoLock hold(lock);
     region = wanted;
 }
@@ -320,26 +247,25 @@ void V4l2Device::setRegionOfInterest(IO::setDeviceRegionOfInterestRequest* reque
 // Extension units ------------------------------------------------------------------------------------------------------
 
 void V4l2Device::xuSetup(IO::xuSetupRequest* request) {
-    call(request, "choose an extension unit",
-         [own = requireNode("choose an extension unit"), guid = request->getGUID()] {
-             own->units->select(guid);
-         });
+    call(
+        request, "choose an extension unit",
+        [own = require("choose an extension unit"), guid = request->getGUID()] { own->units->select(guid); });
 }
 
 void V4l2Device::len(IO::xuLenRequest* request) {
-    *request->getResult() =
-        call(request, "ask for the length of a control",
-             [own = requireNode("ask for the length of a control"), unit = request->getUnit(),
-              control = request->getControl()]() -> std::int32_t {
-                 return unit == IO::extensionUnitList ? static_cast<std::int32_t>(own->units->list().size())
-                                                      : own->units->length(unit, control);
-             });
+    *request->getResult() = call(request, "ask for the length of a control",
+                                 [own = require("ask for the length of a control"), unit = request->getUnit(),
+                                  control = request->getControl()]() -> std::int32_t {
+                                     return unit == IO::extensionUnitList
+                                                ? static_cast<std::int32_t>(own->units->list().size())
+                                                : own->units->length(unit, control);
+                                 });
 }
 
 void V4l2Device::send(IO::xuSendRequest* request) {
     const auto* const first = static_cast<const std::uint8_t*>(request->getData());
     call(request, Format("set control % of unit %") % request->getControl() % request->getUnit(),
-         [own = requireNode("set a control"), unit = request->getUnit(),
+         [own = require("set a control"), unit = request->getUnit(),
           control = static_cast<std::uint32_t>(request->getControl()),
           bytes = ExtensionUnits::Bytes(first, first + request->getLength())] {
              own->units->set(unit, control, bytes);
@@ -352,7 +278,7 @@ void V4l2Device::recv(IO::xuRecvRequest* request) {
     const std::uint32_t control = wanted & 0xFF;
     const auto query = static_cast<std::uint8_t>(wanted >> 8 == 0 ? UVC_GET_CUR : wanted >> 8);
     const auto answer = call(request, Format("get control % of unit %") % control % request->getUnit(),
-                             [own = requireNode("get a control"), unit = request->getUnit(), control, query,
+                             [own = require("get a control"), unit = request->getUnit(), control, query,
                               plain = request->getFlag() || query != UVC_GET_CUR,
                               question = ExtensionUnits::Bytes(first, first + request->getLength())] {
                                  if (unit == IO::extensionUnitList)

@@ -2,20 +2,22 @@
 
 #include <memory>
 #include <optional>
-#include <string>
-#include <vector>
 
 #include <zentara/io/video_device_interface.h>
 #include <zentara/region_of_interest_internal.h>
-#include <zentara/utils/mutex.h>
-#include <zentara/utils/thread_annotations.h>
 
-#include "plugins/linux/call_thread.h"
 #include "plugins/linux/kernel.h"
+#include "plugins/linux/kernel_device.h"
 #include "plugins/v4l2/capture.h"
 #include "plugins/v4l2/extension_units.h"
 
 namespace Zentara::V4l2 {
+
+/// A video node that is open. Used on the device's own thread.
+struct Node {
+    std::shared_ptr<DeviceFile> file;
+    std::unique_ptr<ExtensionUnits> units;
+};
 
 /// A camera behind a video node of the Linux kernel ("/dev/video0"): colour, or 16-bit depth, and the extension units of
 /// USB cameras.
@@ -32,7 +34,7 @@ namespace Zentara::V4l2 {
 ///
 /// `recv` without its flag first sends the bytes that it is given, as the question that is then answered. Control and bulk
 /// transfers are none of this kernel interface. Safe.
-class V4l2Device final : public IO::VideoDeviceInterface {
+class V4l2Device final : public Linux::KernelDevice<IO::VideoDeviceInterface, Node> {
 public:
     /// Where a device looks that was initialised with no node: a bare one, for its users' tests.
     static constexpr const char* defaultPath = "/dev/video0";
@@ -42,10 +44,6 @@ public:
     ~V4l2Device() override;
 
     void initialize(NodeEvent* event, Core::DescriptorStoreRO* store) override;
-    void dispose() override;
-    void threadInitialize() override;
-    void threadUninitialize() override;
-    bool cancelIO() override;
 
     ReadBufferStatus readBuffer(void* buffer, int size, std::int64_t* timestamp, int* length) override;
 
@@ -73,32 +71,16 @@ public:
     void setRegionOfInterest(IO::setDeviceRegionOfInterestRequest* request) override;
 
 private:
-    /// What is open; used on the device's own thread.
-    struct Node {
-        std::shared_ptr<DeviceFile> file;
-        std::unique_ptr<ExtensionUnits> units;
-    };
-
-    template<typename Work>
-    auto call(IO::deviceRequest* request, const std::string& what, Work work);
-    [[nodiscard]] std::shared_ptr<Node> requireNode(const char* operation);
+    std::shared_ptr<void> endStream() noexcept override ZENTARA_REQUIRES(lock);
     [[nodiscard]] std::shared_ptr<Capture> present();
-    [[nodiscard]] std::shared_ptr<Linux::CallThread> caller();
     template<typename Prepare>
     void start(IO::deviceRequest* request, const WantedStream& wanted, Prepare prepare);
     [[nodiscard]] std::uint32_t describedFourCC() const;
-    void awaitReader();
-    void letGo() noexcept;
 
     const std::shared_ptr<Linux::Kernel> kernel;
-    std::string path; ///< does not change while the device is open
-
-    Utils::Threading::Mutex reading; ///< a reader's; taken before `lock`
-    Utils::Threading::Mutex lock;    ///< never held while waiting
-    std::shared_ptr<Linux::CallThread>
-        ownThread ZENTARA_GUARDED_BY(lock); ///< null when nothing was opened yet
-    std::shared_ptr<Node> node ZENTARA_GUARDED_BY(lock);
+    /// Null unless it streams. Destroyed before the node is, on the device's own thread.
     std::shared_ptr<Capture> capture ZENTARA_GUARDED_BY(lock);
+    /// Of later streams; nothing: the whole sensor.
     std::optional<RegionOfInterestInternal> region ZENTARA_GUARDED_BY(lock);
 };
 

@@ -2,9 +2,9 @@
 
 #include <zentara/io/device_request.h>
 
-namespace Zentara::Linux {
+namespace Zentara::Devices {
 
-/// Marks a request as pending, so that a caller who gives up has it cancelled, for as long as it lives.
+/// Marks a request as pending for as long as it lives, so that a caller who gives up has it cancelled.
 class PendingRequest {
 public:
     /// \param pending may be null
@@ -12,6 +12,9 @@ public:
     ~PendingRequest() { mark(false); }
     PendingRequest(const PendingRequest&) = delete;
     PendingRequest& operator=(const PendingRequest&) = delete;
+
+    /// The caller gave up before the request was marked: nobody will cancel it any more.
+    [[nodiscard]] bool alreadyCancelled() const { return request != nullptr && request->getCancelled(); }
 
 private:
     void mark(bool pending) {
@@ -25,4 +28,4 @@ private:
     IO::deviceRequest* const request;
 };
 
-} // namespace Zentara::Linux
+} // namespace Zentara::Devices
