@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <utility>
 
 #include "plugins/descriptions/wire.h"
 #include "plugins/simulated/tone.h"
@@ -29,22 +28,10 @@ std::optional<Bytes> Microphone::answer(const Setup& setup) {
     }
 }
 
-bool Microphone::unlink(std::uint32_t wanted) {
-    const auto found = std::find_if(waiting.begin(), waiting.end(),
-                                    [wanted](const UsbRequest& request) { return request.number == wanted; });
-    if (found == waiting.end())
-        return false;
-    waiting.erase(found);
-    return true;
-}
-
 std::optional<std::int64_t> Microphone::serve(UsbCable& cable, UsbFaults& faults, std::int64_t now) {
     while (!waiting.empty()) {
-        if (!std::exchange(playing, true)) {
+        if (begins(now))
             sample = 0;
-            silent = false;
-            due = now;
-        }
         const UsbRequest& request = waiting.front();
         const auto length = static_cast<std::int64_t>(request.packets.size()) * microsPerPacket;
         if (silent)

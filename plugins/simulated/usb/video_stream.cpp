@@ -110,19 +110,10 @@ Bytes VideoStream::encode(const Mode& mode) const {
     return bytes;
 }
 
-bool VideoStream::unlink(std::uint32_t wanted) {
-    const auto found = std::find_if(waiting.begin(), waiting.end(),
-                                    [wanted](const UsbRequest& request) { return request.number == wanted; });
-    if (found == waiting.end())
-        return false;
-    waiting.erase(found);
-    return true;
-}
-
 std::optional<std::int64_t> VideoStream::serve(UsbCable& cable, UsbFaults& faults, std::int64_t now) {
     while (!waiting.empty()) {
-        if (!playing)
-            start(now);
+        if (begins(now))
+            start();
         if (silent)
             return std::nullopt;
         if (pictureIsOver()) {
@@ -142,11 +133,8 @@ std::optional<std::int64_t> VideoStream::serve(UsbCable& cable, UsbFaults& fault
     return std::nullopt;
 }
 
-void VideoStream::start(std::int64_t now) {
-    playing = true;
-    silent = false;
+void VideoStream::start() {
     number = 0;
-    due = now;
     picture.clear();
     position = 0;
     draw();

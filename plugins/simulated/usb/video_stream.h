@@ -1,22 +1,21 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <future>
 #include <optional>
 
 #include "plugins/simulated/usb/camera_shape.h"
 #include "plugins/simulated/usb/control_table.h"
 #include "plugins/simulated/usb/pictures.h"
+#include "plugins/simulated/usb/streaming_endpoint.h"
 #include "plugins/simulated/usb/usb_faults.h"
-#include "plugins/simulated/usb/usb_ip.h"
 
 namespace Zentara::Simulated {
 
 /// A streaming interface: the agreement on a mode, and pictures as payloads for the requests that wait at its endpoint.
 /// Pictures are numbered from 0 at each start. The next one begins when it is due and the host has the last one whole:
 /// what is missing at the other end, the host has lost. Bound.
-class VideoStream final {
+class VideoStream final : public StreamingEndpoint {
 public:
     VideoStream(const StreamShape& shape, bool isochronous, const Pictures& pictures,
                 const ControlTable& controls);
@@ -25,13 +24,6 @@ public:
     /// \return as ControlTable::answer
     [[nodiscard]] std::optional<Bytes> answer(const Setup& setup, const Bytes& data);
     [[nodiscard]] static bool isCommit(const Setup& setup) noexcept;
-
-    /// Room for bytes; it waits its turn.
-    void queue(UsbRequest request) { waiting.push_back(std::move(request)); }
-    /// \return whether such a request waited; it is forgotten then
-    [[nodiscard]] bool unlink(std::uint32_t number);
-    /// The host is done: pictures begin at 0 again.
-    void stop() noexcept { playing = false; }
 
     /// Answers what can be answered by now.
     /// \return microseconds of the monotonic clock at which there is more to do; nothing while nobody waits
@@ -48,7 +40,7 @@ private:
     [[nodiscard]] Mode adopt(const Bytes& wanted) const;
     [[nodiscard]] Bytes encode(const Mode& mode) const;
     [[nodiscard]] const PictureSize& sizeOf(const Mode& mode) const;
-    void start(std::int64_t now);
+    void start();
     void draw();
     [[nodiscard]] UsbFaults::Kind begin(UsbFaults& faults, std::int64_t now);
     void fill(UsbCable& cable, const UsbRequest& request);
@@ -61,12 +53,7 @@ private:
     const ControlTable& controls;
     Mode proposed;
     Mode committed;
-    std::deque<UsbRequest> waiting;
-
-    bool playing = false;
-    bool silent = false;        ///< by a fault, until the next start
     std::uint32_t number = 0;   ///< of the next picture
-    std::int64_t due = 0;       ///< when it begins
     std::future<Bytes> drawing; ///< the next picture: a thread of its own makes it, for that takes long
     Bytes picture;
     std::size_t position = 0; ///< of the picture's next byte
