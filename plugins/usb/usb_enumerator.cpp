@@ -6,37 +6,14 @@
 
 #include <zentara/core/descriptor_store_ro.h>
 #include <zentara/core/guids.h>
-#include <zentara/utils/clock.h>
-#include <zentara/utils/format.h>
 
 #include "plugins/usb/generic_nodes.h"
 
 namespace Zentara::Usb {
 
-using Utils::Threading::AutoLock;
-
 namespace {
 
 constexpr int lookMilliseconds = 1000;
-
-bool isSamePlace(const NodeEvent& left, const NodeEvent& right) {
-    return left.path == right.path && left.nodeType == right.nodeType &&
-           left.deviceAddress == right.deviceAddress;
-}
-
-const NodeEvent* findNode(const std::vector<NodeEvent>& nodes, const NodeEvent& wanted) {
-    const auto found = std::find_if(nodes.begin(), nodes.end(),
-                                    [&](const NodeEvent& node) { return isSamePlace(node, wanted); });
-    return found == nodes.end() ? nullptr : &*found;
-}
-
-ExternalEvent makeEvent(ExternalEventType type, const NodeEvent& node) {
-    ExternalEvent event;
-    event.type = type;
-    event.node = node;
-    event.timeMicros = Utils::Clock::nowMicros();
-    return event;
-}
 
 bool isDepth(std::uint32_t format) { return format == V4L2_PIX_FMT_Z16; }
 /// Pictures that a generic node can show, the better kinds only.
@@ -93,64 +70,14 @@ bool isServedHere(const GUID& device) {
     return guidEquals(device, Core::Guids::V4L2VIDEO_IMPL) || guidEquals(device, Core::Guids::ALSAAUDIO_IMPL);
 }
 
-/// Counts the nodes that have the same identifying values; those that stay keep their number.
-void number(std::vector<NodeEvent>& nodes, const std::vector<NodeEvent>& before) {
-    std::vector<NodeEvent> numbered;
-    const auto isTaken = [&numbered](const NodeEvent& node) {
-        return std::any_of(numbered.begin(), numbered.end(), [&](const NodeEvent& other) {
-            return other.hardwareIds() == node.hardwareIds() && other.deviceIndex == node.deviceIndex;
-        });
-    };
-    for (NodeEvent& node : nodes) {
-        if (const NodeEvent* const old = findNode(before, node)) {
-            node.deviceIndex = old->deviceIndex;
-            numbered.push_back(node);
-        }
-    }
-    for (NodeEvent& node : nodes) {
-        if (findNode(numbered, node) != nullptr)
-            continue;
-        while (isTaken(node))
-            ++node.deviceIndex;
-        numbered.push_back(node);
-    }
-}
-
 } // namespace
 
 UsbEnumerator::UsbEnumerator() : UsbEnumerator(CameraScan()) {}
 
 UsbEnumerator::UsbEnumerator(CameraScan found)
-    : EnumeratorInterface(Core::Guids::DEFAULT_ENUMERATOR_IMPL), scan(std::move(found)) {}
+    : LookingEnumerator(Core::Guids::DEFAULT_ENUMERATOR_IMPL), scan(std::move(found)) {}
 
 UsbEnumerator::~UsbEnumerator() { dispose(); }
-
-void UsbEnumerator::initialize(Utils::Collection::Queue<ExternalEvent>* events,
-                               Core::DescriptorStoreRO* store) {
-    dispose();
-    const AutoLock hold(lock);
-    EnumeratorInterface::initialize(events, store);
-}
-
-void UsbEnumerator::dispose() {
-    EnumeratorInterface::dispose();
-    const AutoLock hold(lock); // whoever is looking has done with the store then
-    known.clear();
-    present.clear();
-    announced.clear();
-}
-
-void UsbEnumerator::enumerate(std::vector<NodeEvent>& nodes) {
-    const AutoLock hold(lock);
-    look();
-    nodes = present;
-}
-
-bool UsbEnumerator::isPresent(const NodeEvent& node) {
-    const AutoLock hold(lock);
-    look();
-    return findNode(present, node) != nullptr;
-}
 
 std::string UsbEnumerator::getBackendName() { return "video devices of the system"; }
 
@@ -159,28 +86,11 @@ void UsbEnumerator::exit() {
     news.wake();
 }
 
-void* UsbEnumerator::run(void*) {
-    {
-        const AutoLock hold(lock);
-        announced.clear(); // a thread that is started anew tells everything
-    }
-    while (!exitRequested()) {
-        std::vector<ExternalEvent> events;
-        {
-            const AutoLock hold(lock);
-            look();
-            events = changes();
-        }
-        if (auto* queue = getEventQueue()) {
-            for (const ExternalEvent& event : events)
-                queue->push(event);
-        }
-        news.wait(lookMilliseconds);
-    }
-    return nullptr;
-}
+void UsbEnumerator::awaitNews() { news.wait(lookMilliseconds); }
 
-void UsbEnumerator::look() {
+void UsbEnumerator::forget() { known.clear(); }
+
+std::vector<NodeEvent> UsbEnumerator::find() {
     std::vector<NodeEvent> found;
     std::vector<Known> now;
     if (getDescriptorStore() != nullptr) {
@@ -193,8 +103,7 @@ void UsbEnumerator::look() {
         }
     }
     known = std::move(now);
-    number(found, present);
-    present = std::move(found);
+    return found;
 }
 
 std::vector<NodeEvent> UsbEnumerator::nodesOf(const FoundCamera& camera) {
@@ -265,23 +174,6 @@ void UsbEnumerator::addGeneric(const FoundCamera& camera, std::vector<NodeEvent>
         add(NodeType_COLOR, color->path);
     if (!camera.microphones.empty())
         add(NodeType_AUDIO, camera.microphones.front());
-}
-
-/// What went and what came since the host was told last.
-std::vector<ExternalEvent> UsbEnumerator::changes() {
-    std::vector<ExternalEvent> events;
-    for (const NodeEvent& node : announced) {
-        const NodeEvent* now = findNode(present, node);
-        if (now == nullptr || !(*now == node))
-            events.push_back(makeEvent(ExternalEventType_NODE_REMOVED, node));
-    }
-    for (const NodeEvent& node : present) {
-        const NodeEvent* before = findNode(announced, node);
-        if (before == nullptr || !(*before == node))
-            events.push_back(makeEvent(ExternalEventType_NODE_ARRIVED, node));
-    }
-    announced = present;
-    return events;
 }
 
 } // namespace Zentara::Usb
