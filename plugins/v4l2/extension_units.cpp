@@ -178,7 +178,8 @@ void ExtensionUnits::transfer(const Control& control, std::uint8_t kind, Bytes& 
     const int result = query(through, control, kind, bytes);
     if (result >= 0)
         return;
-    lengths.erase(control); // the camera may have changed it
+    lengths.erase(control); // the camera may have changed what the control is
+    settable.erase(control);
     failTransfer(through, what, -result);
 }
 
@@ -193,6 +194,24 @@ ExtensionUnits::Bytes ExtensionUnits::get(std::uint32_t unit, std::uint32_t sele
     Bytes bytes(count);
     transfer({unitFor(unit), selector}, kind, bytes);
     return bytes;
+}
+
+bool ExtensionUnits::canBeSet(const Control& control) {
+    const auto known = settable.find(control);
+    if (known != settable.end())
+        return known->second;
+    Bytes info(1);
+    transfer(control, UVC_GET_INFO, info);
+    return settable[control] = (info[0] & UVC_CONTROL_CAP_SET) != 0;
+}
+
+ExtensionUnits::Bytes ExtensionUnits::ask(std::uint32_t unit, std::uint32_t selector, Bytes question) {
+    requireUnits();
+    const Control control{unitFor(unit), selector};
+    if (canBeSet(control))
+        transfer(control, UVC_SET_CUR, question);
+    transfer(control, UVC_GET_CUR, question);
+    return question;
 }
 
 } // namespace Zentara::V4l2

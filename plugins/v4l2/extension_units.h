@@ -38,6 +38,10 @@ public:
     [[nodiscard]] Bytes get(std::uint32_t unit, std::uint32_t selector, std::size_t count,
                             std::uint8_t query);
 
+    /// Sends a question, then gets the answer to it: on USB a GET carries nothing to the camera. A control that can only be
+    /// read is asked with no question; which those are the control itself says, and is asked once.
+    [[nodiscard]] Bytes ask(std::uint32_t unit, std::uint32_t selector, Bytes question);
+
     /// All units, as a host receives them.
     [[nodiscard]] Bytes list() const;
 
@@ -48,6 +52,7 @@ private:
                             Bytes& bytes) const;
     [[nodiscard]] std::shared_ptr<DeviceFile> findNode(const Control& control, Bytes& length);
     void transfer(const Control& control, std::uint8_t query, Bytes& bytes);
+    [[nodiscard]] bool canBeSet(const Control& control);
     [[nodiscard]] std::uint32_t unitFor(std::uint32_t unit) const;
     void requireUnits() const;
 
@@ -57,7 +62,8 @@ private:
     const Linux::UsbCamera camera;
     const Linux::UsbExtensionUnit* selected = nullptr;          ///< of `camera`
     std::map<std::uint32_t, std::shared_ptr<DeviceFile>> nodes; ///< on which a unit answers
-    std::map<Control, std::uint16_t> lengths;                   ///< that were asked for
+    std::map<Control, std::uint16_t> lengths; ///< in bytes, that were asked for; none of them 0
+    std::map<Control, bool> settable;         ///< of those that were asked
 };
 
 } // namespace Zentara::V4l2

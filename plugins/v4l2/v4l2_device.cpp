@@ -284,7 +284,7 @@ void V4l2Device::recv(IO::xuRecvRequest* request) {
                                  if (unit == IO::extensionUnitList)
                                      return own->units->list();
                                  if (!plain)
-                                     own->units->set(unit, control, question);
+                                     return own->units->ask(unit, control, question);
                                  return own->units->get(unit, control, question.size(), query);
                              });
     if (answer.size() != request->getLength())

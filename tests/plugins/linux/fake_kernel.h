@@ -4,6 +4,8 @@
 #include <cstring>
 #include <deque>
 #include <functional>
+#include <linux/usb/video.h>
+#include <linux/uvcvideo.h>
 #include <linux/videodev2.h>
 #include <map>
 #include <poll.h>
@@ -24,6 +26,7 @@ public:
     std::map<std::string, int> openErrors;   ///< by path
     std::map<unsigned long, int> callErrors; ///< by request
     std::function<void(unsigned long)> onCall = [](unsigned long) {};
+    std::function<int(uvc_xu_control_query&)> onUnit; ///< what the camera's units answer
     std::vector<std::uint32_t> formats{V4L2_PIX_FMT_YUYV};
     v4l2_pix_format made{640, 480, 0, V4L2_FIELD_NONE, 1280, 614400, 0, 0, 0, {0}, 0, 0};
     std::uint32_t flags = V4L2_BUF_FLAG_TIMESTAMP_MONOTONIC; ///< of the frames
@@ -101,6 +104,7 @@ private:
         {VIDIOC_STREAMON, [this](void*) { return streams = true, gone ? -ENODEV : 0; }},
         {VIDIOC_STREAMOFF, [this](void*) { return streams = false, 0; }},
         {VIDIOC_DQBUF, [this](void* a) { return fetch(as<v4l2_buffer>(a)); }},
+        {UVCIOC_CTRL_QUERY, [this](void* a) { return onUnit(as<uvc_xu_control_query>(a)); }},
         {VIDIOC_S_PARM, nothing},
         {VIDIOC_REQBUFS, nothing},
         {VIDIOC_QBUF, nothing},

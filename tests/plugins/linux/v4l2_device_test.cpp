@@ -2,6 +2,7 @@
 #include <thread>
 
 #include <gmock/gmock.h>
+
 #include <turbojpeg.h>
 
 #include <zentara/color_configuration.h>
@@ -137,6 +138,27 @@ TEST_F(V4l2DeviceTest, SaysWhatAnErrorMeans) {
                     StartsWith(bytes > 1U << 30 ? "" : "1: the driver's frames are none"));
         EXPECT_FALSE(kernel->streams);
     }
+}
+
+TEST(ExtensionUnits, SendNoQuestionToWhatCanOnlyBeRead) {
+    const auto kernel = std::make_shared<TestSupport::FakeKernel>();
+    std::string asked;
+    kernel->onUnit = [&asked](const uvc_xu_control_query& query) {
+        asked += query.query == UVC_GET_LEN    ? "L"
+                 : query.query == UVC_GET_INFO ? "I"
+                 : query.query == UVC_SET_CUR  ? "S"
+                                               : "G";
+        query.data[0] =
+            query.query == UVC_GET_INFO ? query.selector : 2; // control 1 can be read, 3 also be set
+        return 0;
+    };
+    ExtensionUnits units(std::make_shared<DeviceFile>(kernel, "/dev/video7"), {}, {18, 1});
+    for (const std::uint8_t selector : {1, 3, 3, 1})
+        EXPECT_EQ(units.ask(4, selector, Bytes{9, 8}), Bytes({2, 8}));
+    EXPECT_EQ(asked, "LIG"
+                     "LISG"
+                     "SG"
+                     "G");
 }
 
 TEST(Picture, MakesYuy2OfWhatCamerasSend) {
