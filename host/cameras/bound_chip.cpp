@@ -13,7 +13,6 @@
 #include "host/attempt.h"
 #include "host/cameras/device_choice.h"
 #include "host/guid_text.h"
-#include "utils/visible_text.h"
 
 namespace Zentara::Host {
 
@@ -49,7 +48,7 @@ const NodeEvent& videoNodeOf(const CameraEntry& camera) {
         if (const NodeEvent* node = camera.find(type))
             return *node;
     }
-    throw Failure(Failure::NoDevice, "camera " + Utils::visibleText(camera.serialNumber()) +
+    throw Failure(Failure::NoDevice, "camera " + camera.label() +
                                          " has no video device, through which its controller is reached");
 }
 

@@ -25,6 +25,12 @@ namespace {
 
 constexpr unsigned long complaintMilliseconds = 500;
 
+/// What a camera calls itself: before a general description's name of a node an enumerator puts it.
+std::string ownName(const std::string& node, const std::string& described) {
+    const std::string rest = " " + described;
+    return node.ends_with(rest) ? node.substr(0, node.size() - rest.size()) : "";
+}
+
 /// What the description of a camera's first node says of the whole. A camera that no store describes is there all the
 /// same: what it is wanted for will say so.
 void describe(CameraEntry& camera, CameraStore& store) {
@@ -38,6 +44,8 @@ void describe(CameraEntry& camera, CameraStore& store) {
         camera.vendor = view.getVendorName();
         camera.product = view.getProductName();
         camera.controller = Core::controllerNameOf(view);
+        if (camera.product.empty())
+            camera.product = ownName(camera.nodes.front().name, view.getNodeName());
     });
 }
 
@@ -50,6 +58,11 @@ const NodeEvent* CameraEntry::find(NodeType type) const {
 }
 
 std::string CameraEntry::serialNumber() const { return nodes.empty() ? "" : nodes.front().serialNumber; }
+
+std::string CameraEntry::label() const {
+    const std::string serial = serialNumber();
+    return Utils::visibleText(!serial.empty() ? serial : product.empty() ? path : product);
+}
 
 /// An enumerator with the stores that its thread asks.
 struct CameraBus::Source {

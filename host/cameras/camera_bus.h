@@ -19,13 +19,15 @@ namespace Zentara::Host {
 struct CameraEntry {
     std::string path; ///< the parent path of its nodes
     std::vector<NodeEvent> nodes;
-    std::string vendor; ///< this and the rest is what its description says; empty where that is not known
-    std::string product;
+    std::string vendor;     ///< this and the rest is what its description says; empty where that is not known
+    std::string product;    ///< where the description does not say: what the camera calls itself
     std::string controller; ///< "OV0570"
 
     /// Null when the camera has no such node.
     [[nodiscard]] const NodeEvent* find(NodeType type) const;
     [[nodiscard]] std::string serialNumber() const;
+    /// What it is called in messages: its serial number, else its product's name or its place. Fit for showing.
+    [[nodiscard]] std::string label() const;
 };
 
 /// What cameras there are, and what comes and goes: the enumerators that are registered, side by side. One that fails

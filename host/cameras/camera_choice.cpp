@@ -37,7 +37,7 @@ bool resembles(const CameraInfo& camera, const std::string& name) {
 std::string listOf(const std::vector<CameraInfo>& cameras) {
     std::string text;
     for (const CameraInfo& camera : cameras)
-        text += (text.empty() ? "" : ", ") + Utils::visibleText(camera.serial);
+        text += (text.empty() ? "" : ", ") + Utils::visibleText(camera.shortLabel());
     return text;
 }
 

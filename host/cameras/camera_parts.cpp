@@ -13,15 +13,13 @@
 #include "host/cameras/calibration_origin.h"
 #include "host/cameras/stream_description.h"
 #include "host/guid_text.h"
-#include "utils/visible_text.h"
 
 namespace Zentara::Host {
 
 namespace {
 
 Failure lacks(const CameraEntry& camera, NodeType type) {
-    return Failure(Failure::NoDevice, "camera " + Utils::visibleText(camera.serialNumber()) + " has no " +
-                                          nodeTypeName(type) + " node");
+    return Failure(Failure::NoDevice, "camera " + camera.label() + " has no " + nodeTypeName(type) + " node");
 }
 
 template<typename Node>
@@ -250,7 +248,7 @@ IO::ParameterInterpreter& CameraParts::parameters() {
     const auto node = depth();
     const GUID guid = Plugin::callPlugin([this] { return store().getParameterInterpreterGUID(); });
     if (guidEquals(guid, Core::Guids::NULL_IMPL))
-        throw Unsupported("camera " + Utils::visibleText(camera.serialNumber()) + " has no parameters",
+        throw Unsupported("camera " + camera.label() + " has no parameters",
                           "its description names no back-end for them");
     attempt("reach the parameters through " + guidLabel(guid), [&] {
         auto connected = IO::LibraryParameterInterpreter::create(guid);

@@ -2,16 +2,13 @@
 
 #include <optional>
 
-#include <zentara/utils/format.h>
-
 #include "host/cameras/device_choice.h"
 #include "host/cameras/joined_descriptions.h"
 #include "host/cameras/stream_description.h"
 #include "host/guid_text.h"
+#include "utils/visible_text.h"
 
 namespace Zentara::Host {
-
-using Utils::Format;
 
 void tellLeftOut(const Note& note, const Failure& failure) {
     tell(note,
@@ -70,10 +67,8 @@ Core::DescriptorStoreRO& CameraStore::view() const { return *stores[selected]->g
 Core::DescriptorStoreRO& CameraStore::all() const { return *joined; }
 
 std::string cameraLabel(const NodeEvent& node) {
-    const std::string label = Format("% %") %
-                              (node.name.empty() ? std::string(nodeTypeName(node.nodeType)) : node.name) %
-                              node.serialNumber;
-    return Utils::visibleText(label);
+    const std::string name = node.name.empty() ? nodeTypeName(node.nodeType) : node.name;
+    return Utils::visibleText(node.serialNumber.empty() ? name : name + " " + node.serialNumber);
 }
 
 } // namespace Zentara::Host

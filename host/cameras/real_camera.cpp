@@ -28,7 +28,7 @@ void RealCamera::passOn(const Failure& failure) {
     if (mayBeAway && dynamic_cast<const Unsupported*>(&failure) == nullptr && hand()->hangsIn().empty() &&
         !whereFrom->isPresent(identity.path).value_or(true))
         throw Failure(Failure::NoDevice, Utils::Format("%; camera % is not plugged in any more") %
-                                             failure.what() % Utils::visibleText(identity.serial));
+                                             failure.what() % Utils::visibleText(identity.shortLabel()));
     throw;
 }
 

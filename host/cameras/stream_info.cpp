@@ -7,6 +7,8 @@ std::string CameraInfo::label() const {
            (name.empty() && serial.empty() ? path : serial);
 }
 
+std::string CameraInfo::shortLabel() const { return serial.empty() ? label() : serial; }
+
 const NodeInfo* CameraInfo::node(Kind kind) const noexcept {
     for (const NodeInfo& one : nodes) {
         if (one.kind == kind)

@@ -31,7 +31,7 @@ struct CameraInfo {
     std::string serial;          ///< "SIM0570"
     std::string name;            ///< for people: the product's, else that of the camera's first node
     std::string vendor;          ///< as the description says
-    std::string product;         ///< as the description says
+    std::string product;         ///< as the description says, else as the camera calls itself
     std::string path;            ///< where it is plugged in; unique while it is
     std::string controller;      ///< "OV0570", as the description says
     std::vector<Kind> kinds;     ///< what it streams, in its own order
@@ -39,6 +39,8 @@ struct CameraInfo {
 
     /// What to call it in a message: "depth camera SIM0570".
     [[nodiscard]] ZENTARA_HOST_API std::string label() const;
+    /// Its serial number, or the above where it tells none.
+    [[nodiscard]] ZENTARA_HOST_API std::string shortLabel() const;
     /// The same of what delivers one of its streams: "ZS570 depth SIM0570"; as above where that has no name.
     [[nodiscard]] ZENTARA_HOST_API std::string label(Kind kind) const;
     /// What delivers that kind; null when the camera has none, or does not say. Ends with the value.

@@ -47,7 +47,7 @@ void printCameras(std::ostream& out, const std::vector<CameraInfo>& cameras) {
         std::string kinds;
         for (const NodeInfo& node : camera.nodes)
             kinds += std::string(kinds.empty() ? "" : " ") + kindName(node.kind);
-        row(printable(camera.serial), printable(camera.name),
+        row(camera.serial.empty() ? "-" : printable(camera.serial), printable(camera.name),
             camera.controller.empty() ? "-" : camera.controller, kinds, printable(camera.path));
     }
 }

@@ -83,7 +83,7 @@ void StreamSession::openCamera(const CameraInfo& who, const Opener& open) {
         if (isThere && (wishes.wants(kind) || !wishes.play.empty()))
             wanted.push_back(kind);
         else if (!isThere && wishes.wants(kind) && wishes.play.empty())
-            note(console, "camera " + who.serial + " has no " + kindName(kind) + " stream");
+            note(console, "camera " + who.shortLabel() + " has no " + kindName(kind) + " stream");
     }
     kinds.insert(wanted.begin(), wanted.end());
     cloud.reset();
