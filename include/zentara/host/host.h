@@ -6,6 +6,7 @@
 #include <zentara/host/camera_files.h>
 #include <zentara/host/camera_report.h>
 #include <zentara/host/cameras.h>
+#include <zentara/host/capture.h>
 #include <zentara/host/chip_memory.h>
 #include <zentara/host/cloud_view.h>
 #include <zentara/host/color.h>
@@ -20,6 +21,7 @@
 #include <zentara/host/flash_map.h>
 #include <zentara/host/flash_survey.h>
 #include <zentara/host/frame.h>
+#include <zentara/host/frame_file.h>
 #include <zentara/host/frame_set.h>
 #include <zentara/host/hex_bytes.h>
 #include <zentara/host/lens.h>

@@ -120,59 +120,59 @@ void StreamSession::addStream(StreamedCamera& camera, Stream opened) {
     std::uint64_t most = framesWanted();
     if (opened.info().mode.kind == Kind::Audio && most != 0)
         most = std::max<std::uint64_t>(1, most * opened.info().mode.rate / framesPerSecond);
-    const StreamTask::Rules rules{most, !wishes.play.empty(), wishes.corrected};
+    const CaptureRules rules{.most = most, .mayEnd = !wishes.play.empty(), .corrects = wishes.corrected};
     opened.wake(wake);
     addFiles(camera.add(std::move(opened), rules), most);
 }
 
 void StreamSession::addFiles(StreamTask& task, std::uint64_t most) {
     const StreamInfo& info = task.info();
-    const auto add = [&](const std::string& path, const auto& make) {
+    const auto add = [&](const char* word, const char* key, const std::string& path, const auto& make) {
         if (!path.empty())
-            task.writeTo(make(fileFor(info.camera, path)));
+            task.writeTo(word, key, make(fileFor(info.camera, path)));
     };
     const auto picture = [](const std::string& path) {
-        return std::make_unique<LastFrameFile>("picture", "png", path,
+        return std::make_unique<LastFrameFile>(path,
                                                [](const Frame& frame) { return pictureOf(frame).png(); });
     };
     switch (info.mode.kind) {
     case Kind::Depth:
-        add(wishes.png, picture);
-        add(wishes.raw, [](const std::string& path) { return std::make_unique<RawFile>(path); });
+        add("picture", "png", wishes.png, picture);
+        add("raw", "raw", wishes.raw,
+            [](const std::string& path) { return std::make_unique<RawFile>(path); });
         if (wishes.wantsCloud())
-            addClouds(task);
+            expectCloud(task);
+        add("cloud", "ply", wishes.ply, [this](const std::string& path) {
+            return std::make_unique<LastFrameFile>(path, [of = cloud](const Frame&) { return of->ply(); });
+        });
+        add("drawing", "cloudPng", wishes.cloudPng, [this](const std::string& path) {
+            return std::make_unique<LastFrameFile>(path, [of = cloud](const Frame&) { return of->png(); });
+        });
         break;
     case Kind::Color:
         if (!wishes.colorPng.empty() && info.mode.compression != CompressionType_NONE)
             throw Failure(Failure::Failed,
                           Format("no picture can be made of frames in mode %") % info.mode.name);
-        add(wishes.colorPng, picture);
+        add("picture", "png", wishes.colorPng, picture);
         if (cloud) {
             cloud->expectColor();
             task.makeCloud(cloud);
         }
         break;
     case Kind::Audio:
-        add(wishes.wav,
+        add("wav", "wav", wishes.wav,
             [&](const std::string& path) { return std::make_unique<WavFile>(path, info.mode, most); });
         break;
     }
 }
 
-void StreamSession::addClouds(StreamTask& task) {
-    const StreamInfo& info = task.info();
-    if (!info.lens)
-        throw Failure(Failure::Failed, "cannot make a point cloud of " + info.camera.label(Kind::Depth),
+void StreamSession::expectCloud(StreamTask& task) {
+    if (!task.info().lens)
+        throw Failure(Failure::Failed,
+                      "cannot make a point cloud of " + task.info().camera.label(Kind::Depth),
                       "no lens model is known");
     cloud = std::make_shared<CloudMaker>();
     task.makeCloud(cloud);
-    if (!wishes.ply.empty())
-        task.writeTo(std::make_unique<LastFrameFile>("cloud", "ply", fileFor(info.camera, wishes.ply),
-                                                     [maker = cloud](const Frame&) { return maker->ply(); }));
-    if (!wishes.cloudPng.empty())
-        task.writeTo(std::make_unique<LastFrameFile>("drawing", "cloudPng",
-                                                     fileFor(info.camera, wishes.cloudPng),
-                                                     [maker = cloud](const Frame&) { return maker->png(); }));
 }
 
 /// With several cameras each has a file of its own: "depth.png" becomes "depth.SERIAL.png".

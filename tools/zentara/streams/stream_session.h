@@ -51,7 +51,7 @@ private:
     [[nodiscard]] StreamOptions howToStream(Kind kind) const;
     void addStream(StreamedCamera& camera, Stream opened);
     void addFiles(StreamTask& task, std::uint64_t most);
-    void addClouds(StreamTask& task);
+    void expectCloud(StreamTask& task);
     [[nodiscard]] std::string fileFor(const CameraInfo& camera, const std::string& path);
     void checkKinds() const;
     void checkInterrupt() const;

@@ -9,7 +9,7 @@
 
 namespace Zentara::Tool {
 
-StreamTask& StreamedCamera::add(Stream opened, const StreamTask::Rules& rules) {
+StreamTask& StreamedCamera::add(Stream opened, const CaptureRules& rules) {
     return *tasks.emplace_back(std::make_unique<StreamTask>(std::move(opened), rules));
 }
 

@@ -28,7 +28,7 @@ public:
 
     /// The camera that is closed when its streams have ended.
     void hold(Camera opened) { camera.emplace(std::move(opened)); }
-    StreamTask& add(Stream opened, const StreamTask::Rules& rules);
+    StreamTask& add(Stream opened, const CaptureRules& rules);
 
     /// Starts the streams. A failure shows in the state.
     void start();
