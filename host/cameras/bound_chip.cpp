@@ -5,6 +5,7 @@
 
 #include <zentara/core/descriptor_details.h>
 #include <zentara/core/descriptor_store_ro.h>
+#include <zentara/host/step_watcher.h>
 #include <zentara/plugin/call_plugin.h>
 #include <zentara/utils/environment_variable.h>
 #include <zentara/utils/format.h>
@@ -126,8 +127,15 @@ void BoundChip::open(const GUID& guid, const std::string& wanted, const std::str
 /// A camera whose description does not name its controller is asked.
 void BoundChip::bind(const std::string& label, const std::string& controller) {
     attempt("reach the controller of " + label, [&] {
+        // Each transfer is a step of its own: what hangs is named by what it began with.
         const IO::ChipListener listener = [watch = transfers](const IO::ChipTransfer& transfer) {
+            StepWatcher* const steps = stepWatcher();
+            if (transfer.isOver && steps != nullptr)
+                steps->ends();
             (*watch)(transfer);
+            if (!transfer.isOver && steps != nullptr)
+                steps->begins(Utils::Format("% unit %, control %") % (transfer.isGet ? "GET" : "SET") %
+                              transfer.unit % transfer.control);
         };
         binding->chip = controller.empty() ? IO::CameraChip::detect(*binding->proxy, listener)
                                            : IO::CameraChip::create(controller, *binding->proxy, listener);

@@ -5,6 +5,8 @@
 
 #include <zentara/utils/format.h>
 
+#include "utils/platform/program.h"
+
 namespace Zentara::Tool {
 
 CLI::Validator secondsBetween(double least, double most) {
@@ -51,6 +53,10 @@ void refuseEmptyWords(CLI::App& program) {
 
 Host::OutputFile::Rules forced(bool force) {
     return {.ifThere = force ? Host::IfThere::Replace : Host::IfThere::Refuse, .hint = "--force replaces it"};
+}
+
+std::string fileWord(const std::string& path) {
+    return Utils::Platform::shellWord(path.front() == '-' ? "./" + path : path);
 }
 
 CLI::Range any32Bits() { return {std::uint32_t{0}, std::uint32_t{0xFFFFFFFF}}; }

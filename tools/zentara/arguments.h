@@ -29,6 +29,9 @@ void refuseEmptyWords(CLI::App& program);
 /// How a verb with the option --force writes a file.
 [[nodiscard]] Host::OutputFile::Rules forced(bool force);
 
+/// A path as a word of a command line that somebody pastes; it is taken for no option.
+[[nodiscard]] std::string fileWord(const std::string& path);
+
 /// For arguments whose range only the camera knows: what is past 32 bits is refused with their range.
 [[nodiscard]] CLI::Range any32Bits();
 

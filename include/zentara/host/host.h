@@ -3,6 +3,7 @@
 /// Everything that the host library offers.
 #include <zentara/host/attempt.h>
 #include <zentara/host/camera.h>
+#include <zentara/host/camera_capture.h>
 #include <zentara/host/camera_files.h>
 #include <zentara/host/camera_report.h>
 #include <zentara/host/cameras.h>

@@ -75,12 +75,9 @@ ExitCode runExport(const CalibrationOptions& options, Console& console) {
 
 /// Where the calibration of before is, and in a line of its own the command that brings it back.
 std::vector<std::string> wayBack(const CameraSession& session, const std::string& backup) {
-    const auto word = [](const std::string& text) {
-        return Utils::Platform::shellWord(text.front() == '-' ? "./" + text : text);
-    };
     const std::string serial = session.camera().info().serial;
     return {"the calibration of before is in '" + backup + "'; this puts it back:",
-            "zentara calibration import " + word(backup) +
+            "zentara calibration import " + fileWord(backup) +
                 (serial.empty() ? "" : " --camera " + Utils::Platform::shellWord(serial)) + " --yes"};
 }
 

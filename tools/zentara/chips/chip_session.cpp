@@ -54,30 +54,19 @@ Trace shownTrace(bool isWanted, Console& console) {
 }
 
 Camera openChip(const ChipOptions& options, Cameras& cameras, Trace trace) {
-    struct Watch {
-        Trace trace;
-        std::string chip;
-        std::optional<Step> underWay;
-    };
-    const auto watch = std::make_shared<Watch>();
-    watch->trace = std::move(trace);
     const std::string& wanted = options.controller.empty() ? options.camera : options.controller;
     const Camera camera = options.direct ? cameras.openDevice({options.plugins, wanted})
                                          : openCamera(cameras, options.camera, options.writes);
-    camera.watchTransfers([watch](const IO::ChipTransfer& transfer) {
-        if (!transfer.isOver) {
-            watch->underWay.emplace(Utils::Format("% unit %, control %") % (transfer.isGet ? "GET" : "SET") %
-                                    transfer.unit % transfer.control);
-            return;
-        }
-        watch->underWay.reset();
-        if (watch->trace)
-            watch->trace(watch->chip, transfer);
-    });
+    const auto chip = std::make_shared<std::string>();
+    if (trace)
+        camera.watchTransfers([chip, trace = std::move(trace)](const IO::ChipTransfer& transfer) {
+            if (transfer.isOver)
+                trace(*chip, transfer);
+        });
     std::optional<ToolLog::Silence> trying; // a controller that is not there is no fault
     if (options.controller.empty() && (options.direct || camera.info().controller.empty()))
         trying.emplace();
-    watch->chip = camera.chip(options.controller).name();
+    *chip = camera.chip(options.controller).name();
     return camera;
 }
 

@@ -33,8 +33,8 @@ using Trace = std::function<void(const std::string& chip, const IO::ChipTransfer
 /// Shows each on standard error, if that is wanted.
 [[nodiscard]] Trace shownTrace(bool isWanted, Console& console);
 
-/// Opens one camera of the bus, or a bare video device, and reaches its controller. A transfer that hangs is named by what
-/// it began with. \param trace may be empty \throws Failure
+/// Opens one camera of the bus, or a bare video device, and reaches its controller. \param trace may be empty
+/// \throws Failure
 [[nodiscard]] Camera openChip(const ChipOptions& options, Cameras& cameras, Trace trace);
 
 /// One camera of the bus, or a bare video device, open, with its chip bound.

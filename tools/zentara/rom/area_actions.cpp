@@ -37,15 +37,10 @@ ExitCode runBackup(const BackupOptions& options, Console& console) {
     const bool isFaulty = surveyOf(image).isFaulty();
     if (isFaulty)
         note(console, "something is wrong with " + flash.name() + "; the bytes are kept as they are");
-    if (options.json) {
-        Json json = beginJson(flash, console);
-        json.update({{"file", options.file}, {"bytes", image.bytes().size()}, {"faulty", isFaulty}});
-        print(console.out, json);
-    } else {
-        printLine(console.out, Format("% bytes of % are in '%'") %
-                                   static_cast<unsigned long long>(image.bytes().size()) % flash.name() %
-                                   options.file);
-    }
+    finish(flash, options, console,
+           {{"file", options.file}, {"bytes", image.bytes().size()}, {"faulty", isFaulty}},
+           {Format("% bytes of % are in '%'") % static_cast<unsigned long long>(image.bytes().size()) %
+            flash.name() % options.file});
     return Failure::None;
 }
 

@@ -12,32 +12,26 @@ namespace {
 
 using Utils::Format;
 
-void printJson(const FlashSurvey& survey, const Flash& flash, Console& console) {
-    const Json told = Json::parse(toJson(survey));
-    Json json = beginJson(flash, console);
-    json.update({{"faulty", told["faulty"]}, {"findings", told["findings"]}});
-    print(console.out, json);
-}
-
-void printText(const FlashSurvey& survey, std::ostream& out) {
+std::vector<std::string> linesOf(const FlashSurvey& survey) {
+    std::vector<std::string> lines;
     for (const Finding& finding : survey.findings)
-        printLine(out, Format("0x%{:x8}  %  %: %") % finding.address % (finding.isFault ? "WRONG" : "note ") %
-                           findingKindName(finding.kind) % finding.text);
+        lines.push_back(Format("0x%{:x8}  %  %: %") % finding.address %
+                        (finding.isFault ? "WRONG" : "note ") % findingKindName(finding.kind) % finding.text);
     std::size_t sections = 0;
     for (const SurveyedBlock& block : survey.blocks)
         sections += block.section ? 1 : 0;
-    printLine(out, Format("% sections in % blocks: %") % static_cast<unsigned long long>(sections) %
-                       static_cast<unsigned long long>(survey.blocks.size()) %
-                       (survey.isFaulty() ? "something is wrong" : "all is right"));
+    lines.push_back(Format("% sections in % blocks: %") % static_cast<unsigned long long>(sections) %
+                    static_cast<unsigned long long>(survey.blocks.size()) %
+                    (survey.isFaulty() ? "something is wrong" : "all is right"));
+    return lines;
 }
 
 ExitCode runVerify(const TargetOptions& options, Console& console) {
     Flash flash = openFlash(options, console);
     const FlashSurvey survey = surveyOf(loadFlash(flash, console));
-    if (options.json)
-        printJson(survey, flash, console);
-    else
-        printText(survey, console.out);
+    const Json told = Json::parse(toJson(survey));
+    finish(flash, options, console, {{"faulty", told["faulty"]}, {"findings", told["findings"]}},
+           linesOf(survey));
     return survey.isFaulty() ? Failure::Verification : Failure::None;
 }
 
@@ -53,15 +47,11 @@ ExitCode runSalvage(const SalvageOptions& options, Console& console) {
     if (!salvage.image)
         throw Failure(Failure::Verification, "cannot salvage " + flash.name(), salvage.whyNot);
     flash.keep(options.file, salvage.image->bytes());
-    if (options.json) {
-        Json json = beginJson(flash, console);
-        json.update({{"file", options.file}, {"sections", salvage.content.size()}, {"found", salvage.lines}});
-        print(console.out, json);
-        return Failure::None;
-    }
-    printLine(console.out, Format("% sections of % are in the new image '%'; nothing was changed in %") %
-                               static_cast<unsigned long long>(salvage.content.size()) % flash.name() %
-                               options.file % flash.name());
+    finish(flash, options, console,
+           {{"file", options.file}, {"sections", salvage.content.size()}, {"found", salvage.lines}},
+           {Format("% sections of % are in the new image '%'; nothing was changed in %") %
+            static_cast<unsigned long long>(salvage.content.size()) % flash.name() % options.file %
+            flash.name()});
     return Failure::None;
 }
 

@@ -22,11 +22,8 @@ ExitCode runExport(const ExportOptions& options, Console& console) {
         console.out << toJson(content);
     else
         flash.save(options.file, toJson(content), forced(options.force));
-    if (options.json && !options.file.empty()) {
-        Json told = beginJson(flash, console);
-        told.update({{"file", options.file}, {"sections", content.size()}});
-        print(console.out, told);
-    }
+    if (!options.file.empty())
+        finish(flash, options, console, {{"file", options.file}, {"sections", content.size()}}, {});
     const FlashSurvey survey = surveyOf(image);
     if (const Finding* fault = survey.structuralFault())
         note(console, flash.name() + " is damaged, this is what can be read of it: " + fault->text);

@@ -75,22 +75,18 @@ ExitCode runDraw(const DrawOptions& options, Console& console) {
                                                   table.megahertz % options.table % flash.name(),
                                               options.width, options.scale);
     flash.save(options.file, drawn.picture.png(), forced(options.force));
-    if (options.json) {
-        const auto statistics = table.statistics();
-        Json json = beginJson(flash, console);
-        json.update({{"file", options.file},
-                     {"table", options.table},
-                     {"modulationFrequency", table.megahertz},
-                     {"width", drawn.width},
-                     {"height", drawn.height},
-                     {"least", statistics.least},
-                     {"greatest", statistics.greatest}});
-        print(console.out, json);
-        return Failure::None;
-    }
-    printLine(console.out, Format("table % (% MHz), % by % values: %") % options.table % table.megahertz %
-                               static_cast<unsigned long long>(drawn.width) %
-                               static_cast<unsigned long long>(drawn.height) % options.file);
+    const auto statistics = table.statistics();
+    finish(flash, options, console,
+           {{"file", options.file},
+            {"table", options.table},
+            {"modulationFrequency", table.megahertz},
+            {"width", drawn.width},
+            {"height", drawn.height},
+            {"least", statistics.least},
+            {"greatest", statistics.greatest}},
+           {Format("table % (% MHz), % by % values: %") % options.table % table.megahertz %
+            static_cast<unsigned long long>(drawn.width) % static_cast<unsigned long long>(drawn.height) %
+            options.file});
     return Failure::None;
 }
 

@@ -106,6 +106,17 @@ Json beginJson(const Flash& flash, const Console& console) {
     return json;
 }
 
+void finish(const Flash& flash, const TargetOptions& options, Console& console, const Json& result,
+            const std::vector<std::string>& lines) {
+    if (options.json) {
+        Json json = beginJson(flash, console);
+        json.update(result);
+        return print(console.out, json);
+    }
+    for (const std::string& line : lines)
+        printLine(console.out, line);
+}
+
 void printLine(std::ostream& out, const std::string& text) { out << printable(text) << '\n'; }
 
 } // namespace Zentara::Tool

@@ -2,6 +2,7 @@
 
 #include <ostream>
 #include <string>
+#include <vector>
 
 #include <zentara/host/flash.h>
 
@@ -35,6 +36,10 @@ void addForceOption(CLI::App& command, bool& force);
 
 /// Begins what a verb prints with --json: the target, and of a camera who it is.
 [[nodiscard]] Json beginJson(const Flash& flash, const Console& console);
+
+/// Ends a verb: prints the result as JSON, with what beginJson() begins, or the lines.
+void finish(const Flash& flash, const TargetOptions& options, Console& console, const Json& result,
+            const std::vector<std::string>& lines);
 
 /// Takes whatever becomes a text, a `Format` among them; names of files in it are made fit for a terminal.
 void printLine(std::ostream& out, const std::string& text);

@@ -7,6 +7,7 @@
 
 #include <zentara/utils/format.h>
 
+#include "tools/zentara/arguments.h"
 #include "tools/zentara/progress.h"
 #include "tools/zentara/supervisor.h"
 #include "utils/platform/program.h"
@@ -47,9 +48,6 @@ std::string refusalHelp(const FlashChange& change, const std::string& readOnlyHe
 /// Where the bytes of before are, and in a line of its own the command that brings them back.
 std::vector<std::string> wayBack(const Flash& flash, const FlashChange& change, const WriteOptions& options,
                                  const std::string& backupFile) {
-    const auto fileWord = [](const std::string& path) {
-        return Utils::Platform::shellWord(path.front() == '-' ? "./" + path : path);
-    };
     std::string command = "zentara rom restore " + fileWord(backupFile);
     if (const std::optional<CameraInfo>& camera = flash.owner()) {
         const std::string name = options.direct           ? options.camera
@@ -77,37 +75,25 @@ std::vector<std::string> wayBack(const Flash& flash, const FlashChange& change, 
     return {"the bytes of before are in '" + backupFile + "'; this puts them back:", command + " --yes"};
 }
 
-void reportJson(const Flash& flash, const FlashChange& change, bool isWritten, const std::string& backupFile,
-                Console& console) {
-    Json json = beginJson(flash, console);
-    json.update({{"changes", change.lines},
-                 {"writes", change.writes.size()},
-                 {"bytes", change.bytes()},
-                 {"written", isWritten}});
-    if (!backupFile.empty())
-        json["backup"] = backupFile;
-    print(console.out, json);
-}
-
 void report(const Flash& flash, const FlashChange& change, const WriteOptions& options,
             const std::string& backupFile, Console& console) {
     const auto bytes = static_cast<unsigned long long>(change.bytes());
     const auto writes = static_cast<unsigned long long>(change.writes.size());
     const bool isWritten = !options.dryRun && bytes > 0;
-    if (options.json)
-        return reportJson(flash, change, isWritten, backupFile, console);
-    for (const std::string& line : change.lines)
-        printLine(console.out, line);
+    Json result{{"changes", change.lines}, {"writes", writes}, {"bytes", bytes}, {"written", isWritten}};
+    if (!backupFile.empty())
+        result["backup"] = backupFile;
+    std::vector<std::string> lines = change.lines;
     if (bytes == 0)
-        printLine(console.out, "nothing changes");
+        lines.emplace_back("nothing changes");
     else if (!isWritten)
-        printLine(console.out, Format("dry run: % bytes in % writes would go to %, nothing was written") %
-                                   bytes % writes % flash.name());
+        lines.push_back(Format("dry run: % bytes in % writes would go to %, nothing was written") % bytes %
+                        writes % flash.name());
     else
-        printLine(console.out,
-                  Format("% bytes in % writes to %, read back and verified%") % bytes % writes %
-                      flash.name() %
-                      (backupFile.empty() ? "" : "; those of before are in '" + backupFile + "'"));
+        lines.push_back(Format("% bytes in % writes to %, read back and verified%") % bytes % writes %
+                        flash.name() %
+                        (backupFile.empty() ? "" : "; those of before are in '" + backupFile + "'"));
+    finish(flash, options, console, result, lines);
 }
 
 } // namespace
