@@ -8,6 +8,7 @@
 #include <zentara/utils/mutex.h>
 #include <zentara/utils/thread_annotations.h>
 
+#include "plugins/simulated/scene.h"
 #include "plugins/simulated/simulated_bus.h"
 
 namespace Zentara::Simulated {
@@ -22,6 +23,15 @@ public:
     ///         bus if something is
     std::string attach(const NodeEvent& node);
 
+    /// Lenses and extrinsics as its description says; the usual ones for a camera of no bus.
+    [[nodiscard]] Eyes eyes();
+
+    /// The streams of one camera look at one scene. Returns the scene's frame for the first of a stream that starts now,
+    /// in microseconds of the monotonic clock: 0 unless another one of the camera runs, of this device or another.
+    [[nodiscard]] std::uint64_t joinScene(std::int64_t now, int framesPerSecond);
+    /// Ends what joinScene() began.
+    void leaveScene();
+
     /// Whether the camera was pulled out; looks at most ten times a second. A camera that comes back is another one.
     [[nodiscard]] bool isGone();
 
@@ -32,7 +42,10 @@ private:
     Utils::Threading::Mutex lock;
     /// Null for a camera of no bus, which never goes.
     std::unique_ptr<SimulatedBus> bus ZENTARA_GUARDED_BY(lock);
-    std::string path ZENTARA_GUARDED_BY(lock);          ///< of the camera on it
+    std::string path ZENTARA_GUARDED_BY(lock); ///< of the camera on it
+    Eyes seenWith ZENTARA_GUARDED_BY(lock);
+    /// When the scene began; shared by the camera's streams, null while none of this device runs.
+    std::shared_ptr<const std::int64_t> sceneBegin ZENTARA_GUARDED_BY(lock);
     bool gone ZENTARA_GUARDED_BY(lock) = false;         ///< stays true until the next attach()
     std::int64_t nextLook ZENTARA_GUARDED_BY(lock) = 0; ///< microseconds of the monotonic clock
 };

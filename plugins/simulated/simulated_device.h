@@ -27,7 +27,7 @@ template<typename Interface>
 class SimulatedDevice : public Interface {
 public:
     void dispose() override {
-        clock.stop();
+        stop();
         faults->meet(Operation::Dispose);
         Interface::dispose();
     }
@@ -48,14 +48,14 @@ public:
         faults->meet(Operation::Close, request);
         const Utils::Threading::AutoLock hold(lock);
         requireOpen(Operation::Close);
-        clock.stop();
+        stop();
         opened = false;
     }
     void disableStreaming(IO::disableRequest* request) override {
         faults->meet(Operation::Disable, request);
         const Utils::Threading::AutoLock hold(lock);
         requireOpen(Operation::Disable);
-        clock.stop();
+        stop();
     }
 
 protected:
@@ -88,6 +88,11 @@ protected:
         if (clock.running())
             throw Zentara::Plugin::InvalidOperationPluginException(
                 Utils::Format("%: the device is streaming; disable it first") % operationName(operation));
+    }
+
+    void stop() {
+        clock.stop();
+        camera.leaveScene();
     }
 
     /// Waits until the next unit falls due, for the three arguments of a `readBuffer`.

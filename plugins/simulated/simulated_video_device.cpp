@@ -12,6 +12,7 @@
 #include <zentara/io/camera_control_requests.h>
 #include <zentara/io/transfer_requests.h>
 #include <zentara/io/xu_device_requests.h>
+#include <zentara/utils/clock.h>
 #include <zentara/utils/format.h>
 
 #include "plugins/descriptions/wire.h"
@@ -83,7 +84,7 @@ SimulatedVideoDevice::SimulatedVideoDevice() : SimulatedVideoDevice(Settings::fr
 SimulatedVideoDevice::SimulatedVideoDevice(const Settings& settings)
     : SimulatedDevice(Core::Guids::MOCKVIDEODEVICE_IMPL, std::make_shared<Faults>(settings, Device::Video),
                       framesPerSecond, framesKept),
-      scene(settings.seed), port(makePort(settings, faults)), region{0, 0, frameWidth, frameHeight},
+      seed(settings.seed), port(makePort(settings, faults)), region{0, 0, frameWidth, frameHeight},
       depth(pixelCount), confidence(pixelCount) {
     const CameraControlRanges known = controlRanges();
     for (const auto& [control, range] : known.ranges)
@@ -96,6 +97,13 @@ void SimulatedVideoDevice::initialize(NodeEvent* event, Core::DescriptorStoreRO*
     VideoDeviceInterface::initialize(event, store);
     const std::string chip = store ? Core::controllerNameOf(*store) : std::string();
     std::optional<Settings> settings = settingsOf(*event, !chip.empty());
+    {
+        AutoLock hold(lock);
+        eyes = camera.eyes();
+        if (settings)
+            seed = settings->seed;
+        look(event->nodeType == NodeType_COLOR ? Stream::Color : Stream::Depth);
+    }
     if (!settings)
         return;
     if (!chip.empty())
@@ -103,7 +111,6 @@ void SimulatedVideoDevice::initialize(NodeEvent* event, Core::DescriptorStoreRO*
     faults->rearm(*settings);
     std::shared_ptr<Port> made = makePort(*settings, faults); // outside the lock: it may read files
     AutoLock hold(lock);
-    scene = Scene(settings->seed);
     port = std::move(made);
 }
 
@@ -128,20 +135,29 @@ std::size_t SimulatedVideoDevice::frameSize(const SensorOutput& output) const {
     return format == OutputFormat::OutputFormat_DEPTH ? confidenceOffset : frameBytes;
 }
 
+/// Takes a few milliseconds: once before the first start, so that streams which are started together begin together.
+void SimulatedVideoDevice::look(Stream wanted) {
+    stream = wanted;
+    scene.emplace(seed, wanted == Stream::Color ? eyes.color : eyes.depth);
+}
+
 void SimulatedVideoDevice::start(Operation operation, Stream wanted) {
     requireOpen(operation);
     requireIdle(operation);
-    stream = wanted;
-    clock.start();
+    if (!scene || stream != wanted)
+        look(wanted);
+    const std::int64_t now = Utils::Clock::nowMicros();
+    sceneFrame = camera.joinScene(now, framesPerSecond);
+    clock.startAt(now);
 }
 
 void SimulatedVideoDevice::render(SensorOutput output, std::uint64_t frame, std::uint8_t* buffer) {
-    const auto number = static_cast<std::uint32_t>(frame);
+    const auto number = static_cast<std::uint32_t>(sceneFrame + frame);
     if (stream == Stream::Color) {
-        scene.renderColor(number, controls.values[CameraControl_BRIGHTNESS].value, buffer);
+        scene->renderColor(number, controls.values[CameraControl_BRIGHTNESS].value, buffer);
         return;
     }
-    scene.render(number, depth.data(), confidence.data());
+    scene->render(number, depth.data(), confidence.data());
     if (output.dark)
         output.region = {0, 0, 0, 0};
     for (const RegionOfInterestInternal& seen : {region, output.region}) {
@@ -149,7 +165,7 @@ void SimulatedVideoDevice::render(SensorOutput output, std::uint64_t frame, std:
         crop(seen, confidence.data());
     }
     if (output.raw) {
-        output.header.number = number;
+        output.header.number = static_cast<std::uint32_t>(frame);
         encodeRawFrame(output.header, depth.data(), confidence.data(), buffer);
         return;
     }

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include <zentara/camera_controls.h>
@@ -70,10 +71,14 @@ private:
     [[nodiscard]] std::shared_ptr<Port> plugged();
     [[nodiscard]] std::shared_ptr<Port> requirePort(Operation operation);
     [[nodiscard]] std::size_t frameSize(const SensorOutput& output) const ZENTARA_REQUIRES(lock);
+    void look(Stream wanted) ZENTARA_REQUIRES(lock);
     void start(Operation operation, Stream wanted) ZENTARA_REQUIRES(lock);
     void render(SensorOutput output, std::uint64_t frame, std::uint8_t* buffer) ZENTARA_REQUIRES(lock);
 
-    Scene scene ZENTARA_GUARDED_BY(lock);
+    std::uint32_t seed ZENTARA_GUARDED_BY(lock);
+    Eyes eyes ZENTARA_GUARDED_BY(lock);
+    std::optional<Scene> scene ZENTARA_GUARDED_BY(lock);    ///< as the eye of `stream` sees it
+    std::uint64_t sceneFrame ZENTARA_GUARDED_BY(lock) = 0;  ///< the scene's at the stream's first frame
     std::shared_ptr<Port> port ZENTARA_GUARDED_BY(lock);    ///< null for a camera without a controller
     Stream stream ZENTARA_GUARDED_BY(lock) = Stream::Depth; ///< the one that runs, or ran last
     OutputFormat format ZENTARA_GUARDED_BY(lock) = OutputFormat::OutputFormat_DEPTH_CONFIDENCE;

@@ -45,7 +45,7 @@ if(NOT code EQUAL 0)
     message(FATAL_ERROR "zentara ${text}: exit code ${code}")
 endif()
 
-zentara(stream --camera SIM0570 --frames 30 --ply cloud.ply --cloud-png cloud.png)
+zentara(stream --camera SIM0570 --frames 30 --color --ply cloud.ply --cloud-png cloud.png)
 zentara(stream --camera SIM0345 --frames 30 --audio --record camera.ztrec)
 zentara(stream --play camera.ztrec)
 zentara(params get 0 2 13)

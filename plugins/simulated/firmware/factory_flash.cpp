@@ -47,10 +47,12 @@ ROM::SystemInfo systemInfo(std::uint8_t seed) {
 ROM::SystemCalibration systemCalibration() {
     using Lens = ROM::IntrinsicsData;
     const Lens::Type depth = Lens::Type::Depth;
+    const ExtrinsicParametersInternal& pose = factoryExtrinsics;
     return {
         ROM::AccelerometerCalibrationData(0.01F, -0.02F, 0.98F),
-        ROM::ExtrinsicsData(1, 0, 0, 0, 1, 0, 0, 0, 1, 26.5F, 0.25F, -1.5F),
-        {Lens(depth, 320, 240, 224.5F, 224.25F, 160.5F, 119.75F, -0.17F, 0.11F, 0.0005F, -0.0003F, -0.02F),
+        ROM::ExtrinsicsData(pose.r11, pose.r12, pose.r13, pose.r21, pose.r22, pose.r23, pose.r31, pose.r32,
+                            pose.r33, pose.t1, pose.t2, pose.t3),
+        {Lens(depth, factoryDepthLens),
          Lens(depth, 160, 120, 112.25F, 112.125F, 80.25F, 59.875F, -0.17F, 0.11F, 0.0005F, -0.0003F, -0.02F)},
         {Lens(Lens::Type::Color, 1280, 720, 915.5F, 915.25F, 641.5F, 358.75F, 0.03F, -0.09F, 0, 0, 0.05F)}};
 }

@@ -56,6 +56,7 @@ Cameras::CameraDescription descriptionOf(const std::string& model) {
 struct Camera {
     CameraShape shape;
     std::unique_ptr<Port> port; ///< null without a controller
+    Eyes eyes;
     std::uint32_t seed = 1;
 };
 
@@ -71,6 +72,7 @@ Camera makeCamera(const Options& options) {
     } else {
         const Cameras::CameraDescription description = descriptionOf(options.camera);
         settings.firmware.chip = description.controller;
+        camera.eyes = eyesOf(description);
         camera.port = makePort(settings, nullptr);
         if (camera.port)
             camera.port->select(camera.port->model().guid());
@@ -96,7 +98,7 @@ Bytes readBytes(const std::string& path) {
 
 void run(const Options& options) {
     const Camera camera = makeCamera(options);
-    const Pictures pictures(camera.seed, camera.port.get(), !options.withoutTables);
+    const Pictures pictures(camera.seed, camera.eyes, camera.port.get(), !options.withoutTables);
     if (options.showDescriptors) {
         write(configurationDescriptor(camera.shape));
         return;

@@ -75,7 +75,7 @@ Bytes Pictures::draw(Coding coding, const PictureSize& size, std::uint32_t numbe
 
 Bytes Pictures::drawDepth(const PictureSize& size, std::uint32_t number) const {
     std::vector<std::uint16_t> planes(2 * pixelCount);
-    scene.render(number, planes.data(), planes.data() + pixelCount);
+    depthScene.render(number, planes.data(), planes.data() + pixelCount);
     SensorOutput output = SensorOutput::read(registers);
     if (output.dark)
         output.region = {0, 0, 0, 0};
@@ -88,7 +88,7 @@ Bytes Pictures::drawDepth(const PictureSize& size, std::uint32_t number) const {
 
 Bytes Pictures::drawColor(std::uint32_t number, int brightness) const {
     Bytes picture(colorBytes);
-    scene.renderColor(number, brightness, picture.data());
+    colorScene.renderColor(number, brightness, picture.data());
     return picture;
 }
 

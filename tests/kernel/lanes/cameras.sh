@@ -8,11 +8,11 @@ test_pictures_arrive_whole_and_in_order() {
         # shellcheck disable=SC2086
         plug K1 2 --camera ZS570 --no-microphone $way
         take "$(node_of K1 0)" 20 "$TMPDIR/depth"
-        same_pictures "$TMPDIR/depth" 20 --coding y16
+        same_pictures "$TMPDIR/depth" 20 --camera ZS570 --coding y16
         take "$(node_of K1 0)" 20 "$TMPDIR/depth" -v width=320,height=240
-        same_pictures "$TMPDIR/depth" 20 --coding y16 --depth-only
+        same_pictures "$TMPDIR/depth" 20 --camera ZS570 --coding y16 --depth-only
         take "$(node_of K1 2)" 20 "$TMPDIR/color"
-        same_pictures "$TMPDIR/color" 20 --coding yuy2
+        same_pictures "$TMPDIR/color" 20 --camera ZS570 --coding yuy2
         unplug K1
     done
 }
@@ -28,8 +28,8 @@ test_two_cameras_at_once_with_sound() {
     take "$(node_of K2 2)" 15 "$TMPDIR/z16" -p 15 & takers+=($!)
     local taker
     for taker in "${takers[@]}"; do wait "$taker"; done
-    same_pictures "$TMPDIR/depth" 15 --coding y16
-    same_pictures "$TMPDIR/color" 15 --coding yuy2
+    same_pictures "$TMPDIR/depth" 15 --camera ZS258 --coding y16
+    same_pictures "$TMPDIR/color" 15 --camera ZS258 --coding yuy2
     same_pictures "$TMPDIR/jpeg" 15 --coding mjpeg
     same_pictures "$TMPDIR/z16" 15 --coding z16
     python3 "$here/tone.py" "$TMPDIR/sound" 24000

@@ -11,7 +11,7 @@ test_each_controller_is_driven() {
         expect "^$serial .*depth color audio" zentara devices
         expect "$serial" zentara info --camera "$serial"
         zentara stream --camera "$serial" --frames 5 --raw "$TMPDIR/raw" --ply "$ZENTARA_JOB/$serial.ply" --png "$ZENTARA_JOB/$serial.png"
-        taken_pictures "$TMPDIR/raw" $depth_frame $((2 * 320 * 240 * 2)) --coding y16
+        taken_pictures "$TMPDIR/raw" $depth_frame $((2 * 320 * 240 * 2)) --camera "$model" --coding y16
         [ -s "$ZENTARA_JOB/$serial.ply" ]
         expect 'all is right' zentara rom verify --camera "$serial"
         expect '0x2035' zentara reg read --camera "$serial" tof 0x21
@@ -31,7 +31,7 @@ test_two_cameras_and_their_sound() {
     plug SIM0258 2 --camera ZS258
     plug PLAIN 2 --camera plain
     zentara stream --all --color --audio --frames 15 --raw "$TMPDIR/all.raw" --wav "$TMPDIR/all.wav" >"$TMPDIR/said"
-    taken_pictures "$TMPDIR/all.SIM0258.raw" $depth_frame $((2 * 320 * 240 * 2)) --coding y16
+    taken_pictures "$TMPDIR/all.SIM0258.raw" $depth_frame $((2 * 320 * 240 * 2)) --camera ZS258 --coding y16
     taken_pictures "$TMPDIR/all.PLAIN.raw" $depth_frame $((320 * 240 * 2)) --coding z16
     [ "$(stat -c %s "$TMPDIR/all.SIM0258.wav")" -gt 20000 ] && [ "$(stat -c %s "$TMPDIR/all.PLAIN.wav")" -gt 20000 ]
 }
