@@ -10,6 +10,7 @@ namespace {
 
 // Of what a file or a description says: far beyond any camera, and small enough for all that is worked out with it.
 constexpr int mostFramesPerSecond = 10'000;
+constexpr std::uint32_t longestSide = 8192; // pixels
 constexpr int mostChannels = 64;
 constexpr int mostSamplesPerSecond = 10'000'000;
 
@@ -53,7 +54,8 @@ bool StreamDescription::plausible() const {
     switch (node.nodeType) {
     case NodeType_DEPTH:
     case NodeType_COLOR:
-        return within(0, FrameFormat_QQVGA, FrameFormat_DEFAULT) && within(1, 1, mostFramesPerSecond);
+        return frameSize().width != 0 && std::max(frameSize().width, frameSize().height) <= longestSide &&
+               within(1, 1, mostFramesPerSecond);
     case NodeType_AUDIO:
         return within(0, 1, mostChannels) && within(1, 8, 64) && within(2, 1, mostSamplesPerSecond);
     default:

@@ -4,7 +4,8 @@
 
 namespace Zentara {
 
-/// The size of a frame, by its usual name. The number is part of a mode's name, so it stays.
+/// The size of a frame, by its usual name; a size that has none is the number that `frameFormatOf` makes of it. The number is
+/// part of a mode's name, so it stays.
 enum FrameFormat : std::int32_t {
     FrameFormat_NONE = 0,    ///< not told
     FrameFormat_QQVGA = 1,   ///< 160 x 120
@@ -25,6 +26,10 @@ struct FrameSize {
 
 /// The size that a format stands for; 0 x 0 for those that stand for none. Safe.
 [[nodiscard]] constexpr FrameSize frameSize(FrameFormat format) noexcept {
+    const std::uint32_t columns = static_cast<std::uint32_t>(format) >> 16;
+    const std::uint32_t rows = static_cast<std::uint32_t>(format) & 0xFFFF;
+    if (columns != 0)
+        return format > 0 && rows != 0 ? FrameSize{columns, rows} : FrameSize{};
     switch (format) {
     case FrameFormat_QQVGA:
         return {160, 120};
@@ -39,6 +44,18 @@ struct FrameSize {
     default:
         return {};
     }
+}
+
+/// The format that stands for a size: that with its name, else 65,536 times the columns plus the rows. NONE for a size
+/// without pixels, or with more than 32,767 columns or 65,535 rows. Safe.
+[[nodiscard]] constexpr FrameFormat frameFormatOf(FrameSize size) noexcept {
+    for (const FrameFormat named :
+         {FrameFormat_QQVGA, FrameFormat_QVGA, FrameFormat_VGA, FrameFormat_HD720, FrameFormat_HD1080}) {
+        if (frameSize(named) == size)
+            return named;
+    }
+    const bool fits = size.width > 0 && size.width <= 0x7FFF && size.height > 0 && size.height <= 0xFFFF;
+    return fits ? static_cast<FrameFormat>(size.width << 16 | size.height) : FrameFormat_NONE;
 }
 
 } // namespace Zentara

@@ -43,20 +43,19 @@ void requirePictures(const DeviceFile& file) {
                                           file.path());
 }
 
-/// The modes that the host's configurations can name, each once.
-std::vector<Utils::SmartPtr<ColorConfiguration>> configurationsOf(const DeviceFile& file, bool depth) {
+/// The modes, each once. \param named those alone whose size has a name
+std::vector<Utils::SmartPtr<ColorConfiguration>> configurationsOf(const DeviceFile& file, bool depth,
+                                                                  bool named) {
     const PowerLineFrequency mains = depth ? PowerLineFrequency_DISABLED : usualPowerLine(file);
     std::vector<Utils::SmartPtr<ColorConfiguration>> list;
     const auto add = [&](const DriverMode& mode, CompressionType compression) {
-        for (const FrameFormat format :
-             {FrameFormat_QQVGA, FrameFormat_QVGA, FrameFormat_VGA, FrameFormat_HD720, FrameFormat_HD1080}) {
-            if (frameSize(format) != mode.size || mode.rate() == 0)
-                continue;
-            auto one = Utils::makeRefcounted<ColorConfiguration>(format, mode.rate(), mains, compression);
-            if (std::none_of(list.begin(), list.end(),
-                             [&](const auto& known) { return known->isEqual(one.get()); }))
-                list.push_back(std::move(one));
-        }
+        const FrameFormat format = frameFormatOf(mode.size);
+        if (format == FrameFormat_NONE || (named && format >= FrameFormat_DEFAULT) || mode.rate() == 0)
+            return;
+        auto one = Utils::makeRefcounted<ColorConfiguration>(format, mode.rate(), mains, compression);
+        if (std::none_of(list.begin(), list.end(),
+                         [&](const auto& known) { return known->isEqual(one.get()); }))
+            list.push_back(std::move(one));
     };
     const std::vector<DriverMode> modes = modesOf(file);
     for (const DriverMode& mode : modes) {
@@ -164,8 +163,10 @@ void V4l2Device::setCameraControl(IO::setCameraControlRequest* request) {
 
 void V4l2Device::getConfigurations(IO::getColorConfigurationsRequest* request) {
     const bool depth = getDescription().nodeType == NodeType_DEPTH;
-    const auto modes = call(request, "ask for the modes", [own = require("ask for modes"), depth] {
-        return configurationsOf(*own->file, depth);
+    const bool described =
+        getDescriptorStore() != nullptr && getDescriptorStore()->getNodeDescriptor() != nullptr;
+    const auto modes = call(request, "ask for the modes", [own = require("ask for modes"), depth, described] {
+        return configurationsOf(*own->file, depth, described);
     });
     auto& list = request->getConfigurations();
     list.insert(list.end(), modes.begin(), modes.end());

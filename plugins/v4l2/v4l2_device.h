@@ -52,7 +52,8 @@ public:
     void disableStreaming(IO::disableRequest* request) override;
 
     void getCameraControlRanges(IO::getCameraControlRangesRequest* request) override;
-    /// Of a depth node, its depth modes as if they were colour ones.
+    /// Of a depth node, its depth modes as if they were colour ones. A node that a description names has the modes alone
+    /// whose size has a name.
     void getConfigurations(IO::getColorConfigurationsRequest* request) override;
     void enableColorStreaming(IO::enableColorRequest* request) override;
     void enableDepthStreaming(IO::enableDepthRequest* request) override;

@@ -20,7 +20,7 @@ namespace Zentara::TestSupport {
 
 using Bytes = std::vector<std::uint8_t>;
 
-/// A kernel with one driver, whose nodes all deliver the same pictures, 640 x 480 at 30 frames a second.
+/// A kernel with one driver, whose nodes all deliver the same pictures, 640 x 480 unless told, at 30 frames a second.
 class FakeKernel final : public Linux::Kernel {
 public:
     std::map<std::string, int> openErrors;   ///< by path
@@ -90,8 +90,9 @@ private:
         {VIDIOC_QUERYCAP, [](void* a) { return as<v4l2_capability>(a).capabilities = 0x04000001, 0; }},
         {VIDIOC_ENUM_FMT, [this](void* a) { return describe(as<v4l2_fmtdesc>(a)); }},
         {VIDIOC_ENUM_FRAMESIZES,
-         [](void* a) {
-             return as<v4l2_frmsizeenum>(a).type = 1, as<v4l2_frmsizeenum>(a).discrete = {640, 480}, 0;
+         [this](void* a) {
+             as<v4l2_frmsizeenum>(a).discrete = {made.width, made.height};
+             return as<v4l2_frmsizeenum>(a).type = 1, 0;
          }},
         {VIDIOC_ENUM_FRAMEINTERVALS,
          [](void* a) {

@@ -6,6 +6,7 @@
 #include <turbojpeg.h>
 
 #include <zentara/color_configuration.h>
+#include <zentara/io/camera_control_requests.h>
 #include <zentara/io/streaming_requests.h>
 #include <zentara/utils/clock.h>
 
@@ -86,6 +87,21 @@ TEST_F(V4l2DeviceTest, DeliversWholeFramesWithTheKernelsTime) {
     EXPECT_EQ(read(), ReadBufferStatus_NOT_STREAMING);
     close();
     EXPECT_EQ(kernel->openFiles, 0);
+}
+
+TEST_F(V4l2DeviceTest, OffersSizesWithoutANameAndStreamsThem) {
+    kernel->made.width = 320, kernel->made.height = 180, kernel->made.bytesperline = 640;
+    kernel->made.sizeimage = 115200;
+    open();
+    std::vector<SmartPtr<ColorConfiguration>> modes;
+    device->getConfigurations(request<IO::getColorConfigurationsRequest>(modes).get());
+    ASSERT_EQ(modes.size(), 1U);
+    EXPECT_EQ(modes.front()->getName(), "COFF20971700FR30PLF0COMP0");
+    start(CompressionType_NONE, frameFormatOf({320, 180}));
+    kernel->frames.push_back(Bytes(115200, 9));
+    EXPECT_EQ(read(), ReadBufferStatus_OK);
+    EXPECT_EQ(frame.size(), 115200U);
+    EXPECT_EQ(frameSize(static_cast<FrameFormat>(-1)), FrameSize());
 }
 
 TEST_F(V4l2DeviceTest, EndsAReadersWaitAndNeverSpins) {
