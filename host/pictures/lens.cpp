@@ -23,6 +23,9 @@ constexpr float millimetresPerMetre = 1000;
 constexpr std::size_t stretchPixels = 4096;
 constexpr int solverSteps = 20;
 constexpr double solverTolerance = 0.01; ///< pixels
+constexpr double steepest = 1e6;         ///< no lens sees a million times as far to the side as forward
+constexpr float leastUnit = 1e-6F;       ///< millimetres that a depth of 1 may stand for
+constexpr float mostUnit = 1e6F;
 
 struct Plane {
     double x = 0;
@@ -69,7 +72,7 @@ std::optional<Plane> undistorted(const CameraIntrinsics& lens, Plane seen) noexc
 
 std::optional<Point> rayAt(const CameraIntrinsics& lens, double x, double y) noexcept {
     const auto plane = undistorted(lens, {(x - lens.cx) / lens.fx, (y - lens.cy) / lens.fy});
-    if (!plane)
+    if (!plane || !(std::max(std::abs(plane->x), std::abs(plane->y)) <= steepest))
         return std::nullopt;
     return Point{static_cast<float>(plane->x), static_cast<float>(plane->y), 1};
 }
@@ -198,7 +201,7 @@ PointCloud Lens::pointsOf(std::span<const std::uint16_t> depth, std::uint32_t wi
         throw Failure(Failure::Failed, attempted,
                       Format("the picture has % x % pixels and % values, the lens model is for % x %") %
                           width % height % depth.size() % impl->model.width % impl->model.height);
-    if (!(options.millimetresPerUnit > 0 && std::isfinite(options.millimetresPerUnit)))
+    if (!(options.millimetresPerUnit >= leastUnit && options.millimetresPerUnit <= mostUnit))
         throw Failure(Failure::Usage, attempted,
                       Format("a depth of 1 cannot stand for % mm") % options.millimetresPerUnit);
     const bool choosy = options.leastConfidence > 0;

@@ -35,7 +35,7 @@ struct CloudOptions {
     bool keepGrid = false;
     /// Pixels of less confidence have no point. In the unit of the confidence; 0: all have one.
     std::uint16_t leastConfidence = 0;
-    /// What a depth value of 1 stands for.
+    /// What a depth value of 1 stands for, 0.000001 to 1,000,000.
     float millimetresPerUnit = 1;
 };
 
