@@ -57,35 +57,36 @@ void warn(const char* text) {
 struct OV0570Impl::OV0570ImplPrivate final : CommandExecutor {
     OV0570ImplPrivate(XUInterface& chip, ChipClock& time) : clock(time), registers(chip), flash(chip) {}
 
-    void execute(const UVCCommandRequest& command) override;
-    void setI2c(unsigned device, unsigned reg, unsigned value, unsigned, unsigned) override;
-    unsigned getI2c(unsigned device, unsigned reg, unsigned, unsigned) override;
-    std::uint64_t registerCount(unsigned device) override;
+    void execute(const UVCCommandRequest& command) override ZENTARA_REQUIRES(mutex);
+    void setI2c(unsigned device, unsigned reg, unsigned value, unsigned, unsigned) override
+        ZENTARA_REQUIRES(mutex);
+    unsigned getI2c(unsigned device, unsigned reg, unsigned, unsigned) override ZENTARA_REQUIRES(mutex);
+    std::uint64_t registerCount(unsigned device) override ZENTARA_REQUIRES(mutex);
 
-    void setStrobe(unsigned reg, unsigned mask);
-    void resetStrobe(unsigned reg, unsigned mask);
-    void readFlash(unsigned start, unsigned char* out, unsigned length);
-    std::vector<unsigned char> readFlash(unsigned start, unsigned length);
-    void reset() noexcept;
+    void setStrobe(unsigned reg, unsigned mask) ZENTARA_REQUIRES(mutex);
+    void resetStrobe(unsigned reg, unsigned mask) ZENTARA_REQUIRES(mutex);
+    void readFlash(unsigned start, unsigned char* out, unsigned length) ZENTARA_REQUIRES(mutex);
+    std::vector<unsigned char> readFlash(unsigned start, unsigned length) ZENTARA_REQUIRES(mutex);
+    void reset() noexcept ZENTARA_REQUIRES(mutex);
 
     ChipClock& clock;              ///< not owned
     Utils::Threading::Mutex mutex; ///< held by every call from its first transfer to its last
-    OV0570Registers registers;
-    OV0570Flash flash;
+    OV0570Registers registers ZENTARA_GUARDED_BY(mutex);
+    OV0570Flash flash ZENTARA_GUARDED_BY(mutex);
 
 private:
-    void setTof(unsigned reg, unsigned value);
-    void writeADCValue(unsigned a, unsigned b);
-    void processMeta(unsigned code, unsigned value);
-    void setModFreq(unsigned code);
-    void syncFPGA();
-    void resetFPGA();
-    Strobe* strobeOf(unsigned reg);
-    void writeStrobe(Strobe& strobe, unsigned bits);
-    unsigned i2cDevice(unsigned device);
+    void setTof(unsigned reg, unsigned value) ZENTARA_REQUIRES(mutex);
+    void writeADCValue(unsigned a, unsigned b) ZENTARA_REQUIRES(mutex);
+    void processMeta(unsigned code, unsigned value) ZENTARA_REQUIRES(mutex);
+    void setModFreq(unsigned code) ZENTARA_REQUIRES(mutex);
+    void syncFPGA() ZENTARA_REQUIRES(mutex);
+    void resetFPGA() ZENTARA_REQUIRES(mutex);
+    Strobe* strobeOf(unsigned reg) ZENTARA_REQUIRES(mutex);
+    void writeStrobe(Strobe& strobe, unsigned bits) ZENTARA_REQUIRES(mutex);
+    unsigned i2cDevice(unsigned device) ZENTARA_REQUIRES(mutex);
 
     /// What was last written, so that single bits can be set and cleared in it.
-    std::array<Strobe, 3> strobes{{{26, 0}, {27, 0}, {75, 0}}};
+    std::array<Strobe, 3> strobes ZENTARA_GUARDED_BY(mutex){{{26, 0}, {27, 0}, {75, 0}}};
 };
 
 void OV0570Impl::OV0570ImplPrivate::execute(const UVCCommandRequest& command) {

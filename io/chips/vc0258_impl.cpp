@@ -41,41 +41,47 @@ struct VC0258Impl::VC0258ImplPrivate final : CommandExecutor {
         : clock(time), bridge(chip, {VC::sensorControlSize, dmaControlSize, lastByteOrder}),
           tunnel(chip, bridge) {}
 
-    void execute(const UVCCommandRequest& command) override;
+    void execute(const UVCCommandRequest& command) override ZENTARA_REQUIRES(mutex);
     void setI2c(unsigned device, unsigned reg, unsigned value, unsigned addressBytes,
-                unsigned dataBytes) override;
-    unsigned getI2c(unsigned device, unsigned reg, unsigned addressBytes, unsigned dataBytes) override;
-    std::uint64_t registerCount(unsigned device) override;
+                unsigned dataBytes) override ZENTARA_REQUIRES(mutex);
+    unsigned getI2c(unsigned device, unsigned reg, unsigned addressBytes, unsigned dataBytes) override
+        ZENTARA_REQUIRES(mutex);
+    std::uint64_t registerCount(unsigned device) override ZENTARA_REQUIRES(mutex);
 
     void setI2c(unsigned device, unsigned reg, unsigned value, unsigned addressBytes, unsigned dataBytes,
-                unsigned order);
-    unsigned getI2c(unsigned device, unsigned reg, unsigned addressBytes, unsigned dataBytes, unsigned order);
-    void setTof(unsigned reg, unsigned value);
-    unsigned getTof(unsigned reg);
-    void setStrobe(unsigned reg, unsigned mask);
-    void resetStrobe(unsigned reg, unsigned mask);
-    std::vector<unsigned char> readArea(unsigned area, unsigned start, unsigned length);
-    void reset() noexcept;
+                unsigned order) ZENTARA_REQUIRES(mutex);
+    unsigned getI2c(unsigned device, unsigned reg, unsigned addressBytes, unsigned dataBytes, unsigned order)
+        ZENTARA_REQUIRES(mutex);
+    void setTof(unsigned reg, unsigned value) ZENTARA_REQUIRES(mutex);
+    unsigned getTof(unsigned reg) ZENTARA_REQUIRES(mutex);
+    void setStrobe(unsigned reg, unsigned mask) ZENTARA_REQUIRES(mutex);
+    void resetStrobe(unsigned reg, unsigned mask) ZENTARA_REQUIRES(mutex);
+    std::vector<unsigned char> readArea(unsigned area, unsigned start, unsigned length)
+        ZENTARA_REQUIRES(mutex);
+    void reset() noexcept ZENTARA_REQUIRES(mutex);
 
     ChipClock& clock;
     Utils::Threading::Mutex mutex;
-    VCBridge bridge;
-    VC0258Tunnel tunnel;
+    VCBridge bridge ZENTARA_GUARDED_BY(mutex);
+    VC0258Tunnel tunnel ZENTARA_GUARDED_BY(mutex);
 
 private:
-    void setTofOrMeta(unsigned a, unsigned b);
-    void processMeta(unsigned code, unsigned value);
-    void setModFreq(unsigned code);
-    void setUFrames(unsigned count);
-    void configureDAC(unsigned value);
-    void writeADCValue(unsigned a, unsigned b);
-    unsigned& strobeOf(unsigned reg) noexcept { return reg == strobeRegister26 ? strobe26 : strobe27; }
-    void writeStrobe(unsigned reg, unsigned bits);
+    void setTofOrMeta(unsigned a, unsigned b) ZENTARA_REQUIRES(mutex);
+    void processMeta(unsigned code, unsigned value) ZENTARA_REQUIRES(mutex);
+    void setModFreq(unsigned code) ZENTARA_REQUIRES(mutex);
+    void setUFrames(unsigned count) ZENTARA_REQUIRES(mutex);
+    void configureDAC(unsigned value) ZENTARA_REQUIRES(mutex);
+    void writeADCValue(unsigned a, unsigned b) ZENTARA_REQUIRES(mutex);
+    unsigned& strobeOf(unsigned reg) noexcept ZENTARA_REQUIRES(mutex) {
+        return reg == strobeRegister26 ? strobe26 : strobe27;
+    }
+    void writeStrobe(unsigned reg, unsigned bits) ZENTARA_REQUIRES(mutex);
 
-    unsigned strobe26 = 0; ///< what the register was last written, by a write that succeeded
-    unsigned strobe27 = 0; ///< the same
+    /// What the registers were last written, by writes that succeeded.
+    unsigned strobe26 ZENTARA_GUARDED_BY(mutex) = 0;
+    unsigned strobe27 ZENTARA_GUARDED_BY(mutex) = 0;
     /// ORed into the next write of register 29, then turned over.
-    unsigned toggle = 1;
+    unsigned toggle ZENTARA_GUARDED_BY(mutex) = 1;
 };
 
 void VC0258Impl::VC0258ImplPrivate::execute(const UVCCommandRequest& command) {

@@ -36,26 +36,27 @@ struct VC0345Impl::VC0345ImplPrivate {
     VC0345ImplPrivate(XUInterface& chip, ChipClock& time)
         : clock(time), wire(chip), bridge(chip, {VC::sensorControlSize}) {}
 
-    void execute(const UVCCommandRequest& command);
-    void setTof(unsigned reg, unsigned value);
-    [[nodiscard]] unsigned getTof(unsigned reg);
+    void execute(const UVCCommandRequest& command) ZENTARA_REQUIRES(mutex);
+    void setTof(unsigned reg, unsigned value) ZENTARA_REQUIRES(mutex);
+    [[nodiscard]] unsigned getTof(unsigned reg) ZENTARA_REQUIRES(mutex);
     /// Nothing is remembered between the two.
-    void setStrobe(unsigned mask) { setTof(strobeRegister, mask + 1); }
-    void resetStrobe(unsigned mask) { setTof(strobeRegister, mask); }
-    void setROMData8(unsigned address, unsigned value);
-    [[nodiscard]] std::uint8_t getROMData8(unsigned address);
-    [[nodiscard]] std::vector<unsigned char> readMemory(unsigned start, unsigned length);
+    void setStrobe(unsigned mask) ZENTARA_REQUIRES(mutex) { setTof(strobeRegister, mask + 1); }
+    void resetStrobe(unsigned mask) ZENTARA_REQUIRES(mutex) { setTof(strobeRegister, mask); }
+    void setROMData8(unsigned address, unsigned value) ZENTARA_REQUIRES(mutex);
+    [[nodiscard]] std::uint8_t getROMData8(unsigned address) ZENTARA_REQUIRES(mutex);
+    [[nodiscard]] std::vector<unsigned char> readMemory(unsigned start, unsigned length)
+        ZENTARA_REQUIRES(mutex);
 
     ChipClock& clock;
     Utils::Threading::Mutex mutex;
     XUInterface& wire;
-    VCBridge bridge;
+    VCBridge bridge ZENTARA_GUARDED_BY(mutex);
 
 private:
-    void setTofOrMeta(unsigned a, unsigned b);
-    void processMeta(unsigned code, unsigned value);
-    void setUFrames(unsigned count);
-    [[nodiscard]] std::uint8_t getTofByte(unsigned reg);
+    void setTofOrMeta(unsigned a, unsigned b) ZENTARA_REQUIRES(mutex);
+    void processMeta(unsigned code, unsigned value) ZENTARA_REQUIRES(mutex);
+    void setUFrames(unsigned count) ZENTARA_REQUIRES(mutex);
+    [[nodiscard]] std::uint8_t getTofByte(unsigned reg) ZENTARA_REQUIRES(mutex);
 };
 
 void VC0345Impl::VC0345ImplPrivate::execute(const UVCCommandRequest& command) {
