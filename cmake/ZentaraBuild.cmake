@@ -144,6 +144,20 @@ function(zentara_add_plugin name)
     endif()
 endfunction()
 
+# zentara_add_replay(TARGET [CORPUS NAME] [SOURCES SOURCE...] [LIBRARIES LIBRARY...]): gives the inputs that a fuzz target
+# has gathered, in the corpus of its name unless told, to the same entry point once more.
+function(zentara_add_replay target)
+    cmake_parse_arguments(arg "" "CORPUS" "SOURCES;LIBRARIES" ${ARGN})
+    if(NOT arg_CORPUS)
+        set(arg_CORPUS ${target})
+    endif()
+    add_executable(${target}_replay ${PROJECT_SOURCE_DIR}/fuzz/replay.cpp ${PROJECT_SOURCE_DIR}/fuzz/${target}_target.cpp
+        ${arg_SOURCES})
+    target_include_directories(${target}_replay PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+    target_link_libraries(${target}_replay PRIVATE ZentaraPlugins zentara_settings ${arg_LIBRARIES})
+    add_test(NAME ${target}_replay COMMAND ${target}_replay ${PROJECT_SOURCE_DIR}/fuzz/corpus/${arg_CORPUS})
+endfunction()
+
 # zentara_add_test(NAME SOURCES ... [SEAMS] [LIBRARIES ...] [SHARDS N]): one GoogleTest executable, one test for CTest; N
 # tests, NAME_1 and so on, where its cases mostly wait and several may do so at once. With SEAMS it links the copy of
 # the library that exports what tests adjust.
