@@ -2,7 +2,7 @@
 SOURCES = $(shell git ls-files '*.h' '*.cpp' '*.c')
 JOBS ?= $(shell nproc)
 
-.PHONY: demo test test-linux test-windows test-asan test-tsan test-kernel format lint tidy bench clean
+.PHONY: demo test test-linux test-windows test-asan test-tsan test-kernel coverage format lint tidy bench clean
 
 ## Builds everything and drives two simulated cameras; leaves pictures, a point cloud, sound, a recording and a plot in build/demo/.
 demo:
@@ -24,6 +24,11 @@ test-kernel:
 	@cmake --preset gcc -Wno-dev >/dev/null
 	@cmake --build --preset gcc -j $(JOBS) --target zentara camera_plugins simulated_usb_camera
 	@tests/kernel/all
+
+## Which lines and branches the tests reach on Linux: a summary for each room, and build/coverage/report/index.html.
+coverage:
+	@.ci/setup coverage
+	@.ci/coverage
 
 ## Puts every source into the house format.
 format:
