@@ -4,8 +4,11 @@
 #include <cstring>
 #include <limits>
 #include <string_view>
+#include <type_traits>
 
 #include <zentara/utils/exceptions.h>
+
+#include "utils/growing_bytes.h"
 
 namespace Zentara::Utils {
 
@@ -15,9 +18,7 @@ static_assert(std::endian::native == std::endian::little,
 struct BinaryWriter::Impl {
     template<typename T>
     void appendValue(T value) {
-        char encoded[sizeof value];
-        std::memcpy(encoded, &value, sizeof value);
-        bytes.append(encoded, sizeof encoded);
+        bytes.append(&value, sizeof value);
     }
 
     void appendLength(std::size_t length) {
@@ -31,27 +32,31 @@ struct BinaryWriter::Impl {
         bytes.append(text);
     }
 
-    std::string bytes; ///< grows as a text does: its capacity doubles, and small contents need no heap
+    /// As they lie in memory: element after element in its own encoding.
+    template<typename T>
+    void appendArray(const std::vector<T>& values) {
+        static_assert(std::is_arithmetic_v<T>);
+        appendLength(values.size());
+        bytes.append(values.data(), values.size() * sizeof(T));
+    }
+
+    [[nodiscard]] int checkedSize() const {
+        if (bytes.size() > static_cast<std::size_t>(std::numeric_limits<int>::max()))
+            throw UInvalidOperationException("too many bytes were written for one buffer");
+        return static_cast<int>(bytes.size());
+    }
+
+    GrowingBytes<480> bytes; ///< most records need no further memory
 };
 
-namespace {
-
-template<typename T>
-void writeElements(BinaryWriter& writer, const std::vector<T>& values) {
-    // A vector of bool hands out proxies, for which no write exists.
-    for (const auto& value : values)
-        writer.write(static_cast<T>(value));
-}
-
-} // namespace
-
-BinaryWriter::BinaryWriter() : impl(std::make_unique<Impl>()) {}
+// Not by make_unique, which would clear the room.
+BinaryWriter::BinaryWriter() : impl(new Impl) {}
 
 BinaryWriter::~BinaryWriter() = default;
 
 void BinaryWriter::write(const unsigned char* data, int count) {
     if (data && count > 0)
-        impl->bytes.append(reinterpret_cast<const char*>(data), static_cast<std::size_t>(count));
+        impl->bytes.append(data, static_cast<std::size_t>(count));
 }
 
 void BinaryWriter::write(signed char value) { impl->appendValue(value); }
@@ -67,81 +72,45 @@ void BinaryWriter::write(float value) { impl->appendValue(value); }
 void BinaryWriter::write(const char* value) { impl->appendText(value ? value : ""); }
 void BinaryWriter::write(const std::string& value) { impl->appendText(value); }
 
-void BinaryWriter::write(const std::vector<signed char>& values) {
-    impl->appendLength(values.size());
-    writeElements(*this, values);
-}
-
-void BinaryWriter::write(const std::vector<unsigned char>& values) {
-    impl->appendLength(values.size());
-    writeElements(*this, values);
-}
+void BinaryWriter::write(const std::vector<signed char>& values) { impl->appendArray(values); }
+void BinaryWriter::write(const std::vector<unsigned char>& values) { impl->appendArray(values); }
+void BinaryWriter::write(const std::vector<short>& values) { impl->appendArray(values); }
+void BinaryWriter::write(const std::vector<unsigned short>& values) { impl->appendArray(values); }
+void BinaryWriter::write(const std::vector<int>& values) { impl->appendArray(values); }
+void BinaryWriter::write(const std::vector<unsigned int>& values) { impl->appendArray(values); }
+void BinaryWriter::write(const std::vector<std::int64_t>& values) { impl->appendArray(values); }
+void BinaryWriter::write(const std::vector<std::uint64_t>& values) { impl->appendArray(values); }
+void BinaryWriter::write(const std::vector<float>& values) { impl->appendArray(values); }
 
 void BinaryWriter::write(const std::vector<bool>& values) {
     impl->appendLength(values.size());
-    writeElements(*this, values);
-}
-
-void BinaryWriter::write(const std::vector<short>& values) {
-    impl->appendLength(values.size());
-    writeElements(*this, values);
-}
-
-void BinaryWriter::write(const std::vector<unsigned short>& values) {
-    impl->appendLength(values.size());
-    writeElements(*this, values);
-}
-
-void BinaryWriter::write(const std::vector<int>& values) {
-    impl->appendLength(values.size());
-    writeElements(*this, values);
-}
-
-void BinaryWriter::write(const std::vector<unsigned int>& values) {
-    impl->appendLength(values.size());
-    writeElements(*this, values);
-}
-
-void BinaryWriter::write(const std::vector<std::int64_t>& values) {
-    impl->appendLength(values.size());
-    writeElements(*this, values);
-}
-
-void BinaryWriter::write(const std::vector<std::uint64_t>& values) {
-    impl->appendLength(values.size());
-    writeElements(*this, values);
-}
-
-void BinaryWriter::write(const std::vector<float>& values) {
-    impl->appendLength(values.size());
-    writeElements(*this, values);
+    for (const bool value : values)
+        write(value);
 }
 
 void BinaryWriter::write(const std::vector<const char*>& values) {
     impl->appendLength(values.size());
-    writeElements(*this, values);
+    for (const char* const value : values)
+        write(value);
 }
 
 void BinaryWriter::write(const std::vector<std::string>& values) {
     impl->appendLength(values.size());
-    writeElements(*this, values);
+    for (const std::string& value : values)
+        impl->appendText(value);
 }
 
 unsigned char* BinaryWriter::toBuffer(int* size) const {
-    const std::string& bytes = impl->bytes;
-    if (bytes.size() > static_cast<std::size_t>(std::numeric_limits<int>::max()))
-        throw UInvalidOperationException("too many bytes were written for one buffer");
-    auto* buffer = new unsigned char[bytes.size()];
-    bytes.copy(reinterpret_cast<char*>(buffer), bytes.size());
+    const int count = impl->checkedSize();
+    auto* buffer = new unsigned char[impl->bytes.size()];
+    std::memcpy(buffer, impl->bytes.data(), impl->bytes.size());
     if (size)
-        *size = static_cast<int>(bytes.size());
+        *size = count;
     return buffer;
 }
 
 ByteArray BinaryWriter::toByteArray() const {
-    int size = 0;
-    unsigned char* buffer = toBuffer(&size);
-    return ByteArray(buffer, size);
+    return ByteArray::copyOf(impl->bytes.data(), static_cast<std::size_t>(impl->checkedSize()));
 }
 
 } // namespace Zentara::Utils

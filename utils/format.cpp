@@ -14,6 +14,7 @@
 #include <zentara/utils/exceptions.h>
 #include <zentara/utils/text.h>
 
+#include "utils/growing_bytes.h"
 #include "utils/message.h"
 
 namespace Zentara::Utils {
@@ -23,42 +24,7 @@ namespace {
 /// Room inside the record for the usual message, so that it needs no further memory.
 constexpr std::size_t usualBytes = 512;
 
-/// A text that grows, without memory of its own up to the usual length.
-class Output {
-public:
-    void append(const char* characters, std::size_t count) {
-        reserve(count);
-        std::copy_n(characters, count, bytes + length);
-        length += count;
-    }
-    void append(std::string_view text) { append(text.data(), text.size()); }
-    void append(std::size_t count, char character) {
-        reserve(count);
-        std::memset(bytes + length, character, count);
-        length += count;
-    }
-    [[nodiscard]] std::string_view text() const noexcept { return {bytes, length}; }
-
-private:
-    void reserve(std::size_t count) {
-        if (count > room - length)
-            grow(count);
-    }
-    void grow(std::size_t count) {
-        const std::size_t wanted = std::max(room * 2, length + count);
-        std::unique_ptr<char[]> larger(new char[wanted]);
-        std::memcpy(larger.get(), bytes, length);
-        heap = std::move(larger);
-        bytes = heap.get();
-        room = wanted;
-    }
-
-    std::size_t length = 0;
-    std::size_t room = usualBytes;
-    std::unique_ptr<char[]> heap;
-    char inside[usualBytes]; ///< not initialised
-    char* bytes = inside;    ///< `inside`, or what `heap` owns
-};
+using Output = GrowingBytes<usualBytes>;
 
 /// What a placeholder says of the integer that fills it.
 struct Item {
@@ -198,10 +164,17 @@ bool takeRun(std::string_view format, std::size_t& position, std::string_view& r
 
 /// Items in braces may be malformed, which is told before anything is written.
 void checkItems(std::string_view format) {
-    std::string_view run;
-    for (std::size_t position = 0; position < format.size();) {
-        if (takeRun(format, position, run) && position < format.size() && format[position] == '{')
-            static_cast<void>(takeItem(format, position));
+    std::size_t done = 0; // before it all is checked
+    for (std::size_t brace = format.find('{'); brace != std::string_view::npos;
+         brace = format.find('{', done)) {
+        std::size_t signs = 0;
+        while (brace - signs > done && format[brace - signs - 1] == '%')
+            ++signs;
+        done = brace + 1;
+        if (signs % 2 == 0) // each two stand for one percent sign
+            continue;
+        static_cast<void>(takeItem(format, brace));
+        done = brace;
     }
 }
 

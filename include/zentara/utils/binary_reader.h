@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -50,13 +51,36 @@ public:
 
 private:
     template<typename T>
-    T readValue();
+    T readValue() {
+        if (size - position < static_cast<std::int32_t>(sizeof(T)))
+            throwAtEnd();
+        T value;
+        std::memcpy(&value, data + position, sizeof value);
+        position += static_cast<std::int32_t>(sizeof value);
+        return value;
+    }
+    [[noreturn]] static void throwAtEnd();
     template<typename T>
-    std::vector<T> readArray(T (BinaryReader::*readElement)());
+    std::vector<T> readArray();
 
     const unsigned char* data; ///< not owned
     std::int32_t position;     ///< 0 to size
     std::int32_t size;         ///< bytes; never negative
 };
+
+#if !defined(ZENTARA_BUILDING_LIBRARY)
+// A program has no call for a single value: the position stays in a register from one to the next. The library exports
+// the same operations.
+inline signed char BinaryReader::readByte() { return readValue<signed char>(); }
+inline unsigned char BinaryReader::readUByte() { return readValue<unsigned char>(); }
+inline short BinaryReader::readShort() { return readValue<short>(); }
+inline unsigned short BinaryReader::readUShort() { return readValue<unsigned short>(); }
+inline int BinaryReader::readInt() { return readValue<int>(); }
+inline unsigned int BinaryReader::readUInt() { return readValue<unsigned int>(); }
+inline std::int64_t BinaryReader::readLong() { return readValue<std::int64_t>(); }
+inline std::uint64_t BinaryReader::readULong() { return readValue<std::uint64_t>(); }
+inline float BinaryReader::readFloat() { return readValue<float>(); }
+inline bool BinaryReader::readBool() { return readUByte() != 0; }
+#endif
 
 } // namespace Zentara::Utils

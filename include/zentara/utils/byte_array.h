@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+
 #include <zentara/export.h>
 
 namespace Zentara::Utils {
@@ -24,8 +26,11 @@ public:
     int size() const;
 
 private:
+    friend class BinaryWriter;
     struct Block;
 
+    /// \param size at most 2^31 - 1
+    static ByteArray copyOf(const void* data, std::size_t size);
     static bool drop(Block* block);
 
     Block* block; ///< bytes and count, shared; null without any
