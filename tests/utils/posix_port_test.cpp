@@ -37,14 +37,15 @@ TEST(PosixSharedObject, ABlockedGateIsGivenUp) {
 TEST(PosixSharedObject, AChildOfForkEndsWhileItsParentMaps) {
     testing::GTEST_FLAG(death_test_style) = "fast";
     SharedMemory& memory = *SharedMemory::getSharedMemory();
-    const std::string name = "fork" + std::to_string(currentProcessId());
+    const std::string name = "fork" + std::to_string(currentThreadId());
     std::atomic<bool> stop{false};
     std::thread busy([&] {
         for (; !stop; memory.releaseAll(name, false))
             memory.getPtr(name, 0, 64, true);
     });
     for (int i = 0; i < 5; ++i)
-        EXPECT_EXIT(std::exit(0), testing::ExitedWithCode(0), "");
+        EXPECT_EXIT(std::exit(currentThreadId() == currentProcessId() ? 0 : 1), testing::ExitedWithCode(0),
+                    "");
     stop = true;
     busy.join();
 }

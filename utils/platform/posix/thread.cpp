@@ -27,6 +27,11 @@ struct Entry {
     void* argument;
 };
 
+/// The thread's number, 0 until it is asked for. Forked, a thread goes on under another one.
+thread_local unsigned long knownThreadId = 0;
+void forgetThreadId() noexcept { knownThreadId = 0; }
+const bool childrenForget = pthread_atfork(nullptr, nullptr, &forgetThreadId) == 0;
+
 void* enter(void* passed) {
     const Entry entry = *std::unique_ptr<Entry>(static_cast<Entry*>(passed));
     entry.function(entry.argument);
@@ -61,7 +66,11 @@ bool Thread::isCurrent() const noexcept {
     return pthread_equal(static_cast<const PosixThread&>(*this).thread, pthread_self()) != 0;
 }
 
-unsigned long currentThreadId() noexcept { return static_cast<unsigned long>(syscall(SYS_gettid)); }
+unsigned long currentThreadId() noexcept {
+    if (knownThreadId == 0 || !childrenForget)
+        knownThreadId = static_cast<unsigned long>(syscall(SYS_gettid));
+    return knownThreadId;
+}
 
 unsigned long currentProcessId() noexcept { return static_cast<unsigned long>(getpid()); }
 
