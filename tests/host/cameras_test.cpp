@@ -1,4 +1,3 @@
-#include <cmath>
 #include <thread>
 
 #include <gmock/gmock.h>
@@ -39,7 +38,8 @@ TEST_F(SomeCameras, AreListedOpenedByNameAndWatched) {
     EXPECT_THAT(all[1].kinds, ElementsAre(Kind::Depth, Kind::Color, Kind::Audio));
     EXPECT_EQ(all[1].label(), "Simulated camera with VC0345 RIGHT");
     EXPECT_EQ(cameras.open().info(), all[0]);
-    EXPECT_EQ(cameras.open("vc0345").info(), all[1]);
+    for (const char* name : {"vc0345", "zs345", "simulated:RIGHT"})
+        EXPECT_EQ(cameras.open(name).info(), all[1]) << name;
     EXPECT_EQ(cameras.open(all[1]).info(), all[1]);
     EXPECT_EQ(cameras.choose({"LEFT", "simulated"}).size(), 2U);
     EXPECT_EQ(failureOf([&] { static_cast<void>(cameras.open("simulated")); }).code(), Failure::Usage);

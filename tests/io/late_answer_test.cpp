@@ -1,5 +1,4 @@
 #include <cstring>
-#include <optional>
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <zentara/io/device_request.h>
-
 #include "io/script.h"
 #include "support/failure.h"
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cinttypes>
 #include <cstdint>
 #include <functional>
 #include <memory>

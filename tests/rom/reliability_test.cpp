@@ -328,23 +328,5 @@ TEST_F(DamagedImage, EveryFlippedBitIsHarmlessOrSeen) {
     EXPECT_GT(one, 24u * 8 * 20 / stride);
 }
 
-TEST_F(DamagedImage, EveryTruncationIsSeen) {
-    const Bytes whole = image;
-    Storage storage(flash, area);
-    std::size_t previous = model.size();
-    for (std::size_t cut = 0; cut < whole.size() + stride; cut += stride) {
-        const std::size_t length = whole.size() - std::min(cut, whole.size());
-        image.resize(length);
-        const std::size_t cutShort = rightSections(storage); // the flash answers short
-        EXPECT_LE(cutShort, previous) << length;
-        previous = cutShort;
-        image.resize(whole.size(), 0xFF); // the flash answers erased bytes
-        EXPECT_EQ(cutShort, rightSections(storage)) << length;
-        image.assign(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length));
-        ASSERT_FALSE(HasFailure()) << length;
-    }
-    EXPECT_EQ(0u, previous);
-}
-
 } // namespace
 } // namespace Zentara::TestSupport

@@ -21,7 +21,10 @@ TEST(ConditionOrder, AWaiterIsKnownBeforeItGivesItsMutexBack) {
     Condition condition(&mutex);
     watched = &mutex;
     for (const bool all : {false, true}) {
-        atRelease = [&] { all ? condition.notifyAll() : condition.notify(false); };
+        atRelease = [&] {
+            all ? condition.notifyAll() : condition.notify(false);
+            EXPECT_EQ(condition.timedWait(0), -1) << "the notification is another's";
+        };
         EXPECT_EQ(condition.timedWait(0), 0) << all;
     }
     EXPECT_EQ(condition.timedWait(0), -1) << "and the notification is used up";
@@ -67,6 +70,12 @@ TEST(EventOrder, ATokenAtTheLastMomentIsTakenAndTheWaiterGone) {
         event->set();
         EXPECT_TRUE(event->wait(0));
         EXPECT_EQ(event->wait(0), kind == Event::Reset::manual) << "there is room for one more than waiters";
+        event->reset();
+        atSleep = [&] {
+            event->set();
+            event->set();
+        };
+        EXPECT_TRUE(event->wait(1) && event->wait(0)) << "one for the sleeper, and one that stays";
     }
 }
 

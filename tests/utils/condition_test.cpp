@@ -95,32 +95,5 @@ TEST_F(ConditionTest, NotificationWithoutWaitersIsLost) {
     RecursiveAutoLock free(other);
 }
 
-/// A buffer of one place, full and empty on one condition. The producer waits again right after each
-/// notification, and must not take the one that the waiting consumer is owed.
-TEST_F(ConditionTest, NobodyTakesTheNotificationOfAnother) {
-    constexpr int values = 3000;
-    int place = 0;
-    std::thread producer([&] {
-        for (int i = 1; i <= values; ++i) {
-            condition.lock();
-            while (place != 0)
-                condition.timedWait(generous);
-            place = i;
-            condition.unlock();
-            condition.notify(true);
-        }
-    });
-    for (int i = 1; i <= values; ++i) {
-        condition.lock();
-        while (place == 0)
-            condition.timedWait(generous);
-        EXPECT_EQ(place, i);
-        place = 0;
-        condition.notify(false);
-        condition.unlock();
-    }
-    producer.join();
-}
-
 } // namespace
 } // namespace Zentara::Utils::Threading

@@ -97,28 +97,6 @@ TEST(ContentJson, KeepsWhatFieldsCannotSayAsHexadecimalDigits) {
     }
 }
 
-TEST(ContentJson, LosesNothingOfAnyBytes) {
-    std::mt19937 random(1);
-    const std::uint8_t markers[] = {1, 16, 17, 18, 32, 33, 34, 64, 65, 66, 67, 68, 69, 128, 99};
-    for (int round = 0; round < 4000; ++round) {
-        Bytes data;
-        for (unsigned records = random() % 4; records > 0; --records) {
-            RawRecord record{
-                markers[random() % std::size(markers)], static_cast<std::uint8_t>(random() % 8 ? 1 : 2), {}};
-            record.data.resize(random() % 60);
-            for (std::uint8_t& byte : record.data)
-                byte = static_cast<std::uint8_t>(random() % 3 == 0 ? random() % 4 : random());
-            appendRecord(data, record);
-        }
-        if (random() % 4 == 0)
-            data.resize(data.size() + random() % 9, static_cast<std::uint8_t>(random()));
-        const FlashContent content{
-            {static_cast<std::uint16_t>(random() % 65535 + 1),
-             {static_cast<std::uint8_t>(random() % 7), static_cast<std::uint8_t>(random()), data}}};
-        ASSERT_EQ(passedOn(content), content) << toJson(content);
-    }
-}
-
 TEST(ContentJson, NamesTheFieldThatIsWrong) {
     const std::string content = R"({"schema":1,"kind":"rom content","sections":[)";
     const std::string before = content + R"({"uid":4,"type":"diagnostic","flags":1,"records":[)";

@@ -1,17 +1,19 @@
-#include <algorithm>
 #include <atomic>
 #include <cstring>
 #include <thread>
 
 #include <gmock/gmock.h>
 
+#include <zentara/host/capture.h>
 #include <zentara/host/failure.h>
 #include <zentara/host/frame_set.h>
 #include <zentara/host/stream.h>
 #include <zentara/utils/clock.h>
+#include <zentara/utils/files.h>
 
 #include "host/streams/fake_source.h"
 #include "support/failure.h"
+#include "support/temporary_directory.h"
 
 namespace Zentara::Host {
 namespace {
@@ -219,6 +221,19 @@ TEST_F(StreamTest, EndsInTwoSecondsWhateverHangsAndTellsIt) {
     }
 }
 
+TEST_F(StreamTest, TellsWhoStopsItWhatHangs) {
+    Stream stream = camera->stream();
+    camera->then([this](auto...) {
+        camera->hang();
+        return ReadBufferStatus_NOT_STREAMING;
+    });
+    ASSERT_TRUE(camera->waitForReads(1));
+    EXPECT_THAT(messageOf<Failure>([&] { stream.stop(); }),
+                HasSubstr("LEFT does not return from reading; 0 frames had come"));
+    EXPECT_EQ(stream.hangsIn(), "read from LEFT");
+    camera->release();
+}
+
 TEST_F(StreamTest, ReportsADeviceThatRefusesToStop) {
     Stream stream = camera->stream();
     camera->onStop = [] { throw Plugin::IOPluginException("no"); };
@@ -294,6 +309,61 @@ TEST_F(StreamTest, FailsWhileTheHostHoldsAllTheMemoryThereMayBe) {
     }
     EXPECT_THAT(third->depth(), ElementsAre(3, 7));
     setFrameMemoryLimit(limit);
+}
+
+/// Takes until there is enough.
+void takeAll(Capture& capture) {
+    for (capture.start(); !capture.isOver(); capture.take())
+        std::this_thread::yield();
+}
+
+TEST_F(StreamTest, IsCapturedAndMeasured) {
+    const TestSupport::TemporaryDirectory directory;
+    camera->info.millimetresPerUnit = 0.5F;
+    Capture capture(camera->stream({.started = false, .keepsAll = true}), {.most = 4});
+    capture.writeTo(std::make_unique<RawFile>(directory.path("raw")));
+    camera->frame(0, 1'000'000);
+    camera->frame(3000, 1'030'000); // two were lost before it
+    camera->frame(1000, 1'040'000);
+    camera->frame(9, -7'000'000); // the device's clock begins anew
+    camera->frame(1, 0);
+    takeAll(capture);
+    const StreamStatistics& came = capture.statistics();
+    EXPECT_EQ(came.frames(), 4U);
+    EXPECT_EQ(came.dropped(), 2U);
+    EXPECT_EQ(came.nearestMillimetres(), 4);
+    EXPECT_EQ(came.farthestMillimetres(), 1500);
+    EXPECT_DOUBLE_EQ(came.seconds(), 0.04);
+    EXPECT_DOUBLE_EQ(came.framesPerSecond(), 50);
+    EXPECT_DOUBLE_EQ(came.withoutDepth(), 1.0 / 8);
+    capture.commit();
+    EXPECT_EQ(Utils::readFile(directory.path("raw")).size(), 16U) << "none but those that were wanted";
+}
+
+TEST_F(StreamTest, IsCapturedToTheSample) {
+    const TestSupport::TemporaryDirectory directory;
+    camera->info.mode = {
+        .kind = Kind::Audio, .name = "MONO", .rate = 1000, .channels = 1, .bitsPerSample = 16};
+    Capture capture(camera->stream({.started = false, .keepsAll = true}), {.most = 3});
+    capture.writeTo(std::make_unique<WavFile>(directory.path("wav"), camera->info.mode, 3));
+    camera->frame(1, 0);
+    camera->frame(2, 2000);
+    takeAll(capture);
+    EXPECT_EQ(capture.taken(), 3U);
+    EXPECT_EQ(capture.statistics().samples(), 4U);
+    capture.commit();
+    EXPECT_EQ(Utils::readFile(directory.path("wav")).substr(40), std::string("\6\0\0\0\1\0\7\0\2\0", 10));
+}
+
+TEST_F(StreamTest, IsNotCapturedForEverNorByHalf) {
+    for (const bool ends : {false, true}) {
+        if (ends)
+            camera->status(ReadBufferStatus_NOT_STREAMING);
+        Capture capture(camera->stream({.started = false}), {.longestSilence = 30ms});
+        EXPECT_THAT(messageOf<Failure>([&] { takeAll(capture); }),
+                    HasSubstr(ends ? "LEFT ended its stream after 0 units"
+                                   : "nothing came from LEFT for 0.03 s; 0 frames had come"));
+    }
 }
 
 /// Depth at 100 frames a second, colour at 50, and sound in blocks of 10 ms; times in milliseconds.

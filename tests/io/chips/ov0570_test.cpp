@@ -1,6 +1,5 @@
 #include <zentara/io/ov0570_impl.h>
 
-#include <atomic>
 #include <thread>
 
 #include <gmock/gmock.h>

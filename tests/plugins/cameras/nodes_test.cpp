@@ -289,28 +289,6 @@ TEST_P(DepthNodeTest, ReadsTheCalibrationInTheCamerasStorage) {
     EXPECT_EQ(camera->getDiagnosticData(), (DiagnosticData{7, 2}));
 }
 
-TEST_P(DepthNodeTest, KeepsItsParametersOnlyWhenToldTo) {
-    const auto rangeAfterANewRun = [&](const std::string& settings) {
-        plugOne(GetParam(), settings);
-        DepthHost first(host.find(NodeType_DEPTH));
-        first.initialize();
-        first->process(makeRefcounted<IO::setFloatParameterRequest>(ParameterType_FLOAT_2, 40.0F));
-        first->dispose();
-        DepthHost second(host.find(NodeType_DEPTH));
-        second.initialize();
-        return second->getRange();
-    };
-    EXPECT_NEAR(rangeAfterANewRun(""), 7.495F, 0.001F) << "the camera was switched off";
-    EXPECT_NEAR(rangeAfterANewRun("keepRegisters " + host.path("registers")), 3.747F, 0.001F);
-    EXPECT_EQ(Utils::readFile(host.path("registers")).substr(2 * 0x52, 2), std::string("\x28\0", 2));
-
-    // Whatever the file holds, the camera works.
-    for (const std::string& bytes : {std::string(), std::string(300, 'x'), std::string(256, '\0')}) {
-        Utils::writeFile(host.path("registers"), bytes);
-        EXPECT_NEAR(rangeAfterANewRun("keepRegisters " + host.path("registers")), 3.747F, 0.001F);
-    }
-}
-
 /// What no image of a storage is, and one of whose records tells a length that it has not.
 TEST_P(DepthNodeTest, SurvivesEveryStorage) {
     std::string damaged = storageImage();

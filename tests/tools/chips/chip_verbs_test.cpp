@@ -92,25 +92,6 @@ TEST_F(ChipVerbs, ReadAndWriteWhatTheyName) {
     EXPECT_EQ(out({"meta", "1000", "0x20001", "--camera", "OV0570"}), "meta 1000 := 0x20001\n");
 }
 
-TEST_F(ChipVerbs, TakeACameraByTheNamesThatAllVerbsTake) {
-    const TestSupport::ScopedVariable bus(Simulated::SimulatedBus::variable, path("bus.json"));
-    Utils::writeFile(path("bus.json"), R"({"format": 1, "cameras": [
-        {"model": "ZS570"}, {"model": "ZS345", "serialNumber": "LAB-7", "settings": "transfer 2 fail"}]})");
-    for (const char* name : {"LAB-7", "simulated:LAB-7", "zs345", "VC0345"}) {
-        const ToolRun run = ToolTest::run({"reg", "write", "bridge", "5", "1", "--camera", name, "--json"});
-        ASSERT_EQ(run.exitCode, 0) << name << run.err;
-        EXPECT_EQ(run.json().at("camera").at("controller"), "VC0345") << name;
-        EXPECT_EQ(run.json().at("camera").at("serial"), "LAB-7") << name;
-    }
-    EXPECT_EQ(ToolTest::run({"reg", "read", "tof", "5"}).exitCode, 0) << "the first one";
-    EXPECT_THAT(ToolTest::run({"reg", "read", "tof", "5", "--camera", "LAB-7"}).err,
-                HasSubstr("cannot read tof register 0x05: I/O failure"))
-        << "the one with the fault";
-    Utils::writeFile(path("bus.json"), R"({"format": 1, "cameras": []})");
-    EXPECT_EQ(ToolTest::run({"modfreq", "10", "--camera", "OV0570"}).exitCode, Failure::NoDevice);
-    EXPECT_EQ(ToolTest::run({"modfreq", "10", "--direct"}).exitCode, 0);
-}
-
 TEST_F(ChipVerbs, NameTheRangeOfAValueThatIsOutOfIt) {
     const struct {
         std::vector<std::string> arguments;

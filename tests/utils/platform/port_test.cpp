@@ -81,25 +81,6 @@ TEST(PlatformWaits, LastAsLongAsTold) {
     EXPECT_GE(monotonicMicroseconds() - between, 15'000);
 }
 
-/// As many sets as waits: whether a set finds its waiter asleep, about to sleep or timing out, nothing is lost.
-TEST(PlatformEvent, NoSetIsLostBetweenTwoThreads) {
-    constexpr int rounds = 20000;
-    Owned<Event> ping(Event::create(Event::Reset::automatic));
-    Owned<Event> pong(Event::create(Event::Reset::automatic));
-    std::thread other([&] {
-        for (int i = 0; i < rounds; ++i) {
-            while (!ping->wait(1)) {
-            }
-            pong->set();
-        }
-    });
-    for (int i = 0; i < rounds; ++i) {
-        ping->set();
-        EXPECT_TRUE(pong->wait(30000));
-    }
-    other.join();
-}
-
 TEST(TextEncoding, RejectsInvalidUtf8) {
     // No lead byte, cut short (three), no following byte, overlong '/' (three), an encoded surrogate, beyond
     // 0x10FFFF, and what is no byte of a text.
