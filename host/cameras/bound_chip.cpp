@@ -7,6 +7,7 @@
 #include <zentara/core/descriptor_store_ro.h>
 #include <zentara/host/step_watcher.h>
 #include <zentara/plugin/call_plugin.h>
+#include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/utils/environment_variable.h>
 #include <zentara/utils/format.h>
 #include <zentara/utils/text.h>
@@ -127,8 +128,12 @@ void BoundChip::open(const GUID& guid, const std::string& wanted, const std::str
 /// A camera whose description does not name its controller is asked.
 void BoundChip::bind(const std::string& label, const std::string& controller) {
     attempt("reach the controller of " + label, [&] {
-        // Each transfer is a step of its own: what hangs is named by what it began with.
-        const IO::ChipListener listener = [watch = transfers](const IO::ChipTransfer& transfer) {
+        // Each transfer is a step of its own: what hangs is named by what it began with. The chip lives no longer than its
+        // binding.
+        const IO::ChipListener listener = [watch = transfers,
+                                           &isClosed = binding->isClosed](const IO::ChipTransfer& transfer) {
+            if (isClosed && !transfer.isOver)
+                throw Plugin::InvalidOperationPluginException("the camera is closed, or was plugged in anew");
             StepWatcher* const steps = stepWatcher();
             if (transfer.isOver && steps != nullptr)
                 steps->ends();
@@ -148,9 +153,10 @@ void BoundChip::close() {
     const std::shared_ptr<Binding> last = std::move(binding); // closed or not, it goes
     if (!last || !last->proxy)
         return;
+    last->isClosed = true;
+    if (last->chip)
+        ended.push_back(last);
     const Step watched("close the camera");
-    if (last.use_count() == 1)
-        last->chip.reset(); // as long as it has a device
     attempt("close the camera", [&] { last->proxy->close(); });
 }
 

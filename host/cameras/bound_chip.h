@@ -1,8 +1,10 @@
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include <zentara/io/camera_chip.h>
 #include <zentara/io/video_device_proxy.h>
@@ -24,7 +26,8 @@ private:
 };
 
 /// A camera's controller over a video device of its own: that of the camera's depth or colour node, without the node, or
-/// a bare one. Bound, but for what it gives out.
+/// a bare one. Bound, but for what it gives out: that stays as long as this one, so that nobody is left with a chip that
+/// has gone, and a chip that is closed throws.
 class BoundChip final {
 public:
     explicit BoundChip(std::shared_ptr<TransferWatch> watch) : transfers(std::move(watch)) {}
@@ -41,10 +44,10 @@ public:
     /// The same with a bare device. \param wanted what the device is to have, where it can have several
     void open(const GUID& device, const std::string& wanted, const std::string& controller);
 
-    /// Lets go of chip and device. \throws Failure
+    /// Ends chip and device. \throws Failure
     void close();
 
-    // Null before open() and after close(). Who still has the chip when it is closed finds its device closed.
+    // Null before open() and after close().
     [[nodiscard]] std::shared_ptr<IO::CameraChip> chip() const noexcept {
         return binding ? std::shared_ptr<IO::CameraChip>(binding, binding->chip.get()) : nullptr;
     }
@@ -59,12 +62,15 @@ private:
         std::unique_ptr<CameraStore> store; ///< the device may read it until its end
         std::unique_ptr<IO::VideoDeviceProxy> proxy;
         bool isOpen = false; ///< the camera's device is
+        std::atomic<bool> isClosed =
+            false; ///< the chip, which may be in use on another thread, refuses transfers
         std::unique_ptr<IO::CameraChip> chip;
     };
     void bind(const std::string& label, const std::string& controller);
 
     const std::shared_ptr<TransferWatch> transfers;
     std::shared_ptr<Binding> binding;
+    std::vector<std::shared_ptr<Binding>> ended; ///< closed; one for each time that the camera came back
 };
 
 } // namespace Zentara::Host

@@ -120,14 +120,16 @@ TEST_F(SomeCameras, HaveParametersSensorsAndAChip) {
 
     std::vector<IO::ChipTransfer> transfers;
     camera.watchTransfers([&](const IO::ChipTransfer& transfer) { transfers.push_back(transfer); });
-    EXPECT_STREQ(camera.chip().name(), "OV0570");
-    static_cast<void>(camera.chip().read(IO::CameraChip::Target::Tof, 0x21));
+    IO::CameraChip& chip = camera.chip();
+    EXPECT_STREQ(chip.name(), "OV0570");
+    static_cast<void>(chip.read(IO::CameraChip::Target::Tof, 0x21));
     EXPECT_FALSE(transfers.empty());
 
     Flash flash = camera.flash();
     camera.close();
     camera.close();
     EXPECT_THROW(static_cast<void>(flash.load()), Failure) << "its device is closed";
+    EXPECT_THROW(static_cast<void>(chip.read(IO::CameraChip::Target::Tof, 0x21)), Plugin::PluginException);
     EXPECT_EQ(failureOf([&] { static_cast<void>(camera.temperatures()); }).code(), Failure::Usage);
     EXPECT_THAT(notes, IsEmpty());
 }

@@ -107,7 +107,7 @@ public:
     [[nodiscard]] StreamInfo streamInfo(Kind kind, const std::string& mode = {}) const;
 
     /// Opens a stream, and starts it unless the options say otherwise. It keeps the camera open, and ends with close().
-    /// \throws Failure as mode() does; what the device says; (Usage) for a queue of 0
+    /// \throws Failure as mode() does; what the device says; (Usage) for a queue of another size than `StreamOptions` allows
     [[nodiscard]] Stream stream(Kind kind, const StreamOptions& options = {}) const;
 
     /// The lens of a stream in that mode. \throws Failure (Failed) when the camera has no model of the mode's size
@@ -188,14 +188,16 @@ public:
     // The parts ----------------------------------------------------------------------------------------------------
 
     /// The camera's controller: registers, I2C, memories, modulation. Made at the first call, over a device of its own,
-    /// beside the nodes. It is the camera's, and ends with close(). Its calls take at most 2 s each, and throw what the
-    /// contract's classes throw; of a bare device they take as long as that one does. Bound to one thread at a time.
+    /// beside the nodes. It is the camera's, and stays as long as that has a handle or a stream; after close(), and once
+    /// the camera has come back from having been pulled out, it throws, and chip() gives another one. Its calls take at
+    /// most 2 s each, and throw what the contract's classes throw; of a bare device they take as long as that one does.
+    /// Bound to one thread at a time.
     /// \param controller as which the first call takes it, "OV0570"; empty: the one that the description names, else the
     ///        one that is found out
     /// \throws Failure (NoDevice) when there is no controller that is known, (Usage) when no such one is
     [[nodiscard]] IO::CameraChip& chip(const std::string& controller = {}) const;
 
-    /// The video device that chip() talks through.
+    /// The video device that chip() talks through; it stays as long as that.
     [[nodiscard]] IO::VideoDeviceProxy& device() const;
 
     /// The extension units that the camera's descriptors tell of, with what each control is and can; a camera need not
