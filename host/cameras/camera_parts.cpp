@@ -187,7 +187,7 @@ Mode CameraParts::defaultMode(Kind kind) {
     throw lacks(camera, nodeTypeOf(kind));
 }
 
-Corrections CameraParts::corrections() {
+Corrections CameraParts::corrections(const std::string& streamed) {
     const auto node = depth();
     Corrections all;
     attempt("ask for the corrections of " + cameraLabel(node->event()), [&] {
@@ -195,12 +195,19 @@ Corrections CameraParts::corrections() {
         CyclicErrorCorrection cyclic = (*node)->getCyclicErrorCorrection();
         for (const auto mode : {DepthNode::CameraMode_0, DepthNode::CameraMode_1})
             all.modes[static_cast<std::size_t>(mode)] = correctionsOf(**node, mode, temperature, cyclic);
-        // The node itself does not tell its phase delays; the calibration of its modes does.
+        // The node itself does not tell its phase delays; the calibrations of its modes do, each its own one. The second one
+        // of the first is for the camera mode that no other mode is for.
         const auto configurations = (*node)->getConfigurations();
-        if (!configurations.empty()) {
-            const CalibrationInternal applied = configurations.front()->getCalibration();
-            all.phaseDelay = applied.getPhaseDelay();
-            all.phaseDelay2 = applied.getPhaseDelay2();
+        if (!configurations.empty())
+            all.phaseDelay2 = configurations.front()->getCalibration().getPhaseDelay2();
+        bool isTold[2] = {};
+        for (const auto& one : configurations) {
+            const Mode mode = modeOfConfiguration(*node, *one);
+            const bool isSecond = mode.cameraMode == DepthNode::CameraMode_1;
+            if (isTold[isSecond] && mode.name != streamed)
+                continue;
+            isTold[isSecond] = true;
+            (isSecond ? all.phaseDelay2 : all.phaseDelay) = one->getCalibration().getPhaseDelay();
         }
     });
     return all;
@@ -232,7 +239,7 @@ StreamInfo CameraParts::streamInfo(Kind kind, const Mode& mode, CameraInfo info)
     told.poseSource = told.pose ? sources.extrinsics : Source::None;
     told.sourceFailure = sources.failure;
     if (kind == Kind::Depth) {
-        told.corrections = corrections();
+        told.corrections = corrections(mode.name);
         told.correctionsSource = sources.corrections;
         attempt("ask for the phase scaling of " + cameraLabel(node->event()),
                 [&] { told.millimetresPerPhaseStep = (*node)->getPhaseScaling(); });

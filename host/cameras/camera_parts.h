@@ -44,7 +44,8 @@ public:
     /// The one that the node streams in unless told otherwise. \throws Failure (NoDevice) without such a node
     [[nodiscard]] Mode defaultMode(Kind kind);
     [[nodiscard]] StreamInfo streamInfo(Kind kind, const Mode& mode, CameraInfo info);
-    [[nodiscard]] Corrections corrections();
+    /// \param streamed a mode's name, whose phase delay counts where several modes have one camera mode; else the first's
+    [[nodiscard]] Corrections corrections(const std::string& streamed = {});
 
     /// \throws Failure, Unsupported when the description names no back-end
     [[nodiscard]] IO::ParameterInterpreter& parameters();

@@ -101,7 +101,9 @@ Json correctionsJson(const Corrections& corrections) {
     Json json = Json::array();
     for (std::size_t mode = 0; mode < corrections.modes.size(); ++mode) {
         const ModeCorrections& one = corrections.modes[mode];
-        Json entry{{"cameraMode", mode}, {"calibratedAt", readingsJson(one.calibratedAt)}};
+        Json entry{{"cameraMode", mode},
+                   {"calibratedAt", readingsJson(one.calibratedAt)},
+                   {"phaseDelay", mode == 0 ? corrections.phaseDelay : corrections.phaseDelay2}};
         if (one.temperature != ModeCorrections::Temperature::None)
             entry["temperatureCompensation"] = {{"algorithm", one.temperatureAlgorithm},
                                                 {"parameters", numbersJson(one.temperatureParameters)}};

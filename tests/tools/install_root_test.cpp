@@ -87,12 +87,16 @@ TEST_F(OwnRoot, TellsOfCamerasThatLackSomething) {
     EXPECT_THAT(other({"params", "set", "1=1"}).err, HasSubstr("the camera has no such parameter"));
 
     camera["nodes"][0].erase("parameterInterpreter");
-    camera["nodes"][0]["depthAlong"] = "ray";
+    camera["nodes"][0].update({{"depthAlong", "ray"},
+                               {"depthUnit", 1000},
+                               {"implementation", "0D6A4B91-2F5E-4C07-9E61-3BD87215AC40"}});
+    camera["nodes"][0]["modes"][1]["phaseDelay"] = 40; // of the mode that is not the first
     describe(camera);
     const ToolRun plain = other({"info", "--json"});
     EXPECT_EQ(plain.exitCode, 0) << plain.err;
-    EXPECT_TRUE(plain.json().at("calibration").contains("notSupported"));
-    EXPECT_TRUE(plain.json().at("rangeMeters").contains("notSupported")) << "the back-end tells it";
+    for (const char* lacking : {"calibration", "rangeMeters", "firmware"})
+        EXPECT_TRUE(plain.json().at(lacking).contains("notSupported")) << lacking;
+    EXPECT_EQ(plain.json().at("corrections")[1].at("phaseDelay"), 40);
     EXPECT_THAT(other({"info"}).out, HasSubstr("depth values    units of 1 mm, along the pixel's ray"));
     EXPECT_THAT(other({"params", "list"}).err, HasSubstr("camera OTHER has no parameters"));
 

@@ -25,7 +25,8 @@ struct ZENTARA_HOST_API Mode {
     std::uint32_t width = 0;  ///< of a picture, in pixels
     std::uint32_t height = 0; ///< of a picture, in pixels
     std::uint32_t rate = 0;   ///< frames a second; of sound samples a second and channel
-    /// Of depth: 0 for the near field, 1 for the far one. Corrections are given for each.
+    /// Of depth: 0 or 1, the two ways in which a camera can measure; what they are is its own affair. Corrections are
+    /// given for each.
     int cameraMode = 0;
     bool saturation = false;             ///< of depth: pixels with too much light are marked
     std::int32_t powerLineFrequency = 0; ///< of colour: a `PowerLineFrequency`

@@ -98,8 +98,9 @@ struct ModeCorrections {
 /// What is to be corrected in a depth camera's values, as values: it needs no camera any more. A plain value. Separate.
 struct Corrections {
     std::array<ModeCorrections, 2> modes; ///< by the number of the camera mode
-    std::int16_t phaseDelay = 0;          ///< steps of the camera's phase, in camera mode 0
-    std::int16_t phaseDelay2 = 0;         ///< the same in camera mode 1
+    /// Steps of the camera's phase in camera mode 0: of a stream's own mode where it is one of these, else of the first.
+    std::int16_t phaseDelay = 0;
+    std::int16_t phaseDelay2 = 0; ///< the same in camera mode 1
 
     friend bool operator==(const Corrections&, const Corrections&) = default;
 };
