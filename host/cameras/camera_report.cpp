@@ -84,16 +84,22 @@ Json nodeJson(const NodeInfo& node) {
             {"ids", {node.ids.vendorId, node.ids.productId, node.ids.revision, node.ids.interfaceNumber}}};
 }
 
-Json describedJson(const NodeDescription& described) {
-    Json json = nodeJson(described.node);
-    json["node"] = pluginJson(described.nodePlugin);
-    json["device"] = pluginJson(described.devicePlugin);
+/// With the modes that it streams in.
+Json nodeJson(const NodeInfo& node, const std::vector<Mode>& modes) {
+    Json json = nodeJson(node);
     json["modes"] = Json::array();
     json["modeSizes"] = Json::array();
-    for (const Mode& mode : described.modes) {
+    for (const Mode& mode : modes) {
         json["modes"].push_back(mode.name);
         json["modeSizes"].push_back(mode.text());
     }
+    return json;
+}
+
+Json describedJson(const NodeDescription& described) {
+    Json json = nodeJson(described.node, described.modes);
+    json["node"] = pluginJson(described.nodePlugin);
+    json["device"] = pluginJson(described.devicePlugin);
     return json;
 }
 
@@ -126,21 +132,34 @@ Json sourcesJson(const Sources& sources) {
             {"serialNumber", word(sources.serialNumber)}};
 }
 
+/// That a camera has no such thing.
+Json lackJson(const Unsupported& lack) {
+    const std::string cause = lack.cause(); // what the plug-in says stands behind the kind
+    const std::string kind = "not supported: ";
+    return {{"notSupported", cause.rfind(kind, 0) == 0 ? cause.substr(kind.size()) : cause}};
+}
+
 /// The questions to one camera, and what they bring.
 class Questions {
 public:
     explicit Questions(const Camera& asked) : camera(asked) {}
 
-    /// What its description says of the whole camera.
+    /// What its description says of the whole camera. A recording has none, but modes.
     void describe() {
-        const CameraDescription described = camera.description();
+        json["vendor"] = orNull(camera.info().vendor);
         json["nodes"] = Json::array();
-        for (const NodeDescription& node : described.nodes)
-            json["nodes"].push_back(describedJson(node));
-        json.update({{"vendor", orNull(camera.info().vendor)},
-                     {"hardware", hardwareJson(described.hardware)},
-                     {"deviceFlags", described.deviceFlags},
-                     {"deviceCapabilities", described.deviceCapabilities}});
+        try {
+            const CameraDescription described = camera.description();
+            for (const NodeDescription& node : described.nodes)
+                json["nodes"].push_back(describedJson(node));
+            json.update({{"hardware", hardwareJson(described.hardware)},
+                         {"deviceFlags", described.deviceFlags},
+                         {"deviceCapabilities", described.deviceCapabilities}});
+        } catch (const Unsupported& lack) {
+            for (const NodeInfo& node : camera.info().nodes)
+                json["nodes"].push_back(nodeJson(node, camera.modes(node.kind)));
+            json["hardware"] = lackJson(lack);
+        }
     }
 
     /// What only the camera knows.
@@ -183,9 +202,7 @@ private:
         try {
             json[name] = ask();
         } catch (const Unsupported& lack) {
-            const std::string cause = lack.cause(); // what the plug-in says stands behind the kind
-            const std::string kind = "not supported: ";
-            json[name] = {{"notSupported", cause.rfind(kind, 0) == 0 ? cause.substr(kind.size()) : cause}};
+            json[name] = lackJson(lack);
         } catch (const Failure& failure) {
             json[name] = {{"failure", failure.cause().empty() ? failure.message() : failure.cause()}};
             worst = worst == Failure::None ? failure.code() : worst;

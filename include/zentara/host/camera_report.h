@@ -27,7 +27,8 @@ struct CameraReport {
     Failure::Code code = Failure::None;
 };
 
-/// Asks all questions, one after the other; a camera without a depth node has nothing but its description to tell.
+/// Asks all questions, one after the other; a camera without a depth node has nothing but its description to tell, and a
+/// recording what it holds, with `notSupported` for the rest.
 /// \throws Failure when its description cannot be found, or it hangs
 [[nodiscard]] ZENTARA_HOST_API CameraReport reportOf(const Camera& camera);
 

@@ -267,6 +267,7 @@ TEST_F(RecordingTest, PlaysAsACameraAndHasNothingElseOfOne) {
     EXPECT_EQ(camera.corrections(), streams[0].corrections);
     EXPECT_EQ(camera.sources().failure, "no answer");
     EXPECT_EQ(camera.lensModels().extrinsics.values.at(0).t1, 25);
+    EXPECT_THAT(reportOf(camera).json, AllOf(HasSubstr("\"along\": \"ray\""), HasSubstr("\"modeSizes\"")));
     Stream depth = camera.stream(Kind::Depth);
     for (const char* const expected : {"0:1000:3", "0:2000:0", "0:-3000:2"})
         EXPECT_EQ(text(0, *depth.next(10s)), expected);
