@@ -107,7 +107,7 @@ void bindFrameSets(py::module_& module, FrameSetsClass& bound) {
         .def("next", next, "limit"_a = py::none(),
              "The next set, in order; None at the end. The limit is in seconds.")
         .def("stop", &FrameSetsObject::stop,
-             "Ends the streams, in 2 s at most each; who waits for a set is woken.")
+             "Ends the streams, in 2 s at most; who waits for a set is woken.")
         .def("__enter__", [](const py::object& self) { return self; })
         .def("__exit__", [](const FrameSetsObject& self, const py::args&) { self.stop(); });
     module.def("colour_of", &colorOf, "frames"_a,

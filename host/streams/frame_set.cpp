@@ -15,6 +15,7 @@
 #include <zentara/utils/signal.h>
 
 #include "host/streams/frame_draft.h"
+#include "host/streams/stream_list.h"
 
 namespace Zentara::Host {
 
@@ -29,6 +30,7 @@ constexpr std::int64_t believedDelay = microsOfSecond; ///< from a frame's time 
 constexpr std::size_t mostPending = 512; ///< of one stream; beyond it the oldest belong to no set
 constexpr milliseconds lookPause = std::chrono::milliseconds(20);
 constexpr milliseconds askPause = std::chrono::milliseconds(100);
+constexpr milliseconds longestLimit = std::chrono::hours(24 * 365); // what is longer is for ever
 
 std::string milliseconds1(std::int64_t micros) {
     return Format("% ms") % (std::round(static_cast<double>(micros) / 100) / 10);
@@ -104,6 +106,9 @@ struct Lane {
 
 struct FrameSets::Impl {
     Impl(std::vector<Stream> streams, Options wanted);
+    ~Impl() { running.end(); }
+    Impl(const Impl&) = delete;
+    Impl& operator=(const Impl&) = delete;
 
     [[nodiscard]] Lane* find(Kind kind);
     void gather();
@@ -122,6 +127,7 @@ struct FrameSets::Impl {
 
     const Options options;
     std::vector<Lane> lanes;
+    StreamList running;               ///< those of the lanes
     Lane* leader = nullptr;           ///< the slower picture stream
     Lane* other = nullptr;            ///< the other picture stream; may be null
     Lane* sound = nullptr;            ///< may be null
@@ -146,8 +152,10 @@ FrameSets::Impl::Impl(std::vector<Stream> streams, Options wanted) : options(wan
     const bool colorLeads = depth == nullptr || (color != nullptr && color->period > depth->period);
     leader = colorLeads ? color : depth;
     other = colorLeads ? depth : color;
-    for (Lane& lane : lanes)
+    for (Lane& lane : lanes) {
+        running.add(lane.stream);
         lane.stream.wake(arrivals);
+    }
     for (Lane& lane : lanes)
         lane.stream.start();
 }
@@ -302,7 +310,8 @@ FrameSets& FrameSets::operator=(FrameSets&& other) noexcept = default;
 FrameSets::~FrameSets() = default;
 
 std::optional<FrameSet> FrameSets::next(milliseconds limit, const GoOn& goOn) {
-    const auto end = steady_clock::now() + std::min(limit, milliseconds(std::chrono::hours(24 * 365)));
+    limit = std::clamp(limit, milliseconds(0), longestLimit);
+    const auto end = steady_clock::now() + limit;
     auto asked = steady_clock::now();
     for (;;) {
         if (goOn && steady_clock::now() - asked >= askPause) {
@@ -332,17 +341,7 @@ std::optional<FrameSet> FrameSets::next(milliseconds limit, const GoOn& goOn) {
 void FrameSets::stop() {
     impl->isStopped = true;
     impl->arrivals->set();
-    std::optional<Failure> first;
-    for (Lane& lane : impl->lanes) {
-        try {
-            lane.stream.stop();
-        } catch (const Failure& failure) {
-            if (!first)
-                first = failure;
-        }
-    }
-    if (first)
-        throw Failure(*first);
+    impl->running.stop();
 }
 
 const Stream& FrameSets::stream(Kind kind) const {

@@ -207,16 +207,25 @@ void Stream::Core::stop() {
         throw Failure(*first);
 }
 
-void Stream::Core::end(std::shared_ptr<Core> core) noexcept {
+std::optional<Failure> Stream::Core::tryStop() noexcept {
     try {
-        core->stop();
+        stop();
     } catch (const Failure& failure) {
-        tell(core->note,
-             std::string(failure.what()) +
-                 (failure.code() == Failure::TimedOut ? "; it is left behind with its thread" : ""));
+        return failure;
     } catch (...) {
         // Not even the text of a failure could be made.
     }
+    return std::nullopt;
+}
+
+void Stream::Core::tellOf(const Failure& failure) const noexcept {
+    tell(note, std::string(failure.what()) +
+                   (failure.code() == Failure::TimedOut ? "; it is left behind with its thread" : ""));
+}
+
+void Stream::Core::end(std::shared_ptr<Core> core) noexcept {
+    if (const std::optional<Failure> failure = core->tryStop())
+        core->tellOf(*failure);
     if (core->hand->hangsIn().empty())
         return;
     // A hand that hangs waits for its thread when it goes, and time has been spent already.

@@ -47,6 +47,10 @@ public:
     [[nodiscard]] std::optional<Failure> failure() const;
     [[nodiscard]] std::string hangsIn() const;
 
+    /// Stops it. \return what was thrown
+    [[nodiscard]] std::optional<Failure> tryStop() noexcept;
+    /// Tells that stopping it failed, for a destructor.
+    void tellOf(const Failure& failure) const noexcept;
     /// Stops, tells what did not come back, and lets go of it all.
     static void end(std::shared_ptr<Core> core) noexcept;
 

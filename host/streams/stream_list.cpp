@@ -1,6 +1,8 @@
 #include "host/streams/stream_list.h"
 
-#include <optional>
+#include <system_error>
+#include <thread>
+#include <utility>
 
 #include <zentara/host/failure.h>
 
@@ -16,24 +18,55 @@ void StreamList::add(const Stream& stream) {
     streams.push_back(stream.core);
 }
 
-void StreamList::stop() {
+/// Those that are still there.
+StreamList::Cores StreamList::take() {
     std::vector<std::weak_ptr<Stream::Core>> all;
     {
         AutoLock hold(lock);
         all.swap(streams);
     }
-    std::optional<Failure> first;
+    Cores cores;
     for (const auto& one : all) {
-        try {
-            if (const auto core = one.lock())
-                core->stop();
-        } catch (const Failure& failure) {
-            if (!first)
-                first = failure;
-        }
+        if (auto core = one.lock())
+            cores.push_back(std::move(core));
     }
-    if (first)
-        throw Failure(*first);
+    return cores;
+}
+
+std::vector<std::optional<Failure>> StreamList::stopAll(const Cores& cores) {
+    std::vector<std::optional<Failure>> failures(cores.size());
+    std::vector<std::thread> threads;
+    threads.reserve(cores.size());
+    for (std::size_t i = 0; i < cores.size(); ++i) {
+        const auto stopOne = [&cores, &failures, i] { failures[i] = cores[i]->tryStop(); };
+        try {
+            if (i + 1 < cores.size())
+                threads.emplace_back(stopOne);
+        } catch (const std::system_error&) {
+            // Without another thread they end one after the other.
+        }
+        if (threads.size() <= i)
+            stopOne();
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    return failures;
+}
+
+void StreamList::stop() {
+    for (const std::optional<Failure>& failure : stopAll(take())) {
+        if (failure)
+            throw Failure(*failure);
+    }
+}
+
+void StreamList::end() noexcept {
+    const Cores cores = take();
+    const std::vector<std::optional<Failure>> failures = stopAll(cores);
+    for (std::size_t i = 0; i < cores.size(); ++i) {
+        if (failures[i])
+            cores[i]->tellOf(*failures[i]);
+    }
 }
 
 } // namespace Zentara::Host

@@ -62,7 +62,7 @@ public:
     FrameSets(const FrameSets&) = delete;
     FrameSets& operator=(const FrameSets&) = delete;
 
-    /// Ends the streams, which takes 2 s at most for each.
+    /// Ends all streams at once, in 2 s at most, and tells what is left behind, as a stream's destructor does.
     ~FrameSets();
 
     /// The next set, in order. \param goOn may end the wait: Failure (Interrupted)
@@ -71,7 +71,7 @@ public:
     ///         before has been given out
     [[nodiscard]] std::optional<FrameSet> next(std::chrono::milliseconds limit, const GoOn& goOn = {});
 
-    /// Ends all streams, and wakes whoever waits in next(). \throws Failure of the first that could not be ended in order
+    /// Ends all streams, in 2 s at most, and wakes whoever waits in next(). \throws Failure of the first that could not be ended in order
     void stop();
 
     /// The stream of a kind, for what it says of itself. \throws Failure (Usage) when there is none

@@ -466,6 +466,19 @@ TEST_F(FrameSetsTest, TakesDevicesOfAnyClockAndRefusesTwoOfOneKind) {
                 HasSubstr("there is another stream of its kind"));
 }
 
+TEST_F(FrameSetsTest, EndInTwoSecondsHoweverManyDevicesHang) {
+    for (const auto& one : {depth, color, audio})
+        one->onStop = [device = one.get()] { device->hang(); };
+    std::optional<FrameSets> together = sets(true);
+    const auto begin = steady_clock::now();
+    together.reset();
+    EXPECT_LT(steady_clock::now() - begin, 3s);
+    for (const auto& one : {depth, color, audio}) {
+        EXPECT_THAT(one->notes, testing::Contains(HasSubstr("cannot stop the stream of LEFT")));
+        one->release();
+    }
+}
+
 TEST_F(FrameSetsTest, ShowsColourInTheGridOfDepth) {
     depth->info.lens = color->info.lens =
         CameraIntrinsics{.width = 2, .height = 1, .fx = 1, .fy = 1, .cx = 0.5F, .cy = 0};
