@@ -19,6 +19,11 @@ constexpr std::size_t rounded(std::size_t bytes) noexcept {
     return (bytes + stepBytes - 1) / stepBytes * stepBytes;
 }
 
+/// A small frame in a large block would be a waste.
+bool fits(const FrameData& block, std::size_t bytes) noexcept {
+    return block.capacity >= bytes && block.capacity / 2 <= rounded(bytes);
+}
+
 } // namespace
 
 FrameMemory& FrameMemory::instance() noexcept {
@@ -32,8 +37,7 @@ FrameData* FrameMemory::take(std::size_t bytes) noexcept {
     AutoLock hold(lock);
     for (FrameData** place = &kept; *place != nullptr; place = &(*place)->next) {
         FrameData* const block = *place;
-        // A small frame in a large block would be a waste.
-        if (block->capacity < bytes || block->capacity / 2 > capacity)
+        if (!fits(*block, bytes))
             continue;
         *place = block->next;
         block->uses.store(1, std::memory_order_relaxed);
@@ -52,6 +56,18 @@ FrameData* FrameMemory::take(std::size_t bytes) noexcept {
     auto* const block = new (place) FrameData;
     block->capacity = capacity;
     return block;
+}
+
+bool FrameMemory::hasRoom(std::size_t bytes) const noexcept {
+    const std::size_t size = sizeof(FrameData) + rounded(bytes);
+    AutoLock hold(lock);
+    std::size_t used = total;
+    for (const FrameData* block = kept; block != nullptr; block = block->next) {
+        if (fits(*block, bytes))
+            return true;
+        used -= sizeof(FrameData) + block->capacity; // take() gives them up
+    }
+    return size <= most && used <= most - size;
 }
 
 void FrameMemory::release(FrameData* block) noexcept {

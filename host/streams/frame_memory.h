@@ -29,6 +29,9 @@ public:
     /// Gives up one use; the last one gives the block back.
     void release(FrameData* block) noexcept;
 
+    /// Whether take() would find that much now, as far as the limit goes.
+    [[nodiscard]] bool hasRoom(std::size_t bytes) const noexcept;
+
     /// The failure that take() stands for. \param what was attempted: "take a frame of LEFT SIM0570"
     [[nodiscard]] Failure shortage(const std::string& what, std::size_t bytes) const;
 

@@ -252,7 +252,7 @@ std::optional<Frame> Stream::Core::take(Milliseconds limit, bool newest, const G
                     return frame;
             } while (wait(arrived, until));
             if (until == end)
-                throw silence(limit);
+                throw isStarved && condition == State::Streaming ? shortage() : silence(limit);
         }
         if (!goOn())
             throw Failure(Failure::Interrupted, "the wait for a frame of " + name + " was interrupted");
@@ -274,9 +274,14 @@ std::optional<Frame> Stream::Core::fetch(bool newest) {
     }
     if (condition == State::Failed || condition == State::Unplugged)
         throw Failure(*trouble);
-    if (isStarved && condition == State::Streaming)
-        throw FrameMemory::instance().shortage("take a frame of " + name, unitBytes);
+    // Where somebody has let frames go since, the reader will see it soon.
+    if (isStarved && condition == State::Streaming && !FrameMemory::instance().hasRoom(unitBytes))
+        throw shortage();
     return std::nullopt;
+}
+
+Failure Stream::Core::shortage() const {
+    return FrameMemory::instance().shortage("take a frame of " + name, unitBytes);
 }
 
 void Stream::Core::wake(std::shared_ptr<Utils::Threading::Signal> signal) {
@@ -384,8 +389,8 @@ bool Stream::Core::makeDraft() {
         draft = FrameDraft::tryTake(context, unitBytes);
         AutoLock hold(lock);
         const bool lacks = !draft;
-        if (std::exchange(isStarved, lacks) != lacks)
-            announce();
+        if (std::exchange(isStarved, lacks) || lacks)
+            announce(); // at every try: who waits looks whether there is room
         if (lacks)
             changed.timedWait(static_cast<unsigned long>(memoryPause.count()));
     }

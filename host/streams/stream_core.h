@@ -86,6 +86,7 @@ private:
     [[nodiscard]] bool wait(Utils::Threading::Condition& condition, Moment end) ZENTARA_REQUIRES(lock);
     [[nodiscard]] std::optional<Frame> fetch(bool newest) ZENTARA_REQUIRES(lock);
     [[nodiscard]] Failure silence(Milliseconds limit) const ZENTARA_REQUIRES(lock);
+    [[nodiscard]] Failure shortage() const ZENTARA_REQUIRES(lock);
     void setState(State next) ZENTARA_REQUIRES(lock);
     void announce() ZENTARA_REQUIRES(lock);
     [[nodiscard]] bool waitForReader(Moment end);
