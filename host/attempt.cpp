@@ -134,6 +134,8 @@ void rethrowAsFailure(const std::string& what) {
     } catch (const std::exception& failure) {
         const std::string cause = Utils::visibleText(failure.what());
         throw Failure(refined(Failure::Failed, cause), message, cause);
+    } catch (...) {
+        throw Failure(Failure::Failed, message, "unknown exception");
     }
 }
 

@@ -29,6 +29,7 @@ constexpr milliseconds returnPause = 300ms; // longer than an enumerator takes t
 constexpr milliseconds memoryPause = 10ms;
 constexpr milliseconds failurePause = 5ms;
 constexpr std::int64_t temperatureMicros = 5'000'000;
+constexpr std::size_t mostPlaces = 65'536; ///< of a queue
 constexpr std::size_t mostUnitBytes = std::size_t{1} << 26;
 
 milliseconds leftUntil(steady_clock::time_point end) {
@@ -41,8 +42,6 @@ Failure failureNow(const std::string& what) {
         rethrowAsFailure(what);
     } catch (const Failure& failure) {
         return failure;
-    } catch (...) {
-        return Failure(Failure::Failed, "cannot " + what, "unknown exception");
     }
 }
 
@@ -58,9 +57,10 @@ bool needsTemperatures(const StreamInfo& info) {
 Stream::Core::Core(StreamSetup setup, const StreamOptions& wanted)
     : options(wanted), open(std::move(setup.open)), opening(std::move(setup.what)), note(setup.note),
       mostTime(setup.limit), hand(setup.hand ? std::move(setup.hand) : std::make_shared<Hand>(opening, note)),
-      gaps(1), queue(std::max<std::size_t>(1, wanted.queue)) {
-    if (wanted.queue == 0)
-        throw Failure(Failure::Usage, "cannot " + opening, "a queue of 0 frames keeps none");
+      gaps(1), queue(std::clamp<std::size_t>(wanted.queue, 1, mostPlaces)) {
+    if (wanted.queue == 0 || wanted.queue > mostPlaces)
+        throw Failure(Failure::Usage, "cannot " + opening,
+                      Format("a queue has room for 1 to % frames, not for %") % mostPlaces % wanted.queue);
     source = hand->step(mostTime, opening, [way = open] { return way(); });
     name = source->label();
     context = std::make_shared<const StreamContext>(source->info());
@@ -241,7 +241,8 @@ void Stream::Core::end(std::shared_ptr<Core> core) noexcept {
 // Fetching ----------------------------------------------------------------------------------------------------------
 
 std::optional<Frame> Stream::Core::take(Milliseconds limit, bool newest, const GoOn& goOn) {
-    const Moment end = steady_clock::now() + std::min(limit, longestLimit);
+    limit = std::clamp(limit, milliseconds(0), longestLimit);
+    const Moment end = steady_clock::now() + limit;
     for (;;) {
         {
             const Moment until = goOn ? std::min(end, steady_clock::now() + askEvery) : end;

@@ -30,7 +30,7 @@ using GoOn = std::function<bool()>;
 struct StreamOptions {
     /// The mode's name, or "320x240", or "320x240@60"; empty: the camera's first one.
     std::string mode{};
-    /// How many frames are kept for whoever fetches them, 1 at least. When another one comes, the oldest is dropped and
+    /// How many frames are kept for whoever fetches them, 1 to 65,536. When another one comes, the oldest is dropped and
     /// counted: who is slow gets new frames, not old ones.
     std::size_t queue = 4;
     /// Whether to go on when the camera is back that was pulled out. Otherwise that ends the stream.
