@@ -45,6 +45,10 @@ FlashImage::FlashImage(const FlashArea& where, Bytes initial) : place(where), co
     if (content.size() != place.size)
         throw Failure(Failure::Usage, Utils::Format("% bytes are no image of an area of % bytes") %
                                           static_cast<unsigned long long>(content.size()) % place.size);
+    if (place.end() > std::uint64_t{1} << 32)
+        throw Failure(Failure::Usage,
+                      Utils::Format("% bytes at 0x%{:x8} reach past the addresses of 32 bits") % place.size %
+                          place.start);
 }
 
 FlashImage::FlashImage(const FlashImage&) = default;
@@ -75,6 +79,8 @@ void FlashImage::write(std::uint32_t address, const Bytes& written) {
 
 std::vector<FlashWrite> differences(const FlashImage& before, const FlashImage& after) {
     const FlashArea& area = after.area();
+    if (before.area().start != area.start || before.area().size != area.size)
+        throw Failure(Failure::Usage, "images of two areas have no differences");
     std::vector<FlashWrite> writes;
     if (area.size < ROM::ChunkedMemoryManagementHeader::SIZE) {
         appendDifferences(writes, before, after, area.start, area.end());

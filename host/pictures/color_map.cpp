@@ -54,7 +54,8 @@ ValueRange ColorMap::rangeOf(std::span<const std::uint16_t> values, double trim)
                  [](std::uint16_t value) { return value != 0; });
     if (valid.empty())
         return {};
-    const auto skipped = static_cast<std::ptrdiff_t>(static_cast<double>(valid.size() - 1) * trim);
+    const double share = trim > 0 ? std::min(trim, 0.5) : 0; // NaN is none
+    const auto skipped = static_cast<std::ptrdiff_t>(static_cast<double>(valid.size() - 1) * share);
     const auto low = valid.begin() + skipped;
     std::nth_element(valid.begin(), low, valid.end());
     const std::uint16_t nearest = *low;

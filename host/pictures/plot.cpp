@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include <zentara/host/failure.h>
+#include <zentara/utils/format.h>
 
 #include "host/pictures/canvas.h"
 #include "host/pictures/ticks.h"
@@ -51,8 +52,11 @@ std::pair<double, double> extent(const std::vector<PlotLine>& lines, Member memb
         }
     }
     // Without any value the one is still above the other.
-    if (!(found.first <= found.second) || !std::isfinite(found.second - found.first))
+    if (!(found.first <= found.second))
         throw Failure(Failure::Failed, "there is nothing to plot");
+    if (!std::isfinite(found.second - found.first))
+        throw Failure(Failure::Failed,
+                      Utils::Format("values from % to % cannot be plotted") % found.first % found.second);
     return found;
 }
 

@@ -39,7 +39,7 @@ struct FlashWrite {
 /// library's storage can be laid over it. A copyable value. Separate.
 class ZENTARA_HOST_API FlashImage final : public ROM::Accessor {
 public:
-    /// Erased flash: every byte is 0xFF.
+    /// Erased flash: every byte is 0xFF. \throws Failure (Usage) for an area that ends beyond 2^32, as the next one does
     explicit FlashImage(const FlashArea& where);
     /// \param content  as many bytes as the area has. \throws Failure (Usage) for another number
     FlashImage(const FlashArea& where, Bytes content);
@@ -66,8 +66,8 @@ private:
     std::vector<FlashWrite> history; ///< what was written since the image was made
 };
 
-/// What turns one image into another of the same size: the changed ranges in ascending order, but the management
-/// header's last, so that what it leads to stands before. Safe.
+/// What turns one image into another of the same area: the changed ranges in ascending order, but the management
+/// header's last, so that what it leads to stands before. \throws Failure (Usage) for images of two areas. Safe.
 [[nodiscard]] ZENTARA_HOST_API std::vector<FlashWrite> differences(const FlashImage& before,
                                                                    const FlashImage& after);
 
