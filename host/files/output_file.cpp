@@ -73,6 +73,15 @@ struct OutputFile::Impl {
     const IfThere rule;
     Utils::Platform::Owned<FileLock> right; ///< to the target, as long as this lives
     Utils::Platform::Owned<NewFile> part;   ///< null once discarded
+    bool isCommitted = false;               ///< it has a name, and stays as it is
+
+    /// \throws Failure (Usage) once it was committed or discarded
+    [[nodiscard]] NewFile& writable() const {
+        if (!part || isCommitted)
+            throw Failure(Failure::Usage, Format("cannot write '%': it is %") % finalPath %
+                                              (part ? "complete already" : "given up"));
+        return *part;
+    }
 };
 
 OutputFile::OutputFile(std::string path, const Rules& rules)
@@ -110,32 +119,39 @@ void OutputFile::write(std::string_view bytes) {
 }
 
 void OutputFile::append(const void* data, std::size_t size) {
-    if (!impl->part->append(data, size))
+    if (!impl->writable().append(data, size))
         failFile("write", impl->finalPath);
 }
 
 void OutputFile::patch(std::uint64_t position, const void* data, std::size_t size) {
-    if (!impl->part->patch(position, data, size))
+    if (!impl->writable().patch(position, data, size))
         failFile("write", impl->finalPath);
 }
 
 void OutputFile::cut(std::uint64_t size) {
-    if (!impl->part->resize(size))
+    if (!impl->writable().resize(size))
         failFile("write", impl->finalPath);
 }
 
-std::uint64_t OutputFile::size() const noexcept { return impl->part->size(); }
+std::uint64_t OutputFile::size() const noexcept { return impl->part ? impl->part->size() : 0; }
+
+bool OutputFile::isCommitted() const noexcept { return impl->isCommitted; }
 
 void OutputFile::commit() {
-    if (impl->part->take(impl->target, impl->rule == IfThere::Replace && impl->right->found(),
-                         waitMilliseconds))
+    if (impl->isCommitted)
+        return;
+    NewFile& part = impl->writable();
+    const bool replaces = impl->rule == IfThere::Replace && impl->right->found();
+    impl->isCommitted = part.take(impl->target, replaces, waitMilliseconds);
+    if (impl->isCommitted)
         return;
     if (Utils::Platform::lastFileTrouble() != FileTrouble::Exists)
         failFile("write", impl->finalPath);
     const std::string taken =
         Format("cannot write '%': another program has made it meanwhile") % impl->finalPath;
     const std::string other = freeNameBeside(impl->target);
-    if (impl->part->take(other, false, waitMilliseconds))
+    impl->isCommitted = part.take(other, false, waitMilliseconds);
+    if (impl->isCommitted)
         throw Failure(Failure::Busy, taken,
                       std::string(Format("what was to stand in it is kept in '%'") % other));
     throw Failure(Failure::Busy, taken);

@@ -33,7 +33,10 @@ void writeChecksum(BinaryWriter& bytes) {
 
 struct Recorder::Impl {
     Impl(const std::string& path, const std::vector<StreamInfo>& streams, const OutputFile::Rules& rules)
-        : file(path, rules), counts(streams.size()), readings(streams.size()) {}
+        : file(path, rules), counts(streams.size()), readings(streams.size()) {
+        for (const StreamInfo& stream : streams)
+            modes.push_back(stream.mode);
+    }
 
     void writeHeader() ZENTARA_REQUIRES(lock);
     void writeTemperatures(std::uint16_t stream, const FrameData& frame) ZENTARA_REQUIRES(lock);
@@ -43,6 +46,7 @@ struct Recorder::Impl {
     void put(const BinaryWriter& bytes);
 
     OutputFile file;
+    std::vector<Mode> modes; ///< one a stream; never changes
     mutable Utils::Threading::Mutex lock;
     struct Written {
         std::uint16_t stream;
@@ -84,6 +88,11 @@ void Recorder::add(std::size_t stream, const Frame& frame) {
         throw Failure(Failure::Usage, "cannot record a frame whose depth is corrected",
                       "a recording holds what the camera delivered, and makes the corrections anew");
     const std::uint16_t flags = data.isFirstAfterReturn ? Flag_AFTER_RETURN : 0;
+    if (frame.info().mode != impl->modes[stream])
+        throw Failure(Failure::Usage,
+                      Format("cannot record a frame in the mode % as one of stream %") %
+                          frame.info().mode.name % stream,
+                      "that one is recorded in the mode " + impl->modes[stream].name);
     std::uint64_t start = impl->end;
     try {
         impl->writeTemperatures(index, data);
@@ -104,12 +113,14 @@ void Recorder::add(std::size_t stream, const Frame& frame) {
 
 void Recorder::commit() {
     AutoLock hold(impl->lock);
+    if (impl->file.isCommitted())
+        return;
     // A full disk may have no room for the end, either: frames are given up from the last one on until there is.
     for (;;) {
         try {
             impl->writeEnd();
             break;
-        } catch (const Failure&) {
+        } catch (const FileFailure&) {
             if (impl->last.empty())
                 throw;
             impl->end = impl->last.back().start;

@@ -72,6 +72,8 @@ std::uint64_t SoundFile::add(const Frame& block, std::uint64_t most) {
 }
 
 void SoundFile::commit() {
+    if (impl->file.isCommitted())
+        return;
     if (impl->writer.close() != 0 || impl->isCut)
         impl->repair();
     impl->file.commit();

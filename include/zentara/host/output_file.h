@@ -48,12 +48,11 @@ public:
     OutputFile& operator=(const OutputFile&) = delete;
 
     [[nodiscard]] const std::string& path() const noexcept;
-    /// For what can only be written by name. The bytes may be written so, or by the operations here; not after
-    /// discard().
+    /// For what can only be written by name. The bytes may be written so, or by the operations here. Not after discard().
     [[nodiscard]] const std::string& partPath() const noexcept;
 
     /// Replaces the part's bytes. \throws Failure naming the path and the system's reason, as all that follow; the part
-    /// is then of an unknown length, until cut().
+    /// is then of an unknown length, until cut(). (Usage) after commit() and discard()
     void write(std::string_view bytes);
     /// Adds bytes at the end, at once.
     void append(const void* data, std::size_t size);
@@ -61,13 +60,15 @@ public:
     void patch(std::uint64_t position, const void* data, std::size_t size);
     /// Cuts the part there.
     void cut(std::uint64_t size);
+    /// Bytes; 0 after discard().
     [[nodiscard]] std::uint64_t size() const noexcept;
 
-    /// Gives the file its name. \throws Failure; nothing has changed then, and it may be tried again. (Busy) when another
-    /// program has made the file meanwhile that was not to be replaced: the bytes are kept under a free name beside it,
-    /// which the cause tells, and nothing is left to commit.
+    /// Gives the file its name; does nothing when it has it. \throws Failure; nothing has changed then, and it may be
+    /// tried again. (Busy) when another program has made the file meanwhile that was not to be replaced: the bytes are
+    /// kept under a free name beside it, which the cause tells, and nothing is left to commit.
     void commit();
-    /// Removes the part; nothing is left to commit, and nothing else may be called.
+    [[nodiscard]] bool isCommitted() const noexcept;
+    /// Removes the part, unless it has been committed; nothing is left to commit.
     void discard() noexcept;
 
 private:

@@ -32,16 +32,18 @@ public:
     Recorder& operator=(const Recorder&) = delete;
 
     /// Adds a frame as the camera delivered it, with its time and its temperatures. \param stream index among the streams
-    /// \throws Failure (Usage) when there is no such stream, or the frame is a corrected one; (Failed) when the frame has more than 64 MiB, or it cannot
-    ///         be written: what is whole stays whole, and the next frame may be tried
+    /// \throws Failure (Usage) when there is no such stream, the frame is in another mode or a corrected one, and after
+    ///         commit() or discard(); (Failed) when the frame has more than 64 MiB, or it cannot be written: what is
+    ///         whole stays whole, and the next frame may be tried
     void add(std::size_t stream, const Frame& frame);
 
-    /// Ends the recording and gives the file its name. One that could not be written on to, because the disk is full,
-    /// ends with its last whole frame; a frame more goes where there is no room to say that it has ended.
+    /// Ends the recording and gives the file its name; does nothing when that was done. One that could not be written on
+    /// to, because the disk is full, ends with its last whole frame; a frame more goes where there is no room to say that
+    /// it has ended.
     /// \throws Failure when even that cannot be written
     void commit();
 
-    /// Removes what has been written; nothing else may be called then.
+    /// Removes what has been written, unless commit() was called.
     void discard() noexcept;
 
     /// How many frames of all streams stand in it.
@@ -68,10 +70,10 @@ struct RecordedFrame {
     Frame frame;
 };
 
-/// Reads what a Recorder wrote, unpaced: one frame after the other, or by number or time; camera() plays it. Nothing that the file says is
-/// believed before its checksum was right, and no memory is taken for bytes that the file does not have. Frames are as
-/// those of a camera, but for their number, which is their place among those recorded of their stream, and outlive the
-/// recording. Separate.
+/// Reads what a Recorder wrote, unpaced: one frame after the other, or by number or time; camera() plays it. Nothing
+/// that the file says is believed before its checksum was right, and no memory is taken for bytes that the file does not
+/// have. Frames are as those of a camera, but for their number, which is their place among those recorded of their
+/// stream, and outlive the recording. Separate.
 ///
 /// A file that was cut short or damaged gives the whole frames before that place, and then the failure, which names the
 /// byte.

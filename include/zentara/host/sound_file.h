@@ -30,7 +30,7 @@ public:
     /// Completes the file. One that could not be written on to, because the disk is full, ends with its last whole
     /// sample. \throws Failure when even that is not possible
     void commit();
-    /// Removes what has been written; nothing else may be called then.
+    /// Removes what has been written, unless commit() was called.
     void discard() noexcept;
 
     [[nodiscard]] const std::string& path() const noexcept;
