@@ -73,23 +73,24 @@ std::shared_ptr<FlashChange> plan(const FlashObject& self, const std::shared_ptr
 }
 
 std::shared_ptr<FlashChange> planRestore(const FlashObject& self, const std::shared_ptr<FlashImage>& before,
-                                         const std::string& path, bool formats, bool rebuild,
-                                         bool otherCamera, bool damaged) {
-    return self.ask([before, path, options = Host::ChangeOptions{formats, rebuild, otherCamera, damaged}](
-                        const Flash& flash) {
-        return std::make_shared<FlashChange>(flash.planRestore(*before, path, options));
-    });
+                                         const PathText& path, bool formats, bool rebuild, bool otherCamera,
+                                         bool damaged) {
+    return self.ask(
+        [before, path = path.name,
+         options = Host::ChangeOptions{formats, rebuild, otherCamera, damaged}](const Flash& flash) {
+            return std::make_shared<FlashChange>(flash.planRestore(*before, path, options));
+        });
 }
 
 py::str apply(const FlashObject& self, const std::shared_ptr<FlashChange>& change, bool keeps,
-              const std::string& backup, const py::object& progress) {
-    return text(
-        self.use(progress, true, [change, keeps, backup, told = notes()](Flash& flash, Errand& errand) {
-            const auto kept = [&told](const std::string& file) {
-                told("the bytes that the flash had are in '" + file + "'");
-            };
-            return flash.apply(*change, {keeps, backup, kept}, errand.progress());
-        }));
+              const PathText& backup, const py::object& progress) {
+    return text(self.use(progress, true,
+                         [change, keeps, backup = backup.name, told = notes()](Flash& flash, Errand& errand) {
+                             const auto kept = [&told](const std::string& file) {
+                                 told("the bytes that the flash had are in '" + file + "'");
+                             };
+                             return flash.apply(*change, {keeps, backup, kept}, errand.progress());
+                         }));
 }
 
 void bindChange(py::class_<FlashChange, std::shared_ptr<FlashChange>> bound) {
@@ -171,21 +172,23 @@ void bindFlash(py::module_& module) {
                             "The flash that holds a camera's calibration: a camera's, or an image file's.")
         .def_static(
             "image",
-            [](const std::string& path, bool write, std::optional<std::uint64_t> start, std::uint64_t size) {
+            [](const PathText& path, bool write, std::optional<std::uint64_t> start, std::uint64_t size) {
                 FlashOptions options;
                 options.start = start;
                 options.size = size;
-                return opened(interruptible(
-                    [path, options, write] { return Flash::image(path, options, accessTo(write)); }));
+                return opened(interruptible([path = path.name, options, write] {
+                    return Flash::image(path, options, accessTo(write));
+                }));
             },
             "path"_a, py::kw_only(), "write"_a = false, "start"_a = none, "size"_a = 0,
             "Opens an image file. To write, it holds the file's lock until it is closed.")
         .def_static(
             "create",
-            [](const std::string& path, std::uint64_t start, std::uint64_t size, std::uint32_t chunkSize,
+            [](const PathText& path, std::uint64_t start, std::uint64_t size, std::uint32_t chunkSize,
                const std::string& header) {
                 const FlashOptions options{start, size, chunkSize, headerNamed(header)};
-                return opened(interruptible([path, options] { return Flash::create(path, options); }));
+                return opened(
+                    interruptible([path = path.name, options] { return Flash::create(path, options); }));
             },
             "path"_a, py::kw_only(), "start"_a = 0, "size"_a = 0, "chunk_size"_a = 256, "header"_a = "auto",
             "An image file that is to be formatted; a new one appears with the first change that is applied.")
@@ -212,9 +215,9 @@ void bindFlash(py::module_& module) {
             [](const FlashObject& self, const std::shared_ptr<FlashImage>& image) {
                 return contentOf(self.ask([image](const Flash& flash) { return flash.content(*image); }));
             },
-            "image"_a, "What a fresh load of the image finds, as `zentara rom export` writes it.")
-        .def("plan", &plan, "before"_a, "wanted"_a, py::kw_only(), "formats"_a = false, "rebuild"_a = false,
-             "other_camera"_a = false, "damaged"_a = false,
+            "image"_a.none(false), "What a fresh load of the image finds, as `zentara rom export` writes it.")
+        .def("plan", &plan, "before"_a.none(false), "wanted"_a, py::kw_only(), "formats"_a = false,
+             "rebuild"_a = false, "other_camera"_a = false, "damaged"_a = false,
              "Plans to bring the flash to a content; reads and writes nothing.")
         .def(
             "plan_format",
@@ -223,22 +226,22 @@ void bindFlash(py::module_& module) {
                     return std::make_shared<FlashChange>(flash.planFormat(*before));
                 });
             },
-            "before"_a, "Plans a new storage; all that stands there goes.")
-        .def("plan_restore", &planRestore, "before"_a, "path"_a, py::kw_only(), "formats"_a = false,
-             "rebuild"_a = false, "other_camera"_a = false, "damaged"_a = false,
+            "before"_a.none(false), "Plans a new storage; all that stands there goes.")
+        .def("plan_restore", &planRestore, "before"_a.none(false), "path"_a, py::kw_only(),
+             "formats"_a = false, "rebuild"_a = false, "other_camera"_a = false, "damaged"_a = false,
              "Plans to put back what backup() kept.")
         .def(
-            "apply", &apply, "change"_a, py::kw_only(), "keeps"_a = true, "backup"_a = "",
+            "apply", &apply, "change"_a.none(false), py::kw_only(), "keeps"_a = true, "backup"_a = "",
             "progress"_a = none,
             "Makes a planned change, reads it back, and gives the name of the file with the bytes of "
             "before.\n"
             "Ctrl-C, and a progress that returns False, end it before its first byte or once all is written.")
         .def(
             "backup",
-            [](const FlashObject& self, const std::string& path, const std::shared_ptr<FlashImage>& image) {
-                self.ask([path, image](const Flash& flash) { flash.backup(path, *image); });
+            [](const FlashObject& self, const PathText& path, const std::shared_ptr<FlashImage>& image) {
+                self.ask([path = path.name, image](const Flash& flash) { flash.backup(path, *image); });
             },
-            "path"_a, "image"_a, "Keeps an image of this flash in a file that is not there yet.")
+            "path"_a, "image"_a.none(false), "Keeps an image of this flash in a file that is not there yet.")
         .def("close", &FlashObject::close)
         .def("__enter__", [](const py::object& self) { return self; })
         .def("__exit__", [](const FlashObject& self, const py::args&) { self.close(); });

@@ -97,9 +97,9 @@ void bindPictures(py::module_& module) {
         "A picture of lines, (height, width, 3) bytes: panels with axes of their own, below each other.");
     module.def(
         "write_png",
-        [](const std::string& path, const Rows<std::uint8_t>& rgb) {
+        [](const PathText& path, const Rows<std::uint8_t>& rgb) {
             const Picture picture = pictureOf(rgb);
-            released([&] { picture.writePng(path); });
+            released([&] { picture.writePng(path.name); });
         },
         "path"_a, "rgb"_a, "Writes a picture of (height, width, 3) bytes as PNG, whole or not at all.");
 }

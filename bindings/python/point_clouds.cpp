@@ -94,9 +94,9 @@ void bindPointCloud(PointCloudClass& bound) {
             "in its own colours, or in those of the distance, with a scale in metres.")
         .def(
             "write_ply",
-            [](const PointCloud& cloud, const std::string& path, bool binary) {
+            [](const PointCloud& cloud, const PathText& path, bool binary) {
                 released([&] {
-                    cloud.writePly(path,
+                    cloud.writePly(path.name,
                                    binary ? PointCloud::PlyFormat::Binary : PointCloud::PlyFormat::Text);
                 });
             },

@@ -36,6 +36,11 @@ namespace Zentara::Python {
 /// Of "axis" and "ray". \throws Host::Failure (Usage) for other words
 [[nodiscard]] Host::DepthAlong depthAlong(const std::string& name);
 
+/// The name of a file, as the system has it, of a str, bytes or os.PathLike. \throws ValueError for one with a zero in it
+struct PathText {
+    std::string name;
+};
+
 /// "depth", "color" or "audio". \throws Host::Failure (Usage) for other words
 [[nodiscard]] Host::Kind kindOf(const std::string& name);
 
@@ -43,3 +48,22 @@ namespace Zentara::Python {
 void bindValues(pybind11::module_& module);
 
 } // namespace Zentara::Python
+
+namespace pybind11::detail {
+template<>
+struct type_caster<Zentara::Python::PathText> {
+    PYBIND11_TYPE_CASTER(Zentara::Python::PathText, const_name("Union[str, bytes, os.PathLike]"));
+
+    bool load(handle given, bool) {
+        PyObject* encoded = nullptr;
+        if (PyUnicode_FSConverter(given.ptr(), &encoded) == 0) {
+            if (PyErr_ExceptionMatches(PyExc_TypeError) == 0)
+                throw error_already_set();
+            PyErr_Clear();
+            return false;
+        }
+        value.name = reinterpret_steal<bytes>(encoded);
+        return true;
+    }
+};
+} // namespace pybind11::detail

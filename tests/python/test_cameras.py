@@ -189,7 +189,9 @@ def test_pictures_are_arrays(camera: zentara.Camera, tmp_path: pathlib.Path) -> 
     plot = zentara.plot("s", [{"title": "T", "unit": "degC", "lines": {"sensor": ([0, 1], numpy.array([20, 21]))}}])
     for picture in (seen, plot):
         assert picture.ndim == 3 and picture.shape[2] == 3 and picture.dtype == numpy.uint8 and picture.std() > 0
-    zentara.write_png(str(tmp_path / "plot.png"), plot)
+    zentara.write_png(tmp_path / "plot.png", plot)
+    with pytest.raises(ValueError):
+        zentara.write_png("a\0b", plot)
     assert (tmp_path / "plot.png").read_bytes()[1:4] == b"PNG"
     with pytest.raises(ValueError):
         zentara.plot("s", [{"title": "T", "unit": "degC", "lines": {"sensor": ([0, 1], [20])}}])

@@ -1,3 +1,4 @@
+import os
 from types import TracebackType
 from typing import Any, Callable, Dict, Iterator, List, Literal, Optional, Sequence, Tuple, Type, Union, final
 
@@ -23,6 +24,8 @@ from .types import (
     StreamSources,
     Value,
 )
+
+FileName = Union[str, bytes, os.PathLike[str], os.PathLike[bytes]]
 
 @final
 class Mode:
@@ -152,7 +155,7 @@ class PointCloud:
         own_colors: bool = False,
         range: Optional[Tuple[float, float]] = None,
     ) -> NDArray[numpy.uint8]: ...
-    def write_ply(self, path: str, *, binary: bool = True) -> None: ...
+    def write_ply(self, path: FileName, *, binary: bool = True) -> None: ...
 
 @final
 class Frame:
@@ -314,10 +317,10 @@ class FlashChange:
 @final
 class Flash:
     @staticmethod
-    def image(path: str, *, write: bool = False, start: Optional[int] = None, size: int = 0) -> Flash: ...
+    def image(path: FileName, *, write: bool = False, start: Optional[int] = None, size: int = 0) -> Flash: ...
     @staticmethod
     def create(
-        path: str,
+        path: FileName,
         *,
         start: int = 0,
         size: int = 0,
@@ -344,7 +347,7 @@ class Flash:
     def plan_restore(
         self,
         before: FlashImage,
-        path: str,
+        path: FileName,
         *,
         formats: bool = False,
         rebuild: bool = False,
@@ -356,10 +359,10 @@ class Flash:
         change: FlashChange,
         *,
         keeps: bool = True,
-        backup: str = "",
+        backup: FileName = "",
         progress: Optional[Callable[[int, int], Optional[bool]]] = None,
     ) -> str: ...
-    def backup(self, path: str, image: FlashImage) -> None: ...
+    def backup(self, path: FileName, image: FlashImage) -> None: ...
     def close(self) -> None: ...
     def __enter__(self) -> Flash: ...
     def __exit__(
@@ -445,7 +448,7 @@ class ColorMap:
 
 @final
 class Recorder:
-    def __init__(self, path: str, streams: Sequence[StreamInfo]) -> None: ...
+    def __init__(self, path: FileName, streams: Sequence[StreamInfo]) -> None: ...
     def add(self, frame: Frame, stream: int = 0) -> None: ...
     def commit(self) -> None: ...
     def __enter__(self) -> Recorder: ...
@@ -455,7 +458,7 @@ class Recorder:
 
 @final
 class Recording:
-    def __init__(self, path: str) -> None: ...
+    def __init__(self, path: FileName) -> None: ...
     @property
     def streams(self) -> List[StreamInfo]: ...
     @property
@@ -477,7 +480,7 @@ def plot(x_label: str, panels: Sequence[PlotPanel]) -> NDArray[numpy.uint8]: ...
 def draw_correction(
     values: NDArray[numpy.uint8], title: str, *, width: int = 0, scale: int = 0
 ) -> NDArray[numpy.uint8]: ...
-def write_png(path: str, rgb: NDArray[numpy.uint8]) -> None: ...
+def write_png(path: FileName, rgb: NDArray[numpy.uint8]) -> None: ...
 def _use_root(root: str) -> bool: ...
 def _forked() -> None: ...
 def _end() -> None: ...
