@@ -16,6 +16,7 @@ constexpr std::chrono::milliseconds patience{2000};
 std::atomic<bool> isUsed{false};
 std::atomic<bool> isForked{false};
 std::atomic<bool> isEnding{false};
+std::atomic<unsigned> forkCount{0};
 
 /// Something that the end of the interpreter ends.
 struct Open {
@@ -98,6 +99,8 @@ void requireUsable() {
         throw Host::Failure(Host::Failure::Usage, "cannot use cameras any more", "the interpreter is ending");
     isUsed = true;
 }
+
+unsigned forks() noexcept { return forkCount; }
 
 bool isLeftBehind() noexcept { return isForked || isEnding; }
 
@@ -184,6 +187,7 @@ void Detail::comeBack(PyThreadState* state) {
 void bindInterpreter(py::module_& module) {
     module.def("_forked", [] {
         isForked = isUsed.load();
+        ++forkCount;
         current = new Outside; // a thread that did not come along may have held the lock of the other one
     });
     module.def("_end", &endInterpreter);

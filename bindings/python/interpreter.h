@@ -39,6 +39,9 @@ inline constexpr std::chrono::milliseconds slice{100};
 /// \throws Host::Failure (Usage) in a child of fork, and when the interpreter ends
 void requireUsable();
 
+/// How many forks lie between this process and the one that loaded the module.
+[[nodiscard]] unsigned forks() noexcept;
+
 /// Whether objects are to be left behind instead of being destroyed: their threads are not in this process, or the
 /// interpreter has gone.
 [[nodiscard]] bool isLeftBehind() noexcept;
@@ -277,6 +280,33 @@ public:
 
 private:
     std::shared_ptr<T> object;
+};
+
+/// An object that reads or writes a file. The copy that a child of fork has is neither used nor destroyed there: place
+/// and fate of the file are the parent's affair.
+template<typename T>
+class OwnFile final {
+public:
+    explicit OwnFile(std::unique_ptr<T> opened) : object(std::move(opened)) {}
+    OwnFile(const OwnFile&) = delete;
+    OwnFile& operator=(const OwnFile&) = delete;
+    ~OwnFile() {
+        if (born != forks())
+            static_cast<void>(object.release());
+    }
+
+    /// \throws Host::Failure (Usage) in a child of fork
+    [[nodiscard]] T& get() const {
+        if (born != forks())
+            throw Host::Failure(Host::Failure::Usage, "cannot use the recording in a forked process",
+                                "the process that it was forked from has opened it",
+                                "open it after the fork");
+        return *object;
+    }
+
+private:
+    std::unique_ptr<T> object;
+    const unsigned born = forks();
 };
 
 } // namespace Zentara::Python

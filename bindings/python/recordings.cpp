@@ -21,21 +21,26 @@ using namespace pybind11::literals;
 using Host::Recorder;
 using Host::Recording;
 
+using Writer = OwnFile<Recorder>;
+
 /// A reader for several threads: one after the other.
 struct Reader {
-    explicit Reader(const std::string& path) : recording(path) {}
+    explicit Reader(const std::string& path) : file(std::make_unique<Recording>(path)) {}
 
     /// Reads without the interpreter's lock.
     template<typename Work>
     auto read(Work work) {
         return released([this, &work] {
             const std::lock_guard hold(lock);
-            return work(recording);
+            return work(file.get());
         });
     }
+    /// For what never changes.
+    [[nodiscard]] const Recording& recording() const { return file.get(); }
 
+private:
     std::mutex lock;
-    Recording recording; ///< guarded by `lock`, but for what never changes
+    OwnFile<Recording> file; ///< guarded by `lock`
 };
 
 py::object numbered(std::optional<Host::RecordedFrame> read) {
@@ -47,45 +52,47 @@ py::object numbered(std::optional<Host::RecordedFrame> read) {
 } // namespace
 
 void bindRecordings(py::module_& module) {
-    py::class_<Recorder>(
+    py::class_<Writer>(
         module, "Recorder",
         "Writes streams into one recording, which takes its name at the end of a `with` block; an exception\n"
         "there removes it.")
-        .def(py::init([](const std::string& path, const std::vector<Host::StreamInfo>& streams) {
-                 return std::make_unique<Recorder>(path, streams);
+        .def(py::init([](const PathText& path, const std::vector<Host::StreamInfo>& streams) {
+                 return std::make_unique<Writer>(
+                     released([&] { return std::make_unique<Recorder>(path.name, streams); }));
              }),
              "path"_a, "streams"_a)
         .def(
             "add",
-            [](Recorder& self, const FrameObject& frame, std::size_t stream) {
-                released([&] { self.add(stream, frame.frame()); });
+            [](const Writer& self, const FrameObject& frame, std::size_t stream) {
+                released([&] { self.get().add(stream, frame.frame()); });
             },
             "frame"_a, "stream"_a = 0, "Adds a frame of that stream.")
-        .def("commit", [](Recorder& self) { released([&] { self.commit(); }); })
+        .def("commit", [](const Writer& self) { released([&] { self.get().commit(); }); })
         .def("__enter__", [](const py::object& self) { return self; })
-        .def("__exit__", [](Recorder& self, const py::object& kind, const py::object&, const py::object&) {
-            const bool isWhole = kind.is_none();
-            released([&] { isWhole ? self.commit() : self.discard(); });
-        });
+        .def("__exit__",
+             [](const Writer& self, const py::object& kind, const py::object&, const py::object&) {
+                 const bool isWhole = kind.is_none();
+                 released([&] { isWhole ? self.get().commit() : self.get().discard(); });
+             });
 
     py::class_<Reader>(module, "Recording",
                        "What a Recorder wrote; `for` gives the stream's index and the frame, in order.")
-        .def(py::init([](const std::string& path) {
-                 return released([&] { return std::make_unique<Reader>(path); });
+        .def(py::init([](const PathText& path) {
+                 return released([&] { return std::make_unique<Reader>(path.name); });
              }),
              "path"_a)
-        .def_property_readonly("streams", [](const Reader& self) { return self.recording.streams(); })
+        .def_property_readonly("streams", [](const Reader& self) { return self.recording().streams(); })
         .def_property_readonly(
-            "cameras", [](const Reader& self) { return self.recording.cameras(); },
+            "cameras", [](const Reader& self) { return self.recording().cameras(); },
             "The cameras whose streams it holds.")
         .def(
             "camera",
             [](const Reader& self, const std::string& name, double speed) {
-                return std::make_unique<CameraObject>(self.recording.camera(name, {speed, notes()}));
+                return std::make_unique<CameraObject>(self.recording().camera(name, {speed, notes()}));
             },
             "name"_a = "", py::kw_only(), "speed"_a = 1.0,
             "One of them, which plays at that multiple of the pace at which was recorded, and ends.")
-        .def_property_readonly("version", [](const Reader& self) { return self.recording.version(); })
+        .def_property_readonly("version", [](const Reader& self) { return self.recording().version(); })
         .def("__iter__", [](const py::object& self) { return self; })
         .def("__next__",
              [](Reader& self) { return numbered(self.read([](Recording& one) { return one.next(); })); })

@@ -52,6 +52,8 @@ def test_recordings_give_the_same_frames_without_their_camera(camera: zentara.Ca
     assert recording.at_time(frames[2].device_micros).number == 2
     with pytest.raises(ZeroDivisionError), zentara.Recorder(path + "2", recording.streams) as recorder:
         recorder.add(first, 1 // 0)
+    with pytest.raises(zentara.UsageFailure, match="given up"):
+        recorder.add(first)
     with pytest.raises(zentara.Failure):
         zentara.Recording(path + "2")
 

@@ -1,5 +1,6 @@
 """How a process ends that streams, and what Ctrl-C and fork do."""
 import os
+import pathlib
 import signal
 import subprocess
 import sys
@@ -122,6 +123,25 @@ def test_a_child_of_fork_gets_an_exception_and_keeps_its_frames() -> None:
                 os._exit(2)
         assert os.waitpid(pid, 0)[1] == 0
         assert next(stream).depth.any()
+
+
+def test_a_child_of_fork_leaves_the_recording_to_its_parent(tmp_path: pathlib.Path) -> None:
+    with zentara.open("SIM0570") as camera, camera.depth(frames=2) as stream:
+        recorder = zentara.Recorder(tmp_path / "room.ztrec", [stream.info])
+        recorder.add(next(stream))
+        pid = os.fork()
+        if pid == 0:
+            try:
+                with pytest.raises(zentara.UsageFailure, match="fork"):
+                    recorder.commit()
+                del recorder
+                os._exit(0)
+            except BaseException:
+                os._exit(2)
+        assert os.waitpid(pid, 0)[1] == 0
+        recorder.add(next(stream))
+        recorder.commit()
+    assert zentara.Recording(tmp_path / "room.ztrec").count() == 2
 
 
 def test_a_child_may_use_cameras_that_its_parent_never_did() -> None:
