@@ -25,7 +25,6 @@ using Host::Parameter;
 using Python::dictionaryOf;
 
 using Word = std::variant<int, std::string>; ///< a parameter's number or name
-using Number = std::variant<bool, std::int64_t, double, std::array<std::uint32_t, 4>>;
 
 std::unique_ptr<CameraObject> open(const std::string& name) {
     return std::make_unique<CameraObject>(interruptible([name] { return newCameras()->open(name); }));
@@ -102,25 +101,34 @@ py::dict parametersOf(const CameraObject& self) {
     return all;
 }
 
-/// The value as the parameter's own kind; what does not fit it goes as it is, and is refused by the library.
-Host::ParameterValue valueFor(int number, const Number& value) {
-    const std::optional<Host::ParameterKind> kind = Host::parameterKind(number);
-    const auto* const whole = std::get_if<std::int64_t>(&value);
-    if (const auto* const region = std::get_if<std::array<std::uint32_t, 4>>(&value))
-        return RegionOfInterestInternal{(*region)[0], (*region)[1], (*region)[2], (*region)[3]};
-    if (const bool* const isOn = std::get_if<bool>(&value))
-        return *isOn;
-    if (whole == nullptr)
-        return static_cast<float>(std::get<double>(value));
-    if (kind == Host::ParameterKind::Float)
-        return static_cast<float>(*whole);
-    if (!std::in_range<std::int32_t>(*whole))
-        throw py::value_error("a parameter's whole number has 32 bits, which " + std::to_string(*whole) +
-                              " has not");
-    return static_cast<std::int32_t>(*whole);
+/// True and False, and those of NumPy: nothing else passes for a switch.
+bool isSwitch(const py::object& value) {
+    const std::string type = Py_TYPE(value.ptr())->tp_name;
+    return PyBool_Check(value.ptr()) || type == "numpy.bool_" || type == "numpy.bool";
 }
 
-void setParameter(const CameraObject& self, const Word& word, const Number& value) {
+/// The value as the parameter's own kind; what does not fit it goes as it is, and is refused by the library.
+Host::ParameterValue valueFor(int number, const py::object& value) {
+    if (isSwitch(value))
+        return value.cast<bool>();
+    if (PySequence_Check(value.ptr()) != 0) {
+        py::detail::make_caster<std::array<std::uint32_t, 4>> region;
+        if (!region.load(value, true))
+            throw py::type_error("a region is four whole numbers: x, y, width and height");
+        const std::array<std::uint32_t, 4>& numbers = region;
+        return RegionOfInterestInternal{numbers[0], numbers[1], numbers[2], numbers[3]};
+    }
+    if (PyIndex_Check(value.ptr()) == 0 || Host::parameterKind(number) == Host::ParameterKind::Float)
+        return static_cast<float>(py::float_(value)); // of whatever can be one
+    int leaves = 0;
+    const long long whole = PyLong_AsLongLongAndOverflow(py::int_(value).ptr(), &leaves);
+    if (leaves != 0 || !std::in_range<std::int32_t>(whole))
+        throw py::value_error("a parameter's whole number has 32 bits, which " +
+                              py::str(value).cast<std::string>() + " has not");
+    return static_cast<std::int32_t>(whole);
+}
+
+void setParameter(const CameraObject& self, const Word& word, const py::object& value) {
     const int number = self.ask([word](const Camera& camera) { return numberOf(camera, word); });
     self.ask([number, wanted = valueFor(number, value)](const Camera& camera) {
         camera.setParameter(number, wanted);

@@ -180,9 +180,12 @@ def test_parameters_sensors_and_calibration_are_dictionaries(camera: zentara.Cam
             camera.write_calibration(bad)  # type: ignore[arg-type]
     with pytest.raises(zentara.Failure, match="exposure time"):
         camera.parameter("exposure tim")
-    for wrong in (True, 1.5):
-        with pytest.raises(zentara.Failure):
-            camera.set_parameter("micro-frames", wrong)
+    for name, wrong in (("micro-frames", True), ("micro-frames", 1.5), ("illumination", None), ("illumination", "off"),
+                        ("illumination", 1), ("exposure time", numpy.float32("nan")), ("micro-frames", 1 << 70)):
+        with pytest.raises((TypeError, ValueError, zentara.Failure)):
+            camera.set_parameter(name, wrong)  # type: ignore[arg-type]
+    camera.set_parameter("illumination", numpy.True_)
+    camera.set_parameter("exposure time", numpy.float32(5))  # type: ignore[arg-type]
 
 
 def test_pictures_are_arrays(camera: zentara.Camera, tmp_path: pathlib.Path) -> None:
