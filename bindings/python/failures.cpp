@@ -31,7 +31,11 @@ void bindFailures() {
             if (thrown)
                 std::rethrow_exception(thrown);
         } catch (const Host::Failure& failure) {
-            raise(failure);
+            try {
+                raise(failure);
+            } catch (py::error_already_set& instead) { // Ctrl-C, just now: it must not get lost
+                instead.restore();
+            }
         }
     });
 }

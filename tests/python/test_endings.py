@@ -104,6 +104,15 @@ assert next(stream).depth.any()
     assert run(code)[:2] == (0, "")
 
 
+def test_ctrl_c_is_not_lost_where_a_failure_becomes_an_exception(monkeypatch: pytest.MonkeyPatch) -> None:
+    def interrupted(*told: object) -> None:
+        raise KeyboardInterrupt
+
+    monkeypatch.setattr("zentara._failures.failure_of", interrupted)
+    with pytest.raises(KeyboardInterrupt):
+        zentara.open("nobody")
+
+
 def test_a_child_of_fork_gets_an_exception_and_keeps_its_frames() -> None:
     with zentara.open("SIM0570") as camera, camera.flash() as flash, camera.depth() as stream:
         frame = next(stream)
