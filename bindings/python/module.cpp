@@ -11,6 +11,24 @@
 #include "bindings/python/values.h"
 #include "bindings/python/watch.h"
 
+namespace {
+
+/// What has no constructor comes from the module alone: an object without its C++ part, as `__new__` makes one, would be
+/// read as if it had it.
+void takeNewFromWhatHasNoConstructor(const pybind11::module_& module) {
+    for (const auto& [name, member] : pybind11::cast<pybind11::dict>(module.attr("__dict__"))) {
+        // Without a constructor of the module's, `__init__` is the interpreter's own, and refuses.
+        if (!PyType_Check(member.ptr()) ||
+            !PyObject_TypeCheck(member.attr("__init__").ptr(), &PyWrapperDescr_Type))
+            continue;
+        auto* const type = reinterpret_cast<PyTypeObject*>(member.ptr());
+        type->tp_new = nullptr;
+        PyType_Modified(type);
+    }
+}
+
+} // namespace
+
 PYBIND11_MODULE(_zentara, module) {
     using namespace Zentara::Python;
 
@@ -47,5 +65,6 @@ PYBIND11_MODULE(_zentara, module) {
     bindWatch(module);
     bindRecordings(module);
     bindPictures(module);
+    takeNewFromWhatHasNoConstructor(module);
     module.attr("__name__") = ownName;
 }

@@ -36,6 +36,8 @@ def test_frames_are_read_only_views_that_outlive_their_camera() -> None:
     del frame
     gc.collect()
     assert numpy.array_equal(kept[0], before) and before.any()
+    with pytest.raises(TypeError):
+        zentara.Frame.__new__(zentara.Frame)
 
 
 def test_recordings_give_the_same_frames_without_their_camera(camera: zentara.Camera, tmp_path: pathlib.Path) -> None:
@@ -184,7 +186,7 @@ def test_parameters_sensors_and_calibration_are_dictionaries(camera: zentara.Cam
                         ("illumination", 1), ("exposure time", numpy.float32("nan")), ("micro-frames", 1 << 70)):
         with pytest.raises((TypeError, ValueError, zentara.Failure)):
             camera.set_parameter(name, wrong)  # type: ignore[arg-type]
-    camera.set_parameter("illumination", numpy.True_)
+    camera.set_parameter("illumination", numpy.True_)  # type: ignore[arg-type]
     camera.set_parameter("exposure time", numpy.float32(5))  # type: ignore[arg-type]
 
 

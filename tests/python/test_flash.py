@@ -28,9 +28,10 @@ def test_a_camera_is_changed_and_brought_back(tmp_path: pathlib.Path, caplog: py
         assert before.data.dtype == numpy.uint8 and not before.data.flags.writeable
         assert before.area == flash.area and len(before.data) == flash.area["size"] and "SIM0570" in flash.name
         content = flash.content(before)
-        for refuse in (flash.content, flash.plan_format, flash.apply):
+        calls: List[Callable[[Any], object]] = [flash.content, flash.plan_format, flash.apply]
+        for call in calls:
             with pytest.raises(TypeError):
-                refuse(None)  # type: ignore[arg-type]
+                call(None)
         wanted = without(content, 4)
         change = flash.plan(before, wanted)
         assert change.obstacle == "none" and change.refusal is None and change.takes_away
