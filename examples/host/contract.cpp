@@ -8,7 +8,10 @@ using namespace Zentara;
 // Reads one frame of depth from the first video device that has one, by the contract's classes alone.
 int main() {
     Core::PluginManager* manager = Core::PluginManager::instance();
-    for (const GUID& guid : manager->getGUIDs(Core::ImplType_VIDEO_DEVICE))
+    const std::vector<GUID> devices = manager->getGUIDs(Core::ImplType_VIDEO_DEVICE);
+    if (devices.empty())
+        std::cerr << "no video device plug-in in '" << Core::getPluginDirectory() << "'\n";
+    for (const GUID& guid : devices)
         try {
             IO::VideoDeviceProxy camera(guid, true);
             camera.open();

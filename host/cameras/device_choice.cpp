@@ -77,8 +77,10 @@ std::vector<GUID> registeredPlugins(Core::ImplType type, const char* what) {
         manager->release();
     });
     if (guids.empty())
-        throw Failure(Failure::NoPlugin,
-                      Format("no % plug-in is registered in '%'") % what % Core::getPluginDirectory());
+        throw Failure(
+            Failure::NoPlugin,
+            Format("no % plug-in is registered in '%'") % what % Core::getPluginDirectory(), {},
+            "install the plug-ins there, or set ZENTARASDK_ROOT to the directory above their bin/Plugins");
     // By what people read, so that the order is the same on every machine.
     std::sort(guids.begin(), guids.end(),
               [](const GUID& left, const GUID& right) { return guidText(left) < guidText(right); });

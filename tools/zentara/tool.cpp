@@ -22,7 +22,7 @@ constexpr const char* footer = R"(Environment:
   ZENTARASDK_ROOT    where the SDK is installed; plug-ins lie in "bin/Plugins/" below it
   ZENTARA_SIMULATED  settings of the simulated cameras, or @FILE with them
   ZENTARA_SIMULATED_CAMERAS  a file that says which simulated cameras are plugged in
-  ZENTARA_SIMULATED_CHIP  the controller of a bare device (--direct): OV0570, VC0258, VC0345 or none
+  ZENTARA_SIMULATED_CHIP  the controller of a bare simulated device (--direct), or none
 
 Exit codes:
   0 done   1 failed   2 usage   3 no device   4 no usable plug-in   5 permission
