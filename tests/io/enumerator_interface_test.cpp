@@ -20,7 +20,6 @@ public:
 
     using EnumeratorInterface::fillEvent;
     using EnumeratorInterface::getNodeFlags;
-    using EnumeratorInterface::getNodeType;
     using EnumeratorInterface::selectNodeDescriptor;
 
     void enumerate(std::vector<NodeEvent>& nodes) override { nodes.clear(); }
@@ -57,13 +56,10 @@ TEST(EnumeratorTest, DescribesTheSelectedNode) {
     }
     event.profile = Core::Profile(7);
     enumerator.fillEvent(&event);
-    EXPECT_EQ(NodeType_AUDIO, event.nodeType);
     EXPECT_EQ(Core::Profile_DEFAULT, event.profile);
-    EXPECT_EQ((HardwareIDs{1, 5, 3, 4}), event.hardwareIds());
     EXPECT_TRUE(enumerator.selectNodeDescriptor(&event, Core::Profile_DEFAULT));
     EXPECT_THROW(enumerator.fillEvent(nullptr), Plugin::ArgumentPluginException);
     enumerator.dispose();
-    EXPECT_EQ(NodeType_NONE, enumerator.getNodeType());
     EXPECT_EQ(0U, enumerator.getNodeFlags());
     EXPECT_FALSE(enumerator.selectNodeDescriptor(&event, Core::Profile_DEFAULT));
 }

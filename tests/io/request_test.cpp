@@ -76,9 +76,6 @@ TEST(XuRequestTest, AClonesDataIsItsOwn) {
 
 TEST(RequestTypeTest, NamesAreKeptInTheirMixedCase) {
     EXPECT_STREQ("RequestType_NONE", RequestType_toString(RequestType_NONE));
-    EXPECT_STREQ("RequestType_XUSEND", RequestType_toString(RequestType_XUSEND));
-    EXPECT_STREQ("RequestType_GET_AUDIO_DEFAULT_CONFIGURATION",
-                 RequestType_toString(RequestType_GET_AUDIO_DEFAULT_CONFIGURATION));
     EXPECT_STREQ("RequestType_ReadControlTransfer", RequestType_toString(RequestType(18)));
     EXPECT_STREQ("RequestType_OutputFormat", RequestType_toString(RequestType(24)));
     EXPECT_STREQ("RequestType_XUSETUP", RequestType_toString(RequestType(25)));

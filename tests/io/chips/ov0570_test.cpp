@@ -19,6 +19,11 @@ using Settings = OV0570Firmware::Settings;
 
 const std::string information = "GET 1  " + IO::bytesText(Bytes(64));
 
+/// A write of a register of the time-of-flight controller.
+std::string firstDeviceWrite(const std::string& reg, const std::string& value) {
+    return "SET 2  11 " + reg + " 00 " + value + " 00 00";
+}
+
 /// Time-of-flight controller with 8-bit registers.
 Settings narrowTof() {
     Settings settings;
@@ -192,10 +197,7 @@ TEST_F(OV0570Test, TheToggleAlternatesOverEveryWay) {
 }
 
 TEST_F(OV0570Test, MetaCodesWriteTheirRegisterPairs) {
-    const auto write = [](std::string reg, std::string value) {
-        return "SET 2  11 " + reg + " 00 " + value + " 00 00";
-    };
-    expectPairs(*camera, write,
+    expectPairs(*camera, firstDeviceWrite,
                 {{1000, "0B", "0C"},
                  {1001, "0D", "0E"},
                  {1002, "0F", "10"},
@@ -210,26 +212,15 @@ TEST_F(OV0570Test, MetaCodesWriteTheirRegisterPairs) {
                 ElementsAre("SET 2  01 0B 00 78 00 00 00", "SET 2  01 0C 00 34 00 00 00"));
 }
 
-Lines modulationLines(const std::string& code, const std::array<std::string, 4>& steps) {
-    Lines lines;
-    const std::pair<const char*, std::string> writes[] = {
-        {"00", code},     {"01", code},     {"2F", steps[2]}, {"03", "00 00"},
-        {"04", steps[1]}, {"05", steps[2]}, {"06", steps[3]}, {"07", "00 00"},
-        {"08", "00 00"},  {"09", "00 00"},  {"0A", "00 00"}};
-    for (const auto& [reg, value] : writes)
-        lines.push_back(std::string("SET 2  11 ") + reg + " 00 " + value + " 00 00");
-    return lines;
-}
-
 TEST_F(OV0570Test, ModulationFrequencyWritesElevenRegisters) {
-    EXPECT_EQ(command(UVC_TOF_CONTROLLER_REGISTER, 1005, 7710),
-              modulationLines("1E 1E", {"", "78 00", "F0 00", "68 01"}));
-    EXPECT_EQ(command(UVC_TOF_CONTROLLER_REGISTER, 1005, 2570),
-              modulationLines("0A 0A", {"", "28 00", "50 00", "78 00"}));
-    EXPECT_EQ(command(UVC_TOF_CONTROLLER_REGISTER, 1005, 10280),
-              modulationLines("28 28", {"", "A0 00", "40 01", "E0 01"}));
-    EXPECT_EQ(command(UVC_TOF_CONTROLLER_REGISTER, 1005, 9999),
-              modulationLines("0F 27", {"", "00 00", "00 00", "00 00"}));
+    const std::tuple<unsigned, const char*, std::array<const char*, 3>> rows[]{
+        {7710, "1E 1E", {"78 00", "F0 00", "68 01"}},
+        {2570, "0A 0A", {"28 00", "50 00", "78 00"}},
+        {10280, "28 28", {"A0 00", "40 01", "E0 01"}},
+        {9999, "0F 27", {"00 00", "00 00", "00 00"}}};
+    for (const auto& [value, code, steps] : rows)
+        EXPECT_EQ(command(UVC_TOF_CONTROLLER_REGISTER, 1005, value),
+                  modulationWrites(firstDeviceWrite, code, steps));
 }
 
 TEST_F(OV0570Test, StrobesAreKeptPerRegister) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <chrono>
 #include <functional>
 #include <memory>
@@ -123,6 +124,15 @@ void expectPairs(Camera& camera, Write write,
         EXPECT_THAT(camera.command(UVC_TOF_CONTROLLER_REGISTER, code, 0x12345678),
                     ElementsAre(write(low, "78 56"), write(high, "34 12")))
             << code;
+}
+
+/// What sets the modulation frequency: its code twice, then steps of which the last three are 4, 8 and 12 times the code.
+template<typename Write>
+Lines modulationWrites(Write write, const std::string& code, const std::array<const char*, 3>& steps) {
+    const char* const zero = "00 00";
+    return {write("00", code),     write("01", code),     write("2F", steps[1]), write("03", zero),
+            write("04", steps[0]), write("05", steps[1]), write("06", steps[2]), write("07", zero),
+            write("08", zero),     write("09", zero),     write("0A", zero)};
 }
 
 using OV0570Camera = WiredCamera<IO::OV0570Impl, Simulated::OV0570Firmware>;
