@@ -167,15 +167,17 @@ void bindCamera(CameraClass& bound) {
         bound.def(
             Host::kindName(kind),
             [kind](const CameraObject& self, const std::string& mode, std::optional<std::uint64_t> frames,
-                   double limit, std::size_t queue, bool awaitReturn, bool started) {
-                return streamOf(self, kind, {mode, queue, awaitReturn, started}, frames, limit);
+                   double limit, std::size_t queue, bool awaitReturn, bool started, bool shared) {
+                return streamOf(self, kind, {mode, queue, awaitReturn, started, false, shared}, frames,
+                                limit);
             },
             py::kw_only(), "mode"_a = "", "frames"_a = py::none(), "limit"_a = 2.0, "queue"_a = 4,
-            "await_return"_a = false, "started"_a = true,
+            "await_return"_a = false, "started"_a = true, "shared"_a = false,
             "A stream of the camera. frames: after how many it ends; limit: how many seconds `for` waits for "
             "one;\n"
             "queue: how many are kept, the oldest is dropped; await_return: goes on when the camera is "
-            "back.");
+            "back;\n"
+            "shared: gives its frames to other programs that say so, or reads theirs.");
     bound
         .def("frame_sets", &setsOf, py::kw_only(), "depth"_a = "", "color"_a = "", "audio"_a = py::none(),
              "patience"_a = 0.2, "limit"_a = 2.0, "queue"_a = 8,

@@ -37,7 +37,7 @@ py::dict countsOf(const StreamObject& self) {
     const Host::StreamCounts counts = self.stream().counts();
     return py::dict("received"_a = counts.received, "fetched"_a = counts.fetched,
                     "lost_by_device"_a = counts.lostByDevice, "dropped_by_queue"_a = counts.droppedByQueue,
-                    "absences"_a = counts.absences);
+                    "absences"_a = counts.absences, "missed"_a = counts.missed);
 }
 
 } // namespace

@@ -48,6 +48,9 @@ public:
 
     [[nodiscard]] const StreamInfo& info() const override { return about; }
     [[nodiscard]] std::string label() const override { return name; }
+    [[nodiscard]] std::string hardware() const override {
+        return std::string(kindName(about.mode.kind)) + " " + node->event().path;
+    }
     [[nodiscard]] std::size_t usualBytes() const override { return usualBytesOf(about.mode); }
     void start() override { (*node)->enableStreaming(mode); }
     ReadBufferStatus read(void* buffer, int size, std::int64_t* micros, int* length) override {

@@ -2,12 +2,15 @@
 
 #include <utility>
 
+#include "host/streams/shared_source.h"
 #include "host/streams/stream_core.h"
 #include "host/streams/stream_source.h"
 
 namespace Zentara::Host {
 
 Stream openStream(StreamSetup setup, const StreamOptions& options) {
+    if (options.shared)
+        setup.open = [open = std::move(setup.open)] { return shareSource(open()); };
     auto core = std::make_shared<Stream::Core>(std::move(setup), options);
     Stream stream(std::move(core));
     if (options.started)
@@ -49,6 +52,8 @@ void Stream::stop() { core->stop(); }
 const StreamInfo& Stream::info() const noexcept { return core->info(); }
 const std::string& Stream::label() const noexcept { return core->label(); }
 Stream::State Stream::state() const noexcept { return core->state(); }
+std::string Stream::sharing() const { return core->sharing(); }
+
 StreamCounts Stream::counts() const noexcept { return core->counts(); }
 std::optional<Failure> Stream::trouble() const { return core->failure(); }
 std::string Stream::hangsIn() const { return core->hangsIn(); }

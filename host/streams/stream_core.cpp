@@ -95,6 +95,11 @@ std::string Stream::Core::hangsIn() const {
     return hand->hangsIn();
 }
 
+std::string Stream::Core::sharing() const {
+    AutoLock hold(lock);
+    return source ? source->sharing() : shared;
+}
+
 bool Stream::Core::isHalted() const { return state() == State::Stopped; }
 
 void Stream::Core::setState(State next) {
@@ -156,6 +161,8 @@ bool Stream::Core::waitForReader(Moment end) {
 }
 
 Stream::Core::Source Stream::Core::takeSource() {
+    if (source)
+        shared = source->sharing();
     Source taken = std::move(source);
     source = nullptr;
     return taken;
@@ -356,7 +363,7 @@ void Stream::Core::readFrom(StreamSource& from) {
         switch (status) {
         case ReadBufferStatus_OK:
             tellRecorded(from.recorded());
-            deliver(length, micros);
+            deliver(length, micros, from.missedBefore());
             break;
         case ReadBufferStatus_TIMEOUT:
             break; // whether it has been silent for too long is for the one to say who waits
@@ -410,7 +417,7 @@ void Stream::Core::makeRoom(int length) {
 void Stream::Core::tellRecorded(const StreamSource::Recorded* told) {
     if (told == nullptr)
         return;
-    isFirstAfterReturn = told->isFirstAfterReturn;
+    isFirstAfterReturn = isFirstAfterReturn || told->isFirstAfterReturn;
     draft.fields().takenMicros = told->takenMicros;
     setTemperatures(told->temperatures);
 }
@@ -420,7 +427,8 @@ void Stream::Core::setTemperatures(const SensorValueArray& readings) {
     std::copy_n(readings.values.begin(), temperatureCount, temperatures.begin());
 }
 
-void Stream::Core::deliver(int length, std::int64_t micros) {
+/// \param missed units before it that were given, but are gone
+void Stream::Core::deliver(int length, std::int64_t micros, std::uint64_t missed) {
     if (length < 0 || static_cast<std::size_t>(length) > draft.capacity())
         throw Failure(Failure::Failed,
                       Format("% delivered % bytes into a buffer of %") % name % length % draft.capacity());
@@ -428,7 +436,9 @@ void Stream::Core::deliver(int length, std::int64_t micros) {
     const bool returned = std::exchange(isFirstAfterReturn, false);
     if (returned)
         gaps.resume();
-    fields.droppedBefore = context->info.mode.kind == Kind::Audio ? 0 : gaps.count(micros);
+    // Their times tell of both: what the device has lost, and what was missed.
+    const std::uint64_t gap = context->info.mode.kind == Kind::Audio ? 0 : gaps.count(micros);
+    fields.droppedBefore = std::max(gap, missed);
     fields.deviceMicros = micros;
     fields.hostMicros = Utils::Clock::nowMicros();
     fields.isFirstAfterReturn = returned;
@@ -440,7 +450,8 @@ void Stream::Core::deliver(int length, std::int64_t micros) {
     if (condition == State::Stopped)
         return;
     fields.number = numbers.received++;
-    numbers.lostByDevice += fields.droppedBefore;
+    numbers.lostByDevice += fields.droppedBefore - missed;
+    numbers.missed += missed;
     numbers.droppedByQueue += queue.push(std::move(draft).finish(static_cast<std::size_t>(length)));
     arrived.notify(false);
     if (listener)

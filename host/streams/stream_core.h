@@ -46,6 +46,7 @@ public:
     [[nodiscard]] StreamCounts counts() const noexcept;
     [[nodiscard]] std::optional<Failure> failure() const;
     [[nodiscard]] std::string hangsIn() const;
+    [[nodiscard]] std::string sharing() const;
 
     /// Stops it. \return what was thrown
     [[nodiscard]] std::optional<Failure> tryStop() noexcept;
@@ -72,7 +73,7 @@ private:
     void readFrom(StreamSource& from);
     [[nodiscard]] bool makeDraft();
     void makeRoom(int length);
-    void deliver(int length, std::int64_t micros);
+    void deliver(int length, std::int64_t micros, std::uint64_t missed);
     void readTemperatures(StreamSource& from);
     void setTemperatures(const SensorValueArray& readings);
     void tellRecorded(const StreamSource::Recorded* told);
@@ -122,6 +123,7 @@ private:
         false; ///< nobody waits for the thread any more: it gives the source back
     bool isStarved ZENTARA_GUARDED_BY(lock) = false; ///< there is no memory for another frame
     Source source ZENTARA_GUARDED_BY(lock);          ///< null while it is away, and once it was closed
+    std::string shared ZENTARA_GUARDED_BY(lock);     ///< what the last source that is gone said of sharing
     std::optional<Failure> trouble ZENTARA_GUARDED_BY(lock); ///< set in Away, Unplugged and Failed
     FrameQueue queue ZENTARA_GUARDED_BY(lock);               ///< empty in Stopped
     StreamCounts numbers ZENTARA_GUARDED_BY(lock);

@@ -33,6 +33,9 @@ public:
     /// What to call it in a message.
     [[nodiscard]] virtual std::string label() const = 0;
 
+    /// What all programs on this machine call the hardware that it comes from; empty when only this one can have it.
+    [[nodiscard]] virtual std::string hardware() const { return {}; }
+
     /// About how many bytes a unit has; a guess, for the first buffer.
     [[nodiscard]] virtual std::size_t usualBytes() const = 0;
 
@@ -54,6 +57,13 @@ public:
     };
     /// Of the unit that read() gave last, on the thread that reads; null for what comes from a device.
     [[nodiscard]] virtual const Recorded* recorded() const { return nullptr; }
+
+    /// How many units before the one that read() gave last were given to this process, but are gone, on the thread that
+    /// reads; 0 of what comes from a device.
+    [[nodiscard]] virtual std::uint64_t missedBefore() const { return 0; }
+
+    /// Whose frames they are, and whether others get them, as Stream::sharing. Safe.
+    [[nodiscard]] virtual std::string sharing() const { return {}; }
 
     /// Ends the stream, which wakes the reader.
     virtual void stop() = 0;

@@ -385,6 +385,7 @@ class Camera:
         queue: int = 4,
         await_return: bool = False,
         started: bool = True,
+        shared: bool = False,
     ) -> Stream: ...
     def color(
         self,
@@ -395,6 +396,7 @@ class Camera:
         queue: int = 4,
         await_return: bool = False,
         started: bool = True,
+        shared: bool = False,
     ) -> Stream: ...
     def audio(
         self,
@@ -405,6 +407,7 @@ class Camera:
         queue: int = 4,
         await_return: bool = False,
         started: bool = True,
+        shared: bool = False,
     ) -> Stream: ...
     def frame_sets(
         self,

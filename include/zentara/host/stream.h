@@ -40,6 +40,12 @@ struct StreamOptions {
     /// Whether nothing is dropped: the device is not read while the queue is full. What a camera loses meanwhile counts
     /// as lost by it; a recording waits. For whoever writes all of it down.
     bool keepsAll = false;
+    /// Whether to share frames with other programs of this user on this machine that say so as well. The first one has the
+    /// camera, and gives its frames; another one that wants them in the same mode reads them, and does not touch the
+    /// camera's stream. The first one waits for nobody: who reads too slowly misses frames. When it has ended, or was
+    /// killed, the others are told within a second as if the camera had been pulled out; with `awaitReturn` one of them
+    /// takes the camera then. Only for cameras that are plugged in.
+    bool shared = false;
 };
 
 /// What has come and what has not, since the stream began.
@@ -49,6 +55,7 @@ struct StreamCounts {
     std::uint64_t lostByDevice = 0;   ///< missing between those received, as their times tell; 0 of sound
     std::uint64_t droppedByQueue = 0; ///< received, but dropped because nobody fetched them, or by `latest`
     std::uint64_t absences = 0;       ///< how often the camera was away and came back
+    std::uint64_t missed = 0; ///< given by the program that shares them, but gone before they were read
 
     friend bool operator==(const StreamCounts&, const StreamCounts&) = default;
 };
@@ -133,6 +140,10 @@ public:
 
     [[nodiscard]] State state() const noexcept;
     [[nodiscard]] StreamCounts counts() const noexcept;
+
+    /// Of a stream that is shared, for people: "the frames of process 4711", "its own frames, which it gives to others",
+    /// or why it cannot give them. Empty for others, and until it has begun.
+    [[nodiscard]] std::string sharing() const;
 
     /// Why it is Away, Unplugged or Failed; nothing in the other states.
     [[nodiscard]] std::optional<Failure> trouble() const;

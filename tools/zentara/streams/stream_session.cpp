@@ -107,7 +107,8 @@ StreamOptions StreamSession::howToStream(Kind kind) const {
             .queue = queuedFrames,
             .awaitReturn = wishes.play.empty(),
             .started = false,
-            .keepsAll = true};
+            .keepsAll = true,
+            .shared = wishes.share};
 }
 
 /// There is as much sound as the camera's frames take time.

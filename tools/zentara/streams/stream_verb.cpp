@@ -165,6 +165,11 @@ Verb addStreamVerb(CLI::App& program) {
         ->type_name("SECONDS")
         ->check(secondsBetween(0.0, longestWait))
         ->excludes(play);
+    CLI::Option* share = command
+                             ->add_flag("--share", options->share,
+                                        "Share frames with other programs that say so: the first one has the "
+                                        "camera, the others read its frames in the same mode")
+                             ->excludes(play);
     CLI::Option* direct =
         command
             ->add_flag(
@@ -176,6 +181,7 @@ Verb addStreamVerb(CLI::App& program) {
             ->excludes(color)
             ->excludes(colorPng)
             ->excludes(mode)
+            ->excludes(share)
             ->excludes(play);
     addPluginName(*command, options->plugins)->needs(direct);
     command->add_flag("--json", options->json, "Print JSON");

@@ -27,6 +27,7 @@ struct StreamWishes {
     std::string record;
     std::string play;
     double waitSeconds = 0;
+    bool share = false;
     bool direct = false;
     std::vector<std::string> plugins; ///< the bare devices that are meant
     bool json = false;

@@ -21,6 +21,8 @@ void StreamedCamera::print(std::ostream& out) const {
             out << "failed   " << printable(failure().what()) << '\n';
         else
             task->print(out);
+        if (const std::string sharing = task->stream().sharing(); !sharing.empty())
+            out << "shared   " << printable(sharing) << ", " << task->stream().counts().missed << " missed\n";
         if (const std::uint64_t absences = task->stream().counts().absences)
             out << "absent   " << absences << (absences == 1 ? " time\n" : " times\n");
     }
@@ -35,6 +37,8 @@ void StreamedCamera::fill(Json& list) const {
                   {"kind", kindName(info.mode.kind)},
                   {"mode", info.mode.name},
                   {"absences", task->stream().counts().absences}};
+        if (const std::string sharing = task->stream().sharing(); !sharing.empty())
+            json["shared"] = {{"frames", sharing}, {"missed", task->stream().counts().missed}};
         if (state() == State::Failed)
             json["failure"] = failure().what();
         else
