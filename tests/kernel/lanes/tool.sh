@@ -67,6 +67,26 @@ test_an_unplug_ends_the_stream_and_the_next_one_goes_on() {
     expect '3 of 3' zentara stream --camera PLAIN --frames 3
 }
 
+# As docs/real-cameras.md has it, with the numbers of this camera in the place of the example's.
+test_the_recipe_describes_a_new_camera() {
+    use_real_cameras
+    plug PLAIN 2 --camera plain
+    local ids vendor product revision node
+    ids=$(lsusb | sed -n 's/.*ID \([0-9a-f]*:[0-9a-f]*\) .*Plain.*/\1/p')
+    vendor=${ids%:*} product=${ids#*:}
+    revision=$(lsusb -v -d "$ids" 2>/dev/null | sed -n 's/ *bcdDevice *\([0-9]*\)\.\([0-9]*\)/0x0\1\2/p')
+    node=$(node_of PLAIN 2)
+    expect "'Z16 '" v4l2-ctl -d "$node" --list-formats-ext
+    expect 'Size: Discrete 320x240' v4l2-ctl -d "$node" --list-formats-ext
+    sed -n '/^```json/,/^```$/{/^```/!p}' docs/real-cameras.md |
+        sed "s/0x1234/0x$vendor/; s/0x5678/0x$product/; s/0x0102/$revision/; s/1280/640/; s/VGA/QVGA/; s/640, \"height\": 480/320, \"height\": 240/
+            s/505/252/g; s/319.5/159.5/; s/239.5/119.5/" >"$ZENTARASDK_ROOT/cameras/box.json"
+    expect '^PLAIN .*Example depth camera .*depth color' zentara --log devices
+    ! zentara --log devices 2>&1 | grep box.json
+    expect '30 of 30' zentara stream --camera PLAIN --frames 30 --color --png "$ZENTARA_JOB/box.png" --ply "$TMPDIR/cloud.ply"
+    [ -s "$TMPDIR/cloud.ply" ]
+}
+
 test_a_second_program_reads_the_frames_of_the_first() {
     use_real_cameras
     plug PLAIN 2 --camera plain
