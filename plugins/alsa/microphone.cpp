@@ -19,7 +19,7 @@ using Utils::Threading::AutoLock;
 namespace {
 
 constexpr unsigned blocksPerSecond = 100;
-constexpr unsigned bufferedBlocks = 50;
+constexpr unsigned bufferedBlocks = 50;       // half a second: then samples are lost
 constexpr std::int64_t longestRead = 900'000; // microseconds
 
 using Parameters = std::unique_ptr<snd_pcm_hw_params_t, decltype(&snd_pcm_hw_params_free)>;

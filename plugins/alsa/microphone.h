@@ -67,10 +67,11 @@ private:
     snd_pcm_t* const input;
     Linux::WakeUp wake; ///< set unless it runs
 
-    mutable Utils::Threading::Mutex turn; ///< the reader's
-    SoundMode mode ZENTARA_GUARDED_BY(turn);
-    snd_pcm_uframes_t blockFrames ZENTARA_GUARDED_BY(turn) = 0; ///< 0 unless it runs
-    unsigned lost ZENTARA_GUARDED_BY(turn) = 0;
+    mutable Utils::Threading::Mutex turn;    ///< the reader's
+    SoundMode mode ZENTARA_GUARDED_BY(turn); ///< of the last start
+    snd_pcm_uframes_t
+        blockFrames ZENTARA_GUARDED_BY(turn) = 0; ///< samples a channel in a block; 0 unless it runs
+    unsigned lost ZENTARA_GUARDED_BY(turn) = 0;   ///< overruns since then
 };
 
 } // namespace Zentara::Alsa

@@ -18,7 +18,7 @@ using Utils::Threading::AutoLock;
 
 namespace {
 
-constexpr unsigned long farewellMilliseconds = 250;
+constexpr unsigned long farewellMilliseconds = 250; // closing a camera that answers takes a few
 
 /// Keeps this library in the process for the thread that is left behind in it.
 void pinLibrary() noexcept {
@@ -75,11 +75,12 @@ struct CallThread::Camera {
 private:
     struct Debt {
         std::string what;
-        std::int64_t since = 0; ///< when it was given up
+        std::int64_t since = 0; ///< when it was given up, in microseconds of the monotonic clock
     };
 
     Utils::Threading::Mutex lock;
-    std::map<const Call*, Debt> owed ZENTARA_GUARDED_BY(lock);
+    std::map<const Call*, Debt>
+        owed ZENTARA_GUARDED_BY(lock); ///< calls that have begun, and whose callers gave up
 };
 
 struct CallThread::Call {
@@ -118,9 +119,11 @@ struct CallThread::State {
     Utils::Threading::Mutex lock;
     Utils::Threading::Condition changed{&lock};
     std::deque<std::shared_ptr<Call>> queue ZENTARA_GUARDED_BY(lock); ///< which have yet to begin
+    /// Which has begun; null when the thread has let go of its work and its result, not only when it came back.
     std::shared_ptr<Call> current ZENTARA_GUARDED_BY(lock);
-    bool ending ZENTARA_GUARDED_BY(lock) = false;
-    bool running ZENTARA_GUARDED_BY(lock) = true;
+    bool ending ZENTARA_GUARDED_BY(lock) =
+        false; ///< the device has gone: the thread ends when the queue is empty
+    bool running ZENTARA_GUARDED_BY(lock) = true; ///< the thread has not come to its end, and may touch this
 };
 
 std::shared_ptr<CallThread::Call> CallThread::State::begin() {

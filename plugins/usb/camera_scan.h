@@ -31,8 +31,8 @@ struct FoundCamera {
     std::uint32_t vendorId = 0; ///< these three are 0 for one that is not on USB
     std::uint32_t productId = 0;
     std::uint32_t revision = 0;
-    std::uint32_t busNumber = 0;
-    std::uint32_t deviceAddress = 0;
+    std::uint32_t busNumber = 0; ///< these as the system counts them, from 1; 0 for one that is not on USB
+    std::uint32_t deviceAddress = 0; ///< another one after each plugging in
     std::uint32_t portNumber = 0;
     std::vector<FoundVideo> videos;
     std::vector<std::string> microphones; ///< "hw:1,0"

@@ -17,7 +17,8 @@ namespace {
 
 constexpr std::uint32_t kernelGroup = 1;
 constexpr int quietMilliseconds = 150; // between the nodes of one camera, and until their permissions are set
-constexpr int longestNoise = 2000;
+constexpr int longestNoise =
+    2000; // milliseconds: a device that comes and goes all the time does not hide others
 
 int listen() {
     const int made = ::socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC | SOCK_NONBLOCK, NETLINK_KOBJECT_UEVENT);

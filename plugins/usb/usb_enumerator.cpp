@@ -13,7 +13,7 @@ namespace Zentara::Usb {
 
 namespace {
 
-constexpr int lookMilliseconds = 1000;
+constexpr int lookMilliseconds = 1000; // for where the kernel's news cannot be heard
 
 bool isDepth(std::uint32_t format) { return format == V4L2_PIX_FMT_Z16; }
 /// Pictures that a generic node can show, the better kinds only.

@@ -50,7 +50,7 @@ private:
     CameraScan scan ZENTARA_GUARDED_BY(lock);
     /// At the last look. A store is asked for hundreds of nodes a camera, so it is asked again for those alone that changed.
     std::vector<Known> known ZENTARA_GUARDED_BY(lock);
-    DeviceNews news;
+    DeviceNews news; ///< the thread's, but for waking it
 };
 
 } // namespace Zentara::Usb

@@ -17,10 +17,10 @@ using Utils::Threading::AutoLock;
 
 namespace {
 
-constexpr std::uint32_t wantedBuffers = 4;
-constexpr std::uint32_t leastBuffers = 2;
+constexpr std::uint32_t wantedBuffers = 4;    // frames that a reader may be late
+constexpr std::uint32_t leastBuffers = 2;     // one is filled while the other is read
 constexpr std::int64_t longestRead = 900'000; // microseconds; a reader is to be back within a second
-constexpr int brokenPauseMilliseconds = 50;
+constexpr int brokenPauseMilliseconds = 50;   // a node that has an error is ready for ever
 
 v4l2_buffer bufferNumbered(std::uint32_t index) {
     v4l2_buffer buffer{};

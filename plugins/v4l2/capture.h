@@ -83,11 +83,13 @@ private:
     void countBroken();
 
     const std::shared_ptr<DeviceFile> file;
-    std::unique_ptr<Picture> picture;
+    std::unique_ptr<Picture> picture; ///< set once, before there is a reader
+    /// By the driver's numbers. Changed while no reader comes here: before the first state is Streaming, and in stop().
     std::vector<std::unique_ptr<Buffer>> buffers;
-    Linux::WakeUp wake;  ///< set unless it streams
-    bool shared = false; ///< the driver has memory of this stream
-    bool started = false;
+    Linux::WakeUp wake; ///< set unless the state is Streaming
+    // The device's own thread's.
+    bool shared = false;  ///< the driver has memory of this stream, which it is to let go
+    bool started = false; ///< the camera delivers
 
     Utils::Threading::Mutex turn; ///< the reader's; taken before `lock`
     std::optional<Frame>
@@ -95,7 +97,7 @@ private:
 
     mutable Utils::Threading::Mutex lock;
     Utils::Threading::Condition changed{&lock};
-    State state ZENTARA_GUARDED_BY(lock) = State::Paused;
+    State state ZENTARA_GUARDED_BY(lock) = State::Paused; ///< Ended and Gone are for good
     std::uint64_t brokenFrames ZENTARA_GUARDED_BY(lock) = 0;
 };
 

@@ -60,8 +60,9 @@ private:
     const std::vector<std::string> siblings;
     const Bytes described;
     const Linux::UsbCamera camera;
-    const Linux::UsbExtensionUnit* selected = nullptr;          ///< of `camera`
-    std::map<std::uint32_t, std::shared_ptr<DeviceFile>> nodes; ///< on which a unit answers
+    const Linux::UsbExtensionUnit* selected = nullptr; ///< of `camera`; null until a host chooses one
+    /// By unit, the node on which it answers, once that is known. All but `file` are opened for that alone.
+    std::map<std::uint32_t, std::shared_ptr<DeviceFile>> nodes;
     std::map<Control, std::uint16_t> lengths; ///< in bytes, that were asked for; none of them 0
     std::map<Control, bool> settable;         ///< of those that were asked
 };

@@ -24,7 +24,7 @@ constexpr std::uint32_t mostRates = 32;
 
 constexpr std::array<FrameFormat, 5> named{FrameFormat_VGA, FrameFormat_QQVGA, FrameFormat_QVGA,
                                            FrameFormat_HD720, FrameFormat_HD1080};
-constexpr std::array<std::uint32_t, 5> usualRates{30, 60, 25, 15, 10};
+constexpr std::array<std::uint32_t, 5> usualRates{30, 60, 25, 15, 10}; // frames a second, of a range
 
 bool within(const v4l2_frmsize_stepwise& range, FrameSize size) {
     const auto fits = [](std::uint32_t value, std::uint32_t least, std::uint32_t most, std::uint32_t step) {

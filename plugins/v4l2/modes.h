@@ -33,8 +33,8 @@ struct WantedStream {
     std::string name; ///< of the mode, for messages
 };
 
-/// All modes that a driver lists, in its order, of one size the fastest first; at most a few thousand. Sizes that it gives as a range are those that have
-/// a name.
+/// All modes that a driver lists, in its order, of one size the fastest first; at most a few thousand. Of sizes that it
+/// gives as a range those that have a name, of rates the usual ones.
 [[nodiscard]] std::vector<DriverMode> modesOf(const DeviceFile& file);
 
 /// The mode that fits: of several the first that the camera need not compress. Depth of a described format may be higher

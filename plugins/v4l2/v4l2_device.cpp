@@ -50,6 +50,8 @@ std::vector<Utils::SmartPtr<ColorConfiguration>> configurationsOf(const DeviceFi
     std::vector<Utils::SmartPtr<ColorConfiguration>> list;
     const auto add = [&](const DriverMode& mode, CompressionType compression) {
         const FrameFormat format = frameFormatOf(mode.size);
+        if (compression == CompressionType_NONE && !depth && mode.size.width % 2 != 0)
+            return; // packed YUY2 has pairs of pixels
         if (format == FrameFormat_NONE || (named && format >= FrameFormat_DEFAULT) || mode.rate() == 0)
             return;
         auto one = Utils::makeRefcounted<ColorConfiguration>(format, mode.rate(), mains, compression);
