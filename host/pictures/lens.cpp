@@ -1,6 +1,7 @@
 #include <zentara/host/lens.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <utility>
@@ -20,7 +21,7 @@ using Utils::Format;
 
 constexpr float noNumber = std::numeric_limits<float>::quiet_NaN();
 constexpr float millimetresPerMetre = 1000;
-constexpr std::size_t stretchPixels = 4096;
+constexpr std::size_t stretchPixels = 1024;
 constexpr int solverSteps = 20;
 constexpr double solverTolerance = 0.01; ///< pixels
 constexpr double steepest = 1e6;         ///< no lens sees a million times as far to the side as forward
@@ -92,6 +93,13 @@ std::string numbers(const CameraIntrinsics& lens) {
            lens.p2;
 }
 
+/// What a table holds of a pixel. Two numbers are enough where the third is the depth itself: a cloud is made as fast as
+/// memory gives and takes.
+struct Step {
+    float x;
+    float y;
+};
+
 /// Where the model that a frame's points are made with comes from.
 std::string originOf(const StreamInfo& info, const CameraIntrinsics& model) {
     if (!info.lens || *info.lens != model)
@@ -116,11 +124,13 @@ struct Lens::Impl {
     Impl(const CameraIntrinsics& numbers, DepthAlong along, std::string name)
         : model(numbers), depth(along), owner(std::move(name)) {}
 
-    /// The step that one metre of depth makes at each pixel; NaN where there is no ray.
-    const std::vector<Point>& table() {
+    /// The steps that one metre of depth makes at each pixel, to the right and down; NaN where there is no ray.
+    const std::vector<Step>& table() {
         made.call([this] { make(); });
-        return rays;
+        return steps;
     }
+    /// The steps forward, where they are not as long as the depth: empty for depth along the axis. After table().
+    [[nodiscard]] const std::vector<float>& forward() const noexcept { return forwardSteps; }
     /// How many pixels have no ray. After table().
     [[nodiscard]] std::size_t withoutRay() const noexcept { return rayless; }
 
@@ -132,13 +142,17 @@ private:
     void make();
 
     Once made;
-    std::vector<Point> rays; ///< this and the next never change once made
+    std::vector<Step> steps; ///< this and the next two never change once made
+    std::vector<float> forwardSteps;
     std::size_t rayless = 0;
 };
 
 void Lens::Impl::make() {
-    std::vector<Point> directions;
-    directions.reserve(std::size_t{model.width} * model.height);
+    std::vector<Step> sideways;
+    std::vector<float> ahead;
+    sideways.reserve(std::size_t{model.width} * model.height);
+    if (depth == DepthAlong::Ray)
+        ahead.reserve(sideways.capacity());
     for (unsigned y = 0; y < model.height; ++y) {
         for (unsigned x = 0; x < model.width; ++x) {
             const auto ray = rayAt(model, x, y);
@@ -146,10 +160,13 @@ void Lens::Impl::make() {
             const Point way = ray.value_or(Point{noNumber, noNumber, noNumber});
             const float length =
                 depth == DepthAlong::Ray ? std::sqrt(way.x * way.x + way.y * way.y + 1) : 1.0F;
-            directions.push_back({way.x / length, way.y / length, way.z / length});
+            sideways.push_back({way.x / length, way.y / length});
+            if (depth == DepthAlong::Ray)
+                ahead.push_back(1 / length);
         }
     }
-    rays = std::move(directions);
+    steps = std::move(sideways);
+    forwardSteps = std::move(ahead);
 }
 
 Lens::Lens(const CameraIntrinsics& model, DepthAlong depth, std::string owner)
@@ -210,7 +227,8 @@ PointCloud Lens::pointsOf(std::span<const std::uint16_t> depth, std::uint32_t wi
                       Format("a least confidence of % was asked for, and there are % values of confidence") %
                           options.leastConfidence % confidence.size());
 
-    const std::vector<Point>& table = impl->table();
+    const std::vector<Step>& table = impl->table();
+    const float* const forward = impl->forward().empty() ? nullptr : impl->forward().data();
     if (2 * impl->withoutRay() > pixels)
         throw Failure(Failure::Failed, attempted,
                       Format("the distortion of its lens model cannot be taken out at % of % pixels: %") %
@@ -218,30 +236,39 @@ PointCloud Lens::pointsOf(std::span<const std::uint16_t> depth, std::uint32_t wi
                       "Calibrate the camera, or mend its description.");
     PointCloud cloud;
     cloud.sourceColumns = width;
-    cloud.all.resize(pixels);
-    Point* const points = cloud.all.data();
+    cloud.all.reserve(pixels);
+    std::array<Point, stretchPixels> stretch;
     const float unitsPerMetre = millimetresPerMetre / options.millimetresPerUnit;
-    // Written for the vectoriser: no branch, and a stretch is counted while it is in the cache.
+    // Written for the vectoriser: no branch. A stretch is counted and copied to its place while it is in the cache; a cloud
+    // that had its size first would be cleared for nothing.
     for (std::size_t from = 0; from < pixels; from += stretchPixels) {
         const std::size_t end = std::min(pixels, from + stretchPixels);
         for (std::size_t i = from; i < end; ++i) {
             const float metres = depth[i] == 0 ? noNumber : static_cast<float>(depth[i]) / unitsPerMetre;
-            points[i] = {table[i].x * metres, table[i].y * metres, table[i].z * metres};
+            stretch[i - from] = {table[i].x * metres, table[i].y * metres, metres};
         }
+        for (std::size_t i = from; forward != nullptr && i < end; ++i)
+            stretch[i - from].z *= forward[i];
+        cloud.all.insert(cloud.all.end(), stretch.begin(),
+                         stretch.begin() + static_cast<std::ptrdiff_t>(end - from));
         std::uint16_t empty = 0; // as wide as what is compared: eight at a time
         for (std::size_t i = from; i < end; ++i)
             empty = static_cast<std::uint16_t>(empty + (depth[i] == 0));
         cloud.depthless += empty;
     }
+    Point* const points = cloud.all.data();
     for (std::size_t i = 0; choosy && i < pixels; ++i) {
         if (depth[i] == 0 || confidence[i] >= options.leastConfidence)
             continue;
         points[i] = {noNumber, noNumber, noNumber};
         ++cloud.doubtful;
     }
-    for (std::size_t i = 0; impl->withoutRay() > 0 && i < pixels; ++i)
-        cloud.rayless +=
-            depth[i] != 0 && std::isnan(table[i].z) && !(choosy && confidence[i] < options.leastConfidence);
+    for (std::size_t i = 0; impl->withoutRay() > 0 && i < pixels; ++i) {
+        if (!std::isnan(table[i].x))
+            continue;
+        points[i] = {noNumber, noNumber, noNumber};
+        cloud.rayless += depth[i] != 0 && !(choosy && confidence[i] < options.leastConfidence);
+    }
     if (options.keepGrid) {
         cloud.columns = width;
         cloud.rows = height;
