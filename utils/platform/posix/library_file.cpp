@@ -27,8 +27,10 @@ public:
     explicit LibraryFile(const std::string& path)
         : file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
         struct stat status;
-        if (file >= 0 && fstat(file, &status) == 0 && S_ISREG(status.st_mode))
-            length = static_cast<std::uint64_t>(status.st_size);
+        if (file < 0 || fstat(file, &status) != 0 || !S_ISREG(status.st_mode))
+            return;
+        length = static_cast<std::uint64_t>(status.st_size);
+        begun = ::pread(file, begin, std::min<std::uint64_t>(length, sizeof begin), 0);
     }
     ~LibraryFile() {
         if (file >= 0)
@@ -44,13 +46,20 @@ public:
     }
 
     bool read(std::uint64_t offset, void* data, std::size_t count) const noexcept {
-        return holds(offset, count) &&
-               ::pread(file, data, count, static_cast<off_t>(offset)) == static_cast<ssize_t>(count);
+        if (!holds(offset, count))
+            return false;
+        if (begun > 0 && offset + count <= static_cast<std::uint64_t>(begun)) {
+            std::memcpy(data, begin + offset, count);
+            return true;
+        }
+        return ::pread(file, data, count, static_cast<off_t>(offset)) == static_cast<ssize_t>(count);
     }
 
 private:
     int file;
     std::uint64_t length = 0;
+    ssize_t begun = 0; ///< bytes in `begin`; negative when they could not be read
+    char begin[1024];  ///< of the file, where most of what is looked at stands
 };
 
 bool isElf(const FileHeader& header) noexcept {
