@@ -4,6 +4,7 @@
 #include <string>
 
 #include <zentara/utils/format.h>
+#include <zentara/utils/text.h>
 
 #include "utils/platform/program.h"
 
@@ -26,14 +27,26 @@ CLI::Validator anyName(const char* what) {
             ""};
 }
 
+CLI::Option* addList(CLI::App& command, const std::string& name, std::vector<std::string>& words,
+                     const std::string& text) {
+    const auto take = [&words, name](const std::vector<std::string>& given) {
+        words.clear();
+        for (const std::string& list : given) {
+            for (const std::string& word : Utils::split(list, ',')) {
+                if (word.empty())
+                    throw CLI::ValidationError(name, "a place in '" + list + "' is empty");
+                words.push_back(word);
+            }
+        }
+    };
+    return command.add_option_function<std::vector<std::string>>(name, take, text);
+}
+
 CLI::Option* addPluginName(CLI::App& command, std::vector<std::string>& names) {
-    return command
-        .add_option(
-            "--plugin", names,
-            "With --direct: which device plug-in, by its GUID, its name or its file; the first one by "
-            "GUID, those of the system last, unless given")
+    return addList(command, "--plugin", names,
+                   "With --direct: which device plug-in, by its GUID, its name or its file; the first one by "
+                   "GUID, those of the system last, unless given")
         ->type_name("GUID|FILE")
-        ->delimiter(',')
         ->check(anyName("plug-in"));
 }
 

@@ -19,6 +19,11 @@ inline constexpr double longestWatch = 86'400;
 /// Takes any text but the empty one. \param what is named by it, for the message
 [[nodiscard]] CLI::Validator anyName(const char* what);
 
+/// An option that takes a list: words with commas between, or several of them. A place without a word is refused: what
+/// was to stand there, a variable that was not set perhaps, would be left out silently. \param words are replaced
+CLI::Option* addList(CLI::App& command, const std::string& name, std::vector<std::string>& words,
+                     const std::string& text);
+
 /// --plugin, which chooses among the device plug-ins.
 CLI::Option* addPluginName(CLI::App& command, std::vector<std::string>& names);
 

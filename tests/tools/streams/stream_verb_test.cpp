@@ -146,6 +146,7 @@ TEST_F(StreamVerb, KeepsHelpAndUsageErrorsApart) {
                                                       {"stream", "--direct", "--color"},
                                                       {"stream", "--all", "--camera", "x"},
                                                       {"stream", "--play", path("x"), "--color"},
+                                                      {"stream", "--camera", "SIM0570,,"},
                                                       {"stream", "--png", path("x"), "--raw", path("./x")},
                                                       {"devices", "--watch", "--seconds", "0"},
                                                       {"stream", "--wait", "-1"}};

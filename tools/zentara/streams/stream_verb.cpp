@@ -115,27 +115,21 @@ Verb addStreamVerb(CLI::App& program) {
                      "How many frames to take: 60 unless given, of a recording all")
         ->type_name("N")
         ->check(CLI::Range(std::uint64_t{1}, mostFrames).description(""));
-    CLI::Option* cameras =
-        command
-            ->add_option("--camera", options->cameras,
-                         "Which cameras, with commas between: a serial number, or a part of "
-                         "the name, the product's or the controller's; the first one unless "
-                         "given")
-            ->type_name("NAME")
-            ->delimiter(',');
+    CLI::Option* cameras = addList(*command, "--camera", options->cameras,
+                                   "Which cameras, with commas between: a serial number, or a part of "
+                                   "the name, the product's or the controller's; the first one unless "
+                                   "given")
+                               ->type_name("NAME");
     CLI::Option* all = command->add_flag("--all", options->all, "All cameras")->excludes(cameras);
     CLI::Option* color = command->add_flag("--color", options->color, "Also stream colour");
     CLI::Option* audio =
         command->add_flag("--audio", options->audio, "Also stream sound, as long as the frames last");
     CLI::Option* mode =
-        command
-            ->add_option(
-                "--mode", *modes,
+        addList(*command, "--mode", *modes,
                 "In which mode: WIDTHxHEIGHT, WIDTHxHEIGHT@RATE or a name that 'zentara info' lists; "
                 "with commas one for depth, one for colour, one for sound. A node's first one unless "
                 "given")
-            ->type_name("MODE")
-            ->delimiter(',');
+            ->type_name("MODE");
     command->add_flag(
         "--corrected", options->corrected,
         "Correct depth for temperature, cyclic error and phase delay, in all but --raw and --record, "
