@@ -1,9 +1,12 @@
 #include <algorithm>
+#include <filesystem>
 #include <memory>
+#include <system_error>
 #include <utility>
 
 #include <zentara/utils/format.h>
 
+#include "host/files/paths.h"
 #include "host/flash/backup.h"
 #include "host/flash/flash_target.h"
 #include "utils/platform/new_file.h"
@@ -74,8 +77,10 @@ std::string Flash::apply(const FlashChange& change, const ApplyOptions& options,
         throw Failure(Failure::Busy,
                       name() + " is not as it was when the change was planned; nothing was written");
     std::string kept;
+    bool isNew = false;
     if (options.keeps && !isErased(change.before)) {
         kept = options.backup.empty() ? freeBackupName(target->backupStem()) : options.backup;
+        isNew = !isThere(kept);
         backup(kept, change.before);
         if (options.kept)
             options.kept(kept);
@@ -90,6 +95,9 @@ std::string Flash::apply(const FlashChange& change, const ApplyOptions& options,
         if (found.bytes() != change.after.bytes())
             throw Failure(Failure::Verification, name() + " holds other bytes than were written to it");
     } catch (const Failure& failure) {
+        std::error_code ignored;
+        if (!isTouched && isNew) // it holds what still stands in its place
+            std::filesystem::remove(pathOf(kept), ignored);
         if (!isTouched || kept.empty())
             throw;
         throw Failure(failure.code(), failure.message(), failure.cause(), failure.remedy(),

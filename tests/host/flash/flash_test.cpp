@@ -130,8 +130,9 @@ TEST_F(FlashTest, NoticesThatAnotherProgramChangedTheFile) {
         Flash opened = Flash::image(image, {}, Access::Write);
         const FlashImage first = opened.load();
         Utils::writeFile(image, "other");
-        EXPECT_EQ(codeOf([&] { opened.apply(byteChange(first, 0, 1), noBackup); }), Failure::Busy);
+        EXPECT_EQ(codeOf([&] { opened.apply(byteChange(first, 0, 1)); }), Failure::Busy);
         EXPECT_EQ(Utils::readFile(image), "other");
+        EXPECT_EQ(Utils::getFileList(directory.path(), "bak").size(), 0U) << "of what did not change";
     }
     Flash stored = Flash::image(image, {}, Access::Write);
     EXPECT_EQ(codeOf([&] { static_cast<void>(Flash::image(image, {}, Access::Write)); }), Failure::Busy);
