@@ -1,6 +1,7 @@
 #include "host/files/file_failure.h"
 
 #include <cstdio>
+#include <iostream>
 #include <memory>
 #include <vector>
 
@@ -47,6 +48,18 @@ std::string readFileBytes(const std::string& path, std::uint64_t most) {
     }
     if (std::ferror(file.get()) != 0)
         failFile("read", path);
+    return bytes;
+}
+
+std::string readInputBytes(std::uint64_t most) {
+    std::string bytes;
+    std::vector<char> block(std::size_t{1} << 16);
+    while (std::cin.read(block.data(), static_cast<std::streamsize>(block.size())), std::cin.gcount() > 0) {
+        bytes.append(block.data(), static_cast<std::size_t>(std::cin.gcount()));
+        if (bytes.size() > most)
+            throw Failure(Failure::Failed, Format("standard input has more than % bytes") %
+                                               static_cast<unsigned long long>(most));
+    }
     return bytes;
 }
 

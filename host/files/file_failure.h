@@ -21,4 +21,7 @@ class FileFailure final : public Failure {
 /// All bytes of a file, or of a pipe. \throws Failure as above, and when it has more than that many
 [[nodiscard]] std::string readFileBytes(const std::string& path, std::uint64_t most);
 
+/// All bytes of standard input. \throws Failure when it has more than that many
+[[nodiscard]] std::string readInputBytes(std::uint64_t most);
+
 } // namespace Zentara::Host

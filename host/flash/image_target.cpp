@@ -118,6 +118,8 @@ void checkFlashFileSize(const std::string& file, std::uint64_t size) {
 
 std::string readFlashFile(const std::string& file, bool mayBePipe) {
     using Utils::Platform::FileKind;
+    if (file == "-" && mayBePipe)
+        return readInputBytes(MOST_FILE_BYTES);
     const FileKind kind = Utils::Platform::fileKind(file);
     const bool isNoFile =
         kind == FileKind::Directory || kind == FileKind::Device || (kind == FileKind::Pipe && !mayBePipe);

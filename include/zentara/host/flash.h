@@ -53,7 +53,8 @@ struct ChangeOptions {
     bool damaged = false;
 };
 
-/// All bytes of a file that is to go into a flash, or is one. \param mayBePipe  whether a pipe will do
+/// All bytes of a file that is to go into a flash, or is one. \param mayBePipe  whether a pipe will do, or standard input,
+/// for "-"
 /// \throws Failure also when it is none to read whole: a directory, a device, or more than 64 MiB. Safe.
 [[nodiscard]] ZENTARA_HOST_API std::string readFlashFile(const std::string& path, bool mayBePipe = true);
 

@@ -144,6 +144,8 @@ TEST_F(RomVerbs, VerifyNamesTheDamageAndSalvageSavesWhatIsWhole) {
 
     EXPECT_THAT(done({"salvage", path("saved.bin"), image}), StartsWith("3 sections"));
     EXPECT_EQ(done({"export", path("saved.bin")}), exported);
+    EXPECT_THAT(runBuilt("rom import - \"" + path("saved.bin") + '"', exported).out,
+                StartsWith("nothing changes"));
     EXPECT_EQ(rom({"verify", image}).exitCode, Failure::Verification) << "the damaged image stays as it is";
 }
 

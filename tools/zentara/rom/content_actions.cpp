@@ -67,7 +67,8 @@ Verb addRomImport(CLI::App& rom) {
     auto options = std::make_shared<ImportOptions>();
     CLI::App* command = rom.add_subcommand(
         "import", "Makes a JSON document the whole content: sections that are not in it are erased");
-    command->add_option("JSON", options->file, "The document, as 'export' prints it")->required();
+    command->add_option("JSON", options->file, "The document, as 'export' prints it; - for standard input")
+        ->required();
     addWriteOptions(*command, *options);
     addRebuildOption(*command, *options);
     addOtherCameraOption(*command, *options);
