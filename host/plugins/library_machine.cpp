@@ -70,8 +70,12 @@ std::string machineOf(const std::string& path) {
     using namespace std::string_view_literals;
     const Head head(path);
     if (head.begins("\x7F"
-                    "ELF"sv))
-        return nameOf("Linux", elfMachines, head.number(18, 2, head.number(5, 1) == 2));
+                    "ELF"sv)) {
+        const std::uint32_t machine = head.number(18, 2, head.number(5, 1) == 2);
+        const bool isAlwaysNarrow = machine == 3 || machine == 20 || machine == 40;
+        const bool isNarrow = head.number(4, 1) == 1 && !isAlwaysNarrow;
+        return nameOf("Linux", elfMachines, machine) + (isNarrow ? ", 32 bits" : "");
+    }
     // The old program in front says where the new header begins.
     if (head.begins("MZ"sv)) {
         const std::size_t start = head.number(0x3C, 4);

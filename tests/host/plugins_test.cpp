@@ -78,6 +78,7 @@ TEST_F(Plugins, AreToldFromEachOddEntryWithItsOwnRemedy) {
     std::filesystem::create_directory(fileAt("folder" + ending()));
     addFile("arm", headOf(false, 183));
     addFile("windows arm", headOf(true, 0x64));
+    addFile("narrow", headOf(false, 62).replace(4, 1, "\1"));
     addFile("empty", "");
     const std::string text = addFile("text", "I am no library");
     Utils::writeFile(text.substr(0, text.size() - ending().size()) + ".txt", "hello");
@@ -87,6 +88,7 @@ TEST_F(Plugins, AreToldFromEachOddEntryWithItsOwnRemedy) {
         {"folder", {"kind", "is a folder"}},
         {"arm", {"open", "is a library for Linux on AArch64"}},
         {"windows arm", {"open", "is a library for Windows on AArch64"}},
+        {"narrow", {"open", "is a library for Linux on x86-64, 32 bits"}},
         {"empty", {"open", ""}},
         {"text", {"open", ""}},
         {"text.txt", {"ending", "does not end in "}}};
@@ -116,8 +118,8 @@ TEST_F(Plugins, AreToldFromEachOddEntryWithItsOwnRemedy) {
         EXPECT_THAT(file.reason, HasSubstr(said.second)) << name;
         remedies.insert(file.remedy);
     }
-    EXPECT_EQ(remedies.size() + 2, rows.size())
-        << "the two libraries want the same, and the two that are none";
+    EXPECT_EQ(remedies.size() + 3, rows.size())
+        << "the three libraries want the same, and the two that are none";
     std::filesystem::remove_all(fileAt(""));
     EXPECT_TRUE(refused().empty());
     EXPECT_FALSE(found.isThere);
