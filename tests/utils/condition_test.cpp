@@ -1,3 +1,4 @@
+#include <zentara/utils/clock.h>
 #include <zentara/utils/condition.h>
 
 #include <gtest/gtest.h>
@@ -30,12 +31,14 @@ TEST(Condition, WakesTheThreadsThatWait) {
             ready = entered == 3;
             condition.unlock();
         }
+        const std::int64_t began = Clock::nowMicros();
         // At once, so that the system's event is set again before anybody could consume it.
         for (const bool takesMutex : {false, true, false})
             all ? condition.notifyAll() : condition.notify(takesMutex);
         for (std::thread& waiter : waiters)
             waiter.join();
         EXPECT_EQ(woken, 3) << all;
+        EXPECT_LT(Clock::nowMicros() - began, 10'000'000) << "woken, not timed out";
     }
 }
 
