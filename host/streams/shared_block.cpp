@@ -17,7 +17,6 @@ using Utils::Threading::AutoLock;
 
 namespace {
 
-constexpr std::size_t wordBytes = sizeof(std::uint64_t);
 static_assert(std::atomic_ref<std::uint64_t>::is_always_lock_free, "a lock would be the process's own");
 
 Utils::Threading::Mutex

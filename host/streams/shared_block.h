@@ -11,6 +11,8 @@ namespace Zentara::Host {
 /// somebody has it. The process maps it once, whoever of it asks. Safe.
 class SharedBlock final {
 public:
+    static constexpr std::size_t wordBytes = sizeof(std::uint64_t);
+
     /// \param bytes a multiple of 8, the same for all who ask for the name
     /// \throws Failure when there is no such memory to be had
     SharedBlock(std::string name, std::size_t bytes);

@@ -14,8 +14,7 @@ using Utils::SharedMemoryManager;
 
 namespace {
 
-constexpr std::size_t wordBytes = sizeof(std::uint64_t);
-constexpr std::size_t mostTemperatures = 8;
+constexpr std::size_t slotSensors = 8;
 constexpr int mostTries = 64; // to read what is overwritten again and again
 
 // Words of a ring: these, then the slots.
@@ -30,7 +29,7 @@ constexpr std::size_t slotLength = 2;
 constexpr std::size_t slotTemperatureCount = 3;
 constexpr std::size_t slotTemperatures =
     4; // the sensor in the upper half, the bits of its value in the lower
-constexpr std::size_t slotWords = slotTemperatures + mostTemperatures;
+constexpr std::size_t slotWords = slotTemperatures + slotSensors;
 
 // Words of a board.
 constexpr std::size_t boardOwner = 0;
@@ -48,20 +47,22 @@ constexpr std::uint64_t mostSlots = 1024;
 constexpr std::uint64_t mostRingBytes = std::uint64_t{1} << 30;
 
 std::size_t ringBytes(std::size_t slots, std::size_t room) {
-    return (ringWords + slots * (slotWords + room / wordBytes)) * wordBytes;
+    return (ringWords + slots * (slotWords + room / SharedBlock::wordBytes)) * SharedBlock::wordBytes;
 }
 
-std::size_t rounded(std::size_t bytes) { return (bytes + wordBytes - 1) / wordBytes * wordBytes; }
+std::size_t inWholeWords(std::size_t bytes) {
+    return (bytes + SharedBlock::wordBytes - 1) / SharedBlock::wordBytes * SharedBlock::wordBytes;
+}
 
 /// Names may not hold everything that a path does.
-std::string digest(const std::string& text) {
+std::string digestOf(const std::string& text) {
     std::uint64_t sum = 0xCBF29CE484222325;
     for (const char letter : text)
         sum = (sum ^ static_cast<unsigned char>(letter)) * 0x100000001B3;
     return Utils::Format("%{:x16}") % sum;
 }
 
-std::string nameOf(std::uint64_t owner) { return "zentara-frames-" + std::to_string(owner); }
+std::string lifeOf(std::uint64_t owner) { return "zentara-frames-" + std::to_string(owner); }
 
 std::uint64_t packed(const SensorValue& value) {
     return std::uint64_t{static_cast<std::uint32_t>(value.sensorId)} << 32 |
@@ -81,7 +82,8 @@ SharedRing::SharedRing(std::uint64_t id, std::size_t slots, std::size_t room)
     : name(id), count(slots), bytes(room), block("frames-" + std::to_string(id), ringBytes(slots, room)) {}
 
 std::size_t SharedRing::slot(std::uint64_t number) const noexcept {
-    return ringWords + static_cast<std::size_t>(number % count) * (slotWords + bytes / wordBytes);
+    return ringWords +
+           static_cast<std::size_t>(number % count) * (slotWords + bytes / SharedBlock::wordBytes);
 }
 
 void SharedRing::begin(std::uint64_t first) const noexcept {
@@ -102,7 +104,7 @@ void SharedRing::give(std::uint64_t number, const SharedFrame& frame, const std:
     };
     store(slotMicros, static_cast<std::uint64_t>(frame.micros));
     store(slotLength, frame.length);
-    const std::size_t sensors = std::min(frame.temperatures.size(), mostTemperatures);
+    const std::size_t sensors = std::min(frame.temperatures.size(), slotSensors);
     store(slotTemperatureCount, sensors);
     for (std::size_t index = 0; index < sensors; ++index)
         store(slotTemperatures + index, packed(frame.temperatures.values[index]));
@@ -129,7 +131,7 @@ SharedRing::Found SharedRing::take(std::uint64_t& number, SharedFrame& frame,
         };
         frame.micros = static_cast<std::int64_t>(load(slotMicros));
         frame.length = static_cast<std::size_t>(load(slotLength));
-        const std::size_t sensors = std::min<std::size_t>(load(slotTemperatureCount), mostTemperatures);
+        const std::size_t sensors = std::min<std::size_t>(load(slotTemperatureCount), slotSensors);
         frame.temperatures.values.clear();
         for (std::size_t index = 0; index < sensors; ++index)
             frame.temperatures.values.push_back(unpacked(load(slotTemperatures + index)));
@@ -149,12 +151,12 @@ SharedRing::Found SharedRing::take(std::uint64_t& number, SharedFrame& frame,
 
 // The board ---------------------------------------------------------------------------------------------------------
 
-SharedBoard::SharedBoard(const std::string& place) : block("board-" + digest(place), boardBytes) {
-    static_assert((boardMode + modeWords) * wordBytes <= boardBytes);
+SharedBoard::SharedBoard(const std::string& place) : block("board-" + digestOf(place), boardBytes) {
+    static_assert((boardMode + modeWords) * SharedBlock::wordBytes <= boardBytes);
 }
 
 bool SharedBoard::lives(std::uint64_t owner) {
-    return Utils::UniqueInstance(nameOf(owner).c_str()).isAnotherInstanceRunning();
+    return Utils::UniqueInstance(lifeOf(owner).c_str()).isAnotherInstanceRunning();
 }
 
 bool SharedBoard::stands(std::uint64_t owner) const {
@@ -165,13 +167,13 @@ std::optional<SharedBoard::Notice> SharedBoard::look() const {
     const std::uint64_t before = block.word(boardState).load(std::memory_order_acquire);
     const auto load = [this](std::size_t index) { return block.word(index).load(std::memory_order_acquire); };
     Notice notice{load(boardNoticeOwner), load(boardRing), load(boardSlots), load(boardRoom), {}};
-    notice.mode.resize(
-        static_cast<std::size_t>(std::min<std::uint64_t>(load(boardModeLength), modeWords * wordBytes)));
+    notice.mode.resize(static_cast<std::size_t>(
+        std::min<std::uint64_t>(load(boardModeLength), modeWords * SharedBlock::wordBytes)));
     block.read(boardMode, reinterpret_cast<std::byte*>(notice.mode.data()), notice.mode.size());
     const bool whole = before % 2 == 0 && block.word(boardState).load(std::memory_order_relaxed) == before;
-    const bool sound =
-        notice.ring == 0 || (notice.slots >= 2 && notice.slots <= mostSlots && notice.room % wordBytes == 0 &&
-                             notice.room <= mostRingBytes / notice.slots);
+    const bool sound = notice.ring == 0 || (notice.slots >= 2 && notice.slots <= mostSlots &&
+                                            notice.room % SharedBlock::wordBytes == 0 &&
+                                            notice.room <= mostRingBytes / notice.slots);
     if (!whole || !sound || notice.owner == 0 || !stands(notice.owner))
         return {};
     return notice;
@@ -194,7 +196,7 @@ void SharedBoard::post(const Notice& notice) const noexcept {
     store(boardRing, notice.ring);
     store(boardSlots, notice.slots);
     store(boardRoom, notice.room);
-    const std::size_t length = std::min(notice.mode.size(), modeWords * wordBytes);
+    const std::size_t length = std::min(notice.mode.size(), modeWords * SharedBlock::wordBytes);
     store(boardModeLength, length);
     block.write(boardMode, reinterpret_cast<const std::byte*>(notice.mode.data()), length);
     store(boardState, state + 1);
@@ -219,14 +221,14 @@ std::unique_ptr<FrameGiver> FrameGiver::make(std::shared_ptr<SharedBoard> board,
 
 FrameGiver::FrameGiver(std::shared_ptr<SharedBoard> on, std::uint64_t owner, std::string name,
                        std::size_t mostFrames, std::size_t usualBytes)
-    : board(std::move(on)), id(owner), alive(nameOf(owner).c_str()), mode(std::move(name)), slots(mostFrames),
-      room(rounded(usualBytes)) {}
+    : board(std::move(on)), id(owner), alive(lifeOf(owner).c_str()), mode(std::move(name)), slots(mostFrames),
+      room(inWholeWords(usualBytes)) {}
 
 FrameGiver::~FrameGiver() { board->leave(id); }
 
 void FrameGiver::give(const SharedFrame& frame, const std::byte* from) {
     if (!ring || frame.length > ring->room()) {
-        room = std::max(room, rounded(frame.length));
+        room = std::max(room, inWholeWords(frame.length));
         if (room > mostRingBytes / slots)
             throw Failure(Failure::Failed, "cannot share frames",
                           Utils::Format("% of % bytes are too much") % slots % room);
