@@ -14,6 +14,7 @@
 #include <zentara/utils/format.h>
 #include <zentara/utils/signal.h>
 
+#include "host/streams/bounded_limit.h"
 #include "host/streams/frame_draft.h"
 #include "host/streams/stream_list.h"
 
@@ -30,7 +31,6 @@ constexpr std::int64_t believedDelay = microsOfSecond; ///< from a frame's time 
 constexpr std::size_t mostPending = 512; ///< of one stream; beyond it the oldest belong to no set
 constexpr milliseconds lookPause = std::chrono::milliseconds(20);
 constexpr milliseconds askPause = std::chrono::milliseconds(100);
-constexpr milliseconds longestLimit = std::chrono::hours(24 * 365); // what is longer is for ever
 
 std::string milliseconds1(std::int64_t micros) {
     return Format("% ms") % (std::round(static_cast<double>(micros) / 100) / 10);
@@ -310,7 +310,7 @@ FrameSets& FrameSets::operator=(FrameSets&& other) noexcept = default;
 FrameSets::~FrameSets() = default;
 
 std::optional<FrameSet> FrameSets::next(milliseconds limit, const GoOn& goOn) {
-    limit = std::clamp(limit, milliseconds(0), longestLimit);
+    limit = boundedLimit(limit);
     const auto end = steady_clock::now() + limit;
     auto asked = steady_clock::now();
     for (;;) {

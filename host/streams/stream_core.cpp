@@ -10,6 +10,7 @@
 
 #include "host/attempt.h"
 #include "host/cameras/hand.h"
+#include "host/streams/bounded_limit.h"
 #include "host/tell.h"
 
 namespace Zentara::Host {
@@ -24,7 +25,6 @@ namespace {
 
 constexpr milliseconds stopLimit = 2s;
 constexpr milliseconds askEvery{100};
-constexpr milliseconds longestLimit = std::chrono::hours(24 * 365); // what is longer is for ever
 constexpr milliseconds returnPause = 300ms; // longer than an enumerator takes to see a removal
 constexpr milliseconds memoryPause = 10ms;
 constexpr milliseconds failurePause = 5ms;
@@ -248,7 +248,7 @@ void Stream::Core::end(std::shared_ptr<Core> core) noexcept {
 // Fetching ----------------------------------------------------------------------------------------------------------
 
 std::optional<Frame> Stream::Core::take(Milliseconds limit, bool newest, const GoOn& goOn) {
-    limit = std::clamp(limit, milliseconds(0), longestLimit);
+    limit = boundedLimit(limit);
     const Moment end = steady_clock::now() + limit;
     for (;;) {
         {
