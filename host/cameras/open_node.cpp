@@ -9,6 +9,7 @@
 #include <zentara/core/depth_node_interface.h>
 #include <zentara/core/descriptor_store_ro.h>
 #include <zentara/plugin/call_plugin.h>
+#include <zentara/rom_element.h>
 #include <zentara/utils/format.h>
 
 #include "host/attempt.h"
@@ -19,6 +20,21 @@ namespace Zentara::Host {
 
 using Utils::Format;
 
+namespace {
+
+/// Whether the description says where the camera's own calibration lies.
+bool hasStorage(const Core::DescriptorStoreRO& store) {
+    try {
+        static_cast<void>(
+            Zentara::Plugin::callPlugin([&] { return store.getROMElement(storageROMElement); }));
+        return true;
+    } catch (const std::exception&) { // it does not say, or cannot
+        return false;
+    }
+}
+
+} // namespace
+
 template<typename Node>
 OpenNode<Node>::OpenNode(const NodeEvent& found, const Note& note) : description(found) {
     ownStore.select(description);
@@ -27,8 +43,11 @@ OpenNode<Node>::OpenNode(const NodeEvent& found, const Note& note) : description
         node = makePlugin<Node>(guid);
         node->initialize(&description, &store(), nullptr);
     });
-    if constexpr (std::is_same_v<Node, Core::DepthNodeInterface>)
-        tellOrigin(sourcesOf(*node), cameraLabel(description), note);
+    if constexpr (std::is_same_v<Node, Core::DepthNodeInterface>) {
+        const Sources sources = sourcesOf(*node);
+        if (!sources.failure.empty() || hasStorage(store())) // else nothing but the description is expected
+            tellOrigin(sources, cameraLabel(description), note);
+    }
 }
 
 template<typename Node>

@@ -97,6 +97,7 @@ TEST_F(OwnRoot, TellsOfCamerasThatLackSomething) {
     for (const char* lacking : {"calibration", "rangeMeters", "firmware"})
         EXPECT_TRUE(plain.json().at(lacking).contains("notSupported")) << lacking;
     EXPECT_EQ(plain.json().at("corrections")[1].at("phaseDelay"), 40);
+    EXPECT_EQ(plain.json().at("source").at("lens"), "description");
     EXPECT_THAT(other({"info"}).out, HasSubstr("depth values    units of 1 mm, along the pixel's ray"));
     EXPECT_THAT(other({"params", "list"}).err, HasSubstr("camera OTHER has no parameters"));
 

@@ -135,7 +135,7 @@ void Z16DepthNode::dispose() {
     DepthNodeInterface::dispose();
 }
 
-Z16DepthNode::Camera& Z16DepthNode::require(const char* operation) {
+Z16DepthNode::Camera& Z16DepthNode::require(const char* operation) const {
     if (!camera)
         throw InvalidOperationPluginException(Format("%: the node is not initialized") % operation);
     return *camera;
@@ -185,9 +185,38 @@ TemperatureCompensation Z16DepthNode::getTemperatureCompensation() {
     return require("getTemperatureCompensation").calibration.getTemperatureCompensation();
 }
 
+CyclicErrorCorrection Z16DepthNode::getCyclicErrorCorrection() {
+    return require("getCyclicErrorCorrection").calibration.cyclicErrorCorrection();
+}
+
+float Z16DepthNode::getPhaseScaling() { return 0; }
+
 std::string Z16DepthNode::getSerialNumber() {
     return require("getSerialNumber").calibration.getSerialNumber();
 }
+
+Core::CalibrationSource Z16DepthNode::getCalibrationSource(Core::CalibrationPart part) const {
+    using Core::CalibrationSource;
+    const StoredCalibration& known = require("getCalibrationSource").calibration;
+    const auto described = [](bool isThere) {
+        return isThere ? CalibrationSource::Description : CalibrationSource::None;
+    };
+    switch (part) {
+    case Core::CalibrationPart::Lens:
+        return described(!known.lenses().depthIntrinsics.values.empty());
+    case Core::CalibrationPart::Extrinsics:
+        return described(!known.lenses().extrinsics.values.empty());
+    case Core::CalibrationPart::Corrections:
+        return described(!generic);
+    case Core::CalibrationPart::Accelerometer:
+        break;
+    case Core::CalibrationPart::SerialNumber:
+        return known.hasSerialNumber() ? CalibrationSource::Camera : CalibrationSource::None;
+    }
+    return CalibrationSource::None;
+}
+
+std::string Z16DepthNode::getCalibrationFailure() const { return {}; }
 
 std::vector<Mode> Z16DepthNode::getConfigurations() {
     std::vector<Mode> copies;

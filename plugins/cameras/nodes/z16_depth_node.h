@@ -4,16 +4,17 @@
 #include <string>
 #include <vector>
 
+#include <zentara/core/calibration_sources.h>
 #include <zentara/core/depth_node_interface.h>
 
 namespace Zentara::Cameras {
 
 /// The depth stream of a camera that measures depth itself and delivers it as 16-bit values (Z16), without a controller
-/// that a host must know. The description says how many micrometres a step is; modes, lens models and extrinsics are
-/// the description's too. Each frame is three planes of the mode's size, as depth_frame.h has them: millimetres,
+/// that a host must know. The description says how many micrometres a step is; modes, lens models, extrinsics and
+/// corrections are the description's too. Each frame is three planes of the mode's size, as depth_frame.h has them: millimetres,
 /// rounded, 0 where there is no depth or it is beyond 65,535 mm; confidence (the device's second plane if it sends one,
 /// else 1000 where there is depth); and a phase of 0.
-class Z16DepthNode : public Core::DepthNodeInterface {
+class Z16DepthNode : public Core::DepthNodeInterface, public Core::CalibrationSources {
 public:
     Z16DepthNode();
     ~Z16DepthNode() override;
@@ -32,7 +33,14 @@ public:
     /// The description's.
     [[nodiscard]] StereoCameraParametersArray getImageRegistrationCalibration() override;
     [[nodiscard]] TemperatureCompensation getTemperatureCompensation() override;
+    [[nodiscard]] CyclicErrorCorrection getCyclicErrorCorrection() override;
+    /// 0: nobody tells what a step of phase is.
+    [[nodiscard]] float getPhaseScaling() override;
+    /// The one that the bus told.
     [[nodiscard]] std::string getSerialNumber() override;
+    [[nodiscard]] Core::CalibrationSource getCalibrationSource(Core::CalibrationPart part) const override;
+    /// Empty: there is nothing to read.
+    [[nodiscard]] std::string getCalibrationFailure() const override;
     [[nodiscard]] std::vector<Utils::SmartPtr<DepthBaseConfiguration>> getConfigurations() override;
 
     /// \throws Plugin::IOPluginException when what the device delivers is neither one nor two planes of the mode's size
@@ -45,7 +53,7 @@ protected:
 private:
     struct Camera;
 
-    Camera& require(const char* operation);
+    Camera& require(const char* operation) const;
     void stop() noexcept;
 
     const bool generic;
