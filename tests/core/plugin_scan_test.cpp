@@ -1,14 +1,12 @@
 #include <zentara/core/plugin_probe.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <iterator>
 #include <random>
 
 #include <gmock/gmock.h>
 
 #include <zentara/core/plugin_manager.h>
-#include <zentara/utils/files.h>
 #include <zentara/version.h>
 
 #include "core/test_root.h"

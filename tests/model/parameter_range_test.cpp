@@ -8,7 +8,6 @@ namespace Zentara {
 namespace {
 
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 using Bytes = std::vector<unsigned char>;
 using Range = Utils::SmartPtr<ParameterRangeBaseInternal>;
 

@@ -1,6 +1,5 @@
 // How much a storage survives: power cuts, failing transfers, flipped bits and missing ends. The figures are
 // printed.
-#include <algorithm>
 #include <cstdio>
 #include <random>
 

@@ -15,7 +15,6 @@ namespace Zentara::Utils {
 namespace {
 
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 using testing::IsEmpty;
 
 std::vector<int> bytesOf(const BinaryWriter& writer) {

@@ -17,8 +17,6 @@
 namespace Zentara::Utils {
 namespace {
 
-using testing::AllOf;
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using TestSupport::messageOf;

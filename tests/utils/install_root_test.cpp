@@ -12,7 +12,6 @@ namespace Zentara::Utils {
 namespace {
 
 using Platform::KeyView;
-using testing::HasSubstr;
 
 constexpr const char* plainKey = "Software\\Korvalis\\ZentaraSDK";
 constexpr const char* kitKey = "Software\\Korvalis\\ZentaraSDK-CDK";

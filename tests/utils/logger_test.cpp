@@ -17,9 +17,7 @@
 namespace Zentara::Utils {
 namespace {
 
-using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using TestSupport::LogCapture;
 using TestSupport::TemporaryDirectory;
 

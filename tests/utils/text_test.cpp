@@ -16,7 +16,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::Not;
 
 TEST(Text, ParsesWholeDecimalNumbers) {
     EXPECT_EQ(parseInt(" 42"), 42);

@@ -27,8 +27,6 @@ using namespace Zentara::IO;
 using testing::_;
 using testing::AnyNumber;
 using testing::DoAll;
-using testing::ElementsAre;
-using testing::InSequence;
 using testing::Return;
 using testing::SetArgPointee;
 using testing::StartsWith;

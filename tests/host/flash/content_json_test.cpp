@@ -1,5 +1,3 @@
-#include <random>
-
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
@@ -104,19 +102,13 @@ TEST(ContentJson, NamesTheFieldThatIsWrong) {
         std::string text;
         const char* message;
     } rows[] = {
-        {"{", "parse error"},
-        {"[]", "/: expected an object"},
         {R"({"schema":2,"kind":"rom content","sections":[]})",
          "/schema: expected a whole number from 1 to 1"},
         {R"({"schema":1,"kind":"soup","sections":[]})", "/kind: expected \"rom content\""},
-        {R"({"schema":1,"kind":"rom content"})", "/sections: is missing"},
-        {R"({"schema":1,"schema":1,"kind":"rom content","sections":[]})",
-         "'a.json': /schema: the field \"schema\" stands twice"},
         {before + R"({"record":"overheating","softCounter":1},{"marker":1,"version":1,"marker":2}]}]})",
          "/sections/0/records/1/marker: the field \"marker\" stands twice"},
         {R"({"schema":1,"kind":"rom content","sections":[],"more":1})", "/more: no such field"},
         {content + R"({"uid":0}]})", "/sections/0/uid: expected a whole number from 1 to 65535"},
-        {content + R"({"uid":18446744073709551615}]})", "/sections/0/uid: expected"},
         {content + R"({"uid":1,"type":"soup"}]})", "/sections/0/type: no such"},
         {content + R"({"uid":1,"type":9,"flags":1,"data":"0"}]})", "/sections/0/data: expected pairs"},
         {content + R"({"uid":1,"type":9,"flags":1,"data":"","records":[]}]})",

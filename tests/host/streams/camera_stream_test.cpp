@@ -1,23 +1,18 @@
-#include <thread>
-
 #include <gmock/gmock.h>
 
 #include <zentara/host/host.h>
 
 #include "support/camera_bus.h"
 #include "support/failure.h"
-#include "support/simulated_faults.h"
 #include "support/stride.h"
 
 namespace Zentara::Host {
 namespace {
 
 using namespace std::chrono_literals;
-using std::chrono::steady_clock;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using TestSupport::messageOf;
-using TestSupport::SimulatedFaults;
 
 constexpr auto inTime = 20s;
 
@@ -111,18 +106,6 @@ TEST_F(CameraStream, GoesOnWhenItsCameraIsBackInAnotherSocket) {
         EXPECT_EQ(stream->counts().absences, 1U);
     }
     EXPECT_EQ(once.state(), Stream::State::Unplugged);
-}
-
-TEST_F(CameraStream, ComesFromABareDeviceAsWell) {
-    const Camera device = cameras.openDevice({});
-    Stream depth = device.stream(Kind::Depth);
-    Stream sound = device.stream(Kind::Audio);
-    EXPECT_EQ(depth.label(), "MOCKVIDEODEVICE_IMPL");
-    const auto frame = depth.next(inTime);
-    EXPECT_EQ(frame->depth().size(), 320U * 240);
-    const auto block = sound.next(inTime);
-    EXPECT_EQ(block->samples().size(), 960U);
-    EXPECT_EQ(sound.info().mode.channels, 2);
 }
 
 } // namespace
