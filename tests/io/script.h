@@ -16,6 +16,7 @@
 #include <zentara/utils/signal.h>
 
 #include "io/device_script.h"
+#include "support/scoped_variable.h"
 #include "support/seams.h"
 
 namespace Testing {
@@ -80,17 +81,6 @@ public:
         std::thread::id thread;
     };
 
-    Script() {
-        Zentara::Utils::EnvironmentVariable address(variable);
-        const std::string text = Zentara::Utils::Format("%{:x}") %
-                                 reinterpret_cast<std::uintptr_t>(static_cast<DeviceScript*>(this));
-        address.setValue(text.c_str());
-    }
-
-    ~Script() { Zentara::Utils::EnvironmentVariable(variable).setValue(static_cast<const char*>(nullptr)); }
-    Script(const Script&) = delete;
-    Script& operator=(const Script&) = delete;
-
     Behaviour<void(int slot, deviceRequest* request)> onCall{[](int, deviceRequest*) {}};
     Behaviour<bool()> onCancel{[] { return false; }};
 
@@ -124,6 +114,9 @@ public:
     }
 
 private:
+    const Zentara::TestSupport::ScopedVariable address{
+        variable,
+        Zentara::Utils::Format("%{:x}") % reinterpret_cast<std::uintptr_t>(static_cast<DeviceScript*>(this))};
     std::atomic<int> living{0};
     std::atomic<int> libraries{0};
     Zentara::Utils::Threading::Mutex lock;

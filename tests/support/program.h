@@ -13,4 +13,15 @@ std::filesystem::path programDirectory();
 /// \param arguments plain words, or words in double quotes, between blanks.
 int runProgram(const std::filesystem::path& program, const std::string& arguments);
 
+/// Whether the system still has a named object whose name holds this text. Where names are no files they go with their
+/// last user, and there is none.
+inline bool isNameLeft(const std::string& text) {
+    std::error_code missing;
+    for (const auto& entry : std::filesystem::directory_iterator("/dev/shm", missing)) {
+        if (entry.path().filename().string().find(text) != std::string::npos)
+            return true;
+    }
+    return false;
+}
+
 } // namespace Zentara::Tests

@@ -1,5 +1,4 @@
 #include "support/program.h"
-#include "tests/utils/left_names.h"
 
 #include <zentara/utils/shared_memory_manager.h>
 #include <zentara/utils/unique_instance.h>

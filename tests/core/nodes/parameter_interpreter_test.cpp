@@ -12,13 +12,13 @@
 #include <zentara/io/video_device_proxy.h>
 #include <zentara/io/xu_device_requests.h>
 #include <zentara/plugin/plugin_exceptions.h>
-#include <zentara/utils/environment_variable.h>
 #include <zentara/utils/format.h>
 
 #include "core/nodes/fixtures/back_end_script.h"
 #include "core/nodes/fixtures/guids.h"
 #include "io/script.h"
 #include "support/failure.h"
+#include "support/scoped_variable.h"
 
 namespace Testing {
 namespace {
@@ -42,12 +42,6 @@ constexpr auto success = ErrorCode_SUCCESS;
 
 class MockBackEnd : public BackEndScript {
 public:
-    MockBackEnd() {
-        const std::string address =
-            Utils::Format("%{:x}") % reinterpret_cast<std::uintptr_t>(static_cast<BackEndScript*>(this));
-        Utils::EnvironmentVariable(scriptVariable).setValue(address.c_str());
-    }
-
     MOCK_METHOD(ErrorCode, initialize,
                 (int, void*, Transfer*, Transfer*, const HardwareIDs*, const HardwareVersionInternal*),
                 (override));
@@ -57,6 +51,11 @@ public:
     BACK_END_OPERATIONS(MOCKED)
     BACK_END_REPORTS(MOCKED)
 #undef MOCKED
+
+private:
+    const TestSupport::ScopedVariable address{
+        scriptVariable,
+        Utils::Format("%{:x}") % reinterpret_cast<std::uintptr_t>(static_cast<BackEndScript*>(this))};
 };
 
 /// An answer of a two-call function: the length first, then the bytes.
