@@ -68,6 +68,9 @@ std::vector<Utils::SmartPtr<ColorConfiguration>> configurationsOf(const DeviceFi
         if (!depth && canDeliver(mode.fourCC, Delivery::Compressed))
             add(mode, mode.fourCC == V4L2_PIX_FMT_H264 ? CompressionType_H264 : CompressionType_MJPEG);
     }
+    // The first one is what is taken where nobody asks for another: one that hosts know by name.
+    std::stable_partition(list.begin(), list.end(),
+                          [](const auto& one) { return one->getFrameFormat() < FrameFormat_DEFAULT; });
     return list;
 }
 
