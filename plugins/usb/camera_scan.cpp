@@ -56,7 +56,7 @@ std::uint32_t kernelName(std::uint32_t usb) {
     return usb == v4l2_fourcc('Y', 'U', 'Y', '2') ? static_cast<std::uint32_t>(V4L2_PIX_FMT_YUYV) : usb;
 }
 
-/// The formats of a node that may not be opened: every second node of a camera is one of metadata. One of which nothing
+/// The formats of a node that cannot be asked: every second node of a camera is one of metadata. One of which nothing
 /// can be known passes for colour, so that it is there, and says why it is of no use when it is opened.
 std::vector<std::uint32_t> describedFormats(const fs::path& hardware, const fs::path& node) {
     const std::uint32_t index = Sysfs::number(node, "index", 10);
@@ -126,6 +126,7 @@ std::vector<FoundCamera> CameraScan::look() {
         else
             cameras.push_back(std::move(camera));
     }
+    std::erase_if(threads, [&](const auto& one) { return find(cameras, one.first) == nullptr; });
     std::erase_if(cameras, [](const FoundCamera& camera) { return camera.videos.empty(); });
     addMicrophones(cameras);
     addRefused(cameras);
@@ -159,7 +160,7 @@ void CameraScan::addVideo(const std::string& name, const fs::path& hardware, Fou
     if (known != asked.end()) {
         video.formats = known->second;
     } else {
-        video.formats = ask(video.path, video.closed);
+        video.formats = ask(camera.path, video.path, video.closed);
         if (video.closed)
             video.formats = describedFormats(hardware, sysfs.place("video4linux", name));
         else if (!video.formats.empty())
@@ -169,16 +170,18 @@ void CameraScan::addVideo(const std::string& name, const fs::path& hardware, Fou
         camera.videos.push_back(std::move(video));
 }
 
-CameraScan::Formats CameraScan::ask(const std::string& path, bool& closed) {
+CameraScan::Formats CameraScan::ask(const std::string& camera, const std::string& path, bool& closed) {
     try {
+        std::unique_ptr<Linux::CallThread>& thread = threads[camera];
         if (!thread)
-            thread = std::make_unique<Linux::CallThread>("scan", "the video nodes");
+            thread = std::make_unique<Linux::CallThread>(camera, path);
         const Answer answer = thread->call("ask " + path + " what it delivers",
                                            [system = kernel, path] { return askNode(*system, path); });
         closed = answer.error == EACCES || answer.error == EPERM;
         return answer.formats;
     } catch (const Plugin::PluginException&) {
-        return {}; // it was logged; the others wait until that one answers
+        closed = true; // it was logged
+        return {};
     }
 }
 

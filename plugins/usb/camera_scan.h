@@ -17,8 +17,8 @@ namespace Zentara::Usb {
 struct FoundVideo {
     std::string path;                   ///< "/dev/video0"
     std::vector<std::uint32_t> formats; ///< the kernel's four characters, the first one in the low byte
-    bool closed =
-        false; ///< this user may not open it: the formats are those that the camera's descriptors name
+    /// This user may not open it, or its camera does not answer: the formats are those that its descriptors name.
+    bool closed = false;
 
     friend bool operator==(const FoundVideo&, const FoundVideo&) = default;
 };
@@ -42,7 +42,7 @@ struct FoundCamera {
 };
 
 /// Looks at what is plugged in. Nodes are told apart by what they can do: those of metadata are left out. A node is opened
-/// once while it is there, to be asked; one that does not answer is left out. Separate.
+/// once while it is there, to be asked. Each camera has a thread for that: one that does not answer holds up no other. Separate.
 class CameraScan {
 public:
     explicit CameraScan(std::shared_ptr<Linux::Kernel> kernel = Linux::systemKernel(),
@@ -57,14 +57,14 @@ private:
 
     [[nodiscard]] FoundCamera describe(const Path& hardware) const;
     void addVideo(const std::string& name, const Path& hardware, FoundCamera& camera);
-    [[nodiscard]] Formats ask(const std::string& path, bool& closed);
+    [[nodiscard]] Formats ask(const std::string& camera, const std::string& path, bool& closed);
     void addMicrophones(std::vector<FoundCamera>& cameras) const;
     void addRefused(std::vector<FoundCamera>& cameras) const;
 
     const std::shared_ptr<Linux::Kernel> kernel;
     const Linux::Sysfs sysfs;
-    std::unique_ptr<Linux::CallThread> thread; ///< null until a node is to be asked
-    std::map<std::string, Formats> asked;      ///< by the node's name and when it was plugged in
+    std::map<std::string, std::unique_ptr<Linux::CallThread>> threads; ///< by the camera's path
+    std::map<std::string, Formats> asked; ///< by the node's name and when it was plugged in
 };
 
 } // namespace Zentara::Usb
