@@ -1,0 +1,65 @@
+# What each verb of the tool says of each fault, at each of its phases: the rows of faults.table. Leaves what was said in table.txt.
+
+verb_on() { # VERB SERIAL
+    case "$1" in
+        stream) zentara stream --camera "$2" --frames 8 ;;
+        dump) zentara firmware dump --force --camera "$2" --length 4096 "$TMPDIR/dump-$2" ;;
+        get) zentara xu get --camera "$2" 1 ;;
+        reg) zentara reg read --camera "$2" tof 0x21 ;;
+        *) eval "zentara $1 --camera $2" ;;
+    esac
+}
+plug_row() { # SERIAL MODEL OPTION...
+    local shape=--no-microphone
+    [[ $2 != *-iso ]] || shape+=' --isochronous'
+    # shellcheck disable=SC2086
+    plug "$1" 2 --camera "${2%-iso}" $shape "${@:3}"
+}
+is_open() { # NODE
+    local file
+    for file in /proc/[0-9]*/fd/*; do [ ! "$file" -ef "$1" ] || return 0; done
+    return 1
+}
+
+# One row, in a process of its own: the verb ends as it should and has let go of the camera; when the camera was pulled out, all goes
+# well once it is plugged in again.
+try_row() {
+    local serial=ROW$1 wanted=$2 verb=$3 model=$4 fault=$5 pattern=$6 status=0 began took node wrong=
+    plug_row "$serial" "$model" --fault "$fault"
+    node=$(node_of "$serial" 0)
+    began=${EPOCHREALTIME/./}
+    verb_on "$verb" "$serial" >"$TMPDIR/$serial" 2>&1 || status=$?
+    took=$(((${EPOCHREALTIME/./} - began) / 100000))
+    ! is_open "$node" || wrong+="; $node is still open"
+    unplug "$serial"
+    if [[ $fault = *unplug* ]]; then
+        plug_row "$serial" "$model"
+        verb_on "$verb" "$serial" >"$TMPDIR/$serial.again" 2>&1 || wrong+="; again: status $?: $(cat "$TMPDIR/$serial.again")"
+        unplug "$serial"
+    fi
+    local said
+    mapfile -t said < <(tail -n 3 "$TMPDIR/$serial")
+    printf '%s | %s | %s | %s | %s.%s s | %s\n' "$status" "$verb" "$model" "$fault" $((took / 10)) $((took % 10)) "${said[*]}" \
+        >"$TMPDIR/$serial.row"
+    # shellcheck disable=SC2053
+    [[ $status = $wanted ]] || wrong+="; status $status instead of $wanted"
+    grep -qE -- "$pattern" "$TMPDIR/$serial" || wrong+="; no '$pattern'"
+    [ -z "$wrong" ] || echo "$verb, $model, $fault$wrong" >"$TMPDIR/$serial.wrong"
+}
+
+test_faults_of_every_verb() {
+    use_real_cameras
+    local number=0 row
+    local status verb model fault pattern
+    while IFS='|' read -r status verb model fault pattern; do
+        [[ $status != '#'* ]] || continue
+        verb=${verb# } model=${model# } fault=${fault# } pattern=${pattern# }
+        number=$((number + 1))
+        try_row "$number" "${status% }" "${verb% }" "${model% }" "${fault% }" "$pattern" &
+        [ $((number % 6)) != 0 ] || wait
+    done <"$here/faults.table"
+    wait
+    for row in $(seq "$number"); do cat "$TMPDIR/ROW$row.row" || true; done >"$ZENTARA_JOB/table.txt"
+    ! cat "$TMPDIR"/ROW*.wrong 2>/dev/null || return 1
+    [ "$(wc -l <"$ZENTARA_JOB/table.txt")" = "$number" ]
+}
