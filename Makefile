@@ -2,7 +2,7 @@
 SOURCES = $(shell git ls-files '*.h' '*.cpp' '*.c')
 JOBS ?= $(shell nproc)
 
-.PHONY: demo test test-linux test-windows test-asan test-tsan test-kernel coverage format lint tidy bench clean
+.PHONY: demo test test-linux test-windows test-asan test-tsan test-kernel coverage format lint tidy bench bench-kernel clean
 
 ## Builds everything and drives two simulated cameras; leaves pictures, a point cloud, sound, a recording and a plot in build/demo/.
 demo:
@@ -52,6 +52,14 @@ bench:
 	@cmake --preset bench -Wno-dev >/dev/null
 	@cmake --build --preset bench -j $(JOBS)
 	@cmake --build --preset bench --target run_benchmarks
+
+## What a frame costs on its way from a kernel's driver to a host, beside a plain reader; in a virtual machine that counts instructions.
+bench-kernel:
+	@.ci/setup kernel
+	@cmake --preset gcc -Wno-dev >/dev/null
+	@cmake --build --preset gcc -j $(JOBS) --target zentara camera_plugins plain_reader host_reader
+	@tests/kernel/run --machine "-icount shift=1" --cpu "max,-erms,-fsrm" --job bench bash -c \
+	    'modprobe vivid n_devs=1 node_types=0x1 num_inputs=1 input_types=3 && python3 bench/kernel/compare.py'
 
 clean:
 	rm -rf build
