@@ -91,12 +91,17 @@ int numberOf(const Camera& camera, const Word& word) {
     return number != nullptr ? *number : camera.parameterNumber(std::get<std::string>(word));
 }
 
+/// By its name, or by its number where it has none, or one that another one has: no entry takes another's place.
+void put(py::dict& all, const std::string& name, int number, const py::object& value) {
+    const py::str word = text(name);
+    all[name.empty() || all.contains(word) ? py::object(py::int_(number)) : py::object(word)] = value;
+}
+
 py::dict parametersOf(const CameraObject& self) {
     py::dict all;
     for (const Parameter& one : self.ask([](const Camera& camera) { return camera.parameters(); })) {
         if (one.isSupported)
-            all[one.name.empty() ? py::object(py::int_(one.number)) : py::object(text(one.name))] =
-                dictionaryOf(one);
+            put(all, one.name, one.number, dictionaryOf(one));
     }
     return all;
 }
@@ -140,7 +145,7 @@ void setParameter(const CameraObject& self, const Word& word, const py::object& 
 py::dict temperaturesOf(const CameraObject& self) {
     py::dict all;
     for (const Host::Temperature& one : self.ask([](const Camera& camera) { return camera.temperatures(); }))
-        all[one.name.empty() ? py::object(py::int_(one.sensor)) : py::object(text(one.name))] = one.celsius;
+        put(all, one.name, one.sensor, py::float_(one.celsius));
     return all;
 }
 
