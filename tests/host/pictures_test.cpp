@@ -81,6 +81,7 @@ TEST(ColorMap, FindsTheRangeWithoutZerosAndWildPixels) {
     depth[2] = 60000;
     EXPECT_EQ(ColorMap::rangeOf(depth, 0), (ValueRange{3, 60000}));
     EXPECT_EQ(ColorMap::rangeOf(depth, 0.02), (ValueRange{1003, 1196}));
+    EXPECT_EQ(ColorMap::rangeOf(depth, 7), ColorMap::rangeOf(depth, 0.5)) << "and nothing beyond the picture";
 }
 
 // Two spots, the near one to the left: from far right it is seen left of the other still, from far left right of it.
