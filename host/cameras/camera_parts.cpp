@@ -217,8 +217,14 @@ StreamInfo CameraParts::streamInfo(Kind kind, const Mode& mode, CameraInfo info)
     StreamInfo told;
     told.camera = std::move(info);
     told.mode = mode;
-    if (kind == Kind::Audio || !hasDepth())
+    if (kind == Kind::Audio)
         return told;
+    if (!hasDepth()) { // of lenses its description alone tells
+        if (const NodeEvent* const event = camera.find(nodeTypeOf(kind)))
+            told.lens = describedLens(storeOf(*event), kind, mode);
+        told.lensSource = told.lens ? Source::Description : Source::None;
+        return told;
+    }
     const auto node = depth();
     const Core::DepthNodeInterface& depthInterface = **node;
     const Sources sources = sourcesOf(depthInterface);
