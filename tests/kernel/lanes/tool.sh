@@ -157,3 +157,20 @@ test_a_second_program_reads_the_frames_of_the_first() {
     expect 'its own frames' cat "$TMPDIR/second" # it has taken the camera
 }
 gives_frames() { compgen -G '/dev/shm/ZentaraSDK_frames-*'; }
+
+# One camera has no terminal, another a unit that feeds itself: the first is listed with what is wrong, the second without what hangs on it.
+test_hostile_descriptors_are_listed_as_what_they_are() {
+    use_real_cameras
+    local row
+    "$camera" --descriptors --camera plain --no-microphone >"$TMPDIR/good"
+    python3 "$here/spoil.py" "$TMPDIR/good" "$TMPDIR" >/dev/null
+    for row in 'NOTHING length-0-of-0' 'HALF own-source'; do
+        "$camera" --serial "${row% *}" --camera plain --no-microphone --configuration "$TMPDIR/${row#* }" >/dev/null &
+        plugged[${row% *}]=$!
+    done
+    plug WHOLE 2 --camera plain --no-microphone
+    eventually 10 expect 'NOTHING .*the kernel made no video node of it; its descriptors, offset [0-9]+: ' zentara devices
+    expect '^HALF .* depth +/sys' zentara devices
+    expect '^WHOLE .* depth color +/sys' zentara devices
+    expect '3 of 3' zentara stream --camera HALF --mode 320x240@15 --frames 3
+}
