@@ -151,6 +151,11 @@ ExitCode endOfParse(const CLI::App& program, const CLI::ParseError& reason, Cons
 } // namespace
 
 int runTool(std::vector<std::string> arguments, Console& console) {
+    if (arguments.size() == 1 &&
+        arguments.front() == "--version") { // without a verb's options, which take a while
+        console.out << versionText() << '\n';
+        return endOfOutput(Failure::None, console);
+    }
     CLI::App program("Looks after time-of-flight depth cameras: what is plugged in, and what it sees.",
                      "zentara");
     program.set_version_flag("--version", versionText());
