@@ -46,12 +46,12 @@ tidy: lint
 	@git ls-files 'utils/*.cpp' 'core/*.cpp' 'io/*.cpp' 'model/*.cpp' 'rom/*.cpp' | grep -v /windows/ \
 	    | xargs -P $(JOBS) -n 4 clang-tidy -quiet -p build/clang
 
-## Runs the benchmarks, each beside its peer, and prints the ratios.
+## Runs the benchmarks, each beside its peer, prints the ratios and writes docs/performance.md.
 bench:
 	@.ci/setup bench
 	@cmake --preset bench -Wno-dev >/dev/null
 	@cmake --build --preset bench -j $(JOBS)
-	@cmake --build --preset bench --target run_benchmarks
+	@cmake --build --preset bench --target performance_page
 
 ## What a frame costs on its way from a kernel's driver to a host, beside a plain reader; in a virtual machine that counts instructions.
 bench-kernel:

@@ -8,13 +8,17 @@
 #include <benchmark/benchmark.h>
 
 #include <atomic>
+#include <chrono>
 #include <thread>
+#include <vector>
 
 namespace {
 
 using namespace Zentara;
 
-const Bench::Aim aim{"round_trip", "bare_hand_off", 1.5};
+const Bench::Aim aim{"round_trip", "bare_hand_off", 1.5,
+                     "a request to the worker and back; the peer wakes a thread and waits"};
+const Bench::Growth growth{"callers", 1.2, "a request of each of 1 to 64 callers"};
 
 // Goes to the worker and back and, being a region of interest, no further: what is measured is the way alone.
 void roundTripOurs(benchmark::State& state) {
@@ -24,6 +28,25 @@ void roundTripOurs(benchmark::State& state) {
         camera.setRegionOfInterest(region);
 }
 BENCHMARK(roundTripOurs)->Name("round_trip/ours")->UseRealTime();
+
+void manyCallers(benchmark::State& state) {
+    constexpr int requests = 100;
+    IO::VideoDeviceProxy camera(Core::Guids::MOCKVIDEODEVICE_IMPL, true);
+    for (auto _ : state) {
+        std::vector<std::thread> callers;
+        const auto begin = std::chrono::steady_clock::now();
+        for (std::int64_t i = 0; i < state.range(0); ++i)
+            callers.emplace_back([&camera] {
+                for (int n = 0; n < requests; ++n)
+                    camera.setRegionOfInterest({});
+            });
+        for (std::thread& caller : callers)
+            caller.join();
+        const std::chrono::duration<double> time = std::chrono::steady_clock::now() - begin;
+        state.SetIterationTime(time.count() / requests);
+    }
+}
+BENCHMARK(manyCallers)->Name("callers/at")->RangeMultiplier(4)->Range(1, 64)->UseManualTime()->Iterations(20);
 
 void roundTripBare(benchmark::State& state) {
     Utils::Threading::Signal there;

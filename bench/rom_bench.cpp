@@ -18,10 +18,12 @@ using namespace Zentara;
 using namespace Zentara::TestSupport;
 
 // What must be touched at least: every byte copied once and summed once.
-const Bench::Aim loadAim{"rom_load_1_mib", "memcpy_and_crc16", 2.0};
+const Bench::Aim loadAim{"rom_load_1_mib", "memcpy_and_crc16", 2.0, "loading a storage of 1 MiB"};
+const Bench::Growth loadGrowth{"sections", 1.2, "loading a storage of 16 to 4,096 sections"};
 // A map of 4,096 is three times as deep as one of 16, and the transfers weigh more than the map.
-const Bench::Aim setAims[] = {{"rom_set_among_256", "among_16", 1.5},
-                              {"rom_set_among_4096", "among_16", 2.0}};
+const Bench::Aim setAims[] = {
+    {"rom_set_among_256", "among_16", 1.5, "writing a section among 256; the peer has 16"},
+    {"rom_set_among_4096", "among_16", 2.0, "the same among 4,096"}};
 
 constexpr std::size_t OVERHEAD = 13 + 10; // section and block header
 
@@ -56,6 +58,15 @@ void load(benchmark::State& state) {
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * filled.image.size()));
 }
 BENCHMARK(load)->Name("rom_load_1_mib/ours");
+
+void loadMany(benchmark::State& state) {
+    Filled filled(static_cast<std::uint16_t>(state.range(0)), 200, 256);
+    for (auto _ : state) {
+        filled.storage->container.initialize();
+        benchmark::DoNotOptimize(filled.storage->container.getSection(1));
+    }
+}
+BENCHMARK(loadMany)->Name("sections/at")->RangeMultiplier(4)->Range(16, 4096);
 
 void copyAndSum(benchmark::State& state) {
     Filled filled(256, 4096 - OVERHEAD, 4096);

@@ -5,7 +5,11 @@
 #include <atomic>
 #include <chrono>
 #include <cstring>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
 #include <memory>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -13,6 +17,7 @@
 #include <zentara/depth_base_configuration.h>
 #include <zentara/host/host.h>
 #include <zentara/utils/clock.h>
+#include <zentara/utils/environment_variable.h>
 
 #include "host/cameras/camera_bus.h"
 #include "host/cameras/open_node.h"
@@ -24,9 +29,13 @@ using namespace Zentara;
 using namespace Zentara::Host;
 using namespace std::chrono_literals;
 
-const Bench::Aim frameAim{"frame_to_host", "read_buffer", 1.1};
-const Bench::Aim nextAim{"stream_next", "read_and_10_us", 1.0};
-const Bench::Aim openAim{"open_first_camera", "plugin_calls", 1.2};
+const Bench::Aim frameAim{"frame_to_host", "read_buffer", 1.1,
+                          "from when a frame falls due to the host's hands; the peer calls the node"};
+const Bench::Aim nextAims[] = {{"stream_next", "read_and_10_us", 1.0,
+                                "a frame of a stream; the peer copies it as well and has 10 microseconds"},
+                               {"stream_next_640x480", "read_and_10_us", 1.0, "the same of 1.8 MB"}};
+const Bench::Aim openAim{"open_first_camera", "plugin_calls", 1.2,
+                         "finding and opening the first camera; the peer calls the plug-ins"};
 
 constexpr int framesTimed = 60; // one second of the camera's
 
@@ -68,14 +77,14 @@ void frameToNode(benchmark::State& state) {
 }
 BENCHMARK(frameToNode)->Name("frame_to_host/read_buffer")->UseManualTime()->Iterations(framesTimed);
 
-/// A node with a small frame at any time, but never more of them than a stream's queue has places: what is left of the
+/// A node with a frame at any time, but never more of them than a stream's queue has places: what is left of the
 /// time is what the stream adds to it.
 class ReadySource final : public StreamSource {
 public:
     static constexpr std::uint64_t places = 4;
 
-    ReadySource() {
-        about.mode = {.kind = Kind::Depth, .name = "READY", .width = 8, .height = 4, .rate = 60};
+    ReadySource(std::uint32_t width, std::uint32_t height) : frame(std::size_t{3} * 2 * width * height) {
+        about.mode = {.kind = Kind::Depth, .name = "READY", .width = width, .height = height, .rate = 60};
     }
 
     [[nodiscard]] const StreamInfo& info() const override { return about; }
@@ -97,26 +106,28 @@ public:
 
 private:
     StreamInfo about;
-    const std::vector<char> frame = std::vector<char>(std::size_t{3} * 2 * 8 * 4);
+    const std::vector<char> frame;
     std::atomic<bool> ended{false};
     std::uint64_t given = 0;
 };
 
-void streamNext(benchmark::State& state) {
-    const auto source = std::make_shared<ReadySource>();
+void streamNext(benchmark::State& state, std::uint32_t width, std::uint32_t height) {
+    const auto source = std::make_shared<ReadySource>(width, height);
     Stream stream = openStream({[source] { return source; }, "open a ready source", nullptr, {}}, {});
     for (auto _ : state) {
         benchmark::DoNotOptimize(stream.next(2s));
         ++source->fetched;
     }
 }
-BENCHMARK(streamNext)->Name("stream_next/ours")->UseRealTime();
+BENCHMARK_CAPTURE(streamNext, small, 8, 4)->Name("stream_next/ours")->UseRealTime();
+BENCHMARK_CAPTURE(streamNext, large, 640, 480)->Name("stream_next_640x480/ours")->UseRealTime();
 
-/// What a frame may cost: the node's own copy and 10 microseconds.
-void readAndTen(benchmark::State& state) {
-    ReadySource source;
-    std::vector<char> buffer(source.usualBytes());
+/// What a frame may cost: the node's own copy, into as many buffers as a stream has, and 10 microseconds.
+void readAndTen(benchmark::State& state, std::uint32_t width, std::uint32_t height) {
+    ReadySource source(width, height);
+    std::vector<std::vector<char>> buffers(ReadySource::places, std::vector<char>(source.usualBytes()));
     for (auto _ : state) {
+        std::vector<char>& buffer = buffers[source.fetched % buffers.size()];
         std::int64_t micros = 0;
         int length = 0;
         source.read(buffer.data(), static_cast<int>(buffer.size()), &micros, &length);
@@ -127,7 +138,40 @@ void readAndTen(benchmark::State& state) {
         }
     }
 }
-BENCHMARK(readAndTen)->Name("stream_next/read_and_10_us")->UseRealTime();
+BENCHMARK_CAPTURE(readAndTen, small, 8, 4)->Name("stream_next/read_and_10_us")->UseRealTime();
+BENCHMARK_CAPTURE(readAndTen, large, 640, 480)->Name("stream_next_640x480/read_and_10_us")->UseRealTime();
+
+const Bench::Growth streamGrowth{"cameras", 1.2,
+                                 "the processor's time for 30 frames of each of 1 to 16 cameras"};
+
+double processorSeconds() { return static_cast<double>(std::clock()) / CLOCKS_PER_SEC; }
+
+void manyCameras(benchmark::State& state) {
+    const std::string bus = (std::filesystem::temp_directory_path() / "zentara-bench-bus.json").string();
+    std::string plugged;
+    for (std::int64_t i = 0; i < state.range(0); ++i)
+        plugged += std::string(i == 0 ? "" : ", ") + R"({"model": "ZS570", "serialNumber": "N)" +
+                   std::to_string(i) + "\"}";
+    std::ofstream(bus) << R"({"format": 1, "cameras": [)" << plugged << "]}";
+    Utils::EnvironmentVariable variable("ZENTARA_SIMULATED_CAMERAS");
+    variable.setValue(bus.c_str());
+    {
+        Cameras cameras;
+        std::vector<Stream> streams;
+        for (std::int64_t i = 0; i < state.range(0); ++i)
+            streams.push_back(cameras.open("N" + std::to_string(i)).stream(Kind::Depth));
+        for (auto _ : state) {
+            const double begin = processorSeconds();
+            for (int frame = 0; frame < 30; ++frame)
+                for (Stream& stream : streams)
+                    benchmark::DoNotOptimize(stream.next(2s));
+            state.SetIterationTime(processorSeconds() - begin);
+        }
+    }
+    variable.setValue("");
+    std::filesystem::remove(bus);
+}
+BENCHMARK(manyCameras)->Name("cameras/at")->RangeMultiplier(4)->Range(1, 16)->UseManualTime()->Iterations(1);
 
 void openFirst(benchmark::State& state) {
     for (auto _ : state) {

@@ -16,6 +16,7 @@
 #include <zlib.h>
 
 #include <array>
+#include <cstdio>
 #include <numeric>
 #include <sstream>
 #include <vector>
@@ -24,12 +25,18 @@ namespace {
 
 using namespace Zentara::Utils;
 
-const Bench::Aim formatAims[] = {{"format_text", "fmt", 1.0},
-                                 {"format", "fmt", 1.0},
-                                 {"format_numbers", "fmt", 1.0},
-                                 {"format", "boost", 0.25}};
-const Bench::Aim logAim{"log", "spdlog", 1.0};
-const Bench::Aim crcAims[] = {{"crc16", "byte_at_a_time", 0.25}, {"crc32", "byte_at_a_time", 0.25}};
+const Bench::Aim formatAims[] = {{"format_text", "fmt", 1.0, "a message with one text"},
+                                 {"format", "fmt", 1.0, "a message with two texts and a hexadecimal number"},
+                                 {"format_numbers", "fmt", 1.0, "a name made of four small integers"},
+                                 {"format", "boost", 0.25, "the same as with fmt"}};
+const Bench::Aim logAims[] = {
+    {"log", "spdlog", 1.0, "a logged line"},
+    {"log", "write", 1.35, "a logged line; the peer writes the same bytes"},
+    {"log_two_threads", "fprintf_fflush", 1.1, "a logged line of each of two threads"}};
+const Bench::Aim crcAims[] = {
+    {"crc16", "byte_at_a_time", 0.25, "a checksum of 64 KiB; the peer looks up each byte"},
+    {"crc32", "byte_at_a_time", 0.25, "the same, wider"}};
+const Bench::Aim pointerAim{"smart_ptr", "boost_intrusive_ptr", 1.2, "copying a counted pointer"};
 
 const std::string operation = "enable streaming";
 const std::string reason = "Access is denied.";
@@ -106,6 +113,44 @@ void logLineSpdlog(benchmark::State& state) {
         logger.warn(reason);
 }
 BENCHMARK(logLineSpdlog)->Name("log/spdlog");
+
+/// A line as the logger writes it.
+std::string logLine() { return "Sun Nov 22 13:21:58 2026: [0000a1b2]: WARNING:  " + reason + "\n"; }
+
+void logLineWrite(benchmark::State& state) {
+    std::FILE* const file = std::fopen("bench_write.log", "a");
+    std::setvbuf(file, nullptr, _IONBF, 0); // each call is one of the system
+    const std::string line = logLine();
+    for (auto _ : state)
+        benchmark::DoNotOptimize(std::fwrite(line.data(), 1, line.size(), file));
+    std::fclose(file);
+}
+BENCHMARK(logLineWrite)->Name("log/write");
+
+void logFromTwo(benchmark::State& state) {
+    static Logger* logger = nullptr;
+    if (state.thread_index() == 0)
+        logger = FileLogger::open("bench_ours.log");
+    for (auto _ : state)
+        logger->warning(reason);
+    if (state.thread_index() == 0)
+        FileLogger::close();
+}
+BENCHMARK(logFromTwo)->Name("log_two_threads/ours")->Threads(2)->UseRealTime();
+
+void printFromTwo(benchmark::State& state) {
+    static std::FILE* file = nullptr;
+    if (state.thread_index() == 0)
+        file = std::fopen("bench_print.log", "a");
+    const std::string line = logLine();
+    for (auto _ : state) {
+        std::fprintf(file, "%s", line.c_str());
+        std::fflush(file);
+    }
+    if (state.thread_index() == 0)
+        std::fclose(file);
+}
+BENCHMARK(printFromTwo)->Name("log_two_threads/fprintf_fflush")->Threads(2)->UseRealTime();
 
 std::vector<unsigned char> block() {
     std::vector<unsigned char> bytes(64 * 1024);
