@@ -162,18 +162,15 @@ TEST(PointCloud, TakesNoColorForWhatTheOtherCameraDoesNotSee) {
     EXPECT_FALSE(colors[8 * 2 + 4] && colors[8 * 2 + 4]->red == 18);
     EXPECT_TRUE(colors[8 * 5 + 7]);
     // Moved to any side a wall reaches out of the picture by one column or row.
-    const struct {
-        float right;
-        float down;
-        std::ptrdiff_t unseen;
-    } sides[]{{-400, 0, 6}, {400, 0, 6}, {0, -500, 8}, {0, 500, 8}};
-    for (const auto& side : sides) {
+    const std::tuple<float, float, std::ptrdiff_t> sides[]{
+        {-400, 0, 6}, {400, 0, 6}, {0, -500, 8}, {0, 500, 8}};
+    for (const auto& [right, down, unseen] : sides) {
         PointCloud moved = smallLens().pointsOf(wall(2000), 8, 6);
-        pose.t1 = side.right;
-        pose.t2 = side.down;
+        pose.t1 = right;
+        pose.t2 = down;
         moved.colorFrom(picture, smallLens(), pose);
         const auto seen = moved.colors();
-        EXPECT_EQ(std::count(seen.begin(), seen.end(), std::nullopt), side.unseen) << side.right << side.down;
+        EXPECT_EQ(std::count(seen.begin(), seen.end(), std::nullopt), unseen) << right << down;
     }
 }
 

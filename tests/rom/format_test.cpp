@@ -169,11 +169,7 @@ TEST(RomObjects, CorrectionBytes) {
 // Each is refused with its warning, and the object that comes out is the one of no records at all.
 TEST(RomObjects, DamagedRecordsAreSkippedWithAWarning) {
     using Type = ROM::ContainerSectionType;
-    const struct {
-        Type type;
-        const char* bytes;
-        const char* record; ///< that the warning names
-    } rows[] = {
+    const std::tuple<Type, const char*, const char*> rows[]{
         {Type::SystemInfo, "01 01 15000000 01020304 0506 0708 090A0B0C0D0E0F", "SystemInfoData"},
         {Type::SystemInfo, "80 01 07000000 03", "ZT536HardwareInfoData"},
         {Type::Configuration, "40 00 08000000 0001", "PhaseOffset"}, // another version; a later one
@@ -193,13 +189,13 @@ TEST(RomObjects, DamagedRecordsAreSkippedWithAWarning) {
         {Type::GradientDistortionCorrection, "45 01 0F000000 001E 00000004 010203", // one byte short
          "GradientDistortionCorrectionData"},
     };
-    for (const auto& row : rows) {
+    for (const auto& [type, bytes, record] : rows) {
         LogCapture log;
-        const std::unique_ptr<ROM::Object> object(ObjectReader::deserialize(row.type, hex(row.bytes)));
-        const std::unique_ptr<ROM::Object> empty(ObjectReader::deserialize(row.type, {}));
-        ASSERT_TRUE(object) << row.bytes;
-        EXPECT_EQ(empty->serialize(), object->serialize()) << row.bytes;
-        EXPECT_THAT(log.warnings(), ElementsAre(std::string("Failed to deserialized ") + row.record));
+        const std::unique_ptr<ROM::Object> object(ObjectReader::deserialize(type, hex(bytes)));
+        const std::unique_ptr<ROM::Object> empty(ObjectReader::deserialize(type, {}));
+        ASSERT_TRUE(object) << bytes;
+        EXPECT_EQ(empty->serialize(), object->serialize()) << bytes;
+        EXPECT_THAT(log.warnings(), ElementsAre(std::string("Failed to deserialized ") + record));
     }
 }
 

@@ -17,25 +17,20 @@ namespace Zentara::TestSupport {
 
 namespace Own {
 
-class Timeout : public Plugin::TimeoutPluginException {
-public:
+struct Timeout : Plugin::TimeoutPluginException {
     using TimeoutPluginException::TimeoutPluginException;
 };
-class Format : public Utils::UFormatException {
-public:
+struct Format : Utils::UFormatException {
     using UFormatException::UFormatException;
 };
-class Range : public std::out_of_range {
-public:
+struct Range : std::out_of_range {
     Range() : std::out_of_range("not this") {}
     const char* what() const noexcept override { return "broken"; }
 };
-class Plain : public std::exception {
-public:
+struct Plain : std::exception {
     const char* what() const noexcept override { return "broken"; }
 };
-class Category : public std::error_category {
-public:
+struct Category : std::error_category {
     const char* name() const noexcept override { return "own"; }
     std::string message(int) const override { return "code"; }
 };

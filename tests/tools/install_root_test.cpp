@@ -171,25 +171,22 @@ TEST_F(OwnRoot, TakesSeveralPluginsOfOneKindTogether) {
         bytes[at + 3] = 1;
     Utils::writeFile(path("bin/Plugins/other" + ending), bytes);
     const std::string other = "01E23FC6-E54A-4CD0-9FB4-67C1781E2C5B";
-    const struct {
-        std::string name;
-        std::string taken;
-    } rows[]{{"", other},
-             {other, other},
-             {"{" + other + "}", other},
-             {"other" + ending, other},
-             {"simulated_video_device", "MOCKVIDEODEVICE_IMPL"},
-             {path("bin/Plugins/simulated_video_device" + ending), "MOCKVIDEODEVICE_IMPL"},
-             {"mockvideodevice_impl", "MOCKVIDEODEVICE_IMPL"}};
-    for (const auto& row : rows) {
+    const std::pair<std::string, std::string> rows[]{
+        {"", other},
+        {other, other},
+        {"{" + other + "}", other},
+        {"other" + ending, other},
+        {"simulated_video_device", "MOCKVIDEODEVICE_IMPL"},
+        {path("bin/Plugins/simulated_video_device" + ending), "MOCKVIDEODEVICE_IMPL"},
+        {"mockvideodevice_impl", "MOCKVIDEODEVICE_IMPL"}};
+    for (const auto& [name, taken] : rows) {
         std::vector<std::string> words{"stream", "--direct", "--frames", "1", "--json"};
-        if (!row.name.empty())
-            words.insert(words.end(), {"--plugin", row.name});
+        if (!name.empty())
+            words.insert(words.end(), {"--plugin", name});
         const ToolRun stream = run(words);
         ASSERT_EQ(stream.exitCode, 0) << stream.err;
-        EXPECT_THAT(stream.out, HasSubstr(row.taken)) << row.name;
-        EXPECT_EQ(stream.err.find("are registered; taking") != std::string::npos, row.name.empty())
-            << stream.err;
+        EXPECT_THAT(stream.out, HasSubstr(taken)) << name;
+        EXPECT_EQ(stream.err.find("are registered; taking") != std::string::npos, name.empty()) << stream.err;
     }
     const ToolRun wrong = run({"reg", "read", "tof", "0x21", "--direct", "--plugin", "simulated_enumerator"});
     EXPECT_EQ(wrong.exitCode, 2);

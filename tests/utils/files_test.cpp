@@ -23,12 +23,7 @@ using TestSupport::messageOf;
 using TestSupport::TemporaryDirectory;
 
 TEST(Paths, AreTakenApart) {
-    const struct {
-        const char* path;
-        const char* directory;
-        const char* name;
-        const char* withoutExtension;
-    } rows[] = {
+    const std::tuple<const char*, const char*, const char*, const char*> rows[]{
         {"a/b.c/d.tar.gz", "a/b.c/", "d.tar.gz", "a/b.c/d.tar"},
         {"a/b.c/d", "a/b.c/", "d", "a/b.c/d"},
         {"/.hidden", "/", ".hidden", "/.hidden"},
@@ -36,11 +31,11 @@ TEST(Paths, AreTakenApart) {
         {"dir/", "dir/", "", "dir/"},
         {"", "", "", ""},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(getDirectory(row.path), row.directory);
-        EXPECT_EQ(getFilename(row.path), row.name);
-        EXPECT_EQ(removeExtension(row.path), row.withoutExtension);
-        EXPECT_EQ(addTrailingSeparator(row.directory), row.directory);
+    for (const auto& [path, directory, name, withoutExtension] : rows) {
+        EXPECT_EQ(getDirectory(path), directory);
+        EXPECT_EQ(getFilename(path), name);
+        EXPECT_EQ(removeExtension(path), withoutExtension);
+        EXPECT_EQ(addTrailingSeparator(directory), directory);
     }
     EXPECT_EQ(addTrailingSeparator("a"), "a/");
 }

@@ -41,10 +41,7 @@ public:
 
 TEST(CalibrationData, TableHasOneDelayForEachRateAndMode) {
     EXPECT_THAT(delays(CalibrationData(-1, 2)), ElementsAre(-1, -1, -1, -1, 2, 2, 2, 2));
-    const struct {
-        std::vector<short> values;
-        std::vector<short> table;
-    } rows[] = {
+    const std::pair<std::vector<short>, std::vector<short>> rows[]{
         {{}, {0, 0, 0, 0, 0, 0, 0, 0}},
         {{1, 2}, {1, 2, 0, 0, 1, 2, 0, 0}},
         {{1, 2, 3, 4}, {1, 2, 3, 4, 1, 2, 3, 4}},
@@ -52,8 +49,8 @@ TEST(CalibrationData, TableHasOneDelayForEachRateAndMode) {
         {{1, 2, 3, 4, 5, 6, 7, 8}, {1, 2, 3, 4, 5, 6, 7, 8}},
         {{1, 2, 3, 4, 5, 6, 7, 8, 9}, {1, 2, 3, 4, 1, 2, 3, 4}},
     };
-    for (const auto& row : rows)
-        EXPECT_EQ(delays(CalibrationData(row.values)), row.table) << row.values.size() << " values";
+    for (const auto& [values, table] : rows)
+        EXPECT_EQ(delays(CalibrationData(values)), table) << values.size() << " values";
     const Utils::SmartPtr<DepthBaseConfiguration> withoutElement[] = {
         depthMode(15, mode0), depthMode(25, DepthNode::CameraMode_NONE), nullptr,
         Utils::makeRefcounted<OtherConfiguration>()};

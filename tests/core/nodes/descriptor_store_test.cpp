@@ -68,11 +68,7 @@ TEST(DescriptorStore, LastWriteOfTheLastListGivesTheValue) {
 
 TEST(DescriptorStore, ValueReadsTheFirstThreeWordsOfEveryKindThatHasThem) {
     const ModuleIdInternal module{1, 40, 9, 0};
-    const struct {
-        const char* kind;
-        Utils::SmartPtr<xuRequest> request;
-        std::int64_t value;
-    } rows[] = {
+    const std::tuple<const char*, Utils::SmartPtr<xuRequest>, std::int64_t> rows[]{
         {"null", nullptr, -1},
         {"raw command", makeRefcounted<UVCCommandRequest>(UVC_TOF_CONTROLLER_REGISTER, 40U, 9U), 9},
         {"raw command of another prefix", makeRefcounted<UVCCommandRequest>(UVC_ADC_VALUE, 40U, 9U), -1},
@@ -84,9 +80,9 @@ TEST(DescriptorStore, ValueReadsTheFirstThreeWordsOfEveryKindThatHasThem) {
     };
     RecordStore store;
     store.node.emplace();
-    for (const auto& row : rows) {
-        store.node->preCommonSettings = RequestList{row.request};
-        EXPECT_EQ(register40(store), row.value) << row.kind;
+    for (const auto& [kind, request, value] : rows) {
+        store.node->preCommonSettings = RequestList{request};
+        EXPECT_EQ(register40(store), value) << kind;
     }
 }
 

@@ -27,8 +27,7 @@ using Zentara::TestSupport::failure;
 
 /// Nodes that have only what a node must have.
 template<typename Interface, typename Configuration>
-class BareNode : public Interface {
-public:
+struct BareNode : Interface {
     explicit BareNode(GUID guid) : Interface(guid) {}
 
     void enableStreaming(Utils::SmartPtr<Configuration>) override {}
@@ -39,22 +38,19 @@ public:
     }
 };
 
-class BareDepthNode : public BareNode<Core::DepthNodeInterface, DepthBaseConfiguration> {
-public:
+struct BareDepthNode : BareNode<Core::DepthNodeInterface, DepthBaseConfiguration> {
     using BareNode::BareNode;
     TemperatureCompensation getTemperatureCompensation() override { return {}; }
 };
 
-class BareColorNode : public BareNode<Core::ColorNodeInterface, ColorConfiguration> {
-public:
+struct BareColorNode : BareNode<Core::ColorNodeInterface, ColorConfiguration> {
     using BareNode::BareNode;
     CameraControlRanges getCameraControlRanges() override { return {}; }
     void setCameraControl(CameraControlsEnum, CameraControlValue) override {}
     CameraControls getCameraControls() override { return {}; }
 };
 
-class BareAudioNode : public BareNode<Core::AudioNodeInterface, AudioConfiguration> {
-public:
+struct BareAudioNode : BareNode<Core::AudioNodeInterface, AudioConfiguration> {
     using BareNode::BareNode;
     Utils::SmartPtr<AudioConfiguration> getDefaultConfiguration() override { return {}; }
 };

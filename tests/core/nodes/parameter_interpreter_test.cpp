@@ -300,11 +300,7 @@ TEST_F(ParameterInterpreterTest, LastErrorIsRetrievedOrReplaced) {
             return buffer ? second : first;
         };
     };
-    const struct {
-        const char* name;
-        std::function<ErrorCode(char*, unsigned int*)> getLastError;
-        const char* text;
-    } rows[] = {
+    const std::tuple<const char*, std::function<ErrorCode(char*, unsigned int*)>, const char*> rows[]{
         {"text", answer(text("overheated")), "overheated"},
         {"text up to its NUL", answer(text(std::string("hot\0cold", 8))), "hot"},
         {"empty text", answer(text(std::string("\0", 1))), ""},
@@ -314,12 +310,12 @@ TEST_F(ParameterInterpreterTest, LastErrorIsRetrievedOrReplaced) {
          "couldn't retrieve last error"},
         {"second call fails", silent(tooSmall, 4, failed), "couldn't retrieve last error"},
     };
-    for (const auto& row : rows) {
+    for (const auto& [name, getLastError, text] : rows) {
         EXPECT_CALL(backEnd, writeSystemState).WillOnce(Return(failed));
-        EXPECT_CALL(backEnd, getLastError).WillRepeatedly(row.getLastError);
+        EXPECT_CALL(backEnd, getLastError).WillRepeatedly(getLastError);
         EXPECT_EQ(failure([&] { parameters->write(ParameterRequestMap()); }),
-                  std::string("4: Failed to set system state: ") + row.text)
-            << row.name;
+                  std::string("4: Failed to set system state: ") + text)
+            << name;
     }
 }
 
@@ -341,27 +337,24 @@ TEST_F(ParameterInterpreterTest, SystemStateIsWrittenEntryByEntry) {
     const auto command = Utils::makeRefcounted<UVCCommandRequest>(UVC_ADC_VALUE, 1U, 2U);
     const auto byTypeAlone =
         Utils::makeRefcounted<setParameterRequest>(XU_SET_FLOAT_PARAMETER, ParameterType(0));
-    const struct {
-        ParameterType key;
-        Utils::SmartPtr<xuRequest> request;
-        Bytes bytes;
-    } rows[] = {{ParameterType(2), aFloat, {2, 0, 0, 0x20, 0xC0}},
-                {ParameterType(4), anInt, {4, 0xFE, 0xFF, 0xFF, 0xFF}},
-                {ParameterType(7), on, {7, 0xFF}},
-                {ParameterType(14), off, {14, 0}},
-                {ParameterType(1), region, {13, 1, 0, 0x45, 0x23, 0xFF, 0xFF, 0, 0}},
-                {ParameterType(0), command, {}},
-                {ParameterType(0), byTypeAlone, {}},
-                {ParameterType(0), nullptr, {}}};
-    for (const auto& row : rows) {
+    const std::tuple<ParameterType, Utils::SmartPtr<xuRequest>, Bytes> rows[]{
+        {ParameterType(2), aFloat, {2, 0, 0, 0x20, 0xC0}},
+        {ParameterType(4), anInt, {4, 0xFE, 0xFF, 0xFF, 0xFF}},
+        {ParameterType(7), on, {7, 0xFF}},
+        {ParameterType(14), off, {14, 0}},
+        {ParameterType(1), region, {13, 1, 0, 0x45, 0x23, 0xFF, 0xFF, 0, 0}},
+        {ParameterType(0), command, {}},
+        {ParameterType(0), byTypeAlone, {}},
+        {ParameterType(0), nullptr, {}}};
+    for (const auto& [key, request, bytes] : rows) {
         Bytes written = {0xEE};
         EXPECT_CALL(backEnd, writeSystemState)
             .WillOnce([&](const unsigned char* buffer, unsigned int length) {
                 written.assign(buffer, buffer + length);
                 return success;
             });
-        parameters->write(stateOf(row.key, row.request));
-        EXPECT_EQ(written, row.bytes) << row.key;
+        parameters->write(stateOf(key, request));
+        EXPECT_EQ(written, bytes) << key;
     }
     EXPECT_CALL(backEnd, writeSystemState(testing::NotNull(), 0)).WillOnce(Return(success));
     parameters->write(ParameterRequestMap());
@@ -486,23 +479,21 @@ TEST_F(ParameterInterpreterTest, RangesAreDecodedForWhatCanBeWrittenAndBadOnesRe
             return buffer ? second : tooSmall;
         };
     };
-    const struct {
-        const char* name;
-        std::function<ErrorCode(ParameterType, unsigned char*, unsigned int*)> getParameterRange;
-        const char* reason;
-    } rows[] = {
-        {"second call fails", lie(13, failed, 13), "overheated"},
-        {"incredible length", lie(0xFFFFFFFF, success, 13), "the back-end announces 4294967295 bytes"},
-        {"nothing", lie(0, success, 0), "the back-end returned no valid range"},
-        {"filled less than it said", lie(13, success, 5), "the back-end returned no valid range"},
-        {"filled more than there was room", lie(12, success, 13), "the back-end returned no valid range"},
-        {"unknown form", answer(Bytes(53, 9)), "the back-end returned no valid range"},
-    };
-    for (const auto& row : rows) {
-        EXPECT_CALL(backEnd, getParameterRange).WillRepeatedly(row.getParameterRange);
+    const std::tuple<const char*, std::function<ErrorCode(ParameterType, unsigned char*, unsigned int*)>,
+                     const char*>
+        rows[]{
+            {"second call fails", lie(13, failed, 13), "overheated"},
+            {"incredible length", lie(0xFFFFFFFF, success, 13), "the back-end announces 4294967295 bytes"},
+            {"nothing", lie(0, success, 0), "the back-end returned no valid range"},
+            {"filled less than it said", lie(13, success, 5), "the back-end returned no valid range"},
+            {"filled more than there was room", lie(12, success, 13), "the back-end returned no valid range"},
+            {"unknown form", answer(Bytes(53, 9)), "the back-end returned no valid range"},
+        };
+    for (const auto& [name, getParameterRange, reason] : rows) {
+        EXPECT_CALL(backEnd, getParameterRange).WillRepeatedly(getParameterRange);
         EXPECT_EQ(rangeFailure(ParameterType_INT_4),
-                  std::string("5: failed to get parameter range for 4: ") + row.reason)
-            << row.name;
+                  std::string("5: failed to get parameter range for 4: ") + reason)
+            << name;
     }
 }
 

@@ -15,19 +15,15 @@ TEST(PeriodicOperation, SkipsIntervalsWhileAPollIsPending) {
     const auto operation = makeRefcounted<TemperaturePeriodicOperation>(0U, 100, false);
     EXPECT_FALSE(operation->timeToPoll(1'000'000)) << "it is off, and the refused poll does not count";
     operation->enable(true);
-    const struct {
-        std::int64_t time;
-        bool due;
-        const char* why;
-    } polls[] = {
+    const std::tuple<std::int64_t, bool, const char*> polls[]{
         {50, false, "the interval has not passed since 0"},
         {100, false, "not more than the interval"},
         {150, true, "more than the interval"},
         {250, false, "not more than the interval since 150"},
         {260, false, "still pending"},
     };
-    for (const auto& poll : polls)
-        EXPECT_EQ(operation->timeToPoll(poll.time), poll.due) << poll.time << ": " << poll.why;
+    for (const auto& [time, due, why] : polls)
+        EXPECT_EQ(operation->timeToPoll(time), due) << time << ": " << why;
     operation->setDone();
     EXPECT_FALSE(operation->timeToPoll(355)) << "the pending poll at 260 moved the time on";
     EXPECT_TRUE(operation->timeToPoll(370));

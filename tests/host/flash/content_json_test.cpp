@@ -34,10 +34,7 @@ TEST(ContentJson, NamesTheFieldsThatTheLibraryWrites) {
                                            {ROM::TemperatureAlgorithmID{2}, {1, -2.5F}},
                                            {ROM::CyclicErrorAlgorithmID{3}, {}});
     const ROM::GradientDistortionCorrection correction({1, 2, 3, "SN\"7"}, {{30, {1, 0xFE}}});
-    const struct {
-        const ROM::Object& object;
-        const char* records;
-    } rows[] = {
+    const std::pair<const ROM::Object&, const char*> rows[]{
         {info, R"([{"record":"systemInfo","guid":"12345678-9abc-def0-0102-030405060708"},
                    {"record":"hardwareInfo","qvgaDepthType":3,"lensType":4}])"},
         {calibration,
@@ -54,21 +51,16 @@ TEST(ContentJson, NamesTheFieldsThatTheLibraryWrites) {
                           "serialId":"SN\"7"},
                          {"record":"correctionTable","modulationFrequency":30,"values":"01fe"}])"},
     };
-    for (const auto& row : rows) {
-        const FlashSection section = sectionOf(row.object);
+    for (const auto& [object, records] : rows) {
+        const FlashSection section = sectionOf(object);
         EXPECT_EQ(nlohmann::ordered_json::parse(toJson(9, section))["records"].dump(),
-                  nlohmann::ordered_json::parse(row.records).dump());
+                  nlohmann::ordered_json::parse(records).dump());
         EXPECT_EQ(passedOn({{9, section}}), (FlashContent{{9, section}}));
     }
 }
 
 TEST(ContentJson, KeepsWhatFieldsCannotSayAsHexadecimalDigits) {
-    const struct {
-        const char* what;
-        std::uint8_t type;
-        const char* data;
-        const char* json;
-    } rows[] = {
+    const std::tuple<const char*, std::uint8_t, const char*, const char*> rows[]{
         {"an unknown section type", 77, "01ff", R"("data":"01ff")"},
         {"an unknown marker", 4, "6301070000005a", R"({"marker":99,"version":1,"data":"5a"})"},
         {"a version to come", 3, "4002080000000102", R"({"marker":64,"version":2,"data":"0102"})"},
@@ -87,10 +79,10 @@ TEST(ContentJson, KeepsWhatFieldsCannotSayAsHexadecimalDigits) {
          R"("trailing":"20")"},
         {"nothing", 4, "", R"("records":[])"},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.what);
-        const FlashSection section{row.type, 0, fromHex(row.data).value()};
-        EXPECT_THAT(nlohmann::ordered_json::parse(toJson(1, section)).dump(), HasSubstr(row.json));
+    for (const auto& [what, type, data, json] : rows) {
+        SCOPED_TRACE(what);
+        const FlashSection section{type, 0, fromHex(data).value()};
+        EXPECT_THAT(nlohmann::ordered_json::parse(toJson(1, section)).dump(), HasSubstr(json));
         EXPECT_EQ(passedOn({{1, section}}), (FlashContent{{1, section}}));
     }
 }

@@ -87,12 +87,7 @@ TEST_F(StreamTest, TellsTheEndSilenceUnpluggingAndFailureApart) {
             return ReadBufferStatus_TOO_SMALL;
         };
     };
-    const struct {
-        FakeStep step;
-        Failure::Code code;
-        const char* text;
-        Stream::State state;
-    } cases[]{
+    const std::tuple<FakeStep, Failure::Code, const char*, Stream::State> cases[]{
         {[](auto...) { return ReadBufferStatus_NOT_STREAMING; }, Failure::None, "", Stream::State::Ended},
         {[](auto...) { return ReadBufferStatus_TIMEOUT; }, Failure::TimedOut,
          "nothing came from LEFT for 0.05 s; 1 frames had come", Stream::State::Streaming},
@@ -113,26 +108,25 @@ TEST_F(StreamTest, TellsTheEndSilenceUnpluggingAndFailureApart) {
          Failure::Failed, "bytes into a buffer of", Stream::State::Failed},
         {wants(0), Failure::Failed, "does not take one of", Stream::State::Failed},
         {wants(1 << 30), Failure::Failed, "does not take one of", Stream::State::Failed}};
-    for (const auto& row : cases) {
+    for (const auto& [step, code, text, state] : cases) {
         const auto left = std::make_shared<FakeCamera>();
         Stream stream = left->stream();
         left->frame(1, 0);
-        left->then(row.step);
+        left->then(step);
         EXPECT_TRUE(stream.next(soon));
         for (int round = 0; round < 2; ++round) {
-            const auto limit =
-                row.code == Failure::TimedOut && row.state == Stream::State::Streaming ? 50ms : soon;
-            if (row.code == Failure::None) {
+            const auto limit = code == Failure::TimedOut && state == Stream::State::Streaming ? 50ms : soon;
+            if (code == Failure::None) {
                 EXPECT_FALSE(stream.next(limit));
                 continue;
             }
-            EXPECT_EQ(codeOf([&] { (void)stream.next(limit); }), row.code) << row.text;
+            EXPECT_EQ(codeOf([&] { (void)stream.next(limit); }), code) << text;
         }
         EXPECT_THAT(messageOf<Failure>([&] { (void)stream.next(0ms); }),
-                    HasSubstr(row.code == Failure::TimedOut && row.state == Stream::State::Streaming
+                    HasSubstr(code == Failure::TimedOut && state == Stream::State::Streaming
                                   ? "nothing came from LEFT"
-                                  : (row.code == Failure::None ? "nothing was thrown" : row.text)));
-        EXPECT_EQ(stream.state(), row.state) << row.text;
+                                  : (code == Failure::None ? "nothing was thrown" : text)));
+        EXPECT_EQ(stream.state(), state) << text;
     }
 }
 
@@ -191,10 +185,7 @@ TEST_F(StreamTest, WakesWhoeverWaitsWhenItIsStopped) {
 }
 
 TEST_F(StreamTest, EndsInTwoSecondsWhateverHangsAndTellsIt) {
-    const struct {
-        const char* note;
-        std::function<void(FakeCamera&)> prepare;
-    } cases[]{
+    const std::pair<const char*, std::function<void(FakeCamera&)>> cases[]{
         {"LEFT does not return from reading; 0 frames had come; it is left behind",
          [](FakeCamera& left) {
              left.then([&left](auto...) {
@@ -204,20 +195,20 @@ TEST_F(StreamTest, EndsInTwoSecondsWhateverHangsAndTellsIt) {
          }},
         {"cannot stop the stream of LEFT", [](FakeCamera& left) { left.onStop = [&left] { left.hang(); }; }},
         {"cannot close LEFT", [](FakeCamera& left) { left.onClose = [&left] { left.hang(); }; }}};
-    for (const auto& row : cases) {
+    for (const auto& [note, prepare] : cases) {
         const auto left = std::make_shared<FakeCamera>();
-        row.prepare(*left);
+        prepare(*left);
         std::optional<Stream> stream = left->stream();
         ASSERT_TRUE(left->waitForReads(1));
         const auto begin = steady_clock::now();
         stream.reset();
-        EXPECT_LT(steady_clock::now() - begin, 2500ms) << row.note;
-        EXPECT_THAT(left->notes, testing::Contains(HasSubstr(row.note)));
+        EXPECT_LT(steady_clock::now() - begin, 2500ms) << note;
+        EXPECT_THAT(left->notes, testing::Contains(HasSubstr(note)));
         EXPECT_EQ(left->gone, 0);
         left->release();
         for (int tries = 0; tries < 2000 && left->gone == 0; ++tries)
             std::this_thread::sleep_for(10ms);
-        EXPECT_EQ(left->gone, 1) << "what comes back after all goes: " << row.note;
+        EXPECT_EQ(left->gone, 1) << "what comes back after all goes: " << note;
     }
 }
 

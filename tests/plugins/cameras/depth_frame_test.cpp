@@ -25,20 +25,16 @@ Plane planesOf(std::uint32_t number, std::uint32_t seed = 1) {
 }
 
 TEST(DepthFrame, IsMadeOfWhatTheSensorSendsAndOfNothingElse) {
-    const struct {
-        RawOutputMode mode;
-        std::uint32_t megahertz;
-        int depthTolerance; // millimetres, where light is plenty
-        bool keepsConfidence;
-    } rows[]{{RawOutputMode_PHASE, 20, 0, false},
-             {RawOutputMode_PHASE_AND_CONFIDENCE, 10, 0, true},
-             {RawOutputMode_TAPS, 20, 3, true}};
+    const std::tuple<RawOutputMode, std::uint32_t, int, bool> rows[]{
+        {RawOutputMode_PHASE, 20, 0, false},
+        {RawOutputMode_PHASE_AND_CONFIDENCE, 10, 0, true},
+        {RawOutputMode_TAPS, 20, 3, true}};
     const Plane sent = planesOf(40, 3);
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.mode);
-        std::vector<std::uint8_t> frame(rawFrameBytes(row.mode));
+    for (const auto& [mode, megahertz, depthTolerance, keepsConfidence] : rows) {
+        SCOPED_TRACE(mode);
+        std::vector<std::uint8_t> frame(rawFrameBytes(mode));
         std::vector<std::uint8_t> node(depthFrameBytes);
-        encodeRawFrame({row.mode, row.megahertz, 40}, sent.data(), sent.data() + pixelCount, frame.data());
+        encodeRawFrame({mode, megahertz, 40}, sent.data(), sent.data() + pixelCount, frame.data());
         ASSERT_TRUE(makeDepthFrame(frame.data(), frame.size(), node.data()));
         Plane back(3 * pixelCount); // depth, confidence, phase
         std::memcpy(back.data(), node.data(), depthFrameBytes);
@@ -46,9 +42,9 @@ TEST(DepthFrame, IsMadeOfWhatTheSensorSendsAndOfNothingElse) {
             const int confidence = sent[pixelCount + i];
             ASSERT_EQ(sent[i] == 0, back[i] == 0) << i;
             ASSERT_EQ(sent[i] == 0, back[2 * pixelCount + i] == 0) << i;
-            ASSERT_NEAR(sent[i], back[i], confidence > 100 ? row.depthTolerance : 65535) << i;
-            ASSERT_NEAR(row.keepsConfidence || sent[i] == 0 ? confidence : fullConfidence,
-                        back[pixelCount + i], 1)
+            ASSERT_NEAR(sent[i], back[i], confidence > 100 ? depthTolerance : 65535) << i;
+            ASSERT_NEAR(keepsConfidence || sent[i] == 0 ? confidence : fullConfidence, back[pixelCount + i],
+                        1)
                 << i;
         }
         for (const std::size_t size : {std::size_t{0}, rawHeaderBytes - 1, rawHeaderBytes, frame.size() - 1})

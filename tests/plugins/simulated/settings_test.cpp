@@ -19,10 +19,7 @@ std::string complaint(const std::string& text) {
 }
 
 TEST(Settings, SaysWhatIsWrongAndInWhichLine) {
-    const struct {
-        const char* text;
-        const char* expected;
-    } cases[]{
+    const std::pair<const char*, const char*> cases[]{
         {"seed 1\nsnooze 5", "faults.txt, line 2: unknown statement 'snooze'; known: seed throw hang refuse"},
         {"seed -1", "line 1: the seed must be a whole number from 0 to 4294967295, not '-1'"},
         {"seed 1 2", "line 1: unexpected '2' at the end of the line"},
@@ -33,8 +30,8 @@ TEST(Settings, SaysWhatIsWrongAndInWhichLine) {
         {"transfer 0 fail", "the number of the transfer must be 1 to 4294967295, not 0"},
         {"transfer 1 explode", "unknown transfer fault 'explode'; known: hang fail late short long corrupt"},
     };
-    for (const auto& row : cases)
-        EXPECT_THAT(complaint(row.text), HasSubstr(row.expected)) << row.text;
+    for (const auto& [text, expected] : cases)
+        EXPECT_THAT(complaint(text), HasSubstr(expected)) << text;
 }
 
 TEST(Settings, ComeFromTheEnvironmentOrTheFileItNames) {

@@ -77,10 +77,7 @@ TEST_F(Cameras, StreamInTheModeThatIsNamed) {
     EXPECT_THAT(modes({"DEFF2FR60CM1S0,320x240@60,AUCH2BPS16SR48000", "--color", "--audio"}),
                 ElementsAre("DEFF2FR60CM1S0", "COFF2FR60PLF0COMP0", "AUCH2BPS16SR48000"));
 
-    const struct {
-        const char* words;
-        const char* message;
-    } wrong[]{
+    const std::pair<const char*, const char*> wrong[]{
         {"640x480",
          "LEFT has no mode 640x480; it has DEFF2FR60CM0S0 (320x240@60), DEFF2FR60CM1S0 (320x240@60)"},
         {"320x", "has no mode 320x;"},
@@ -88,10 +85,10 @@ TEST_F(Cameras, StreamInTheModeThatIsNamed) {
         {"320x240,160x120", "320x240 and 160x120 are for the same streams"},
         {"", "is empty"},
     };
-    for (const auto& row : wrong) {
-        const ToolRun run = ToolTest::run({"stream", "--mode", row.words});
-        EXPECT_EQ(run.exitCode, 2) << row.words << run.err;
-        EXPECT_THAT(run.err, HasSubstr(row.message)) << row.words;
+    for (const auto& [words, message] : wrong) {
+        const ToolRun run = ToolTest::run({"stream", "--mode", words});
+        EXPECT_EQ(run.exitCode, 2) << words << run.err;
+        EXPECT_THAT(run.err, HasSubstr(message)) << words;
     }
     EXPECT_THAT(run({"info", "--camera", "LEFT"}).out, HasSubstr("DEFF2FR60CM1S0"));
 }
@@ -119,24 +116,21 @@ TEST_F(Cameras, StreamAllTheyHaveAtOnce) {
 }
 
 TEST_F(Cameras, ThatFailDoNotStopTheOthers) {
-    const struct {
-        const char* settings;
-        int exitCode;
-    } cases[]{
+    const std::pair<const char*, int> cases[]{
         {"throw io at video.readBuffer after 3", 1},
         {"throw timeout at video.open", 7},
         {"throw unauthorizedAccess at video.enableDepth", 5},
     };
-    for (const auto& row : cases) {
-        plug(std::string(R"({"model": "ZS570", "serialNumber": "LEFT", "settings": ")") + row.settings +
-             "\"}," + right);
+    for (const auto& [settings, exitCode] : cases) {
+        plug(std::string(R"({"model": "ZS570", "serialNumber": "LEFT", "settings": ")") + settings + "\"}," +
+             right);
         const ToolRun run =
             ToolTest::run({"stream", "--all", "--frames", "15", "--raw", path("d.raw"), "--json"});
-        EXPECT_EQ(run.exitCode, row.exitCode) << row.settings << run.err;
-        EXPECT_THAT(run.err, HasSubstr("LEFT")) << row.settings;
-        EXPECT_FALSE(exists("d.LEFT.raw")) << row.settings;
-        EXPECT_TRUE(exists("d.RIGHT.raw")) << row.settings;
-        EXPECT_THAT(run.out, AllOf(HasSubstr("\"received\": 15"))) << row.settings;
+        EXPECT_EQ(run.exitCode, exitCode) << settings << run.err;
+        EXPECT_THAT(run.err, HasSubstr("LEFT")) << settings;
+        EXPECT_FALSE(exists("d.LEFT.raw")) << settings;
+        EXPECT_TRUE(exists("d.RIGHT.raw")) << settings;
+        EXPECT_THAT(run.out, AllOf(HasSubstr("\"received\": 15"))) << settings;
     }
 }
 
@@ -180,21 +174,17 @@ TEST_F(Cameras, KeepParametersWithinTheirRange) {
         EXPECT_EQ(run({"params", "get", "2", "--json"}).json().at("parameters").at(0).at("value"), 40);
     }
 
-    const struct {
-        const char* word;
-        int exitCode;
-        const char* message;
-    } wrong[]{
+    const std::tuple<const char*, int, const char*> wrong[]{
         {"0=200", 1, "value out of range"},  {"12=1", 1, "cannot set parameter 12 to 1: it can only be read"},
         {"0=nan", 2, "takes a number"},      {"0=[[1]]", 2, "takes a number, not \"[[1]]\""},
         {"16=1", 2, "'16' is no parameter"}, {"-1=1", 2, ""},
         {"0", 2, "PARAMETER=VALUE"},         {"4=1.5", 2, "takes a whole number"},
         {"7=1", 2, "takes true or false"},   {"13=1,2,3", 2, "takes x, y, width and height"},
     };
-    for (const auto& row : wrong) {
-        const ToolRun run = ToolTest::run({"params", "set", row.word});
-        EXPECT_EQ(run.exitCode, row.exitCode) << row.word << run.err;
-        EXPECT_THAT(run.err, HasSubstr(row.message)) << row.word;
+    for (const auto& [word, exitCode, message] : wrong) {
+        const ToolRun run = ToolTest::run({"params", "set", word});
+        EXPECT_EQ(run.exitCode, exitCode) << word << run.err;
+        EXPECT_THAT(run.err, HasSubstr(message)) << word;
     }
 }
 
@@ -208,20 +198,17 @@ TEST_F(Cameras, SaveAndLoadParameters) {
     EXPECT_EQ(run({"params", "load", path("q.json"), "--dry-run"}).out, "0: 80 -> 12.5\n");
     EXPECT_EQ(run({"params", "load", path("q.json")}).out, "0: 80 -> 12.5\n") << "the first only tried";
 
-    const struct {
-        const char* text;
-        const char* message;
-    } wrong[]{
+    const std::pair<const char*, const char*> wrong[]{
         {R"({"schema":1,"values":{"0":50,"4":3}})",
          "': /values/4: cannot set parameter 4 to 3: value out of"},
         {R"({"schema":1,"values":{"12":3}})",
          "': /values/12: cannot set parameter 12 to 3: it can only be read"},
     };
-    for (const auto& row : wrong) {
-        Utils::writeFile(path("w.json"), row.text);
+    for (const auto& [text, message] : wrong) {
+        Utils::writeFile(path("w.json"), text);
         const ToolRun run = ToolTest::run({"params", "load", path("w.json"), "--dry-run"});
-        EXPECT_EQ(run.exitCode, 1) << row.message;
-        EXPECT_THAT(run.err, AllOf(HasSubstr("w.json'"), HasSubstr(row.message)));
+        EXPECT_EQ(run.exitCode, 1) << message;
+        EXPECT_THAT(run.err, AllOf(HasSubstr("w.json'"), HasSubstr(message)));
     }
 }
 

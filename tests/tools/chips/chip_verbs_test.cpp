@@ -93,11 +93,7 @@ TEST_F(ChipVerbs, ReadAndWriteWhatTheyName) {
 }
 
 TEST_F(ChipVerbs, NameTheRangeOfAValueThatIsOutOfIt) {
-    const struct {
-        std::vector<std::string> arguments;
-        int exitCode;
-        const char* text;
-    } rows[] = {
+    const std::tuple<std::vector<std::string>, int, const char*> rows[]{
         {{"reg", "write", "tof", "29", "0x10000", "--camera", "OV0570"},
          Failure::Usage,
          "on the OV0570: 0 to 0xFFFF"},
@@ -123,10 +119,10 @@ TEST_F(ChipVerbs, NameTheRangeOfAValueThatIsOutOfIt) {
         {{"reg", "read", "tof", "1", "--camera", ""}, Failure::Usage, "name of the camera is empty"},
         {{"reg", "read", "tof", "1", "--direct", "--camera", "SIM0570"}, Failure::Usage, "no controller"},
     };
-    for (const auto& row : rows) {
-        const ToolRun run = ToolTest::run(row.arguments);
-        EXPECT_EQ(run.exitCode, row.exitCode) << run.err;
-        EXPECT_THAT(run.err, HasSubstr(row.text));
+    for (const auto& [arguments, exitCode, text] : rows) {
+        const ToolRun run = ToolTest::run(arguments);
+        EXPECT_EQ(run.exitCode, exitCode) << run.err;
+        EXPECT_THAT(run.err, HasSubstr(text));
         EXPECT_EQ(run.out, "");
     }
 }

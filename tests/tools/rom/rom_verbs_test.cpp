@@ -162,11 +162,7 @@ TEST_F(RomVerbs, AnswerBadInputAndLeaveTheImageAlone) {
     const std::string guarded = file("guarded.bin", before);
     std::filesystem::permissions(TestSupport::TemporaryDirectory::fromUtf8(guarded),
                                  std::filesystem::perms::owner_read);
-    const struct {
-        std::vector<std::string> arguments;
-        int exitCode;
-        const char* text;
-    } rows[] = {
+    const std::tuple<std::vector<std::string>, int, const char*> rows[]{
         {{"verify", none}, Failure::Verification, "is empty"},
         {{"verify", path("missing.bin")}, Failure::Failed, "missing.bin"},
         {{"verify", path()}, Failure::Failed, "no file"},
@@ -194,27 +190,24 @@ TEST_F(RomVerbs, AnswerBadInputAndLeaveTheImageAlone) {
         {{"create", path("new.bin"), "--size", "20"}, Failure::Usage, "no room"},
         {{"verify", "camera:OV9999"}, Failure::NoDevice, "OV9999"},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.text);
-        refused(row.arguments, row.exitCode, row.text);
+    for (const auto& [arguments, exitCode, text] : rows) {
+        SCOPED_TRACE(text);
+        refused(arguments, exitCode, text);
     }
     EXPECT_EQ(Utils::readFile(image), before);
 }
 
 /// What a run writes, the next one reads: the flash is kept in a file.
 TEST_F(RomVerbs, WorkOnTheFlashOfEachCamera) {
-    const struct {
-        const char* chip;
-        const char* model;
-        bool isWritable;
-    } rows[] = {{"OV0570", "ZS570", true}, {"VC0345", "ZS345", true}, {"VC0258", "ZS258", false}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.chip);
-        const std::string kept = path(std::string(row.chip) + ".flash");
-        const SimulatedFaults settings(std::string("chip ") + row.chip + ";keepFlash " + kept);
+    const std::tuple<const char*, const char*, bool> rows[]{
+        {"OV0570", "ZS570", true}, {"VC0345", "ZS345", true}, {"VC0258", "ZS258", false}};
+    for (const auto& [chip, model, isWritable] : rows) {
+        SCOPED_TRACE(chip);
+        const std::string kept = path(std::string(chip) + ".flash");
+        const SimulatedFaults settings(std::string("chip ") + chip + ";keepFlash " + kept);
         const TestSupport::ScopedVariable camera(
             Simulated::SimulatedBus::variable,
-            file("bus.json", std::string(R"({"format": 1, "cameras": [{"model": ")") + row.model + "\"}]}"));
+            file("bus.json", std::string(R"({"format": 1, "cameras": [{"model": ")") + model + "\"}]}"));
         EXPECT_THAT(done({"info"}), AllOf(HasSubstr("16384 bytes at 0x00000000, chunks of 256"),
                                           HasSubstr("table 0: frequency")));
         EXPECT_THAT(done({"verify", "--direct", "--size", "0x4000"}),
@@ -224,7 +217,7 @@ TEST_F(RomVerbs, WorkOnTheFlashOfEachCamera) {
             file("example.json", Utils::readFile(ZENTARA_EXAMPLES "/camera_rom.json"));
         const std::vector<std::string> set{"set",   "4",        "--type", "4", "--hex", "2001080000000301",
                                            "--yes", "--backup", fresh()};
-        if (!row.isWritable) {
+        if (!isWritable) {
             refused(set, Failure::Permission, "has no way to write it");
             refused({"import", example, "--yes"}, Failure::Permission, "has no way to write it");
             EXPECT_EQ(Utils::readFile(kept), before);
@@ -243,7 +236,7 @@ TEST_F(RomVerbs, WorkOnTheFlashOfEachCamera) {
         EXPECT_EQ(Utils::readFile(kept).substr(Simulated::romSize), before.substr(Simulated::romSize));
         done({"import", example, "--backup", fresh()});
         EXPECT_EQ(done({"export"}), Utils::readFile(example));
-        if (row.chip == std::string("VC0345")) // the example is of a camera with the other controller
+        if (chip == std::string("VC0345")) // the example is of a camera with the other controller
             refused({"restore", original, "--yes"}, Failure::Usage,
                     "(systemInfo, 30 bytes) would be another\n  the camera's GUID would change: "
                     "5a540057-0536-4001-8053-360000000057 -> 5a540045-0536-4001-8053-360000000045\n--other-");
