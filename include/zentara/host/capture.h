@@ -43,7 +43,7 @@ public:
 
     /// \param opened a stream that waits for start()
     Capture(Stream opened, const CaptureRules& wanted);
-    ~Capture();
+    virtual ~Capture();
     Capture(const Capture&) = delete;
     Capture& operator=(const Capture&) = delete;
 

@@ -113,8 +113,8 @@ TEST_F(SharedStream, IsReadByOthersWhomTheFirstDoesNotWaitFor) {
     std::uint64_t gone = 0;
     for (int frame = 0; frame < 4; ++frame) // two that were fetched before it was late
         gone += slow.next(beforeLong).value().droppedBefore();
-    EXPECT_GT(gone, 0U);
-    EXPECT_EQ(gone, slow.counts().missed);
+    EXPECT_GT(slow.counts().missed, 0U);
+    EXPECT_GE(gone, slow.counts().missed) << "and what the device itself dropped";
 
     first.stop();
     const auto drain = [&] {
