@@ -137,7 +137,7 @@ void describe(CLI::App& app, Options& options) {
     app.add_option("--fault", options.faults,
                    "what goes wrong, as 'PLACE KIND [after N] [times N] [reason N]'; may be told more than "
                    "once. PLACE: unit length "
-                   "info control probe commit interface frame sound. KIND: stall short silent unplug");
+                   "info control probe commit interface frame sound. KIND: stall short zero silent unplug");
     app.add_option("--configuration", options.configurationFile,
                    "a file with the configuration descriptor to show instead of its own");
     app.add_flag("--descriptors", options.showDescriptors,

@@ -113,6 +113,8 @@ void UsbCamera::takeControl(UsbCable& cable, const UsbRequest& request) {
         return cable.answer(request, UsbStatus::Stalled, {});
     data->resize(std::min<std::size_t>(data->size(), setup.length));
     std::size_t taken = request.data.size();
+    if (fault == UsbFaults::Kind::Zero)
+        std::fill(data->begin(), data->end(), std::uint8_t{0});
     if (fault == UsbFaults::Kind::Short) {
         data->resize(data->size() / 2);
         taken /= 2;

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::array placeNames{"unit",   "length",    "info",  "control", "probe",
                                 "commit", "interface", "frame", "sound"};
-constexpr std::array kindNames{"stall", "short", "silent", "unplug"}; // from Kind::Stall on
+constexpr std::array kindNames{"stall", "short", "zero", "silent", "unplug"}; // from Kind::Stall on
 
 template<std::size_t Count>
 std::size_t indexOf(const std::array<const char*, Count>& names, const std::string& word,

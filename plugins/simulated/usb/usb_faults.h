@@ -22,6 +22,7 @@ struct Unplugged {};
 ///             sound      a packet of the microphone's
 ///     KIND    stall      refused
 ///             short      fewer bytes come than were asked; a picture ends in its middle
+///             zero       as many bytes as were asked, all of them 0
 ///             silent     no answer, ever; no picture from there on
 ///             unplug     the camera is pulled out
 ///
@@ -30,7 +31,8 @@ struct Unplugged {};
 class UsbFaults final {
 public:
     enum class Place : std::uint8_t { Unit, Length, Info, Control, Probe, Commit, Interface, Frame, Sound };
-    enum class Kind : std::uint8_t { None, Stall, Short, Silent, Unplug }; // the last one is only thrown
+    /// The last one is only thrown.
+    enum class Kind : std::uint8_t { None, Stall, Short, Zero, Silent, Unplug };
 
     /// \throws std::invalid_argument that says what is wrong with the sentence
     void add(const std::string& sentence);

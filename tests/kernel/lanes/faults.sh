@@ -94,3 +94,19 @@ test_hostile_descriptors_harm_nobody() {
     same_pictures "$TMPDIR/z16" 2 --coding z16
 }
 is_there() { ! is_gone "$1"; }
+
+# The kernel complains of pictures and of transfers of no bytes, whoever asks for them. The tool does not ask a unit for such.
+test_lengths_of_zero_make_the_kernel_warn() {
+    expect_kernel_warning 'vb2_core_reqbufs|usb_submit_urb'
+    plug K2 2 --camera ZS570 --no-microphone --fault 'length zero'
+    use_real_cameras
+    expect 'control 1  0 bytes' zentara xu list --camera K2
+    warnings 0
+    [ -z "$($xu "$(node_of K2 0)" 6 1 get 0)" ]
+    warnings 1
+    plug K1 2 --camera plain --no-microphone --fault 'probe zero after 6'
+    v4l2-ctl -d "$(node_of K1 0)" -v width=320,height=240 --stream-mmap --stream-count=1 --stream-to="$TMPDIR/jpeg" >"$TMPDIR/said" 2>&1 || true
+    [ ! -s "$TMPDIR/jpeg" ]
+    warnings 2
+}
+warnings() { [ "$(dmesg | sed '1,/zentara: test lengths_of/d' | grep -c WARNING:)" = "$1" ]; }
