@@ -63,7 +63,7 @@ struct Hand::State final : StepWatcher {
     void leave(StepWatcher* watcher) const ZENTARA_REQUIRES(lock);
     /// What is under way: the innermost step. Empty when nothing is.
     [[nodiscard]] std::string words() const ZENTARA_REQUIRES(lock);
-    /// The same, and for how long.
+    /// The same, and for how long; or that nothing is.
     [[nodiscard]] std::string doing() const ZENTARA_REQUIRES(lock);
 
     Utils::Threading::Mutex lock;
@@ -207,6 +207,8 @@ Failure Hand::State::giveUp(Job& job, milliseconds limit) {
 }
 
 std::string Hand::State::doing() const {
+    if (steps.empty())
+        return "its thread, which has nothing else to do, was not given the time to begin";
     return Format("what came before has not come back for %: %") % secondsText(steady_clock::now() - since) %
            words();
 }
