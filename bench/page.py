@@ -49,7 +49,7 @@ def growth_table():
 def chart():
     """A bar for each ratio, as a share of its aim: what stays left of the line is met."""
     height, left, line = 22, 330, 620
-    yield (f'<svg xmlns="http://www.w3.org/2000/svg" width="960" height="{height * len(ratios) + 40}" font-family="sans-serif" '
+    yield (f'<svg xmlns="http://www.w3.org/2000/svg" width="1010" height="{height * len(ratios) + 40}" font-family="sans-serif" '
            'font-size="12">')
     yield '<rect width="100%" height="100%" fill="white"/>'
     for index, row in enumerate(ratios):
@@ -60,7 +60,7 @@ def chart():
         name = f"{row['group']} / {row['peer']}".replace("_", " ")
         yield f'<text x="{left - 8}" y="{top + 14}" text-anchor="end">{name}</text>'
         yield f'<rect x="{left}" y="{top + 2}" width="{width:.0f}" height="{height - 6}" fill="{color}"/>'
-        yield f'<text x="{left + width + 6:.0f}" y="{top + 14}">{row["ratio"]:.2f} of {row["aim"]:g}</text>'
+        yield f'<text x="{max(left + width, line) + 6:.0f}" y="{top + 14}">{row["ratio"]:.2f} of {row["aim"]:g}</text>'
     bottom = 10 + len(ratios) * height
     yield f'<line x1="{line}" y1="6" x2="{line}" y2="{bottom}" stroke="black"/>'
     yield f'<text x="{line}" y="{bottom + 16}" text-anchor="middle">the aim</text>'
