@@ -13,17 +13,18 @@
 
 namespace {
 
-/// What has no constructor comes from the module alone: an object without its C++ part, as `__new__` makes one, would be
-/// read as if it had it.
-void takeNewFromWhatHasNoConstructor(const pybind11::module_& module) {
+[[noreturn]] void* refuseToMake(std::size_t) {
+    throw pybind11::type_error("the object was made by __new__ alone, without its constructor");
+}
+
+/// An object that `__new__` alone has made has no C++ part; at its first use, pybind11 would take memory for one, and
+/// leave it as it is.
+void requireConstructors(const pybind11::module_& module) {
     for (const auto& [name, member] : pybind11::cast<pybind11::dict>(module.attr("__dict__"))) {
-        // Without a constructor of the module's, `__init__` is the interpreter's own, and refuses.
-        if (!PyType_Check(member.ptr()) ||
-            !PyObject_TypeCheck(member.attr("__init__").ptr(), &PyWrapperDescr_Type))
+        if (!PyType_Check(member.ptr()))
             continue;
-        auto* const type = reinterpret_cast<PyTypeObject*>(member.ptr());
-        type->tp_new = nullptr;
-        PyType_Modified(type);
+        if (auto* const type = pybind11::detail::get_type_info(reinterpret_cast<PyTypeObject*>(member.ptr())))
+            type->operator_new = &refuseToMake;
     }
 }
 
@@ -65,6 +66,6 @@ PYBIND11_MODULE(_zentara, module) {
     bindWatch(module);
     bindRecordings(module);
     bindPictures(module);
-    takeNewFromWhatHasNoConstructor(module);
+    requireConstructors(module);
     module.attr("__name__") = ownName;
 }

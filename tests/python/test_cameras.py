@@ -36,8 +36,22 @@ def test_frames_are_read_only_views_that_outlive_their_camera() -> None:
     del frame
     gc.collect()
     assert numpy.array_equal(kept[0], before) and before.any()
-    with pytest.raises(TypeError):
-        zentara.Frame.__new__(zentara.Frame)
+
+
+def test_what_new_alone_has_made_is_refused() -> None:
+    uses: List[Tuple[Any, Callable[[Any], object]]] = [
+        (zentara.Frame, lambda made: made.depth),
+        (zentara.FlashImage, lambda made: made.survey()),
+        (zentara.PointCloud, len),
+        (zentara.Recorder, lambda made: made.add(None)),
+        (zentara.Recorder, lambda made: made.commit()),
+        (zentara.Recording, next),
+        (zentara.Watch, lambda made: made.next(0)),
+        (zentara.Mode, lambda made: made == made),
+    ]
+    for kind, use in uses:
+        with pytest.raises((TypeError, RuntimeError)):
+            use(kind.__new__(kind))
 
 
 def test_recordings_give_the_same_frames_without_their_camera(camera: zentara.Camera, tmp_path: pathlib.Path) -> None:
