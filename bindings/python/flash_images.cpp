@@ -22,6 +22,7 @@ using namespace pybind11::literals;
 using Host::FlashArea;
 using Host::FlashImage;
 using Host::FlashSurvey;
+using Image = std::shared_ptr<FlashImage>;
 
 py::object headerOf(const std::optional<Host::SurveyedHeader>& header) {
     if (!header)
@@ -37,8 +38,8 @@ py::dict dictionaryOf(const Host::SurveyedSection& section) {
                     "is_writable"_a = section.content.isWritable());
 }
 
-py::dict surveyOf(const FlashImage& image) {
-    const FlashSurvey survey = released([&] { return Host::surveyOf(image); });
+py::dict surveyOf(const Image& image) {
+    const FlashSurvey survey = aside([image] { return Host::surveyOf(*image); });
     py::list sections;
     for (const Host::SurveyedBlock& block : survey.blocks) {
         if (block.section)
@@ -58,8 +59,8 @@ py::dict surveyOf(const FlashImage& image) {
                     "is_faulty"_a = survey.isFaulty(), "is_chain_broken"_a = survey.isChainBroken);
 }
 
-py::dict salvageOf(const FlashImage& image) {
-    Host::FlashSalvage found = released([&] { return Host::salvageOf(image); });
+py::dict salvageOf(const Image& image) {
+    Host::FlashSalvage found = aside([image] { return Host::salvageOf(*image); });
     return py::dict("content"_a = contentOf(found.content), "lines"_a = textsOf(found.lines),
                     "image"_a = found.image ? py::cast(std::make_shared<FlashImage>(std::move(*found.image)))
                                             : py::object(py::none()),
@@ -67,9 +68,10 @@ py::dict salvageOf(const FlashImage& image) {
 }
 
 /// The values are arrays of their own.
-py::list tablesOf(const FlashImage& image) {
+py::list tablesOf(const Image& image) {
     py::list sections;
-    for (const Host::CorrectionSection& section : Host::correctionsOf(Host::contentOf(image))) {
+    const auto found = aside([image] { return Host::correctionsOf(Host::contentOf(*image)); });
+    for (const Host::CorrectionSection& section : found) {
         py::list tables;
         for (const Host::CorrectionTable& table : section.tables)
             tables.append(py::dict("megahertz"_a = table.megahertz,
@@ -91,8 +93,8 @@ py::array_t<std::uint8_t> pictureOf(const Rows<std::uint8_t>& values, const std:
     return arrayOf(released([&] { return Host::pictureOf(table, title, width, scale).picture; }));
 }
 
-Host::FlashMap mapOf(const FlashImage& image) {
-    return released([&] { return Host::FlashMap(Host::surveyOf(image)); });
+Host::FlashMap mapOf(const Image& image) {
+    return aside([image] { return Host::FlashMap(Host::surveyOf(*image)); });
 }
 
 } // namespace
@@ -131,13 +133,11 @@ void bindFlashImages(py::module_& module) {
         .def("salvage", &salvageOf, "Every whole section that it holds, also where no link leads any more.")
         .def("correction_tables", &tablesOf, "The tables of distortion correction that it holds.")
         .def(
-            "map", [](const FlashImage& image) { return text(mapOf(image).text()); },
+            "map", [](const Image& image) { return text(mapOf(image).text()); },
             "What stands where, as rows of characters.")
         .def(
             "draw",
-            [](const FlashImage& image, const std::string& title) {
-                return arrayOf(mapOf(image).picture(title));
-            },
+            [](const Image& image, const std::string& title) { return arrayOf(mapOf(image).picture(title)); },
             "title"_a, "The same as a picture: (height, width, 3) bytes.");
     module.def("draw_correction", &pictureOf, "values"_a, "title"_a, py::kw_only(), "width"_a = 0,
                "scale"_a = 0, "A correction table in colours: (height, width, 3) bytes.");

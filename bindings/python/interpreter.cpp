@@ -15,7 +15,7 @@ constexpr std::chrono::milliseconds patience{2000};
 
 std::atomic<bool> isUsed{false};
 std::atomic<bool> isForked{false};
-std::atomic<bool> isEnding{false};
+std::atomic<bool> hasBegunToEnd{false};
 std::atomic<unsigned> forkCount{0};
 
 /// Something that the end of the interpreter ends.
@@ -68,7 +68,7 @@ void endAll(std::vector<Open> all, Clock::time_point deadline) {
 /// Python's atexit. Threads that wait in a stream are woken and go back into Python, where the interpreter deals with
 /// them; those that do not come within the time never return.
 void endInterpreter() {
-    if (isForked || isEnding.exchange(true))
+    if (hasBegunToEnd.exchange(true))
         return;
     Outside& all = outside();
     PyThreadState* const state = PyEval_SaveThread();
@@ -95,14 +95,16 @@ void requireUsable() {
             Host::Failure::Usage, "cannot use cameras in a forked process",
             "the process that it was forked from had used cameras, whose threads did not come along",
             "fork before the first use, or start processes with multiprocessing's \"spawn\"");
-    if (isEnding)
+    if (hasBegunToEnd)
         throw Host::Failure(Host::Failure::Usage, "cannot use cameras any more", "the interpreter is ending");
     isUsed = true;
 }
 
 unsigned forks() noexcept { return forkCount; }
 
-bool isLeftBehind() noexcept { return isForked || isEnding; }
+bool isEnding() noexcept { return hasBegunToEnd; }
+
+bool isLeftBehind() noexcept { return isForked || hasBegunToEnd; }
 
 Host::Note notes() {
     return [](const std::string& text) {
@@ -157,8 +159,6 @@ void Detail::endAtExit(std::weak_ptr<void> thing, std::function<void(void*)> end
 }
 
 PyThreadState* Detail::leave() {
-    if (isForked)
-        return nullptr;
     {
         const std::lock_guard hold(outside().lock);
         if (outside().isGone)

@@ -42,6 +42,9 @@ void requireUsable();
 /// How many forks lie between this process and the one that loaded the module.
 [[nodiscard]] unsigned forks() noexcept;
 
+/// Whether atexit has begun.
+[[nodiscard]] bool isEnding() noexcept;
+
 /// Whether objects are to be left behind instead of being destroyed: their threads are not in this process, or the
 /// interpreter has gone.
 [[nodiscard]] bool isLeftBehind() noexcept;
@@ -64,7 +67,7 @@ void bindInterpreter(py::module_& module);
 namespace Detail {
 void endAtExit(std::weak_ptr<void> thing, std::function<void(void*)> end);
 /// Gives the interpreter's lock away, and takes it back; the latter does not return once the interpreter has gone. Null
-/// when there is nobody to give it to.
+/// when it has gone before.
 [[nodiscard]] PyThreadState* leave();
 void comeBack(PyThreadState* state);
 } // namespace Detail
@@ -157,6 +160,10 @@ public:
         std::unique_lock hold(lock);
         return ended.wait_for(hold, slice, [this] { return isDone; });
     }
+    void waitForEnd() {
+        std::unique_lock hold(lock);
+        ended.wait(hold, [this] { return isDone; });
+    }
 
     // Once it has ended: what came of it.
     [[nodiscard]] bool hasFailed() const noexcept { return failure != nullptr; }
@@ -176,29 +183,45 @@ private:
 };
 
 /// Waits for a job without the interpreter's lock. \param look is called now and then with the lock, and may throw:
-/// then the job is left behind
+/// then the job is left behind, and the end of the interpreter gives it the time that it gives to streams
 template<typename Work, typename Look>
-void await(Job<Work>& job, Look look) {
+void await(const std::shared_ptr<Job<Work>>& job, Look look) {
     for (;;) {
         PyThreadState* const state = leave();
         if (state == nullptr)
             throw Host::Failure(Host::Failure::Interrupted, "interrupted", "the interpreter has ended");
-        const bool hasEnded = job.hasEnded();
+        const bool hasEnded = job->hasEnded();
         comeBack(state);
         if (hasEnded)
             return;
-        look();
+        try {
+            look();
+        } catch (const py::error_already_set&) {
+            Python::endAtExit<Job<Work>>(job, [](Job<Work>& left) { left.waitForEnd(); });
+            throw;
+        }
     }
 }
 } // namespace Detail
 
 /// Does long work that cannot be asked to end: on a thread of its own, while the caller waits for Ctrl-C as well. What is
-/// interrupted goes on alone, up to its own limit, and its result is dropped; so the work owns all that it touches.
+/// interrupted goes on alone, up to its own limit, and its result is dropped: so the work owns all that it touches, and
+/// what it writes is a file that takes its name once it is whole. For work without cameras, also after a fork.
+template<typename Work>
+std::invoke_result_t<Work&> aside(Work work) {
+    if (isEnding()) // nobody is left to be interrupted
+        return work();
+    const auto job = Detail::Job<Work>::start(std::move(work));
+    Detail::await(job, checkSignals);
+    return job->take();
+}
+
+/// The same for work with cameras.
 template<typename Work>
 std::invoke_result_t<Work&> interruptible(Work work) {
     requireUsable();
     const auto job = Detail::Job<Work>::start(std::move(work));
-    Detail::await(*job, checkSignals);
+    Detail::await(job, checkSignals);
     tellNotes();
     return job->take();
 }
@@ -239,7 +262,7 @@ auto reporting(const py::object& progress, bool finishes, Work work) {
         if (progress(now.first, now.second).is(py::bool_(false)))
             errand->end();
     };
-    Detail::await(*job, [&] {
+    Detail::await(job, [&] {
         try {
             checkSignals();
             tellNotes();
@@ -287,25 +310,28 @@ private:
 template<typename T>
 class OwnFile final {
 public:
-    explicit OwnFile(std::unique_ptr<T> opened) : object(std::move(opened)) {}
+    explicit OwnFile(std::shared_ptr<T> opened) : object(std::move(opened)) {}
     OwnFile(const OwnFile&) = delete;
     OwnFile& operator=(const OwnFile&) = delete;
     ~OwnFile() {
         if (born != forks())
-            static_cast<void>(object.release());
+            new std::shared_ptr<T>(std::move(object));
+        else
+            released([this] { object.reset(); });
     }
 
+    /// For the length of a call, which Ctrl-C may leave behind.
     /// \throws Host::Failure (Usage) in a child of fork
-    [[nodiscard]] T& get() const {
+    [[nodiscard]] std::shared_ptr<T> share() const {
         if (born != forks())
             throw Host::Failure(Host::Failure::Usage, "cannot use the recording in a forked process",
                                 "the process that it was forked from has opened it",
                                 "open it after the fork");
-        return *object;
+        return object;
     }
 
 private:
-    std::unique_ptr<T> object;
+    std::shared_ptr<T> object;
     const unsigned born = forks();
 };
 

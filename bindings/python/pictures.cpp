@@ -91,15 +91,14 @@ void bindPictures(py::module_& module) {
         [](const std::string& xLabel, const std::vector<py::dict>& panels) {
             std::vector<Host::PlotPanel> all;
             std::transform(panels.begin(), panels.end(), std::back_inserter(all), panelOf);
-            return arrayOf(released([&] { return Host::plot(xLabel, all); }));
+            return arrayOf(aside([xLabel, all = std::move(all)] { return Host::plot(xLabel, all); }));
         },
         "x_label"_a, "panels"_a,
         "A picture of lines, (height, width, 3) bytes: panels with axes of their own, below each other.");
     module.def(
         "write_png",
         [](const PathText& path, const Rows<std::uint8_t>& rgb) {
-            const Picture picture = pictureOf(rgb);
-            released([&] { picture.writePng(path.name); });
+            aside([picture = pictureOf(rgb), path = path.name] { picture.writePng(path); });
         },
         "path"_a, "rgb"_a, "Writes a picture of (height, width, 3) bytes as PNG, whole or not at all.");
 }

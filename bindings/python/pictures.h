@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 #include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
 #include <zentara/host/lens.h>
@@ -11,7 +13,7 @@ namespace Zentara::Python {
 namespace py = pybind11;
 
 using LensClass = py::class_<Host::Lens>;
-using PointCloudClass = py::class_<Host::PointCloud>;
+using PointCloudClass = py::class_<Host::PointCloud, std::shared_ptr<Host::PointCloud>>;
 
 /// (height, width, 3) bytes.
 [[nodiscard]] py::array_t<std::uint8_t> arrayOf(const Host::Picture& picture);

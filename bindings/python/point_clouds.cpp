@@ -79,13 +79,13 @@ void bindPointCloud(PointCloudClass& bound) {
             "The same points with the colours of another camera's picture; the pose leads to that camera.")
         .def(
             "draw",
-            [](const PointCloud& cloud, const std::string& title, double right, double up,
+            [](const std::shared_ptr<PointCloud>& cloud, const std::string& title, double right, double up,
                std::uint32_t width, std::uint32_t height, bool ownColors,
                std::optional<std::pair<double, double>> range) {
                 Host::CloudView view{right, up, width, height, ownColors, {}};
                 if (range)
                     view.range = Host::ValueRange{range->first, range->second};
-                return arrayOf(released([&] { return view.draw(cloud, title); }));
+                return arrayOf(aside([=] { return view.draw(*cloud, title); }));
             },
             "title"_a, py::kw_only(), "right"_a = 30.0, "up"_a = 20.0, "width"_a = 640, "height"_a = 480,
             "own_colors"_a = false, "range"_a = py::none(),
@@ -94,10 +94,10 @@ void bindPointCloud(PointCloudClass& bound) {
             "in its own colours, or in those of the distance, with a scale in metres.")
         .def(
             "write_ply",
-            [](const PointCloud& cloud, const PathText& path, bool binary) {
-                released([&] {
-                    cloud.writePly(path.name,
-                                   binary ? PointCloud::PlyFormat::Binary : PointCloud::PlyFormat::Text);
+            [](const std::shared_ptr<PointCloud>& cloud, const PathText& path, bool binary) {
+                aside([cloud, path = path.name, binary] {
+                    cloud->writePly(path,
+                                    binary ? PointCloud::PlyFormat::Binary : PointCloud::PlyFormat::Text);
                 });
             },
             "path"_a, py::kw_only(), "binary"_a = true);
