@@ -105,6 +105,9 @@ void bindStream(StreamClass& bound) {
         .def_property_readonly("state",
                                [](const StreamObject& self) { return nameOf(self.stream().state()); })
         .def_property_readonly("counts", &countsOf, "What has come and what has not.")
+        .def_property_readonly(
+            "sharing", [](const StreamObject& self) { return text(self.stream().sharing()); },
+            "Of a shared stream: whose frames they are, and whether others get them; else empty.")
         .def("__repr__", [](const StreamObject& self) {
             return text("<zentara.Stream " + self.stream().label() + ", " + nameOf(self.stream().state()) +
                         ">");

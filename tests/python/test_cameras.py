@@ -1,7 +1,10 @@
 """Frames, parameters, sensors and calibration of the simulated cameras."""
 import gc
 import json
+import os
 import pathlib
+import subprocess
+import sys
 import threading
 import time
 from typing import Any, Callable, Dict, Iterator, List, Optional, Tuple
@@ -52,6 +55,17 @@ def test_what_new_alone_has_made_is_refused() -> None:
     for kind, use in uses:
         with pytest.raises((TypeError, RuntimeError)):
             use(kind.__new__(kind))
+
+
+def test_a_shared_stream_tells_whose_frames_it_has(camera: zentara.Camera) -> None:
+    other = "import sys, zentara; s = zentara.open('SIM0570').depth(shared=True); next(s); print(s.sharing)"
+    with camera.depth(shared=True) as stream:
+        next(stream)
+        assert stream.sharing == "its own frames, which it gives to others"
+        told = subprocess.run([sys.executable, "-c", other], stdout=subprocess.PIPE, check=True, timeout=60).stdout
+        assert told.decode() == f"the frames of process {os.getpid()}\n"
+    with camera.depth() as stream:
+        assert next(stream) and stream.sharing == "" and stream.counts["missed"] == 0
 
 
 def test_recordings_give_the_same_frames_without_their_camera(camera: zentara.Camera, tmp_path: pathlib.Path) -> None:

@@ -134,6 +134,7 @@ class Counts(TypedDict):
     lost_by_device: int
     dropped_by_queue: int
     absences: int
+    missed: int
 
 
 class PlotPanel(TypedDict):
