@@ -41,6 +41,7 @@ std::unique_ptr<StreamObject> streamOf(const CameraObject& self, Kind kind,
         patience);
 }
 
+/// The streams are opened without beginning: the sets begin them together, once there is a reader for each.
 FrameSetsObject* setsOf(const CameraObject& self, const std::optional<std::string>& depth,
                         const std::optional<std::string>& color, const std::optional<std::string>& audio,
                         double patience, double limit, std::size_t queue) {
@@ -133,6 +134,7 @@ Host::ParameterValue valueFor(int number, const py::object& value) {
     return static_cast<std::int32_t>(whole);
 }
 
+/// The number first: it fixes the value's kind, so that 5 for a float is no mistake.
 void setParameter(const CameraObject& self, const Word& word, const py::object& value) {
     const int number = self.ask([word](const Camera& camera) { return numberOf(camera, word); });
     self.ask([number, wanted = valueFor(number, value)](const Camera& camera) {

@@ -50,6 +50,7 @@ const char* nameOf(FlashChange::Obstacle obstacle) {
     return "impossible";
 }
 
+/// Values are (path, before, after), as `differences` gives them.
 py::dict dictionaryOf(const SectionChange& change) {
     py::list values;
     for (const Host::ValueChange& value : change.values)
@@ -62,6 +63,7 @@ py::dict dictionaryOf(const SectionChange& change) {
 
 std::unique_ptr<FlashObject> opened(Flash flash) { return std::make_unique<FlashObject>(std::move(flash)); }
 
+/// What the content is in Python is read here: the thread that plans does without the interpreter.
 std::shared_ptr<FlashChange> plan(const FlashObject& self, const std::shared_ptr<FlashImage>& before,
                                   const py::object& wanted, bool formats, bool rebuild, bool otherCamera,
                                   bool damaged) {
@@ -82,6 +84,9 @@ std::shared_ptr<FlashChange> planRestore(const FlashObject& self, const std::sha
         });
 }
 
+/// Half a change is worse than a late end: Ctrl-C is heard before the first byte, and then once all is written.
+/// Which file keeps the bytes of before is told as soon as it is there, not with the result, which a failure takes
+/// away.
 py::str apply(const FlashObject& self, const std::shared_ptr<FlashChange>& change, bool keeps,
               const PathText& backup, const py::object& progress) {
     return text(self.use(progress, true,

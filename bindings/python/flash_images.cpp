@@ -38,6 +38,7 @@ py::dict dictionaryOf(const Host::SurveyedSection& section) {
                     "is_writable"_a = section.content.isWritable());
 }
 
+/// Blocks are left out but for their sections: where they lie and how they are linked, `map` and `findings` tell.
 py::dict surveyOf(const Image& image) {
     const FlashSurvey survey = aside([image] { return Host::surveyOf(*image); });
     py::list sections;

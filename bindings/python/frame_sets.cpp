@@ -43,6 +43,7 @@ py::tuple colorOf(const FrameSetObject& self) {
 
 } // namespace
 
+/// Python's frames are made once, so that `frames.depth is frames.depth`, and arrays made of it are kept.
 FrameSetObject::FrameSetObject(FrameSet given)
     : set(std::move(given)), depth(frameOrNone(set.depth)), color(frameOrNone(set.color)),
       audio(set.audio.size()) {

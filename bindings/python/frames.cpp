@@ -76,6 +76,7 @@ py::object samplesOf(const py::object& self) {
     return viewOf(all.data(), {static_cast<py::ssize_t>(all.size()) / channels, channels}, self);
 }
 
+/// As the camera told them with the frame; by number, for a frame does not know the sensors' names.
 py::dict temperaturesOf(const FrameObject& self) {
     py::dict all;
     for (const SensorValue& reading : self.frame().temperatures())

@@ -20,6 +20,7 @@ py::array_t<double> matrix(const std::array<double, Size>& numbers, std::vector<
     return py::array_t<double>(std::move(shape), numbers.data());
 }
 
+/// Depth and confidence lie in NumPy's memory, which the call keeps: no copy, and the lock is free meanwhile.
 Host::PointCloud pointsOf(const Lens& lens, const Rows<std::uint16_t>& depth, bool keepGrid,
                           std::uint16_t leastConfidence,
                           const std::optional<Rows<std::uint16_t>>& confidence) {

@@ -21,6 +21,7 @@ using Host::ColorMap;
 using Host::Picture;
 using Depths = Rows<std::uint16_t>;
 
+/// A copy: who draws or writes it may outlive the call, and the array may change meanwhile.
 Picture pictureOf(const Rows<std::uint8_t>& rgb) {
     const std::span<const std::uint8_t> pixels = spanOf(rgb, 3, 3, "rgb");
     return Picture::fromRgb(static_cast<std::uint32_t>(rgb.shape(1)),

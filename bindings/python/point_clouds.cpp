@@ -18,6 +18,7 @@ using Host::PointCloud;
 
 static_assert(sizeof(Host::Point) == 3 * sizeof(float), "rows of the array are points");
 
+/// A copy: the library keeps colour and whether there is one side by side, and NumPy wants arrays of numbers.
 py::object colors(const PointCloud& cloud) {
     const std::span<const std::optional<Color>> all = cloud.colors();
     if (all.empty())

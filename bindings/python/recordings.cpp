@@ -55,6 +55,7 @@ private:
     OwnFile<Shared> held;
 };
 
+/// The end of a recording ends `for`; one that was cut short raises instead, behind its last whole frame.
 py::object numbered(std::optional<Host::RecordedFrame> read) {
     if (!read)
         throw py::stop_iteration();

@@ -55,6 +55,7 @@ StreamObject::StreamObject(Stream stream, std::optional<std::uint64_t> frames,
     endAtExit<Stream>(held.share(), [](Stream& still) { still.stop(); });
 }
 
+/// `frames` counts what was handed out: a wait that was interrupted, or has failed, takes none.
 std::unique_ptr<FrameObject> StreamObject::next(std::optional<double> seconds, bool newest) {
     if (left && *left == 0) {
         stop();

@@ -60,6 +60,7 @@ py::tuple textsOf(const std::vector<std::string>& lines) {
     return texts;
 }
 
+/// The library's JSON is the one form of nested values: no field is named a second time here.
 py::object fromJson(const std::string& json) { return py::module_::import("json").attr("loads")(json); }
 
 std::string toJson(const py::object& value) {

@@ -38,6 +38,7 @@ public:
             using Clock = std::chrono::steady_clock;
             const Clock::time_point began = Clock::now();
             std::optional<CameraEvent> event;
+            // a slice at a time: the library's own wait hears neither close() nor Ctrl-C
             for (bool isLast = false; !event && !isLast && !shared->isClosed && errand.isWanted();) {
                 const auto passed = std::chrono::floor<std::chrono::milliseconds>(Clock::now() - began);
                 isLast = limit && *limit - passed <= slice;

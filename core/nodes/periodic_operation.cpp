@@ -15,7 +15,7 @@ struct PeriodicOperation::Impl {
     bool enabled;
     std::int64_t lastPoll = 0;
     bool pending = false;
-    Utils::Threading::Mutex mutex; // taken by users only, through lock and unlock
+    Utils::Threading::Mutex mutex; // taken by users only, through lock and unlock; guards what changes
 };
 
 PeriodicOperation::PeriodicOperation(PeriodicOperationType type, std::int64_t interval, bool enabled,

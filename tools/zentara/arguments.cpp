@@ -13,6 +13,7 @@ namespace Zentara::Tool {
 CLI::Validator secondsBetween(double least, double most) {
     return {[least, most](const std::string& text) -> std::string {
                 double value = 0;
+                // a NaN is in no range
                 if (CLI::detail::lexical_cast(text, value) && value >= least && value <= most)
                     return {};
                 return Utils::Format("'%' is no number of seconds from % to %") % text % least % most;
@@ -50,6 +51,7 @@ CLI::Option* addPluginName(CLI::App& command, std::vector<std::string>& names) {
         ->check(anyName("plug-in"));
 }
 
+/// An empty word is mostly a variable of the shell's that nobody has set; only bytes may be none.
 void refuseEmptyWords(CLI::App& program) {
     for (CLI::Option* option : program.get_options()) {
         const std::string name = option->get_name();

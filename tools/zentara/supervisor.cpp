@@ -46,6 +46,7 @@ Supervisor::~Supervisor() {
     own = nullptr;
 }
 
+/// Calls into no plug-in and waits for none, so that it comes round whatever hangs.
 void* Supervisor::run(void*) {
     while (!exitRequested()) {
         wake.timedWait(glanceMilliseconds);
@@ -62,6 +63,15 @@ void Supervisor::exit() {
     wake.set();
 }
 
+/// What becomes of Ctrl-C, and of work that does not come back:
+///
+///     working --- Ctrl-C ---> asked ------- 0.2 s ------> shown
+///        |                      |                           |
+///        | one step takes       | Ctrl-C once more, or 2 s after a polite request to end
+///        | too long             v                           |
+///        +--------------> endProcess() <--------------------+
+///
+/// Work that heeds the first Ctrl-C ends by itself, and nothing of this is seen.
 void Supervisor::look() {
     const std::int64_t now = Utils::Clock::nowMicros();
     const Interrupts interrupts = InterruptWatch::sinceItBegan();

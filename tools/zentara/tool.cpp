@@ -40,6 +40,7 @@ std::string versionText() {
            ZENTARA_SDK_VERSION_PATCH % ZENTARA_SDK_VERSION_BUILD;
 }
 
+/// Whatever ends a verb is told here, once: nothing is thrown past it.
 ExitCode runVerb(const Verb& verb, Console& console) {
     const auto showLog = [] {
         if (ToolLog* log = ToolLog::current())
@@ -191,6 +192,7 @@ int runTool(std::vector<std::string> arguments, Console& console) {
         return endOfParse(program, reason, console);
     }
     noteVerb(program, console);
+    // before the supervisor: that shows the log also while a verb hangs
     const ToolLog logged(log);
     const Supervisor supervisor(console, patience);
     useProgramRootIfNone();

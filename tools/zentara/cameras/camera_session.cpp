@@ -21,8 +21,10 @@ void addCameraOptions(CLI::App& command, CameraOptions& options) {
     command.add_flag("--json", options.json, "Print JSON");
 }
 
+/// The library's own limit is out of the way: how long a step may take, --patience says, and the supervisor watches.
 Cameras::Options patiently(Console& console) { return {std::chrono::hours(24), notesTo(console.err)}; }
 
+/// Nothing is written to a camera that merely was the first one: unless named it must be the only one.
 Camera openCamera(Cameras& cameras, const std::string& name, bool writes) {
     if (!writes)
         return cameras.open(name);

@@ -100,6 +100,7 @@ ExitCode watchDevices(const DevicesOptions& options, Cameras& cameras, Console& 
             return Failure::None;
         if (const auto event = cameras.next(glance))
             printEvent(console, *event);
+        // a reader that has gone is found out by writing; without events nothing is written, so the pipe is asked
         else if (&console.out == &std::cout && Utils::Platform::hasLostReader(stdout))
             console.out.setstate(std::ios::badbit); // as the next line would find
     }
@@ -122,6 +123,7 @@ ExitCode runDevices(const DevicesOptions& options, Console& console) {
         printCameras(console.out, all);
     }
     if (all.empty())
+        // JSON is an empty list first: scripts read it, and the exit code
         static_cast<void>(cameras.choose({})); // which says why there is none
     cameras.close();
     return Failure::None;

@@ -23,6 +23,8 @@ void tellRounded(const Camera& camera, int number, const ParameterValue& asked, 
 
 } // namespace
 
+/// All are checked before the first is set. A camera can still refuse one: those before it stay, in the order in
+/// which they were said, and are named by the failure, or by whoever ends the process meanwhile.
 void setOneByOne(const Camera& camera, const std::vector<std::pair<int, ParameterValue>>& settings,
                  Console& console) {
     for (const auto& [number, value] : settings)
@@ -46,6 +48,8 @@ void setOneByOne(const Camera& camera, const std::vector<std::pair<int, Paramete
         tellRounded(camera, number, value, console);
 }
 
+/// A file is for the camera as a whole: a value that it does not take is named by its place in the file, and none
+/// is set.
 std::vector<ParameterChange> loadValues(const Camera& camera, const ParameterValues& values,
                                         const std::string& file, bool dryRun, Console& console) {
     for (const auto& [number, value] : values) {

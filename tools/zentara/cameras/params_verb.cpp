@@ -57,6 +57,7 @@ void finishRows(CameraSession& session, const std::vector<int>& numbers) {
     session.finish({{"parameters", list}}, text.str());
 }
 
+/// By number or name; a failure leads to the verb that lists both.
 int parameterNamed(CameraSession& session, const std::string& word) {
     try {
         return session.camera().parameterNumber(word);
@@ -89,6 +90,7 @@ ExitCode runParamsGet(const ParamsOptions& options, Console& console) {
 ExitCode runParamsSet(ParamsOptions options, Console& console) {
     options.writes = true;
     return withCamera(options, console, [&](CameraSession& session) {
+        // every word is understood before the camera is asked for anything
         std::vector<std::pair<int, ParameterValue>> settings; // in the order in which they were said
         std::vector<int> numbers;
         for (const std::string& word : options.words) {

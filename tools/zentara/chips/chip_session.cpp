@@ -53,10 +53,12 @@ Trace shownTrace(bool isWanted, Console& console) {
     };
 }
 
+/// With --direct the camera has no description, so `--camera` is free to say what the bare device is to simulate.
 Camera openChip(const ChipOptions& options, Cameras& cameras, Trace trace) {
     const std::string& wanted = options.controller.empty() ? options.camera : options.controller;
     const Camera camera = options.direct ? cameras.openDevice({options.plugins, wanted})
                                          : openCamera(cameras, options.camera, options.writes);
+    // the trace names the controller, which is known only once its own first transfers are over: they have no name
     const auto chip = std::make_shared<std::string>();
     if (trace)
         camera.watchTransfers([chip, trace = std::move(trace)](const IO::ChipTransfer& transfer) {
@@ -79,12 +81,14 @@ ChipSession::ChipSession(const ChipOptions& wanted, Console& target)
         openChip(options, cameras, options.json && options.trace ? kept : shownTrace(options.trace, console));
 }
 
+/// Transfers that were kept for JSON, which a failure has prevented, are shown as text: they explain it.
 ChipSession::~ChipSession() {
     const Trace show = shownTrace(true, console);
     for (const IO::ChipTransfer& transfer : transfers)
         show(opened ? chip().name() : "", transfer);
     if (!opened)
         return;
+    // what closing asks of the camera, nobody has asked for
     opened->watchTransfers({});
     try {
         opened->close();

@@ -28,6 +28,8 @@ Json resultOf(const I2cOptions& options, unsigned value) {
         {"device", options.device}, {"register", options.reg}, {"bytes", options.bytes}, {"value", value}};
 }
 
+/// How wide device, register and value are, the controller says; what does not fit is refused before a transfer, for it
+/// would be cut to another register's number on the wire.
 IO::CameraChip::BusLimits limitsOf(ChipSession& session, const I2cOptions& options) {
     IO::CameraChip::BusLimits limits{};
     attempt("ask for the widths of the device", [&] {

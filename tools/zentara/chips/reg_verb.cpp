@@ -27,6 +27,7 @@ IO::CameraChip::Target targetOf(const std::string& name) {
     return targets.at(name);
 }
 
+/// The controller says how wide its registers are; what does not fit is refused before a transfer.
 IO::CameraChip::RegisterLimits limitsOf(ChipSession& session, const RegOptions& options) {
     IO::CameraChip::RegisterLimits limits{};
     attempt("ask for the widths of the target",

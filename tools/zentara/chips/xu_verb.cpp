@@ -36,6 +36,7 @@ Bytes parseBytes(const std::string& text) {
                   Format("'%' is no list of bytes; want pairs of digits from 00 to FF") % text);
 }
 
+/// A device may answer anything: what no control transfer can hold is not taken for a length.
 unsigned lengthOf(ChipSession& session, const XuOptions& options) {
     int length = 0;
     attempt(Format("ask for the length of control %") % options.control,
@@ -70,6 +71,7 @@ ExitCode runLen(const XuOptions& options, Console& console) {
     return Failure::None;
 }
 
+/// To get may take asking: the packet goes out, and comes back with the answer. With the flag it only comes.
 ExitCode runXuGet(const XuOptions& options, Console& console) {
     ChipSession session(options, console);
     Bytes packet = packetOf(session, options);

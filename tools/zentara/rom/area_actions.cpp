@@ -13,6 +13,7 @@ namespace {
 using Utils::Format;
 
 ExitCode runCreate(WriteOptions options, Console& console) {
+    // a new storage has no header to find
     if (options.area.header == FlashOptions::Header::Auto)
         options.area.header = FlashOptions::Header::Start;
     const auto access = options.dryRun ? Flash::Access::Read : Flash::Access::Write;

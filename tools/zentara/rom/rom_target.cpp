@@ -19,6 +19,7 @@ using Utils::Format;
 
 constexpr const char* cameraPrefix = "camera:";
 
+/// `camera:NAME` and `--camera NAME` say the same: both may stand there as long as they agree.
 Flash openCamera(ChipOptions wanted, const TargetOptions& options, Flash::Access access, Console& console) {
     if (!options.image.empty()) {
         const std::string named = options.image.substr(std::string(cameraPrefix).size());
@@ -89,6 +90,7 @@ Flash openFlashToWrite(const TargetOptions& options, bool dryRun, Console& conso
 
 FlashImage loadFlash(Flash& flash, Console& console) { return flash.load(shownProgress("read", console)); }
 
+/// What cannot be read is not passed over: the failure leads to the verb that names all that is wrong.
 FlashContent contentOfFlash(const Flash& flash, const FlashImage& image) try {
     return flash.content(image);
 } catch (const Failure& failure) {

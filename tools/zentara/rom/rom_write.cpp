@@ -18,6 +18,7 @@ namespace {
 using Obstacle = FlashChange::Obstacle;
 using Utils::Format;
 
+/// The library says what stands in the way of a change; with which option one goes on all the same, the tool knows.
 std::string refusalHelp(const FlashChange& change, const std::string& readOnlyHelp) {
     switch (change.obstacle) {
     case Obstacle::None:
@@ -116,6 +117,15 @@ void addRebuildOption(CLI::App& command, WriteOptions& options) {
                      "Write the whole content into a freshly formatted image");
 }
 
+/// Every verb that writes ends here:
+///
+///     refused by the plan ---------------------------> Failure, with the option that helps
+///     nothing to write, or --dry-run ----------------> what would change is said
+///     something of before goes, without --yes -------> Failure, with what goes, line by line
+///     else: backup kept --> written --> read back ---> what has changed is said
+///
+/// Only from the backup until all is written can a camera hold half of the change. Who ends the process meanwhile,
+/// or the failure, then says how to get back; an image file is replaced as a whole, or not at all.
 ExitCode makeChange(Flash& flash, const FlashChange& change, const WriteOptions& options, Console& console,
                     const std::string& readOnlyHelp) {
     if (const std::optional<Failure>& refusal = change.refusal)

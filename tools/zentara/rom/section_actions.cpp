@@ -20,6 +20,7 @@ struct GetOptions : TargetOptions {
     bool hex = false;
 };
 
+/// JSON unless told otherwise: what 'get' prints, 'set --file' takes.
 ExitCode runGet(const GetOptions& options, Console& console) {
     Flash flash = openFlash(options, console);
     const FlashContent content = loadContent(flash, console);
@@ -96,6 +97,7 @@ FlashSection sectionFrom(const SetOptions& options, const FlashContent& content)
 ExitCode runSet(const SetOptions& options, Console& console) {
     Flash flash = openFlashToWrite(options, options.dryRun, console);
     const FlashImage before = loadFlash(flash, console);
+    // what can be read: where the change would cost the rest, the plan refuses it, or rebuilds
     FlashContent wanted = contentOf(before);
     const FlashSection section = sectionFrom(options, wanted);
     wanted[options.uid] = section;

@@ -12,6 +12,8 @@ namespace Zentara::Tool {
 
 using namespace Host;
 
+/// Of the last depth frame, and where colours are wanted the colour frame that belongs to it: made when a file is
+/// written, not for each frame.
 PointCloud CloudMaker::make() {
     const FrameSet set = frames.set();
     PointCloud cloud = wantsColor ? cloudOf(set) : set.depth->lens().pointsOf(*set.depth);

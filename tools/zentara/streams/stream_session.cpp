@@ -18,8 +18,8 @@ using State = StreamedCamera::State;
 
 namespace {
 
-constexpr unsigned long lookMilliseconds = 50;
-constexpr std::uint64_t usualFrames = 60;
+constexpr unsigned long lookMilliseconds = 50;     ///< how late an absence, or Ctrl-C, is seen
+constexpr std::uint64_t usualFrames = 60;          ///< where nobody says how many
 constexpr std::uint64_t usualFramesPerSecond = 60; // where there are no frames
 constexpr std::size_t queuedFrames =
     120; // of two seconds: while a disk, or the end of another camera, takes its time
@@ -37,6 +37,8 @@ std::string withSerialNumber(const std::string& path, const CameraInfo& camera) 
 
 } // namespace
 
+/// All cameras are opened and all files begun before the first frame: what is wrong with what was asked for is said
+/// before anything is streamed, and no camera loses frames while another one is being opened.
 void StreamSession::run() {
     const Rescue rescued([this] { rescue(); });
     openAll();
@@ -86,6 +88,7 @@ void StreamSession::openCamera(const CameraInfo& who, const Opener& open) {
             note(console, "camera " + who.shortLabel() + " has no " + kindName(kind) + " stream");
     }
     kinds.insert(wanted.begin(), wanted.end());
+    // a cloud is of one camera: the streams of the next one begin another
     cloud.reset();
     try {
         if (wanted.empty())
@@ -167,6 +170,7 @@ void StreamSession::addFiles(StreamTask& task, std::uint64_t most) {
     }
 }
 
+/// Known before a frame has come: without a lens none becomes a cloud.
 void StreamSession::expectCloud(StreamTask& task) {
     if (!task.info().lens)
         throw Failure(Failure::Failed,
@@ -243,6 +247,9 @@ bool StreamSession::anythingToWaitFor() const {
     });
 }
 
+/// Ends the streams, and then the files. The recording stays when a camera has ended well, or when it was the disk
+/// that failed: what is in it is whole. With nothing but failures it goes, and the first camera's is thrown; where
+/// others ended well, failures are notes, and the exit code tells.
 void StreamSession::finish() {
     for (const auto& camera : cameras) {
         camera->end();

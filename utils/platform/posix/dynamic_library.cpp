@@ -26,7 +26,7 @@ constexpr int loadMode = RTLD_NOW | RTLD_LOCAL;
 /// were whole. Never destroyed: a library may be opened while the process ends.
 struct BrokenLibraries {
     std::mutex lock;
-    std::vector<void*> handles;
+    std::vector<void*> handles; ///< guarded by `lock`; only ever grows
 };
 
 BrokenLibraries& brokenLibraries() {
