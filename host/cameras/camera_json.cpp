@@ -11,6 +11,13 @@ Json cameraJson(const CameraInfo& camera) {
             {"controller", orNull(camera.controller)}};
 }
 
+Json lensJson(const CameraIntrinsics& lens) {
+    return {{"width", lens.width},      {"height", lens.height},    {"fx", floatJson(lens.fx)},
+            {"fy", floatJson(lens.fy)}, {"cx", floatJson(lens.cx)}, {"cy", floatJson(lens.cy)},
+            {"k1", floatJson(lens.k1)}, {"k2", floatJson(lens.k2)}, {"k3", floatJson(lens.k3)},
+            {"p1", floatJson(lens.p1)}, {"p2", floatJson(lens.p2)}};
+}
+
 Json vectorJson(const AccelerationInternal& acceleration) {
     return {
         {"x", floatJson(acceleration.x)}, {"y", floatJson(acceleration.y)}, {"z", floatJson(acceleration.z)}};

@@ -50,17 +50,7 @@ Json hardwareJson(const HardwareVersionInternal& hardware) {
 Json lensesJson(const std::vector<CameraIntrinsics>& lenses) {
     Json json = Json::array();
     for (const CameraIntrinsics& lens : lenses)
-        json.push_back({{"width", lens.width},
-                        {"height", lens.height},
-                        {"fx", floatJson(lens.fx)},
-                        {"fy", floatJson(lens.fy)},
-                        {"cx", floatJson(lens.cx)},
-                        {"cy", floatJson(lens.cy)},
-                        {"k1", floatJson(lens.k1)},
-                        {"k2", floatJson(lens.k2)},
-                        {"k3", floatJson(lens.k3)},
-                        {"p1", floatJson(lens.p1)},
-                        {"p2", floatJson(lens.p2)}});
+        json.push_back(lensJson(lens));
     return json;
 }
 

@@ -9,13 +9,13 @@
 #include <utility>
 
 #include <zentara/host/failure.h>
+#include <zentara/host/frame_clock.h>
 #include <zentara/host/lens.h>
 #include <zentara/utils/clock.h>
 #include <zentara/utils/format.h>
 #include <zentara/utils/signal.h>
 
 #include "host/streams/bounded_limit.h"
-#include "host/streams/frame_draft.h"
 #include "host/streams/stream_list.h"
 
 namespace Zentara::Host {
@@ -27,7 +27,6 @@ using Utils::Format;
 namespace {
 
 constexpr std::int64_t microsOfSecond = 1'000'000;
-constexpr std::int64_t believedDelay = microsOfSecond; ///< from a frame's time to its arrival, on one clock
 constexpr std::size_t mostPending = 512; ///< of one stream; beyond it the oldest belong to no set
 constexpr milliseconds lookPause = std::chrono::milliseconds(20);
 constexpr milliseconds askPause = std::chrono::milliseconds(100);
@@ -35,29 +34,6 @@ constexpr milliseconds askPause = std::chrono::milliseconds(100);
 std::string milliseconds1(std::int64_t micros) {
     return Format("% ms") % (std::round(static_cast<double>(micros) / 100) / 10);
 }
-
-/// From a device's clock to the host's; a frame of a recording says itself when it was taken. Separate.
-class HostClock {
-public:
-    /// When the frame was taken.
-    [[nodiscard]] std::int64_t timeOf(const Frame& frame) noexcept {
-        if (const std::int64_t known = FrameDraft::dataOf(frame).takenMicros; known != 0)
-            return known;
-        const std::int64_t delay = frame.hostMicros() - frame.deviceMicros();
-        if (isFirst || frame.isFirstAfterReturn()) {
-            isForeign = delay < 0 || delay > believedDelay;
-            leastDelay = delay;
-            isFirst = false;
-        }
-        leastDelay = std::min(leastDelay, delay);
-        return frame.deviceMicros() + (isForeign ? leastDelay : 0);
-    }
-
-private:
-    bool isFirst = true;
-    bool isForeign = false;
-    std::int64_t leastDelay = 0;
-};
 
 /// A frame that is in no set yet.
 struct Pending {
@@ -98,7 +74,7 @@ struct Lane {
     Kind kind = Kind::Depth;
     std::int64_t period = 0; ///< of pictures; of sound, of one sample
     std::deque<Pending> frames;
-    HostClock clock;
+    FrameClock clock;
     bool hasEnded = false;
 };
 

@@ -22,6 +22,7 @@
 #include <zentara/host/flash_map.h>
 #include <zentara/host/flash_survey.h>
 #include <zentara/host/frame.h>
+#include <zentara/host/frame_clock.h>
 #include <zentara/host/frame_file.h>
 #include <zentara/host/frame_set.h>
 #include <zentara/host/hex_bytes.h>
@@ -45,6 +46,7 @@
 #include <zentara/host/step_watcher.h>
 #include <zentara/host/stream.h>
 #include <zentara/host/stream_info.h>
+#include <zentara/host/stream_line.h>
 #include <zentara/host/stream_statistics.h>
 #include <zentara/host/value_change.h>
 #include <zentara/host/visible_text.h>
