@@ -2,7 +2,7 @@
 SOURCES = $(shell git ls-files '*.h' '*.cpp' '*.c')
 JOBS ?= $(shell nproc)
 
-.PHONY: demo test test-linux test-windows test-asan test-tsan test-kernel coverage format lint tidy bench bench-kernel clean
+.PHONY: demo test test-linux test-windows test-asan test-tsan test-kernel coverage packages test-packages format lint tidy bench bench-kernel clean
 
 ## Builds everything and drives two simulated cameras; leaves pictures, a point cloud, sound, a recording and a plot in build/demo/.
 demo:
@@ -29,6 +29,15 @@ test-kernel:
 coverage:
 	@.ci/setup coverage
 	@.ci/coverage
+
+## Makes Debian's packages and the zip for Windows, in build/packages/.
+packages:
+	@.ci/setup package
+	@.ci/packages
+
+## Installs them into empty places, builds the examples there and runs them.
+test-packages: packages
+	@tests/packages/run
 
 ## Puts every source into the house format.
 format:

@@ -1,5 +1,4 @@
 # Compiler settings shared by every target, and the functions that add plug-ins and tests.
-include(GNUInstallDirs)
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -32,6 +31,12 @@ endif()
 # zentara_compile_alone(TARGET SOURCES...): for sources whose private names are those of a sibling.
 function(zentara_compile_alone target)
     set_source_files_properties(${ARGN} TARGET_DIRECTORY ${target} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+endfunction()
+
+# zentara_tell_fallback_root(TARGET SOURCE): that source alone is compiled anew where another root is chosen.
+function(zentara_tell_fallback_root target source)
+    set_source_files_properties(${source} TARGET_DIRECTORY ${target} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON
+        COMPILE_DEFINITIONS ZENTARA_FALLBACK_ROOT="${ZENTARA_FALLBACK_ROOT}")
 endfunction()
 
 set(ZENTARA_SDK_MAJOR ${PROJECT_VERSION_MAJOR})
@@ -84,8 +89,7 @@ add_library(zentara_host_headers INTERFACE)
 target_include_directories(zentara_host_headers SYSTEM INTERFACE ${ZENTARA_HOST_HEADERS})
 
 function(zentara_configure_library target)
-    target_compile_definitions(${target} PRIVATE ZENTARA_BUILDING_LIBRARY
-        ZENTARA_FALLBACK_ROOT="${ZENTARA_FALLBACK_ROOT}")
+    target_compile_definitions(${target} PRIVATE ZENTARA_BUILDING_LIBRARY)
     target_include_directories(${target} PUBLIC
         $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
         $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>
@@ -140,7 +144,8 @@ function(zentara_add_plugin name)
         LIBRARY_OUTPUT_DIRECTORY ${arg_DIRECTORY} RUNTIME_OUTPUT_DIRECTORY ${arg_DIRECTORY}
         INSTALL_RPATH "$ORIGIN/../../${CMAKE_INSTALL_LIBDIR}")
     if(NOT arg_NO_INSTALL)
-        install(TARGETS ${name} LIBRARY DESTINATION bin/Plugins RUNTIME DESTINATION bin/Plugins)
+        install(TARGETS ${name} LIBRARY DESTINATION ${ZENTARA_INSTALL_ROOT}/bin/Plugins COMPONENT plugins
+            RUNTIME DESTINATION ${ZENTARA_INSTALL_ROOT}/bin/Plugins COMPONENT plugins)
     endif()
 endfunction()
 
