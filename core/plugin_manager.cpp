@@ -8,6 +8,7 @@
 #include <zentara/core/shared_library.h>
 #include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/utils/format.h>
+#include <zentara/utils/log_area.h>
 
 #include "core/guid_map.h"
 #include "utils/immortal.h"
@@ -85,6 +86,7 @@ std::vector<GUID> PluginManager::getGUIDs(ImplType type) {
 // Without the manager's lock: the factory runs under its library's, which comes first in the order of locks, and the
 // object's constructor calls back. What is registered does not change while the caller's reference holds the manager.
 void* PluginManager::createInstance(GUID guid, ImplType type) {
+    const Utils::LogAreaScope scope(Utils::LogArea_PLUGINS);
     SharedLibrary* library = getSharedLibrary(guid);
     if (library->getImplType() != type)
         throw Zentara::Plugin::InitializationPluginException("ImplType mismatch");
@@ -96,6 +98,7 @@ void PluginManager::incref(GUID guid) { getSharedLibrary(guid)->incref(); }
 void PluginManager::decref(GUID guid) { getSharedLibrary(guid)->decref(); }
 
 SharedLibrary* PluginManager::getSharedLibrary(GUID guid) {
+    const Utils::LogAreaScope scope(Utils::LogArea_PLUGINS);
     checkGUID(guid);
     return impl->libraries.find(guid)->second.get();
 }
@@ -107,6 +110,7 @@ void PluginManager::checkGUID(GUID guid) const {
 }
 
 void PluginManager::loadImplGUIDs() {
+    const Utils::LogAreaScope scope(Utils::LogArea_PLUGINS);
     for (const PluginProbe& probe : probePluginDirectory(getPluginDirectory())) {
         if (!probe.accepted())
             continue;

@@ -180,18 +180,18 @@ void ChunkedMemoryManager::Impl::loadChain() {
     for (std::uint32_t address = header->getFirstBlockAddress(); address != 0;) {
         std::unique_ptr<Block> block = loadBlock(address);
         if (!block) {
-            Utils::logWarning("couldn't parse memory block header");
+            Utils::logWarning(Utils::LogArea_ROM, "couldn't parse memory block header");
             return;
         }
         if (blocks.count(address) != 0) {
-            Utils::logWarning("cyclic references detected");
+            Utils::logWarning(Utils::LogArea_ROM, "cyclic references detected");
             return;
         }
         // A block that reaches outside counts as none: read() gives nothing of it, so it costs nothing.
         if (inArea(address, block->getAllocatedSize()))
             claimed += block->getAllocatedSize();
         if (claimed > MOST_CLAIMS * size) {
-            Utils::logWarning("too many overlapping blocks");
+            Utils::logWarning(Utils::LogArea_ROM, "too many overlapping blocks");
             return;
         }
         const std::uint32_t next = block->getNextBlockOffset();

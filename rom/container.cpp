@@ -140,7 +140,7 @@ const MemoryBlockHeader* Container::Impl::store(std::uint16_t uid, const std::ve
             return storeAnew(bytes);
         }
     } catch (...) {
-        Utils::logWarning(loss);
+        Utils::logWarning(Utils::LogArea_ROM, loss);
         throw;
     }
 }

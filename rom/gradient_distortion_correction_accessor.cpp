@@ -20,8 +20,9 @@ std::string readWhole(const std::string& fileName) try {
     return Utils::readFile(fileName);
 } catch (const Utils::UException&) {
     Utils::logWarning(
+        Utils::LogArea_ROM,
         Utils::Format("Even cannot open/read file % containing phase distortion correction values") %
-        Utils::visibleText(fileName));
+            Utils::visibleText(fileName));
     throw Plugin::IOPluginException("gradient calibration parameter file can not be opened");
 }
 

@@ -26,9 +26,10 @@ void readRecord(const RecordView& record, std::span<const std::uint8_t> bytes,
         return static_cast<std::uint8_t>(candidate.marker) == record.type;
     });
     if (rule == rules.end())
-        Utils::logWarning(Utils::Format("Failed to deserialize data for %") % static_cast<int>(record.type));
+        Utils::logWarning(Utils::LogArea_ROM,
+                          Utils::Format("Failed to deserialize data for %") % static_cast<int>(record.type));
     else if (!rule->accept({bytes.begin(), bytes.end()}))
-        Utils::logWarning(Utils::Format("Failed to deserialized %") % rule->record);
+        Utils::logWarning(Utils::LogArea_ROM, Utils::Format("Failed to deserialized %") % rule->record);
 }
 
 } // namespace

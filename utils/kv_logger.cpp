@@ -6,6 +6,7 @@
 #include <zentara/utils/mutex.h>
 
 #include "utils/immortal.h"
+#include "utils/log_filter.h"
 #include "utils/platform/error_text.h"
 #include "utils/platform/system_log.h"
 #include "utils/thread_tag.h"
@@ -106,6 +107,8 @@ KVLogger::~KVLogger() { delete impl; }
 
 void KVLogger::log(KVLogLevel level, std::string message) noexcept {
     const Platform::LastErrorKeeper keeper;
+    if (!passesLogFilter(level, message))
+        return;
     impl->logger->log(level, message);
     Platform::SystemLogType type{};
     if (!impl->eventSource || !eventTypeOf(level, type))

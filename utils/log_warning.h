@@ -3,6 +3,7 @@
 #include <string>
 
 #include <zentara/utils/kv_logger.h>
+#include <zentara/utils/log_area.h>
 
 namespace Zentara::Utils {
 
@@ -12,6 +13,12 @@ inline void logWarning(const std::string& message) {
         logger->warning(message);
         KVLogger::release();
     }
+}
+
+/// The same, about that area whatever the thread is about.
+inline void logWarning(LogArea area, const std::string& message) {
+    const LogAreaScope scope(area);
+    logWarning(message);
 }
 
 } // namespace Zentara::Utils

@@ -148,6 +148,7 @@
 #include <zentara/utils/format.h>
 #include <zentara/utils/install_root.h>
 #include <zentara/utils/kv_logger.h>
+#include <zentara/utils/log_area.h>
 #include <zentara/utils/logger.h>
 #include <zentara/utils/mutex.h>
 #include <zentara/utils/process.h>

@@ -7,6 +7,7 @@
 #include <zentara/io/video_device_proxy.h>
 #include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/utils/format.h>
+#include <zentara/utils/log_area.h>
 
 #include "io/chips/camera_chip_row.h"
 
@@ -19,9 +20,11 @@ public:
     explicit TellingChip(ChipListener target) : listener(std::move(target)) {}
 
     void send(unsigned unit, unsigned long control, unsigned long length, void* data) override {
+        const Utils::LogAreaScope scope(Utils::LogArea_CHIPS);
         tell(false, unit, control, length, data, [&] { Chip::send(unit, control, length, data); });
     }
     void recv(unsigned unit, unsigned long control, unsigned long length, void* data, bool flag) override {
+        const Utils::LogAreaScope scope(Utils::LogArea_CHIPS);
         tell(true, unit, control, length, data, [&] { Chip::recv(unit, control, length, data, flag); });
     }
 

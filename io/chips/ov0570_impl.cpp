@@ -8,6 +8,7 @@
 #include <zentara/io/uvc_command_request.h>
 #include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/utils/kv_logger.h>
+#include <zentara/utils/log_area.h>
 #include <zentara/utils/mutex.h>
 
 #include "io/chips/chip_commands.h"
@@ -45,6 +46,7 @@ constexpr unsigned phaseSteps(unsigned code) {
 }
 
 void warn(const char* text) {
+    const Utils::LogAreaScope scope(Utils::LogArea_CHIPS);
     if (Utils::KVLogger* logger = Utils::KVLogger::instance()) {
         logger->warning(text);
         Utils::KVLogger::release();
