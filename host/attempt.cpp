@@ -11,6 +11,7 @@
 #include <zentara/utils/exceptions.h>
 #include <zentara/utils/format.h>
 
+#include "host/user_log.h"
 #include "utils/platform/program.h"
 #include "utils/visible_text.h"
 
@@ -68,6 +69,7 @@ void watchSteps(StepWatcher* watcher) noexcept { watching = watcher; }
 StepWatcher* stepWatcher() noexcept { return watching; }
 
 Step::Step(const std::string& what) {
+    logInfo(what); // before it: the last line tells what hangs, or has crashed
     if (watching != nullptr)
         watching->begins(what);
 }

@@ -1,5 +1,6 @@
 #include <zentara/host/library_log.h>
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <fstream>
@@ -12,6 +13,7 @@
 #include <zentara/utils/mutex.h>
 
 #include "host/files/paths.h"
+#include "host/user_log.h"
 
 namespace Zentara::Host {
 
@@ -34,7 +36,9 @@ std::string temporaryPath() {
 } // namespace
 
 struct LibraryLog::Impl {
-    const std::string path = temporaryPath();
+    /// While the user has a log of his own, everything goes there, and what is heard of it stands here.
+    const bool isHeard = userLogTarget().has_value();
+    const std::string path = isHeard ? std::string() : temporaryPath();
     Utils::Threading::Mutex lock;
     bool isLogging ZENTARA_GUARDED_BY(lock) = true;     ///< the logger is held; once false it stays so
     std::ifstream file ZENTARA_GUARDED_BY(lock);        ///< not open where somebody logs already
@@ -57,6 +61,13 @@ struct LibraryLog::Impl {
 };
 
 LibraryLog::LibraryLog(const std::string& program) : impl(std::make_unique<Impl>()) {
+    if (impl->isHeard) {
+        listenToUserLog([this](const std::string& message) {
+            AutoLock hold(impl->lock);
+            impl->text += message + '\n';
+        });
+        return;
+    }
     static_cast<void>(
         Utils::KVLogger::createInstance(Utils::KVLogLevel_WARNING, program.c_str(), impl->path.c_str()));
     AutoLock hold(impl->lock);
@@ -68,6 +79,8 @@ LibraryLog::LibraryLog(const std::string& program) : impl(std::make_unique<Impl>
 
 LibraryLog::~LibraryLog() {
     stop();
+    if (impl->isHeard)
+        return;
     AutoLock hold(impl->lock);
     impl->file.close();
     std::error_code gone;
@@ -75,6 +88,8 @@ LibraryLog::~LibraryLog() {
 }
 
 void LibraryLog::stop() {
+    if (impl->isHeard)
+        return listenToUserLog({});
     AutoLock hold(impl->lock);
     if (std::exchange(impl->isLogging, false))
         Utils::KVLogger::release();
@@ -89,11 +104,16 @@ std::size_t LibraryLog::end() const {
 std::string LibraryLog::since(std::size_t place) const {
     AutoLock hold(impl->lock);
     impl->readOn();
-    return place < impl->text.size() ? impl->text.substr(place) : std::string();
+    return place < impl->text.size() && !impl->isHeard ? impl->text.substr(place) : std::string();
 }
 
 std::string LibraryLog::timeoutSince(std::size_t place) const {
-    const std::string text = since(place);
+    std::string text;
+    {
+        AutoLock hold(impl->lock);
+        impl->readOn();
+        text = impl->text.substr(std::min(place, impl->text.size()));
+    }
     const std::string mark = timeoutMark;
     const std::size_t found = text.find(mark);
     if (found == std::string::npos)

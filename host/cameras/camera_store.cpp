@@ -2,6 +2,8 @@
 
 #include <optional>
 
+#include <zentara/utils/log_area.h>
+
 #include "host/cameras/device_choice.h"
 #include "host/cameras/joined_descriptions.h"
 #include "host/cameras/stream_description.h"
@@ -16,6 +18,7 @@ void tellLeftOut(const Note& note, const Failure& failure) {
 }
 
 CameraStore::CameraStore(const Note* leftOut) {
+    const Utils::LogAreaScope scope(Utils::LogArea_PLUGINS);
     std::optional<Failure> first;
     for (const GUID& guid : registeredPlugins(Core::ImplType_DESCRIPTOR_STORE, "descriptor store")) {
         Utils::SmartPtr<Core::DescriptorStoreInterface> store; // outlives what its library throws
@@ -44,6 +47,7 @@ CameraStore::CameraStore(const Note* leftOut) {
 }
 
 CameraStore::~CameraStore() {
+    const Utils::LogAreaScope scope(Utils::LogArea_PLUGINS);
     for (const auto& store : stores)
         closeQuietly("a descriptor store", [&] { store->dispose(); });
     const Step watched("close the descriptor stores");
@@ -51,6 +55,7 @@ CameraStore::~CameraStore() {
 }
 
 void CameraStore::select(const NodeEvent& node) {
+    const Utils::LogAreaScope scope(Utils::LogArea_PLUGINS);
     attempt("find the description of " + cameraLabel(node), [&] {
         for (std::size_t index = 0; index < stores.size(); ++index) {
             if (stores[index]->selectNodeDescriptor(node.hardwareIds(), node.profile)) {

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include <zentara/host/user_log.h>
+
 #include "host/cameras/bare_camera.h"
 #include "host/cameras/camera_choice.h"
 #include "host/cameras/camera_register.h"
@@ -11,7 +13,10 @@ namespace Zentara::Host {
 
 Cameras::Cameras() : Cameras(Options()) {}
 
-Cameras::Cameras(Options options) : shared(std::make_shared<CameraRegister>(std::move(options))) {}
+Cameras::Cameras(Options options) {
+    beginUserLog();
+    shared = std::make_shared<CameraRegister>(std::move(options));
+}
 
 Cameras::~Cameras() = default;
 

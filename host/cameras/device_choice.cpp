@@ -9,6 +9,7 @@
 #include <zentara/core/plugin_probe.h>
 #include <zentara/utils/files.h>
 #include <zentara/utils/format.h>
+#include <zentara/utils/log_area.h>
 #include <zentara/utils/text.h>
 
 #include "host/attempt.h"
@@ -53,6 +54,7 @@ std::string listOf(const std::vector<Core::PluginProbe>& plugins, Core::ImplType
 
 GUID namedDevice(Core::ImplType type, const char* what, const std::vector<std::string>& names) {
     std::vector<Core::PluginProbe> plugins;
+    const Utils::LogAreaScope scope(Utils::LogArea_PLUGINS);
     attempt("look for plug-ins", [&] { plugins = Core::probePluginDirectory(Core::getPluginDirectory()); });
     for (const std::string& name : names) {
         const auto found = std::find_if(plugins.begin(), plugins.end(), [&](const Core::PluginProbe& plugin) {
@@ -69,6 +71,7 @@ GUID namedDevice(Core::ImplType type, const char* what, const std::vector<std::s
 
 std::vector<GUID> registeredPlugins(Core::ImplType type, const char* what) {
     std::vector<GUID> guids;
+    const Utils::LogAreaScope scope(Utils::LogArea_PLUGINS);
     attempt("look for plug-ins", [&] {
         Core::PluginManager* manager = Core::PluginManager::instance();
         if (manager == nullptr)

@@ -8,6 +8,7 @@
 #include <zentara/plugin/call_plugin.h>
 #include <zentara/utils/condition.h>
 #include <zentara/utils/format.h>
+#include <zentara/utils/log_area.h>
 #include <zentara/utils/mutex.h>
 
 #include "host/tell.h"
@@ -148,6 +149,7 @@ Hand::Job* Hand::State::begin() {
 }
 
 void Hand::State::perform(Job& job) {
+    const Utils::LogAreaScope scope(job.area);
     try {
         try {
             // A dropped one comes this far nevertheless: its work is to end on this thread.

@@ -11,6 +11,7 @@
 
 #include <zentara/host/note.h>
 #include <zentara/host/step_watcher.h>
+#include <zentara/utils/log_area.h>
 
 #include "host/attempt.h"
 
@@ -95,7 +96,9 @@ private:
         virtual void end() = 0; ///< lets go of the work; it has run, or threw
 
         const std::string what;
-        std::exception_ptr failure; ///< what run() threw
+        const Utils::LogArea area =
+            Utils::LogAreaScope::current(); ///< the caller's: what is logged is about that
+        std::exception_ptr failure;         ///< what run() threw
         // Guarded by the state's lock.
         bool isAwaited = false;         ///< its caller waits
         StepWatcher* watcher = nullptr; ///< of the caller, while that one waits; may be null

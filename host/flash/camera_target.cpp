@@ -8,6 +8,7 @@
 #include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/rom_element.h>
 #include <zentara/utils/format.h>
+#include <zentara/utils/log_area.h>
 
 #include "host/cameras/real_camera.h"
 #include "host/flash/backup.h"
@@ -121,6 +122,7 @@ std::optional<ROMElement> storageOf(const Camera& camera) {
 } // namespace
 
 Flash Flash::camera(const Camera& camera, const FlashOptions& options, Access access) {
+    const Utils::LogAreaScope scope(Utils::LogArea_ROM);
     std::shared_ptr<IO::CameraChip> chip = camera.held()->chip({});
     auto usable = [held = camera.held()] { held->checkOpen("use the flash"); };
     auto target = std::make_unique<CameraTarget>(std::move(chip), std::move(usable), camera.info(),

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include <zentara/utils/format.h>
+#include <zentara/utils/log_area.h>
 
 #include "host/files/paths.h"
 #include "host/flash/backup.h"
@@ -49,6 +50,7 @@ const std::optional<CameraInfo>& Flash::owner() const { return target->owner; }
 const FlashArea& Flash::area() const { return target->place; }
 
 FlashImage Flash::load(const Progress& progress) {
+    const Utils::LogAreaScope scope(Utils::LogArea_ROM);
     return target->load(progress, "interrupted; nothing was changed");
 }
 
@@ -60,6 +62,7 @@ FlashContent Flash::content(const FlashImage& image) const {
 }
 
 std::string Flash::apply(const FlashChange& change, const ApplyOptions& options, const Progress& progress) {
+    const Utils::LogAreaScope scope(Utils::LogArea_ROM);
     if (change.refusal)
         throw Failure(*change.refusal);
     if (change.writes.empty())

@@ -3,8 +3,10 @@
 #include <limits>
 #include <utility>
 
+#include <zentara/host/user_log.h>
 #include <zentara/rom/file_accessor.h>
 #include <zentara/utils/format.h>
+#include <zentara/utils/log_area.h>
 
 #include "host/files/file_failure.h"
 #include "host/files/paths.h"
@@ -134,6 +136,8 @@ std::string readFlashFile(const std::string& file, bool mayBePipe) {
 }
 
 Flash Flash::image(const std::string& path, const FlashOptions& options, Access access) {
+    beginUserLog();
+    const Utils::LogAreaScope scope(Utils::LogArea_ROM);
     std::unique_ptr<OutputFile> right;
     // The right first, then the bytes: whoever else writes the file comes before or after, never between.
     if (access == Access::Write && isThere(path)) {
@@ -159,6 +163,8 @@ Flash Flash::image(const std::string& path, const FlashOptions& options, Access 
 }
 
 Flash Flash::create(const std::string& path, const FlashOptions& options, Access access) {
+    beginUserLog();
+    const Utils::LogAreaScope scope(Utils::LogArea_ROM);
     if (isThere(path))
         return image(path, options, access);
     const FlashArea area =

@@ -9,8 +9,10 @@
 #include <zentara/core/guids.h>
 #include <zentara/core/impl_type.h>
 #include <zentara/core/plugin_probe.h>
+#include <zentara/host/user_log.h>
 #include <zentara/utils/files.h>
 #include <zentara/utils/format.h>
+#include <zentara/utils/log_area.h>
 #include <zentara/version.h>
 
 #include "host/attempt.h"
@@ -121,6 +123,8 @@ void sortAnswers(std::vector<PluginAnswer> answers, PluginDirectory& directory) 
 std::string PluginName::guidText() const { return Host::guidText(guid); }
 
 PluginDirectory surveyPlugins(const PluginQuestions& questions) {
+    beginUserLog();
+    const Utils::LogAreaScope scope(Utils::LogArea_PLUGINS);
     PluginDirectory directory;
     attempt("find the plug-in directory", [&] { directory.path = Core::getPluginDirectory(); });
     std::error_code error;

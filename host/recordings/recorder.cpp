@@ -4,6 +4,7 @@
 
 #include <zentara/host/failure.h>
 #include <zentara/host/recording.h>
+#include <zentara/host/user_log.h>
 #include <zentara/utils/binary_writer.h>
 #include <zentara/utils/format.h>
 #include <zentara/utils/mutex.h>
@@ -61,6 +62,7 @@ struct Recorder::Impl {
 
 Recorder::Recorder(const std::string& path, const std::vector<StreamInfo>& streams,
                    const OutputFile::Rules& rules) {
+    beginUserLog();
     if (streams.empty() || streams.size() > mostStreams)
         throw Failure(Failure::Usage, Format("cannot record % streams; 1 to % fit into a file") %
                                           streams.size() % mostStreams);

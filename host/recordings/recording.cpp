@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include <zentara/host/failure.h>
+#include <zentara/host/user_log.h>
 #include <zentara/utils/format.h>
 
 #include "host/cameras/camera_choice.h"
@@ -109,7 +110,10 @@ Frame Recording::Impl::readAt(std::size_t stream, std::uint64_t number) {
     return readFrame(*finder, *head, contexts[stream], number, readings[entry.readings]);
 }
 
-Recording::Recording(const std::string& path) : impl(std::make_unique<Impl>(path)) {}
+Recording::Recording(const std::string& path) {
+    beginUserLog();
+    impl = std::make_unique<Impl>(path);
+}
 Recording::Recording(Recording&&) noexcept = default;
 Recording& Recording::operator=(Recording&&) noexcept = default;
 Recording::~Recording() = default;

@@ -7,6 +7,7 @@
 
 #include <zentara/utils/clock.h>
 #include <zentara/utils/format.h>
+#include <zentara/utils/log_area.h>
 
 #include "host/attempt.h"
 #include "host/cameras/hand.h"
@@ -61,6 +62,7 @@ Stream::Core::Core(StreamSetup setup, const StreamOptions& wanted)
     if (wanted.queue == 0 || wanted.queue > mostPlaces)
         throw Failure(Failure::Usage, "cannot " + opening,
                       Format("a queue has room for 1 to % frames, not for %") % mostPlaces % wanted.queue);
+    const Utils::LogAreaScope scope(Utils::LogArea_STREAMS);
     source = hand->step(mostTime, opening, [way = open] { return way(); });
     name = source->label();
     context = std::make_shared<const StreamContext>(source->info());
@@ -120,6 +122,7 @@ bool Stream::Core::wait(Utils::Threading::Condition& which, Moment end) {
 // Starting and stopping ---------------------------------------------------------------------------------------------
 
 void Stream::Core::start() {
+    const Utils::LogAreaScope scope(Utils::LogArea_STREAMS);
     const Source own = launch();
     if (!own)
         return;
@@ -169,6 +172,7 @@ Stream::Core::Source Stream::Core::takeSource() {
 }
 
 void Stream::Core::stop() {
+    const Utils::LogAreaScope scope(Utils::LogArea_STREAMS);
     const Moment end = steady_clock::now() + stopLimit;
     std::optional<Failure> first;
     Source own;
@@ -318,6 +322,7 @@ Failure Stream::Core::silence(Milliseconds limit) const {
 // Reading -----------------------------------------------------------------------------------------------------------
 
 void Stream::Core::run() {
+    const Utils::LogAreaScope scope(Utils::LogArea_STREAMS);
     for (;;) {
         const std::optional<Failure> why = readUnits();
         if (why && why->code() == Failure::NoDevice && options.awaitReturn && awaitReturn(*why))

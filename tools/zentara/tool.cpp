@@ -1,12 +1,14 @@
 #include <algorithm>
 #include <exception>
 #include <new>
+#include <optional>
 #include <utility>
 
 #include <CLI/CLI.hpp>
 
 #include <zentara/host/nearest_word.h>
 #include <zentara/host/own_root.h>
+#include <zentara/host/user_log.h>
 #include <zentara/utils/format.h>
 #include <zentara/version.h>
 
@@ -20,6 +22,8 @@ namespace {
 
 constexpr const char* footer = R"(Environment:
   ZENTARASDK_ROOT    where the SDK is installed; plug-ins lie in "bin/Plugins/" below it
+  ZENTARASDK_LOG     what to log and where: LEVEL[,AREA=LEVEL...][@TARGET]; levels off, critical, error, warning,
+                     info; areas plugins, devices, chips, rom, streams; target a file, -, or STDERR unless given
   ZENTARA_SIMULATED  settings of the simulated cameras, or @FILE with them
   ZENTARA_SIMULATED_CAMERAS  a file that says which simulated cameras are plugged in
   ZENTARA_SIMULATED_CHIP  the controller of a bare simulated device (--direct), or none
@@ -192,8 +196,16 @@ int runTool(std::vector<std::string> arguments, Console& console) {
         return endOfParse(program, reason, console);
     }
     noteVerb(program, console);
-    // before the supervisor: that shows the log also while a verb hangs
-    const ToolLog logged(log);
+    std::optional<ToolLog> logged; // before the supervisor: that shows the log also while a verb hangs
+    try {
+        Host::beginUserLog();
+        if (const auto target = Host::userLogTarget(); log && target && *target != "STDERR")
+            note(console, "--log adds nothing: the log goes to '" + *target + "', as ZENTARASDK_LOG says");
+        logged.emplace(log);
+    } catch (const Failure& failure) {
+        tellFailure(console, failure);
+        return failure.code();
+    }
     const Supervisor supervisor(console, patience);
     useProgramRootIfNone();
     const auto chosen =

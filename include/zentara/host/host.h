@@ -48,5 +48,6 @@
 #include <zentara/host/stream_info.h>
 #include <zentara/host/stream_line.h>
 #include <zentara/host/stream_statistics.h>
+#include <zentara/host/user_log.h>
 #include <zentara/host/value_change.h>
 #include <zentara/host/visible_text.h>

@@ -10,7 +10,8 @@ namespace Zentara::Host {
 
 /// What the library below this one logs in this process, warnings and errors: it holds causes that a failure does not
 /// tell. Goes to a file that nobody else sees, and is gone with it, also after a crash where the system allows that. One at
-/// a time: where somebody logs already, this stays empty. Safe.
+/// a time: where somebody logs already, this stays empty. Beside the log that a user asks for (see beginUserLog()) nothing
+/// is written twice: since() is empty, for the lines stand there. Safe.
 class ZENTARA_HOST_API LibraryLog {
 public:
     /// Begins to log. \param program who does, for the log's first line

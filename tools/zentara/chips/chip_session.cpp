@@ -79,6 +79,7 @@ ChipSession::ChipSession(const ChipOptions& wanted, Console& target)
     };
     opened =
         openChip(options, cameras, options.json && options.trace ? kept : shownTrace(options.trace, console));
+    asked.emplace(Utils::LogArea_CHIPS);
 }
 
 /// Transfers that were kept for JSON, which a failure has prevented, are shown as text: they explain it.

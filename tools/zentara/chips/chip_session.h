@@ -8,6 +8,7 @@
 
 #include <zentara/host/cameras.h>
 #include <zentara/io/camera_chip.h>
+#include <zentara/utils/log_area.h>
 
 #include "tools/zentara/json_output.h"
 #include "tools/zentara/verb.h"
@@ -60,6 +61,7 @@ private:
     std::vector<IO::ChipTransfer> transfers;
     Cameras cameras;
     std::optional<Camera> opened;
+    std::optional<Utils::LogAreaScope> asked; ///< what is logged from then on is about the chip
 };
 
 /// "0x1D"
