@@ -105,44 +105,13 @@ std::uint32_t portOf(const fs::path& device) {
     return static_cast<std::uint32_t>(std::strtoul(path.substr(path.rfind('.') + 1).c_str(), nullptr, 10));
 }
 
-} // namespace
-
-CameraScan::CameraScan(std::shared_ptr<Linux::Kernel> system, Sysfs place)
-    : kernel(std::move(system)), sysfs(std::move(place)) {}
-
-std::vector<FoundCamera> CameraScan::look() {
-    std::vector<FoundCamera> cameras;
-    for (const std::string& name : sysfs.devicesOf("video4linux")) {
-        if (name.rfind("video", 0) != 0)
-            continue;
-        const fs::path hardware = Sysfs::hardwareOf(sysfs.place("video4linux", name));
-        if (hardware.empty())
-            continue; // it has gone
-        FoundCamera* known = find(cameras, hardware);
-        FoundCamera camera = known == nullptr ? describe(hardware) : std::move(*known);
-        addVideo(name, hardware, camera);
-        if (known != nullptr)
-            *known = std::move(camera);
-        else
-            cameras.push_back(std::move(camera));
-    }
-    std::erase_if(threads, [&](const auto& one) { return find(cameras, one.first) == nullptr; });
-    std::erase_if(cameras, [](const FoundCamera& camera) { return camera.videos.empty(); });
-    addMicrophones(cameras);
-    addRefused(cameras);
-    return cameras;
-}
-
-FoundCamera CameraScan::describe(const fs::path& hardware) const {
+/// What can be read at any time.
+FoundCamera identify(const fs::path& hardware) {
     FoundCamera camera;
     camera.path = hardware.string();
     camera.name = hardware.filename().string();
     if (!Sysfs::isUsb(hardware))
         return camera;
-    const std::string product = Sysfs::attribute(hardware, "product");
-    if (!product.empty())
-        camera.name = product;
-    camera.serialNumber = Sysfs::attribute(hardware, "serial");
     camera.vendorId = Sysfs::number(hardware, "idVendor");
     camera.productId = Sysfs::number(hardware, "idProduct");
     camera.revision = Sysfs::number(hardware, "bcdDevice");
@@ -150,6 +119,73 @@ FoundCamera CameraScan::describe(const fs::path& hardware) const {
     camera.deviceAddress = Sysfs::number(hardware, "devnum", 10);
     camera.portNumber = portOf(hardware);
     return camera;
+}
+
+} // namespace
+
+CameraScan::CameraScan(std::shared_ptr<Linux::Kernel> system, Sysfs place)
+    : kernel(std::move(system)), sysfs(std::move(place)) {}
+
+std::vector<FoundCamera> CameraScan::look() {
+    std::vector<FoundCamera> cameras;
+    for (const Node& node : completeNodes()) {
+        FoundCamera* camera = find(cameras, node.hardware);
+        if (camera == nullptr)
+            camera = &cameras.emplace_back(complete[node.hardware.string()]);
+        addVideo(node.name, node.hardware, *camera);
+    }
+    const auto isGone = [&](const auto& one) { return find(cameras, one.first) == nullptr; };
+    std::erase_if(complete, isGone);
+    std::erase_if(cameras, [](const FoundCamera& camera) { return camera.videos.empty(); });
+    addMicrophones(cameras);
+    addRefused(cameras);
+    std::erase_if(threads, isGone);
+    return cameras;
+}
+
+/// The video nodes of cameras that have all theirs: between the first node and the last one the driver asks the camera,
+/// and a microphone comes later still.
+std::vector<CameraScan::Node> CameraScan::completeNodes() {
+    for (;;) {
+        std::vector<Node> nodes;
+        bool mayBeMore = false;
+        for (const std::string& name : sysfs.devicesOf("video4linux")) {
+            const fs::path hardware = Sysfs::hardwareOf(sysfs.place("video4linux", name));
+            if (name.rfind("video", 0) != 0 || hardware.empty())
+                continue; // another kind, or it has gone
+            const auto known = complete.find(hardware.string());
+            if (known == complete.end() ||
+                known->second.deviceAddress != Sysfs::number(hardware, "devnum", 10)) {
+                std::optional<FoundCamera> told = describe(hardware, "/dev/" + name);
+                if (!told)
+                    continue;
+                complete.insert_or_assign(hardware.string(), *std::move(told));
+                mayBeMore = true;
+            }
+            nodes.push_back({name, hardware});
+        }
+        if (!mayBeMore)
+            return nodes;
+    }
+}
+
+/// What the system tells of a camera, once the drivers have made all that they make of it. While they do, the kernel keeps
+/// the device locked, and reading some of its attributes waits. \return nothing when that took too long
+std::optional<FoundCamera> CameraScan::describe(const fs::path& hardware, const std::string& label) {
+    const auto ask = [hardware] {
+        static_cast<void>(Sysfs::attribute(hardware, "bNumInterfaces")); // each has this one
+        FoundCamera camera = identify(hardware);
+        const std::string product = Sysfs::attribute(hardware, "product");
+        if (!product.empty())
+            camera.name = product;
+        camera.serialNumber = Sysfs::attribute(hardware, "serial");
+        return camera;
+    };
+    try {
+        return threadOf(hardware.string(), label).call("wait for the nodes of " + hardware.string(), ask);
+    } catch (const Plugin::PluginException&) {
+        return std::nullopt; // it was logged
+    }
 }
 
 void CameraScan::addVideo(const std::string& name, const fs::path& hardware, FoundCamera& camera) {
@@ -170,13 +206,19 @@ void CameraScan::addVideo(const std::string& name, const fs::path& hardware, Fou
         camera.videos.push_back(std::move(video));
 }
 
+Linux::CallThread& CameraScan::threadOf(const std::string& camera, const std::string& label) {
+    std::unique_ptr<Linux::CallThread>& thread = threads[camera];
+    if (!thread)
+        thread = std::make_unique<Linux::CallThread>(camera, label);
+    return *thread;
+}
+
 CameraScan::Formats CameraScan::ask(const std::string& camera, const std::string& path, bool& closed) {
     try {
-        std::unique_ptr<Linux::CallThread>& thread = threads[camera];
-        if (!thread)
-            thread = std::make_unique<Linux::CallThread>(camera, path);
-        const Answer answer = thread->call("ask " + path + " what it delivers",
-                                           [system = kernel, path] { return askNode(*system, path); });
+        const Answer answer =
+            threadOf(camera, path).call("ask " + path + " what it delivers", [system = kernel, path] {
+                return askNode(*system, path);
+            });
         closed = answer.error == EACCES || answer.error == EPERM;
         return answer.formats;
     } catch (const Plugin::PluginException&) {
@@ -199,16 +241,16 @@ void CameraScan::addMicrophones(std::vector<FoundCamera>& cameras) const {
 }
 
 /// Cameras on USB without a node, once the kernel has had its time.
-void CameraScan::addRefused(std::vector<FoundCamera>& cameras) const {
+void CameraScan::addRefused(std::vector<FoundCamera>& cameras) {
     for (const fs::path& device : sysfs.usbDevices()) {
         if (find(cameras, device) != nullptr || !isCamera(device))
             continue;
         const std::string since = Sysfs::attribute(device / "power", "connected_duration");
         if (!since.empty() && std::strtoul(since.c_str(), nullptr, 10) < settledMilliseconds)
             continue;
-        FoundCamera camera = describe(device);
-        camera.refusal = refusalOf(device);
-        cameras.push_back(std::move(camera));
+        std::optional<FoundCamera> told = describe(device, device.string());
+        FoundCamera& camera = cameras.emplace_back(told ? *std::move(told) : identify(device));
+        camera.refusal = told ? refusalOf(device) : "its driver waits for an answer of it";
     }
 }
 

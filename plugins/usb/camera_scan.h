@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -42,7 +43,8 @@ struct FoundCamera {
 };
 
 /// Looks at what is plugged in. Nodes are told apart by what they can do: those of metadata are left out. A node is opened
-/// once while it is there, to be asked. Each camera has a thread for that: one that does not answer holds up no other. Separate.
+/// once while it is there, to be asked. Each camera has a thread for that: one that does not answer holds up no other. One
+/// that is being plugged in is waited for, so that it is seen with all its nodes, or not yet. Separate.
 class CameraScan {
 public:
     explicit CameraScan(std::shared_ptr<Linux::Kernel> kernel = Linux::systemKernel(),
@@ -55,16 +57,24 @@ private:
     using Formats = std::vector<std::uint32_t>;
     using Path = std::filesystem::path;
 
-    [[nodiscard]] FoundCamera describe(const Path& hardware) const;
+    struct Node {
+        std::string name; ///< "video0"
+        Path hardware;
+    };
+
+    [[nodiscard]] std::vector<Node> completeNodes();
+    [[nodiscard]] std::optional<FoundCamera> describe(const Path& hardware, const std::string& label);
     void addVideo(const std::string& name, const Path& hardware, FoundCamera& camera);
+    [[nodiscard]] Linux::CallThread& threadOf(const std::string& camera, const std::string& label);
     [[nodiscard]] Formats ask(const std::string& camera, const std::string& path, bool& closed);
     void addMicrophones(std::vector<FoundCamera>& cameras) const;
-    void addRefused(std::vector<FoundCamera>& cameras) const;
+    void addRefused(std::vector<FoundCamera>& cameras);
 
     const std::shared_ptr<Linux::Kernel> kernel;
     const Linux::Sysfs sysfs;
     std::map<std::string, std::unique_ptr<Linux::CallThread>> threads; ///< by the camera's path
-    std::map<std::string, Formats> asked; ///< by the node's name and when it was plugged in
+    std::map<std::string, FoundCamera> complete; ///< what has all its nodes, without these, by its path
+    std::map<std::string, Formats> asked;        ///< by the node's name and when it was plugged in
 };
 
 } // namespace Zentara::Usb

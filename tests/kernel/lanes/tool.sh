@@ -174,3 +174,15 @@ test_hostile_descriptors_are_listed_as_what_they_are() {
     expect '^WHOLE .* depth color +/sys' zentara devices
     expect '3 of 3' zentara stream --camera HALF --mode 320x240@15 --frames 3
 }
+
+# Its driver gets no answer between the camera's first node and the others: until then it is not there, and says why.
+test_a_camera_is_seen_with_all_its_nodes_or_not_yet() {
+    use_real_cameras
+    "$camera" --serial LATE --camera plain --fault 'probe silent after 3 times 1' >/dev/null &
+    plugged[LATE]=$!
+    eventually 20 test -e /dev/video0
+    expect 'its driver waits for an answer of it' zentara devices
+    eventually 20 lists LATE
+    grep '^LATE' "$TMPDIR/listed" | grep -q 'depth color audio'
+}
+lists() { zentara devices >"$TMPDIR/listed" && grep -q "^$1 " "$TMPDIR/listed"; }
