@@ -3,17 +3,22 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <bit>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <future>
+#include <map>
 
 #include <zentara/host/failure.h>
+#include <zentara/utils/files.h>
 #include <zentara/utils/format.h>
 #include <zentara/utils/text.h>
 
 #include "host/json.h"
 #include "utils/platform/child_process.h"
+#include "utils/platform/program.h"
 
 namespace Zentara::Host {
 namespace {
@@ -24,14 +29,17 @@ using Utils::Format;
 using Utils::Platform::ChildEnd;
 using namespace std::chrono_literals;
 
-constexpr const char* question = "--ask-plugin"; // FILE CHANNEL
+constexpr const char* question = "--ask-plugin";       // FILE CHANNEL
+constexpr const char* questionToAll = "--ask-plugins"; // DIRECTORY CHANNEL
 constexpr auto startLimit = 60s;   // for the program itself, which a busy machine may take long to load
 constexpr std::size_t atATime = 4; // programs
+constexpr int shareForAll = 5;     // all together may take this part of what one may
 
 // A report has a line for each step that begins, "step NUMBER", and when the file is closed again one with what was
-// found, "probe JSON".
+// found, "probe JSON". One of several files has a line for each that is accepted, "accepted NUMBERS PATH".
 constexpr const char* stepMark = "step ";
 constexpr const char* probeMark = "probe ";
+constexpr const char* acceptedMark = "accepted";
 
 std::string toReport(const PluginProbe& probe) {
     const auto* guid = reinterpret_cast<const unsigned char*>(&probe.guid);
@@ -127,22 +135,103 @@ PluginAnswer ask(const PluginQuestions& questions, const std::string& path) {
     return answer;
 }
 
+/// What is told of an accepted file.
+struct Numbers {
+    GUID guid;
+    std::int32_t type;
+    std::array<std::int32_t, 3> pluginVersion;
+    std::array<std::int32_t, 4> sdkVersion;
+};
+using Words = std::array<std::uint32_t, sizeof(Numbers) / sizeof(std::uint32_t)>;
+
+std::string toAccepted(const PluginProbe& probe) {
+    const Numbers numbers{probe.guid, probe.type, probe.pluginVersion, probe.sdkVersion};
+    std::string line = acceptedMark;
+    for (const std::uint32_t word : std::bit_cast<Words>(numbers))
+        line += ' ' + std::to_string(word);
+    return line + ' ' + probe.path + '\n';
+}
+
+/// False for another line.
+bool readAccepted(const std::string& line, PluginProbe& probe) {
+    if (!line.starts_with(acceptedMark))
+        return false;
+    Words words{};
+    const char* rest = line.c_str() + std::strlen(acceptedMark);
+    for (std::uint32_t& word : words) {
+        char* end = nullptr;
+        word = static_cast<std::uint32_t>(std::strtoull(rest, &end, 10));
+        if (end == rest)
+            return false;
+        rest = end;
+    }
+    const auto numbers = std::bit_cast<Numbers>(words);
+    probe.guid = numbers.guid;
+    probe.type = numbers.type;
+    probe.pluginVersion = numbers.pluginVersion;
+    probe.sdkVersion = numbers.sdkVersion;
+    probe.step = PluginScanStep::Accepted;
+    probe.path = *rest == ' ' ? rest + 1 : "";
+    return !probe.path.empty();
+}
+
+[[noreturn]] void answerAll(const std::vector<std::string>& arguments) {
+    std::FILE* report = Utils::Platform::openReport(arguments[2]);
+    if (report == nullptr)
+        Utils::Platform::endProcess(Failure::Usage);
+    std::fputs("\n", report); // the program has started
+    for (const std::string& path : Utils::getFileList(arguments[1], Core::pluginFileExtension())) {
+        const PluginProbe probe = Core::probePluginFile(path, {});
+        if (probe.accepted())
+            std::fputs(toAccepted(probe).c_str(), report);
+    }
+    Utils::Platform::endProcess(Failure::None);
+}
+
+/// Asks all files in one process, as every program does. Believed are those that it accepts: what becomes of another
+/// one may be the doing of a file before it.
+/// \return which are not answered
+std::vector<std::size_t> askTogether(const PluginQuestions& questions, const std::vector<std::string>& paths,
+                                     std::vector<PluginAnswer>& answers) {
+    std::map<std::string, PluginProbe> accepted;
+    std::string report;
+    if (paths.size() > 1)
+        Utils::Platform::runChild(questions.program, {questionToAll, Utils::getDirectory(paths.front())},
+                                  startLimit, questions.limit / shareForAll, report, answerAll);
+    for (const std::string& line : Utils::split(report, '\n')) {
+        PluginProbe probe;
+        if (readAccepted(line, probe))
+            accepted.insert_or_assign(probe.path, std::move(probe));
+    }
+    std::vector<std::size_t> open;
+    for (std::size_t index = 0; index < paths.size(); ++index) {
+        const auto found = accepted.find(paths[index]);
+        if (found == accepted.end())
+            open.push_back(index);
+        else
+            answers[index].probe = found->second;
+    }
+    return open;
+}
+
 } // namespace
 
 std::vector<PluginAnswer> askPlugins(const PluginQuestions& questions,
                                      const std::vector<std::string>& paths) {
     std::vector<PluginAnswer> answers(paths.size());
-    std::atomic<std::size_t> next = 0;
-    const auto work = [&] {
-        for (std::size_t index = next++; index < paths.size(); index = next++)
-            answers[index] = ask(questions, paths[index]);
-    };
-    if (questions.program.empty()) {
-        work(); // on the caller's thread, as the plug-in manager does
+    if (questions.program.empty()) { // on the caller's thread, as the plug-in manager does
+        std::transform(paths.begin(), paths.end(), answers.begin(),
+                       [&](const std::string& path) { return ask(questions, path); });
         return answers;
     }
+    const std::vector<std::size_t> open = askTogether(questions, paths, answers);
+    std::atomic<std::size_t> next = 0;
+    const auto work = [&] {
+        for (std::size_t index = next++; index < open.size(); index = next++)
+            answers[open[index]] = ask(questions, paths[open[index]]);
+    };
     std::vector<std::future<void>> workers;
-    for (std::size_t count = std::min(atATime, paths.size()); count > 0; --count)
+    for (std::size_t count = std::min(atATime, open.size()); count > 0; --count)
         workers.push_back(std::async(std::launch::async, work));
     for (auto& worker : workers)
         worker.get();
@@ -150,8 +239,10 @@ std::vector<PluginAnswer> askPlugins(const PluginQuestions& questions,
 }
 
 std::optional<int> answerPluginQuestion(const std::vector<std::string>& arguments) {
-    if (arguments.size() != 3 || arguments.front() != question)
+    if (arguments.size() != 3 || (arguments.front() != question && arguments.front() != questionToAll))
         return std::nullopt;
+    if (arguments.front() == questionToAll)
+        answerAll(arguments);
     std::FILE* report = Utils::Platform::openReport(arguments[2]);
     if (report == nullptr)
         return Failure::Usage;

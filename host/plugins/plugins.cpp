@@ -86,14 +86,15 @@ void refuseDuplicates(std::vector<PluginAnswer>& answers) {
         PluginProbe& probe = answer.probe;
         if (answer.isFatal || probe.step < PluginScanStep::Duplicate)
             continue;
-        const auto first = registered.find(guidText(probe.guid));
+        const std::string guid = guidText(probe.guid);
+        const auto first = registered.find(guid);
         if (first != registered.end()) {
             probe.step = PluginScanStep::Duplicate;
             probe.found = Core::GUID_toString(probe.guid);
             probe.wanted = "a GUID of its own";
             probe.text = Format("has the GUID %, which was registered by %") % probe.found % first->second;
         } else if (probe.accepted()) {
-            registered.emplace(guidText(probe.guid), probe.path);
+            registered.emplace(guid, probe.path);
         }
     }
 }

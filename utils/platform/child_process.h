@@ -22,15 +22,21 @@ struct ChildEnd {
     std::string text;
 };
 
+/// What the program's main() does with such arguments.
+using ChildWork = void (*)(const std::vector<std::string>& arguments);
+
 /// Starts a program, reads what it reports until it has ended, and waits for its end. Its standard streams lead
 /// nowhere; the report has a channel of its own, whose name becomes the program's last argument. A child does not
 /// outlive this process. Safe.
 /// \param program its path \param arguments without the program's name; UTF-8
 /// \param start how long the program may take until the first byte of its report
 /// \param limit how long it may take from then on; afterwards it is killed
-/// \param report what it reported, however it ended; at most 64 KiB
+/// \param report what it reported, however it ended; at most 1 MiB
+/// \param work where it is given, the program is this one and no other thread runs in it, a system that can copy a
+/// process has a copy do this, which spares the start of a program
 ChildEnd runChild(const std::string& program, const std::vector<std::string>& arguments,
-                  std::chrono::milliseconds start, std::chrono::milliseconds limit, std::string& report);
+                  std::chrono::milliseconds start, std::chrono::milliseconds limit, std::string& report,
+                  ChildWork work = nullptr);
 
 /// In the child: the channel of that name for writing, unbuffered; null when there is none. From then on a crash ends
 /// the process without a dialogue.

@@ -50,11 +50,13 @@ struct PluginDirectory {
 
 /// How plug-ins are asked who they are, which runs code of theirs.
 struct PluginQuestions {
-    /// The program that is started anew for each file, some at a time, so that what a file does to it is told and ends
-    /// nothing: a program whose main() begins with answerPluginQuestion(), such as the host's own or the tool `zentara`.
+    /// The program that asks instead of this process, so that what a file does to it is told and ends nothing: one whose
+    /// main() begins with answerPluginQuestion(), such as the host's own or the tool `zentara`. It is started once for
+    /// all files, and anew for each that was not accepted then, some at a time. Where it is this program, only one thread
+    /// runs in it and the system can copy a process, a copy does the former.
     /// Empty: each file is asked in this process, one after the other, and ends or stops it where it ends or hangs.
     std::string program;
-    /// How long a file may take, from when the program has started; then it is refused as one that hangs.
+    /// How long a file may take on its own, from when the program has started; then it is refused as one that hangs.
     std::chrono::milliseconds limit{5'000};
 };
 

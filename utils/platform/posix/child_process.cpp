@@ -6,14 +6,18 @@
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <thread>
 #include <utility>
 
 #include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
 #include <sys/prctl.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include "utils/platform/program.h"
 
 extern char** environ;
 
@@ -23,9 +27,9 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-constexpr int reportNumber = 3;               ///< the first one after the standard streams
-constexpr milliseconds look{20};              ///< how often the child's end and its report are looked at
-constexpr std::size_t mostReport = 64 * 1024; ///< what comes beyond it is read and dropped
+constexpr int reportNumber = 3;                 ///< the first one after the standard streams
+constexpr milliseconds look{20};                ///< how often the child's end and its report are looked at
+constexpr std::size_t mostReport = 1024 * 1024; ///< what comes beyond it is read and dropped
 
 /// Both ends of a pipe that no other child inherits.
 class Pipe {
@@ -76,11 +80,9 @@ public:
     posix_spawnattr_t attributes{};
 };
 
-/// Not by fork: this process has threads, and a copy of it would have their locks.
 int spawn(const std::string& program, std::vector<std::string> words, int report, pid_t& child) {
     const SpawnSettings settings(report);
     words.insert(words.begin(), program);
-    words.push_back(std::to_string(reportNumber));
     std::vector<char*> pointers;
     for (std::string& word : words)
         pointers.push_back(word.data());
@@ -89,26 +91,59 @@ int spawn(const std::string& program, std::vector<std::string> words, int report
                        environ);
 }
 
-/// Takes what is there, after waiting for it a little. False at the end of the report.
-bool readSome(int file, std::string& report) {
+/// Of a process with further threads a copy would have their locks.
+bool isCopyable(const std::string& program) {
+    struct stat threads {};
+    constexpr nlink_t forOneThread = 3; // a directory's own two, and one for each directory in it
+    return stat("/proc/self/task", &threads) == 0 && threads.st_nlink == forOneThread &&
+           program == executablePath();
+}
+
+/// In the copy.
+[[noreturn]] void workAndEnd(ChildWork work, const std::vector<std::string>& words, int report) noexcept {
+    const int nothing = ::open("/dev/null", O_RDWR | O_CLOEXEC);
+    bool isReady = nothing >= 0 && (report == reportNumber || dup2(report, reportNumber) >= 0);
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        isReady = isReady && dup2(nothing, stream) >= 0;
+    if (isReady)
+        work(words);
+    std::_Exit(EXIT_FAILURE);
+}
+
+/// \return the system's error number, or 0
+int start(const std::string& program, std::vector<std::string> words, int report, ChildWork work,
+          pid_t& child) {
+    words.push_back(std::to_string(reportNumber));
+    if (work == nullptr || !isCopyable(program))
+        return spawn(program, std::move(words), report, child);
+    child = fork();
+    if (child == 0)
+        workAndEnd(work, words, report);
+    return child < 0 ? errno : 0;
+}
+
+enum class Read { Some, Nothing, End };
+
+/// Takes what is there, after waiting for it a little.
+Read readSome(int file, std::string& report) {
     pollfd waiting{file, POLLIN, 0};
     if (poll(&waiting, 1, static_cast<int>(look.count())) <= 0)
-        return true;
+        return Read::Nothing;
     std::array<char, 4096> bytes{};
     const ssize_t count = read(file, bytes.data(), bytes.size());
     if (count > 0)
         report.append(bytes.data(), std::min(static_cast<std::size_t>(count), mostReport - report.size()));
-    return count > 0 || (count < 0 && errno == EINTR);
+    if (count > 0)
+        return Read::Some;
+    return count < 0 && errno == EINTR ? Read::Nothing : Read::End;
 }
 
 bool hasEnded(pid_t child, int& status) { return waitpid(child, &status, WNOHANG) == child; }
 
 void drain(int file, std::string& report) {
     fcntl(file, F_SETFL, O_NONBLOCK);
-    std::size_t before = 0;
-    do
-        before = report.size();
-    while (readSome(file, report) && report.size() != before);
+    while (report.size() < mostReport && readSome(file, report) == Read::Some) {
+    }
 }
 
 ChildEnd endOf(int status) {
@@ -122,28 +157,31 @@ ChildEnd endOf(int status) {
 
 } // namespace
 
-ChildEnd runChild(const std::string& program, const std::vector<std::string>& arguments, milliseconds start,
-                  milliseconds limit, std::string& report) {
+ChildEnd runChild(const std::string& program, const std::vector<std::string>& arguments,
+                  milliseconds beginning, milliseconds limit, std::string& report, ChildWork work) {
     Pipe pipe;
     pid_t child = 0;
-    const int error = pipe.open ? spawn(program, arguments, pipe.ends[1], child) : errno;
+    const int error = pipe.open ? start(program, arguments, pipe.ends[1], work, child) : errno;
     if (error != 0)
         return {ChildEnd::Kind::NotStarted, error, strerrordesc_np(error)};
     pipe.closeEnd(1); // else the report would never end for us
-    auto end = Clock::now() + start;
+    auto end = Clock::now() + beginning;
     bool begun = false;
-    bool more = true;
+    Read last = Read::Some;
+    std::chrono::microseconds pause{20}; // a process ends soon after its report, but need not
     int status = 0;
-    while (!hasEnded(child, status)) {
+    while ((last == Read::Some && report.size() < mostReport) || !hasEnded(child, status)) {
         if (Clock::now() > end) {
             kill(child, SIGKILL);
             waitpid(child, &status, 0);
             return {ChildEnd::Kind::TimedOut, 0, {}};
         }
-        if (more)
-            more = readSome(pipe.ends[0], report);
-        else
-            poll(nullptr, 0, static_cast<int>(look.count()));
+        if (last != Read::End) {
+            last = readSome(pipe.ends[0], report);
+        } else {
+            std::this_thread::sleep_for(pause);
+            pause = std::min<std::chrono::microseconds>(2 * pause, look);
+        }
         // Loading the program's libraries does not count against what it has to do.
         if (!begun && !report.empty())
             end = Clock::now() + limit;

@@ -19,7 +19,7 @@ using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
 constexpr DWORD lookMilliseconds = 10;
-constexpr std::size_t mostReport = 64 * 1024;
+constexpr std::size_t mostReport = 1024 * 1024;
 constexpr DWORD firstException = 0xC0000000; ///< exit codes from here on are those of crashes
 
 std::wstring widen(const std::string& text) {
@@ -162,7 +162,7 @@ LONG WINAPI endProcess(EXCEPTION_POINTERS* exception) {
 } // namespace
 
 ChildEnd runChild(const std::string& program, const std::vector<std::string>& arguments,
-                  milliseconds beginning, milliseconds limit, std::string& report) {
+                  milliseconds beginning, milliseconds limit, std::string& report, ChildWork) {
     SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
     HANDLE ends[2]{};
     OwnedHandle process;
