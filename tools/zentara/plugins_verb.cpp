@@ -134,13 +134,16 @@ Verb addPluginsVerb(CLI::App& program) {
     auto options = std::make_shared<PluginsOptions>();
     CLI::App* command =
         program.add_subcommand("plugins", "Lists the plug-ins that are registered")->group("Verbs");
-    command->footer("Each file is asked in a process of its own, for 5 s at most: one that crashes, hangs or "
-                    "ends the process is\n"
-                    "named, and the others are listed. Exit code 4 when no plug-in is usable.");
+    command->footer(
+        "The files are asked in another process, and whichever does not pass there in one of its own, for "
+        "5 s at most:\n"
+        "one that crashes, hangs or ends the process is named, and the others are listed. Exit code 4 when "
+        "no\n"
+        "plug-in is usable.");
     command->add_flag("--all", options->all,
                       "Also list everything else in the directory, why it was refused and the remedy");
     command->add_flag("--json", options->json, "Print JSON");
-    return {command, [options](Console& console) { return runPlugins(*options, console); }};
+    return {command, [options](Console& console) { return runPlugins(*options, console); }, true};
 }
 
 } // namespace Zentara::Tool

@@ -139,6 +139,37 @@ ExitCode endOfOutput(ExitCode code, Console& console) {
     return Failure::Failed;
 }
 
+struct NamedVerb {
+    const char* name;
+    Verb (*add)(CLI::App& program);
+};
+constexpr NamedVerb allVerbs[]{{"plugins", addPluginsVerb},
+                               {"devices", addDevicesVerb},
+                               {"info", addInfoVerb},
+                               {"stream", addStreamVerb},
+                               {"params", addParamsVerb},
+                               {"sensors", addSensorsVerb},
+                               {"calibration", addCalibrationVerb},
+                               {"xu", addXuVerb},
+                               {"reg", addRegVerb},
+                               {"i2c", addI2cVerb},
+                               {"firmware", addFirmwareVerb},
+                               {"meta", addMetaVerb},
+                               {"modfreq", addModfreqVerb},
+                               {"rom", addRomVerb}};
+
+/// Where a verb comes first, that one alone: the options of all take longer to make than many a verb takes.
+std::vector<Verb> addVerbs(CLI::App& program, const std::vector<std::string>& arguments) {
+    std::vector<Verb> added;
+    for (const NamedVerb& verb : allVerbs) {
+        if (!arguments.empty() && arguments.front() == verb.name)
+            return {verb.add(program)};
+    }
+    for (const NamedVerb& verb : allVerbs)
+        added.push_back(verb.add(program));
+    return added;
+}
+
 /// Help and version end the parse as well; they are no errors and go to standard output.
 ExitCode endOfParse(const CLI::App& program, const CLI::ParseError& reason, Console& console) {
     if (reason.get_exit_code() == 0) {
@@ -175,15 +206,11 @@ int runTool(std::vector<std::string> arguments, Console& console) {
     program.allow_windows_style_options(false); // what begins with "/" is a path everywhere
     program.require_subcommand(1);
     program.get_formatter()->label("SUBCOMMAND", "VERB");
-    const std::vector<Verb> verbs{
-        addPluginsVerb(program), addDevicesVerb(program), addInfoVerb(program),        addStreamVerb(program),
-        addParamsVerb(program),  addSensorsVerb(program), addCalibrationVerb(program), addXuVerb(program),
-        addRegVerb(program),     addI2cVerb(program),     addFirmwareVerb(program),    addMetaVerb(program),
-        addModfreqVerb(program), addRomVerb(program)};
+    turnHelp(arguments);
+    const std::vector<Verb> verbs = addVerbs(program, arguments);
     refuseEmptyWords(program);
     program.footer(footer); // after the verbs: they would take it over
     console.json = asksForJson(arguments);
-    turnHelp(arguments);
     try {
         checkVerbs(program, arguments, console);
         std::reverse(arguments.begin(), arguments.end()); // the parser takes them from the back
@@ -196,20 +223,23 @@ int runTool(std::vector<std::string> arguments, Console& console) {
         return endOfParse(program, reason, console);
     }
     noteVerb(program, console);
+    const auto chosen =
+        std::find_if(verbs.begin(), verbs.end(), [](const Verb& verb) { return verb.command->parsed(); });
     std::optional<ToolLog> logged; // before the supervisor: that shows the log also while a verb hangs
     try {
         Host::beginUserLog();
         if (const auto target = Host::userLogTarget(); log && target && *target != "STDERR")
             note(console, "--log adds nothing: the log goes to '" + *target + "', as ZENTARASDK_LOG says");
-        logged.emplace(log);
+        if (log || !chosen->isBounded)
+            logged.emplace(log);
     } catch (const Failure& failure) {
         tellFailure(console, failure);
         return failure.code();
     }
-    const Supervisor supervisor(console, patience);
+    std::optional<Supervisor> supervisor;
+    if (!chosen->isBounded)
+        supervisor.emplace(console, patience);
     useProgramRootIfNone();
-    const auto chosen =
-        std::find_if(verbs.begin(), verbs.end(), [](const Verb& verb) { return verb.command->parsed(); });
     return endOfOutput(runVerb(*chosen, console), console);
 }
 

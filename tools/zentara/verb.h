@@ -16,6 +16,7 @@ namespace Zentara::Tool {
 struct Verb {
     CLI::App* command = nullptr;
     std::function<ExitCode(Console&)> run;
+    bool isBounded = false; ///< it waits for nobody without a limit of its own: nobody need watch it
 };
 
 /// Each adds one verb, with its options, to the program.
