@@ -2,27 +2,23 @@
 
 #include <cstdint>
 
-#include <zentara/utils/dynamic_library.h>
 #include <zentara/utils/exceptions.h>
 #include <zentara/utils/format.h>
 
+#include "utils/platform/dynamic_library.h"
 #include "utils/platform/error_text.h"
 #include "utils/platform/library_file.h"
 
 namespace Zentara::Core {
 
-namespace {
-
-/// Passed with every load of a plug-in; it has no effect.
-constexpr int loadMode = 2;
-
-} // namespace
+using Utils::Platform::LibraryFileState;
 
 void* openPluginFile(const std::string& path, std::string& problem) {
     // Before the loader sees it: one that was cut short may crash the process as it is mapped.
-    if (Utils::Platform::isDamagedLibrary(path, problem))
+    const LibraryFileState state = Utils::Platform::examineLibrary(path, problem);
+    if (state == LibraryFileState::Damaged)
         return nullptr;
-    void* library = Utils::loadSharedLibrary(path, loadMode);
+    void* library = Utils::Platform::openLibrary(path, state == LibraryFileState::Whole);
     if (!library) {
         // The number first: the text's own way to the system may change it.
         const std::uint32_t number = Utils::Platform::lastError();

@@ -7,13 +7,13 @@
 #include <zentara/core/guids.h>
 #include <zentara/core/plugin_exports.h>
 #include <zentara/plugin/plugin_exceptions.h>
-#include <zentara/utils/dynamic_library.h>
 #include <zentara/utils/files.h>
 #include <zentara/utils/format.h>
 #include <zentara/utils/install_root.h>
 
 #include "core/guid_map.h"
 #include "core/plugin_file.h"
+#include "utils/platform/dynamic_library.h"
 #include "utils/platform/library_file.h"
 
 namespace Zentara::Core {
@@ -42,7 +42,7 @@ public:
     OpenLibrary() = default;
     ~OpenLibrary() {
         if (handle)
-            Utils::freeSharedLibrary(handle);
+            Utils::Platform::closeLibrary(handle);
     }
     OpenLibrary(const OpenLibrary&) = delete;
     OpenLibrary& operator=(const OpenLibrary&) = delete;
@@ -54,7 +54,7 @@ public:
 
     template<typename Function>
     Function find(const char* name) const {
-        return reinterpret_cast<Function>(Utils::getFunction(handle, name));
+        return reinterpret_cast<Function>(Utils::Platform::findSymbol(handle, name));
     }
 
 private:
@@ -212,7 +212,9 @@ std::string getPluginDirectory() {
 std::vector<PluginProbe> probePluginDirectory(const std::string& directory) {
     GuidMap<std::string> registered;
     std::vector<PluginProbe> probes;
-    for (const std::string& path : Utils::getFileList(directory, pluginFileExtension())) {
+    const std::vector<std::string> paths = Utils::getFileList(directory, pluginFileExtension());
+    probes.reserve(paths.size());
+    for (const std::string& path : paths) {
         probes.push_back(Scanner(path, registered, {}).run());
         // A refused file does not take its GUID away from a later one.
         if (probes.back().accepted())

@@ -6,7 +6,9 @@ namespace Zentara::Utils {
 
 void* loadSharedLibrary(const std::string& path, int) { return Platform::openLibrary(path); }
 
-void* getFunction(void* library, const std::string& name) { return Platform::findSymbol(library, name); }
+void* getFunction(void* library, const std::string& name) {
+    return Platform::findSymbol(library, name.c_str());
+}
 
 bool freeSharedLibrary(void* library) { return Platform::closeLibrary(library); }
 

@@ -57,13 +57,13 @@ const Loader volatile loader = &dlopen;
 
 } // namespace
 
-void* openLibrary(const std::string& path) {
+void* openLibrary(const std::string& path, bool isRegular) {
     // To the loader an empty path means the program itself.
     if (path.empty() || path.find('\0') != std::string::npos) {
         keepLoaderError("invalid library path");
         return nullptr;
     }
-    if (!isOpenable(path)) {
+    if (!isRegular && !isOpenable(path)) {
         keepLoaderError((path + ": not a regular file").c_str());
         return nullptr;
     }
@@ -85,12 +85,12 @@ void* openLibrary(const std::string& path) {
     return nullptr;
 }
 
-void* findSymbol(void* library, const std::string& name) {
+void* findSymbol(void* library, const char* name) {
     if (!library) {
         keepLoaderError("no library");
         return nullptr;
     }
-    void* symbol = dlsym(library, name.c_str());
+    void* symbol = dlsym(library, name);
     if (!symbol)
         keepLoaderError(dlerror());
     return symbol;

@@ -1,8 +1,10 @@
 #include "utils/platform/library_file.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 #include <utility>
 #include <vector>
 
@@ -30,7 +32,7 @@ public:
         if (file < 0 || fstat(file, &status) != 0 || !S_ISREG(status.st_mode))
             return;
         length = static_cast<std::uint64_t>(status.st_size);
-        begun = ::pread(file, begin, std::min<std::uint64_t>(length, sizeof begin), 0);
+        keep(begin, 0, length);
     }
     ~LibraryFile() {
         if (file >= 0)
@@ -48,18 +50,43 @@ public:
     bool read(std::uint64_t offset, void* data, std::size_t count) const noexcept {
         if (!holds(offset, count))
             return false;
-        if (begun > 0 && offset + count <= static_cast<std::uint64_t>(begun)) {
-            std::memcpy(data, begin + offset, count);
-            return true;
-        }
-        return ::pread(file, data, count, static_cast<off_t>(offset)) == static_cast<ssize_t>(count);
+        return begin.take(offset, data, count) || end.take(offset, data, count) ||
+               ::pread(file, data, count, static_cast<off_t>(offset)) == static_cast<ssize_t>(count);
+    }
+
+    /// Reads a stretch at once, if it is short, since what is looked at in it is read in pieces.
+    void keepEnd(std::uint64_t offset, std::uint64_t count) noexcept {
+        if (holds(offset, count) && count <= sizeof end.bytes)
+            keep(end, offset, count);
     }
 
 private:
+    template<std::size_t size>
+    struct Kept {
+        std::uint64_t offset = 0;
+        std::uint64_t count = 0;
+        char bytes[size]; // not initialised: it is either filled or not looked at
+
+        bool take(std::uint64_t from, void* data, std::size_t number) const noexcept {
+            if (from < offset || from - offset > count || number > count - (from - offset))
+                return false;
+            std::memcpy(data, bytes + (from - offset), number);
+            return true;
+        }
+    };
+
+    template<std::size_t size>
+    void keep(Kept<size>& kept, std::uint64_t offset, std::uint64_t count) const noexcept {
+        const ssize_t done =
+            ::pread(file, kept.bytes, std::min<std::uint64_t>(count, size), static_cast<off_t>(offset));
+        kept.offset = offset;
+        kept.count = static_cast<std::uint64_t>(std::max<ssize_t>(done, 0));
+    }
+
     int file;
     std::uint64_t length = 0;
-    ssize_t begun = 0; ///< bytes in `begin`; negative when they could not be read
-    char begin[1024];  ///< of the file, where most of what is looked at stands
+    Kept<1024> begin; ///< where most of what is looked at stands
+    Kept<8192> end;
 };
 
 bool isElf(const FileHeader& header) noexcept {
@@ -92,11 +119,49 @@ constexpr Table tables[] = {{DT_STRTAB, DT_STRSZ},
                             {DT_INIT, DT_NULL},
                             {DT_FINI, DT_NULL}};
 
+/// The entries of a dynamic section by their tags. The loader keeps the last of several with one tag.
+class Dynamic {
+public:
+    explicit Dynamic(const std::vector<Entry>& entries) {
+        for (const Entry& entry : entries) {
+            const std::size_t slot = slotOf(entry.d_tag);
+            if (slot < slots.size())
+                slots[slot] = &entry;
+        }
+    }
+
+    /// Null when there is none.
+    [[nodiscard]] const Entry* find(std::int64_t tag) const { return slots[slotOf(tag)]; }
+
+private:
+    static constexpr std::int64_t further[] = {DT_GNU_HASH, DT_VERSYM, DT_VERNEED, DT_VERDEF};
+    static constexpr std::size_t count = DT_NUM + std::size(further);
+
+    /// Beyond all slots for a tag that nobody asks for.
+    static std::size_t slotOf(std::int64_t tag) noexcept {
+        if (tag >= 0 && tag < DT_NUM)
+            return static_cast<std::size_t>(tag);
+        return DT_NUM + static_cast<std::size_t>(std::find(std::begin(further), std::end(further), tag) -
+                                                 std::begin(further));
+    }
+
+    std::array<const Entry*, count> slots{};
+};
+
 /// The segments of a library and what they point to, compared with the file.
 class Image {
 public:
     Image(const LibraryFile& libraryFile, std::vector<Segment> fileSegments)
-        : file(libraryFile), segments(std::move(fileSegments)) {}
+        : file(libraryFile), segments(std::move(fileSegments)) {
+        const auto pageSize = static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
+        for (const Segment& segment : segments) {
+            if (segment.p_type != PT_LOAD)
+                continue;
+            // The rest of a segment's last page is mapped as well, and protected with it.
+            const std::uint64_t beyond = (segment.p_vaddr + segment.p_memsz) % pageSize;
+            mapped.push_back({segment.p_vaddr, segment.p_memsz + (beyond == 0 ? 0 : pageSize - beyond)});
+        }
+    }
 
     /// The first fault in words; empty when there is none.
     [[nodiscard]] std::string findDamage(const FileHeader& header) const {
@@ -146,19 +211,12 @@ private:
     }
 
     [[nodiscard]] bool isMapped(std::uint64_t address, std::uint64_t count) const {
-        return std::any_of(segments.begin(), segments.end(), [&](const Segment& segment) {
-            if (segment.p_type != PT_LOAD || address < segment.p_vaddr)
+        return std::any_of(mapped.begin(), mapped.end(), [&](const Stretch& stretch) {
+            if (address < stretch.address)
                 return false;
-            const std::uint64_t offset = address - segment.p_vaddr;
-            const std::uint64_t length = toWholePages(segment);
-            return offset < length && count <= length - offset;
+            const std::uint64_t offset = address - stretch.address;
+            return offset < stretch.length && count <= stretch.length - offset;
         });
-    }
-
-    /// The rest of a segment's last page is mapped as well, and protected with it.
-    [[nodiscard]] std::uint64_t toWholePages(const Segment& segment) const noexcept {
-        const std::uint64_t beyond = (segment.p_vaddr + segment.p_memsz) % pageSize;
-        return segment.p_memsz + (beyond == 0 ? 0 : pageSize - beyond);
     }
 
     /// The section headers stand at the end of the file and tell whether that has arrived. The loader does not look at
@@ -195,20 +253,21 @@ private:
         entries.erase(end, entries.end());
         if (entries.empty())
             return "the dynamic section is empty";
-        if (!findEntry(entries, DT_STRTAB) || !findEntry(entries, DT_SYMTAB))
+        const Dynamic known(entries);
+        if (!known.find(DT_STRTAB) || !known.find(DT_SYMTAB))
             return "the dynamic section names no symbols";
         for (const Table& table : tables) {
-            if (!isTableMapped(entries, table))
+            if (!isTableMapped(known, table))
                 return "table " + std::to_string(table.address) + " lies outside of the mapped segments";
         }
-        return isHashTableWhole(entries) ? std::string() : "the hash table of the symbols is damaged";
+        return isHashTableWhole(known) ? std::string() : "the hash table of the symbols is damaged";
     }
 
     /// The loader divides by the number of buckets and follows what they hold.
-    [[nodiscard]] bool isHashTableWhole(const std::vector<Entry>& entries) const {
+    [[nodiscard]] bool isHashTableWhole(const Dynamic& entries) const {
         constexpr std::uint64_t wordBytes = sizeof(std::uint32_t);
         std::uint32_t words[4];
-        if (const Entry* const table = findEntry(entries, DT_GNU_HASH)) {
+        if (const Entry* const table = entries.find(DT_GNU_HASH)) {
             const auto& [bucketCount, firstSymbol, filterCount, filterShift] = words;
             if (!readMapped(table->d_un.d_ptr, words, sizeof words) || bucketCount == 0 || filterCount == 0 ||
                 (filterCount & (filterCount - 1)) != 0)
@@ -217,7 +276,7 @@ private:
                                                    filterCount * std::uint64_t{sizeof(ElfW(Addr))} +
                                                    bucketCount * wordBytes);
         }
-        const Entry* const table = findEntry(entries, DT_HASH);
+        const Entry* const table = entries.find(DT_HASH);
         if (!table)
             return true;
         const auto& [bucketCount, chainCount, ignored, alsoIgnored] = words;
@@ -234,23 +293,30 @@ private:
         });
     }
 
-    [[nodiscard]] bool isTableMapped(const std::vector<Entry>& entries, const Table& table) const {
-        const Entry* address = findEntry(entries, table.address);
-        const Entry* length = table.length == DT_NULL ? nullptr : findEntry(entries, table.length);
+    [[nodiscard]] bool isTableMapped(const Dynamic& entries, const Table& table) const {
+        const Entry* address = entries.find(table.address);
+        const Entry* length = table.length == DT_NULL ? nullptr : entries.find(table.length);
         return !address || isMapped(address->d_un.d_ptr, length ? length->d_un.d_val : 1);
     }
 
-    /// The loader keeps the last of several entries with one tag.
-    static const Entry* findEntry(const std::vector<Entry>& entries, std::int64_t tag) {
-        const auto found = std::find_if(entries.rbegin(), entries.rend(),
-                                        [&](const Entry& entry) { return entry.d_tag == tag; });
-        return found == entries.rend() ? nullptr : &*found;
-    }
+    struct Stretch {
+        std::uint64_t address;
+        std::uint64_t length;
+    };
 
     const LibraryFile& file;
     const std::vector<Segment> segments;
-    const std::uint64_t pageSize = static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
+    std::vector<Stretch> mapped; ///< what the loader maps of them
 };
+
+/// The dynamic section and the section table are neighbours in a library without symbols for a debugger.
+void keepTables(LibraryFile& file, const FileHeader& header, const std::vector<Segment>& segments) {
+    for (const Segment& segment : segments) {
+        if (segment.p_type == PT_DYNAMIC && segment.p_offset < header.e_shoff)
+            file.keepEnd(segment.p_offset,
+                         header.e_shoff + header.e_shnum * sizeof(Section) - segment.p_offset);
+    }
+}
 
 } // namespace
 
@@ -263,19 +329,17 @@ bool isLibraryLoaded(const std::string& path) {
     return library != nullptr;
 }
 
-bool isDamagedLibrary(const std::string& path, std::string& problem) {
-    const LibraryFile file(path);
+LibraryFileState examineLibrary(const std::string& path, std::string& problem) {
+    LibraryFile file(path);
     FileHeader header;
     if (!file.read(0, &header, sizeof header) || !isElf(header))
-        return false;
+        return LibraryFileState::Unknown;
     std::vector<Segment> segments(header.e_phnum);
     const bool complete = file.read(header.e_phoff, segments.data(), segments.size() * sizeof(Segment));
-    const std::string damage = complete ? Image(file, std::move(segments)).findDamage(header)
-                                        : "the file is cut short in its segment table";
-    if (damage.empty())
-        return false;
-    problem = damage;
-    return true;
+    keepTables(file, header, segments);
+    problem = complete ? Image(file, std::move(segments)).findDamage(header)
+                       : "the file is cut short in its segment table";
+    return problem.empty() ? LibraryFileState::Whole : LibraryFileState::Damaged;
 }
 
 } // namespace Zentara::Utils::Platform

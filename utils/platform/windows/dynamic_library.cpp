@@ -26,7 +26,7 @@ private:
 
 } // namespace
 
-void* openLibrary(const std::string& path) {
+void* openLibrary(const std::string& path, bool) {
     if (path.empty() || path.find('\0') != std::string::npos) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return nullptr;
@@ -43,13 +43,13 @@ void* openLibrary(const std::string& path) {
     }
 }
 
-void* findSymbol(void* library, const std::string& name) {
+void* findSymbol(void* library, const char* name) {
     // To the system a null handle means the program itself.
     if (!library) {
         SetLastError(ERROR_INVALID_HANDLE);
         return nullptr;
     }
-    return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(library), name.c_str()));
+    return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(library), name));
 }
 
 bool closeLibrary(void* library) noexcept {

@@ -180,16 +180,13 @@ bool isLibraryLoaded(const std::string& path) {
     return GetModuleHandleW(utf8ToWideOrWidened(nativeSeparators(path)).c_str()) != nullptr;
 }
 
-bool isDamagedLibrary(const std::string& path, std::string& problem) {
+LibraryFileState examineLibrary(const std::string& path, std::string& problem) {
     const LibraryFile file(path);
     IMAGE_DOS_HEADER header;
     if (!file.read(0, &header, sizeof header) || header.e_magic != IMAGE_DOS_SIGNATURE)
-        return false;
-    const std::string damage = findDamage(file, static_cast<std::uint32_t>(header.e_lfanew));
-    if (damage.empty())
-        return false;
-    problem = damage;
-    return true;
+        return LibraryFileState::Unknown;
+    problem = findDamage(file, static_cast<std::uint32_t>(header.e_lfanew));
+    return problem.empty() ? LibraryFileState::Whole : LibraryFileState::Damaged;
 }
 
 } // namespace Zentara::Utils::Platform
