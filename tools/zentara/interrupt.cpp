@@ -4,6 +4,9 @@
 #include <csignal>
 #include <iterator>
 
+#include <zentara/utils/clock.h>
+#include <zentara/utils/signal.h>
+
 #include "utils/platform/program.h"
 
 namespace Zentara::Tool {
@@ -57,5 +60,22 @@ InterruptWatch::~InterruptWatch() {
 bool InterruptWatch::interrupted() const noexcept { return noted != 0; }
 
 Interrupts InterruptWatch::sinceItBegan() noexcept { return {noted, termination}; }
+
+bool watchEvery(const WatchTimes& times, const InterruptWatch& interrupt,
+                const std::function<bool(double seconds)>& work) {
+    constexpr unsigned long sliceMilliseconds = 50;
+    const std::int64_t start = Utils::Clock::nowMicros();
+    const auto passed = [start] { return static_cast<double>(Utils::Clock::nowMicros() - start) / 1e6; };
+    Utils::Threading::Signal never;
+    for (double due = 0; times.seconds <= 0 || due <= times.seconds; due += times.interval / 1000.0) {
+        while (passed() < due && !interrupt.interrupted())
+            never.timedWait(sliceMilliseconds);
+        if (interrupt.interrupted())
+            return true;
+        if (!work(passed()))
+            break;
+    }
+    return false;
+}
 
 } // namespace Zentara::Tool

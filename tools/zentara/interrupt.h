@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <functional>
 
 namespace Zentara::Tool {
 
@@ -33,5 +34,16 @@ private:
 
     std::array<Handler, mostSignals> previous{};
 };
+
+/// How a verb that watches looks again: every so many milliseconds, for so many seconds, 0 for ever.
+struct WatchTimes {
+    unsigned interval = 500;
+    double seconds = 0;
+};
+
+/// Does the work at once and then again and again, until it says false, the time is over or the user interrupts.
+/// \param work is told the seconds since the beginning \return whether it was interrupted
+bool watchEvery(const WatchTimes& times, const InterruptWatch& interrupt,
+                const std::function<bool(double seconds)>& work);
 
 } // namespace Zentara::Tool

@@ -13,6 +13,7 @@
 #include <zentara/version.h>
 
 #include "tools/zentara/arguments.h"
+#include "tools/zentara/pages/examples.h"
 #include "tools/zentara/supervisor.h"
 #include "tools/zentara/tool_log.h"
 #include "tools/zentara/verb.h"
@@ -167,6 +168,7 @@ std::vector<Verb> addVerbs(CLI::App& program, const std::vector<std::string>& ar
     }
     for (const NamedVerb& verb : allVerbs)
         added.push_back(verb.add(program));
+    added.push_back(addCompletionVerb(program, versionText())); // it tells of all the others
     return added;
 }
 
@@ -209,6 +211,7 @@ int runTool(std::vector<std::string> arguments, Console& console) {
     turnHelp(arguments);
     const std::vector<Verb> verbs = addVerbs(program, arguments);
     refuseEmptyWords(program);
+    addExamples(program);
     program.footer(footer); // after the verbs: they would take it over
     console.json = asksForJson(arguments);
     try {

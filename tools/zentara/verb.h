@@ -21,6 +21,8 @@ struct Verb {
 
 /// Each adds one verb, with its options, to the program.
 [[nodiscard]] Verb addCalibrationVerb(CLI::App& program);
+/// \param version for the manual page
+[[nodiscard]] Verb addCompletionVerb(CLI::App& program, const std::string& version);
 [[nodiscard]] Verb addDevicesVerb(CLI::App& program);
 [[nodiscard]] Verb addFirmwareVerb(CLI::App& program);
 [[nodiscard]] Verb addI2cVerb(CLI::App& program);

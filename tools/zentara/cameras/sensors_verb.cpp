@@ -8,7 +8,6 @@
 #include <zentara/host/sensor_reading.h>
 #include <zentara/utils/clock.h>
 #include <zentara/utils/format.h>
-#include <zentara/utils/signal.h>
 
 #include "tools/zentara/arguments.h"
 #include "tools/zentara/cameras/camera_json.h"
@@ -19,12 +18,9 @@
 namespace Zentara::Tool {
 namespace {
 
-constexpr unsigned long sliceMilliseconds = 50;
-
 struct SensorsOptions : CameraOptions {
     bool watch = false;
-    double seconds = 0; ///< 0: until Ctrl-C
-    unsigned interval = 500;
+    WatchTimes times;
     int accelerometer = -1;
     std::string png;
 };
@@ -64,16 +60,10 @@ public:
 
     /// \return whether it was interrupted
     bool watch(const InterruptWatch& interrupt) {
-        Utils::Threading::Signal never;
-        for (double due = 0; console.out && (options.seconds <= 0 || due <= options.seconds);
-             due += static_cast<double>(options.interval) / 1000) {
-            while (secondsSince(start) < due && !interrupt.interrupted())
-                never.timedWait(sliceMilliseconds);
-            if (interrupt.interrupted())
-                return true;
+        return watchEvery(options.times, interrupt, [this](double) {
             note(read());
-        }
-        return false;
+            return console.out.good();
+        });
     }
 
     /// Of what came; nothing to plot leaves no file.
@@ -154,11 +144,11 @@ Verb addSensorsVerb(CLI::App& program) {
         "description says that it is.");
     addCameraOptions(*command, *options);
     CLI::Option* watch = command->add_flag("--watch", options->watch, "Read again and again, until Ctrl-C");
-    command->add_option("--seconds", options->seconds, "Watch so long")
+    command->add_option("--seconds", options->times.seconds, "Watch so long")
         ->type_name("N")
         ->check(secondsBetween(shortestWatch, longestWatch))
         ->needs(watch);
-    command->add_option("--interval", options->interval, "Milliseconds between readings")
+    command->add_option("--interval", options->times.interval, "Milliseconds between readings")
         ->type_name("MS")
         ->capture_default_str()
         ->check(CLI::Range(1U, 3'600'000U).description(""))

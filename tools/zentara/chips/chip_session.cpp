@@ -100,16 +100,21 @@ ChipSession::~ChipSession() {
     }
 }
 
-void ChipSession::finish(const Json& result, const std::string& text) {
-    if (!options.json) {
-        console.out << text << '\n';
-        return;
-    }
+Json ChipSession::about(const Json& result) const {
     Json json = beginJson(console);
     json["camera"] = cameraJson(opened->info());
     json["camera"]["controller"] = chip().name();
     json["proxified"] = !options.direct;
     json.update(result);
+    return json;
+}
+
+void ChipSession::finish(const Json& result, const std::string& text) {
+    if (!options.json) {
+        console.out << text << '\n';
+        return;
+    }
+    Json json = about(result);
     if (options.trace) {
         json["transfers"] = Json::array();
         for (const IO::ChipTransfer& transfer : transfers)

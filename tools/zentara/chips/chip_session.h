@@ -51,6 +51,9 @@ public:
     [[nodiscard]] IO::CameraChip& chip() const { return opened->chip(); }
     [[nodiscard]] IO::VideoDeviceProxy& device() const { return opened->device(); }
 
+    /// A result as JSON, with the camera added.
+    [[nodiscard]] Json about(const Json& result) const;
+
     /// Ends the verb: prints the result as JSON, with the camera and the trace added, or the text.
     void finish(const Json& result, const std::string& text);
 

@@ -6,6 +6,7 @@
 
 #include "tools/zentara/arguments.h"
 #include "tools/zentara/chips/chip_session.h"
+#include "tools/zentara/interrupt.h"
 
 namespace Zentara::Tool {
 namespace {
@@ -65,15 +66,50 @@ ExitCode runI2cWrite(I2cOptions options, Console& console) {
     return Failure::None;
 }
 
+/// Asks every address for one register: some device answers there, or the camera refuses the transfer.
+ExitCode runI2cScan(const I2cOptions& options, Console& console) {
+    ChipSession session(options, console);
+    const unsigned last = limitsOf(session, options).device;
+    Json devices = Json::array();
+    std::string text;
+    const InterruptWatch interrupt;
+    for (unsigned device = 0; device <= last && !interrupt.interrupted(); ++device) {
+        try {
+            unsigned value = 0;
+            attempt("read I2C device " + hexText(device), [&] {
+                value = session.chip().readI2c(static_cast<std::uint8_t>(device), options.reg,
+                                               static_cast<std::uint8_t>(options.bytes));
+            });
+            devices.push_back({{"device", device}, {"value", value}});
+            text +=
+                Format("%  register % holds %\n") % hexText(device) % hexText(options.reg) % hexText(value);
+        } catch (const Failure& failure) {
+            // A camera that is silent, or gone, says nothing about a device.
+            if (failure.code() == Failure::TimedOut || failure.code() == Failure::NoDevice)
+                throw;
+        }
+    }
+    if (interrupt.interrupted())
+        return Failure::Interrupted;
+    const std::size_t found = devices.size();
+    session.finish({{"register", options.reg}, {"devices", std::move(devices)}},
+                   text.append(Format("% of % addresses answer") % found % (last + 1)));
+    return Failure::None;
+}
+
+void addBusOptions(CLI::App& command, I2cOptions& options) {
+    command.add_option("--bytes", options.bytes, "Data bytes; an OV0570 knows them itself")
+        ->capture_default_str()
+        ->check(CLI::Range(1U, 2U));
+    addChipOptions(command, options);
+}
+
 void addDevice(CLI::App& command, I2cOptions& options) {
     command.add_option("DEVICE", options.device, "Its address on the bus")
         ->required()
         ->check(CLI::Range(0U, 0xFFU));
     command.add_option("REGISTER", options.reg, "The register's number")->required()->check(any32Bits());
-    command.add_option("--bytes", options.bytes, "Data bytes; an OV0570 knows them itself")
-        ->capture_default_str()
-        ->check(CLI::Range(1U, 2U));
-    addChipOptions(command, options);
+    addBusOptions(command, options);
 }
 
 } // namespace
@@ -89,7 +125,15 @@ Verb addI2cVerb(CLI::App& program) {
     CLI::App* write = command->add_subcommand("write", "Writes a register");
     addDevice(*write, *options);
     write->add_option("VALUE", options->value, "What to write")->required()->check(CLI::Range(0U, 0xFFFFU));
-    return {command, [options, read](Console& console) {
+    CLI::App* scan =
+        command->add_subcommand("scan", "Reads one register at every address, and prints who answers");
+    scan->add_option("--register", options->reg, "The register's number")
+        ->capture_default_str()
+        ->check(any32Bits());
+    addBusOptions(*scan, *options);
+    return {command, [options, read, scan](Console& console) {
+                if (scan->parsed())
+                    return runI2cScan(*options, console);
                 return read->parsed() ? runI2cRead(*options, console) : runI2cWrite(*options, console);
             }};
 }
