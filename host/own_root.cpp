@@ -1,5 +1,7 @@
 #include <zentara/host/own_root.h>
 
+#include <atomic>
+
 #include <zentara/utils/environment_variable.h>
 #include <zentara/utils/files.h>
 #include <zentara/utils/install_root.h>
@@ -17,6 +19,9 @@ bool rootIsConfigured() {
            root != Utils::addTrailingSeparator(ZENTARA_FALLBACK_ROOT);
 }
 
+/// That the variable is this program's own doing.
+std::atomic<bool> isOwn{false};
+
 } // namespace
 
 bool useRootIfNone(const std::string& root) {
@@ -25,7 +30,20 @@ bool useRootIfNone(const std::string& root) {
     if (variable.isDefined() || rootIsConfigured() || !isDirectory(directory + "bin/Plugins"))
         return false;
     variable.setValue(directory.c_str());
+    isOwn = true;
     return true;
+}
+
+InstallRoot installRoot() {
+    InstallRoot root;
+    static_cast<void>(Utils::getNativeZTRootDirectory(root.directory));
+    if (Utils::EnvironmentVariable("ZENTARASDK_ROOT").isDefined())
+        root.origin = isOwn ? "where the program lies" : "from the environment variable ZENTARASDK_ROOT";
+    else if (rootIsConfigured())
+        root.origin = "from the registry or, off Windows, /etc/zentara/sdk.ini";
+    else
+        root.origin = "built in, for nothing names another one";
+    return root;
 }
 
 bool useProgramRootIfNone() {

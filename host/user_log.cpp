@@ -145,12 +145,12 @@ struct End {
 
 void begin(UserLog& log, const std::string& value) ZENTARA_REQUIRES(log.lock) {
     Wish wish = wishOf(value);
+    checkTarget(wish);
     if (KVLogger* own = KVLogger::instance()) {
         own->warning(std::string(variableName) + " is not followed: the program logs already");
         KVLogger::release();
         return;
     }
-    checkTarget(wish);
     log.wish = std::move(wish);
     Utils::setLogFilter(&passes);
     const KVLogLevel most = *std::max_element(log.wish.levels.begin(), log.wish.levels.end());
@@ -170,6 +170,11 @@ void beginUserLog() {
     if (variable.isDefined())
         begin(log, variable.getValue());
     log.isDecided = true;
+}
+
+void passOverUserLog() {
+    AutoLock hold(userLog().lock);
+    userLog().isDecided = true;
 }
 
 std::optional<std::string> userLogTarget() {

@@ -94,6 +94,7 @@ TEST_F(JsonOutput, IsWhatTheDocumentSays) {
     const std::vector<std::pair<const char*, std::vector<std::string>>> rows{
         {"plugins", {"plugins", "--all"}},
         {"devices", {"devices"}},
+        {"doctor", {"doctor"}},
         {"devices --watch", {"devices", "--watch", "--seconds", "1"}},
         {"info", {"info", "VC0258"}},
         {"params list", {"params", "list"}},

@@ -157,7 +157,8 @@ constexpr NamedVerb allVerbs[]{{"plugins", addPluginsVerb},
                                {"firmware", addFirmwareVerb},
                                {"meta", addMetaVerb},
                                {"modfreq", addModfreqVerb},
-                               {"rom", addRomVerb}};
+                               {"rom", addRomVerb},
+                               {doctorVerb, addDoctorVerb}};
 
 /// Where a verb comes first, that one alone: the options of all take longer to make than many a verb takes.
 std::vector<Verb> addVerbs(CLI::App& program, const std::vector<std::string>& arguments) {
@@ -236,8 +237,11 @@ int runTool(std::vector<std::string> arguments, Console& console) {
         if (log || !chosen->isBounded)
             logged.emplace(log);
     } catch (const Failure& failure) {
-        tellFailure(console, failure);
-        return failure.code();
+        if (console.verb != doctorVerb) { // which tells it beside all else that is wrong
+            tellFailure(console, failure);
+            return failure.code();
+        }
+        logged.emplace(log);
     }
     std::optional<Supervisor> supervisor;
     if (!chosen->isBounded)

@@ -19,11 +19,15 @@ struct Verb {
     bool isBounded = false; ///< it waits for nobody without a limit of its own: nobody need watch it
 };
 
+/// The verb that looks at the environment as it is: nothing is refused before it has said what is wrong.
+inline constexpr const char* doctorVerb = "doctor";
+
 /// Each adds one verb, with its options, to the program.
 [[nodiscard]] Verb addCalibrationVerb(CLI::App& program);
 /// \param version for the manual page
 [[nodiscard]] Verb addCompletionVerb(CLI::App& program, const std::string& version);
 [[nodiscard]] Verb addDevicesVerb(CLI::App& program);
+[[nodiscard]] Verb addDoctorVerb(CLI::App& program);
 [[nodiscard]] Verb addFirmwareVerb(CLI::App& program);
 [[nodiscard]] Verb addI2cVerb(CLI::App& program);
 [[nodiscard]] Verb addInfoVerb(CLI::App& program);

@@ -25,6 +25,7 @@
 #include <zentara/host/frame_clock.h>
 #include <zentara/host/frame_file.h>
 #include <zentara/host/frame_set.h>
+#include <zentara/host/health.h>
 #include <zentara/host/hex_bytes.h>
 #include <zentara/host/lens.h>
 #include <zentara/host/library_log.h>

@@ -16,4 +16,12 @@ ZENTARA_HOST_API bool useRootIfNone(const std::string& root);
 /// elsewhere.
 ZENTARA_HOST_API bool useProgramRootIfNone();
 
+/// Where plug-ins are looked for, and who said so. Texts are UTF-8.
+struct InstallRoot {
+    std::string directory; ///< with a separator at its end; empty where what names it cannot be read
+    std::string origin;    ///< in words: "from the environment variable ZENTARASDK_ROOT"
+};
+/// That of this process at the moment. Safe.
+[[nodiscard]] ZENTARA_HOST_API InstallRoot installRoot();
+
 } // namespace Zentara::Host

@@ -53,4 +53,7 @@ bool everybodyMayWrite(const std::string& directory) {
     return false;
 }
 
+/// Devices have no files here whose permissions could be looked at.
+bool mayReadAndWrite(const std::string&) { return true; }
+
 } // namespace Zentara::Utils::Platform
