@@ -29,7 +29,7 @@ public:
     /// Less than the 2 s that a caller of the device waits, so that he is told what was not answered.
     static constexpr unsigned long patienceMilliseconds = 1800;
 
-    /// \param camera what the devices of one camera have in common
+    /// \param camera what the devices of one camera have in common, and another one at its place has not
     /// \param label names the device in messages: "/dev/video0"
     CallThread(const std::string& camera, std::string label);
 

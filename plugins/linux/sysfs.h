@@ -34,6 +34,14 @@ public:
     [[nodiscard]] static std::filesystem::path hardwareOf(const std::filesystem::path& classDevice);
     [[nodiscard]] static bool isUsb(const std::filesystem::path& hardware);
 
+    /// Names hardware for as long as it is plugged in: what is plugged in at its place later has another address.
+    [[nodiscard]] static std::string pluggedIn(const std::string& hardware, std::uint32_t address) {
+        return hardware + "@" + std::to_string(address);
+    }
+    [[nodiscard]] static std::string pluggedIn(const std::filesystem::path& hardware) {
+        return pluggedIn(hardware.string(), number(hardware, "devnum", 10));
+    }
+
     /// The hardware of "/dev/video0", or of a link to it.
     [[nodiscard]] std::filesystem::path hardwareOfVideo(const std::string& devicePath) const;
     /// The video nodes of some hardware: "/dev/video0".

@@ -83,6 +83,10 @@ bool isCamera(const fs::path& device) {
     return false;
 }
 
+std::string identityOf(const FoundCamera& camera) {
+    return Sysfs::pluggedIn(camera.path, camera.deviceAddress);
+}
+
 std::string refusalOf(const fs::path& device) {
     const std::vector<std::uint8_t> bytes = Sysfs::descriptors(device);
     const Linux::UsbCamera camera = Linux::readUsbDescriptors(bytes);
@@ -131,10 +135,13 @@ std::vector<FoundCamera> CameraScan::look() {
     for (const Node& node : completeNodes()) {
         FoundCamera* camera = find(cameras, node.hardware);
         if (camera == nullptr)
-            camera = &cameras.emplace_back(complete[node.hardware.string()]);
+            camera = &cameras.emplace_back(complete[Sysfs::pluggedIn(node.hardware)]);
         addVideo(node.name, node.hardware, *camera);
     }
-    const auto isGone = [&](const auto& one) { return find(cameras, one.first) == nullptr; };
+    const auto isGone = [&](const auto& one) {
+        return std::none_of(cameras.begin(), cameras.end(),
+                            [&](const FoundCamera& camera) { return identityOf(camera) == one.first; });
+    };
     std::erase_if(complete, isGone);
     std::erase_if(cameras, [](const FoundCamera& camera) { return camera.videos.empty(); });
     addMicrophones(cameras);
@@ -153,13 +160,12 @@ std::vector<CameraScan::Node> CameraScan::completeNodes() {
             const fs::path hardware = Sysfs::hardwareOf(sysfs.place("video4linux", name));
             if (name.rfind("video", 0) != 0 || hardware.empty())
                 continue; // another kind, or it has gone
-            const auto known = complete.find(hardware.string());
-            if (known == complete.end() ||
-                known->second.deviceAddress != Sysfs::number(hardware, "devnum", 10)) {
+            const std::string identity = Sysfs::pluggedIn(hardware);
+            if (complete.count(identity) == 0) {
                 std::optional<FoundCamera> told = describe(hardware, "/dev/" + name);
                 if (!told)
                     continue;
-                complete.insert_or_assign(hardware.string(), *std::move(told));
+                complete.emplace(identity, *std::move(told));
                 mayBeMore = true;
             }
             nodes.push_back({name, hardware});
@@ -182,21 +188,22 @@ std::optional<FoundCamera> CameraScan::describe(const fs::path& hardware, const 
         return camera;
     };
     try {
-        return threadOf(hardware.string(), label).call("wait for the nodes of " + hardware.string(), ask);
+        return threadOf(Sysfs::pluggedIn(hardware), label)
+            .call("wait for the nodes of " + hardware.string(), ask);
     } catch (const Plugin::PluginException&) {
         return std::nullopt; // it was logged
     }
 }
 
 void CameraScan::addVideo(const std::string& name, const fs::path& hardware, FoundCamera& camera) {
-    const std::string key = name + "@" + camera.path + "@" + std::to_string(camera.deviceAddress);
+    const std::string key = name + " of " + identityOf(camera);
     FoundVideo video;
     video.path = "/dev/" + name;
     const auto known = asked.find(key);
     if (known != asked.end()) {
         video.formats = known->second;
     } else {
-        video.formats = ask(camera.path, video.path, video.closed);
+        video.formats = ask(identityOf(camera), video.path, video.closed);
         if (video.closed)
             video.formats = describedFormats(hardware, sysfs.place("video4linux", name));
         else if (!video.formats.empty())
@@ -249,6 +256,8 @@ void CameraScan::addRefused(std::vector<FoundCamera>& cameras) {
         if (!since.empty() && std::strtoul(since.c_str(), nullptr, 10) < settledMilliseconds)
             continue;
         std::optional<FoundCamera> told = describe(device, device.string());
+        if (told && !sysfs.videoNodesOf(device).empty())
+            continue; // they have come while others were asked
         FoundCamera& camera = cameras.emplace_back(told ? *std::move(told) : identify(device));
         camera.refusal = told ? refusalOf(device) : "its driver waits for an answer of it";
     }

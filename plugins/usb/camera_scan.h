@@ -72,8 +72,8 @@ private:
 
     const std::shared_ptr<Linux::Kernel> kernel;
     const Linux::Sysfs sysfs;
-    std::map<std::string, std::unique_ptr<Linux::CallThread>> threads; ///< by the camera's path
-    std::map<std::string, FoundCamera> complete; ///< what has all its nodes, without these, by its path
+    std::map<std::string, std::unique_ptr<Linux::CallThread>> threads; ///< by the camera's identity
+    std::map<std::string, FoundCamera> complete; ///< what has all its nodes, without these, by its identity
     std::map<std::string, Formats> asked;        ///< by the node's name and when it was plugged in
 };
 

@@ -94,7 +94,8 @@ V4l2Device::~V4l2Device() { letGo(); }
 
 void V4l2Device::initialize(NodeEvent* event, Core::DescriptorStoreRO* store) {
     VideoDeviceInterface::initialize(event, store);
-    attach(event->path, event->parentPath); // a camera is silent with all its nodes
+    // A camera is silent with all its nodes, and not the one that is plugged in at its place.
+    attach(event->path, Linux::Sysfs::pluggedIn(event->parentPath, event->deviceAddress));
 }
 
 std::shared_ptr<Capture> V4l2Device::present() {
