@@ -22,7 +22,7 @@ test-linux test-windows test-asan test-tsan: test-%:
 test-kernel:
 	@.ci/setup kernel || { echo "test-kernel: NOTHING WAS TRIED: the packages marked 'kernel' in .ci/packages.txt are missing" >&2; exit 1; }
 	@cmake --preset gcc -Wno-dev >/dev/null
-	@cmake --build --preset gcc -j $(JOBS) --target zentara camera_plugins simulated_usb_camera zentara_python
+	@cmake --build --preset gcc -j $(JOBS) --target zentara camera_plugins simulated_usb_camera zentara_python plugin_device
 	@tests/kernel/all
 
 ## Which lines and branches the tests reach on Linux: a summary for each room, and build/coverage/report/index.html.

@@ -35,6 +35,7 @@ expect_kernel_warning() { echo "$1" >>"$TMPDIR/expected-warnings"; }
 
 # Cameras at USB level: each is a process, and gone with it.
 camera=$ZENTARA_TREE/build/gcc/bin/simulated_usb_camera
+device=$ZENTARA_TREE/build/gcc/bin/plugin_device # a device plug-in by itself
 declare -A plugged=()
 
 # plug SERIAL STREAMS OPTION...: plugs a camera in and waits until the kernel has made its nodes, two for each stream.

@@ -24,3 +24,22 @@ test_frames_are_those_of_the_driver_one_by_one() {
     expect '5 of 5' zentara stream --camera vivid --color --frames 5 --color-png "$ZENTARA_JOB/vivid.png"
     [ -s "$ZENTARA_JOB/vivid.png" ]
 }
+
+# The part is scaled to the size of the mode; after a pause the driver begins anew.
+test_a_region_and_a_pause() {
+    local number
+    use_real_cameras
+    [ -e /dev/video0 ] || load_vivid
+    "$device" /dev/video0 region=80,60,640,360 start read=5 pause read=1 resume read=5 >"$TMPDIR/raw" 2>"$TMPDIR/said"
+    [ "$(sed -n '6s/ .*//p' "$TMPDIR/said")" = 1 ] # in the pause there is nothing
+    v4l2-ctl -d /dev/video0 --set-selection target=crop,left=80,top=60,width=640,height=360
+    take /dev/video0 30 "$TMPDIR/reference"
+    for number in 0 1; do
+        dd if="$TMPDIR/raw" of="$TMPDIR/part" bs=153600 skip=$((5 * number)) count=5 status=none
+        python3 "$here/pictures.py" "$TMPDIR/part" 153600 153600 <"$TMPDIR/reference"
+    done
+    v4l2-ctl -d /dev/video0 --set-selection target=crop,left=0,top=0,width=640,height=360
+    take /dev/video0 5 "$TMPDIR/reference"
+    ! python3 "$here/pictures.py" "$TMPDIR/part" 153600 153600 <"$TMPDIR/reference" 2>/dev/null
+    refuse 1 'is not inside the picture' "$device" /dev/video0 region=80,60,9999,360
+}

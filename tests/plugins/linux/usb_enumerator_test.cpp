@@ -1,9 +1,3 @@
-#include <chrono>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <thread>
-#include <unistd.h>
-
 #include <gmock/gmock.h>
 
 #include <zentara/core/descriptor_store_ro.h>
@@ -101,32 +95,6 @@ TEST(UsbEnumerator, TellsNodesApartByWhatTheyDeliver) {
     tree.remove("class/video4linux/video2");
     EXPECT_FALSE(enumerator.isPresent(nodes[2]));
     EXPECT_TRUE(enumerator.isPresent(nodes[5]));
-    enumerator.dispose();
-}
-
-/// Of which the microphone comes while the kernel has the device locked.
-TEST(UsbEnumerator, WaitsForAllNodesOfACameraThatIsBeingPluggedIn) {
-    TestSupport::SystemTree tree;
-    const auto kernel = std::make_shared<TestSupport::FakeKernel>();
-    tree.plug("1-1", "1234", "9999", {});
-    tree.addVideo(0, "devices/usb1/1-1/1-1:1.0");
-    const std::string locked = tree.real("devices/usb1/1-1") + "/bNumInterfaces";
-    ASSERT_EQ(::mkfifo(locked.c_str(), 0600), 0);
-    std::thread driver([&] {
-        int lock = -1;
-        for (int tries = 0; tries < 5000 && (lock = ::open(locked.c_str(), O_WRONLY | O_NONBLOCK)) < 0;
-             ++tries)
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        tree.addMicrophone(3, "devices/usb1/1-1/1-1:1.2");
-        ::close(lock);
-    });
-    UsbEnumerator enumerator(CameraScan(kernel, Linux::Sysfs(tree.path())));
-    Store store;
-    std::vector<NodeEvent> nodes;
-    enumerator.initialize(nullptr, &store);
-    enumerator.enumerate(nodes);
-    driver.join();
-    EXPECT_THAT(textsOf(nodes), ElementsAre("color 258 /dev/video0", "audio 259 hw:3,0"));
     enumerator.dispose();
 }
 
