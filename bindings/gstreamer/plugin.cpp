@@ -4,7 +4,9 @@
 #include <gst/gst.h>
 #include <zentara/host/own_root.h>
 
+#include "bindings/gstreamer/camera_devices.h"
 #include "bindings/gstreamer/camera_source.h"
+#include "bindings/gstreamer/depth_color.h"
 
 namespace {
 
@@ -24,7 +26,11 @@ void findRoot(GstPlugin* plugin) {
 
 gboolean begin(GstPlugin* plugin) {
     findRoot(plugin);
-    return gst_element_register(plugin, "zentarasrc", GST_RANK_NONE, Zentara::GStreamer::cameraSourceType());
+    using namespace Zentara::GStreamer;
+    return gst_element_register(plugin, "zentarasrc", GST_RANK_NONE, cameraSourceType()) != FALSE &&
+           gst_element_register(plugin, "zentaracolor", GST_RANK_NONE, depthColorType()) != FALSE &&
+           gst_device_provider_register(plugin, "zentaradeviceprovider", GST_RANK_PRIMARY,
+                                        cameraDevicesType()) != FALSE;
 }
 
 } // namespace
