@@ -211,15 +211,16 @@ void releasePad(GstElement* element, GstPad* pad) {
         self->lanes->erase(lane);
     }
     GST_OBJECT_UNLOCK(self);
-    if (source == nullptr)
-        return;
-    gst_element_set_locked_state(source, TRUE);
-    gst_element_set_state(source, GST_STATE_NULL);
-    if (const auto end = endOfStreamSource(source))
-        (void)end->isDone(patience);
+    if (source != nullptr) {
+        gst_element_set_locked_state(source, TRUE);
+        gst_element_set_state(source, GST_STATE_NULL);
+        if (const auto end = endOfStreamSource(source))
+            (void)end->isDone(patience);
+    }
     gst_pad_set_active(pad, FALSE);
     gst_element_remove_pad(element, pad);
-    gst_bin_remove(GST_BIN(self), source);
+    if (source != nullptr)
+        gst_bin_remove(GST_BIN(self), source);
 }
 
 // States -------------------------------------------------------------------------------------------------------------
@@ -283,6 +284,14 @@ GstStateChangeReturn changeState(GstElement* element, GstStateChange change) {
     return came;
 }
 
+/// A bin lets its elements go before its pads.
+void disposeSource(GObject* object) {
+    GST_OBJECT_LOCK(object);
+    sourceOf(object)->lanes->clear();
+    GST_OBJECT_UNLOCK(object);
+    G_OBJECT_CLASS(zentara_src_parent_class)->dispose(object);
+}
+
 void finalizeSource(GObject* object) {
     ZentaraSrc* const self = sourceOf(object);
     delete self->settings;
@@ -304,6 +313,7 @@ static void zentara_src_class_init(ZentaraSrcClass* type) {
     GObjectClass* const object = G_OBJECT_CLASS(type);
     object->set_property = &setProperty;
     object->get_property = &getProperty;
+    object->dispose = &disposeSource;
     object->finalize = &finalizeSource;
     constexpr auto flags =
         static_cast<GParamFlags>(G_PARAM_READWRITE | G_PARAM_STATIC_STRINGS | GST_PARAM_MUTABLE_READY);

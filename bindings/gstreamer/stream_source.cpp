@@ -30,6 +30,7 @@ using Utils::Format;
 constexpr std::size_t queuedFrames = 4;
 constexpr GstClockTime longestAge = GST_SECOND; ///< that the latency follows; what comes later comes too late
 constexpr milliseconds lookPause(20);
+constexpr milliseconds lookPatience(200); ///< for a frame, before it is looked what has happened
 
 GstClockTime periodOf(const Mode& mode) {
     return mode.kind == Kind::Audio ? GST_MSECOND : GST_SECOND / std::max(1U, mode.rate);
@@ -163,30 +164,33 @@ void StreamReader::announce(const Mode& chosen) {
     gst_caps_unref(caps);
     const Host::StreamInfo& info = stream->info();
     GstTagList* const tags = gst_tag_list_new(GST_TAG_COMMENT, Host::streamLine(info).c_str(), nullptr);
-    gst_element_send_event(element(), gst_event_new_tag(tags)); // behind the segment
+    // Queued behind the segment. Past gst_element_send_event(), which takes the lock of who waits for this thread to end.
+    GST_ELEMENT_GET_CLASS(base)->send_event(element(), gst_event_new_tag(tags));
     gst_element_post_message(element(), gst_message_new_latency(GST_OBJECT(base)));
 }
 
 // Frames -------------------------------------------------------------------------------------------------------------
 
 std::optional<Frame> StreamReader::next() {
-    const milliseconds limit = wish.silence.count() > 0 ? wish.silence : milliseconds(3'600'000);
-    for (;;) {
+    const bool waits = wish.onUnplug == OnUnplug::Wait;
+    const milliseconds step = wish.silence.count() > 0 ? std::min(lookPatience, wish.silence) : lookPatience;
+    for (milliseconds silent(0);; silent += step) {
         try {
-            std::optional<Frame> frame = stream->next(limit, [this] { return goesOn(); });
+            std::optional<Frame> frame = stream->next(step, [this] { return goesOn(); });
             if (frame && std::exchange(isAway, false))
                 postWarning(element(), stream->label() + " is back");
             return frame;
         } catch (const Failure& failure) {
-            if (failure.code() == Failure::TimedOut && wish.silence.count() == 0)
+            if (failure.code() == Failure::TimedOut &&
+                (wish.silence.count() == 0 || silent + step < wish.silence))
                 continue;
             if (failure.code() != Failure::NoDevice || wish.onUnplug == OnUnplug::Error)
                 throw;
-            const bool isFirst = !std::exchange(isAway, true);
-            if (isFirst)
+            if (!std::exchange(isAway, true))
                 postWarning(element(), failure.what());
-            if (wish.onUnplug == OnUnplug::Eos || stream->state() != Stream::State::Away)
+            if (!waits || stream->state() != Stream::State::Away)
                 return {};
+            silent = milliseconds(0);
         }
     }
 }
@@ -268,10 +272,10 @@ GstFlowReturn StreamReader::create(GstBuffer** buffer) try {
     if (failure.code() == Failure::Interrupted)
         return GST_FLOW_FLUSHING;
     postError(element(), failure);
-    return GST_FLOW_ERROR;
+    return GST_FLOW_EOS; // an error of the flow would be posted once more
 } catch (const std::exception& failure) {
     postError(element(), Failure(Failure::Failed, "cannot stream", failure.what()));
-    return GST_FLOW_ERROR;
+    return GST_FLOW_EOS;
 }
 
 void StreamReader::end() {

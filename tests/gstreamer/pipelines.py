@@ -1,8 +1,9 @@
 """Pipelines in this process, and what comes of them."""
 import contextlib
-from typing import Callable, Dict, Iterator, List, Optional
+from typing import Callable, Dict, Iterable, Iterator, List, Optional
 
 import gi
+import zentara  # noqa: F401  (before GStreamer, which brings an unwinder of its own)
 
 gi.require_version("Gst", "1.0")
 gi.require_version("GstApp", "1.0")
@@ -43,6 +44,9 @@ class Running:
             yield sample
             most = None if most is None else most - 1
 
+    def error(self) -> Gst.Message:
+        return self.message(Gst.MessageType.ERROR)
+
     def errors(self) -> List[Gst.Message]:
         found = []
         while message := self.bus.pop_filtered(Gst.MessageType.ERROR):
@@ -74,6 +78,17 @@ def bytes_of(sample: Gst.Sample) -> bytes:
     return sample.get_buffer().extract_dup(0, sample.get_buffer().get_size())
 
 
-def by_number(samples: Iterator[Gst.Sample]) -> Dict[int, bytes]:
+def comment_of(running: Running, name: str = "out") -> str:
+    """What belongs to the stream that an appsink gets."""
+    pad, index = running[name].get_static_pad("sink"), 0
+    while event := pad.get_sticky_event(Gst.EventType.TAG, index):
+        found, comment = event.parse_tag().get_string(Gst.TAG_COMMENT)
+        if found:
+            return comment
+        index += 1
+    raise AssertionError("no comment came")
+
+
+def by_number(samples: Iterable[Gst.Sample]) -> Dict[int, bytes]:
     """Frames by their numbers."""
     return {sample.get_buffer().offset: bytes_of(sample) for sample in samples}

@@ -1,7 +1,15 @@
 """Depth cameras: their frames, parameters, calibration and flash, recordings and point clouds."""
 import atexit as _atexit
+import ctypes as _ctypes
 import os as _os
 import pathlib as _pathlib
+
+# A library that comes later, as GStreamer does, may bring another unwinder of C++ exceptions with functions of the same
+# names. Those of the compiler, which this module is bound to, must be found first.
+try:
+    _ctypes.CDLL("libgcc_s.so.1", mode=_ctypes.RTLD_GLOBAL)
+except OSError:
+    pass
 
 from . import _zentara, types
 from ._differences import differences
