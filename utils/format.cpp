@@ -1,11 +1,8 @@
 #include <zentara/utils/format.h>
 
 #include <algorithm>
-#include <array>
-#include <atomic>
 #include <charconv>
 #include <cstddef>
-#include <cstdint>
 #include <cstring>
 #include <new>
 #include <streambuf>
@@ -16,6 +13,7 @@
 
 #include "utils/growing_bytes.h"
 #include "utils/message.h"
+#include "utils/places.h"
 
 namespace Zentara::Utils {
 
@@ -139,6 +137,19 @@ Item parseBracedItem(std::string_view item) {
     }
 }
 
+/// As find(). A text that lies in the string itself was written just now and in small pieces, for which a search that
+/// takes many bytes at once has to wait.
+std::size_t findBrace(std::string_view text, std::size_t from) noexcept {
+    constexpr std::size_t insideString = 15;
+    if (text.size() > insideString)
+        return text.find('{', from);
+    for (; from < text.size(); ++from) {
+        if (text[from] == '{')
+            return from;
+    }
+    return std::string_view::npos;
+}
+
 /// The item whose opening brace stands at `position`, which then is behind the closing one.
 Item takeItem(std::string_view format, std::size_t& position) {
     const std::size_t start = position + 1;
@@ -165,8 +176,8 @@ bool takeRun(std::string_view format, std::size_t& position, std::string_view& r
 /// Items in braces may be malformed, which is told before anything is written.
 void checkItems(std::string_view format) {
     std::size_t done = 0; // before it all is checked
-    for (std::size_t brace = format.find('{'); brace != std::string_view::npos;
-         brace = format.find('{', done)) {
+    for (std::size_t brace = findBrace(format, 0); brace != std::string_view::npos;
+         brace = findBrace(format, done)) {
         std::size_t signs = 0;
         while (brace - signs > done && format[brace - signs - 1] == '%')
             ++signs;
@@ -264,8 +275,7 @@ struct Format::Impl {
         output.append(text);
     }
 
-    struct Place;
-    static std::array<Place, 16> places;
+    struct Records;
     static void* operator new(std::size_t size);
     static void operator delete(void* record) noexcept;
 
@@ -275,29 +285,19 @@ struct Format::Impl {
     std::unique_ptr<TextStream> streaming; ///< null until a value needs it, and then for good
 };
 
-/// Room for the record of one message. Most threads have one message at a time, so that a place is nearly always free;
-/// nested messages, and threads that meet in one place, take theirs from the heap. Static and without a destructor: a
-/// message may end on another thread than it began, and after the library's statics.
-struct Format::Impl::Place {
-    std::atomic<bool> taken{false};
-    alignas(Impl) std::byte record[sizeof(Impl)]{};
+struct Format::Impl::Records {
+    static Places<sizeof(Impl)> places;
 };
 
-constinit std::array<Format::Impl::Place, 16> Format::Impl::places;
+constinit Places<sizeof(Format::Impl)> Format::Impl::Records::places;
 
 void* Format::Impl::operator new(std::size_t size) {
-    // Threads are told apart by their stacks, which lie a megabyte apart or more.
-    const char here = 0;
-    const std::uint64_t stack = reinterpret_cast<std::uintptr_t>(&here) >> 20;
-    Place& place = places[(stack * 0x9E3779B97F4A7C15U) >> 60];
-    return place.taken.exchange(true, std::memory_order_acquire) ? ::operator new(size) : place.record;
+    void* const place = Records::places.take();
+    return place ? place : ::operator new(size);
 }
 
 void Format::Impl::operator delete(void* record) noexcept {
-    const auto offset = reinterpret_cast<std::uintptr_t>(record) - reinterpret_cast<std::uintptr_t>(&places);
-    if (offset < sizeof places)
-        places[offset / sizeof(Place)].taken.store(false, std::memory_order_release);
-    else
+    if (!Records::places.giveBack(record))
         ::operator delete(record);
 }
 
