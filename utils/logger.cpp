@@ -1,11 +1,13 @@
 #include <zentara/utils/logger.h>
 
 #include <cstdio>
+#include <cstring>
 #include <ctime>
 #include <string_view>
 
 #include <zentara/utils/mutex.h>
 
+#include "utils/growing_bytes.h"
 #include "utils/immortal.h"
 #include "utils/platform/error_text.h"
 #include "utils/platform/files.h"
@@ -18,6 +20,7 @@ namespace {
 
 constexpr std::size_t bannerWidth = 65;
 constexpr std::size_t timeTextSize = 200;
+constexpr std::size_t usualLine = 800; ///< bytes with all the time's room; longer ones take memory
 
 /// Guards the instance. Never destroyed, for threads log while the process ends.
 constinit Immortal<Threading::Mutex> instanceMutexStorage;
@@ -93,26 +96,38 @@ struct Logger::Impl {
         if (!file || time.empty())
             return;
         const std::string frame(bannerWidth, '=');
-        line = frame + '\n' + name + event;
-        line.append(time).append("\n").append(frame).append("\n");
-        flushLine();
+        writeAtOnce((frame + '\n' + name + event).append(time).append("\n").append(frame).append("\n"));
     }
 
+    /// All but the time is put together before the lock, which the others wait for: the time, of which nobody knows how
+    /// long it is, then goes in front.
     void writeLine(const char* label, std::string_view message) {
-        const ThreadTag tag; // before the lock, which only the line itself needs
+        GrowingBytes<usualLine> line;
+        line.append(timeTextSize, ' ');
+        line.append(": ");
+        line.append(ThreadTag().text());
+        line.append(": ");
+        line.append(label);
+        line.append(message);
+        line.append(1, '\n');
         const Threading::AutoLock lock(mutex);
         const std::string_view time = timeText.now();
         if (time.empty())
             return;
-        line.assign(time).append(": ").append(tag.text()).append(": ").append(label).append(message) += '\n';
-        flushLine();
+        const std::size_t start = timeTextSize - time.size();
+        std::memcpy(line.data() + start, time.data(), time.size());
+        writeAtOnce({line.data() + start, line.size() - start});
     }
 
     /// In one write, so that lines of several processes in one file do not mix, and flushed: the line before a crash is
     /// the one that is wanted.
-    void flushLine() {
-        std::fwrite(line.data(), 1, line.size(), file);
-        std::fflush(file);
+    void writeAtOnce(std::string_view text) {
+        if (ownsFile) {
+            Platform::writeThrough(file, text);
+        } else { // the program writes there as well, and what it wrote before comes first
+            std::fwrite(text.data(), 1, text.size(), file);
+            std::fflush(file);
+        }
     }
 
     const KVLogLevel level;
@@ -121,7 +136,6 @@ struct Logger::Impl {
     bool ownsFile = false;     ///< false for the standard streams
     Threading::Mutex mutex;    ///< around each line
     TimeText timeText ZENTARA_GUARDED_BY(mutex);
-    std::string line; ///< used with the mutex held; kept for its memory
 };
 
 Logger* Logger::_instance = nullptr;

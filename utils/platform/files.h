@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <string>
+#include <string_view>
 
 namespace Zentara::Utils::Platform {
 
@@ -15,6 +16,9 @@ enum class FileMode {
 /// Opens a file by its UTF-8 path; null on failure, with the last error set. Never waits for the other end of
 /// a pipe, and child processes do not inherit the file. A path with a zero byte inside is refused.
 std::FILE* openFile(const std::string& path, FileMode mode);
+
+/// Writes at once and past the stream's buffer, which must be empty; what fails is lost.
+void writeThrough(std::FILE* file, std::string_view text) noexcept;
 
 /// How many bytes a regular file has, without what is still buffered; -1 for anything else.
 std::int64_t fileLength(std::FILE* file) noexcept;

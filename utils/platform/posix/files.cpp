@@ -50,6 +50,17 @@ std::FILE* openFile(const std::string& path, FileMode mode) {
     return file;
 }
 
+void writeThrough(std::FILE* file, std::string_view text) noexcept {
+    const int descriptor = fileno(file);
+    while (!text.empty()) {
+        const ssize_t written = write(descriptor, text.data(), text.size());
+        if (written > 0)
+            text.remove_prefix(static_cast<std::size_t>(written));
+        else if (written == 0 || errno != EINTR)
+            return;
+    }
+}
+
 std::int64_t fileLength(std::FILE* file) noexcept {
     struct stat status;
     return fstat(fileno(file), &status) == 0 && S_ISREG(status.st_mode) ? status.st_size : -1;

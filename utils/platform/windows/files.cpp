@@ -52,6 +52,11 @@ std::FILE* openFile(const std::string& path, FileMode mode) {
     return _wfopen(utf8ToWideOrWidened(path).c_str(), streamMode(mode));
 }
 
+void writeThrough(std::FILE* file, std::string_view text) noexcept {
+    std::fwrite(text.data(), 1, text.size(), file); // ends lines as the system does
+    std::fflush(file);
+}
+
 std::int64_t fileLength(std::FILE* file) noexcept {
     const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(file)));
     LARGE_INTEGER length;
