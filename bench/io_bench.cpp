@@ -1,3 +1,4 @@
+#include "bare_futex.h"
 #include "ratio_reporter.h"
 
 #include <zentara/core/guids.h>
@@ -16,8 +17,9 @@ namespace {
 
 using namespace Zentara;
 
-const Bench::Aim aim{"round_trip", "bare_hand_off", 1.5,
-                     "a request to the worker and back; the peer wakes a thread and waits"};
+const Bench::Aim aims[] = {{"round_trip", "bare_hand_off", 1.5,
+                            "a request to the worker and back; the peer wakes a thread and waits"},
+                           {"round_trip", "futex", 1.15, "the same; the peer does so by two bare words"}};
 const Bench::Growth growth{"callers", 1.2, "a request of each of 1 to 64 callers"};
 
 // Goes to the worker and back and, being a region of interest, no further: what is measured is the way alone.
@@ -48,9 +50,10 @@ void manyCallers(benchmark::State& state) {
 }
 BENCHMARK(manyCallers)->Name("callers/at")->RangeMultiplier(4)->Range(1, 64)->UseManualTime()->Iterations(20);
 
+template<class Event>
 void roundTripBare(benchmark::State& state) {
-    Utils::Threading::Signal there;
-    Utils::Threading::Signal back;
+    Event there;
+    Event back;
     std::atomic<bool> ending{false};
     std::thread worker([&] {
         for (;;) {
@@ -68,7 +71,8 @@ void roundTripBare(benchmark::State& state) {
     there.set();
     worker.join();
 }
-BENCHMARK(roundTripBare)->Name("round_trip/bare_hand_off")->UseRealTime();
+BENCHMARK(roundTripBare<Utils::Threading::Signal>)->Name("round_trip/bare_hand_off")->UseRealTime();
+BENCHMARK(roundTripBare<Bench::BareFutex>)->Name("round_trip/futex")->UseRealTime();
 
 } // namespace
 

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <memory>
 
+#include "slicing_by_8.h"
 #include "support/rom_image.h"
 #include "support/simulated_flash.h"
 
@@ -18,7 +19,11 @@ using namespace Zentara;
 using namespace Zentara::TestSupport;
 
 // What must be touched at least: every byte copied once and summed once.
-const Bench::Aim loadAim{"rom_load_1_mib", "memcpy_and_crc16", 2.0, "loading a storage of 1 MiB"};
+const Bench::Aim loadAims[] = {
+    {"rom_load_1_mib", "memcpy_and_crc16", 2.0, "loading a storage of 1 MiB; the peer copies and sums it"},
+    {"rom_load_1_mib", "memcpy_and_slicing_by_8", 0.7, "the same; the peer has the usual fast sum"}};
+const Bench::Aim rewriteAim{"rom_rewrite", "whole_image", 0.1,
+                            "writing a section again; the peer copies and sums the 256 of which it is one"};
 const Bench::Growth loadGrowth{"sections", 1.2, "loading a storage of 16 to 4,096 sections"};
 // A map of 4,096 is three times as deep as one of 16, and the transfers weigh more than the map.
 const Bench::Aim setAims[] = {
@@ -68,17 +73,28 @@ void loadMany(benchmark::State& state) {
 }
 BENCHMARK(loadMany)->Name("sections/at")->RangeMultiplier(4)->Range(16, 4096);
 
-void copyAndSum(benchmark::State& state) {
-    Filled filled(256, 4096 - OVERHEAD, 4096);
+std::uint16_t ownSum(const Bytes& bytes) {
+    return Utils::Crc16::compute(bytes.data(), static_cast<unsigned int>(bytes.size()), 0);
+}
+
+std::uint16_t slicedSum(const Bytes& bytes) {
+    static const Bench::SlicingBy8<std::uint16_t, 0xA001> sliced;
+    return sliced.compute(bytes.data(), bytes.size());
+}
+
+template<class Sum>
+void copyAndSum(benchmark::State& state, std::size_t chunk, Sum sum) {
+    Filled filled(256, chunk - OVERHEAD, static_cast<std::uint32_t>(chunk));
     Bytes copy(filled.image.size());
     for (auto _ : state) {
         std::memcpy(copy.data(), filled.image.data(), copy.size());
-        benchmark::DoNotOptimize(
-            Utils::Crc16::compute(copy.data(), static_cast<unsigned int>(copy.size()), 0));
+        benchmark::DoNotOptimize(sum(copy));
     }
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * copy.size()));
 }
-BENCHMARK(copyAndSum)->Name("rom_load_1_mib/memcpy_and_crc16");
+BENCHMARK_CAPTURE(copyAndSum, own, 4096, ownSum)->Name("rom_load_1_mib/memcpy_and_crc16");
+BENCHMARK_CAPTURE(copyAndSum, sliced, 4096, slicedSum)->Name("rom_load_1_mib/memcpy_and_slicing_by_8");
+BENCHMARK_CAPTURE(copyAndSum, rewrite, 256, slicedSum)->Name("rom_rewrite/whole_image");
 
 void set(benchmark::State& state) {
     const auto sections = static_cast<std::uint16_t>(state.range(0));
@@ -91,6 +107,7 @@ void set(benchmark::State& state) {
 }
 void setAmong16(benchmark::State& state) { set(state); }
 BENCHMARK(set)->Name("rom_set_among_256/ours")->Arg(256);
+BENCHMARK(set)->Name("rom_rewrite/ours")->Arg(256);
 BENCHMARK(setAmong16)->Name("rom_set_among_256/among_16")->Arg(16);
 BENCHMARK(set)->Name("rom_set_among_4096/ours")->Arg(4096);
 BENCHMARK(setAmong16)->Name("rom_set_among_4096/among_16")->Arg(16);

@@ -21,6 +21,8 @@
 #include <sstream>
 #include <vector>
 
+#include "slicing_by_8.h"
+
 namespace {
 
 using namespace Zentara::Utils;
@@ -35,8 +37,12 @@ const Bench::Aim logAims[] = {
     {"log_two_threads", "fprintf_fflush", 1.1, "a logged line of each of two threads"}};
 const Bench::Aim crcAims[] = {
     {"crc16", "byte_at_a_time", 0.25, "a checksum of 64 KiB; the peer looks up each byte"},
-    {"crc32", "byte_at_a_time", 0.25, "the same, wider"}};
-const Bench::Aim pointerAim{"smart_ptr", "boost_intrusive_ptr", 1.2, "copying a counted pointer"};
+    {"crc32", "byte_at_a_time", 0.25, "the same, wider"},
+    {"crc16", "slicing_by_8", 0.45, "a checksum of 64 KiB; the peer looks up eight bytes at a time"},
+    {"crc32", "slicing_by_8", 0.45, "the same, wider"}};
+const Bench::Aim pointerAims[] = {
+    {"smart_ptr", "boost_intrusive_ptr", 1.2, "copying a counted pointer"},
+    {"smart_ptr_made", "boost_intrusive_ptr", 1.0, "making what it points to, and its end"}};
 
 const std::string operation = "enable streaming";
 const std::string reason = "Access is denied.";
@@ -209,6 +215,21 @@ void crc32Plain(benchmark::State& state) {
 }
 BENCHMARK(crc32Plain)->Name("crc32/byte_at_a_time");
 
+void crc16Sliced(benchmark::State& state) {
+    static const Bench::SlicingBy8<std::uint16_t, 0xA001> sliced;
+    if (const auto bytes = block(); sliced.compute(bytes.data(), bytes.size()) !=
+                                    Crc16::compute(bytes.data(), static_cast<unsigned>(bytes.size()), 0))
+        state.SkipWithError("the peer computes another sum");
+    overBlock(state, [](const auto& b) { return sliced.compute(b.data(), b.size()); });
+}
+BENCHMARK(crc16Sliced)->Name("crc16/slicing_by_8");
+
+void crc32Sliced(benchmark::State& state) {
+    static const Bench::SlicingBy8<std::uint32_t, 0xEDB88320> sliced;
+    overBlock(state, [](const auto& b) { return sliced.compute(b.data(), b.size()); });
+}
+BENCHMARK(crc32Sliced)->Name("crc32/slicing_by_8");
+
 void crc32Zlib(benchmark::State& state) {
     overBlock(state, [](const auto& b) { return ::crc32(0, b.data(), static_cast<uInt>(b.size())); });
 }
@@ -236,6 +257,22 @@ void pointerBoost(benchmark::State& state) {
     }
 }
 BENCHMARK(pointerBoost)->Name("smart_ptr/boost_intrusive_ptr");
+
+void madeOurs(benchmark::State& state) {
+    for (auto _ : state) {
+        auto pointer = makeRefcounted<Ours>();
+        benchmark::DoNotOptimize(pointer);
+    }
+}
+BENCHMARK(madeOurs)->Name("smart_ptr_made/ours");
+
+void madeBoost(benchmark::State& state) {
+    for (auto _ : state) {
+        boost::intrusive_ptr<Theirs> pointer(new Theirs);
+        benchmark::DoNotOptimize(pointer);
+    }
+}
+BENCHMARK(madeBoost)->Name("smart_ptr_made/boost_intrusive_ptr");
 
 } // namespace
 
