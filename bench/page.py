@@ -8,6 +8,7 @@ import sys
 rows = [row for source in sources for row in json.loads(source.read_text())]
 rows = [row for row in rows if "aim" in row]
 ratios = [row for row in rows if "ratio" in row]
+counts = [row for row in rows if "count" in row]
 growths = [row for row in rows if "exponent" in row]
 
 
@@ -44,6 +45,13 @@ def growth_table():
         (least, first), *_, (most, last) = row["times"]
         yield (f"| {row['what']} | {time(first)} at {least:g} | {time(last)} at {most:g} | {row['exponent']:.2f} "
                f"| {row['aim']:g}{mark(row['exponent'], row['aim'])} |")
+
+
+def count_table():
+    yield "| what | counted | aim |"
+    yield "| --- | ---: | ---: |"
+    for row in counts:
+        yield f"| {row['what']} | {row['count']:g} | {row['aim']:g}{mark(row['count'], row['aim'])} |"
 
 
 def chart():
@@ -85,6 +93,12 @@ page.write_text("\n".join([
     "`zentara plugins` has the plug-ins asked in another process, so that one that crashes or hangs is named and ends nothing:",
     "what it takes beyond its peer is that process. Before the scan has a library loaded it looks whether the file is whole,",
     "since the loader may crash the process over one that was cut short; that is what it takes beyond the bare calls.",
+    "",
+    "## Counts",
+    "",
+    "The most of all repetitions.",
+    "",
+    *count_table(),
     "",
     "## Growth",
     "",

@@ -34,6 +34,11 @@ std::map<std::string, Wanted>& growths() {
     return table;
 }
 
+std::map<std::string, Wanted>& counts() {
+    static std::map<std::string, Wanted> table;
+    return table;
+}
+
 double median(std::vector<double> times) {
     const auto middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
     std::nth_element(times.begin(), middle, times.end());
@@ -74,6 +79,13 @@ public:
                 if (own != times.end() && peer != "ours")
                     printRatio(group, peer, median(own->second), median(some));
         }
+        for (const auto& [group, numbers] : counted) {
+            const Wanted& aim = counts().at(group);
+            const double most = *std::max_element(numbers.begin(), numbers.end());
+            std::printf("%-28s %-26s %10g %10g %s\n", group.c_str(), "counted", most, aim.most,
+                        most <= aim.most ? "met" : "MISSED");
+            rows.push_back({{"group", group}, {"count", most}, {"aim", aim.most}, {"what", aim.what}});
+        }
         for (const auto& [group, times] : growing) {
             if (times.size() < 2)
                 continue;
@@ -99,6 +111,10 @@ private:
         const std::size_t slash = name.rfind('/');
         if (slash == std::string::npos)
             return;
+        if (name.substr(slash + 1) == "counted") {
+            counted[name.substr(0, slash)].push_back(run.counters.at("count"));
+            return;
+        }
         const std::string& kind = run.run_name.time_type;
         const bool acrossThreads = kind == "real_time" || kind == "manual_time";
         // Nanoseconds, whatever the unit that is shown.
@@ -129,6 +145,7 @@ private:
 
     std::map<std::string, std::map<std::string, std::vector<double>>> groups;
     std::map<std::string, std::map<double, std::vector<double>>> growing;
+    std::map<std::string, std::vector<double>> counted;
     nlohmann::json rows = nlohmann::json::array();
 };
 
@@ -154,6 +171,10 @@ Aim::Aim(std::string group, std::string peer, double ratio, std::string what) {
 
 Growth::Growth(std::string group, double exponent, std::string what) {
     growths()[std::move(group)] = {exponent, std::move(what)};
+}
+
+Count::Count(std::string group, double most, std::string what) {
+    counts()[std::move(group)] = {most, std::move(what)};
 }
 
 int runAll(int argc, char** argv) {

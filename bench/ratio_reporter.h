@@ -18,6 +18,12 @@ struct Growth {
     Growth(std::string group, double exponent, std::string what);
 };
 
+/// Says how many of what is counted are good enough. The benchmark is named "GROUP/counted" and leaves the number in
+/// its counter "count". Call before runAll().
+struct Count {
+    Count(std::string group, double most, std::string what);
+};
+
 /// Runs every registered benchmark and prints the table of ratios below the times. "--results=FILE" writes the table as
 /// JSON, too. The exit code of main(): a missed aim is printed, but is no failure, since a busy machine can miss any.
 int runAll(int argc, char** argv);

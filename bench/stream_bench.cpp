@@ -1,3 +1,4 @@
+#include "counted_allocations.h"
 #include "ratio_reporter.h"
 
 #include <benchmark/benchmark.h>
@@ -171,6 +172,27 @@ void manyCameras(benchmark::State& state) {
     variable.setValue("");
     std::filesystem::remove(bus);
 }
+const Bench::Count allocations{"stream_next", 0,
+                               "memory taken by a caller of `Stream::next` for 30 frames, after a second"};
+
+void countAllocations(benchmark::State& state) {
+    Cameras cameras;
+    Stream stream = cameras.open().stream(Kind::Depth);
+    const auto take = [&stream] {
+        for (int frame = 0; frame < 30; ++frame)
+            benchmark::DoNotOptimize(stream.next(2s));
+    };
+    const auto begin = std::chrono::steady_clock::now();
+    while (std::chrono::steady_clock::now() - begin < 1s)
+        take();
+    for (auto _ : state) {
+        const std::size_t before = Bench::allocationsOfThisThread();
+        take();
+        state.counters["count"] = static_cast<double>(Bench::allocationsOfThisThread() - before);
+    }
+}
+BENCHMARK(countAllocations)->Name("stream_next/counted")->Iterations(1)->UseRealTime();
+
 BENCHMARK(manyCameras)->Name("cameras/at")->RangeMultiplier(4)->Range(1, 16)->UseManualTime()->Iterations(1);
 
 void openFirst(benchmark::State& state) {
