@@ -1,6 +1,8 @@
 #include <zentara/host/health.h>
 
+#include <memory>
 #include <mutex>
+#include <vector>
 
 #include <zentara/host/cameras.h>
 #include <zentara/host/failure.h>
@@ -23,13 +25,15 @@ void addFailure(Checkup& checkup, const Failure& failure) {
                   failure.remedy().empty() ? "mend what it names" : failure.remedy());
 }
 
-void checkPlugins(Checkup& checkup, const PluginQuestions& questions) {
+/// \return whether this process may load them, as it does to look for cameras
+bool checkPlugins(Checkup& checkup, const PluginQuestions& questions) {
     checkup.about("install-root");
     PluginDirectory directory;
     try {
         directory = surveyPlugins(questions);
     } catch (const Failure& failure) {
-        return addFailure(checkup, failure);
+        addFailure(checkup, failure);
+        return true;
     }
     const InstallRoot root = installRoot();
     const std::string named = Format("'%', %") % Utils::visibleText(root.directory) % root.origin;
@@ -41,9 +45,11 @@ void checkPlugins(Checkup& checkup, const PluginQuestions& questions) {
 
     checkup.about("plugin-directory");
     const std::string place = "'" + Utils::visibleText(directory.path) + "'";
-    if (!directory.isThere)
-        return checkup.wrong(place + " is not there",
-                             "set ZENTARASDK_ROOT to the directory that holds bin/Plugins/");
+    if (!directory.isThere) {
+        checkup.wrong(place + " is not there",
+                      "set ZENTARASDK_ROOT to the directory that holds bin/Plugins/");
+        return true;
+    }
     if (directory.everybodyMayWrite)
         checkup.wrong(Format("everybody may write to %, and what lies there runs in every program that looks "
                              "for cameras") %
@@ -55,6 +61,7 @@ void checkPlugins(Checkup& checkup, const PluginQuestions& questions) {
         checkup.well(Format("% plug-ins in %") % static_cast<long long>(directory.registered.size()) % place);
 
     checkup.about("plugin");
+    bool isSafe = true;
     for (const RefusedFile& file : directory.refused) {
         if (file.step == "ending") // nobody meant it to be a plug-in
             continue;
@@ -63,7 +70,9 @@ void checkPlugins(Checkup& checkup, const PluginQuestions& questions) {
         checkup.wrong("'" + Utils::visibleText(file.path) + "' is refused: " + file.reason + versions +
                           (file.isFatal ? "; no program finds a camera because of it" : ""),
                       file.remedy);
+        isSafe = isSafe && !file.isFatal;
     }
+    return isSafe;
 }
 
 void checkLog(Checkup& checkup) {
@@ -92,28 +101,33 @@ void checkNone(Checkup& checkup, Cameras& cameras) {
     }
 }
 
+/// What the enumerators and stores have to say; they may do so later than anybody waits.
+struct Told {
+    std::mutex lock;
+    std::vector<std::string> texts; ///< guarded by `lock`
+};
+
 void checkCameras(Checkup& checkup) {
     checkup.about("cameras");
-    std::mutex lock;
-    std::vector<std::string> told; // guarded by `lock` until the cameras are closed
+    const auto told = std::make_shared<Told>();
     try {
         Cameras::Options options;
-        options.note = [&](const std::string& text) {
-            const std::lock_guard hold(lock);
-            told.push_back(text);
+        options.note = [told](const std::string& text) {
+            const std::lock_guard hold(told->lock);
+            told->texts.push_back(text);
         };
         Cameras cameras(std::move(options));
         const std::vector<CameraInfo> all = cameras.list();
         for (const CameraInfo& camera : all)
-            checkup.well(camera.label());
+            checkup.well(Utils::visibleText(camera.label()));
         if (all.empty())
             checkNone(checkup, cameras);
         cameras.close();
     } catch (const Failure& failure) {
         addFailure(checkup, failure);
     }
-    const std::lock_guard hold(lock);
-    for (const std::string& text : told)
+    const std::lock_guard hold(told->lock);
+    for (const std::string& text : told->texts)
         checkup.wrong(Utils::visibleText(text), "mend what it names, or take it out of the installation");
 }
 
@@ -127,11 +141,16 @@ HealthReport examine(const HealthOptions& options) {
     Checkup checkup;
     const std::filesystem::path system = pathOf(options.system);
     checkLog(checkup);
-    checkPlugins(checkup, options.plugins);
+    const bool isSafe = checkPlugins(checkup, options.plugins);
     checkLibraries(checkup, system);
     checkSharedMemory(checkup, system); // before anybody sweeps it
     checkKernelCameras(checkup, system);
-    checkCameras(checkup);
+    if (isSafe) {
+        checkCameras(checkup);
+    } else {
+        checkup.about("cameras");
+        checkup.note("were not looked for", "first take out the plug-in that ends every program");
+    }
     return checkup.take();
 }
 

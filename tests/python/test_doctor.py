@@ -1,5 +1,4 @@
 """`zentara doctor`: each of its findings, brought about."""
-import contextlib
 import json
 import os
 import pathlib
@@ -144,6 +143,14 @@ def test_what_is_wrong_is_told(
     place.is_told(check, state, text, *(["library-copy"] if check == "library-version" else []))
 
 
+def test_a_plugin_that_would_end_the_program_does_not_end_the_doctor(place: Place) -> None:
+    library = (BUILD / "test-plugins" / "misbehaving.so").read_bytes()
+    spoilt = re.sub(rb"MISBEHAVIOUR: {10}", b"MISBEHAVIOUR:load abort", library)
+    (place.plugins / "spoilt.so").write_bytes(spoilt)
+    place.is_told("plugin", "wrong", "spoilt.so' is refused: .*; no program finds a camera because of it")
+    assert [one[1:3] for one in place.ask()[1] if one[0] == "cameras"] == [("note", "were not looked for")]
+
+
 @pytest.mark.parametrize("bring_about", [no_root, no_plugins])
 def test_without_plugins_there_are_no_cameras(place: Place, bring_about: Callable[[Place], None]) -> None:
     bring_about(place)
@@ -151,11 +158,21 @@ def test_without_plugins_there_are_no_cameras(place: Place, bring_about: Callabl
     assert {"plugin-directory", "cameras"} <= wrong and ("install-root" in wrong) == (bring_about == no_root)
 
 
-def test_a_node_that_is_not_permitted_is_told_to_an_ordinary_user(place: Place) -> None:
-    place.video().chmod(0)
+@pytest.mark.parametrize(
+    "check, state, text, others",
+    [
+        ("camera-permission", "wrong", "you may not use /dev/video7", []),
+        ("install-root", "wrong", "Plugins/'.*Permission denied", ["cameras"]),
+    ],
+)
+def test_what_an_ordinary_user_may_not_is_told(place: Place, check: str, state: str, text: str, others: List[str]) -> None:
+    forbidden = place.video() if check == "camera-permission" else place.plugins
+    forbidden.chmod(0)
     if os.geteuid() == 0:
         place.user = {"user": 65534, "group": 65534, "extra_groups": []}
-    with contextlib.suppress(PermissionError):
-        place.is_told("camera-permission", "wrong", "you may not use /dev/video7")
-        return
-    pytest.skip("the build tree is not to be read by an ordinary user")
+    try:
+        place.is_told(check, state, text, *others)
+    except PermissionError:
+        pytest.skip("the build tree is not to be read by an ordinary user")
+    finally:
+        forbidden.chmod(0o755)
