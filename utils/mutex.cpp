@@ -18,27 +18,10 @@ using Word = std::atomic<std::uint64_t>;
 
 constexpr std::uint64_t contended = 1; ///< who gives the word back must wake somebody
 constexpr std::uint64_t holderBits = ((std::uint64_t{1} << 48) - 1) & ~std::uint64_t{63};
-constexpr int looksBeforeSleep = 100; ///< some microseconds
 constexpr std::uint64_t onceMore = std::uint64_t{1} << 48;
-
-/// Most locks are held for less than a sleep and a waking take. Nobody overtakes those who sleep already.
-bool takeWithoutSleep(Word& word, std::uint64_t self) noexcept {
-    for (int look = 0; look < looksBeforeSleep; ++look) {
-        std::uint64_t seen = word.load(std::memory_order_relaxed);
-        if (seen == 0 &&
-            word.compare_exchange_weak(seen, self, std::memory_order_acquire, std::memory_order_relaxed))
-            return true;
-        if ((seen & contended) != 0)
-            return false;
-        Platform::pauseBetweenLooks();
-    }
-    return false;
-}
 
 /// Who had to wait does not know whether others still do, and takes the word as contended.
 void waitAndTake(Word& word, std::uint64_t self) noexcept {
-    if (takeWithoutSleep(word, self))
-        return;
     std::uint64_t seen = word.load(std::memory_order_relaxed);
     for (;;) {
         if (seen == 0) {

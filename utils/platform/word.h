@@ -20,9 +20,6 @@ void wakeOnWord(const void* word) noexcept;
 /// Wakes all who sleep on the word, likewise.
 void wakeAllOnWord(const void* word) noexcept;
 
-/// For a loop that looks at a word again and again: leaves the processor to its other thread for some nanoseconds.
-void pauseBetweenLooks() noexcept;
-
 /// Tells the calling thread from all others that run: not 0, below 2^48, and a multiple of 64.
 [[nodiscard]] std::uint64_t threadMark() noexcept;
 

@@ -25,12 +25,6 @@ void wake(const void* word, int count) noexcept {
 
 } // namespace
 
-void pauseBetweenLooks() noexcept {
-#if defined(__x86_64__)
-    __builtin_ia32_pause();
-#endif
-}
-
 bool sleepOnWord(const void* word, std::uint32_t value, unsigned long milliseconds) noexcept {
     const LastErrorKeeper keeper; // waiting for a lock is no call that its caller asked the system for
     const Deadline deadline(milliseconds);

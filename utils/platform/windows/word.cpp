@@ -23,8 +23,6 @@ constexpr UINT threadHasEnded = 0xC000004B;
 
 } // namespace
 
-void pauseBetweenLooks() noexcept { YieldProcessor(); }
-
 bool sleepOnWord(const void* word, std::uint32_t value, unsigned long milliseconds) noexcept {
     const LastErrorKeeper keeper;
     // Nobody is left who could wake this thread, and what the holder of a lock was changing is half changed.
