@@ -17,6 +17,7 @@
 #include <zentara/utils/text.h>
 
 #include "host/json.h"
+#include "host/plugins/check/plugin_check_child.h"
 #include "utils/platform/child_process.h"
 #include "utils/platform/program.h"
 
@@ -239,6 +240,8 @@ std::vector<PluginAnswer> askPlugins(const PluginQuestions& questions,
 }
 
 std::optional<int> answerPluginQuestion(const std::vector<std::string>& arguments) {
+    if (const std::optional<int> code = Check::answerPluginCheck(arguments))
+        return code;
     if (arguments.size() != 3 || (arguments.front() != question && arguments.front() != questionToAll))
         return std::nullopt;
     if (arguments.front() == questionToAll)

@@ -13,16 +13,14 @@
 #include <zentara/utils/files.h>
 #include <zentara/utils/format.h>
 #include <zentara/utils/log_area.h>
-#include <zentara/version.h>
 
 #include "host/attempt.h"
 #include "host/files/paths.h"
 #include "host/guid_text.h"
 #include "host/plugins/besides_plugins.h"
-#include "host/plugins/library_machine.h"
 #include "host/plugins/plugin_question.h"
+#include "host/plugins/refused_by_scan.h"
 #include "utils/platform/directory_access.h"
-#include "utils/platform/program.h"
 #include "utils/visible_text.h"
 
 namespace Zentara::Host {
@@ -31,53 +29,6 @@ namespace {
 using Core::PluginProbe;
 using Core::PluginScanStep;
 using Utils::Format;
-
-std::string remedyFor(PluginScanStep step) {
-    switch (step) {
-    case PluginScanStep::Name:
-        return "debug builds are never loaded: install the release build of the plug-in, under a name "
-               "without the mark";
-    case PluginScanStep::Open:
-        return "install a build for this system and processor, together with every library it needs; copy it "
-               "again if it is damaged";
-    case PluginScanStep::ImplGUID:
-        return "it is no plug-in: move it out of the directory, or export \"getImplGUID\"";
-    case PluginScanStep::Duplicate:
-        return "remove one of the two files, or give one another GUID; the first in the list wins";
-    case PluginScanStep::ImplType:
-        return "export \"getImplType\" with one of the kinds 1 to 6, 8 and 9";
-    case PluginScanStep::PluginVersion:
-        return "export \"getPluginVersion\"";
-    case PluginScanStep::SDKVersion:
-        return Format("build the plug-in against SDK %, or install the one that was built for it") %
-               ZENTARA_SDK_VERSION_STRING;
-    case PluginScanStep::Accepted:
-        break;
-    }
-    return {};
-}
-
-/// What is wrong with a file that was asked, or with what it did instead of an answer.
-RefusedFile refusedByScan(const PluginAnswer& answer, const std::string& ownMachine) {
-    const PluginProbe& probe = answer.probe;
-    RefusedFile refused{probe.path,    probe.accepted() ? "unload" : Core::pluginScanStepName(probe.step),
-                        probe.text,    probe.found,
-                        probe.wanted,  remedyFor(probe.step),
-                        answer.isFatal};
-    if (refused.isFatal) {
-        refused.remedy = "take it out of the directory: it does so to every program that looks for plug-ins";
-        return refused;
-    }
-    // A library for another machine is told as that, whatever the loader says.
-    const std::string machine = probe.step == PluginScanStep::Open ? machineOf(probe.path) : std::string();
-    if (!machine.empty() && machine != ownMachine) {
-        refused.reason = "is a library for " + machine;
-        refused.found = machine;
-        refused.wanted = ownMachine;
-        refused.remedy = "install the build of the plug-in for " + ownMachine;
-    }
-    return refused;
-}
 
 /// The first file in the list has the GUID, as in the scan.
 void refuseDuplicates(std::vector<PluginAnswer>& answers) {
@@ -100,13 +51,12 @@ void refuseDuplicates(std::vector<PluginAnswer>& answers) {
 }
 
 void sortAnswers(std::vector<PluginAnswer> answers, PluginDirectory& directory) {
-    const std::string ownMachine = machineOf(Utils::Platform::executablePath());
     for (PluginAnswer& answer : answers) {
         PluginProbe& probe = answer.probe;
         for (std::string* text : {&probe.found, &probe.wanted, &probe.text})
             *text = Utils::visibleText(*text); // what a file throws may hold anything
         if (answer.isFatal || !probe.accepted())
-            directory.refused.push_back(refusedByScan(answer, ownMachine));
+            directory.refused.push_back(refusedByScan(answer));
         else
             directory.registered.push_back({probe.path,
                                             {guidName(probe.guid), probe.guid},

@@ -58,6 +58,25 @@ if(NOT output MATCHES "6D0E5C17-3F42-4B8A-9C51-2A77E0148BD3")
     message(FATAL_ERROR "the plug-in is not registered:\n${output}")
 endif()
 
+# A camera from nothing: two plug-ins and a description. The checker finds no fault with them, and names one that is there.
+run("configuring the wall" ${CMAKE_COMMAND} -G Ninja -S ${SOURCE_DIR}/examples/device_plugin -B ${work}/wall ${options})
+run("building the wall" ${CMAKE_COMMAND} --build ${work}/wall)
+run("installing the wall" ${CMAKE_COMMAND} --install ${work}/wall --prefix ${prefix})
+set(tool ${CMAKE_COMMAND} -E env ZENTARASDK_ROOT=${prefix}/ LD_LIBRARY_PATH=${prefix}/${LIBDIR} ${EMULATOR}
+    ${prefix}/bin/zentara${suffix})
+run("streaming the wall" ${tool} stream --camera WALL1 --frames 3 --json)
+file(GLOB walls ${prefix}/bin/Plugins/wall_* ${prefix}/bin/Plugins/minimal_plugin.*)
+list(LENGTH walls count)
+if(NOT count EQUAL 3)
+    message(FATAL_ERROR "not three plug-ins to check: ${walls}")
+endif()
+foreach(plugin ${walls})
+    run("checking ${plugin}" ${tool} plugins --check ${plugin})
+    if(plugin MATCHES "wall_device" AND NOT output MATCHES "passed   a camera whose description names it: WALL depth, WALL1")
+        message(FATAL_ERROR "the device was checked without its camera:\n${output}")
+    endif()
+endforeach()
+
 if(NOT TOOLCHAIN)
     # No header may lean on one that is not installed: each is compiled alone from the installed tree.
     file(GLOB_RECURSE headers RELATIVE ${prefix}/include ${prefix}/include/*.h)

@@ -1,6 +1,7 @@
 #include <map>
 #include <sstream>
 
+#include <zentara/core/plugin_probe.h>
 #include <zentara/utils/files.h>
 
 #include "support/simulated_faults.h"
@@ -91,8 +92,12 @@ TEST_F(JsonOutput, IsWhatTheDocumentSays) {
     const std::string image = path("image.bin");
     const std::string content = path("content.json");
     const std::string chip = "camera:VC0345";
+    const std::string plugin = (builtTool().parent_path() / "Plugins" /
+                                ("descriptor_store." + std::string(Core::pluginFileExtension())))
+                                   .string();
     const std::vector<std::pair<const char*, std::vector<std::string>>> rows{
         {"plugins", {"plugins", "--all"}},
+        {"plugins --check", {"plugins", "--check", plugin}},
         {"devices", {"devices"}},
         {"doctor", {"doctor"}},
         {"devices --watch", {"devices", "--watch", "--seconds", "1"}},

@@ -1,7 +1,5 @@
-#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <map>
 #include <string>
 
 #include <zentara/core/plugin_probe.h>
@@ -33,62 +31,6 @@ TEST_F(PluginsVerb, ListsTheBuiltPluginsOfItsOwnTreeWithoutAnySetting) {
     const auto listing = run.json();
     EXPECT_THAT(run.out, testing::AllOf(HasSubstr("\"MOCKVIDEODEVICE_IMPL\""), HasSubstr("\"1.4.5.2151\"")));
     EXPECT_FALSE(listing.contains("refused"));
-}
-
-TEST_F(PluginsVerb, NamesWhoEndsTheProcessAndListsTheOthers) {
-    addFile("text", "I am no library");
-    const struct {
-        const char* behaviour;
-        const char* step; ///< null: nothing is wrong with it
-        bool fatal;
-        const char* reason;
-    } rows[]{
-        {"load crash", "open", true, "while it is loaded"},
-        {"load abort", "open", true, "while it is loaded"},
-        {"load hang", "open", true, "hangs while it is loaded"},
-        {"load exit", "open", true, "ends the process while it is loaded"},
-        {"guid crash", "implGUID", true, "in \"getImplGUID\""},
-        {"data", "implGUID", true, "in \"getImplGUID\""},
-        {"guid throw", "implGUID", false, R"(throws from "getImplGUID": thrown\n\x1b[2Jxxx)"},
-        {"type exit", "implType", true, "ends the process in \"getImplType\""},
-        {"version hang", "pluginVersion", true, "hangs in \"getPluginVersion\""},
-        {"sdk abort", "sdkVersion", true, "in \"getSDKVersion\""},
-        {"unload crash", "unload", true, "while it is unloaded"},
-        {"unload exit", "unload", true, "ends the process while it is unloaded"},
-        {"load print", nullptr, false, ""},
-        {"sdk print", nullptr, false, ""},
-    };
-    // The loader of Windows survives a crash in what it calls itself.
-    const auto isSurvived = [](const std::string& behaviour) {
-        return std::filesystem::path::preferred_separator == '\\' &&
-               (behaviour == "load crash" || behaviour == "unload crash");
-    };
-    for (const auto& row : rows)
-        if (!isSurvived(row.behaviour))
-            copyMisbehaving(row.behaviour, row.behaviour + ending(),
-                            std::string(row.behaviour) == "data" ? "misbehaving_data" : "misbehaving");
-    const InstallRoot root(path());
-    const ToolRun run = runBuilt("plugins --all --json");
-    EXPECT_EQ(run.exitCode, 0) << run.err;
-    EXPECT_EQ(run.out.find("SPOILT"), std::string::npos);
-    const auto listing = run.json();
-    EXPECT_EQ(listing.at("plugins").size(), 2U) << run.out;
-    std::map<std::string, nlohmann::json> refused;
-    for (const auto& file : listing.at("refused"))
-        refused[Utils::getFilename(file.at("path").get<std::string>())] = file;
-    for (const auto& row : rows) {
-        if (isSurvived(row.behaviour))
-            continue;
-        const auto& file = refused[row.behaviour + ending()];
-        ASSERT_EQ(file.is_null(), row.step == nullptr) << row.behaviour;
-        if (row.step == nullptr)
-            continue;
-        EXPECT_EQ(file.at("step"), row.step) << file;
-        EXPECT_EQ(file.at("fatal"), row.fatal) << file;
-        EXPECT_THAT(file.at("reason").get<std::string>(), HasSubstr(row.reason));
-        EXPECT_LE(file.at("reason").get<std::string>().size(), 1024U);
-        EXPECT_EQ(run.err.find(row.behaviour + ending()) != std::string::npos, row.fatal) << row.behaviour;
-    }
 }
 
 TEST_F(PluginsVerb, TellsWhatOnlySomeMayRead) {

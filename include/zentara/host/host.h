@@ -37,6 +37,7 @@
 #include <zentara/host/parameter.h>
 #include <zentara/host/picture.h>
 #include <zentara/host/plot.h>
+#include <zentara/host/plugin_check.h>
 #include <zentara/host/plugin_name.h>
 #include <zentara/host/plugins.h>
 #include <zentara/host/point_cloud.h>
