@@ -1,6 +1,7 @@
 #include <zentara/io/library_parameter_interpreter.h>
 
 #include <algorithm>
+#include <exception>
 
 #include <zentara/core/plugin_manager.h>
 #include <zentara/core/shared_library.h>
@@ -33,37 +34,43 @@ private:
     Core::PluginManager* manager;
 };
 
-/// Runs a transfer on behalf of a C back-end, which no exception may reach. What is thrown has logged itself.
-template<typename Operation>
-ErrorCode transfer(const unsigned char* data, unsigned int length, Operation operation) noexcept {
-    if (!data && length > 0)
-        return ErrorCode_IO;
-    try {
-        operation();
-        return ErrorCode_SUCCESS;
-    } catch (...) {
-        return ErrorCode_IO;
-    }
-}
-
-ErrorCode send(void* context, unsigned short unit, unsigned int selector, unsigned char* data,
-               unsigned int length) {
-    return transfer(data, length, [&] {
-        static_cast<VideoDeviceProxy*>(context)->send(unit, static_cast<std::int32_t>(selector), length,
-                                                      data);
-    });
-}
-
-ErrorCode receive(void* context, unsigned short unit, unsigned int selector, unsigned char* data,
-                  unsigned int length) {
-    return transfer(data, length, [&] {
-        const bool asks = std::any_of(data, data + length, [](unsigned char byte) { return byte != 0; });
-        static_cast<VideoDeviceProxy*>(context)->recv(unit, static_cast<std::int32_t>(selector), length, data,
-                                                      !asks);
-    });
-}
-
 } // namespace
+
+struct LibraryParameterInterpreter::Way {
+    /// Runs a transfer on behalf of a C back-end, which no exception may reach. What is thrown has logged itself.
+    template<typename Operation>
+    ErrorCode transfer(const unsigned char* data, unsigned int length, Operation operation) const noexcept {
+        if (!data && length > 0)
+            return ErrorCode_IO;
+        try {
+            owner.noteTransfer(nullptr);
+            operation();
+            return ErrorCode_SUCCESS;
+        } catch (...) {
+            owner.noteTransfer(std::current_exception());
+            return ErrorCode_IO;
+        }
+    }
+
+    static ErrorCode send(void* context, unsigned short unit, unsigned int selector, unsigned char* data,
+                          unsigned int length) {
+        const auto& way = *static_cast<const Way*>(context);
+        return way.transfer(
+            data, length, [&] { way.device->send(unit, static_cast<std::int32_t>(selector), length, data); });
+    }
+
+    static ErrorCode receive(void* context, unsigned short unit, unsigned int selector, unsigned char* data,
+                             unsigned int length) {
+        const auto& way = *static_cast<const Way*>(context);
+        return way.transfer(data, length, [&] {
+            const bool asks = std::any_of(data, data + length, [](unsigned char byte) { return byte != 0; });
+            way.device->recv(unit, static_cast<std::int32_t>(selector), length, data, !asks);
+        });
+    }
+
+    LibraryParameterInterpreter& owner;
+    VideoDeviceProxy* device = nullptr; ///< not owned
+};
 
 Utils::SmartPtr<LibraryParameterInterpreter> LibraryParameterInterpreter::create(GUID backEnd) {
     const ManagerReference manager;
@@ -79,7 +86,7 @@ Utils::SmartPtr<LibraryParameterInterpreter> LibraryParameterInterpreter::create
 }
 
 LibraryParameterInterpreter::LibraryParameterInterpreter(GUID backEnd)
-    : ParameterInterpreter(backEnd, nullptr) {
+    : ParameterInterpreter(backEnd, nullptr), way(new Way{*this}) {
     // Only a made object can ask for its library.
     setLibrary(getSharedLibrary()->getHandle());
 }
@@ -97,7 +104,8 @@ LibraryParameterInterpreter::~LibraryParameterInterpreter() {
 
 void LibraryParameterInterpreter::initialize(VideoDeviceProxy& device, HardwareIDs ids,
                                              HardwareVersionInternal version) {
-    initialize(&device, send, receive, ids, version);
+    way->device = &device;
+    initialize(way.get(), Way::send, Way::receive, ids, version);
 }
 
 } // namespace Zentara::IO

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cstring>
+#include <exception>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <zentara/calibration_internal.h>
@@ -48,18 +50,32 @@ void checkPointer(const void* pointer, const char* what) {
 } // namespace
 
 struct ParameterInterpreter::Impl {
-    BackEndFunctions functions; ///< looked up anew with each initialize
-    void* library = nullptr;    ///< not owned
-    void* instance = nullptr;   ///< null unless initialised
+    BackEndFunctions functions;                 ///< looked up anew with each initialize
+    void* library = nullptr;                    ///< not owned
+    void* instance = nullptr;                   ///< null unless initialised
+    mutable std::exception_ptr transferFailure; ///< of the last transfer of the function that runs
 
     /// Calls a function with the instance and these arguments.
     template<typename... Parameters, typename... Arguments>
-    ErrorCode call(const BackEndFunction<ErrorCode(void*, Parameters...)>& function,
-                   Arguments... arguments) const {
+    ErrorCode ask(const BackEndFunction<ErrorCode(void*, Parameters...)>& function,
+                  Arguments... arguments) const {
         if (!instance)
             throw InvalidOperationPluginException(
                 Format("cannot call %: the parameter interpreter is not initialized") % function.getName());
         return function(instance, arguments...);
+    }
+
+    /// The same. Where the camera is the reason that it fails, what the transfer threw is thrown on.
+    template<typename Function, typename... Arguments>
+    ErrorCode call(const Function& function, Arguments... arguments) const {
+        transferFailure = nullptr;
+        const ErrorCode code = ask(function, arguments...);
+        const std::exception_ptr failure = std::exchange(transferFailure, nullptr);
+        const bool isAnswer =
+            code == ErrorCode_SUCCESS || code == ErrorCode_OUT_OF_RANGE || code == ErrorCode_BUFFER_TOO_SMALL;
+        if (failure && !isAnswer)
+            std::rethrow_exception(failure);
+        return code;
     }
 
     /// One value that a function returns.
@@ -100,11 +116,11 @@ std::string ParameterInterpreter::Impl::lastError() const {
     unsigned int length = 0;
     // Where the function is missing, the failure that is being reported matters more.
     if (!functions.getLastError.exists() ||
-        call(functions.getLastError, nullptr, &length) != ErrorCode_BUFFER_TOO_SMALL || length == 0 ||
+        ask(functions.getLastError, nullptr, &length) != ErrorCode_BUFFER_TOO_SMALL || length == 0 ||
         length > maximumAnswer)
         return unknown;
     std::vector<char> text(std::size_t{length} + 1);
-    if (call(functions.getLastError, text.data(), &length) != ErrorCode_SUCCESS)
+    if (ask(functions.getLastError, text.data(), &length) != ErrorCode_SUCCESS)
         return unknown;
     text.back() = '\0';
     return text.data();
@@ -127,6 +143,10 @@ ParameterInterpreter::ParameterInterpreter(GUID backEnd, void* library)
 ParameterInterpreter::~ParameterInterpreter() = default;
 
 void ParameterInterpreter::setLibrary(void* library) { impl->library = library; }
+
+void ParameterInterpreter::noteTransfer(std::exception_ptr failure) noexcept {
+    impl->transferFailure = std::move(failure);
+}
 
 Core::ImplType ParameterInterpreter::getImplType() { return Core::ImplType_PARAMETER_INTERPRETER; }
 
@@ -186,7 +206,7 @@ void ParameterInterpreter::dispose() {
     if (!impl->instance)
         return;
     try {
-        if (impl->call(impl->functions.dispose) != ErrorCode_SUCCESS)
+        if (impl->ask(impl->functions.dispose) != ErrorCode_SUCCESS)
             Utils::logWarning("Failed to dispose the parameter back-end: " +
                               Utils::visibleText(impl->lastError()));
     } catch (...) {

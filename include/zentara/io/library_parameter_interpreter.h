@@ -24,7 +24,8 @@ public:
     [[nodiscard]] static Utils::SmartPtr<LibraryParameterInterpreter> create(GUID backEnd);
 
     /// Connects the back-end to the camera behind a proxy, which must live until `dispose`. A transfer that
-    /// fails is logged and reaches the back-end as `ErrorCode_IO`.
+    /// fails is logged and reaches the back-end as `ErrorCode_IO`. When the back-end then fails, this and every later
+    /// operation throws what the proxy threw, which says what the camera did not do, in place of its own text.
     /// \throws what the other `initialize` throws
     void initialize(VideoDeviceProxy& device, HardwareIDs ids, HardwareVersionInternal version);
 
@@ -32,7 +33,11 @@ protected:
     ~LibraryParameterInterpreter() override;
 
 private:
+    struct Way;
+
     explicit LibraryParameterInterpreter(GUID backEnd);
+
+    const std::unique_ptr<Way> way; ///< what the back-end's callbacks are handed
 };
 
 } // namespace Zentara::IO

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <exception>
 #include <memory>
 #include <unordered_map>
 
@@ -141,6 +142,11 @@ protected:
 
     /// Names the back-end before `initialize`, for an interpreter that learns it after its construction.
     void setLibrary(void* library);
+
+    /// For callbacks that reach the camera through what throws: what the last transfer threw, null for one that went
+    /// well. When the back-end's function that made it fails, the operation throws that in place of its own text; a
+    /// value out of range remains one. On the thread of the operation.
+    void noteTransfer(std::exception_ptr failure) noexcept;
 
 private:
     struct Impl;
