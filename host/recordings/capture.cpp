@@ -7,6 +7,8 @@
 #include <zentara/utils/clock.h>
 #include <zentara/utils/format.h>
 
+#include "host/streams/silence.h"
+
 namespace Zentara::Host {
 namespace {
 
@@ -50,9 +52,7 @@ void Capture::take() {
                                            source.label() % units());
     over = state == Stream::State::Ended;
     if (now - heardAt > std::chrono::microseconds(rules.longestSilence).count())
-        throw Failure(Failure::TimedOut,
-                      Format("nothing came from % for % s; % frames had come") % source.label() %
-                          (static_cast<double>(rules.longestSilence.count()) / 1000) % units());
+        throw silenceOf(source.label(), source.info(), rules.longestSilence, units());
 }
 
 void Capture::put(const Frame& frame) {

@@ -12,6 +12,7 @@
 #include "host/attempt.h"
 #include "host/cameras/hand.h"
 #include "host/streams/bounded_limit.h"
+#include "host/streams/silence.h"
 #include "host/tell.h"
 
 namespace Zentara::Host {
@@ -308,15 +309,13 @@ void Stream::Core::announce() {
 }
 
 Failure Stream::Core::silence(Milliseconds limit) const {
-    const double seconds = static_cast<double>(limit.count()) / 1000;
     if (condition == State::Away)
         return Failure(trouble->code(), std::string(trouble->what()) + " and did not come back");
     if (condition == State::Waiting)
         return Failure(Failure::TimedOut,
                        Format("nothing came from % for % s: its stream has not been started") % name %
-                           seconds);
-    return Failure(Failure::TimedOut, Format("nothing came from % for % s; % frames had come") % name %
-                                          seconds % numbers.received);
+                           (static_cast<double>(limit.count()) / 1000));
+    return silenceOf(name, context->info, limit, numbers.received);
 }
 
 // Reading -----------------------------------------------------------------------------------------------------------
