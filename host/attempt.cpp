@@ -23,16 +23,21 @@ namespace {
 
 thread_local StepWatcher* watching = nullptr;
 
-/// What the system says when something is not permitted. The library's failures carry no number, only the text.
-std::vector<std::string> permissionTexts() {
-    std::vector<std::string> texts{std::make_error_code(std::errc::permission_denied).message()};
-    for (const long number : Utils::Platform::permissionErrors()) {
+/// The system's words for a failure that has a code of its own. The library's failures carry no number, only the text.
+struct SystemWords {
+    Failure::Code code;
+    std::vector<std::string> texts;
+};
+
+SystemWords wordsFor(Failure::Code code, std::errc usual, const std::vector<long>& numbers) {
+    SystemWords words{code, {std::make_error_code(usual).message()}};
+    for (const long number : numbers) {
         const std::string text = Utils::formatError(number, ""); // " (error 0xNUMBER: TEXT)"
         const std::size_t colon = text.find(": ");
         if (colon != std::string::npos)
-            texts.push_back(text.substr(colon + 2, text.rfind(')') - colon - 2));
+            words.texts.push_back(text.substr(colon + 2, text.rfind(')') - colon - 2));
     }
-    return texts;
+    return words;
 }
 
 /// Whether the text ends in these words of the system: "WHAT: WORDS", "WHAT (WORDS)" or "WHAT (error 0xNUMBER: WORDS)".
@@ -46,12 +51,21 @@ bool endsIn(std::string_view text, std::string_view words) {
     return text.ends_with(": ") || text.ends_with(" (");
 }
 
-/// A failure of the library carries no number, only the system's words.
 Failure::Code refined(Failure::Code code, const std::string& cause) {
-    static const std::vector<std::string>& texts = *new std::vector<std::string>(permissionTexts());
-    const bool isDenied = std::any_of(texts.begin(), texts.end(),
-                                      [&cause](const std::string& text) { return endsIn(cause, text); });
-    return code == Failure::Failed && isDenied ? Failure::Permission : code;
+    namespace Platform = Utils::Platform;
+    static const auto& known = *new std::vector<SystemWords>{
+        wordsFor(Failure::Permission, std::errc::permission_denied, Platform::permissionErrors()),
+        wordsFor(Failure::NoDevice, std::errc::no_such_device, Platform::absenceErrors()),
+        wordsFor(Failure::TimedOut, std::errc::timed_out, Platform::timeoutErrors()),
+    };
+    if (code != Failure::Failed)
+        return code;
+    for (const SystemWords& words : known) {
+        if (std::any_of(words.texts.begin(), words.texts.end(),
+                        [&cause](const std::string& text) { return endsIn(cause, text); }))
+            return words.code;
+    }
+    return code;
 }
 
 /// A plug-in that could not be initialised tells no reason; a time-out that was logged meanwhile is one.

@@ -66,15 +66,25 @@ void fill(IO::VideoDeviceProxy& device, std::uint32_t unit, ExtensionControl& co
     control.standard = limitOf(device, unit, control, IO::ExtensionUnitQuery_DEFAULT);
 }
 
+/// What is being handled is about the one control, unless the camera is silent or gone: that is thrown on.
+void tellUnlessRefused(const std::string& what) {
+    try {
+        rethrowAsFailure(what);
+    } catch (const Failure& failure) {
+        if (failure.code() == Failure::TimedOut || failure.code() == Failure::NoDevice)
+            throw;
+    }
+}
+
 ExtensionControl describe(IO::VideoDeviceProxy& device, std::uint32_t unit, std::uint8_t selector) {
     ExtensionControl control;
     control.selector = selector;
-    attempt(Format("ask about control % of extension unit %") % int{selector} % unit, [&] {
+    const std::string what = Format("ask about control % of extension unit %") % int{selector} % unit;
+    attempt(what, [&] {
         try {
             Plugin::callPlugin([&] { fill(device, unit, control); });
-        } catch (const Plugin::TimeoutPluginException&) {
-            throw;
         } catch (const PluginException& refusal) {
+            tellUnlessRefused(what);
             control.failure = Utils::visibleText(refusal.message());
         }
     });

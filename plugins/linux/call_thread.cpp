@@ -1,5 +1,6 @@
 #include "plugins/linux/call_thread.h"
 
+#include <cerrno>
 #include <deque>
 #include <dlfcn.h>
 #include <exception>
@@ -10,6 +11,8 @@
 #include <zentara/utils/condition.h>
 #include <zentara/utils/format.h>
 #include <zentara/utils/mutex.h>
+
+#include "plugins/linux/kernel.h"
 
 namespace Zentara::Linux {
 
@@ -216,8 +219,8 @@ std::shared_ptr<void> CallThread::finish(const std::string& what, std::function<
     const std::string owed = state->camera->silence();
     if (!owed.empty()) {
         state->drop(call);
-        throw Plugin::IOPluginException(Format("%: cannot %: the camera isn't answering; %") % label % what %
-                                        owed);
+        throw Plugin::IOPluginException(Format("%: cannot %: the camera isn't answering; %: %") % label %
+                                        what % owed % errorWords(ETIMEDOUT));
     }
     call->awaited = true;
     if (!state->await(call))

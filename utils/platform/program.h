@@ -27,8 +27,10 @@ void failInsteadOfDying() noexcept;
 /// is run. On Windows std::_Exit waits for a thread that sits in the loading of a library; this does not.
 [[noreturn]] void endProcess(int code) noexcept;
 
-/// The system's error numbers that mean a lack of permission.
+/// The system's error numbers that mean a lack of permission, that a device has gone, and that it did not answer in time.
 std::vector<long> permissionErrors();
+std::vector<long> absenceErrors();
+std::vector<long> timeoutErrors();
 
 /// What a program holds of the system at the moment; 0 where the system does not tell.
 struct ResourceUse {

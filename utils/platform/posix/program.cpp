@@ -47,6 +47,8 @@ void failInsteadOfDying() noexcept {
 [[noreturn]] void endProcess(int code) noexcept { std::_Exit(code); }
 
 std::vector<long> permissionErrors() { return {EACCES, EPERM}; }
+std::vector<long> absenceErrors() { return {ENODEV, ENXIO, ESHUTDOWN}; }
+std::vector<long> timeoutErrors() { return {ETIMEDOUT}; }
 
 ResourceUse resourceUse() {
     ResourceUse use;

@@ -82,6 +82,8 @@ void failInsteadOfDying() noexcept {}
 }
 
 std::vector<long> permissionErrors() { return {ERROR_ACCESS_DENIED}; }
+std::vector<long> absenceErrors() { return {ERROR_DEVICE_NOT_CONNECTED, ERROR_DEVICE_REMOVED}; }
+std::vector<long> timeoutErrors() { return {ERROR_SEM_TIMEOUT, ERROR_TIMEOUT}; }
 
 ResourceUse resourceUse() {
     ResourceUse use;
