@@ -6,6 +6,8 @@
 #include <zentara/host/frame.h>
 #include <zentara/utils/format.h>
 
+#include "host/streams/rounded_up.h"
+
 namespace Zentara::Host {
 
 using Utils::Threading::AutoLock;
@@ -15,9 +17,7 @@ namespace {
 /// Sizes are rounded up to this, so that a stream whose units differ a little finds blocks that fit.
 constexpr std::size_t stepBytes = 4096;
 
-constexpr std::size_t rounded(std::size_t bytes) noexcept {
-    return (bytes + stepBytes - 1) / stepBytes * stepBytes;
-}
+constexpr std::size_t rounded(std::size_t bytes) noexcept { return roundedUp(bytes, stepBytes); }
 
 /// A small frame in a large block would be a waste.
 bool fits(const FrameData& block, std::size_t bytes) noexcept {

@@ -8,6 +8,9 @@
 #include <zentara/utils/format.h>
 #include <zentara/utils/shared_memory_manager.h>
 
+#include "host/streams/rounded_up.h"
+#include "utils/platform/fnv.h"
+
 namespace Zentara::Host {
 
 using Utils::SharedMemoryManager;
@@ -50,16 +53,11 @@ std::size_t ringBytes(std::size_t slots, std::size_t room) {
     return (ringWords + slots * (slotWords + room / SharedBlock::wordBytes)) * SharedBlock::wordBytes;
 }
 
-std::size_t inWholeWords(std::size_t bytes) {
-    return (bytes + SharedBlock::wordBytes - 1) / SharedBlock::wordBytes * SharedBlock::wordBytes;
-}
+std::size_t inWholeWords(std::size_t bytes) { return roundedUp(bytes, SharedBlock::wordBytes); }
 
 /// Names may not hold everything that a path does.
 std::string digestOf(const std::string& text) {
-    std::uint64_t sum = 0xCBF29CE484222325;
-    for (const char letter : text)
-        sum = (sum ^ static_cast<unsigned char>(letter)) * 0x100000001B3;
-    return Utils::Format("%{:x16}") % sum;
+    return Utils::Format("%{:x16}") % Utils::Platform::fnvSum(text.begin(), text.end());
 }
 
 std::string lifeOf(std::uint64_t owner) { return "zentara-frames-" + std::to_string(owner); }

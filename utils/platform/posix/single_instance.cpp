@@ -1,5 +1,6 @@
 #include "utils/platform/single_instance.h"
 
+#include "utils/platform/fnv.h"
 #include "utils/platform/posix/shared_object.h"
 
 #include <climits>
@@ -35,13 +36,8 @@ std::string hexadecimal(std::uint64_t number) {
 
 /// 128 bits of two FNV-1a sums: names that differ do not meet by chance.
 std::string digest(std::string_view name) {
-    std::uint64_t forward = 0xCBF29CE484222325;
-    std::uint64_t backward = forward + name.size();
-    for (std::size_t i = 0; i < name.size(); ++i) {
-        forward = (forward ^ static_cast<unsigned char>(name[i])) * 0x100000001B3;
-        backward = (backward ^ static_cast<unsigned char>(name[name.size() - 1 - i])) * 0x100000001B3;
-    }
-    return hexadecimal(forward) + hexadecimal(backward);
+    return hexadecimal(fnvSum(name.begin(), name.end())) +
+           hexadecimal(fnvSum(name.rbegin(), name.rend(), fnvBasis + name.size()));
 }
 
 /// One file a user and name; every byte that could mean something in a path is written as two hexadecimal
