@@ -464,8 +464,10 @@ void Stream::Core::deliver(int length, std::int64_t micros, std::uint64_t missed
 
 /// Sensors that cannot be read are no reason to end a stream: its frames tell that they have no temperature.
 void Stream::Core::readTemperatures(StreamSource& from) {
+    if (!wantsTemperatures)
+        return;
     const std::int64_t now = Utils::Clock::nowMicros();
-    if (!wantsTemperatures || (temperaturesAt != 0 && now - temperaturesAt < temperatureMicros))
+    if (temperaturesAt != 0 && now - temperaturesAt < temperatureMicros)
         return;
     temperaturesAt = now;
     temperatureCount = 0;
