@@ -70,6 +70,31 @@ def test_a_process_that_streams_ends_at_once(code: str, send: int, exit_code: in
     assert min(seconds) <= 2.5, seconds
 
 
+SHARER = """
+import os, time, zentara
+stream = zentara.open("SIM0570").depth(shared=True)
+next(stream)
+child = os.fork()
+if child:
+    print(child, flush=True)
+time.sleep(60)
+"""
+
+
+def test_the_child_of_a_killed_program_keeps_no_camera() -> None:
+    with subprocess.Popen([sys.executable, "-c", SHARER], stdout=subprocess.PIPE) as process:
+        assert process.stdout
+        child = int(process.stdout.readline())
+        process.kill()
+        process.wait(60)
+        try:
+            with zentara.open("SIM0570").depth(shared=True) as stream:
+                next(stream)
+                assert stream.sharing.startswith("its own frames")
+        finally:
+            os.kill(child, signal.SIGKILL)
+
+
 # Beside each wait Python's own, in the same process: what that takes is the machine's.
 LATENCY = """
 import pathlib, queue, statistics

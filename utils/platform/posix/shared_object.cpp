@@ -3,11 +3,15 @@
 #include "utils/platform/clock.h"
 #include "utils/platform/thread.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdint>
+#include <mutex>
+#include <vector>
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <pthread.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -56,6 +60,46 @@ bool isCurrent(int file) {
     return fstat(file, &held) == 0 && held.st_nlink != 0;
 }
 
+/// The descriptors of all open objects. The child of a fork() closes them as it begins: their locks are its parent's as
+/// well, and would outlive a parent that is killed. An object that is just being opened is missed.
+class OpenFiles {
+public:
+    static OpenFiles& instance() {
+        static OpenFiles& files =
+            *new OpenFiles; // never destroyed, for threads may still run when the process ends
+        return files;
+    }
+
+    void add(int* file) {
+        const std::lock_guard hold(lock);
+        files.push_back(file);
+    }
+    void close(int* file) {
+        const std::lock_guard hold(lock);
+        std::erase(files, file);
+        closeOne(file);
+    }
+
+private:
+    OpenFiles() {
+        static_cast<void>(pthread_atfork([] { instance().lock.lock(); }, [] { instance().lock.unlock(); },
+                                         [] { instance().beginChild(); }));
+    }
+
+    static void closeOne(int* file) {
+        if (*file != -1)
+            ::close(*file);
+        *file = -1;
+    }
+    void beginChild() {
+        std::for_each(files.begin(), files.end(), closeOne);
+        lock.unlock();
+    }
+
+    std::mutex lock; ///< held while the process forks
+    std::vector<int*> files;
+};
+
 /// Behind the gate, for whoever is opening the object just now waits there, and looks whether the name is current.
 void removeIfAbandoned(const char* name) noexcept {
     const int file = shm_open(name, O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0);
@@ -82,7 +126,10 @@ bool SharedObject::open(const std::string& objectName, unsigned long patience) {
             file = -1;
         }
     }
-    return attempt == Attempt::opened;
+    if (attempt != Attempt::opened)
+        return false;
+    OpenFiles::instance().add(&file);
+    return true;
 }
 
 SharedObject::Attempt SharedObject::tryOpen(unsigned long patience) {
@@ -107,9 +154,7 @@ void SharedObject::openGate() { lockByte(file, F_UNLCK, gate); }
 
 void SharedObject::close() {
     leave();
-    if (file != -1)
-        ::close(file);
-    file = -1;
+    OpenFiles::instance().close(&file);
 }
 
 /// Of two processes that leave at the same time the second one is alone.

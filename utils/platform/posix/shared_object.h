@@ -10,7 +10,7 @@ namespace Zentara::Utils::Platform {
 ///
 /// Two bytes of the object are locked through the open file, so the locks work within one process too and die
 /// with their holder: the gate, held alone while somebody opens or closes, and the membership, shared by all
-/// users. A child of fork() shares its parent's locks: it must not touch them, and does not.
+/// users. A child of fork() has none of its parent's objects open, and keeps the memory that is mapped.
 class SharedObject final {
 public:
     SharedObject() = default;
