@@ -15,7 +15,7 @@ public:
     void about(std::string under) { check = std::move(under); }
     void well(std::string text) { add(HealthFinding::State::Well, std::move(text), {}); }
     void note(std::string text, std::string remedy) {
-        add(HealthFinding::State::Note, std::move(text), std::move(remedy));
+        add(HealthFinding::State::Hint, std::move(text), std::move(remedy));
     }
     void wrong(std::string text, std::string remedy) {
         add(HealthFinding::State::Wrong, std::move(text), std::move(remedy));

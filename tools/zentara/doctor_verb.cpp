@@ -26,7 +26,7 @@ const char* stateName(State state) {
     switch (state) {
     case State::Well:
         return "well";
-    case State::Note:
+    case State::Hint:
         return "note";
     case State::Wrong:
         break;

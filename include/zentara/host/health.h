@@ -12,7 +12,7 @@ namespace Zentara::Host {
 struct HealthFinding {
     enum class State {
         Well,
-        Note,  ///< nothing is wrong, but somebody may wonder at what comes of it
+        Hint,  ///< nothing is wrong, but somebody may wonder at what comes of it
         Wrong, ///< cameras are not found, cannot be used, or are not what they seem
     };
 
