@@ -14,6 +14,10 @@
 namespace Zentara::Linux {
 namespace {
 
+// A camera that nobody uses goes to sleep after 2 s, and while it does it may be busy for whoever opens it.
+constexpr int wakingAttempts = 25;
+constexpr int wakingMilliseconds = 20;
+
 template<typename Call>
 int again(Call call) {
     for (;;) {
@@ -28,7 +32,12 @@ int again(Call call) {
 class System final : public Kernel {
 public:
     [[nodiscard]] int open(const std::string& path) override {
-        return again([&] { return ::open(path.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC); });
+        for (int attempt = 1;; ++attempt) {
+            const int file = again([&] { return ::open(path.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC); });
+            if (file != -EBUSY || attempt == wakingAttempts)
+                return file;
+            ::poll(nullptr, 0, wakingMilliseconds);
+        }
     }
     void close(int file) override { ::close(file); }
     int control(int file, unsigned long request, void* argument) override {

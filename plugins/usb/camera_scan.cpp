@@ -226,7 +226,7 @@ CameraScan::Formats CameraScan::ask(const std::string& camera, const std::string
             threadOf(camera, path).call("ask " + path + " what it delivers", [system = kernel, path] {
                 return askNode(*system, path);
             });
-        closed = answer.error == EACCES || answer.error == EPERM;
+        closed = answer.error == EACCES || answer.error == EPERM || answer.error == EBUSY;
         return answer.formats;
     } catch (const Plugin::PluginException&) {
         closed = true; // it was logged

@@ -18,7 +18,7 @@ namespace Zentara::Usb {
 struct FoundVideo {
     std::string path;                   ///< "/dev/video0"
     std::vector<std::uint32_t> formats; ///< the kernel's four characters, the first one in the low byte
-    /// This user may not open it, or its camera does not answer: the formats are those that its descriptors name.
+    /// This user may not open it, it is busy, or its camera does not answer: the formats are those that its descriptors name.
     bool closed = false;
 
     friend bool operator==(const FoundVideo&, const FoundVideo&) = default;

@@ -44,7 +44,7 @@ try_row() {
     # shellcheck disable=SC2053
     [[ $status = $wanted ]] || wrong+="; status $status instead of $wanted"
     grep -qE -- "$pattern" "$TMPDIR/$serial" || wrong+="; no '$pattern'"
-    [ -z "$wrong" ] || echo "$verb, $model, $fault$wrong" >"$TMPDIR/$serial.wrong"
+    [ -z "$wrong" ] || echo "$verb, $model, $fault$wrong: ${said[*]}" >"$TMPDIR/$serial.wrong"
 }
 
 # try_rows NUMBER: every third row, from that one on.
