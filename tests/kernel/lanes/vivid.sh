@@ -33,13 +33,13 @@ test_a_region_and_a_pause() {
     "$device" /dev/video0 region=80,60,640,360 start read=5 pause read=1 resume read=5 >"$TMPDIR/raw" 2>"$TMPDIR/said"
     [ "$(sed -n '6s/ .*//p' "$TMPDIR/said")" = 1 ] # in the pause there is nothing
     v4l2-ctl -d /dev/video0 --set-selection target=crop,left=80,top=60,width=640,height=360
-    take /dev/video0 30 "$TMPDIR/reference"
+    take /dev/video0 30 "$TMPDIR/reference" -p 15 # slow enough to miss none
     for number in 0 1; do
         dd if="$TMPDIR/raw" of="$TMPDIR/part" bs=153600 skip=$((5 * number)) count=5 status=none
         python3 "$here/pictures.py" "$TMPDIR/part" 153600 153600 <"$TMPDIR/reference"
     done
     v4l2-ctl -d /dev/video0 --set-selection target=crop,left=0,top=0,width=640,height=360
-    take /dev/video0 5 "$TMPDIR/reference"
+    take /dev/video0 5 "$TMPDIR/reference" -p 15
     ! python3 "$here/pictures.py" "$TMPDIR/part" 153600 153600 <"$TMPDIR/reference" 2>/dev/null
     refuse 1 'is not inside the picture' "$device" /dev/video0 region=80,60,9999,360
 }
