@@ -146,7 +146,7 @@ void rethrowAsFailure(const std::string& what) {
             throw Failure(Failure::TimedOut, message, cause + "; timed out: " + Utils::visibleText(timeout));
         throw Failure(refined(codeOf(failure.type()), cause), message, cause);
     } catch (const std::bad_alloc&) {
-        throw Failure(Failure::Failed, message, "there is not enough memory");
+        throw LackOfMemory(message);
     } catch (const std::exception& failure) {
         const std::string cause = Utils::visibleText(failure.what());
         throw Failure(refined(Failure::Failed, cause), message, cause);

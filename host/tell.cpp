@@ -1,5 +1,7 @@
 #include "host/tell.h"
 
+#include <new>
+
 #include <zentara/utils/kv_logger.h>
 
 namespace Zentara::Host {
@@ -10,9 +12,12 @@ void tell(const Note& note, const std::string& text) noexcept {
         return;
     }
     // Nobody listens: the library's log is the last place where somebody may look.
-    if (Utils::KVLogger* log = Utils::KVLogger::instance()) {
-        log->warning(text);
-        Utils::KVLogger::release();
+    try {
+        if (Utils::KVLogger* log = Utils::KVLogger::instance()) {
+            log->warning(text);
+            Utils::KVLogger::release();
+        }
+    } catch (const std::bad_alloc&) { // there is none for the line either
     }
 }
 

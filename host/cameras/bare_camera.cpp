@@ -42,7 +42,7 @@ BareCamera::BareCamera(DeviceOptions wanted, const Cameras::Options& shared)
 
 BareCamera::~BareCamera() {
     transfers->set({});
-    errands.leave("close " + identity.label(), [own = bound] { own->close(); });
+    errands.leave([this] { return "close " + identity.label(); }, [own = bound] { own->close(); });
 }
 
 GUID BareCamera::choose(Kind kind) const {

@@ -36,6 +36,8 @@ std::string ownName(const std::string& node, const std::string& described) {
 void describe(CameraEntry& camera, CameraStore& store) {
     try {
         store.select(camera.nodes.front());
+    } catch (const LackOfMemory&) {
+        throw;
     } catch (const Failure&) {
         return;
     }
@@ -68,11 +70,11 @@ std::string CameraEntry::label() const {
 struct CameraBus::Source {
     explicit Source(const GUID& guid) : name(guidLabel(guid)) {}
     ~Source() {
-        closeQuietly("the enumerator " + name, [this] {
+        closeQuietly("the enumerator ", name, [this] {
             if (enumerator)
                 enumerator->dispose();
         });
-        const Step watched("close the enumerator " + name);
+        const PartingStep watched([this] { return "close the enumerator " + name; });
         enumerator.reset();
     }
     Source(const Source&) = delete;
@@ -89,6 +91,8 @@ CameraBus::CameraBus(Note told, std::shared_ptr<Events> arrivals)
     for (const GUID& guid : registeredPlugins(Core::ImplType_ENUMERATOR, "enumerator")) {
         try {
             open(guid);
+        } catch (const LackOfMemory&) {
+            throw;
         } catch (const Failure& failure) {
             if (first)
                 leaveOut(failure);
@@ -122,6 +126,8 @@ std::vector<CameraEntry> CameraBus::cameras() {
         try {
             attempt("look for cameras through " + source->name,
                     [&] { source->enumerator->enumerate(found); });
+        } catch (const LackOfMemory&) {
+            throw;
         } catch (const Failure& failure) {
             if (sources.size() == 1)
                 throw;

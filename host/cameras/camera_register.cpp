@@ -56,7 +56,7 @@ CameraRegister::CameraRegister(Cameras::Options options)
       seat(std::make_shared<Seat>(errands.notes())), events(seat->events) {}
 
 CameraRegister::~CameraRegister() {
-    errands.leave("close the enumerators", [own = seat] { own->opened.reset(); });
+    errands.leave([] { return "close the enumerators"; }, [own = seat] { own->opened.reset(); });
 }
 
 std::vector<CameraEntry> CameraRegister::entries() {

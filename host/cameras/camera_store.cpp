@@ -4,6 +4,7 @@
 
 #include <zentara/utils/log_area.h>
 
+#include "host/attempt.h"
 #include "host/cameras/device_choice.h"
 #include "host/cameras/joined_descriptions.h"
 #include "host/cameras/stream_description.h"
@@ -30,6 +31,8 @@ CameraStore::CameraStore(const Note* leftOut) {
                     throw Failure(Failure::Failed, "the store " + guidLabel(guid) + " has no descriptions");
                 stores.push_back(store);
             });
+        } catch (const LackOfMemory&) {
+            throw;
         } catch (const Failure& failure) {
             if (!first)
                 first.emplace(failure);
@@ -49,8 +52,8 @@ CameraStore::CameraStore(const Note* leftOut) {
 CameraStore::~CameraStore() {
     const Utils::LogAreaScope scope(Utils::LogArea_PLUGINS);
     for (const auto& store : stores)
-        closeQuietly("a descriptor store", [&] { store->dispose(); });
-    const Step watched("close the descriptor stores");
+        closeQuietly("a descriptor store", {}, [&] { store->dispose(); });
+    const PartingStep watched([] { return "close the descriptor stores"; });
     stores.clear();
 }
 

@@ -1,17 +1,18 @@
 #pragma once
 
 #include <memory>
+#include <new>
 #include <string>
 #include <vector>
 
 #include <zentara/core/descriptor_store_interface.h>
-#include <zentara/core/plugin_manager.h>
 #include <zentara/host/failure.h>
 #include <zentara/host/note.h>
 #include <zentara/node_event.h>
 #include <zentara/utils/smart_ptr.h>
 
 #include "host/attempt.h"
+#include "host/cameras/held_manager.h"
 #include "host/tell.h"
 #include "utils/visible_text.h"
 
@@ -50,11 +51,12 @@ private:
 
 /// What goes wrong while something is let go is logged: it keeps nobody from going on.
 template<typename Work>
-void closeQuietly(const std::string& what, Work work) noexcept {
+void closeQuietly(const char* what, const std::string& name, Work work) noexcept {
     try {
-        attempt("close " + what, work);
+        attempt(std::string("close ") + what + name, work);
     } catch (const Failure& failure) {
         tell({}, Utils::visibleText(failure.what()));
+    } catch (const std::bad_alloc&) { // there is none for the text either
     }
 }
 
@@ -66,19 +68,10 @@ void tellLeftOut(const Note& note, const Failure& failure);
 
 template<typename Interface>
 Utils::SmartPtr<Interface> makePlugin(GUID guid) {
-    Utils::SmartPtr<Interface> made;
-    Core::PluginManager* manager = Core::PluginManager::instance();
-    if (manager == nullptr)
-        throw Failure(Failure::NoPlugin, "there is no plug-in manager");
-    try {
-        const auto plugin = Utils::SmartPtr<Core::Plugin>::adopt(
-            static_cast<Core::Plugin*>(manager->createInstance(guid, Interface::getImplType())));
-        made.reset(dynamic_cast<Interface*>(plugin.get()));
-    } catch (...) {
-        manager->release();
-        throw;
-    }
-    manager->release();
+    const HeldManager manager;
+    const auto plugin = Utils::SmartPtr<Core::Plugin>::adopt(
+        static_cast<Core::Plugin*>(manager->createInstance(guid, Interface::getImplType())));
+    const Utils::SmartPtr<Interface> made(dynamic_cast<Interface*>(plugin.get()));
     if (!made)
         throw Failure(Failure::NoPlugin, "the plug-in made no object of its kind");
     return made;

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include <zentara/core/guids.h>
-#include <zentara/core/plugin_manager.h>
 #include <zentara/core/plugin_probe.h>
 #include <zentara/utils/files.h>
 #include <zentara/utils/format.h>
@@ -13,6 +12,7 @@
 #include <zentara/utils/text.h>
 
 #include "host/attempt.h"
+#include "host/cameras/held_manager.h"
 #include "host/guid_text.h"
 #include "host/tell.h"
 #include "utils/visible_text.h"
@@ -72,13 +72,7 @@ GUID namedDevice(Core::ImplType type, const char* what, const std::vector<std::s
 std::vector<GUID> registeredPlugins(Core::ImplType type, const char* what) {
     std::vector<GUID> guids;
     const Utils::LogAreaScope scope(Utils::LogArea_PLUGINS);
-    attempt("look for plug-ins", [&] {
-        Core::PluginManager* manager = Core::PluginManager::instance();
-        if (manager == nullptr)
-            throw Failure(Failure::NoPlugin, "cannot look for plug-ins: there is no plug-in manager");
-        guids = manager->getGUIDs(type);
-        manager->release();
-    });
+    attempt("look for plug-ins", [&] { guids = HeldManager()->getGUIDs(type); });
     if (guids.empty())
         throw Failure(
             Failure::NoPlugin,

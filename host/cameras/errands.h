@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <memory>
+#include <new>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -37,10 +38,14 @@ public:
         }
     }
 
-    /// Has it done without waiting for it.
-    template<typename Work>
-    void leave(const std::string& what, Work work) const {
-        hand->leave(what, std::move(work));
+    /// Has it done without waiting for it. Where there is no memory for that, what the work owns goes on this thread.
+    /// \param words gives what is done
+    template<typename Words, typename Work>
+    void leave(Words words, Work work) const noexcept {
+        try {
+            hand->leave(words(), std::move(work));
+        } catch (const std::bad_alloc&) {
+        }
     }
 
     /// What works tell their notes.

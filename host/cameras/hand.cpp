@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <deque>
+#include <new>
 #include <thread>
 #include <vector>
 
@@ -29,13 +30,20 @@ std::string secondsText(steady_clock::duration time) {
            (static_cast<double>(std::chrono::duration_cast<milliseconds>(time).count()) / 1000.0);
 }
 
-void logFailure(const std::string& what, const std::exception_ptr& failure) {
+std::string reasonOf(const std::exception_ptr& failure) {
     try {
         std::rethrow_exception(failure);
     } catch (const std::exception& reason) {
-        tell({}, "cannot " + what + ": " + reason.what());
+        return std::string(": ") + reason.what();
     } catch (...) {
-        tell({}, "cannot " + what);
+        return {};
+    }
+}
+
+void logFailure(const std::string& what, const std::exception_ptr& failure) noexcept {
+    try {
+        tell({}, "cannot " + what + reasonOf(failure));
+    } catch (const std::bad_alloc&) { // there is none for the text either
     }
 }
 
@@ -52,6 +60,8 @@ struct Hand::State final : StepWatcher {
     static void perform(Job& job);
     void end();
 
+    /// \return false where there was no memory for the words
+    bool name(const std::string& what) noexcept ZENTARA_REQUIRES(lock);
     /// Waits for a change, until `limit` at most. \return false once that time has come
     bool waitUntil(steady_clock::time_point limit) ZENTARA_REQUIRES(lock);
     /// That a caller's limit has passed.
@@ -73,10 +83,10 @@ struct Hand::State final : StepWatcher {
     std::deque<std::unique_ptr<Job>> queue ZENTARA_GUARDED_BY(lock);
     /// The job under way; set and taken by the thread alone, which may therefore use the job without the lock.
     std::unique_ptr<Job> current ZENTARA_GUARDED_BY(lock);
-    /// Done, and yet to be taken by their callers, all of which wait.
-    std::vector<std::unique_ptr<Job>> done ZENTARA_GUARDED_BY(lock);
     /// The words of the job under way and of its steps, the outermost first; empty when nothing is under way.
     std::vector<std::string> steps ZENTARA_GUARDED_BY(lock);
+    /// The steps within these that have no words, for want of memory.
+    std::size_t unnamed ZENTARA_GUARDED_BY(lock) = 0;
     /// Of the destroying thread, while that one waits: is told of what nobody else waits for.
     StepWatcher* last ZENTARA_GUARDED_BY(lock) = nullptr;
     steady_clock::time_point since ZENTARA_GUARDED_BY(lock); ///< when that began
@@ -89,14 +99,27 @@ struct Hand::State final : StepWatcher {
 // The watcher is called with the lock held: else its caller might give up, and take it away, meanwhile.
 void Hand::State::begins(const std::string& what) noexcept {
     AutoLock hold(lock);
-    steps.push_back(what);
+    if (unnamed != 0 || !name(what))
+        ++unnamed;
     if (StepWatcher* watcher = listener())
         watcher->begins(what);
 }
 
+bool Hand::State::name(const std::string& what) noexcept {
+    try {
+        steps.push_back(what);
+        return true;
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+}
+
 void Hand::State::ends() noexcept {
     AutoLock hold(lock);
-    steps.pop_back();
+    if (unnamed != 0)
+        --unnamed;
+    else
+        steps.pop_back();
     if (StepWatcher* watcher = listener())
         watcher->ends();
 }
@@ -112,10 +135,12 @@ StepWatcher* Hand::State::listener() const { return current && current->isAwaite
 void Hand::State::join(StepWatcher* watcher) const {
     for (std::size_t index = 1; watcher != nullptr && index < steps.size(); ++index)
         watcher->begins(steps[index]);
+    for (std::size_t left = unnamed; watcher != nullptr && left != 0; --left)
+        watcher->begins(words());
 }
 
 void Hand::State::leave(StepWatcher* watcher) const {
-    for (std::size_t index = 1; watcher != nullptr && index < steps.size(); ++index)
+    for (std::size_t index = 1; watcher != nullptr && index < steps.size() + unnamed; ++index)
         watcher->ends();
 }
 
@@ -143,7 +168,7 @@ Hand::Job* Hand::State::begin() {
     }
     current = std::move(queue.front());
     queue.pop_front();
-    steps = {current->what};
+    steps = std::move(current->steps);
     since = steady_clock::now();
     return current.get();
 }
@@ -171,8 +196,9 @@ void Hand::State::end() {
     std::unique_ptr<Job> unwanted;
     {
         AutoLock hold(lock);
+        current->isDone = true;
         if (current->isAwaited)
-            done.push_back(std::move(current));
+            static_cast<void>(current.release()); // its caller takes it
         unwanted = std::move(current);
     }
     if (unwanted && unwanted->failure)
@@ -254,17 +280,11 @@ std::unique_ptr<Hand::Job> Hand::finish(std::unique_ptr<Job> job, milliseconds l
     mine->watcher = stepWatcher();
     state->queue.push_back(std::move(job));
     state->changed.notifyAll();
-    auto found = state->done.end();
-    for (;;) {
-        found = std::find_if(state->done.begin(), state->done.end(),
-                             [mine](const auto& one) { return one.get() == mine; });
-        if (found != state->done.end())
-            break;
+    while (!mine->isDone) {
         if (!state->waitUntil(end))
             throw state->giveUp(*mine, limit);
     }
-    std::unique_ptr<Job> finished = std::move(*found);
-    state->done.erase(found);
+    std::unique_ptr<Job> finished(mine);
     if (finished->failure)
         std::rethrow_exception(finished->failure);
     return finished;

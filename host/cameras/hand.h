@@ -8,6 +8,7 @@
 #include <thread>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 #include <zentara/host/note.h>
 #include <zentara/host/step_watcher.h>
@@ -86,9 +87,9 @@ public:
 
 private:
     /// Belongs to the hand's thread until it is done, then to its caller; if that one has gone, it never leaves the
-    /// thread.
+    /// thread. What the thread needs to serve it is there before it is handed over.
     struct Job {
-        explicit Job(std::string text) : what(std::move(text)) {}
+        explicit Job(std::string text) : what(std::move(text)), steps{what} {}
         virtual ~Job() = default;
         Job(const Job&) = delete;
         Job& operator=(const Job&) = delete;
@@ -98,9 +99,11 @@ private:
         const std::string what;
         const Utils::LogArea area =
             Utils::LogAreaScope::current(); ///< the caller's: what is logged is about that
+        std::vector<std::string> steps;     ///< its words, until it begins
         std::exception_ptr failure;         ///< what run() threw
         // Guarded by the state's lock.
         bool isAwaited = false;         ///< its caller waits
+        bool isDone = false;            ///< it is the caller's, if that one waits
         StepWatcher* watcher = nullptr; ///< of the caller, while that one waits; may be null
         bool isDropped = false;         ///< its caller has gone before it began: it is not run
     };

@@ -52,7 +52,7 @@ OpenNode<Node>::OpenNode(const NodeEvent& found, const Note& note) : description
 
 template<typename Node>
 OpenNode<Node>::~OpenNode() {
-    const Step watched("let go of " + cameraLabel(description));
+    const PartingStep watched([this] { return "let go of " + cameraLabel(description); });
     try {
         dispose();
     } catch (const std::exception&) {

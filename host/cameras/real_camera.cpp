@@ -15,7 +15,7 @@ RealCamera::RealCamera(std::shared_ptr<CameraRegister> where, const CameraEntry&
 
 RealCamera::~RealCamera() {
     transfers->set({});
-    errands.leave("close " + identity.label(), [own = parts] { own->close(); });
+    errands.leave([this] { return "close " + identity.label(); }, [own = parts] { own->close(); });
 }
 
 void RealCamera::checkOpen(const std::string& what) const {

@@ -1,5 +1,6 @@
 #include "support/failing_allocation.h"
 
+#include <atomic>
 #include <cstdlib>
 #include <new>
 
@@ -11,12 +12,17 @@ thread_local bool armed = false;
 thread_local bool onlyThrowing = false;
 thread_local std::size_t left = 0;
 constexpr std::size_t mostAllocations = 2000;
+std::atomic<bool> armedAnywhere{false};
+std::atomic<std::size_t> failing{0};
+std::atomic<std::size_t> counted{0};
 
 void* allocate(std::size_t size, bool isThrowing) noexcept {
     if (armed && (isThrowing || !onlyThrowing) && left-- == 0) {
         armed = false;
         return nullptr;
     }
+    if (isThrowing && armedAnywhere && counted++ == failing)
+        return nullptr;
     return std::malloc(size != 0 ? size : 1);
 }
 
@@ -41,6 +47,14 @@ FailingAllocation::FailingAllocation(std::size_t n, Form form) noexcept {
 }
 FailingAllocation::~FailingAllocation() { armed = false; }
 bool FailingAllocation::hit() const noexcept { return !armed; }
+
+FailingAllocationAnywhere::FailingAllocationAnywhere(std::size_t n) noexcept {
+    failing = n;
+    counted = 0;
+    armedAnywhere = true;
+}
+FailingAllocationAnywhere::~FailingAllocationAnywhere() { armedAnywhere = false; }
+std::size_t FailingAllocationAnywhere::count() noexcept { return counted; }
 
 void walkAllocations(const std::function<void(const WithoutMemory&)>& attempt, FailingAllocation::Form form) {
     for (std::size_t n = 0; n < mostAllocations; ++n) {

@@ -22,6 +22,18 @@ public:
     bool hit() const noexcept;
 };
 
+/// The same for the nth allocation of the whole program, by the form of new that throws.
+class FailingAllocationAnywhere {
+public:
+    explicit FailingAllocationAnywhere(std::size_t n) noexcept;
+    ~FailingAllocationAnywhere();
+    FailingAllocationAnywhere(const FailingAllocationAnywhere&) = delete;
+    FailingAllocationAnywhere& operator=(const FailingAllocationAnywhere&) = delete;
+
+    /// How many there were so far.
+    static std::size_t count() noexcept;
+};
+
 /// Runs what is given to it with one allocation failing; true when that threw std::bad_alloc.
 using WithoutMemory = std::function<bool(const std::function<void()>&)>;
 

@@ -1,0 +1,183 @@
+// One allocation of an operation finds no memory, on whichever thread it comes: the operation does its work or throws, its
+// files are as before or as after it, and the next one does its work. A few allocations of each operation, spread over all
+// of them; every nth with ZENTARA_TEST_STEP in the environment.
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <map>
+
+#include <gmock/gmock.h>
+
+#include <zentara/host/host.h>
+#include <zentara/utils/files.h>
+
+#include "support/camera_bus.h"
+#include "support/failing_allocation.h"
+
+namespace Zentara::Host {
+namespace {
+
+using namespace std::chrono_literals;
+using TestSupport::FailingAllocationAnywhere;
+
+constexpr auto inTime = 20s;
+using Files = std::map<std::filesystem::path, std::string>;
+
+/// A directory with a recording and a flash image, and a camera on the bus.
+struct Place : TestSupport::CameraBus {
+    Place() {
+        plug(R"({"model": "ZS570", "serialNumber": "LEFT"})");
+        Flash flash = Flash::create(path("image"));
+        flash.apply(flash.planFormat(flash.load()));
+        flash.apply(flash.plan(flash.load(), {{1, {77, 1, Bytes(600, 1)}}, {2, {78, 1, Bytes(9, 2)}}}),
+                    noBackup);
+        flash.backup(path("backup"), FlashImage(flash.area()));
+        Stream stream = camera().stream(Kind::Depth);
+        Recorder recorder(path("recording"), {stream.info()});
+        for (int frames = 0; frames < 2; ++frames)
+            recorder.add(0, stream.next(inTime).value());
+        recorder.commit();
+        files = filesNow();
+    }
+
+    [[nodiscard]] Files filesNow() const {
+        Files all;
+        for (const auto& entry : std::filesystem::directory_iterator(directory))
+            all[entry.path()] = Utils::readFile(path(entry.path().filename().string()));
+        return all;
+    }
+
+    void reset() const {
+        for (const auto& [file, bytes] : filesNow())
+            if (files.count(file) == 0)
+                std::filesystem::remove(file);
+        for (const auto& [file, bytes] : files)
+            Utils::writeFile(path(file.filename().string()), bytes);
+    }
+
+    static Camera camera() { return Cameras().open("LEFT"); }
+    [[nodiscard]] Frame frame() const { return Recording(path("recording")).at(0, 1); }
+
+    const ApplyOptions noBackup{.keeps = false, .backup = {}, .kept = {}};
+    const std::filesystem::path directory = TestSupport::TemporaryDirectory::fromUtf8(path());
+    Files files;
+};
+
+// clang-format off
+struct Operation {
+    const char* name;
+    std::size_t (*work)(const Place& place); ///< what it gave, as a number that is the same each time
+};
+
+const Operation operations[] = {
+    {"List", [](const Place&) { return Cameras().list().at(0).controller.size(); }},
+    {"Watch", [](const Place&) {
+         Cameras cameras;
+         cameras.watch();
+         return cameras.next(inTime).value().camera.controller.size();
+     }},
+    {"Describe", [](const Place& place) {
+         const StreamInfo info = place.camera().streamInfo(Kind::Depth);
+         if (!info.sourceFailure.empty()) // the description stands in, and that is told
+             throw Failure(Failure::Failed, info.sourceFailure);
+         return info.lens.value().width + info.corrections.modes[0].temperatureParameters.size();
+     }},
+    {"Parameters", [](const Place& place) {
+         const Camera camera = place.camera();
+         camera.setParameters({{0, 12.5F}, {7, false}});
+         return valueText(camera.parameter(0).value.value()).size() + camera.parameters().size();
+     }},
+    {"Stream", [](const Place& place) {
+         Stream stream = place.camera().stream(Kind::Depth);
+         return std::size_t{stream.next(inTime).value().width()};
+     }},
+    {"SharedStream", [](const Place& place) {
+         Stream stream = place.camera().stream(Kind::Color, {.shared = true});
+         return std::size_t{stream.next(inTime).value().width()};
+     }},
+    {"CameraFlash", [](const Place& place) { return surveyOf(place.camera().flash().load()).blocks.size(); }},
+    {"Record", [](const Place& place) {
+         const Frame frame = place.frame();
+         Recorder recorder(place.path("new"), {frame.info()});
+         recorder.add(0, frame);
+         recorder.commit();
+         return static_cast<std::size_t>(recorder.frames());
+     }},
+    {"Replay", [](const Place& place) {
+         const Recording recording(place.path("recording"));
+         Stream stream = recording.camera("LEFT", {.speed = 1000}).stream(Kind::Depth, {.keepsAll = true});
+         std::size_t frames = 0;
+         while (stream.next(inTime))
+             ++frames;
+         return frames;
+     }},
+    {"ChangeImage", [](const Place& place) {
+         Flash flash = Flash::image(place.path("image"), {}, Flash::Access::Write);
+         FlashContent wanted = contentOf(flash.load());
+         wanted[3] = {79, 1, Bytes(300, 3)};
+         const FlashChange change = flash.plan(flash.load(), wanted, {.rebuild = true});
+         return flash.apply(change, {.keeps = true, .backup = place.path("kept"), .kept = {}}).size();
+     }},
+    {"RestoreImage", [](const Place& place) {
+         Flash flash = Flash::image(place.path("image"), {}, Flash::Access::Write);
+         const FlashChange change = flash.planRestore(flash.load(), place.path("backup"), {.damaged = true});
+         return flash.apply(change, place.noBackup).size();
+     }},
+    {"Salvage", [](const Place& place) {
+         FlashImage image = Flash::image(place.path("image")).load();
+         image.write(0, Bytes(64, 0));
+         return salvageOf(image).content.size() + surveyOf(image).findings.size();
+     }},
+    {"Cloud", [](const Place& place) {
+         const Frame frame = place.frame().corrected();
+         const PointCloud cloud = Lens(*frame.info().lens, DepthAlong::Axis, "camera").pointsOf(frame);
+         cloud.writePly(place.path("new.ply"));
+         return cloud.points().size();
+     }},
+    {"Picture", [](const Place& place) {
+         pictureOf(place.frame()).writePng(place.path("new.png"));
+         return std::size_t{1};
+     }},
+};
+// clang-format on
+
+bool contains(const Files& files, const Files::value_type& file) {
+    return std::find(files.begin(), files.end(), file) != files.end();
+}
+
+class HostLackOfMemory : public testing::TestWithParam<Operation> {};
+INSTANTIATE_TEST_SUITE_P(Operations, HostLackOfMemory, testing::ValuesIn(operations),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+TEST_P(HostLackOfMemory, LeavesEverythingAsItWas) {
+    const Place place;
+    const std::size_t wanted = GetParam().work(place); // what is made once in a process's life is made here
+    place.reset();
+    std::size_t all = 0;
+    {
+        const FailingAllocationAnywhere none(SIZE_MAX);
+        EXPECT_EQ(GetParam().work(place), wanted);
+        all = FailingAllocationAnywhere::count();
+    }
+    const Files after = place.filesNow();
+    const char* const chosen = std::getenv("ZENTARA_TEST_STEP");
+    const std::size_t step = chosen != nullptr ? std::stoul(chosen) : 1 + all / 12;
+    for (std::size_t n = 0; n < all; n += step) {
+        SCOPED_TRACE(n);
+        place.reset();
+        try {
+            const FailingAllocationAnywhere failing(n);
+            EXPECT_EQ(GetParam().work(place), wanted);
+        } catch (const Failure& failure) {
+            EXPECT_NE(failure.code(), Failure::NoDevice) << failure.what();
+        } catch (const std::bad_alloc&) {
+        }
+        for (const auto& file : place.filesNow())
+            EXPECT_TRUE(contains(place.files, file) || contains(after, file)) << file.first;
+        place.reset();
+        ASSERT_EQ(GetParam().work(place), wanted);
+    }
+}
+
+} // namespace
+} // namespace Zentara::Host
