@@ -247,48 +247,6 @@ TEST_F(RomVerbs, WorkOnTheFlashOfEachCamera) {
     }
 }
 
-TEST_F(RomVerbs, TellHowToBringBackACameraThatFailedInAWrite) {
-    const std::string kept = path("kept.flash");
-    std::string before;
-    {
-        const SimulatedFaults camera("keepFlash " + kept);
-        done({"info"});
-        before = Utils::readFile(kept);
-    }
-    for (const char* garbled : {"600", "1240", "1320", "1500"}) { // readings: before, of one write, of all
-        SCOPED_TRACE(garbled);
-        const SimulatedFaults camera(std::string("transfer ") + garbled + " corrupt");
-        done({"set", "9", "camera:OV0570", "--type", "77", "--hex", std::string(3000, '7'), "--backup",
-              fresh()});
-        EXPECT_TRUE(Utils::readFile(backup) == before.substr(Simulated::romStart, Simulated::romSize));
-    }
-    EXPECT_EQ(nlohmann::json::parse(Utils::readFile(backup + ".json")).at("camera").at("serial"), "SIM0570");
-    // Loading takes some 1200 transfers; this one falls into the writes.
-    for (const auto& [fault, exitCode, said] : {std::tuple{"corrupt", 1, "other bytes were read back"},
-                                                std::tuple{"hang 60000", 7, "has not come back for 1 s"}}) {
-        ToolRun failed;
-        {
-            const SimulatedFaults camera("keepFlash " + kept + ";transfer 1290 " + fault);
-            failed =
-                runBuilt("--patience 1 rom set 9 camera:OV0570 --type 77 --hex " + std::string(3000, '7') +
-                         " --start 0 --size 0x4000 --backup \"" + fresh() + '"');
-        }
-        EXPECT_EQ(failed.exitCode, exitCode) << failed.err;
-        const std::size_t failure = failed.err.find(said);
-        ASSERT_LT(failed.err.find("the bytes of before are in '" + backup + "'"), failure) << "told first";
-        const std::size_t command = failed.err.find("zentara rom restore", failure);
-        ASSERT_NE(command, std::string::npos) << failed.err;
-        const std::string words =
-            failed.err.substr(command + 8, failed.err.find_first_of("\r\n", command) - command - 8);
-        const SimulatedFaults camera("keepFlash " + kept);
-        EXPECT_FALSE(Utils::readFile(kept) == before);
-        const ToolRun back =
-            runBuilt(words + " --backup \"" + fresh() + '"'); // as pasted into a command line
-        EXPECT_EQ(back.exitCode, Failure::None) << words << back.err;
-        EXPECT_TRUE(Utils::readFile(kept) == before);
-    }
-}
-
 TEST_F(RomVerbs, WriteNowhereElseThanWhereItIsMeant) {
     const TestSupport::ScopedVariable cameras(
         Simulated::SimulatedBus::variable,

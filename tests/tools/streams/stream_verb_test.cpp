@@ -1,18 +1,13 @@
-#include <atomic>
-#include <csignal>
 #include <cstdlib>
 #include <sstream>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <zentara/host/recording.h>
 #include <zentara/utils/files.h>
 
 #include "plugins/descriptions/wire.h"
-#include "support/program.h"
 #include "support/simulated_faults.h"
-#include "tools/progress_buffer.h"
 #include "tools/tool_fixture.h"
 #include "tools/zentara/verb.h"
 
@@ -92,37 +87,6 @@ TEST_F(StreamVerb, KeepsWhatACutRecordingHolds) {
     EXPECT_EQ(Utils::readFile(path("c.raw")).size(), 5 * Zentara::Cameras::frameBytes);
 }
 
-/// A limit for the size of files is to a writer what a full disk is. Only the shell of POSIX systems sets one.
-TEST_F(StreamVerb, KeepsWhatIsWholeWhenTheDiskIsFull) {
-    if (Utils::nativePath("a/b") != "a/b")
-        GTEST_SKIP();
-    const auto streamInto = [this](const std::string& blocks, const std::string& files) {
-        const std::string command = "ulimit -f " + blocks + "; '" +
-                                    (Tests::programDirectory() / "zentara").string() + "' stream " + files +
-                                    " > '" + path("out") + "' 2> '" + path("err") + "'";
-        EXPECT_NE(std::system(command.c_str()), 0);
-        EXPECT_THAT(
-            Utils::readFile(path("err")),
-            testing::AllOf(HasSubstr("cannot write '"), HasSubstr("what came whole before it is kept")));
-    };
-    streamInto("1000", "--record '" + path("full") + "' --raw '" + path("raw") + "'");
-    Host::Recording recording(path("full"));
-    std::size_t bytes = 0;
-    while (const auto next = recording.next())
-        bytes = next->frame.bytes().size();
-    ASSERT_GT(bytes, 0U);
-    EXPECT_EQ(Utils::readFile(path("raw")).size() % bytes, 0U) << "whole frames";
-    streamInto("50", "--wav '" + path("wav") + "'");
-    const std::string wav = Utils::readFile(path("wav"));
-    ASSERT_GT(wav.size(), 20000U);
-    const auto sizeAt = [&wav](std::size_t place) {
-        return static_cast<unsigned char>(wav[place]) + 256U * static_cast<unsigned char>(wav[place + 1]);
-    };
-    EXPECT_EQ(sizeAt(4), wav.size() - 8);
-    EXPECT_EQ(sizeAt(40), wav.size() - 44);
-    EXPECT_EQ(filesLeft().size(), 5U) << "no parts";
-}
-
 TEST_F(StreamVerb, RunsAsAProgram) {
     const ToolRun run = runBuilt("stream --frames 5");
     EXPECT_EQ(run.exitCode, 0) << run.err;
@@ -193,15 +157,6 @@ TEST_F(StreamVerb, TellsWhatFailedAndLeavesNoFile) {
     }
 }
 
-TEST_F(StreamVerb, KeepsItsTextOutOfItsFilesWhenStandardOutputIsClosed) {
-    if (std::filesystem::path::preferred_separator == '\\')
-        GTEST_SKIP() << "its command interpreter closes no streams";
-    EXPECT_EQ(
-        Tests::runProgram("zentara", "stream --direct --frames 3 --raw \"" + path("d.raw") + "\" >&- 2>&-"),
-        1);
-    EXPECT_EQ(Utils::readFile(path("d.raw")).size(), 3 * Zentara::Cameras::frameBytes);
-}
-
 TEST_F(StreamVerb, WantsStreamsAndPlacesForTheFilesThatAreNamed) {
     ASSERT_EQ(run({"stream", "--direct", "--frames", "2", "--record", path("r")}).exitCode, 0);
     const std::vector<std::vector<std::string>> rows{{"--wav", "f", "there is no audio stream"},
@@ -214,46 +169,6 @@ TEST_F(StreamVerb, WantsStreamsAndPlacesForTheFilesThatAreNamed) {
         EXPECT_THAT(run.err, HasSubstr(row[2]));
     }
     EXPECT_EQ(filesLeft().size(), 1U);
-}
-
-TEST_F(StreamVerb, EndsInOrderWhenInterrupted) {
-    const SimulatedFaults slow("hang 100 at video.readBuffer"); // every count of frames is reported then
-    std::signal(SIGINT, SIG_DFL); // what a shell starts in the background ignores it, and so would the tool
-    ProgressBuffer buffer;
-    buffer.atFrame(5, [] { std::raise(SIGINT); });
-    std::ostringstream out;
-    std::ostream err(&buffer);
-    Console console{out, err, true};
-    EXPECT_EQ(
-        runTool({"stream", "--direct", "--frames", "100000", "--raw", path("d.raw"), "--json"}, console),
-        130);
-    const auto json = nlohmann::json::parse(out.str());
-    EXPECT_EQ(json.at("interrupted"), true);
-    const std::size_t frames = json.at("streams").at(0).at("frames").at("received");
-    EXPECT_GE(frames, 5U);
-    EXPECT_EQ(Utils::readFile(path("d.raw")).size(), frames * Zentara::Cameras::frameBytes)
-        << "whole frames only";
-    EXPECT_EQ(filesLeft().size(), 1U);
-    EXPECT_THAT(buffer.str(), HasSubstr("interrupted after"));
-}
-
-TEST_F(StreamVerb, LeavesNothingWhenInterruptedBeforeItBegins) {
-    const SimulatedFaults slow("hang 1000 at audio.open"); // the depth stream's file is there by then
-    std::ostringstream out;
-    std::ostringstream err;
-    Console console{out, err};
-    std::atomic<bool> ended{false};
-    std::thread person([&] {
-        while (filesLeft().empty() && !ended)
-            std::this_thread::yield();
-        if (!ended)
-            std::raise(SIGTERM);
-    });
-    EXPECT_EQ(runTool({"stream", "--direct", "--audio", "--raw", path("d.raw")}, console), 130);
-    ended = true;
-    person.join();
-    EXPECT_THAT(err.str(), HasSubstr("interrupted before anything was streamed"));
-    EXPECT_THAT(filesLeft(), IsEmpty());
 }
 
 } // namespace
