@@ -100,5 +100,14 @@ if(NOT TOOLCHAIN)
     separate_arguments(flags UNIX_COMMAND "${output}")
     run("building the client with pkg-config's flags" ${CXX_COMPILER} ${SOURCE_DIR}/examples/host/main.cpp
         ${flags} -o ${work}/host-by-pkg-config)
+
+    # What the page for hosts shows is a program.
+    separate_arguments(own_flags UNIX_COMMAND "${CXX_FLAGS}")
+    run("running the blocks of docs/using.md" ${CMAKE_COMMAND} -E chdir ${work} ${CMAKE_COMMAND} -E env
+        ZENTARASDK_ROOT=${prefix}/ LD_LIBRARY_PATH=${prefix}/${LIBDIR} ${SOURCE_DIR}/tests/docs/run-blocks
+        ${SOURCE_DIR}/docs/using.md ${work}/using ${CXX_COMPILER} ${own_flags} ${flags} -pthread)
+    if(NOT EXISTS ${work}/using.ply)
+        message(FATAL_ERROR "the page's program made no cloud:\n${output}")
+    endif()
 endif()
 message(STATUS "installed, built and ran")
