@@ -117,7 +117,7 @@ ExitCode runRegWrite(RegOptions options, Console& console) {
 std::uint32_t numberOf(const std::string& text) {
     std::uint32_t number = 0;
     if (!CLI::detail::lexical_cast(text, number))
-        throw CLI::ValidationError("REGISTER", text + " is no number of a register");
+        throw CLI::ValidationError("REGISTER", text + " is no number of a register: 0 to 4294967295");
     return number;
 }
 

@@ -35,6 +35,7 @@ constexpr Example examples[] = {
     {"modfreq", "30 --camera VC0258", "in MHz"},
     {"rom", "verify camera:SIM0570", "is the flash whole?"},
     {"rom", "export camera:SIM0570 > flash.json", "its content, to read and edit"},
+    {"doctor", "", "what may keep a program from its cameras"},
     {"completion", "bash", "for ~/.local/share/bash-completion/completions/zentara"},
 };
 
