@@ -32,9 +32,8 @@ using namespace std::chrono_literals;
 
 constexpr const char* question = "--ask-plugin";       // FILE CHANNEL
 constexpr const char* questionToAll = "--ask-plugins"; // DIRECTORY CHANNEL
-constexpr auto startLimit = 60s;   // for the program itself, which a busy machine may take long to load
-constexpr std::size_t atATime = 4; // programs
-constexpr int shareForAll = 5;     // all together may take this part of what one may
+constexpr std::size_t atATime = 4;                     // programs
+constexpr int shareForAll = 5;                         // all together may take this part of what one may
 
 // A report has a line for each step that begins, "step NUMBER", and when the file is closed again one with what was
 // found, "probe JSON". One of several files has a line for each that is accepted, "accepted NUMBERS PATH".
@@ -117,7 +116,7 @@ PluginAnswer ask(const PluginQuestions& questions, const std::string& path) {
         return {Core::probePluginFile(path, {}), false};
     std::string report;
     const ChildEnd end =
-        Utils::Platform::runChild(program, {question, path}, startLimit, questions.limit, report);
+        Utils::Platform::runChild(program, {question, path}, programStartLimit, questions.limit, report);
     if (end.kind == ChildEnd::Kind::NotStarted)
         throw Failure(Failure::Failed,
                       Format("cannot start '%' to ask the plug-ins: %") % program % end.text);
@@ -198,7 +197,7 @@ std::vector<std::size_t> askTogether(const PluginQuestions& questions, const std
     std::string report;
     if (paths.size() > 1)
         Utils::Platform::runChild(questions.program, {questionToAll, Utils::getDirectory(paths.front())},
-                                  startLimit, questions.limit / shareForAll, report, answerAll);
+                                  programStartLimit, questions.limit / shareForAll, report, answerAll);
     for (const std::string& line : Utils::split(report, '\n')) {
         PluginProbe probe;
         if (readAccepted(line, probe))

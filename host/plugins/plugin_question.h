@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -7,6 +8,9 @@
 #include <zentara/host/plugins.h>
 
 namespace Zentara::Host {
+
+/// How long the program itself may take to begin, which a busy machine may take long to load.
+inline constexpr std::chrono::seconds programStartLimit{60};
 
 /// What asking a file who it is came to.
 struct PluginAnswer {

@@ -30,7 +30,7 @@ def put(root, behaviour, variant="misbehaving", name=None):
 def run(root, *arguments):
     done = subprocess.run([*TOOL, "plugins", *map(str, arguments)], capture_output=True, timeout=200,
                           env={**os.environ, "ZENTARASDK_ROOT": f"{root}/"})
-    return done.returncode, done.stdout.decode(), done.stderr.decode()
+    return done.returncode, *(said.decode().replace("\r\n", "\n") for said in (done.stdout, done.stderr))
 
 
 # The loader of Windows survives a crash in what it calls itself.

@@ -36,7 +36,6 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto startLimit = 60s; // for the program itself, which a busy machine may take long to load
 constexpr auto wholeLimit = 120s;
 constexpr std::size_t mostRuns = 6; ///< each but the last ended before its time
 
@@ -230,7 +229,7 @@ void runChildren(PluginReport& report, const PluginQuestions& questions) {
                                                        {Check::checkWord, around.file(),
                                                         std::to_string(questions.limit.count()),
                                                         leftOut.empty() ? "|" : leftOut},
-                                                       startLimit, wholeLimit, text);
+                                                       programStartLimit, wholeLimit, text);
         if (end.kind == ChildEnd::Kind::NotStarted)
             throw Failure(Failure::Failed, Format("cannot start '%' to check a plug-in") % questions.program,
                           end.text);
