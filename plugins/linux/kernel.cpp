@@ -14,7 +14,7 @@
 namespace Zentara::Linux {
 namespace {
 
-// A camera that nobody uses goes to sleep after 2 s, and while it does it may be busy for whoever opens it.
+// A node may be busy for a moment for whoever opens it, while its camera's neighbours come and go.
 constexpr int wakingAttempts = 25;
 constexpr int wakingMilliseconds = 20;
 

@@ -2,12 +2,15 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <linux/videodev2.h>
+#include <thread>
 #include <utility>
 
 #include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/utils/format.h>
+#include <zentara/utils/kv_logger.h>
 
 #include "plugins/linux/usb_descriptors.h"
 
@@ -21,6 +24,8 @@ namespace {
 
 constexpr std::uint32_t mostFormats = 64;
 constexpr std::uint32_t settledMilliseconds = 2000; // by then the kernel has made its nodes
+constexpr int leavingAttempts = 25;                 // of a node that is still listed, and cannot be opened
+constexpr std::chrono::milliseconds leavingPause{20};
 
 struct Answer {
     std::vector<std::uint32_t> formats;
@@ -35,6 +40,7 @@ Answer askNode(Linux::Kernel& kernel, const std::string& path) {
         return {{}, -file};
     v4l2_capability told{};
     answer.error = -std::min(0, kernel.control(file, VIDIOC_QUERYCAP, &told));
+    // without an answer there are no capabilities
     const std::uint32_t can =
         (told.capabilities & V4L2_CAP_DEVICE_CAPS) != 0 ? told.device_caps : told.capabilities;
     if ((can & V4L2_CAP_VIDEO_CAPTURE) != 0 && (can & V4L2_CAP_STREAMING) != 0) {
@@ -49,6 +55,19 @@ Answer askNode(Linux::Kernel& kernel, const std::string& path) {
     }
     kernel.close(file);
     return answer;
+}
+
+bool hasGone(int error) { return error == ENODEV || error == ENXIO || error == ENOENT; }
+
+/// A node that goes is listed a moment longer than it can be opened; one that stays is asked again.
+Answer askListedNode(Linux::Kernel& kernel, const std::string& path, const fs::path& listed) {
+    for (int attempt = 1;; ++attempt) {
+        Answer answer = askNode(kernel, path);
+        std::error_code error;
+        if (!hasGone(answer.error) || attempt == leavingAttempts || !fs::exists(listed, error))
+            return answer;
+        std::this_thread::sleep_for(leavingPause);
+    }
 }
 
 /// What USB calls YUY2 the kernel calls YUYV; most others have one name.
@@ -135,7 +154,7 @@ std::vector<FoundCamera> CameraScan::look() {
     for (const Node& node : completeNodes()) {
         FoundCamera* camera = find(cameras, node.hardware);
         if (camera == nullptr)
-            camera = &cameras.emplace_back(complete[Sysfs::pluggedIn(node.hardware)]);
+            camera = &cameras.emplace_back(complete.at(node.identity));
         addVideo(node.name, node.hardware, *camera);
     }
     const auto isGone = [&](const auto& one) {
@@ -168,7 +187,7 @@ std::vector<CameraScan::Node> CameraScan::completeNodes() {
                 complete.emplace(identity, *std::move(told));
                 mayBeMore = true;
             }
-            nodes.push_back({name, hardware});
+            nodes.push_back({name, hardware, identity});
         }
         if (!mayBeMore)
             return nodes;
@@ -221,12 +240,15 @@ Linux::CallThread& CameraScan::threadOf(const std::string& camera, const std::st
 }
 
 CameraScan::Formats CameraScan::ask(const std::string& camera, const std::string& path, bool& closed) {
+    const fs::path listed = sysfs.place("video4linux", fs::path(path).filename().string());
     try {
         const Answer answer =
-            threadOf(camera, path).call("ask " + path + " what it delivers", [system = kernel, path] {
-                return askNode(*system, path);
+            threadOf(camera, path).call("ask " + path + " what it delivers", [system = kernel, path, listed] {
+                return askListedNode(*system, path, listed);
             });
-        closed = answer.error == EACCES || answer.error == EPERM || answer.error == EBUSY;
+        closed = answer.error != 0 && !hasGone(answer.error);
+        if (Utils::KVLogger* log = answer.error == 0 ? nullptr : Utils::KVLogger::instance())
+            log->warning(Format("cannot ask % what it delivers: %") % path % Linux::errorWords(answer.error));
         return answer.formats;
     } catch (const Plugin::PluginException&) {
         closed = true; // it was logged

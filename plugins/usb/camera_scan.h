@@ -60,6 +60,7 @@ private:
     struct Node {
         std::string name; ///< "video0"
         Path hardware;
+        std::string identity; ///< of its camera
     };
 
     [[nodiscard]] std::vector<Node> completeNodes();

@@ -99,7 +99,6 @@ TEST_F(ChipVerbs, NameTheRangeOfAValueThatIsOutOfIt) {
          "on the OV0570: 0 to 0xFFFF"},
         {{"reg", "read", "tof", "256"}, Failure::Usage, "on the OV0570: 0 to 0xFF"},
         {{"reg", "read", "rgb", "1", "--camera", "VC0345"}, Failure::Failed, "VC0345 has no way to a colour"},
-        {{"reg", "read", "fpga", "1"}, Failure::Usage, "fpga"},
         {{"reg", "read", "tof", "1-4294967296"}, Failure::Usage, "0 to 4294967295"},
         {{"reg", "write", "tof", "29", "-1", "--camera", "OV0570"}, Failure::Usage, "0 to 4294967295"},
         {{"i2c", "read", "256", "1"}, Failure::Usage, "0 to 255"},
