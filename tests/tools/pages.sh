@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# What the tool says of itself: every example of its help does what it says, and bash completes what is there.
+# What the tool and the README say of it: every example does what it says, and bash completes what is there.
 set -euo pipefail
 zentara=$1
+readme=$2
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cd "$work"
@@ -21,6 +22,13 @@ done
 for file in depth.png cloud.ply all.ztrec warm.png camera.json firmware.bin flash.json; do
     [ -s $file ] || fail "no $file was written"
 done
+
+mkdir session && cd session
+while read -r line; do
+    eval "$line" >said 2>&1 || fail "$line: $(cat said)"
+    count=$((count + 1))
+done < <(sed -n '/^## The tool/,/^Every verb/s/^    zentara /zentara /p' "$readme")
+[ "$count" -ge 50 ] || fail "only $count examples and lines of the README"
 
 source <(zentara completion bash)
 # completes LINE WORD...: these words, and no other, may come next. Bash splits words at its own places.
