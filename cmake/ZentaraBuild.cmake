@@ -198,6 +198,9 @@ function(zentara_add_test name)
         # A late write into the frame of a caller that has gone is found only where frames live on the heap.
         list(APPEND arg_ENVIRONMENT "ASAN_OPTIONS=detect_stack_use_after_return=1"
             "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp")
+        # The sanitizer's own locks are not made free in a child of fork: one that was held by the parent's other thread
+        # stops the child for ever, in an allocation or in the search for leaks at its end.
+        list(APPEND arg_ENVIRONMENT "GTEST_FILTER=-*.AChildOfForkEndsWhileItsParentMaps")
     endif()
     if(ZENTARA_SANITIZE MATCHES "thread")
         list(APPEND arg_ENVIRONMENT "TSAN_OPTIONS=detect_deadlocks=1:second_deadlock_stack=1")
