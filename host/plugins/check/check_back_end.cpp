@@ -147,7 +147,7 @@ private:
     void openCamera() {
         if (found.view() == nullptr)
             return;
-        run.step({objectPart, "the camera is opened"}, Wanted::Success, [this]() -> std::string {
+        run.step({objectPart, "the camera is opened"}, Wanted::Success, [this] {
             try {
                 node.emplace(found.event, Note());
                 camera.device = (*node)->getAVDeviceProxy();
@@ -155,7 +155,6 @@ private:
                 throw Finding{StepVerdict::NotRun, failure.what(), "",
                               "mend the camera's node or device first"};
             }
-            return {};
         });
     }
 
@@ -302,13 +301,12 @@ private:
     }
 
     void trySecond() {
-        run.step({threadsPart, "an instance on another thread"}, Wanted::Success, [this]() -> std::string {
+        run.step({threadsPart, "an instance on another thread"}, Wanted::Success, [this] {
             OtherThread().run([this] {
                 void* const other = function<CreateInstance>("CreateInstance")();
                 if (other != nullptr)
                     function<DestroyInstance>("DestroyInstance")(other);
             });
-            return "";
         });
     }
 

@@ -39,10 +39,7 @@ public:
     /// Sends a request with these arguments, as the worker does.
     template<typename Request, typename... Arguments>
     bool ask(const char* name, Wanted wanted, void (Device::*operation)(Request*), Arguments&&... arguments) {
-        return run.step({operationsPart, name}, wanted, [&]() -> std::string {
-            send<Request>(operation, arguments...);
-            return {};
-        });
+        return run.step({operationsPart, name}, wanted, [&] { send<Request>(operation, arguments...); });
     }
     template<typename Request, typename... Arguments>
     void send(void (Device::*operation)(Request*), Arguments&... arguments) {
@@ -80,15 +77,11 @@ public:
 
     /// From a new object to one that is open, with the wrong turns before and on the way.
     void begin(NodeType usual) {
-        run.step({operationsPart, "threadInitialize"}, Wanted::Success, [this]() -> std::string {
-            worker.run([this] { device.threadInitialize(); });
-            return "";
-        });
+        run.step({operationsPart, "threadInitialize"}, Wanted::Success,
+                 [this] { worker.run([this] { device.threadInitialize(); }); });
         checkReadingWithoutStream(run, "before initialize", reader());
-        run.step({operationsPart, "initialize without an event"}, Wanted::Refusal, [this]() -> std::string {
-            device.initialize(nullptr, nullptr);
-            return "";
-        });
+        run.step({operationsPart, "initialize without an event"}, Wanted::Refusal,
+                 [this] { device.initialize(nullptr, nullptr); });
         found = findNode(subject, [this](const NodeEvent&, const Core::DescriptorStoreRO& view) {
             return isSame(view.getDeviceImplGUID(), subject.guid);
         });
@@ -118,18 +111,10 @@ public:
         close("close while it streams", Wanted::Either);
         close("close a second time", Wanted::Either);
         open("open once more", sane(Wanted::Success));
-        run.step({endingPart, "threadUninitialize"}, Wanted::Success, [this]() -> std::string {
-            worker.run([this] { device.threadUninitialize(); });
-            return "";
-        });
-        run.step({endingPart, "dispose while it is open"}, Wanted::Success, [this]() -> std::string {
-            device.dispose();
-            return "";
-        });
-        run.step({endingPart, "dispose a second time"}, Wanted::Success, [this]() -> std::string {
-            device.dispose();
-            return "";
-        });
+        run.step({endingPart, "threadUninitialize"}, Wanted::Success,
+                 [this] { worker.run([this] { device.threadUninitialize(); }); });
+        run.step({endingPart, "dispose while it is open"}, Wanted::Success, [this] { device.dispose(); });
+        run.step({endingPart, "dispose a second time"}, Wanted::Success, [this] { device.dispose(); });
     }
 
     Subject& subject;

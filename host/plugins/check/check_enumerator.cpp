@@ -28,10 +28,11 @@ public:
     void all() {
         tryUnready("before initialize");
         findStores();
-        use("initialize without queue and descriptions", Wanted::Either,
-            [this] { enumerator.initialize(nullptr, nullptr); });
-        use("dispose after that", Wanted::Success, [this] { enumerator.dispose(); });
-        use("initialize", Wanted::Success, [this] { enumerator.initialize(&events, view()); });
+        run.step({operationsPart, "initialize without queue and descriptions"}, Wanted::Either,
+                 [this] { enumerator.initialize(nullptr, nullptr); });
+        run.step({operationsPart, "dispose after that"}, Wanted::Success, [this] { enumerator.dispose(); });
+        run.step({operationsPart, "initialize"}, Wanted::Success,
+                 [this] { enumerator.initialize(&events, view()); });
         run.step({operationsPart, "getBackendName"}, Wanted::Success, [this]() -> std::string {
             const std::string name = enumerator.getBackendName();
             if (name.empty())
@@ -57,14 +58,6 @@ public:
     }
 
 private:
-    void use(const char* name, Wanted wanted, const std::function<void()>& work,
-             const char* part = operationsPart) {
-        run.step({part, name}, wanted, [&work]() -> std::string {
-            work();
-            return "";
-        });
-    }
-
     [[nodiscard]] Core::DescriptorStoreRO* view() const { return stores ? &stores->all() : nullptr; }
 
     void tryUnready(const std::string& when) {
@@ -76,28 +69,20 @@ private:
         run.step({operationsPart, "isPresent " + when}, Wanted::Either, [this]() -> std::string {
             return std::string(enumerator.isPresent({}) ? "true" : "false");
         });
-        run.step({operationsPart, "exit " + when}, Wanted::Success, [this]() -> std::string {
-            enumerator.exit();
-            return "";
-        });
-        run.step({operationsPart, "dispose " + when}, Wanted::Success, [this]() -> std::string {
-            enumerator.dispose();
-            return "";
-        });
+        run.step({operationsPart, "exit " + when}, Wanted::Success, [this] { enumerator.exit(); });
+        run.step({operationsPart, "dispose " + when}, Wanted::Success, [this] { enumerator.dispose(); });
     }
 
     void findStores() {
-        run.step({objectPart, "descriptions of cameras in the install root"}, Wanted::Success,
-                 [this]() -> std::string {
-                     try {
-                         stores = std::make_unique<CameraStore>();
-                     } catch (const Failure& failure) {
-                         throw Finding{
-                             StepVerdict::NotRun, failure.what(), "",
-                             "put a descriptor store beside it; without one it has no description to select"};
-                     }
-                     return {};
-                 });
+        run.step({objectPart, "descriptions of cameras in the install root"}, Wanted::Success, [this] {
+            try {
+                stores = std::make_unique<CameraStore>();
+            } catch (const Failure& failure) {
+                throw Finding{
+                    StepVerdict::NotRun, failure.what(), "",
+                    "put a descriptor store beside it; without one it has no description to select"};
+            }
+        });
     }
 
     std::string list() {
@@ -137,10 +122,8 @@ private:
     }
 
     void tryThread() {
-        use(
-            "execute", Wanted::Success, [this] { enumerator.execute(); }, threadsPart);
-        use(
-            "execute a second time", Wanted::Success, [this] { enumerator.execute(); }, threadsPart);
+        run.step({threadsPart, "execute"}, Wanted::Success, [this] { enumerator.execute(); });
+        run.step({threadsPart, "execute a second time"}, Wanted::Success, [this] { enumerator.execute(); });
         run.step({threadsPart, "enumerate on another thread while its own runs"}, Wanted::Success,
                  [this]() -> std::string {
                      OtherThread other;
@@ -151,11 +134,9 @@ private:
                  });
         run.step({threadsPart, "an arrival in the queue for each node that is there"}, Wanted::Success,
                  [this]() -> std::string { return awaitArrivals(); });
-        run.step({threadsPart, "exit on another thread"}, Wanted::Success, [this]() -> std::string {
-            OtherThread().run([this] { enumerator.exit(); });
-            return "";
-        });
-        run.step({threadsPart, "its thread ends soon"}, Wanted::Success, [this]() -> std::string {
+        run.step({threadsPart, "exit on another thread"}, Wanted::Success,
+                 [this] { OtherThread().run([this] { enumerator.exit(); }); });
+        run.step({threadsPart, "its thread ends soon"}, Wanted::Success, [this] {
             for (const auto end = std::chrono::steady_clock::now() + 1s; enumerator.running();) {
                 if (std::chrono::steady_clock::now() > end)
                     throw Finding{
@@ -164,10 +145,8 @@ private:
                         "look at exitRequested() in run(), and override exit() to wake what waits there"};
                 std::this_thread::sleep_for(2ms);
             }
-            return {};
         });
-        use(
-            "execute after that", Wanted::Success, [this] { enumerator.execute(); }, threadsPart);
+        run.step({threadsPart, "execute after that"}, Wanted::Success, [this] { enumerator.execute(); });
     }
 
     std::string awaitArrivals() {
@@ -187,17 +166,13 @@ private:
     }
 
     void end() {
-        use(
-            "dispose while its thread runs", Wanted::Success, [this] { enumerator.dispose(); }, endingPart);
-        use(
-            "dispose a second time", Wanted::Success, [this] { enumerator.dispose(); }, endingPart);
-        use(
-            "initialize once more", Wanted::Success, [this] { enumerator.initialize(&events, view()); },
-            endingPart);
-        use(
-            "execute once more", Wanted::Success, [this] { enumerator.execute(); }, endingPart);
-        use(
-            "dispose once more", Wanted::Success, [this] { enumerator.dispose(); }, endingPart);
+        run.step({endingPart, "dispose while its thread runs"}, Wanted::Success,
+                 [this] { enumerator.dispose(); });
+        run.step({endingPart, "dispose a second time"}, Wanted::Success, [this] { enumerator.dispose(); });
+        run.step({endingPart, "initialize once more"}, Wanted::Success,
+                 [this] { enumerator.initialize(&events, view()); });
+        run.step({endingPart, "execute once more"}, Wanted::Success, [this] { enumerator.execute(); });
+        run.step({endingPart, "dispose once more"}, Wanted::Success, [this] { enumerator.dispose(); });
     }
 
     CheckRun& run;

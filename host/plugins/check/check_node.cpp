@@ -28,13 +28,8 @@ using Utils::SmartPtr;
 using Calls = std::vector<std::pair<const char*, std::function<void()>>>;
 
 void tryCalls(CheckRun& run, const Calls& calls, Wanted wanted, const std::string& when) {
-    for (const auto& [name, work] : calls) {
-        const auto& done = work;
-        run.step({operationsPart, name + when}, wanted, [&done]() -> std::string {
-            done();
-            return "";
-        });
-    }
+    for (const auto& [name, work] : calls)
+        run.step({operationsPart, name + when}, wanted, work);
 }
 
 Calls callsOf(Core::DepthNodeInterface& node) {
@@ -141,28 +136,21 @@ public:
         tryCalls(run, callsOf(node), Wanted::Optional, "");
         tryCalls(run, badCallsOf(node), Wanted::Either, "");
         tryStream();
-        use("initialize a second time", Wanted::Success,
-            [this] { node.initialize(&found.event, found.view(), nullptr); });
+        run.step({operationsPart, "initialize a second time"}, Wanted::Success,
+                 [this] { node.initialize(&found.event, found.view(), nullptr); });
         end();
     }
 
 private:
-    void use(const char* name, Wanted wanted, const std::function<void()>& work,
-             const char* part = operationsPart) {
-        run.step({part, name}, wanted, [&work]() -> std::string {
-            work();
-            return "";
-        });
-    }
-
     void tryBefore() {
         checkReadingWithoutStream(run, "before initialize", reader());
-        use("getConfigurations before initialize", Wanted::Either,
-            [this] { static_cast<void>(node.getConfigurations()); });
+        run.step({operationsPart, "getConfigurations before initialize"}, Wanted::Either,
+                 [this] { static_cast<void>(node.getConfigurations()); });
         tryCalls(run, callsOf(node), Wanted::Either, " before initialize");
-        use("disableStreaming before initialize", Wanted::Either, [this] { node.disableStreaming(); });
-        use("initialize without event and store", Wanted::Refusal,
-            [this] { node.initialize(nullptr, nullptr, nullptr); });
+        run.step({operationsPart, "disableStreaming before initialize"}, Wanted::Either,
+                 [this] { node.disableStreaming(); });
+        run.step({operationsPart, "initialize without event and store"}, Wanted::Refusal,
+                 [this] { node.initialize(nullptr, nullptr, nullptr); });
     }
 
     /// The camera whose description names the plug-in, else one that has such a node and takes this one as well.
@@ -182,10 +170,7 @@ private:
 
     bool initialized() {
         return run.step({operationsPart, "initialize"}, isNamed ? Wanted::Success : Wanted::Either,
-                        [this]() -> std::string {
-                            node.initialize(&found.event, found.view(), nullptr);
-                            return {};
-                        });
+                        [this] { node.initialize(&found.event, found.view(), nullptr); });
     }
 
     std::string listModes() {
@@ -201,10 +186,12 @@ private:
     }
 
     void tryStream() {
-        use("enableStreaming without a mode", Wanted::Refusal, [this] { node.enableStreaming({}); });
-        use("enableStreaming in a mode that the node has not listed", Wanted::Refusal,
-            [this] { node.enableStreaming(unknownMode(node)); });
-        use("disableStreaming without a stream", Wanted::Either, [this] { node.disableStreaming(); });
+        run.step({operationsPart, "enableStreaming without a mode"}, Wanted::Refusal,
+                 [this] { node.enableStreaming({}); });
+        run.step({operationsPart, "enableStreaming in a mode that the node has not listed"}, Wanted::Refusal,
+                 [this] { node.enableStreaming(unknownMode(node)); });
+        run.step({operationsPart, "disableStreaming without a stream"}, Wanted::Either,
+                 [this] { node.disableStreaming(); });
         checkReadingWithoutStream(run, "without a stream", reader());
         if (modes.empty())
             return;
@@ -216,24 +203,23 @@ private:
         if (!streams)
             return;
         checkReading(run, reader());
-        use("enableStreaming while it streams", Wanted::Refusal,
-            [this] { node.enableStreaming(modes.front()); });
+        run.step({operationsPart, "enableStreaming while it streams"}, Wanted::Refusal,
+                 [this] { node.enableStreaming(modes.front()); });
         checkReadingBeside(
             run, reader(), "getConfigurations", [this] { static_cast<void>(node.getConfigurations()); },
             [this] { node.disableStreaming(); });
-        use("disableStreaming a second time", Wanted::Either, [this] { node.disableStreaming(); });
+        run.step({operationsPart, "disableStreaming a second time"}, Wanted::Either,
+                 [this] { node.disableStreaming(); });
         checkReadingWithoutStream(run, "after the stream's end", reader());
-        use("enableStreaming again", Wanted::Success, [this] { node.enableStreaming(modes.front()); });
+        run.step({operationsPart, "enableStreaming again"}, Wanted::Success,
+                 [this] { node.enableStreaming(modes.front()); });
     }
 
     void end() {
-        use(
-            "dispose", Wanted::Success, [this] { node.dispose(); }, endingPart);
-        use(
-            "dispose a second time", Wanted::Success, [this] { node.dispose(); }, endingPart);
-        use(
-            "getConfigurations after dispose", Wanted::Either,
-            [this] { static_cast<void>(node.getConfigurations()); }, endingPart);
+        run.step({endingPart, "dispose"}, Wanted::Success, [this] { node.dispose(); });
+        run.step({endingPart, "dispose a second time"}, Wanted::Success, [this] { node.dispose(); });
+        run.step({endingPart, "getConfigurations after dispose"}, Wanted::Either,
+                 [this] { static_cast<void>(node.getConfigurations()); });
         modes.clear();
     }
 

@@ -141,8 +141,8 @@ CheckRun::CheckRun(std::FILE* report, std::chrono::milliseconds stepLimit, std::
     std::thread([this] { watch(); }).detach();
 }
 
-bool CheckRun::step(const StepName& name, Wanted wanted, const std::function<std::string()>& work,
-                    std::chrono::milliseconds patience) {
+bool CheckRun::reported(const StepName& name, Wanted wanted, const std::function<std::string()>& work,
+                        std::chrono::milliseconds patience) {
     if (skipped.count(stepKey(name.part, name.name)) != 0)
         return false;
     begin(name);

@@ -8,6 +8,7 @@
 #include <set>
 #include <string>
 #include <thread>
+#include <type_traits>
 
 #include <zentara/host/plugin_check.h>
 
@@ -60,11 +61,23 @@ public:
     CheckRun(const CheckRun&) = delete;
     CheckRun& operator=(const CheckRun&) = delete;
 
-    /// \param work returns what is to be reported; may be nothing
+    /// \param work returns what is to be reported, or nothing
     /// \param patience of whoever waits for it
     /// \return whether it returned
-    bool step(const StepName& name, Wanted wanted, const std::function<std::string()>& work,
-              std::chrono::milliseconds patience = callerPatience);
+    template<typename Work>
+    bool step(const StepName& name, Wanted wanted, const Work& work,
+              std::chrono::milliseconds patience = callerPatience) {
+        if constexpr (std::is_void_v<std::invoke_result_t<const Work&>>)
+            return reported(
+                name, wanted,
+                [&work] {
+                    work();
+                    return std::string();
+                },
+                patience);
+        else
+            return reported(name, wanted, work, patience);
+    }
 
     /// Says of a step how it ended where nobody could say what was to come of it.
     void tell(const CheckedStep& step);
@@ -76,6 +89,8 @@ public:
     static void quietly(const std::function<void()>& work) noexcept;
 
 private:
+    bool reported(const StepName& name, Wanted wanted, const std::function<std::string()>& work,
+                  std::chrono::milliseconds patience);
     void begin(const StepName& name);
     void watch();
 

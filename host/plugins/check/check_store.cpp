@@ -53,7 +53,7 @@ public:
 
     void all() {
         select("selectNodeDescriptor before initialize", {1, 2, 3, 4}, Wanted::Either);
-        use("initialize", [this] { store.initialize(); });
+        run.step({operationsPart, "initialize"}, Wanted::Success, [this] { store.initialize(); });
         if (!takeView())
             return;
         run.step({operationsPart, "all questions while nothing is selected"}, Wanted::Success,
@@ -61,17 +61,14 @@ public:
         unknown({0xFFFFFFFF, 0xFFFFFFFF, 0xFFFFFFFF, 0xFFFFFFFF});
         tryCameras();
         run.step({operationsPart, "getROMElement of an unknown number"}, Wanted::Refusal,
-                 [this]() -> std::string {
-                     static_cast<void>(view->getROMElement(0xFFFFFFFFFFFFFFFF));
-                     return "";
-                 });
+                 [this] { static_cast<void>(view->getROMElement(0xFFFFFFFFFFFFFFFF)); });
         run.step({operationsPart, "getValue of a register that nothing writes"}, Wanted::Success,
                  [this]() -> std::string {
                      std::uint32_t value = 0;
                      return std::string(view->getValue(0xFFFFFFFF, value) ? "true" : "false");
                  });
         run.step({threadsPart, "a second store beside the first, on another thread"}, Wanted::Success,
-                 [this]() -> std::string {
+                 [this] {
                      OtherThread().run([this] {
                          const auto other = makePlugin<Core::DescriptorStoreInterface>(subject.guid);
                          other->initialize();
@@ -79,25 +76,14 @@ public:
                              static_cast<void>(askView(*other->getDescriptorStore()));
                          other->dispose();
                      });
-                     return "";
                  });
-        use(
-            "dispose", [this] { store.dispose(); }, endingPart);
-        use(
-            "dispose a second time", [this] { store.dispose(); }, endingPart);
-        use(
-            "initialize once more", [this] { store.initialize(); }, endingPart);
-        use(
-            "dispose once more", [this] { store.dispose(); }, endingPart);
+        run.step({endingPart, "dispose"}, Wanted::Success, [this] { store.dispose(); });
+        run.step({endingPart, "dispose a second time"}, Wanted::Success, [this] { store.dispose(); });
+        run.step({endingPart, "initialize once more"}, Wanted::Success, [this] { store.initialize(); });
+        run.step({endingPart, "dispose once more"}, Wanted::Success, [this] { store.dispose(); });
     }
 
 private:
-    void use(const char* name, const std::function<void()>& work, const char* part = operationsPart) {
-        run.step({part, name}, Wanted::Success, [&work]() -> std::string {
-            work();
-            return "";
-        });
-    }
     void select(const char* name, const HardwareIDs& ids, Wanted wanted) {
         run.step({operationsPart, name}, wanted, [&]() -> std::string {
             return std::string(store.selectNodeDescriptor(ids, Core::Profile_DEFAULT) ? "true" : "false");

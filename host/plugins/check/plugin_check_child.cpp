@@ -83,14 +83,13 @@ void checkExports(CheckRun& run, const std::string& path, std::int32_t type) {
                           "export them with C linkage (ZENTARA_PLUGIN_EXPORT)"};
         return Format("% beside the four that the scan asks") % names.size();
     });
-    run.step({libraryPart, "leaves the process once it is closed"}, Wanted::Success, [&]() -> std::string {
+    run.step({libraryPart, "leaves the process once it is closed"}, Wanted::Success, [&] {
         if (Utils::Platform::isLibraryLoaded(path))
             throw Finding{
                 StepVerdict::Failed, "it is still there",
                 "it cannot be replaced while a host runs, and its static objects outlive the SDK's library",
                 "with g++ build it with -fno-gnu-unique; have no thread-local object with a destructor, and "
                 "do not open the library yourself"};
-        return {};
     });
 }
 
@@ -106,12 +105,11 @@ public:
         }
         library = libraryOf(*object);
         run.step({threadsPart, "a second object, made and dropped on another thread"}, Wanted::Success,
-                 [this]() -> std::string {
+                 [this] {
                      OtherThread().run([this] {
                          SmartPtr<Core::Plugin> other;
                          create(other);
                      });
-                     return "";
                  });
         use();
         end();
@@ -173,10 +171,7 @@ private:
         // A use of the library's own, so that a thread which is left has code to run and can be counted.
         subject.manager.incref(subject.guid);
         run.step({endingPart, "the last reference to the object is dropped"}, Wanted::Success,
-                 [this]() -> std::string {
-                     object.reset();
-                     return "";
-                 });
+                 [this] { object.reset(); });
         const bool isAlone = run.step({endingPart, "no thread of it is left"}, Wanted::Success,
                                       [this]() -> std::string { return countThreads(); });
         if (!isAlone)
@@ -194,22 +189,18 @@ private:
                                        "does not return"};
                      return {};
                  });
-        run.step({endingPart, "the library has left the process"}, Wanted::Success, [this]() -> std::string {
+        run.step({endingPart, "the library has left the process"}, Wanted::Success, [this] {
             if (library->getHandle() != nullptr)
                 throw Finding{StepVerdict::NotRun, "it is still in use", "", "mend the step before first"};
             if (Utils::Platform::isLibraryLoaded(subject.path))
                 throw Finding{
                     StepVerdict::Failed, "it is still there", "it cannot be replaced while a host runs",
                     "build it with -fno-gnu-unique (g++), and have no thread-local object with a destructor"};
-            return {};
         });
         SmartPtr<Core::Plugin> again;
         if (make(again, "createInstance once it had gone"))
             run.step({endingPart, "the object that came back is dropped"}, Wanted::Success,
-                     [&]() -> std::string {
-                         again.reset();
-                         return "";
-                     });
+                     [&] { again.reset(); });
     }
 
     /// Ended ones may take a moment to be gone.
@@ -251,10 +242,7 @@ void checkFile(CheckRun& run, const std::string& path) {
     if (!isThere)
         return;
     ObjectCheck({run, *manager, probe.guid, probe.type, path}).all();
-    run.step({endingPart, "the plug-in manager ends"}, Wanted::Success, [&]() -> std::string {
-        manager->release();
-        return "";
-    });
+    run.step({endingPart, "the plug-in manager ends"}, Wanted::Success, [&] { manager->release(); });
 }
 
 } // namespace
