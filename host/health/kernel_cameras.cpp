@@ -58,7 +58,7 @@ std::string nameOf(const fs::path& process) {
     return process.filename().string() + " (" + Utils::visibleText(lineOf(process / "comm")) + ")";
 }
 
-/// The directory of the USB device that a video node is of; empty for others.
+/// The directory of the USB device that a video or sound node is of; empty for others.
 fs::path usbDeviceOf(const fs::path& node) {
     std::error_code error;
     fs::path place = fs::canonical(node / "device", error);
@@ -114,6 +114,30 @@ std::optional<fs::path> ruleOf(const fs::path& system) {
     return std::nullopt;
 }
 
+/// \param name as people know it
+void checkPermission(Checkup& checkup, const std::string& name, const fs::path& file,
+                     const std::string& remedy) {
+    if (!isThere(file))
+        checkup.wrong("the kernel has " + name + ", but there is no such file",
+                      "hand the device on to the container, or start udev");
+    else if (!Utils::Platform::mayReadAndWrite(file.string()))
+        checkup.wrong("you may not use " + name, remedy);
+    else
+        checkup.well(name);
+}
+
+/// Those of the cameras. The system has a rule and a group of its own for them.
+void checkMicrophones(Checkup& checkup, const std::set<fs::path>& cameras, const fs::path& system) {
+    checkup.about("microphone");
+    for (const fs::path& node : entriesOf(system / "sys/class/sound")) {
+        const std::string name = node.filename().string();
+        const bool isCapture = name.starts_with("pcm") && name.ends_with("c");
+        if (isCapture && cameras.count(usbDeviceOf(node)) != 0)
+            checkPermission(checkup, "/dev/snd/" + name + " (a camera's microphone)",
+                            system / "dev/snd" / name, "join the group 'audio', and log in again");
+    }
+}
+
 } // namespace
 
 void checkKernelCameras(Checkup& checkup, const fs::path& system) {
@@ -122,25 +146,18 @@ void checkKernelCameras(Checkup& checkup, const fs::path& system) {
     std::set<fs::path> seen; // a camera has several nodes
     for (const fs::path& node : nodes) {
         const std::string device = "/dev/" + node.filename().string();
-        const fs::path place = system / device.substr(1);
         const std::string camera = device + " (" + Utils::visibleText(lineOf(node / "name")) + ")";
         checkup.about("camera-permission");
-        if (!isThere(place))
-            checkup.wrong("the kernel has " + camera + ", but there is no such file",
-                          "hand the device on to the container, or start udev");
-        else if (!Utils::Platform::mayReadAndWrite(place.string()))
-            checkup.wrong("you may not use " + camera,
-                          rule
-                              ? "join the group 'video', or add the camera to '" + rule->string() +
-                                    "', and plug it in again"
-                              : "join the group 'video', or install the rule for udev, and plug it in again");
-        else
-            checkup.well(camera);
+        checkPermission(checkup, camera, system / device.substr(1),
+                        rule ? "join the group 'video', or add the camera to '" + rule->string() +
+                                   "', and plug it in again"
+                             : "join the group 'video', or install the rule for udev, and plug it in again");
         checkHolders(checkup, camera, device, system);
         const fs::path usb = usbDeviceOf(node);
         if (!usb.empty() && seen.insert(usb).second)
             checkSpeed(checkup, camera, usb);
     }
+    checkMicrophones(checkup, seen, system);
     checkup.about("udev-rule");
     if (rule)
         checkup.well("'" + rule->string() + "'");

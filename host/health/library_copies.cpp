@@ -104,8 +104,7 @@ void checkLibraries(Checkup& checkup, const fs::path& system) {
 
     checkup.about("library-copy");
     for (const fs::path& path : librariesIn(placesOfLibraries(system))) {
-        const std::u8string text = path.u8string();
-        const std::string file(text.begin(), text.end());
+        const std::string file = utf8Of(path);
         try {
             const std::string version = versionIn(file);
             if (version == running)

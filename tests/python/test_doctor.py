@@ -41,6 +41,14 @@ class Place:
         (self.system / "sys/class/video4linux/video7/device").symlink_to(self.system / "sys/devices/usb1/1:0")
         return self.file("dev/video7")
 
+    def microphone(self) -> pathlib.Path:
+        """That of the same camera."""
+        (self.system / "sys/class/sound/pcmC1D0c").mkdir(parents=True)
+        (self.system / "sys/class/sound/pcmC1D0c/device").symlink_to(self.system / "sys/devices/usb1/1:0")
+        node = self.file("dev/snd/pcmC1D0c")
+        node.chmod(0o600)
+        return node
+
     def ask(self) -> Tuple[int, Findings]:
         done = subprocess.run([BUILD / "bin" / "zentara", "doctor", "--json", "--system", self.system],
                               env={**os.environ, **self.before}, stdout=subprocess.PIPE, timeout=60, **self.user)
@@ -128,6 +136,7 @@ def leftover(place: Place) -> None:
          "is of version 1.4.4.2150, and this program was built for"),
         (lambda place: shutil.move(str(old_copy(place).parent), str(place.root / "lib")), "library-copy", "wrong",
          "libZentaraPlugins.so.1.4' is of version 1.4.4.2150"),
+        (lambda place: (place.video(), place.microphone().unlink()), "microphone", "wrong", "has /dev/snd/pcmC1D0c .a cam"),
         (rule_is_missing, "udev-rule", "note", "not installed"),
         (lambda place: place.video().unlink(), "camera-permission", "wrong", "the kernel has /dev/video7 .Cam., but"),
         (lambda place: place.video("12", " 2.00"), "usb-speed", "wrong", "video7 .Cam. is connected at 12 Mbit/s, too slow"),
@@ -161,13 +170,16 @@ def test_without_plugins_there_are_no_cameras(place: Place, bring_about: Callabl
 @pytest.mark.parametrize(
     "check, state, text, others",
     [
-        ("camera-permission", "wrong", "you may not use /dev/video7", []),
+        ("camera-permission", "wrong", "you may not use /dev/video7", ["microphone"]),
+        ("microphone", "wrong", "you may not use /dev/snd/pcmC1D0c", ["camera-permission"]),
         ("install-root", "wrong", "Plugins/'.*Permission denied", ["cameras"]),
     ],
 )
 def test_what_an_ordinary_user_may_not_is_told(place: Place, check: str, state: str, text: str, others: List[str]) -> None:
-    forbidden = place.video() if check == "camera-permission" else place.plugins
+    forbidden = place.plugins if check == "install-root" else place.video()
     forbidden.chmod(0)
+    if forbidden != place.plugins:
+        place.microphone()
     if os.geteuid() == 0:
         place.user = {"user": 65534, "group": 65534, "extra_groups": []}
     try:

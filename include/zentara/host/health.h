@@ -17,7 +17,7 @@ struct HealthFinding {
     };
 
     /// What was looked at: install-root, plugin-directory, plugin, library-version, library-copy, log, cameras,
-    /// camera-permission, camera-holder, usb-speed, udev-rule or shared-memory.
+    /// camera-permission, camera-holder, usb-speed, microphone, udev-rule or shared-memory.
     std::string check;
     State state = State::Well;
     std::string text;
