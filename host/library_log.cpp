@@ -29,8 +29,7 @@ std::string temporaryPath() {
     const std::filesystem::path directory = std::filesystem::temp_directory_path(error);
     std::random_device random;
     const std::string name = Utils::Format("zentara-%{:x8}%{:x8}.log") % random() % random();
-    const std::u8string text = (directory / name).u8string();
-    return error ? std::string() : std::string(text.begin(), text.end());
+    return error ? std::string() : utf8Of(directory / name);
 }
 
 } // namespace

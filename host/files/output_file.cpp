@@ -28,8 +28,8 @@ std::string linkedFile(const std::string& path) {
     std::error_code failure;
     if (!std::filesystem::is_symlink(pathOf(path), failure))
         return path;
-    const std::u8string target = std::filesystem::canonical(pathOf(path), failure).u8string();
-    return failure ? path : std::string(target.begin(), target.end());
+    const std::filesystem::path target = std::filesystem::canonical(pathOf(path), failure);
+    return failure ? path : utf8Of(target);
 }
 
 /// Whether a file is there.
@@ -56,8 +56,7 @@ std::string freeNameBeside(const std::string& path) {
         std::filesystem::path name = taken;
         name.replace_extension(std::to_string(number));
         name += taken.extension();
-        const std::u8string free = name.u8string();
-        if (std::string text(free.begin(), free.end()); !isThere(text))
+        if (std::string text = utf8Of(name); !isThere(text))
             return text;
     }
 }

@@ -22,16 +22,11 @@ using Utils::Format;
 
 const std::string wantedFile = "a file";
 
-std::string utf8(const fs::path& path) {
-    const std::u8string text = path.u8string();
-    return {text.begin(), text.end()};
-}
-
 std::string ending() { return std::string(".") + Core::pluginFileExtension(); }
 
 RefusedFile refusedLink(const std::string& path, const fs::path& entry, const std::error_code& error) {
     std::error_code unknown;
-    const std::string target = Utils::visibleText(utf8(fs::read_symlink(entry, unknown)));
+    const std::string target = Utils::visibleText(utf8Of(fs::read_symlink(entry, unknown)));
     if (error == std::errc::too_many_symbolic_link_levels)
         return {path,   "link",     "is a link that leads back to itself",
                 target, wantedFile, "remove it, or let it lead to a plug-in",
@@ -68,14 +63,14 @@ RefusedFile refusedEnding(const std::string& path, const fs::path& entry) {
     return {path,
             "ending",
             "its name does not end in " + ending(),
-            Utils::visibleText(utf8(entry.filename())),
+            Utils::visibleText(utf8Of(entry.filename())),
             ending(),
             Format("only files that end in % are looked at; rename it if it is a plug-in") % ending(),
             false};
 }
 
 bool hasPluginEnding(const fs::path& entry) {
-    const std::string found = utf8(entry.extension());
+    const std::string found = utf8Of(entry.extension());
     return found == ending() || (fs::path::preferred_separator == '\\' && Utils::toLower(found) == ending());
 }
 
@@ -112,7 +107,7 @@ std::vector<RefusedFile> entriesBesidesPlugins(const std::string& directory) {
     for (fs::directory_iterator entry(pathOf(directory), error); !error && entry != fs::directory_iterator();
          entry.increment(error)) {
         RefusedFile found;
-        if (isRefused(entry->path(), directory + utf8(entry->path().filename()), found))
+        if (isRefused(entry->path(), directory + utf8Of(entry->path().filename()), found))
             refused.push_back(found);
     }
     if (error)

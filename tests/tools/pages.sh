@@ -5,6 +5,7 @@ zentara=$1
 readme=$2
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
+cp "$(dirname "$zentara")/Plugins/simulated_video_device.so" "$work/my_camera.so"
 cd "$work"
 fail() { echo "FAILED: $*" >&2; exit 1; }
 zentara() { "$zentara" "$@"; }

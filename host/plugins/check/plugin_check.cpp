@@ -71,14 +71,10 @@ public:
     RootAround(const RootAround&) = delete;
     RootAround& operator=(const RootAround&) = delete;
 
-    [[nodiscard]] std::string path() const { return utf8(place / ""); }
-    [[nodiscard]] std::string file() const { return utf8(own); }
+    [[nodiscard]] std::string path() const { return utf8Of(place / ""); }
+    [[nodiscard]] std::string file() const { return utf8Of(own); }
 
 private:
-    static std::string utf8(const fs::path& path) {
-        const std::u8string text = path.generic_u8string();
-        return {text.begin(), text.end()};
-    }
     static std::string ownName() {
         static std::atomic<unsigned> number = 0;
         return "zentara-check-" +
@@ -284,7 +280,8 @@ PluginReport checkPlugin(const std::string& path, const PluginQuestions& questio
                       error ? error.message() : std::string("it is no file"));
     PluginReport report;
     report.path = path;
-    const PluginAnswer answer = askPlugins(questions, {path}).front();
+    // Of a bare name the system would look in the directories of its libraries.
+    const PluginAnswer answer = askPlugins(questions, {utf8Of(fs::absolute(pathOf(path)))}).front();
     report.name = {guidName(answer.probe.guid), answer.probe.guid};
     report.type = answer.probe.type;
     if (report.type != 0)

@@ -16,7 +16,7 @@ struct Example {
 
 constexpr Example examples[] = {
     {"plugins", "--all", "why a plug-in is not found"},
-    {"doctor", "", "what keeps programs from their cameras"},
+    {"plugins", "--check my_camera.so", "how a plug-in of yours behaves"},
     {"devices", "--watch --seconds 1", "what comes and goes"},
     {"info", "--camera SIM0570", "its modes, versions and temperatures"},
     {"stream", "--frames 30 --png depth.png", "a picture of depth"},
