@@ -1,6 +1,8 @@
-// zentara_soak MINUTES [SEED [PERCENT]]: uses all simulated cameras side by side as a host does, with nodes made anew
-// all the time and PERCENT of the calls of a device failing (1 unless given), and shows every 10 s what the process
-// holds. Ends with 1 when that grew after the first minute by more than the husks of the requests that failed.
+// zentara_soak MINUTES [SEED [PERCENT]]: uses all cameras side by side as hosts do, through the contract and through the host
+// library, with nodes made anew all the time and PERCENT of the calls of a simulated device failing (1 unless given), and
+// shows every 10 s what the process holds. Ends with 1 when that grew after the first minute (of three minutes or less: after
+// their first third) by more than the husks of the requests that failed, when a camera's nodes were never made or gave no
+// frame, or when threads or handles are left at the end.
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -10,11 +12,14 @@
 #include <functional>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <random>
+#include <set>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include <zentara/host/cameras.h>
 #include <zentara/zentara.h>
 
 #include "utils/platform/program.h"
@@ -27,8 +32,6 @@ using Clock = std::chrono::steady_clock;
 using Utils::Platform::ResourceUse;
 
 std::atomic<bool> ended{false};
-std::atomic<std::uint64_t> nodesMade{0};
-std::atomic<std::uint64_t> framesRead{0};
 std::atomic<std::uint64_t> callsFailed{0};
 
 /// What a failed request leaves, with its share of those whose failure only the log tells, and what the heap may hold
@@ -113,10 +116,18 @@ private:
     std::mutex lock;
 };
 
+struct FoundCamera {
+    std::vector<NodeEvent> nodes;
+    std::atomic<std::uint64_t> nodesMade{0};
+    std::atomic<std::uint64_t> framesRead{0};
+};
+
 /// Who uses one camera. The buffer serves all its nodes, so that the heap shows what they leave and not its holes.
 struct User {
-    User(SettingsFile& file, unsigned seed, double share) : settings(file), faults(seed, share) {}
+    User(FoundCamera& used, SettingsFile& file, unsigned seed, double share)
+        : camera(used), settings(file), faults(seed, share) {}
 
+    FoundCamera& camera;
     SettingsFile& settings;
     Faults faults;
     std::vector<std::uint8_t> buffer = std::vector<std::uint8_t>(1 << 21);
@@ -128,9 +139,31 @@ bool attempt(const std::function<void()>& step) {
         step();
         return true;
     } catch (const Zentara::Plugin::PluginException&) {
-        ++callsFailed;
-        return false;
+    } catch (const Host::Failure&) {
     }
+    ++callsFailed;
+    return false;
+}
+
+std::vector<GUID> registered(Core::ImplType type) {
+    Core::PluginManager* const manager = Core::PluginManager::instance();
+    std::vector<GUID> guids = manager->getGUIDs(type);
+    manager->release();
+    return guids;
+}
+
+/// The store that has the description of the node, which is selected; the last one when none has.
+Utils::SmartPtr<Core::DescriptorStoreInterface> storeOf(const NodeEvent& event) {
+    Utils::SmartPtr<Core::DescriptorStoreInterface> store;
+    for (const GUID& guid : registered(Core::ImplType_DESCRIPTOR_STORE)) {
+        if (store)
+            store->dispose();
+        store = make<Core::DescriptorStoreInterface>(guid);
+        store->initialize();
+        if (store->selectNodeDescriptor(event.hardwareIds(), event.profile))
+            break;
+    }
+    return store;
 }
 
 /// A camera's node from its making to its end.
@@ -139,14 +172,12 @@ class Life {
 public:
     Life(NodeEvent found, User& camerasUser) : event(std::move(found)), user(camerasUser) {
         ready = attempt([&] {
-            storeObject = make<Core::DescriptorStoreInterface>(storeGuid());
-            storeObject->initialize();
-            storeObject->selectNodeDescriptor(event.hardwareIds(), event.profile);
+            storeObject = storeOf(event);
             user.settings.with(user.faults.next(), [&] {
                 node = make<Node>(storeObject->getDescriptorStore()->getNodeImplGUID());
                 node->initialize(&event, storeObject->getDescriptorStore(), nullptr);
             });
-            ++nodesMade;
+            ++user.camera.nodesMade;
         });
     }
     ~Life() {
@@ -171,7 +202,7 @@ public:
                 int length = 0;
                 const int size = static_cast<int>(user.buffer.size());
                 if (node->readBuffer(user.buffer.data(), size, &micros, &length) == ReadBufferStatus_OK)
-                    ++framesRead;
+                    ++user.camera.framesRead;
             });
         if constexpr (std::is_same_v<Node, Core::DepthNodeInterface>)
             askCamera();
@@ -179,13 +210,6 @@ public:
     }
 
 private:
-    static GUID storeGuid() {
-        Core::PluginManager* const manager = Core::PluginManager::instance();
-        const GUID guid = manager->getGUIDs(Core::ImplType_DESCRIPTOR_STORE).at(0);
-        manager->release();
-        return guid;
-    }
-
     void askCamera() {
         attempt([&] { static_cast<void>(node->readTemperatures()); });
         Core::DescriptorStoreRO& store = *storeObject->getDescriptorStore();
@@ -208,12 +232,33 @@ private:
     bool ready = false;
 };
 
+/// As a program does that knows nothing but the host library: finds the camera, reads frames and asks it.
+void useHostLibrary(User& user, int frames) {
+    attempt([&] {
+        Host::Cameras cameras;
+        const Host::Camera camera = cameras.open(user.camera.nodes.front().serialNumber);
+        const std::vector<Host::NodeInfo>& nodes = camera.info().nodes;
+        const Host::Kind kind = nodes.at(static_cast<std::size_t>(frames) % nodes.size()).kind;
+        std::optional<Host::Stream> stream;
+        user.settings.with(user.faults.next(), [&] { stream = camera.stream(kind); });
+        ++user.camera.nodesMade;
+        for (int i = 0; i < frames && !ended; ++i)
+            user.camera.framesRead += stream->next(2s) ? 1 : 0;
+        if (kind == Host::Kind::Depth)
+            static_cast<void>(camera.parameters());
+    });
+}
+
 /// Uses the nodes of one camera one after the other.
-void useCamera(const std::vector<NodeEvent>& nodes, SettingsFile& settings, unsigned seed, double share) {
-    User user(settings, seed, share);
+void useCamera(FoundCamera& camera, SettingsFile& settings, unsigned seed, double share) {
+    User user(camera, settings, seed, share);
     for (int round = 0; !ended; ++round) {
-        const NodeEvent& event = nodes[static_cast<std::size_t>(round) % nodes.size()];
+        const NodeEvent& event = camera.nodes[static_cast<std::size_t>(round) % camera.nodes.size()];
         const int frames = 1 + round % 7;
+        if (round % 8 == 7) {
+            useHostLibrary(user, frames);
+            continue;
+        }
         switch (event.nodeType) {
         case NodeType_DEPTH:
             Life<Core::DepthNodeInterface>(event, user).stream(frames);
@@ -230,83 +275,148 @@ void useCamera(const std::vector<NodeEvent>& nodes, SettingsFile& settings, unsi
     }
 }
 
-/// The nodes that are there, by camera.
-std::map<std::string, std::vector<NodeEvent>> findCameras() {
-    std::map<std::string, std::vector<NodeEvent>> cameras;
-    Core::PluginManager* const manager = Core::PluginManager::instance();
-    const auto store =
-        make<Core::DescriptorStoreInterface>(manager->getGUIDs(Core::ImplType_DESCRIPTOR_STORE).at(0));
-    store->initialize();
-    Utils::Collection::Queue<ExternalEvent> events;
-    const auto enumerator = make<IO::EnumeratorInterface>(manager->getGUIDs(Core::ImplType_ENUMERATOR).at(0));
-    enumerator->initialize(&events, store->getDescriptorStore());
-    enumerator->execute();
-    for (ExternalEvent event; events.timedPop(event, 2000);) {
-        if (event.type == ExternalEventType_NODE_ARRIVED)
-            cameras[event.node.parentPath].push_back(event.node);
+/// The nodes that are there, by camera, each as the first store tells of it that has its description.
+std::map<std::string, FoundCamera> findCameras() {
+    std::map<std::string, FoundCamera> cameras;
+    std::set<std::string> known;
+    for (const GUID& storeGuid : registered(Core::ImplType_DESCRIPTOR_STORE)) {
+        const auto store = make<Core::DescriptorStoreInterface>(storeGuid);
+        store->initialize();
+        for (const GUID& guid : registered(Core::ImplType_ENUMERATOR)) {
+            const auto enumerator = make<IO::EnumeratorInterface>(guid);
+            Utils::Collection::Queue<ExternalEvent> events;
+            enumerator->initialize(&events, store->getDescriptorStore());
+            std::vector<NodeEvent> nodes;
+            enumerator->enumerate(nodes);
+            for (const NodeEvent& node : nodes)
+                if (store->selectNodeDescriptor(node.hardwareIds(), node.profile) &&
+                    known.insert(node.path).second)
+                    cameras[node.parentPath].nodes.push_back(node);
+            enumerator->dispose();
+        }
+        store->dispose();
     }
-    enumerator->dispose();
-    store->dispose();
-    manager->release();
     return cameras;
 }
 
-int watch(std::chrono::minutes time) {
-    const auto start = Clock::now();
-    std::printf("%8s %10s %8s %8s %8s %8s %8s\n", "s", "KiB", "threads", "handles", "nodes", "frames",
-                "failed");
-    ResourceUse early;
-    ResourceUse late;
-    std::uint64_t failedEarly = 0;
-    for (auto next = start + 10s; next <= start + time; next += 10s) {
-        std::this_thread::sleep_until(next);
-        const ResourceUse now = Utils::Platform::resourceUse();
-        const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(next - start);
-        std::printf("%8lld %10zu %8u %8u %8llu %8llu %8llu\n", static_cast<long long>(seconds.count()),
-                    now.residentBytes / 1024, now.threads, now.handles,
-                    static_cast<unsigned long long>(nodesMade), static_cast<unsigned long long>(framesRead),
-                    static_cast<unsigned long long>(callsFailed));
-        std::fflush(stdout);
-        // The most of the second minute beside the least of the last one: what comes and goes is in both.
-        if (seconds > 60s && seconds <= 120s) {
+/// The most of the time when what is kept for later has been made, beside the least of the end: what comes and goes is in both.
+class Watch {
+public:
+    explicit Watch(std::chrono::seconds whole)
+        : time(whole), settled(std::min<std::chrono::seconds>(60s, whole / 3)) {}
+
+    void run(const std::map<std::string, FoundCamera>& cameras) {
+        const auto start = Clock::now();
+        std::printf("%8s %10s %8s %8s %8s %8s %8s\n", "s", "KiB", "threads", "handles", "nodes", "frames",
+                    "failed");
+        for (auto passed = 1s; passed <= time; ++passed) {
+            std::this_thread::sleep_until(start + passed);
+            const ResourceUse now = Utils::Platform::resourceUse();
+            note(now, passed);
+            if (passed % 10 == 0s)
+                print(now, passed, cameras);
+        }
+    }
+
+    [[nodiscard]] bool isFlat() const {
+        const std::size_t allowed =
+            early.residentBytes + slackBytes + (callsFailed - failedEarly) * bytesPerHusk;
+        const bool flat =
+            late.residentBytes <= allowed && late.threads <= early.threads && late.handles <= early.handles;
+        std::printf("%s: %zu KiB, %u threads, %u handles at the end; allowed were %zu KiB, %u and %u\n",
+                    flat ? "flat" : "IT GROWS", late.residentBytes / 1024, late.threads, late.handles,
+                    allowed / 1024, early.threads, early.handles);
+        return flat;
+    }
+
+private:
+    void note(const ResourceUse& now, std::chrono::seconds passed) {
+        if (passed > settled && passed <= 2 * settled) {
             early = {std::max(early.residentBytes, now.residentBytes), std::max(early.threads, now.threads),
                      std::max(early.handles, now.handles)};
             failedEarly = callsFailed;
         }
-        if (next > start + time - 60s)
+        if (passed > time - settled)
             late = late.residentBytes == 0 ? now
                                            : ResourceUse{std::min(late.residentBytes, now.residentBytes),
                                                          std::min(late.threads, now.threads),
                                                          std::min(late.handles, now.handles)};
     }
-    const std::size_t allowed = early.residentBytes + slackBytes + (callsFailed - failedEarly) * bytesPerHusk;
-    const bool flat =
-        late.residentBytes <= allowed && late.threads <= early.threads && late.handles <= early.handles;
-    std::printf("%s: %zu KiB, %u threads, %u handles at the end; allowed were %zu KiB, %u and %u\n",
-                flat ? "flat" : "it grows", late.residentBytes / 1024, late.threads, late.handles,
-                allowed / 1024, early.threads, early.handles);
-    return flat ? 0 : 1;
+
+    static void print(const ResourceUse& now, std::chrono::seconds passed,
+                      const std::map<std::string, FoundCamera>& cameras) {
+        std::uint64_t nodes = 0;
+        std::uint64_t frames = 0;
+        for (const auto& [path, camera] : cameras) {
+            nodes += camera.nodesMade;
+            frames += camera.framesRead;
+        }
+        std::printf("%8lld %10zu %8u %8u %8llu %8llu %8llu\n", static_cast<long long>(passed.count()),
+                    now.residentBytes / 1024, now.threads, now.handles,
+                    static_cast<unsigned long long>(nodes), static_cast<unsigned long long>(frames),
+                    static_cast<unsigned long long>(callsFailed));
+        std::fflush(stdout);
+    }
+
+    const std::chrono::seconds time;
+    const std::chrono::seconds settled;
+    ResourceUse early;
+    ResourceUse late;
+    std::uint64_t failedEarly = 0;
+};
+
+/// Every camera has been used: a run in which nothing happened shows nothing.
+bool allWereUsed(const std::map<std::string, FoundCamera>& cameras) {
+    bool all = !cameras.empty();
+    for (const auto& [path, camera] : cameras) {
+        std::printf("%s: %llu nodes, %llu frames\n", path.c_str(),
+                    static_cast<unsigned long long>(camera.nodesMade),
+                    static_cast<unsigned long long>(camera.framesRead));
+        all = all && camera.nodesMade > camera.nodes.size() && camera.framesRead > 0;
+    }
+    if (!all)
+        std::puts("NOT ALL CAMERAS WERE USED");
+    return all;
+}
+
+/// Nothing is left when nobody has a camera any more. A device that hangs lets go of its thread later than its caller.
+bool isAsBefore(const ResourceUse& before) {
+    ResourceUse now = Utils::Platform::resourceUse();
+    const auto holdsMore = [&] { return now.threads > before.threads || now.handles > before.handles; };
+    for (const auto until = Clock::now() + 20s; holdsMore() && Clock::now() < until;
+         now = Utils::Platform::resourceUse())
+        std::this_thread::sleep_for(50ms);
+    std::printf("%s: %u threads, %u handles left; before it were %u and %u\n",
+                holdsMore() ? "NOT ALL ENDED" : "ended", now.threads, now.handles, before.threads,
+                before.handles);
+    return !holdsMore();
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
     const int minutes = argc > 1 ? std::atoi(argv[1]) : 0;
-    if (minutes < 3) {
-        std::fputs("usage: zentara_soak MINUTES [SEED [PERCENT]], with 3 minutes or more\n", stderr);
+    if (minutes < 1) {
+        std::fputs("usage: zentara_soak MINUTES [SEED [PERCENT]]\n", stderr);
         return 2;
     }
     const double percent = argc > 3 ? std::atof(argv[3]) : 1;
     unsigned seed = argc > 2 ? static_cast<unsigned>(std::atoi(argv[2])) : 1;
-    const auto cameras = findCameras();
+    const ResourceUse before = Utils::Platform::resourceUse();
+    auto cameras = findCameras();
     std::printf("%zu cameras, seed %u, %g %% of the calls fail\n", cameras.size(), seed, percent);
-    SettingsFile settings;
-    std::vector<std::thread> users;
-    for (const auto& camera : cameras)
-        users.emplace_back(useCamera, camera.second, std::ref(settings), seed++, percent / 100);
-    const int result = users.empty() ? 1 : watch(std::chrono::minutes(minutes));
-    ended = true;
-    for (std::thread& user : users)
-        user.join();
-    return result;
+    bool good = false;
+    {
+        SettingsFile settings;
+        std::vector<std::thread> users;
+        for (auto& [path, camera] : cameras)
+            users.emplace_back(useCamera, std::ref(camera), std::ref(settings), seed++, percent / 100);
+        Watch watch{std::chrono::minutes(users.empty() ? 0 : minutes)};
+        watch.run(cameras);
+        ended = true;
+        for (std::thread& user : users)
+            user.join();
+        good = allWereUsed(cameras) && watch.isFlat();
+    }
+    return isAsBefore(before) && good ? 0 : 1;
 }
