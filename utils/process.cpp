@@ -11,6 +11,8 @@
 namespace Zentara::Utils {
 
 bool findProcess(const std::string& name) {
+    if (name.empty()) // as a process that is just being made may be called
+        return false;
     std::vector<std::string> running;
     Platform::listProcesses(running); // none where they cannot be listed
     return std::any_of(running.begin(), running.end(), [&name](const std::string& candidate) {

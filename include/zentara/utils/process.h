@@ -7,7 +7,7 @@
 namespace Zentara::Utils {
 
 /// Whether a process runs whose program file has this name, extension included; letter case is ignored on
-/// Windows. False also when the processes cannot be listed. Safe on any thread.
+/// Windows. False also when the processes cannot be listed. An empty name finds nothing. Safe on any thread.
 ZENTARA_API bool findProcess(const std::string& name);
 
 /// Whether a process runs whose program file's name contains `name`, ignoring letter case. `found` receives
