@@ -2,7 +2,7 @@
 SOURCES = $(shell git ls-files '*.h' '*.cpp' '*.c')
 JOBS ?= $(shell nproc)
 
-.PHONY: demo test test-linux test-windows test-asan test-tsan test-kernel soak coverage packages test-packages format lint tidy bench bench-kernel clean
+.PHONY: demo test test-linux test-windows test-asan test-tsan test-kernel soak soak-kernel coverage packages test-packages format lint tidy bench bench-kernel clean
 
 ## Builds everything and drives two simulated cameras; leaves pictures, a point cloud, sound, a recording and a plot in build/demo/.
 demo:
@@ -33,6 +33,16 @@ soak:
 	@cmake --preset gcc -Wno-dev >/dev/null
 	@cmake --build --preset gcc -j $(JOBS) --target zentara_soak
 	@ZENTARASDK_ROOT=$$PWD/build/gcc/ ZENTARA_SYSFS=$$PWD/build/gcc/no-devices ZENTARA_SIMULATED_CAMERAS= timeout $$(($(MINUTES) * 60 + 180)) build/gcc/bin/zentara_soak $(MINUTES)
+
+## The same with a camera at USB level among the simulated ones, in a virtual machine with a real kernel; for a minute unless told.
+soak-kernel: MINUTES ?= 1
+soak-kernel:
+	@.ci/setup kernel
+	@cmake --preset gcc -Wno-dev >/dev/null
+	@cmake --build --preset gcc -j $(JOBS) --target zentara_soak zentara camera_plugins simulated_usb_camera
+	@tests/kernel/run --machine "-icount shift=1" --job soak --timeout $$(($(MINUTES) * 120 + 110)) \
+	    env MINUTES=$(MINUTES) ZENTARA_TEST_LIMIT=$$(($(MINUTES) * 90 + 110)) tests/kernel/suite soak
+	@cat build/kernel/soak/soak.txt
 
 ## Which lines and branches the tests reach on Linux: a summary for each room, and build/coverage/report/index.html.
 coverage:
