@@ -2,7 +2,7 @@
 SOURCES = $(shell git ls-files '*.h' '*.cpp' '*.c')
 JOBS ?= $(shell nproc)
 
-.PHONY: demo test test-linux test-windows test-asan test-tsan test-kernel soak soak-kernel coverage packages test-packages format lint tidy bench bench-kernel clean
+.PHONY: demo test test-linux test-windows test-asan test-tsan test-kernel soak soak-kernel coverage packages test-packages docs format lint tidy bench bench-kernel clean
 
 ## Builds everything and drives two simulated cameras; leaves pictures, a point cloud, sound, a recording and a plot in build/demo/.
 demo:
@@ -58,16 +58,22 @@ packages:
 test-packages: packages
 	@tests/packages/run
 
+## Makes the site of these pages and of all public headers: build/docs/html/index.html.
+docs:
+	@.ci/setup docs
+	@.ci/docs
+
 ## Puts every source into the house format.
 format:
 	@.ci/setup ci
 	@clang-format -i $(SOURCES)
 
-## Format, floors and includes, without changing anything; `make tidy` adds clang-tidy, which takes minutes.
+## Format, floors and includes, and that the site comes out without a warning, without changing anything; `make tidy` adds clang-tidy, which takes minutes.
 lint:
 	@.ci/setup ci
 	@clang-format --dry-run -Werror $(SOURCES)
 	@.ci/check-includes
+	@.ci/docs >/dev/null
 
 tidy: lint
 	@cmake --preset clang -Wno-dev >/dev/null

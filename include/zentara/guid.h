@@ -20,7 +20,7 @@ static_assert(sizeof(GUID) == 16, "a GUID is 16 bytes");
 
 namespace Zentara {
 
-/// True when both 64-bit halves are equal. Safe on any thread.
+/// True when both 64-bit halves are equal. Safe.
 [[nodiscard]] inline bool guidEquals(const GUID& left, const GUID& right) noexcept {
     std::uint64_t leftHalves[2];
     std::uint64_t rightHalves[2];

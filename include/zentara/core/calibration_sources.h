@@ -28,6 +28,7 @@ enum class CalibrationSource : std::int32_t {
 class CalibrationSources {
 public:
     virtual ~CalibrationSources() = default;
+    /// Where that part of the numbers that the node gives out comes from.
     [[nodiscard]] virtual CalibrationSource getCalibrationSource(CalibrationPart part) const = 0;
     /// Why the camera could not be read; empty if it could.
     [[nodiscard]] virtual std::string getCalibrationFailure() const = 0;

@@ -129,8 +129,8 @@ public:
     /// The size of the frames on the sensor's port; `FrameFormat_DEFAULT` by default.
     [[nodiscard]] virtual FrameFormat getDVPFrameMode();
 
-    // The camera's calibration, as copies; empty by default. Whose numbers they are, the camera's own or its model's,
-    // `CalibrationSources` tells where the node has it.
+    /// The camera's calibration, as copies; empty by default. Whose numbers they are, the camera's own or its model's,
+    /// `CalibrationSources` tells where the node has it.
     [[nodiscard]] virtual StereoCameraParametersArray getImageRegistrationCalibration();
     [[nodiscard]] virtual SensorValueArray getTemperatureCalibration(DepthNode::CameraMode mode);
     [[nodiscard]] virtual TemperatureCalibration getTemperatureCalibration();

@@ -79,9 +79,9 @@ public:
     [[nodiscard]] virtual const RequestList* getPostCommonSettings() const;
     [[nodiscard]] virtual const RequestList* getStopCommonSettings() const;
 
-    // Depth and colour nodes share the two flag words: the first is read by getDepthCapabilities and
-    // getColorFlags, the second by getDepthFlags and getCameraControlsFlags. What the bits mean is agreed between a
-    // description and the plug-ins that it names; of the camera-control flags bit N stands for setting N.
+    /// Depth and colour nodes share the two flag words: the first is read by getDepthCapabilities and
+    /// getColorFlags, the second by getDepthFlags and getCameraControlsFlags. What the bits mean is agreed between a
+    /// description and the plug-ins that it names; of the camera-control flags bit N stands for setting N.
     [[nodiscard]] virtual std::uint64_t getDepthCapabilities() const;
     [[nodiscard]] virtual std::uint64_t getDepthFlags() const;
     [[nodiscard]] virtual FourCC getFourCC() const;

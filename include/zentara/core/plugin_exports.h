@@ -18,7 +18,7 @@
 /// The scan calls the first four without making an object, and closes the library after that: they return
 /// constants and touch nothing else. None of them may throw but the factory.
 namespace Zentara::Core {
-
+/// The types of the five.
 using GetImplGUIDFunction = GUID (*)();
 using GetImplTypeFunction = std::int32_t (*)();
 using GetPluginVersionFunction = void (*)(std::int32_t*, std::int32_t*, std::int32_t*);

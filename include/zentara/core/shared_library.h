@@ -33,7 +33,7 @@ namespace Zentara::Core {
 /// mutex; the mutex is re-entrant, so an object's constructor may come back to its own library.
 class ZENTARA_API SharedLibrary : public Utils::Refcounted {
 public:
-    using Factory = void* (*)();
+    using Factory = void* (*)(); ///< what `createInstance` of a plug-in is
 
     /// A library in a file, loaded by the first createInstance(). \param path UTF-8
     SharedLibrary(const std::string& path, ImplType type, GUID guid);

@@ -191,7 +191,7 @@ public:
     /// beside the nodes. It is the camera's, and stays as long as that has a handle or a stream; after close(), and once
     /// the camera has come back from having been pulled out, it throws, and chip() gives another one. Its calls take at
     /// most 2 s each, and throw what the contract's classes throw; of a bare device they take as long as that one does.
-    /// Bound to one thread at a time.
+    /// Separate.
     /// \param controller as which the first call takes it, "OV0570"; empty: the one that the description names, else the
     ///        one that is found out
     /// \throws Failure (NoDevice) when there is no controller that is known, (Usage) when no such one is

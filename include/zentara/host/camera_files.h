@@ -50,8 +50,9 @@ struct StoredParameters {
     ParameterValues values;
 };
 
-/// \param path UTF-8; "-" for standard input
+/// What a document that parameterDocument() made says. \param path UTF-8; "-" for standard input
 [[nodiscard]] ZENTARA_HOST_API StoredParameters readParameterFile(const std::string& path);
+/// The values as JSON, with the camera that they are of.
 [[nodiscard]] ZENTARA_HOST_API std::string parameterDocument(const CameraInfo& camera,
                                                              const ParameterValues& values);
 

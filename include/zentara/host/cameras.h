@@ -16,6 +16,7 @@ namespace Zentara::Host {
 
 /// Something that happened on the buses. A plain value. Separate.
 struct CameraEvent {
+    /// What happened.
     enum class Type {
         Arrived, ///< a node was plugged in
         Removed, ///< a node was pulled out
@@ -45,6 +46,7 @@ struct DeviceOptions {
 /// beside it, and keep the enumerators open. Safe.
 class ZENTARA_HOST_API Cameras {
 public:
+    /// How the plug-ins are asked.
     struct Options {
         /// How long a call into a plug-in may take, here and in the cameras that are opened: 15 s.
         std::chrono::milliseconds limit{15'000};

@@ -47,10 +47,11 @@ public:
     Capture(const Capture&) = delete;
     Capture& operator=(const Capture&) = delete;
 
-    // Where the frames go; before start().
+    /// Where the frames go; before start().
     void writeTo(std::unique_ptr<FrameFile> file);
     /// \param recording outlives this; null for none \param index of this stream in it
     void recordTo(Recorder* recording, std::size_t index);
+    /// Is handed each frame that was taken.
     void showTo(Viewer shown);
 
     /// \throws Failure as Stream::start() does
@@ -71,6 +72,7 @@ public:
     /// Removes them; nothing else may be called then.
     void discard() noexcept;
 
+    /// The stream that is taken from; the capture keeps it.
     [[nodiscard]] Stream& stream() noexcept { return source; }
     [[nodiscard]] const StreamInfo& info() const noexcept { return source.info(); }
     [[nodiscard]] const StreamStatistics& statistics() const noexcept { return came; }

@@ -109,7 +109,7 @@ struct ApplyOptions {
 ///     flash.apply(change);
 /// \endcode
 ///
-/// A handle that moves; it owns the file's lock, and shares the controller. Bound to one thread at a time. A transfer to
+/// A handle that moves; it owns the file's lock, and shares the controller. Separate. A transfer to
 /// a camera takes 2 s at most; the whole is as long as its bytes take, and ends sooner when the progress says so. Every
 /// operation throws Failure: Failed for what does not work, Usage for what makes no sense, and what is named below.
 class ZENTARA_HOST_API Flash final {

@@ -48,6 +48,7 @@ struct FrameSet {
 /// Separate, but stop() is safe.
 class ZENTARA_HOST_API FrameSets {
 public:
+    /// Which streams, and how long one waits for the other.
     struct Options {
         /// How long a set waits for what is missing, from when the first of its frames arrived.
         std::chrono::milliseconds patience{200};

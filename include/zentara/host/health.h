@@ -10,6 +10,7 @@ namespace Zentara::Host {
 
 /// One thing that was looked at, and what was found. A plain value; its texts are fit for a terminal.
 struct HealthFinding {
+    /// How bad it is.
     enum class State {
         Well,
         Hint,  ///< nothing is wrong, but somebody may wonder at what comes of it
@@ -24,6 +25,7 @@ struct HealthFinding {
     std::string remedy; ///< what helps; empty where nothing has to
 };
 
+/// Where, and how, is looked.
 struct HealthOptions {
     /// How plug-ins are asked.
     PluginQuestions plugins{};

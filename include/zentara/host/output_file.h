@@ -27,6 +27,7 @@ enum class IfThere {
 /// program that writes files in this way can write the same one. The host library writes all its files so. Separate.
 class ZENTARA_HOST_API OutputFile final {
 public:
+    /// What else holds for the file.
     struct Rules {
         IfThere ifThere = IfThere::Replace;
         /// The file whose readers may read this one; the file itself, or whoever may read a new one, unless named.

@@ -32,7 +32,7 @@ public:
     /// In that time; 0 below two frames.
     [[nodiscard]] double framesPerSecond() const noexcept;
 
-    // Of the depths of all frames, along axis or ray as delivered, in millimetres; 0 when there is none.
+    /// Of the depths of all frames, along axis or ray as delivered, in millimetres; 0 when there is none.
     [[nodiscard]] long nearestMillimetres() const noexcept {
         return greatest == 0 ? 0 : std::lround(least * unit);
     }

@@ -13,7 +13,7 @@ namespace Zentara::IO {
 class deviceRequest;
 
 /// The one thread, named "AVDeviceProxyThread", on which all proxified devices are called, one request at a
-/// time and in the order of submission. Back-ends need not be thread-safe for it, and a platform service that
+/// time and in the order of submission. Back-ends need not be safe for it, and a platform service that
 /// wants its calls from one prepared thread gets them so.
 ///
 ///           first instance()            last release()             the thread has ended

@@ -65,8 +65,8 @@ public:
     [[nodiscard]] std::string getProductionID() const;
 
 protected:
-    // For subclasses that find more in a camera's ROM. All but the last two raise the flag that goes with
-    // them.
+    /// For subclasses that find more in a camera's ROM. All but the last two raise the flag that goes with
+    /// them.
     void setPhaseDelays(const CalibrationData& delays);
     void setAccelerometerCalibration(const AccelerationInternal& calibration);
     void setImageRegistrationCalibration(const StereoCameraParametersArray& parameters);

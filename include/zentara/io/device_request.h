@@ -76,7 +76,7 @@ public:
     /// request's lock.
     /// \return the device's answer; false when nothing was pending
     bool cancelIO();
-
+    /// The lock under which a device and who gives up agree on the two flags.
     void lock();
     void unlock();
 

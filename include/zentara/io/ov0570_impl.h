@@ -23,7 +23,7 @@ class ChipClock;
 /// I2C requests and calls the widths are not used; an array is one byte a register from register 0.
 ///
 /// Every operation may throw what the proxy throws. What the object remembers (toggle, strobes, bus
-/// description) changes only after the transfer succeeded. *Safe*: each call holds the chip's lock
+/// description) changes only after the transfer succeeded. Safe: each call holds the chip's lock
 /// throughout, and takes the bus description's, the proxy's and the logger's after it.
 class ZENTARA_API OV0570Impl : public XUInterface {
 public:
@@ -35,7 +35,7 @@ public:
     using XUInterface::setup;
     void setup() override;
     void processCommand(Utils::SmartPtr<xuRequest> request) override;
-
+    /// A register of the time-of-flight controller, of the bridge, of the colour sensor.
     void setTOFControllerRegisterLocked(unsigned int reg, unsigned int value);
     [[nodiscard]] unsigned int getTOFControllerRegisterLocked(unsigned int reg);
     void setUSBBackendRegisterLocked(unsigned int reg, unsigned int value);

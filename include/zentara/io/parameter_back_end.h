@@ -13,7 +13,7 @@
 /// beside the four that identify every plug-in (its kind is 9). "createInstance" is the plug-in's factory
 /// and this list's first function in one; the plug-in manager never calls it.
 ///
-/// An instance is used by one thread at a time. Functions throw nothing: they return 0, or an `ErrorCode`
+/// An instance is separate. Functions throw nothing: they return 0, or an `ErrorCode`
 /// that is not 0 and leave a text for GetLastError.
 ///
 /// Functions with a buffer and a length to return are called twice: with a null buffer they store the
@@ -35,7 +35,7 @@ using DestroyInstance = void(void* instance);
 /// \param ids and `version` are valid during the call
 using Initialize = ErrorCode(void* instance, void* context, Transfer* set, Transfer* get,
                              const HardwareIDs* ids, const HardwareVersionInternal* version);
-using Dispose = ErrorCode(void* instance);
+using Dispose = ErrorCode(void* instance); ///< ends what Initialize began: no callback is called any more
 
 /// What is asked of a parameter that the camera does not have is answered with `ErrorCode_NOT_SUPPORTED`, a value beyond
 /// the range with `ErrorCode_OUT_OF_RANGE`. Values are in the unit that GetUnitType tells.

@@ -119,6 +119,7 @@ private:
 /// Chooses what the device puts into a frame.
 class ZENTARA_API setOutputFormatRequest : public deviceRequest {
 public:
+    /// What there is to choose from.
     enum OutputFormat : std::int32_t {
         OutputFormat_DEPTH = 0,            ///< 16-bit depth in millimetres
         OutputFormat_DEPTH_CONFIDENCE = 1, ///< a plane of depth, then one of 16-bit confidence

@@ -32,7 +32,7 @@ public:
     TofRegisters(const TofRegisters&) = delete;
     TofRegisters& operator=(const TofRegisters&) = delete;
 
-    /// \param address 0 to 127
+    /// What is in a register, 0 to 127, and what is to be.
     [[nodiscard]] virtual std::uint16_t read(std::uint8_t address) = 0;
     virtual void write(std::uint8_t address, std::uint16_t value) = 0;
 

@@ -24,7 +24,7 @@ class ChipClock;
 /// is one byte a register from register 0); others throw `NotSupportedPluginException`.
 ///
 /// Every operation may throw what the proxy throws. What the object remembers changes only after the transfer
-/// succeeded; a setting whose write failed is sent again with its next use. *Safe*: each call holds the
+/// succeeded; a setting whose write failed is sent again with its next use. Safe: each call holds the
 /// chip's lock throughout, and takes the proxy's and the logger's after it.
 class ZENTARA_API VC0258Impl : public XUInterface {
 public:

@@ -20,7 +20,7 @@ class ChipClock;
 /// type 1 that is no `UVCCommandRequest` is refused with a NotSupportedPluginException.
 ///
 /// Every operation may throw what the proxy throws. A setting whose write failed is sent again with its next
-/// use. *Safe*: each call holds the chip's lock throughout, and takes the proxy's and the logger's after it.
+/// use. Safe: each call holds the chip's lock throughout, and takes the proxy's and the logger's after it.
 class ZENTARA_API VC0345Impl : public XUInterface {
 public:
     VC0345Impl();

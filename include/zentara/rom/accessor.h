@@ -8,7 +8,7 @@
 namespace Zentara::ROM {
 
 /// The raw flash under the storage: two transfers, by absolute address. Each camera's plug-in implements it
-/// over the chip's flash access. Used from one thread at a time; must outlive the manager built on it.
+/// over the chip's flash access. Separate; must outlive the manager built on it.
 class ZENTARA_API Accessor {
 public:
     virtual ~Accessor();

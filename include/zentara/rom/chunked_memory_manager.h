@@ -22,7 +22,7 @@ class ChunkedMemoryManagementHeader;
 /// the area is read.
 ///
 /// Life: initialize(), then any number of operations, then dispose(). initializeRom() may be called at any
-/// time. Used from one thread at a time. An accessor's exceptions pass through.
+/// time. Separate. An accessor's exceptions pass through.
 ///
 ///                initialize(): a header that can be read
 ///     Empty -----------------------------------------------> Loaded

@@ -16,7 +16,7 @@ class Section;
 /// Numbered sections in the blocks of a memory manager: the first block holds the container header, every
 /// further block one section. Sections are kept in memory as loaded; reading one does not touch the flash.
 ///
-/// Life: initialize(), then any number of operations, then dispose(). Used from one thread at a time.
+/// Life: initialize(), then any number of operations, then dispose(). Separate.
 /// Exceptions of the manager pass through; a failed operation leaves the sections in memory as the last
 /// verified write left them. So does lack of memory, which throws `std::bad_alloc`.
 class ZENTARA_API Container {

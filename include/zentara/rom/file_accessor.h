@@ -11,7 +11,7 @@
 namespace Zentara::ROM {
 
 /// A flash image kept in a file: read whole, changed in memory, saved in one step. Address 0 is the file's
-/// first byte, and the size never changes. Used from one thread at a time.
+/// first byte, and the size never changes. Separate.
 class ZENTARA_API FileAccessor : public Accessor {
 public:
     /// Opens an existing image.

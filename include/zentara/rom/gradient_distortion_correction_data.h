@@ -35,7 +35,7 @@ protected:
     static GradientDistortionCorrectionData* deserialize(const std::vector<std::uint8_t>& bytes);
 
     virtual std::vector<std::uint8_t> serialize() const;
-    virtual void swap(GradientDistortionCorrectionData& other) noexcept;
+    virtual void swap(GradientDistortionCorrectionData& other) noexcept; ///< exchanges the contents
 
 private:
     std::uint16_t modulationFrequency; ///< as stored; the host library takes it for MHz

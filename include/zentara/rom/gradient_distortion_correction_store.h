@@ -17,7 +17,7 @@ class Object;
 /// open one: an accessor with the file's name, a ChunkedMemoryManager over it with the area that the file was
 /// written with, a Container, then this; then initialize() and get(5).
 ///
-/// The layers beneath are not owned, must outlive this object and are reached only through it. *Safe*: one
+/// The layers beneath are not owned, must outlive this object and are reached only through it. Safe: one
 /// mutex serialises all operations. Without a container every operation but initialize(), dispose() and
 /// isInitialized() throws InvalidOperationPluginException "Container is not defined".
 class ZENTARA_API GradientDistortionCorrectionStore {

@@ -9,8 +9,8 @@
 namespace Zentara::ROM {
 
 /// What a container needs from the memory under it: blocks in a chain. Blocks are lent: they stay the
-/// manager's and are valid until erased, disposed of or replaced by an initialize(). Used from one thread at
-/// a time.
+/// manager's and are valid until erased, disposed of or replaced by an initialize().
+/// Separate.
 class ZENTARA_API MemoryManager {
 public:
     virtual ~MemoryManager();

@@ -28,7 +28,7 @@ class Object;
 ///       ^     initializeRom(), which formats it        |
 ///       +------------------ dispose() -----------------+
 ///
-/// *Safe*: one mutex serialises all operations. It is held while the flash is accessed, for as long as the
+/// Safe: one mutex serialises all operations. It is held while the flash is accessed, for as long as the
 /// accessor takes; an accessor must not call back into the same object.
 class ZENTARA_API ROM {
 public:

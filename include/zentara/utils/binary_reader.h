@@ -21,7 +21,7 @@ public:
     /// Copies `count` bytes and advances. When they are not there, or the count is negative, the position
     /// stays and nothing is copied.
     void read(void* destination, int count);
-
+    /// One number, of as many bytes as its type has.
     signed char readByte();
     unsigned char readUByte();
     /// Any byte other than 0 is true.

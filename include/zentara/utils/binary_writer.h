@@ -25,7 +25,7 @@ public:
 
     /// Raw bytes, without a length. A count of zero or less writes nothing.
     void write(const unsigned char* data, int count);
-
+    /// One value.
     void write(signed char value);
     void write(unsigned char value);
     void write(bool value);
@@ -49,7 +49,7 @@ public:
     void write(char) = delete;
     template<typename T>
     void write(const T* pointer) = delete;
-
+    /// The count, then each element as above.
     void write(const std::vector<signed char>& values);
     void write(const std::vector<unsigned char>& values);
     void write(const std::vector<bool>& values);

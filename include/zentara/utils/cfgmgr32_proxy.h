@@ -8,7 +8,7 @@ namespace Threading {
 class Mutex;
 }
 
-/// Registers for device notifications, one caller at a time. Safe on any thread.
+/// Registers for device notifications, one caller at a time. Safe.
 class ZENTARA_API CFGMGR32Proxy {
 public:
     CFGMGR32Proxy() = delete;

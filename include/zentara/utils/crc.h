@@ -7,7 +7,7 @@ namespace Zentara::Utils {
 /// The three checksums. Each `compute` returns the register after `length` bytes, starting from the register
 /// value `crc`. There is no initial and no final XOR: the caller passes the start value and uses the result
 /// as it is, so a checksum over two pieces is the second computed from the result of the first. A null `data`
-/// leaves the register as it is. Safe on any thread.
+/// leaves the register as it is. Safe.
 
 /// Reflected CRC-32, polynomial 0xEDB88320.
 class ZENTARA_API Crc32 {
@@ -19,6 +19,7 @@ public:
 /// Reflected CRC-16, polynomial 0xA001; started at 0 it is CRC-16/ARC.
 class ZENTARA_API Crc16 {
 public:
+    /// As above.
     static unsigned short compute(const unsigned char* data, unsigned int length, unsigned short crc);
 };
 
@@ -26,6 +27,7 @@ public:
 /// checksums depend on it. It is not the usual CRC-8 of that polynomial.
 class ZENTARA_API Crc8 {
 public:
+    /// As above.
     static unsigned char compute(const unsigned char* data, unsigned int length, unsigned char crc);
 };
 

@@ -12,14 +12,14 @@ namespace Zentara::Utils {
 /// \param mode not used
 /// \return the handle, or null, and then getLastError() on this thread tells the reason. On Windows that may be
 ///         an empty text: what the system says for error 193 (no library, or one of another machine) wants the
-///         name of the program filled in. Safe on any thread.
+///         name of the program filled in. Safe.
 ZENTARA_API void* loadSharedLibrary(const std::string& path, int mode);
 
-/// The address of an exported function; null when the library is null or has no such symbol. Safe on any
-/// thread.
+/// The address of an exported function; null when the library is null or has no such symbol.
+/// Safe.
 ZENTARA_API void* getFunction(void* library, const std::string& name);
 
-/// True on success; false for null. Safe on any thread, as long as nobody still runs the library's code.
+/// True on success; false for null. Safe, as long as nobody still runs the library's code.
 ZENTARA_API bool freeSharedLibrary(void* library);
 
 } // namespace Zentara::Utils

@@ -94,7 +94,7 @@ ZENTARA_API std::string getLastError();
 ZENTARA_API std::string formatLastError(std::string message);
 
 /// "MESSAGE (error 0xNUMBER: TEXT)", or "MESSAGE (error 0xNUMBER)" for a number that the system does not
-/// know. The number prints as unsigned 32 bits. Safe on any thread.
+/// know. The number prints as unsigned 32 bits. Safe.
 ZENTARA_API std::string formatError(long error, std::string message);
 
 /// "MESSAGE (TEXT)" with the text of the calling thread's last socket error.

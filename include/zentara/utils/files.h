@@ -8,7 +8,7 @@
 namespace Zentara::Utils {
 
 /// Paths are UTF-8 on every system. The separator is '/'; on Windows '\' is one as well. The functions on
-/// paths alone look at the text only, never at the disk. Everything here is safe on any thread.
+/// paths alone look at the text only, never at the disk. Everything here is safe.
 
 /// The process's working directory, without a separator at its end; empty if it no longer exists.
 ZENTARA_API std::string getWorkingDirectory();

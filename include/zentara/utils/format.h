@@ -20,7 +20,7 @@ namespace Zentara::Utils {
 ///
 /// A Format is built, fed exactly as many values as it has placeholders, converted once and discarded. A
 /// second conversion begins with the text of the first. After an exception the object is not usable.
-/// Separate: one thread at a time, distinct objects share nothing.
+/// Separate.
 class ZENTARA_API Format {
 public:
     /// \throws UFormatException "unterminated format item", or "invalid format item "ITEM": REASON".

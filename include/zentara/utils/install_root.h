@@ -15,7 +15,7 @@ namespace Zentara::Utils {
 /// 3. a directory chosen when the library was built.
 ///
 /// They return 0, also with the last of these, and 1 only when the value exists but is not a text; the root
-/// is empty then. Safe on any thread.
+/// is empty then. Safe.
 
 /// The key is "Software\Korvalis\ZentaraSDK-CDK" if a development kit of version 1.4 is installed, and
 /// `suffix` becomes "-CDK"; otherwise "Software\Korvalis\ZentaraSDK", and `suffix` becomes empty. With a

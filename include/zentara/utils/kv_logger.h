@@ -26,7 +26,7 @@ enum KVLogLevel : std::int32_t {
 /// stream) and, for levels 1 to 4, to the Windows event log or the system log, source "ZentaraSDK".
 ///
 /// Counted: the first createInstance() makes the instance; each createInstance(), and each instance() that
-/// returned one, is paired with one release(), the last of which destroys it. Safe on any thread, at process
+/// returned one, is paired with one release(), the last of which destroys it. Safe, at process
 /// exit too. Logging never throws, never reports a failure of its own and leaves the thread's last system
 /// error as it was.
 class ZENTARA_API KVLogger {

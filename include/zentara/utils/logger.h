@@ -14,7 +14,7 @@ namespace Zentara::Utils {
 ///
 /// with the thread identifier in eight hexadecimal digits and the level padded to ten columns, and is
 /// flushed. A target that cannot be opened leaves the logger off, silently; a line or a banner whose time the
-/// system cannot tell is not written. Safe on any thread: lines never mix.
+/// system cannot tell is not written. Safe: lines never mix.
 class ZENTARA_API Logger {
 public:
     /// Creates the logger on the first call; later calls return it and ignore the arguments.

@@ -57,13 +57,13 @@ public:
     /// Gives the handle's reference to the caller and leaves the handle null.
     [[nodiscard]] T* detach() noexcept { return std::exchange(object, nullptr); }
 
-    void reset() { SmartPtr().swap(*this); }
-    void reset(T* other) { SmartPtr(other).swap(*this); }
-    void swap(SmartPtr& other) noexcept { std::swap(object, other.object); }
+    void reset() { SmartPtr().swap(*this); }                                 ///< drops the reference
+    void reset(T* other) { SmartPtr(other).swap(*this); }                    ///< and takes another one
+    void swap(SmartPtr& other) noexcept { std::swap(object, other.object); } ///< nothing is counted
 
     [[nodiscard]] T* get() const noexcept { return object; }
-    T* operator->() const noexcept { return object; }
-    T& operator*() const noexcept { return *object; }
+    T* operator->() const noexcept { return object; } ///< as of a plain pointer, not for null
+    T& operator*() const noexcept { return *object; } ///< likewise
     explicit operator bool() const noexcept { return object != nullptr; }
 
 private:
@@ -82,7 +82,7 @@ private:
     T* object = nullptr; ///< one reference is the handle's, unless null
 };
 
-// Handles compare as their pointers do.
+/// Handles compare as their pointers do.
 template<typename T, typename U>
 bool operator==(const SmartPtr<T>& left, const SmartPtr<U>& right) noexcept {
     return left.get() == right.get();

@@ -7,7 +7,7 @@
 
 namespace Zentara::Utils {
 
-/// Texts are narrow UTF-8 strings. Everything here is safe on any thread.
+/// Texts are narrow UTF-8 strings. Everything here is safe.
 
 /// The decimal number in `text`; leading white space and a sign are accepted. Values beyond 32 bits are
 /// truncated to their low 32 bits. \throws UFormatException "string is empty", or "invalid number" when the
