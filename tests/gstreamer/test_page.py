@@ -83,7 +83,8 @@ kill -INT $window
 wait
 test "$seen" = yes
 """, encoding="utf-8")
-    run("xvfb-run -a -s '-screen 0 640x480x24' bash -e script", tmp_path)
+    # Without -noreset the server begins anew when its last client has gone, and is not there for the next one meanwhile.
+    run("xvfb-run -a -s '-screen 0 640x480x24 -noreset' bash -e script", tmp_path)
 
 
 def test_a_file_is_read_back_also_when_its_writer_was_killed(tmp_path: pathlib.Path, numbers: Dict[bytes, int]) -> None:
