@@ -97,7 +97,7 @@ take() {
     local node=$1 count=$2 file=$3
     shift 3
     rm -f "$file"
-    v4l2-ctl -d "$node" "$@" --stream-mmap --stream-count="$count" --stream-to="$file" >"$TMPDIR/taken" 2>&1
+    v4l2-ctl -d "$node" --stream-mmap --stream-count="$count" --stream-to="$file" "$@" >"$TMPDIR/taken" 2>&1
     [ -s "$file" ] || { cat "$TMPDIR/taken" >&2 && return 1; }
 }
 
