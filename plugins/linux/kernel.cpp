@@ -14,10 +14,6 @@
 namespace Zentara::Linux {
 namespace {
 
-// A node may be busy for a moment for whoever opens it, while its camera's neighbours come and go.
-constexpr int wakingAttempts = 25;
-constexpr int wakingMilliseconds = 20;
-
 template<typename Call>
 int again(Call call) {
     for (;;) {
@@ -32,12 +28,7 @@ int again(Call call) {
 class System final : public Kernel {
 public:
     [[nodiscard]] int open(const std::string& path) override {
-        for (int attempt = 1;; ++attempt) {
-            const int file = again([&] { return ::open(path.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC); });
-            if (file != -EBUSY || attempt == wakingAttempts)
-                return file;
-            ::poll(nullptr, 0, wakingMilliseconds);
-        }
+        return again([&] { return ::open(path.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC); });
     }
     void close(int file) override { ::close(file); }
     int control(int file, unsigned long request, void* argument) override {

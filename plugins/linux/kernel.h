@@ -22,8 +22,7 @@ public:
 
     virtual ~Kernel() = default;
 
-    /// Opens a device for reading and writing, such that fetching a frame never waits. One that is busy is tried for half a
-    /// second.
+    /// Opens a device for reading and writing, such that fetching a frame never waits.
     [[nodiscard]] virtual int open(const std::string& path) = 0;
     virtual void close(int file) = 0;
 

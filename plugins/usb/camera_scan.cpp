@@ -2,10 +2,8 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <chrono>
 #include <cstdlib>
 #include <linux/videodev2.h>
-#include <thread>
 #include <utility>
 
 #include <zentara/plugin/plugin_exceptions.h>
@@ -24,8 +22,6 @@ namespace {
 
 constexpr std::uint32_t mostFormats = 64;
 constexpr std::uint32_t settledMilliseconds = 2000; // by then the kernel has made its nodes
-constexpr int leavingAttempts = 25;                 // of a node that is still listed, and cannot be opened
-constexpr std::chrono::milliseconds leavingPause{20};
 
 struct Answer {
     std::vector<std::uint32_t> formats;
@@ -55,19 +51,6 @@ Answer askNode(Linux::Kernel& kernel, const std::string& path) {
     }
     kernel.close(file);
     return answer;
-}
-
-bool hasGone(int error) { return error == ENODEV || error == ENXIO || error == ENOENT; }
-
-/// A node that goes is listed a moment longer than it can be opened; one that stays is asked again.
-Answer askListedNode(Linux::Kernel& kernel, const std::string& path, const fs::path& listed) {
-    for (int attempt = 1;; ++attempt) {
-        Answer answer = askNode(kernel, path);
-        std::error_code error;
-        if (!hasGone(answer.error) || attempt == leavingAttempts || !fs::exists(listed, error))
-            return answer;
-        std::this_thread::sleep_for(leavingPause);
-    }
 }
 
 /// What USB calls YUY2 the kernel calls YUYV; most others have one name.
@@ -116,6 +99,14 @@ std::string refusalOf(const fs::path& device) {
                                  : text;
 }
 
+void warn(const std::string& text) {
+    Utils::KVLogger* const log = text.empty() ? nullptr : Utils::KVLogger::instance();
+    if (log == nullptr)
+        return;
+    log->warning(text);
+    Utils::KVLogger::release();
+}
+
 FoundCamera* find(std::vector<FoundCamera>& cameras, const fs::path& hardware) {
     const auto found = std::find_if(cameras.begin(), cameras.end(),
                                     [&](const FoundCamera& camera) { return camera.path == hardware; });
@@ -129,7 +120,7 @@ std::uint32_t portOf(const fs::path& device) {
 }
 
 /// What can be read at any time.
-FoundCamera identify(const fs::path& hardware) {
+FoundCamera readAtOnce(const fs::path& hardware) {
     FoundCamera camera;
     camera.path = hardware.string();
     camera.name = hardware.filename().string();
@@ -155,14 +146,15 @@ std::vector<FoundCamera> CameraScan::look() {
         FoundCamera* camera = find(cameras, node.hardware);
         if (camera == nullptr)
             camera = &cameras.emplace_back(complete.at(node.identity));
-        addVideo(node.name, node.hardware, *camera);
+        addVideo(node, *camera);
     }
     const auto isGone = [&](const auto& one) {
         return std::none_of(cameras.begin(), cameras.end(),
                             [&](const FoundCamera& camera) { return identityOf(camera) == one.first; });
     };
     std::erase_if(complete, isGone);
-    std::erase_if(cameras, [](const FoundCamera& camera) { return camera.videos.empty(); });
+    std::erase_if(asked, [&](const auto& one) { return isGone(one.first); });
+    std::erase_if(cameras, [this](FoundCamera& camera) { return isEmpty(camera); });
     addMicrophones(cameras);
     addRefused(cameras);
     std::erase_if(threads, isGone);
@@ -179,11 +171,11 @@ std::vector<CameraScan::Node> CameraScan::completeNodes() {
             const fs::path hardware = Sysfs::hardwareOf(sysfs.place("video4linux", name));
             if (name.rfind("video", 0) != 0 || hardware.empty())
                 continue; // another kind, or it has gone
-            const std::string identity = Sysfs::pluggedIn(hardware);
+            const std::string identity = identify(hardware);
             if (complete.count(identity) == 0) {
-                std::optional<FoundCamera> told = describe(hardware, "/dev/" + name);
-                if (!told)
-                    continue;
+                std::optional<FoundCamera> told = describe(hardware, identity, "/dev/" + name);
+                if (!told || identityOf(*told) != identity)
+                    continue; // not yet, or another one by now
                 complete.emplace(identity, *std::move(told));
                 mayBeMore = true;
             }
@@ -194,12 +186,23 @@ std::vector<CameraScan::Node> CameraScan::completeNodes() {
     }
 }
 
+/// A device has no address while the kernel resets it, as it does with some cameras that wake up; it is the same then.
+std::string CameraScan::identify(const fs::path& hardware) const {
+    const std::string identity = Sysfs::pluggedIn(hardware);
+    if (identity != Sysfs::pluggedIn(hardware.string(), 0))
+        return identity;
+    const auto same = std::find_if(complete.begin(), complete.end(),
+                                   [&](const auto& one) { return one.second.path == hardware; });
+    return same == complete.end() ? identity : same->first;
+}
+
 /// What the system tells of a camera, once the drivers have made all that they make of it. While they do, the kernel keeps
 /// the device locked, and reading some of its attributes waits. \return nothing when that took too long
-std::optional<FoundCamera> CameraScan::describe(const fs::path& hardware, const std::string& label) {
+std::optional<FoundCamera> CameraScan::describe(const fs::path& hardware, const std::string& identity,
+                                                const std::string& label) {
     const auto ask = [hardware] {
         static_cast<void>(Sysfs::attribute(hardware, "bNumInterfaces")); // each has this one
-        FoundCamera camera = identify(hardware);
+        FoundCamera camera = readAtOnce(hardware);
         const std::string product = Sysfs::attribute(hardware, "product");
         if (!product.empty())
             camera.name = product;
@@ -207,29 +210,21 @@ std::optional<FoundCamera> CameraScan::describe(const fs::path& hardware, const 
         return camera;
     };
     try {
-        return threadOf(Sysfs::pluggedIn(hardware), label)
-            .call("wait for the nodes of " + hardware.string(), ask);
+        return threadOf(identity, label).call("wait for the nodes of " + hardware.string(), ask);
     } catch (const Plugin::PluginException&) {
         return std::nullopt; // it was logged
     }
 }
 
-void CameraScan::addVideo(const std::string& name, const fs::path& hardware, FoundCamera& camera) {
-    const std::string key = name + " of " + identityOf(camera);
-    FoundVideo video;
-    video.path = "/dev/" + name;
-    const auto known = asked.find(key);
-    if (known != asked.end()) {
-        video.formats = known->second;
-    } else {
-        video.formats = ask(identityOf(camera), video.path, video.closed);
-        if (video.closed)
-            video.formats = describedFormats(hardware, sysfs.place("video4linux", name));
-        else if (!video.formats.empty())
-            asked[key] = video.formats; // what told nothing is asked again
-    }
-    if (!video.formats.empty())
-        camera.videos.push_back(std::move(video));
+void CameraScan::addVideo(const Node& node, FoundCamera& camera) {
+    const std::string path = "/dev/" + node.name;
+    Told& told = asked[{node.identity, node.name}];
+    if (!told.forGood)
+        told = ask(node, path, told.failure);
+    if (!told.formats.empty())
+        camera.videos.push_back({path, told.formats, !told.failure.empty()});
+    else if (camera.refusal.empty())
+        camera.refusal = told.failure;
 }
 
 Linux::CallThread& CameraScan::threadOf(const std::string& camera, const std::string& label) {
@@ -239,21 +234,42 @@ Linux::CallThread& CameraScan::threadOf(const std::string& camera, const std::st
     return *thread;
 }
 
-CameraScan::Formats CameraScan::ask(const std::string& camera, const std::string& path, bool& closed) {
-    const fs::path listed = sysfs.place("video4linux", fs::path(path).filename().string());
+/// \param before why it could not be asked the last time, which the log has
+CameraScan::Told CameraScan::ask(const Node& node, const std::string& path, const std::string& before) {
+    Told told;
+    bool hasGone = false;
     try {
-        const Answer answer =
-            threadOf(camera, path).call("ask " + path + " what it delivers", [system = kernel, path, listed] {
-                return askListedNode(*system, path, listed);
+        Answer answer =
+            threadOf(node.identity, path).call("ask " + path + " what it delivers", [system = kernel, path] {
+                return askNode(*system, path);
             });
-        closed = answer.error != 0 && !hasGone(answer.error);
-        if (Utils::KVLogger* log = answer.error == 0 ? nullptr : Utils::KVLogger::instance())
-            log->warning(Format("cannot ask % what it delivers: %") % path % Linux::errorWords(answer.error));
-        return answer.formats;
-    } catch (const Plugin::PluginException&) {
-        closed = true; // it was logged
-        return {};
+        if (answer.error != 0)
+            told.failure =
+                Format("%: cannot ask what it delivers: %") % path % Linux::errorWords(answer.error);
+        if (told.failure != before)
+            warn(told.failure);
+        hasGone = answer.error == ENODEV || answer.error == ENXIO;
+        told.formats = std::move(answer.formats);
+        // elsewhere a program may stand behind a node, and begin to deliver
+        told.forGood = answer.error == 0 && (!told.formats.empty() || Sysfs::isUsb(node.hardware));
+    } catch (const Plugin::PluginException& failure) {
+        told.failure = failure.what(); // it was logged
     }
+    if (!told.failure.empty() && !hasGone)
+        told.formats = describedFormats(node.hardware, sysfs.place("video4linux", node.name));
+    return told;
+}
+
+/// Whether a camera of which no node delivers pictures is none, or is being pulled out. Any other has its reason then.
+bool CameraScan::isEmpty(FoundCamera& camera) {
+    if (!camera.videos.empty()) {
+        camera.refusal.clear();
+        return false;
+    }
+    if (camera.refusal.empty())
+        camera.refusal = "none of its video nodes delivers pictures";
+    static_cast<void>(describe(camera.path, identityOf(camera), camera.path)); // until it has been pulled out
+    return !isCamera(camera.path);
 }
 
 void CameraScan::addMicrophones(std::vector<FoundCamera>& cameras) const {
@@ -277,10 +293,10 @@ void CameraScan::addRefused(std::vector<FoundCamera>& cameras) {
         const std::string since = Sysfs::attribute(device / "power", "connected_duration");
         if (!since.empty() && std::strtoul(since.c_str(), nullptr, 10) < settledMilliseconds)
             continue;
-        std::optional<FoundCamera> told = describe(device, device.string());
-        if (told && !sysfs.videoNodesOf(device).empty())
-            continue; // they have come while others were asked
-        FoundCamera& camera = cameras.emplace_back(told ? *std::move(told) : identify(device));
+        std::optional<FoundCamera> told = describe(device, Sysfs::pluggedIn(device), device.string());
+        if (told && (!sysfs.videoNodesOf(device).empty() || !isCamera(device)))
+            continue; // its nodes have come while others were asked, or it has gone
+        FoundCamera& camera = cameras.emplace_back(told ? *std::move(told) : readAtOnce(device));
         camera.refusal = told ? refusalOf(device) : "its driver waits for an answer of it";
     }
 }

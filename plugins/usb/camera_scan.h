@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "plugins/linux/call_thread.h"
@@ -18,7 +19,7 @@ namespace Zentara::Usb {
 struct FoundVideo {
     std::string path;                   ///< "/dev/video0"
     std::vector<std::uint32_t> formats; ///< the kernel's four characters, the first one in the low byte
-    /// This user may not open it, it is busy, or its camera does not answer: the formats are those that its descriptors name.
+    /// It could not be asked, whatever the reason: the formats are those that its descriptors name.
     bool closed = false;
 
     friend bool operator==(const FoundVideo&, const FoundVideo&) = default;
@@ -37,14 +38,16 @@ struct FoundCamera {
     std::uint32_t portNumber = 0;
     std::vector<FoundVideo> videos;
     std::vector<std::string> microphones; ///< "hw:1,0"
-    std::string refusal;                  ///< why there is no video node of it; empty unless that is so
+    std::string refusal; ///< why it has no video that delivers pictures; empty unless that is so
 
     friend bool operator==(const FoundCamera&, const FoundCamera&) = default;
 };
 
-/// Looks at what is plugged in. Nodes are told apart by what they can do: those of metadata are left out. A node is opened
-/// once while it is there, to be asked. Each camera has a thread for that: one that does not answer holds up no other. One
-/// that is being plugged in is waited for, so that it is seen with all its nodes, or not yet. Separate.
+/// Looks at what is plugged in. Nodes are told apart by what they can do: those of metadata are left out. A node that
+/// answers is opened once while it is there, one that does not at each look, and the log has each new reason. Each camera has
+/// a thread for that: one that does not answer holds up no other. One that is being plugged in is waited for, so that it is
+/// seen with all its nodes, or not yet; one that is being pulled out as well. A camera on USB of which nothing can be had is
+/// there with the reason. Separate.
 class CameraScan {
 public:
     explicit CameraScan(std::shared_ptr<Linux::Kernel> kernel = Linux::systemKernel(),
@@ -54,7 +57,6 @@ public:
     [[nodiscard]] std::vector<FoundCamera> look();
 
 private:
-    using Formats = std::vector<std::uint32_t>;
     using Path = std::filesystem::path;
 
     struct Node {
@@ -63,11 +65,21 @@ private:
         std::string identity; ///< of its camera
     };
 
+    /// What a node said when it was asked.
+    struct Told {
+        std::vector<std::uint32_t> formats;
+        std::string failure;  ///< why it could not be asked
+        bool forGood = false; ///< it says the same whenever it is asked
+    };
+
     [[nodiscard]] std::vector<Node> completeNodes();
-    [[nodiscard]] std::optional<FoundCamera> describe(const Path& hardware, const std::string& label);
-    void addVideo(const std::string& name, const Path& hardware, FoundCamera& camera);
+    [[nodiscard]] std::string identify(const Path& hardware) const;
+    [[nodiscard]] std::optional<FoundCamera> describe(const Path& hardware, const std::string& identity,
+                                                      const std::string& label);
+    void addVideo(const Node& node, FoundCamera& camera);
+    [[nodiscard]] Told ask(const Node& node, const std::string& path, const std::string& before);
     [[nodiscard]] Linux::CallThread& threadOf(const std::string& camera, const std::string& label);
-    [[nodiscard]] Formats ask(const std::string& camera, const std::string& path, bool& closed);
+    [[nodiscard]] bool isEmpty(FoundCamera& camera);
     void addMicrophones(std::vector<FoundCamera>& cameras) const;
     void addRefused(std::vector<FoundCamera>& cameras);
 
@@ -75,7 +87,8 @@ private:
     const Linux::Sysfs sysfs;
     std::map<std::string, std::unique_ptr<Linux::CallThread>> threads; ///< by the camera's identity
     std::map<std::string, FoundCamera> complete; ///< what has all its nodes, without these, by its identity
-    std::map<std::string, Formats> asked;        ///< by the node's name and when it was plugged in
+    std::map<std::pair<std::string, std::string>, Told>
+        asked; ///< by the camera's identity and the node's name
 };
 
 } // namespace Zentara::Usb

@@ -7,6 +7,7 @@
 #include <zentara/core/descriptor_store_ro.h>
 #include <zentara/core/guids.h>
 
+#include "plugins/linux/fourcc_text.h"
 #include "plugins/usb/generic_nodes.h"
 
 namespace Zentara::Usb {
@@ -66,6 +67,23 @@ NodeEvent describe(const FoundCamera& camera) {
     return node;
 }
 
+/// A camera without nodes.
+NodeEvent refused(const FoundCamera& camera, const std::string& reason) {
+    NodeEvent node = describe(camera);
+    node.path = camera.path;
+    node.name = camera.name + ": " + reason;
+    return node;
+}
+
+std::string formatsOf(const FoundCamera& camera) {
+    std::string text;
+    for (const FoundVideo& video : camera.videos) {
+        for (const std::uint32_t format : video.formats)
+            text += " " + Linux::fourCCText(format);
+    }
+    return text;
+}
+
 bool isServedHere(const GUID& device) {
     return guidEquals(device, Core::Guids::V4L2VIDEO_IMPL) || guidEquals(device, Core::Guids::ALSAAUDIO_IMPL);
 }
@@ -107,18 +125,16 @@ std::vector<NodeEvent> UsbEnumerator::find() {
 }
 
 std::vector<NodeEvent> UsbEnumerator::nodesOf(const FoundCamera& camera) {
-    if (!camera.refusal.empty()) {
-        NodeEvent node = describe(camera);
-        node.path = camera.path;
-        node.name = camera.name + ": " + camera.refusal;
-        return {node};
-    }
+    if (!camera.refusal.empty())
+        return {refused(camera, camera.refusal)};
     std::vector<NodeEvent> nodes;
     std::vector<Described> described = describedNodes(camera);
     if (described.empty())
         addGeneric(camera, nodes);
     else
         addDescribed(camera, std::move(described), nodes);
+    if (nodes.empty() && camera.vendorId != 0)
+        nodes.push_back(refused(camera, "no node can show what it delivers:" + formatsOf(camera)));
     return nodes;
 }
 

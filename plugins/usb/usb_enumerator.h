@@ -13,7 +13,7 @@ namespace Zentara::Usb {
 /// Finds real cameras: what has a video node, on USB or elsewhere, and the microphones of the same hardware. A camera that
 /// a description names by its four identifying values has the nodes of the description, each on the video node that
 /// delivers the described format; any other streams colour, sound and, where it delivers Z16, depth as a generic one. A
-/// camera of USB that the kernel made no node of is a node without a type, whose name says so.
+/// camera of USB of which there is no such node is a node without a type, whose name says why.
 ///
 /// Its thread looks as the kernel's news come in, and once a second. A node that this user may not open is told of as it is plugged in, and fails when it is
 /// opened. Without a store there are no nodes. Safe.

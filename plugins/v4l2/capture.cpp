@@ -8,7 +8,7 @@
 #include <zentara/utils/clock.h>
 #include <zentara/utils/format.h>
 
-#include "plugins/v4l2/fourcc_text.h"
+#include "plugins/linux/fourcc_text.h"
 
 namespace Zentara::V4l2 {
 
@@ -133,8 +133,8 @@ void Capture::setFormat(const DriverMode& mode) {
     if (made.width != mode.size.width || made.height != mode.size.height || made.pixelformat != mode.fourCC)
         throw Plugin::ConfigurationPluginException(
             Format("%: the driver makes % x % of % of a mode that it lists, % x % of %") % file->path() %
-            made.width % made.height % fourCCText(made.pixelformat) % mode.size.width % mode.size.height %
-            fourCCText(mode.fourCC));
+            made.width % made.height % Linux::fourCCText(made.pixelformat) % mode.size.width %
+            mode.size.height % Linux::fourCCText(mode.fourCC));
 }
 
 void Capture::setRate(const DriverMode& mode) {

@@ -26,6 +26,11 @@ int opened(Linux::Kernel& kernel, const std::string& path) {
             path % words);
     if (file == -ENOENT || file == -ENODEV || file == -ENXIO)
         throw Plugin::IOPluginException(Format("%: there is no camera any more: %") % path % words);
+    if (file == -EBUSY)
+        throw Plugin::IOPluginException(
+            Format("%: cannot open the camera: %; one that the kernel failed to wake is plugged in anew by "
+                   "it: try again") %
+            path % words);
     throw Plugin::IOPluginException(Format("%: cannot open the camera: %") % path % words);
 }
 

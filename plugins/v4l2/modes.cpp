@@ -9,7 +9,7 @@
 #include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/utils/format.h>
 
-#include "plugins/v4l2/fourcc_text.h"
+#include "plugins/linux/fourcc_text.h"
 
 namespace Zentara::V4l2 {
 
@@ -119,8 +119,8 @@ std::string listOf(const std::vector<DriverMode>& modes) {
         if (++count > 12)
             return text + ", and more";
         text += text.empty() ? "" : ", ";
-        text +=
-            Format("% %x%@%") % fourCCText(mode.fourCC) % mode.size.width % mode.size.height % mode.rate();
+        text += Format("% %x%@%") % Linux::fourCCText(mode.fourCC) % mode.size.width % mode.size.height %
+                mode.rate();
     }
     return text.empty() ? "nothing" : text;
 }

@@ -9,7 +9,7 @@
 #include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/utils/format.h>
 
-#include "plugins/v4l2/fourcc_text.h"
+#include "plugins/linux/fourcc_text.h"
 #include "plugins/v4l2/jpeg_decoder.h"
 
 namespace Zentara::V4l2 {
@@ -147,7 +147,7 @@ void checkLayout(const Layout& layout, Kind kind) {
     const auto refuse = [&layout](const char* why) {
         throw Plugin::ConfigurationPluginException(
             Format("the driver's frames are none: %: % x % pixels of %, % bytes a line, % bytes a frame") %
-            why % layout.width % layout.height % fourCCText(layout.fourCC) % layout.bytesPerLine %
+            why % layout.width % layout.height % Linux::fourCCText(layout.fourCC) % layout.bytesPerLine %
             layout.bytes);
     };
     if (layout.width == 0 || layout.height == 0)
@@ -174,7 +174,7 @@ Picture::Picture(const Layout& layout, Delivery delivery) {
     const Row row = rowOf(layout.fourCC);
     if (!delivers(row.kind, delivery))
         throw Plugin::NotSupportedPluginException(Format("frames of % are not supported here") %
-                                                  fourCCText(layout.fourCC));
+                                                  Linux::fourCCText(layout.fourCC));
     checkLayout(layout, row.kind);
     if (delivery == Delivery::Compressed) {
         maker = [](Bytes frame, std::byte* place) {

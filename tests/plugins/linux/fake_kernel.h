@@ -34,8 +34,10 @@ public:
     bool gone = false; ///< the camera was pulled out
     bool streams = false;
     int openFiles = 0;
+    std::map<std::string, int> opened; ///< how often, by path
 
     [[nodiscard]] int open(const std::string& path) override {
+        ++opened[path];
         if (openErrors.count(path) != 0)
             return -openErrors[path];
         return 100 + ++openFiles;

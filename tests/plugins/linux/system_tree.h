@@ -72,6 +72,10 @@ public:
         write(device + "/descriptors", {descriptors.begin(), descriptors.end()});
         link("bus/usb/devices/" + port, device);
     }
+    /// 0: the kernel resets it
+    void setAddress(const std::string& port, unsigned address) {
+        write("devices/usb1/" + port + "/devnum", std::to_string(address));
+    }
     void addVideo(unsigned number, const std::string& device, unsigned index = 0) {
         const std::string name = "class/video4linux/video" + std::to_string(number);
         write(name + "/index", std::to_string(index));

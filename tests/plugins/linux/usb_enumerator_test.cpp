@@ -55,9 +55,23 @@ std::vector<std::string> textsOf(const std::vector<NodeEvent>& nodes) {
     return texts;
 }
 
-TEST(UsbEnumerator, TellsNodesApartByWhatTheyDeliver) {
+class UsbEnumeratorTest : public testing::Test {
+protected:
+    ~UsbEnumeratorTest() override { enumerator.dispose(); }
+
+    std::vector<NodeEvent> look() {
+        std::vector<NodeEvent> nodes;
+        enumerator.enumerate(nodes);
+        return nodes;
+    }
+
     TestSupport::SystemTree tree;
-    const auto kernel = std::make_shared<TestSupport::FakeKernel>();
+    std::shared_ptr<TestSupport::FakeKernel> kernel = std::make_shared<TestSupport::FakeKernel>();
+    Store store;
+    UsbEnumerator enumerator{CameraScan(kernel, Linux::Sysfs(tree.path()))};
+};
+
+TEST_F(UsbEnumeratorTest, TellsNodesApartByWhatTheyDeliver) {
     kernel->formats = {V4L2_PIX_FMT_YUYV, V4L2_PIX_FMT_Y16, V4L2_PIX_FMT_Z16};
     kernel->openErrors["/dev/video4"] = EACCES;
     kernel->openErrors["/dev/video5"] = EACCES;
@@ -71,11 +85,8 @@ TEST(UsbEnumerator, TellsNodesApartByWhatTheyDeliver) {
     tree.addVideo(4, "devices/usb1/1-3/1-3:1.0");
     tree.addVideo(5, "devices/usb1/1-3/1-3:1.0", 1);
     tree.addMicrophone(3, "devices/usb1/1-2/1-2:1.2");
-    UsbEnumerator enumerator(CameraScan(kernel, Linux::Sysfs(tree.path())));
-    Store store;
-    std::vector<NodeEvent> nodes;
     enumerator.initialize(nullptr, &store);
-    enumerator.enumerate(nodes);
+    const std::vector<NodeEvent> nodes = look();
     EXPECT_THAT(textsOf(nodes),
                 ElementsAre("depth 3 /dev/video0", "color 5 /dev/video0", "depth 257 /dev/video2",
                             "color 258 /dev/video2", "audio 259 hw:3,0", "depth 257 /dev/video4",
@@ -95,7 +106,32 @@ TEST(UsbEnumerator, TellsNodesApartByWhatTheyDeliver) {
     tree.remove("class/video4linux/video2");
     EXPECT_FALSE(enumerator.isPresent(nodes[2]));
     EXPECT_TRUE(enumerator.isPresent(nodes[5]));
-    enumerator.dispose();
+}
+
+/// What cannot be had of a camera, and that only one that answers keeps a camera from being asked again.
+TEST_F(UsbEnumeratorTest, TellsWhyACameraHasNoNodes) {
+    kernel->formats = {V4L2_PIX_FMT_H264};
+    kernel->openErrors = {{"/dev/video1", ENODEV}, {"/dev/video2", EBUSY}};
+    for (unsigned number = 0; number < 3; ++number) {
+        const std::string port = "1-" + std::to_string(number);
+        tree.plug(port, "4321", "0001", Descriptors().interface(1, 2).format("Z16 ").bytes());
+        tree.addVideo(number, "devices/usb1/" + port + "/" + port + ":1.0");
+    }
+    enumerator.initialize(nullptr, &store);
+    const std::vector<NodeEvent> nodes = look();
+    ASSERT_EQ(nodes.size(), 3U);
+    EXPECT_THAT(nodes[0].name, HasSubstr("no node can show what it delivers: 'H264'"));
+    EXPECT_THAT(nodes[1].name, HasSubstr("/dev/video1: cannot ask what it delivers: No such device"));
+    EXPECT_EQ(nodes[2].path, "/dev/video2") << "by its descriptors: it could not be woken";
+    tree.setAddress("1-0", 0);
+    tree.setAddress("1-2", 8);
+    const std::vector<NodeEvent> later = look();
+    EXPECT_EQ(later[0], nodes[0]) << "while it is reset";
+    EXPECT_EQ(later[2].deviceAddress, 8U) << "another one";
+    EXPECT_EQ(kernel->opened["/dev/video0"], 1);
+    EXPECT_EQ(kernel->opened["/dev/video1"], 2);
+    tree.remove("devices/usb1/1-1/1-1:1.0/bInterfaceClass");
+    EXPECT_EQ(look().size(), 2U) << "it was being pulled out";
 }
 
 } // namespace

@@ -1,7 +1,5 @@
 #include <algorithm>
-#include <atomic>
 #include <cstdint>
-#include <thread>
 
 #include <gmock/gmock.h>
 
@@ -117,30 +115,6 @@ TEST(StreamClock, DropsWhatALateReaderMissed) {
     ASSERT_EQ(clock.waitForNext(second, due), StreamClock::Turn::Due);
     EXPECT_GT(second, first);
     EXPECT_GE(Utils::Clock::nowMicros(), due) << "never early";
-}
-
-TEST(StreamClock, StopWakesEveryReaderAndCancelOne) {
-    StreamClock clock(1, 1);
-    clock.startAt(Utils::Clock::nowMicros() + 100'000'000);
-    std::atomic<int> stopped{0};
-    const auto read = [&] {
-        std::uint64_t number = 0;
-        std::int64_t due = 0;
-        StreamClock::Turn turn = StreamClock::Turn::Late;
-        while (turn != StreamClock::Turn::Stopped && turn != StreamClock::Turn::Cancelled)
-            turn = clock.waitForNext(number, due);
-        ++stopped;
-    };
-    std::thread readers[]{std::thread(read), std::thread(read), std::thread(read)};
-    while (!clock.cancel())
-        std::this_thread::yield();
-    EXPECT_TRUE(clock.running()) << "a wait was ended, not the stream";
-    clock.stop();
-    for (std::thread& reader : readers)
-        reader.join();
-    EXPECT_EQ(stopped, 3);
-    EXPECT_FALSE(clock.running());
-    EXPECT_FALSE(clock.cancel()) << "nobody waits";
 }
 
 } // namespace

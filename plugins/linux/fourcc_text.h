@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-namespace Zentara::V4l2 {
+namespace Zentara::Linux {
 
 /// A pixel format's four characters, in quotes: "'YUYV'"; those that cannot be shown as dots.
 [[nodiscard]] inline std::string fourCCText(std::uint32_t code) {
@@ -15,4 +15,4 @@ namespace Zentara::V4l2 {
     return text + "'";
 }
 
-} // namespace Zentara::V4l2
+} // namespace Zentara::Linux
