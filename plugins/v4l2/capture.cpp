@@ -45,15 +45,29 @@ std::int64_t microsOf(const v4l2_buffer& buffer) {
     return std::int64_t{buffer.timestamp.tv_sec} * 1'000'000 + buffer.timestamp.tv_usec;
 }
 
+v4l2_selection selection(std::uint32_t target) {
+    v4l2_selection made{};
+    made.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
+    made.target = target;
+    return made;
+}
+
+std::string rectangleText(const v4l2_rect& part) {
+    return Format("% x % at %,%") % part.width % part.height % part.left % part.top;
+}
+
+/// What another program left: a part of the frame that alone is written. Many drivers have no such thing.
+void fillWholeFrame(const DeviceFile& file) {
+    v4l2_selection whole = selection(V4L2_SEL_TGT_COMPOSE_DEFAULT);
+    if (file.control(VIDIOC_G_SELECTION, whole) < 0)
+        return;
+    whole.target = V4L2_SEL_TGT_COMPOSE;
+    file.require(VIDIOC_S_SELECTION, whole, "fill the whole frame");
+}
+
 } // namespace
 
 void cropTo(const DeviceFile& file, const RegionOfInterestInternal& region) {
-    const auto selection = [](std::uint32_t target) {
-        v4l2_selection made{};
-        made.type = V4L2_BUF_TYPE_VIDEO_CAPTURE;
-        made.target = target;
-        return made;
-    };
     v4l2_selection bounds = selection(V4L2_SEL_TGT_CROP_BOUNDS);
     const int result = file.control(VIDIOC_G_SELECTION, bounds);
     if (result == -ENOTTY || result == -EINVAL)
@@ -69,10 +83,19 @@ void cropTo(const DeviceFile& file, const RegionOfInterestInternal& region) {
         throw Plugin::ArgumentPluginException(
             Format("%: the region % x % at %,% is not inside the picture of % x %") % file.path() %
             region.width % region.height % region.x % region.y % bounds.r.width % bounds.r.height);
+    v4l2_selection before = selection(V4L2_SEL_TGT_CROP);
+    file.require(VIDIOC_G_SELECTION, before, "ask for the region of interest");
     v4l2_selection part = selection(V4L2_SEL_TGT_CROP);
     part.r = {bounds.r.left + static_cast<std::int32_t>(region.x),
               bounds.r.top + static_cast<std::int32_t>(region.y), region.width, region.height};
+    const std::string wanted = rectangleText(part.r);
     file.require(VIDIOC_S_SELECTION, part, "set the region of interest");
+    const std::string made = rectangleText(part.r);
+    if (made == wanted)
+        return;
+    file.require(VIDIOC_S_SELECTION, before, "set the former region of interest");
+    throw Plugin::ConfigurationPluginException(Format("%: the driver makes the region % of %; it stays %") %
+                                               file.path() % made % wanted % rectangleText(before.r));
 }
 
 /// A frame's memory, which the driver writes.
@@ -106,6 +129,7 @@ Capture::Capture(std::shared_ptr<DeviceFile> opened, const DriverMode& mode, Del
     setRate(mode);
     if (crop)
         cropTo(*file, *crop);
+    fillWholeFrame(*file);
     try {
         const std::uint32_t count = requestMemory();
         // The driver may have changed its mind when it was asked for memory.

@@ -18,7 +18,7 @@ namespace Zentara::V4l2 {
 
 /// Chooses the part of the sensor that is delivered. On the device's own thread.
 /// \throws Plugin::NotSupportedPluginException when the driver cannot; Plugin::ArgumentPluginException for a part that the
-///         sensor doesn't have
+///         sensor doesn't have; Plugin::ConfigurationPluginException when the driver makes another part of it: it stays as it was
 void cropTo(const DeviceFile& file, const RegionOfInterestInternal& region);
 
 /// A stream of a video node: the driver's buffers, which this process shares, and the reader's turns at them.

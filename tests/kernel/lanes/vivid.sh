@@ -40,8 +40,10 @@ test_a_region_and_a_pause() {
     local number
     use_real_cameras
     [ -e /dev/video0 ] || load_vivid
+    v4l2-ctl -d /dev/video0 --set-selection target=compose,left=0,top=0,width=160,height=120 # by another program
     "$device" /dev/video0 region=80,60,640,360 start read=5 pause read=1 resume read=5 >"$TMPDIR/raw" 2>"$TMPDIR/said"
     [ "$(sed -n '6s/ .*//p' "$TMPDIR/said")" = 1 ] # in the pause there is nothing
+    expect 'Width 320, Height 240' v4l2-ctl -d /dev/video0 --get-selection target=compose
     v4l2-ctl -d /dev/video0 --set-selection target=crop,left=80,top=60,width=640,height=360
     refer /dev/video0
     for number in 0 1; do
@@ -51,5 +53,6 @@ test_a_region_and_a_pause() {
     v4l2-ctl -d /dev/video0 --set-selection target=crop,left=0,top=0,width=640,height=360
     refer /dev/video0
     ! python3 "$here/pictures.py" "$TMPDIR/part" 153600 153600 <"$TMPDIR/reference" 2>/dev/null
+    refuse 1 'makes the region 642 x 362 at 80,60 of 641 x 361 at 81,61; it stays 640 x 360 at 0,0' "$device" /dev/video0 region=81,61,641,361
     refuse 1 'is not inside the picture' "$device" /dev/video0 region=80,60,9999,360
 }
