@@ -73,7 +73,7 @@ def rewrite(lines):
                 if special and "= delete;" in text:
                     special = "There is none."
                 words = special or held or (NO_WORDS if PLAIN.match(text) else "")
-                if words and not re.match(r"(class|struct) \w+;", text):
+                if words and not re.match(r"(class|struct) \w+;|(virtual )?~", text):
                     lines[index] = line[:indent] + "/** " + re.sub(r"\s+", " ", words) + " */ " + line[indent:]
             if re.match(r"(class|struct|enum) ", text) and text.endswith("{"):
                 held, inside = "", False

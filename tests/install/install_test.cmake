@@ -20,21 +20,8 @@ else()
     list(APPEND options -DCMAKE_CXX_COMPILER=${CXX_COMPILER})
     set(suffix "")
 endif()
-run("configuring the client" ${CMAKE_COMMAND} -G Ninja -S ${SOURCE_DIR}/examples/host -B ${work}/client ${options})
-run("building the client" ${CMAKE_COMMAND} --build ${work}/client)
 
-# Beside the library, so that Windows finds the DLLs.
-foreach(client host contract)
-    file(COPY ${work}/client/${client}${suffix} DESTINATION ${prefix}/bin)
-    run("running the client" ${CMAKE_COMMAND} -E env ZENTARASDK_ROOT=${prefix}/ LD_LIBRARY_PATH=${prefix}/${LIBDIR}
-        ${EMULATOR} ${prefix}/bin/${client}${suffix})
-    if(NOT output MATCHES "[1-9][0-9]* bytes")
-        message(FATAL_ERROR "the client read no frame:\n${output}")
-    endif()
-    message(STATUS "the client: ${output}")
-endforeach()
-
-# Another one makes a point cloud through the host library.
+# A client makes a point cloud through the host library.
 run("configuring the cloud's client" ${CMAKE_COMMAND} -G Ninja -S ${SOURCE_DIR}/examples/point_cloud -B ${work}/cloud
     ${options})
 run("building the cloud's client" ${CMAKE_COMMAND} --build ${work}/cloud)
@@ -46,36 +33,53 @@ if(NOT output MATCHES "[1-9][0-9]* points" OR cloud_bytes LESS 100000)
     message(FATAL_ERROR "the client made no cloud:\n${output}")
 endif()
 
-# A plug-in from nothing passes the scan.
-run("configuring the plug-in" ${CMAKE_COMMAND} -G Ninja -S ${SOURCE_DIR}/examples/minimal_plugin -B ${work}/plugin
-    ${options})
-run("building the plug-in" ${CMAKE_COMMAND} --build ${work}/plugin)
-file(GLOB plugin ${work}/plugin/minimal_plugin.dll ${work}/plugin/minimal_plugin.so)
-file(COPY ${plugin} DESTINATION ${prefix}/bin/Plugins)
-run("listing the plug-ins" ${CMAKE_COMMAND} -E env ZENTARASDK_ROOT=${prefix}/ LD_LIBRARY_PATH=${prefix}/${LIBDIR}
-    ${EMULATOR} ${prefix}/bin/zentara${suffix} plugins --json)
-if(NOT output MATCHES "6D0E5C17-3F42-4B8A-9C51-2A77E0148BD3")
-    message(FATAL_ERROR "the plug-in is not registered:\n${output}")
-endif()
+# Where the pages are tested, these examples are built and run there, as the pages say.
+if(NOT WITHOUT_EXAMPLES)
+    run("configuring the client" ${CMAKE_COMMAND} -G Ninja -S ${SOURCE_DIR}/examples/host -B ${work}/client ${options})
+    run("building the client" ${CMAKE_COMMAND} --build ${work}/client)
 
-# A camera from nothing: two plug-ins and a description. The checker finds no fault with them, and names one that is there.
-run("configuring the wall" ${CMAKE_COMMAND} -G Ninja -S ${SOURCE_DIR}/examples/device_plugin -B ${work}/wall ${options})
-run("building the wall" ${CMAKE_COMMAND} --build ${work}/wall)
-run("installing the wall" ${CMAKE_COMMAND} --install ${work}/wall --prefix ${prefix})
-set(tool ${CMAKE_COMMAND} -E env ZENTARASDK_ROOT=${prefix}/ LD_LIBRARY_PATH=${prefix}/${LIBDIR} ${EMULATOR}
-    ${prefix}/bin/zentara${suffix})
-run("streaming the wall" ${tool} stream --camera WALL1 --frames 3 --json)
-file(GLOB walls ${prefix}/bin/Plugins/wall_* ${prefix}/bin/Plugins/minimal_plugin.*)
-list(LENGTH walls count)
-if(NOT count EQUAL 3)
-    message(FATAL_ERROR "not three plug-ins to check: ${walls}")
-endif()
-foreach(plugin ${walls})
-    run("checking ${plugin}" ${tool} plugins --check ${plugin})
-    if(plugin MATCHES "wall_device" AND NOT output MATCHES "passed   a camera whose description names it: WALL depth, WALL1")
-        message(FATAL_ERROR "the device was checked without its camera:\n${output}")
+    # Beside the library, so that Windows finds the DLLs.
+    foreach(client host contract)
+        file(COPY ${work}/client/${client}${suffix} DESTINATION ${prefix}/bin)
+        run("running the client" ${CMAKE_COMMAND} -E env ZENTARASDK_ROOT=${prefix}/ LD_LIBRARY_PATH=${prefix}/${LIBDIR}
+            ${EMULATOR} ${prefix}/bin/${client}${suffix})
+        if(NOT output MATCHES "[1-9][0-9]* bytes")
+            message(FATAL_ERROR "the client read no frame:\n${output}")
+        endif()
+        message(STATUS "the client: ${output}")
+    endforeach()
+
+    # A plug-in from nothing passes the scan.
+    run("configuring the plug-in" ${CMAKE_COMMAND} -G Ninja -S ${SOURCE_DIR}/examples/minimal_plugin -B ${work}/plugin
+        ${options})
+    run("building the plug-in" ${CMAKE_COMMAND} --build ${work}/plugin)
+    file(GLOB plugin ${work}/plugin/minimal_plugin.dll ${work}/plugin/minimal_plugin.so)
+    file(COPY ${plugin} DESTINATION ${prefix}/bin/Plugins)
+    run("listing the plug-ins" ${CMAKE_COMMAND} -E env ZENTARASDK_ROOT=${prefix}/ LD_LIBRARY_PATH=${prefix}/${LIBDIR}
+        ${EMULATOR} ${prefix}/bin/zentara${suffix} plugins --json)
+    if(NOT output MATCHES "6D0E5C17-3F42-4B8A-9C51-2A77E0148BD3")
+        message(FATAL_ERROR "the plug-in is not registered:\n${output}")
     endif()
-endforeach()
+
+    # A camera from nothing: two plug-ins and a description. The checker finds no fault with them, and names one that is there.
+    run("configuring the wall" ${CMAKE_COMMAND} -G Ninja -S ${SOURCE_DIR}/examples/device_plugin -B ${work}/wall ${options})
+    run("building the wall" ${CMAKE_COMMAND} --build ${work}/wall)
+    run("installing the wall" ${CMAKE_COMMAND} --install ${work}/wall --prefix ${prefix})
+    set(tool ${CMAKE_COMMAND} -E env ZENTARASDK_ROOT=${prefix}/ LD_LIBRARY_PATH=${prefix}/${LIBDIR} ${EMULATOR}
+        ${prefix}/bin/zentara${suffix})
+    run("streaming the wall" ${tool} stream --camera WALL1 --frames 3 --json)
+    file(GLOB walls ${prefix}/bin/Plugins/wall_* ${prefix}/bin/Plugins/minimal_plugin.*)
+    list(LENGTH walls count)
+    if(NOT count EQUAL 3)
+        message(FATAL_ERROR "not three plug-ins to check: ${walls}")
+    endif()
+    foreach(plugin ${walls})
+        run("checking ${plugin}" ${tool} plugins --check ${plugin})
+        if(plugin MATCHES "wall_device" AND NOT output MATCHES "passed   a camera whose description names it: WALL depth, WALL1")
+            message(FATAL_ERROR "the device was checked without its camera:\n${output}")
+        endif()
+    endforeach()
+endif()
 
 if(NOT TOOLCHAIN)
     # No header may lean on one that is not installed: each is compiled alone from the installed tree.
@@ -100,14 +104,5 @@ if(NOT TOOLCHAIN)
     separate_arguments(flags UNIX_COMMAND "${output}")
     run("building the client with pkg-config's flags" ${CXX_COMPILER} ${SOURCE_DIR}/examples/host/main.cpp
         ${flags} -o ${work}/host-by-pkg-config)
-
-    # What the page for hosts shows is a program.
-    separate_arguments(own_flags UNIX_COMMAND "${CXX_FLAGS}")
-    run("running the blocks of docs/using.md" ${CMAKE_COMMAND} -E chdir ${work} ${CMAKE_COMMAND} -E env
-        ZENTARASDK_ROOT=${prefix}/ LD_LIBRARY_PATH=${prefix}/${LIBDIR} ${SOURCE_DIR}/tests/docs/run-blocks
-        ${SOURCE_DIR}/docs/using.md ${work}/using ${CXX_COMPILER} ${own_flags} ${flags} -pthread)
-    if(NOT EXISTS ${work}/using.ply)
-        message(FATAL_ERROR "the page's program made no cloud:\n${output}")
-    endif()
 endif()
 message(STATUS "installed, built and ran")
