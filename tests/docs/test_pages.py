@@ -86,7 +86,7 @@ def test_commands(page: Page, installed: Installed) -> None:
 
 
 def number_in(cell: str) -> str:
-    found = re.match(r"(0x)?[0-9A-F]+", cell)
+    found = re.match(r"-?(0x)?[0-9A-F]+", cell)
     return found[0] if found else ""
 
 
