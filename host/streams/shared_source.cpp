@@ -66,10 +66,11 @@ public:
     }
 
     [[nodiscard]] SensorValueArray temperatures() override {
-        if (reader)
-            return told.temperatures;
-        last.temperatures = source->temperatures();
-        return last.temperatures;
+        SensorValueArray readings =
+            reader ? SensorValueArray() : source->temperatures(); // else frames tell them
+        const AutoLock hold(lock);
+        measured = readings;
+        return readings;
     }
     [[nodiscard]] const Recorded* recorded() const override { return reader ? &told : source->recorded(); }
     [[nodiscard]] std::uint64_t missedBefore() const override { return missedLast; }
@@ -157,6 +158,10 @@ private:
     void give(const std::byte* bytes, int length, std::int64_t micros) {
         last.micros = micros;
         last.length = static_cast<std::size_t>(length);
+        {
+            const AutoLock hold(lock);
+            last.temperatures = measured;
+        }
         try {
             giver->give(last, bytes);
         } catch (const Failure& failure) {
@@ -213,6 +218,7 @@ private:
     Utils::Threading::Signal wake; ///< set by stop()
     mutable Utils::Threading::Mutex lock;
     std::string description ZENTARA_GUARDED_BY(lock);
+    SensorValueArray measured ZENTARA_GUARDED_BY(lock); ///< goes with the frames that are given to others
 };
 
 } // namespace

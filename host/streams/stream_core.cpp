@@ -30,7 +30,6 @@ constexpr milliseconds askEvery{100};
 constexpr milliseconds returnPause = 300ms; // longer than an enumerator takes to see a removal
 constexpr milliseconds memoryPause = 10ms;
 constexpr milliseconds failurePause = 5ms;
-constexpr std::int64_t temperatureMicros = 5'000'000;
 constexpr std::size_t mostPlaces = 65'536; ///< of a queue
 constexpr std::size_t mostUnitBytes = std::size_t{1} << 26;
 
@@ -54,6 +53,13 @@ bool needsTemperatures(const StreamInfo& info) {
            mode->temperature != ModeCorrections::Temperature::None;
 }
 
+/// The first frame is to have temperatures already. \param warmth null where nobody needs them
+void begin(StreamSource& source, Warmth* warmth) {
+    source.start();
+    if (warmth != nullptr)
+        warmth->ask(source);
+}
+
 } // namespace
 
 Stream::Core::Core(StreamSetup setup, const StreamOptions& wanted)
@@ -69,7 +75,8 @@ Stream::Core::Core(StreamSetup setup, const StreamOptions& wanted)
     context = std::make_shared<const StreamContext>(source->info());
     gaps = FrameGaps(context->info.mode.rate);
     unitBytes = std::max<std::size_t>(1, source->usualBytes());
-    wantsTemperatures = needsTemperatures(context->info);
+    if (needsTemperatures(context->info))
+        warmth = std::make_shared<Warmth>();
 }
 
 Stream::State Stream::Core::state() const noexcept {
@@ -129,7 +136,7 @@ void Stream::Core::start() {
         return;
     const std::string what = Format("stream % from %") % context->info.mode.name % name;
     try {
-        hand->step(mostTime, what, [own] { own->start(); });
+        hand->step(mostTime, what, [own, asked = warmth] { begin(*own, asked.get()); });
         AutoLock hold(lock);
         if (condition == State::Stopped)
             return;
@@ -350,24 +357,25 @@ std::optional<Failure> Stream::Core::readUnits() {
     if (!own)
         return std::nullopt; // it is being stopped
     try {
-        readFrom(*own);
+        readFrom(own);
         return std::nullopt;
     } catch (...) {
         return failureNow(Format("read unit % from %") % counts().received % name);
     }
 }
 
-void Stream::Core::readFrom(StreamSource& from) {
+void Stream::Core::readFrom(const Source& from) {
     while (makeDraft()) {
-        readTemperatures(from);
+        if (warmth)
+            warmth->refresh(*hand, from, name);
         std::int64_t micros = 0;
         int length = 0;
         const ReadBufferStatus status =
-            from.read(draft.bytes(), static_cast<int>(draft.capacity()), &micros, &length);
+            from->read(draft.bytes(), static_cast<int>(draft.capacity()), &micros, &length);
         switch (status) {
         case ReadBufferStatus_OK:
-            tellRecorded(from.recorded());
-            deliver(length, micros, from.missedBefore());
+            tellRecorded(from->recorded());
+            deliver(length, micros, from->missedBefore());
             break;
         case ReadBufferStatus_TIMEOUT:
             break; // whether it has been silent for too long is for the one to say who waits
@@ -419,16 +427,15 @@ void Stream::Core::makeRoom(int length) {
 
 /// What a recording tells of a unit takes the place of what is asked of a camera.
 void Stream::Core::tellRecorded(const StreamSource::Recorded* told) {
-    if (told == nullptr)
+    FrameData& fields = draft.fields();
+    if (told == nullptr) {
+        fields.temperatureCount = warmth ? warmth->copyTo(fields.temperatures) : 0;
         return;
+    }
     isFirstAfterReturn = isFirstAfterReturn || told->isFirstAfterReturn;
-    draft.fields().takenMicros = told->takenMicros;
-    setTemperatures(told->temperatures);
-}
-
-void Stream::Core::setTemperatures(const SensorValueArray& readings) {
-    temperatureCount = std::min(readings.size(), temperatures.size());
-    std::copy_n(readings.values.begin(), temperatureCount, temperatures.begin());
+    fields.takenMicros = told->takenMicros;
+    fields.temperatureCount = std::min(told->temperatures.size(), fields.temperatures.size());
+    std::copy_n(told->temperatures.values.begin(), fields.temperatureCount, fields.temperatures.begin());
 }
 
 /// \param missed units before it that were given, but are gone
@@ -446,8 +453,6 @@ void Stream::Core::deliver(int length, std::int64_t micros, std::uint64_t missed
     fields.deviceMicros = micros;
     fields.hostMicros = Utils::Clock::nowMicros();
     fields.isFirstAfterReturn = returned;
-    fields.temperatures = temperatures;
-    fields.temperatureCount = temperatureCount;
     AutoLock hold(lock);
     while (options.keepsAll && queue.full() && condition == State::Streaming)
         changed.wait();
@@ -460,22 +465,6 @@ void Stream::Core::deliver(int length, std::int64_t micros, std::uint64_t missed
     arrived.notify(false);
     if (listener)
         listener->set();
-}
-
-/// Sensors that cannot be read are no reason to end a stream: its frames tell that they have no temperature.
-void Stream::Core::readTemperatures(StreamSource& from) {
-    if (!wantsTemperatures)
-        return;
-    const std::int64_t now = Utils::Clock::nowMicros();
-    if (temperaturesAt != 0 && now - temperaturesAt < temperatureMicros)
-        return;
-    temperaturesAt = now;
-    temperatureCount = 0;
-    try {
-        setTemperatures(from.temperatures());
-    } catch (...) {
-        temperatureCount = 0;
-    }
 }
 
 // Away and back -----------------------------------------------------------------------------------------------------
@@ -520,7 +509,8 @@ bool Stream::Core::comeBack() {
     try {
         if (back->info().mode != context->info.mode)
             throw Failure(Failure::Failed, name + " came back in another mode");
-        hand->call(mostTime, "start " + name + " again", [back] { back->start(); });
+        hand->call(mostTime, "start " + name + " again",
+                   [back, asked = warmth] { begin(*back, asked.get()); });
     } catch (...) {
         static_cast<void>(giveBack(std::move(back)));
         throw;
@@ -539,7 +529,6 @@ bool Stream::Core::comeBack() {
         return false;
     }
     isFirstAfterReturn = true;
-    temperaturesAt = 0;
     return true;
 }
 

@@ -20,6 +20,7 @@
 #include "host/streams/frame_memory.h"
 #include "host/streams/frame_queue.h"
 #include "host/streams/stream_source.h"
+#include "host/streams/warmth.h"
 
 namespace Zentara::Host {
 
@@ -70,12 +71,10 @@ private:
     // The reading thread's.
     void run();
     [[nodiscard]] std::optional<Failure> readUnits();
-    void readFrom(StreamSource& from);
+    void readFrom(const Source& from);
     [[nodiscard]] bool makeDraft();
     void makeRoom(int length);
     void deliver(int length, std::int64_t micros, std::uint64_t missed);
-    void readTemperatures(StreamSource& from);
-    void setTemperatures(const SensorValueArray& readings);
     void tellRecorded(const StreamSource::Recorded* told);
     [[nodiscard]] bool awaitReturn(const Failure& why);
     [[nodiscard]] bool comeBack();
@@ -100,18 +99,15 @@ private:
     const Note note;
     const Milliseconds mostTime; ///< for opening, and for starting
     const std::shared_ptr<Hand> hand;
-    std::string name;                             ///< this and the next never change once it is open
+    std::string name;                             ///< this and the next two never change once it is open
     std::shared_ptr<const StreamContext> context; ///< not null
+    std::shared_ptr<Warmth> warmth;               ///< null where nobody needs temperatures
 
     // The reading thread's alone.
     FrameGaps gaps;
     FrameDraft draft;
     std::size_t unitBytes = 0; ///< what a unit takes, as far as is known
     bool isFirstAfterReturn = false;
-    bool wantsTemperatures = false;
-    std::int64_t temperaturesAt = 0; ///< when they were read
-    std::array<SensorValue, FrameData::mostTemperatures> temperatures{};
-    std::size_t temperatureCount = 0;
 
     mutable Utils::Threading::Mutex lock;
     Utils::Threading::Condition arrived{&lock}; ///< a frame, or the end of waiting for one

@@ -18,8 +18,8 @@ namespace Zentara::Host {
 class Hand;
 
 /// Where a stream comes from: a camera's node, a bare device or a recording. Open when it has been made. Separate, but
-/// read() and temperatures() run on a thread of their own beside the other operations; they have returned, or hang for
-/// ever, before close().
+/// read() and what tells of the unit that it gave run on a thread of their own beside the other operations; it has
+/// returned, or hangs for ever, before close().
 class StreamSource {
 public:
     StreamSource() = default;
