@@ -2,7 +2,7 @@
 SOURCES = $(shell git ls-files '*.h' '*.cpp' '*.c')
 JOBS ?= $(shell nproc)
 
-.PHONY: demo test test-linux test-windows test-asan test-tsan test-kernel soak soak-kernel coverage packages test-packages docs format lint tidy bench bench-kernel clean
+.PHONY: demo test test-linux test-windows test-asan test-tsan test-kernel soak soak-kernel storm coverage packages test-packages docs format lint tidy bench bench-kernel clean
 
 ## Builds everything and drives two simulated cameras; leaves pictures, a point cloud, sound, a recording and a plot in build/demo/.
 demo:
@@ -43,6 +43,15 @@ soak-kernel:
 	@tests/kernel/run --machine "-icount shift=1" --job soak --timeout $$(($(MINUTES) * 120 + 110)) \
 	    env MINUTES=$(MINUTES) ZENTARA_TEST_LIMIT=$$(($(MINUTES) * 90 + 110)) tests/kernel/suite soak
 	@cat build/kernel/soak/soak.txt
+
+## Under the thread sanitizer, 2 to 64 threads do to the same cameras, streams and recordings whatever they may, for SECONDS, 600 unless told.
+storm: SECONDS ?= 600
+storm:
+	@.ci/setup ci
+	@cmake --preset tsan -Wno-dev >/dev/null
+	@cmake --build --preset tsan -j $(JOBS) --target zentara_storm
+	@ZENTARASDK_ROOT=$$PWD/build/tsan/ ZENTARA_SYSFS=$$PWD/build/tsan/no-devices TSAN_OPTIONS=detect_deadlocks=1:second_deadlock_stack=1 \
+	    timeout $$(($(SECONDS) + 300)) build/tsan/bin/zentara_storm $(SECONDS)
 
 ## Which lines and branches the tests reach on Linux: a summary for each room, and build/coverage/report/index.html.
 coverage:

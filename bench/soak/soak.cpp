@@ -22,6 +22,7 @@
 #include <zentara/host/cameras.h>
 #include <zentara/zentara.h>
 
+#include "bench/soak/left_over.h"
 #include "utils/platform/program.h"
 
 namespace {
@@ -379,19 +380,6 @@ bool allWereUsed(const std::map<std::string, FoundCamera>& cameras) {
     return all;
 }
 
-/// Nothing is left when nobody has a camera any more. A device that hangs lets go of its thread later than its caller.
-bool isAsBefore(const ResourceUse& before) {
-    ResourceUse now = Utils::Platform::resourceUse();
-    const auto holdsMore = [&] { return now.threads > before.threads || now.handles > before.handles; };
-    for (const auto until = Clock::now() + 20s; holdsMore() && Clock::now() < until;
-         now = Utils::Platform::resourceUse())
-        std::this_thread::sleep_for(50ms);
-    std::printf("%s: %u threads, %u handles left; before it were %u and %u\n",
-                holdsMore() ? "NOT ALL ENDED" : "ended", now.threads, now.handles, before.threads,
-                before.handles);
-    return !holdsMore();
-}
-
 } // namespace
 
 int main(int argc, char** argv) {
@@ -418,5 +406,5 @@ int main(int argc, char** argv) {
             user.join();
         good = allWereUsed(cameras) && watch.isFlat();
     }
-    return isAsBefore(before) && good ? 0 : 1;
+    return nothingIsLeft(before) && good ? 0 : 1;
 }
