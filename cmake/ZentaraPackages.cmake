@@ -91,6 +91,14 @@ A source of depth, colour and sound, an element that colours depth, and a
 device provider.")
     list(APPEND CPACK_COMPONENTS_ALL gstreamer)
 endif()
+if(TARGET zentara_viewer)
+    zentara_package(viewer zentara-viewer utils "zentara ${version}, ${plugins_name} ${version}, ${host_name} ${version}"
+        "window for depth cameras
+Shows depth and colour side by side, values under the pointer and a point
+cloud to turn; records, plays recordings and sets parameters.")
+    set(CPACK_DEBIAN_TOOL_PACKAGE_SUGGESTS zentara-viewer)
+    list(APPEND CPACK_COMPONENTS_ALL viewer)
+endif()
 zentara_shared_library(plugins ${plugins_name} libZentaraPlugins ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
 zentara_shared_library(host ${host_name} libZentaraHost ${ZENTARA_HOST_SOVERSION})
 

@@ -144,21 +144,14 @@ struct NamedVerb {
     const char* name;
     Verb (*add)(CLI::App& program);
 };
-constexpr NamedVerb allVerbs[]{{"plugins", addPluginsVerb},
-                               {"devices", addDevicesVerb},
-                               {"info", addInfoVerb},
-                               {"stream", addStreamVerb},
-                               {"params", addParamsVerb},
-                               {"sensors", addSensorsVerb},
-                               {"calibration", addCalibrationVerb},
-                               {"xu", addXuVerb},
-                               {"reg", addRegVerb},
-                               {"i2c", addI2cVerb},
-                               {"firmware", addFirmwareVerb},
-                               {"meta", addMetaVerb},
-                               {"modfreq", addModfreqVerb},
-                               {"rom", addRomVerb},
-                               {doctorVerb, addDoctorVerb}};
+constexpr NamedVerb allVerbs[]{{"plugins", addPluginsVerb}, {"devices", addDevicesVerb},
+                               {"info", addInfoVerb},       {"stream", addStreamVerb},
+                               {"view", addViewVerb},       {"params", addParamsVerb},
+                               {"sensors", addSensorsVerb}, {"calibration", addCalibrationVerb},
+                               {"xu", addXuVerb},           {"reg", addRegVerb},
+                               {"i2c", addI2cVerb},         {"firmware", addFirmwareVerb},
+                               {"meta", addMetaVerb},       {"modfreq", addModfreqVerb},
+                               {"rom", addRomVerb},         {doctorVerb, addDoctorVerb}};
 
 /// Where a verb comes first, that one alone: the options of all take longer to make than many a verb takes.
 std::vector<Verb> addVerbs(CLI::App& program, const std::vector<std::string>& arguments) {

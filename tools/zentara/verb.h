@@ -39,6 +39,7 @@ inline constexpr const char* doctorVerb = "doctor";
 [[nodiscard]] Verb addRomVerb(CLI::App& program);
 [[nodiscard]] Verb addSensorsVerb(CLI::App& program);
 [[nodiscard]] Verb addStreamVerb(CLI::App& program);
+[[nodiscard]] Verb addViewVerb(CLI::App& program);
 [[nodiscard]] Verb addXuVerb(CLI::App& program);
 
 /// Runs the tool. \param arguments without the program's name, UTF-8. \return the exit code

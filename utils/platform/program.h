@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdio>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -26,6 +27,12 @@ void failInsteadOfDying() noexcept;
 /// Ends the process where it stands, whatever its threads are at: nothing is flushed, no destructor and no library's end
 /// is run. On Windows std::_Exit waits for a thread that sits in the loading of a library; this does not.
 [[noreturn]] void endProcess(int code) noexcept;
+
+/// Has another program do what is left to be done: it takes over the standard streams, and this process itself where the
+/// system can do that; elsewhere this one waits for its end.
+/// \param program its path \param arguments without the program's name; UTF-8
+/// \return its exit code; nothing when it could not be started
+std::optional<int> handOver(const std::string& program, const std::vector<std::string>& arguments);
 
 /// The system's error numbers that mean a lack of permission, that a device has gone, and that it did not answer in time.
 std::vector<long> permissionErrors();

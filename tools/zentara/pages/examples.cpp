@@ -22,6 +22,8 @@ constexpr Example examples[] = {
     {"stream", "--frames 30 --png depth.png", "a picture of depth"},
     {"stream", "--frames 30 --color --ply cloud.ply", "a point cloud in colour"},
     {"stream", "--all --frames 30 --record all.ztrec", "everything into one file"},
+    {"view", "--snapshot view.png --cloud", "what the window shows, without a window"},
+    {"view", "--play all.ztrec --snapshot played.png", "of a recording"},
     {"params", "list --camera SIM0570", "names, values and ranges"},
     {"params", "set \"exposure time=0.5\" --camera SIM0570", "in the unit that 'params list' shows"},
     {"sensors", "--watch --seconds 1 --png warm.png", "temperatures, plotted"},

@@ -46,6 +46,15 @@ void failInsteadOfDying() noexcept {
 
 [[noreturn]] void endProcess(int code) noexcept { std::_Exit(code); }
 
+std::optional<int> handOver(const std::string& program, const std::vector<std::string>& arguments) {
+    std::vector<char*> words{const_cast<char*>(program.c_str())};
+    for (const std::string& argument : arguments)
+        words.push_back(const_cast<char*>(argument.c_str()));
+    words.push_back(nullptr);
+    execv(program.c_str(), words.data());
+    return std::nullopt;
+}
+
 std::vector<long> permissionErrors() { return {EACCES, EPERM}; }
 std::vector<long> absenceErrors() { return {ENODEV, ENXIO, ESHUTDOWN}; }
 std::vector<long> timeoutErrors() { return {ETIMEDOUT}; }

@@ -12,6 +12,8 @@
 #include <fcntl.h>
 #include <io.h>
 
+#include "utils/platform/program.h"
+
 namespace Zentara::Utils::Platform {
 namespace {
 
@@ -50,12 +52,10 @@ void appendQuoted(std::wstring& line, const std::wstring& word) {
     line.append(backslashes, L'\\') += L'"';
 }
 
-std::wstring commandLine(const std::string& program, const std::vector<std::string>& arguments,
-                         HANDLE report) {
+std::wstring commandLine(const std::string& program, const std::vector<std::string>& arguments) {
     std::wstring line = L"\"" + widen(program) + L"\"";
     for (const std::string& argument : arguments)
         appendQuoted(line, widen(argument));
-    appendQuoted(line, std::to_wstring(reinterpret_cast<std::uintptr_t>(report)));
     return line;
 }
 
@@ -111,7 +111,8 @@ bool start(const std::string& program, const std::vector<std::string>& arguments
     startup.StartupInfo.hStdOutput = output.get();
     startup.StartupInfo.hStdError = output.get();
     startup.lpAttributeList = inherited.get();
-    std::wstring line = commandLine(program, arguments, report);
+    std::wstring line = commandLine(program, arguments);
+    appendQuoted(line, std::to_wstring(reinterpret_cast<std::uintptr_t>(report)));
     PROCESS_INFORMATION made{};
     if (!CreateProcessW(widen(program).c_str(), line.data(), nullptr, nullptr, TRUE,
                         CREATE_SUSPENDED | CREATE_NO_WINDOW | EXTENDED_STARTUPINFO_PRESENT, nullptr, nullptr,
@@ -194,6 +195,24 @@ ChildEnd runChild(const std::string& program, const std::vector<std::string>& ar
     }
     readWhatIsThere(readEnd.get(), report);
     return endOf(process.get());
+}
+
+/// The console asks both to end: this process leaves that to the other one.
+std::optional<int> handOver(const std::string& program, const std::vector<std::string>& arguments) {
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    std::wstring line = commandLine(program, arguments);
+    PROCESS_INFORMATION made{};
+    if (!CreateProcessW(widen(program).c_str(), line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
+                        &startup, &made))
+        return std::nullopt;
+    const OwnedHandle process(made.hProcess);
+    CloseHandle(made.hThread);
+    SetConsoleCtrlHandler([](DWORD) { return TRUE; }, TRUE);
+    WaitForSingleObject(process.get(), INFINITE);
+    DWORD code = 0;
+    GetExitCodeProcess(process.get(), &code);
+    return static_cast<int>(code);
 }
 
 std::FILE* openReport(const std::string& channel) {
