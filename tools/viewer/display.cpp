@@ -27,6 +27,16 @@ constexpr double greatestScale = 8;
 std::atomic<Uint32> wakeEvent = 0; ///< 0 while there is no window
 std::atomic<bool> isWoken = false; ///< one such event is enough
 
+std::atomic<void (*)()> endAction = nullptr;
+
+/// Called on every thread that misses the desktop; none may go on, and the first one ends them all.
+int endWithDesktop(void*) {
+    if (const auto action = endAction.exchange(nullptr))
+        action();
+    for (;;)
+        SDL_Delay(1000);
+}
+
 struct Deleter {
     void operator()(SDL_Window* window) const noexcept { SDL_DestroyWindow(window); }
     void operator()(SDL_Surface* surface) const noexcept { SDL_FreeSurface(surface); }
@@ -180,6 +190,15 @@ bool Display::wait(int milliseconds, SDL_Event& event) {
     else
         ImGui_ImplSDL2_ProcessEvent(&event);
     return true;
+}
+
+void Display::whenDesktopEnds(void (*action)()) noexcept {
+    endAction = action;
+    using Handler = int (*)(void*);
+    if (void* const library = SDL_LoadObject("libX11.so.6")) { // stays loaded: SDL has it as well
+        if (void* const function = SDL_LoadFunction(library, "XSetIOErrorHandler"))
+            reinterpret_cast<Handler (*)(Handler)>(function)(endWithDesktop);
+    }
 }
 
 void Display::wake() noexcept {

@@ -36,6 +36,8 @@ public:
 
     /// Waits for something to happen, at most so long; what it was has been told to ImGui. \return whether something did
     [[nodiscard]] bool wait(int milliseconds, SDL_Event& event);
+    /// What is called, once, when the desktop has ended; it must end the process, which the desktop's own library would do.
+    static void whenDesktopEnds(void (*action)()) noexcept;
     /// Ends a wait. Safe.
     static void wake() noexcept;
 

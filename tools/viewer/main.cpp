@@ -29,13 +29,13 @@ extern "C" void noteInterrupt(int signal) {
     std::signal(signal, SIG_DFL); // the second one ends the program at once
 }
 
-/// The desktop's own library ends the process where the desktop has gone: what was recorded is made whole first.
-void endWithoutDesktop() {
-    if (running == nullptr)
-        return;
-    running->scene().rescue();
+/// What was recorded is made whole first.
+[[noreturn]] void endWithoutDesktop() {
+    const std::string kept = running->scene().rescue();
     tellFailure(console,
                 {Failure::Failed, "the window has gone", "the desktop ended, or the connection to it"});
+    if (!kept.empty())
+        note(console, kept);
     std::cerr.flush();
     Zentara::Utils::Platform::endProcess(Failure::Failed);
 }
@@ -45,9 +45,10 @@ int view(const ViewWishes& wishes) {
     running = &viewer;
     int code = Failure::None;
     try {
-        if (wishes.snapshot.empty())
+        if (wishes.snapshot.empty()) {
+            Display::whenDesktopEnds(endWithoutDesktop);
             code = viewer.run();
-        else
+        } else
             viewer.writeSnapshot();
     } catch (const Failure& failure) {
         tellFailure(console, failure);
@@ -94,7 +95,6 @@ int main(int argc, char** argv) {
     const Platform::ConsoleSetup setup;
     std::signal(SIGINT, noteInterrupt);
     std::signal(SIGTERM, noteInterrupt);
-    std::atexit(endWithoutDesktop);
     try {
         return run(Platform::programArguments(argc, argv));
     } catch (const Failure& failure) {

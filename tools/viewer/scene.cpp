@@ -39,6 +39,12 @@ std::string textOf(const Failure& failure) {
            (failure.remedy().empty() ? "" : "; " + Host::visibleText(failure.remedy()));
 }
 
+std::string holdsText(const Film& film) {
+    if (film.frames() == 0)
+        return "nothing was recorded: no frame came";
+    return Utils::Format("'%' holds % frames") % film.path() % film.frames();
+}
+
 } // namespace
 
 /// The buses, and what a thread of its own has heard of them.
@@ -318,9 +324,7 @@ void Scene::endFilm() {
         ended->finish();
         const auto trouble = ended->trouble();
         const bool isEmpty = ended->frames() == 0;
-        const std::string holds = isEmpty ? "nothing was recorded: no frame came"
-                                          : static_cast<std::string>(Utils::Format("'%' holds % frames") %
-                                                                     ended->path() % ended->frames());
+        const std::string holds = holdsText(*ended);
         say(trouble ? "the recording ended: " + textOf(*trouble) + (isEmpty ? "" : "; " + holds) : holds,
             trouble || isEmpty);
         wake();
@@ -430,9 +434,11 @@ bool Scene::end() {
     return isWell;
 }
 
-void Scene::rescue() noexcept {
-    if (recorded)
-        recorded->finish();
+std::string Scene::rescue() {
+    if (!recorded)
+        return {};
+    recorded->finish();
+    return holdsText(*recorded);
 }
 
 } // namespace Zentara::Viewer

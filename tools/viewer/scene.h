@@ -93,7 +93,8 @@ public:
     /// Ends all streams and completes the recording. \return false when something hangs in a device
     [[nodiscard]] bool end();
     /// Completes the recording where it stands, whatever the others do: the process is about to end.
-    void rescue() noexcept;
+    /// \return what there is, for people; empty when nothing was recorded
+    [[nodiscard]] std::string rescue();
 
 private:
     using Clock = std::chrono::steady_clock;
