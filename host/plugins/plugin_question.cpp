@@ -180,11 +180,14 @@ bool readAccepted(const std::string& line, PluginProbe& probe) {
     if (report == nullptr)
         Utils::Platform::endProcess(Failure::Usage);
     std::fputs("\n", report); // the program has started
+    // Told at once, for each line wakes the one who asks. Should a file end the process each one is asked alone.
+    std::string accepted;
     for (const std::string& path : Utils::getFileList(arguments[1], Core::pluginFileExtension())) {
         const PluginProbe probe = Core::probePluginFile(path, {});
         if (probe.accepted())
-            std::fputs(toAccepted(probe).c_str(), report);
+            accepted += toAccepted(probe);
     }
+    std::fputs(accepted.c_str(), report);
     Utils::Platform::endProcess(Failure::None);
 }
 
