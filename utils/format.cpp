@@ -137,23 +137,26 @@ Item parseBracedItem(std::string_view item) {
     }
 }
 
-/// As find(). A text that lies in the string itself was written just now and in small pieces, for which a search that
-/// takes many bytes at once has to wait.
-std::size_t findBrace(std::string_view text, std::size_t from) noexcept {
-    constexpr std::size_t insideString = 15;
-    if (text.size() > insideString)
-        return text.find('{', from);
+/// As find(), for what is found soon or not at all.
+std::size_t findSoon(std::string_view text, char wanted, std::size_t from) noexcept {
     for (; from < text.size(); ++from) {
-        if (text[from] == '{')
+        if (text[from] == wanted)
             return from;
     }
     return std::string_view::npos;
 }
 
+/// As find(). A text that lies in the string itself was written just now and in small pieces, for which a search that
+/// takes many bytes at once has to wait; and what is as short takes less than the call of one.
+std::size_t findBrace(std::string_view text, std::size_t from) noexcept {
+    constexpr std::size_t insideString = 15;
+    return text.size() - from > insideString ? text.find('{', from) : findSoon(text, '{', from);
+}
+
 /// The item whose opening brace stands at `position`, which then is behind the closing one.
 Item takeItem(std::string_view format, std::size_t& position) {
     const std::size_t start = position + 1;
-    const std::size_t end = format.find('}', start);
+    const std::size_t end = findSoon(format, '}', start);
     if (end == std::string_view::npos)
         throw UFormatException("unterminated format item");
     position = end + 1;
