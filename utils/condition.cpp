@@ -63,7 +63,7 @@ struct Condition::Impl {
 
     void enter(Waiter& waiter);
     bool leave(Waiter& waiter);
-    bool notifyFirst() ZENTARA_REQUIRES(state);
+    const void* takeFirst() ZENTARA_REQUIRES(state);
 };
 
 void Condition::Impl::enter(Waiter& waiter) {
@@ -80,16 +80,15 @@ bool Condition::Impl::leave(Waiter& waiter) {
     return notified;
 }
 
-/// False when nobody waits.
-bool Condition::Impl::notifyFirst() {
+/// Notifies the first one. \return what it sleeps on, for it to be woken; null when nobody waits
+const void* Condition::Impl::takeFirst() {
     Waiter* const first = waiting.first();
     if (!first)
-        return false;
+        return nullptr;
     waiting.remove(*first);
     // Under the lock that the waiter takes before it goes: its record is still there.
     first->notified.store(1, std::memory_order_release);
-    Platform::wakeOnWord(&first->notified);
-    return true;
+    return &first->notified;
 }
 
 Condition::Condition(Mutex* mutex) : impl(std::make_unique<Impl>(mutex, nullptr)) {}
@@ -129,18 +128,31 @@ int Condition::timedWait(unsigned long milliseconds) noexcept {
 void Condition::notify(bool takeMutex) noexcept {
     if (takeMutex)
         lock();
+    const void* sleeper = nullptr;
     {
         AutoLock hold(impl->state);
-        impl->notifyFirst();
+        sleeper = impl->takeFirst();
     }
+    // Woken without the lock, which it takes next. Should its record have gone by now, nobody or another one wakes, who
+    // looks and sleeps again.
+    if (sleeper)
+        Platform::wakeOnWord(sleeper);
     if (takeMutex)
         unlock();
 }
 
 void Condition::notifyAll() noexcept {
-    AutoLock hold(impl->state);
-    while (impl->notifyFirst()) {
+    const void* last = nullptr; // it is woken without the lock, as by notify()
+    {
+        AutoLock hold(impl->state);
+        while (const void* const next = impl->takeFirst()) {
+            if (last)
+                Platform::wakeOnWord(last);
+            last = next;
+        }
     }
+    if (last)
+        Platform::wakeOnWord(last);
 }
 
 } // namespace Zentara::Utils::Threading
