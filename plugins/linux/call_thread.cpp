@@ -227,8 +227,9 @@ std::shared_ptr<void> CallThread::finish(const std::string& what, std::function<
         throw Plugin::TimeoutPluginException(
             Format("%: cannot %: the camera has not answered for % s; unplug it if it stays silent") % label %
             what % (patienceMilliseconds / 1000.0));
-    if (call->failure)
-        std::rethrow_exception(call->failure);
+    // The device's thread may let go of the call later than this one, and has no share of what is thrown then.
+    if (const std::exception_ptr failure = std::exchange(call->failure, nullptr))
+        std::rethrow_exception(failure);
     return call->result;
 }
 
