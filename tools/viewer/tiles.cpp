@@ -25,7 +25,6 @@ constexpr ImU32 alarming = IM_COL32(255, 150, 90, 255);
 constexpr ImU32 shade = IM_COL32(0, 0, 0, 150);
 constexpr std::int64_t silenceMicros = 2'000'000;
 constexpr int scaleSteps = 64;
-constexpr double turnsPerWidth = 180; ///< degrees, from one side of the picture to the other
 
 std::string oneDecimal(double number) {
     return Format("%.%") % static_cast<long>(number) % (std::lround(number * 10) % 10);
