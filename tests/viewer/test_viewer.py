@@ -99,7 +99,7 @@ def desktop(tmp_path: pathlib.Path) -> Iterator[Desktop]:
 
 def test_keys_and_pointer(desktop: Desktop) -> None:
     window = desktop.view()
-    assert desktop.moves()
+    desktop.until(desktop.moves, "pictures")
     fixed = desktop.brightness(IN_DEPTH), desktop.pixels((40, 40, 60, 41))
     desktop.do("key", "a")
     desktop.until(lambda: desktop.pixels((40, 40, 60, 41))[0][:3] != fixed[1][0][:3] and desktop.colors(IN_DEPTH) > 50, "another range")
@@ -141,7 +141,21 @@ def test_a_full_disk_ends_the_recording_alone(desktop: Desktop) -> None:
     desktop.do("key", "r")
     desktop.until(lambda: (desktop.place / "zentara.ztrec").exists(), "the end of the recording")
     assert desktop.recorded() > 3
-    assert desktop.moves() and desktop.windows[0].poll() is None
+    desktop.until(desktop.moves, "pictures after that")
+    assert desktop.windows[0].poll() is None
+
+
+def test_a_recording_that_was_held_goes_on_from_there(desktop: Desktop) -> None:
+    subprocess.run(["zentara", "stream", "--frames", "150", "--record", "played.ztrec"], env=desktop.environment, cwd=desktop.place,
+                   check=True, stdout=subprocess.DEVNULL)
+    desktop.view("--play", "played.ztrec")
+    desktop.do("key", "space")
+    desktop.until(lambda: not desktop.moves(), "a picture that stands")
+    time.sleep(3)  # longer than all of it
+    desktop.do("key", "space")
+    began = time.monotonic()
+    desktop.until(lambda: not desktop.moves(), "its end")
+    assert time.monotonic() - began > 0.8
 
 
 def test_a_desktop_that_ends_leaves_the_recording_whole(desktop: Desktop) -> None:

@@ -5,6 +5,7 @@
 
 #include <zentara/compression_type.h>
 #include <zentara/host/visible_text.h>
+#include <zentara/utils/clock.h>
 #include <zentara/utils/format.h>
 
 namespace Zentara::Viewer {
@@ -17,6 +18,7 @@ using State = Host::Stream::State;
 namespace {
 
 constexpr unsigned long lookMilliseconds = 100; ///< how late an absence is seen
+constexpr unsigned long dueMilliseconds = 4;    ///< how late a frame of a recording that was held may be
 constexpr int triesEvery = 10;                  ///< looks, between two attempts to open a camera
 constexpr std::size_t queuedFrames = 120;       ///< of two seconds: while a disk takes its time
 constexpr int mostAtOnce = 30;                  ///< frames, until the other stream has its turn
@@ -36,6 +38,17 @@ struct CameraFeed::Track {
     Host::Stream stream;
     std::size_t number; ///< among the tracks
     std::deque<std::int64_t> arrivals{};
+    std::optional<Frame> ahead{};         ///< taken from a recording that was held, before its time
+    std::optional<std::int64_t> origin{}; ///< of the device's clock, on the host's
+
+    /// Whether a recording that was held so long would have delivered it by now. Its stream goes by a clock that is not held,
+    /// and hurries as soon as it can.
+    bool isDue(const Frame& frame, std::int64_t held) {
+        const std::int64_t now = Utils::Clock::nowMicros();
+        if (!origin || frame.isFirstAfterReturn())
+            origin = now - held - frame.deviceMicros();
+        return *origin + frame.deviceMicros() + held <= now;
+    }
 
     void count(const Frame& frame) {
         arrivals.push_back(frame.hostMicros());
@@ -166,6 +179,7 @@ void CameraFeed::stream() {
     if (rules.recorded)
         tell(Phase::Opening, "");
     const Host::Camera camera = open();
+    heldMicros = 0;
     openTracks(camera);
     for (Track& track : tracks) {
         track.stream.wake(wake);
@@ -178,22 +192,30 @@ void CameraFeed::stream() {
             infos.push_back(track.stream.info());
     }
     tell(Phase::Streaming, "");
+    std::optional<std::int64_t> heldSince;
     for (bool goesOn = true; goesOn;) {
-        wake->timedWait(lookMilliseconds);
+        const bool isAhead = std::any_of(tracks.begin(), tracks.end(),
+                                         [](const Track& track) { return track.ahead.has_value(); });
+        wake->timedWait(isAhead ? dueMilliseconds : lookMilliseconds);
         {
             const std::lock_guard<std::mutex> guard(lock);
             if (ending || restart)
                 return;
-            if (held && rules.recorded)
+            if (held && rules.recorded) {
+                heldSince = heldSince.value_or(Utils::Clock::nowMicros());
                 continue;
+            }
         }
+        if (heldSince)
+            heldMicros += Utils::Clock::nowMicros() - *std::exchange(heldSince, std::nullopt);
         goesOn = false;
         std::string away;
         for (Track& track : tracks) {
             const State before = track.stream.state();
-            if (take(track, track.stream.info().mode.kind == Kind::Color))
-                wake->set(); // there may be more
-            goesOn = goesOn || before != State::Ended;
+            const bool isMore = take(track, track.stream.info().mode.kind == Kind::Color);
+            if (isMore)
+                wake->set();
+            goesOn = goesOn || isMore || track.ahead || before != State::Ended;
             if (const auto trouble = track.stream.trouble(); before == State::Away && trouble && away.empty())
                 away = textOf(*trouble);
         }
@@ -216,9 +238,14 @@ bool CameraFeed::take(Track& track, bool isColor) {
     }
     int taken = 0;
     for (; taken < mostAtOnce; ++taken) {
-        std::optional<Frame> frame = track.stream.poll();
+        std::optional<Frame> frame =
+            track.ahead ? std::exchange(track.ahead, std::nullopt) : track.stream.poll();
         if (!frame)
             break;
+        if (rules.recorded && !track.isDue(*frame, heldMicros) && heldMicros != 0) {
+            track.ahead = std::move(frame);
+            break;
+        }
         track.count(*frame);
         if (into)
             into->add(first + track.number, *frame);

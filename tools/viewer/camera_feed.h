@@ -108,7 +108,8 @@ private:
     const std::function<void()> wakeViewer;
     std::shared_ptr<Utils::Threading::Signal> wake; ///< the streams' and the viewer's: something has happened
 
-    std::vector<Track> tracks; ///< of the feed's thread
+    std::vector<Track> tracks;   ///< of the feed's thread
+    std::int64_t heldMicros = 0; ///< the same: how long a recording that plays has been held so far
 
     mutable std::mutex lock; ///< guards all that follows
     FeedState now;
