@@ -9,6 +9,8 @@
 #include <zentara/host/visible_text.h>
 #include <zentara/utils/format.h>
 
+#include "tools/viewer/colors.h"
+
 namespace Zentara::Viewer {
 namespace {
 
@@ -16,8 +18,6 @@ using Host::NumberRange;
 using Host::Parameter;
 using Utils::Format;
 
-const ImVec4 alarming{1, 0.6F, 0.35F, 1};
-const ImVec4 pale{0.63F, 0.63F, 0.63F, 1};
 const ImVec4 red{1, 0.3F, 0.3F, 1};
 constexpr ImGuiWindowFlags fixedWindow = ImGuiWindowFlags_NoDecoration | ImGuiWindowFlags_NoMove |
                                          ImGuiWindowFlags_NoSavedSettings | ImGuiWindowFlags_NoNav |
@@ -111,7 +111,7 @@ void layOutNumber(CameraControls& controls, Parameter& parameter, Number value) 
         text(Host::valueText(value) + unit);
         if (parameter.isWritable) {
             ImGui::SameLine();
-            ImGui::TextColored(pale, "no range is told");
+            ImGui::TextColored(ImColor(pale), "no range is told");
         }
         return;
     }
@@ -180,7 +180,8 @@ void layOutParameters(SceneCamera& camera) {
         ImGui::PopStyleColor();
     }
     if (camera.known.parameters.empty())
-        ImGui::TextColored(pale, camera.feed->isRecording() ? "a recording has none" : "none are known yet");
+        ImGui::TextColored(ImColor(pale),
+                           camera.feed->isRecording() ? "a recording has none" : "none are known yet");
     for (Parameter& parameter : camera.known.parameters)
         layOutParameter(*camera.controls, parameter);
 }
@@ -213,17 +214,17 @@ void layOutStatus(Scene& scene, const Area& room) {
             ImGui::SameLine();
         }
         if (scene.isPaused()) {
-            ImGui::TextColored(alarming,
+            ImGui::TextColored(ImColor(alarming),
                                scene.film() != nullptr ? "PAUSED, the recording goes on" : "PAUSED");
             ImGui::SameLine();
         }
         const std::string message = scene.message();
         if (!message.empty() && scene.messageIsTrouble())
-            ImGui::TextColored(alarming, "%s", message.c_str());
+            ImGui::TextColored(ImColor(alarming), "%s", message.c_str());
         else if (!message.empty())
             text(message);
         else
-            ImGui::TextColored(pale, "h: keys");
+            ImGui::TextColored(ImColor(pale), "h: keys");
     }
     ImGui::End();
 }

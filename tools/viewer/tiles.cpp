@@ -9,6 +9,8 @@
 #include <zentara/utils/clock.h>
 #include <zentara/utils/format.h>
 
+#include "tools/viewer/colors.h"
+
 namespace Zentara::Viewer {
 namespace {
 
@@ -19,9 +21,6 @@ using Utils::Format;
 constexpr int captionLines = 6;
 constexpr double usualProportion = 4.0 / 3;
 constexpr std::uint32_t emptyPicture = 0x282828;
-constexpr ImU32 bright = IM_COL32(230, 230, 230, 255);
-constexpr ImU32 pale = IM_COL32(160, 160, 160, 255);
-constexpr ImU32 alarming = IM_COL32(255, 150, 90, 255);
 constexpr ImU32 shade = IM_COL32(0, 0, 0, 150);
 constexpr std::int64_t silenceMicros = 2'000'000;
 constexpr int scaleSteps = 64;
