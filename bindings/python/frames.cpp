@@ -77,7 +77,7 @@ py::object samplesOf(const py::object& self) {
 }
 
 /// As the camera told them with the frame; by number, for a frame does not know the sensors' names.
-py::dict temperaturesOf(const FrameObject& self) {
+py::dict temperaturesAt(const FrameObject& self) {
     py::dict all;
     for (const SensorValue& reading : self.frame().temperatures())
         all[py::int_(reading.sensorId)] = reading.value;
@@ -133,7 +133,7 @@ void bindFrame(FrameClass& frame) {
         .def_property_readonly("millimetres", &millimetresOf,
                                "(height, width) along the optical axis; 0: no depth.")
         .def_property_readonly("lens", [](const FrameObject& self) { return self.frame().lens(); })
-        .def_property_readonly("temperatures", &temperaturesOf,
+        .def_property_readonly("temperatures", &temperaturesAt,
                                "Degrees Celsius by the number of the sensor.")
         .def("points", &pointsOf, py::kw_only(), "keep_grid"_a = false, "least_confidence"_a = 0,
              "The points of a depth frame.")
