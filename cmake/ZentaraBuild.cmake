@@ -163,11 +163,11 @@ function(zentara_add_replay target)
     add_test(NAME ${target}_replay COMMAND ${target}_replay ${PROJECT_SOURCE_DIR}/fuzz/corpus/${arg_CORPUS})
 endfunction()
 
-# zentara_add_test(NAME SOURCES ... [SEAMS] [LIBRARIES ...] [SHARDS N]): one GoogleTest executable, one test for CTest; N
+# zentara_add_test(NAME SOURCES ... [SEAMS] [LONG] [LIBRARIES ...] [SHARDS N]): one GoogleTest executable, one test for CTest; N
 # tests, NAME_1 and so on, where its cases mostly wait and several may do so at once. With SEAMS it links the copy of
-# the library that exports what tests adjust.
+# the library that exports what tests adjust. What is LONG begins first, and others run beside it; so do shards.
 function(zentara_add_test name)
-    cmake_parse_arguments(arg "SEAMS" "TIMEOUT;SHARDS" "SOURCES;LIBRARIES;DEPENDS;ENVIRONMENT" ${ARGN})
+    cmake_parse_arguments(arg "SEAMS;LONG" "TIMEOUT;SHARDS" "SOURCES;LIBRARIES;DEPENDS;ENVIRONMENT" ${ARGN})
     if(NOT arg_TIMEOUT)
         set(arg_TIMEOUT 300)
     endif()
@@ -209,13 +209,13 @@ function(zentara_add_test name)
     list(PREPEND arg_ENVIRONMENT "ZENTARASDK_ROOT=${PROJECT_BINARY_DIR}/" "ZENTARA_SYSFS=${PROJECT_BINARY_DIR}/no-devices")
     if(NOT arg_SHARDS)
         add_test(NAME ${name} COMMAND ${name})
-        set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} ENVIRONMENT "${arg_ENVIRONMENT}")
+        set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} ENVIRONMENT "${arg_ENVIRONMENT}" COST $<BOOL:${arg_LONG}>)
         return()
     endif()
     foreach(shard RANGE 1 ${arg_SHARDS})
         math(EXPR index "${shard} - 1")
         add_test(NAME ${name}_${shard} COMMAND ${name})
-        set_tests_properties(${name}_${shard} PROPERTIES TIMEOUT ${arg_TIMEOUT}
+        set_tests_properties(${name}_${shard} PROPERTIES TIMEOUT ${arg_TIMEOUT} COST 1
             ENVIRONMENT "${arg_ENVIRONMENT};GTEST_TOTAL_SHARDS=${arg_SHARDS};GTEST_SHARD_INDEX=${index}")
     endforeach()
 endfunction()
@@ -239,5 +239,5 @@ function(zentara_pytest name subject path modules)
         return()
     endif()
     add_test(NAME ${name} COMMAND ${python} -m pytest -q -p no:cacheprovider ${CMAKE_CURRENT_SOURCE_DIR}/${path})
-    set_tests_properties(${name} PROPERTIES TIMEOUT 600 ENVIRONMENT "${arg_ENVIRONMENT};PYTHONDONTWRITEBYTECODE=1")
+    set_tests_properties(${name} PROPERTIES TIMEOUT 600 COST 1 ENVIRONMENT "${arg_ENVIRONMENT};PYTHONDONTWRITEBYTECODE=1")
 endfunction()
