@@ -7,7 +7,8 @@
 #include <zentara/io/audio_requests.h>
 #include <zentara/io/streaming_requests.h>
 #include <zentara/utils/format.h>
-#include <zentara/utils/kv_logger.h>
+
+#include "plugins/linux/warn.h"
 
 namespace Zentara::Alsa {
 
@@ -19,13 +20,6 @@ using Zentara::Plugin::InvalidOperationPluginException;
 using Zentara::Plugin::NotSupportedPluginException;
 
 namespace {
-
-void tell(const std::string& text) {
-    if (Utils::KVLogger* log = Utils::KVLogger::instance()) {
-        log->warning(text);
-        Utils::KVLogger::release();
-    }
-}
 
 void requireLevel(float level) {
     if (!(level >= 0 && level <= 1))
@@ -59,8 +53,8 @@ void AlsaDevice::disableStreaming(IO::disableRequest* request) {
     present->end();
     call(request, "stop the stream", [own = present] { own->stop(); });
     if (present->overruns() != 0)
-        tell(Format("%: samples were lost % times, for they were not fetched in time") % path %
-             present->overruns());
+        Linux::warn(Format("%: samples were lost % times, for they were not fetched in time") % path %
+                    present->overruns());
 }
 
 ReadBufferStatus AlsaDevice::readBuffer(void* buffer, int size, std::int64_t* timestamp, int* length) {
@@ -97,7 +91,8 @@ void AlsaDevice::enableStreaming(IO::enableAudioRequest* request) {
              const bool leveled = own->setLevel(level);
              const bool muted = own->setMute(mute);
              if (!leveled || (mute && !muted))
-                 tell(Format("%: the card has no control of its input's level, or none to mute it") % place);
+                 Linux::warn(Format("%: the card has no control of its input's level, or none to mute it") %
+                             place);
              own->start(mode);
          });
 }

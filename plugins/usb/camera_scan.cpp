@@ -8,9 +8,9 @@
 
 #include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/utils/format.h>
-#include <zentara/utils/kv_logger.h>
 
 #include "plugins/linux/usb_descriptors.h"
+#include "plugins/linux/warn.h"
 
 namespace Zentara::Usb {
 
@@ -97,14 +97,6 @@ std::string refusalOf(const fs::path& device) {
         text += "; its descriptors, " + faultText(fault);
     return camera.faults.empty() ? text + "; its log ('dmesg') may say why, or 'modprobe uvcvideo' helps"
                                  : text;
-}
-
-void warn(const std::string& text) {
-    Utils::KVLogger* const log = text.empty() ? nullptr : Utils::KVLogger::instance();
-    if (log == nullptr)
-        return;
-    log->warning(text);
-    Utils::KVLogger::release();
 }
 
 FoundCamera* find(std::vector<FoundCamera>& cameras, const fs::path& hardware) {
@@ -246,8 +238,8 @@ CameraScan::Told CameraScan::ask(const Node& node, const std::string& path, cons
         if (answer.error != 0)
             told.failure =
                 Format("%: cannot ask what it delivers: %") % path % Linux::errorWords(answer.error);
-        if (told.failure != before)
-            warn(told.failure);
+        if (!told.failure.empty() && told.failure != before)
+            Linux::warn(told.failure);
         hasGone = answer.error == ENODEV || answer.error == ENXIO;
         told.formats = std::move(answer.formats);
         // elsewhere a program may stand behind a node, and begin to deliver

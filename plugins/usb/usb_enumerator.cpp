@@ -6,8 +6,10 @@
 
 #include <zentara/core/descriptor_store_ro.h>
 #include <zentara/core/guids.h>
+#include <zentara/utils/format.h>
 
 #include "plugins/linux/fourcc_text.h"
+#include "plugins/linux/warn.h"
 #include "plugins/usb/generic_nodes.h"
 
 namespace Zentara::Usb {
@@ -127,6 +129,9 @@ std::vector<NodeEvent> UsbEnumerator::find() {
 std::vector<NodeEvent> UsbEnumerator::nodesOf(const FoundCamera& camera) {
     if (!camera.refusal.empty())
         return {refused(camera, camera.refusal)};
+    if (camera.microphones.size() > 1)
+        Linux::warn(Utils::Format("%: it has % microphones, of which % alone is used") % camera.name %
+                    camera.microphones.size() % camera.microphones.front());
     std::vector<NodeEvent> nodes;
     std::vector<Described> described = describedNodes(camera);
     if (described.empty())

@@ -16,9 +16,9 @@
 #include <zentara/io/transfer_requests.h>
 #include <zentara/io/xu_device_requests.h>
 #include <zentara/utils/format.h>
-#include <zentara/utils/kv_logger.h>
 
 #include "plugins/linux/sysfs.h"
+#include "plugins/linux/warn.h"
 #include "plugins/v4l2/camera_settings.h"
 
 namespace Zentara::V4l2 {
@@ -75,12 +75,8 @@ std::vector<Utils::SmartPtr<ColorConfiguration>> configurationsOf(const DeviceFi
 }
 
 void tellBroken(const std::string& path, std::uint64_t count) {
-    if (count == 0)
-        return;
-    if (Utils::KVLogger* log = Utils::KVLogger::instance()) {
-        log->warning(Format("%: % frames were left out, for they were broken or cut short") % path % count);
-        Utils::KVLogger::release();
-    }
+    if (count > 0)
+        Linux::warn(Format("%: % frames were left out, for they were broken or cut short") % path % count);
 }
 
 } // namespace

@@ -4,12 +4,14 @@
 
 #include "plugins/usb/generic_nodes.h"
 #include "plugins/usb/usb_enumerator.h"
+#include "support/log_capture.h"
 #include "tests/plugins/linux/fake_kernel.h"
 #include "tests/plugins/linux/system_tree.h"
 
 namespace Zentara::Usb {
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using TestSupport::Descriptors;
@@ -85,6 +87,8 @@ TEST_F(UsbEnumeratorTest, TellsNodesApartByWhatTheyDeliver) {
     tree.addVideo(4, "devices/usb1/1-3/1-3:1.0");
     tree.addVideo(5, "devices/usb1/1-3/1-3:1.0", 1);
     tree.addMicrophone(3, "devices/usb1/1-2/1-2:1.2");
+    tree.addMicrophone(4, "devices/usb1/1-2/1-2:1.4");
+    const TestSupport::LogCapture log;
     enumerator.initialize(nullptr, &store);
     const std::vector<NodeEvent> nodes = look();
     EXPECT_THAT(textsOf(nodes),
@@ -106,6 +110,7 @@ TEST_F(UsbEnumeratorTest, TellsNodesApartByWhatTheyDeliver) {
     tree.remove("class/video4linux/video2");
     EXPECT_FALSE(enumerator.isPresent(nodes[2]));
     EXPECT_TRUE(enumerator.isPresent(nodes[5]));
+    EXPECT_THAT(log.warnings(), Contains(HasSubstr("2 microphones, of which hw:3,0 alone is used")).Times(1));
 }
 
 /// What cannot be had of a camera, and that only one that answers keeps a camera from being asked again.
