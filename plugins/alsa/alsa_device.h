@@ -28,7 +28,8 @@ public:
     void open(IO::deviceRequest* request) override;
     void disableStreaming(IO::disableRequest* request) override;
     void getDefaultConfiguration(IO::getAudioDefaultConfigurationsRequest* request) override;
-    /// A card without a mixer for its input has the level and the mute that it has; the log says so.
+    /// Levels follow the mixer's decibels, about as loud as they sound, where it tells them. A card without a mixer for its
+    /// input has the level and the mute that it has; the log says so.
     void enableStreaming(IO::enableAudioRequest* request) override;
     /// \throws Plugin::ArgumentPluginException unless the level is from 0 to 1, Plugin::NotSupportedPluginException for a
     ///         card without such a control

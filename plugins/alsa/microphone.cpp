@@ -21,6 +21,8 @@ namespace {
 constexpr unsigned blocksPerSecond = 100;
 constexpr unsigned bufferedBlocks = 50;       // half a second: then samples are lost
 constexpr std::int64_t longestRead = 900'000; // microseconds
+constexpr long evenlyDivided = 2400;          // hundredths of a decibel
+constexpr double cubeRoot = 6000;             // of them for ten times as much; an amplitude has 2000
 
 using Parameters = std::unique_ptr<snd_pcm_hw_params_t, decltype(&snd_pcm_hw_params_free)>;
 using Settings = std::unique_ptr<snd_pcm_sw_params_t, decltype(&snd_pcm_sw_params_free)>;
@@ -66,6 +68,26 @@ snd_pcm_t* opened(const std::string& name) {
 
 /// "hw:1" of "hw:1,0".
 std::string cardOf(const std::string& name) { return name.substr(0, name.find(',')); }
+
+/// Where a level lies between two levels in hundredths of a decibel. A short range is divided evenly; in a wide one, whose
+/// lower half nobody hears, the level is the cube root of the amplitude, which is about how loud it sounds.
+long decibelsOf(double level, long least, long most) {
+    if (most - least <= evenlyDivided)
+        return least + std::lround(level * static_cast<double>(most - least));
+    const double quietest = std::pow(10, static_cast<double>(least - most) / cubeRoot);
+    const double root = quietest + level * (1 - quietest);
+    return root > quietest ? most + std::lround(cubeRoot * std::log10(root)) : least;
+}
+
+bool setCaptureLevel(snd_mixer_elem_t* control, float level) {
+    long least = 0;
+    long most = 0;
+    if (snd_mixer_selem_get_capture_dB_range(control, &least, &most) >= 0 && least < most)
+        return snd_mixer_selem_set_capture_dB_all(control, decibelsOf(level, least, most), 0) >= 0;
+    return snd_mixer_selem_get_capture_volume_range(control, &least, &most) >= 0 &&
+           snd_mixer_selem_set_capture_volume_all(
+               control, least + std::lround(level * static_cast<float>(most - least))) >= 0;
+}
 
 } // namespace
 
@@ -240,12 +262,7 @@ bool Microphone::mix(Set set) const {
 
 bool Microphone::setLevel(float level) const {
     return mix([level](snd_mixer_elem_t* control) {
-        long least = 0;
-        long most = 0;
-        return snd_mixer_selem_has_capture_volume(control) != 0 &&
-               snd_mixer_selem_get_capture_volume_range(control, &least, &most) >= 0 &&
-               snd_mixer_selem_set_capture_volume_all(
-                   control, least + std::lround(level * static_cast<float>(most - least))) >= 0;
+        return snd_mixer_selem_has_capture_volume(control) != 0 && setCaptureLevel(control, level);
     });
 }
 

@@ -50,7 +50,9 @@ public:
     /// How often samples were lost since the start.
     [[nodiscard]] unsigned overruns() const;
 
-    /// \param level from 0 to 1 of what the card's mixer has. \return false when it has no such thing
+    /// \param level from 0, the least that the card's mixer has, to 1, the most; between them about as loud as it sounds
+    ///        where the mixer tells decibels (half of 60 dB is 15.6 below the most), else in even steps.
+    /// \return false when it has no such thing
     [[nodiscard]] bool setLevel(float level) const;
     [[nodiscard]] bool setMute(bool mute) const;
 

@@ -64,7 +64,7 @@ test_python_by_an_ordinary_user() {
     same_gaps "$(missing depth)"
     taken_pictures "$TMPDIR/user/color.raw" $((320 * 240 * 2)) $((320 * 240 * 2)) --camera ZS258 --coding yuy2 >"$TMPDIR/gaps"
     same_gaps "$(missing color)"
-    python3 "$here/tone.py" "$TMPDIR/user/audio.raw" $((40 * 480)) -30 # half of the mixer's steps, of a decibel each
+    python3 "$here/tone.py" "$TMPDIR/user/audio.raw" $((40 * 480)) -16 # a level of a half, in the mixer's steps of a decibel
 }
 
 # Depth of 16 bits and colour as JPEG, on interfaces of their own or on one; no controller.
@@ -191,8 +191,8 @@ lists() { zentara devices >"$TMPDIR/listed" && grep -q "^$1 " "$TMPDIR/listed"; 
 test_a_microphone_is_muted_and_goes_on_after_an_overrun() {
     use_real_cameras
     plug PLAIN 2 --camera plain
-    "$device" "$(card_of PLAIN)" start read=20 mute=1 read=40 mute=0 read=40 sleep=1000 read=20 level=0.5 read=40 \
+    "$device" "$(card_of PLAIN)" start read=20 mute=1 read=40 mute=0 read=40 sleep=1000 read=20 level=0.5 read=40 level=1 read=40 level=0 read=40 \
         >"$TMPDIR/sound" 2>"$TMPDIR/times"
     expect '^1.0 s between the blocks 99 and 100$' python3 "$here/phases.py" "$TMPDIR/sound" "$TMPDIR/times" \
-        0-19=0 30-59=silence 70-99=0 101-119=0 130-159=-30
+        0-19=0 30-59=silence 70-99=0 101-119=0 130-159=-16 170-199=0 210-239=-60
 }
