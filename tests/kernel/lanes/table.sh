@@ -44,6 +44,7 @@ try_row() {
     # shellcheck disable=SC2053
     [[ $status = $wanted ]] || wrong+="; status $status instead of $wanted"
     grep -qE -- "$pattern" "$TMPDIR/$serial" || wrong+="; no '$pattern'"
+    [ "$status" = 0 ] || [ "$(grep -c "^zentara [a-z ]*: " "$TMPDIR/$serial")" -le 1 ] || wrong+="; it fails twice"
     [ -z "$wrong" ] || echo "$verb, $model, $fault$wrong: ${said[*]}" >"$TMPDIR/$serial.wrong"
 }
 

@@ -1,5 +1,6 @@
 #include "tools/zentara/chips/chip_session.h"
 
+#include <exception>
 #include <memory>
 #include <utility>
 
@@ -96,7 +97,9 @@ ChipSession::~ChipSession() {
         opened.reset();
         cameras.close();
     } catch (const std::exception& failure) {
-        note(console, failure.what());
+        // A camera that has failed before may well fail here, and who hears of the first is told enough.
+        if (std::uncaught_exceptions() == 0)
+            note(console, failure.what());
     }
 }
 
