@@ -35,9 +35,13 @@ void checkPlaces(const FlashImage& image, const FlashSurvey& survey) {
         require(area.holds(finding.address, 0));
     for (const SurveyedSection& section : survey.unreachable)
         require(area.holds(section.address, section.content.data.size() + 13));
-    const FlashMap map(survey);
+}
+
+void checkMap(const FlashMap& map, const FlashArea& area) {
     for (const FlashRegion& region : map.regions())
         require(region.length > 0 && area.holds(region.address, region.length));
+    if (area.size > 0)
+        static_cast<void>(map.text());
 }
 
 /// What was salvaged stands in a new image of the size, or the reason why not is told.
@@ -59,8 +63,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!survey.structuralFault())
         checkAgreement(image, survey);
     checkPlaces(image, survey);
-    if (area.size > 0)
-        static_cast<void>(FlashMap(survey).text());
+    checkMap(FlashMap(survey), area);
     checkSalvage(image);
     return 0;
 }

@@ -113,6 +113,7 @@ private:
     void checkOverlaps();
     void measureFreeSpace();
     [[nodiscard]] bool isWholeSection(std::uint64_t address) const;
+    [[nodiscard]] std::uint64_t nextCandidate(std::uint64_t address, std::uint64_t end) const;
     void noteOrphan(std::uint64_t address, bool isCut);
     void findUnreachable();
 
@@ -423,15 +424,31 @@ bool Surveyor::isWholeSection(std::uint64_t address) const {
            !sectionFault(address, end - address);
 }
 
+/// The first place in front of `end` where a block header or a section may begin; `end` when there is none. Every byte of an
+/// area comes here, hardly one goes further.
+std::uint64_t Surveyor::nextCandidate(std::uint64_t address, std::uint64_t end) const {
+    const std::uint64_t room = image.area().end() - address;
+    const View bytes = at(address, room);
+    // Neither fits into the last bytes of the area.
+    const std::uint64_t stop = std::min(end - address + BLOCK_HEADER_SIZE, room + 1);
+    std::uint64_t size = BigEndianReader(bytes).readU32() >> 8; // that a header there would begin with
+    for (std::uint64_t i = 0; i + BLOCK_HEADER_SIZE < stop; ++i) {
+        size = (size << 8 | bytes[i + 3]) & 0xFFFFFFFF;
+        if (bytes[i] == ROM::Section::SECTION_MARKER ||
+            size - BLOCK_HEADER_SIZE <= room - i - BLOCK_HEADER_SIZE)
+            return address + i;
+    }
+    return end;
+}
+
 /// A block header where no link leads. One in front of a whole section goes without saying.
 void Surveyor::noteOrphan(std::uint64_t address, bool isCut) {
-    if (!image.area().holds(address, BLOCK_HEADER_SIZE) || isWholeSection(address + BLOCK_HEADER_SIZE))
-        return;
     BigEndianReader reader(at(address, BLOCK_HEADER_SIZE));
     const std::uint32_t size = reader.readU32();
     reader.readU32();
     if (size < BLOCK_HEADER_SIZE || !image.area().holds(address, size) ||
-        reader.readU16() != crcOf(address, BLOCK_HEADER_SIZE - CRC_SIZE))
+        reader.readU16() != crcOf(address, BLOCK_HEADER_SIZE - CRC_SIZE) ||
+        isWholeSection(address + BLOCK_HEADER_SIZE))
         return;
     add(FindingKind::Unreachable, static_cast<std::uint32_t>(address), isCut,
         Format("no link leads to the block of % bytes, and it holds no whole section") % size);
@@ -448,22 +465,29 @@ void Surveyor::findUnreachable() {
     // Erasing takes a block out of the chain and leaves its bytes; a broken chain leaves whole blocks behind it. Where these
     // began nobody knows any more, so every byte may be the first one of a section.
     const bool cutOff = result.isCutOff();
-    for (std::uint64_t address = image.area().start; address < image.area().end(); ++address) {
-        const auto known = reached.find(address);
-        if (known != reached.end()) {
-            address = known->second - 1;
+    auto next = reached.cbegin();
+    for (std::uint64_t address = image.area().start; address < image.area().end();) {
+        while (next != reached.cend() && next->first < address)
+            ++next;
+        const bool isLast = next == reached.cend();
+        const std::uint64_t gapEnd = isLast ? image.area().end() : next->first;
+        address = nextCandidate(address, gapEnd);
+        if (address == gapEnd) {
+            address = isLast ? gapEnd : next->second;
             continue;
         }
         if (linked.count(address) == 0)
             noteOrphan(address, cutOff);
-        if (!isWholeSection(address))
+        if (!isWholeSection(address)) {
+            ++address;
             continue;
+        }
         result.unreachable.push_back(wholeSection(address));
         const SurveyedSection& section = result.unreachable.back();
         add(FindingKind::Unreachable, section.address, cutOff,
             sectionText(section.uid, section.content) +
                 (cutOff ? " is whole, but no link leads to it" : " was erased; its bytes are still there"));
-        address += ROM::Section::MIN_SIZE + section.content.data.size() - 1;
+        address += ROM::Section::MIN_SIZE + section.content.data.size();
     }
 }
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include <zentara/host/flash_survey.h>
 #include <zentara/rom/section.h>
 #include <zentara/utils/format.h>
 
@@ -89,6 +88,13 @@ void fill(Rehearsal& rehearsal, const FlashContent& wanted) try {
 
 } // namespace
 
+FlashArea areaOf(const FlashSurvey& survey) {
+    FlashArea area = survey.area;
+    if (survey.header)
+        area.chunkSize = survey.header->chunkSize;
+    return area;
+}
+
 Rehearsal rehearse(const FlashImage& before, const FlashContent& wanted, bool formats) {
     Rehearsal rehearsal{before, {}, {}, {}};
     const FlashSurvey survey = surveyOf(before);
@@ -112,22 +118,22 @@ Rehearsal rehearse(const FlashImage& before, const FlashContent& wanted, bool fo
     return rehearsal;
 }
 
-Rehearsal rebuild(const FlashImage& before, const FlashContent& wanted) {
-    const FlashSurvey survey = surveyOf(before);
-    FlashArea area = before.area();
-    if (survey.header)
-        area.chunkSize = survey.header->chunkSize;
+Rehearsal placeAnew(FlashArea area, const FlashContent& wanted) {
     while (true) {
         Rehearsal rehearsal{FlashImage(area), {}, {}, {}};
         fill(rehearsal, wanted);
         if (!rehearsal.refusal)
             rehearsal.losses = lossesOf(rehearsal.image, wanted);
-        if (rehearsal.isGood() || area.chunkSize > area.size / 2) {
-            rehearsal.writes = differences(before, rehearsal.image);
+        if (rehearsal.isGood() || area.chunkSize > area.size / 2)
             return rehearsal;
-        }
         area.chunkSize *= 2;
     }
+}
+
+Rehearsal rebuild(const FlashImage& before, const FlashContent& wanted) {
+    Rehearsal rehearsal = placeAnew(areaOf(surveyOf(before)), wanted);
+    rehearsal.writes = differences(before, rehearsal.image);
+    return rehearsal;
 }
 
 } // namespace Zentara::Host

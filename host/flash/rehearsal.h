@@ -5,6 +5,7 @@
 #include <vector>
 
 #include <zentara/host/flash_content.h>
+#include <zentara/host/flash_survey.h>
 #include <zentara/plugin/plugin_exceptions.h>
 
 namespace Zentara::Host {
@@ -30,8 +31,14 @@ struct Rehearsal {
 /// \param formats  whether an image that holds no storage yet is formatted first.
 [[nodiscard]] Rehearsal rehearse(const FlashImage& before, const FlashContent& wanted, bool formats);
 
-/// The wanted content in a freshly formatted copy of the same area, verified in the same way. Some sizes
-/// cannot stand together in some chunk sizes; then a larger chunk size is tried.
+/// The area with the chunk size that its storage was formatted with, if one can be loaded.
+[[nodiscard]] FlashArea areaOf(const FlashSurvey& survey);
+
+/// The wanted content in a freshly formatted area, verified in the same way; nothing is written anywhere. Some sizes cannot
+/// stand together in some chunk sizes; then a larger chunk size is tried.
+[[nodiscard]] Rehearsal placeAnew(FlashArea area, const FlashContent& wanted);
+
+/// The same in the area of an image, and what has to be written for it.
 [[nodiscard]] Rehearsal rebuild(const FlashImage& before, const FlashContent& wanted);
 
 } // namespace Zentara::Host

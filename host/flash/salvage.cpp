@@ -32,7 +32,7 @@ FlashSalvage salvageOf(const FlashImage& image) {
         salvage.whyNot = "no whole section was found";
         return salvage;
     }
-    Rehearsal fresh = rebuild(image, salvage.content);
+    Rehearsal fresh = placeAnew(areaOf(survey), salvage.content);
     if (fresh.isGood())
         salvage.image = std::move(fresh.image);
     else

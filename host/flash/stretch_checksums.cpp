@@ -5,12 +5,25 @@
 #include <zentara/utils/crc.h>
 
 namespace Zentara::Host {
+namespace {
 
-StretchChecksums::StretchChecksums(std::span<const std::uint8_t> bytes) {
-    before.reserve(bytes.size() + 1);
-    before.push_back(0);
-    for (const std::uint8_t byte : bytes)
-        before.push_back(Utils::Crc16::compute(&byte, 1, before.back()));
+/// What each byte alone leaves in the register. The next byte meets its low half, and the high half moves down.
+std::array<std::uint16_t, 256> whatBytesLeave() {
+    std::array<std::uint16_t, 256> table{};
+    for (unsigned value = 0; value < table.size(); ++value) {
+        const auto byte = static_cast<std::uint8_t>(value);
+        table[value] = Utils::Crc16::compute(&byte, 1, 0);
+    }
+    return table;
+}
+
+} // namespace
+
+StretchChecksums::StretchChecksums(std::span<const std::uint8_t> bytes) : before(bytes.size() + 1) {
+    static const std::array<std::uint16_t, 256> table = whatBytesLeave();
+    std::uint16_t crc = 0;
+    for (std::size_t i = 0; i < bytes.size(); ++i)
+        before[i + 1] = crc = static_cast<std::uint16_t>(table[(crc ^ bytes[i]) & 0xFF] ^ crc >> 8);
 
     Passage passage;
     constexpr std::uint8_t zero = 0;
