@@ -1,6 +1,6 @@
 // Any numbers as a lens model, a pose and a depth picture. A lens that cannot be is refused; a ray is seen where it came
-// from; a cloud has each pixel once, as a point of three finite numbers or under the reason why it has none; and its file
-// is as long as its head says.
+// from; a cloud has each pixel once, as a point of three finite numbers or under the reason why it has none; and its PLY files,
+// read back, are the cloud, with whatever was said of it.
 #include <cmath>
 #include <sstream>
 #include <vector>
@@ -9,6 +9,7 @@
 #include <zentara/host/lens.h>
 
 #include "input.h"
+#include "ply_file.h"
 
 namespace Zentara::Fuzz {
 namespace {
@@ -62,18 +63,22 @@ void checkRays(const Lens& lens, Input& input) {
     }
 }
 
-void checkFile(const PointCloud& cloud) {
-    std::ostringstream out;
-    cloud.writePly(out);
-    const std::string file = out.str();
-    const std::string end = "end_header\n";
-    const std::size_t head = file.find(end);
-    require(head != std::string::npos &&
-            file.find("element vertex " + std::to_string(cloud.points().size()) + "\n") < head);
-    require(file.size() - head - end.size() == cloud.points().size() * (cloud.colors().empty() ? 12U : 15U));
-    std::ostringstream text;
-    cloud.writePly(text, PointCloud::PlyFormat::Text);
-    require(!text.str().empty() && text.str().back() == '\n');
+/// \param said of the cloud, in the order in which its file says it
+void checkFile(const PointCloud& cloud, std::vector<std::string> said) {
+    for (std::string& line : said)
+        for (char& letter : line)
+            letter = letter == '\n' || letter == '\r' ? ' ' : letter;
+    said.insert(said.begin(), "unit metre, x right, y down, z forward");
+    if (cloud.width() != 0)
+        said.push_back("grid " + std::to_string(cloud.width()) + " x " + std::to_string(cloud.height()));
+    for (const auto format : {PointCloud::PlyFormat::Binary, PointCloud::PlyFormat::Text}) {
+        std::ostringstream out;
+        cloud.writePly(out, format);
+        const std::string bytes = out.str();
+        PlyFile file(bytes);
+        require(file.comments == said);
+        file.compareWith(cloud);
+    }
 }
 
 void checkCloud(const Lens& lens, Input& input) {
@@ -93,7 +98,11 @@ void checkCloud(const Lens& lens, Input& input) {
         there += std::isnan(point.z) ? 0U : 1U;
     require(there + cloud.withoutDepth() + cloud.belowConfidence() + cloud.withoutRay() == pixels);
     require(cloud.points().size() == (options.keepGrid ? pixels : there));
-    checkFile(cloud);
+    const std::string where = input.text(input.byte() % 32);
+    const std::string why = "x" + input.text(input.byte() % 32);
+    cloud.describe({where, "line"});
+    cloud.leaveUncolored(why);
+    checkFile(cloud, {where, "line", "no colour: " + why});
 
     ExtrinsicParametersInternal pose;
     for (float* number : {&pose.r11, &pose.r12, &pose.r13, &pose.r21, &pose.r22, &pose.r23, &pose.r31,
@@ -104,7 +113,7 @@ void checkCloud(const Lens& lens, Input& input) {
         pose = {1, 0, 0, 0, 1, 0, 0, 0, 1, pose.t1, pose.t2, pose.t3};
     cloud.colorFrom(rgb, lens, pose);
     require(cloud.colors().size() == cloud.points().size());
-    checkFile(cloud);
+    checkFile(cloud, {where, "line"});
 }
 
 } // namespace

@@ -207,6 +207,7 @@ void PointCloud::colorFrom(std::span<const std::uint8_t> rgb, const Lens& lens,
         nearest[seen[i].cell] = std::min(nearest[seen[i].cell], moved.z);
     }
     painted.assign(all.size(), std::nullopt);
+    colorless.clear();
     for (std::size_t i = 0; i < all.size(); ++i) {
         const Sight& sight = seen[i];
         if (sight.distance <= 0 || sight.distance > nearest[sight.cell] * (1 + hiddenShare) + hiddenMargin)
