@@ -2,9 +2,19 @@
 
 #include <chrono>
 #include <cstdio>
+#include <filesystem>
+#include <system_error>
 #include <thread>
 
 #include "utils/platform/program.h"
+
+/// What the handles stand for, where the system has a directory of them.
+inline void tellHandles() {
+    std::error_code none;
+    for (const auto& handle : std::filesystem::directory_iterator("/proc/self/fd", none))
+        std::printf("  handle %s: %s\n", handle.path().filename().string().c_str(),
+                    std::filesystem::read_symlink(handle, none).string().c_str());
+}
 
 /// Whether the process has no more threads and handles than before, and says so. A device that hangs lets go of its thread
 /// later than its caller does: that is waited for.
@@ -19,5 +29,7 @@ inline bool nothingIsLeft(const Zentara::Utils::Platform::ResourceUse& before) {
     std::printf("%s: %u threads, %u handles left; before it were %u and %u\n",
                 holdsMore() ? "NOT ALL ENDED" : "ended", now.threads, now.handles, before.threads,
                 before.handles);
+    if (now.handles > before.handles)
+        tellHandles();
     return !holdsMore();
 }
