@@ -1,4 +1,5 @@
 // A camera at USB level, plugged into this machine's virtual host controller: `simulated_usb_camera --help`.
+#include <csignal>
 #include <exception>
 #include <fstream>
 #include <iostream>
@@ -10,6 +11,8 @@
 #include <vector>
 
 #include <CLI/CLI.hpp>
+
+#include <sys/socket.h>
 
 #include "plugins/descriptions/camera_description.h"
 #include "plugins/simulated/port.h"
@@ -96,6 +99,10 @@ Bytes readBytes(const std::string& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
+// Who is told to end pulls the cable out and ends as after any other unplugging.
+volatile std::sig_atomic_t plugged = -1; // the camera's end of the cable
+void pullOut(int) { ::shutdown(plugged, SHUT_RDWR); }
+
 void run(const Options& options) {
     const Camera camera = makeCamera(options);
     const Pictures pictures(camera.seed, camera.eyes, camera.port.get(), !options.withoutTables);
@@ -116,7 +123,10 @@ void run(const Options& options) {
                      options.configurationFile.empty() ? configurationDescriptor(camera.shape)
                                                        : readBytes(options.configurationFile),
                      camera.port.get(), pictures, faults);
-    UsbCable cable(plugIntoVirtualController());
+    plugged = plugIntoVirtualController();
+    UsbCable cable(plugged);
+    std::signal(SIGTERM, pullOut);
+    std::signal(SIGINT, pullOut);
     std::cout << "plugged in: " << camera.shape.productName << ", " << camera.shape.serialNumber << std::endl;
     device.serve(cable);
 }
