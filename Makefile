@@ -53,10 +53,13 @@ storm:
 	@ZENTARASDK_ROOT=$$PWD/build/tsan/ ZENTARA_SYSFS=$$PWD/build/tsan/no-devices TSAN_OPTIONS=detect_deadlocks=1:second_deadlock_stack=1 \
 	    timeout $$(($(SECONDS) + 300)) build/tsan/bin/zentara_storm $(SECONDS)
 
-## Which lines and branches the tests reach on Linux: a summary for each room, and build/coverage/report/index.html.
+## Which lines and branches the tests reach on Linux: a summary for each room, and build/coverage/report/index.html; with real
+## drivers in virtual machines, unless it is told KERNEL=0.
+coverage: KERNEL ?= 1
 coverage:
 	@.ci/setup coverage
-	@.ci/coverage
+	@[ $(KERNEL) = 0 ] || .ci/setup kernel
+	@KERNEL=$(KERNEL) .ci/coverage
 
 ## Makes Debian's packages and the zip for Windows, in build/packages/.
 packages:

@@ -34,8 +34,8 @@ eventually() {
 expect_kernel_warning() { echo "$1" >>"$TMPDIR/expected-warnings"; }
 
 # Cameras at USB level: each is a process, and gone with it.
-camera=$ZENTARA_TREE/build/gcc/bin/simulated_usb_camera
-device=$ZENTARA_TREE/build/gcc/bin/plugin_device # a device plug-in by itself
+camera=$ZENTARA_BUILD/bin/simulated_usb_camera
+device=$ZENTARA_BUILD/bin/plugin_device # a device plug-in by itself
 declare -A plugged=()
 
 # plug SERIAL STREAMS OPTION...: plugs a camera in and waits until the kernel has made its nodes, two for each stream.
@@ -112,10 +112,10 @@ same_pictures() {
 # plugged in. Cameras send no more pictures a second than can be drawn here. The tool is zentara; what it writes as an ordinary user goes to $TMPDIR/user.
 use_real_cameras() {
     export ZENTARASDK_ROOT=$TMPDIR/root/ ZENTARA_SIMULATED_CAMERAS=$TMPDIR/bus.json
-    local built=$ZENTARA_TREE/build/gcc file
+    local file
     mkdir -p "$ZENTARASDK_ROOT/cameras" "$TMPDIR/user" && chown nobody "$TMPDIR/user"
-    ln -sfn "$built/bin" "$ZENTARASDK_ROOT/bin"
-    for file in "$built"/cameras/*.json; do
+    ln -sfn "$ZENTARA_BUILD/bin" "$ZENTARASDK_ROOT/bin"
+    for file in "$ZENTARA_BUILD"/cameras/*.json; do
         sed 's/MOCKVIDEODEVICE_IMPL/V4L2VIDEO_IMPL/; s/MOCKAUDIODEVICE_IMPL/ALSAAUDIO_IMPL/; s/"frameRate": 60/"frameRate": 15/' "$file" >"$ZENTARASDK_ROOT/cameras/${file##*/}"
     done
     echo '{ "format": 1, "cameras": [] }' >"$ZENTARA_SIMULATED_CAMERAS"

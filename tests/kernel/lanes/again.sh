@@ -2,7 +2,7 @@
 
 test_a_camera_that_failed_works_when_it_is_plugged_in_again() {
     use_real_cameras
-    PYTHONPATH=$ZENTARA_TREE/build/gcc/python python3 "$here/again.py" "$camera" <<'rows'
+    PYTHONPATH=$ZENTARA_BUILD/python python3 "$here/again.py" "$camera" <<'rows'
 ZS570 | length stall
 ZS570 | unit stall
 ZS570 | unit short

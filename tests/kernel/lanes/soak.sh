@@ -11,14 +11,14 @@ test_nothing_grows_and_nothing_is_left() {
     local faults file
     RANDOM=1
     use_real_cameras
-    for file in "$ZENTARA_TREE"/build/gcc/cameras/{ov0570,vc0258}.json; do # these stay simulated
+    for file in "$ZENTARA_BUILD"/cameras/{ov0570,vc0258}.json; do # these stay simulated
         sed 's/"frameRate": 60/"frameRate": 15/' "$file" >"$ZENTARASDK_ROOT/cameras/${file##*/}"
     done
     echo '{ "format": 1, "cameras": [{ "model": "ZS570", "serialNumber": "LEFT" }, { "model": "ZS570", "serialNumber": "RIGHT" },
         { "model": "ZS258", "serialNumber": "OLD" }] }' >"$ZENTARA_SIMULATED_CAMERAS"
     mapfile -t faults < <(one_in_a_hundred unit stall; one_in_a_hundred frame short; one_in_a_hundred sound zero)
     plug USB 2 --camera ZS345 "${faults[@]}"
-    "$ZENTARA_TREE/build/gcc/bin/zentara_soak" "${MINUTES:-1}" >"$ZENTARA_JOB/soak.txt" 2>&1 || { cat "$ZENTARA_JOB/soak.txt" && return 1; }
+    "$ZENTARA_BUILD/bin/zentara_soak" "${MINUTES:-1}" >"$ZENTARA_JOB/soak.txt" 2>&1 || { cat "$ZENTARA_JOB/soak.txt" && return 1; }
     grep -q '^4 cameras' "$ZENTARA_JOB/soak.txt"
     tail -n 2 "$ZENTARA_JOB/soak.txt"
 }

@@ -58,7 +58,7 @@ test_python_by_an_ordinary_user() {
     use_real_cameras
     plug SIM0258 2 --camera ZS258
     open_to_groups
-    PYTHONPATH=$ZENTARA_TREE/build/gcc/python as_user video,audio python3 "$here/module.py" SIM0258 "$TMPDIR/user" >"$TMPDIR/said"
+    PYTHONPATH=$ZENTARA_BUILD/python as_user video,audio python3 "$here/module.py" SIM0258 "$TMPDIR/user" >"$TMPDIR/said"
     grep -q "no camera .*nobody" "$TMPDIR/said"
     taken_pictures "$TMPDIR/user/depth.raw" $depth_frame $((2 * 320 * 240 * 2)) --camera ZS258 --coding y16 >"$TMPDIR/gaps"
     same_gaps "$(missing depth)"

@@ -25,7 +25,7 @@ test_frames_are_those_of_the_driver_one_by_one() {
     zentara stream --direct --plugin V4L2VIDEO_IMPL --frames 10 --raw "$TMPDIR/raw" >"$TMPDIR/said"
     same_as_the_driver_gives 320x240 "$TMPDIR/raw"
     same_gaps "$(dropped)"
-    PYTHONPATH=$ZENTARA_TREE/build/gcc/python python3 "$here/module.py" vivid "$TMPDIR" 320x240 >"$TMPDIR/said"
+    PYTHONPATH=$ZENTARA_BUILD/python python3 "$here/module.py" vivid "$TMPDIR" 320x240 >"$TMPDIR/said"
     same_as_the_driver_gives 320x240 "$TMPDIR/color.raw"
     same_gaps "$(missing color)"
     expect '5 of 5' zentara stream --camera vivid --color --frames 5 --color-png "$ZENTARA_JOB/vivid.png"
