@@ -15,15 +15,17 @@ test_a_sleeping_camera_wakes_up() {
     for round in 1 2; do
         eventually 20 is suspended SLEEPY
         expect '^SLEEPY .*depth color' zentara devices
-        stream_whole
-        is active SLEEPY
+        stream_awake
     done
     eventually 20 is suspended SLEEPY
     expect 'temperature' zentara info --camera SLEEPY
     echo -1 >/sys/module/usbcore/parameters/autosuspend
 }
-stream_whole() {
-    zentara stream --camera SLEEPY --frames 8 --raw "$TMPDIR/raw" >"$TMPDIR/said"
+stream_awake() {
+    eventually 20 is suspended SLEEPY # the list has asked its nodes
+    zentara stream --camera SLEEPY --frames 8 --raw "$TMPDIR/raw" >"$TMPDIR/said" &
+    eventually 20 is active SLEEPY
+    wait $!
     taken_pictures "$TMPDIR/raw" $((3 * 320 * 240 * 2)) $((2 * 320 * 240 * 2)) --camera ZS570 --coding y16 >"$TMPDIR/gaps"
     same_gaps "$(dropped)"
 }
