@@ -1,5 +1,7 @@
 #pragma once
 
+#include <atomic>
+
 #include <zentara/host/note.h>
 #include <zentara/node_event.h>
 
@@ -28,6 +30,10 @@ public:
     [[nodiscard]] const NodeEvent& event() const noexcept { return description; }
     [[nodiscard]] Core::DescriptorStoreRO& store() const { return ownStore.view(); }
 
+    /// A stream could not end the node's own, for want of memory say: the next one does that first. Safe.
+    void leaveStreaming() noexcept { isLeft = true; }
+    [[nodiscard]] bool takeLeftStreaming() noexcept { return isLeft.exchange(false); }
+
     /// Lets go of the device. Once; the destructor does it, too, but keeps the failure to itself.
     void dispose();
 
@@ -36,6 +42,7 @@ private:
     CameraStore ownStore; ///< the node reads it until its end
     Utils::SmartPtr<Node> node;
     bool disposed = false;
+    std::atomic<bool> isLeft{false};
 };
 
 extern template class OpenNode<Core::AudioNodeInterface>;

@@ -1,6 +1,7 @@
 #include "host/streams/camera_source.h"
 
 #include <algorithm>
+#include <atomic>
 #include <utility>
 
 #include <zentara/audio_configuration.h>
@@ -45,6 +46,12 @@ public:
         : node(std::move(opened)), name(cameraLabel(node->event())), about(std::move(stream)) {
         attempt("choose a mode of " + name, [&] { mode = find(); });
     }
+    ~NodeSource() override {
+        if (isRunning)
+            node->leaveStreaming();
+    }
+    NodeSource(const NodeSource&) = delete;
+    NodeSource& operator=(const NodeSource&) = delete;
 
     [[nodiscard]] const StreamInfo& info() const override { return about; }
     [[nodiscard]] std::string label() const override { return name; }
@@ -52,7 +59,12 @@ public:
         return std::string(kindName(about.mode.kind)) + " " + node->event().path;
     }
     [[nodiscard]] std::size_t usualBytes() const override { return usualBytesOf(about.mode); }
-    void start() override { (*node)->enableStreaming(mode); }
+    void start() override {
+        if (node->takeLeftStreaming())
+            disable();
+        (*node)->enableStreaming(mode);
+        isRunning = true;
+    }
     ReadBufferStatus read(void* buffer, int size, std::int64_t* micros, int* length) override {
         // What is thrown is kept until the node may have gone.
         return callPlugin([&] { return (*node)->readBuffer(buffer, size, micros, length); });
@@ -63,10 +75,21 @@ public:
         else
             return {};
     }
-    void stop() override { (*node)->disableStreaming(); }
+    void stop() override {
+        isRunning = false;
+        disable();
+    }
     void close() override {} // the node ends with the last who shares it
 
 private:
+    void disable() {
+        try {
+            (*node)->disableStreaming();
+        } catch (...) {
+            node->leaveStreaming();
+            throw;
+        }
+    }
     [[nodiscard]] Utils::SmartPtr<Configuration> find() const {
         for (const auto& one : (*node)->getConfigurations()) {
             if (one->getName() == about.mode.name)
@@ -79,6 +102,7 @@ private:
     const std::string name;
     const StreamInfo about;
     Utils::SmartPtr<Configuration> mode;
+    std::atomic<bool> isRunning{false};
 };
 
 /// Whether it is the same node of the same camera, perhaps in another socket.

@@ -182,6 +182,8 @@ Stream::Core::Source Stream::Core::takeSource() {
 void Stream::Core::stop() {
     const Utils::LogAreaScope scope(Utils::LogArea_STREAMS);
     const Moment end = steady_clock::now() + stopLimit;
+    const std::string stopping =
+        "stop the stream of " + name; // here: once it counts as stopped nobody stops it again
     std::optional<Failure> first;
     Source own;
     State before = State::Stopped;
@@ -202,7 +204,6 @@ void Stream::Core::stop() {
                 first = failureNow(what);
         }
     };
-    const std::string stopping = "stop the stream of " + name;
     if (own && before != State::Waiting)
         carryOut(stopping, [own] { own->stop(); });
     own.reset();
