@@ -23,16 +23,6 @@ void writeThrough(std::FILE* file, std::string_view text) noexcept;
 /// How many bytes a regular file has, without what is still buffered; -1 for anything else.
 std::int64_t fileLength(std::FILE* file) noexcept;
 
-/// Forces what was written to a file onto the disk. False on failure, with the last error set.
-bool flushToDisk(std::FILE* file);
-
-/// Puts one file in the place of another, or of none, in one step: whoever opens `path` finds the old file or the new
-/// one, whole. False on failure, with the last error set and both files as they were.
-bool replaceFile(const std::string& replacement, const std::string& path);
-
-/// Removes a file. False on failure, with the last error set.
-bool removeFile(const std::string& path);
-
 /// The working directory (UTF-8) with '/' as separator; empty on failure.
 std::string workingDirectory();
 

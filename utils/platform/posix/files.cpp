@@ -66,24 +66,6 @@ std::int64_t fileLength(std::FILE* file) noexcept {
     return fstat(fileno(file), &status) == 0 && S_ISREG(status.st_mode) ? status.st_size : -1;
 }
 
-bool flushToDisk(std::FILE* file) { return std::fflush(file) == 0 && fsync(fileno(file)) == 0; }
-
-bool replaceFile(const std::string& replacement, const std::string& path) {
-    if (std::rename(replacement.c_str(), path.c_str()) != 0)
-        return false;
-    // The new name is on disk once its directory is. The files have changed places by now: no failure to report.
-    const std::size_t slash = path.rfind('/');
-    const std::string directory = slash == std::string::npos ? "." : path.substr(0, slash + 1);
-    const int descriptor = open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor >= 0) {
-        fsync(descriptor);
-        close(descriptor);
-    }
-    return true;
-}
-
-bool removeFile(const std::string& path) { return unlink(path.c_str()) == 0; }
-
 std::string workingDirectory() {
     struct Freer {
         void operator()(char* text) const noexcept { std::free(text); }

@@ -63,16 +63,6 @@ std::int64_t fileLength(std::FILE* file) noexcept {
     return GetFileType(handle) == FILE_TYPE_DISK && GetFileSizeEx(handle, &length) ? length.QuadPart : -1;
 }
 
-bool flushToDisk(std::FILE* file) { return std::fflush(file) == 0 && _commit(_fileno(file)) == 0; }
-
-// Written through: once it returns, the move is on the disk.
-bool replaceFile(const std::string& replacement, const std::string& path) {
-    return MoveFileExW(utf8ToWideOrWidened(replacement).c_str(), utf8ToWideOrWidened(path).c_str(),
-                       MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
-}
-
-bool removeFile(const std::string& path) { return DeleteFileW(utf8ToWideOrWidened(path).c_str()) != 0; }
-
 std::string workingDirectory() {
     return withSlashes(
         filledText([](DWORD size, wchar_t* text) { return GetCurrentDirectoryW(size, text); }));
