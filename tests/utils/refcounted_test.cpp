@@ -30,6 +30,16 @@ protected:
     AtomicInt living{0};
 };
 
+TEST(AtomicInt, CountsOnlyFromWhereItMay) {
+    for (const int before : {0, 1, 5, -1, INT_MAX}) {
+        AtomicInt up{before}, down{before};
+        EXPECT_EQ(up.incrementIfNotZero(), before != 0) << before;
+        EXPECT_EQ(up, before == 0 ? 0 : before == INT_MAX ? INT_MIN : before + 1) << "it wraps around";
+        EXPECT_EQ(down.decrementIfOne(), before == 1) << before;
+        EXPECT_EQ(down, before == 1 ? 0 : before);
+    }
+}
+
 TEST_F(RefcountedTest, StartsWithOneReferenceAndDiesWithTheLast) {
     auto* object = new Counted(living);
     object->incref();

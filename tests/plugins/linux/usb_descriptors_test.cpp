@@ -17,15 +17,10 @@ std::vector<std::string> faultsOf(const Descriptors& camera) {
 }
 
 TEST(UsbDescriptors, TellUnitsAndFormats) {
-    const UsbCamera camera = readUsbDescriptors(Descriptors()
-                                                    .interface(0, 1)
-                                                    .input(1)
-                                                    .unit(6, 1)
-                                                    .output(2, 6)
-                                                    .interface(1, 2)
-                                                    .format("Z16 ")
-                                                    .frame(640, 480)
-                                                    .bytes());
+    Descriptors told;
+    told.interface(0, 1).input(1).unit(6, 1).output(2, 6);
+    told.interface(1, 2).format("Z16 ").frame(640, 480);
+    const UsbCamera camera = readUsbDescriptors(told.bytes());
     EXPECT_THAT(camera.faults, testing::IsEmpty());
     const GUID guid = {0x42424242, 0x4242, 0x4242, {0x42, 0x42, 0x42, 0x42, 0x42, 0x42, 0x42, 0x42}};
     ASSERT_NE(camera.find(guid), nullptr);
@@ -41,14 +36,10 @@ TEST(UsbDescriptors, NameWhatIsWrongByItsOffset) {
     const auto stream = [] { return Descriptors().interface(1, 2).format("YUY2"); };
     EXPECT_THAT(faultsOf(Descriptors().interface(3, 0).add({0, 4, 4})),
                 ElementsAre("offset 9: a descriptor of 0 bytes; what follows cannot be found"));
-    EXPECT_THAT(faultsOf(Descriptors().add({1, 4})),
-                ElementsAre("offset 0: a descriptor of 1 bytes; what follows cannot be found"));
     EXPECT_THAT(faultsOf(Descriptors().add({255, 4, 0})),
                 ElementsAre("offset 0: a descriptor of 255 bytes, of which only 3 are there"));
     EXPECT_THAT(faultsOf(control().input(1).unit(6, 7).unit(7, 6, 0x43).output(2, 1)),
                 ElementsAre("offset 17: unit 6 is its own source", "offset 44: unit 7 is its own source"));
-    EXPECT_THAT(faultsOf(control().input(1).unit(6, 6).output(2, 1)),
-                ElementsAre("offset 17: unit 6 is its own source"));
     EXPECT_THAT(faultsOf(control().unit(6, 9)),
                 ElementsAre("offset 9: unit 6 takes its picture from unit 9, which is not there",
                             "offset 9: a control interface without an input terminal"));
