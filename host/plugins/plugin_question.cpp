@@ -257,7 +257,7 @@ std::optional<int> answerPluginQuestion(const std::vector<std::string>& argument
     };
     const PluginProbe probe = Core::probePluginFile(arguments[1], tellStep);
     std::fprintf(report, "%s%s\n", probeMark, toReport(probe).c_str());
-    std::_Exit(Failure::None); // what a file has left behind for the end of a process is not asked
+    Utils::Platform::endProcess(Failure::None); // what a file has left behind for its end is not asked
 }
 
 } // namespace Zentara::Host

@@ -42,7 +42,9 @@ class Desktop:
                 resource.setrlimit(resource.RLIMIT_FSIZE, (limit, limit))
 
         command = ["zentara", "view", "--size", f"{WIDTH}x{HEIGHT}", "--output", str(self.place), *options]
-        self.windows.append(subprocess.Popen(command, env=self.environment, cwd=self.place, stderr=subprocess.PIPE, text=True,
+        # Counts of coverage are files as well, and would be cut short.
+        environment = {**self.environment, "LLVM_PROFILE_FILE": "/dev/null"} if limit else self.environment
+        self.windows.append(subprocess.Popen(command, env=environment, cwd=self.place, stderr=subprocess.PIPE, text=True,
                                              preexec_fn=prepare))
         self.until(lambda: self.colors(IN_DEPTH) > 50, "a picture of depth")
         return self.windows[-1]

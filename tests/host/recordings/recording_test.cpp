@@ -370,7 +370,7 @@ TEST(FullDisk, KeepsTheWholeFramesAndTheirReadings) {
     if (std::filesystem::path::preferred_separator == '\\')
         GTEST_SKIP();
     const std::string program = std::filesystem::absolute(testing::internal::GetArgvs().at(0)).string();
-    const std::string command = "trap '' XFSZ; ulimit -f 16; '" + program +
+    const std::string command = "trap '' XFSZ; ulimit -f 16; LLVM_PROFILE_FILE=/dev/null '" + program +
                                 "' --gtest_also_run_disabled_tests --gtest_filter=FullDisk.DISABLED_IsFilled "
                                 "> /dev/null";
     EXPECT_EQ(std::system(command.c_str()), 0);

@@ -44,7 +44,16 @@ void failInsteadOfDying() noexcept {
     std::signal(SIGPIPE, SIG_IGN);
 }
 
-[[noreturn]] void endProcess(int code) noexcept { std::_Exit(code); }
+#ifdef ZENTARA_COVERAGE
+extern "C" int __llvm_profile_write_file();
+#endif
+
+[[noreturn]] void endProcess(int code) noexcept {
+#ifdef ZENTARA_COVERAGE
+    __llvm_profile_write_file(); // what leaves here has been reached as well
+#endif
+    std::_Exit(code);
+}
 
 std::optional<int> handOver(const std::string& program, const std::vector<std::string>& arguments) {
     std::vector<char*> words{const_cast<char*>(program.c_str())};
