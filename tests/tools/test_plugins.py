@@ -112,3 +112,12 @@ def test_goes_on_behind_the_step_that_fails_and_blames_no_neighbour(tmp_path):
         assert said in out
     assert "does not keep what its kind promises: 2 of " in err
     assert run(tmp_path, "--check", "nothing")[0] == 2
+
+
+@pytest.mark.skipif(WINDOWS, reason="a process started there takes a second, and a check takes several")
+def test_finds_no_fault_with_what_is_shipped(monkeypatch):
+    built = FIXTURES.parent
+    monkeypatch.setenv("ZENTARA_SYSFS", str(built / "no-devices"))
+    checked = {file.stem: run(built, "--check", file) for file in (built / "bin" / "Plugins").glob("*" + ENDING)}
+    assert len(checked) > 10
+    assert {name: out for name, (code, out, _) in checked.items() if code != 0 or " 0 failed" not in out} == {}
