@@ -3,11 +3,14 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <poll.h>
+#include <span>
+#include <sys/epoll.h>
 #include <sys/eventfd.h>
 #include <sys/ioctl.h>
 #include <sys/mman.h>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 #include <zentara/plugin/plugin_exceptions.h>
 
@@ -40,17 +43,41 @@ public:
         return memory == MAP_FAILED ? nullptr : static_cast<std::byte*>(memory);
     }
     void unmap(std::byte* memory, std::size_t length) override { ::munmap(memory, length); }
-    [[nodiscard]] Ready wait(int file, int wake, int milliseconds) override {
-        pollfd files[] = {{file, POLLIN, 0}, {wake, POLLIN, 0}};
-        const int count = ::poll(files, 2, milliseconds);
+    int watch(int file, int wake) override {
+        const int made = ::epoll_create1(EPOLL_CLOEXEC);
+        if (made < 0)
+            return -errno;
+        for (const Watched one : {Watched{file, Ready::Frame}, Watched{wake, Ready::Woken}}) {
+            epoll_event event{};
+            event.events = EPOLLIN;
+            event.data.u32 = static_cast<std::uint32_t>(one.meaning);
+            if (::epoll_ctl(made, EPOLL_CTL_ADD, one.file, &event) == 0)
+                continue;
+            const int error = errno;
+            ::close(made);
+            return -error;
+        }
+        return made;
+    }
+    [[nodiscard]] Ready wait(int watch, int milliseconds) override {
+        epoll_event events[2];
+        const int count = ::epoll_wait(watch, events, 2, milliseconds);
         if (count < 0)
             return errno == EINTR ? Ready::Nothing : Ready::Broken;
-        if (files[1].revents != 0)
-            return Ready::Woken;
-        if ((files[0].revents & (POLLERR | POLLHUP | POLLNVAL)) != 0)
-            return Ready::Broken;
-        return files[0].revents != 0 ? Ready::Frame : Ready::Nothing;
+        Ready ready = Ready::Nothing;
+        for (const epoll_event& event : std::span(events, static_cast<std::size_t>(count))) {
+            if (static_cast<Ready>(event.data.u32) == Ready::Woken)
+                return Ready::Woken;
+            ready = (event.events & (EPOLLERR | EPOLLHUP)) != 0 ? Ready::Broken : Ready::Frame;
+        }
+        return ready;
     }
+
+private:
+    struct Watched {
+        int file;
+        Ready meaning;
+    };
 };
 
 } // namespace
@@ -72,5 +99,13 @@ void WakeUp::reset() noexcept {
     eventfd_t count = 0;
     static_cast<void>(::eventfd_read(event, &count));
 }
+
+FrameWait::FrameWait(std::shared_ptr<Kernel> system, int file, const WakeUp& wake)
+    : kernel(std::move(system)), watch(kernel->watch(file, wake.file())) {
+    if (watch < 0)
+        throw Plugin::IOPluginException("cannot wait for frames: " + errorWords(-watch));
+}
+
+FrameWait::~FrameWait() { kernel->close(watch); }
 
 } // namespace Zentara::Linux

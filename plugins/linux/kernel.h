@@ -33,8 +33,9 @@ public:
     [[nodiscard]] virtual std::byte* map(int file, std::size_t length, std::uint32_t offset) = 0;
     virtual void unmap(std::byte* memory, std::size_t length) = 0;
 
-    /// Waits for a frame, or until `wake` can be read.
-    [[nodiscard]] virtual Ready wait(int file, int wake, int milliseconds) = 0;
+    /// What wait() waits for, again and again: a frame of the file, or that `wake` can be read. close() lets go of it.
+    virtual int watch(int file, int wake) = 0;
+    [[nodiscard]] virtual Ready wait(int watch, int milliseconds) = 0;
 };
 
 /// The one that the program runs on.
@@ -55,11 +56,28 @@ public:
     /// Ends the present wait and all later ones until reset().
     void set() noexcept;
     void reset() noexcept;
-    /// For Kernel::wait.
+    /// For Kernel::watch.
     [[nodiscard]] int file() const noexcept { return event; }
 
 private:
     const int event;
+};
+
+/// Waits for the frames of a file: it costs less than to name the files anew with each wait. The file stays open
+/// meanwhile. Safe.
+class FrameWait {
+public:
+    /// \throws Plugin::IOPluginException when the process has no file left to open
+    FrameWait(std::shared_ptr<Kernel> kernel, int file, const WakeUp& wake);
+    ~FrameWait();
+    FrameWait(const FrameWait&) = delete;
+    FrameWait& operator=(const FrameWait&) = delete;
+
+    [[nodiscard]] Kernel::Ready wait(int milliseconds) const { return kernel->wait(watch, milliseconds); }
+
+private:
+    const std::shared_ptr<Kernel> kernel;
+    const int watch;
 };
 
 } // namespace Zentara::Linux

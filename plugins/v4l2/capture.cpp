@@ -136,6 +136,7 @@ Capture::Capture(std::shared_ptr<DeviceFile> opened, const DriverMode& mode, Del
         picture = std::make_unique<Picture>(readLayout(), delivery);
         shareBuffers(count);
         start();
+        frames = std::make_unique<Linux::FrameWait>(file->sharedSystem(), file->number(), wake);
     } catch (...) {
         stop();
         throw;
@@ -316,16 +317,13 @@ ReadBufferStatus Capture::read(void* buffer, int size, std::int64_t* timestamp, 
     return whole ? ReadBufferStatus_OK : ReadBufferStatus_FAILED;
 }
 
-/// Waits for a frame and holds it.
+/// Waits for a frame and holds it. In every state but Streaming the wait ends at once, woken.
 ReadBufferStatus Capture::fetch(std::int64_t end) {
     for (;;) {
-        const ReadBufferStatus now = stateStatus();
-        if (now != ReadBufferStatus_OK)
-            return now;
         const std::int64_t left = end - Utils::Clock::nowMicros();
         if (left <= 0)
             return ReadBufferStatus_TIMEOUT;
-        switch (file->system().wait(file->number(), wake.file(), static_cast<int>(left / 1000 + 1))) {
+        switch (frames->wait(static_cast<int>(left / 1000 + 1))) {
         case Linux::Kernel::Ready::Nothing:
             break;
         case Linux::Kernel::Ready::Woken:

@@ -83,7 +83,8 @@ private:
     void countBroken();
 
     const std::shared_ptr<DeviceFile> file;
-    std::unique_ptr<Picture> picture; ///< set once, before there is a reader
+    std::unique_ptr<Picture> picture; ///< this and the next are set once, before there is a reader
+    std::unique_ptr<Linux::FrameWait> frames;
     /// By the driver's numbers. Changed while no reader comes here: before the first state is Streaming, and in stop().
     std::vector<std::unique_ptr<Buffer>> buffers;
     Linux::WakeUp wake; ///< set unless the state is Streaming

@@ -37,7 +37,6 @@ public:
 
     [[nodiscard]] const std::string& path() const noexcept { return name; }
     [[nodiscard]] int number() const noexcept { return file; }
-    [[nodiscard]] Linux::Kernel& system() const noexcept { return *kernel; }
     [[nodiscard]] const std::shared_ptr<Linux::Kernel>& sharedSystem() const noexcept { return kernel; }
 
 private:

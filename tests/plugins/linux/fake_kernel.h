@@ -38,9 +38,7 @@ public:
 
     [[nodiscard]] int open(const std::string& path) override {
         ++opened[path];
-        if (openErrors.count(path) != 0)
-            return -openErrors[path];
-        return 100 + ++openFiles;
+        return openErrors.count(path) != 0 ? -openErrors[path] : 100 + ++openFiles;
     }
     void close(int) override { --openFiles; }
     int control(int, unsigned long request, void* argument) override {
@@ -56,7 +54,8 @@ public:
         return memory.data();
     }
     void unmap(std::byte*, std::size_t) override {}
-    [[nodiscard]] Ready wait(int, int wake, int milliseconds) override {
+    int watch(int, int wake) override { return ++openFiles, wake; }
+    [[nodiscard]] Ready wait(int wake, int milliseconds) override {
         pollfd file{wake, POLLIN, 0};
         if (gone || !frames.empty())
             return gone ? Ready::Broken : Ready::Frame;
