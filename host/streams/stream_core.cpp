@@ -366,7 +366,8 @@ std::optional<Failure> Stream::Core::readUnits() {
 }
 
 void Stream::Core::readFrom(const Source& from) {
-    while (makeDraft()) {
+    // Whoever looks after each unit whether the stream goes on has the lock for it already.
+    for (bool goesOn = !isHalted(); goesOn && makeDraft();) {
         if (warmth)
             warmth->refresh(*hand, from, name);
         std::int64_t micros = 0;
@@ -376,17 +377,20 @@ void Stream::Core::readFrom(const Source& from) {
         switch (status) {
         case ReadBufferStatus_OK:
             tellRecorded(from->recorded());
-            deliver(length, micros, from->missedBefore());
+            goesOn = deliver(length, micros, from->missedBefore());
             break;
-        case ReadBufferStatus_TIMEOUT:
-            break; // whether it has been silent for too long is for the one to say who waits
+        case ReadBufferStatus_TIMEOUT: // whether it has been silent for too long is for the one to say who waits
+            goesOn = !isHalted();
+            break;
         case ReadBufferStatus_FAILED: {
             AutoLock hold(lock);
             changed.timedWait(static_cast<unsigned long>(failurePause.count()));
+            goesOn = condition != State::Stopped;
             break;
         }
         case ReadBufferStatus_TOO_SMALL:
             makeRoom(length);
+            goesOn = !isHalted();
             break;
         case ReadBufferStatus_NOT_STREAMING:
             return;
@@ -403,19 +407,20 @@ void Stream::Core::readFrom(const Source& from) {
 /// Memory for the next unit. Where the process may have no more it waits for some; what is queued is given out
 /// meanwhile, and then whoever waits is told. \return false once the stream is stopped
 bool Stream::Core::makeDraft() {
-    while (!isHalted()) {
-        if (draft && draft.capacity() >= unitBytes)
-            return true;
-        draft = FrameDraft();
+    if (draft && draft.capacity() >= unitBytes)
+        return true;
+    draft = FrameDraft();
+    for (bool lacked = false;; lacked = true) {
         draft = FrameDraft::tryTake(context, unitBytes);
+        if (draft && !lacked)
+            return true;
         AutoLock hold(lock);
-        const bool lacks = !draft;
-        if (std::exchange(isStarved, lacks) || lacks)
-            announce(); // at every try: who waits looks whether there is room
-        if (lacks)
-            changed.timedWait(static_cast<unsigned long>(memoryPause.count()));
+        isStarved = !draft;
+        announce(); // at every try: who waits looks whether there is room
+        if (draft || condition == State::Stopped)
+            return condition != State::Stopped;
+        changed.timedWait(static_cast<unsigned long>(memoryPause.count()));
     }
-    return false;
 }
 
 void Stream::Core::makeRoom(int length) {
@@ -439,8 +444,8 @@ void Stream::Core::tellRecorded(const StreamSource::Recorded* told) {
     std::copy_n(told->temperatures.values.begin(), fields.temperatureCount, fields.temperatures.begin());
 }
 
-/// \param missed units before it that were given, but are gone
-void Stream::Core::deliver(int length, std::int64_t micros, std::uint64_t missed) {
+/// \param missed units before it that were given, but are gone \return false once the stream is stopped
+bool Stream::Core::deliver(int length, std::int64_t micros, std::uint64_t missed) {
     if (length < 0 || static_cast<std::size_t>(length) > draft.capacity())
         throw Failure(Failure::Failed,
                       Format("% delivered % bytes into a buffer of %") % name % length % draft.capacity());
@@ -458,7 +463,7 @@ void Stream::Core::deliver(int length, std::int64_t micros, std::uint64_t missed
     while (options.keepsAll && queue.full() && condition == State::Streaming)
         changed.wait();
     if (condition == State::Stopped)
-        return;
+        return false;
     fields.number = numbers.received++;
     numbers.lostByDevice += fields.droppedBefore - missed;
     numbers.missed += missed;
@@ -466,6 +471,7 @@ void Stream::Core::deliver(int length, std::int64_t micros, std::uint64_t missed
     arrived.notify(false);
     if (listener)
         listener->set();
+    return true;
 }
 
 // Away and back -----------------------------------------------------------------------------------------------------

@@ -74,7 +74,7 @@ private:
     void readFrom(const Source& from);
     [[nodiscard]] bool makeDraft();
     void makeRoom(int length);
-    void deliver(int length, std::int64_t micros, std::uint64_t missed);
+    [[nodiscard]] bool deliver(int length, std::int64_t micros, std::uint64_t missed);
     void tellRecorded(const StreamSource::Recorded* told);
     [[nodiscard]] bool awaitReturn(const Failure& why);
     [[nodiscard]] bool comeBack();
