@@ -459,18 +459,20 @@ bool Stream::Core::deliver(int length, std::int64_t micros, std::uint64_t missed
     fields.deviceMicros = micros;
     fields.hostMicros = Utils::Clock::nowMicros();
     fields.isFirstAfterReturn = returned;
-    AutoLock hold(lock);
-    while (options.keepsAll && queue.full() && condition == State::Streaming)
-        changed.wait();
-    if (condition == State::Stopped)
-        return false;
-    fields.number = numbers.received++;
-    numbers.lostByDevice += fields.droppedBefore - missed;
-    numbers.missed += missed;
-    numbers.droppedByQueue += queue.push(std::move(draft).finish(static_cast<std::size_t>(length)));
-    arrived.notify(false);
-    if (listener)
-        listener->set();
+    {
+        AutoLock hold(lock);
+        while (options.keepsAll && queue.full() && condition == State::Streaming)
+            changed.wait();
+        if (condition == State::Stopped)
+            return false;
+        fields.number = numbers.received++;
+        numbers.lostByDevice += fields.droppedBefore - missed;
+        numbers.missed += missed;
+        numbers.droppedByQueue += queue.push(std::move(draft).finish(static_cast<std::size_t>(length)));
+        if (listener)
+            listener->set();
+    }
+    arrived.notify(false); // without the lock, which whoever wakes takes next
     return true;
 }
 
