@@ -103,7 +103,7 @@ bench:
 bench-kernel:
 	@.ci/setup kernel
 	@cmake --preset gcc -Wno-dev >/dev/null
-	@cmake --build --preset gcc -j $(JOBS) --target zentara camera_plugins plain_reader host_reader
+	@cmake --build --preset gcc -j $(JOBS) --target zentara camera_plugins plain_reader contract_reader host_reader
 	@tests/kernel/run --machine "-icount shift=1" --cpu "max,-erms,-fsrm" --job bench bash -c \
 	    'modprobe vivid n_devs=1 node_types=0x1 num_inputs=1 input_types=3 && python3 bench/kernel/compare.py'
 

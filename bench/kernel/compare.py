@@ -1,5 +1,7 @@
 """compare.py: in the guest, what a frame from the kernel's test camera costs whoever takes it: processor time, as the slope between 50 and
-450 frames, so that no start counts. Beside the host library's reader stands a plain one in C, which copies each frame once."""
+450 frames, so that no start counts. Beside a host that reads through the contract stands a plain reader in C, which copies each frame
+once; beside one that reads through the host library, whose waits end in time whatever a driver does, the same reader with the second
+thread which that takes."""
 import os
 import resource
 import shutil
@@ -8,15 +10,19 @@ import sys
 
 FEW, MANY = 50, 450
 ATTEMPTS = 3  # how long a start takes differs; the shortest counts
-AIM = 1.2
 NODE = "/dev/video0"
 built = os.environ["ZENTARASDK_ROOT"] + "bin/"
 # These say it themselves; of the others it is the difference between two runs.
 READERS = {
     "plain reader in C": [built + "plain_reader", NODE, str(FEW), str(MANY)],
-    "the same, with two threads": [built + "plain_reader", NODE, str(FEW), str(MANY), "2"],
-    "host library": [built + "host_reader", "vivid", str(FEW), str(MANY)],
+    "the contract's readBuffer": [built + "contract_reader", NODE, str(FEW), str(MANY)],
+    "plain, with two threads": [built + "plain_reader", NODE, str(FEW), str(MANY), "2"],
+    "the host library's next": [built + "host_reader", "vivid", str(FEW), str(MANY)],
 }
+AIMS = [
+    ("the contract's readBuffer", "plain reader in C", 1.2),
+    ("the host library's next", "plain, with two threads", 1.1),
+]
 OTHERS = {
     "zentara stream": f"{built}zentara stream --camera vivid --color --mode 320x240 --frames COUNT",
     "v4l2-ctl, touches no pixel": f"v4l2-ctl -d {NODE} -v width=320,height=240,pixelformat=YUYV -p 60 --stream-mmap --stream-count=COUNT",
@@ -55,7 +61,9 @@ for name, command in OTHERS.items():
         tell(name, (processor_milliseconds(command, MANY) - processor_milliseconds(command, FEW)) / (MANY - FEW))
     else:
         print(f"{name:27} is not installed")
-ratio = costs["host library"] / costs["plain reader in C"]
-missed = ratio > AIM
-print(f"the host library costs {ratio:.2f} times a plain reader; the aim is at most {AIM}{': MISSED' if missed else ''}")
+missed = False
+for name, peer, aim in AIMS:
+    ratio = costs[name] / costs[peer]
+    missed = missed or ratio > aim
+    print(f"{name} costs {ratio:.2f} times the {peer}; the aim is at most {aim}{': MISSED' if ratio > aim else ''}")
 sys.exit(1 if missed else 0)
