@@ -339,7 +339,7 @@ void Surveyor::checkRecords(const SurveyedSection& section) {
             note(FindingKind::OtherVersion, section.address,
                  Format("% has a record % of version %, which is not read") % name % layout->name %
                      unsigned{record.version});
-        else if (!decodeFields(*layout, record.data))
+        else if (!holdsFields(*layout, record.data))
             fault(FindingKind::DamagedRecord, section.address,
                   Format("% has a record % whose % bytes are too few for its content") % name % layout->name %
                       static_cast<unsigned long long>(record.data.size()));

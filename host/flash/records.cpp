@@ -81,17 +81,42 @@ Json realJson(float value) {
 
 Json floatsJson(BigEndianReader& reader, std::size_t count) {
     Json values = Json::array();
-    for (std::size_t i = 0; i < count && reader.ok(); ++i)
+    for (std::size_t i = 0; i < count; ++i)
         values.push_back(realJson(reader.readFloat()));
     return values;
 }
 
 std::string guidJson(BigEndianReader& reader) {
     const std::string digits = toHex(reader.readBytes(16));
-    if (!reader.ok())
-        return {};
     return digits.substr(0, 8) + "-" + digits.substr(8, 4) + "-" + digits.substr(12, 4) + "-" +
            digits.substr(16, 4) + "-" + digits.substr(20);
+}
+
+void passField(BigEndianReader& reader, Kind kind) {
+    const auto pass = [&](std::size_t bytes) { static_cast<void>(reader.readBytes(bytes)); };
+    switch (kind) {
+    case Kind::U8:
+        return pass(1);
+    case Kind::U16:
+    case Kind::I16:
+        return pass(2);
+    case Kind::U32:
+    case Kind::Float:
+        return pass(4);
+    case Kind::Guid:
+        return pass(16);
+    case Kind::Floats3:
+        return pass(3 * sizeof(float));
+    case Kind::Floats9:
+        return pass(9 * sizeof(float));
+    case Kind::CountedFloats:
+        return pass(reader.readU8() * sizeof(float));
+    case Kind::CountedBytes:
+        return pass(reader.readU32());
+    case Kind::Text:
+        pass(1);
+        static_cast<void>(reader.readText());
+    }
 }
 
 Json readField(BigEndianReader& reader, Kind kind) {
@@ -228,13 +253,20 @@ void appendRecord(Bytes& data, const RawRecord& record) {
     data.insert(data.end(), record.data.begin(), record.data.end());
 }
 
+bool holdsFields(const RecordLayout& layout, const Bytes& data) {
+    BigEndianReader reader(data);
+    for (const RecordField& field : layout.fields)
+        passField(reader, field.kind);
+    return reader.ok();
+}
+
 std::optional<Json> decodeFields(const RecordLayout& layout, const Bytes& data) {
+    if (!holdsFields(layout, data))
+        return std::nullopt;
     BigEndianReader reader(data);
     Json fields = Json::object();
     for (const RecordField& field : layout.fields)
         fields[field.name] = readField(reader, field.kind);
-    if (!reader.ok())
-        return std::nullopt;
     return fields;
 }
 

@@ -68,6 +68,8 @@ struct SplitData {
 [[nodiscard]] SplitData splitRecords(std::span<const std::uint8_t> data);
 void appendRecord(Bytes& data, const RawRecord& record);
 
+/// Whether the data is long enough for the fields of a record.
+[[nodiscard]] bool holdsFields(const RecordLayout& layout, const Bytes& data);
 /// The fields of a record; nothing when the data is too short for them. Surplus data is left out.
 [[nodiscard]] std::optional<Json> decodeFields(const RecordLayout& layout, const Bytes& data);
 /// The data of a record. \throws JsonError naming the field that is missing, surplus or wrong.
