@@ -27,18 +27,40 @@ struct BinaryWriter::Impl {
         appendValue(static_cast<std::int32_t>(length));
     }
 
+    /// The length, then what `appendElements` appends; nothing when one of them throws.
+    template<typename Append>
+    void appendWhole(std::size_t length, Append appendElements) {
+        const std::size_t before = bytes.size();
+        try {
+            appendLength(length);
+            appendElements();
+        } catch (...) {
+            bytes.shorten(before);
+            throw;
+        }
+    }
+
     void appendText(std::string_view text) {
-        appendLength(text.size());
-        bytes.append(text);
+        appendWhole(text.size(), [&] { bytes.append(text); });
     }
 
     /// As they lie in memory: element after element in its own encoding.
     template<typename T>
     void appendArray(const std::vector<T>& values) {
         static_assert(std::is_arithmetic_v<T>);
-        appendLength(values.size());
-        bytes.append(values.data(), values.size() * sizeof(T));
+        appendWhole(values.size(), [&] { bytes.append(values.data(), values.size() * sizeof(T)); });
     }
+
+    template<typename T>
+    void appendTexts(const std::vector<T>& texts) {
+        appendWhole(texts.size(), [&] {
+            for (const T& text : texts)
+                appendText(textOf(text));
+        });
+    }
+
+    static std::string_view textOf(const char* text) { return text ? text : ""; }
+    static std::string_view textOf(const std::string& text) { return text; }
 
     [[nodiscard]] int checkedSize() const {
         if (bytes.size() > static_cast<std::size_t>(std::numeric_limits<int>::max()))
@@ -69,7 +91,7 @@ void BinaryWriter::write(unsigned int value) { impl->appendValue(value); }
 void BinaryWriter::write(std::int64_t value) { impl->appendValue(value); }
 void BinaryWriter::write(std::uint64_t value) { impl->appendValue(value); }
 void BinaryWriter::write(float value) { impl->appendValue(value); }
-void BinaryWriter::write(const char* value) { impl->appendText(value ? value : ""); }
+void BinaryWriter::write(const char* value) { impl->appendText(Impl::textOf(value)); }
 void BinaryWriter::write(const std::string& value) { impl->appendText(value); }
 
 void BinaryWriter::write(const std::vector<signed char>& values) { impl->appendArray(values); }
@@ -83,22 +105,14 @@ void BinaryWriter::write(const std::vector<std::uint64_t>& values) { impl->appen
 void BinaryWriter::write(const std::vector<float>& values) { impl->appendArray(values); }
 
 void BinaryWriter::write(const std::vector<bool>& values) {
-    impl->appendLength(values.size());
-    for (const bool value : values)
-        write(value);
+    impl->appendWhole(values.size(), [&] {
+        for (const bool value : values)
+            write(value);
+    });
 }
 
-void BinaryWriter::write(const std::vector<const char*>& values) {
-    impl->appendLength(values.size());
-    for (const char* const value : values)
-        write(value);
-}
-
-void BinaryWriter::write(const std::vector<std::string>& values) {
-    impl->appendLength(values.size());
-    for (const std::string& value : values)
-        impl->appendText(value);
-}
+void BinaryWriter::write(const std::vector<const char*>& values) { impl->appendTexts(values); }
+void BinaryWriter::write(const std::vector<std::string>& values) { impl->appendTexts(values); }
 
 unsigned char* BinaryWriter::toBuffer(int* size) const {
     const int count = impl->checkedSize();

@@ -62,6 +62,9 @@ public:
         length += count;
     }
 
+    /// \param count at most the size
+    void shorten(std::size_t count) noexcept { length = count; }
+
     [[nodiscard]] char* data() noexcept { return bytes; }
     [[nodiscard]] const char* data() const noexcept { return bytes; }
     [[nodiscard]] std::size_t size() const noexcept { return length; }

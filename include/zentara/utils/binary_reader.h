@@ -11,7 +11,8 @@ namespace Zentara::Utils {
 
 /// Reads back what a BinaryWriter wrote: little-endian values without padding or type tags.
 /// A view: the bytes are not owned and must outlive it; a copy is an independent view at the same position.
-/// Every read throws UIOException "unexpected end of stream" if the bytes do not suffice. Separate.
+/// Every read throws UIOException "unexpected end of stream" if the bytes do not suffice; one that finds no memory leaves
+/// the position where it was. Separate.
 class ZENTARA_API BinaryReader {
 public:
     /// \param data  first byte; null means no bytes.

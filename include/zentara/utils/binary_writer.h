@@ -15,7 +15,7 @@ namespace Zentara::Utils {
 /// Appends values to a growing byte buffer: little-endian, without padding or type tags. A `bool` takes one
 /// byte, 1 or 0; a text is a signed 32-bit length and its bytes; a vector is a signed 32-bit count and its
 /// elements. Nothing can fail except memory, and a text or vector of more than 2^31 - 1 elements, which
-/// throws UInvalidOperationException. Separate.
+/// throws UInvalidOperationException; a write that throws has written nothing. Separate.
 class ZENTARA_API BinaryWriter {
 public:
     BinaryWriter();
