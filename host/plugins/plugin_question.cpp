@@ -110,29 +110,10 @@ void blame(PluginAnswer& answer, const ChildEnd& end, std::chrono::milliseconds 
     }
 }
 
-PluginAnswer ask(const PluginQuestions& questions, const std::string& path) {
-    const std::string& program = questions.program;
-    if (program.empty())
-        return {Core::probePluginFile(path, {}), false};
-    std::string report;
-    const ChildEnd end =
-        Utils::Platform::runChild(program, {question, path}, programStartLimit, questions.limit, report);
+void refuseNoStart(const std::string& program, const ChildEnd& end) {
     if (end.kind == ChildEnd::Kind::NotStarted)
         throw Failure(Failure::Failed,
                       Format("cannot start '%' to ask the plug-ins: %") % program % end.text);
-    PluginAnswer answer;
-    answer.probe.path = path;
-    // Whoever answered is believed, whatever became of his process; of any other the last step tells where it was.
-    for (const std::string& line : Utils::split(report, '\n')) {
-        if (line.starts_with(stepMark))
-            answer.probe.step =
-                static_cast<PluginScanStep>(std::atoi(line.c_str() + std::string(stepMark).size()));
-        else if (line.starts_with(probeMark) &&
-                 readReport(line.substr(std::string(probeMark).size()), answer.probe))
-            return answer;
-    }
-    blame(answer, end, questions.limit);
-    return answer;
 }
 
 /// What is told of an accepted file.
@@ -193,45 +174,71 @@ bool readAccepted(const std::string& line, PluginProbe& probe) {
 
 /// Asks all files in one process, as every program does. Believed are those that it accepts: what becomes of another
 /// one may be the doing of a file before it.
-/// \return which are not answered
-std::vector<std::size_t> askTogether(const PluginQuestions& questions, const std::vector<std::string>& paths,
-                                     std::vector<PluginAnswer>& answers) {
+/// \return what it accepted, by path
+std::map<std::string, PluginProbe> askTogether(const PluginQuestions& questions, const std::string& directory,
+                                               const std::function<void()>& meanwhile) {
     std::map<std::string, PluginProbe> accepted;
     std::string report;
-    if (paths.size() > 1)
-        Utils::Platform::runChild(questions.program, {questionToAll, Utils::getDirectory(paths.front())},
-                                  programStartLimit, questions.limit / shareForAll, report, answerAll);
+    const ChildEnd end =
+        Utils::Platform::runChild(questions.program, {questionToAll, directory}, programStartLimit,
+                                  questions.limit / shareForAll, report, meanwhile, answerAll);
+    refuseNoStart(questions.program, end);
     for (const std::string& line : Utils::split(report, '\n')) {
         PluginProbe probe;
         if (readAccepted(line, probe))
             accepted.insert_or_assign(probe.path, std::move(probe));
     }
+    return accepted;
+}
+
+} // namespace
+
+PluginAnswer askPlugin(const PluginQuestions& questions, const std::string& path) {
+    const std::string& program = questions.program;
+    if (program.empty())
+        return {Core::probePluginFile(path, {}), false};
+    std::string report;
+    const ChildEnd end =
+        Utils::Platform::runChild(program, {question, path}, programStartLimit, questions.limit, report);
+    refuseNoStart(program, end);
+    PluginAnswer answer;
+    answer.probe.path = path;
+    // Whoever answered is believed, whatever became of his process; of any other the last step tells where it was.
+    for (const std::string& line : Utils::split(report, '\n')) {
+        if (line.starts_with(stepMark))
+            answer.probe.step =
+                static_cast<PluginScanStep>(std::atoi(line.c_str() + std::string(stepMark).size()));
+        else if (line.starts_with(probeMark) &&
+                 readReport(line.substr(std::string(probeMark).size()), answer.probe))
+            return answer;
+    }
+    blame(answer, end, questions.limit);
+    return answer;
+}
+
+std::vector<PluginAnswer> askPlugins(const PluginQuestions& questions, const std::string& directory,
+                                     const std::function<std::vector<std::string>()>& list) {
+    std::vector<PluginAnswer> answers;
+    if (questions.program.empty()) { // on the caller's thread, as the plug-in manager does
+        for (const std::string& path : list())
+            answers.push_back(askPlugin(questions, path));
+        return answers;
+    }
+    std::vector<std::string> paths;
+    std::map<std::string, PluginProbe> accepted = askTogether(questions, directory, [&] { paths = list(); });
+    answers.resize(paths.size());
     std::vector<std::size_t> open;
     for (std::size_t index = 0; index < paths.size(); ++index) {
         const auto found = accepted.find(paths[index]);
         if (found == accepted.end())
             open.push_back(index);
         else
-            answers[index].probe = found->second;
+            answers[index].probe = std::move(found->second);
     }
-    return open;
-}
-
-} // namespace
-
-std::vector<PluginAnswer> askPlugins(const PluginQuestions& questions,
-                                     const std::vector<std::string>& paths) {
-    std::vector<PluginAnswer> answers(paths.size());
-    if (questions.program.empty()) { // on the caller's thread, as the plug-in manager does
-        std::transform(paths.begin(), paths.end(), answers.begin(),
-                       [&](const std::string& path) { return ask(questions, path); });
-        return answers;
-    }
-    const std::vector<std::size_t> open = askTogether(questions, paths, answers);
     std::atomic<std::size_t> next = 0;
     const auto work = [&] {
         for (std::size_t index = next++; index < open.size(); index = next++)
-            answers[open[index]] = ask(questions, paths[open[index]]);
+            answers[open[index]] = askPlugin(questions, paths[open[index]]);
     };
     std::vector<std::future<void>> workers;
     for (std::size_t count = std::min(atATime, open.size()); count > 0; --count)

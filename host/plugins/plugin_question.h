@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -20,8 +21,14 @@ struct PluginAnswer {
     bool isFatal = false;
 };
 
-/// Asks each file. No file is compared with another one. \throws Failure when the program cannot be started
+/// Asks one file. \throws Failure when the program cannot be started
+[[nodiscard]] PluginAnswer askPlugin(const PluginQuestions& questions, const std::string& path);
+
+/// Asks each file of the list. No file is compared with another one.
+/// \param list finds which files of the directory are to be asked; done while a first process asks all there are
+/// \throws Failure when the program cannot be started; what `list` throws
 [[nodiscard]] std::vector<PluginAnswer> askPlugins(const PluginQuestions& questions,
-                                                   const std::vector<std::string>& paths);
+                                                   const std::string& directory,
+                                                   const std::function<std::vector<std::string>()>& list);
 
 } // namespace Zentara::Host

@@ -1,6 +1,8 @@
 #include <zentara/host/plugins.h>
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <filesystem>
 #include <map>
 #include <set>
@@ -30,14 +32,16 @@ using Core::PluginProbe;
 using Core::PluginScanStep;
 using Utils::Format;
 
+using GuidBytes = std::array<unsigned char, sizeof(GUID)>;
+
 /// The first file in the list has the GUID, as in the scan.
 void refuseDuplicates(std::vector<PluginAnswer>& answers) {
-    std::map<std::string, std::string> registered;
+    std::map<GuidBytes, std::string> registered;
     for (PluginAnswer& answer : answers) {
         PluginProbe& probe = answer.probe;
         if (answer.isFatal || probe.step < PluginScanStep::Duplicate)
             continue;
-        const std::string guid = guidText(probe.guid);
+        const auto guid = std::bit_cast<GuidBytes>(probe.guid);
         const auto first = registered.find(guid);
         if (first != registered.end()) {
             probe.step = PluginScanStep::Duplicate;
@@ -83,13 +87,15 @@ PluginDirectory surveyPlugins(const PluginQuestions& questions) {
     if (!directory.isThere)
         return directory;
     directory.everybodyMayWrite = Utils::Platform::everybodyMayWrite(directory.path);
-    directory.refused = entriesBesidesPlugins(directory.path);
-    std::set<std::string> others;
-    for (const RefusedFile& file : directory.refused)
-        others.insert(file.path);
-    std::vector<std::string> files = Utils::getFileList(directory.path, Core::pluginFileExtension());
-    std::erase_if(files, [&others](const std::string& path) { return others.count(path) != 0; });
-    std::vector<PluginAnswer> answers = askPlugins(questions, files);
+    std::vector<PluginAnswer> answers = askPlugins(questions, directory.path, [&directory] {
+        directory.refused = entriesBesidesPlugins(directory.path);
+        std::set<std::string> others;
+        for (const RefusedFile& file : directory.refused)
+            others.insert(file.path);
+        std::vector<std::string> files = Utils::getFileList(directory.path, Core::pluginFileExtension());
+        std::erase_if(files, [&others](const std::string& path) { return others.count(path) != 0; });
+        return files;
+    });
     refuseDuplicates(answers);
     sortAnswers(std::move(answers), directory);
     return directory;

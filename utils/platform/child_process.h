@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -32,11 +33,13 @@ using ChildWork = void (*)(const std::vector<std::string>& arguments);
 /// \param start how long the program may take until the first byte of its report
 /// \param limit how long it may take from then on; afterwards it is killed
 /// \param report what it reported, however it ended; at most 1 MiB
+/// \param meanwhile is done by this thread while the program begins, and its time counts as the program's; what it throws
+/// is thrown on once the child is killed
 /// \param work where it is given, the program is this one and no other thread runs in it, a system that can copy a
 /// process has a copy do this, which spares the start of a program
 ChildEnd runChild(const std::string& program, const std::vector<std::string>& arguments,
                   std::chrono::milliseconds start, std::chrono::milliseconds limit, std::string& report,
-                  ChildWork work = nullptr);
+                  const std::function<void()>& meanwhile = {}, ChildWork work = nullptr);
 
 /// In the child: the channel of that name for writing, unbuffered; null when there is none. From then on a crash ends
 /// the process without a dialogue.

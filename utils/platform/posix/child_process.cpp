@@ -6,7 +6,6 @@
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
-#include <thread>
 #include <utility>
 
 #include <fcntl.h>
@@ -14,6 +13,7 @@
 #include <spawn.h>
 #include <sys/prctl.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -138,6 +138,15 @@ Read readSome(int file, std::string& report) {
     return count < 0 && errno == EINTR ? Read::Nothing : Read::End;
 }
 
+/// A little while, or until the process ends. Where the system cannot open a process it is the little while.
+void awaitEnd(pid_t child) {
+    const int file = static_cast<int>(syscall(SYS_pidfd_open, child, 0));
+    pollfd waiting{file, POLLIN, 0}; // of a negative number nothing is awaited
+    poll(&waiting, 1, static_cast<int>(look.count()));
+    if (file >= 0)
+        close(file);
+}
+
 bool hasEnded(pid_t child, int& status) { return waitpid(child, &status, WNOHANG) == child; }
 
 void drain(int file, std::string& report) {
@@ -158,7 +167,8 @@ ChildEnd endOf(int status) {
 } // namespace
 
 ChildEnd runChild(const std::string& program, const std::vector<std::string>& arguments,
-                  milliseconds beginning, milliseconds limit, std::string& report, ChildWork work) {
+                  milliseconds beginning, milliseconds limit, std::string& report,
+                  const std::function<void()>& meanwhile, ChildWork work) {
     Pipe pipe;
     pid_t child = 0;
     const int error = pipe.open ? start(program, arguments, pipe.ends[1], work, child) : errno;
@@ -166,22 +176,29 @@ ChildEnd runChild(const std::string& program, const std::vector<std::string>& ar
         return {ChildEnd::Kind::NotStarted, error, strerrordesc_np(error)};
     pipe.closeEnd(1); // else the report would never end for us
     auto end = Clock::now() + beginning;
+    int status = 0;
+    const auto killIt = [&] {
+        kill(child, SIGKILL);
+        waitpid(child, &status, 0);
+    };
+    try {
+        if (meanwhile)
+            meanwhile();
+    } catch (...) {
+        killIt();
+        throw;
+    }
     bool begun = false;
     Read last = Read::Some;
-    std::chrono::microseconds pause{20}; // a process ends soon after its report, but need not
-    int status = 0;
     while ((last == Read::Some && report.size() < mostReport) || !hasEnded(child, status)) {
         if (Clock::now() > end) {
-            kill(child, SIGKILL);
-            waitpid(child, &status, 0);
+            killIt();
             return {ChildEnd::Kind::TimedOut, 0, {}};
         }
-        if (last != Read::End) {
+        if (last != Read::End)
             last = readSome(pipe.ends[0], report);
-        } else {
-            std::this_thread::sleep_for(pause);
-            pause = std::min<std::chrono::microseconds>(2 * pause, look);
-        }
+        else
+            awaitEnd(child); // soon after its report, but not for certain
         // Loading the program's libraries does not count against what it has to do.
         if (!begun && !report.empty())
             end = Clock::now() + limit;

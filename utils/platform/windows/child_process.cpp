@@ -163,7 +163,8 @@ LONG WINAPI endProcess(EXCEPTION_POINTERS* exception) {
 } // namespace
 
 ChildEnd runChild(const std::string& program, const std::vector<std::string>& arguments,
-                  milliseconds beginning, milliseconds limit, std::string& report, ChildWork) {
+                  milliseconds beginning, milliseconds limit, std::string& report,
+                  const std::function<void()>& meanwhile, ChildWork) {
     SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
     HANDLE ends[2]{};
     OwnedHandle process;
@@ -180,6 +181,8 @@ ChildEnd runChild(const std::string& program, const std::vector<std::string>& ar
     }
     writeEnd.reset();
     auto end = Clock::now() + beginning;
+    if (meanwhile)
+        meanwhile(); // should it throw, the job kills the child at its end
     bool begun = false;
     while (WaitForSingleObject(process.get(), lookMilliseconds) == WAIT_TIMEOUT) {
         if (Clock::now() > end) {
