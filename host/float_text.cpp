@@ -4,6 +4,8 @@
 #include <charconv>
 #include <cmath>
 
+#include "host/json.h"
+
 namespace Zentara::Host {
 
 std::string floatText(float value) {

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "host/json.h"
+#include "host/json_fwd.h"
 
 namespace Zentara::Host {
 

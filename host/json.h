@@ -4,10 +4,9 @@
 
 #include <nlohmann/json.hpp>
 
-namespace Zentara::Host {
+#include "host/json_fwd.h"
 
-/// Keys stay in the order in which they were set.
-using Json = nlohmann::ordered_json;
+namespace Zentara::Host {
 
 /// Null for the empty text: nobody has to know what else stands for nothing.
 [[nodiscard]] inline Json orNull(const std::string& text) { return text.empty() ? Json() : Json(text); }

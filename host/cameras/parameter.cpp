@@ -8,6 +8,7 @@
 #include <zentara/utils/format.h>
 
 #include "host/float_text.h"
+#include "host/json.h"
 
 namespace Zentara::Host {
 

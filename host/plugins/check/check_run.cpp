@@ -10,6 +10,7 @@
 #include <zentara/plugin/plugin_exceptions.h>
 #include <zentara/utils/format.h>
 
+#include "host/json.h"
 #include "utils/platform/program.h"
 #include "utils/visible_text.h"
 

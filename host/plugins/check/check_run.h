@@ -12,7 +12,7 @@
 
 #include <zentara/host/plugin_check.h>
 
-#include "host/json.h"
+#include "host/json_fwd.h"
 
 namespace Zentara::Host::Check {
 

@@ -19,6 +19,7 @@
 
 #include "host/files/paths.h"
 #include "host/guid_text.h"
+#include "host/json.h"
 #include "host/plugins/check/check_run.h"
 #include "host/plugins/check/plugin_check_child.h"
 #include "host/plugins/plugin_question.h"
@@ -281,7 +282,7 @@ PluginReport checkPlugin(const std::string& path, const PluginQuestions& questio
     PluginReport report;
     report.path = path;
     // Of a bare name the system would look in the directories of its libraries.
-    const PluginAnswer answer = askPlugins(questions, {utf8Of(fs::absolute(pathOf(path)))}).front();
+    const PluginAnswer answer = askPlugin(questions, utf8Of(fs::absolute(pathOf(path))));
     report.name = {guidName(answer.probe.guid), answer.probe.guid};
     report.type = answer.probe.type;
     if (report.type != 0)
