@@ -8,11 +8,10 @@
 namespace Zentara::Host {
 
 std::string guidText(const GUID& guid) {
-    std::string text = Utils::Format("%{:X8}-%{:X4}-%{:X4}-") % guid.Data1 % guid.Data2 % guid.Data3;
-    for (std::size_t index = 0; index < 8; ++index) {
-        text += std::string(Utils::Format("%{:X2}") % static_cast<unsigned>(guid.Data4[index]));
-        text += index == 1 ? "-" : "";
-    }
+    Utils::Format text("%{:X8}-%{:X4}-%{:X4}-%{:X2}%{:X2}-%{:X2}%{:X2}%{:X2}%{:X2}%{:X2}%{:X2}");
+    text % guid.Data1 % guid.Data2 % guid.Data3;
+    for (const unsigned byte : guid.Data4)
+        text % byte;
     return text;
 }
 
