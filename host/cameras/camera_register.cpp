@@ -1,8 +1,10 @@
 #include "host/cameras/camera_register.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
+#include "host/attempt.h"
 #include "host/cameras/stream_description.h"
 
 namespace Zentara::Host {
@@ -82,11 +84,37 @@ void CameraRegister::watch() {
 }
 
 std::optional<CameraEvent> CameraRegister::next(milliseconds limit) {
-    ExternalEvent event;
+    std::list<ExternalEvent> taken(1); // with room before anything is taken, so that it can be put back
     // Waited for on the caller's thread, not on that of the enumerators, where a long wait would count as hanging.
     const auto wait = std::clamp(limit, milliseconds(0), longestWait);
-    if (!events->timedPop(event, static_cast<unsigned long>(wait.count())))
+    if (!takeUntold(taken) && !events->timedPop(taken.front(), static_cast<unsigned long>(wait.count())))
         return {};
+    try {
+        return told(taken.front());
+    } catch (const LackOfMemory&) {
+        putBack(taken);
+        throw;
+    } catch (const std::bad_alloc&) {
+        putBack(taken);
+        throw;
+    }
+}
+
+bool CameraRegister::takeUntold(std::list<ExternalEvent>& taken) noexcept {
+    const Utils::Threading::AutoLock hold(lock);
+    if (untold.empty())
+        return false;
+    taken.clear();
+    taken.splice(taken.begin(), untold, untold.begin());
+    return true;
+}
+
+void CameraRegister::putBack(std::list<ExternalEvent>& taken) noexcept {
+    const Utils::Threading::AutoLock hold(lock);
+    untold.splice(untold.end(), taken);
+}
+
+CameraEvent CameraRegister::told(const ExternalEvent& event) {
     CameraEvent told;
     told.type = typeOf(event.type);
     told.timeMicros = event.timeMicros;

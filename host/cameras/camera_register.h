@@ -1,11 +1,13 @@
 #pragma once
 
+#include <list>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include <zentara/host/cameras.h>
+#include <zentara/utils/mutex.h>
 
 #include "host/cameras/camera_bus.h"
 #include "host/cameras/errands.h"
@@ -46,6 +48,14 @@ private:
         const std::shared_ptr<CameraBus::Events> events = std::make_shared<CameraBus::Events>();
         std::unique_ptr<CameraBus> opened;
     };
+
+    [[nodiscard]] bool takeUntold(std::list<ExternalEvent>& taken) noexcept;
+    void putBack(std::list<ExternalEvent>& taken) noexcept;
+    [[nodiscard]] CameraEvent told(const ExternalEvent& event);
+
+    Utils::Threading::Mutex lock;
+    /// Those for which memory was lacking, the oldest first.
+    std::list<ExternalEvent> untold ZENTARA_GUARDED_BY(lock);
 
     Errands errands;
     const std::shared_ptr<Seat> seat;

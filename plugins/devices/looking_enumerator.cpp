@@ -1,6 +1,8 @@
 #include "plugins/devices/looking_enumerator.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <new>
 #include <utility>
 
 #include <zentara/utils/clock.h>
@@ -84,21 +86,37 @@ void* LookingEnumerator::run(void*) {
         const AutoLock hold(lock);
         announced.clear();
     }
+    std::vector<ExternalEvent> untold;
     while (!exitRequested()) {
-        std::vector<ExternalEvent> events;
-        {
-            const AutoLock hold(lock);
-            look();
-            events = changes();
-            addTrouble(events);
-        }
-        if (auto* queue = getEventQueue()) {
-            for (const ExternalEvent& event : events)
-                queue->push(event);
+        try {
+            addNews(untold);
+            auto* const queue = getEventQueue();
+            for (; !untold.empty(); untold.erase(untold.begin())) {
+                if (queue)
+                    queue->push(untold.front());
+            }
+        } catch (const std::bad_alloc&) {
+            // What is not told yet is told next time.
         }
         awaitNews();
     }
     return nullptr;
+}
+
+/// All of it or, where memory is lacking, nothing.
+void LookingEnumerator::addNews(std::vector<ExternalEvent>& events) {
+    const AutoLock hold(lock);
+    look();
+    const std::size_t before = events.size();
+    try {
+        std::vector<NodeEvent> told = present;
+        addChanges(events);
+        addTrouble(events);
+        announced.swap(told);
+    } catch (...) {
+        events.erase(events.begin() + static_cast<std::ptrdiff_t>(before), events.end());
+        throw;
+    }
 }
 
 const NodeEvent* LookingEnumerator::before(const NodeEvent& node) const { return findNode(present, node); }
@@ -118,8 +136,7 @@ void LookingEnumerator::look() {
 }
 
 /// What went and what came since the host was told last.
-std::vector<ExternalEvent> LookingEnumerator::changes() {
-    std::vector<ExternalEvent> events;
+void LookingEnumerator::addChanges(std::vector<ExternalEvent>& events) {
     const auto addMissing = [&events](ExternalEventType type, const std::vector<NodeEvent>& from,
                                       const std::vector<NodeEvent>& in) {
         for (const NodeEvent& node : from) {
@@ -130,8 +147,6 @@ std::vector<ExternalEvent> LookingEnumerator::changes() {
     };
     addMissing(ExternalEventType_NODE_REMOVED, announced, present);
     addMissing(ExternalEventType_NODE_ARRIVED, present, announced);
-    announced = present;
-    return events;
 }
 
 } // namespace Zentara::Devices

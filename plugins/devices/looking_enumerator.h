@@ -21,7 +21,7 @@ public:
     void dispose() override;
     void enumerate(std::vector<NodeEvent>& nodes) override;
     [[nodiscard]] bool isPresent(const NodeEvent& node) override;
-    /// A thread that is started anew tells everything.
+    /// A thread that is started anew tells everything. What it finds no memory for it tells after the next look.
     void* run(void* argument) override;
 
 protected:
@@ -49,7 +49,8 @@ protected:
 
 private:
     void look() ZENTARA_REQUIRES(lock);
-    [[nodiscard]] std::vector<ExternalEvent> changes() ZENTARA_REQUIRES(lock);
+    void addNews(std::vector<ExternalEvent>& events);
+    void addChanges(std::vector<ExternalEvent>& events) ZENTARA_REQUIRES(lock);
 
     std::vector<NodeEvent> present ZENTARA_GUARDED_BY(lock);   ///< at the last look
     std::vector<NodeEvent> announced ZENTARA_GUARDED_BY(lock); ///< what the host was told

@@ -69,21 +69,30 @@ SimulatedBus::SimulatedBus()
 void SimulatedBus::refresh() {
     if (filePath.empty())
         return;
+    std::string text;
+    const auto isUnreadable = [this](const std::exception& failure) {
+        looked = false; // the text that comes back is looked at whatever it is
+        trouble = failure.what();
+    };
     try {
         refuseWhatMayBlock(filePath);
-        std::string text = Utils::readFile(filePath);
-        if (looked && text == lastText)
-            return;
-        looked = true; // also if it is wrong: it is told once, and the cameras stay as they were
-        lastText = std::move(text);
+        text = Utils::readFile(filePath);
+    } catch (const Plugin::ConfigurationPluginException& failure) {
+        return isUnreadable(failure);
+    } catch (const Utils::UIOException& failure) {
+        return isUnreadable(failure);
+    }
+    if (looked && text == lastText)
+        return;
+    looked = false; // so it stays when memory is lacking
+    lastText = std::move(text);
+    try {
         plugged = parse(lastText);
         trouble.clear();
     } catch (const Plugin::ConfigurationPluginException& failure) {
-        trouble = failure.what();
-    } catch (const Utils::UIOException& failure) {
-        looked = false; // the text that comes back is looked at whatever it is
-        trouble = failure.what();
+        trouble = failure.what(); // told once, and the cameras stay as they were
     }
+    looked = true;
 }
 
 std::vector<SimulatedBus::Camera> SimulatedBus::parse(const std::string& text) const {

@@ -76,7 +76,13 @@ const Operation operations[] = {
     {"Watch", [](Place&) {
          Cameras cameras;
          cameras.watch();
-         return cameras.next(inTime).value().camera.controller.size() + cameras.list().size();
+         std::optional<CameraEvent> event;
+         try {
+             event = cameras.next(inTime);
+         } catch (const std::exception&) { // the event comes again
+             event = cameras.next(inTime);
+         }
+         return event.value().camera.controller.size() + cameras.list().size();
      }},
     {"Describe", [](Place& place) {
          const StreamInfo info = place.cameras->open("LEFT").streamInfo(Kind::Depth);

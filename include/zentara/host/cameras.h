@@ -89,7 +89,7 @@ public:
     /// From now on arrivals and removals come through next(), beginning with the arrivals of what is there.
     void watch();
 
-    /// Waits for the next event. \return nothing when none came within that time
+    /// Waits for the next event; one for which memory is lacking comes again. \return nothing when none came in that time
     [[nodiscard]] std::optional<CameraEvent> next(std::chrono::milliseconds limit);
 
     /// The names of the enumerators' back-ends, with commas between.

@@ -25,7 +25,6 @@ std::vector<std::string> pathsOf(const std::vector<NodeEvent>& nodes) {
 /// The enumerator of the real plug-in library.
 class SimulatedEnumerator : public testing::Test {
 protected:
-    void SetUp() override { ASSERT_TRUE(enumerator); }
     void TearDown() override { enumerator->dispose(); }
 
     /// The nodes of the next events, all of which are of that type.
@@ -95,14 +94,10 @@ TEST_F(SimulatedEnumerator, CanBeAskedWhileItEnds) {
 /// The same with a file that says which cameras are plugged in.
 class PluggedCameras : public SimulatedEnumerator {
 protected:
-    void plug(const std::string& cameras) { host.plug(cameras); }
-    void start() {
+    void start(const std::string& cameras) {
+        host.plug(cameras);
         enumerator->initialize(&events, nullptr);
         enumerator->execute();
-    }
-    void start(const std::string& cameras) {
-        plug(cameras);
-        start();
     }
 
     TestSupport::CameraHost host;
@@ -117,13 +112,13 @@ TEST_F(PluggedCameras, ComeAndGoWhileTheThreadRuns) {
     EXPECT_EQ(first[0].deviceIndex, 0U);
     EXPECT_EQ(first[3].deviceIndex, 1U);
 
-    plug(R"({"model": "ZS570", "serialNumber": "B"})");
+    host.plug(R"({"model": "ZS570", "serialNumber": "B"})");
     EXPECT_THAT(pathsOf(removals(3)),
                 ElementsAre("simulated:A/depth", "simulated:A/color", "simulated:A/audio"));
     EXPECT_FALSE(enumerator->isPresent(first[0]));
     EXPECT_TRUE(enumerator->isPresent(first[3]));
 
-    plug(R"({"model": "ZS345"}, {"model": "ZS570", "serialNumber": "B"},
+    host.plug(R"({"model": "ZS345"}, {"model": "ZS570", "serialNumber": "B"},
             {"model": "ZS570", "serialNumber": "A"})");
     const std::vector<NodeEvent> back = arrivals(6);
     ASSERT_THAT(pathsOf(back),
@@ -159,7 +154,7 @@ TEST_F(PluggedCameras, AWrongFileOrNoneChangesNothingAndIsReportedOnce) {
     } while (busy);
     EXPECT_THAT(next(1, ExternalEventType_ERROR), SizeIs(1));
     EXPECT_THAT(listed(), SizeIs(3));
-    plug("");
+    host.plug("");
     EXPECT_THAT(removals(3), SizeIs(3)) << "without a further error before it";
     EXPECT_THAT(listed(), SizeIs(0));
 }
@@ -167,7 +162,7 @@ TEST_F(PluggedCameras, AWrongFileOrNoneChangesNothingAndIsReportedOnce) {
 // A pipe would hold the reader back, a device may never end.
 TEST_F(PluggedCameras, WhatIsNoFileIsNotRead) {
     const TestSupport::ScopedVariable folder(Simulated::SimulatedBus::variable, host.path());
-    start();
+    start("");
     const std::vector<NodeEvent> reported = next(1, ExternalEventType_ERROR);
     ASSERT_THAT(reported, SizeIs(1));
     EXPECT_THAT(reported[0].name, HasSubstr("it is not a regular file"));
