@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
+#include <cstdio>
 #include <memory>
 #include <poll.h>
+#include <unistd.h>
 #include <utility>
 
 #include <zentara/plugin/plugin_exceptions.h>
@@ -53,11 +55,21 @@ std::string textOf(const SoundMode& mode) {
     return Format("% channels of % bits at % Hz") % mode.channels % mode.bits % mode.rate;
 }
 
+/// The library says that there is no such card, of one whose files this user may not open.
+bool isForbidden(const std::string& name) {
+    unsigned card = 0;
+    return std::sscanf(name.c_str(), "hw:%u", &card) == 1 &&
+           ::access(("/dev/snd/controlC" + std::to_string(card)).c_str(), R_OK | W_OK) != 0 &&
+           errno == EACCES;
+}
+
 snd_pcm_t* opened(const std::string& name) {
     snd_pcm_t* input = nullptr;
-    const int result = snd_pcm_open(&input, name.c_str(), SND_PCM_STREAM_CAPTURE, SND_PCM_NONBLOCK);
+    int result = snd_pcm_open(&input, name.c_str(), SND_PCM_STREAM_CAPTURE, SND_PCM_NONBLOCK);
     if (result >= 0)
         return input;
+    if (isForbidden(name))
+        result = -EACCES;
     const std::string text = Format("%: cannot open the microphone: %") % name % snd_strerror(result);
     if (result == -EACCES || result == -EPERM)
         throw Plugin::UnauthorizedAccessPluginException(text);
