@@ -15,8 +15,9 @@ bool hasOpen(const fs::path& process, const fs::path& device) {
     std::error_code error;
     for (fs::directory_iterator file(process / "fd", error), end; !error && file != end;
          file.increment(error)) {
-        std::error_code vanished;
-        if (fs::read_symlink(file->path(), vanished) == device)
+        // Of a link that vanished or may not be read the target is empty, as is the path of a device that has gone.
+        std::error_code unreadable;
+        if (fs::read_symlink(file->path(), unreadable) == device && !unreadable)
             return true;
     }
     return false;
