@@ -44,7 +44,8 @@ const char* meaningOf(int error) {
         return "the camera has no such unit or control";
     case ENOBUFS:
         return "the control has another length, or the camera did not say which";
-    case EACCES:
+    case EACCES: // of newer kernels; of older ones the other
+    case EILSEQ:
         return "the camera is in the wrong state for it";
     case EREMOTE:
         return "the camera has too little power for it";
