@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <sstream>
 #include <string>
@@ -177,9 +176,11 @@ TEST_F(Cameras, KeepParametersWithinTheirRange) {
     const std::tuple<const char*, int, const char*> wrong[]{
         {"0=200", 1, "value out of range"},  {"12=1", 1, "cannot set parameter 12 to 1: it can only be read"},
         {"0=nan", 2, "takes a number"},      {"0=[[1]]", 2, "takes a number, not \"[[1]]\""},
-        {"16=1", 2, "'16' is no parameter"}, {"-1=1", 2, ""},
+        {"0=1e39", 2, "takes a number"},     {"-1=1", 2, ""},
+        {"16=1", 2, "'16' is no parameter"}, {"4=3000000000", 2, "takes a whole number of 32 bits"},
         {"0", 2, "PARAMETER=VALUE"},         {"4=1.5", 2, "takes a whole number"},
         {"7=1", 2, "takes true or false"},   {"13=1,2,3", 2, "takes x, y, width and height"},
+        {"4=-3000000000", 2, "a whole"},     {"13=1,2,3,65536", 2, "takes x, y, width and height"},
     };
     for (const auto& [word, exitCode, message] : wrong) {
         const ToolRun run = ToolTest::run({"params", "set", word});

@@ -66,21 +66,25 @@ const char* eventName(CameraEvent::Type type) {
 
 /// With --json one object a line, so that a reader can follow.
 void printEvent(Console& console, const CameraEvent& event) {
-    const bool hasNode = !event.camera.nodes.empty();
+    const bool ofCamera = event.type != CameraEvent::Type::Trouble;
+    const bool hasNode = !event.camera.nodes.empty(); // a camera without any has a name that says why
     if (console.json) {
         Json line = beginJson(console);
         line["event"] = eventName(event.type);
         line["timeMicros"] = event.timeMicros;
-        line["camera"] = hasNode ? cameraJson(event.camera) : Json();
+        line["camera"] = ofCamera ? cameraJson(event.camera) : Json();
         line["node"] = hasNode ? Json::parse(toJson(event.camera.nodes.front())) : Json();
-        line["message"] = hasNode ? Json() : Json(printable(event.message));
+        line["message"] = ofCamera ? Json() : Json(printable(event.message));
         printOnOneLine(console.out, line);
         return;
     }
     std::ostream& out = console.out;
     out << padded(eventName(event.type), 9);
     if (!hasNode) {
-        out << printable(event.message) << std::endl;
+        out << (ofCamera ? padded("-", 7) + printable(event.camera.name + " " + event.camera.serial) + " " +
+                               printable(event.camera.path)
+                         : printable(event.message))
+            << std::endl;
         return;
     }
     const NodeInfo& node = event.camera.nodes.front();
