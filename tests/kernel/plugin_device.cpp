@@ -1,7 +1,8 @@
 // plugin_device NODE STEP...: takes the steps with a device of the plug-in for video nodes ("/dev/video0") or microphones ("hw:1,0"),
 // and with nothing above it. What is read goes to standard output, a line for each reading to standard error: its status, its
-// time in microseconds and its bytes. Steps: start, read=COUNT, sleep=MILLISECONDS; of video region=X,Y,WIDTH,HEIGHT, pause and
-// resume; of sound level=FROM_0_TO_1, and mute=1 or 0. Pictures are 320 x 240 pixels, sound is in the usual mode.
+// time in microseconds and its bytes. Steps: start, stop, read=COUNT, sleep=MILLISECONDS; of video region=X,Y,WIDTH,HEIGHT, pause
+// and resume; of sound start=CHANNELS,BITS,RATE, level=FROM_0_TO_1, and mute=1 or 0. Pictures are 320 x 240 pixels, sound is in the
+// usual mode unless told.
 #include <cstdio>
 #include <iostream>
 #include <thread>
@@ -42,8 +43,11 @@ void take(IO::AudioDeviceProxy& microphone, const std::string& step, const char*
     if (step != "start")
         return step == "mute" ? microphone.setMute(*value == '1')
                               : microphone.setInputMixerLevel(std::stof(value));
-    const auto mode = Utils::makeRefcounted<AudioConfiguration>();
+    auto mode = Utils::makeRefcounted<AudioConfiguration>();
     microphone.getDefaultConfiguration(mode);
+    int channels = 0, bits = 0, rate = 0;
+    if (std::sscanf(value, "%d,%d,%d", &channels, &bits, &rate) == 3)
+        mode = Utils::makeRefcounted<AudioConfiguration>(channels, bits, rate);
     microphone.enableStreaming(mode, 1, false);
 }
 
@@ -67,6 +71,8 @@ void takeAll(Device<Proxy> device, char** steps) {
             std::this_thread::sleep_for(std::chrono::milliseconds(std::stoi(value)));
         else if (step == "read")
             read(device, std::stoi(value));
+        else if (step == "stop")
+            device.disableStreaming(false);
         else
             take(device, step, value);
     }
@@ -75,11 +81,10 @@ void takeAll(Device<Proxy> device, char** steps) {
 } // namespace
 
 int main(int, char** arguments) try {
-    const std::string node = arguments[1];
-    if (node.rfind("/dev/video", 0) == 0)
-        takeAll<IO::VideoDeviceProxy>({Core::Guids::V4L2VIDEO_IMPL, node}, arguments + 2);
+    if (std::string(arguments[1]).rfind("/dev/video", 0) == 0)
+        takeAll<IO::VideoDeviceProxy>({Core::Guids::V4L2VIDEO_IMPL, arguments[1]}, arguments + 2);
     else
-        takeAll<IO::AudioDeviceProxy>({Core::Guids::ALSAAUDIO_IMPL, node}, arguments + 2);
+        takeAll<IO::AudioDeviceProxy>({Core::Guids::ALSAAUDIO_IMPL, arguments[1]}, arguments + 2);
     return std::cout.flush() ? 0 : 1;
 } catch (const std::exception& failure) {
     std::cerr << failure.what() << '\n';

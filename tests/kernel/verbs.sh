@@ -131,11 +131,11 @@ taken_pictures() {
 
 # same_gaps COUNT: as many were left out of what was compared last, into $TMPDIR/gaps, as the tool or the module said in $TMPDIR/said.
 # More may be said, though not of every second frame: on a busy machine the emulated camera is late, and of a late frame its time tells
-# the same as of one behind a lost one.
+# the same as of one behind a lost one. One less may be said: when the first one is late its time lies nearer to the others'.
 same_gaps() {
     local first last left
     read -r first last left < <(sed -n 's/.* \([0-9]*\) to \([0-9]*\), \([0-9]*\) left out.*/\1 \2 \3/p' "$TMPDIR/gaps")
-    [ "$left" -le "$1" ] && [ $((2 * ($1 - left))) -le $((last - first + 1 - left)) ] || { cat "$TMPDIR/said" "$TMPDIR/gaps" >&2 && return 1; }
+    [ "$left" -le $(($1 + 1)) ] && [ $((2 * ($1 - left))) -le $((last - first + 1 - left)) ] || { cat "$TMPDIR/said" "$TMPDIR/gaps" >&2 && return 1; }
 }
 dropped() { sed -n 's/^frames .* \([0-9]*\) dropped.*/\1/p' "$TMPDIR/said" | head -n 1; }
 missing() { sed -n "s/^$1: \([0-9]*\) missing/\1/p" "$TMPDIR/said"; }

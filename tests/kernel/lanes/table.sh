@@ -83,3 +83,24 @@ test_a_silent_camera_disturbs_no_other() {
     wait $! || true
     grep -q 'has not answered for 1.8 s' "$TMPDIR/silent"
 }
+
+# The reasons that a camera may have, by their numbers, in the kernel's errors and our words.
+test_a_refusal_says_its_reason() {
+    use_real_cameras
+    local reason=0 words faults=()
+    for reason in {1..8}; do faults+=(--fault "unit stall after $((reason - 1)) times 1 reason $reason"); done
+    plug K1 2 --camera ZS570 --no-microphone "${faults[@]}"
+    while read -r words; do
+        refuse 1 "/dev/video[0-9]+: cannot get control 1 of unit 6: $words\$" zentara xu get --camera K1 1
+    done <<'rows'
+the camera is not ready: Device or resource busy
+the camera is in the wrong state for it: (Permission denied|Invalid or incomplete .*)
+the camera has too little power for it: Object is remote
+the value is out of the camera's range: Numerical result out of range
+(the control does not do that: Invalid request code|the camera refused it: Input.output error)
+(the control does not do that: Invalid request code|the camera refused it: Input.output error)
+(the control does not do that: Invalid request code|the camera refused it: Input.output error)
+the camera does not take the value: Invalid argument
+rows
+    expect '^5A 01 02 03 04' zentara xu get --camera K1 1
+}

@@ -175,15 +175,25 @@ test_hostile_descriptors_are_listed_as_what_they_are() {
     expect '3 of 3' zentara stream --camera HALF --mode 320x240@15 --frames 3
 }
 
-# Its driver gets no answer between the camera's first node and the others: until then it is not there, and says why.
+# Its driver gets no answer between the camera's first node and the others: until then it is not there, and says why. Who watches
+# needs no time to start while it is so, and hears of it from the kernel.
 test_a_camera_is_seen_with_all_its_nodes_or_not_yet() {
     use_real_cameras
+    local watcher
+    "$ZENTARASDK_ROOT/bin/zentara" devices --watch >"$TMPDIR/watched" 2>&1 &
+    watcher=$!
+    plug EARLY 1 --camera plain-one --no-microphone
+    eventually 20 grep -q '^arrived .* EARLY /dev/' "$TMPDIR/watched"
     "$camera" --serial LATE --camera plain --fault 'probe silent after 3 times 1' >/dev/null &
     plugged[LATE]=$!
-    eventually 20 test -e /dev/video0
-    expect 'its driver waits for an answer of it' zentara devices
+    eventually 20 grep -q '^arrived .*its driver waits for an answer of it' "$TMPDIR/watched" || { cat "$TMPDIR/watched" >&2 && return 1; }
     eventually 20 lists LATE
     grep '^LATE' "$TMPDIR/listed" | grep -q 'depth color audio'
+    unplug EARLY
+    eventually 20 grep -q '^removed .* EARLY /dev/' "$TMPDIR/watched"
+    kill "$watcher"
+    wait "$watcher" || [ $? = 130 ]
+    grep -c '^arrived .* LATE ' "$TMPDIR/watched" | grep -qx 3 || { cat "$TMPDIR/watched" >&2 && return 1; }
 }
 lists() { zentara devices >"$TMPDIR/listed" && grep -q "^$1 " "$TMPDIR/listed"; }
 
