@@ -1,11 +1,9 @@
 #include <filesystem>
 #include <string>
 
-#include <zentara/core/plugin_probe.h>
 #include <zentara/utils/files.h>
 
 #include "support/program.h"
-#include "support/scoped_variable.h"
 #include "support/simulated_faults.h"
 #include "tools/tool_fixture.h"
 
@@ -15,7 +13,6 @@ namespace {
 using nlohmann::json;
 using testing::AllOf;
 using testing::HasSubstr;
-using testing::Not;
 
 /// Runs the built tool in an install root of the test's own: a copy of the built one, without what the test takes out.
 /// This process may hold on to the plug-ins that other tests have used.
@@ -40,13 +37,6 @@ protected:
         return text;
     }
     void describe(const json& camera) { Utils::writeFile(path("cameras/other.json"), camera.dump()); }
-
-    void remove(const std::string& plugin) {
-        for (const auto& entry : std::filesystem::directory_iterator(at("bin/Plugins"))) {
-            if (entry.path().stem() == plugin)
-                std::filesystem::remove(entry.path());
-        }
-    }
 
     ToolRun run(const std::vector<std::string>& arguments) const {
         std::string words;
@@ -145,114 +135,6 @@ TEST_F(OwnRoot, FormatsTheStorageWhereTheDescriptionPutsIt) {
     EXPECT_EQ(refused.exitCode, 2);
     EXPECT_THAT(refused.err, HasSubstr("no description says where the camera's storage lies"));
     EXPECT_EQ(Utils::readFile(kept), after);
-}
-
-TEST_F(OwnRoot, TakesSeveralPluginsOfOneKindTogether) {
-    const std::string ending = std::string(".") + Core::pluginFileExtension();
-    copyMisbehaving("none", "a_bus" + ending);
-    copyMisbehaving("initialize throw", "b_bus" + ending);
-    copyMisbehaving("none", "a_store" + ending, "misbehaving_store");
-    copyMisbehaving("initialize throw", "b_store" + ending, "misbehaving_store");
-    const ToolRun devices = run({"devices", "--json"});
-    EXPECT_EQ(devices.exitCode, 0) << devices.err;
-    EXPECT_EQ(devices.json().at("cameras").size(), 3U);
-    EXPECT_EQ(devices.json().at("cameras").at(0).at("controller"), "OV0570");
-    EXPECT_THAT(devices.json().at("enumerator").get<std::string>(), HasSubstr("an empty bus, "));
-    EXPECT_THAT(devices.err, AllOf(HasSubstr("cannot look for cameras through 00000001-0006"),
-                                   HasSubstr("cannot read the descriptions of cameras through 00000001-0008"),
-                                   HasSubstr("it is left out")));
-    EXPECT_EQ(run({"info"}).exitCode, 0);
-    EXPECT_THAT(run({"devices", "--watch", "--seconds", "0.5"}).out, HasSubstr("SIM0345"));
-
-    // A second video device: the first four bytes of its GUID are others, wherever they stand.
-    std::string bytes = Utils::readFile(path("bin/Plugins/simulated_video_device" + ending));
-    const std::string known = "\xC6\x3F\xE2\x39";
-    for (std::size_t at = bytes.find(known); at != std::string::npos; at = bytes.find(known, at))
-        bytes[at + 3] = 1;
-    Utils::writeFile(path("bin/Plugins/other" + ending), bytes);
-    const std::string other = "01E23FC6-E54A-4CD0-9FB4-67C1781E2C5B";
-    const std::pair<std::string, std::string> rows[]{
-        {"", other},
-        {other, other},
-        {"{" + other + "}", other},
-        {"other" + ending, other},
-        {"simulated_video_device", "MOCKVIDEODEVICE_IMPL"},
-        {path("bin/Plugins/simulated_video_device" + ending), "MOCKVIDEODEVICE_IMPL"},
-        {"mockvideodevice_impl", "MOCKVIDEODEVICE_IMPL"}};
-    for (const auto& [name, taken] : rows) {
-        std::vector<std::string> words{"stream", "--direct", "--frames", "1", "--json"};
-        if (!name.empty())
-            words.insert(words.end(), {"--plugin", name});
-        const ToolRun stream = run(words);
-        ASSERT_EQ(stream.exitCode, 0) << stream.err;
-        EXPECT_THAT(stream.out, HasSubstr(taken)) << name;
-        EXPECT_EQ(stream.err.find("are registered; taking") != std::string::npos, name.empty()) << stream.err;
-    }
-    const ToolRun wrong = run({"reg", "read", "tof", "0x21", "--direct", "--plugin", "simulated_enumerator"});
-    EXPECT_EQ(wrong.exitCode, 2);
-    EXPECT_THAT(wrong.err, AllOf(HasSubstr("no video device plug-in is called 'simulated_enumerator'"),
-                                 HasSubstr("(simulated_video_device" + ending + ")")));
-    EXPECT_EQ(run({"reg", "read", "tof", "0x21", "--plugin", "other"}).exitCode, 2) << "without --direct";
-}
-
-TEST_F(OwnRoot, EndsWhenAPluginDoesNotComeBack) {
-    const std::string ending = std::string(".") + Core::pluginFileExtension();
-    const struct {
-        const char* behaviour; ///< of an enumerator
-        const char* faults;    ///< of the devices
-        std::vector<std::string> words;
-        const char* said;
-    } rows[]{
-        {"load hang", "", {"devices"}, "cannot look for plug-ins: "},
-        {"create hang", "", {"devices"}, "cannot look for cameras through 00000001-0006"},
-        {"initialize hang", "", {"info"}, "cannot look for cameras through 00000001-0006"},
-        {"enumerate hang", "", {"stream"}, "cannot look for cameras through 00000001-0006"},
-        {"dispose hang", "", {"info"}, "cannot close the enumerator 00000001-0006"},
-        {"", "hang 60000 at video.dispose", {"stream", "--frames", "3", "--raw", "whole"}, "cannot close "},
-        {"", "hang 60000 at video.open", {"stream", "--direct"}, "cannot open MOCKVIDEODEVICE_IMPL: "},
-        {"",
-         "hang 60000 at video.recv",
-         {"reg", "read", "tof", "1", "--direct"},
-         ": GET unit 6, control 1: "},
-    };
-    for (const auto& row : rows) {
-        if (*row.behaviour != '\0')
-            copyMisbehaving(row.behaviour, "hanging" + ending);
-        const TestSupport::ScopedVariable faults("ZENTARA_SIMULATED", row.faults);
-        std::vector<std::string> words{"--patience", "1"};
-        words.insert(words.end(), row.words.begin(), row.words.end());
-        if (words.back() == "whole")
-            words.back() = path("whole");
-        const ToolRun run = OwnRoot::run(words);
-        EXPECT_EQ(run.exitCode, 7) << row.said << run.err;
-        EXPECT_THAT(run.err, AllOf(HasSubstr(row.said), HasSubstr("it has not come back for 1 s")))
-            << run.err;
-        remove("hanging");
-    }
-    EXPECT_EQ(std::filesystem::file_size(at("whole")), 3U * 460'800U) << "what had come is whole";
-}
-
-TEST_F(OwnRoot, NamesWhatIsMissing) {
-    for (const char* real :
-         {"usb_enumerator", "generic_descriptions", "v4l2_video_device", "alsa_audio_device"})
-        remove(real);
-    describe({{"format", 1}});
-    EXPECT_THAT(run({"devices"}).out, AllOf(HasSubstr("SIM0570"), Not(HasSubstr("OTHER"))));
-    std::filesystem::remove_all(at("cameras"));
-    for (const char* verb : {"devices", "info", "stream"}) {
-        const ToolRun run = OwnRoot::run({verb});
-        EXPECT_EQ(run.exitCode, 3) << verb;
-        EXPECT_THAT(run.err, HasSubstr("no camera is plugged in")) << verb;
-    }
-    remove("simulated_enumerator");
-    EXPECT_EQ(run({"reg", "read", "tof", "1"}).exitCode, 4);
-    EXPECT_EQ(run({"reg", "read", "tof", "1", "--direct"}).exitCode, 0);
-    remove("descriptor_store");
-    const ToolRun blind = run({"devices"});
-    EXPECT_EQ(blind.exitCode, 4);
-    EXPECT_THAT(blind.err, HasSubstr("no descriptor store plug-in is registered"));
-    remove("simulated_video_device");
-    EXPECT_EQ(run({"reg", "read", "tof", "1", "--direct"}).exitCode, 4);
 }
 
 } // namespace

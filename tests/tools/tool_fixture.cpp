@@ -2,7 +2,6 @@
 
 #include <sstream>
 
-#include <zentara/core/plugin_probe.h>
 #include <zentara/utils/files.h>
 
 #include "support/program.h"
@@ -25,16 +24,6 @@ ToolRun ToolTest::run(const std::vector<std::string>& arguments) {
 std::filesystem::path ToolTest::builtTool() {
     const std::filesystem::path tool = Tests::programDirectory() / "zentara";
     return std::filesystem::exists(tool) ? tool : std::filesystem::path(tool.string() + ".exe");
-}
-
-void ToolTest::copyMisbehaving(const std::string& behaviour, const std::string& file,
-                               const char* variant) const {
-    const auto built = builtTool().parent_path().parent_path() / "test-plugins" /
-                       (std::string(variant) + "." + Core::pluginFileExtension());
-    std::string bytes = Utils::readFile(built.string());
-    const std::string mark = "MISBEHAVIOUR:";
-    bytes.replace(bytes.find(mark) + mark.size(), behaviour.size() + 1, behaviour + ' ');
-    Utils::writeFile(path("bin/Plugins/" + file), bytes);
 }
 
 ToolRun ToolTest::runBuilt(const std::string& arguments, const std::string& input) const {

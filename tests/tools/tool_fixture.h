@@ -36,11 +36,6 @@ protected:
     /// the same user, who may be the only one that gets as far as to the program.
     static constexpr const char* unprivileged = "$([ $(id -u) = 0 ] && echo setpriv --bounding-set -all) ";
 
-    /// Puts a plug-in of fixtures/misbehaving.cpp into "bin/Plugins/" of the test's directory.
-    /// \param behaviour "WHERE HOW"
-    void copyMisbehaving(const std::string& behaviour, const std::string& file,
-                         const char* variant = "misbehaving") const;
-
     /// A file in the test's directory, and whether it is there.
     [[nodiscard]] std::string path(const std::string& name = {}) const { return directory.path(name); }
     [[nodiscard]] bool exists(const std::string& name) const;
