@@ -62,31 +62,14 @@ public:
         return ::poll(&file, 1, milliseconds) > 0 ? Ready::Woken : Ready::Nothing;
     }
 
-private:
     template<typename Argument>
     static Argument& as(void* argument) {
         return *static_cast<Argument*>(argument);
     }
-    int describe(v4l2_fmtdesc& format) {
-        if (format.index >= formats.size())
-            return -EINVAL;
-        format.pixelformat = formats[format.index];
-        return 0;
-    }
-    int fetch(v4l2_buffer& buffer) {
-        if (gone || frames.empty())
-            return gone ? -ENODEV : -EAGAIN;
-        buffer.bytesused = static_cast<std::uint32_t>(frames.front().size());
-        std::memcpy(memory.data(), frames.front().data(), frames.front().size());
-        buffer.flags = flags;
-        buffer.timestamp = {12, 345678};
-        frames.pop_front();
-        return 0;
-    }
 
     using Call = std::function<int(void*)>;
     const Call nothing = [](void*) { return 0; };
-    /// What the requests do; any other is not known.
+    /// What the requests do; any other is not known. A test may put others in their place.
     std::map<unsigned long, Call> calls{
         {VIDIOC_QUERYCAP, [](void* a) { return as<v4l2_capability>(a).capabilities = 0x04000001, 0; }},
         {VIDIOC_ENUM_FMT, [this](void* a) { return describe(as<v4l2_fmtdesc>(a)); }},
@@ -111,6 +94,25 @@ private:
         {VIDIOC_REQBUFS, nothing},
         {VIDIOC_QBUF, nothing},
     };
+
+private:
+    int describe(v4l2_fmtdesc& format) {
+        if (format.index >= formats.size())
+            return -EINVAL;
+        format.pixelformat = formats[format.index];
+        return 0;
+    }
+    int fetch(v4l2_buffer& buffer) {
+        if (gone || frames.empty())
+            return gone ? -ENODEV : -EAGAIN;
+        buffer.bytesused = static_cast<std::uint32_t>(frames.front().size());
+        std::memcpy(memory.data(), frames.front().data(), frames.front().size());
+        buffer.flags = flags;
+        buffer.timestamp = {12, 345678};
+        frames.pop_front();
+        return 0;
+    }
+
     Utils::Threading::Mutex lock;
     std::vector<std::byte> memory;
 };

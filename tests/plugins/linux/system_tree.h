@@ -6,8 +6,6 @@
 #include <string>
 #include <vector>
 
-#include <zentara/guid.h>
-
 #include "support/temporary_directory.h"
 
 namespace Zentara::TestSupport {

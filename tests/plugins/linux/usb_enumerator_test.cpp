@@ -24,10 +24,8 @@ public:
         const bool described = wanted.vendorId == 0x1234 && wanted.productId == 0x5678 &&
                                wanted.revision == 0x102 &&
                                (wanted.interfaceNumber == 3 || wanted.interfaceNumber == 5);
-        if (!described && genericType(wanted.interfaceNumber) == NodeType_NONE)
-            return false;
         ids = wanted;
-        return true;
+        return described || (isWhole && genericType(wanted.interfaceNumber) != NodeType_NONE);
     }
     [[nodiscard]] NodeType getNodeType() const override {
         return ids.interfaceNumber == 3   ? NodeType_DEPTH
@@ -35,14 +33,17 @@ public:
                                           : genericType(ids.interfaceNumber);
     }
     [[nodiscard]] FourCC getFourCC() const override {
-        return {ids.interfaceNumber == 3 ? V4L2_PIX_FMT_Y16 : fourCCCode('Y', 'U', 'Y', '2'), 16, 0};
+        return {ids.interfaceNumber != 3 ? fourCCCode('Y', 'U', 'Y', '2') : depthFormat, 16, 0};
     }
-    [[nodiscard]] GUID getDeviceImplGUID() const override { return Core::Guids::V4L2VIDEO_IMPL; }
+    [[nodiscard]] GUID getDeviceImplGUID() const override { return device; }
     [[nodiscard]] HardwareIDs getNodeHardwareIDs() const override { return ids; }
     [[nodiscard]] const Core::DeviceDescriptor* getDeviceDescriptor() const override { return nullptr; }
     [[nodiscard]] const Core::NodeDescriptor* getNodeDescriptor() const override { return nullptr; }
 
     int asked = 0;
+    bool isWhole = true; ///< it knows generic nodes
+    std::uint32_t depthFormat = V4L2_PIX_FMT_Y16;
+    GUID device = Core::Guids::V4L2VIDEO_IMPL;
 
 private:
     HardwareIDs ids;
@@ -113,6 +114,30 @@ TEST_F(UsbEnumeratorTest, TellsNodesApartByWhatTheyDeliver) {
     EXPECT_THAT(log.warnings(), Contains(HasSubstr("2 microphones, of which hw:3,0 alone is used")).Times(1));
 }
 
+/// A description for the plug-ins of another system is none here; one without a format means what such a node needs.
+TEST_F(UsbEnumeratorTest, TakesADescriptionOfThisSystemElseWhatIsOfUse) {
+    tree.plug("1-1", "1234", "5678", {});
+    tree.addVideo(0, "devices/usb1/1-1/1-1:1.0");
+    const auto nodes = [this] {
+        enumerator.initialize(nullptr, &store);
+        return textsOf(look());
+    };
+    kernel->formats = {V4L2_PIX_FMT_YUYV, V4L2_PIX_FMT_Z16};
+    store.depthFormat = 0;
+    EXPECT_THAT(nodes(), ElementsAre("depth 3 /dev/video0", "color 5 /dev/video0"));
+    store.device = Core::Guids::MOCKVIDEODEVICE_IMPL;
+    EXPECT_THAT(nodes(), ElementsAre("depth 257 /dev/video0", "color 258 /dev/video0"));
+    for (const std::uint32_t format :
+         {V4L2_PIX_FMT_YUYV, V4L2_PIX_FMT_UYVY, V4L2_PIX_FMT_NV12, V4L2_PIX_FMT_NV21, V4L2_PIX_FMT_YUV420,
+          V4L2_PIX_FMT_YVU420, V4L2_PIX_FMT_GREY, V4L2_PIX_FMT_MJPEG, V4L2_PIX_FMT_JPEG}) {
+        kernel->formats = {V4L2_PIX_FMT_H264, format};
+        tree.setAddress("1-1", format);
+        EXPECT_THAT(nodes(), ElementsAre("color 258 /dev/video0")) << format;
+    }
+    store.isWhole = false;
+    EXPECT_THAT(nodes(), ElementsAre("audio 0 " + tree.real("devices/usb1/1-1"))) << "a refusal";
+}
+
 /// What cannot be had of a camera, and that only one that answers keeps a camera from being asked again.
 TEST_F(UsbEnumeratorTest, TellsWhyACameraHasNoNodes) {
     kernel->formats = {V4L2_PIX_FMT_H264};
@@ -122,6 +147,7 @@ TEST_F(UsbEnumeratorTest, TellsWhyACameraHasNoNodes) {
         tree.plug(port, "4321", "0001", Descriptors().interface(1, 2).format("Z16 ").bytes());
         tree.addVideo(number, "devices/usb1/" + port + "/" + port + ":1.0");
     }
+    tree.addVideo(3, "devices/platform/box"); // no camera on USB
     enumerator.initialize(nullptr, &store);
     const std::vector<NodeEvent> nodes = look();
     ASSERT_EQ(nodes.size(), 3U);

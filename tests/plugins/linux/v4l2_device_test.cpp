@@ -21,6 +21,7 @@ using testing::HasSubstr;
 using testing::StartsWith;
 using TestSupport::Bytes;
 using TestSupport::failure;
+using TestSupport::FakeKernel;
 using Utils::makeRefcounted;
 using Utils::SmartPtr;
 
@@ -47,6 +48,9 @@ protected:
             makeRefcounted<ColorConfiguration>(size, 30, PowerLineFrequency_DISABLED, compression);
         device->enableColorStreaming(request<IO::enableColorRequest>(mode, CameraControls()).get());
     }
+    std::string failureOfStart() {
+        return failure([this] { start(); });
+    }
     ReadBufferStatus read() {
         frame.assign(1 << 20, 0);
         const ReadBufferStatus status = device->readBuffer(frame.data(), 1 << 20, &micros, &length);
@@ -55,7 +59,7 @@ protected:
         return status;
     }
 
-    std::shared_ptr<TestSupport::FakeKernel> kernel = std::make_shared<TestSupport::FakeKernel>();
+    std::shared_ptr<FakeKernel> kernel = std::make_shared<FakeKernel>();
     NodeEvent node;
     SmartPtr<V4l2Device> device = makeRefcounted<V4l2Device>(kernel);
     Bytes frame;
@@ -118,17 +122,27 @@ TEST_F(V4l2DeviceTest, EndsAReadersWaitAndNeverSpins) {
 }
 
 TEST_F(V4l2DeviceTest, SaysWhatAnErrorMeans) {
-    kernel->openErrors["/dev/video7"] = EACCES;
-    EXPECT_THAT(failure([&] { open(); }), testing::AllOf(StartsWith("8: /dev/video7: cannot open the camera"),
-                                                         HasSubstr("Permission denied")));
+    for (const auto& [error, text] : {std::pair(EPERM, "8: /dev/video7: cannot open the camera; be a member"),
+                                      {EACCES, "8: /dev/video7: cannot open the camera; be a member of its"},
+                                      {ENXIO, "4: /dev/video7: there is no camera any more: No such device"},
+                                      {EBUSY, "4: /dev/video7: cannot open the camera: Device or resource"},
+                                      {EMFILE, "4: /dev/video7: cannot open the camera: Too many open"}}) {
+        kernel->openErrors["/dev/video7"] = error;
+        EXPECT_THAT(failure([&] { open(); }), StartsWith(text));
+    }
     kernel->openErrors.clear();
     open();
-    kernel->callErrors[VIDIOC_REQBUFS] = EBUSY;
-    EXPECT_THAT(failure([&] { start(); }),
-                testing::AllOf(StartsWith("7: /dev/video7: "), HasSubstr("it is in use")));
-    kernel->callErrors = {{VIDIOC_STREAMON, ENOSPC}};
-    EXPECT_THAT(failure([&] { start(); }),
-                testing::AllOf(StartsWith("4: "), HasSubstr("the bus has no room")));
+    for (const auto& [call, error, text] :
+         {std::tuple(VIDIOC_REQBUFS, EBUSY,
+                     "7: cannot share memory for frames: it is in use: Device or resource busy; another "),
+          {VIDIOC_S_FMT, EPERM, "8: cannot set the format: Operation not permitted"},
+          {VIDIOC_S_PARM, ETIMEDOUT, "2: cannot set the frame rate: Connection timed out"},
+          {VIDIOC_G_FMT, ENOTTY, "5: cannot ask for the format: Inappropriate ioctl"},
+          {VIDIOC_QUERYBUF, ENXIO, "4: cannot ask for the memory of a frame: the camera was unplugged"},
+          {VIDIOC_STREAMON, ENOSPC, "4: cannot start the stream: the bus has no room"}}) {
+        kernel->callErrors = {{call, error}};
+        EXPECT_THAT(failureOfStart().erase(3, 13), StartsWith(text));
+    }
     kernel->callErrors.clear();
     EXPECT_THAT(
         failure([&] { start(CompressionType_NONE, FrameFormat_QVGA); }),
@@ -147,8 +161,65 @@ TEST_F(V4l2DeviceTest, SaysWhatAnErrorMeans) {
     }
 }
 
+template<typename Argument>
+std::function<int(void*)> answer(void (*change)(Argument&)) {
+    return [change](void* argument) { return change(*static_cast<Argument*>(argument)), 0; };
+}
+
+/// Drivers make something else of a mode than they list.
+TEST_F(V4l2DeviceTest, RefusesWhatADriverMakesOfAMode) {
+    const auto original = kernel->calls;
+    const std::tuple<unsigned long, std::function<int(void*)>, const char*> rows[] = {
+        {VIDIOC_QUERYCAP, answer<v4l2_capability>([](auto& a) { a.capabilities = 1; }),
+         "delivers no pictures"},
+        {VIDIOC_S_FMT, answer<v4l2_format>([](auto& a) { a.fmt.pix.height = 9; }),
+         "makes 640 x 9 of 'YUYV' of"},
+        {VIDIOC_S_FMT, answer<v4l2_format>([](auto& a) { a.fmt.pix.pixelformat = 0; }), "makes 640 x 480 of"},
+        {VIDIOC_S_PARM, answer<v4l2_streamparm>([](auto& a) {
+             a.parm.capture.timeperframe = {1, 15};
+         }),
+         "makes 15 frames"},
+        {VIDIOC_REQBUFS, answer<v4l2_requestbuffers>([](auto& a) { a.count = 1; }), "memory for 1 frames"},
+        {VIDIOC_G_SELECTION, answer<v4l2_selection>([](auto& a) { a.r.width = 9; }), "fill the whole frame"},
+    };
+    for (const auto& [call, change, text] : rows) {
+        kernel->calls[call] = change;
+        EXPECT_THAT(failure([&] { open(), start(), close(); }), HasSubstr(text));
+        static_cast<void>(failure([&] { close(); })); // unless it was never open
+        kernel->calls = original;
+    }
+    EXPECT_EQ(kernel->openFiles, 0);
+}
+
+TEST_F(V4l2DeviceTest, OutlivesWhatTheQueueSays) {
+    open();
+    const auto next = [this](std::function<int(void*)> queue) {
+        kernel->frames.assign(1, Bytes(614400, 9));
+        kernel->calls[VIDIOC_DQBUF] = std::move(queue);
+        return read();
+    };
+    const auto fetched = kernel->calls[VIDIOC_DQBUF];
+    start();
+    EXPECT_THAT(failureOfStart(), HasSubstr("streams already"));
+    EXPECT_THAT(failure([&] { device->readBuffer(nullptr, 1, &micros, &length); }), StartsWith("3: "));
+    EXPECT_EQ(next([this](void*) { return kernel->frames.clear(), -EAGAIN; }), ReadBufferStatus_TIMEOUT);
+    EXPECT_EQ(next([](void*) { return -EIO; }), ReadBufferStatus_FAILED);
+    EXPECT_EQ(next(answer<v4l2_buffer>([](auto& a) { a.index = 4; })), ReadBufferStatus_FAILED);
+    kernel->flags = 0;
+    EXPECT_EQ(next(fetched), ReadBufferStatus_OK);
+    EXPECT_NE(micros, 12'345'678) << "the time of another clock";
+    kernel->gone = true; // it has an error that no call names
+    int asked = 0;
+    EXPECT_EQ(next([&](void*) { return ++asked, -EAGAIN; }), ReadBufferStatus_TIMEOUT);
+    EXPECT_LT(asked, 25) << "a node that is always ready";
+    kernel->gone = false;
+    kernel->callErrors[VIDIOC_QBUF] = ENODEV;
+    EXPECT_EQ(next(fetched), ReadBufferStatus_OK) << "the last one before it was pulled out";
+    EXPECT_EQ(read(), ReadBufferStatus_DISCONNECTED);
+}
+
 TEST(ExtensionUnits, SendNoQuestionToWhatCanOnlyBeRead) {
-    const auto kernel = std::make_shared<TestSupport::FakeKernel>();
+    const auto kernel = std::make_shared<FakeKernel>();
     std::string asked;
     kernel->onUnit = [&asked](const uvc_xu_control_query& query) {
         asked += query.query == UVC_GET_LEN    ? "L"
