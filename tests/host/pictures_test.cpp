@@ -109,7 +109,10 @@ TEST(CloudView, TurnsAboutTheMiddleAndHidesWhatIsBehind) {
     EXPECT_LT(middleOf(60, true), middleOf(60, false));
     EXPECT_GT(middleOf(-60, true), middleOf(-60, false));
     EXPECT_THROW(static_cast<void>(CloudView{}.draw(PointCloud(), "none")), Failure);
-    EXPECT_THROW(static_cast<void>(CloudView{.width = 0}.draw(cloud, "no pixel")), Failure);
+    for (const CloudView& none :
+         {CloudView{.width = 0}, CloudView{.height = 0}, CloudView{.width = 1U << 20},
+          CloudView{.height = 1U << 20}, CloudView{.right = NAN}, CloudView{.up = INFINITY}})
+        EXPECT_THROW(static_cast<void>(none.draw(cloud, "no picture")), Failure);
 }
 
 TEST(Plot, DrawsEachLineInItsColour) {

@@ -79,6 +79,9 @@ TEST_F(Plugins, AreToldFromEachOddEntryWithItsOwnRemedy) {
     addFile("arm", headOf(false, 183));
     addFile("windows arm", headOf(true, 0x64));
     addFile("narrow", headOf(false, 62).replace(4, 1, "\1"));
+    addFile("phone", headOf(false, 40).replace(4, 1, "\1"));
+    addFile("new", headOf(true, 0x99));
+    addFile("apple", std::string("\xCF\xFA\xED\xFE\x0C\0\0\1", 8));
     addFile("empty", "");
     const std::string text = addFile("text", "I am no library");
     Utils::writeFile(text.substr(0, text.size() - ending().size()) + ".txt", "hello");
@@ -89,6 +92,9 @@ TEST_F(Plugins, AreToldFromEachOddEntryWithItsOwnRemedy) {
         {"arm", {"open", "is a library for Linux on AArch64"}},
         {"windows arm", {"open", "is a library for Windows on AArch64"}},
         {"narrow", {"open", "is a library for Linux on x86-64, 32 bits"}},
+        {"phone", {"open", "is a library for Linux on ARM"}},
+        {"new", {"open", "is a library for Windows on machine 43673"}},
+        {"apple", {"open", "is a library for macOS on AArch64"}},
         {"empty", {"open", ""}},
         {"text", {"open", ""}},
         {"text.txt", {"ending", "does not end in "}}};
@@ -116,10 +122,11 @@ TEST_F(Plugins, AreToldFromEachOddEntryWithItsOwnRemedy) {
         const RefusedFile& file = files[name.ends_with(".txt") ? name : name + ending()];
         EXPECT_EQ(file.step, said.first) << name;
         EXPECT_THAT(file.reason, HasSubstr(said.second)) << name;
+        EXPECT_EQ(file.reason.ends_with(", 32 bits"), name == "narrow") << file.reason;
         remedies.insert(file.remedy);
     }
-    EXPECT_EQ(remedies.size() + 3, rows.size())
-        << "the three libraries want the same, and the two that are none";
+    EXPECT_EQ(remedies.size() + 6, rows.size())
+        << "the six libraries want the same, and the two that are none";
     std::filesystem::remove_all(fileAt(""));
     EXPECT_TRUE(refused().empty());
     EXPECT_FALSE(found.isThere);

@@ -3,7 +3,6 @@
 
 #include <gmock/gmock.h>
 
-#include <zentara/audio_configuration.h>
 #include <zentara/color_configuration.h>
 #include <zentara/depth_configuration.h>
 #include <zentara/io/streaming_requests.h>
@@ -22,6 +21,7 @@ using namespace Zentara;
 using namespace Zentara::IO;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using Utils::SmartPtr;
 using Utils::Threading::Signal;
 
 constexpr bool proxified = true;
@@ -72,7 +72,7 @@ protected:
         return device;
     }
 
-    Utils::SmartPtr<deviceRequest> requestToClose() {
+    SmartPtr<deviceRequest> requestToClose() {
         return Utils::makeRefcounted<deviceRequest>(openedDevice(), RequestType_CLOSE);
     }
 
@@ -126,7 +126,7 @@ TEST_F(WorkerTest, ARequestCanBeSubmittedAgain) {
     AVDeviceInterface* const device = openedDevice();
     script.takeCalls();
     Worker worker;
-    const auto request = Utils::SmartPtr<deviceRequest>::adopt(new deviceRequest(device, RequestType_CLOSE));
+    const auto request = SmartPtr<deviceRequest>::adopt(new deviceRequest(device, RequestType_CLOSE));
     worker->processRequest(request.get(), patience);
     worker->processRequest(request.get(), patience);
     EXPECT_THAT(script.takeSlots(), ElementsAre(close, close));
@@ -170,7 +170,7 @@ TEST_F(WorkerTest, AFailedRequestLeavesAHusk) {
     };
     EXPECT_EQ("no stream", outcome([&] { proxy->open(); }));
     auto* const request = new deviceRequest(device, RequestType_CLOSE);
-    Utils::SmartPtr<deviceRequest> other(request);
+    SmartPtr<deviceRequest> other(request);
     {
         Worker worker;
         EXPECT_EQ("no stream", outcome([&] { worker->processRequest(request, patience); }));
@@ -216,14 +216,10 @@ TEST_F(WorkerTest, ATimedOutRequestLeavesItsHuskWhenItEnds) {
     const Utils::WeakPtr<OwnColor> watchedColor(color);
     const Utils::WeakPtr<OwnDepth> watchedDepth(depth);
     leavesHusk(
-        [&] {
-            proxy->enableStreaming(Utils::SmartPtr<ColorConfiguration>(std::exchange(color, nullptr)), {});
-        },
+        [&] { proxy->enableStreaming(SmartPtr<ColorConfiguration>(std::exchange(color, nullptr)), {}); },
         [&] { return !watchedColor.expired(); });
     leavesHusk(
-        [&] {
-            proxy->enableStreaming(Utils::SmartPtr<DepthBaseConfiguration>(std::exchange(depth, nullptr)));
-        },
+        [&] { proxy->enableStreaming(SmartPtr<DepthBaseConfiguration>(std::exchange(depth, nullptr))); },
         [&] { return !watchedDepth.expired(); });
     std::uint8_t bytes[100];
     leavesHusk([&] { proxy->recv(1, 2, sizeof bytes, bytes, false); },
@@ -232,9 +228,8 @@ TEST_F(WorkerTest, ATimedOutRequestLeavesItsHuskWhenItEnds) {
     Worker().exit();
     color = Utils::makeRefcounted<OwnColor>();
     const Utils::WeakPtr<OwnColor> refused(color);
-    EXPECT_THROW(
-        proxy->enableStreaming(Utils::SmartPtr<ColorConfiguration>(std::exchange(color, nullptr)), {}),
-        Plugin::IOPluginException);
+    EXPECT_THROW(proxy->enableStreaming(SmartPtr<ColorConfiguration>(std::exchange(color, nullptr)), {}),
+                 Plugin::IOPluginException);
     EXPECT_TRUE(refused.expired());
     proxy.reset();
     EXPECT_EQ(0, script.livingDevices());
@@ -551,7 +546,7 @@ TEST_F(WorkerTest, RequestsThatDoNotFitTheirDeviceFail) {
     Worker worker;
     // False when the request was refused, with the not-supported kind and untouched by the device.
     const auto accepted = [&](deviceRequest* made) {
-        const auto request = Utils::SmartPtr<deviceRequest>::adopt(made);
+        const auto request = SmartPtr<deviceRequest>::adopt(made);
         try {
             worker->processRequest(made, patience);
             return true;

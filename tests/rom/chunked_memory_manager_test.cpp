@@ -26,23 +26,18 @@ TEST_F(ManagerTest, BlankFlashIsNotInitializedUntilFormatWritesTheHeader) {
 }
 
 TEST_F(ManagerTest, HeadersThatDoNotCount) {
-    struct Case {
-        const char* name;
-        std::uint32_t chunkSize;
-        std::uint32_t available;
-        std::uint8_t minReadoutVersion;
-        bool counts;
-    };
-    for (const Case& c : {Case{"good", 256, 4096, 1, true},
-                          {"reads down to version 0", 256, 4096, 0, true},
-                          {"for later readers", 256, 4096, 2, false},
-                          {"chunk size 0", 0, 4096, 1, false},
-                          {"beyond the area", 256, 4097, 1, false},
-                          {"smaller than the area", 256, 100, 1, true}}) {
+    using Case = std::tuple<const char*, std::uint32_t, std::uint32_t, std::uint8_t, bool>;
+    for (const auto& [name, chunkSize, available, minReadoutVersion, counts] :
+         {Case{"good", 256, 4096, 1, true},
+          {"reads down to version 0", 256, 4096, 0, true},
+          {"for later readers", 256, 4096, 2, false},
+          {"chunk size 0", 0, 4096, 1, false},
+          {"beyond the area", 256, 4097, 1, false},
+          {"smaller than the area", 256, 100, 1, true}}) {
         use({});
-        putHeader(0, c.chunkSize, c.available, 1, c.minReadoutVersion);
+        putHeader(0, chunkSize, available, 1, minReadoutVersion);
         mountMemory();
-        EXPECT_EQ(c.counts, manager->romInitialized()) << c.name;
+        EXPECT_EQ(counts, manager->romInitialized()) << name;
     }
     // Impossible formats are refused before any write.
     flash->image.clear();
@@ -173,30 +168,25 @@ TEST_F(ManagerTest, UnknownAndForgottenBlocksAreRefused) {
 }
 
 TEST_F(ManagerTest, DamagedChainsAreCut) {
-    struct Case {
-        const char* name;
-        std::uint32_t next; ///< link of the second block
-        std::size_t blocks;
-        const char* warning;
-    };
+    using Case = std::tuple<const char*, std::uint32_t, std::size_t, const char*>;
     const char* cyclic = "cyclic references detected";
     const char* unreadable = "couldn't parse memory block header";
-    for (const Case& c : {Case{"whole", 800, 3, ""},
-                          {"back to the first", 17, 2, cyclic},
-                          {"to itself", 300, 2, cyclic},
-                          {"to no block", 1000, 2, unreadable},
-                          {"past the area", 4096, 2, unreadable},
-                          {"across the area's end", 4090, 2, unreadable},
-                          {"far away", 0xFFFFFFFF, 2, unreadable}}) {
+    for (const auto& [name, linkOfSecond, blocks, warning] : {Case{"whole", 800, 3, ""},
+                                                              {"back to the first", 17, 2, cyclic},
+                                                              {"to itself", 300, 2, cyclic},
+                                                              {"to no block", 1000, 2, unreadable},
+                                                              {"past the area", 4096, 2, unreadable},
+                                                              {"across the area's end", 4090, 2, unreadable},
+                                                              {"far away", 0xFFFFFFFF, 2, unreadable}}) {
         LogCapture log;
         use({});
         putHeader(17, 256, 4096);
         putBlock(17, 20, 300);
-        putBlock(300, 20, c.next);
+        putBlock(300, 20, linkOfSecond);
         putBlock(800, 20, 0);
         mountMemory();
-        EXPECT_EQ(c.blocks, manager->getBlockMap().size()) << c.name;
-        EXPECT_THAT(log.text(), HasSubstr(c.warning)) << c.name;
+        EXPECT_EQ(blocks, manager->getBlockMap().size()) << name;
+        EXPECT_THAT(log.text(), HasSubstr(warning)) << name;
     }
 }
 

@@ -110,21 +110,18 @@ TEST_F(ContainerTest, WhatFitsIsRewrittenInPlace) {
 }
 
 TEST_F(ContainerTest, UnusableHeaders) {
-    struct Case {
-        const char* name;
-        Bytes header;
-        bool counts;
-    };
-    for (const Case& c : {Case{"good", hex("01 01 50C0"), true},
-                          {"bad checksum", hex("01 01 50C1"), false},
-                          {"version 0", hex("00 01 C0C1"), false},
-                          {"cut", hex("01 01 50"), false},
-                          {"for later readers", ROM::ContainerHeader(1, 2).serialize(), false}}) {
+    using Case = std::tuple<const char*, Bytes, bool>;
+    for (const auto& [name, header, counts] :
+         {Case{"good", hex("01 01 50C0"), true},
+          {"bad checksum", hex("01 01 50C1"), false},
+          {"version 0", hex("00 01 C0C1"), false},
+          {"cut", hex("01 01 50"), false},
+          {"for later readers", ROM::ContainerHeader(1, 2).serialize(), false}}) {
         use({});
-        putChain(c.header, {section(4, pattern(5))});
+        putChain(header, {section(4, pattern(5))});
         mount();
-        EXPECT_EQ(c.counts, container->romInitialized()) << c.name;
-        EXPECT_EQ(c.counts ? 1u : 0u, container->getSectionUIDs().size()) << c.name;
+        EXPECT_EQ(counts, container->romInitialized()) << name;
+        EXPECT_EQ(counts ? 1u : 0u, container->getSectionUIDs().size()) << name;
     }
 }
 

@@ -156,12 +156,7 @@ TEST_F(JsonOutput, TellsAFailureToo) {
     run({"rom", "create", image});
     run({"rom", "set", "9", image, "--type", "77", "--hex", "01"});
     Utils::writeFile(image + "2", std::string(65536, 'x'));
-    const struct {
-        std::vector<std::string> arguments;
-        int code;
-        const char* verb;
-        const char* remedy;
-    } rows[]{
+    const std::tuple<std::vector<std::string>, int, const char*, const char*> rows[]{
         {{"dance"}, 2, "null", "'zentara --help' lists them"},
         {{"steam", "--frames", "2"}, 2, "null", "did you mean 'zentara stream'?"},
         {{"calibration", "improt", "x"}, 2, "\"calibration\"", "did you mean 'zentara calibration import'?"},
@@ -179,16 +174,15 @@ TEST_F(JsonOutput, TellsAFailureToo) {
         {{"rom", "set", "1", "camera:VC0258", "--hex", "03"}, 5, "\"rom\"", ""},
         {{"rom", "get", "7", image + "\x1b[31m"}, 1, "\"rom\"", ""},
     };
-    for (const auto& row : rows) {
-        auto arguments = row.arguments;
+    for (auto [arguments, code, verb, remedy] : rows) {
         arguments.emplace_back("--json=true");
         const ToolRun run = ToolTest::run(arguments);
-        EXPECT_EQ(run.exitCode, row.code) << run.err;
+        EXPECT_EQ(run.exitCode, code) << run.err;
         const json told = json::parse(run.out);
         EXPECT_EQ(fault(told, shapes.at("error"), ""), "");
-        EXPECT_EQ(told.at("verb").dump(), row.verb);
-        EXPECT_EQ(told.at("error").at("code"), row.code);
-        EXPECT_THAT(told.at("error").at("remedy").dump(), HasSubstr(row.remedy));
+        EXPECT_EQ(told.at("verb").dump(), verb);
+        EXPECT_EQ(told.at("error").at("code"), code);
+        EXPECT_THAT(told.at("error").at("remedy").dump(), HasSubstr(remedy));
         EXPECT_THAT(run.err, HasSubstr(told.at("error").at("message").get<std::string>()));
         EXPECT_THAT(run.err, Not(HasSubstr("\x1b")));
     }

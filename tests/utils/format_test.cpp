@@ -119,10 +119,7 @@ TEST(Format, LeavesMarksOfAStreamedValueOnLaterOnes) {
 }
 
 TEST(Format, RejectsMalformedStrings) {
-    const struct {
-        const char* format;
-        const char* message;
-    } rows[] = {
+    const std::pair<const char*, const char*> rows[]{
         {"%{:x", "unterminated format item"},
         {"%{", "unterminated format item"},
         {"%{x}", "invalid format item \"x\": \":\" expected"},
@@ -133,9 +130,9 @@ TEST(Format, RejectsMalformedStrings) {
         {"%{:%}", "invalid format item \":%\": invalid width \"%\""},
     };
     for (const auto& row : rows)
-        EXPECT_EQ(TestSupport::messageOf<UFormatException>([&row] { Format rejected(row.format); }),
-                  row.message)
-            << row.format;
+        EXPECT_EQ(TestSupport::messageOf<UFormatException>([&row] { Format rejected(row.first); }),
+                  row.second)
+            << row.first;
 }
 
 TEST(Format, RejectsValuesThatDoNotFit) {

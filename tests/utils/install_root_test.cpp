@@ -70,12 +70,8 @@ TEST_F(InstallRootTest, ReadsThePlainKeyInThe64BitView) {
 }
 
 TEST_F(InstallRootTest, ChoosesTheDevelopmentKitByItsVersion) {
-    const struct {
-        const char* name;
-        const char* version32;
-        const char* version64;
-        const char* found;
-    } rows[] = {
+    // What the views of 32 and of 64 bits have, and what is found.
+    const std::tuple<const char*, const char*, const char*, const char*> rows[]{
         {"64-bit view only", nullptr, "1.4.7.x", "kit64/-CDK"},
         {"32-bit view only", "1.4.0.1", nullptr, "kit32/-CDK"},
         {"32-bit view newer", "1.4.8.0", "1.4.7.0", "kit32/-CDK"},
@@ -87,15 +83,15 @@ TEST_F(InstallRootTest, ChoosesTheDevelopmentKitByItsVersion) {
         {"unparsable next to a good one", "1.4.9", "1.4.1.0", "kit64/-CDK"},
         {"unparsable", "one.four", "1.4.99999999999.1", "plain/"},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
+    for (const auto& [name, version32, version64, root] : rows) {
+        SCOPED_TRACE(name);
         forgetEverything();
         installPlain(KeyView::Bits64, "plain");
-        if (row.version32)
-            installKit(KeyView::Bits32, row.version32, "kit32");
-        if (row.version64)
-            installKit(KeyView::Bits64, row.version64, "kit64");
-        EXPECT_EQ(found(), row.found);
+        if (version32)
+            installKit(KeyView::Bits32, version32, "kit32");
+        if (version64)
+            installKit(KeyView::Bits64, version64, "kit64");
+        EXPECT_EQ(found(), root);
         EXPECT_EQ(findNativeInstallRoot(store, fallback).root, "plain/");
     }
 }

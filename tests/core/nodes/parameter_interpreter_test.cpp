@@ -34,6 +34,7 @@ using testing::StrictMock;
 using Bytes = std::vector<unsigned char>;
 using Interpreter = Utils::SmartPtr<LibraryParameterInterpreter>;
 using TestSupport::failure;
+using Utils::makeRefcounted;
 
 constexpr auto failed = ErrorCode_FAILED;
 constexpr auto tooSmall = ErrorCode_BUFFER_TOO_SMALL;
@@ -77,9 +78,6 @@ auto answer(std::vector<Byte> bytes) {
 std::vector<char> text(const std::string& words) { return {words.begin(), words.end()}; }
 
 ErrorCode noTransfer(void*, unsigned short, unsigned int, unsigned char*, unsigned int) { return failed; }
-ErrorCode noOtherTransfer(void*, unsigned short, unsigned int, unsigned char*, unsigned int) {
-    return failed;
-}
 
 /// An interpreter over the fixture back-end, whose behaviour is the mock's.
 class ParameterInterpreterTest : public testing::Test {
@@ -92,7 +90,7 @@ protected:
         start();
     }
 
-    void start() { parameters->initialize(nullptr, noTransfer, noOtherTransfer, {}, {}); }
+    void start() { parameters->initialize(nullptr, noTransfer, noTransfer, {}, {}); }
 
     std::string rangeFailure(ParameterType parameter) {
         return failure([&] { static_cast<void>(parameters->getParameterRange(parameter)); });
@@ -327,16 +325,15 @@ ParameterRequestMap stateOf(ParameterType parameter, Utils::SmartPtr<xuRequest> 
 }
 
 TEST_F(ParameterInterpreterTest, SystemStateIsWrittenEntryByEntry) {
-    const auto aFloat = Utils::makeRefcounted<setFloatParameterRequest>(ParameterType(9), -2.5F);
-    const auto anInt = Utils::makeRefcounted<setIntParameterRequest>(ParameterType(4), -2);
-    const auto on = Utils::makeRefcounted<setBoolParameterRequest>(ParameterType(7), true);
-    const auto off = Utils::makeRefcounted<setBoolParameterRequest>(ParameterType(14), false);
+    const auto aFloat = makeRefcounted<setFloatParameterRequest>(ParameterType(9), -2.5F);
+    const auto anInt = makeRefcounted<setIntParameterRequest>(ParameterType(4), -2);
+    const auto on = makeRefcounted<setBoolParameterRequest>(ParameterType(7), true);
+    const auto off = makeRefcounted<setBoolParameterRequest>(ParameterType(14), false);
     // Its words are cut and it goes under its own number.
-    const auto region = Utils::makeRefcounted<setRegionOfInterestRequest>(
-        RegionOfInterestInternal{1, 0x12345, 0xFFFF, 0x10000});
-    const auto command = Utils::makeRefcounted<UVCCommandRequest>(UVC_ADC_VALUE, 1U, 2U);
-    const auto byTypeAlone =
-        Utils::makeRefcounted<setParameterRequest>(XU_SET_FLOAT_PARAMETER, ParameterType(0));
+    const auto region =
+        makeRefcounted<setRegionOfInterestRequest>(RegionOfInterestInternal{1, 0x12345, 0xFFFF, 0x10000});
+    const auto command = makeRefcounted<UVCCommandRequest>(UVC_ADC_VALUE, 1U, 2U);
+    const auto byTypeAlone = makeRefcounted<setParameterRequest>(XU_SET_FLOAT_PARAMETER, ParameterType(0));
     const std::tuple<ParameterType, Utils::SmartPtr<xuRequest>, Bytes> rows[]{
         {ParameterType(2), aFloat, {2, 0, 0, 0x20, 0xC0}},
         {ParameterType(4), anInt, {4, 0xFE, 0xFF, 0xFF, 0xFF}},
@@ -361,7 +358,6 @@ TEST_F(ParameterInterpreterTest, SystemStateIsWrittenEntryByEntry) {
 }
 
 TEST_F(ParameterInterpreterTest, NumbersPastOneByteAreRefusedNotCut) {
-    using Utils::makeRefcounted;
     const auto request = makeRefcounted<setBoolParameterRequest>(ParameterType(2), true);
     for (const int number : {-1, 256, 256 + 2, std::numeric_limits<int>::max()}) {
         const std::string reason =
@@ -379,21 +375,20 @@ TEST_F(ParameterInterpreterTest, NumbersPastOneByteAreRefusedNotCut) {
 }
 
 TEST_F(ParameterInterpreterTest, SystemStateIsReadIntoTheRequests) {
-    const auto aFloat = Utils::makeRefcounted<setFloatParameterRequest>(ParameterType(2), 1.0F);
-    const auto anInt = Utils::makeRefcounted<setIntParameterRequest>(ParameterType(4), 2);
-    const auto aBool = Utils::makeRefcounted<setBoolParameterRequest>(ParameterType(7), false);
-    const auto region =
-        Utils::makeRefcounted<setRegionOfInterestRequest>(RegionOfInterestInternal{1, 1, 1, 1});
+    const auto aFloat = makeRefcounted<setFloatParameterRequest>(ParameterType(2), 1.0F);
+    const auto anInt = makeRefcounted<setIntParameterRequest>(ParameterType(4), 2);
+    const auto aBool = makeRefcounted<setBoolParameterRequest>(ParameterType(7), false);
+    const auto region = makeRefcounted<setRegionOfInterestRequest>(RegionOfInterestInternal{1, 1, 1, 1});
     // Parameter 3 is a float and 9 an integer; the requests say the opposite, and get the raw bits.
-    const auto floatAsInt = Utils::makeRefcounted<setIntParameterRequest>(ParameterType(3), 0);
-    const auto intAsFloat = Utils::makeRefcounted<setFloatParameterRequest>(ParameterType(9), 0.0F);
+    const auto floatAsInt = makeRefcounted<setIntParameterRequest>(ParameterType(3), 0);
+    const auto intAsFloat = makeRefcounted<setFloatParameterRequest>(ParameterType(9), 0.0F);
     ParameterRequestMap requests{{ParameterType(2), aFloat},
                                  {ParameterType(4), anInt},
                                  {ParameterType(7), aBool},
                                  {ParameterType(13), region},
                                  {ParameterType(3), floatAsInt},
                                  {ParameterType(9), intAsFloat},
-                                 {ParameterType(10), Utils::makeRefcounted<UVCCommandRequest>()}};
+                                 {ParameterType(10), makeRefcounted<UVCCommandRequest>()}};
     EXPECT_CALL(backEnd, readSystemState).WillOnce([](unsigned char* buffer, unsigned int length) {
         EXPECT_EQ(length, 5U + 5U + 2U + 9U + 5U + 5U);
         // The order of entries is the map's; any other serves as well.
@@ -413,11 +408,7 @@ TEST_F(ParameterInterpreterTest, SystemStateIsReadIntoTheRequests) {
 
 TEST_F(ParameterInterpreterTest, BadSystemStateChangesNothing) {
     // What a back-end makes of a float's five bytes, or of a region's nine.
-    const struct {
-        const char* name;
-        Bytes bytes;
-        const char* reason;
-    } rows[] = {
+    const std::tuple<const char*, Bytes, std::string> rows[]{
         {"unknown number", {16, 0, 0, 0, 0}, "unknown parameter 16 at offset 0"},
         {"not in the map", {3, 0, 0, 0, 0}, "parameter 3 at offset 0 was not asked for"},
         {"request without bytes", {9, 0, 0, 0, 0}, "parameter 9 at offset 0 was not asked for"},
@@ -426,28 +417,28 @@ TEST_F(ParameterInterpreterTest, BadSystemStateChangesNothing) {
         {"cut region", {13, 1, 0, 1, 0}, "the entry of parameter 13 at offset 0 is cut short"},
         {"cut behind a whole entry", {7, 1, 2, 0, 0}, "the entry of parameter 2 at offset 2 is cut short"},
     };
-    for (const auto& row : rows) {
-        const auto aFloat = Utils::makeRefcounted<setFloatParameterRequest>(ParameterType(2), 1.0F);
-        const auto sleeping = Utils::makeRefcounted<setBoolParameterRequest>(ParameterType(7), false);
+    for (auto [name, entries, reason] : rows) {
+        const auto aFloat = makeRefcounted<setFloatParameterRequest>(ParameterType(2), 1.0F);
+        const auto sleeping = makeRefcounted<setBoolParameterRequest>(ParameterType(7), false);
         ParameterRequestMap state{{ParameterType(2), aFloat},
-                                  {ParameterType(14), Utils::makeRefcounted<UVCCommandRequest>()},
+                                  {ParameterType(14), makeRefcounted<UVCCommandRequest>()},
                                   {ParameterType(7), sleeping},
-                                  {ParameterType(9), Utils::makeRefcounted<UVCCommandRequest>()}};
-        EXPECT_CALL(backEnd, readSystemState).WillOnce([&](unsigned char* buffer, unsigned int length) {
-            EXPECT_EQ(length, 7U);
-            // The bytes, and what fills the rest so that it would be read as false.
-            const Bytes filler = {7, 0};
-            std::memcpy(buffer, filler.data(), 2);
-            std::memcpy(buffer + 2, row.bytes.data(), row.bytes.size());
-            return success;
-        });
-        std::string reason = row.reason;
+                                  {ParameterType(9), makeRefcounted<UVCCommandRequest>()}};
+        EXPECT_CALL(backEnd, readSystemState)
+            .WillOnce([&bytes = entries](unsigned char* buffer, unsigned int length) {
+                EXPECT_EQ(length, 7U);
+                // The bytes, and what fills the rest so that it would be read as false.
+                const Bytes filler = {7, 0};
+                std::memcpy(buffer, filler.data(), 2);
+                std::memcpy(buffer + 2, bytes.data(), bytes.size());
+                return success;
+            });
         const std::size_t digit = reason.find("offset ") + 7;
         reason[digit] = static_cast<char>(reason[digit] + 2);
         EXPECT_EQ(failure([&] { parameters->read(state); }), "4: Failed to get system state: " + reason)
-            << row.name;
-        EXPECT_EQ(aFloat->getValue(), 1.0F) << row.name;
-        EXPECT_FALSE(sleeping->getValue()) << row.name;
+            << name;
+        EXPECT_EQ(aFloat->getValue(), 1.0F) << name;
+        EXPECT_FALSE(sleeping->getValue()) << name;
     }
     ParameterRequestMap empty;
     EXPECT_CALL(backEnd, readSystemState).WillOnce(Return(failed));

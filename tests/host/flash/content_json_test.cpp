@@ -90,10 +90,7 @@ TEST(ContentJson, KeepsWhatFieldsCannotSayAsHexadecimalDigits) {
 TEST(ContentJson, NamesTheFieldThatIsWrong) {
     const std::string content = R"({"schema":1,"kind":"rom content","sections":[)";
     const std::string before = content + R"({"uid":4,"type":"diagnostic","flags":1,"records":[)";
-    const struct {
-        std::string text;
-        const char* message;
-    } rows[] = {
+    const std::pair<std::string, const char*> rows[]{
         {R"({"schema":2,"kind":"rom content","sections":[]})",
          "/schema: expected a whole number from 1 to 1"},
         {R"({"schema":1,"kind":"soup","sections":[]})", "/kind: expected \"rom content\""},
@@ -125,10 +122,10 @@ TEST(ContentJson, NamesTheFieldThatIsWrong) {
          "/serialId: expected a text of at most 254"},
     };
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.text);
+        SCOPED_TRACE(row.first);
         EXPECT_THAT(
-            TestSupport::messageOf<Failure>([&] { static_cast<void>(contentFromJson(row.text, "a.json")); }),
-            HasSubstr(row.message));
+            TestSupport::messageOf<Failure>([&] { static_cast<void>(contentFromJson(row.first, "a.json")); }),
+            HasSubstr(row.second));
     }
 }
 

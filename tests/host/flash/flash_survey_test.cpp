@@ -133,11 +133,7 @@ TEST_F(FlashSurveyTest, NamesEachDamageWithItsPlace) {
                 image.write(firstBlock, Bytes(1007, 0));
         };
     };
-    const struct {
-        const char* what;
-        std::function<void()> damage;
-        const char* faults;
-    } rows[] = {
+    const std::tuple<const char*, std::function<void()>, const char*> rows[]{
         {"erased header", put(100, 0, Bytes(17, 0xFF)),
          "notFormatted 100 unreachable b0 unreachable s1 unreachable s2 unreachable s3"},
         {"nothing but zeros", put(100, 0, Bytes(1024, 0)), "managementHeader 100"},
@@ -180,10 +176,10 @@ TEST_F(FlashSurveyTest, NamesEachDamageWithItsPlace) {
          "damagedRecord s2"},
         {"a record of length 0", [&] { set(2, 4, fromHex("200100000000").value()); }, "damagedRecord s2"},
     };
-    for (const auto& row : rows) {
+    for (const auto& [what, damage, expected] : rows) {
         image = whole;
-        row.damage();
-        EXPECT_EQ(faults(), row.faults) << row.what;
+        damage();
+        EXPECT_EQ(faults(), expected) << what;
     }
 }
 

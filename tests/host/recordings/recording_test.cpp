@@ -195,16 +195,30 @@ TEST_F(RecordingTest, EveryWrongByteIsNoticed) {
 }
 
 TEST_F(RecordingTest, RefusesWhatNoStreamCanBe) {
-    using Change = void (*)(Mode&);
-    const std::vector<Change> changes{
-        [](Mode& mode) { mode.kind = static_cast<Kind>(9); }, [](Mode& mode) { mode.width = 0; },
-        [](Mode& mode) { mode.height = 1U << 16; },           [](Mode& mode) { mode.rate = 0; },
-        [](Mode& mode) { mode.kind = Kind::Audio; },
-    };
-    for (std::size_t row = 0; row < changes.size(); ++row) {
-        std::vector<StreamInfo> wrong{streams[0]};
-        changes[row](wrong[0].mode);
-        Recorder(path("r"), wrong).commit();
+    std::vector<StreamInfo> wrong;
+    const auto with = [&](std::size_t stream) -> StreamInfo& { return wrong.emplace_back(streams[stream]); };
+    for (const Kind kind : {Kind(9), Kind(-1), Kind::Audio})
+        with(0).mode.kind = kind;
+    for (const std::uint32_t number : {0U, 1U << 31}) {
+        with(0).mode.width = number;
+        with(0).mode.height = number;
+        with(0).mode.rate = number;
+        with(1).mode.rate = number;
+    }
+    for (const int number : {0, 65}) {
+        with(1).mode.channels = number;
+        with(1).mode.bitsPerSample = number;
+    }
+    with(0).depthAlong = DepthAlong(2);
+    for (const int word : {-1, 99}) {
+        with(0).poseSource = Source(word);
+        with(0).camera.kinds = {Kind(word)};
+        with(0).corrections.modes[1].temperature = ModeCorrections::Temperature(word);
+    }
+    with(0).camera.kinds.resize(1025, Kind::Depth);
+    with(0).corrections.modes[0].cyclicParameters.resize(1025);
+    for (std::size_t row = 0; row < wrong.size(); ++row) {
+        Recorder(path("r"), {wrong[row]}).commit();
         EXPECT_THROW(Recording recording(path("r")), Failure) << row;
     }
     for (const char* name : {"none", ""})

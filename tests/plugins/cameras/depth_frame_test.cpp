@@ -43,9 +43,8 @@ TEST(DepthFrame, IsMadeOfWhatTheSensorSendsAndOfNothingElse) {
             ASSERT_EQ(sent[i] == 0, back[i] == 0) << i;
             ASSERT_EQ(sent[i] == 0, back[2 * pixelCount + i] == 0) << i;
             ASSERT_NEAR(sent[i], back[i], confidence > 100 ? depthTolerance : 65535) << i;
-            ASSERT_NEAR(keepsConfidence || sent[i] == 0 ? confidence : fullConfidence, back[pixelCount + i],
-                        1)
-                << i;
+            const int expected = keepsConfidence || sent[i] == 0 ? confidence : fullConfidence;
+            ASSERT_NEAR(expected, back[pixelCount + i], 1) << i;
         }
         for (const std::size_t size : {std::size_t{0}, rawHeaderBytes - 1, rawHeaderBytes, frame.size() - 1})
             EXPECT_FALSE(makeDepthFrame(frame.data(), size, node.data())) << size;

@@ -5,7 +5,6 @@
 #include <zentara/core/descriptor_store_interface.h>
 #include <zentara/core/device_descriptor.h>
 #include <zentara/core/guids.h>
-#include <zentara/depth_configuration.h>
 #include <zentara/utils/files.h>
 
 #include "plugins/cameras/plugin_guids.h"

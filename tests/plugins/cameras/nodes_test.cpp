@@ -56,6 +56,11 @@ using DepthHost = HostedNode<Core::DepthNodeInterface>;
 using ColorHost = HostedNode<Core::ColorNodeInterface>;
 using AudioHost = HostedNode<Core::AudioNodeInterface>;
 
+template<typename Operation>
+void refuses(const char* text, Operation operation) {
+    EXPECT_THAT(failure(operation), HasSubstr(text));
+}
+
 /// One that is initialized.
 template<typename Hosted>
 struct Started : Hosted {
@@ -116,7 +121,7 @@ TEST_P(DepthNodeTest, SendsItsCommandsWhenItStartsAndStops) {
     std::uint32_t value = 0;
     EXPECT_TRUE(camera.view().getValue(66, value));
     EXPECT_EQ(value, 1U);
-    EXPECT_THAT(failure([&] { camera->enableStreaming(modes[0]); }), HasSubstr("streams already"));
+    refuses("streams already", [&] { camera->enableStreaming(modes[0]); });
 
     camera->setConfiguration(modes[0]);
     EXPECT_THAT(writes(), ElementsAre(Write{66, 0}, Write{64, 1}));
@@ -367,7 +372,7 @@ TEST_F(NodeFailureTest, ACommandThatFailsLeavesTheCameraStopped) {
     // The first log is at its end, so the second initialization is counted anew.
     camera.initialize();
     writes();
-    EXPECT_THAT(failure([&] { camera->enableStreaming(mode); }), HasSubstr("the transfer failed"));
+    refuses("the transfer failed", [&] { camera->enableStreaming(mode); });
     EXPECT_THAT(writes(), ElementsAre(Write{65, 1}, Write{66, 0}, Write{64, 0}, Write{65, 0}))
         << "the third one failed; those for the stop follow, once";
     EXPECT_EQ(read(camera).status, ReadBufferStatus_NOT_STREAMING);
@@ -390,9 +395,8 @@ TEST_F(NodeFailureTest, MissingAndWrongDevicesAreRefused) {
     NodeEvent event = host.find(NodeType_DEPTH);
     DepthHost depth(event);
     depth.event.parentPath = "simulated:gone";
-    EXPECT_THAT(failure([&] { depth.initialize(); }),
-                HasSubstr("no camera is plugged in as 'simulated:gone'"));
-    EXPECT_THAT(failure([&] { depth->enableStreaming({}); }), HasSubstr("not initialized"));
+    refuses("no camera is plugged in as 'simulated:gone'", [&] { depth.initialize(); });
+    refuses("not initialized", [&] { depth->enableStreaming({}); });
     depth->dispose();
     depth->dispose();
     depth.event = event;
@@ -400,10 +404,8 @@ TEST_F(NodeFailureTest, MissingAndWrongDevicesAreRefused) {
 
     // The audio node's store names an audio device.
     AudioHost audio(host.find(NodeType_AUDIO));
-    EXPECT_THAT(failure([&] { depth->initialize(&event, &audio.view(), nullptr); }),
-                HasSubstr("ImplType mismatch"));
-    EXPECT_THAT(failure([&] { depth->readBuffer(nullptr, 0, nullptr, nullptr); }),
-                HasSubstr("not initialized"));
+    refuses("ImplType mismatch", [&] { depth->initialize(&event, &audio.view(), nullptr); });
+    refuses("not initialized", [&] { depth->readBuffer(nullptr, 0, nullptr, nullptr); });
     depth.initialize();
     depth->dispose();
 }
@@ -413,13 +415,11 @@ TEST_F(NodeFailureTest, WrongModesAndRequestsAreRefused) {
     Started<DepthHost> camera(host.find(NodeType_DEPTH));
     const auto vga = makeRefcounted<DepthConfiguration>(FrameFormat_VGA, 60, DepthNode::CameraMode_0, false,
                                                         std::int16_t{0});
-    EXPECT_THAT(failure([&] { camera->enableStreaming(vga); }), HasSubstr("has no mode DEFF3FR60CM0S0"));
-    EXPECT_THAT(failure([&] { camera->setConfiguration(camera->getConfigurations()[0]); }),
-                HasSubstr("does not stream"));
-    EXPECT_THAT(failure([&] { camera->process({}); }), HasSubstr("null"));
-    EXPECT_THAT(failure([&] { camera->setIlluminationLevel(DepthNode::CameraMode_0, 101); }),
-                HasSubstr("value out of range"));
-    EXPECT_THAT(failure([&] { static_cast<void>(camera->readTemperature(nullptr)); }), HasSubstr("null"));
+    refuses("has no mode DEFF3FR60CM0S0", [&] { camera->enableStreaming(vga); });
+    refuses("does not stream", [&] { camera->setConfiguration(camera->getConfigurations()[0]); });
+    refuses("null", [&] { camera->process({}); });
+    refuses("value out of range", [&] { camera->setIlluminationLevel(DepthNode::CameraMode_0, 101); });
+    refuses("null", [&] { static_cast<void>(camera->readTemperature(nullptr)); });
     writes();
     camera->process(makeRefcounted<IO::UVCCommandRequest>(IO::UVC_TOF_CONTROLLER_REGISTER, 77U, 5U));
     camera->setIlluminationLevel(DepthNode::CameraMode_0, 40);
@@ -433,10 +433,8 @@ TEST_F(NodeTest, AColorNodeStreamsWithTheSettingsOfTheHost) {
         EXPECT_EQ(camera->getCameraControls().values.at(CameraControl_CONTRAST).value, 50);
         camera->setCameraControl(CameraControl_BRIGHTNESS, {30, false});
         const CameraControlValue great{300, false};
-        EXPECT_THAT(failure([&] { camera->setCameraControl(CameraControl_ZOOM, great); }),
-                    HasSubstr("no control 11"));
-        EXPECT_THAT(failure([&] { camera->setCameraControl(CameraControl_BRIGHTNESS, great); }),
-                    HasSubstr("takes -64 to 64"));
+        refuses("no control 11", [&] { camera->setCameraControl(CameraControl_ZOOM, great); });
+        refuses("takes -64 to 64", [&] { camera->setCameraControl(CameraControl_BRIGHTNESS, great); });
         EXPECT_EQ(camera->getCameraControls().values.at(CameraControl_BRIGHTNESS).value, 30);
 
         const std::size_t before = transfers();
@@ -449,8 +447,7 @@ TEST_F(NodeTest, AColorNodeStreamsWithTheSettingsOfTheHost) {
         camera->disableStreaming();
         EXPECT_GT(transfers(), streaming) << model << ": and those for the stop";
         EXPECT_EQ(read(camera).status, ReadBufferStatus_NOT_STREAMING);
-        EXPECT_THAT(failure([&] { camera->enableStreaming(makeRefcounted<ColorConfiguration>()); }),
-                    HasSubstr("has no mode"));
+        refuses("has no mode", [&] { camera->enableStreaming(makeRefcounted<ColorConfiguration>()); });
         camera->enableStreaming(camera->getConfigurations().front());
         const std::size_t again = transfers();
         camera->dispose();
@@ -467,12 +464,10 @@ TEST(ColorNode, HasNoControlBeyondTheBits) {
 TEST_F(NodeTest, AnAudioNodeStreamsItsDefaultModeAsItsDeviceIsSet) {
     plugOne("ZS570");
     AudioHost microphones(host.find(NodeType_AUDIO));
-    EXPECT_THAT(failure([&] { microphones->disableStreaming(); }), HasSubstr("not initialized"));
+    refuses("not initialized", [&] { microphones->disableStreaming(); });
     microphones.initialize();
     EXPECT_EQ(microphones->getDefaultConfiguration()->getName(), "AUCH2BPS16SR48000");
-    EXPECT_THAT(
-        failure([&] { microphones->enableStreaming(makeRefcounted<AudioConfiguration>(1, 8, 8000)); }),
-        HasSubstr("no mode"));
+    refuses("no mode", [&] { microphones->enableStreaming(makeRefcounted<AudioConfiguration>(1, 8, 8000)); });
     EXPECT_THAT(failure([&] { microphones->setMute(true); }),
                 "1: Setting mute is not supported by this device");
     microphones->enableStreaming(microphones->getDefaultConfiguration());
@@ -555,15 +550,15 @@ TEST(UndescribedDevices, StreamColorAndSoundAsTheyReportIt) {
     EXPECT_EQ(read(audio).length, static_cast<int>(Cameras::audioBlockBytes));
 
     DeviceAlone nothing(Core::Guids::NULL_IMPL);
-    EXPECT_THAT(failure([&] { color.initialize(nothing); }), HasSubstr("couldn't find GUID NULL_IMPL"));
+    refuses("couldn't find GUID NULL_IMPL", [&] { color.initialize(nothing); });
     UndescribedNode<Core::DepthNodeInterface> depth(Cameras::depthNodeGuid);
-    EXPECT_THAT(failure([&] { depth.initialize(video); }), HasSubstr("tells no controller"));
+    refuses("tells no controller", [&] { depth.initialize(video); });
     using Core::NodeDescriptor;
     for (const auto list : {&NodeDescriptor::preCommonSettings, &NodeDescriptor::postCommonSettings,
                             &NodeDescriptor::stopCommonSettings}) {
         video.node = NodeDescriptor();
         (*video.node).*list = {makeRefcounted<IO::UVCCommandRequest>()};
-        EXPECT_THAT(failure([&] { color.initialize(video); }), HasSubstr("tells no controller"));
+        refuses("tells no controller", [&] { color.initialize(video); });
     }
 }
 
@@ -596,16 +591,15 @@ TEST(Z16Node, TellsMillimetresWhateverTheUnit) {
 TEST(Z16Node, RefusesWhatItCannotTellInMillimetres) {
     UndescribedNode<Core::DepthNodeInterface> camera(Cameras::z16DepthNodeGuid);
     DeviceAlone store(Core::Guids::MOCKVIDEODEVICE_IMPL);
-    EXPECT_THAT(failure([&] { camera.initialize(store); }), HasSubstr("has no depthUnit"));
+    refuses("has no depthUnit", [&] { camera.initialize(store); });
     DeviceAlone sizeless(Core::Guids::MOCKVIDEODEVICE_IMPL, 1000);
     sizeless.format = FrameFormat_DEFAULT;
-    EXPECT_THAT(failure([&] { camera.initialize(sizeless); }), HasSubstr("no mode of a known size"));
+    refuses("no mode of a known size", [&] { camera.initialize(sizeless); });
     DeviceAlone vga(Core::Guids::MOCKVIDEODEVICE_IMPL, 1000);
     vga.format = FrameFormat_VGA;
     camera.initialize(vga);
-    EXPECT_THAT(failure([&] { camera->enableStreaming(camera->getConfigurations().front()); }),
-                HasSubstr("QVGA"));
-    EXPECT_THAT(failure([&] { camera->enableStreaming({}); }), HasSubstr("null"));
+    refuses("QVGA", [&] { camera->enableStreaming(camera->getConfigurations().front()); });
+    refuses("null", [&] { camera->enableStreaming({}); });
     camera->dispose();
     EXPECT_FALSE(camera->getAVDeviceProxy());
 }

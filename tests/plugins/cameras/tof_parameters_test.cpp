@@ -5,7 +5,6 @@
 #include <zentara/calibration_internal.h>
 #include <zentara/io/camera_chip.h>
 #include <zentara/io/library_parameter_interpreter.h>
-#include <zentara/plugin/plugin_exceptions.h>
 
 #include "plugins/cameras/plugin_guids.h"
 #include "plugins/descriptions/wire.h"
@@ -160,18 +159,21 @@ ParameterRequestMap stateOf(float power, int filter, bool light, const RegionOfI
     };
 }
 
+template<typename Request>
+const Request& in(const ParameterRequestMap& state, ParameterType parameter) {
+    return dynamic_cast<const Request&>(*state.at(parameter));
+}
+
 TEST_P(TofParameters, SystemStateIsWrittenWholeOrNotAtAll) {
     parameters->write(stateOf(10, 7, false, {1, 2, 3, 4}));
     ParameterRequestMap state = stateOf(0, 0, true, {});
     parameters->read(state);
-    EXPECT_EQ(dynamic_cast<const setFloatParameterRequest&>(*state[ParameterType_FLOAT_0]).getValue(), 10.0F);
-    EXPECT_EQ(dynamic_cast<const setIntParameterRequest&>(*state[ParameterType_INT_9]).getValue(), 7);
-    EXPECT_FALSE(dynamic_cast<const setBoolParameterRequest&>(*state[ParameterType_BOOL_7]).getValue());
-    EXPECT_EQ(
-        dynamic_cast<const setRegionOfInterestRequest&>(*state[ParameterType_REGION_OF_INTEREST]).getRegion(),
-        (RegionOfInterestInternal{1, 2, 3, 4}));
-    EXPECT_NEAR(dynamic_cast<const setFloatParameterRequest&>(*state[ParameterType_RANGE]).getValue(),
-                7.4948F, 0.001F);
+    EXPECT_EQ(in<setFloatParameterRequest>(state, ParameterType_FLOAT_0).getValue(), 10.0F);
+    EXPECT_EQ(in<setIntParameterRequest>(state, ParameterType_INT_9).getValue(), 7);
+    EXPECT_FALSE(in<setBoolParameterRequest>(state, ParameterType_BOOL_7).getValue());
+    EXPECT_EQ(in<setRegionOfInterestRequest>(state, ParameterType_REGION_OF_INTEREST).getRegion(),
+              (RegionOfInterestInternal{1, 2, 3, 4}));
+    EXPECT_NEAR(in<setFloatParameterRequest>(state, ParameterType_RANGE).getValue(), 7.4948F, 0.001F);
 
     const ParameterRequestMap wrong = stateOf(90, 8, true, {5, 5, 5, 5});
     EXPECT_EQ(failure([&] { parameters->write(wrong); }),

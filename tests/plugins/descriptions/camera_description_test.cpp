@@ -20,12 +20,7 @@ std::string complaint(const std::string& text) {
 }
 
 TEST(CameraDescription, IsRefusedWithFileLineAndFieldOfWhatIsWrong) {
-    const struct {
-        const char* what;
-        const char* from;
-        const char* to;
-        const char* complaint;
-    } rows[] = {
+    const std::tuple<const char*, const char*, const char*, const char*> rows[]{
         {"twice", "\"vendorName\"", "\"model\"", "line 4: 'model' stands there twice"},
         {"unknown field", "\"flags\": 1,\n    \"hardwareVersion\"", "\"flag\": 1,\n    \"hardwareVersion\"",
          "line 12, flag: there is no such field"},
@@ -54,10 +49,10 @@ TEST(CameraDescription, IsRefusedWithFileLineAndFieldOfWhatIsWrong) {
         {"same mode", "\"frameRate\": 60, \"cameraMode\": 1", "\"frameRate\": 60, \"cameraMode\": 0",
          "nodes[0].modes[1]: the mode DEFF2FR60CM0S0 stands there twice"},
     };
-    for (const auto& row : rows)
-        EXPECT_THAT(complaint(changed(shipped("ov0570"), row.from, row.to)),
-                    AllOf(StartsWith("camera.json, line "), HasSubstr(row.complaint)))
-            << row.what;
+    for (const auto& [what, from, to, expected] : rows)
+        EXPECT_THAT(complaint(changed(shipped("ov0570"), from, to)),
+                    AllOf(StartsWith("camera.json, line "), HasSubstr(expected)))
+            << what;
 }
 
 TEST(CameraDescription, HostileTextsAreRefused) {

@@ -36,31 +36,27 @@ TEST_F(ChipVerbs, ShowTheToggleInATrace) {
 }
 
 TEST_F(ChipVerbs, DumpTheWholeMemoryOfEachController) {
-    const struct {
-        const char* camera;
-        std::uint8_t firmware;
-        std::uint8_t configuration;
-    } rows[] = {{"OV0570", 0x57, 0x57}, {"VC0258", 0x28, 0x82}, {"VC0345", 0x45, 0x45}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.camera);
-        const std::string file = path(std::string(row.camera) + ".bin");
-        const ToolRun run = ToolTest::run({"firmware", "dump", file, "--camera", row.camera, "--json"});
+    const std::tuple<std::string, std::uint8_t, std::uint8_t> rows[]{
+        {"OV0570", 0x57, 0x57}, {"VC0258", 0x28, 0x82}, {"VC0345", 0x45, 0x45}};
+    for (const auto& [camera, firmwareSeed, configurationSeed] : rows) {
+        SCOPED_TRACE(camera);
+        const std::string file = path(camera + ".bin");
+        const ToolRun run = ToolTest::run({"firmware", "dump", file, "--camera", camera, "--json"});
         ASSERT_EQ(run.exitCode, 0) << run.err;
-        EXPECT_EQ(run.json().at("camera").at("controller"), row.camera);
+        EXPECT_EQ(run.json().at("camera").at("controller"), camera);
         EXPECT_EQ(run.json().at("length"), 65536);
-        const bool isOneMemory = row.firmware == row.configuration;
+        const bool isOneMemory = firmwareSeed == configurationSeed;
         const std::string firmware =
-            textOf(isOneMemory ? factoryFlash(row.firmware) : patternFlash(row.firmware));
+            textOf(isOneMemory ? factoryFlash(firmwareSeed) : patternFlash(firmwareSeed));
         EXPECT_EQ(Utils::readFile(file), firmware);
-        ASSERT_EQ(ToolTest::run({"firmware", "dump", file, "--camera", row.camera, "--area", "configuration",
+        ASSERT_EQ(ToolTest::run({"firmware", "dump", file, "--camera", camera, "--area", "configuration",
                                  "--force", "--start", "0x3000", "--length", "5000"})
                       .exitCode,
                   0);
-        EXPECT_EQ(Utils::readFile(file), textOf(factoryFlash(row.configuration)).substr(0x3000, 5000));
-        ASSERT_EQ(
-            ToolTest::run({"firmware", "dump", file, "--camera", row.camera, "--force", "--start", "0xFFF"})
-                .exitCode,
-            0)
+        EXPECT_EQ(Utils::readFile(file), textOf(factoryFlash(configurationSeed)).substr(0x3000, 5000));
+        ASSERT_EQ(ToolTest::run({"firmware", "dump", file, "--camera", camera, "--force", "--start", "0xFFF"})
+                      .exitCode,
+                  0)
             << "no piece may begin at 0xFFFF";
         EXPECT_EQ(Utils::readFile(file), firmware.substr(0xFFF));
     }

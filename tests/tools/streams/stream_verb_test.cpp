@@ -1,5 +1,3 @@
-#include <cstdlib>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -123,12 +121,8 @@ TEST_F(StreamVerb, KeepsHelpAndUsageErrorsApart) {
 }
 
 TEST_F(StreamVerb, TellsWhatFailedAndLeavesNoFile) {
-    const struct {
-        const char* fault;
-        int exitCode;
-        const char* direct;    ///< what is said of a bare device
-        const char* proxified; ///< and of a camera
-    } cases[]{
+    // The fault, the exit status, what is said of a bare device and what of a camera.
+    const std::tuple<const char*, int, const char*, const char*> rows[]{
         {"throw io at open saying lens cap", 1, "cannot open MOCKVIDEODEVICE_IMPL: I/O failure: lens cap",
          "cannot open ZS570 depth SIM0570 through MOCKDEPTH_IMPL: I/O failure: lens cap"},
         {"throw timeout at video.enableDepth", 7,
@@ -141,18 +135,18 @@ TEST_F(StreamVerb, TellsWhatFailedAndLeavesNoFile) {
         {"snooze", 1, "ZENTARA_SIMULATED, line 1: unknown statement 'snooze'",
          "ZENTARA_SIMULATED, line 1: unknown statement 'snooze'"},
     };
-    for (const auto& row : cases) {
+    for (const auto& [fault, exitCode, bare, proxified] : rows) {
         for (const bool direct : {false, true}) {
-            const SimulatedFaults faults(row.fault);
+            const SimulatedFaults faults(fault);
             std::vector<std::string> arguments{"stream", "--frames",    "20",    "--png",      path("d.png"),
                                                "--raw",  path("d.raw"), "--wav", path("t.wav")};
             if (direct)
                 arguments.emplace_back("--direct");
             const ToolRun run = ToolTest::run(arguments);
-            EXPECT_EQ(run.exitCode, row.exitCode) << row.fault << run.err;
-            EXPECT_THAT(run.err, HasSubstr(direct ? row.direct : row.proxified)) << row.fault;
-            EXPECT_EQ(run.out, "") << row.fault;
-            EXPECT_THAT(filesLeft(), IsEmpty()) << row.fault;
+            EXPECT_EQ(run.exitCode, exitCode) << fault << run.err;
+            EXPECT_THAT(run.err, HasSubstr(direct ? bare : proxified)) << fault;
+            EXPECT_EQ(run.out, "") << fault;
+            EXPECT_THAT(filesLeft(), IsEmpty()) << fault;
         }
     }
 }
