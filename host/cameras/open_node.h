@@ -6,6 +6,7 @@
 #include <zentara/node_event.h>
 
 #include "host/cameras/camera_bus.h"
+#include "host/cameras/node_turn.h"
 
 namespace Zentara::Core {
 class AudioNodeInterface;
@@ -34,6 +35,9 @@ public:
     void leaveStreaming() noexcept { isLeft = true; }
     [[nodiscard]] bool takeLeftStreaming() noexcept { return isLeft.exchange(false); }
 
+    /// Which stream has the node. Safe.
+    [[nodiscard]] NodeTurn& turn() noexcept { return streamed; }
+
     /// Lets go of the device. Once; the destructor does it, too, but keeps the failure to itself.
     void dispose();
 
@@ -43,6 +47,7 @@ private:
     Utils::SmartPtr<Node> node;
     bool disposed = false;
     std::atomic<bool> isLeft{false};
+    NodeTurn streamed;
 };
 
 extern template class OpenNode<Core::AudioNodeInterface>;

@@ -1,7 +1,6 @@
 #include "host/streams/camera_source.h"
 
 #include <algorithm>
-#include <atomic>
 #include <utility>
 
 #include <zentara/audio_configuration.h>
@@ -26,6 +25,7 @@ using Utils::Format;
 
 namespace {
 
+constexpr std::chrono::milliseconds readerPatience{1'000};
 constexpr float inputLevel = 0.5F;
 constexpr std::size_t soundBytes = std::size_t{1} << 14; // about 10 ms of most formats
 
@@ -47,7 +47,7 @@ public:
         attempt("choose a mode of " + name, [&] { mode = find(); });
     }
     ~NodeSource() override {
-        if (isRunning)
+        if (node->turn().giveUp(this))
             node->leaveStreaming();
     }
     NodeSource(const NodeSource&) = delete;
@@ -62,10 +62,16 @@ public:
     void start() override {
         if (node->takeLeftStreaming())
             disable();
+        if (!node->turn().awaitReader(readerPatience))
+            throw Failure(Failure::TimedOut, "cannot start " + name,
+                          "the stream before it has not come back from reading", "open the camera anew");
+        node->turn().take(this); // else another stream has it, and the node refuses
         (*node)->enableStreaming(mode);
-        isRunning = true;
     }
     ReadBufferStatus read(void* buffer, int size, std::int64_t* micros, int* length) override {
+        const NodeTurn::Visit visit(node->turn(), this);
+        if (!visit)
+            return ReadBufferStatus_NOT_STREAMING;
         // What is thrown is kept until the node may have gone.
         return callPlugin([&] { return (*node)->readBuffer(buffer, size, micros, length); });
     }
@@ -76,8 +82,8 @@ public:
             return {};
     }
     void stop() override {
-        isRunning = false;
-        disable();
+        if (node->turn().giveUp(this)) // else it is another stream's
+            disable();
     }
     void close() override {} // the node ends with the last who shares it
 
@@ -102,7 +108,6 @@ private:
     const std::string name;
     const StreamInfo about;
     Utils::SmartPtr<Configuration> mode;
-    std::atomic<bool> isRunning{false};
 };
 
 /// Whether it is the same node of the same camera, perhaps in another socket.

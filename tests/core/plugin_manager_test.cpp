@@ -19,10 +19,8 @@
 
 using namespace Zentara::Core;
 using Zentara::Plugin::InitializationPluginException;
-using Zentara::TestSupport::Caught;
 using Zentara::TestSupport::caught;
 using Zentara::TestSupport::messageOf;
-using Zentara::TestSupport::ScopedVariable;
 using Zentara::Utils::SmartPtr;
 using Zentara::Utils::Platform::isLibraryLoaded;
 
@@ -147,9 +145,10 @@ TEST_F(PluginManagerTest, ExceptionsOutliveThePluginThatMadeThem) {
         }
         return std::exception_ptr();
     };
-    const std::vector<Caught> arrivals = Zentara::TestSupport::ownArrivals();
+    const std::vector<Zentara::TestSupport::Caught> arrivals = Zentara::TestSupport::ownArrivals();
     for (int which = 1; which <= static_cast<int>(arrivals.size()); ++which) {
-        const ScopedVariable chosen("ZENTARA_TEST_OWN_EXCEPTION", std::to_string(which).c_str());
+        const Zentara::TestSupport::ScopedVariable chosen("ZENTARA_TEST_OWN_EXCEPTION",
+                                                          std::to_string(which).c_str());
         const Zentara::TestSupport::LogCapture log;
         std::exception_ptr fromFactory;
         std::exception_ptr fromObject;

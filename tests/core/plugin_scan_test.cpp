@@ -13,8 +13,6 @@
 #include "utils/platform/library_file.h"
 
 using namespace Zentara::Core;
-using testing::HasSubstr;
-using Zentara::Utils::Platform::isLibraryLoaded;
 
 namespace {
 
@@ -54,7 +52,7 @@ TEST_P(PluginScan, TellsTheStepAndBothValues) {
     EXPECT_EQ(row.found, probe.found);
     EXPECT_EQ(row.wanted, probe.wanted);
     EXPECT_EQ(probe.accepted(), probe.text.empty());
-    EXPECT_FALSE(isLibraryLoaded(path));
+    EXPECT_FALSE(Zentara::Utils::Platform::isLibraryLoaded(path));
     if (std::string(row.plugin) == "good") {
         EXPECT_TRUE(Zentara::guidEquals(fixtureGuid(1), probe.guid));
         EXPECT_EQ(5, probe.type);
@@ -102,7 +100,7 @@ TEST(PluginScanFiles, TheFirstFileWithAGuidWinsIfItIsGood) {
     EXPECT_EQ(PluginScanStep::ImplType, probes[0].step);
     EXPECT_TRUE(probes[1].accepted());
     EXPECT_EQ(PluginScanStep::Duplicate, probes[2].step);
-    EXPECT_THAT(probes[2].text, HasSubstr(first));
+    EXPECT_THAT(probes[2].text, testing::HasSubstr(first));
     EXPECT_EQ(1u, registeredDevices().size());
 }
 

@@ -6,7 +6,6 @@
 #include <zentara/utils/files.h>
 
 namespace fs = std::filesystem;
-using Zentara::Core::Plugin;
 using Zentara::Utils::SmartPtr;
 
 namespace {
@@ -51,5 +50,5 @@ GUID fixtureGuid(unsigned long id) { return GUID{static_cast<decltype(GUID::Data
 
 SmartPtr<TestObject> ManagerHold::create(GUID guid) const {
     void* object = manager->createInstance(guid, Zentara::Core::ImplType_VIDEO_DEVICE);
-    return SmartPtr<TestObject>::adopt(static_cast<TestObject*>(static_cast<Plugin*>(object)));
+    return SmartPtr<TestObject>::adopt(static_cast<TestObject*>(static_cast<Zentara::Core::Plugin*>(object)));
 }

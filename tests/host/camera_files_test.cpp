@@ -11,14 +11,13 @@ namespace Zentara::Host {
 namespace {
 
 using testing::HasSubstr;
-using TestSupport::messageOf;
 
 class CameraFiles : public testing::Test {
 protected:
     /// What reading such a file ends with.
     std::string refusal(bool isCalibration, const std::string& text) {
         Utils::writeFile(path, text);
-        return messageOf<Failure>([&] {
+        return TestSupport::messageOf<Failure>([&] {
             if (isCalibration)
                 static_cast<void>(readCalibrationFile(path));
             else

@@ -12,7 +12,6 @@ namespace Zentara::Host {
 namespace {
 
 using namespace std::chrono_literals;
-using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -69,7 +68,7 @@ TEST_F(SomeCameras, TellWhatBelongsToTheirFrames) {
     EXPECT_EQ(camera.mode(Kind::Depth), modes.front());
     EXPECT_EQ(camera.mode(Kind::Depth, "320x240@60").text(), "320x240@60");
     EXPECT_THAT(failureOf([&] { static_cast<void>(camera.mode(Kind::Depth, "1x1")); }).what(),
-                AllOf(HasSubstr("has no mode 1x1; it has "), HasSubstr("(320x240@60)")));
+                testing::AllOf(HasSubstr("has no mode 1x1; it has "), HasSubstr("(320x240@60)")));
 
     const StreamInfo info = camera.streamInfo(Kind::Depth);
     EXPECT_EQ(info.camera, camera.info());

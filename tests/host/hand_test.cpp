@@ -13,8 +13,6 @@ namespace {
 
 using namespace std::chrono_literals;
 using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::MatchesRegex;
 using TestSupport::failureOf;
 
@@ -96,7 +94,7 @@ TEST(Hand, WaitsInLineWithinItsOwnLimitAndNeverRunsWhatItGaveUp) {
     bool wasRun = false;
     const Failure given = failureOf([&] { hand.call(20ms, "ask LEFT", [&] { wasRun = true; }); });
     EXPECT_EQ(given.code(), Failure::TimedOut);
-    EXPECT_THAT(given.what(), HasSubstr(": start LEFT"));
+    EXPECT_THAT(given.what(), testing::HasSubstr(": start LEFT"));
     EXPECT_EQ(hand.hangsIn(), ""); // its own caller has not given it up
     gate.open.set_value();
     first.join();
@@ -138,7 +136,7 @@ TEST(Hand, GoesWithinItsPatienceAndTellsWhatItLeavesBehind) {
         hand.leave("close LEFT", [&] { closed = true; });
     }
     EXPECT_TRUE(closed);
-    EXPECT_THAT(notes, IsEmpty());
+    EXPECT_THAT(notes, testing::IsEmpty());
 }
 
 } // namespace

@@ -9,7 +9,6 @@ namespace Testing {
 namespace {
 
 using namespace Zentara;
-using Utils::Collection::Queue;
 
 constexpr GUID ENUMERATOR = {0x10000007, 1, 2, {1, 2, 3, 4, 5, 6, 7, 8}};
 
@@ -38,7 +37,7 @@ public:
 };
 
 TEST(EnumeratorTest, DescribesTheSelectedNode) {
-    Queue<ExternalEvent> events;
+    Utils::Collection::Queue<ExternalEvent> events;
     OpenEnumerator enumerator;
     OneNode store;
     Core::NodeDescriptor& node = store.node.emplace();

@@ -107,7 +107,9 @@ public:
     [[nodiscard]] StreamInfo streamInfo(Kind kind, const std::string& mode = {}) const;
 
     /// Opens a stream, and starts it unless the options say otherwise. It keeps the camera open, and ends with close().
-    /// \throws Failure as mode() does; what the device says; (Usage) for a queue of another size than `StreamOptions` allows
+    /// Of each kind one streams at a time: another one is refused as it starts, which leaves the first as it is.
+    /// \throws Failure as mode() does; what the device says; (Usage) for a queue of another size than `StreamOptions`
+    /// allows; (TimedOut) when the reader of a stream that was stopped hangs in the device
     [[nodiscard]] Stream stream(Kind kind, const StreamOptions& options = {}) const;
 
     /// The lens of a stream in that mode. \throws Failure (Failed) when the camera has no model of the mode's size

@@ -30,7 +30,6 @@ using testing::DoAll;
 using testing::Return;
 using testing::SetArgPointee;
 using testing::StartsWith;
-using testing::StrictMock;
 using Bytes = std::vector<unsigned char>;
 using Interpreter = Utils::SmartPtr<LibraryParameterInterpreter>;
 using TestSupport::failure;
@@ -140,7 +139,7 @@ protected:
     bool aBool = true;
     CalibrationInternal calibration;
     ParameterRequestMap state;
-    StrictMock<MockBackEnd> backEnd;
+    testing::StrictMock<MockBackEnd> backEnd;
     Interpreter parameters = LibraryParameterInterpreter::create(BACK_END);
 };
 

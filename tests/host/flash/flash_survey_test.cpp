@@ -12,11 +12,8 @@
 namespace Zentara::Host {
 namespace {
 
-using testing::Contains;
-using testing::ElementsAre;
 using testing::Field;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 std::uint8_t high(std::uint32_t value) { return static_cast<std::uint8_t>(value >> 8); }
 std::uint8_t low(std::uint32_t value) { return static_cast<std::uint8_t>(value); }
@@ -86,7 +83,7 @@ protected:
 
 TEST_F(FlashSurveyTest, FindsNothingWrongWithWhatTheLibraryWrites) {
     const FlashSurvey survey = surveyOf(image);
-    EXPECT_THAT(survey.findings, IsEmpty());
+    EXPECT_THAT(survey.findings, testing::IsEmpty());
     ASSERT_EQ(survey.blocks.size(), 4U);
     EXPECT_EQ(survey.blocks[2].section->uid, 2);
     EXPECT_EQ(survey.freeSpace.gaps.size(), 1U);
@@ -188,9 +185,9 @@ TEST_F(FlashSurveyTest, NotesWhatIsUnusualWithoutCallingItWrong) {
     set(3, 4, fromHex("6301060000002002080000000506").value());
     const FlashSurvey survey = surveyOf(image);
     EXPECT_FALSE(survey.isFaulty());
-    EXPECT_THAT(survey.findings, ElementsAre(Field(&Finding::kind, FindingKind::UnknownType),
-                                             Field(&Finding::kind, FindingKind::UnknownRecord),
-                                             Field(&Finding::kind, FindingKind::OtherVersion)));
+    EXPECT_THAT(survey.findings, testing::ElementsAre(Field(&Finding::kind, FindingKind::UnknownType),
+                                                      Field(&Finding::kind, FindingKind::UnknownRecord),
+                                                      Field(&Finding::kind, FindingKind::OtherVersion)));
 }
 
 /// Each header claims all that follows: to check them one by one would take the square of the image.
@@ -220,7 +217,7 @@ TEST(FlashSurveyTimeTest, CutsAChainThatClaimsTheAreaOverAndOver) {
     storage.container.initialize();
     EXPECT_EQ(survey.blocks.size(), storage.manager.getBlockMap().size());
     EXPECT_THAT(survey.findings,
-                Contains(Field(&Finding::text, HasSubstr("claim the area more than 16 times"))));
+                testing::Contains(Field(&Finding::text, HasSubstr("claim the area more than 16 times"))));
 }
 
 TEST_F(FlashSurveyTest, FindsEveryCutOfAnImage) {

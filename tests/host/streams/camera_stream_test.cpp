@@ -1,3 +1,5 @@
+#include <thread>
+
 #include <gmock/gmock.h>
 
 #include <zentara/host/host.h>
@@ -81,6 +83,28 @@ TEST_F(CameraStream, EndsAtOnceWithItsCamera) {
         }
     }
     EXPECT_THAT(notes, testing::Each(HasSubstr("its flash does not hold")));
+}
+
+TEST_F(CameraStream, HasTheNodeToItself) {
+    const TestSupport::ScopedVariable hangs("ZENTARA_SIMULATED", "hang 5000 at readBuffer after 10 times 1");
+    plug(left);
+    const Camera camera = cameras.open("LEFT");
+    const auto refusal = [&] {
+        return messageOf<Failure>([&] { static_cast<void>(camera.stream(Kind::Depth)); });
+    };
+    Stream stream = camera.stream(Kind::Depth, {.queue = 1});
+    EXPECT_THAT(refusal(), HasSubstr("the node streams already"));
+    EXPECT_THAT(messageOf<Failure>([&] {
+                    while (stream.next(500ms)) {
+                    }
+                }),
+                HasSubstr("nothing came"));
+    EXPECT_EQ(stream.counts().received, 10U) << "the one that was refused ended it";
+    EXPECT_THAT(messageOf<Failure>([&] { stream.stop(); }), HasSubstr("does not return from reading"));
+    EXPECT_THAT(refusal(), HasSubstr("the stream before it has not come back from reading"));
+    while (!stream.hangsIn().empty())
+        std::this_thread::sleep_for(10ms);
+    EXPECT_TRUE(camera.stream(Kind::Depth).next(inTime));
 }
 
 TEST_F(CameraStream, GoesOnWhenItsCameraIsBackInAnotherSocket) {

@@ -23,14 +23,13 @@ namespace {
 
 using namespace std::chrono_literals;
 using testing::HasSubstr;
-using Utils::SharedMemoryManager;
 
 constexpr auto beforeLong = 20s;
 
 TEST(SharedRing, NeverDeliversATornFrame) {
     constexpr std::size_t words = 512;
     const std::uint64_t most = 200'000 / TestSupport::stride;
-    const SharedRing given(SharedMemoryManager::getUniqueID(), 3, words * 8);
+    const SharedRing given(Utils::SharedMemoryManager::getUniqueID(), 3, words * 8);
     const SharedRing read(given.id(), given.slots(), given.room());
     std::thread giver([&] {
         for (std::uint64_t number = 0; number < most; ++number) {

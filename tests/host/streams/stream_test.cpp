@@ -22,7 +22,6 @@ using namespace std::chrono_literals;
 using std::chrono::steady_clock;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using TestSupport::codeOf;
 using TestSupport::messageOf;
 
@@ -230,7 +229,7 @@ TEST_F(StreamTest, ReportsADeviceThatRefusesToStop) {
     camera->onStop = [] { throw Plugin::IOPluginException("no"); };
     EXPECT_THAT(messageOf<Failure>([&] { stream.stop(); }),
                 HasSubstr("cannot stop the stream of LEFT: I/O failure: no"));
-    EXPECT_THAT(camera->notes, IsEmpty());
+    EXPECT_THAT(camera->notes, testing::IsEmpty());
 }
 
 TEST_F(StreamTest, GoesOnWhenTheCameraIsBack) {

@@ -11,11 +11,8 @@ namespace Zentara::Test {
 
 namespace {
 
-using IO::UVC_RESET_FPGA;
 using IO::UVC_SYNC_FPGA;
-using IO::UVC_USB_BACKEND_REGISTER;
-using Simulated::OV0570Firmware;
-using Settings = OV0570Firmware::Settings;
+using Settings = Simulated::OV0570Firmware::Settings;
 
 const std::string information = "GET 1  " + IO::bytesText(Bytes(64));
 
@@ -188,7 +185,7 @@ TEST_F(OV0570Test, TheToggleAlternatesOverEveryWay) {
                                 head + (narrow ? "1D 00 55 00 00 00" : "1D 00 55 05 00 00")));
         EXPECT_THAT(camera->sent([](auto& chip) { chip.setI2cLocked(0x21, 29, 2, 1, 1, false); }),
                     ElementsAre(head + "1D 00 02 00 00 00"));
-        EXPECT_THAT(command(UVC_USB_BACKEND_REGISTER, 29, 2), ElementsAre("SET 2  40 1D 00 02 00 00 00"))
+        EXPECT_THAT(command(IO::UVC_USB_BACKEND_REGISTER, 29, 2), ElementsAre("SET 2  40 1D 00 02 00 00 00"))
             << "the bridge's register 29 is another one";
         EXPECT_THAT(setTof(29, 0), ElementsAre(head + "1D 00 01 00 00 00"));
         camera->chip.reset();
@@ -282,7 +279,7 @@ TEST(OV0570FpgaTest, TheResetWaitEndsNormallyAlsoAfterTenTries) {
         Settings settings;
         settings.resetRounds = low;
         OV0570Camera camera(settings);
-        camera.run(UVC_RESET_FPGA, 0, 0);
+        camera.run(IO::UVC_RESET_FPGA, 0, 0);
         EXPECT_EQ(camera.clock.waits, std::vector<int>(std::min(low + 1, 10U), 20));
         EXPECT_EQ(linesOf(camera.port.log()).back(), "GET 2  C0 45 28 00 00 18 00");
         const bool warned = log.text().find("Didn't get GPIO3 high! Missing HW tweak?") != std::string::npos;

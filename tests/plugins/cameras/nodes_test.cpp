@@ -46,7 +46,6 @@ using testing::Ge;
 using testing::HasSubstr;
 using testing::Le;
 using testing::SizeIs;
-using TestSupport::CameraHost;
 using TestSupport::failure;
 using TestSupport::Frame;
 using TestSupport::HostedNode;
@@ -96,7 +95,7 @@ protected:
         return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
     }
 
-    CameraHost host;
+    TestSupport::CameraHost host;
     std::size_t seen = 0;
 };
 

@@ -8,10 +8,8 @@
 namespace Zentara {
 namespace {
 
-using testing::AllOf;
 using testing::HasSubstr;
 using testing::StartsWith;
-using TestSupport::changed;
 using TestSupport::shipped;
 
 std::string complaint(const std::string& text) {
@@ -50,8 +48,8 @@ TEST(CameraDescription, IsRefusedWithFileLineAndFieldOfWhatIsWrong) {
          "nodes[0].modes[1]: the mode DEFF2FR60CM0S0 stands there twice"},
     };
     for (const auto& [what, from, to, expected] : rows)
-        EXPECT_THAT(complaint(changed(shipped("ov0570"), from, to)),
-                    AllOf(StartsWith("camera.json, line "), HasSubstr(expected)))
+        EXPECT_THAT(complaint(TestSupport::changed(shipped("ov0570"), from, to)),
+                    testing::AllOf(StartsWith("camera.json, line "), HasSubstr(expected)))
             << what;
 }
 

@@ -20,10 +20,8 @@ namespace Zentara::Simulated {
 using namespace Cameras;
 namespace {
 
-using testing::HasSubstr;
 using TestSupport::failure;
 using TestSupport::read;
-using TestSupport::SimulatedFaults;
 using OutputFormat = IO::setOutputFormatRequest::OutputFormat;
 
 Utils::SmartPtr<DepthBaseConfiguration> depthMode(FrameFormat format = FrameFormat_QVGA) {
@@ -36,10 +34,10 @@ INSTANTIATE_TEST_SUITE_P(Both, SimulatedDevice, testing::Bool(),
                          [](const auto& mode) { return mode.param ? "Proxified" : "Direct"; });
 
 TEST_P(SimulatedDevice, AnswersEveryOperationInItsState) {
-    const SimulatedFaults withoutController("chip none");
+    const TestSupport::SimulatedFaults withoutController("chip none");
     const auto camera = std::make_unique<IO::VideoDeviceProxy>(Core::Guids::MOCKVIDEODEVICE_IMPL, GetParam());
     const auto expect = [](const char* kind, const char* text, const std::function<void()>& step) {
-        EXPECT_THAT(failure(step), testing::AllOf(testing::StartsWith(kind), HasSubstr(text)));
+        EXPECT_THAT(failure(step), testing::AllOf(testing::StartsWith(kind), testing::HasSubstr(text)));
     };
     EXPECT_EQ(read(camera).status, ReadBufferStatus_NOT_STREAMING);
     expect("7: ", "enableDepth: the device is closed", [&] { camera->enableStreaming(depthMode()); });
