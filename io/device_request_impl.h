@@ -41,6 +41,8 @@ struct deviceRequest::Impl {
     /// The worker is done with it and will not touch anything of it again, save what it acknowledges by.
     void finish() noexcept { stage = Stage::DONE; }
 
+    [[nodiscard]] bool isDone() const noexcept { return stage == Stage::DONE; }
+
     /// The caller gives up, unless the worker has taken the request up: from then on it runs.
     bool withdraw() noexcept { return advance(Stage::QUEUED, Stage::WITHDRAWN); }
 
