@@ -133,6 +133,13 @@ CameraScan::CameraScan(std::shared_ptr<Linux::Kernel> system, Sysfs place)
     : kernel(std::move(system)), sysfs(std::move(place)) {}
 
 std::vector<FoundCamera> CameraScan::look() {
+    bool haveCome = false;
+    std::vector<FoundCamera> cameras = lookOnce(haveCome);
+    return haveCome ? lookOnce(haveCome) : cameras;
+}
+
+/// \param haveCome set to true when a camera's nodes came after they had been looked for
+std::vector<FoundCamera> CameraScan::lookOnce(bool& haveCome) {
     std::vector<FoundCamera> cameras;
     for (const Node& node : completeNodes()) {
         FoundCamera* camera = find(cameras, node.hardware);
@@ -148,7 +155,7 @@ std::vector<FoundCamera> CameraScan::look() {
     std::erase_if(asked, [&](const auto& one) { return isGone(one.first); });
     std::erase_if(cameras, [this](FoundCamera& camera) { return isEmpty(camera); });
     addMicrophones(cameras);
-    addRefused(cameras);
+    addRefused(cameras, haveCome);
     std::erase_if(threads, isGone);
     return cameras;
 }
@@ -278,7 +285,7 @@ void CameraScan::addMicrophones(std::vector<FoundCamera>& cameras) const {
 }
 
 /// Cameras on USB without a node, once the kernel has had its time.
-void CameraScan::addRefused(std::vector<FoundCamera>& cameras) {
+void CameraScan::addRefused(std::vector<FoundCamera>& cameras, bool& haveCome) {
     for (const fs::path& device : sysfs.usbDevices()) {
         if (find(cameras, device) != nullptr || !isCamera(device))
             continue;
@@ -286,8 +293,12 @@ void CameraScan::addRefused(std::vector<FoundCamera>& cameras) {
         if (!since.empty() && std::strtoul(since.c_str(), nullptr, 10) < settledMilliseconds)
             continue;
         std::optional<FoundCamera> told = describe(device, Sysfs::pluggedIn(device), device.string());
-        if (told && (!sysfs.videoNodesOf(device).empty() || !isCamera(device)))
-            continue; // its nodes have come while others were asked, or it has gone
+        if (told && !isCamera(device))
+            continue; // it has gone
+        if (told && !sysfs.videoNodesOf(device).empty()) {
+            haveCome = true; // while it or others were asked
+            continue;
+        }
         FoundCamera& camera = cameras.emplace_back(told ? *std::move(told) : readAtOnce(device));
         camera.refusal = told ? refusalOf(device) : "its driver waits for an answer of it";
     }

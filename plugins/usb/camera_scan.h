@@ -72,6 +72,7 @@ private:
         bool forGood = false; ///< it says the same whenever it is asked
     };
 
+    [[nodiscard]] std::vector<FoundCamera> lookOnce(bool& haveCome);
     [[nodiscard]] std::vector<Node> completeNodes();
     [[nodiscard]] std::string identify(const Path& hardware) const;
     [[nodiscard]] std::optional<FoundCamera> describe(const Path& hardware, const std::string& identity,
@@ -81,7 +82,7 @@ private:
     [[nodiscard]] Linux::CallThread& threadOf(const std::string& camera, const std::string& label);
     [[nodiscard]] bool isEmpty(FoundCamera& camera);
     void addMicrophones(std::vector<FoundCamera>& cameras) const;
-    void addRefused(std::vector<FoundCamera>& cameras);
+    void addRefused(std::vector<FoundCamera>& cameras, bool& haveCome);
 
     const std::shared_ptr<Linux::Kernel> kernel;
     const Linux::Sysfs sysfs;

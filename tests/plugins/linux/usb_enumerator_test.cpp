@@ -1,3 +1,6 @@
+#include <sys/stat.h>
+#include <thread>
+
 #include <gmock/gmock.h>
 
 #include <zentara/core/descriptor_store_ro.h>
@@ -163,6 +166,20 @@ TEST_F(UsbEnumeratorTest, TellsWhyACameraHasNoNodes) {
     EXPECT_EQ(kernel->opened["/dev/video1"], 2);
     tree.remove("devices/usb1/1-1/1-1:1.0/bInterfaceClass");
     EXPECT_EQ(look().size(), 2U) << "it was being pulled out";
+}
+
+TEST_F(UsbEnumeratorTest, SeesACameraWhoseNodesComeWhileItIsAsked) {
+    tree.plug("1-1", "4321", "0001", {});
+    const std::string asked = tree.path() + "/devices/usb1/1-1/bNumInterfaces";
+    ASSERT_EQ(mkfifo(asked.c_str(), 0600), 0);
+    std::thread driver([&] {
+        const std::ofstream answer(asked); // once it is read
+        std::filesystem::remove(asked);
+        tree.addVideo(0, "devices/usb1/1-1/1-1:1.0");
+    });
+    enumerator.initialize(nullptr, &store);
+    EXPECT_THAT(textsOf(look()), ElementsAre(HasSubstr("/dev/video0")));
+    driver.join();
 }
 
 } // namespace
