@@ -16,8 +16,6 @@
 namespace Zentara::TestSupport {
 namespace {
 
-using testing::Not;
-
 struct RecordProbe : ROM::SerializedDataBlock {
     using SerializedDataBlock::deserialize;
 };
@@ -240,7 +238,7 @@ TEST(RomObjects, ReadingStopsWhereNoWholeRecordIs) {
         LogCapture log;
         const auto diagnostic = read<ROM::Diagnostic>(std::string("20 01 08000000 0102") + tail);
         EXPECT_EQ(1, diagnostic->getOverheatingDiagnosticData().getSoftCounter()) << tail;
-        EXPECT_THAT(log.text(), Not(HasSubstr("Failed"))) << tail;
+        EXPECT_THAT(log.text(), testing::Not(HasSubstr("Failed"))) << tail;
     }
 }
 

@@ -11,9 +11,7 @@ namespace Zentara::Tool {
 namespace {
 
 using nlohmann::json;
-using testing::AllOf;
 using testing::HasSubstr;
-using testing::Not;
 using TestSupport::SimulatedFaults;
 
 /// Holds what a verb prints against the block of that name in the document.
@@ -184,7 +182,7 @@ TEST_F(JsonOutput, TellsAFailureToo) {
         EXPECT_EQ(told.at("error").at("code"), code);
         EXPECT_THAT(told.at("error").at("remedy").dump(), HasSubstr(remedy));
         EXPECT_THAT(run.err, HasSubstr(told.at("error").at("message").get<std::string>()));
-        EXPECT_THAT(run.err, Not(HasSubstr("\x1b")));
+        EXPECT_THAT(run.err, testing::Not(HasSubstr("\x1b")));
     }
     EXPECT_EQ(ToolTest::run({"help", "rom", "get"}).out, ToolTest::run({"rom", "get", "--help"}).out);
 }
@@ -207,7 +205,7 @@ TEST_F(JsonOutput, SaysWhereNumbersComeFrom) {
                 HasSubstr("ZS570 depth SIM0570: its flash does not hold lens, extrinsics, corrections"));
     EXPECT_EQ(told("transfer 40 fail", "info").json().at("source").at("lens"), "failure");
     EXPECT_THAT(told("transfer 40 fail", "sensors").err,
-                AllOf(HasSubstr("its flash cannot be read ("), HasSubstr(": lens, extrinsics")));
+                testing::AllOf(HasSubstr("its flash cannot be read ("), HasSubstr(": lens, extrinsics")));
 }
 
 } // namespace

@@ -17,7 +17,6 @@ namespace {
 
 using testing::AllOf;
 using testing::HasSubstr;
-using testing::Not;
 
 constexpr const char* left = R"({"model": "ZS570", "serialNumber": "LEFT"})";
 constexpr const char* right = R"({"model": "ZS345", "serialNumber": "RIGHT"})";
@@ -275,7 +274,7 @@ TEST_F(Cameras, TellATimeOutThatOnlyTheLogKnows) {
     const TestSupport::ScopedVariable chip("ZENTARA_SIMULATED_CHIP", "VC0345");
     const ToolRun tried = runBuilt("--log reg read tof 0x21 --direct");
     EXPECT_EQ(tried.exitCode, 0) << tried.err;
-    EXPECT_THAT(tried.err, AllOf(HasSubstr("log started"), Not(HasSubstr("WARNING"))));
+    EXPECT_THAT(tried.err, AllOf(HasSubstr("log started"), testing::Not(HasSubstr("WARNING"))));
 }
 
 TEST_F(Cameras, ArePlayedFromAPathThatIsNoOption) {

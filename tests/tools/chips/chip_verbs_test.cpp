@@ -13,16 +13,12 @@
 namespace Zentara::Tool {
 namespace {
 
-using Simulated::Bytes;
 using Simulated::factoryFlash;
-using Simulated::patternFlash;
 using testing::HasSubstr;
-using testing::StartsWith;
-using TestSupport::SimulatedFaults;
 
 class ChipVerbs : public ToolTest {
 protected:
-    static std::string textOf(const Bytes& bytes) { return {bytes.begin(), bytes.end()}; }
+    static std::string textOf(const Simulated::Bytes& bytes) { return {bytes.begin(), bytes.end()}; }
 };
 
 TEST_F(ChipVerbs, ShowTheToggleInATrace) {
@@ -47,7 +43,7 @@ TEST_F(ChipVerbs, DumpTheWholeMemoryOfEachController) {
         EXPECT_EQ(run.json().at("length"), 65536);
         const bool isOneMemory = firmwareSeed == configurationSeed;
         const std::string firmware =
-            textOf(isOneMemory ? factoryFlash(firmwareSeed) : patternFlash(firmwareSeed));
+            textOf(isOneMemory ? factoryFlash(firmwareSeed) : Simulated::patternFlash(firmwareSeed));
         EXPECT_EQ(Utils::readFile(file), firmware);
         ASSERT_EQ(ToolTest::run({"firmware", "dump", file, "--camera", camera, "--area", "configuration",
                                  "--force", "--start", "0x3000", "--length", "5000"})
@@ -76,8 +72,8 @@ TEST_F(ChipVerbs, ReadAndWriteWhatTheyName) {
     EXPECT_EQ(out({"i2c", "write", "0x30", "1", "7", "--bytes", "1", "--camera", "VC0258"}),
               "I2C device 0x30 register 0x01 := 0x07\n");
     EXPECT_THAT(out({"xu", "list"}),
-                StartsWith("unit 6  DD880F8A-1CBA-4954-8A25-F7875967F0F7\n"
-                           "  control 1  64 bytes  get  minimum 00 ...  maximum FF ..."));
+                testing::StartsWith("unit 6  DD880F8A-1CBA-4954-8A25-F7875967F0F7\n"
+                                    "  control 1  64 bytes  get  minimum 00 ...  maximum FF ..."));
     EXPECT_EQ(out({"xu", "len", "16", "--camera", "VC0258"}), "9\n");
     EXPECT_EQ(out({"xu", "get", "2", "91 21"}), "91 21 00 35 20 00 00\n");
     EXPECT_EQ(out({"xu", "set", "4", "20:39:B4:01", "--camera", "VC0258"}), "control 4 := 20 39 B4 01\n");
@@ -123,7 +119,7 @@ TEST_F(ChipVerbs, NameTheRangeOfAValueThatIsOutOfIt) {
 }
 
 TEST_F(ChipVerbs, TellOfATransferThatFailsAndLeaveNoFile) {
-    const SimulatedFaults faults("chip VC0258;transfer 4 short");
+    const TestSupport::SimulatedFaults faults("chip VC0258;transfer 4 short");
     const ToolRun run =
         ToolTest::run({"firmware", "dump", path("dump.bin"), "--trace", "--json", "--camera", "VC0258"});
     EXPECT_EQ(run.exitCode, Failure::Failed);

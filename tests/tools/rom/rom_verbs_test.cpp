@@ -18,7 +18,6 @@ namespace {
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::StartsWith;
-using TestSupport::SimulatedFaults;
 
 class RomVerbs : public ToolTest {
 protected:
@@ -204,7 +203,7 @@ TEST_F(RomVerbs, WorkOnTheFlashOfEachCamera) {
     for (const auto& [chip, model, isWritable] : rows) {
         SCOPED_TRACE(chip);
         const std::string kept = path(std::string(chip) + ".flash");
-        const SimulatedFaults settings(std::string("chip ") + chip + ";keepFlash " + kept);
+        const TestSupport::SimulatedFaults settings(std::string("chip ") + chip + ";keepFlash " + kept);
         const TestSupport::ScopedVariable camera(
             Simulated::SimulatedBus::variable,
             file("bus.json", std::string(R"({"format": 1, "cameras": [{"model": ")") + model + "\"}]}"));

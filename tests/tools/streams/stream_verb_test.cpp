@@ -13,8 +13,6 @@ namespace Zentara::Tool {
 namespace {
 
 using testing::HasSubstr;
-using testing::IsEmpty;
-using TestSupport::SimulatedFaults;
 
 class StreamVerb : public ToolTest {};
 
@@ -137,7 +135,7 @@ TEST_F(StreamVerb, TellsWhatFailedAndLeavesNoFile) {
     };
     for (const auto& [fault, exitCode, bare, proxified] : rows) {
         for (const bool direct : {false, true}) {
-            const SimulatedFaults faults(fault);
+            const TestSupport::SimulatedFaults faults(fault);
             std::vector<std::string> arguments{"stream", "--frames",    "20",    "--png",      path("d.png"),
                                                "--raw",  path("d.raw"), "--wav", path("t.wav")};
             if (direct)
@@ -146,7 +144,7 @@ TEST_F(StreamVerb, TellsWhatFailedAndLeavesNoFile) {
             EXPECT_EQ(run.exitCode, exitCode) << fault << run.err;
             EXPECT_THAT(run.err, HasSubstr(direct ? bare : proxified)) << fault;
             EXPECT_EQ(run.out, "") << fault;
-            EXPECT_THAT(filesLeft(), IsEmpty()) << fault;
+            EXPECT_THAT(filesLeft(), testing::IsEmpty()) << fault;
         }
     }
 }
