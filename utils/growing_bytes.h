@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -73,8 +74,10 @@ public:
 private:
     /// Most of what is appended is shorter than the call of a copy takes: its two halves, which may overlap.
     static void copy(char* to, const char* from, std::size_t count) noexcept {
-        if (count > 16) {
+        if (count > 32) {
             std::memcpy(to, from, count);
+        } else if (count >= 16) {
+            copyEnds<std::array<std::uint64_t, 2>>(to, from, count);
         } else if (count >= 8) {
             copyEnds<std::uint64_t>(to, from, count);
         } else if (count >= 4) {
