@@ -39,6 +39,20 @@ Utils::Immortal<Mutex> retiredLock;
 AVDeviceProxyThread* retired ZENTARA_GUARDED_BY(retiredLock.object) = nullptr;
 std::atomic<int> retiredCount{0};
 
+/// Being woken takes a thread some 10 us: for a few times that whoever waits may as well look himself.
+constexpr std::chrono::microseconds worthLooking{40};
+
+/// Looks, for so long at most, until it is no longer so. Others have the processor meanwhile where they need it.
+template<typename Condition>
+void lookWhile(Condition isSo) {
+    if (!isSo())
+        return;
+    const auto end = std::chrono::steady_clock::now() + worthLooking;
+    do
+        std::this_thread::yield();
+    while (isSo() && std::chrono::steady_clock::now() < end);
+}
+
 /// What the worker is busy with. Shared with the callers, for whom the worker may be gone by the time they look.
 class DeviceCall {
 public:
@@ -71,13 +85,10 @@ public:
         Caller(const Caller&) = delete;
         Caller& operator=(const Caller&) = delete;
 
-        /// Before he sleeps. A thread that is woken runs some 10 us later: who is alone looks for a few of these whether the
-        /// end has come, so that the worker alone has to be woken. It has his processor meanwhile where it needs it.
+        /// Before he sleeps. Only while he is alone: the worker has others to serve first.
         template<typename HasEnded>
         void lookFor(HasEnded hasEnded) const {
-            const auto until = std::chrono::steady_clock::now() + std::chrono::microseconds(40);
-            while (!hasEnded() && call.callers == 1 && std::chrono::steady_clock::now() < until)
-                std::this_thread::yield();
+            lookWhile([&] { return !hasEnded() && call.callers == 1; });
         }
 
     private:
@@ -161,8 +172,23 @@ struct AVDeviceProxyThread::Impl {
         if (rejecting)
             return false;
         queue.push(request);
+        ++queued;
         rejecting = request->type() == RequestType_NONE;
         return true;
+    }
+
+    /// The oldest request, waited for. Who asks one thing after the other is soon back: after a short pause the worker looks
+    /// for him before it sleeps.
+    deviceRequest* next() {
+        using std::chrono::steady_clock;
+        const bool isThere = queued > 0;
+        const auto begin = isThere ? steady_clock::time_point() : steady_clock::now();
+        if (isBrisk)
+            lookWhile([this] { return queued <= 0; });
+        deviceRequest* const request = queue.pop();
+        --queued;
+        isBrisk = isThere || steady_clock::now() - begin < worthLooking;
+        return request;
     }
 
     class Turn;
@@ -189,6 +215,8 @@ struct AVDeviceProxyThread::Impl {
 
     /// Each request in it is held by its caller, who waits, or has left his reference behind.
     Utils::Collection::Queue<deviceRequest*> queue;
+    std::atomic<int> queued{0}; ///< in the queue; for a moment less, for it is counted after the push
+    bool isBrisk = false;       ///< the last pause was short; the thread's own
     Mutex lock;
     bool rejecting ZENTARA_GUARDED_BY(lock) = false; ///< true from the stop request on; never false again
 
@@ -269,7 +297,7 @@ void* AVDeviceProxyThread::run(void*) {
     impl->threadId = std::this_thread::get_id();
     bool stopSeen = false;
     while (!stopSeen && !exitRequested()) {
-        deviceRequest* const request = impl->queue.pop();
+        deviceRequest* const request = impl->next();
         stopSeen = request->type() == RequestType_NONE;
         impl->work(request);
     }
@@ -365,7 +393,7 @@ void AVDeviceProxyThread::Impl::work(deviceRequest* request) {
 /// Fails what stands before the stop request.
 void AVDeviceProxyThread::Impl::drain() {
     for (bool stopSeen = false; !stopSeen;) {
-        deviceRequest* const request = queue.pop();
+        deviceRequest* const request = next();
         const Turn turn(*call, request);
         stopSeen = request->type() == RequestType_NONE;
         request->ackStartOfIO();
