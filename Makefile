@@ -44,14 +44,15 @@ soak-kernel:
 	    env MINUTES=$(MINUTES) ZENTARA_TEST_LIMIT=$$(($(MINUTES) * 90 + 110)) tests/kernel/suite soak
 	@cat build/kernel/soak/soak.txt
 
-## Under the thread sanitizer, 2 to 64 threads do to the same cameras, streams and recordings whatever they may, for SECONDS, 600 unless told.
-storm: SECONDS ?= 600
+## Under the thread sanitizer, 2 to 64 threads do to the same cameras, streams and recordings whatever they may, for MINUTES, 10 unless told.
+storm: MINUTES ?= 10
 storm:
 	@.ci/setup ci
 	@cmake --preset tsan -Wno-dev >/dev/null
 	@cmake --build --preset tsan -j $(JOBS) --target zentara_storm
-	@ZENTARASDK_ROOT=$$PWD/build/tsan/ ZENTARA_SYSFS=$$PWD/build/tsan/no-devices TSAN_OPTIONS=detect_deadlocks=1:second_deadlock_stack=1 \
-	    timeout $$(($(SECONDS) + 300)) build/tsan/bin/zentara_storm $(SECONDS)
+	@ZENTARASDK_ROOT=$$PWD/build/tsan/ ZENTARA_SYSFS=$$PWD/build/tsan/no-devices \
+	    TSAN_OPTIONS=detect_deadlocks=1:second_deadlock_stack=1:suppress_equal_addresses=0 \
+	    timeout $$(($(MINUTES) * 60 + 300)) build/tsan/bin/zentara_storm $$(($(MINUTES) * 60))
 
 ## Which lines and branches the tests reach on Linux: a summary for each room, and build/coverage/report/index.html; with real
 ## drivers in virtual machines, unless it is told KERNEL=0.
