@@ -215,8 +215,10 @@ struct AVDeviceProxyThread::Impl {
 
     /// Each request in it is held by its caller, who waits, or has left his reference behind.
     Utils::Collection::Queue<deviceRequest*> queue;
-    std::atomic<int> queued{0}; ///< in the queue; for a moment less, for it is counted after the push
-    bool isBrisk = false;       ///< the last pause was short; the thread's own
+    /// In the queue, whose lock a worker that looks again and again would keep from its callers. For a moment less: it is
+    /// counted after the push.
+    std::atomic<int> queued{0};
+    bool isBrisk = false; ///< the last pause was short; the thread's own
     Mutex lock;
     bool rejecting ZENTARA_GUARDED_BY(lock) = false; ///< true from the stop request on; never false again
 
