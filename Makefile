@@ -50,8 +50,7 @@ storm:
 	@.ci/setup ci
 	@cmake --preset tsan -Wno-dev >/dev/null
 	@cmake --build --preset tsan -j $(JOBS) --target zentara_storm
-	@ZENTARASDK_ROOT=$$PWD/build/tsan/ ZENTARA_SYSFS=$$PWD/build/tsan/no-devices \
-	    TSAN_OPTIONS=detect_deadlocks=1:second_deadlock_stack=1:suppress_equal_addresses=0 \
+	@ZENTARASDK_ROOT=$$PWD/build/tsan/ ZENTARA_SYSFS=$$PWD/build/tsan/no-devices TSAN_OPTIONS=detect_deadlocks=1:second_deadlock_stack=1 \
 	    timeout $$(($(MINUTES) * 60 + 300)) build/tsan/bin/zentara_storm $$(($(MINUTES) * 60))
 
 ## Which lines and branches the tests reach on Linux: a summary for each room, and build/coverage/report/index.html; with real

@@ -17,14 +17,13 @@ inline void tellHandles() {
 }
 
 /// Whether the process has no more threads and handles than before, and says so. A device that hangs lets go of its thread
-/// later than its caller does, and the thread sanitizer holds one up for long that meets an access of which it has forgotten where
-/// it came from: that is waited for.
+/// later than its caller does: that is waited for.
 inline bool nothingIsLeft(const Zentara::Utils::Platform::ResourceUse& before) {
     using namespace std::chrono_literals;
     using Clock = std::chrono::steady_clock;
     Zentara::Utils::Platform::ResourceUse now = Zentara::Utils::Platform::resourceUse();
     const auto holdsMore = [&] { return now.threads > before.threads || now.handles > before.handles; };
-    for (const auto until = Clock::now() + 60s; holdsMore() && Clock::now() < until;
+    for (const auto until = Clock::now() + 20s; holdsMore() && Clock::now() < until;
          now = Zentara::Utils::Platform::resourceUse())
         std::this_thread::sleep_for(50ms);
     std::printf("%s: %u threads, %u handles left; before it were %u and %u\n",
