@@ -49,9 +49,10 @@ test_one_interface_has_one_format_at_a_time() {
     node=$(node_of K1 0)
     take "$node" 5 "$TMPDIR/z16" -v pixelformat='Z16 '
     same_pictures "$TMPDIR/z16" 5 --coding z16
-    v4l2-ctl -d "$node" -v pixelformat=MJPG --stream-mmap --stream-count=0 >/dev/null 2>&1 &
+    v4l2-ctl -d "$node" -v pixelformat=MJPG --stream-mmap --stream-count=0 --stream-to="$TMPDIR/mjpeg" >/dev/null 2>&1 &
     local streamer=$!
-    eventually 20 busy "$node"
+    eventually 20 test -s "$TMPDIR/mjpeg" # asked before, the other one is who may set the format, and this one ends
+    busy "$node"
     kill "$streamer"
 }
 busy() { { v4l2-ctl -d "$1" -v pixelformat='Z16 ' 2>&1 || true; } | grep -q 'Device or resource busy'; }
